@@ -1,0 +1,53 @@
+// Module ioord: the order journal and work file as a stream of tagged records, read through a buffer, locked by
+// byte 0 while open for writing. One static image per tag: reading a record overwrites the previous of its kind.
+// order/wrk.h stands on it: the work file, its index, the marker file and the commit.
+#pragma once
+#include "order/ordrec.h"
+#include <cstdint>
+
+namespace zg {
+
+inline constexpr int BLOKLEN = 306; // a text block in memory; 300 of it are stored
+
+// The record images, one per tag.
+extern ordkop kop;
+extern ordmodel model;
+extern orddessin dessin;
+extern ordtekst tekstrec;
+extern ordmaat maatrec;
+extern ordextra extra_e, extra_b;
+extern ordlevt levtrec;
+extern ordfil filrec;
+
+struct ordhandle {
+    int fd;
+    int32_t offset; // of the current record
+    char tag;       // of the current record, 'X' at the end
+    uint8_t* buffer;
+    int32_t buflen, bufgeldig, bufstart;
+    char naam[13];
+    char seizoen[6];
+    int32_t laatste_o, laatste_m, laatste_d; // -1 when none met
+    bool schrijven;
+    bool zacht; // answer "bad" (tag 0) instead of stopping at an unknown or cut record: repair and orddump
+};
+
+// Body length of a tag, -1 for an unknown one. The image of a tag.
+int ord_lengte(char tag);
+void* ord_beeld(char tag);
+
+// Open by season directory and supplier; flags of open(2). Null when it can't be opened or, open for writing,
+// another terminal holds it (told in a window).
+ordhandle* ord_open_jrn(const char* map, int leverancier, int vlaggen);
+ordhandle* ord_open_wrk(const char* map, int leverancier, int vlaggen);
+void ord_sluit(ordhandle* h);
+// modus 'N' steps past the current record first. False at the end (tag 'X').
+bool ord_lees(ordhandle* h, char modus);
+bool ord_kind(ordhandle* h, char soort);
+bool ord_volgende_order(ordhandle* h);
+bool ord_eerste_order(ordhandle* h);
+bool ord_schrijf(ordhandle* h); // in place; false when the write failed
+bool ord_tekst_lees(ordhandle* h, int soort, char* blok);
+bool ord_tekst_schrijf(ordhandle* h, int soort, char* blok);
+
+} // namespace zg

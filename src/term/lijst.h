@@ -1,0 +1,36 @@
+// LIJST, a scrolling pick list in a window that knows nothing of data: four callbacks move, print the head,
+// give a row's text and read the user's keys. Optional marking of rows, handed back one by one.
+#pragma once
+#include <cstdint>
+
+namespace zg {
+
+struct Gemerkt {
+    uint32_t positie;
+    Gemerkt* volgende;
+};
+
+struct LIJST {
+    int32_t (*haal)(int32_t stap); // 0 reads the row at positie; not 0 when a row is there
+    void (*toets)();               // reads the next action: sets SCHERM.laatste and SCHERM.vlag
+    void (*kop)();                 // may be null
+    const char* (*regel)();        // text of the current row
+    uint32_t positie;              // identity of the current row; 0xFFFFFFFF at the start
+    uint8_t vast, merken, omgekeerd;
+    Gemerkt* gemerkt;
+    int32_t stand;
+    int32_t rij, kolom, hoogte, breedte; // window; 0 for the default
+    int32_t schermrij;
+    int32_t modus; // next paint: 0 or 4 one row, 1 or 8 scrolled by one, 2 or 16 whole page
+    char titel[84];
+};
+
+LIJST* LIJSTNEW(int32_t (*haal)(int32_t), void (*toets)(), void (*kop)(), const char* (*regel)());
+// 1 when a row was chosen, `positie` set and the row current; 0 when none. With `merken` further calls give the
+// next marked row.
+int LIJSTRUN(LIJST* lijst, int ampersand);
+void LIJSTDEL(LIJST* lijst);
+// The row of the window in which `toets` asks its search field (inside coordinates).
+int LIJSTVELDRIJ();
+
+} // namespace zg

@@ -1,0 +1,41 @@
+// National tables of code page 850: classes, case, compose sequences, and both directions to Unicode.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zg {
+
+enum Klasse : uint8_t {
+    N_GROOT = 1,
+    N_KLEIN = 2,
+    N_CIJFER = 4,
+    N_WIT = 8,
+    N_LEESTEKEN = 16,
+    N_CONTROL = 32,
+    N_BLANCO = 64,
+    N_HEX = 128
+};
+extern const uint8_t NKLASSE[256];
+extern const uint8_t NKAST[256];
+inline uint8_t NGROOT(uint8_t c) { return (NKLASSE[c] & N_KLEIN) ? NKAST[c] : c; }
+inline uint8_t NKLEIN(uint8_t c) { return (NKLASSE[c] & N_GROOT) ? NKAST[c] : c; }
+
+// Code of a compose sequence ("e'" gives 130), 0 when it isn't in the table.
+int COMPOSE(const char* reeks);
+
+// Unicode of a code page 850 byte: all 256 are distinct, control bytes map to themselves.
+char32_t CP850UIT(uint8_t c);
+// Byte of a Unicode character, with the honest substitutions (curly quotes, dashes); -1 when there is none.
+int CP850IN(char32_t u);
+// Without the substitutions: only exact pairs, so that a round trip loses nothing.
+int CP850EXACT(char32_t u);
+// Whole texts; CP850NAAR answers false when a character has no place (uit then holds '?' there).
+std::string CP850UTF8(std::string_view tekst);
+bool CP850NAAR(std::string_view utf8, std::string* uit);
+
+void GROOT(char* s);               // fold to upper case in place
+const char* GROOTKOPIE(const char* s); // folded copy, static buffer of 256 bytes
+void BEGINGROOT(char* s);          // first non-blank character to upper case
+
+} // namespace zg

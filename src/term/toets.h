@@ -1,0 +1,51 @@
+// Keys: reading, pushing back, waiting with a limit, names. Two sources beside the keyboard: the key stack
+// (typed ahead and pushed back) and a playing macro, which term/macro plugs in through MACROHAAK.
+#pragma once
+#include "term/scherm.h"
+
+namespace zg {
+
+// The next key, from stack, macro or keyboard; the only way to read keys for input. Refreshes the screen first.
+// A hang-up of the terminal ends the program with status 1; it never spins.
+int32_t TOETS(VENSTERP win);
+int32_t TOETS(); // on the current window
+// One key of the keyboard itself, without macro or stack. -1 only in no-delay mode.
+int32_t TOETSRAW(VENSTERP win);
+// 1 when a key waits; doesn't block. Moves waiting keyboard keys to the stack (or the playing macro).
+int TOETSKLAAR();
+void TOETSDRUK(int32_t key);  // push back: on the macro when one plays, else on the stack
+void TOETSTERUG(int32_t key); // push on the stack always
+// Wait at most `pogingen` seconds for a key; answers TOETSKLAAR().
+int TOETSWACHT(int rij, int kolom, int pogingen);
+// Throw away all waiting keys.
+void TOETSLEEG();
+// Display name of a key, "F5 " or "PGDN"; tekst holds at least 8 characters.
+void TOETSNAAM(int32_t key, char* tekst);
+// First character that the terminal's own cancel, exit or help key would send, -1 for none.
+int32_t TOETSTEKEN(int32_t key);
+
+// Allowed keys of the present INSTEL. Key 0 and codes outside 1 to 511 are never allowed. Allowing K_CANCEL
+// allows K_ESC too, K_HELP allows K_F1.
+void TOETSAAN(int32_t key);
+void TOETSUIT(int32_t key);
+bool TOETSTOE(int32_t key);
+bool TOETSNAMED(int32_t key); // allowed and in the key table
+bool TOETSCHECK(int32_t key); // allowed, in the table, and leaving through validation
+void TOETSCHECKAAN(int32_t key);
+void TOETSCHECKUIT(int32_t key);
+
+// What a macro player must offer; null members until term/macro registers itself.
+struct MacroHaak {
+    int32_t aan;    // macros enabled
+    int32_t speelt; // one is playing
+    int32_t (*haal)();        // next key of the playing macro, -1 at its end
+    int (*over)();            // keys left?
+    void (*druk)(int32_t key); // push on the playing macro
+    void (*stop)();           // end it
+    int32_t (*dialoog)();     // F2: the key to go on with, -2 for none
+    void (*bewaar)();         // before the terminal closes
+    void (*herstel)();        // after it has opened
+};
+extern MacroHaak MACROHAAK;
+
+} // namespace zg
