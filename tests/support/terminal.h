@@ -1,6 +1,7 @@
-// A program in a pseudo-terminal with a terminal emulator behind it: keys in, cells and attributes out. Serves
-// unit tests of term/ (a forked child runs a function) and end-to-end cases (the real binary). Rows and columns
-// count from 1. Nothing sleeps for a fixed time: waits poll with a limit and fail the test with the screen.
+// A program in a pseudo-terminal with a terminal emulator behind it: keys in, cells and attributes out.
+// Serves unit tests of term/ (a forked child runs a function) and end-to-end cases (the real binary). Rows
+// and columns count from 1. Nothing sleeps for a fixed time: waits poll with a limit and fail the test with
+// the screen.
 #pragma once
 #include <functional>
 #include <string>
@@ -19,46 +20,48 @@ struct Cel {
 
 struct Opties {
     int rijen = 25, kolommen = 80;
-    std::string term = "xterm";   // TERM; the program asks for its capitalised entry
+    std::string term = "xterm"; // TERM; the program asks for its capitalised entry
     std::string locale = "C.UTF-8";
-    std::string map;              // working directory, empty: the present one
+    std::string map;  // working directory, empty: the present one
+    std::string klok; // fixed moment "2016-03-01 12:00:00" for the real binary, empty: the real clock
     std::vector<std::pair<std::string, std::string>> omgeving;
 };
 
 class Terminal {
 public:
     Terminal(const std::vector<std::string>& argv, const Opties& opties = {});
-    Terminal(const std::function<int()>& kind, const Opties& opties = {}); // the child's exit status is its answer
-    ~Terminal(); // kills what still runs
+    Terminal(const std::function<int()>& kind,
+             const Opties& opties = {}); // the child's exit status is its answer
+    ~Terminal();                         // kills what still runs
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
     void stuur(std::string_view bytes); // bytes as the keyboard sends them
-    // Keys by name between < >, text as it stands: toetsen("2016<Enter><F5><Down><Esc>"). Names: Enter Esc Tab
-    // BTab Up Down Left Right Home End PgUp PgDn Ins Del Back F1..F12 Cancel Help, "<lt>" for '<'. Each key
-    // waits until the program has read it and is reading again.
+    // Keys by name between < >, text as it stands: toetsen("2016<Enter><F5><Down><Esc>"). Names: Enter Esc
+    // Tab BTab Up Down Left Right Home End PgUp PgDn Ins Del Back F1..F12 Cancel Help, "<lt>" for '<'. Each
+    // key waits until the program has read it and is reading again.
     void toetsen(std::string_view reeks);
     void reeks(std::string_view tekst); // the same, all in one burst
 
-    bool kalm(int ms = 5000);                              // until the program waits for a key
-    bool wacht(std::string_view tekst, int ms = 5000);     // until the text stands anywhere
+    bool kalm(int ms = 5000);                          // until the program waits for a key
+    bool wacht(std::string_view tekst, int ms = 5000); // until the text stands anywhere
     bool wacht_op(int rij, int kolom, std::string_view tekst, int ms = 5000);
-    bool weg(std::string_view tekst, int ms = 5000);       // until it is gone
-    std::string regel(int rij);                            // UTF-8, right-trimmed
-    std::string stuk(int rij, int kolom, int breedte);     // UTF-8, untrimmed
-    std::string scherm();                                  // all rows, trailing blanks cut
+    bool weg(std::string_view tekst, int ms = 5000);   // until it is gone
+    std::string regel(int rij);                        // UTF-8, right-trimmed
+    std::string stuk(int rij, int kolom, int breedte); // UTF-8, untrimmed
+    std::string scherm();                              // all rows, trailing blanks cut
     Cel cel(int rij, int kolom);
     int cursor_rij();
     int cursor_kolom();
-    int bellen();                                          // bells heard so far
+    int bellen(); // bells heard so far
 
     int einde(int ms = 5000); // wait for the end: exit status, 128 + signal, -1 when it still runs
     bool leeft();
     void sein(int signaal);
-    void hangop();            // the terminal goes away
+    void hangop(); // the terminal goes away
     void maat(int rijen, int kolommen);
     pid_t pid() const;
-    std::string uitvoer();    // all bytes that the program has sent
+    std::string uitvoer(); // all bytes that the program has sent
 
 private:
     struct Binnen;
