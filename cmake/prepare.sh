@@ -1,0 +1,28 @@
+# What ./run and ./test share: packages and the build. Sourced with the source directory as working directory.
+preset=${preset:-release}
+build_dir=$PWD/build/$preset
+
+# install_packages GROUP...: the Debian packages of these lines of data/packages that aren't there yet.
+install_packages() {
+  local group p words wanted=() missing=()
+  for group; do
+    read -ra words < <(sed -n "s/^$group: *//p" data/packages)
+    wanted+=("${words[@]}")
+  done
+  for p in "${wanted[@]}"; do
+    dpkg-query -W -f '${Status}' "$p" 2>/dev/null | grep -q 'ok installed' || missing+=("$p")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  echo "installing ${missing[*]}"
+  local sudo=
+  [ "$(id -u)" -eq 0 ] || sudo=sudo
+  $sudo apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build [TARGET...]: everything without targets.
+build() {
+  echo "building in build/$preset"
+  [ -e "$build_dir/build.ninja" ] || cmake --preset "$preset" >/dev/null
+  ninja -C "$build_dir" -j "${JOBS:-2}" --quiet "$@"
+}
