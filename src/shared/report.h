@@ -1,4 +1,5 @@
-// Error reports that stop the program: one Dutch line with the module's tag and a number, a box, Enter, status
+// Error reports that stop the program: one Dutch line with the module's tag and a number, a box, Enter,
+// status
 // 1. Nothing returns. Used by the store and everything above it.
 #pragma once
 #include "term/scherm.h"
@@ -8,11 +9,13 @@ namespace zg {
 struct ICB;
 
 // Tags are file names: directory and extension are dropped, capitals folded.
-[[noreturn]] void NOMEM(const char* tag, int nr);                  // "%s: Onvoldoende geheugen (nr=%d)"
-[[noreturn]] void OPENFAIL(const char* tag, const char* bestand);  // "... Open niet gelukt (file=%s, errno=%d)"
-[[noreturn]] void BADKEY(const char* tag, const char* naam, int keynr, int verwacht); // naam: 11 bytes at most
+[[noreturn]] void NOMEM(const char* tag, int nr); // "%s: Onvoldoende geheugen (nr=%d)"
+[[noreturn]] void OPENFAIL(const char* tag,
+                           const char* bestand); // "... Open niet gelukt (file=%s, errno=%d)"
+[[noreturn]] void BADKEY(const char* tag, const char* naam, int keynr,
+                         int verwacht);                                  // naam: 11 bytes at most
 [[noreturn]] void BADKEY(const char* tag, const ICB* icb, int verwacht); // defined beside the store
-[[noreturn]] void INTERNAL(const char* tag, int nr);               // "%s: errno=%d"
+[[noreturn]] void INTERNAL(const char* tag, int nr);                     // "%s: errno=%d"
 [[noreturn]] void IOFAIL(const char* tag, int nr);
 
 } // namespace zg

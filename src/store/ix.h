@@ -122,7 +122,7 @@ void IXWRREC(ICB* icb, const void* rec);
 extern void (*IXWAITHOOK)(ICB* icb);
 int IXLOCKRGN(char letter, ICB* icb, int fd, int64_t start, int64_t lengte);
 int IXLOCK(ICB* icb, int operatie);
-int IOFLOCK(int fd, int commando, int64_t lengte); // lockf from the present position, 3 4 13 14
+// IOLOCK, IOFLOCK and IXCOMMITHOOK: shared/files.h.
 
 // Rebuild, bulk, cache, temporary tables: store/rebuild.h, store/cache.h, store/tabel.h.
 

@@ -1,0 +1,274 @@
+// File helpers: tests on paths, temporary names, copy and move, scrambled texts. Directory scans are in
+// mapscan.cpp, locks in iolock.cpp.
+#include "shared/files.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+#include <vector>
+
+namespace zg {
+namespace {
+
+constexpr int64_t SLOTLENGTE = 2147483646;
+constexpr int RECHTEN = 0660;
+
+int niets() {
+    return 0;
+}
+int64_t seconden() {
+    return time(nullptr);
+}
+
+bool zelfde_bestand(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+bool schrijf_alles(int fd, const char* p, size_t n) {
+    while (n > 0) {
+        ssize_t k = write(fd, p, n);
+        if (k < 0 && errno == EINTR)
+            continue;
+        if (k <= 0)
+            return false;
+        p += k;
+        n -= static_cast<size_t>(k);
+    }
+    return true;
+}
+
+bool kopieer(int van, int naar) {
+    static char buffer[32768];
+    for (;;) {
+        ssize_t n = read(van, buffer, sizeof buffer);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return n == 0;
+        if (!schrijf_alles(naar, buffer, static_cast<size_t>(n)))
+            return false;
+    }
+}
+
+// The path with its links resolved; its last part alone need not exist.
+std::string volledig(const std::string& pad) {
+    if (char* vol = realpath(pad.c_str(), nullptr)) {
+        std::string uit = vol;
+        free(vol);
+        return uit;
+    }
+    return pad;
+}
+
+} // namespace
+
+int (*IXCOMMITHOOK)() = niets;
+int64_t (*SCRAMBLEKLOK)() = seconden;
+
+int IOEXISTS(const char* pad) {
+    struct stat st;
+    return stat(pad, &st) == 0;
+}
+
+int IOISDIR(const char* pad) {
+    struct stat st;
+    return stat(pad, &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+int64_t IOSIZE(const char* pad) {
+    struct stat st;
+    return stat(pad, &st) == 0 ? st.st_size : -1;
+}
+
+int IOUNLINK(const char* pad) {
+    return unlink(pad) == 0 || errno == ENOENT;
+}
+
+int IOCHDIR(const char* pad) {
+    return chdir(pad) == 0;
+}
+
+const char* IOTMPNAM(const char* map, const char* prefix) {
+    static char eerste = 'A', tweede = 'A';
+    static int nummer = -1;
+    static std::string pad;
+    if (nummer < 0)
+        nummer = static_cast<int>(getpid() % 100);
+    std::string stam = map && *map ? std::string(map) + "/" : std::string();
+    stam.append(prefix ? prefix : "", prefix ? strnlen(prefix, 4) : 0);
+    for (int poging = 0; poging < 26 * 26 * 100; poging++) {
+        if (++tweede > 'Z') {
+            tweede = 'A';
+            if (++eerste > 'Z') {
+                eerste = 'A';
+                nummer = (nummer + 1) % 100;
+            }
+        }
+        char staart[8];
+        snprintf(staart, sizeof staart, "%c%c%02d", eerste, tweede, nummer);
+        pad = stam + staart;
+        int fd = open(pad.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, RECHTEN);
+        if (fd >= 0) {
+            close(fd);
+            unlink(pad.c_str());
+            return pad.c_str();
+        }
+        if (errno != EEXIST)
+            break;
+    }
+    pad.clear();
+    return pad.c_str();
+}
+
+int IOCOPY(const char* van, const char* naar, int hoe) {
+    bool op_slot = true;
+    int bron = open(van, O_RDWR | O_CLOEXEC);
+    if (bron < 0) {
+        op_slot = false;
+        bron = open(van, O_RDONLY | O_CLOEXEC);
+    }
+    struct stat a, b;
+    if (bron < 0 || fstat(bron, &a) < 0) {
+        if (bron >= 0)
+            close(bron);
+        return 0;
+    }
+    if (stat(naar, &b) == 0 && zelfde_bestand(a, b)) {
+        close(bron);
+        return 0;
+    }
+    if (op_slot)
+        IOFLOCK(bron, 3, SLOTLENGTE);
+    bool goed = false;
+    // Cut only once the lock is held: another may be at work in the target.
+    int doel = open(naar,
+                    O_WRONLY | O_CREAT | O_CLOEXEC |
+                        (hoe < 0   ? O_EXCL
+                         : hoe > 0 ? O_APPEND
+                                   : 0),
+                    RECHTEN);
+    if (doel >= 0) {
+        int64_t plaats = hoe > 0 ? lseek(doel, 0, SEEK_END) : 0;
+        IOFLOCK(doel, 3, SLOTLENGTE - plaats);
+        goed = (hoe != 0 || ftruncate(doel, 0) == 0) && kopieer(bron, doel);
+        IXCOMMITHOOK();
+        lseek(doel, plaats, SEEK_SET);
+        IOFLOCK(doel, 13, SLOTLENGTE - plaats);
+        goed = close(doel) == 0 && goed;
+        if (!goed && plaats == 0)
+            unlink(naar);
+    }
+    lseek(bron, 0, SEEK_SET);
+    if (op_slot)
+        IOFLOCK(bron, 13, SLOTLENGTE);
+    close(bron);
+    return goed;
+}
+
+int IOMOVE(const char* van_, const char* naar_, int overschrijf) {
+    std::string van = van_, naar = naar_; // either may be the static name of IOTMPNAM
+    struct stat a, b;
+    if (stat(van.c_str(), &a) < 0)
+        return 0;
+    if (overschrijf) {
+        if (lstat(naar.c_str(), &b) == 0 && zelfde_bestand(a, b))
+            // Two names of one file, which rename leaves both; or one name, and then all is done.
+            return volledig(van) == volledig(naar) || unlink(van.c_str()) == 0;
+        if (rename(van.c_str(), naar.c_str()) == 0)
+            return 1;
+        // Across file systems: copy beside the target, so that it is never half there.
+        std::string naast = naar + "." + std::to_string(getpid());
+        if (!IOCOPY(van.c_str(), naast.c_str(), -1))
+            return 0;
+        if (rename(naast.c_str(), naar.c_str()) < 0) {
+            unlink(naast.c_str());
+            return 0;
+        }
+    } else if (link(van.c_str(), naar.c_str()) < 0 && !IOCOPY(van.c_str(), naar.c_str(), -1)) {
+        return 0;
+    }
+    return IOUNLINK(van.c_str());
+}
+
+int64_t IODISKFREE() {
+    struct statvfs st;
+    return statvfs(".", &st) == 0 ? static_cast<int64_t>(st.f_bavail) : 2147483647;
+}
+
+int64_t IODIRSIZE(const char* map) {
+    std::string stam = map && *map ? map : ".";
+    DIR* dir = opendir(stam.c_str());
+    if (!dir)
+        return 0;
+    int64_t som = 0;
+    struct stat st;
+    while (const dirent* de = readdir(dir))
+        if (stat((stam + "/" + de->d_name).c_str(), &st) == 0 && S_ISREG(st.st_mode))
+            som += st.st_size;
+    closedir(dir);
+    return som;
+}
+
+int IOMAXFILES() {
+    std::vector<int> fds;
+    while (fds.size() < 200) {
+        int fd = open("OPENFILE", O_RDWR | O_CREAT | O_CLOEXEC, RECHTEN);
+        if (fd < 0)
+            break;
+        fds.push_back(fd);
+    }
+    for (int fd : fds)
+        close(fd);
+    unlink("OPENFILE");
+    return static_cast<int>(fds.size());
+}
+
+const char* IOBASENAME(const char* pad) {
+    const char* deel = strrchr(pad, '\\');
+    if (!deel)
+        deel = strrchr(pad, '/');
+    return deel ? deel + 1 : pad;
+}
+
+void SCRAMBLE(char* s) {
+    int zaad = (static_cast<int>(SCRAMBLEKLOK() % 94) + 32) | 128;
+    int a = zaad / 10 + 1, b = zaad % 10 + 5, teken = -1;
+    size_t n = strlen(s);
+    for (size_t i = 0; i < n; i++, teken = -teken) {
+        int v = static_cast<uint8_t>(s[i]) - 32 + static_cast<int>((i + 1) % 222) * a * teken + b;
+        v %= 222;
+        s[i] = static_cast<char>((v < 0 ? v + 222 : v) + 32);
+    }
+    std::reverse(s, s + n);
+    s[n] = static_cast<char>(zaad);
+    s[n + 1] = 0;
+}
+
+void UNSCRAMBLE(char* s) {
+    size_t n = strlen(s);
+    if (n < 2) {
+        *s = 0;
+        return;
+    }
+    n--;
+    int zaad = static_cast<uint8_t>(s[n]);
+    int modulus = zaad > 127 ? 222 : 94; // 94: how names were hidden before letters had accents
+    int a = zaad / 10 + 1, b = zaad % 10 + 5, teken = -1;
+    s[n] = 0;
+    std::reverse(s, s + n);
+    for (size_t i = 0; i < n; i++, teken = -teken) {
+        int v = static_cast<uint8_t>(s[i]) - 32 -
+                static_cast<int>((i + 1) % static_cast<size_t>(modulus)) * a * teken - b;
+        v %= modulus;
+        s[i] = static_cast<char>((v < 0 ? v + modulus : v) + 32);
+    }
+}
+
+} // namespace zg
