@@ -1,9 +1,10 @@
-// Module ioord: the order journal and work file as a stream of tagged records, read through a buffer, locked by
-// byte 0 while open for writing. One static image per tag: reading a record overwrites the previous of its kind.
-// order/wrk.h stands on it: the work file, its index, the marker file and the commit.
+// Module ioord: the order journal and work file as a stream of tagged records, read through a buffer, locked
+// by byte 0 while open for writing. One static image per tag: reading a record overwrites the previous of its
+// kind. order/wrk.h stands on it: the work file, its index, the marker file and the commit.
 #pragma once
 #include "order/ordrec.h"
 #include <cstdint>
+#include <string>
 
 namespace zg {
 
@@ -27,6 +28,7 @@ struct ordhandle {
     int32_t buflen, bufgeldig, bufstart;
     char naam[13];
     char seizoen[6];
+    std::string pad;                         // the path it was opened by
     int32_t laatste_o, laatste_m, laatste_d; // -1 when none met
     bool schrijven;
     bool zacht; // answer "bad" (tag 0) instead of stopping at an unknown or cut record: repair and orddump
@@ -41,13 +43,22 @@ void* ord_beeld(char tag);
 ordhandle* ord_open_jrn(const char* map, int leverancier, int vlaggen);
 ordhandle* ord_open_wrk(const char* map, int leverancier, int vlaggen);
 void ord_sluit(ordhandle* h);
+// Close a journal; an empty one is deleted first, while the lock still keeps others out.
+void ord_sluit_jrn(ordhandle* h);
 // modus 'N' steps past the current record first. False at the end (tag 'X').
 bool ord_lees(ordhandle* h, char modus);
 bool ord_kind(ordhandle* h, char soort);
 bool ord_volgende_order(ordhandle* h);
 bool ord_eerste_order(ordhandle* h);
-bool ord_schrijf(ordhandle* h); // in place; false when the write failed
+// In place; false when the write failed: told in a box, the file is as it was.
+bool ord_schrijf(ordhandle* h);
+// The header `kop` with its two condition texts at offset 0, in one write; answers as ord_schrijf.
+bool ord_kop_schrijf(ordhandle* h, char* levering, char* betaling);
+// The text of a kind behind the current O, M or D record into a block; false when there is no such record.
+// Offset and tag stay.
 bool ord_tekst_lees(ordhandle* h, int soort, char* blok);
+// Overwrite the five T records of a kind (1 to 4) behind the current O, M or D record of a work file. A block
+// of nothing but newlines is cleared first. False when the five are not there or the write failed (told).
 bool ord_tekst_schrijf(ordhandle* h, int soort, char* blok);
 
 } // namespace zg

@@ -43,7 +43,7 @@ struct orddessin { // 'D': one order line
     char vrij108[16];
     int32_t consprijs;
 };
-struct ordtekst { // 'T'
+struct ordtekst {  // 'T'
     uint8_t soort; // 1 delivery, 2 payment, 3 model, 4 dessin
     char tekst[60];
 };
@@ -58,7 +58,7 @@ struct ordextra { // 'E' and 'B': kept with the S in front of them
 struct ordlevt { // 'L'
     uint16_t eerste, laatste;
 };
-struct ordfil { // 'F'
+struct ordfil {            // 'F'
     uint8_t filiaal, maat; // branch index, size index
     uint16_t vrij2;
     int32_t aantal;
@@ -79,10 +79,10 @@ struct ordparm { // ORDPARM.SYS, 112 bytes
     char vrij5[27];
     uint8_t invoerstijl; // 1 key by key
     char vrij33[11];
-    uint8_t kopvraag[20];   // 44 + i, header field i
-    uint8_t modelvraag[20]; // 64 + i
+    uint8_t kopvraag[20];    // 44 + i, header field i
+    uint8_t modelvraag[20];  // 64 + i
     uint8_t dessinvraag[10]; // 84 + i
-    uint8_t afbeelding;     // 94
+    uint8_t afbeelding;      // 94
     char vrij95[17];
 };
 #pragma pack(pop)
@@ -91,8 +91,9 @@ static_assert(sizeof(ordkop) == 120 && offsetof(ordkop, korting) == 44 && offset
               offsetof(ordkop, toeslag) == 60 && offsetof(ordkop, lev_ordernr) == 68 &&
               offsetof(ordkop, ontvangstlocatie) == 103);
 static_assert(sizeof(ordmodel) == 24 && offsetof(ordmodel, artikelgroep) == 20);
-static_assert(sizeof(orddessin) == 128 && offsetof(orddessin, kleur) == 44 && offsetof(orddessin, maten) == 52 &&
-              offsetof(orddessin, adviesblok) == 64 && offsetof(orddessin, consprijs) == 124);
+static_assert(sizeof(orddessin) == 128 && offsetof(orddessin, kleur) == 44 &&
+              offsetof(orddessin, maten) == 52 && offsetof(orddessin, adviesblok) == 64 &&
+              offsetof(orddessin, consprijs) == 124);
 static_assert(sizeof(ordtekst) == 61 && sizeof(ordmaat) == 12 && sizeof(ordextra) == 13);
 static_assert(sizeof(ordlevt) == 4 && sizeof(ordfil) == 8 && sizeof(ors_ingang) == 12);
 static_assert(sizeof(act_record) == 100 && sizeof(ordparm) == 112 && offsetof(ordparm, invoerstijl) == 32 &&

@@ -1,25 +1,31 @@
-// The work file of one order: opened as a full-layout copy, indexed by line in the ORS file, marked by the ACT
-// file, committed into the journal by wrk_sluit. Every structural change builds TMP and renames it over WRK.
+// The work file of one order: opened as a full-layout copy, indexed by line in the ORS file, marked by the
+// ACT file, committed into the journal by wrk_sluit. Every structural change builds TMP and renames it over
+// WRK.
 #pragma once
 #include "order/ioord.h"
 #include <string>
 
 namespace zg {
 
-extern int32_t aantal_regels;       // lines of the open order
-extern ordhandle* journaal;         // the open journal, null when none
-extern ordhandle* werk;             // the open work file, null when none
+extern int32_t aantal_regels;               // lines of the open order
+extern ordhandle* journaal;                 // the open journal, null when none
+extern ordhandle* werk;                     // the open work file, null when none
 extern int32_t order_start, order_volgende; // the order's place in the journal; volgende -1 for none
-extern bool order_nieuw;            // a new order is being entered
-extern ors_ingang regelingang;      // the cursor's entry
+extern bool order_nieuw;                    // a new order is being entered
+// The order may only be looked at: set by wrk_open and the repair from the status that the journal holds.
+extern bool order_alleen_lezen;
+extern ors_ingang regelingang; // the cursor's entry
 
 // Names of the five files of the chosen supplier, empty outside an order; ext is "JRN", "WRK" ...
 void wrk_namen();
 void wrk_namen_wis();
 std::string wrk_naam(const char* ext);
 
+// False when a scratch file can't be made (told); none of them is left then.
 bool wrk_open();
-// Commit; false (box shown, WRK and ACT kept) when a write failed and the journal is as it was.
+// Commit, and go on with the new journal in `journaal`. False (box shown, WRK and ACT kept for the repair)
+// when a write failed; the journal is as it was then. An order that may only be looked at leaves the journal
+// alone. In all cases `werk` is closed and the names are cleared.
 bool wrk_sluit();
 bool wrk_actief_schrijf();
 void wrk_actief_wis();
@@ -30,9 +36,14 @@ bool tmp_nieuw(bool ors_ook);
 bool tmp_schrijf(char tag, bool indexeer);
 bool tmp_tekst(int soort, char* blok);
 // False when a write failed: told in a box, the work file is as it was.
+// The line in hand is the shared line of order/regel.h with the texts below. Afterwards *ingang is the
+// entry of: the new line; the line that took the deleted one's place (cleared when none is left); the same
+// line.
 bool wrk_regel_in(ors_ingang* ingang, bool met_model);
 bool wrk_regel_uit(ors_ingang* ingang);
 bool wrk_regel_vervang(ors_ingang* ingang);
+// Texts of kinds 3 and 4 of the line in hand, BLOKLEN bytes each.
+extern char modeltekst[BLOKLEN], dessintekst[BLOKLEN];
 // Automatic restore of an interrupted order: true when the journal has it (back) whole.
 bool herstel_order();
 
