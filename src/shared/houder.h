@@ -1,0 +1,20 @@
+// Who holds a lock: every running program keeps its own user slot locked, so the process that is in the way
+// names its user.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+namespace zg {
+
+struct ICB;
+
+// Text that names the holder of a region. On entry `tekst` may hold "PROG" (a program is in use) or '~' and a
+// word (that is in use); else it is about information. ruimte: bytes of `tekst`; 80 holds every such text.
+void houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte);
+// A one-line window above the status line with two texts behind each other, for 2 seconds. Without a screen
+// only the wait.
+void houder_toon(const char* kop, const char* tekst);
+// The wait routine for IXWAITHOOK: names the holder of the record lock at the handle's currec.
+void houder_wacht(ICB* icb);
+
+} // namespace zg

@@ -1,0 +1,219 @@
+// Module iotab: slots of the fixed tables in DTSYS.TXT, and the program's images of the most used ones.
+#include "shared/iotab.h"
+#include "shared/files.h"
+#include "shared/houder.h"
+#include "shared/teksten.h"
+#include "term/scherm.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace zg {
+
+sysfirma firma;
+sysstatus status10;
+sysinstel instel15;
+int32_t sessie;
+gebruikerslot gebruiker;
+
+namespace {
+
+constexpr char BESTAND[] = "DTSYS.TXT";
+int fd = -1;
+
+int64_t plaats(int32_t nr, const Systabel& tabel) {
+    return tabel.start + int64_t{nr - 1} * tabel.grootte;
+}
+
+bool binnen(int32_t nr, const Systabel& tabel) {
+    return nr >= 1 && nr <= tabel.slots;
+}
+
+void zoek(char letter, int64_t offset) {
+    if (lseek(fd, offset, SEEK_SET) < 0)
+        SCRFATAL("%s: errno=%d a=%c fd=%d o=%ld", "iotab", errno, letter, fd, static_cast<long>(offset));
+}
+
+int lees(char letter, int32_t nr, void* record, const Systabel& tabel) {
+    auto n = static_cast<size_t>(tabel.grootte);
+    auto* bytes = static_cast<char*>(record);
+    if (binnen(nr, tabel)) {
+        zoek(letter, plaats(nr, tabel));
+        if (read(fd, record, n) == static_cast<ssize_t>(n))
+            return std::any_of(bytes, bytes + n, [](char c) { return c != 0; });
+    }
+    memset(record, 0, n);
+    return 0;
+}
+
+void schrijf(char letter, int32_t nr, const void* record, const Systabel& tabel) {
+    if (!binnen(nr, tabel))
+        return;
+    zoek(letter, plaats(nr, tabel));
+    // A failing write is not told: the slot stays as it was.
+    [[maybe_unused]] ssize_t n = write(fd, record, static_cast<size_t>(tabel.grootte));
+}
+
+int slot(char letter, int32_t nr, const Systabel& tabel) {
+    return binnen(nr, tabel) && IOLOCK(letter, fd, plaats(nr, tabel), tabel.grootte);
+}
+
+void neem(int32_t nr, const Systabel& tabel) {
+    zoek('X', plaats(nr, tabel));
+    while (!slot('S', nr, tabel)) {
+        char tekst[81] = "";
+        houder_tekst(tekst, sizeof tekst, fd, plaats(nr, tabel), tabel.grootte);
+        houder_toon("SYSTEEM-", tekst);
+    }
+}
+
+int volgende(int32_t* nr, void* record, const Systabel& tabel) {
+    *nr = std::max(*nr, 0);
+    while (*nr <= tabel.slots) {
+        ++*nr;
+        if (lees('N', *nr, record, tabel))
+            return 1;
+    }
+    return 0;
+}
+
+int vorige(int32_t* nr, void* record, const Systabel& tabel) {
+    *nr = std::min(*nr, tabel.slots + 1);
+    while (*nr > 0) {
+        --*nr;
+        if (lees('P', *nr, record, tabel))
+            return 1;
+    }
+    return 0;
+}
+
+void open_tabellen() {
+    if (fd >= 0)
+        return;
+    fd = open(BESTAND, O_RDWR | O_CLOEXEC);
+    if (fd < 0) {
+        char map[PATH_MAX];
+        SCRFATAL(TXT(T_NIET_AANWEZIG), BESTAND, getcwd(map, sizeof map) ? map : "");
+    }
+}
+
+void sluit_tabellen() {
+    if (fd >= 0)
+        close(fd);
+    fd = -1;
+}
+
+void lees_image(int32_t nr, void* record) {
+    iotab('R', &nr, record, SYS_RECORD);
+}
+
+} // namespace
+
+int iotab(char letter, int32_t* nr, void* record, const Systabel& tabel) {
+    switch (letter) {
+    case 'O':
+        *nr = 1;
+        open_tabellen();
+        return 1;
+    case 'C':
+        sluit_tabellen();
+        return 1;
+    case 'R':
+        return lees(letter, *nr, record, tabel);
+    case 'F':
+        return lees(letter, *nr, record, tabel) || volgende(nr, record, tabel);
+    case 'N':
+        return volgende(nr, record, tabel);
+    case 'P':
+        return vorige(nr, record, tabel);
+    case 'X':
+        if (binnen(*nr, tabel))
+            neem(*nr, tabel);
+        return lees(letter, *nr, record, tabel);
+    case 'D':
+        memset(record, 0, static_cast<size_t>(tabel.grootte));
+        [[fallthrough]];
+    case 'W':
+        schrijf(letter, *nr, record, tabel);
+        slot('U', *nr, tabel);
+        return 1;
+    case 'w':
+        schrijf(letter, *nr, record, tabel);
+        return 1;
+    case 'T':
+    case 'U':
+        return slot(letter, *nr, tabel);
+    default:
+        return 0;
+    }
+}
+
+int iotab_fd() {
+    return fd;
+}
+
+int iotab_setcode(int32_t* nr, tekst20* record) {
+    int32_t tiental = gebruiker.set * 10;
+    *nr += tiental;
+    int gelezen = iotab('R', nr, record, SYS_SETCODE) && *nr / 10 == gebruiker.set && *nr % 10 > 0;
+    if (gelezen)
+        *nr %= 10;
+    else
+        *nr -= tiental;
+    return gelezen;
+}
+
+int iotab_code(char letter, int soort, int32_t* nr, tekst30* record) {
+    static constexpr Systabel tabellen[4][2] = {{SYS_ACTIE_KOP, SYS_ACTIE},
+                                                {SYS_CORRECTIE_KOP, SYS_CORRECTIE},
+                                                {SYS_INKOOP_KOP, SYS_INKOOP},
+                                                {SYS_DEELSEIZOEN_KOP, SYS_DEELSEIZOEN}};
+    if (soort < 1 || soort > 4)
+        return 0;
+    // 'N' and 'P' walk the codes, so for them 0 is the place in front of the first.
+    if (*nr == 0 && letter != 'N' && letter != 'P') {
+        *nr = 1;
+        return iotab(letter, nr, record, tabellen[soort - 1][0]);
+    }
+    return iotab(letter, nr, record, tabellen[soort - 1][1]);
+}
+
+int32_t iotab_teller(int sysrecord, int32_t hoogste) {
+    systeller teller;
+    int32_t nr = sysrecord;
+    iotab('X', &nr, &teller, SYS_RECORD);
+    if (teller.laatste < 1 || teller.laatste >= hoogste)
+        teller.laatste = 999;
+    teller.laatste++;
+    iotab('W', &nr, &teller, SYS_RECORD);
+    return teller.laatste;
+}
+
+void sys_lees() {
+    lees_image(1, &firma);
+    lees_image(10, &status10);
+    lees_image(15, &instel15);
+}
+
+void gebruiker_schrijf(char letter) {
+    int32_t nr = sessie;
+    iotab(letter, &nr, &gebruiker, SYS_GEBRUIKER);
+}
+
+const char* gebruiker_naam() {
+    return gebruiker_naam(gebruiker);
+}
+
+const char* gebruiker_naam(const gebruikerslot& van) {
+    static char naam[sizeof van.username + 1];
+    memset(naam, 0, sizeof naam);
+    memcpy(naam, van.username, sizeof van.username);
+    UNSCRAMBLE(naam);
+    return naam;
+}
+
+} // namespace zg

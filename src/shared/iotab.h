@@ -1,0 +1,37 @@
+// Module iotab: the fixed tables in DTSYS.TXT, slot by slot. The file is opened once and kept open, since
+// closing it drops the lock on the user's own slot. shared/sysrec.h has the tables and their records.
+#pragma once
+#include "shared/sysrec.h"
+
+namespace zg {
+
+// One slot of a table; the number counts from 1 and moves with 'F', 'N', 'P'. The record holds tabel.grootte.
+//   'O' open (number := 1; stops the program when the file is missing)     'C' close
+//   'R' read: 1 when the slot is there and not empty                       'X' the same, locked: waits, with
+//   the 'F' read, or the first filled one behind it                                holder's name on the
+//   screen 'N' next filled one, number slots + 1 at the end                       'P' previous, number 0 at
+//   the start 'W' write and release   'w' write and keep   'D' clear and release     'T' is it free?   'U'
+//   release
+// W, w and D write nothing outside the table and answer 1. A number outside answers 0 for the other letters,
+// and takes no lock. An empty or missing slot leaves zeros in the record; 'X' keeps its lock then.
+int iotab(char letter, int32_t* nr, void* record, const Systabel& tabel);
+
+template <class R> int iotab(char letter, Slot<R>* slot, const Systabel& tabel) {
+    int32_t nr = slot->nr; // the slot is packed: no pointer to its number
+    int uit = sizeof(R) >= static_cast<size_t>(tabel.grootte) ? iotab(letter, &nr, &slot->r, tabel) : 0;
+    slot->nr = nr;
+    return uit;
+}
+
+int iotab_fd(); // descriptor of DTSYS.TXT, -1 when closed
+
+// One-digit codes by set, 'R' only: *nr is the code, and its units digit on success; the record 20 bytes.
+int iotab_setcode(int32_t* nr, tekst20* record);
+// The four code tables by kind 1 to 4 (actiecode, correctiecode, inkoopcode, deelseizoen): slot 0 is the head
+// slot, whose number becomes 1.
+int iotab_code(char letter, int soort, int32_t* nr, tekst30* record);
+
+// Draw the next number of a counter record (2 series, 5 orders): from 1000 to `hoogste`, then 1000 again.
+int32_t iotab_teller(int sysrecord, int32_t hoogste);
+
+} // namespace zg
