@@ -1,0 +1,170 @@
+#include "term/strings.h"
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace zg {
+namespace {
+
+TEST(Strings, WissenEnInvoegen) {
+    struct {
+        const char* in;
+        int pos, n;
+        const char* uit;
+    } const wissen[] = {
+        {"abcdef", 0, 2, "cdef"},     {"abcdef", 4, 2, "abcd"},   {"abcdef", 2, 1, "abdef"},
+        {"abcdef", 0, 6, ""},         {"abcdef", 5, 2, "abcdef"}, {"abcdef", 6, 1, "abcdef"},
+        {"abcdef", -1, 2, "abcdef"},  {"abcdef", 1, 0, "abcdef"}, {"", 0, 1, ""},
+        {"abc", 1, INT32_MAX, "abc"},
+    };
+    for (const auto& g : wissen) {
+        char s[16];
+        memset(s, '#', sizeof s);
+        strcpy(s, g.in);
+        WISTEKENS(s, g.pos, g.n);
+        EXPECT_STREQ(s, g.uit) << g.in << ' ' << g.pos << ' ' << g.n;
+        for (size_t i = strlen(s); i <= strlen(g.in); i++)
+            EXPECT_EQ(s[i], 0) << "the tail must be NUL";
+        EXPECT_EQ(s[strlen(g.in) + 1], '#');
+    }
+    struct {
+        const char *in, *erin;
+        int pos;
+        const char* uit;
+    } const invoegen[] = {
+        {"ad", "bc", 1, "abcd"}, {"", "x", 0, "x"},   {"ab", "c", 2, "abc"},   {"ab", "c", 3, "ab"},
+        {"ab", "c", -1, "ab"},   {"ab", "", 1, "ab"}, {"ab", "zz", 0, "zzab"},
+    };
+    for (const auto& g : invoegen) {
+        char s[16] = "";
+        strcpy(s, g.in);
+        VOEGTEKST(s, g.erin, g.pos);
+        EXPECT_STREQ(s, g.uit) << g.in << ' ' << g.pos;
+    }
+    char s[8] = "ac";
+    VOEGIN(s, 'b', 1);
+    EXPECT_STREQ(s, "abc");
+}
+
+TEST(Strings, ZoekenEnTrimmen) {
+    EXPECT_EQ(ZOEKTEKEN('c', "abcabc"), 2);
+    EXPECT_EQ(ZOEKTEKEN('x', "abc"), -1);
+    EXPECT_EQ(ZOEKTEKEN(0, "abc"), -1);
+    EXPECT_EQ(ZOEKTEKST("ca", "abcabc"), 2);
+    EXPECT_EQ(ZOEKTEKST("cb", "abcabc"), -1);
+    struct {
+        const char *in, *r, *l, *beide;
+    } const trim[] = {
+        {"  ab  ", "  ab", "ab  ", "ab"}, {"    ", "", "", ""},           {"", "", "", ""},
+        {"a b", "a b", "a b", "a b"},     {"\tx ", "\tx", "\tx ", "\tx"},
+    };
+    for (const auto& g : trim) {
+        char s[16];
+        RTRIM(strcpy(s, g.in));
+        EXPECT_STREQ(s, g.r);
+        LTRIM(strcpy(s, g.in));
+        EXPECT_STREQ(s, g.l);
+        TRIM(strcpy(s, g.in));
+        EXPECT_STREQ(s, g.beide);
+    }
+    EXPECT_EQ(VERGELIJK("abc", "abd", 2), 0);
+    EXPECT_LT(VERGELIJK("abc", "abd", 3), 0);
+    EXPECT_GT(VERGELIJK("\xE9", "z", 1), 0) << "bytes, not signed characters";
+}
+
+TEST(Strings, Hextekst) {
+    const std::pair<const char*, const char*> gevallen[] = {
+        {"\\1B[1m", "\x1B[1m"}, {"a\\41\\42c", "aABc"}, {"\\4", "\\4"},
+        {"\\zz", "\\zz"},       {"\\", "\\"},           {"\\5c41", "\\41"},
+    };
+    for (auto [in, uit] : gevallen) {
+        char s[16];
+        HEXTEKST(strcpy(s, in));
+        EXPECT_STREQ(s, uit) << in;
+    }
+}
+
+TEST(Strings, Alloceer) {
+    void* p = nullptr;
+    EXPECT_EQ(ALLOCEER(&p, 10, 100), 100u);
+    EXPECT_EQ(static_cast<char*>(p)[99], 0);
+    free(p);
+    EXPECT_EQ(ALLOCEER(&p, SIZE_MAX / 4, SIZE_MAX / 2), 0u);
+    EXPECT_EQ(p, nullptr);
+}
+
+TEST(Strings, Formaten) {
+    const std::pair<std::string, const char*> gevallen[] = {
+        {TXTC(3), "%3c"},
+        {TXTC(0), "%c"},
+        {TXTS(-8), "%-8s"},
+        {TXTS(0), "%s"},
+        {TXTD(4), "%4d"},
+        {TXTHD(4), "%4hd"},
+        {TXTLD(9), "%9ld"},
+        {TXTLD(0), "%ld"},
+        {TXTU(2), "%2u"},
+        {TXTHU(5), "%5hu"},
+        {TXTLU(0), "%lu"},
+        {TXTLINKS(12), "%-12.12s"},
+        {TXTLINKS(0), "%s"},
+        {TXTRECHTS(7), "%7.7s"},
+        {TXTRECHTS(0), "%s"},
+        {TXTLABEL(10), "%-10.10s: "},
+        {TXTLABEL(0), "%s: "},
+        {TXTRUIMTE(), " %s "},
+        {TXTDUBBELPUNT(), "%s: "},
+        {TXTVELD(2, 5, 1), "  %5.5s "},
+        {TXTVELD(0, 0, 3), "%s   "},
+        {TXTBLANCO(4), "    "},
+        {TXTBLANCO(0), ""},
+    };
+    for (const auto& [uit, verwacht] : gevallen)
+        EXPECT_EQ(uit, verwacht);
+    EXPECT_EQ(TXTC(1), TXTBLANCO(2)) << "one buffer for all";
+    EXPECT_LT(strlen(TXTVELD(1 << 30, 1 << 30, 1 << 30)), 1024u);
+}
+
+TEST(Strings, Picture) {
+    struct {
+        const char* plaatje;
+        double waarde;
+        const char* uit;
+    } const gevallen[] = {
+        {"Z.ZZ9,99", 1234.5, "1.234,50 "},
+        {"Z.ZZ9,99", -1234.5, "1.234,50-"},
+        {"Z.ZZ9,99", 12.5, "   12,50 "},
+        {"Z.ZZ9,99", 0.05, "    0,05 "},
+        {"Z.ZZ9,99", 0, "    0,00 "},
+        {"Z.ZZZ,ZZ", 0, "         "},
+        {"Z.ZZZ,ZZ", 0.05, "     ,05 "},
+        {"*.**9,99", 12.5, "***12,50 "},
+        {"9.999,99", 12.5, "0.012,50 "},
+        {"9999", 12.4, "0012 "},
+        {"9999", 12.5, "0012 "},
+        {"ZZZ9", -7, "   7-"},
+        {"ZZ ZZ9", 12345, "12 345 "},
+        {"Z.ZZZ.ZZ9", 1234567, "1.234.567 "},
+        {"Z.ZZZ.ZZ9", 4567, "    4.567 "},
+        {"999", 1234, "*** "},
+        {"9.999", 12345, "***** "},
+        {"9,99", -1e300, "****-"},
+        {"", 5, " "},
+        {"", 0, " "},
+    };
+    for (const auto& g : gevallen) {
+        char uit[32];
+        memset(uit, '#', sizeof uit);
+        PICTURE(g.plaatje, g.waarde, uit);
+        EXPECT_STREQ(uit, g.uit) << g.plaatje << ' ' << g.waarde;
+        EXPECT_EQ(uit[strlen(g.plaatje) + 2], '#');
+    }
+    char uit[8];
+    PICTURE("99", std::nan(""), uit);
+    EXPECT_STREQ(uit, "** ");
+}
+
+} // namespace
+} // namespace zg
