@@ -23,6 +23,8 @@ extern Instel INSTEL;
 Instel* INSTELNEW(int size);
 void INSTELSET(const Instel* instel);
 void INSTELDEL(Instel* instel);
+// Empty the current settings: no keys, no range. The side buffer stays.
+void INSTELLEEG();
 
 inline constexpr int INGAVEMAX = 272;
 extern char ingavetekst[INGAVEMAX]; // working text of the field, readable until the next one
