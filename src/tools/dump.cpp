@@ -1,0 +1,283 @@
+#include "tools/dump.h"
+#include "term/natl.h"
+#include "term/vast.h"
+#include <charconv>
+#include <cstring>
+#include <nlohmann/json.hpp>
+
+namespace zg {
+
+namespace {
+
+using json = nlohmann::json;
+
+void csv_bij(std::string& regel, std::string_view cel) {
+    if (!regel.empty())
+        regel += ',';
+    if (cel.find_first_of(",\"\r\n #") == std::string_view::npos && !(regel.empty() && cel.empty())) {
+        regel += cel;
+        return;
+    }
+    regel += '"';
+    for (char c : cel) {
+        if (c == '"')
+            regel += '"';
+        regel += c;
+    }
+    regel += '"';
+}
+
+// A value that holds no control bytes (they are pictures by now), as a JSON string.
+void json_bij(std::string& regel, std::string_view tekst) {
+    regel += '"';
+    for (char c : tekst) {
+        if (c == '"' || c == '\\')
+            regel += '\\';
+        regel += c;
+    }
+    regel += '"';
+}
+
+template <class T> bool getal(std::string_view s, T* uit) {
+    auto [einde, fout] = std::from_chars(s.data(), s.data() + s.size(), *uit);
+    return fout == std::errc() && einde == s.data() + s.size() && !s.empty();
+}
+
+} // namespace
+
+Dumpkop dumpkop(const IXHEADER& kop, std::string_view naam) {
+    Dumpkop d;
+    d.naam = naam;
+    d.titel = CP850UTF8(VASTUIT(kop.title));
+    d.reclen = kop.reclen;
+    d.freehead = kop.freehead;
+    for (int s = 0; s < kop.nkeys; s++)
+        d.sleutels.push_back(sleuteltekst(kop.keydef[s]));
+    return d;
+}
+
+void DumpSchrijver::kop(const Dumpkop& kop, const std::vector<Veld>& velden) {
+    velden_ = velden;
+    regel_.clear();
+    if (json_) {
+        json j = {{"ixdump", 1},          {"name", kop.naam},         {"title", kop.titel},
+                  {"reclen", kop.reclen}, {"freehead", kop.freehead}, {"keys", kop.sleutels}};
+        regel_ = j.dump(-1, ' ', false, json::error_handler_t::replace) + "\n";
+    } else {
+        regel_ = "#ixdump";
+        for (const std::string& cel : {std::string("1"), kop.naam, kop.titel, std::to_string(kop.reclen),
+                                       std::to_string(kop.freehead)})
+            csv_bij(regel_, cel);
+        for (const std::string& s : kop.sleutels)
+            csv_bij(regel_, s);
+        regel_ += "\nnr,vrij";
+        for (const Veld& v : velden)
+            csv_bij(regel_, v.naam);
+        regel_ += "\n";
+    }
+    fwrite(regel_.data(), 1, regel_.size(), uit_);
+}
+
+void DumpSchrijver::record(int32_t nr, const uint8_t* rec) {
+    regel_ = json_ ? "{\"nr\":" + std::to_string(nr) : std::to_string(nr) + ",";
+    for (const Veld& v : velden_) {
+        if (!json_) {
+            csv_bij(regel_, veld_uit(v, rec));
+            continue;
+        }
+        regel_ += ",\"" + v.naam + "\":";
+        if (v.soort == 'u' || v.soort == 'i')
+            regel_ += veld_uit(v, rec);
+        else
+            json_bij(regel_, veld_uit(v, rec));
+    }
+    regel_ += json_ ? "}\n" : "\n";
+    fwrite(regel_.data(), 1, regel_.size(), uit_);
+}
+
+void DumpSchrijver::vrij(int32_t nr, int32_t volgende) {
+    if (json_)
+        fprintf(uit_, "{\"nr\":%d,\"vrij\":%d}\n", nr, volgende);
+    else
+        fprintf(uit_, "%d,%d%s\n", nr, volgende, std::string(velden_.size(), ',').c_str());
+}
+
+bool DumpLezer::mislukt(const std::string& wat) {
+    if (fout_.empty())
+        fout_ = "line " + std::to_string(regelnr_) + ": " + wat;
+    return false;
+}
+
+// The next line that isn't empty into tekst_.
+bool DumpLezer::regel() {
+    if (wachtend_)
+        return wachtend_ = false, true;
+    constexpr size_t TE_LANG = 1 << 20;
+    do {
+        tekst_.clear();
+        int c;
+        while ((c = getc_unlocked(in_)) != EOF && c != '\n') {
+            tekst_ += static_cast<char>(c);
+            if (tekst_.size() > TE_LANG)
+                return mislukt("longer than a megabyte");
+        }
+        if (c == EOF && tekst_.empty())
+            return false;
+        regelnr_++;
+        if (!tekst_.empty() && tekst_.back() == '\r')
+            tekst_.pop_back();
+    } while (tekst_.empty());
+    if (regelnr_ == 1 && tekst_.starts_with("\xEF\xBB\xBF"))
+        tekst_.erase(0, 3);
+    return true;
+}
+
+bool DumpLezer::csv(std::vector<std::string>* cellen) {
+    cellen->clear();
+    size_t i = 0;
+    for (;;) {
+        std::string& cel = cellen->emplace_back();
+        if (i < tekst_.size() && tekst_[i] == '"') {
+            for (i++;; i++) {
+                if (i >= tekst_.size())
+                    return mislukt("a quote that isn't closed");
+                if (tekst_[i] == '"' && (i + 1 >= tekst_.size() || tekst_[++i] != '"'))
+                    break;
+                cel += tekst_[i];
+            }
+            if (i < tekst_.size() && tekst_[i] == '"')
+                i++;
+        } else {
+            while (i < tekst_.size() && tekst_[i] != ',')
+                cel += tekst_[i++];
+        }
+        if (i >= tekst_.size())
+            return true;
+        if (tekst_[i] != ',')
+            return mislukt("text behind a closing quote");
+        i++;
+    }
+}
+
+bool DumpLezer::kop(Dumpkop* kop, bool* gevonden) {
+    *gevonden = false;
+    if (!regel())
+        return mislukt("nothing to load");
+    json_ = tekst_[0] == '{';
+    if (json_) {
+        json j = json::parse(tekst_, nullptr, false);
+        if (!j.is_object())
+            return mislukt("not a JSON object");
+        if (!j.contains("ixdump"))
+            return wachtend_ = true;
+        try {
+            kop->naam = j.at("name"), kop->titel = j.at("title"), kop->reclen = j.at("reclen");
+            kop->freehead = j.at("freehead");
+            kop->sleutels = j.at("keys").get<std::vector<std::string>>();
+        } catch (const json::exception&) {
+            return mislukt("the head line misses name, title, reclen, freehead or keys");
+        }
+        return *gevonden = true;
+    }
+    std::vector<std::string> cellen;
+    if (!csv(&cellen))
+        return false;
+    if (cellen[0] == "#ixdump") {
+        if (cellen.size() < 7 || !getal(cellen[4], &kop->reclen) || !getal(cellen[5], &kop->freehead))
+            return mislukt("the head line needs version, name, title, record length, free head and a key");
+        kop->naam = cellen[2], kop->titel = cellen[3];
+        kop->sleutels.assign(cellen.begin() + 6, cellen.end());
+        *gevonden = true;
+        if (!regel() || !csv(&cellen))
+            return mislukt("the column names are missing");
+    }
+    kolommen_ = cellen;
+    return true;
+}
+
+bool DumpLezer::indeling(std::vector<Veld> velden, int reclen) {
+    velden_ = std::move(velden);
+    reclen_ = reclen;
+    for (const std::string& kolom : kolommen_) {
+        int plaats = kolom == "nr" ? -1 : kolom == "vrij" ? -2 : -3;
+        for (size_t i = 0; i < velden_.size(); i++)
+            if (velden_[i].naam == kolom)
+                plaats = static_cast<int>(i);
+        if (plaats == -3)
+            return mislukt("no such field: " + kolom);
+        plaats_.push_back(plaats);
+    }
+    return true;
+}
+
+bool DumpLezer::rij_csv(Dumprij* rij) {
+    std::vector<std::string> cellen;
+    if (!csv(&cellen))
+        return false;
+    if (cellen.size() > plaats_.size())
+        return mislukt("more values than columns");
+    for (size_t i = 0; i < cellen.size(); i++) {
+        if (plaats_[i] == -1 && !cellen[i].empty() && !getal(cellen[i], &rij->nr))
+            return mislukt("nr: not a number");
+        if (plaats_[i] == -2 && !cellen[i].empty()) {
+            if (!getal(cellen[i], &rij->volgende))
+                return mislukt("vrij: not a number");
+            rij->vrij = true;
+        }
+        if (plaats_[i] >= 0) {
+            std::string fout = veld_in(velden_[static_cast<size_t>(plaats_[i])], cellen[i], rij->rec);
+            if (!fout.empty())
+                return mislukt(fout);
+        }
+    }
+    return true;
+}
+
+bool DumpLezer::rij_json(Dumprij* rij) {
+    json j = json::parse(tekst_, nullptr, false);
+    if (!j.is_object())
+        return mislukt("not a JSON object");
+    for (const auto& [naam, waarde] : j.items()) {
+        std::string tekst = waarde.is_string()           ? waarde.get<std::string>()
+                            : waarde.is_number_integer() ? waarde.dump()
+                                                         : "?";
+        if (naam == "nr" || naam == "vrij") {
+            if (!getal(tekst, naam == "nr" ? &rij->nr : &rij->volgende))
+                return mislukt(naam + ": not a number");
+            rij->vrij |= naam == "vrij";
+            continue;
+        }
+        const Veld* veld = nullptr;
+        for (const Veld& v : velden_)
+            if (v.naam == naam)
+                veld = &v;
+        if (!veld)
+            return mislukt("no such field: " + naam);
+        std::string fout = veld_in(*veld, tekst, rij->rec);
+        if (!fout.empty())
+            return mislukt(fout);
+    }
+    return true;
+}
+
+bool DumpLezer::rij(Dumprij* rij) {
+    if (!fout_.empty() || !regel())
+        return false;
+    *rij = Dumprij{volgnr_, false, -1, {}};
+    if (!(json_ ? rij_json(rij) : rij_csv(rij)))
+        return false;
+    if (rij->nr < volgnr_)
+        return mislukt("record number " + std::to_string(rij->nr) + " is not ascending");
+    if (rij->vrij) {
+        memset(rij->rec, 0xFF, sizeof rij->rec);
+        memcpy(rij->rec + 1, &rij->volgende, 4);
+    } else if (!IXRECLIVE(rij->rec, reclen_)) {
+        return mislukt("a record of nothing but 0xFF would count as free");
+    }
+    if (rij->nr == INT32_MAX)
+        return mislukt("record number too high");
+    volgnr_ = rij->nr + 1;
+    return true;
+}
+
+} // namespace zg

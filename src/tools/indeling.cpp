@@ -1,0 +1,255 @@
+#include "tools/indeling.h"
+#include "term/datum.h"
+#include "term/natl.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+namespace zg {
+
+namespace {
+
+struct Rij {
+    const char* tabel; // not null: a new table begins
+    const char* naam;
+    char soort;
+    int begin, lengte;
+};
+
+const Rij RIJEN[] = {
+#define TABEL(naam) {naam, nullptr, 0, 0, 0},
+#define VELD(naam, soort, begin, lengte) {nullptr, naam, soort, begin, lengte},
+#include "tools/indeling.def"
+#undef TABEL
+#undef VELD
+};
+
+std::vector<Veld> bekend(std::string_view tabel) {
+    std::vector<Veld> velden;
+    bool hier = false;
+    for (const Rij& rij : RIJEN) {
+        if (rij.tabel)
+            hier = tabel == rij.tabel;
+        else if (hier)
+            velden.push_back({rij.naam, rij.soort, rij.begin, rij.lengte});
+    }
+    return velden;
+}
+
+// Key parts as fields; of parts that overlap the first counts.
+std::vector<Veld> uit_sleutels(const IXHEADER& kop) {
+    std::vector<Veld> velden;
+    for (int s = 0; s < std::clamp<int>(kop.nkeys, 0, IXSLEUTELS); s++) {
+        const IXKEYDEF& def = kop.keydef[s];
+        for (int d = 0; d < IXDELEN && def.ptype[d] != 0; d++) {
+            int begin = def.pstart[d] - 1, lengte = def.pend[d] - def.pstart[d] + 1;
+            if (begin < 0 || lengte < 1 || begin + lengte > kop.reclen)
+                continue;
+            bool vrij = std::none_of(velden.begin(), velden.end(), [&](const Veld& v) {
+                return begin < v.begin + v.lengte && v.begin < begin + lengte;
+            });
+            bool getal = def.ptype[d] == 'I' && (lengte == 1 || lengte == 2 || lengte == 4);
+            if (vrij)
+                velden.push_back({"@" + std::to_string(begin),
+                                  getal                 ? 'u'
+                                  : def.ptype[d] == 'C' ? 'c'
+                                                        : 'x',
+                                  begin, lengte});
+        }
+    }
+    return velden;
+}
+
+uint32_t getal_uit(const uint8_t* p, int lengte) {
+    uint32_t w = 0;
+    for (int i = lengte; i-- > 0;)
+        w = w << 8 | p[i];
+    return w;
+}
+
+void utf8_bij(std::string& uit, char32_t u) {
+    auto b = [&](char32_t x) { uit += static_cast<char>(static_cast<unsigned char>(x)); };
+    if (u < 0x80)
+        b(u);
+    else if (u < 0x800)
+        b(0xC0 | u >> 6), b(0x80 | (u & 63));
+    else
+        b(0xE0 | u >> 12), b(0x80 | (u >> 6 & 63)), b(0x80 | (u & 63));
+}
+
+// Next character of a UTF-8 text; -1 for bytes that are none.
+int32_t utf8_teken(std::string_view& s) {
+    auto byte = [&](size_t i) { return static_cast<unsigned char>(s[i]); };
+    unsigned c = byte(0);
+    size_t n = c < 0x80 ? 1 : c >= 0xC2 && c < 0xE0 ? 2 : c >= 0xE0 && c < 0xF0 ? 3 : 0;
+    if (n == 0 || s.size() < n)
+        return -1;
+    uint32_t u = n == 1 ? c : n == 2 ? c & 31 : c & 15;
+    for (size_t i = 1; i < n; i++) {
+        if ((byte(i) & 0xC0) != 0x80)
+            return -1;
+        u = u << 6 | (byte(i) & 63);
+    }
+    s.remove_prefix(n);
+    return static_cast<int32_t>(u);
+}
+
+int teken_in(int32_t u) {
+    if (u >= 0x2400 && u < 0x2420)
+        return u - 0x2400;
+    if (u == 0x2421)
+        return 0x7F;
+    return u < 0 ? -1 : CP850EXACT(static_cast<char32_t>(u));
+}
+
+// Day numbers as 2016-03-01, 0 as nothing, those behind the calendar's end as #65500.
+std::string datum_uit(uint16_t nr) {
+    if (nr == 0)
+        return {};
+    char t[9];
+    DATUMTEKST(t, nr, true);
+    if (DATUMNR(t) != nr)
+        return "#" + std::to_string(nr);
+    return std::string(t + 4, 4) + "-" + std::string(t + 2, 2) + "-" + std::string(t, 2);
+}
+
+bool datum_in(const std::string& tekst, uint16_t* nr) {
+    int jaar, maand, dag;
+    char rest, t[16];
+    if (sscanf(tekst.c_str(), "#%hu%c", nr, &rest) == 1)
+        return datum_uit(*nr) == tekst;
+    if (sscanf(tekst.c_str(), "%4d-%2d-%2d%c", &jaar, &maand, &dag, &rest) != 3 || jaar < 1900 || maand < 1 ||
+        dag < 1)
+        return false;
+    snprintf(t, sizeof t, "%02d%02d%04d", dag, maand, jaar);
+    *nr = DATUMGELDIG(t) ? DATUMNR(t) : 0;
+    return *nr != 0 && datum_uit(*nr) == tekst;
+}
+
+int hexcijfer(char c) {
+    return c >= '0' && c <= '9'   ? c - '0'
+           : c >= 'a' && c <= 'f' ? c - 'a' + 10
+           : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                  : -1;
+}
+
+} // namespace
+
+std::string tabelnaam(std::string_view pad) {
+    return std::string(pad.substr(pad.rfind('/') + 1));
+}
+
+std::vector<Veld> indeling(std::string_view tabel, const IXHEADER& kop) {
+    std::vector<Veld> velden = bekend(tabel), alle;
+    std::erase_if(velden, [&](const Veld& v) { return v.begin + v.lengte > kop.reclen; });
+    if (velden.empty())
+        velden = uit_sleutels(kop);
+    std::sort(velden.begin(), velden.end(), [](const Veld& a, const Veld& b) { return a.begin < b.begin; });
+    int tot = 0;
+    auto gat = [&](int einde) {
+        if (einde > tot)
+            alle.push_back({"@" + std::to_string(tot), 'x', tot, einde - tot});
+    };
+    for (const Veld& v : velden) {
+        gat(v.begin);
+        alle.push_back(v);
+        tot = v.begin + v.lengte;
+    }
+    gat(kop.reclen);
+    return alle;
+}
+
+std::string veld_uit(const Veld& veld, const uint8_t* rec) {
+    const uint8_t* p = rec + veld.begin;
+    std::string uit;
+    switch (veld.soort) {
+    case 'u':
+        return std::to_string(getal_uit(p, veld.lengte));
+    case 'i': {
+        int schuif = 32 - 8 * veld.lengte;
+        return std::to_string(static_cast<int32_t>(getal_uit(p, veld.lengte) << schuif) >> schuif);
+    }
+    case 'd':
+        return datum_uit(static_cast<uint16_t>(getal_uit(p, 2)));
+    case 'c': {
+        int n = veld.lengte;
+        while (n > 0 && p[n - 1] == 0)
+            n--;
+        for (int i = 0; i < n; i++)
+            utf8_bij(uit, p[i] < 0x20 ? 0x2400u + p[i] : p[i] == 0x7F ? 0x2421u : CP850UIT(p[i]));
+        return uit;
+    }
+    default:
+        for (int i = 0; i < veld.lengte; i++) {
+            uit += "0123456789abcdef"[p[i] >> 4];
+            uit += "0123456789abcdef"[p[i] & 15];
+        }
+        return uit;
+    }
+}
+
+std::string veld_in(const Veld& veld, std::string_view waarde, uint8_t* rec) {
+    uint8_t bytes[IXRECMAX] = {};
+    int n = 0;
+    std::string zo = veld.naam + ": ";
+    switch (veld.soort) {
+    case 'u':
+    case 'i': {
+        int64_t w = 0;
+        auto [einde, fout] = std::from_chars(waarde.data(), waarde.data() + waarde.size(), w);
+        int64_t hoog = (int64_t{1} << (8 * veld.lengte - (veld.soort == 'i'))) - 1,
+                laag = veld.soort == 'i' ? -hoog - 1 : 0;
+        if (waarde.empty())
+            w = 0;
+        else if (fout != std::errc() || einde != waarde.data() + waarde.size())
+            return zo + "not a number";
+        if (w < laag || w > hoog)
+            return zo + "outside " + std::to_string(laag) + " to " + std::to_string(hoog);
+        for (; n < veld.lengte; n++)
+            bytes[n] = static_cast<uint8_t>(static_cast<uint64_t>(w) >> (8 * n));
+        break;
+    }
+    case 'd': {
+        uint16_t nr = 0;
+        if (!waarde.empty() && !datum_in(std::string(waarde), &nr))
+            return zo + "not a date like 2016-03-01";
+        bytes[0] = static_cast<uint8_t>(nr), bytes[1] = static_cast<uint8_t>(nr >> 8);
+        break;
+    }
+    case 'c':
+        while (!waarde.empty()) {
+            int c = teken_in(utf8_teken(waarde));
+            if (c < 0)
+                return zo + "a character without a place in code page 850";
+            if (n == veld.lengte)
+                return zo + "longer than " + std::to_string(veld.lengte) + " characters";
+            bytes[n++] = static_cast<uint8_t>(c);
+        }
+        break;
+    default:
+        if (!waarde.empty() && waarde.size() != static_cast<size_t>(veld.lengte) * 2)
+            return zo + "not " + std::to_string(veld.lengte) + " bytes in hexadecimal";
+        for (; static_cast<size_t>(n) * 2 < waarde.size(); n++) {
+            int hoog = hexcijfer(waarde[static_cast<size_t>(n) * 2]),
+                laag = hexcijfer(waarde[static_cast<size_t>(n) * 2 + 1]);
+            if (hoog < 0 || laag < 0)
+                return zo + "not hexadecimal";
+            bytes[n] = static_cast<uint8_t>(hoog << 4 | laag);
+        }
+    }
+    memcpy(rec + veld.begin, bytes, static_cast<size_t>(veld.lengte));
+    return {};
+}
+
+std::string sleuteltekst(const IXKEYDEF& sleutel) {
+    std::string uit(VASTUIT(sleutel.keyname));
+    if (sleutel.dupflag == 'N')
+        uit += ",NODUPS";
+    for (int d = 0; d < IXDELEN && sleutel.ptype[d] != 0; d++)
+        uit += std::string(",") + sleutel.ptype[d] + "," + std::to_string(sleutel.pstart[d]) + "," +
+               std::to_string(sleutel.pend[d]);
+    return uit;
+}
+
+} // namespace zg

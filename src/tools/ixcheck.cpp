@@ -1,0 +1,42 @@
+// ixcheck: the deep check of pairs, one line a file and a total.
+#include "shared/woordenboek.h"
+#include "store/diepcheck.h"
+#include "tools/opdracht.h"
+
+namespace zg {
+
+int ixcheck(const Opdracht& o) {
+    std::vector<std::string> namen;
+    int slechtst = paren(o.namen, &namen) ? GOED : FOUT_GEBRUIKT;
+    int goed = 0, fout = 0, dicht = 0;
+    for (const std::string& naam : namen) {
+        Paar paar;
+        int uitkomst = paar_open(naam, &paar);
+        if (uitkomst == GOED)
+            uitkomst = paar_vast(&paar, o.wacht);
+        if (uitkomst != GOED) {
+            dicht++;
+            slechtst = slechtst == GOED ? uitkomst : slechtst;
+            continue;
+        }
+        std::vector<std::string> bevindingen = IXDIEPCHECK(paar.idx, paar.dat);
+        paar_kop(&paar);
+        paar_los(&paar);
+        if (bevindingen.empty()) {
+            goed++;
+            if (!o.stil)
+                printf("%s: good, %d records, %lld index blocks\n", naam.c_str(), paar.kop.nrecs,
+                       static_cast<long long>(paar.idxbytes / IXBLOK));
+            continue;
+        }
+        fout++;
+        slechtst = FOUT_GEVONDEN;
+        for (const std::string& b : bevindingen)
+            printf("%s: %s\n", naam.c_str(), b.c_str());
+    }
+    if (!o.stil || fout + dicht > 0)
+        printf("%d good, %d wrong, %d not checked\n", goed, fout, dicht);
+    return slechtst;
+}
+
+} // namespace zg

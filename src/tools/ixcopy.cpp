@@ -1,0 +1,73 @@
+// ixcopy: a copy of a pair at one moment in time. The header lock keeps writers out while both files are
+// copied; the copy is made beside its target, checked and moved into place whole.
+#include "shared/files.h"
+#include "store/diepcheck.h"
+#include "tools/opdracht.h"
+#include "tools/werkmap.h"
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace zg {
+
+namespace {
+
+bool kopieer(int van, const std::string& naar, int64_t bytes, Balk& balk, int64_t* gedaan) {
+    int fd = open(naar.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
+    if (fd < 0)
+        return false;
+    std::vector<char> stuk(1 << 20);
+    bool goed = true;
+    for (int64_t p = 0; goed && p < bytes;) {
+        ssize_t n = pread(van, stuk.data(), static_cast<size_t>(std::min<int64_t>(bytes - p, 1 << 20)), p);
+        if (n <= 0)
+            break;
+        for (ssize_t w, weg = 0; weg < n && goed; weg += w)
+            goed = (w = write(fd, stuk.data() + weg, static_cast<size_t>(n - weg))) > 0;
+        p += n;
+        balk.bij(*gedaan += n);
+    }
+    return close(fd) == 0 && goed;
+}
+
+} // namespace
+
+int ixcopy(const Opdracht& o) {
+    std::vector<std::string> namen;
+    if (!paren(o.namen, &namen) || namen.size() != 1)
+        return klacht(o.namen[0], "one pair, please"), FOUT_GEBRUIKT;
+    std::string doel = IOISDIR(o.doel.c_str()) ? o.doel + "/" + tabelnaam(namen[0]) : o.doel;
+    if (IOEXISTS((doel + ".INX").c_str()) && !o.vervang)
+        return klacht(doel, "exists already; --replace lets it go"), FOUT_GEBRUIKT;
+    Paar paar;
+    if (int fout = paar_open(namen[0], &paar))
+        return fout;
+    if (int fout = paar_vast(&paar, o.wacht))
+        return fout;
+    std::string kwaal = paar_kop(&paar);
+    if (!kwaal.empty())
+        return klacht(paar.naam, kwaal), FOUT_GEVONDEN;
+    Werkmap map(doel);
+    if (!map.goed())
+        return klacht(doel, strerror(errno)), NIET_TE_OPENEN;
+    const std::string hier = map.pad() + "/" + tabelnaam(doel);
+    {
+        Balk balk(tabelnaam(paar.naam), paar.idxbytes + paar.datbytes);
+        int64_t gedaan = 0;
+        if (!kopieer(paar.idx, hier + ".INX", paar.idxbytes, balk, &gedaan) ||
+            !kopieer(paar.dat, hier + ".TXT", paar.datbytes, balk, &gedaan))
+            return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
+    }
+    paar_los(&paar);
+    if (!o.zonder_check) {
+        std::vector<std::string> bevindingen = IXDIEPCHECK(hier.c_str());
+        for (const std::string& b : bevindingen)
+            klacht(paar.naam, b);
+        if (!bevindingen.empty())
+            return FOUT_GEVONDEN;
+    }
+    return map.naar(doel, o.vervang, o.wacht);
+}
+
+} // namespace zg

@@ -1,0 +1,164 @@
+// ixload: a pair from a dump. It is made in a directory of its own beside the target, checked, and moved into
+// place whole; until then nothing of an existing pair changes. The free chain of the dump is put back behind
+// the rebuild, from a side file, so that memory doesn't grow with the pair.
+#include "shared/files.h"
+#include "shared/woordenboek.h"
+#include "store/diepcheck.h"
+#include "store/rebuild.h"
+#include "term/natl.h"
+#include "tools/dump.h"
+#include "tools/opdracht.h"
+#include "tools/werkmap.h"
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <unistd.h>
+
+namespace zg {
+
+namespace {
+
+// A free slot and its link as the dump has them.
+struct Schakel {
+    int32_t nr, volgende;
+};
+
+struct Lading {
+    int64_t records = 0, vrij = 0;
+    bool gaten = false; // slots that the dump doesn't name
+};
+
+// The header that the dump or the dictionary describes; empty when good, else what is wrong.
+std::string definitie(const Opdracht& o, const std::string& naam, const Dumpkop& dump, bool uit_dump,
+                      ICB* icb) {
+    if (o.woordenboek || !uit_dump) {
+        IXHEADER kop;
+        if (!woordenboekkop(naam, &kop))
+            return uit_dump ? "not in the dictionary"
+                            : "the dump has no head line and the pair isn't in the dictionary";
+        icb->h = kop;
+        return {};
+    }
+    if (dump.reclen < 1 || dump.reclen > IXRECMAX || dump.sleutels.empty() ||
+        dump.sleutels.size() > IXSLEUTELS)
+        return "the head line gives no good record length or number of keys";
+    std::string titel;
+    CP850NAAR(dump.titel, &titel);
+    for (char& c : titel)
+        if (c == ',')
+            c = ' ';
+    IXUPDFCB(icb, 0, (titel + "," + std::to_string(dump.reclen)).c_str());
+    for (size_t s = 0; s < dump.sleutels.size(); s++)
+        IXUPDFCB(icb, static_cast<int>(s) + 1, dump.sleutels[s].c_str());
+    return {};
+}
+
+// Write the records of the dump as the data file; the links of its free slots go to `zij`.
+bool laad(DumpLezer& lezer, int reclen, FILE* uit, FILE* zij, Lading* l) {
+    Dumprij rij;
+    uint8_t vrij[IXRECMAX];
+    memset(vrij, 0xFF, sizeof vrij);
+    int32_t nr = 0;
+    for (; lezer.rij(&rij); nr = rij.nr + 1) {
+        for (; nr < rij.nr; nr++, l->vrij++, l->gaten = true)
+            if (fwrite(vrij, static_cast<size_t>(reclen), 1, uit) != 1)
+                return false;
+        if (fwrite(rij.rec, static_cast<size_t>(reclen), 1, uit) != 1)
+            return false;
+        if (rij.vrij) {
+            Schakel s{rij.nr, rij.volgende};
+            if (fwrite(&s, sizeof s, 1, zij) != 1)
+                return false;
+        }
+        (rij.vrij ? l->vrij : l->records)++;
+    }
+    return fflush(uit) == 0 && fflush(zij) == 0;
+}
+
+// Put the dump's own free chain back over the one that the rebuild made.
+bool zet_keten(const std::string& naam, FILE* zij, int32_t freehead) {
+    Paar paar;
+    if (paar_open(naam, &paar) != GOED || !paar_kop(&paar).empty())
+        return false;
+    rewind(zij);
+    Schakel s;
+    while (fread(&s, sizeof s, 1, zij) == 1)
+        if (pwrite(paar.dat, &s.volgende, 4, int64_t{s.nr} * paar.kop.reclen + 1) != 4)
+            return false;
+    return pwrite(paar.idx, &freehead, 4, offsetof(IXHEADER, freehead)) == 4;
+}
+
+int meld(const std::string& naam, const std::vector<std::string>& bevindingen) {
+    for (const std::string& b : bevindingen)
+        klacht(naam, b);
+    return bevindingen.empty() ? GOED : FOUT_GEVONDEN;
+}
+
+} // namespace
+
+int ixload(const Opdracht& o) {
+    std::vector<std::string> namen;
+    paren({o.namen[0]}, &namen);
+    const std::string doel = namen[0], naam = tabelnaam(doel);
+    if ((IOEXISTS((doel + ".INX").c_str()) || IOEXISTS((doel + ".TXT").c_str())) && !o.vervang)
+        return klacht(doel, "exists already; --replace lets it go"), FOUT_GEBRUIKT;
+    FILE* in = o.bestand.empty() ? stdin : fopen(o.bestand.c_str(), "re");
+    if (!in)
+        return klacht(o.bestand, strerror(errno)), NIET_TE_OPENEN;
+    std::unique_ptr<FILE, int (*)(FILE*)> sluit(in, fclose);
+
+    DumpLezer lezer(in);
+    Dumpkop dump;
+    bool uit_dump;
+    if (!lezer.kop(&dump, &uit_dump))
+        return klacht(o.bestand, lezer.fout()), FOUT_GEVONDEN;
+    Werkmap map(doel);
+    if (!map.goed())
+        return klacht(map.pad(), strerror(errno)), NIET_TE_OPENEN;
+    const std::string werk = map.pad() + "/" + naam;
+
+    ICB* icb = IXCREATE(werk.c_str(), 1);
+    std::string kwaal = definitie(o, naam, dump, uit_dump, icb);
+    const IXHEADER kop = icb->h;
+    if (kwaal.empty())
+        IXINITIX(icb);
+    IXCLOSE(icb);
+    if (kwaal.empty() && !lezer.indeling(indeling(naam, kop), kop.reclen))
+        kwaal = lezer.fout();
+    if (!kwaal.empty())
+        return klacht(doel, kwaal), FOUT_GEVONDEN;
+
+    Lading l;
+    std::unique_ptr<FILE, int (*)(FILE*)> uit(fopen((werk + ".TXT").c_str(), "we"), fclose),
+        zij(fopen((map.pad() + "/keten").c_str(), "w+e"), fclose);
+    if (!uit || !zij)
+        return klacht(map.pad(), strerror(errno)), NIET_TE_OPENEN;
+    if (!laad(lezer, kop.reclen, uit.get(), zij.get(), &l))
+        return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
+    uit.reset();
+    if (!lezer.fout().empty())
+        return klacht(o.bestand.empty() ? "standard input" : o.bestand, lezer.fout()), FOUT_GEVONDEN;
+
+    if (!IXBLDIX(werk.c_str()))
+        return klacht(doel, "the index can't be built"), FOUT_GEVONDEN;
+    // A chain that the dump tells only in part, or wrongly, is left as the rebuild made it.
+    if (uit_dump && l.vrij > 0 && !l.gaten) {
+        if (!zet_keten(werk, zij.get(), dump.freehead))
+            return klacht(doel, "the free chain can't be written"), FOUT_GEVONDEN;
+        if (IXCHECK(werk.c_str()) != l.vrij) {
+            klacht(doel, "the free chain of the dump isn't whole; made anew");
+            if (!IXBLDIX(werk.c_str()))
+                return FOUT_GEVONDEN;
+        }
+    }
+    if (!o.zonder_check)
+        if (int fout = meld(doel, IXDIEPCHECK(werk.c_str())))
+            return fout;
+    if (int fout = map.naar(doel, o.vervang, o.wacht))
+        return fout;
+    fprintf(stderr, "%s: %lld records, %lld free\n", doel.c_str(), static_cast<long long>(l.records),
+            static_cast<long long>(l.vrij));
+    return GOED;
+}
+
+} // namespace zg

@@ -1,0 +1,144 @@
+// The operators' tools for pairs, one program under the names of its tools: options, help, exit status.
+#include "term/scherm.h"
+#include "tools/opdracht.h"
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <unistd.h>
+
+namespace {
+
+using namespace zg;
+
+struct Tool {
+    const char *naam, *wat, *uitleg;
+    int (*doe)(const Opdracht&);
+    const char* opties; // letters of the options below
+};
+
+const Tool TOOLS[] = {
+    {"ixcheck", "check pairs: every tree, every record, free chain and queue",
+     "One line a pair and a total. Works while others work.", ixcheck, "nqw"},
+    {"ixremake", "rebuild the index of pairs from their data files",
+     "Every live record keeps its number. With --dictionary a lost index is made anew.", ixremake, "ndqw"},
+    {"ixstat", "show definitions, counts, tree depths and fill of pairs", "", ixstat, "njw"},
+    {"ixdump", "write a pair as CSV or JSON lines, in UTF-8",
+     "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump, "1djoHw"},
+    {"ixload", "make a pair from a dump",
+     "Without a head line in the dump the definition comes from the dictionary (--dictionary), by the pair's "
+     "name.",
+     ixload, "1dirCw"},
+    {"ixcopy", "copy a pair, also while it is in use", "The copy is whole: writers wait meanwhile.", ixcopy,
+     "2rCw"},
+    {"ixsh", "work on a pair by one operation a line",
+     "Reads operations from standard input; 'help' lists them.", ixsh, "0w"},
+};
+
+// A report of the store ends a tool in one line instead of the box of the screens.
+void rapport() {
+    fprintf(stderr, "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST());
+    fflush(nullptr);
+    _exit(FOUT_GEVONDEN);
+}
+
+int wachtseconden = 10;
+
+// The store's wait routine: give up as a tool instead of waiting for ever.
+void wacht(ICB* icb) {
+    static int gewacht;
+    if (++gewacht > wachtseconden * 5) {
+        klacht(icb ? icb->path : "", "in use");
+        fflush(nullptr);
+        _exit(IN_GEBRUIK);
+    }
+    usleep(200'000);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::string naam = argv[0];
+    naam = naam.substr(naam.rfind('/') + 1);
+    const Tool* tool = nullptr;
+    for (const Tool& t : TOOLS)
+        if (naam == t.naam)
+            tool = &t;
+    if (!tool && argc > 1) { // ixtool ixcheck ...
+        for (const Tool& t : TOOLS)
+            if (std::string(argv[1]) == t.naam)
+                tool = &t, argv++, argc--;
+    }
+    if (!tool) {
+        fprintf(stderr, "usage: ixtool TOOL ...; the tools are\n");
+        for (const Tool& t : TOOLS)
+            fprintf(stderr, "  %-9s %s\n", t.naam, t.wat);
+        return FOUT_GEBRUIKT;
+    }
+    toolnaam = tool->naam;
+    signal(SIGPIPE, SIG_DFL);
+    signal(SIGXFSZ, SIG_IGN);
+
+    Opdracht o;
+    CLI::App app{std::string(tool->wat) + ".\n" + tool->uitleg, tool->naam};
+    app.set_version_flag("--version", std::string(tool->naam) + " 8.70");
+    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    for (const char* p = tool->opties; *p; p++) {
+        switch (*p) {
+        case 'n':
+            app.add_option("PAIR", o.namen, "names of pairs, or directories for all their pairs")->required();
+            break;
+        case '1':
+            app.add_option("PAIR", o.namen, "name of the pair")->required()->expected(1);
+            break;
+        case '0':
+            app.add_option("PAIR", o.namen, "name of a pair to open at once")->expected(0, 1);
+            break;
+        case '2':
+            app.add_option("PAIR", o.namen, "name of the pair")->required()->expected(1);
+            app.add_option("TARGET", o.doel, "name of the copy, or a directory")->required();
+            break;
+        case 'd':
+            app.add_flag("-d,--dictionary", o.woordenboek,
+                         "take the definition from the dictionary, not from the header");
+            break;
+        case 'j':
+            app.add_flag("-j,--json", o.json, "JSON lines");
+            break;
+        case 'q':
+            app.add_flag("-q,--quiet", o.stil, "say only what is wrong");
+            break;
+        case 'o':
+            app.add_option("-o,--output", o.bestand, "file to write, else standard output");
+            break;
+        case 'i':
+            app.add_option("-i,--input", o.bestand, "file to read, else standard input");
+            break;
+        case 'r':
+            app.add_flag("-r,--replace", o.vervang, "an existing pair of that name may go");
+            break;
+        case 'H':
+            app.add_flag("-H,--hold", o.heel,
+                         "hold the header lock throughout: one moment in time, writers wait");
+            break;
+        case 'C':
+            app.add_flag("-C,--no-check", o.zonder_check, "leave out the check of the result");
+            break;
+        case 'w':
+            app.add_option("-w,--wait", o.wacht, "seconds to wait for a lock")->check(CLI::Range(0, 86400));
+            break;
+        }
+    }
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
+    }
+    wachtseconden = o.wacht;
+    SCRFATALHAAK = rapport;
+    IXWAITHOOK = wacht;
+    int uitkomst = tool->doe(o);
+    if (fflush(stdout) != 0) {
+        klacht("", "standard output: write failed");
+        return FOUT_GEVONDEN;
+    }
+    return uitkomst;
+}

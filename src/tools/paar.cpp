@@ -1,0 +1,167 @@
+#include "tools/paar.h"
+#include "shared/files.h"
+#include "shared/woordenboek.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zg {
+
+std::string toolnaam = "ixtool";
+
+void klacht(const std::string& naam, const std::string& tekst) {
+    fprintf(stderr, "%s: %s%s%s\n", toolnaam.c_str(), naam.c_str(), naam.empty() ? "" : ": ", tekst.c_str());
+}
+
+Paar::~Paar() {
+    if (dat >= 0)
+        close(dat);
+    if (idx >= 0)
+        close(idx);
+}
+
+int paar_open(const std::string& naam, Paar* paar) {
+    paar->naam = naam;
+    for (auto [fd, ext] : {std::pair{&paar->idx, ".INX"}, {&paar->dat, ".TXT"}}) {
+        std::string pad = naam + ext;
+        // Locks need a descriptor for writing; without the right to write a look without locks is what is
+        // left.
+        *fd = open(pad.c_str(), O_RDWR | O_CLOEXEC);
+        if (*fd < 0 && (errno == EACCES || errno == EROFS))
+            *fd = open(pad.c_str(), O_RDONLY | O_CLOEXEC);
+        if (*fd < 0) {
+            klacht(pad, strerror(errno));
+            return NIET_TE_OPENEN;
+        }
+    }
+    return GOED;
+}
+
+std::string paar_kop(Paar* paar) {
+    struct stat s;
+    paar->idxbytes = fstat(paar->idx, &s) == 0 ? s.st_size : 0;
+    paar->datbytes = fstat(paar->dat, &s) == 0 ? s.st_size : 0;
+    IXHEADER& kop = paar->kop;
+    if (pread(paar->idx, &kop, sizeof kop, 0) != static_cast<ssize_t>(sizeof kop))
+        return "the index is shorter than a header";
+    if (kop.version == 350)
+        return "version 350: convert it with ixremake";
+    if (kop.nkeys < 1 || kop.nkeys > IXSLEUTELS)
+        return "the header says " + std::to_string(kop.nkeys) + " keys";
+    if (kop.reclen < 1 || kop.reclen > IXRECMAX)
+        return "the header says a record length of " + std::to_string(kop.reclen);
+    if (kop.nrecs < 0 || kop.nblocks < kop.nkeys + 2)
+        return "the header says " + std::to_string(kop.nrecs) + " records and " +
+               std::to_string(kop.nblocks) + " blocks";
+    for (int k = 0; k < kop.nkeys; k++) {
+        const IXKEYDEF& def = kop.keydef[k];
+        int lengte = def.dupflag == 'J' ? 4 : 0;
+        for (int d = 0; d < IXDELEN && def.ptype[d] != 0; d++) {
+            if (def.pstart[d] < 1 || def.pend[d] < def.pstart[d] || def.pend[d] > kop.reclen)
+                return "key " + std::to_string(k + 1) + " has a part outside the record";
+            lengte += def.pend[d] - def.pstart[d] + 1;
+        }
+        if (lengte != def.keylen || lengte < 1 || lengte > IXSLEUTELMAX || def.maxent != 505 / (lengte + 4))
+            return "key " + std::to_string(k + 1) + " has a length that doesn't fit its parts";
+    }
+    return {};
+}
+
+int paar_vast(Paar* paar, int seconden) {
+    for (int pogingen = seconden * 10;; pogingen--) {
+        if (IOLOCK('E', paar->idx, 0, IXBLOK))
+            return paar->vast = true, GOED;
+        if (pogingen <= 0)
+            break;
+        timespec t{0, 100'000'000};
+        nanosleep(&t, nullptr);
+    }
+    struct flock l {};
+    l.l_type = F_WRLCK;
+    l.l_len = IXBLOK;
+    std::string door;
+    if (fcntl(paar->idx, F_GETLK, &l) == 0 && l.l_type != F_UNLCK)
+        door = " by process " + std::to_string(l.l_pid);
+    klacht(paar->naam, "in use" + door);
+    return IN_GEBRUIK;
+}
+
+void paar_los(Paar* paar) {
+    if (paar->vast)
+        IOLOCK('U', paar->idx, 0, IXBLOK);
+    paar->vast = false;
+}
+
+bool woordenboekkop(const std::string& naam, IXHEADER* kop) {
+    ICB icb{};
+    if (DDDEFINIEER(&icb, DDNUMMER(naam.c_str()), tabelnaam(naam).c_str()) == 0)
+        return false;
+    *kop = icb.h;
+    return true;
+}
+
+bool paren(const std::vector<std::string>& argumenten, std::vector<std::string>* namen) {
+    namespace fs = std::filesystem;
+    bool goed = true;
+    for (std::string a : argumenten) {
+        std::error_code fout;
+        if (fs::is_directory(a, fout)) {
+            std::vector<std::string> hier;
+            for (const auto& e : fs::directory_iterator(a, fout))
+                if (e.path().extension() == ".INX" || e.path().extension() == ".TXT") {
+                    fs::path p = e.path();
+                    p.replace_extension();
+                    // A data file without an index is a pair with a lost index only when the dictionary knows
+                    // it.
+                    if (e.path().extension() == ".INX" || DDNUMMER(p.filename().c_str()) > 0)
+                        hier.push_back(p.string());
+                }
+            std::sort(hier.begin(), hier.end());
+            hier.erase(std::unique(hier.begin(), hier.end()), hier.end());
+            if (hier.empty()) {
+                klacht(a, "no pairs in this directory");
+                goed = false;
+            }
+            namen->insert(namen->end(), hier.begin(), hier.end());
+            continue;
+        }
+        if (a.ends_with(".INX") || a.ends_with(".TXT"))
+            a.resize(a.size() - 4);
+        namen->push_back(a);
+    }
+    return goed;
+}
+
+Balk::Balk(std::string titel, int64_t totaal)
+    : titel_(std::move(titel)), totaal_(totaal), zichtbaar_(isatty(2) && totaal > 0) {}
+
+void Balk::bij(int64_t stand) {
+    if (!zichtbaar_)
+        return;
+    timespec t;
+    clock_gettime(CLOCK_MONOTONIC, &t);
+    int64_t nu = t.tv_sec * 10 + t.tv_nsec / 100'000'000;
+    if (nu < volgende_)
+        return;
+    volgende_ = nu + 1;
+    constexpr int BREED = 40;
+    int64_t deel = std::min(stand, totaal_);
+    int vol = static_cast<int>(deel * BREED / totaal_);
+    fprintf(stderr, "\r%-12.40s [%.*s%*s] %3d%%", titel_.c_str(), vol,
+            "########################################", BREED - vol, "",
+            static_cast<int>(deel * 100 / totaal_));
+    fflush(stderr);
+}
+
+Balk::~Balk() {
+    if (zichtbaar_ && volgende_ > 0)
+        fprintf(stderr, "\r\033[K");
+}
+
+} // namespace zg

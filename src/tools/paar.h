@@ -1,0 +1,62 @@
+// A pair as the operators' tools open it: plain descriptors and the header as it stands, so that a damaged
+// file is told in words instead of stopping the tool. One descriptor a file, since closing any drops the
+// process's locks.
+#pragma once
+#include "store/ix.h"
+#include "tools/indeling.h"
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zg {
+
+// Exit status of every tool.
+enum Uitkomst { GOED = 0, FOUT_GEVONDEN = 1, FOUT_GEBRUIKT = 2, NIET_TE_OPENEN = 3, IN_GEBRUIK = 4 };
+
+struct Paar {
+    std::string naam; // path without extension
+    int idx = -1, dat = -1;
+    IXHEADER kop{};
+    int64_t idxbytes = 0, datbytes = 0;
+    bool vast = false; // header lock held
+    Paar() = default;
+    Paar(const Paar&) = delete;
+    Paar& operator=(const Paar&) = delete;
+    ~Paar();
+};
+
+// Open both files for reading and locking. GOED, or NIET_TE_OPENEN with why on standard error.
+int paar_open(const std::string& naam, Paar* paar);
+// Read the header anew and test what every reader depends on: version, counts, lengths, key parts. Empty when
+// sound, else what is wrong.
+std::string paar_kop(Paar* paar);
+// Take the header lock, at most `seconden` long: writers in shared mode stand still meanwhile. GOED or
+// IN_GEBRUIK, with the holder's process on standard error.
+int paar_vast(Paar* paar, int seconden);
+void paar_los(Paar* paar);
+
+// The header that the dictionary gives a pair of this name; false when it doesn't know it.
+bool woordenboekkop(const std::string& naam, IXHEADER* kop);
+
+// The pairs meant by the arguments: names (an extension .INX or .TXT is taken off), or all the pairs of a
+// directory, sorted. False with a message when an argument means none.
+bool paren(const std::vector<std::string>& argumenten, std::vector<std::string>* namen);
+
+// Progress on a terminal's standard error, nothing elsewhere: at most ten times a second.
+class Balk {
+public:
+    Balk(std::string titel, int64_t totaal);
+    ~Balk();
+    void bij(int64_t stand);
+
+private:
+    std::string titel_;
+    int64_t totaal_, volgende_ = 0;
+    bool zichtbaar_;
+};
+
+// A message of a tool on standard error: "ixdump: NAME: text".
+void klacht(const std::string& naam, const std::string& tekst);
+extern std::string toolnaam;
+
+} // namespace zg

@@ -1,0 +1,24 @@
+// A directory beside a target pair in which its replacement is made, under its own name, and moved into
+// place.
+#pragma once
+#include <string>
+
+namespace zg {
+
+class Werkmap {
+public:
+    explicit Werkmap(const std::string& doel);
+    ~Werkmap(); // with what is left in it
+    Werkmap(const Werkmap&) = delete;
+    Werkmap& operator=(const Werkmap&) = delete;
+    bool goed() const { return !pad_.empty(); } // else errno tells
+    const std::string& pad() const { return pad_; }
+    // Put the pair that was made here on disk and in the target's place. An existing pair must be free: every
+    // lock of it is taken first, at most `seconden` long. An Uitkomst, failures told.
+    int naar(const std::string& doel, bool vervang, int seconden);
+
+private:
+    std::string pad_;
+};
+
+} // namespace zg

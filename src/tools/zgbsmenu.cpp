@@ -1,0 +1,168 @@
+// zgbsmenu: the stand-in for the order menu. Without arguments it logs a user of the demo firm in; the order
+// program comes back to it with the five arguments of a hand-over. It owns the user's slot of DTSYS.TXT from
+// login to logout.
+#include "shared/files.h"
+#include "shared/houder.h"
+#include "shared/iotab.h"
+#include "store/ix.h"
+#include "term/datum.h"
+#include "term/dm_hdl.h"
+#include "term/ingave.h"
+#include "term/prompt.h"
+#include "term/scherm.h"
+#include "term/tekst.h"
+#include "term/vast.h"
+#include "tools/teksten.h"
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using namespace zg;
+
+constexpr char PROGRAMMA[] = "zgbsmenu", ORDERS[] = "zgbestel";
+
+std::string argument0;
+
+// Directory of this program with a '/', for the next one when BIN doesn't say.
+std::string eigen_map() {
+    char pad[PATH_MAX];
+    ssize_t n = readlink("/proc/self/exe", pad, sizeof pad - 1);
+    std::string p(pad, n > 0 ? static_cast<size_t>(n) : 0);
+    return p.substr(0, p.rfind('/') + 1);
+}
+
+// A slot is free when it names a user and nobody holds it.
+bool vrij(int32_t nr) {
+    int32_t slot = nr;
+    gebruikerslot g;
+    return iotab('R', &slot, &g, SYS_GEBRUIKER) && g.username[0] != 0 && iotab('T', &slot, &g, SYS_GEBRUIKER);
+}
+
+bool neem(int32_t nr) {
+    sessie = nr;
+    return iotab('X', &sessie, &gebruiker, SYS_GEBRUIKER) && gebruiker.username[0] != 0;
+}
+
+// Pick a user among the free ones; false after CANCEL or when all are at work.
+bool login() {
+    std::vector<int32_t> wie;
+    DMREC* menu = DMNEW(TXT(T_GEBRUIKER));
+    for (int32_t nr = 1; nr < BATCHGEBRUIKER; nr++)
+        if (vrij(nr)) {
+            int32_t slot = nr;
+            gebruikerslot g;
+            iotab('R', &slot, &g, SYS_GEBRUIKER);
+            DMITEM(menu, (std::string("&") + gebruiker_naam(g)).c_str(), nr, 1);
+            wie.push_back(nr);
+        }
+    if (wie.empty()) {
+        MELDBOX(MELD_ALARM, TXT(T_GEEN_GEBRUIKER), nullptr, nullptr);
+        return false;
+    }
+    if (wie.size() == 1)
+        return neem(wie[0]);
+    int keus = DMRUN(menu, 5, 0);
+    return keus > 0 && neem(keus);
+}
+
+void scherm() {
+    SCRCLREOW(1, 1);
+    SCRPUT(A_KEUS, 1, 1, "%-*.*s", SCHERM.cols, SCHERM.cols, "");
+    SCRPUT(A_KEUS, 1, 2, "%.*s", 30, firma.naam);
+    SCRPUT(A_KEUS, 1, SCHERM.cols - 20, "%-18.18s", gebruiker_naam());
+    SCRPUT(A_WAARDE, 3, 4, "%s", TXT(T_MENU_TITEL));
+    SCRPUT(A_LABEL, SCHERM.lines - 2, 4, "%s", TXT(T_MENU_HULP));
+}
+
+// Hand over to `doel` as the package does: slot marked chaining and released, five arguments.
+[[noreturn]] void start(const char* doel) {
+    gebruiker.userstate = 2;
+    VASTIN(gebruiker.userprog, doel);
+    gebruiker.usertime = static_cast<uint32_t>(time(nullptr));
+    gebruiker_schrijf('W');
+    std::string naam = gebruiker_naam(), nr = std::to_string(sessie);
+    iotab('C', &sessie, &gebruiker, SYS_GEBRUIKER);
+    CATCLOSE();
+    SCREXIT();
+    std::vector<std::string> mappen;
+    for (const char* var : {"TSTBIN", "BIN"})
+        if (const char* map = getenv(var); map && *map)
+            mappen.push_back(std::string(map) + (map[strlen(map) - 1] == '/' ? "" : "/"));
+    mappen.push_back(eigen_map());
+    mappen.push_back("");
+    for (const std::string& map : mappen) {
+        std::string pad = map + doel;
+        execlp(pad.c_str(), pad.c_str(), doel, naam.c_str(), nr.c_str(), PROGRAMMA,
+               static_cast<char*>(nullptr));
+    }
+    SCRINIT();
+    SCRFATAL("%s %s %s", TXT(T_PROGRAMMA), doel, TXT(T_NIET_GEVONDEN));
+}
+
+void uitloggen() {
+    gebruiker.userstate = 0;
+    memset(gebruiker.userprog, 0, sizeof gebruiker.userprog);
+    memset(gebruiker.usertty, 0, sizeof gebruiker.usertty);
+    gebruiker_schrijf('W');
+}
+
+enum Keus { K_EINDE = 0, K_ORDERS = 1, K_GEBRUIKER = 2 };
+
+int menu() {
+    scherm();
+    DMREC* m = DMNEW(TXT(T_MENU_TITEL));
+    DMITEM(m, TXT(T_MENU_ORDERS), K_ORDERS, 1);
+    DMITEM(m, TXT(T_MENU_GEBRUIKER), K_GEBRUIKER, 1);
+    DMITEM(m, TXT(T_MENU_EINDE), K_EINDE + 10, 1);
+    return DMRUN(m, 6, K_EINDE);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 1 && argc != 5) {
+        fprintf(stderr, "usage: zgbsmenu, in a data directory\n");
+        return 2;
+    }
+    SCRINIT();
+    CATOPEN();
+    IXWAITHOOK = houder_wacht;
+    iotab('O', &sessie, &gebruiker, SYS_GEBRUIKER);
+    sys_lees();
+    bool in;
+    if (argc == 5) {
+        // Back from a program, which has named us in the slot.
+        in = neem(atoi(argv[3])) && strcmp(gebruiker_naam(), argv[2]) == 0;
+        if (!in)
+            SCRFATAL("%s %s", PROGRAMMA, TXT(T_FOUTIEF_GESTART));
+    } else {
+        SCRPUT(A_WAARDE, 3, 4, "%s", TXT(T_MENU_TITEL));
+        in = login();
+    }
+    if (in) {
+        gebruiker.userstate = 1;
+        VASTIN(gebruiker.userprog, PROGRAMMA);
+        gebruiker.usertime = static_cast<uint32_t>(time(nullptr));
+        if (const char* tty = ttyname(0); tty && gebruiker.usertty[0] == 0) {
+            const char* kort = IOBASENAME(tty);
+            VASTIN(gebruiker.usertty, kort);
+        }
+        gebruiker_schrijf('w');
+    }
+    while (in) {
+        int keus = menu();
+        if (keus == K_ORDERS)
+            start(ORDERS);
+        uitloggen();
+        in = keus == K_GEBRUIKER && login();
+    }
+    iotab('C', &sessie, &gebruiker, SYS_GEBRUIKER);
+    CATCLOSE();
+    SCRSTOP(0);
+}
