@@ -128,7 +128,6 @@ bool in_bereik(double dag, double min, double max) {
     return dag >= min && dag <= max;
 }
 
-double grens(double x) {
     return std::clamp(x, 0.0, LAATSTE_DAG);
 }
 
