@@ -128,9 +128,6 @@ bool in_bereik(double dag, double min, double max) {
     return dag >= min && dag <= max;
 }
 
-    return std::clamp(x, 0.0, LAATSTE_DAG);
-}
-
 // +n or -n: days from the date that the field began with.
 void keur_relatief(const Veld& v) {
     const std::string getypt = ingavetekst;
