@@ -1,0 +1,245 @@
+// The operators' tools as an operator uses them: the real programs at the shell, on pairs made by the store.
+#include "shared/files.h"
+#include "shared/woordenboek.h"
+#include "store/ix.h"
+#include "support/terminal.h"
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <random>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+struct Uit {
+    int status;
+    std::string tekst; // both streams
+};
+
+Uit sh(const std::string& opdracht) {
+    std::string regel = "PATH=" ZG_BINARY_DIR ":$PATH; exec 2>&1; " + opdracht;
+    FILE* p = popen(regel.c_str(), "r");
+    std::string tekst;
+    char buf[4096];
+    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;)
+        tekst.append(buf, n);
+    int st = pclose(p);
+    return {WIFEXITED(st) ? WEXITSTATUS(st) : 128 + WTERMSIG(st), tekst};
+}
+
+struct Soort {
+    const char* naam;
+    int reclen;
+    std::vector<const char*> sleutels;
+};
+
+// Every kind of key: integers of each width, text, mixed, duplicates, overlapping parts, five keys.
+const Soort SOORTEN[] = {
+    {"DTLEV", 332, {"key-1,NODUPS,I,1,2", "key-2,NODUPS,C,3,12,I,1,2", "key-3,C,208,220"}},
+    {"EENVIER", 12, {"k,NODUPS,I,1,4"}},
+    {"TEKST", 80, {"k,NODUPS,C,1,35", "t,I,73,76,C,1,35"}},
+    {"VIJF", 64, {"a,NODUPS,I,1,4", "b,C,5,24", "c,I,25,26,I,27,27,I,28,28", "d,C,40,50,I,1,2", "e,I,3,3"}},
+};
+
+// A pair with random records (all 256 bytes), updates and deletes, so that slots are free and chained.
+void maak(const Soort& s, int records) {
+    std::mt19937 rnd(static_cast<unsigned>(s.reclen));
+    ICB* icb = IXCREATE(s.naam, 1);
+    IXUPDFCB(icb, 0, (std::string("proef,") + std::to_string(s.reclen)).c_str());
+    for (size_t k = 0; k < s.sleutels.size(); k++)
+        IXUPDFCB(icb, static_cast<int>(k) + 1, s.sleutels[k]);
+    IXINIT(icb);
+    uint8_t rec[IXRECMAX];
+    for (int i = 0; i < records; i++) {
+        for (int b = 0; b < s.reclen; b++)
+            rec[b] = static_cast<uint8_t>(rnd());
+        memcpy(rec, &i, 4);
+        rec[10] = 1; // live whatever the rest
+        IXWRITE(icb, rec);
+    }
+    for (int i = 0; i < records; i += 3)
+        if (IXGET(icb, rec, (i * 7) % records) == 1) {
+            icb->currec = (i * 7) % records;
+            IXDELETE(icb, rec);
+        }
+    IXCLOSE(icb);
+}
+
+class Tools : public testing::Test {
+protected:
+    TijdelijkeMap map;
+};
+
+} // namespace
+
+TEST_F(Tools, DumpAndLoadGiveTheSameDataFile) {
+    for (const Soort& s : SOORTEN)
+        for (const char* vorm : {"", "--json"}) {
+            SCOPED_TRACE(std::string(s.naam) + " " + vorm);
+            maak(s, 200);
+            std::string n = s.naam;
+            Uit u = sh("mkdir -p weer && ixdump " + n + " " + vorm +
+                       " -o uit && ixload --replace -i uit weer/" + n);
+            ASSERT_EQ(u.status, 0) << u.tekst;
+            EXPECT_TRUE(lees_bestand(n + ".TXT") == lees_bestand("weer/" + n + ".TXT"));
+            std::string a = lees_bestand(n + ".INX"), b = lees_bestand("weer/" + n + ".INX");
+            EXPECT_EQ(memcmp(a.data() + 12, b.data() + 12, 8), 0) << "free chain's head and records";
+            u = sh("ixcheck weer/" + n + " && ixstat weer/" + n);
+            EXPECT_EQ(u.status, 0) << u.tekst;
+        }
+}
+
+TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
+    const struct {
+        const char *inhoud, *wat;
+        int status;
+    } gevallen[] = {
+        {"merk,naam,zoeknaam\n5,Caf\xC3\xA9 Noir,CAFE\n6,\"Met, komma\",KOMM\n", "2 records", 0},
+        {"merk,kleurtje\n5,1\n", "no such field: kleurtje", 1},
+        {"merk,naam\n70000,x\n", "merk: outside 0 to 65535", 1},
+        {"merk,naam\nvijf,x\n", "merk: not a number", 1},
+        {"merk,naam\n5,123456789012345678901\n", "longer than 20", 1},
+        {"merk,naam\n5,\xE2\x82\xAC\n", "code page 850", 1},
+        {"merk,naam\n5,\"open\n", "quote", 1},
+        {"nr,merk\n3,1\n2,2\n", "not ascending", 1},
+        {"#ixdump,1,DTMERK\n", "head line", 1},
+        {"{\"ixdump\":1,\"name\":\"DTMERK\"}\n", "head line", 1},
+        {"{\"merk\":1.5}\n", "not a number", 1},
+        {"{merk\n", "not a JSON object", 1},
+        {"", "nothing to load", 1},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.inhoud);
+        schrijf_bestand("in", g.inhoud);
+        Uit u = sh("ixload -d -i in DTMERK");
+        EXPECT_EQ(u.status, g.status) << u.tekst;
+        EXPECT_NE(u.tekst.find(g.wat), std::string::npos) << u.tekst;
+        EXPECT_EQ(IOEXISTS("DTMERK.INX"), g.status == 0);
+        EXPECT_EQ(FILES_PRESENT("*"), g.status == 0 ? 3 : 1) << "something is left behind";
+        if (g.status == 0) {
+            std::string data = lees_bestand("DTMERK.TXT");
+            EXPECT_EQ(data.substr(2, 9), "Caf\x82 Noir");
+            EXPECT_EQ(sh("ixload -d -i in DTMERK").status, 2) << "an existing pair is kept";
+        }
+        IXREMOVE("DTMERK");
+    }
+}
+
+TEST_F(Tools, CheckTellsGoodDamagedMissingAndInUse) {
+    maak(SOORTEN[3], 500);
+    std::string inx = lees_bestand("VIJF.INX"), txt = lees_bestand("VIJF.TXT");
+    EXPECT_EQ(sh("ixcheck VIJF").tekst.substr(0, 10), "VIJF: good");
+    EXPECT_EQ(sh("ixcheck .").status, 0);
+    EXPECT_EQ(sh("ixcheck NIET").status, 3);
+    EXPECT_EQ(sh("ixcheck").status, 2);
+    EXPECT_EQ(sh("ixcheck --wat VIJF").status, 2);
+    EXPECT_EQ(sh("ixcheck --version").status, 0);
+    EXPECT_NE(sh("ixcheck --help").tekst.find("Exit status"), std::string::npos);
+    {
+        int fd = open("VIJF.INX", O_RDWR | O_CLOEXEC);
+        ASSERT_TRUE(IOLOCK('E', fd, 0, 512));
+        Uit u = sh("ixcheck -w 0 VIJF");
+        EXPECT_EQ(u.status, 4) << u.tekst;
+        EXPECT_NE(u.tekst.find("in use by process"), std::string::npos) << u.tekst;
+        close(fd);
+    }
+    const struct {
+        const char* wat;
+        std::string inx, txt;
+    } schade[] = {
+        {"cut", inx.substr(0, inx.size() - 512), txt},
+        {"ragged", inx.substr(0, inx.size() - 100), txt},
+        {"short", inx.substr(0, 100), txt},
+        {"record gone", inx, txt.substr(0, txt.size() - 64)},
+        {"key count", inx.substr(0, 11) + '\x09' + inx.substr(12), txt},
+        {"record length", inx.substr(0, 24) + std::string(2, '\0') + inx.substr(26), txt},
+        {"busy", inx.substr(0, 45) + '\x01' + inx.substr(46), txt},
+        {"key changed in the data", inx, std::string(txt).replace(64 * 5 + 5, 4, "ABCD")},
+    };
+    for (const auto& s : schade) {
+        SCOPED_TRACE(s.wat);
+        schrijf_bestand("VIJF.INX", s.inx);
+        schrijf_bestand("VIJF.TXT", s.txt);
+        Uit u = sh("ixcheck VIJF; s=$?; ixstat VIJF >/dev/null; ixdump VIJF >/dev/null; exit $s");
+        EXPECT_EQ(u.status, 1) << u.tekst;
+    }
+}
+
+TEST_F(Tools, RemakeBringsALostOrBusyIndexBack) {
+    ASSERT_TRUE(DDNEW(DDNUMMER("DTMERK"), "DTMERK"));
+    ICB* icb = IXOPEN("DTMERK", 1);
+    uint8_t rec[76] = {};
+    for (uint16_t i = 1; i <= 300; i++) {
+        memcpy(rec, &i, 2);
+        IXWRITE(icb, rec);
+    }
+    IXCLOSE(icb);
+    const std::string goed = lees_bestand("DTMERK.INX");
+    schrijf_bestand("DTMERK.INX", std::string(goed).replace(45, 1, "\x01"));
+    EXPECT_EQ(sh("ixremake DTMERK && ixcheck -q DTMERK").status, 0);
+    IOUNLINK("DTMERK.INX");
+    EXPECT_EQ(sh("ixremake DTMERK").status, 1) << "the definition must be asked for";
+    EXPECT_EQ(sh("ixremake -d DTMERK && ixcheck -q DTMERK").status, 0);
+    std::string data = lees_bestand("DTMERK.TXT");
+    schrijf_bestand("DTMERK.TXT", data + "x");
+    std::string voor = lees_bestand("DTMERK.INX");
+    EXPECT_EQ(sh("ixremake DTMERK").status, 1);
+    EXPECT_TRUE(voor == lees_bestand("DTMERK.INX")) << "a data file of a wrong length leaves the index alone";
+}
+
+TEST_F(Tools, CopyInUseIsWhole) {
+    maak(SOORTEN[0], 300);
+    pid_t schrijver = fork();
+    if (schrijver == 0) { // writes on while the copy is taken
+        ICB* icb = IXOPEN("DTLEV", 2);
+        uint8_t rec[IXRECMAX] = {};
+        for (uint16_t i = 1000;; i++) {
+            memcpy(rec, &i, 2);
+            IXWRITE(icb, rec);
+        }
+    }
+    Uit u{1, ""};
+    for (int i = 0; i < 5; i++) {
+        u = sh("ixcopy -r DTLEV KOPIE && ixcheck KOPIE");
+        EXPECT_EQ(u.status, 0) << u.tekst;
+    }
+    kill(schrijver, SIGKILL);
+    waitpid(schrijver, nullptr, 0);
+    EXPECT_EQ(sh("ixcopy DTLEV KOPIE").status, 2) << "an existing pair is kept";
+}
+
+TEST_F(Tools, ScriptedOperations) {
+    schrijf_bestand("script", "create T 40 k,NODUPS,I,1,2 n,C,3,12\n"
+                              "write @0=1 @2=Noord\n"
+                              "write @0=2 @2=\"Z\xC3\xBC"
+                              "id 2\"\n"
+                              "key 2\nfirst\nnext\nnext   # none left\n"
+                              "key 1\nread clear @0=2\ndelete\nread @0=2\n"
+                              "dans\nread @9=1\nclose\ncheck T\ndeepcheck T\nquit\n");
+    Uit u = sh("ixsh < script");
+    EXPECT_EQ(u.status, 1) << "two lines were wrong";
+    const char* verwacht = "1 keys=2 reclen=40 records=0\n"
+                           "1 rec=0\n"
+                           "1 rec=1\n"
+                           "2 rec=1\n"
+                           "1 rec=0 @0=1 @2=Noord\n"
+                           "1 rec=1 @0=2 @2=\"Z\xC3\xBC"
+                           "id 2\"\n"
+                           "0 rec=-1 @0=2 @2=\"Z\xC3\xBC"
+                           "id 2\"\n"
+                           "1 rec=-1\n"
+                           "1 rec=1 @0=2 @2=\"Z\xC3\xBC"
+                           "id 2\"\n"
+                           "0 rec=1\n"
+                           "0 rec=-1 @0=2 @2=\"Z\xC3\xBC"
+                           "id 2\"\n"
+                           "? no such operation: dans ('help' lists them)\n"
+                           "? no such field: @9=1\n"
+                           "1 rec=-1\n"
+                           "1\n0\n";
+    EXPECT_EQ(u.tekst, verwacht);
+}
