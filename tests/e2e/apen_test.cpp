@@ -1,0 +1,74 @@
+// Random keys: no crash, no hang, and the directory still sound. The number of keys and the seed can be set:
+// ZG_KEYS=1000000 ZG_SEED=7.
+#include "support/demomap.h"
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <random>
+
+using namespace zg::test;
+
+namespace {
+
+const char* const TOETSEN[] = {"<Enter>", "<Enter>", "<Enter>",  "<Esc>",
+                               "<Down>",  "<Down>",  "<Up>",     "<Left>",
+                               "<Right>", "<PgDn>",  "<PgUp>",   "<Tab>",
+                               "<BTab>",  "<Home>",  "<End>",    "<Ins>",
+                               "<Del>",   "<Back>",  "<F1>",     "<F2>",
+                               "<F3>",    "<F5>",    "<F6>",     "<F7>",
+                               "<F8>",    "<F10>",   "<F11>",    "<F12>",
+                               "12",      "10",      "J",        "N",
+                               "O",       "W",       "V",        "R",
+                               "T",       "M",       "010316",   "1",
+                               "5",       "a",       "\xC3\xA9", "\xE2\x82\xAC",
+                               "-",       "+",       "/",        ",",
+                               ".",       "\\",      "%",        "&",
+                               " ",       "Z",       "xyz"};
+
+long getal(const char* naam, long anders) {
+    const char* w = getenv(naam);
+    return w ? atol(w) : anders;
+}
+
+} // namespace
+
+TEST(Apen, RandomKeysLeaveASoundDirectory) {
+    const long aantal = getal("ZG_KEYS", 4000);
+    const auto zaad = static_cast<unsigned>(getal("ZG_SEED", 20160301));
+    SCOPED_TRACE("ZG_SEED=" + std::to_string(zaad));
+    std::mt19937 rnd(zaad);
+    DemoMap map;
+    Opties o = demo_opties(map);
+    long gedaan = 0;
+    while (gedaan < aantal && !testing::Test::HasFailure()) {
+        Terminal t({programma("zgbsmenu")}, o);
+        naar_seizoen(t);
+        std::string laatste;
+        for (long sinds = 0; gedaan < aantal && t.leeft() && sinds < 20000; sinds += 20) {
+            std::string stoot;
+            for (int i = 0; i < 20; i++, gedaan++)
+                stoot += TOETSEN[rnd() % std::size(TOETSEN)];
+            laatste = stoot;
+            t.reeks(stoot);
+            ASSERT_TRUE(t.kalm(30000)) << "hangs after " << stoot << "\n" << t.scherm();
+            if (t.leeft() && t.scherm().find("Orders registreren") != std::string::npos) {
+                t.reeks("<Enter>"); // back in the menu: in again
+                t.kalm();
+            }
+        }
+        if (t.leeft()) {
+            t.sein(SIGHUP);
+            EXPECT_GE(t.einde(2000), 0) << "outlives a hang-up";
+        } else {
+            // The menu's own end, or a report that a key gave: never a signal.
+            int status = t.einde();
+            EXPECT_LT(status, 2) << "status " << status << " after " << laatste << "\n" << t.scherm();
+        }
+        EXPECT_EQ(t.uitvoer().find("Sanitizer"), std::string::npos)
+            << t.uitvoer().substr(t.uitvoer().find("Sanitizer"));
+        EXPECT_EQ(t.uitvoer().find("runtime error"), std::string::npos);
+        ASSERT_EQ(t.scherm().find("AFGEBROKEN"), std::string::npos) << laatste << "\n" << t.scherm();
+    }
+    std::string check = "cd " + map.pad() + " && " + programma("ixcheck") + " -q . && for j in */*.JRN; do " +
+                        programma("orddump") + " $j > /dev/null || exit 1; done";
+    EXPECT_EQ(system(check.c_str()), 0);
+}

@@ -1,0 +1,86 @@
+#include "support/demomap.h"
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+
+namespace zg::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The demo data of this test program, removed with it.
+const std::string& bron() {
+    static TijdelijkeMap map(false);
+    static const std::string pad = [] {
+        std::string p = map.pad() + "/demo";
+        std::string opdracht = programma("zgdemo") + " " + p;
+        EXPECT_EQ(system(opdracht.c_str()), 0);
+        return p;
+    }();
+    return pad;
+}
+
+} // namespace
+
+std::string programma(const char* naam) {
+    return std::string(ZG_BINARY_DIR "/") + naam;
+}
+
+DemoMap::DemoMap() {
+    fs::copy(bron(), map_.pad(), fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+}
+
+std::map<std::string, std::string> DemoMap::inhoud() const {
+    std::map<std::string, std::string> alles;
+    for (const auto& e : fs::recursive_directory_iterator(pad()))
+        if (e.is_regular_file())
+            alles[fs::relative(e.path(), pad())] = lees_bestand(e.path());
+    return alles;
+}
+
+std::string DemoMap::verschil(const std::map<std::string, std::string>& a,
+                              const std::map<std::string, std::string>& b) {
+    std::string uit;
+    for (const auto& [naam, inhoud] : a)
+        if (auto it = b.find(naam); it == b.end())
+            uit += "-" + naam + " ";
+        else if (it->second != inhoud)
+            uit += naam + " ";
+    for (const auto& [naam, inhoud] : b)
+        if (!a.contains(naam))
+            uit += "+" + naam + " ";
+    return uit;
+}
+
+Opties demo_opties(const DemoMap& map) {
+    Opties o;
+    o.map = map.pad();
+    o.klok = "2016-03-01 12:00:00";
+    o.omgeving = {{"BIN", ZG_BINARY_DIR}};
+    return o;
+}
+
+void naar_seizoen(Terminal& t, int gebruiker) {
+    t.wacht("Gebruiker");
+    for (int i = 1; i < gebruiker; i++)
+        t.toetsen("<Down>");
+    t.toetsen("<Enter>");
+    t.wacht("Orders registreren");
+    t.toetsen("<Enter>");
+    t.wacht("Seizoen");
+    t.kalm();
+}
+
+std::vector<std::string> overgave(const DemoMap& map, int slot, const char* naam) {
+    std::string sys = lees_bestand(map.bestand("DTSYS.TXT"));
+    size_t p = 2640 + static_cast<size_t>(slot - 1) * 64;
+    sys[p + 38] = 2;
+    memset(&sys[p + 48], 0, 10);
+    memcpy(&sys[p + 48], "zgbestel", 8);
+    schrijf_bestand(map.bestand("DTSYS.TXT"), sys);
+    return {programma("zgbestel"), "zgbestel", naam, std::to_string(slot), "zgbsmenu"};
+}
+
+} // namespace zg::test

@@ -1,0 +1,33 @@
+// A copy of the demo data directory in a temporary place, and the program started in it as a buyer starts it:
+// from the menu.
+#pragma once
+#include "support/terminal.h"
+#include <map>
+#include <string>
+
+namespace zg::test {
+
+class DemoMap {
+public:
+    DemoMap(); // the demo data is made once a test program, and copied
+    const std::string& pad() const { return map_.pad(); }
+    std::string bestand(const std::string& naam) const { return pad() + "/" + naam; }
+    // Every plain file's content by name, season directories included.
+    std::map<std::string, std::string> inhoud() const;
+    // Names of files that differ between two such pictures.
+    static std::string verschil(const std::map<std::string, std::string>& a,
+                                const std::map<std::string, std::string>& b);
+
+private:
+    TijdelijkeMap map_{false};
+};
+
+// Options for the menu or the program in that directory, with the clock at 1 March 2016.
+Opties demo_opties(const DemoMap& map);
+std::string programma(const char* naam); // path of a built program
+// The menu up to the season prompt, as the n-th free user.
+void naar_seizoen(Terminal& t, int gebruiker = 1);
+// Log in and hand over without a menu: the slot of DTSYS.TXT written as the menu does. The argv of zgbestel.
+std::vector<std::string> overgave(const DemoMap& map, int slot = 1, const char* naam = "Joke");
+
+} // namespace zg::test
