@@ -1,0 +1,162 @@
+// The program as the buyer feels it: from start to the season prompt, a key to its echo, the commit of an order of
+// 1,000 lines into a journal of 10 MB; each with its system calls. Prints medians. usage: bench_programma
+#include "order/programma.h"
+#include "order/wrk.h"
+#include "support/demomap.h"
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+using klok = std::chrono::steady_clock;
+
+double ms_sinds(klok::time_point t) { return std::chrono::duration<double, std::milli>(klok::now() - t).count(); }
+
+double mediaan(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+// System calls of a command as strace counts them.
+long telsys(const std::string& opdracht) {
+    std::string uit = "/tmp/zgbench." + std::to_string(getpid());
+    std::string regel = "strace -c -f -o " + uit + " " + opdracht + " > /dev/null 2>&1";
+    if (system(regel.c_str()) < 0)
+        return -1;
+    std::string tekst = lees_bestand(uit);
+    unlink(uit.c_str());
+    size_t p = tekst.rfind("total");
+    long aantal = -1;
+    if (p != std::string::npos) {
+        size_t begin = tekst.rfind('\n', p);
+        sscanf(tekst.c_str() + begin, "%*s %*s %*s %ld", &aantal);
+    }
+    return aantal;
+}
+
+void start() {
+    std::vector<double> ms;
+    DemoMap map;
+    Opties o = demo_opties(map);
+    o.klok.clear(); // without the clock library in between
+    for (int i = 0; i < 31; i++) {
+        auto argv = overgave(map);
+        auto t0 = klok::now();
+        Terminal t(argv, o);
+        while (t.leeft() && t.scherm().find("Seizoen") == std::string::npos)
+            t.kalm(5000);
+        ms.push_back(ms_sinds(t0));
+    }
+    printf("%-52s %8.2f ms\n", "start to season prompt, exec and terminal included", mediaan(ms));
+
+    auto argv = overgave(map);
+    Terminal t(argv, o);
+    t.kalm();
+    std::vector<double> echo;
+    for (int i = 0; i < 200; i++) {
+        const char* toets = i % 2 ? "<Back>" : "7";
+        std::string voor = t.scherm();
+        auto t0 = klok::now();
+        t.reeks(toets);
+        t.kalm();
+        echo.push_back(ms_sinds(t0));
+    }
+    printf("%-52s %8.2f ms\n", "a key to its echo", mediaan(echo));
+}
+
+// A journal of about `bytes` with an order of `regels` lines in its middle.
+void maak_journaal(const char* pad, size_t bytes, int regels) {
+    std::string uit;
+    auto schrijf = [&](char tag, const auto& rec) {
+        uit += tag;
+        uit.append(reinterpret_cast<const char*>(&rec), sizeof rec);
+    };
+    auto order = [&](int aantal) {
+        ordkop k{};
+        k.leverancier = 12, k.jaar = 2016, k.seizoen = 'Z', k.orderdatum = 42000, k.koers = 10000, k.koerseenheid = 1, k.toeslag = 10000;
+        schrijf('O', k);
+        ordmodel m{};
+        m.merk = 103, m.maatsoort = 1, m.artikelgroep = 2100;
+        schrijf('M', m);
+        for (int r = 0; r < aantal; r++) {
+            orddessin d{};
+            d.kleur = 14, d.volgnummer = 1, d.maten[0] = 0x7E;
+            schrijf('D', d);
+            for (uint8_t s = 1; s <= 6; s++)
+                schrijf('S', ordmaat{s, {}, 1000, 950});
+            schrijf('L', ordlevt{42050, 42080});
+            for (uint8_t f = 0; f < 5; f++)
+                for (uint8_t s = 1; s <= 6; s++)
+                    schrijf('F', ordfil{f, s, 0, 3});
+        }
+    };
+    while (uit.size() < bytes / 2)
+        order(20);
+    order(regels);
+    while (uit.size() < bytes)
+        order(20);
+    schrijf_bestand(pad, uit);
+}
+
+void commit() {
+    TijdelijkeMap map;
+    std::filesystem::create_directory("2016Z");
+    aantal_filialen = 5;
+    aantallen_maak();
+    seizoensmap = "2016Z", gekozen_leverancier = 12, gekozen_jaar = 2016, gekozen_letter = 'Z';
+    const char* pad = "2016Z/ORD0012.JRN";
+    std::vector<double> ms_open, ms_dicht;
+    for (int i = 0; i < 9; i++) {
+        maak_journaal(pad, 10 << 20, 1000);
+        journaal = ord_open_jrn("2016Z", 12, O_RDWR);
+        ord_eerste_order(journaal);
+        int32_t grootste = 0, vorige = 0;
+        do {
+            if (journaal->offset - vorige > 100000)
+                break;
+            vorige = journaal->offset;
+        } while (ord_volgende_order(journaal));
+        grootste = vorige;
+        journaal->offset = grootste;
+        ord_lees(journaal, 'R');
+        auto t0 = klok::now();
+        wrk_open();
+        ms_open.push_back(ms_sinds(t0));
+        memcpy(kop.omschrijving, "gewijzigd", 9);
+        werk->offset = 0, werk->tag = 'O';
+        ord_schrijf(werk);
+        t0 = klok::now();
+        wrk_sluit();
+        ms_dicht.push_back(ms_sinds(t0));
+        if (journaal)
+            ord_sluit(journaal);
+        journaal = nullptr;
+    }
+    printf("%-52s %8.2f ms\n", "open an order of 1,000 lines", mediaan(ms_open));
+    printf("%-52s %8.2f ms\n", "commit it into a journal of 10 MB", mediaan(ms_dicht));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 1 && strcmp(argv[1], "commit") == 0) { // by itself, to count its system calls
+        commit();
+        return 0;
+    }
+    start();
+    commit();
+    std::string zelf = std::filesystem::read_symlink("/proc/self/exe");
+    long alles = telsys(zelf + " commit");
+    if (alles > 0)
+        printf("%-52s %8ld calls\n", "nine times make, open and commit that journal", alles);
+    return 0;
+}
