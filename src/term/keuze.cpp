@@ -1,0 +1,168 @@
+// The choice row: labels with their letters, a field of one character, and the same choices as a pop-up menu
+// when the row is too short for the labels.
+#include "term/keuze.h"
+#include "term/dm_hdl.h"
+#include "term/ingave.h"
+#include "term/natl.h"
+#include "term/teksten.h"
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace zg {
+
+namespace {
+
+constexpr int KEUZES = 32;
+constexpr int OPNIEUW = -2;
+
+struct Rijstand {
+    uint32_t masker = 0;
+    int vast = -1;
+    Keuzetekst tekst = nullptr;
+    uint16_t* doel = nullptr;
+    int minimum = 0, maximum = -1, getalkeuze = -1;
+} rs;
+
+bool aan(int n) {
+    return n >= 0 && n < KEUZES && (rs.masker >> n & 1u);
+}
+
+const char* label(int n) {
+    const char* t = aan(n) && rs.tekst ? rs.tekst(n) : nullptr;
+    return t;
+}
+
+char letter(int n) {
+    const char* t = label(n);
+    const char* p = t ? strchr(t, '&') : nullptr;
+    return p ? static_cast<char>(NGROOT(static_cast<uint8_t>(p[1]))) : '\0';
+}
+
+int keuze_van(char teken) {
+    for (int n = 0; n < KEUZES; n++)
+        if (letter(n) && letter(n) == teken)
+            return n;
+    return -1;
+}
+
+// The choices as a menu: a choice, or OPNIEUW for back to the row.
+int menu(int rij) {
+    int schermrij, schermkolom;
+    WINNAARSCHERM(rij, 1, &schermrij, &schermkolom);
+    DMREC* m = DMNEW(TXT(T_UW_KEUZE));
+    for (int n = 0; n < KEUZES; n++)
+        if (label(n))
+            DMITEM(m, label(n), n, 1);
+    int keus = DMRUN(m, schermrij, rs.vast);
+    bool weg = SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC || SCHERM.laatste == K_F6;
+    return weg ? OPNIEUW : keus;
+}
+
+} // namespace
+
+void KEUZESTART(Keuzetekst tekst) {
+    rs = Rijstand{};
+    rs.tekst = tekst;
+}
+
+void KEUZEGETAL(int keuze, uint16_t* doel, int minimum, int maximum) {
+    rs.getalkeuze = keuze;
+    rs.doel = doel;
+    rs.minimum = minimum;
+    rs.maximum = maximum;
+}
+
+void KEUZEAAN(int n) {
+    if (n >= 0 && n < KEUZES)
+        rs.masker |= 1u << n;
+}
+
+void KEUZEUIT(int n) {
+    if (n >= 0 && n < KEUZES)
+        rs.masker &= ~(1u << n);
+}
+
+void KEUZEVAST(int n) {
+    rs.vast = n;
+}
+
+bool KEUZEENIG(int n) {
+    return n >= 0 && n < KEUZES && rs.masker == 1u << n;
+}
+
+int KEUZE(int rij, int kolom) {
+    const bool getal = rs.doel && rs.minimum <= rs.maximum;
+    std::string letters, lang, kort;
+    for (int n = 0; n < KEUZES; n++) {
+        const char* t = label(n);
+        if (!t)
+            continue;
+        lang += (lang.empty() ? "" : ", ") + std::string(t);
+        if (char l = letter(n)) {
+            letters += l;
+            kort += (kort.empty() ? "&" : ", &") + std::string(1, l);
+        }
+    }
+
+    SCRCLREOL(rij, kolom);
+    SCRPUT(A_LABEL, rij, kolom, "%s", TXT(T_UW_KEUZE));
+    const int veld = kolom + static_cast<int>(strlen(TXT(T_UW_KEUZE))) + 1;
+    const bool past = veld + 1 + static_cast<int>(lang.size() - letters.size()) < WINBREEDTE();
+    if (!past)
+        TOETSAAN(K_HELP);
+    AMPTEKST(rij, veld + 3, past ? lang.c_str() : kort.c_str());
+
+    const std::string formaat = "1c[" + letters + (getal ? "0123456789" : "") + "],UA";
+    std::unique_ptr<Instel, void (*)(Instel*)> toetsen(INSTELNEW(0), INSTELDEL);
+    int antwoord = OPNIEUW, tot_nu = 0, plaats = 0;
+    while (antwoord == OPNIEUW) {
+        if (toetsen)
+            INSTELSET(toetsen.get());
+        char teken = plaats == 0 ? letter(rs.vast) : '\0';
+        INGAVE(rij, veld + plaats, formaat.c_str(), &teken);
+        const int32_t key = SCHERM.laatste;
+        if (key == K_HELP || key == K_F1) {
+            antwoord = menu(rij);
+        } else if (key != K_ENTER) {
+            antwoord = -1;
+        } else if (teken >= '0' && teken <= '9' && getal) {
+            tot_nu = tot_nu * 10 + (teken - '0');
+            if (tot_nu >= rs.minimum && tot_nu <= rs.maximum) {
+                *rs.doel = static_cast<uint16_t>(tot_nu);
+                return rs.getalkeuze;
+            }
+            // Two digits at most: the row has two columns for them.
+            if (plaats == 0 && tot_nu > 0 && tot_nu * 10 + 9 >= rs.minimum && tot_nu * 10 <= rs.maximum) {
+                plaats = 1;
+                continue;
+            }
+            if (tot_nu > 0)
+                error("<%d> %s", tot_nu, TXT(T_ONGELDIGE_KEUZE));
+        } else if (teken != '\0' && teken != ' ') {
+            antwoord = keuze_van(teken);
+        }
+        if (antwoord == OPNIEUW) {
+            plaats = tot_nu = 0;
+            SCRPUT(A_LABEL, rij, veld, "  ");
+        }
+    }
+    return antwoord;
+}
+
+void AMPTEKST(int rij, int kolom, const char* tekst) {
+    for (const char* p = tekst; *p;) {
+        if (*p != '&' || !p[1]) {
+            size_t n = strcspn(p + 1, "&") + 1;
+            SCRPUT(A_LABEL, rij, kolom, "%.*s", static_cast<int>(n), p);
+            kolom += static_cast<int>(n);
+            p += n;
+            continue;
+        }
+        bool alleen = (p == tekst || p[-1] == ' ') && (p[2] == ',' || p[2] == '\0');
+        SCRPUT(alleen ? A_WAARDE : A_SNELLETTER, rij, kolom++, "%c", p[1]);
+        p += 2;
+    }
+}
+
+} // namespace zg
