@@ -1,21 +1,19 @@
-// Fields of money matters: currency code, exchange rate, discount, surcharge. The arithmetic is in price/koers.h,
-// the table in price/ing_val.h. Keys allowed by TOETSAAN before the call leave each field as they leave INGAVE.
+// Fields of money matters: currency code and exchange rate. The arithmetic is in
+// price/koers.h, the table in price/ing_val.h. Keys allowed by TOETSAAN before the call leave each field as
+// they leave INGAVE.
 #pragma once
 #include <cstdint>
 
 namespace zg {
 
-// Currency code field at a place, format as "3c,UE", F5 for the list. An unknown code is refused, an empty one
-// accepted when the format lets it (flag V_LEEG). True when the code (3 bytes) changed.
+// Currency code field at a place, format as "3c,UE", F5 for the list. An unknown code is refused, an empty
+// one accepted when the format lets it (flag V_LEEG). True when the code (3 bytes) changed.
 bool valuta_veld(int rij, int kolom, const char* formaat, char* code);
 // Pick list of the currencies; true when one was picked, which is then the current one.
 bool valuta_kiezen();
 
-// Rate field, "9.5f,P" with the letters `vlaggen` ("E", "I" or ""). A unit above 10 shows as "(per 100)" behind it
-// and the value counts for the unit. *koers is a rate in double form, 0 for the rate of the day.
+// Rate field, "9.5f,P" with the letters `vlaggen` ("E", "I" or ""). A unit above 10 shows as "(per 100)"
+// behind it and the value counts for the unit. *koers is a rate in double form, 0 for the rate of the day.
 bool koers_veld(int rij, int kolom, const char* vlaggen, const char* code, double* koers);
-
-// Discount field "6.2f,ZPN", -99.99 to 99.99 per cent; F10 opens the calculator. True when it changed.
-bool korting_veld(int rij, int kolom, double* korting);
 
 } // namespace zg

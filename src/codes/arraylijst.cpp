@@ -1,0 +1,81 @@
+#include "codes/arraylijst.h"
+#include "codes/teksten.h"
+#include "shared/report.h"
+#include "term/ingave.h"
+#include "term/lijst.h"
+#include "term/prompt.h"
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace zg {
+
+namespace {
+
+// The list that runs; lists don't nest inside each other's search field.
+const ArrayLijst* nu;
+LIJST* lijst;
+
+int32_t haal(int32_t stap) {
+    const int64_t n = std::ssize(nu->regels);
+    int64_t p = static_cast<int32_t>(lijst->positie) + int64_t{stap};
+    if (p < 0 && stap < 0 && static_cast<int32_t>(lijst->positie) > 0)
+        p = 0; // a long stride back goes as far as there are rows
+    if (p < 0 || p >= n)
+        return 0;
+    lijst->positie = static_cast<uint32_t>(p);
+    return 1;
+}
+
+void toets() {
+    char tekst[21] = "";
+    int rij = LIJSTVELDRIJ();
+    SCRPUT(A_LABEL, rij, 2, "%s ", nu->vraag);
+    TOETSAAN(K_CANCEL);
+    INGAVE(rij, 3 + static_cast<int>(strlen(nu->vraag)), nu->formaat, &SCHERM.toets[key_f3], tekst);
+    if (SCHERM.laatste == K_F3)
+        SCHERM.vlag |= V_LEEG;
+    if ((SCHERM.vlag & V_LEEG) || SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+        return;
+    int gevonden = nu->zoek(tekst);
+    if (gevonden >= 0) {
+        lijst->positie = static_cast<uint32_t>(gevonden);
+        lijst->modus = 2;
+    }
+}
+
+void kop() {
+    SCRPUT(A_LABEL, 1, 2, "%s", nu->kop.c_str());
+}
+
+const char* regel() {
+    int32_t p = static_cast<int32_t>(lijst->positie);
+    return p >= 0 && p < std::ssize(nu->regels) ? nu->regels[static_cast<size_t>(p)].c_str() : "";
+}
+
+} // namespace
+
+int arraylijst(const ArrayLijst& deze) {
+    if (deze.regels.empty()) {
+        MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
+        return -1;
+    }
+    nu = &deze;
+    lijst = LIJSTNEW(haal, toets, deze.kop.empty() ? nullptr : kop, regel);
+    if (!lijst)
+        NOMEM("arraylijst", 1);
+    lijst->vast = 1;
+    lijst->positie = static_cast<uint32_t>(std::clamp<int64_t>(deze.begin, 0, std::ssize(deze.regels) - 1));
+    snprintf(lijst->titel, sizeof lijst->titel, "%s", deze.titel);
+    // Wide enough for the search field behind its label.
+    size_t breed = 12 + strlen(deze.vraag);
+    for (const std::string& r : deze.regels)
+        breed = std::max(breed, r.size());
+    lijst->breedte = static_cast<int32_t>(breed) + 4;
+    int gekozen = LIJSTRUN(lijst, 0) ? static_cast<int>(lijst->positie) : -1;
+    LIJSTDEL(lijst);
+    lijst = nullptr;
+    return gekozen;
+}
+
+} // namespace zg

@@ -1,0 +1,103 @@
+#include "codes/valveld.h"
+#include "codes/arraylijst.h"
+#include "codes/teksten.h"
+#include "price/ing_val.h"
+#include "price/koers.h"
+#include "term/ingave.h"
+#include "term/vast.h"
+#include <cstdio>
+#include <cstring>
+
+namespace zg {
+
+namespace {
+
+bool weg(int32_t toets) {
+    return toets == K_CANCEL || toets == K_ESC;
+}
+
+} // namespace
+
+bool valuta_kiezen() {
+    const auto& tabel = valuta_tabel();
+    ArrayLijst lijst{};
+    for (const auto& v : tabel) {
+        char regel[48];
+        snprintf(regel, sizeof regel, "%-3.3s   %-30.30s", std::string(VASTUIT(v.r.code)).c_str(),
+                 VASTTEKST(v.r.naam).c_str());
+        lijst.regels.push_back(regel);
+    }
+    char kop[48];
+    snprintf(kop, sizeof kop, "%-4.4s  %s", TXT(T_CODE), TXT(T_VALUTANAAM));
+    lijst.titel = TXT(T_KIES_VALUTACODE), lijst.kop = kop, lijst.vraag = TXT(T_VALUTACODE),
+    lijst.formaat = "3s,IU";
+    lijst.zoek = [&](const char* tekst) {
+        for (size_t i = 0; i < tabel.size(); i++)
+            if (VASTGELIJK(tabel[i].r.code, tekst))
+                return static_cast<int>(i);
+        error("%s", TXT(T_ONBEKENDE_VALUTACODE));
+        return -1;
+    };
+    int gekozen = arraylijst(lijst);
+    return gekozen >= 0 &&
+           valuta_zoek(std::string(VASTUIT(tabel[static_cast<size_t>(gekozen)].r.code)).c_str());
+}
+
+bool valuta_veld(int rij, int kolom, const char* formaat, char* code) {
+    Instel* bewaard = INSTELNEW(0);
+    char nieuw[3];
+    memcpy(nieuw, code, 3);
+    bool gewijzigd = false;
+    for (;;) {
+        if (bewaard)
+            INSTELSET(bewaard);
+        INGAVE(rij, kolom, formaat, &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], nieuw);
+        if (weg(SCHERM.laatste))
+            break;
+        uint32_t leeg = SCHERM.vlag & V_LEEG;
+        if (SCHERM.laatste == K_F5) {
+            if (!valuta_kiezen()) {
+                memcpy(nieuw, code, 3);
+                continue;
+            }
+            memcpy(nieuw, valuta_nu.code, 3);
+            SCHERM.laatste = K_ENTER;
+        } else if (!leeg) {
+            char gezocht[4] = {nieuw[0], nieuw[1], nieuw[2], 0};
+            if (!valuta_zoek(gezocht)) {
+                error("<%s> %s", gezocht, TXT(T_ONBEKENDE_VALUTACODE));
+                memcpy(nieuw, code, 3);
+                continue;
+            }
+        }
+        SCRPUT(A_WAARDE, rij, kolom, "%-*.*s", 3, 3, std::string(VASTUIT(nieuw)).c_str());
+        gewijzigd = memcmp(code, nieuw, 3) != 0;
+        memcpy(code, nieuw, 3);
+        break;
+    }
+    INSTELDEL(bewaard);
+    return gewijzigd;
+}
+
+bool koers_veld(int rij, int kolom, const char* vlaggen, const char* code, double* koers) {
+    int32_t geheel;
+    uint16_t eenheid = 1;
+    if (*koers > 0)
+        koers_integer(*koers, &geheel, &eenheid);
+    if (eenheid <= 10)
+        eenheid = 1;
+    else
+        SCRPUT(A_LABEL, rij, kolom + 10, "(%s %d)", TXT(T_PER), eenheid);
+    (void)code;
+    char formaat[16];
+    snprintf(formaat, sizeof formaat, "9.5f,P%.4s", vlaggen);
+    double waarde = *koers * eenheid;
+    bool gewijzigd = INGAVE(rij, kolom, formaat, &SCHERM.toets[key_cancel], &waarde) != 0;
+    if (weg(SCHERM.laatste))
+        return false;
+    if (gewijzigd)
+        *koers = waarde / eenheid;
+    return gewijzigd;
+}
+
+} // namespace zg
