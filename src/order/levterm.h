@@ -31,7 +31,8 @@ int lt_volgnr(uint16_t tot); // ordinal from 1, 0 when missing
 // New dates for a term; false when it is missing or another term has the new last date.
 bool lt_verzet(uint16_t oud_tot, uint16_t van, uint16_t tot);
 
-// A term's cells into a zeroed matrix with its totals.
+// A term's cells as a matrix with its totals; added to a matrix.
 void lt_matrix(const levterm& term, int32_t* matrix);
+void lt_erbij(const levterm& term, int32_t* matrix);
 
 } // namespace zg

@@ -51,6 +51,10 @@ bool regel_teksten(const ors_ingang& ingang, char* model_blok, char* dessin_blok
 void regel_bewaar(regelgebied* gebied);
 void regel_zet(const regelgebied& gebied);
 
+// What the S record of a size of the shared line gets.
+int32_t regel_bruto_opslag(int maat);
+int32_t regel_netto_opslag(int maat);
+
 // Net price with the order's discount from the stored one and back; korting as in the header (-250: 2.50%
 // off).
 int32_t netto_uit_opslag(int32_t opgeslagen, int16_t korting);

@@ -1,0 +1,143 @@
+// wrk_sluit: the order goes from the work file back into the journal. The only change that a journal ever
+// sees.
+//
+// 1. TMP is complete, on disk and locked before the journal is touched, and takes its place by one rename
+// while
+//    the old journal is still locked. There is never a moment without a whole journal.
+// 2. WRK is deleted only behind that. Killed before it, the repair commits again; killed behind it, the
+// repair
+//    finds that the journal holds the order.
+#include "order/meld.h"
+#include "order/ordsys.h"
+#include "order/programma.h"
+#include "order/wrk.h"
+#include "order/wrkbinnen.h"
+#include "shared/files.h"
+#include "shared/report.h"
+#include <cerrno>
+#include <unistd.h>
+
+namespace zg {
+
+namespace {
+
+// The records of a handle's file from `van` up to `tot` into TMP; D records are counted. With `zonder_lege`
+// text pieces that begin with NUL stay behind.
+void kopieer(const ordhandle* h, int64_t van, int64_t tot, bool zonder_lege, int64_t* regels) {
+    ordloop l;
+    ordrauw r;
+    ordloop_begin(&l, h->fd, van, tot);
+    for (;;) {
+        switch (ordloop_volgende(&l, &r)) {
+        case LOOP_RECORD:
+            if (zonder_lege && r.tag == 'T' && !r.data[2])
+                break;
+            if (r.tag == 'D')
+                ++*regels;
+            if (!tmp_rauw(r.data, r.lengte, false))
+                return;
+            break;
+        case LOOP_EINDE:
+            return;
+        case LOOP_FOUT:
+            IOFAIL("commit", 1);
+        case LOOP_TAG:
+        case LOOP_KORT:
+            ord_inconsistent(h, r.offset, r.tag);
+        }
+    }
+}
+
+// In registermodus a committed order has status 4, in the work file too: a repair writes what the commit
+// wrote.
+bool zet_status() {
+    werk->offset = 0;
+    if (!ord_lees(werk, 'R') || werk->tag != 'O' || kop.status == 4)
+        return true;
+    kop.status = 4;
+    return ord_schrijf(werk);
+}
+
+void sluit_werk() {
+    ord_sluit(werk);
+    werk = nullptr;
+}
+
+bool bouw_journaal(int32_t regels, int64_t* totaal) {
+    if (!tmp_nieuw(false))
+        return false;
+    if (order_start >= 1)
+        kopieer(journaal, 0, order_start, false, totaal);
+    if (regels >= 1)
+        kopieer(werk, 0, INT64_MAX, true, totaal);
+    if (order_volgende != -1)
+        kopieer(journaal, order_volgende, INT64_MAX, false, totaal);
+    if (!tmp_af())
+        return false;
+    // A journal that lost its last line is empty, whatever else stood in it.
+    if (*totaal == 0 && ORDSYS.ftruncate(tmp_fd(), 0) != 0)
+        return false;
+    // Some file systems know no fsync; others tell only now that the disk is full.
+    return ORDSYS.fsync(tmp_fd()) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+void roep_haken(int32_t regels) {
+    if (!registermodus)
+        return;
+    if (regels >= 1) {
+        if (ORDERHAKEN.ordnr_schrijf)
+            ORDERHAKEN.ordnr_schrijf();
+    } else if (!order_nieuw) {
+        if (ORDERHAKEN.ordnr_wis)
+            ORDERHAKEN.ordnr_wis();
+        if (ORDERHAKEN.label_los)
+            ORDERHAKEN.label_los();
+    }
+}
+
+bool vastleggen(int32_t regels) {
+    int64_t totaal = 0;
+    if (!bouw_journaal(regels, &totaal))
+        return false;
+    roep_haken(regels);
+    if (!IOLOCK('E', tmp_fd(), 0, 1) || ORDSYS.rename(wrk_naam("TMP").c_str(), wrk_naam("JRN").c_str()) != 0)
+        return false;
+    ord_wissel(journaal, tmp_neem());
+    return true;
+}
+
+} // namespace
+
+bool wrk_sluit() {
+    int32_t regels = aantal_regels;
+    bool goed = true;
+    if (!order_alleen_lezen) {
+        goed = !registermodus || zet_status();
+        if (goed) {
+            ors_wis();
+            errno = 0;
+            goed = vastleggen(regels);
+            if (!goed) {
+                int reden = errno;
+                tmp_weg();
+                ord_meld_schrijffout(wrk_naam("TMP").c_str(), reden, TXT(T_ORDER_BLIJFT),
+                                     TXT(T_ORDER_BEWAARD));
+            }
+        }
+    }
+    sluit_werk();
+    if (goed) {
+        wrk_ruim_op();
+        if (journaal) {
+            journaal->offset = 0;
+            journaal->tag = 0;
+        }
+    } else {
+        ors_wis();
+    }
+    aantal_regels = 0;
+    wrk_namen_wis();
+    return goed;
+}
+
+} // namespace zg

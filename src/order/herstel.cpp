@@ -1,0 +1,154 @@
+// Repair of an order whose session was broken off: WRK is still there. All or nothing: the whole work file
+// takes the order's place in the journal by the ordinary commit, or the changes are dropped. Nothing in the
+// files left behind is trusted: the journal and WRK are walked, and the offsets in ACT must be orders of that
+// journal.
+#include "order/meld.h"
+#include "order/ordsys.h"
+#include "order/programma.h"
+#include "order/wrk.h"
+#include "order/wrkbinnen.h"
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <vector>
+
+namespace zg {
+
+namespace {
+
+bool lees_act(act_record* act) {
+    int fd = ORDSYS.open(wrk_naam("ACT").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
+    if (fd < 0)
+        return false;
+    bool goed = ordsys_omvang(fd) == sizeof *act && ordsys_lees_op(fd, act, sizeof *act, 0) == sizeof *act;
+    ORDSYS.close(fd);
+    return goed && act->start >= 0 && act->start <= act->omvang &&
+           (act->volgende == -1 || (act->volgende > act->start && act->volgende < act->omvang));
+}
+
+// One order, from its header to the end of the file; counts its lines.
+bool toets_werk(int32_t* regels) {
+    ordloop l;
+    ordrauw r;
+    bool eerste = true;
+    *regels = 0;
+    ordloop_begin(&l, werk->fd, 0, INT64_MAX);
+    for (;; eerste = false) {
+        loopstand stand = ordloop_volgende(&l, &r);
+        if (stand == LOOP_EINDE)
+            return !eerste;
+        if (stand != LOOP_RECORD || (r.tag == 'O') != eerste)
+            return false;
+        if (r.tag == 'D')
+            ++*regels;
+    }
+}
+
+// Does the journal hold an order, or its end, at the recorded start, and is the recorded next order the one
+// behind it? Also the order's status.
+bool toets_plaatsen(const act_record& act, uint8_t* status) {
+    ordloop l;
+    ordrauw r;
+    bool start_gezien = false;
+    int64_t volgende = -1;
+    *status = 0;
+    ordloop_begin(&l, journaal->fd, 0, INT64_MAX);
+    for (;;) {
+        loopstand stand = ordloop_volgende(&l, &r);
+        if (stand == LOOP_EINDE)
+            break;
+        if (stand != LOOP_RECORD)
+            return false;
+        if (r.tag != 'O')
+            continue;
+        if (r.offset == act.start) {
+            start_gezien = true;
+            ordkop gezien;
+            memcpy(&gezien, r.data + 1, sizeof gezien);
+            *status = gezien.status;
+        } else if (r.offset > act.start) {
+            volgende = r.offset;
+            break;
+        }
+    }
+    return (start_gezien || act.start == act.omvang) && volgende == act.volgende;
+}
+
+// What the commit makes of the work file.
+std::vector<uint8_t> vastgelegde_order() {
+    std::vector<uint8_t> uit;
+    ordloop l;
+    ordrauw r;
+    ordloop_begin(&l, werk->fd, 0, INT64_MAX);
+    while (ordloop_volgende(&l, &r) == LOOP_RECORD)
+        if (r.tag != 'T' || r.data[2])
+            uit.insert(uit.end(), r.data, r.data + r.lengte);
+    if (registermodus)
+        uit[1 + offsetof(ordkop, status)] = 4;
+    return uit;
+}
+
+// Killed behind the rename: the journal is the old one with the order already in it (or out of it).
+bool al_vastgelegd(const act_record& act, int32_t regels) {
+    std::vector<uint8_t> order;
+    if (regels)
+        order = vastgelegde_order();
+    int64_t staart = act.volgende == -1 ? 0 : act.omvang - act.volgende;
+    int64_t achter = act.start + static_cast<int64_t>(order.size());
+    if (ordsys_omvang(journaal->fd) != achter + staart)
+        return false;
+    std::vector<uint8_t> staat(order.size());
+    if (ordsys_lees_op(journaal->fd, staat.data(), staat.size(), act.start) !=
+            static_cast<ssize_t>(staat.size()) ||
+        staat != order)
+        return false;
+    char tag = 'O';
+    return !staart || (ordsys_lees_op(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
+}
+
+enum herstelstand { HERSTEL_NIET, HERSTEL_AL, HERSTEL_DOEN };
+
+herstelstand onderzoek() {
+    act_record act;
+    uint8_t status;
+    werk = ord_open_wrk(seizoensmap.c_str(), gekozen_leverancier, O_RDWR);
+    if (!werk || !lees_act(&act) || !toets_werk(&aantal_regels))
+        return HERSTEL_NIET;
+    if (ordsys_omvang(journaal->fd) != act.omvang)
+        return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
+    if (!toets_plaatsen(act, &status))
+        return HERSTEL_NIET;
+    order_start = act.start;
+    order_volgende = act.volgende;
+    order_nieuw = act.start == act.omvang;
+    order_alleen_lezen = !order_nieuw && status != 0 && (!registermodus || gebruikersrecht == 'I');
+    return HERSTEL_DOEN;
+}
+
+} // namespace
+
+bool herstel_order() {
+    if (!journaal)
+        return false;
+    if (wrk_naam("WRK").empty())
+        wrk_namen();
+    herstelstand stand = onderzoek();
+    if (stand == HERSTEL_DOEN) {
+        if (wrk_sluit())
+            return true;
+        // The disk refused: nothing is lost while WRK stays, so nobody may go on to an order of this
+        // supplier.
+        ord_sluit(journaal);
+        journaal = nullptr;
+        return false;
+    }
+    ord_sluit(werk);
+    werk = nullptr;
+    wrk_ruim_op();
+    wrk_namen_wis();
+    aantal_regels = 0;
+    return stand == HERSTEL_AL;
+}
+
+} // namespace zg

@@ -1,0 +1,361 @@
+// Module ioord: opening, locking, buffered reading and writing in place of order journals and work files.
+// Offsets are bytes from the start of the file. order/ordtekst.cpp does the texts, order/ordloop.cpp raw
+// walks.
+//
+// 1. A region lock belongs to the process and the inode: closing any descriptor of the file drops it, and it
+// does
+//    not follow a rename. So a journal has one descriptor in the process, and an opener that has got the lock
+//    looks whether the path still leads to the inode it holds.
+// 2. The valid part of a buffer ends on a record boundary.
+#include "order/ioord.h"
+#include "order/meld.h"
+#include "order/ordloop.h"
+#include "order/ordsys.h"
+#include "shared/files.h"
+#include "shared/report.h"
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <sys/stat.h>
+#include <vector>
+
+namespace zg {
+
+ordkop kop;
+ordmodel model;
+orddessin dessin;
+ordtekst tekstrec;
+ordmaat maatrec;
+ordextra extra_e, extra_b;
+ordlevt levtrec;
+ordfil filrec;
+
+namespace {
+
+struct tagrij {
+    int lengte;
+    void* beeld;
+};
+
+tagrij tag_rij(char tag) {
+    switch (tag) {
+    case 'O':
+        return {sizeof kop, &kop};
+    case 'M':
+        return {sizeof model, &model};
+    case 'D':
+        return {sizeof dessin, &dessin};
+    case 'T':
+        return {sizeof tekstrec, &tekstrec};
+    case 'S':
+        return {sizeof maatrec, &maatrec};
+    case 'E':
+        return {sizeof extra_e, &extra_e};
+    case 'B':
+        return {sizeof extra_b, &extra_b};
+    case 'L':
+        return {sizeof levtrec, &levtrec};
+    case 'F':
+        return {sizeof filrec, &filrec};
+    default:
+        return {-1, nullptr};
+    }
+}
+
+inline constexpr int32_t BUFFER_MAX = 16384, BUFFER_MIN = 1024;
+// An opener that keeps finding another file under its path gives up after so many turns.
+inline constexpr int OPENPOGINGEN = 50;
+
+enum openstand { OPEN_GOED, OPEN_MISLUKT, OPEN_BEZET };
+
+openstand open_op_slot(const char* pad, int vlaggen, int* uit) {
+    bool schrijven = (vlaggen & O_ACCMODE) != O_RDONLY;
+    for (int i = 0; i < OPENPOGINGEN; i++) {
+        int fd = ORDSYS.open(pad, vlaggen | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0660);
+        if (fd < 0)
+            return OPEN_MISLUKT;
+        struct stat open_st, pad_st;
+        if (fstat(fd, &open_st) != 0 || !S_ISREG(open_st.st_mode) || open_st.st_size > INT32_MAX) {
+            ORDSYS.close(fd);
+            return OPEN_MISLUKT;
+        }
+        if (!schrijven) {
+            *uit = fd;
+            return OPEN_GOED;
+        }
+        if (!IOLOCK('E', fd, 0, 1)) {
+            ORDSYS.close(fd);
+            return OPEN_BEZET;
+        }
+        if (stat(pad, &pad_st) == 0 && pad_st.st_dev == open_st.st_dev && pad_st.st_ino == open_st.st_ino) {
+            *uit = fd;
+            return OPEN_GOED;
+        }
+        ORDSYS.close(fd); // replaced between our open and our lock
+    }
+    return OPEN_BEZET;
+}
+
+ordhandle* open_bestand(const char* map, const std::string& naam, const std::string& pad, int vlaggen) {
+    int fd = -1;
+    switch (open_op_slot(pad.c_str(), vlaggen, &fd)) {
+    case OPEN_MISLUKT:
+        return nullptr;
+    case OPEN_BEZET:
+        ord_meld_bezet(naam.c_str());
+        return nullptr;
+    case OPEN_GOED:
+        break;
+    }
+    auto h = std::make_unique<ordhandle>();
+    h->fd = fd;
+    h->laatste_o = h->laatste_m = h->laatste_d = -1;
+    h->schrijven = (vlaggen & O_ACCMODE) != O_RDONLY;
+    snprintf(h->naam, sizeof h->naam, "%s", naam.c_str());
+    snprintf(h->seizoen, sizeof h->seizoen, "%.5s", map);
+    h->pad = pad;
+    for (h->buflen = BUFFER_MAX; h->buflen >= BUFFER_MIN; h->buflen /= 2) {
+        h->buffer = static_cast<uint8_t*>(malloc(static_cast<size_t>(h->buflen)));
+        if (h->buffer)
+            return h.release();
+    }
+    NOMEM("ioord", 1);
+}
+
+// Every record of a journal that will be rebuilt is looked at before anything is written.
+void keur(ordhandle* h) {
+    ordloop l;
+    ordrauw r;
+    ordloop_begin(&l, h->fd, 0, INT64_MAX);
+    for (;;) {
+        switch (ordloop_volgende(&l, &r)) {
+        case LOOP_RECORD:
+            continue;
+        case LOOP_EINDE:
+            return;
+        case LOOP_FOUT:
+            IOFAIL("ioord", 2);
+        case LOOP_TAG:
+        case LOOP_KORT:
+            ord_inconsistent(h, r.offset, r.tag);
+        }
+    }
+}
+
+// Fill the buffer from an offset; true when a whole record stands at its start. At the end of the file
+// *einde is set; otherwise false means a bad record, which only a soft handle lives to see.
+bool vul(ordhandle* h, int32_t offset, bool* einde) {
+    *einde = false;
+    h->bufgeldig = 0;
+    h->bufstart = offset;
+    if (offset < 0) {
+        if (h->zacht)
+            return false;
+        ord_inconsistent(h, offset, h->tag);
+    }
+    ssize_t n = ordsys_lees_op(h->fd, h->buffer, static_cast<size_t>(h->buflen), offset);
+    if (n < 0) {
+        if (h->zacht)
+            return false;
+        IOFAIL("ioord", 3);
+    }
+    if (n == 0) {
+        *einde = true;
+        return false;
+    }
+    int32_t p = 0, vol = static_cast<int32_t>(n);
+    while (p < vol) {
+        int lengte = ord_lengte(static_cast<char>(h->buffer[p]));
+        bool slecht = lengte < 0;
+        if (!slecht && p + 1 + lengte > vol) {
+            if (vol == h->buflen)
+                break;
+            slecht = true;
+        }
+        if (slecht) {
+            if (!h->zacht)
+                ord_inconsistent(h, int64_t{offset} + p, static_cast<char>(h->buffer[p]));
+            break;
+        }
+        p += 1 + lengte;
+    }
+    h->bufgeldig = p;
+    return p > 0;
+}
+
+// The tag at an offset: 'X' at the end, 0 for a bad record (soft handles only).
+char tag_op(ordhandle* h, int32_t offset) {
+    if (offset >= h->bufstart && offset - h->bufstart < h->bufgeldig) {
+        int32_t in = offset - h->bufstart;
+        char tag = static_cast<char>(h->buffer[in]);
+        int lengte = ord_lengte(tag);
+        if (lengte >= 0 && in + 1 + lengte <= h->bufgeldig)
+            return tag;
+    }
+    bool einde;
+    if (!vul(h, offset, &einde))
+        return einde ? 'X' : '\0';
+    return static_cast<char>(h->buffer[0]);
+}
+
+bool neem(ordhandle* h, char tag) {
+    h->tag = tag;
+    if (tag == 'X' || !tag)
+        return false;
+    tagrij rij = tag_rij(tag);
+    memcpy(rij.beeld, h->buffer + (h->offset - h->bufstart) + 1, static_cast<size_t>(rij.lengte));
+    if (tag == 'O')
+        h->laatste_o = h->offset;
+    else if (tag == 'M')
+        h->laatste_m = h->offset;
+    else if (tag == 'D')
+        h->laatste_d = h->offset;
+    return true;
+}
+
+} // namespace
+
+int ord_lengte(char tag) {
+    return tag_rij(tag).lengte;
+}
+
+void* ord_beeld(char tag) {
+    return tag_rij(tag).beeld;
+}
+
+ordhandle* ord_open_jrn(const char* map, int leverancier, int vlaggen) {
+    if (leverancier < 0 || leverancier > UINT16_MAX)
+        return nullptr;
+    char naam[24];
+    std::string pad;
+    if (leverancier) {
+        snprintf(naam, sizeof naam, "ORD%04u.JRN", static_cast<unsigned>(leverancier));
+        pad = std::string(map) + '/' + naam;
+    } else {
+        snprintf(naam, sizeof naam, "ORD%5.5s.JRN", map);
+        pad = naam;
+    }
+    ordhandle* h = open_bestand(map, naam, pad, vlaggen);
+    if (h && h->schrijven)
+        keur(h);
+    return h;
+}
+
+ordhandle* ord_open_wrk(const char* map, int leverancier, int vlaggen) {
+    if (leverancier < 0 || leverancier > UINT16_MAX)
+        return nullptr;
+    char naam[24];
+    snprintf(naam, sizeof naam, "ORD%04u.WRK", static_cast<unsigned>(leverancier));
+    return open_bestand(map, naam, std::string(map) + '/' + naam, vlaggen);
+}
+
+void ord_sluit(ordhandle* h) {
+    if (!h)
+        return;
+    if (h->schrijven)
+        IOLOCK('U', h->fd, 0, 1);
+    ORDSYS.close(h->fd);
+    free(h->buffer);
+    delete h;
+}
+
+void ord_sluit_jrn(ordhandle* h) {
+    if (h && h->schrijven && ordsys_omvang(h->fd) == 0)
+        ORDSYS.unlink(h->pad.c_str());
+    ord_sluit(h);
+}
+
+void ord_wissel(ordhandle* h, int fd) {
+    ORDSYS.close(h->fd);
+    h->fd = fd;
+    h->offset = h->bufgeldig = h->bufstart = 0;
+    h->tag = 0;
+    h->laatste_o = h->laatste_m = h->laatste_d = -1;
+}
+
+bool ord_lees(ordhandle* h, char modus) {
+    if (modus == 'N' && ord_lengte(h->tag) >= 0)
+        h->offset += 1 + ord_lengte(h->tag);
+    return neem(h, tag_op(h, h->offset));
+}
+
+bool ord_kind(ordhandle* h, char soort) {
+    int lengte = ord_lengte(h->tag);
+    if (lengte < 0)
+        return false;
+    int32_t verder = h->offset + 1 + lengte;
+    char tag = tag_op(h, verder);
+    bool past = false;
+    switch (soort) {
+    case 'D':
+        past = !strchr("OMDX", tag);
+        break; // strchr finds the NUL of a bad record too
+    case 'M':
+        past = !strchr("OMX", tag);
+        break;
+    case 'O':
+        past = !strchr("OX", tag);
+        break;
+    case 'L':
+        past = tag == 'F';
+        break;
+    case 'S':
+        past = tag == 'E' || tag == 'B';
+        break;
+    case 'T':
+        past = tag == 'T';
+        break;
+    default:
+        break;
+    }
+    if (!past)
+        return false;
+    h->offset = verder;
+    return neem(h, tag);
+}
+
+bool ord_volgende_order(ordhandle* h) {
+    while (ord_lees(h, 'N'))
+        if (h->tag == 'O')
+            return true;
+    return false;
+}
+
+bool ord_eerste_order(ordhandle* h) {
+    h->offset = 0;
+    return ord_lees(h, 'F') && h->tag == 'O';
+}
+
+bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
+    h->bufgeldig = 0;
+    std::vector<uint8_t> oud(n);
+    int64_t omvang = ordsys_omvang(h->fd);
+    ssize_t oudn = ordsys_lees_op(h->fd, oud.data(), n, plaats);
+    if (omvang >= 0 && oudn >= 0) {
+        if (ordsys_schrijf_op(h->fd, bytes, n, plaats))
+            return true;
+        int reden = errno;
+        ordsys_schrijf_op(h->fd, oud.data(), static_cast<size_t>(oudn), plaats);
+        if (ordsys_omvang(h->fd) > omvang && ORDSYS.ftruncate(h->fd, omvang) != 0)
+            reden = errno;
+        errno = reden;
+    }
+    ord_meld_schrijffout(h->naam, errno, TXT(T_WERK_BLIJFT), nullptr);
+    return false;
+}
+
+bool ord_schrijf(ordhandle* h) {
+    tagrij rij = tag_rij(h->tag);
+    if (rij.lengte < 0 || h->offset < 0)
+        return false;
+    uint8_t bytes[1 + sizeof(orddessin)];
+    static_assert(sizeof(orddessin) >= sizeof(ordkop));
+    bytes[0] = static_cast<uint8_t>(h->tag);
+    memcpy(bytes + 1, rij.beeld, static_cast<size_t>(rij.lengte));
+    return ord_schrijf_op(h, h->offset, bytes, 1 + static_cast<size_t>(rij.lengte));
+}
+
+} // namespace zg

@@ -1,0 +1,24 @@
+// What the order files tell the user: file in use, damaged file, write refused. Without a screen (tests, the
+// operators' tools) the same lines go to the error output.
+#pragma once
+#include "order/ioord.h"
+#include "order/teksten.h"
+#include <cstdint>
+
+namespace zg {
+
+// Window at the bottom, waits for Enter: "Order ORD0012.JRN in gebruik op ander scherm."
+void ord_meld_bezet(const char* naam);
+// Second row from the bottom, waits for Enter: "NAME: Bestand niet te openen".
+void ord_meld_niet_open(const char* naam);
+// Box: which file, the reason in words, and up to two lines about what stays. Null lines are left out.
+void ord_meld_schrijffout(const char* naam, int reden, const char* regel2, const char* regel3);
+// Stops: "Order 2016Z-ORD0012.JRN inconsistent, pos. 1234 (Q)".
+[[noreturn]] void ord_inconsistent(const ordhandle* h, int64_t pos, char tag);
+
+// For the siblings of ioord. ord_wissel: the handle goes on with another descriptor, from offset 0; the old
+// one is closed. ord_schrijf_op: bytes in place; false when that failed, told, with the old bytes put back.
+void ord_wissel(ordhandle* h, int fd);
+bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n);
+
+} // namespace zg

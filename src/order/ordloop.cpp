@@ -1,0 +1,70 @@
+// The walk of order/ordloop.h.
+#include "order/ordloop.h"
+#include "order/ioord.h"
+#include "order/ordsys.h"
+#include <cstring>
+
+namespace zg {
+
+namespace {
+inline constexpr size_t LOOPBLOK = 256 * 1024;
+}
+
+void ordloop_begin(ordloop* l, int fd, int64_t van, int64_t tot) {
+    l->fd = fd;
+    l->tot = tot;
+    l->blok.resize(LOOPBLOK);
+    l->blokstart = van;
+    l->geldig = l->plaats = 0;
+    l->bij_einde = false;
+}
+
+namespace {
+// Keep what was not used yet and read on behind it.
+bool vul_aan(ordloop* l) {
+    size_t rest = l->geldig - l->plaats;
+    memmove(l->blok.data(), l->blok.data() + l->plaats, rest);
+    l->blokstart += static_cast<int64_t>(l->plaats);
+    l->plaats = 0;
+    int64_t leesplaats = l->blokstart + static_cast<int64_t>(rest);
+    int64_t over = l->tot - leesplaats;
+    size_t wil = l->blok.size() - rest;
+    if (over < static_cast<int64_t>(wil))
+        wil = over > 0 ? static_cast<size_t>(over) : 0;
+    ssize_t n = ordsys_lees_op(l->fd, l->blok.data() + rest, wil, leesplaats);
+    if (n < 0)
+        return false;
+    l->geldig = rest + static_cast<size_t>(n);
+    if (static_cast<size_t>(n) < l->blok.size() - rest)
+        l->bij_einde = true;
+    return true;
+}
+} // namespace
+
+loopstand ordloop_volgende(ordloop* l, ordrauw* uit) {
+    for (;;) {
+        size_t over = l->geldig - l->plaats;
+        if (over) {
+            const uint8_t* p = l->blok.data() + l->plaats;
+            int lengte = ord_lengte(static_cast<char>(*p));
+            uit->tag = static_cast<char>(*p);
+            uit->offset = l->blokstart + static_cast<int64_t>(l->plaats);
+            uit->data = p;
+            uit->lengte = static_cast<size_t>(lengte + 1);
+            if (lengte < 0)
+                return LOOP_TAG;
+            if (uit->lengte <= over) {
+                l->plaats += uit->lengte;
+                return LOOP_RECORD;
+            }
+            if (l->bij_einde)
+                return LOOP_KORT;
+        } else if (l->bij_einde) {
+            return LOOP_EINDE;
+        }
+        if (!vul_aan(l))
+            return LOOP_FOUT;
+    }
+}
+
+} // namespace zg

@@ -1,0 +1,383 @@
+// The work file: names, the index of its lines (ORS), the scratch file (TMP), the marker (ACT) and wrk_open.
+// Its siblings wrkregel.cpp, commit.cpp and herstel.cpp change lines, splice the order back, repair.
+#include "order/wrk.h"
+#include "order/meld.h"
+#include "order/ordsys.h"
+#include "order/programma.h"
+#include "order/wrkbinnen.h"
+#include "shared/files.h"
+#include "shared/report.h"
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+#include <vector>
+
+namespace zg {
+
+int32_t aantal_regels;
+ordhandle* journaal;
+ordhandle* werk;
+int32_t order_start, order_volgende;
+bool order_nieuw;
+bool order_alleen_lezen;
+ors_ingang regelingang;
+
+namespace {
+
+std::string stam; // "2016Z/ORD0012", empty outside an order
+std::string journaalnaam;
+
+inline constexpr size_t TMPBUFFER = 256 * 1024;
+inline constexpr int32_t REGELS_MAX = UINT16_MAX; // line numbers of the index are 16 bits
+
+struct scratch {
+    int fd = -1;
+    std::vector<uint8_t> buffer;
+    int64_t omvang = 0; // with what is still in the buffer
+    int fout = 0;       // errno of the first failure
+    // The index under construction, and what tmp_weg puts back.
+    std::vector<ors_ingang> ors;
+    ors_ingang ingang = {};
+    int32_t regels_oud = 0;
+} tmp;
+
+int ors_fd = -1;
+std::vector<ors_ingang> ors_nu; // what the ORS file holds
+
+bool tmp_leeg() {
+    if (!tmp.fout && !tmp.buffer.empty() && !ordsys_schrijf(tmp.fd, tmp.buffer.data(), tmp.buffer.size()))
+        tmp.fout = errno ? errno : EIO;
+    tmp.buffer.clear();
+    return !tmp.fout;
+}
+
+void indexeer_record(char tag) {
+    int32_t offset = static_cast<int32_t>(tmp.omvang);
+    if (tag == 'M') {
+        tmp.ingang = {};
+        tmp.ingang.m = offset;
+    } else if (tag == 'D') {
+        if (aantal_regels == REGELS_MAX) {
+            tmp.fout = EOVERFLOW;
+            return;
+        }
+        tmp.ingang.regel = static_cast<uint16_t>(++aantal_regels);
+        tmp.ingang.d = offset;
+        tmp.ors.push_back(tmp.ingang);
+    }
+}
+
+} // namespace
+
+void wrk_namen() {
+    wrk_namen_wis();
+    char naam[16];
+    snprintf(naam, sizeof naam, "ORD%04u", static_cast<unsigned>(gekozen_leverancier));
+    stam = seizoensmap + '/' + naam;
+    if (gekozen_leverancier) {
+        journaalnaam = stam + ".JRN";
+    } else {
+        snprintf(naam, sizeof naam, "ORD%5.5s", seizoensmap.c_str());
+        journaalnaam = std::string(naam) + ".JRN";
+    }
+}
+
+void wrk_namen_wis() {
+    stam.clear();
+    journaalnaam.clear();
+}
+
+std::string wrk_naam(const char* ext) {
+    if (stam.empty())
+        return {};
+    return strcmp(ext, "JRN") == 0 ? journaalnaam : stam + '.' + ext;
+}
+
+bool wrk_actief_schrijf() {
+    act_record act = {};
+    act.start = order_start;
+    act.volgende = order_volgende;
+    act.omvang = static_cast<int32_t>(ordsys_omvang(journaal->fd));
+    act.sessie = static_cast<uint8_t>(sessienummer);
+    int fd = ORDSYS.open(wrk_naam("ACT").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    if (fd < 0)
+        return false;
+    bool goed = ordsys_schrijf(fd, &act, sizeof act);
+    int reden = errno;
+    if (ORDSYS.close(fd) != 0 && goed) {
+        goed = false;
+        reden = errno;
+    }
+    errno = reden;
+    return goed;
+}
+
+void wrk_actief_wis() {
+    ORDSYS.unlink(wrk_naam("ACT").c_str());
+}
+
+void wrk_ruim_op() {
+    if (stam.empty())
+        return;
+    ORDSYS.unlink(wrk_naam("WRK").c_str());
+    tmp_weg();
+    ORDSYS.unlink(wrk_naam("TMP").c_str());
+    ors_wis();
+    wrk_actief_wis();
+}
+
+// ---- the index
+
+bool ors_nieuw() {
+    if (ors_fd >= 0)
+        ORDSYS.close(ors_fd);
+    ors_nu.clear();
+    aantal_regels = 0;
+    ors_fd = ORDSYS.open(wrk_naam("ORS").c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    return ors_fd >= 0;
+}
+
+void ors_wis() {
+    if (ors_fd >= 0)
+        ORDSYS.close(ors_fd);
+    ors_fd = -1;
+    ors_nu.clear();
+    ORDSYS.unlink(wrk_naam("ORS").c_str());
+}
+
+bool ors_lees(char modus, ors_ingang* ingang) {
+    int32_t nr;
+    switch (modus) {
+    case 'F':
+        nr = 1;
+        break;
+    case 'N':
+        nr = ingang->regel + 1;
+        break;
+    case 'P':
+        nr = ingang->regel - 1;
+        break;
+    case 'R':
+        nr = ingang->regel;
+        break;
+    default:
+        return false;
+    }
+    ors_ingang gelezen;
+    if (nr < 1 || nr > aantal_regels || ors_fd < 0 ||
+        ordsys_lees_op(ors_fd, &gelezen, sizeof gelezen, int64_t{nr - 1} * ssize_t{sizeof gelezen}) !=
+            ssize_t{sizeof gelezen} ||
+        gelezen.regel != nr)
+        return false;
+    *ingang = gelezen;
+    return true;
+}
+
+namespace {
+bool ors_schrijf(const std::vector<ors_ingang>& lijst) {
+    size_t bytes = lijst.size() * sizeof(ors_ingang);
+    return ordsys_schrijf_op(ors_fd, lijst.data(), bytes, 0) &&
+           ORDSYS.ftruncate(ors_fd, static_cast<off_t>(bytes)) == 0;
+}
+} // namespace
+
+bool ors_af() {
+    if (ors_fd < 0) {
+        errno = EBADF;
+        return false;
+    }
+    if (ors_schrijf(tmp.ors)) {
+        ors_nu.swap(tmp.ors);
+        return true;
+    }
+    int reden = errno;
+    ors_schrijf(ors_nu);
+    errno = reden;
+    return false;
+}
+
+// ---- the scratch file
+
+bool tmp_nieuw(bool ors_ook) {
+    if (tmp.fd >= 0)
+        ORDSYS.close(tmp.fd);
+    tmp.buffer.clear();
+    tmp.buffer.reserve(TMPBUFFER);
+    tmp.omvang = 0;
+    tmp.ors.clear();
+    tmp.ingang = {};
+    tmp.ingang.m = -1; // a line without a model in front of it can't be loaded
+    tmp.regels_oud = aantal_regels;
+    if (ors_ook)
+        aantal_regels = 0;
+    tmp.fd = ORDSYS.open(wrk_naam("TMP").c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    tmp.fout = tmp.fd < 0 ? errno : 0;
+    return tmp.fd >= 0;
+}
+
+bool tmp_rauw(const uint8_t* data, size_t lengte, bool indexeer) {
+    if (tmp.fout)
+        return false;
+    if (tmp.omvang + static_cast<int64_t>(lengte) > INT32_MAX) {
+        tmp.fout = EFBIG; // offsets are 32 bits
+        return false;
+    }
+    if (indexeer)
+        indexeer_record(static_cast<char>(*data));
+    if (tmp.buffer.size() + lengte > TMPBUFFER)
+        tmp_leeg();
+    tmp.buffer.insert(tmp.buffer.end(), data, data + lengte);
+    tmp.omvang += static_cast<int64_t>(lengte);
+    return !tmp.fout;
+}
+
+bool tmp_schrijf(char tag, bool indexeer) {
+    int lengte = ord_lengte(tag);
+    if (lengte < 0)
+        return false;
+    uint8_t bytes[1 + sizeof(orddessin)];
+    bytes[0] = static_cast<uint8_t>(tag);
+    memcpy(bytes + 1, ord_beeld(tag), static_cast<size_t>(lengte));
+    return tmp_rauw(bytes, 1 + static_cast<size_t>(lengte), indexeer);
+}
+
+bool tmp_tekst(int soort, char* blok) {
+    uint8_t bytes[5 * (1 + sizeof(ordtekst))];
+    tekst_records(soort, blok, bytes);
+    return tmp_rauw(bytes, sizeof bytes, false);
+}
+
+bool tmp_af() {
+    if (tmp_leeg())
+        return true;
+    errno = tmp.fout;
+    return false;
+}
+
+int tmp_fd() {
+    return tmp.fd;
+}
+
+int tmp_neem() {
+    int fd = tmp.fd;
+    tmp.fd = -1;
+    return fd;
+}
+
+void tmp_weg() {
+    if (tmp.fd < 0)
+        return;
+    ORDSYS.close(tmp_neem());
+    ORDSYS.unlink(wrk_naam("TMP").c_str());
+    aantal_regels = tmp.regels_oud;
+}
+
+bool tmp_begin_wrk() {
+    if (tmp_nieuw(true))
+        return true;
+    aantal_regels = tmp.regels_oud;
+    ord_meld_schrijffout(wrk_naam("TMP").c_str(), tmp.fout, TXT(T_WERK_BLIJFT), nullptr);
+    return false;
+}
+
+bool tmp_naar_wrk() {
+    // The index goes first: with a kill in between the repair finds the old work file, and it does not read
+    // ORS.
+    std::vector<ors_ingang> vorige = ors_nu;
+    const char* ext = "TMP";
+    bool goed = tmp_af();
+    if (goed) {
+        ext = "ORS";
+        goed = ors_af();
+    }
+    if (goed) {
+        ext = "WRK";
+        if (IOLOCK('E', tmp.fd, 0, 1) &&
+            ORDSYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) == 0) {
+            ord_wissel(werk, tmp_neem());
+            return true;
+        }
+        int reden = errno;
+        ors_schrijf(vorige);
+        ors_nu = vorige;
+        errno = reden;
+    }
+    int reden = errno;
+    tmp_weg();
+    ord_meld_schrijffout(wrk_naam(ext).c_str(), reden, TXT(T_WERK_BLIJFT), nullptr);
+    return false;
+}
+
+// ---- opening an order
+
+namespace {
+
+bool open_mislukt(const char* ext, bool niet_te_openen) {
+    int reden = errno;
+    std::string naam = wrk_naam(ext);
+    ord_sluit(werk);
+    werk = nullptr;
+    wrk_ruim_op();
+    if (niet_te_openen)
+        ord_meld_niet_open(naam.c_str());
+    else
+        ord_meld_schrijffout(naam.c_str(), reden, TXT(T_WERK_BLIJFT), nullptr);
+    return false;
+}
+
+// The order under the journal's handle into TMP, each text as five records again; ends behind the order.
+void kopieer_order() {
+    char blok[BLOKLEN];
+    do {
+        if (journaal->tag == 'T')
+            continue;
+        tmp_schrijf(journaal->tag, true);
+        for (int soort = 1; soort <= 4; soort++) {
+            if (journaal->tag != (soort <= 2 ? 'O' : soort == 3 ? 'M' : 'D'))
+                continue;
+            ord_tekst_lees(journaal, soort, blok);
+            tmp_tekst(soort, blok);
+        }
+    } while (ord_kind(journaal, 'O'));
+}
+
+} // namespace
+
+bool wrk_open() {
+    wrk_namen();
+    wrk_actief_wis();
+    if (!ors_nieuw())
+        return open_mislukt("ORS", true);
+    if (!tmp_nieuw(false))
+        return open_mislukt("TMP", true);
+    order_start = journaal->offset;
+    order_alleen_lezen = false;
+    ord_lees(journaal, 'R');
+    if (journaal->tag == 'O') {
+        kopieer_order();
+        order_alleen_lezen = kop.status != 0 && (!registermodus || gebruikersrecht == 'I');
+    } else if (journaal->tag != 'X') {
+        INTERNAL("ioord", 4);
+    }
+    order_volgende = ord_lees(journaal, 'N') ? journaal->offset : -1;
+    if (!tmp_af())
+        return open_mislukt("TMP", false);
+    if (!ors_af())
+        return open_mislukt("ORS", false);
+    if (ORDSYS.close(tmp_neem()) != 0)
+        return open_mislukt("TMP", false);
+    if (ORDSYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) != 0)
+        return open_mislukt("WRK", false);
+    if (!wrk_actief_schrijf())
+        return open_mislukt("ACT", false);
+    werk = ord_open_wrk(seizoensmap.c_str(), gekozen_leverancier, O_RDWR);
+    if (!werk)
+        return open_mislukt("WRK", true);
+    model = {};
+    dessin = {};
+    return true;
+}
+
+} // namespace zg

@@ -1,0 +1,35 @@
+// Shared by the files of the work file (wrk, wrkregel, commit, herstel) and by nobody else: the TMP file
+// under construction and the index that is built with it.
+//
+// TMP is written through a buffer; the first failure is kept and ends in the answer of tmp_af, so copying
+// loops need not look. Until tmp_naar_wrk or the commit renames it nothing but TMP has changed.
+#pragma once
+#include "order/ordloop.h"
+#include "order/wrk.h"
+
+namespace zg {
+
+// Append a record as it stands; with `indexeer` as tmp_schrijf.
+bool tmp_rauw(const uint8_t* data, size_t lengte, bool indexeer);
+// Flush: false (errno) when anything written since tmp_nieuw failed.
+bool tmp_af();
+int tmp_fd();
+// Hand the descriptor over: the caller closes it.
+int tmp_neem();
+// Close and delete TMP; the index and aantal_regels are again those of the last finished file.
+void tmp_weg();
+// Start TMP for a changed work file with a new index; false: told, nothing changed.
+bool tmp_begin_wrk();
+// TMP, locked, takes the place of WRK, and `werk` goes on with it; the ORS file is the new index. False:
+// told, work file and index as they were.
+bool tmp_naar_wrk();
+// Write the index built with TMP to the ORS file; false (errno): the old one stands there again.
+bool ors_af();
+
+// WRK, TMP, ORS and ACT go, in this order: while WRK is there an interrupted order can be seen.
+void wrk_ruim_op();
+
+// The five T records of a text into 310 bytes; a block of nothing but newlines is cleared first.
+void tekst_records(int soort, char* blok, uint8_t* uit);
+
+} // namespace zg
