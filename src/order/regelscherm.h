@@ -1,5 +1,5 @@
-// The order line screen: header block on rows 1 to 5, fourteen lines from row 8, totals, and the menu on the bottom
-// row. Totals are kept in 64 bits; net in the order's currency, purchase value in the home currency.
+// The order line screen: header block on rows 1 to 5, fourteen lines from row 8, totals, and the menu on the
+// bottom row. Totals are kept in 64 bits; net in the order's currency, purchase value in the home currency.
 #pragma once
 #include "order/regel.h"
 #include "order/wrk.h"
@@ -7,7 +7,7 @@
 
 namespace zg {
 
-inline constexpr int REGELRIJ = 8;    // first line's screen row
+inline constexpr int REGELRIJ = 8;     // first line's screen row
 inline constexpr int REGELPAGINA = 14; // lines shown at once
 
 struct ordertotalen {
@@ -15,14 +15,7 @@ struct ordertotalen {
 };
 extern ordertotalen ordertotaal;
 
-extern bool alleen_lezen;      // the order may only be looked at
-extern bool regel_bereikbaar;  // the cursor's line was loaded and may be worked on
-extern int16_t korting_bij_opening;
-
-// May this order be changed? True when it may only be looked at: a status other than 0 in journaalmodus or for a
-// user with right 'I'.
-bool order_alleen_lezen();
-
+extern bool regel_bereikbaar; // the cursor's line was loaded and may be worked on
 // Runs until ESC or cancel.
 void order_scherm();
 
@@ -30,7 +23,8 @@ void order_scherm();
 void order_frame();
 void order_kopregels();
 
-// Text of a line on the screen, 78 characters from column 2: `herhaald` when the row above shows the same model.
+// Text of a line on the screen, 78 characters from column 2: `herhaald` when the row above shows the same
+// model.
 const char* regel_tekst(bool herhaald, const ors_ingang& ingang);
 // A line's totals from a row of quantities at the given prices; `regels` stays 0.
 void regel_totaal(const int32_t* rij, const regelprijzen& prijzen, ordertotalen* totaal);

@@ -1,0 +1,48 @@
+#include "order/bestanden.h"
+#include "price/koers.h"
+#include "shared/iomaat.h"
+#include "shared/leesstam.h"
+#include "shared/report.h"
+#include "sub/omlev.h"
+#include <cerrno>
+#include <iterator>
+
+namespace zg {
+
+ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab;
+
+namespace {
+
+struct Bestand {
+    const char* naam;
+    int modus;
+    ICB** icb;
+};
+const Bestand BESTANDEN[] = {
+    {"DTART", 2, &dtart},   {"DTLEV", 2, &dtlev},       {"DTMAAT", 2, &dtmaat},   {"DTMERK", 2, &dtmerk},
+    {"DTMTOM", 2, &dtmtom}, {"DTOMZGRP", 0, &dtomzgrp}, {"DTVVTAB", 2, &dtvvtab},
+};
+
+} // namespace
+
+void bestanden_open() {
+    for (const Bestand& b : BESTANDEN) {
+        if (!stam_aanwezig(b.naam)) {
+            errno = ENOENT;
+            OPENFAIL("zgbestel", b.naam);
+        }
+        *b.icb = IXOPEN(b.naam, b.modus);
+    }
+    koers_open();
+}
+
+void bestanden_sluit() {
+    koers_sluit();
+    for (size_t i = std::size(BESTANDEN); i-- > 0;) {
+        if (*BESTANDEN[i].icb)
+            IXCLOSE(*BESTANDEN[i].icb);
+        *BESTANDEN[i].icb = nullptr;
+    }
+}
+
+} // namespace zg

@@ -1,0 +1,392 @@
+// The order line screen: the window of fourteen lines, the cursor, and the menus. The cursor's line is the
+// shared line of order/regel.h; it is loaded again after whatever may have changed it.
+#include "order/regelscherm.h"
+#include "order/bestanden.h"
+#include "order/kop.h"
+#include "order/later.h"
+#include "order/teksten.h"
+#include "shared/iomaat.h"
+#include "shared/leesstam.h"
+#include "sub/omlev.h"
+#include "term/ingave.h"
+#include "term/keuze.h"
+#include "term/prompt.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <vector>
+
+namespace zg {
+
+bool regel_bereikbaar;
+
+namespace {
+
+constexpr int MENURIJ = 24; // the status line is the row below
+constexpr int NAAMKOLOM = 19;
+
+enum Hoofdkeuze {
+    H_TOEVOEGEN,
+    H_RAADPLEGEN,
+    H_MATRIX,
+    H_WIJZIGEN,
+    H_BIJBESTELLEN,
+    H_DUPLICEREN,
+    H_VERWIJDEREN,
+    H_AANTAL
+};
+enum Itemkeuze { I_ORDER, I_LEVERANCIER, I_MODEL, I_DESSIN, I_PRIJSINFO, I_AANTALLEN, I_AANTAL };
+
+const char* hoofdtekst(int k) {
+    static const Tekst* const T[H_AANTAL] = {&T_H_TOEVOEGEN,  &T_H_RAADPLEGEN,   &T_H_MATRIX,
+                                             &T_H_WIJZIGEN,   &T_H_BIJBESTELLEN, &T_H_DUPLICEREN,
+                                             &T_H_VERWIJDEREN};
+    return k >= 0 && k < H_AANTAL ? TXT(*T[k]) : nullptr;
+}
+
+const char* itemtekst(int k) {
+    static const Tekst* const T[I_AANTAL] = {&T_I_ORDER,  &T_I_LEVERANCIER, &T_I_MODEL,
+                                             &T_I_DESSIN, &T_I_PRIJSINFO,   &T_I_AANTALLEN};
+    return k >= 0 && k < I_AANTAL ? TXT(*T[k]) : nullptr;
+}
+
+// The lines on the screen and the cursor; line numbers count from 1.
+struct Blad {
+    int32_t top = 1, cursor = 1;
+    std::vector<ors_ingang> ingangen;
+    std::vector<std::string> teksten;
+    int32_t getekend_op = 0; // line drawn as the cursor's, 0 none
+    bool vernieuw = true;
+
+    void vul() {
+        ingangen.clear();
+        teksten.clear();
+        for (int32_t nr = top; nr < top + REGELPAGINA && nr <= aantal_regels; nr++) {
+            ors_ingang in{};
+            in.regel = static_cast<uint16_t>(nr);
+            if (!ors_lees('R', &in))
+                break;
+            bool herhaald = !ingangen.empty() && ingangen.back().m == in.m;
+            ingangen.push_back(in);
+            teksten.push_back(regel_tekst(herhaald, in));
+        }
+    }
+
+    void regel(int32_t nr, bool gekozen) {
+        if (nr < top || nr >= top + std::ssize(teksten))
+            return;
+        SCRPUT(gekozen ? A_KEUS : A_WAARDE, REGELRIJ + nr - top, 2, "%s",
+               teksten[static_cast<size_t>(nr - top)].c_str());
+    }
+
+    void teken() {
+        if (aantal_regels == 0) {
+            top = cursor = 0;
+        } else {
+            cursor = std::clamp<int32_t>(cursor, 1, aantal_regels);
+            top = std::clamp<int32_t>(top, 1, aantal_regels);
+        }
+        if (cursor < top || cursor >= top + REGELPAGINA) {
+            top = cursor < top ? cursor : cursor - REGELPAGINA + 1;
+            vernieuw = true;
+        }
+        if (vernieuw) {
+            vul();
+            for (int i = 0; i < REGELPAGINA; i++)
+                if (i < std::ssize(teksten))
+                    regel(top + i, top + i == cursor);
+                else
+                    SCRCLREOL(REGELRIJ + i, 1);
+            vernieuw = false;
+        } else if (getekend_op != cursor) {
+            regel(getekend_op, false);
+            regel(cursor, true);
+        }
+        getekend_op = cursor;
+    }
+
+    const ors_ingang* ingang() const {
+        int32_t i = cursor - top;
+        return cursor > 0 && i >= 0 && i < std::ssize(ingangen) ? &ingangen[static_cast<size_t>(i)] : nullptr;
+    }
+
+    // A movement key; false for any other.
+    bool beweeg(int32_t toets) {
+        switch (toets) {
+        case K_UP:
+            cursor = std::max(cursor - 1, 1);
+            return true;
+        case K_DOWN:
+            cursor = std::min(cursor + 1, aantal_regels);
+            return true;
+        case K_PGDN:
+            if (top + REGELPAGINA <= aantal_regels) {
+                top += REGELPAGINA;
+                cursor = std::min(cursor + REGELPAGINA, aantal_regels);
+                vernieuw = true;
+            }
+            return true;
+        case K_PGUP:
+            if (top > 1) {
+                top = std::max(top - REGELPAGINA, 1);
+                cursor = std::max(cursor - REGELPAGINA, 1);
+                vernieuw = true;
+            }
+            return true;
+        }
+        return false;
+    }
+
+    void toetsen_aan() const {
+        TOETSAAN(K_CANCEL);
+        if (top > 1)
+            TOETSAAN(K_PGUP);
+        if (top > 0 && top + REGELPAGINA <= aantal_regels)
+            TOETSAAN(K_PGDN);
+        if (cursor > 1)
+            TOETSAAN(K_UP);
+        if (cursor < aantal_regels)
+            TOETSAAN(K_DOWN);
+    }
+};
+
+// Weights of the branches for the cursor's line: the article group's number for each branch that the brand
+// doesn't exclude, their sum behind them.
+void gewichten() {
+    static artrec art;
+    static merkrec merk;
+    leesart(dtart, &art, model.artikelgroep);
+    leesmerk(dtmerk, &merk, model.merk);
+    unsigned som = 0;
+    for (int f = 0; f < aantal_filialen; f++) {
+        bool uit = merk.merk != 0 && (merk.uitgesloten[f / 8] >> (f % 8) & 1);
+        unsigned w = uit || art.artikelgroep == 0 ? 0 : art.perfiliaal[f];
+        verdeelgewichten[f] = static_cast<uint16_t>(w);
+        som += w;
+    }
+    verdeelgewichten[aantal_filialen] = static_cast<uint16_t>(som);
+}
+
+bool maatsoort_bekend() {
+    static mthandle* maten;
+    static merkrec merk;
+    leesmerk(dtmerk, &merk, model.merk);
+    leesmaat(&maten, mtstelsel(merk.maatstelsel), model.maatsoort ? model.maatsoort : uint8_t{1},
+             dessin.maten);
+    mtinfo info{};
+    return model.maatsoort != 0 && maten && mtread(maten, 'F', &info, 1) == 1;
+}
+
+// The line under the cursor into the shared line; its totals. regel_bereikbaar tells whether it may be worked
+// on.
+void laad(const ors_ingang* ingang, bool vergrendel, ordertotalen* totaal) {
+    *totaal = {};
+    regel_bereikbaar = false;
+    regel_wis();
+    if (!ingang) {
+        model = {};
+        dessin = {};
+        regelingang = {};
+        return;
+    }
+    regelingang = *ingang;
+    if (!regel_lees(*ingang))
+        return;
+    regel_teksten(*ingang, modeltekst, dessintekst);
+    gewichten();
+    regel_bereikbaar =
+        maatsoort_bekend() &&
+        (!registermodus || (REGELDIENSTEN.serie_laad && REGELDIENSTEN.serie_laad(vergrendel) == 1));
+    if (ORDERHAKEN.advies_laad)
+        ORDERHAKEN.advies_laad(&dessin);
+    if (regel_bereikbaar)
+        regel_totaal(&matrix_cel(order_aantallen, aantal_filialen, 0), regel_prijzen, totaal);
+}
+
+bool dienst(bool (*doe)(bool), bool lezen) {
+    if (doe)
+        return doe(lezen);
+    MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+    return false;
+}
+
+bool nieuwe_regels(bool (*doe)()) {
+    if (doe)
+        return doe();
+    MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+    return false;
+}
+
+void toon_leverancier() {
+    relatie_lees(kop.leverancier);
+    SCRPUT(A_WAARDE, 3, NAAMKOLOM, "%-20.20s", VASTTEKST(leverancier.naam).c_str());
+}
+
+void item_menu() {
+    KEUZESTART(itemtekst);
+    KEUZEAAN(I_ORDER);
+    KEUZEAAN(I_LEVERANCIER);
+    if (regel_bereikbaar)
+        for (int k = I_MODEL; k < I_AANTAL; k++)
+            KEUZEAAN(k);
+}
+
+// What an item of the sub-menu does; true when the line changed. *order: the header was on the screen.
+bool doe_item(int keus, bool lezen, bool* order) {
+    switch (keus) {
+    case I_ORDER:
+        *order = true;
+        if (order_kop(false)) {
+            bool korting = registermodus && kop.korting != korting_bij_opening;
+            order_totalen(korting);
+            korting_bij_opening = kop.korting;
+        }
+        return false;
+    case I_LEVERANCIER:
+        relatie_scherm(kop.leverancier, REL_LEVERANCIER,
+                       lezen ? Relatiemodus::raadplegen : Relatiemodus::wijzigen);
+        toon_leverancier();
+        return false;
+    case I_MODEL:
+        return dienst(REGELDIENSTEN.model, lezen);
+    case I_DESSIN:
+        return dienst(REGELDIENSTEN.dessin, lezen);
+    case I_PRIJSINFO:
+        return dienst(REGELDIENSTEN.prijzen, lezen);
+    case I_AANTALLEN:
+        return dienst(REGELDIENSTEN.aantallen, lezen);
+    }
+    return false;
+}
+
+// "&Raadplegen" and "&Wijzigen": one choice of the sub-menu. True when the line changed.
+bool order_item(bool lezen, bool* order) {
+    if (aantal_regels > 0 && !regel_bereikbaar)
+        error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
+    item_menu();
+    TOETSAAN(K_CANCEL);
+    int keus = KEUZE(MENURIJ, 1);
+    return keus >= 0 && doe_item(keus, lezen, order);
+}
+
+void hoofd_menu() {
+    KEUZESTART(hoofdtekst);
+    for (int k : {H_TOEVOEGEN, H_RAADPLEGEN, H_MATRIX, H_WIJZIGEN})
+        KEUZEAAN(k);
+    if (registermodus)
+        KEUZEAAN(H_BIJBESTELLEN);
+    if (regel_bereikbaar)
+        KEUZEAAN(H_DUPLICEREN);
+    if (aantal_regels > 0)
+        KEUZEAAN(H_VERWIJDEREN);
+}
+
+// The changed line into the work file, and its totals over the old ones. A write that fails is told by the
+// routine that wrote; the line is then as it was.
+void bewaar_wijziging(const ordertotalen& oud) {
+    ordertotalen nieuw{};
+    regel_totaal(&matrix_cel(order_aantallen, aantal_filialen, 0), regel_prijzen, &nieuw);
+    werk->offset = regelingang.m, werk->tag = 'M';
+    ord_tekst_schrijf(werk, 3, modeltekst);
+    werk->offset = regelingang.d, werk->tag = 'D';
+    ord_tekst_schrijf(werk, 4, dessintekst);
+    if (!wrk_regel_vervang(&regelingang))
+        return;
+    order_totaal_bij('-', oud);
+    order_totaal_bij('+', nieuw);
+    if (REGELDIENSTEN.serie_bewaar)
+        REGELDIENSTEN.serie_bewaar();
+}
+
+void verwijder(Blad& blad, const ordertotalen& totaal) {
+    if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
+        return;
+    if (registermodus && regel_bereikbaar && REGELDIENSTEN.regel_weg && !REGELDIENSTEN.regel_weg())
+        return;
+    if (!wrk_regel_uit(&regelingang))
+        return;
+    order_totaal_bij('-', totaal);
+    blad.cursor = regelingang.regel;
+}
+
+// One choice of the main menu.
+void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
+    bool order = false;
+    switch (keus) {
+    case H_TOEVOEGEN:
+        if (nieuwe_regels(REGELDIENSTEN.toevoegen))
+            blad.cursor = regelingang.regel;
+        break;
+    case H_BIJBESTELLEN:
+        if (nieuwe_regels(REGELDIENSTEN.bijbestellen))
+            blad.cursor = regelingang.regel;
+        break;
+    case H_DUPLICEREN:
+        if (REGELDIENSTEN.dupliceren ? REGELDIENSTEN.dupliceren(regelingang) : nieuwe_regels(nullptr))
+            blad.cursor = regelingang.regel;
+        break;
+    case H_RAADPLEGEN:
+        order_item(true, &order);
+        break;
+    case H_WIJZIGEN:
+        if (order_item(false, &order) && regel_bereikbaar)
+            bewaar_wijziging(totaal);
+        break;
+    case H_MATRIX:
+        if (aantal_regels > 0 && REGELDIENSTEN.matrix)
+            REGELDIENSTEN.matrix();
+        else
+            MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+        break;
+    case H_VERWIJDEREN:
+        verwijder(blad, totaal);
+        break;
+    }
+    if (REGELDIENSTEN.serie_los)
+        REGELDIENSTEN.serie_los();
+}
+
+} // namespace
+
+void order_scherm() {
+    order_totalen(false);
+    Blad blad;
+    ordertotalen totaal{};
+    order_kopregels();
+    toon_leverancier();
+    int32_t geladen = -1; // line in the shared areas
+    for (;;) {
+        blad.teken();
+        if (geladen != blad.cursor)
+            laad(blad.ingang(), false, &totaal);
+        geladen = blad.cursor;
+        if (order_alleen_lezen)
+            item_menu();
+        else
+            hoofd_menu();
+        blad.toetsen_aan();
+        int keus = KEUZE(MENURIJ, 1);
+        if (keus < 0) {
+            if (SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+                break;
+            blad.beweeg(SCHERM.laatste);
+            continue;
+        }
+        if (order_alleen_lezen) {
+            bool order = false;
+            if (aantal_regels > 0 && !regel_bereikbaar)
+                error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
+            doe_item(keus, true, &order);
+        } else {
+            // The series is read again for the action, now under its lock.
+            if (registermodus && regel_bereikbaar && REGELDIENSTEN.serie_laad)
+                regel_bereikbaar = REGELDIENSTEN.serie_laad(true) == 1;
+            doe_hoofd(blad, keus, totaal);
+        }
+        blad.vernieuw = true;
+        geladen = -1;
+        order_kopregels();
+    }
+    SCRCLREOL(MENURIJ, 1);
+}
+
+} // namespace zg

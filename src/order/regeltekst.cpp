@@ -1,0 +1,125 @@
+// The text of one order line, the frame of the screen and the header's values. Columns are those of the
+// frame.
+#include "order/bestanden.h"
+#include "order/later.h"
+#include "order/regelscherm.h"
+#include "order/teksten.h"
+#include "price/ing_val.h"
+#include "price/koers.h"
+#include "shared/leesstam.h"
+#include "term/datum.h"
+#include "term/scherm.h"
+#include "term/vast.h"
+#include <cstdio>
+
+namespace zg {
+
+namespace {
+
+struct Label {
+    int rij, kolom;
+    const Tekst* tekst;
+};
+const Label LABELS[] = {
+    {1, 37, &T_F_SEIZOEN},    {1, 62, &T_F_ORDERDATUM}, {3, 1, &T_F_LEVERANCIER}, {3, 42, &T_F_STUKS},
+    {3, 62, &T_F_BRUTO},      {4, 1, &T_F_COLLECTIE},   {4, 42, &T_F_REGELS},     {4, 62, &T_F_NETTO},
+    {5, 1, &T_F_ORDERNUMMER}, {5, 42, &T_F_KORTING},    {5, 62, &T_F_INKOOP},     {7, 2, &T_K_MERK},
+    {7, 7, &T_K_MODEL},       {7, 23, &T_K_MATERIAAL},  {7, 36, &T_K_DESSIN},     {7, 49, &T_K_KENMERK},
+    {7, 52, &T_K_ARTGR},      {7, 58, &T_K_KLEUR},      {7, 62, &T_K_DOELGROEP},  {7, 64, &T_K_STUKS},
+    {7, 70, &T_K_NETTO},
+};
+
+constexpr int REGELBREEDTE = 78;
+
+merkrec merk;
+
+std::string bedrag(const char* code, int64_t b) {
+    return bedrag_tekst(code, b);
+}
+
+// What stands for a line whose series has gone.
+std::string verwijderd(const regelgebied& g, bool andere) {
+    char nummer[32], tekst[96];
+    snprintf(nummer, sizeof nummer, "%d.%u.%u", g.model.artikelgroep, g.dessin.kleur, g.dessin.volgnummer);
+    snprintf(tekst, sizeof tekst, " *%-27.27s %s%s*", nummer, andere ? TXT(T_ORIGINELE) : " ",
+             TXT(T_SERIE_VERWIJDERD));
+    return tekst;
+}
+
+} // namespace
+
+const char* regel_tekst(bool herhaald, const ors_ingang& ingang) {
+    static char tekst[256];
+    regelgebied g;
+    const bool er = regel_lees_in(ingang, &g);
+    char begin[64] = "";
+    if (er) {
+        leesmerk(dtmerk, &merk, g.model.merk);
+        bool naam = !herhaald || registermodus;
+        snprintf(begin, sizeof begin, "%-4.4s %-15.15s %-12.12s",
+                 naam && merk.merk ? VASTTEKST(merk.zoeknaam).c_str() : "",
+                 naam ? VASTTEKST(g.model.model).c_str() : "", VASTTEKST(g.dessin.materiaal).c_str());
+    }
+    if (registermodus && er) {
+        regelgebied bewaard;
+        regel_bewaar(&bewaard);
+        regel_zet(g);
+        int serie = REGELDIENSTEN.serie_laad ? REGELDIENSTEN.serie_laad(false) : 0;
+        regel_zet(bewaard);
+        if (serie != 1) {
+            snprintf(tekst, sizeof tekst, "%-*.*s", REGELBREEDTE, REGELBREEDTE,
+                     verwijderd(g, serie < 0).c_str());
+            return tekst;
+        }
+    }
+    ordertotalen t{};
+    if (er)
+        regel_totaal(g.aantallen.data() + size_t{aantal_filialen} * MAATKOLOMMEN, g.prijzen, &t);
+    const char doel = g.dessin.doelgroep ? g.dessin.doelgroep : ' ';
+    const std::string netto =
+        bedrag(valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str()), t.stuks ? t.netto : 0);
+    if (er)
+        snprintf(tekst, sizeof tekst, "%s %-12.12s %-2.2s %5d %3d %1.1s %5lld %10s", begin,
+                 VASTTEKST(g.dessin.dessin).c_str(), VASTTEKST(g.dessin.kenmerk).c_str(),
+                 g.model.artikelgroep, g.dessin.kleur, std::string(1, doel).c_str(),
+                 static_cast<long long>(t.stuks), netto.c_str());
+    else
+        snprintf(tekst, sizeof tekst, "%-*s", REGELBREEDTE, "");
+    return tekst;
+}
+
+void order_frame() {
+    for (const Label& l : LABELS)
+        SCRPUT(A_LABEL, l.rij, l.kolom, "%s", TXT(*l.tekst));
+    SCRLIJN(A_LIJN_LABEL, 6, 1, L_HORIZONTAAL, SCHERM.cols);
+}
+
+void order_kopregels() {
+    static const char* const EDI[] = {"", "UOBORD", "ADMORD", "EANCOM"};
+    const char* valuta = valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
+    if (kop.deelseizoen)
+        SCRPUT(A_WAARDE, 1, 53, "%1d", kop.deelseizoen % 10);
+    else
+        SCRPUT(A_WAARDE, 1, 53, " ");
+    SCRPUT(A_WAARDE, 1, 54, "%-6.6s", EDI[kop.edi_soort <= 3 ? kop.edi_soort : 0]);
+    SCRPUT(A_WAARDE, 1, 74, "%s", DATUM6(kop.orderdatum));
+    SCRPUT(A_WAARDE, 4, 14, "%-20.20s", VASTTEKST(kop.collectie).c_str());
+    SCRPUT(A_WAARDE, 5, 14, "%d / %-15.15s", kop.ordernummer, VASTTEKST(kop.omschrijving).c_str());
+    // -0.00 never shows
+    SCRPUT(A_WAARDE, 5, 52, "%7.2f%%", kop.korting ? kop.korting / -100.0 : 0.0);
+    SCRPUT(A_LABEL, 7, 70, "%5.5s(%-3.3s)", TXT(T_K_NETTO), valuta);
+    SCRPUT(A_WAARDE, 4, 50, "%9lld", static_cast<long long>(ordertotaal.regels));
+    if (ordertotaal.stuks > 0) {
+        SCRPUT(A_WAARDE, 3, 50, "%9lld", static_cast<long long>(ordertotaal.stuks));
+        SCRPUT(A_WAARDE, 3, 69, "%11s", bedrag(valuta, ordertotaal.bruto).c_str());
+        SCRPUT(A_WAARDE, 4, 69, "%11s", bedrag(valuta, ordertotaal.netto).c_str());
+        const std::string thuis(valuta_of_thuis(""));
+        SCRPUT(A_WAARDE, 5, 69, "%11s", bedrag(thuis.c_str(), ordertotaal.inkoop).c_str());
+    } else {
+        SCRPUT(A_WAARDE, 3, 50, "%9s", "");
+        for (int rij = 3; rij <= 5; rij++)
+            SCRPUT(A_WAARDE, rij, 69, "%11s", "");
+    }
+}
+
+} // namespace zg
