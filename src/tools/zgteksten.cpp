@@ -18,7 +18,7 @@ struct Rij {
 
 const Rij RIJEN[] = {
 #define TEKST(catalogus, set, nummer, naam, standaard) {{catalogus, set, nummer, standaard}, #naam},
-#include "teksten_alle.def"
+#include "tables/teksten_alle.def"
 #undef TEKST
 };
 
