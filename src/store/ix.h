@@ -7,8 +7,8 @@
 
 namespace zg {
 
-inline constexpr int IXBLOK = 512;     // bytes of an index block
-inline constexpr int IXRECMAX = 512;   // longest record; buffers hold this much
+inline constexpr int IXBLOK = 512;      // bytes of an index block
+inline constexpr int IXRECMAX = 512;    // longest record; buffers hold this much
 inline constexpr int IXSLEUTELMAX = 60; // longest key
 inline constexpr int IXSLEUTELS = 5;
 inline constexpr int IXDELEN = 10;
@@ -57,6 +57,9 @@ struct ICB {
     int32_t commit;
     int8_t cached;
     char path[81];
+    // From here on nothing is shared with anybody; not part of the handle's told order.
+    int8_t koplock; // 1 while a shared handle holds the header lock: the tree can't change under it
+    int32_t gezien; // nblocks as last seen on disk: a reader that may have met a half-done split looks again
 };
 
 inline constexpr int IXVRAAG = 4096; // added to a mode: ask and retry when permission lacks
@@ -69,6 +72,7 @@ void IXINIT(ICB* icb);
 ICB* IXOPEN(const char* naam, int mode);
 void IXCLOSE(ICB* icb);
 int IXCHECK(const char* naam); // free records, or -1 when the pair isn't usable
+extern bool IXDIEPERKIJKEN;    // off: IXCHECK answers 0 once the header has been read
 int IXREMOVE(const char* naam);
 int IXRECLIVE(const void* rec, int lengte);
 

@@ -1,0 +1,173 @@
+// Index blocks: block b stands at byte b * 512, block 0 is the header. Every block is read and written here,
+// so a mapping of the file could take their place at this one spot. What is read is looked at before it is
+// used.
+#include "shared/files.h"
+#include "store/node.h"
+#include "store/syscall.h"
+#include "store/teksten.h"
+#include "term/scherm.h"
+#include <cerrno>
+#include <cstdio>
+#include <sched.h>
+#include <unistd.h>
+
+namespace zg {
+
+int (*IXCACHEHAAK)(char letter, ICB* icb, int32_t blok) = nullptr;
+
+namespace {
+
+constexpr int POGINGEN = 40; // a reader without a lock may meet a node half written
+constexpr int EINDEN = 5;    // reads past the end before it counts as damage
+
+bool in_cache(const ICB* icb) {
+    return icb->cached && IXCACHEHAAK;
+}
+
+// Same definitions as the handle has already found good?
+bool zelfde_vorm(const IXHEADER& a, const IXHEADER& b) {
+    return a.nkeys == b.nkeys && a.reclen == b.reclen && memcmp(a.keydef, b.keydef, sizeof a.keydef) == 0;
+}
+
+bool kop_goed(const ICB* icb, const IXHEADER& h) {
+    if (zelfde_vorm(icb->h, h) && h.nkeys > 0 && h.nblocks >= h.nkeys + 2 && h.nrecs >= 0 &&
+        h.freehead < h.nrecs && icb->gezien > 0)
+        return true;
+    return IXKOPFOUT(h) == nullptr;
+}
+
+void lees_kop(ICB* icb) {
+    IXHEADER h;
+    for (int poging = 0;; poging++) {
+        if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h) && kop_goed(icb, h))
+            break;
+        if (poging == EINDEN || ALLEEN(icb))
+            IXSTUK(icb, 0);
+        usleep(1000);
+    }
+    icb->h = h;
+    icb->gezien = h.nblocks;
+}
+
+bool knoop_goed(const ICB* icb, int32_t blok) {
+    const IXKNOOP& k = KNOOP(icb);
+    if (blok == WACHTRIJBLOK(icb))
+        return k.keyno == 1 && k.level == 0 && k.count * icb->h.keydef[0].keylen <= KNOOPRUIMTE;
+    return k.keyno >= 1 && k.keyno <= icb->h.nkeys && (blok > icb->h.nkeys || k.keyno == blok) &&
+           k.level >= 1 && k.level <= KNOOPNIVEAUS && k.count < icb->h.keydef[k.keyno - 1].maxent;
+}
+
+void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
+    memset(icb->node, 0, sizeof icb->node);
+    KNOOP(icb).keyno = sleutel;
+    KNOOP(icb).level = 1;
+    icb->curblock = blok;
+    icb->curent = KNOOP(icb).entries;
+}
+
+} // namespace
+
+ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
+    return IXSYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
+}
+
+int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron) {
+    return IXSYSSCHRIJF(fd, bron, IXBLOK, int64_t{blok} * IXBLOK);
+}
+
+Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {
+    int8_t sleutel = KNOOP(icb).keyno;
+    Leesuitslag uitslag = L_GOED;
+    if (blok < 1)
+        uitslag = L_FOUT;
+    else if (in_cache(icb))
+        IXCACHEHAAK('R', icb, blok);
+    else if (IXBLOKLEES(icb->idxfd, blok, icb->node, IXBLOK) != IXBLOK)
+        uitslag = L_EINDE;
+    if (uitslag == L_GOED && !knoop_goed(icb, blok))
+        uitslag = L_FOUT;
+    if (uitslag != L_GOED) {
+        leeg(icb, sleutel, sleutel);
+        return uitslag;
+    }
+    icb->curblock = blok;
+    icb->curent = KNOOP(icb).entries;
+    int niveau = KNOOP(icb).level;
+    if (niveau == 0)
+        return L_GOED; // the lock queue has no place in a path
+    if (blok == KNOOP(icb).keyno)
+        icb->parent[niveau] = -1;
+    if (niveau >= 2)
+        icb->parent[niveau - 1] = blok;
+    return L_GOED;
+}
+
+void IXEOFTOON(ICB* icb, int32_t blok) {
+    if (!SCHERM.bestaat)
+        return;
+    char naam[sizeof icb->h.name + 1] = {};
+    memcpy(naam, icb->h.name, sizeof icb->h.name);
+    error(TXT(T_QUILLDB_EOF), naam, static_cast<long>(blok));
+    SCRFLUSH(1);
+    error("%s", "");
+}
+
+void IXRDIX(ICB* icb, int32_t blok) {
+    IXEIS(icb, "IXRDIX");
+    if (icb->h.busy && !in_cache(icb))
+        IXINCONSISTENT(icb);
+    if (blok == 0)
+        return lees_kop(icb);
+    int einden = 0;
+    for (int poging = 0;; poging++) {
+        Leesuitslag uitslag = IXLEESKNOOP(icb, blok);
+        if (uitslag == L_GOED)
+            return;
+        if (ALLEEN(icb) || poging == POGINGEN)
+            IXSTUK(icb, blok);
+        if (uitslag == L_EINDE) { // the tree was changed under this handle: begin at the root
+            if (++einden > EINDEN)
+                IXSTUK(icb, blok);
+            IXEOFTOON(icb, blok);
+            if (KNOOP(icb).keyno >= 1)
+                blok = KNOOP(icb).keyno;
+        } else if (poging < POGINGEN / 2)
+            sched_yield();
+        else
+            usleep(1000);
+    }
+}
+
+void IXWRIX(ICB* icb, int32_t blok) {
+    IXEIS(icb, "IXWRIX");
+    if (blok == 0) {
+        uint8_t kop[IXBLOK] = {}; // bytes behind the header mean nothing
+        memcpy(kop, &icb->h, sizeof icb->h);
+        if (!IXBLOKSCHRIJF(icb->idxfd, 0, kop))
+            IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
+    } else if (in_cache(icb)) {
+        IXCACHEHAAK('W', icb, blok);
+        return;
+    } else if (!IXBLOKSCHRIJF(icb->idxfd, blok, icb->node))
+        IXSCHIJFFOUT(icb, icb->idxfd, int64_t{blok} * IXBLOK, IXBLOK);
+    IXCOMMITHOOK();
+}
+
+void IXKIES(ICB* icb, int sleutel) {
+    if (KNOOP(icb).keyno == sleutel && KNOOP(icb).level > 0)
+        return;
+    leeg(icb, static_cast<int8_t>(sleutel), sleutel);
+}
+
+void IXSWITCH(ICB* icb, int sleutel) {
+    IXEIS(icb, "IXSWITCH");
+    if (sleutel < 1 || sleutel > icb->h.nkeys)
+        return;
+    const IXKNOOP& k = KNOOP(icb);
+    if (k.keyno == sleutel && k.level > 0 && k.count > 0)
+        return;
+    IXKIES(icb, sleutel);
+    IXRDIX(icb, sleutel);
+}
+
+} // namespace zg

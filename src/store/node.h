@@ -1,0 +1,101 @@
+// Inside of the record store: the tree node, and what its modules call of each other. A node is one block of
+// 512 bytes; an entry is `keylen` key bytes and a 4-byte pointer (record number in a leaf, child block
+// above). Invariants: 1. the root of key k is block k for ever; 2. a node on disk has fewer than `maxent`
+// entries;
+// 3. entries ascend; 4. the pointer's key above a node is the highest key in it; 5. the rightmost node of
+// every level ends in a key of all 0xFF, in a leaf with pointer -1; 6. a child's level is one below its
+// parent's.
+#pragma once
+#include "store/ix.h"
+#include <cstring>
+#include <string>
+
+namespace zg {
+
+inline constexpr int KNOOPRUIMTE = 505; // bytes for entries
+inline constexpr int KNOOPNIVEAUS = 9;  // highest level of a node: `parent` has ten places
+
+#pragma pack(push, 1)
+struct IXKNOOP {
+    int8_t keyno; // key that it belongs to; 1 in the lock queue
+    int8_t level; // 1 a leaf, 0 the lock queue
+    char vrij[2];
+    uint8_t count;
+    uint8_t entries[KNOOPRUIMTE];
+    char vrij2[2];
+};
+#pragma pack(pop)
+static_assert(sizeof(IXKNOOP) == IXBLOK && offsetof(IXKNOOP, count) == 4 && offsetof(IXKNOOP, entries) == 5);
+
+inline IXKNOOP& KNOOP(ICB* icb) {
+    return *reinterpret_cast<IXKNOOP*>(icb->node);
+}
+inline const IXKNOOP& KNOOP(const ICB* icb) {
+    return *reinterpret_cast<const IXKNOOP*>(icb->node);
+}
+inline int32_t LEES32(const void* p) {
+    int32_t n;
+    memcpy(&n, p, 4);
+    return n;
+}
+inline void ZET32(void* p, int32_t n) {
+    memcpy(p, &n, 4);
+}
+inline int32_t WACHTRIJBLOK(const ICB* icb) {
+    return icb->h.nkeys + 1;
+}
+// May nobody else change the tree at this moment?
+inline bool ALLEEN(const ICB* icb) {
+    return icb->mode == 1 || icb->filelocked || icb->koplock;
+}
+
+// Reports (melding.cpp). They stop the program and name the file.
+void IXEIS(const ICB* icb, const char* tag);            // null handle
+[[noreturn]] void IXSTUK(const ICB* icb, int32_t blok); // a block makes no sense
+[[noreturn]] void IXINCONSISTENT(const ICB* icb);       // marked as being changed
+[[noreturn]] void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats,
+                               int lengte); // seek or write, with errno
+// Box with the title "Waarschuwing" and ENTER; a line on standard error without a screen.
+void IXWAARSCHUW(const char* titel, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
+int IXJANEE(const char* titel, const char* fmt, ...)
+    __attribute__((format(printf, 2, 3))); // 0 without a screen
+std::string IXNAAM(const char* naam);      // what follows the last '/'
+bool IXTIJDELIJKENAAM(const char* naam);   // a point in that
+std::string IXINDEXPAD(const char* naam);
+std::string IXDATAPAD(const char* naam);
+
+// Keys without a handle (sleutel.cpp). Definitions must have passed IXDEFFOUT.
+int IXDEELBREEDTE(const IXKEYDEF& def, int deel); // 0 behind the last part
+// Key of a record, `lengte` bytes wanted; fills `keylen` bytes of `uit`, which holds IXSLEUTELMAX + 4.
+void IXMAAKSLEUTEL(const IXKEYDEF& def, const void* rec, int32_t recnr, int lengte, uint8_t* uit);
+int IXVERGELIJK(const IXKEYDEF& def, const void* a, const void* b, int lengte);
+const IXKEYDEF& IXDEF(const ICB* icb); // of the current key; stops on a number outside the table
+// What is wrong with the definitions (number of keys, record length, keys), or with these and the counters:
+// null when nothing, else English words. IXDEFFOUT alone is what a rebuild needs to go by.
+const char* IXDEFFOUT(const IXHEADER& h);
+const char* IXKOPFOUT(const IXHEADER& h);
+
+// Blocks (blok.cpp): every read and write of an index block is made by these two.
+ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n); // bytes got, -1 on an error
+int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron);      // 1, or 0 with errno set
+enum Leesuitslag { L_GOED, L_EINDE, L_FOUT };
+// Block above 0 into `node`, with path and `curblock`. When it does not answer L_GOED the node in hand is an
+// empty one of the same key.
+Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok);
+void IXKIES(ICB* icb, int sleutel); // make current without reading: the node in hand is an empty root
+void IXEOFTOON(ICB* icb, int32_t blok);
+// The block cache, when it serves the handle (`cached`): letters as IOCACHE.
+extern int (*IXCACHEHAAK)(char letter, ICB* icb, int32_t blok);
+
+// IXCHECK's progress, after 2 seconds of walking; a value of -1 ends it. The bar's owner puts its painter
+// here.
+extern void (*IXBALKHAAK)(int64_t waarde, int64_t totaal, const char* bestand);
+
+// Tree (boom.cpp).
+void IXVERWIJDER(ICB* icb); // IXDELENTRY without reading `curblock` first
+// Enter the record at `currec` under every key; key 1 is current afterwards, with its key in keybuf.
+// bij_plaats: the search for key 1 has just been made.
+void IXVOEGTOE(ICB* icb, const void* rec, bool bij_plaats);
+void IXADDKEYS(ICB* icb, const void* rec);
+
+} // namespace zg

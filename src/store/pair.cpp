@@ -1,0 +1,285 @@
+// Pairs: NAME.INX with header, trees and lock queue, NAME.TXT with the records. Create, open, check, empty,
+// close.
+#include "shared/files.h"
+#include "store/node.h"
+#include "store/syscall.h"
+#include "store/teksten.h"
+#include "term/scherm.h"
+#include "term/teksten.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <unistd.h>
+#include <vector>
+
+namespace zg {
+namespace {
+
+constexpr size_t VERSIEPLAATS = offsetof(IXHEADER, version);
+constexpr uint16_t OUDEVERSIE = 350;
+constexpr int32_t BIJNAVOL = 2147482999;
+constexpr int BALKNA = 2; // seconds
+
+ICB* nieuw(const char* naam, int mode, int idxfd, int datfd) {
+    ICB* icb = static_cast<ICB*>(calloc(1, sizeof(ICB)));
+    if (!icb)
+        SCRFATAL("%s", TXT(T_GEHEUGEN_ICB));
+    icb->idxfd = idxfd;
+    icb->datfd = datfd;
+    icb->mode = mode;
+    icb->tempidx = IXTIJDELIJKENAAM(naam);
+    icb->curent = KNOOP(icb).entries;
+    std::fill(std::begin(icb->parent), std::end(icb->parent), -1);
+    snprintf(icb->path, sizeof icb->path, "%s", naam);
+    return icb;
+}
+
+// An existing file of a pair. `vragen`: without permission ask whether to try again. Stops the program when
+// it can't be opened.
+int open_bestand(const std::string& pad, bool vragen, int64_t minstens, int al_open) {
+    for (;;) {
+        errno = 0;
+        int fd = IXBESTANDOPEN(pad.c_str(), O_RDWR);
+        if (fd >= 0 && IXBESTANDGROOTTE(fd) >= minstens)
+            return fd;
+        int fout = errno;
+        if (fd >= 0)
+            IXBESTANDDICHT(fd);
+        if (vragen && fout == EACCES && IXJANEE(pad.c_str(), "%s", TXT(T_OPEN_DOOR_ANDER)))
+            continue;
+        if (al_open >= 0)
+            IXBESTANDDICHT(al_open);
+        SCRFATAL(TXT(T_QUILLDB), fout, pad.c_str());
+    }
+}
+
+// Answers the version found. Any but the former one is taken as the present one, and put right on disk.
+uint16_t lees_versie(int fd) {
+    uint16_t versie = 0;
+    IXSYSLEES(fd, &versie, sizeof versie, VERSIEPLAATS);
+    if (versie != OUDEVERSIE && versie != IXVERSIE)
+        IXSYSSCHRIJF(fd, &IXVERSIE, sizeof IXVERSIE, VERSIEPLAATS);
+    return versie;
+}
+
+// Name and title for messages, while `busy` keeps its value.
+bool lees_naam(ICB* icb) {
+    return IXSYSLEES(icb->idxfd, &icb->h, offsetof(IXHEADER, busy), 0) ==
+           static_cast<ssize_t>(offsetof(IXHEADER, busy));
+}
+
+void sluit(ICB* icb) {
+    if (icb->datfd >= 0)
+        IXBESTANDDICHT(icb->datfd);
+    if (icb->idxfd >= 0)
+        IXBESTANDDICHT(icb->idxfd);
+    free(icb);
+}
+
+// Empty a file under its name. The descriptor stays when that is still the same file, and with it the locks.
+int leeg_bestand(int fd, const std::string& pad, bool naam_heel) {
+    struct stat open_nu, op_pad;
+    bool zelfde = fstat(fd, &open_nu) == 0 && stat(pad.c_str(), &op_pad) == 0 &&
+                  open_nu.st_dev == op_pad.st_dev && open_nu.st_ino == op_pad.st_ino;
+    if (zelfde || !naam_heel) {
+        if (IXSYS.ftruncate(fd, 0) < 0)
+            SCRFATAL(TXT(T_OPEN_MISLUKT), pad.c_str());
+        return fd;
+    }
+    IXBESTANDDICHT(fd);
+    fd = IXBESTANDOPEN(pad.c_str(), O_RDWR | O_CREAT | O_TRUNC);
+    if (fd < 0)
+        SCRFATAL(TXT(T_OPEN_MISLUKT), pad.c_str());
+    return fd;
+}
+
+// Free records along the chain, or -1 when it doesn't end within the file.
+int loop_vrijen(ICB* icb, const std::string& datapad) {
+    std::vector<uint8_t> rec(static_cast<size_t>(icb->h.reclen) + 1);
+    const time_t begin = time(nullptr);
+    int vrij = 0;
+    int32_t nr = icb->h.freehead;
+    for (int32_t stap = 0; stap < icb->h.nrecs && nr >= 0; stap++) {
+        ssize_t n = IXSYSLEES(icb->datfd, rec.data(), static_cast<size_t>(icb->h.reclen),
+                              int64_t{nr} * icb->h.reclen);
+        // The last byte of a slot is not looked at here, as in all programs that share the files.
+        if (n != icb->h.reclen || IXRECLIVE(rec.data(), icb->h.reclen - 1))
+            break;
+        nr = LEES32(rec.data() + 1);
+        vrij++;
+        if (stap % 1024 == 1023 && time(nullptr) - begin > BALKNA)
+            IXBALKHAAK(vrij, icb->h.nrecs, datapad.c_str());
+    }
+    IXBALKHAAK(-1, 0, "");
+    return nr < 0 ? vrij : -1;
+}
+
+// The answer of IXCHECK for a pair whose header has been read under lock.
+int beoordeel(ICB* icb, const std::string& indexpad, const std::string& datapad) {
+    if (icb->h.busy || IXKOPFOUT(icb->h) || IXBESTANDGROOTTE(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
+        return -1;
+    if (indexpad.find(".INX") != std::string::npos &&
+        IOSIZE(datapad.c_str()) != int64_t{icb->h.reclen} * icb->h.nrecs)
+        return -1;
+    icb->datfd = IXBESTANDOPEN(datapad.c_str(), O_RDWR);
+    if (icb->datfd < 0)
+        SCRFATAL(TXT(T_QUILLDB), errno, datapad.c_str());
+    int vrij = loop_vrijen(icb, datapad);
+    char naam[sizeof icb->h.name + 1] = {};
+    memcpy(naam, icb->h.name, sizeof icb->h.name);
+    if (icb->h.nblocks > BIJNAVOL && !IXJANEE(TXT(T_WAARSCHUWING), TXT(T_BIJNA_VOL_VRAAG), naam))
+        SCRFATAL(TXT(T_BIJNA_VOL), naam);
+    return vrij;
+}
+
+void geen_balk(int64_t, int64_t, const char*) {}
+
+} // namespace
+
+void (*IXBALKHAAK)(int64_t waarde, int64_t totaal, const char* bestand) = geen_balk;
+bool IXDIEPERKIJKEN = true;
+
+ICB* IXCREATE(const char* naam, int mode) {
+    const bool vragen = mode & IXVRAAG;
+    mode &= ~IXVRAAG;
+    const std::string indexpad = IXINDEXPAD(naam), datapad = IXDATAPAD(naam);
+    const bool bestaat = IOEXISTS(datapad.c_str());
+    int datfd = IXBESTANDOPEN(datapad.c_str(), O_RDWR | O_CREAT);
+    if (datfd < 0)
+        SCRFATAL(TXT(bestaat && vragen ? T_OPEN_MISLUKT : T_CREATE_MISLUKT), datapad.c_str());
+    int idxfd = IXBESTANDOPEN(indexpad.c_str(), O_RDWR | O_CREAT);
+    if (idxfd < 0) {
+        IXBESTANDDICHT(datfd);
+        SCRFATAL(TXT(T_CREATE_MISLUKT), indexpad.c_str());
+    }
+    ICB* icb = nieuw(naam, mode, idxfd, datfd);
+    const std::string kort = IXNAAM(naam);
+    memcpy(icb->h.name, kort.data(), std::min(kort.size(), sizeof icb->h.name));
+    icb->h.version = IXVERSIE;
+    if (mode == 1)
+        IXLOCK(icb, 1);
+    // Emptied only now: until the lock is got others may be in it.
+    if (IXSYS.ftruncate(idxfd, 0) < 0)
+        SCRFATAL(TXT(T_CREATE_MISLUKT), indexpad.c_str());
+    return icb;
+}
+
+void IXINITIX(ICB* icb) {
+    IXEIS(icb, "IXINITIX");
+    if (IXDEFFOUT(icb->h))
+        IXSTUK(icb, 0);
+    icb->h.freehead = -1;
+    icb->h.nrecs = 0;
+    icb->h.nblocks = icb->h.nkeys + 2;
+    icb->h.busy = 0;
+    icb->h.version = IXVERSIE;
+    icb->gezien = icb->h.nblocks;
+    IXWRIX(icb, 0);
+    for (int k = 1; k <= icb->h.nkeys; k++) {
+        memset(icb->node, 0, sizeof icb->node);
+        KNOOP(icb).keyno = static_cast<int8_t>(k);
+        KNOOP(icb).level = 1;
+        KNOOP(icb).count = 1;
+        memset(KNOOP(icb).entries, 0xFF, icb->h.keydef[k - 1].keylen + size_t{4});
+        IXWRIX(icb, k);
+    }
+    memset(icb->node, 0, sizeof icb->node);
+    KNOOP(icb).keyno = 1;
+    IXWRIX(icb, WACHTRIJBLOK(icb));
+    // A file that was longer keeps nothing behind the empty trees, or its size would not agree with the
+    // header.
+    const int64_t lengte = int64_t{icb->h.nblocks} * IXBLOK;
+    if (IXBESTANDGROOTTE(icb->idxfd) > lengte && IXSYS.ftruncate(icb->idxfd, lengte) < 0)
+        IXSCHIJFFOUT(icb, icb->idxfd, lengte, 0);
+    IXRDIX(icb, 1);
+}
+
+void IXINIT(ICB* icb) {
+    IXEIS(icb, "IXINIT");
+    IXLOCK(icb, 1);
+    const bool heel = strlen(icb->path) < sizeof icb->path - 1; // else the name may have been cut
+    icb->idxfd = leeg_bestand(icb->idxfd, std::string(icb->path) + ".INX", heel);
+    IXLOCK(icb, 1);
+    IXINITIX(icb);
+    icb->datfd = leeg_bestand(icb->datfd, std::string(icb->path) + ".TXT", heel);
+    if (icb->mode != 1)
+        IXLOCK(icb, 11);
+}
+
+ICB* IXOPEN(const char* naam, int mode) {
+    const bool vragen = mode & IXVRAAG;
+    mode &= ~IXVRAAG;
+    const std::string indexpad = IXINDEXPAD(naam), datapad = IXDATAPAD(naam);
+    int datfd = open_bestand(datapad, vragen, 0, -1);
+    int idxfd = open_bestand(indexpad, vragen, IXBLOK, datfd);
+    ICB* icb = nieuw(naam, mode, idxfd, datfd);
+    const bool tijdelijk = icb->tempidx;
+    if (uint16_t versie = lees_versie(idxfd); versie == OUDEVERSIE) {
+        sluit(icb);
+        IXWAARSCHUW("", TXT(tijdelijk ? T_VERSIE_TIJDELIJK : T_VERSIE), indexpad.c_str(), versie, IXVERSIE);
+        SCRFATAL("%s", TXT(tijdelijk ? T_BEEINDIGD : T_CONVERTEER));
+    }
+    if (lees_naam(icb)) {
+        IXLOCK(icb, 2);
+        IXRDIX(icb, 0);
+        IXLOCK(icb, 12);
+    }
+    if (mode == 1)
+        IXLOCK(icb, 1);
+    IXSWITCH(icb, 1);
+    return icb;
+}
+
+void IXCLOSE(ICB* icb) {
+    IXEIS(icb, "IXCLOSE");
+    if (icb->cached && IXCACHEHAAK)
+        IXCACHEHAAK('F', icb, 0);
+    if (icb->mode == 1) {
+        IXWRIX(icb, 0);
+        IXLOCK(icb, 11);
+    }
+    sluit(icb);
+}
+
+int IXCHECK(const char* naam) {
+    const std::string indexpad = IXINDEXPAD(naam), datapad = IXDATAPAD(naam);
+    const int64_t grootte = IOSIZE(indexpad.c_str());
+    if (grootte < IXBLOK || grootte % IXBLOK || !IOEXISTS(datapad.c_str()))
+        return -1;
+    int idxfd = IXBESTANDOPEN(indexpad.c_str(), O_RDWR);
+    if (idxfd < 0)
+        return -1;
+    ICB* icb = nieuw(naam, 2, idxfd, -1);
+    if (uint16_t versie = lees_versie(idxfd); versie == OUDEVERSIE) {
+        const bool tijdelijk = icb->tempidx;
+        sluit(icb);
+        IXWAARSCHUW("", TXT(tijdelijk ? T_VERSIE_TIJDELIJK_CHECK : T_VERSIE), indexpad.c_str(), versie,
+                    IXVERSIE);
+        if (tijdelijk)
+            return -1;
+        SCRFATAL("%s", TXT(T_CONVERTEER_CHECK));
+    }
+    int uitslag = -1;
+    if (lees_naam(icb)) {
+        IXLOCK(icb, 2);
+        IXHEADER h;
+        if (IXBLOKLEES(idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h)) {
+            icb->h = h;
+            uitslag = IXDIEPERKIJKEN ? beoordeel(icb, indexpad, datapad) : 0;
+        }
+        IXLOCK(icb, 12);
+    }
+    sluit(icb);
+    return uitslag;
+}
+
+int IXREMOVE(const char* naam) {
+    int index_weg = IOUNLINK((std::string(naam) + ".INX").c_str());
+    int data_weg = IOUNLINK((std::string(naam) + ".TXT").c_str());
+    return index_weg && data_weg;
+}
+
+} // namespace zg
