@@ -235,7 +235,7 @@ int32_t zoek(ICB* icb, char op, int lengte) {
 // could overwrite nodes in use.
 int32_t nieuw_blok(ICB* icb) {
     if (icb->h.nblocks > INT32_MAX - 4)
-        SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_INDEX_VOL));
+        SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_INDEX_VOL));
     if (!icb->cached && IXBESTANDGROOTTE(icb->idxfd) > int64_t{icb->h.nblocks} * IXBLOK)
         IXSTUK(icb, icb->h.nblocks);
     return icb->h.nblocks++;
@@ -267,7 +267,7 @@ void splits(ICB* icb) {
     const bool is_wortel = icb->curblock == wortel;
     uint8_t kopie[KNOOPRUIMTE];
     if (is_wortel && niveau == KNOOPNIVEAUS)
-        SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_INDEX_VOL));
+        SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_INDEX_VOL));
     memcpy(kopie, KNOOP(icb).entries, sizeof kopie);
     icb->insptr = nieuw_blok(icb);
     vul(icb, kopie, links, stap);

@@ -17,14 +17,14 @@ void IXEIS(const ICB* icb, const char* tag) {
 
 void IXSTUK(const ICB* icb, int32_t blok) {
     char wat[64];
-    snprintf(wat, sizeof wat, TXT(T_NIET_CONSISTENT_BLOK), static_cast<long>(blok));
+    snprintf(wat, sizeof wat, TXT(T_IX_NIET_CONSISTENT_BLOK), static_cast<long>(blok));
     // The name as it was opened: the one in a damaged header may be anything.
     std::string naam = IXNAAM(icb->path);
     SCRFATAL(TXT(T_IX_REGEL), naam.c_str(), icb->h.title, wat);
 }
 
 void IXINCONSISTENT(const ICB* icb) {
-    SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_NIET_CONSISTENT));
+    SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_NIET_CONSISTENT));
 }
 
 void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats, int lengte) {

@@ -130,8 +130,8 @@ int beoordeel(ICB* icb, const std::string& indexpad, const std::string& datapad)
     int vrij = loop_vrijen(icb, datapad);
     char naam[sizeof icb->h.name + 1] = {};
     memcpy(naam, icb->h.name, sizeof icb->h.name);
-    if (icb->h.nblocks > BIJNAVOL && !IXJANEE(TXT(T_WAARSCHUWING), TXT(T_BIJNA_VOL_VRAAG), naam))
-        SCRFATAL(TXT(T_BIJNA_VOL), naam);
+    if (icb->h.nblocks > BIJNAVOL && !IXJANEE(TXT(T_IX_WAARSCHUWING), TXT(T_IX_BIJNA_VOL_VRAAG), naam))
+        SCRFATAL(TXT(T_IX_BIJNA_VOL), naam);
     return vrij;
 }
 
@@ -219,8 +219,8 @@ ICB* IXOPEN(const char* naam, int mode) {
     const bool tijdelijk = icb->tempidx;
     if (uint16_t versie = lees_versie(idxfd); versie == OUDEVERSIE) {
         sluit(icb);
-        IXWAARSCHUW("", TXT(tijdelijk ? T_VERSIE_TIJDELIJK : T_VERSIE), indexpad.c_str(), versie, IXVERSIE);
-        SCRFATAL("%s", TXT(tijdelijk ? T_BEEINDIGD : T_CONVERTEER));
+        IXWAARSCHUW("", TXT(tijdelijk ? T_IX_VERSIE_TIJDELIJK : T_IX_VERSIE), indexpad.c_str(), versie, IXVERSIE);
+        SCRFATAL("%s", TXT(tijdelijk ? T_IX_BEEINDIGD : T_IX_CONVERTEER));
     }
     if (lees_naam(icb)) {
         IXLOCK(icb, 2);
@@ -256,11 +256,11 @@ int IXCHECK(const char* naam) {
     if (uint16_t versie = lees_versie(idxfd); versie == OUDEVERSIE) {
         const bool tijdelijk = icb->tempidx;
         sluit(icb);
-        IXWAARSCHUW("", TXT(tijdelijk ? T_VERSIE_TIJDELIJK_CHECK : T_VERSIE), indexpad.c_str(), versie,
+        IXWAARSCHUW("", TXT(tijdelijk ? T_IX_VERSIE_TIJDELIJK_CHECK : T_IX_VERSIE), indexpad.c_str(), versie,
                     IXVERSIE);
         if (tijdelijk)
             return -1;
-        SCRFATAL("%s", TXT(T_CONVERTEER_CHECK));
+        SCRFATAL("%s", TXT(T_IX_CONVERTEER_CHECK));
     }
     int uitslag = -1;
     if (lees_naam(icb)) {

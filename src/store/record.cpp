@@ -36,7 +36,7 @@ void einde_wijziging(ICB* icb) {
 bool alleen_lezen(const ICB* icb) {
     if (icb->mode != 0)
         return false;
-    IXWAARSCHUW(TXT(T_WAARSCHUWING), "%s", TXT(T_ALLEEN_LEZEN));
+    IXWAARSCHUW(TXT(T_IX_WAARSCHUWING), "%s", TXT(T_IX_ALLEEN_LEZEN));
     return true;
 }
 
@@ -80,7 +80,7 @@ void neem_nummer(ICB* icb) {
 
 int voeg_in(ICB* icb, const void* rec, bool bij_plaats) {
     if (icb->h.nblocks > BLOKGRENS || (icb->h.freehead < 0 && icb->h.nrecs == INT32_MAX)) {
-        IXWAARSCHUW(TXT(T_WAARSCHUWING), "%s", TXT(T_INDEX_VOL));
+        IXWAARSCHUW(TXT(T_IX_WAARSCHUWING), "%s", TXT(T_IX_INDEX_VOL));
         return 0;
     }
     neem_nummer(icb);

@@ -58,7 +58,7 @@ void zet_tekst(char* veld, size_t ruimte, const std::string& tekst) {
 
 [[noreturn]] void onjuist(const ICB* icb, int sleutel) {
     char wat[48];
-    snprintf(wat, sizeof wat, TXT(T_SLEUTEL_ONJUIST), sleutel);
+    snprintf(wat, sizeof wat, TXT(T_IX_SLEUTEL_ONJUIST), sleutel);
     SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, wat);
 }
 

@@ -94,7 +94,7 @@ int reserveer(ICB* icb) {
         Wachtrij q(icb);
         if (q.vind() < 0) {
             if (q.def.keylen * (q.k.count + 1) > KNOOPRUIMTE)
-                SCRFATAL(TXT(T_IX_REGELPUNT), icb->h.name, icb->h.title, TXT(T_LOCKQUEUE_VOL));
+                SCRFATAL(TXT(T_IX_REGELPUNT), icb->h.name, icb->h.title, TXT(T_IX_LOCKQUEUE_VOL));
             memcpy(q.sleutel(q.k.count++), icb->keybuf, q.def.keylen);
             q.schrijf();
             return 1;
