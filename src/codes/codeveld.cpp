@@ -1,6 +1,6 @@
 #include "codes/codeveld.h"
-#include "codes/arraylijst.h"
 #include "codes/teksten.h"
+#include "shared/arraylijst.h"
 #include "shared/iotab.h"
 #include "term/ingave.h"
 #include "term/natl.h"

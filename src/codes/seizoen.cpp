@@ -1,6 +1,6 @@
 #include "codes/seizoen.h"
-#include "codes/arraylijst.h"
 #include "codes/teksten.h"
+#include "shared/arraylijst.h"
 #include "shared/files.h"
 #include "term/scherm.h"
 #include <algorithm>

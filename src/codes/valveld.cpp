@@ -1,8 +1,8 @@
 #include "codes/valveld.h"
-#include "codes/arraylijst.h"
 #include "codes/teksten.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
+#include "shared/arraylijst.h"
 #include "term/ingave.h"
 #include "term/vast.h"
 #include <cstdio>

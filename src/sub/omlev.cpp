@@ -1,6 +1,7 @@
 #include "sub/omlev.h"
 #include "shared/leesstam.h"
 #include "shared/report.h"
+#include "shared/teksten.h"
 #include "sub/teksten.h"
 #include "term/ingave.h"
 #include "term/lijst.h"

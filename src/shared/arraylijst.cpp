@@ -1,5 +1,5 @@
-#include "codes/arraylijst.h"
-#include "codes/teksten.h"
+#include "shared/arraylijst.h"
+#include "shared/teksten.h"
 #include "shared/report.h"
 #include "term/ingave.h"
 #include "term/lijst.h"
