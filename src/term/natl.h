@@ -1,5 +1,6 @@
 // National tables of code page 850: classes, case, compose sequences, and both directions to Unicode.
 #pragma once
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -16,10 +17,14 @@ enum Klasse : uint8_t {
     N_BLANCO = 64,
     N_HEX = 128
 };
-extern const uint8_t NKLASSE[256];
-extern const uint8_t NKAST[256];
-inline uint8_t NGROOT(uint8_t c) { return (NKLASSE[c] & N_KLEIN) ? NKAST[c] : c; }
-inline uint8_t NKLEIN(uint8_t c) { return (NKLASSE[c] & N_GROOT) ? NKAST[c] : c; }
+extern const std::array<uint8_t, 256> NKLASSE; // bits of Klasse
+extern const std::array<uint8_t, 256> NKAST;   // the other case, else the byte itself
+inline uint8_t NGROOT(uint8_t c) {
+    return (NKLASSE[c] & N_KLEIN) ? NKAST[c] : c;
+}
+inline uint8_t NKLEIN(uint8_t c) {
+    return (NKLASSE[c] & N_GROOT) ? NKAST[c] : c;
+}
 
 // Code of a compose sequence ("e'" gives 130), 0 when it isn't in the table.
 int COMPOSE(const char* reeks);
@@ -33,9 +38,12 @@ int CP850EXACT(char32_t u);
 // Whole texts; CP850NAAR answers false when a character has no place (uit then holds '?' there).
 std::string CP850UTF8(std::string_view tekst);
 bool CP850NAAR(std::string_view utf8, std::string* uit);
+// One character from at most n bytes of UTF-8, n from 1: its length and *u; 0 when bytes are still to come,
+// -1 when they can't become one.
+int UTF8TEKEN(const uint8_t* s, int n, char32_t* u);
 
-void GROOT(char* s);               // fold to upper case in place
+void GROOT(char* s);                   // fold to upper case in place
 const char* GROOTKOPIE(const char* s); // folded copy, static buffer of 256 bytes
-void BEGINGROOT(char* s);          // first non-blank character to upper case
+void BEGINGROOT(char* s);              // first non-blank character to upper case
 
 } // namespace zg

@@ -1,0 +1,56 @@
+#!/bin/sh
+# usage: maak.sh OUTPUT_DIRECTORY
+# Compiles the program's terminal descriptions from the system's own: each name with a capital, and the
+# variants "-w" (132 columns) and "-l" (43 lines). Terminals that the system does not know are left out, but
+# for those in the second list, which say they are an xterm.
+set -eu
+out=$1
+own='xterm xterm-256color xterm-color xterm-direct vte vte-256color gnome konsole konsole-256color putty
+     putty-256color st st-256color tmux tmux-256color screen screen-256color linux vt100 vt220 vt102 vt320 rxvt
+     rxvt-256color rxvt-unicode rxvt-unicode-256color foot alacritty xterm-kitty iterm2 mintty ms-terminal'
+like_xterm='foot alacritty xterm-kitty rxvt-unicode-256color xterm-ghostty wezterm tmux-direct'
+
+rm -rf "$out.new"
+mkdir -p "$out.new"
+
+# entry NAME BASE: the three entries of one terminal.
+#   bce@    a clear would colour the whole window, also outside our part of it
+#   csr@    or a larger window stays with a scroll region of our size
+#   ncv#2   underline on a colour terminal is a colour
+# The size of vt terminals is switched by their own command; windows are as large as the user made them.
+entry() {
+  capital=$(printf %s "$1" | sed 's/^./\U&/')
+  case $1 in
+    linux) init='\E[4l\E[?7h' ;;
+    screen* | tmux*) init='\E)0\E[4l\E[?7h' ;;
+    vt100 | vt102) init='\E<\E>\E[?4;5;6l\E[?7h\E[4l' ;;
+    *) init='\E[!p\E[?7h\E[?6l\E[4l' ;;
+  esac
+  wide= back=
+  case $1 in vt*0 | vt102) wide='\E[?3h' back='\E[?3l' ;; esac
+  # Control-X cancels, Control-] ends the program, Control-G helps; Esc, Control-\ and F1 do so as well
+  common="am, it#8, bce@, csr@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G,"
+  cat <<END
+$capital|$1 with 25 lines of 80 columns,
+	lines#25, cols#80, is2=$init, rs2=$init, $common use=$2,
+$capital-w|$1 with 25 lines of 132 columns,
+	lines#25, cols#132, is2=$init$wide, rs2=$init$back, $common use=$2,
+$capital-l|$1 with 43 lines of 80 columns,
+	lines#43, cols#80, is2=$init, rs2=$init, $common use=$2,
+END
+}
+
+for t in $own; do
+  if infocmp "$t" >/dev/null 2>&1; then
+    entry "$t" "$t"
+  fi
+done >"$out.new/source"
+for t in $like_xterm; do
+  if ! infocmp "$t" >/dev/null 2>&1; then
+    entry "$t" xterm-256color
+  fi
+done >>"$out.new/source"
+tic -x -o "$out.new" "$out.new/source"
+rm "$out.new/source"
+rm -rf "$out"
+mv "$out.new" "$out"

@@ -1,0 +1,90 @@
+// SCRFATAL, the one way to give up: a box when there is a screen, plain lines when there is none, Enter,
+// status 1. It may be called from anywhere in the program, so it asks nothing of the state it finds.
+#include "term/binnen.h"
+#include "term/teksten.h"
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+namespace zg {
+
+void (*SCRFATALHAAK)();
+
+namespace {
+
+constexpr int RIJ = 18, KOLOM = 10;
+constexpr size_t PROEF = 1000;
+
+bool geheugen() {
+    void* volatile proef = malloc(PROEF);
+    bool er = proef != nullptr;
+    free(proef);
+    return er;
+}
+
+void in_doos(const char* tekst) {
+    const char* support = TXT(T_SUPPORT);
+    int lengte = static_cast<int>(strlen(tekst)), breedte = static_cast<int>(strlen(support));
+    int binnen = SCHERM.cols - 4;
+    int w = std::min(std::max(lengte, breedte) + 4, SCHERM.cols);
+    int rijen = std::max(1, (lengte + binnen - 1) / binnen); // a long report goes on on the next row
+    WINOPEN(RIJ - (rijen - 1), w > SCHERM.cols - KOLOM + 1 ? 1 : KOLOM, 4 + rijen, w, 3);
+    WINBOX("%s", TXT(T_AFGEBROKEN));
+    for (int i = 0; i < rijen; i++)
+        SCRPUT(A_WAARDE, 1 + i, 2, "%.*s", binnen, tekst + i * binnen);
+    SCRPUT(A_WAARDE, rijen + 1, 2, "%s", support);
+    SCRPUT(A_LABEL, rijen + 2, 2, "%s", TXT(T_ENTER_VERVOLG));
+    SCRFLUSH(0);
+    TOETSLEEG(); // keys typed ahead must not take the report away unread
+    while (TOETSRAW(WINNU()) != K_ENTER) {
+    }
+    while (SCHERM.aantal > 1)
+        WINCLOSE();
+}
+
+void op_regels(const char* tekst) {
+    if (SCHERM.bestaat)
+        endwin();
+    printf("%s\r\n%s\r\n%s\r\n%s\r\n", TXT(T_AFGEBROKEN), tekst, TXT(T_SUPPORT), TXT(T_ENTER_VERVOLG));
+    fflush(stdout);
+    char c = 0;
+    if (isatty(STDIN_FILENO)) // without a user there is nobody to wait for
+        while (c != '\n' && c != '\r' && read(STDIN_FILENO, &c, 1) == 1) {
+        }
+}
+
+} // namespace
+
+void VSCRFATAL(const char* fmt, va_list ap) {
+    static bool bezig;
+    static char tekst[1000];
+    if (bezig) {
+        TERMHERSTEL();
+        _exit(1);
+    }
+    bezig = true;
+    vsnprintf(tekst, sizeof tekst, fmt, ap);
+    if (SCHERM.bestaat && SCHERM.dicht) {
+        ZEND("mc4");
+        SCHERM.dicht = 0;
+    }
+    if (SCRFATALHAAK)
+        SCRFATALHAAK();
+    if (MACROHAAK.speelt && MACROHAAK.stop)
+        MACROHAAK.stop();
+    if (SCHERM.bestaat && SCHERM.aantal > 0 && SCHERM.aantal < VENSTERS && geheugen())
+        in_doos(tekst);
+    else
+        op_regels(tekst);
+    SCRSTOP(1);
+}
+
+void SCRFATAL(const char* fmt, ...) {
+    va_list ap;
+    va_start(ap, fmt);
+    VSCRFATAL(fmt, ap);
+}
+
+} // namespace zg

@@ -1,0 +1,42 @@
+// What the screen modules of term/ share among themselves; nobody outside includes this or <curses.h>.
+// <term.h> stays out everywhere: it makes `lines`, `columns` and `key_up` into macros.
+#pragma once
+#define NCURSES_NOMACROS 1
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <curses.h>
+
+namespace zg {
+
+// scherm.cpp
+void ZEND(const char* capaciteit); // a terminfo string to the terminal, at once
+void VARIANTAAN(int variant);      // make it current: size, modes, its init strings, a full repaint to come
+bool UTF8SCHERM();                 // does the terminal take UTF-8?
+
+// venster.cpp
+void VENSTERDUW(WINDOW* win, int soort); // on the stack, coloured and cleared
+Venster& VENSTERNU();
+void TOONVANAF(int index); // touch and stage every window from here to the top
+int KLEURPAAR(int index, uint32_t attr);
+
+// klavier.cpp
+void SLEUTELSLADEN(); // key sequences of the active terminal
+int32_t
+KLAVIER(int ms); // the next key of the keyboard; -1 after ms milliseconds (-1: never), or after a signal
+int32_t KLAVIERREST(); // the next key of what has been read already, -1 for none
+
+// toets.cpp
+void TOETSENOVERNEMEN(); // keys that the program before this one had read and not used
+void TOETSENOVERGEVEN();
+inline constexpr int32_t K_ONBEKEND = 600; // a key that has no meaning here; never allowed in a field
+
+// seinen.cpp
+void SEINENAAN();
+void SEINENUIT();
+bool SEINEINDE(); // has the terminal gone, or are we told to end?
+// End with status 1 when so. Called where the program can stop: keys and screen output, not file work.
+void SEINSTOP();
+[[noreturn]] void OPGEHANGEN(); // the terminal is gone: end now
+extern volatile int MAATSEIN;   // the window got another size
+
+} // namespace zg

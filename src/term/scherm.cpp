@@ -1,0 +1,289 @@
+// Start and end of the screen, and its terminal variants: "" 25 x 80, "-w" 25 x 132, "-l" 43 x 80, each an
+// ncurses SCREEN of its own on the same terminal. Windows: venster.cpp; text: tekenen.cpp.
+#include "term/binnen.h"
+#include "term/ingave.h"
+#include "term/natl.h"
+#include "term/teksten.h"
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <langinfo.h>
+#include <string>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace zg {
+
+Scherm SCHERM;
+MacroHaak MACROHAAK;
+
+namespace {
+
+struct Maat {
+    const char* naam;
+    int lines, cols;
+};
+constexpr Maat MATEN[] = {{"", 25, 80}, {"-w", 25, 132}, {"-l", 43, 80}};
+
+termios modes;
+bool modes_bewaard;
+bool utf8;
+
+const Maat& maat_van(const char* naam) {
+    for (const Maat& m : MATEN)
+        if (strcmp(m.naam, naam) == 0)
+            return m;
+    return MATEN[0];
+}
+
+// A variant larger than the window would put its right or lower part out of sight. A line without a known
+// size is trusted.
+bool past(const Maat& m) {
+    winsize w{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &w) != 0 || w.ws_row == 0 || w.ws_col == 0)
+        return true;
+    return w.ws_row >= m.lines && w.ws_col >= m.cols;
+}
+
+std::string terminfonaam(const char* variant) {
+    const char* term = getenv("TERM");
+    std::string naam = term && *term ? term : "TERM";
+    naam[0] = static_cast<char>(NGROOT(static_cast<uint8_t>(naam[0])));
+    return naam + variant;
+}
+
+int zoek_variant(const char* naam) {
+    for (int i = 0; i < SCHERM.termaantal; i++)
+        if (strcmp(SCHERM.term[i].naam, naam) == 0)
+            return i;
+    return -1;
+}
+
+// Open a variant that has not been used yet; -1 when the terminal has no description for it.
+int open_variant(const Maat& m, const std::string& naam) {
+    SCREEN* eerst = SCHERM.termnu >= 0 ? SCHERM.term[SCHERM.termnu].scherm : nullptr;
+    use_env(FALSE); // the description's size counts, not the window's
+    SCREEN* nieuw = newterm(naam.c_str(), stdout, stdin);
+    if (!nieuw) {
+        if (eerst)
+            set_term(eerst);
+        return -1;
+    }
+    if (getmaxy(stdscr) != m.lines || getmaxx(stdscr) != m.cols)
+        resize_term(m.lines, m.cols);
+    TermVariant& t = SCHERM.term[SCHERM.termaantal];
+    t = {};
+    memcpy(t.naam, m.naam, strlen(m.naam));
+    t.scherm = nieuw;
+    t.lines = m.lines;
+    t.cols = m.cols;
+    t.std = stdscr;
+    if (!utf8)
+        use_legacy_coding(2); // high bytes go out as they are
+    if (has_colors())
+        start_color();
+    if (eerst)
+        set_term(eerst);
+    return SCHERM.termaantal++;
+}
+
+[[noreturn]] void onbekend(const std::string& naam) {
+    std::string leesbaar;
+    for (char c : naam)
+        leesbaar += (NKLASSE[static_cast<uint8_t>(c)] & N_CONTROL) ? '?' : c;
+    printf("\n%s (%s)\n", TXT(T_ONBEKENDE_TERMINFO), leesbaar.c_str());
+    fflush(stdout);
+    TERMHERSTEL();
+    SEINENUIT();
+    SCHERM.bestaat = false;
+    exit(10);
+}
+
+} // namespace
+
+bool UTF8SCHERM() {
+    return utf8;
+}
+
+void ZEND(const char* capaciteit) {
+    const char* s = tigetstr(capaciteit);
+    if (!s || s == reinterpret_cast<const char*>(-1))
+        return;
+    putp(s);
+    fflush(stdout);
+}
+
+void VARIANTAAN(int variant) {
+    TermVariant& t = SCHERM.term[variant];
+    set_term(t.scherm);
+    SCHERM.termnu = variant;
+    SCHERM.lines = t.lines;
+    SCHERM.cols = t.cols;
+    cbreak();
+    noecho();
+    intrflush(t.std, FALSE); // the interrupt key must not throw typed keys away
+    SEINENAAN();
+    typeahead(-1);
+    ZEND("is2");
+    ZEND("is3");
+    clearok(curscr, TRUE);
+    SLEUTELSLADEN();
+}
+
+void TERMBEWAAR() {
+    if (!modes_bewaard && tcgetattr(STDIN_FILENO, &modes) != 0)
+        return;
+    modes_bewaard = true;
+    termios stil = modes;
+    stil.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    tcsetattr(STDIN_FILENO, TCSADRAIN, &stil); // never the flushing kind: what is typed ahead stays
+}
+
+void TERMHERSTEL() {
+    if (modes_bewaard)
+        tcsetattr(STDIN_FILENO, TCSANOW, &modes);
+}
+
+void SCRINIT() {
+    SCHERM = Scherm{};
+    SCHERM.huidig = SCHERM.termnu = -1;
+    setlocale(LC_CTYPE, "");
+    utf8 = strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+    TERMBEWAAR();
+    SEINENAAN();
+    SCHERM.instel = &INSTEL;
+    SCHERM.bestaat = true;
+    SCRRATE(1);
+    SCRTERM("");
+    INSTEL = Instel{};
+    SCHERM.kpos = getenv("KPOS") ? 0 : 2;
+    static constexpr int32_t TABEL[] = {K_CANCEL, K_TAB,  K_HELP, K_UP,   K_DOWN,
+                                        K_PGUP,   K_PGDN, K_ESC,  K_BTAB, 0};
+    for (size_t i = 0; i < std::size(TABEL); i++)
+        SCHERM.toets[i] = TABEL[i];
+    for (int i = 0; i < 12; i++)
+        SCHERM.toets[key_f1 + i] = K_F1 + i;
+    TOETSENOVERNEMEN();
+    if (MACROHAAK.herstel)
+        MACROHAAK.herstel();
+    BEZIGUIT();
+}
+
+void SCRTERM(const char* naam) {
+    const Maat& gevraagd = maat_van(naam);
+    bool eerste = SCHERM.termaantal == 0;
+    if (SCHERM.termnu >= 0) {
+        error("%s", ""); // the status line stays behind with its variant
+        BEZIGWIS();
+        ZEND("clear");
+        ZEND("rs2");
+    }
+    int variant = zoek_variant(gevraagd.naam);
+    if (variant < 0 && (eerste || past(gevraagd))) {
+        std::string terminfo = terminfonaam(gevraagd.naam);
+        variant = open_variant(gevraagd, terminfo);
+        if (variant < 0 && eerste)
+            onbekend(terminfo);
+    }
+    if (variant > 0 && !past(gevraagd)) // the window has become smaller since
+        variant = 0;
+    VARIANTAAN(variant < 0 ? 0 : variant);
+    SCHERM.basis = SCHERM.aantal;
+    WINDOW* std = SCHERM.term[SCHERM.termnu].std;
+    bool staat_er = false;
+    for (int i = 0; i < SCHERM.aantal; i++)
+        staat_er = staat_er || SCHERM.venster[i].win == std;
+    if (staat_er)
+        WINOPEN(1, 1, SCHERM.lines, SCHERM.cols, 0);
+    else
+        VENSTERDUW(std, 0);
+}
+
+void SCREXIT() {
+    if (!SCHERM.bestaat)
+        return;
+    typeahead(-1);
+    if (MACROHAAK.speelt && MACROHAAK.bewaar)
+        MACROHAAK.bewaar();
+    if (SCHERM.dicht) {
+        ZEND("mc4");
+        SCHERM.dicht = 0;
+    }
+    SCRRATE(-1);
+    SCHERM.huidig = SCHERM.basis;
+    SCRCLREOW(SCHERM.lines, 1);
+    wrefresh(VENSTERNU().win);
+    SCHERM.huidig = SCHERM.aantal - 1;
+    while (SCHERM.aantal > 0)
+        WINCLOSE();
+    TOETSENOVERGEVEN();
+    // endwin only speaks for a SCREEN that still exists; the one on the terminal has the last word
+    for (int i = SCHERM.termaantal - 1; i >= 0; i--) {
+        if (i == SCHERM.termnu)
+            continue;
+        set_term(SCHERM.term[i].scherm);
+        endwin();
+        delscreen(SCHERM.term[i].scherm);
+    }
+    if (SCHERM.termnu >= 0) {
+        SCREEN* laatste = SCHERM.term[SCHERM.termnu].scherm;
+        set_term(laatste);
+        endwin();
+        delscreen(laatste);
+    }
+    SCHERM.bestaat = false;
+    SCHERM.termnu = -1;
+    SCHERM.termaantal = 0;
+    TERMHERSTEL();
+    modes_bewaard = false;
+    SEINENUIT();
+    for (int fd = 3; fd < 40; fd++) {
+        struct stat st;
+        if (fstat(fd, &st) == 0 && S_ISCHR(st.st_mode))
+            close(fd);
+    }
+}
+
+void SCRSTOP(int status) {
+    if (status != 0 && MACROHAAK.speelt && MACROHAAK.stop)
+        MACROHAAK.stop(); // only a normal hand-over lets a macro go on
+    SCREXIT();
+    exit(status);
+}
+
+void SCHELP(const char* pad, const char* commando, bool wachten) {
+    std::string opdracht;
+    if (pad && *pad) {
+        const char* map = pad[strlen(pad) - 1] == '/' ? pad : getenv(pad);
+        if (map && *map) {
+            opdracht = map;
+            if (opdracht.back() != '/')
+                opdracht += '/';
+        }
+    }
+    opdracht += commando;
+    if (SCHERM.bestaat) {
+        ZEND("clear");
+        endwin();
+    }
+    TERMHERSTEL();
+    fflush(stdout);
+    [[maybe_unused]] int antwoord = system(opdracht.c_str());
+    if (wachten) {
+        printf("\n%s ", TXT(T_ENTER_VERVOLG));
+        fflush(stdout);
+        char c = 0;
+        while (c != '\n' && read(STDIN_FILENO, &c, 1) == 1) {
+        }
+    }
+    if (!SCHERM.bestaat)
+        return;
+    TERMBEWAAR();
+    clearok(curscr, TRUE);
+    TOONVANAF(SCHERM.basis);
+    doupdate();
+}
+
+} // namespace zg

@@ -1,0 +1,91 @@
+// Signals. The handlers only leave a note; it is looked at where keys are read and output is shown. A hang-up
+// or a request to end gets a moment for the orderly way out, then the process ends without it, so that locks
+// are never held for a terminal that is gone.
+#include "term/binnen.h"
+#include <csignal>
+#include <cstdlib>
+#include <sys/time.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace zg {
+
+volatile int MAATSEIN;
+
+namespace {
+
+volatile sig_atomic_t einde, bezig;
+constexpr int RESPIJT_US = 700000;
+
+void op_toets(int sein) {
+    SCHERM.signaaltoets = sein == SIGINT ? K_DC : K_EXIT;
+}
+
+void op_maat(int) {
+    MAATSEIN = 1;
+}
+
+void op_slaap(int) {}
+
+void op_einde(int) {
+    einde = 1;
+    itimerval t{{0, 0}, {0, RESPIJT_US}};
+    setitimer(ITIMER_REAL, &t, nullptr);
+}
+
+void op_respijt(int) {
+    TERMHERSTEL();
+    _exit(1);
+}
+
+struct Sein {
+    int nummer;
+    void (*werk)(int);
+    struct sigaction oud;
+};
+Sein SEINEN[] = {
+    {SIGINT, op_toets, {}},  {SIGQUIT, op_toets, {}}, {SIGHUP, op_einde, {}},    {SIGTERM, op_einde, {}},
+    {SIGWINCH, op_maat, {}}, {SIGTSTP, op_slaap, {}}, {SIGALRM, op_respijt, {}},
+};
+bool aan;
+
+} // namespace
+
+void SEINENAAN() {
+    if (aan)
+        return;
+    aan = true;
+    for (Sein& s : SEINEN) {
+        struct sigaction nieuw {};
+        nieuw.sa_handler = s.werk; // no SA_RESTART: a waiting read has to notice
+        sigemptyset(&nieuw.sa_mask);
+        sigaction(s.nummer, &nieuw, &s.oud);
+    }
+}
+
+void SEINENUIT() {
+    if (!aan || einde) // while ending, the last guard stays
+        return;
+    aan = false;
+    for (Sein& s : SEINEN)
+        sigaction(s.nummer, &s.oud, nullptr);
+}
+
+bool SEINEINDE() {
+    return einde != 0;
+}
+
+void SEINSTOP() {
+    if (einde && !bezig)
+        OPGEHANGEN();
+}
+
+void OPGEHANGEN() {
+    if (bezig)
+        _exit(1);
+    bezig = 1;
+    op_einde(0);
+    SCRSTOP(1);
+}
+
+} // namespace zg

@@ -1,0 +1,292 @@
+// Text on the screen. Every character goes through one table of 256 cells, so no byte out of a data file
+// reaches the terminal as a control or as a character that the terminal does not show in one column.
+#include "term/binnen.h"
+#include "term/natl.h"
+#include "term/teksten.h"
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <cwchar>
+#include <string>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+int32_t tempo = 1; // seconds between refreshes during long output, -1 none
+int uitgesteld;    // SCRAUTO waits
+bool bezig_aan, bezig_staat;
+int bezig_breedte = 15;
+char tekst[4096]; // one formatted line; callers never nest
+
+constexpr uint8_t HARDE_SPATIE = 0xFF, ZACHT_STREEPJE = 0xF0;
+
+// The cell of each byte: Unicode on a UTF-8 terminal, otherwise whatever makes curses send that very byte.
+wchar_t cel_van(uint8_t c) {
+    static std::array<wchar_t, 256> tabel;
+    static bool klaar;
+    if (!klaar) {
+        klaar = true;
+        for (unsigned i = 0; i < 256; i++) {
+            wint_t eigen = btowc(static_cast<int>(i));
+            if (UTF8SCHERM())
+                tabel[i] = static_cast<wchar_t>(CP850UIT(static_cast<uint8_t>(i)));
+            else
+                tabel[i] = static_cast<wchar_t>(eigen == WEOF ? i : eigen);
+        }
+        for (unsigned i = 0; i < 32; i++)
+            tabel[i] = L' ';
+        tabel[127] = tabel[HARDE_SPATIE] = L' ';
+        tabel[ZACHT_STREEPJE] = L'-';
+    }
+    return tabel[c];
+}
+
+// Characters that menus and lists draw by number with A_ALTCHARSET, beside the terminal's own line drawing.
+cchar_t teken_cel(uint8_t c) {
+    cchar_t cel{};
+    if (UTF8SCHERM() && (c == 196 || c == 254 || c == 251))
+        cel.chars[0] = c == 196 ? L'\u2500' : c == 254 ? L'\u25A0' : L'\u221A';
+    else if (c == 196)
+        cel = *WACS_HLINE;
+    else if (c == 251)
+        cel.chars[0] = L'v'; // the tick is not in code page 850
+    else if (c < 128 && NCURSES_WACS(c)->chars[0] != 0)
+        cel = *NCURSES_WACS(c);
+    else
+        cel.chars[0] = cel_van(c);
+    return cel;
+}
+
+// n bytes at the cursor in the window's attribute; the cursor stops behind them, at most on the last column.
+void schrijf(WINDOW* win, const char* s, int n) {
+    attr_t attr;
+    short paar;
+    wattr_get(win, &attr, &paar, nullptr);
+    bool lijnen = (attr & A_ALTCHARSET) != 0;
+    attr &= ~(A_ALTCHARSET | A_COLOR);
+    int rij, kolom;
+    getyx(win, rij, kolom);
+    cchar_t cellen[256];
+    n = std::min({n, getmaxx(win) - kolom, static_cast<int>(std::size(cellen))});
+    for (int i = 0; i < n; i++) {
+        uint8_t c = static_cast<uint8_t>(s[i]);
+        cellen[i] = cchar_t{};
+        if (lijnen)
+            cellen[i] = teken_cel(c);
+        else
+            cellen[i].chars[0] = cel_van(c);
+        cellen[i].attr = (cellen[i].attr & A_ALTCHARSET) | attr | static_cast<attr_t>(COLOR_PAIR(paar));
+        cellen[i].ext_color = paar;
+    }
+    if (n > 0)
+        wadd_wchnstr(win, cellen, n);
+    wmove(win, rij, std::min(kolom + std::max(n, 0), getmaxx(win) - 1));
+}
+
+int opmaak(const char* fmt, va_list ap) {
+    int n = vsnprintf(tekst, sizeof tekst, fmt, ap);
+    return std::clamp(n, 0, static_cast<int>(sizeof tekst) - 1);
+}
+
+// The formatted text at a place of the current window, cut at its edge.
+int plaats(uint32_t attr, int rij, int kolom, int lengte) {
+    if (!SCHERM.bestaat || SCHERM.dicht || rij < 1 || kolom < 1 || rij > WINHOOGTE() || kolom > WINBREEDTE())
+        return 0;
+    lengte = std::min(lengte, WINBREEDTE() - kolom + 1);
+    WINATTR(attr);
+    WINAT(rij, kolom);
+    schrijf(VENSTERNU().win, tekst, lengte);
+    SCRAUTO();
+    WINATTR(A_WAARDE);
+    return lengte;
+}
+
+// A formatted text on the base window; the windows above it are staged again.
+int op_basis(uint32_t attr, int rij, int kolom, int lengte) {
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return 0;
+    uitgesteld++;
+    SCHERM.huidig = SCHERM.basis;
+    int n = plaats(attr, rij, kolom, lengte);
+    SCHERM.huidig = SCHERM.aantal - 1;
+    uitgesteld--;
+    TOONVANAF(SCHERM.basis);
+    SCRAUTO();
+    return n;
+}
+
+} // namespace
+
+int SCRPUT(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return 0;
+    va_list ap;
+    va_start(ap, fmt);
+    int n = opmaak(fmt, ap);
+    va_end(ap);
+    return plaats(attr, rij, kolom, n);
+}
+
+int SCRADD(const char* fmt, ...) {
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return 0;
+    va_list ap;
+    va_start(ap, fmt);
+    int n = opmaak(fmt, ap);
+    va_end(ap);
+    n = std::clamp(WINBREEDTE() - WINKOLOM() + 1, 0, n);
+    schrijf(VENSTERNU().win, tekst, n);
+    SCRAUTO();
+    return n;
+}
+
+int SCRBASE(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return 0;
+    va_list ap;
+    va_start(ap, fmt);
+    int n = opmaak(fmt, ap);
+    va_end(ap);
+    return op_basis(attr, rij, kolom, n);
+}
+
+void SCRLIJN(uint32_t attr, int rij, int kolom, Lijnteken teken, int aantal) {
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return;
+    aantal = std::clamp(aantal, 0, 255);
+    for (int i = 0; i < (teken == L_VERTICAAL ? aantal : 1); i++) {
+        int n = teken == L_VERTICAAL ? 1 : aantal;
+        memset(tekst, teken, static_cast<size_t>(n));
+        plaats(attr | A_ALTCHARSET, rij + i, kolom, n);
+    }
+}
+
+void SCRCLREOL(int rij, int kolom) {
+    if (!WINAT(rij, kolom))
+        return;
+    WINATTR(A_LABEL);
+    WINDOW* win = VENSTERNU().win;
+    int y, x;
+    getyx(win, y, x);
+    wclrtoeol(win);
+    if (VENSTERNU().rand) {
+        WINATTR(A_WAARDE | A_ALTCHARSET);
+        wmove(win, y, getmaxx(win) - 1);
+        schrijf(win, "x", 1);
+        WINATTR(A_LABEL);
+        wmove(win, y, x);
+    }
+}
+
+void SCRCLREOW(int rij, int kolom) {
+    if (!WINAT(rij, kolom))
+        return;
+    WINATTR(A_LABEL);
+    WINDOW* win = VENSTERNU().win;
+    if (getcury(win) == 0 && getcurx(win) == 0) {
+        werase(win);
+    } else {
+        SCRCLREOL(rij, kolom);
+        for (int r = rij + 1; r <= WINHOOGTE(); r++)
+            SCRCLREOL(r, 1);
+    }
+    WINATTR(A_WAARDE);
+    WINAT(rij, kolom);
+}
+
+void SCRFLUSH(int seconden) {
+    if (!SCHERM.bestaat)
+        return;
+    SEINSTOP();
+    wrefresh(VENSTERNU().win);
+    SCHERM.ververst = time(nullptr);
+    for (time_t tot = SCHERM.ververst + seconden; seconden > 0 && !SCHERM.signaaltoets;) {
+        time_t nu = time(nullptr);
+        if (nu >= tot || nu < SCHERM.ververst)
+            break;
+        sleep(static_cast<unsigned>(tot - nu));
+        SEINSTOP();
+    }
+}
+
+void SCRRATE(int seconden) {
+    tempo = seconden < 0 ? -1 : seconden;
+    SCHERM.ververst = time(nullptr);
+}
+
+void SCRAUTO() {
+    if (!SCHERM.bestaat || uitgesteld || tempo < 0)
+        return;
+    if (tempo > 0) {
+        time_t nu = time(nullptr);
+        if (nu >= SCHERM.ververst && nu - SCHERM.ververst < tempo)
+            return;
+        SCHERM.ververst = nu;
+    }
+    SEINSTOP();
+    wrefresh(VENSTERNU().win);
+}
+
+void PIEP() {
+    if (SCHERM.bestaat)
+        beep();
+}
+
+void error(const char* fmt, ...) {
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return;
+    va_list ap;
+    va_start(ap, fmt);
+    int n = std::min(opmaak(fmt, ap), SCHERM.cols);
+    va_end(ap);
+    n = std::min(n, static_cast<int>(sizeof SCHERM.statustekst) - 1);
+    std::string nieuw(tekst, static_cast<size_t>(n));
+    int oud = static_cast<int>(strlen(SCHERM.statustekst));
+    if (oud == 0 && n == 0)
+        return;
+    uitgesteld++;
+    int huidig = SCHERM.huidig;
+    SCHERM.huidig = SCHERM.basis;
+    memset(tekst, ' ', static_cast<size_t>(oud));
+    if (oud > 0)
+        plaats(A_WAARDE, SCHERM.lines, 1, oud);
+    memcpy(tekst, nieuw.data(), nieuw.size());
+    if (n > 0)
+        plaats(A_WAARDE, SCHERM.lines, 1, n);
+    wnoutrefresh(VENSTERNU().win);
+    SCHERM.huidig = huidig;
+    uitgesteld--;
+    memcpy(SCHERM.statustekst, nieuw.c_str(), nieuw.size() + 1);
+    if (n > 0)
+        beep();
+}
+
+void BEZIGTOON() {
+    if (!bezig_aan || !SCHERM.bestaat || SCHERM.dicht)
+        return;
+    const char* geduld = TXT(T_EVEN_GEDULD);
+    bezig_breedte = static_cast<int>(strnlen(geduld, 79));
+    SCRBASE(A_WAARDE, SCHERM.lines, SCHERM.cols - bezig_breedte, "%.79s", geduld);
+    bezig_staat = true;
+    SCRFLUSH(0);
+}
+
+void BEZIGWIS() {
+    if (bezig_staat)
+        SCRBASE(A_WAARDE, SCHERM.lines, SCHERM.cols - bezig_breedte, "%*s", bezig_breedte, "");
+    bezig_staat = false;
+}
+
+void BEZIGUIT() {
+    BEZIGWIS();
+    bezig_aan = false;
+}
+
+void BEZIGAAN() {
+    BEZIGWIS();
+    bezig_aan = true;
+}
+
+} // namespace zg

@@ -1,0 +1,264 @@
+// Keys for the program: the key stack, a playing macro and the keyboard in their order, names, and the set of
+// allowed keys. What the keyboard sends becomes keys in klavier.cpp.
+#include "term/toets.h"
+#include "term/binnen.h"
+#include "term/ingave.h"
+#include "term/natl.h"
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace zg {
+namespace {
+
+std::vector<int32_t> stapel; // the last pushed is the next read
+bool in_dialoog;
+
+constexpr int32_t XON = 17, XOFF = 19;
+constexpr const char* OVERGAVE = "ZGTOETSEN";
+constexpr long OVERGAVE_SECONDEN = 5;
+
+bool laat_vallen(int32_t key) {
+    return key == XON || key == XOFF || key < -1;
+}
+
+int32_t neem_seintoets() {
+    int32_t key = SCHERM.signaaltoets;
+    SCHERM.signaaltoets = 0;
+    return key;
+}
+
+// One key of the keyboard within ms milliseconds (-1: without limit), else -1.
+int32_t van_klavier(WINDOW* win, int ms) {
+    for (;;) {
+        SEINSTOP();
+        if (win && SCHERM.bestaat)
+            wrefresh(win);
+        if (SCHERM.signaaltoets)
+            return neem_seintoets();
+        int32_t key = KLAVIER(ms);
+        if (key == -1 && MAATSEIN) {
+            MAATSEIN = 0;
+            clearok(curscr, TRUE);
+            TOONVANAF(SCHERM.basis);
+            doupdate();
+            if (ms >= 0)
+                return -1;
+            continue;
+        }
+        if (key == -1 && SCHERM.signaaltoets)
+            continue;
+        if (key == -1 && ms >= 0)
+            return -1;
+        if (key != -1 && !laat_vallen(key))
+            return key;
+    }
+}
+
+int32_t volgende(WINDOW* win, int ms) {
+    for (;;) {
+        TOETSKLAAR();
+        int32_t key;
+        if (SCHERM.signaaltoets) { // a key that is already there keeps its place behind it
+            key = neem_seintoets();
+        } else if (!stapel.empty()) {
+            key = stapel.back();
+            stapel.pop_back();
+            if (MACROHAAK.speelt && (key == K_CANCEL || key == K_ESC)) {
+                MACROHAAK.stop();
+                return key;
+            }
+        } else if (MACROHAAK.speelt && MACROHAAK.over()) {
+            key = MACROHAAK.haal();
+        } else {
+            if (MACROHAAK.speelt)
+                MACROHAAK.stop();
+            key = van_klavier(win, ms);
+            if (key == -1)
+                return -1;
+        }
+        if (key == K_F2 && MACROHAAK.aan && MACROHAAK.dialoog && !in_dialoog && !TOETSTOE(K_F2)) {
+            in_dialoog = true;
+            key = MACROHAAK.dialoog();
+            in_dialoog = false;
+        }
+        if (key != -1 && !laat_vallen(key))
+            return key;
+    }
+}
+
+int slot_van(int32_t key) {
+    for (int i = 0; i < TOETS_SLOTS; i++)
+        if (SCHERM.toets[i] == key && key != 0)
+            return i;
+    return -1;
+}
+
+bool geldig(int32_t key) {
+    return key >= 1 && key <= 511;
+}
+
+} // namespace
+
+Instel INSTEL;
+
+int32_t TOETS(VENSTERP win) {
+    return volgende(win, -1);
+}
+
+int32_t TOETS() {
+    return TOETS(WINNU());
+}
+
+int32_t TOETSRAW(VENSTERP win) {
+    return van_klavier(win, -1);
+}
+
+int TOETSKLAAR() {
+    if (!stapel.empty() || SCHERM.signaaltoets)
+        return 1;
+    int32_t key = van_klavier(WINNU(), 0);
+    if (key == -1)
+        return MACROHAAK.speelt && MACROHAAK.over() ? 1 : 0;
+    if (MACROHAAK.speelt && (key == K_CANCEL || key == K_ESC)) {
+        MACROHAAK.stop();
+        TOETSTERUG(key);
+    } else {
+        TOETSDRUK(key);
+    }
+    return 1;
+}
+
+void TOETSDRUK(int32_t key) {
+    if (MACROHAAK.speelt && MACROHAAK.druk)
+        MACROHAAK.druk(key);
+    else
+        TOETSTERUG(key);
+}
+
+void TOETSTERUG(int32_t key) {
+    stapel.push_back(key);
+}
+
+int TOETSWACHT(int rij, int kolom, int pogingen) {
+    WINAT(rij, kolom);
+    for (int i = 0; i < pogingen; i++) {
+        int32_t key = volgende(WINNU(), 1000);
+        if (key != -1) {
+            TOETSDRUK(key);
+            break;
+        }
+    }
+    return TOETSKLAAR();
+}
+
+void TOETSLEEG() {
+    stapel.clear();
+    if (MACROHAAK.speelt && MACROHAAK.stop)
+        MACROHAAK.stop();
+    while (KLAVIER(0) != -1) {
+    }
+}
+
+void TOETSNAAM(int32_t key, char* tekst) {
+    static constexpr struct {
+        int32_t key;
+        const char* naam;
+    } NAMEN[] = {
+        {K_ESC, "ESC"},     {K_TAB, "TAB"},   {K_ENTER, "RTRN"}, {32, "SPACE"},    {K_DOWN, "DOWN"},
+        {K_UP, "UP"},       {K_LEFT, "LEFT"}, {K_RIGHT, "RGHT"}, {K_HOME, "HOME"}, {K_BACK, "BACK"},
+        {8, "BACK"},        {K_DC, "DEL"},    {K_IC, "INS"},     {K_PGDN, "PGDN"}, {K_PGUP, "PGUP"},
+        {K_BTAB, "SH_TAB"}, {K_END, "END"},
+    };
+    for (const auto& n : NAMEN) {
+        if (n.key == key) {
+            strcpy(tekst, n.naam);
+            return;
+        }
+    }
+    if (key >= K_F1 && key < K_F1 + 12 && key != K_F2)
+        snprintf(tekst, 8, "F%-2d", (key - K_F1 + 1) & 15);
+    else
+        snprintf(tekst, 8, "%c", key & 0xFF);
+}
+
+int32_t TOETSTEKEN(int32_t key) {
+    const char* naam = key == K_CANCEL ? "kcan" : key == K_EXIT ? "kext" : key == K_HELP ? "khlp" : nullptr;
+    if (!naam || !SCHERM.bestaat)
+        return -1;
+    const char* s = tigetstr(naam);
+    if (!s || s == reinterpret_cast<const char*>(-1) || !*s)
+        return -1;
+    return static_cast<uint8_t>(*s);
+}
+
+void TOETSAAN(int32_t key) {
+    if (geldig(key))
+        INSTEL.toe.set(static_cast<size_t>(key));
+    if (key == K_CANCEL)
+        INSTEL.toe.set(K_ESC);
+    if (key == K_HELP)
+        INSTEL.toe.set(K_F1);
+}
+
+void TOETSUIT(int32_t key) {
+    if (geldig(key))
+        INSTEL.toe.reset(static_cast<size_t>(key));
+}
+
+bool TOETSTOE(int32_t key) {
+    return geldig(key) && INSTEL.toe.test(static_cast<size_t>(key));
+}
+
+bool TOETSNAMED(int32_t key) {
+    return TOETSTOE(key) && slot_van(key) >= 0;
+}
+
+bool TOETSCHECK(int32_t key) {
+    return TOETSNAMED(key) && (INSTEL.check >> slot_van(key) & 1);
+}
+
+void TOETSCHECKAAN(int32_t key) {
+    if (int slot = slot_van(key); slot >= 0)
+        INSTEL.check |= 1u << slot;
+}
+
+void TOETSCHECKUIT(int32_t key) {
+    if (int slot = slot_van(key); slot >= 0)
+        INSTEL.check &= ~(1u << slot);
+}
+
+// A key that was read before the program hands over belongs to the next one in the chain. It goes along in
+// the environment, marked with process and time, so that a program that doesn't know it can't leave it to a
+// later one.
+void TOETSENOVERGEVEN() {
+    for (int32_t key; (key = KLAVIERREST()) != -1;)
+        stapel.insert(stapel.begin(), key);
+    if (stapel.empty())
+        return;
+    std::string waarde = std::to_string(getpid()) + " " + std::to_string(time(nullptr));
+    for (size_t i = 0; i < stapel.size() && i < 500; i++)
+        waarde += " " + std::to_string(stapel[i]);
+    setenv(OVERGAVE, waarde.c_str(), 1);
+    stapel.clear();
+}
+
+void TOETSENOVERNEMEN() {
+    const char* waarde = getenv(OVERGAVE);
+    if (!waarde)
+        return;
+    char* p = nullptr;
+    long pid = strtol(waarde, &p, 10), tijd = strtol(p, &p, 10), nu = static_cast<long>(time(nullptr));
+    if (pid == getpid() && nu >= tijd && nu - tijd <= OVERGAVE_SECONDEN) {
+        while (*p == ' ') {
+            long key = strtol(p, &p, 10);
+            if (key >= 0 && key <= K_ONBEKEND)
+                TOETSTERUG(static_cast<int32_t>(key));
+        }
+    }
+    unsetenv(OVERGAVE);
+}
+
+} // namespace zg
