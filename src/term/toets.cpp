@@ -1,8 +1,7 @@
-// Keys for the program: the key stack, a playing macro and the keyboard in their order, names, and the set of
-// allowed keys. What the keyboard sends becomes keys in klavier.cpp.
+// Keys for the program: the key stack, a playing macro and the keyboard in their order, and names. Allowed
+// keys: instel.cpp. What the keyboard sends becomes keys in klavier.cpp.
 #include "term/toets.h"
 #include "term/binnen.h"
-#include "term/ingave.h"
 #include "term/natl.h"
 #include <cstdlib>
 #include <cstring>
@@ -89,20 +88,7 @@ int32_t volgende(WINDOW* win, int ms) {
     }
 }
 
-int slot_van(int32_t key) {
-    for (int i = 0; i < TOETS_SLOTS; i++)
-        if (SCHERM.toets[i] == key && key != 0)
-            return i;
-    return -1;
-}
-
-bool geldig(int32_t key) {
-    return key >= 1 && key <= 511;
-}
-
 } // namespace
-
-Instel INSTEL;
 
 int32_t TOETS(VENSTERP win) {
     return volgende(win, -1);
@@ -192,42 +178,6 @@ int32_t TOETSTEKEN(int32_t key) {
     if (!s || s == reinterpret_cast<const char*>(-1) || !*s)
         return -1;
     return static_cast<uint8_t>(*s);
-}
-
-void TOETSAAN(int32_t key) {
-    if (geldig(key))
-        INSTEL.toe.set(static_cast<size_t>(key));
-    if (key == K_CANCEL)
-        INSTEL.toe.set(K_ESC);
-    if (key == K_HELP)
-        INSTEL.toe.set(K_F1);
-}
-
-void TOETSUIT(int32_t key) {
-    if (geldig(key))
-        INSTEL.toe.reset(static_cast<size_t>(key));
-}
-
-bool TOETSTOE(int32_t key) {
-    return geldig(key) && INSTEL.toe.test(static_cast<size_t>(key));
-}
-
-bool TOETSNAMED(int32_t key) {
-    return TOETSTOE(key) && slot_van(key) >= 0;
-}
-
-bool TOETSCHECK(int32_t key) {
-    return TOETSNAMED(key) && (INSTEL.check >> slot_van(key) & 1);
-}
-
-void TOETSCHECKAAN(int32_t key) {
-    if (int slot = slot_van(key); slot >= 0)
-        INSTEL.check |= 1u << slot;
-}
-
-void TOETSCHECKUIT(int32_t key) {
-    if (int slot = slot_van(key); slot >= 0)
-        INSTEL.check &= ~(1u << slot);
 }
 
 // A key that was read before the program hands over belongs to the next one in the chain. It goes along in
