@@ -1,0 +1,31 @@
+// The program zgbestel: purchase orders of one supplier and season at a time. Started by the menu program
+// with five arguments (order/start.h), and ends by starting it again.
+#include "order/driver.h"
+#include "order/programma.h"
+#include "order/start.h"
+#include "order/teksten.h"
+#include "shared/files.h"
+#include "term/prompt.h"
+#include <csignal>
+
+namespace {
+
+constexpr char RELEASEDATUM[] = "01-11-2026";
+constexpr char MENUPROGRAMMA[] = "zgbsmenu";
+
+} // namespace
+
+int main(int argc, char** argv) {
+    using namespace zg;
+    signal(SIGXFSZ, SIG_IGN); // a file at its size limit is an error to tell, not an end
+    prog_bouw(__DATE__, __TIME__);
+    prog_start(PROGRAMMA, RELEASEDATUM, argc, argv);
+    TOPTITEL(TXT(T_ORDERS));
+    aantallen_maak();
+    registermodus = IOEXISTS("DTSER.INX") != 0;
+    ordparm_lees();
+    order_lus();
+    aantallen_weg();
+    signal(SIGXFSZ, SIG_DFL);
+    prog_exec(MENUPROGRAMMA);
+}

@@ -1,0 +1,103 @@
+#include "price/kortingveld.h"
+#include "price/teksten.h"
+#include "term/ingave.h"
+#include "term/prompt.h"
+
+namespace zg {
+namespace {
+
+constexpr double GRENS = 99.99;
+
+bool terug() {
+    return SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC;
+}
+
+void grenzen() {
+    INSTEL.minimum = -GRENS;
+    INSTEL.maximum = GRENS;
+}
+
+// The window on F10: terms and operators until a cancel, then the total to be accepted or changed.
+bool bereken(double* procent) {
+    double totaal = *procent, term = *procent;
+    char bewerking = 'I';
+    WINOPEN1(10, SCHERM.cols - 30, 6, 30);
+    WINBOX(" %s ", TXT(T_BEREKENEN_KORTING));
+    SCRPUT(A_LABEL, 1, 2, "%-10.10s:", TXT(T_KORTING));
+    SCRPUT(A_LABEL, 2, 2, "%-10.10s:", "+, *, C");
+    SCRPUT(A_LABEL, 3, 2, "%-10.10s:", TXT(T_TOTAAL));
+    bool term_eerst = term == 0;
+    for (;;) {
+        SCRPUT(A_WAARDE, 3, 14, "%6.2f", totaal);
+        if (!term_eerst) {
+            // Shows empty; "+" and "*" ask the next term, "C" starts over.
+            char teken = ' ';
+            INGAVE(2, 14, "1c[+*C],EIAU", &SCHERM.toets[key_cancel], &teken);
+            if (terug())
+                break;
+            bewerking = teken;
+            if (bewerking == 'C') {
+                totaal = term = 0;
+                SCRPUT(A_WAARDE, 3, 14, "%6.2f", totaal);
+                bewerking = 'I';
+            }
+        }
+        term_eerst = false;
+        grenzen();
+        INGAVE(1, 14, "6.2f,EIJNPZ", &SCHERM.toets[key_cancel], &term);
+        if (terug())
+            break;
+        totaal = korting_stap(bewerking, totaal, term);
+    }
+    grenzen();
+    if (totaal > GRENS || totaal < -GRENS)
+        totaal = totaal > 0 ? GRENS : -GRENS;
+    INGAVE(3, 14, "6.2f,EJNPZ", &SCHERM.toets[key_cancel], &totaal);
+    bool goed = !terug();
+    WINCLOSE();
+    if (goed)
+        *procent = totaal;
+    return goed;
+}
+
+} // namespace
+
+double korting_stap(char bewerking, double totaal, double term) {
+    switch (bewerking) {
+    case '+':
+        return totaal + term;
+    case '*':
+        return (100 - totaal) / 100 * (100 - term) / 100 * -100 + 100;
+    case 'C':
+        return 0;
+    default:
+        return term;
+    }
+}
+
+bool korting_veld(int rij, int kolom, double* procent) {
+    double oud = *procent;
+    Instel* instel = INSTELNEW(0);
+    for (;;) {
+        INSTELSET(instel);
+        grenzen();
+        TOETSAAN(K_HELP);
+        INGAVE(rij, kolom, "6.2f,ZPN", &SCHERM.toets[key_cancel], &SCHERM.toets[key_f10], procent);
+        if (SCHERM.laatste == K_HELP || SCHERM.laatste == K_F1) {
+            MELDBOX(MELD_INFO, TXT(T_F10_KORTING), nullptr, nullptr);
+            continue;
+        }
+        if (SCHERM.laatste == K_F10) {
+            if (!bereken(procent))
+                continue;
+            SCHERM.laatste = K_ENTER;
+        }
+        break;
+    }
+    INSTELDEL(instel);
+    if (terug())
+        *procent = oud;
+    return *procent != oud;
+}
+
+} // namespace zg
