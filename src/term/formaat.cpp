@@ -256,7 +256,8 @@ void lees_type(std::string_view& f) {
     if (SCHERM.type == 'B')
         SCHERM.decimalen = SCHERM.kpos;
     if (SCHERM.scroll) {
-        int ruimte = std::max(1, WINBREEDTE() - SCHERM.kolom + 1);
+        const int venster = WINBREEDTE(); // 0 without a screen
+        int ruimte = venster > 0 ? std::max(1, venster - SCHERM.kolom + 1) : SCHERM.breedte;
         int zicht = SCHERM.decimalen > 0 ? SCHERM.decimalen : SCHERM.breedte;
         SCHERM.zichtbaar = std::min({zicht, SCHERM.breedte, ruimte});
         SCHERM.decimalen = 0;

@@ -177,13 +177,32 @@ struct Terminal::Binnen {
         return (nr == 0 && a == 0) || (nr == 7 && static_cast<int>(c) < 0) || (nr == 271 && c == 0);
     }
 
+    // How often the program has gone to sleep. What the master writes reaches the program's queue a moment later,
+    // so an empty queue alone doesn't say that a key has been read: it must have slept anew since.
+    long geslapen() const {
+        char pad[64], regel[128];
+        snprintf(pad, sizeof pad, "/proc/%d/status", pid);
+        long n = -1;
+        if (FILE* f = fopen(pad, "re")) {
+            while (n < 0 && fgets(regel, sizeof regel, f))
+                sscanf(regel, "voluntary_ctxt_switches: %ld", &n);
+            fclose(f);
+        }
+        return n;
+    }
+
+    long sliep = -1;         // geslapen() when keys were sent to a waiting program
+    int64_t gestuurd_om = 0; // a line discipline may keep what it gets, so not for ever
+
+    bool ontvangen() const { return sliep < 0 || geslapen() != sliep || nu_ms() > gestuurd_om + 100; }
+
     bool kalm(int ms) {
         int64_t tot = nu_ms() + ms;
         do {
             pomp(0);
             if (geeindigd())
                 return pomp(0), true;
-            if (wacht_op_toets()) {
+            if (wacht_op_toets() && ontvangen()) {
                 while (pomp(0)) {
                 }
                 if (wacht_op_toets())
@@ -252,6 +271,8 @@ Terminal::~Terminal() {
 }
 
 void Terminal::stuur(std::string_view bytes) {
+    b_->sliep = b_->wacht_op_toets() ? b_->geslapen() : -1;
+    b_->gestuurd_om = nu_ms();
     int64_t tot = nu_ms() + 10000;
     while (!bytes.empty() && nu_ms() < tot && !b_->geeindigd()) {
         ssize_t n = write(b_->meester, bytes.data(), bytes.size());

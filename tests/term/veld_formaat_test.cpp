@@ -1,0 +1,324 @@
+// The format language by table: what INGAVEFMT makes of a format, a variable and a range of the caller. No
+// screen.
+#include "term/formaat.h"
+#include "term/ingave.h"
+#include "term/veld.h"
+#include <cfloat>
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+struct Doel {
+    alignas(8) char bytes[300];
+};
+
+template <class T> Doel getal(T x) {
+    Doel d;
+    memset(d.bytes, '#', sizeof d.bytes);
+    memcpy(d.bytes, &x, sizeof x);
+    return d;
+}
+
+Doel tekst(const char* s) {
+    Doel d;
+    memset(d.bytes, '#', sizeof d.bytes);
+    memcpy(d.bytes, s, strlen(s) + 1);
+    return d;
+}
+
+void lees(const char* formaat, Doel& d, double min = 0.0, double max = -1.0, int kpos = 2) {
+    memset(SCHERM.toets, 0, sizeof SCHERM.toets);
+    INSTELLEEG();
+    INSTEL.minimum = min, INSTEL.maximum = max;
+    SCHERM.kpos = kpos;
+    SCHERM.rij = 3, SCHERM.kolom = 7;
+    SCHERM.doel = d.bytes;
+    INGAVEFMT(formaat);
+}
+
+std::string toegestaan() {
+    std::string s;
+    for (int c = 32; c <= 255; c++)
+        if (TOETSTOE(c))
+            s += static_cast<char>(c);
+    return s;
+}
+
+struct Getalgeval {
+    const char* formaat;
+    double min, max;     // of the caller
+    double onder, boven; // afterwards
+    const char* tekens;
+    const char* opties;
+};
+
+TEST(VeldFormaat, Bereik) {
+    const Getalgeval gevallen[] = {
+        // widths and decimals
+        {"4u", 0, -1, 0, 9999, "0123456789", "NZP"},
+        {"5u", 0, -1, 0, 65535, "0123456789", "NZP"},
+        {"2U", 0, -1, 0, 99, "0123456789", "NZP"},
+        {"3U,ZEJP", 0, -1, 0, 255, "0123456789", "ZEJP"},
+        {"u", 0, -1, 0, 9, "0123456789", "NZP"},
+        {"0l", 0, -1, 0, 9, "0123456789", "NZP"},
+        {"4d", 0, -1, -999, 9999, "-0123456789", "NZP"},
+        {"8d", 0, -1, -32768, 32767, "-0123456789", "NZP"},
+        {"4n", 0, -1, -128, 127, "-0123456789", "NZP"},
+        {"1n,NZP", 0, -1, 0, 9, "0123456789", "NZP"},
+        {"12l", 0, -1, -2147483647.0, 2147483647.0, "-0123456789", "NZP"},
+        {"5.3f,P", 0, -1, 0.001, 9.999, ",.0123456789", "P"},
+        {"8.4f,EP", 0, -1, 0.0001, 999.9999, ",.0123456789", "EP"},
+        {"6.2fZPN", 0, -1, -99.99, 999.99, ",-.0123456789", "ZPN"},
+        {"3.1f", 0, -1, -0.9, 9.9, ",-.0123456789", "NZP"},
+        {"3.2f", 0, -1, 0, 0.99, ",.0123456789", "NZP"},
+        {"8f", 0, -1, -9999999, 99999999, "-0123456789", "NZP"},
+        {"8B,ZP", 0, -1, 0, 99999.99, ",.0123456789", "ZP"},
+        {"14B", 0, -1, -21474836.47, 21474836.47, ",-.0123456789", "NZP"},
+        // the sign options
+        {"4d,Z", 0, -1, 0, 0, "0123456789", "Z"},
+        {"4d,N", 0, -1, -999, -1, "-0123456789", "N"},
+        {"4d,P", 0, -1, 1, 9999, "0123456789", "P"},
+        {"4d,NP", 0, -1, -999, 9999, "-0123456789", "NP"},
+        {"4d,ZN", 0, -1, -999, 0, "-0123456789", "ZN"},
+        {"5.2f,N", 0, -1, -9.99, -0.01, ",-.0123456789", "N"},
+        {"4u,PE", 0, -1, 1, 9999, "0123456789", "PE"},
+        // a caller may narrow, not widen
+        {"4u", 5, 50, 5, 50, "0123456789", "NZP"},
+        {"4u", -5, 50000, 0, 9999, "0123456789", "NZP"},
+        {"4d", -50, -5, -50, -5, "-0123456789", "NZP"},
+        {"4u,P", 0, 50, 1, 50, "0123456789", "P"},
+        {"4u", 5, -1, 5, 9999, "0123456789", "NZP"},
+        // dates: day numbers
+        {"D", 0, -1, 29221, 55153, "+-0123456789", ""},
+        {"8D,E", 0, -1, 29221, 55153, "+-0123456789", "E"},
+        {"10D", 0, -1, 1, 65380, "+-0123456789", ""},
+        {"8D", 36526, 60000, 36526, 55153, "+-0123456789", ""},
+        {"10D", 36526, 60000, 36526, 60000, "+-0123456789", ""},
+        {"8D", 0, 0, 0, 0, "+-0123456789", ""},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.formaat);
+        Doel d = getal<double>(0);
+        lees(g.formaat, d, g.min, g.max);
+        EXPECT_DOUBLE_EQ(INSTEL.minimum, g.onder);
+        EXPECT_DOUBLE_EQ(INSTEL.maximum, g.boven);
+        EXPECT_STREQ(SCHERM.opties, g.opties);
+        std::string t = toegestaan();
+        std::string verwacht = g.tekens;
+        std::sort(verwacht.begin(), verwacht.end());
+        EXPECT_EQ(t, verwacht);
+    }
+    Doel d = getal<double>(0);
+    lees("8B,ZP", d, 0, -1, 0); // a firm without decimals
+    EXPECT_EQ(SCHERM.decimalen, 0);
+    EXPECT_EQ(INSTEL.maximum, 99999999.0);
+    EXPECT_FALSE(TOETSTOE('.'));
+    lees("255f", d);
+    EXPECT_EQ(INSTEL.maximum, 1e255);
+}
+
+TEST(VeldFormaat, Laden) {
+    struct {
+        const char* formaat;
+        Doel doel;
+        const char* tekst;
+        double waarde;
+    } const gevallen[] = {
+        {"8B", getal<int32_t>(-123456), "-1234.56", -1234.56},
+        {"8B", getal<int32_t>(5), "0.05", 0.05},
+        {"6l", getal<int32_t>(-42), "-42", -42},
+        {"6d", getal<int16_t>(-32768), "-32768", -32768},
+        {"5u", getal<uint16_t>(65535), "65535", 65535},
+        {"2u", getal<uint16_t>(65535), "65535", 65535}, // too long to fit: never cut
+        {"3U", getal<uint8_t>(200), "200", 200},
+        {"4n", getal<int8_t>(-100), "-100", -100},
+        {"8.4f", getal<double>(1.5), "1.5000", 1.5},
+        {"6.2f", getal<double>(-0.001), "0.00", -0.001},
+        {"6.2f", getal<double>(-DBL_MAX / 0.5), "0.00", 0},
+        {"D", getal<uint16_t>(42490), "300416", 42490},
+        {"7D", getal<uint16_t>(42490), "300416", 42490},
+        {"8D", getal<uint16_t>(42490), "30-04-16", 42490},
+        {"10D", getal<uint16_t>(42490), "30-04-2016", 42490},
+        {"8D", getal<uint16_t>(0), "", 0},
+        {"b", getal<uint8_t>(1), "J", 1},
+        {"9b", getal<uint8_t>(0), "N", 0},
+        {"b,I", getal<uint8_t>(1), "", 0},
+        {"4l,I", getal<int32_t>(7), "", 0},
+        {"8D,I", getal<uint16_t>(42490), "", 0},
+        {"4c", tekst("abcdefgh"), "abcd", 0},
+        {"6c", tekst("abc"), "abc", 0},
+        {"6.3C,", tekst("ab cd ef"), "ab cd ", 0},
+        {"4c,I", tekst("abcd"), "", 0},
+        {"4s", tekst("abcd"), "abcd", 0},
+        {"9S", tekst("abc"), "abc", 0},
+        {"2s,I", tekst("abcd"), "", 0},
+        {"4x", tekst("1B5B33"), "1B5B", 0},
+        {"  4c  ", tekst("ab"), "ab", 0},
+    };
+    for (auto g : gevallen) {
+        SCOPED_TRACE(g.formaat);
+        lees(g.formaat, g.doel);
+        EXPECT_STREQ(ingavetekst, g.tekst);
+        EXPECT_EQ(ingavewaarde, g.waarde);
+        for (size_t i = strlen(ingavetekst); i < INGAVEMAX; i++)
+            ASSERT_EQ(ingavetekst[i], 0);
+    }
+}
+
+TEST(VeldFormaat, BreedteEnTekens) {
+    std::string alles;
+    for (int c = 32; c <= 254; c++)
+        alles += static_cast<char>(c);
+    std::string zonder = alles, zonder2 = alles;
+    zonder.erase(zonder.find('.'), 1), zonder.erase(zonder.find(','), 1);
+    zonder2.erase(zonder2.find('['), 1);
+    struct {
+        const char* formaat;
+        char type;
+        int breedte, zichtbaar;
+        const char* opties;
+        std::string tekens;
+        int set;
+    } const gevallen[] = {
+        {"20c,E", 'c', 20, 0, "E", alles, 0},
+        {"80.60C,", 'C', 80, 60, "", alles, 0},
+        {"30S,IU", 'S', 30, 30, "IU", alles, 0},
+        {"10.20C", 'C', 10, 10, "", alles, 0},
+        {"1c[^.,]", 'c', 1, 0, "", zonder, 2},
+        {"3c[^[],U", 'c', 3, 0, "U", zonder2, 2},
+        {"13c[1234567890]", 'c', 13, 0, "", "0123456789", 1},
+        {"2s[0123456789],I", 's', 2, 0, "I", "0123456789", 1},
+        {"1c[+*C],EIAU", 'c', 1, 0, "EIAU", "*+C", 1},
+        {"c[ab]AIU", 'c', 1, 0, "AIU", "ab", 1},
+        {"4c[]", 'c', 4, 0, "", "", 1},
+        {"4c[^]", 'c', 4, 0, "", alles, 2},
+        {"4d[12],N", 'd', 4, 0, "N", "-12", 1},
+        {"b,UE", 'b', 1, 0, "UEUE", "+-JN", 0},
+        {"b,/EI", 'b', 1, 0, "/EIUE", "+-JN", 0},
+        {"6x", 'x', 6, 0, "U", "0123456789ABCDEF", 0},
+        {"40.10X,", 'X', 40, 10, "U", "0123456789ABCDEF", 0},
+        {"4c,,E", 'c', 4, 0, ",E", alles, 0},
+        {"2d,qqqqqqqqqqqqqqqqqqqqqqqqqqEAEZ", 'd', 2, 0, "EAZ", "0123456789", 0},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.formaat);
+        Doel d = tekst("");
+        lees(g.formaat, d);
+        EXPECT_EQ(SCHERM.type, g.type);
+        EXPECT_EQ(SCHERM.breedte, g.breedte);
+        EXPECT_EQ(SCHERM.scroll, g.zichtbaar > 0);
+        EXPECT_EQ(SCHERM.zichtbaar, g.zichtbaar);
+        EXPECT_EQ(SCHERM.decimalen, 0);
+        EXPECT_STREQ(SCHERM.opties, g.opties);
+        EXPECT_EQ(toegestaan(), g.tekens);
+        EXPECT_EQ(INGAVESET(), g.set);
+        EXPECT_EQ(TOETSTOE(K_DC), g.breedte > 1);
+        EXPECT_TRUE(TOETSTOE(K_EXIT) && TOETSTOE(K_HOME));
+    }
+}
+
+// What the program may not do wrong, with the report that stops it.
+TEST(VeldFormaatDeathTest, Fouten) {
+    struct {
+        const char* formaat;
+        double min, max;
+        const char* melding;
+    } const gevallen[] = {
+        {"256c", 0, -1, "cs=256c --> Lengte > 255 tekens"},
+        {"99999999999999999999c", 0, -1, "Lengte > 255 tekens"},
+        {"4.2d", 0, -1, "precision alleen bij f, C, S en X"},
+        {"4.2q", 0, -1, "precision alleen bij f, C, S en X"},
+        {" 4q ", 0, -1, "r=3, c=7, cs=4q --> ongeldige vartype"},
+        {"", 0, -1, "ongeldige vartype"},
+        {"4", 0, -1, "ongeldige vartype"},
+        {"4c[abc", 0, -1, "\\[ zonder \\]"},
+        {"2u", 100, 200, "ongeldig bereik"},
+        {"2u", -10, -5, "ongeldig bereik"},
+        {"8D", 1, 100, "ongeldig bereik"},
+        {"2.2f", 0, -1, "ongeldig bereik"},
+        {"2B", 0, -1, "ongeldig bereik"},
+        {"4s", 0, -1, "STRING fout"},
+        {"4.2S,E", 0, -1, "STRING fout"},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.formaat);
+        EXPECT_EXIT(
+            {
+                dup2(2, 1);
+                dup2(open("/dev/null", O_RDONLY), 0);
+                Doel d = tekst("abcdefgh");
+                lees(g.formaat, d, g.min, g.max);
+            },
+            testing::ExitedWithCode(1), g.melding);
+    }
+}
+
+TEST(Instel, Toetsen) {
+    INSTELLEEG();
+    for (int32_t key : {0, -1, -2, 512, 1 << 30}) {
+        TOETSAAN(key);
+        EXPECT_FALSE(TOETSTOE(key));
+    }
+    EXPECT_TRUE(INSTEL.toe.none());
+    memset(SCHERM.toets, 0, sizeof SCHERM.toets);
+    SCHERM.toets[key_cancel] = K_CANCEL;
+    SCHERM.toets[key_up] = K_UP;
+    TOETSAAN(K_CANCEL);
+    EXPECT_TRUE(TOETSTOE(K_ESC));
+    TOETSAAN(K_HELP);
+    EXPECT_TRUE(TOETSTOE(K_F1));
+    TOETSUIT(K_CANCEL);
+    EXPECT_TRUE(TOETSTOE(K_ESC)) << "only the named key is taken away";
+    TOETSAAN('a');
+    EXPECT_FALSE(TOETSNAMED('a'));
+    TOETSAAN(K_UP);
+    EXPECT_TRUE(TOETSNAMED(K_UP));
+    EXPECT_FALSE(TOETSCHECK(K_UP));
+    TOETSCHECKAAN(K_UP);
+    TOETSCHECKAAN(0); // the empty slots have no bit
+    EXPECT_EQ(INSTEL.check, 1u << key_up);
+    EXPECT_TRUE(TOETSCHECK(K_UP));
+    TOETSUIT(K_UP);
+    EXPECT_FALSE(TOETSCHECK(K_UP));
+    INSTEL.minimum = 3, INSTEL.maximum = 8;
+    Instel* p = INSTELNEW(0);
+    INSTELLEEG();
+    EXPECT_EQ(INSTEL.maximum, -1.0);
+    INSTELSET(p);
+    EXPECT_TRUE(TOETSTOE('a') && INSTEL.minimum == 3 && INSTEL.maximum == 8 && INSTEL.check == 1u << key_up);
+    static_cast<char*>(p->extra)[80] = 1;
+    INSTELDEL(p);
+    INSTELDEL(nullptr);
+    INSTELLEEG();
+}
+
+// A dialog inside an open field leaves no trace in it.
+TEST(Instel, VeldTerzijde) {
+    Doel d = tekst("J");
+    lees("6c[^xy],U", d);
+    strcpy(ingavetekst, "HALF");
+    SCHERM.vlag = V_VERS, SCHERM.laatste = K_F5, SCHERM.invoegen = 1, SCHERM.verborgen = 1;
+    Veldstand* stand = VELDBEWAAR();
+    Doel ander = getal<double>(1);
+    lees("10.3f,N", ander);
+    SCHERM.vlag = 0, SCHERM.laatste = 10, SCHERM.invoegen = 0, SCHERM.verborgen = 0;
+    VELDHERSTEL(stand);
+    EXPECT_STREQ(ingavetekst, "HALF");
+    EXPECT_STREQ(SCHERM.opties, "U");
+    EXPECT_EQ(SCHERM.type, 'c');
+    EXPECT_EQ(SCHERM.breedte, 6);
+    EXPECT_EQ(SCHERM.decimalen, 0);
+    EXPECT_EQ(SCHERM.doel, d.bytes);
+    EXPECT_EQ(INGAVESET(), 2);
+    EXPECT_TRUE(TOETSTOE('a') && !TOETSTOE('x'));
+    EXPECT_TRUE(SCHERM.vlag == V_VERS && SCHERM.laatste == K_F5 && SCHERM.invoegen && SCHERM.verborgen);
+    INSTELLEEG();
+}
+
+} // namespace
+} // namespace zg
