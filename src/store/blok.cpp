@@ -2,6 +2,7 @@
 // so a mapping of the file could take their place at this one spot. What is read is looked at before it is
 // used.
 #include "shared/files.h"
+#include "store/cache.h"
 #include "store/node.h"
 #include "store/syscall.h"
 #include "store/teksten.h"
@@ -13,16 +14,10 @@
 
 namespace zg {
 
-int (*IXCACHEHAAK)(char letter, ICB* icb, int32_t blok) = nullptr;
-
 namespace {
 
 constexpr int POGINGEN = 40; // a reader without a lock may meet a node half written
 constexpr int EINDEN = 5;    // reads past the end before it counts as damage
-
-bool in_cache(const ICB* icb) {
-    return icb->cached && IXCACHEHAAK;
-}
 
 // Same definitions as the handle has already found good?
 bool zelfde_vorm(const IXHEADER& a, const IXHEADER& b) {
@@ -80,8 +75,8 @@ Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {
     Leesuitslag uitslag = L_GOED;
     if (blok < 1)
         uitslag = L_FOUT;
-    else if (in_cache(icb))
-        IXCACHEHAAK('R', icb, blok);
+    else if (icb->cached)
+        IOCACHE('R', icb, blok);
     else if (IXBLOKLEES(icb->idxfd, blok, icb->node, IXBLOK) != IXBLOK)
         uitslag = L_EINDE;
     if (uitslag == L_GOED && !knoop_goed(icb, blok))
@@ -114,7 +109,7 @@ void IXEOFTOON(ICB* icb, int32_t blok) {
 
 void IXRDIX(ICB* icb, int32_t blok) {
     IXEIS(icb, "IXRDIX");
-    if (icb->h.busy && !in_cache(icb))
+    if (icb->h.busy && !icb->cached)
         IXINCONSISTENT(icb);
     if (blok == 0)
         return lees_kop(icb);
@@ -145,8 +140,8 @@ void IXWRIX(ICB* icb, int32_t blok) {
         memcpy(kop, &icb->h, sizeof icb->h);
         if (!IXBLOKSCHRIJF(icb->idxfd, 0, kop))
             IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
-    } else if (in_cache(icb)) {
-        IXCACHEHAAK('W', icb, blok);
+    } else if (icb->cached) {
+        IOCACHE('W', icb, blok);
         return;
     } else if (!IXBLOKSCHRIJF(icb->idxfd, blok, icb->node))
         IXSCHIJFFOUT(icb, icb->idxfd, int64_t{blok} * IXBLOK, IXBLOK);

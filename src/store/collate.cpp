@@ -1,7 +1,7 @@
 // Text order: two weights per byte of code page 850. The first level folds case and accents, the second tells
 // marks apart. A byte may expand to two letters, or drop out of the first level. No buffer is built: both
 // texts are walked at once.
-#include "store/ix.h"
+#include "store/node.h"
 #include <array>
 
 namespace zg {
@@ -111,6 +111,22 @@ int IXCOLLATE(const void* a, const void* b, int n) {
         if (int d = la.twee() - lb.twee())
             return d;
     return 0;
+}
+
+int IXGEWICHTEN(const uint8_t* tekst, int n, uint8_t* uit) {
+    const uint8_t* einde = static_cast<const uint8_t*>(memchr(tekst, 0, static_cast<size_t>(n)));
+    if (!einde)
+        einde = tekst + n;
+    uint8_t* p = uit;
+    Loper l{tekst, einde, 0};
+    while (uint8_t w = l.een())
+        *p++ = w;
+    *p++ = 0;
+    l = {tekst, einde, 0};
+    while (uint8_t w = l.twee())
+        *p++ = w;
+    *p++ = 0;
+    return static_cast<int>(p - uit);
 }
 
 } // namespace zg

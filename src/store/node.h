@@ -68,6 +68,9 @@ std::string IXDATAPAD(const char* naam);
 int IXDEELBREEDTE(const IXKEYDEF& def, int deel); // 0 behind the last part
 // Key of a record, `lengte` bytes wanted; fills `keylen` bytes of `uit`, which holds IXSLEUTELMAX + 4.
 void IXMAAKSLEUTEL(const IXKEYDEF& def, const void* rec, int32_t recnr, int lengte, uint8_t* uit);
+// Weights of a text of n bytes as a string of bytes in text order, no such string beginning with another one: at
+// most 3 n + 2 bytes. Answers how many (collate.cpp).
+int IXGEWICHTEN(const uint8_t* tekst, int n, uint8_t* uit);
 int IXVERGELIJK(const IXKEYDEF& def, const void* a, const void* b, int lengte);
 const IXKEYDEF& IXDEF(const ICB* icb); // of the current key; stops on a number outside the table
 // What is wrong with the definitions (number of keys, record length, keys), or with these and the counters:
@@ -84,12 +87,10 @@ enum Leesuitslag { L_GOED, L_EINDE, L_FOUT };
 Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok);
 void IXKIES(ICB* icb, int sleutel); // make current without reading: the node in hand is an empty root
 void IXEOFTOON(ICB* icb, int32_t blok);
-// The block cache, when it serves the handle (`cached`): letters as IOCACHE.
-extern int (*IXCACHEHAAK)(char letter, ICB* icb, int32_t blok);
 
-// IXCHECK's progress, after 2 seconds of walking; a value of -1 ends it. The bar's owner puts its painter
-// here.
-extern void (*IXBALKHAAK)(int64_t waarde, int64_t totaal, const char* bestand);
+// Handles (pair.cpp): a fresh one around two descriptors of IXBESTANDOPEN, -1 for none; and its end without a write.
+ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd);
+void IXLAATLOS(ICB* icb);
 
 // Tree (boom.cpp).
 void IXVERWIJDER(ICB* icb); // IXDELENTRY without reading `curblock` first

@@ -1,9 +1,11 @@
 // Pairs: NAME.INX with header, trees and lock queue, NAME.TXT with the records. Create, open, check, empty,
 // close.
 #include "shared/files.h"
+#include "store/cache.h"
 #include "store/node.h"
 #include "store/syscall.h"
 #include "store/teksten.h"
+#include "store/voortgang.h"
 #include "term/scherm.h"
 #include "term/teksten.h"
 #include <algorithm>
@@ -22,20 +24,6 @@ constexpr size_t VERSIEPLAATS = offsetof(IXHEADER, version);
 constexpr uint16_t OUDEVERSIE = 350;
 constexpr int32_t BIJNAVOL = 2147482999;
 constexpr int BALKNA = 2; // seconds
-
-ICB* nieuw(const char* naam, int mode, int idxfd, int datfd) {
-    ICB* icb = static_cast<ICB*>(calloc(1, sizeof(ICB)));
-    if (!icb)
-        SCRFATAL("%s", TXT(T_GEHEUGEN_ICB));
-    icb->idxfd = idxfd;
-    icb->datfd = datfd;
-    icb->mode = mode;
-    icb->tempidx = IXTIJDELIJKENAAM(naam);
-    icb->curent = KNOOP(icb).entries;
-    std::fill(std::begin(icb->parent), std::end(icb->parent), -1);
-    snprintf(icb->path, sizeof icb->path, "%s", naam);
-    return icb;
-}
 
 // An existing file of a pair. `vragen`: without permission ask whether to try again. Stops the program when
 // it can't be opened.
@@ -71,14 +59,6 @@ bool lees_naam(ICB* icb) {
            static_cast<ssize_t>(offsetof(IXHEADER, busy));
 }
 
-void sluit(ICB* icb) {
-    if (icb->datfd >= 0)
-        IXBESTANDDICHT(icb->datfd);
-    if (icb->idxfd >= 0)
-        IXBESTANDDICHT(icb->idxfd);
-    free(icb);
-}
-
 // Empty a file under its name. The descriptor stays when that is still the same file, and with it the locks.
 int leeg_bestand(int fd, const std::string& pad, bool naam_heel) {
     struct stat open_nu, op_pad;
@@ -101,6 +81,7 @@ int loop_vrijen(ICB* icb, const std::string& datapad) {
     std::vector<uint8_t> rec(static_cast<size_t>(icb->h.reclen) + 1);
     const time_t begin = time(nullptr);
     int vrij = 0;
+    bool balk = false;
     int32_t nr = icb->h.freehead;
     for (int32_t stap = 0; stap < icb->h.nrecs && nr >= 0; stap++) {
         ssize_t n = IXSYSLEES(icb->datfd, rec.data(), static_cast<size_t>(icb->h.reclen),
@@ -110,10 +91,19 @@ int loop_vrijen(ICB* icb, const std::string& datapad) {
             break;
         nr = LEES32(rec.data() + 1);
         vrij++;
-        if (stap % 1024 == 1023 && time(nullptr) - begin > BALKNA)
-            IXBALKHAAK(vrij, icb->h.nrecs, datapad.c_str());
+        if (stap % 1024 != 1023)
+            continue;
+        if (!balk && time(nullptr) - begin > BALKNA) {
+            char titel[128];
+            snprintf(titel, sizeof titel, TXT(T_IX_VOORTGANG_BESTAND), datapad.c_str());
+            VOORTGANG(VG_OPEN, 0, 0, titel);
+            balk = true;
+        }
+        if (balk)
+            VOORTGANG(VG_TOON, vrij, icb->h.nrecs);
     }
-    IXBALKHAAK(-1, 0, "");
+    if (balk)
+        VOORTGANG(VG_SLUIT);
     return nr < 0 ? vrij : -1;
 }
 
@@ -135,12 +125,31 @@ int beoordeel(ICB* icb, const std::string& indexpad, const std::string& datapad)
     return vrij;
 }
 
-void geen_balk(int64_t, int64_t, const char*) {}
-
 } // namespace
 
-void (*IXBALKHAAK)(int64_t waarde, int64_t totaal, const char* bestand) = geen_balk;
 bool IXDIEPERKIJKEN = true;
+
+ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd) {
+    ICB* icb = static_cast<ICB*>(calloc(1, sizeof(ICB)));
+    if (!icb)
+        SCRFATAL("%s", TXT(T_GEHEUGEN_ICB));
+    icb->idxfd = idxfd;
+    icb->datfd = datfd;
+    icb->mode = mode;
+    icb->tempidx = IXTIJDELIJKENAAM(naam);
+    icb->curent = KNOOP(icb).entries;
+    std::fill(std::begin(icb->parent), std::end(icb->parent), -1);
+    snprintf(icb->path, sizeof icb->path, "%s", naam);
+    return icb;
+}
+
+void IXLAATLOS(ICB* icb) {
+    if (icb->datfd >= 0)
+        IXBESTANDDICHT(icb->datfd);
+    if (icb->idxfd >= 0)
+        IXBESTANDDICHT(icb->idxfd);
+    free(icb);
+}
 
 ICB* IXCREATE(const char* naam, int mode) {
     const bool vragen = mode & IXVRAAG;
@@ -155,7 +164,7 @@ ICB* IXCREATE(const char* naam, int mode) {
         IXBESTANDDICHT(datfd);
         SCRFATAL(TXT(T_CREATE_MISLUKT), indexpad.c_str());
     }
-    ICB* icb = nieuw(naam, mode, idxfd, datfd);
+    ICB* icb = IXHANDVAT(naam, mode, idxfd, datfd);
     const std::string kort = IXNAAM(naam);
     memcpy(icb->h.name, kort.data(), std::min(kort.size(), sizeof icb->h.name));
     icb->h.version = IXVERSIE;
@@ -215,10 +224,10 @@ ICB* IXOPEN(const char* naam, int mode) {
     const std::string indexpad = IXINDEXPAD(naam), datapad = IXDATAPAD(naam);
     int datfd = open_bestand(datapad, vragen, 0, -1);
     int idxfd = open_bestand(indexpad, vragen, IXBLOK, datfd);
-    ICB* icb = nieuw(naam, mode, idxfd, datfd);
+    ICB* icb = IXHANDVAT(naam, mode, idxfd, datfd);
     const bool tijdelijk = icb->tempidx;
     if (uint16_t versie = lees_versie(idxfd); versie == OUDEVERSIE) {
-        sluit(icb);
+        IXLAATLOS(icb);
         IXWAARSCHUW("", TXT(tijdelijk ? T_IX_VERSIE_TIJDELIJK : T_IX_VERSIE), indexpad.c_str(), versie, IXVERSIE);
         SCRFATAL("%s", TXT(tijdelijk ? T_IX_BEEINDIGD : T_IX_CONVERTEER));
     }
@@ -235,13 +244,13 @@ ICB* IXOPEN(const char* naam, int mode) {
 
 void IXCLOSE(ICB* icb) {
     IXEIS(icb, "IXCLOSE");
-    if (icb->cached && IXCACHEHAAK)
-        IXCACHEHAAK('F', icb, 0);
+    if (icb->cached)
+        IOCACHE('F', icb, 0);
     if (icb->mode == 1) {
         IXWRIX(icb, 0);
         IXLOCK(icb, 11);
     }
-    sluit(icb);
+    IXLAATLOS(icb);
 }
 
 int IXCHECK(const char* naam) {
@@ -252,10 +261,10 @@ int IXCHECK(const char* naam) {
     int idxfd = IXBESTANDOPEN(indexpad.c_str(), O_RDWR);
     if (idxfd < 0)
         return -1;
-    ICB* icb = nieuw(naam, 2, idxfd, -1);
+    ICB* icb = IXHANDVAT(naam, 2, idxfd, -1);
     if (uint16_t versie = lees_versie(idxfd); versie == OUDEVERSIE) {
         const bool tijdelijk = icb->tempidx;
-        sluit(icb);
+        IXLAATLOS(icb);
         IXWAARSCHUW("", TXT(tijdelijk ? T_IX_VERSIE_TIJDELIJK_CHECK : T_IX_VERSIE), indexpad.c_str(), versie,
                     IXVERSIE);
         if (tijdelijk)
@@ -272,7 +281,7 @@ int IXCHECK(const char* naam) {
         }
         IXLOCK(icb, 12);
     }
-    sluit(icb);
+    IXLAATLOS(icb);
     return uitslag;
 }
 

@@ -1,0 +1,264 @@
+// The data dictionary: rows cut out of their text form at compile time, and the making, comparing and repairing of
+// pairs after them. Positions count from 1 as in key texts.
+#include "shared/woordenboek.h"
+#include "shared/files.h"
+#include "shared/teksten.h"
+#include "store/ix.h"
+#include "store/rebuild.h"
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+namespace zg {
+
+namespace {
+
+// "I,1,4 C,7,17" as parts. What is not of this form doesn't compile.
+consteval DDRIJ rij(int nr, int keys, int reclen, int keynr, int dups, std::string_view delen) {
+    DDRIJ r{static_cast<uint8_t>(nr), static_cast<uint8_t>(keys), static_cast<int16_t>(reclen),
+            static_cast<uint8_t>(keynr), static_cast<uint8_t>(dups), {}};
+    size_t i = 0, deel = 0;
+    auto teken = [&](char c) {
+        if (delen.at(i++) != c)
+            throw "part of another form";
+    };
+    auto getal = [&] {
+        int n = 0;
+        while (i < delen.size() && delen[i] >= '0' && delen[i] <= '9')
+            n = n * 10 + (delen[i++] - '0');
+        if (n < 1 || n > 255 || n > reclen)
+            throw "position outside the record";
+        return static_cast<uint8_t>(n);
+    };
+    while (i < delen.size()) {
+        DDDEEL& d = r.delen[deel++];
+        d.type = delen[i++];
+        if (d.type != 'I' && d.type != 'C')
+            throw "part type";
+        teken(',');
+        d.van = getal();
+        teken(',');
+        d.tot = getal();
+        if (d.tot < d.van)
+            throw "part runs backward";
+        if (i < delen.size())
+            teken(' ');
+    }
+    return r;
+}
+
+constexpr DDRIJ rijen[] = {
+#define DDRIJ(nr, keys, reclen, keynr, dups, delen) rij(nr, keys, reclen, keynr, dups, delen),
+#include "shared/woordenboek.def"
+#undef DDRIJ
+    {DDEINDE, 0, 0, 0, 0, {}},
+};
+
+const Tekst* titel(int nr) {
+    switch (nr) {
+    case 1: return &T_DDTITEL_1;
+    case 2: return &T_DDTITEL_2;
+    case 3: return &T_DDTITEL_3;
+    case 4: return &T_DDTITEL_4;
+    case 6: return &T_DDTITEL_6;
+    case 7: return &T_DDTITEL_7;
+    case 8: return &T_DDTITEL_8;
+    case 9: return &T_DDTITEL_9;
+    case 10: return &T_DDTITEL_10;
+    case 11: return &T_DDTITEL_11;
+    case 13: return &T_DDTITEL_13;
+    case 14: return &T_DDTITEL_14;
+    case 15: return &T_DDTITEL_15;
+    case 16: return &T_DDTITEL_16;
+    case 17: return &T_DDTITEL_17;
+    case 18: return &T_DDTITEL_18;
+    case 20: return &T_DDTITEL_20;
+    case 21: return &T_DDTITEL_21;
+    case 22: return &T_DDTITEL_22;
+    case 24: return &T_DDTITEL_24;
+    case 25: return &T_DDTITEL_25;
+    case 26: return &T_DDTITEL_26;
+    case 27: return &T_DDTITEL_27;
+    case 28: return &T_DDTITEL_28;
+    case 29: return &T_DDTITEL_29;
+    case 30: return &T_DDTITEL_30;
+    case 31: return &T_DDTITEL_31;
+    case 32: return &T_DDTITEL_32;
+    case 33: return &T_DDTITEL_33;
+    case 34: return &T_DDTITEL_34;
+    case 35: return &T_DDTITEL_35;
+    case 36: return &T_DDTITEL_36;
+    case 37: return &T_DDTITEL_37;
+    case 38: return &T_DDTITEL_38;
+    case 40: return &T_DDTITEL_40;
+    case 41: return &T_DDTITEL_41;
+    case 42: return &T_DDTITEL_42;
+    case 44: return &T_DDTITEL_44;
+    case 45: return &T_DDTITEL_45;
+    case 47: return &T_DDTITEL_47;
+    case 48: return &T_DDTITEL_48;
+    case 49: return &T_DDTITEL_49;
+    case 50: return &T_DDTITEL_50;
+    case 51: return &T_DDTITEL_51;
+    case 53: return &T_DDTITEL_53;
+    case 54: return &T_DDTITEL_54;
+    case 55: return &T_DDTITEL_55;
+    case 56: return &T_DDTITEL_56;
+    case 58: return &T_DDTITEL_58;
+    case 59: return &T_DDTITEL_59;
+    case 200: return &T_DDTITEL_200;
+    case 201: return &T_DDTITEL_201;
+    default: return nullptr;
+    }
+}
+
+// Names by which the programs open their tables.
+constexpr struct {
+    const char* naam;
+    int nr;
+} namen[] = {
+    {"DTART", 4},     {"DTBARC", 8},   {"DTDD", 13},     {"DTDOELGR", 15}, {"DTEAN", 16},    {"DTIPA", 20},
+    {"DTISOLND", 21}, {"DTISOVAL", 22}, {"DTKOERS", 27}, {"DTLEV", 30},    {"DTLEVEXT", 31}, {"DTMAAT", 32},
+    {"DTMERK", 34},   {"DTMTOM", 35},  {"DTOMZGRP", 40}, {"DTORDNR", 43},  {"DTSER", 55},    {"DTSERPIC", 56},
+    {"DTVVTAB", 59},
+};
+
+// Files that are never empty: an empty one was lost, and is not to be taken for sound.
+constexpr std::string_view nooitleeg[] = {"DTDD", "DTISOLND", "DTISOVAL"};
+
+std::string inx(const char* naam) { return std::string(naam) + ".INX"; }
+std::string txt(const char* naam) { return std::string(naam) + ".TXT"; }
+
+} // namespace
+
+const DDRIJ* const DDRIJEN = rijen;
+
+char* DDTITLE(int bestandnr, char* buffer) {
+    buffer[0] = '\0';
+    if (const Tekst* t = titel(bestandnr)) {
+        snprintf(buffer, 19, "%-.18s", TXT(*t));
+        std::replace(buffer, buffer + strlen(buffer), ',', ' '); // a comma would end the title in a key text
+        size_t n = strlen(buffer);
+        while (n && buffer[n - 1] == ' ')
+            buffer[--n] = '\0';
+        memmove(buffer, buffer + strspn(buffer, " "), n - std::min(n, strspn(buffer, " ")) + 1);
+    }
+    return buffer;
+}
+
+int DDROW(int bestandnr, int keynr, DDRIJ* rij) {
+    const DDRIJ* r = rijen;
+    while (r->bestandnr < DDEINDE && (r->bestandnr != bestandnr || r->keynr != keynr))
+        r++;
+    if (rij)
+        *rij = *r;
+    return r->bestandnr < DDEINDE;
+}
+
+int DDNUMMER(const char* naam) {
+    for (const auto& n : namen)
+        if (!strcmp(n.naam, IOBASENAME(naam)))
+            return n.nr;
+    return 0;
+}
+
+int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam) {
+    DDRIJ r;
+    if (!DDROW(bestandnr, 1, &r))
+        return 0;
+    char buffer[19], tekst[160];
+    if (!*DDTITLE(bestandnr, buffer))
+        snprintf(buffer, sizeof buffer, "%s", IOBASENAME(naam));
+    snprintf(tekst, sizeof tekst, "%-.19s,%d", buffer, r.reclen);
+    IXUPDFCB(icb, 0, tekst);
+    int keys = r.keys;
+    for (int k = 1; k <= keys && DDROW(bestandnr, k, &r); k++) {
+        int n = snprintf(tekst, sizeof tekst, "key-%d%s", k, r.dups ? "" : ",NODUPS");
+        for (const DDDEEL& d : r.delen)
+            if (d.type && n > 0 && static_cast<size_t>(n) < sizeof tekst)
+                n += snprintf(tekst + n, sizeof tekst - static_cast<size_t>(n), ",%c,%d,%d", d.type, d.van, d.tot);
+        IXUPDFCB(icb, k, tekst);
+    }
+    return keys;
+}
+
+int DDCREATE(int bestandnr, const char* naam) {
+    if (!DDROW(bestandnr, 1, nullptr))
+        return 0;
+    ICB* icb = IXCREATE(naam, 1);
+    int keys = DDDEFINIEER(icb, bestandnr, naam);
+    IXINITIX(icb);
+    IXCLOSE(icb);
+    return keys;
+}
+
+int DDCREATETXT(const char* naam) {
+    int fd = open(txt(naam).c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
+    if (fd >= 0)
+        close(fd);
+    return fd >= 0 || IOEXISTS(txt(naam).c_str());
+}
+
+int DDNEW(int bestandnr, const char* naam) { return DDCREATE(bestandnr, naam) && DDCREATETXT(naam); }
+
+int DDCOMPARE(int bestandnr, const char* naam) {
+    IXHEADER h;
+    DDRIJ r;
+    int fd = open(inx(naam).c_str(), O_RDONLY | O_CLOEXEC);
+    bool gelezen = fd >= 0 && read(fd, &h, sizeof h) == static_cast<ssize_t>(sizeof h);
+    if (fd >= 0)
+        close(fd);
+    if (!gelezen || !DDROW(bestandnr, 1, &r))
+        return DD_ONLEESBAAR;
+    if (h.reclen != r.reclen)
+        return DD_RECLEN;
+    if (h.nkeys != r.keys)
+        return DD_KEYS;
+    for (int k = 1; k <= h.nkeys && DDROW(bestandnr, k, &r); k++) {
+        const IXKEYDEF& kd = h.keydef[k - 1];
+        if (kd.dupflag != (r.dups ? 'J' : 'N'))
+            return DD_SLEUTEL * k;
+        for (int d = 0; d < IXDELEN; d++) {
+            const DDDEEL& deel = r.delen[d];
+            if (kd.ptype[d] != deel.type || kd.pstart[d] != deel.van || kd.pend[d] != deel.tot)
+                return DD_SLEUTEL * k + d + 1;
+        }
+    }
+    return DD_GELIJK;
+}
+
+int DDCHECK(int bestandnr, const char* naam, DDRAPPORT* rapport) {
+    DDRAPPORT& r = *rapport;
+    r = {r.repair, DDF_GEEN, 0, 0, 0, 0};
+    auto fout = [&](DDfout f) { return r.fout = f, 0; };
+
+    int64_t index = IOSIZE(inx(naam).c_str()), data = IOSIZE(txt(naam).c_str());
+    if (r.repair) {
+        if (index <= 0)
+            r.indexnieuw = DDCREATE(bestandnr, naam) != 0;
+        if (data < 0)
+            r.datanieuw = DDCREATETXT(naam);
+        index = IOSIZE(inx(naam).c_str());
+        data = IOSIZE(txt(naam).c_str());
+    }
+    if (!data && std::ranges::find(nooitleeg, IOBASENAME(naam)) != std::end(nooitleeg))
+        return fout(DDF_LEEG);
+    if (index < 0)
+        return fout(DDF_INDEX);
+    if (data < 0)
+        return fout(DDF_DATA);
+    if ((r.code = DDCOMPARE(bestandnr, naam)) != DD_GELIJK)
+        return fout(DDF_VERSCHIL);
+    int vrij = IXCHECK(naam);
+    if (vrij < 0 && r.repair) {
+        r.herbouwd = IXBLDIX(naam);
+        vrij = IXCHECK(naam);
+    }
+    return vrij < 0 ? fout(DDF_STUK) : 1;
+}
+
+} // namespace zg

@@ -1,0 +1,336 @@
+// Rebuild of an index from its data file, in three steps. 1: every record is read once and its keys are set aside;
+// 2: the keys are sorted and the trees grown in ranks, as one insert after the other by record number would grow
+// them, the keys of a file taking turns by pieces of 16 KB of records; 3: the blocks are written. Until step 3
+// nothing of the pair changes. Then the header goes first, marked as being changed and with all definitions, and
+// last, unmarked: what is killed between the two is refused by all, and can be built again from the start.
+// The index keeps its file and so do the locks on it; a file renamed over it would leave other programs that have
+// the pair open with the old one in hand.
+#include "store/rebuild.h"
+#include "shared/files.h"
+#include "store/groei.h"
+#include "store/node.h"
+#include "store/sorteer.h"
+#include "store/spoel.h"
+#include "store/syscall.h"
+#include "store/teksten.h"
+#include "store/voortgang.h"
+#include "term/scherm.h"
+#include "term/teksten.h"
+#include <algorithm>
+#include <cstdio>
+#include <fcntl.h>
+#include <new>
+#include <optional>
+
+namespace zg {
+namespace {
+
+constexpr int STUK = 16384;           // bytes of records for which one key after the other has its turn
+constexpr int LEESBUFFER = 256 * 1024;
+constexpr int VENSTER = 1 << 18;      // records whose ranks are in memory at once
+constexpr int64_t RECORDSMAX = INT32_MAX;
+
+// A key on its way from records to blocks.
+struct Sleutelbouw {
+    const IXKEYDEF& def;
+    Spoel ruw, klaar; // entries by record, entries by key
+    std::optional<Rangen> rangen;
+    std::optional<Groei> groei;
+};
+
+class Bouw {
+public:
+    explicit Bouw(ICB* icb) : icb_(icb), pad_(IXINDEXPAD(icb->path)) {
+        for (int k = 0; k < icb->h.nkeys; k++)
+            sleutels_.push_back({icb->h.keydef[k], Spoel(pad_), Spoel(pad_), {}, {}});
+    }
+    bool bereid_voor(int64_t records); // steps 1 and 2; false: no room, nothing was changed
+    void zet_op_zijn_plaats();         // step 3
+
+private:
+    bool verzamel();
+    bool groei();
+    bool reserveer() const;
+    void keten_vrijen();
+    void schrijf_boom(int sleutel);
+    void vooruit(int64_t n) {
+        gedaan_ += n;
+        VOORTGANG(VG_TOON, gedaan_, records_ * static_cast<int64_t>(1 + 2 * sleutels_.size()));
+    }
+    size_t reclen() const { return static_cast<size_t>(icb_->h.reclen); }
+    // A slot too short for its link is free without being in the chain.
+    bool in_keten() const { return icb_->h.reclen >= 5; }
+
+    ICB* icb_;
+    std::string pad_;
+    std::vector<Sleutelbouw> sleutels_;
+    int64_t records_ = 0, levend_ = 0, gedaan_ = 0;
+    int64_t keten_anders_ = -1; // first free slot whose link is not what it shall be
+    int32_t freehead_ = -1;
+};
+
+bool Bouw::bereid_voor(int64_t records) {
+    records_ = records;
+    const std::string map = pad_;
+    if (!verzamel())
+        return false;
+    const int per_stuk = STUK / icb_->h.reclen;
+    for (Sleutelbouw& s : sleutels_) {
+        s.rangen.emplace(map, records_, std::max(VENSTER / per_stuk, 1) * per_stuk);
+        if (!SORTEER(s.def, s.ruw, s.klaar, *s.rangen, map, [this](int64_t n) { vooruit(n); }))
+            return false;
+    }
+    return groei() && reserveer();
+}
+
+bool Bouw::verzamel() {
+    const size_t per_keer = LEESBUFFER / reclen();
+    std::vector<uint8_t> buffer(per_keer * reclen());
+    uint8_t entry[IXSLEUTELMAX + 8];
+    for (int64_t nr = 0; nr < records_;) {
+        const size_t n = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
+        const int64_t plaats = nr * icb_->h.reclen;
+        if (IXSYSLEES(icb_->datfd, buffer.data(), n * reclen(), plaats) != static_cast<ssize_t>(n * reclen()))
+            return false;
+        for (size_t i = 0; i < n; i++, nr++) {
+            const uint8_t* rec = buffer.data() + i * reclen();
+            const int32_t recnr = static_cast<int32_t>(nr);
+            if (!IXRECLIVE(rec, icb_->h.reclen)) {
+                if (in_keten()) {
+                    if (keten_anders_ < 0 && LEES32(rec + 1) != freehead_)
+                        keten_anders_ = nr;
+                    freehead_ = recnr;
+                }
+                continue;
+            }
+            levend_++;
+            for (Sleutelbouw& s : sleutels_) {
+                IXMAAKSLEUTEL(s.def, rec, recnr, s.def.keylen, entry);
+                ZET32(entry + s.def.keylen, recnr);
+                if (!s.ruw.schrijf(entry, s.def.keylen + size_t{4}))
+                    return false;
+            }
+        }
+        vooruit(static_cast<int64_t>(n));
+    }
+    return true;
+}
+
+bool Bouw::groei() {
+    int32_t nblocks = icb_->h.nkeys + 2;
+    const int per_stuk = STUK / icb_->h.reclen, venster = std::max(VENSTER / per_stuk, 1) * per_stuk;
+    std::vector<const uint32_t*> rang(sleutels_.size());
+    for (size_t k = 0; k < sleutels_.size(); k++)
+        sleutels_[k].groei.emplace(static_cast<int32_t>(k + 1), sleutels_[k].def.maxent, levend_);
+    for (int64_t nr = 0; nr < records_; nr += per_stuk) {
+        if (nr % venster == 0)
+            for (size_t k = 0; k < sleutels_.size(); k++)
+                if (!(rang[k] = sleutels_[k].rangen->laad(nr / venster)))
+                    return false;
+        const int64_t in_venster = nr % venster, n = std::min<int64_t>(per_stuk, records_ - nr);
+        for (size_t k = 0; k < sleutels_.size(); k++)
+            for (const uint32_t *r = rang[k] + in_venster, *einde = r + n; r < einde; r++)
+                if (*r != Rangen::GEEN && !sleutels_[k].groei->voeg(*r, &nblocks))
+                    return false;
+    }
+    for (Sleutelbouw& s : sleutels_)
+        s.rangen.reset();
+    icb_->h.nblocks = nblocks;
+    return true;
+}
+
+// Room on the disk for what the index grows by, so that step 3 doesn't end half-way for want of it.
+bool Bouw::reserveer() const {
+    const int64_t nu = IXBESTANDGROOTTE(icb_->idxfd), straks = int64_t{icb_->h.nblocks} * IXBLOK;
+    return straks <= nu || fallocate(icb_->idxfd, FALLOC_FL_KEEP_SIZE, nu, straks - nu) == 0 || errno != ENOSPC;
+}
+
+void Bouw::zet_op_zijn_plaats() {
+    ICB* icb = icb_;
+    icb->h.nrecs = static_cast<int32_t>(records_);
+    icb->h.freehead = freehead_;
+    icb->h.version = IXVERSIE;
+    icb->h.busy = 1;
+    IXWRIX(icb, 0);
+    keten_vrijen();
+    for (int k = 1; k <= icb->h.nkeys; k++)
+        schrijf_boom(k);
+    IXKNOOP wachtrij{};
+    wachtrij.keyno = 1;
+    if (!IXBLOKSCHRIJF(icb->idxfd, WACHTRIJBLOK(icb), &wachtrij))
+        IXSCHIJFFOUT(icb, icb->idxfd, int64_t{WACHTRIJBLOK(icb)} * IXBLOK, IXBLOK);
+    const int64_t lengte = int64_t{icb->h.nblocks} * IXBLOK;
+    if (IXBESTANDGROOTTE(icb->idxfd) != lengte && IXSYS.ftruncate(icb->idxfd, lengte) < 0)
+        IXSCHIJFFOUT(icb, icb->idxfd, lengte, 0);
+    icb->h.busy = 0; // to the disk with IXCLOSE
+}
+
+// Each free slot gets the number of the free slot before it. Slots that have it already are left alone.
+void Bouw::keten_vrijen() {
+    if (keten_anders_ < 0)
+        return;
+    const size_t per_keer = LEESBUFFER / reclen();
+    std::vector<uint8_t> buffer(per_keer * reclen());
+    int32_t vorige = -1;
+    for (int64_t nr = 0; nr < records_;) {
+        const size_t n = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
+        if (IXSYSLEES(icb_->datfd, buffer.data(), n * reclen(), nr * icb_->h.reclen) !=
+            static_cast<ssize_t>(n * reclen()))
+            IXSCHIJFFOUT(icb_, icb_->datfd, nr * icb_->h.reclen, icb_->h.reclen);
+        for (size_t i = 0; i < n; i++, nr++) {
+            uint8_t* rec = buffer.data() + i * reclen();
+            if (IXRECLIVE(rec, icb_->h.reclen))
+                continue;
+            if (LEES32(rec + 1) != vorige) {
+                ZET32(rec + 1, vorige);
+                icb_->currec = static_cast<int32_t>(nr);
+                IXWRREC(icb_, rec);
+            }
+            vorige = static_cast<int32_t>(nr);
+        }
+    }
+}
+
+// The leaves from left to right out of the sorted entries; the nodes above fill up on the way.
+void Bouw::schrijf_boom(int sleutel) {
+    Sleutelbouw& s = sleutels_[static_cast<size_t>(sleutel - 1)];
+    const size_t keylen = s.def.keylen, maat = keylen + 4;
+    const Groei& g = *s.groei;
+    struct Niveau {
+        IXKNOOP knoop{};
+        Groei::Loop loop;
+        Groei::Knoop doel{0, 0};
+    };
+    std::vector<Niveau> niveaus(static_cast<size_t>(g.diepte()));
+    auto begin = [&](size_t n) {
+        Niveau& nu = niveaus[n];
+        nu.knoop = {};
+        nu.knoop.keyno = static_cast<int8_t>(sleutel);
+        nu.knoop.level = static_cast<int8_t>(n + 1);
+        return g.volgende(static_cast<int>(n + 1), &nu.loop, &nu.doel);
+    };
+    auto weg = [&](size_t n) {
+        if (!IXBLOKSCHRIJF(icb_->idxfd, niveaus[n].doel.blok, &niveaus[n].knoop))
+            IXSCHIJFFOUT(icb_, icb_->idxfd, int64_t{niveaus[n].doel.blok} * IXBLOK, IXBLOK);
+        IXCOMMITHOOK();
+    };
+    std::vector<uint8_t> buffer(LEESBUFFER / maat * maat);
+    size_t op = 0, vol = 0;
+    int64_t gelezen = 0;
+    for (size_t n = 1; n < niveaus.size(); n++)
+        begin(n);
+    while (begin(0)) {
+        Niveau& blad = niveaus[0];
+        size_t nodig = static_cast<size_t>(blad.doel.aantal) * maat, er = 0;
+        blad.knoop.count = static_cast<uint8_t>(blad.doel.aantal);
+        while (er < nodig) {
+            if (op == vol) {
+                vol = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(buffer.size()), s.klaar.lengte() - gelezen));
+                op = 0;
+                if (!vol) { // the sentinel: the one entry that is in no record
+                    memset(blad.knoop.entries + er, 0xFF, maat);
+                    er += maat;
+                    break;
+                }
+                if (!s.klaar.lees(gelezen, buffer.data(), vol))
+                    IXSCHIJFFOUT(icb_, -1, gelezen, static_cast<int>(vol));
+                gelezen += static_cast<int64_t>(vol);
+                vooruit(static_cast<int64_t>(vol / maat));
+            }
+            size_t deel = std::min(nodig - er, vol - op);
+            memcpy(blad.knoop.entries + er, buffer.data() + op, deel);
+            er += deel;
+            op += deel;
+        }
+        if (er != nodig)
+            IXSTUK(icb_, blad.doel.blok);
+        weg(0);
+        // The highest key goes up, with the block; and on up for as long as it fills a node there.
+        for (size_t n = 0; n + 1 < niveaus.size(); n++) {
+            Niveau &onder = niveaus[n], &boven = niveaus[n + 1];
+            const uint8_t* hoogste = onder.knoop.entries + (onder.knoop.count - 1u) * maat;
+            uint8_t* naar = boven.knoop.entries + boven.knoop.count * maat;
+            memcpy(naar, hoogste, keylen);
+            ZET32(naar + keylen, onder.doel.blok);
+            if (n > 0)
+                begin(n);
+            if (++boven.knoop.count < boven.doel.aantal)
+                break;
+            weg(n + 1);
+        }
+    }
+    s.groei.reset();
+    s.klaar.weg();
+}
+
+// Old header with nothing left of a former version.
+bool lees_kop(int fd, IXHEADER* h) {
+    return IXBLOKLEES(fd, 0, h, sizeof *h) == static_cast<ssize_t>(sizeof *h);
+}
+
+// Records in the data file; -1 when its length is not theirs.
+int64_t aantal_records(int fd, const IXHEADER& h) {
+    const int64_t lengte = IXBESTANDGROOTTE(fd);
+    return lengte < 0 || lengte % h.reclen || lengte / h.reclen > RECORDSMAX ? -1 : lengte / h.reclen;
+}
+
+} // namespace
+
+void IXFIXHDR(ICB* icb) {
+    IXEIS(icb, "IXFIXHDR");
+    icb->h.nkeys = std::min(icb->h.nkeys, static_cast<int8_t>(IXSLEUTELS));
+    for (int k = 0; k < icb->h.nkeys; k++)
+        icb->h.keydef[k].maxent = static_cast<uint8_t>(KNOOPRUIMTE / (icb->h.keydef[k].keylen + 4));
+}
+
+int IXBLDIX(const char* naam) {
+    if (IXTIJDELIJKENAAM(naam))
+        return 0; // what belongs in it is not to be read from the data file
+    const std::string datapad = IXDATAPAD(naam);
+    const int idxfd = IXBESTANDOPEN(IXINDEXPAD(naam).c_str(), O_RDWR);
+    if (idxfd < 0)
+        return 0;
+    ICB* icb = IXHANDVAT(naam, 1, idxfd, -1);
+    if (!lees_kop(idxfd, &icb->h)) {
+        IXLAATLOS(icb);
+        return 0;
+    }
+    IXFIXHDR(icb);
+    if (IXDEFFOUT(icb->h)) {
+        IXLAATLOS(icb);
+        return 0;
+    }
+    icb->datfd = IXBESTANDOPEN(datapad.c_str(), O_RDWR | O_CREAT);
+    if (icb->datfd < 0) {
+        IXLAATLOS(icb);
+        SCRFATAL(TXT(T_OPEN_MISLUKT), datapad.c_str());
+    }
+    if (aantal_records(icb->datfd, icb->h) < 0) {
+        IXLAATLOS(icb);
+        return 0;
+    }
+    IXLOCK(icb, 1);
+    const int64_t records = aantal_records(icb->datfd, icb->h); // others may have written until now
+    int goed = 0;
+    char titel[96];
+    snprintf(titel, sizeof titel, TXT(T_IXBLDIX_TITEL), std::string(icb->h.name, strnlen(icb->h.name, 11)).c_str());
+    VOORTGANG(VG_OPEN, 0, 0, titel);
+    try {
+        Bouw bouw(icb);
+        goed = records >= 0 && bouw.bereid_voor(records);
+        if (goed)
+            bouw.zet_op_zijn_plaats();
+    } catch (const std::bad_alloc&) {
+        SCRFATAL("%s", TXT(T_GEHEUGEN_IXREMAKE));
+    }
+    VOORTGANG(VG_SLUIT);
+    if (goed)
+        IXCLOSE(icb);
+    else {
+        IXLOCK(icb, 11);
+        IXLAATLOS(icb);
+    }
+    return goed;
+}
+
+} // namespace zg

@@ -1,0 +1,83 @@
+// Spools on nameless files; all their calls go through the store's table, so that tests can fail each of them.
+#include "store/spoel.h"
+#include "shared/files.h"
+#include "store/syscall.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace zg {
+
+int NAAMLOOSBESTAND(const char* pad) {
+    std::string map(pad, static_cast<size_t>(IOBASENAME(pad) - pad));
+    int fd = IXSYS.open(map.empty() ? "." : map.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    if (fd >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != ENOENT && errno != EINVAL))
+        return fd;
+    for (int poging = 0; poging < 100; poging++) { // a file system without nameless files
+        std::string naam = map + "IX" + std::to_string(getpid()) + "_" + std::to_string(poging) + ".TMP";
+        fd = IXSYS.open(naam.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (fd >= 0)
+            IXSYS.unlink(naam.c_str());
+        if (fd >= 0 || errno != EEXIST)
+            return fd;
+    }
+    return -1;
+}
+
+Spoel::Spoel(std::string pad, size_t ruimte) : pad_(std::move(pad)), ruimte_(ruimte) {}
+
+Spoel::Spoel(Spoel&& ander) noexcept
+    : pad_(std::move(ander.pad_)), ruimte_(ander.ruimte_), buffer_(std::move(ander.buffer_)),
+      geschreven_(ander.geschreven_), fd_(ander.fd_) {
+    ander.fd_ = -1;
+}
+
+Spoel::~Spoel() { weg(); }
+
+void Spoel::weg() {
+    if (fd_ >= 0)
+        IXSYS.close(fd_);
+    fd_ = -1;
+    geschreven_ = 0;
+    std::vector<uint8_t>().swap(buffer_);
+}
+
+bool Spoel::schrijf(const void* van, size_t n) {
+    if (buffer_.size() + n > ruimte_ && !buffer_.empty()) {
+        if (fd_ < 0 && (fd_ = NAAMLOOSBESTAND(pad_.c_str())) < 0)
+            return false;
+        if (!IXSYSSCHRIJF(fd_, buffer_.data(), buffer_.size(), geschreven_))
+            return false;
+        geschreven_ += static_cast<int64_t>(buffer_.size());
+        buffer_.clear();
+    }
+    if (buffer_.capacity() < ruimte_)
+        buffer_.reserve(std::max(n, std::min(ruimte_, 2 * (buffer_.size() + n) + 1024)));
+    const uint8_t* p = static_cast<const uint8_t*>(van);
+    buffer_.insert(buffer_.end(), p, p + n);
+    return true;
+}
+
+bool Spoel::lees(int64_t plaats, void* naar, size_t n) {
+    uint8_t* p = static_cast<uint8_t*>(naar);
+    if (plaats < 0 || plaats + static_cast<int64_t>(n) > lengte())
+        return false;
+    if (plaats < geschreven_) {
+        size_t deel = n;
+        if (plaats + static_cast<int64_t>(n) > geschreven_)
+            deel = static_cast<size_t>(geschreven_ - plaats);
+        if (IXSYSLEES(fd_, p, deel, plaats) != static_cast<ssize_t>(deel))
+            return false;
+        p += deel;
+        n -= deel;
+        plaats += static_cast<int64_t>(deel);
+    }
+    if (n)
+        memcpy(p, buffer_.data() + (plaats - geschreven_), n);
+    return true;
+}
+
+} // namespace zg
