@@ -14,6 +14,8 @@ void (*SCRFATALHAAK)();
 
 namespace {
 
+char rapport[1000];
+
 constexpr int RIJ = 18, KOLOM = 10;
 constexpr size_t PROEF = 1000;
 
@@ -59,13 +61,12 @@ void op_regels(const char* tekst) {
 
 void VSCRFATAL(const char* fmt, va_list ap) {
     static bool bezig;
-    static char tekst[1000];
     if (bezig) {
         TERMHERSTEL();
         _exit(1);
     }
     bezig = true;
-    vsnprintf(tekst, sizeof tekst, fmt, ap);
+    vsnprintf(rapport, sizeof rapport, fmt, ap);
     if (SCHERM.bestaat && SCHERM.dicht) {
         ZEND("mc4");
         SCHERM.dicht = 0;
@@ -75,11 +76,13 @@ void VSCRFATAL(const char* fmt, va_list ap) {
     if (MACROHAAK.speelt && MACROHAAK.stop)
         MACROHAAK.stop();
     if (SCHERM.bestaat && SCHERM.aantal > 0 && SCHERM.aantal < VENSTERS && geheugen())
-        in_doos(tekst);
+        in_doos(rapport);
     else
-        op_regels(tekst);
+        op_regels(rapport);
     SCRSTOP(1);
 }
+
+const char* SCRFATALTEKST() { return rapport; }
 
 void SCRFATAL(const char* fmt, ...) {
     va_list ap;

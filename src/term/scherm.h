@@ -146,6 +146,7 @@ void SCREXIT();
 [[noreturn]] void VSCRFATAL(const char* fmt, va_list ap) __attribute__((format(printf, 1, 0)));
 // Called first by SCRFATAL when set: closing the modem line, releasing what must not stay.
 extern void (*SCRFATALHAAK)();
+const char* SCRFATALTEKST(); // the report, for the hook
 
 // Change to terminal variant "", "-w" or "-l"; falls back to "" when that has no description.
 void SCRTERM(const char* naam);

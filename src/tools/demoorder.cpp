@@ -87,7 +87,7 @@ struct Bouw {
             d.volgnummer = static_cast<uint16_t>(regel.d.volgnummer + i);
             d.kleur = static_cast<uint16_t>(regel.d.kleur + i % 20);
             if (regel.keer > 1) {
-                char naam[16];
+                char naam[32];
                 snprintf(naam, sizeof naam, "%.9s %d", VASTTEKST(regel.d.dessin).c_str(), i + 1);
                 VASTIN(d.dessin, naam);
             }

@@ -228,7 +228,8 @@ std::string veld_in(const Veld& veld, std::string_view waarde, uint8_t* rec) {
         }
         break;
     default:
-        if (!waarde.empty() && waarde.size() != static_cast<size_t>(veld.lengte) * 2)
+        // Fewer digits leave zeros behind them.
+        if (waarde.size() % 2 != 0 || waarde.size() > static_cast<size_t>(veld.lengte) * 2)
             return zo + "not " + std::to_string(veld.lengte) + " bytes in hexadecimal";
         for (; static_cast<size_t>(n) * 2 < waarde.size(); n++) {
             int hoog = hexcijfer(waarde[static_cast<size_t>(n) * 2]),

@@ -78,6 +78,7 @@ int main(int argc, char** argv) {
     signal(SIGXFSZ, SIG_IGN);
 
     Opdracht o;
+    std::string een; // a single PAIR
     CLI::App app{std::string(tool->wat) + ".\n" + tool->uitleg, tool->naam};
     app.set_version_flag("--version", std::string(tool->naam) + " 8.70");
     app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
@@ -87,13 +88,13 @@ int main(int argc, char** argv) {
             app.add_option("PAIR", o.namen, "names of pairs, or directories for all their pairs")->required();
             break;
         case '1':
-            app.add_option("PAIR", o.namen, "name of the pair")->required()->expected(1);
+            app.add_option("PAIR", een, "name of the pair")->required();
             break;
         case '0':
-            app.add_option("PAIR", o.namen, "name of a pair to open at once")->expected(0, 1);
+            app.add_option("PAIR", een, "name of a pair to open at once");
             break;
         case '2':
-            app.add_option("PAIR", o.namen, "name of the pair")->required()->expected(1);
+            app.add_option("PAIR", een, "name of the pair")->required();
             app.add_option("TARGET", o.doel, "name of the copy, or a directory")->required();
             break;
         case 'd':
@@ -132,6 +133,8 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
     }
+    if (!een.empty())
+        o.namen.push_back(een);
     wachtseconden = o.wacht;
     SCRFATALHAAK = rapport;
     IXWAITHOOK = wacht;

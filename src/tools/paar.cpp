@@ -74,12 +74,14 @@ std::string paar_kop(Paar* paar) {
 }
 
 int paar_vast(Paar* paar, int seconden) {
-    for (int pogingen = seconden * 10;; pogingen--) {
+    // Short naps: a busy writer lets the lock go for moments only.
+    constexpr int PER_SECONDE = 500;
+    for (int64_t pogingen = int64_t{seconden} * PER_SECONDE;; pogingen--) {
         if (IOLOCK('E', paar->idx, 0, IXBLOK))
             return paar->vast = true, GOED;
         if (pogingen <= 0)
             break;
-        timespec t{0, 100'000'000};
+        timespec t{0, 1'000'000'000 / PER_SECONDE};
         nanosleep(&t, nullptr);
     }
     struct flock l {};
