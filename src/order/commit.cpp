@@ -120,8 +120,8 @@ bool wrk_sluit() {
             if (!goed) {
                 int reden = errno;
                 tmp_weg();
-                ord_meld_schrijffout(wrk_naam("TMP").c_str(), reden, TXT(T_ORDER_BLIJFT),
-                                     TXT(T_ORDER_BEWAARD));
+                ord_meld_schrijffout(wrk_naam("TMP").c_str(), reden, TXT(T_JRN_ORDER_BLIJFT),
+                                     TXT(T_JRN_ORDER_BEWAARD));
             }
         }
     }

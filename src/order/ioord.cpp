@@ -343,7 +343,7 @@ bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
             reden = errno;
         errno = reden;
     }
-    ord_meld_schrijffout(h->naam, errno, TXT(T_WERK_BLIJFT), nullptr);
+    ord_meld_schrijffout(h->naam, errno, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 

@@ -278,7 +278,7 @@ bool tmp_begin_wrk() {
     if (tmp_nieuw(true))
         return true;
     aantal_regels = tmp.regels_oud;
-    ord_meld_schrijffout(wrk_naam("TMP").c_str(), tmp.fout, TXT(T_WERK_BLIJFT), nullptr);
+    ord_meld_schrijffout(wrk_naam("TMP").c_str(), tmp.fout, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 
@@ -306,7 +306,7 @@ bool tmp_naar_wrk() {
     }
     int reden = errno;
     tmp_weg();
-    ord_meld_schrijffout(wrk_naam(ext).c_str(), reden, TXT(T_WERK_BLIJFT), nullptr);
+    ord_meld_schrijffout(wrk_naam(ext).c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 
@@ -323,7 +323,7 @@ bool open_mislukt(const char* ext, bool niet_te_openen) {
     if (niet_te_openen)
         ord_meld_niet_open(naam.c_str());
     else
-        ord_meld_schrijffout(naam.c_str(), reden, TXT(T_WERK_BLIJFT), nullptr);
+        ord_meld_schrijffout(naam.c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 

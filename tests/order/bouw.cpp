@@ -1,0 +1,344 @@
+// The builders, sessions and faults of bouw.h.
+#include "bouw.h"
+#include "order/ordsys.h"
+#include "shared/files.h"
+#include "term/vast.h"
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zg::test {
+
+namespace {
+
+template <class T> void record(std::string* uit, char tag, const T& lichaam) {
+    *uit += tag;
+    uit->append(reinterpret_cast<const char*>(&lichaam), sizeof lichaam);
+}
+
+void tekst(std::string* uit, int soort, const std::string& t, bool alle) {
+    for (size_t i = 0; i < 5; i++) {
+        ordtekst r{};
+        r.soort = static_cast<uint8_t>(soort);
+        std::string stuk = i * 60 < t.size() ? t.substr(i * 60, 60) : "";
+        memcpy(r.tekst, stuk.data(), stuk.size());
+        if (alle || !stuk.empty())
+            record(uit, 'T', r);
+    }
+}
+
+ordkop kop_van(const Order& o) {
+    ordkop k{};
+    k.leverancier = 12;
+    k.jaar = 2016;
+    k.seizoen = 'Z';
+    k.orderdatum = static_cast<uint16_t>(o.datum);
+    k.status = static_cast<uint8_t>(o.status);
+    k.korting = static_cast<int16_t>(o.korting);
+    k.koers = 10000;
+    k.koerseenheid = 1;
+    return k;
+}
+
+ordmodel model_van(const Model& m) {
+    ordmodel r{};
+    r.merk = static_cast<uint16_t>(m.merk);
+    VASTIN(r.model, "OOTDMSX"); // tag letters inside a text must fool nobody
+    return r;
+}
+
+orddessin dessin_van(const Regel& l) {
+    orddessin d{};
+    d.kleur = static_cast<uint16_t>(l.kleur);
+    d.tijdstempel = static_cast<uint16_t>(l.tijd);
+    for (const Maat& m : l.maten)
+        d.maten[m.maat / 8] = static_cast<uint8_t>(d.maten[m.maat / 8] | 1 << m.maat % 8);
+    return d;
+}
+
+std::string extra_van(int maat, char tag) {
+    return std::string(1, tag) + "extra" + std::string(6, static_cast<char>(maat)) + "!";
+}
+
+void regel_bytes(std::string* uit, const Regel& l, bool alle) {
+    record(uit, 'D', dessin_van(l));
+    tekst(uit, 4, l.tekst, alle);
+    for (const Maat& m : l.maten) {
+        record(uit, 'S', ordmaat{static_cast<uint8_t>(m.maat), {}, m.bruto, m.netto});
+        for (char tag : m.extra)
+            *uit += tag + extra_van(m.maat, tag);
+    }
+    for (const Term& t : l.termen) {
+        record(uit, 'L', ordlevt{static_cast<uint16_t>(t.van), static_cast<uint16_t>(t.tot)});
+        for (const Aantal& a : t.aantallen)
+            record(uit, 'F',
+                   ordfil{static_cast<uint8_t>(a.filiaal), static_cast<uint8_t>(a.maat), 0, a.aantal});
+    }
+}
+
+} // namespace
+
+std::string bytes(const Order& o, bool werkbestand) {
+    std::string uit;
+    record(&uit, 'O', kop_van(o));
+    tekst(&uit, 1, o.levering, werkbestand);
+    tekst(&uit, 2, o.betaling, werkbestand);
+    for (const Model& m : o.modellen) {
+        record(&uit, 'M', model_van(m));
+        tekst(&uit, 3, m.tekst, werkbestand);
+        for (const Regel& l : m.regels)
+            regel_bytes(&uit, l, werkbestand);
+    }
+    return uit;
+}
+
+std::string bytes(const std::vector<Order>& orders) {
+    std::string uit;
+    for (const Order& o : orders)
+        uit += bytes(o);
+    return uit;
+}
+
+std::vector<ors_ingang> index_van(const Order& o) {
+    std::vector<ors_ingang> uit;
+    Order tot = o;
+    tot.modellen.clear();
+    std::string voor = bytes(tot, true);
+    for (const Model& m : o.modellen) {
+        auto m_op = static_cast<int32_t>(voor.size());
+        record(&voor, 'M', model_van(m));
+        tekst(&voor, 3, m.tekst, true);
+        for (const Regel& l : m.regels) {
+            uit.push_back(
+                {static_cast<uint16_t>(uit.size() + 1), 0, m_op, static_cast<int32_t>(voor.size())});
+            regel_bytes(&voor, l, true);
+        }
+    }
+    return uit;
+}
+
+Regel maak_regel(int kleur) {
+    Regel l{kleur, kleur % 3 ? "" : "dessin " + std::string(70, 'd'), {}, {}, 7 * kleur};
+    for (int i = 0; i < 1 + kleur % 4; i++)
+        l.maten.push_back({1 + i * 31, 1000 + kleur, 900 + kleur, kleur % 2 ? "" : i ? "EB" : "E"});
+    for (int t = 0; t < kleur % 3; t++)
+        l.termen.push_back({42000 + t, 42010 + t, {{0, 1, 5 + t}, {2, 1, kleur + 1}}});
+    return l;
+}
+
+Order maak_order(int nummer, const std::vector<int>& regels_per_model) {
+    Order o{42400 + nummer, nummer % 2 ? "levering\n" + std::string(200, 'l') : "", "betaling", {}};
+    int kleur = nummer * 100;
+    for (size_t i = 0; i < regels_per_model.size(); i++) {
+        Model m{static_cast<int>(i) + 1, i % 2 ? "" : "opmerking", {}};
+        for (int r = 0; r < regels_per_model[i]; r++)
+            m.regels.push_back(maak_regel(++kleur));
+        o.modellen.push_back(m);
+    }
+    return o;
+}
+
+OrderMap::OrderMap() {
+    mkdir("2016Z", 0777);
+    seizoensmap = "2016Z";
+    gekozen_jaar = 2016;
+    gekozen_letter = 'Z';
+    gekozen_leverancier = 12;
+    sessienummer = 3;
+    gebruikersrecht = 'A';
+    registermodus = false;
+    aantal_filialen = 3;
+    ORDERHAKEN = {};
+    aantallen_maak();
+}
+
+OrderMap::~OrderMap() {
+    ord_sluit(werk);
+    ord_sluit(journaal);
+    werk = journaal = nullptr;
+    ors_wis();
+    aantallen_weg();
+}
+
+std::string pad(const char* ext) {
+    return std::string("2016Z/ORD0012.") + ext;
+}
+std::string inhoud(const char* ext) {
+    return lees_bestand(pad(ext));
+}
+void zet(const char* ext, std::string_view b) {
+    schrijf_bestand(pad(ext), b);
+}
+bool bestaat(const char* ext) {
+    return IOEXISTS(pad(ext).c_str());
+}
+
+std::string scratch() {
+    std::string uit;
+    for (const char* ext : {"WRK", "TMP", "ORS", "ACT"})
+        if (bestaat(ext))
+            uit += std::string(ext) + ' ';
+    return uit;
+}
+
+bool kies(int n) {
+    journaal = ord_open_jrn(seizoensmap.c_str(), gekozen_leverancier, O_RDWR | O_CREAT);
+    if (!journaal)
+        return false;
+    order_nieuw = n < 0;
+    if (order_nieuw) {
+        while (ord_lees(journaal, 'N'))
+            continue;
+    } else {
+        ord_eerste_order(journaal);
+        while (n--)
+            ord_volgende_order(journaal);
+    }
+    return wrk_open();
+}
+
+bool sluit() {
+    bool goed = wrk_sluit();
+    ord_sluit_jrn(journaal);
+    journaal = nullptr;
+    return goed;
+}
+
+bool nieuwe_kop(const Order& o) {
+    char levering[BLOKLEN] = {}, betaling[BLOKLEN] = {};
+    kop = kop_van(o);
+    o.levering.copy(levering, BLOKLEN);
+    o.betaling.copy(betaling, BLOKLEN);
+    return ord_kop_schrijf(werk, levering, betaling);
+}
+
+void neem_regel(const Model& m, const Regel& l) {
+    regel_wis();
+    model = model_van(m);
+    dessin = dessin_van(l);
+    memset(modeltekst, 0, BLOKLEN);
+    memset(dessintekst, 0, BLOKLEN);
+    m.tekst.copy(modeltekst, BLOKLEN);
+    l.tekst.copy(dessintekst, BLOKLEN);
+    for (const Maat& s : l.maten) {
+        regel_prijzen.bruto[s.maat] = s.bruto;
+        regel_prijzen.netto[s.maat] = s.netto;
+        for (char tag : s.extra) {
+            regelextra e{static_cast<uint8_t>(s.maat), tag, {}};
+            extra_van(s.maat, tag).copy(e.inhoud, sizeof e.inhoud);
+            regel_prijzen.extra.push_back(e);
+        }
+    }
+    for (const Term& t : l.termen) {
+        std::vector<int32_t> matrix(matrix_cellen());
+        for (const Aantal& a : t.aantallen)
+            matrix_cel(matrix.data(), a.filiaal, a.maat) = a.aantal;
+        lt_schrijf(static_cast<uint16_t>(t.van), static_cast<uint16_t>(t.tot), matrix.data());
+    }
+}
+
+ors_ingang regel_op(int nr) {
+    ors_ingang uit{static_cast<uint16_t>(nr), 0, 0, 0};
+    return ors_lees('R', &uit) ? uit : ors_ingang{};
+}
+
+int herstart() {
+    journaal = ord_open_jrn(seizoensmap.c_str(), gekozen_leverancier, O_RDWR | O_CREAT);
+    int uit = 0;
+    wrk_namen();
+    if (IOSIZE(pad("WRK").c_str()) > 0)
+        uit = herstel_order() ? 1 : 2;
+    if (journaal)
+        ord_sluit_jrn(journaal);
+    journaal = nullptr;
+    return uit;
+}
+
+int in_kind(const std::function<int()>& doe, std::string* gezegd) {
+    fflush(nullptr);
+    pid_t pid = fork();
+    if (!pid) {
+        int fd = open("kind.err", O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        dup2(fd, 1);
+        dup2(fd, 2);
+        int uit = doe();
+        fflush(nullptr);
+        _exit(uit);
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    if (gezegd)
+        *gezegd = lees_bestand("kind.err");
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+// ---- faults
+
+namespace {
+const ordsysteem ECHT = ORDSYS;
+int teller, moment;
+Storing storing;
+
+// Is it now? Dies when that is what is asked.
+bool nu() {
+    teller++;
+    if (storing == Storing::Geen || (storing == Storing::VoorGoedVol ? teller < moment : teller != moment))
+        return false;
+    if (storing == Storing::Dood)
+        raise(SIGKILL);
+    errno = ENOSPC;
+    return true;
+}
+
+int open_(const char* p, int v, mode_t m) {
+    if ((v & (O_CREAT | O_TRUNC)) && nu() && storing != Storing::HalfDood)
+        return -1;
+    return ECHT.open(p, v, m);
+}
+ssize_t write_(int fd, const void* b, size_t n) {
+    if (!nu())
+        return ECHT.write(fd, b, n);
+    ssize_t half = ECHT.write(fd, b, n / 2); // a full disk takes what fits
+    if (storing == Storing::HalfDood)
+        raise(SIGKILL);
+    errno = ENOSPC;
+    return storing == Storing::Vol && half > 0 ? half : -1;
+}
+ssize_t pwrite_(int fd, const void* b, size_t n, off_t p) {
+    if (!nu() || storing == Storing::HalfDood) // inside one page a write is whole or not there
+        return ECHT.pwrite(fd, b, n, p);
+    ECHT.pwrite(fd, b, n / 2, p);
+    errno = ENOSPC;
+    return -1;
+}
+int ftruncate_(int fd, off_t n) {
+    return nu() && storing != Storing::HalfDood ? -1 : ECHT.ftruncate(fd, n);
+}
+int fsync_(int fd) {
+    return nu() && storing != Storing::HalfDood ? -1 : ECHT.fsync(fd);
+}
+int rename_(const char* a, const char* b) {
+    return nu() && storing != Storing::HalfDood ? -1 : ECHT.rename(a, b);
+}
+int unlink_(const char* p) {
+    nu(); // never refused for want of room
+    return ECHT.unlink(p);
+}
+} // namespace
+
+void stoor(int n, Storing wat) {
+    teller = 0;
+    moment = n;
+    storing = wat;
+    ORDSYS = {open_, write_, pwrite_, ftruncate_, fsync_, rename_, unlink_, ECHT.close};
+}
+
+int aanroepen() {
+    return teller;
+}
+
+} // namespace zg::test

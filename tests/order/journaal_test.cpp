@@ -1,0 +1,310 @@
+// Open, change, commit: the journal byte for byte, the work file and its index beside it.
+#include "bouw.h"
+#include "order/ordcheck.h"
+#include "order/ordsys.h"
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zg::test {
+namespace {
+
+std::string kwalen(const char* ext, ordsoort soort) {
+    int fd = open(pad(ext).c_str(), O_RDONLY);
+    std::string uit;
+    for (const ordkwaal& k : ord_controle(fd, soort, aantal_filialen, nullptr))
+        uit += std::to_string(k.pos) + ": " + k.wat + "\n";
+    close(fd);
+    return uit;
+}
+
+const std::vector<Order> DRIE = {maak_order(1, {2, 1}), maak_order(2, {1, 3, 2}), maak_order(3, {1})};
+
+TEST(Journaal, geopend_en_gesloten_is_hetzelfde) {
+    OrderMap map;
+    for (int n = 0; n < 3; n++) {
+        const Order& o = DRIE[static_cast<size_t>(n)];
+        zet("JRN", bytes(DRIE));
+        ASSERT_TRUE(kies(n)) << n;
+        EXPECT_EQ(inhoud("WRK"), bytes(o, true)) << n;
+        EXPECT_EQ(kwalen("WRK", ORD_WERK), "");
+        auto verwacht = index_van(o);
+        EXPECT_EQ(inhoud("ORS"), std::string(reinterpret_cast<char*>(verwacht.data()), verwacht.size() * 12))
+            << n;
+        act_record act;
+        memcpy(&act, inhoud("ACT").data(), sizeof act);
+        EXPECT_EQ(act.omvang, static_cast<int32_t>(bytes(DRIE).size()));
+        EXPECT_EQ(act.volgende == -1, n == 2);
+        EXPECT_EQ(act.sessie, 3);
+        EXPECT_TRUE(sluit());
+        EXPECT_EQ(inhoud("JRN"), bytes(DRIE)) << n;
+        EXPECT_EQ(scratch(), "");
+    }
+    EXPECT_EQ(kwalen("JRN", ORD_JOURNAAL), "");
+}
+
+TEST(Journaal, nieuwe_order_en_leeggemaakte_order) {
+    OrderMap map;
+    Order nieuw = maak_order(4, {});
+    // Refused header, then a header without lines: no journal stays behind.
+    for (bool met_kop : {false, true}) {
+        ASSERT_TRUE(kies(-1));
+        if (met_kop)
+            ASSERT_TRUE(nieuwe_kop(nieuw));
+        EXPECT_TRUE(sluit());
+        EXPECT_FALSE(bestaat("JRN"));
+    }
+    // Lines one by one: the second joins the model of the first.
+    nieuw.modellen = {{9, "m", {maak_regel(5), maak_regel(6)}}};
+    for (const std::vector<Order>& voor : {std::vector<Order>{}, DRIE}) {
+        if (!voor.empty())
+            zet("JRN", bytes(voor));
+        ASSERT_TRUE(kies(-1));
+        ASSERT_TRUE(nieuwe_kop(nieuw));
+        ors_ingang cursor{};
+        for (Regel& l : nieuw.modellen[0].regels) {
+            neem_regel(nieuw.modellen[0], l);
+            ASSERT_TRUE(wrk_regel_in(&cursor, cursor.regel == 0));
+            l.tijd = dessin.tijdstempel;
+        }
+        EXPECT_EQ(cursor.regel, 2);
+        EXPECT_EQ(kwalen("WRK", ORD_WERK), "");
+        EXPECT_TRUE(sluit());
+        EXPECT_EQ(inhoud("JRN"), bytes(voor) + bytes(nieuw));
+        // And all its lines out again.
+        ASSERT_TRUE(kies(static_cast<int>(voor.size())));
+        for (cursor = regel_op(1); cursor.regel;)
+            ASSERT_TRUE(wrk_regel_uit(&cursor));
+        EXPECT_TRUE(sluit());
+        EXPECT_EQ(bestaat("JRN"), !voor.empty());
+        if (!voor.empty())
+            EXPECT_EQ(inhoud("JRN"), bytes(voor));
+    }
+}
+
+// One change at one place of an order of models 1, 3 and 2 lines; the same change on the plain values.
+struct Plaats {
+    size_t model, regel;
+};
+Plaats plaats_van(const Order& o, int nr) {
+    for (size_t m = 0, n = 1;; n += o.modellen[m++].regels.size())
+        if (static_cast<size_t>(nr) < n + o.modellen[m].regels.size())
+            return {m, static_cast<size_t>(nr) - n};
+}
+
+TEST(Journaal, regels_in_uit_en_vervangen) {
+    OrderMap map;
+    const std::vector<int> VORM = {1, 3, 2};
+    for (char wat : {'u', 'm', 'i', 'v'}) { // delete, insert with model, insert without, replace
+        for (int nr = 1; nr <= 6; nr++) {
+            SCOPED_TRACE(std::string(1, wat) + std::to_string(nr));
+            std::vector<Order> orders = DRIE;
+            orders[1] = maak_order(2, VORM);
+            zet("JRN", bytes(orders));
+            ASSERT_TRUE(kies(1));
+            ors_ingang cursor = regel_op(nr);
+            Order& o = orders[1];
+            auto [m, r] = plaats_van(o, nr);
+            Model& mod = o.modellen[m];
+            int verwacht_nr = nr;
+            Regel l = maak_regel(950 + nr);
+            if (wat == 'u') {
+                mod.regels.erase(mod.regels.begin() + static_cast<ptrdiff_t>(r));
+                if (mod.regels.empty())
+                    o.modellen.erase(o.modellen.begin() + static_cast<ptrdiff_t>(m));
+                ASSERT_TRUE(wrk_regel_uit(&cursor));
+                verwacht_nr = nr == 6 ? 5 : nr;
+            } else if (wat == 'v') {
+                mod.merk = 77;
+                l.tijd = mod.regels[r].tijd; // the moment of adding stays
+                mod.regels[r] = l;
+                neem_regel(mod, l);
+                dessin.tijdstempel = 1;
+                ASSERT_TRUE(wrk_regel_vervang(&cursor));
+            } else {
+                Model nieuw{88, "nieuw model", {}};
+                neem_regel(wat == 'm' ? nieuw : mod, l);
+                ASSERT_TRUE(wrk_regel_in(&cursor, wat == 'm'));
+                l.tijd = dessin.tijdstempel;
+                verwacht_nr = 1;
+                for (size_t i = 0; i <= m; i++)
+                    verwacht_nr += VORM[i];
+                if (wat == 'm') {
+                    nieuw.regels = {l};
+                    o.modellen.insert(o.modellen.begin() + static_cast<ptrdiff_t>(m) + 1, nieuw);
+                } else {
+                    mod.regels.push_back(l);
+                }
+            }
+            EXPECT_EQ(cursor.regel, verwacht_nr);
+            EXPECT_EQ(inhoud("WRK"), bytes(o, true));
+            auto verwacht = index_van(o);
+            EXPECT_EQ(aantal_regels, static_cast<int32_t>(verwacht.size()));
+            EXPECT_EQ(inhoud("ORS"),
+                      std::string(reinterpret_cast<char*>(verwacht.data()), verwacht.size() * 12));
+            EXPECT_FALSE(bestaat("TMP"));
+            EXPECT_TRUE(sluit());
+            EXPECT_EQ(inhoud("JRN"), bytes(orders));
+        }
+    }
+}
+
+TEST(Journaal, index_lezen_aan_de_randen) {
+    OrderMap map;
+    zet("JRN", bytes(DRIE));
+    ASSERT_TRUE(kies(1)); // six lines
+    struct {
+        char modus;
+        int van, naar; // 0: refused
+    } const rijen[] = {{'F', 0, 1}, {'F', 5, 1}, {'N', 0, 1}, {'N', 5, 6}, {'N', 6, 0}, {'P', 1, 0},
+                       {'P', 2, 1}, {'P', 0, 0}, {'R', 6, 6}, {'R', 7, 0}, {'R', 0, 0}, {'?', 1, 0}};
+    for (const auto& rij : rijen) {
+        ors_ingang e{static_cast<uint16_t>(rij.van), 0, 0, 0};
+        EXPECT_EQ(ors_lees(rij.modus, &e), rij.naar != 0) << rij.modus << rij.van;
+        if (rij.naar)
+            EXPECT_EQ(e.regel, rij.naar) << rij.modus << rij.van;
+    }
+    sluit();
+}
+
+TEST(Journaal, teksten_ter_plaatse) {
+    OrderMap map;
+    std::vector<Order> orders = DRIE;
+    zet("JRN", bytes(orders));
+    ASSERT_TRUE(kies(0));
+    char blok[BLOKLEN];
+    Order& o = orders[0];
+    std::string* doelen[] = {&o.levering, &o.betaling, &o.modellen[0].tekst, &o.modellen[0].regels[0].tekst};
+    ors_ingang e = regel_op(1);
+    const int32_t plaatsen[] = {0, 0, e.m, e.d};
+    const std::string nieuw[] = {std::string(300, 'x'), "", "een\ntwee", std::string(61, 'y')};
+    for (int soort = 1; soort <= 4; soort++) {
+        werk->offset = plaatsen[soort - 1];
+        ASSERT_TRUE(ord_lees(werk, 'R'));
+        memset(blok, 0, sizeof blok);
+        nieuw[soort - 1].copy(blok, 300);
+        if (soort == 2)
+            strcpy(blok, "\n\n\n"); // nothing but line ends is no text
+        ASSERT_TRUE(ord_tekst_schrijf(werk, soort, blok)) << soort;
+        *doelen[soort - 1] = nieuw[soort - 1];
+        ASSERT_TRUE(ord_tekst_lees(werk, soort, blok));
+        EXPECT_EQ(std::string(blok, strnlen(blok, BLOKLEN)), nieuw[soort - 1]);
+    }
+    // Where the five records are not there, nothing is overwritten.
+    werk->offset = e.d;
+    ord_lees(werk, 'R');
+    EXPECT_FALSE(ord_tekst_schrijf(werk, 3, blok));
+    EXPECT_FALSE(ord_tekst_schrijf(werk, 0, blok));
+    ord_kind(werk, 'D');
+    EXPECT_FALSE(ord_tekst_lees(werk, 4, blok)); // a text has no text
+    EXPECT_EQ(inhoud("WRK"), bytes(o, true));
+    sluit();
+    EXPECT_EQ(inhoud("JRN"), bytes(orders));
+}
+
+TEST(Journaal, alleen_bekeken_verandert_niets) {
+    OrderMap map;
+    struct {
+        bool register_;
+        char recht;
+        int status;
+        bool alleen_lezen;
+    } const rijen[] = {{false, 'A', 0, false}, {false, 'I', 0, false}, {false, 'A', 7, true},
+                       {true, 'I', 4, true},   {true, 'I', 0, false},  {true, 'A', 4, false}};
+    for (const auto& rij : rijen) {
+        SCOPED_TRACE(std::to_string(rij.register_) + rij.recht + std::to_string(rij.status));
+        std::vector<Order> orders = DRIE;
+        orders[1].status = rij.status;
+        zet("JRN", bytes(orders));
+        registermodus = rij.register_;
+        gebruikersrecht = rij.recht;
+        struct stat voor, na;
+        stat(pad("JRN").c_str(), &voor);
+        ASSERT_TRUE(kies(1));
+        EXPECT_EQ(order_alleen_lezen, rij.alleen_lezen);
+        if (rij.alleen_lezen)
+            aantal_regels = 0; // even an order that seems to have lost its lines
+        EXPECT_TRUE(sluit());
+        stat(pad("JRN").c_str(), &na);
+        EXPECT_EQ(na.st_ino == voor.st_ino, rij.alleen_lezen);
+        if (rij.register_ && !rij.alleen_lezen)
+            orders[1].status = 4;
+        EXPECT_EQ(inhoud("JRN"), bytes(orders));
+        EXPECT_EQ(scratch(), "");
+    }
+}
+
+std::string geroepen;
+
+TEST(Journaal, registermodus_roept_het_ordernummer) {
+    OrderMap map;
+    registermodus = true;
+    ORDERHAKEN.ordnr_schrijf = [] { geroepen += "schrijf " + std::to_string(kop.orderdatum) + ' '; };
+    ORDERHAKEN.ordnr_wis = [] { geroepen += "wis "; };
+    ORDERHAKEN.label_los = [] { geroepen += "los "; };
+    struct {
+        int order;
+        bool leeg;
+        const char* verwacht;
+    } const rijen[] = {{1, false, "schrijf 42402 "}, {1, true, "wis los "}, {-1, false, ""}};
+    for (const auto& rij : rijen) {
+        geroepen.clear();
+        zet("JRN", bytes(DRIE));
+        ASSERT_TRUE(kies(rij.order));
+        ors_ingang cursor = regel_op(1);
+        while (rij.leeg && cursor.regel)
+            wrk_regel_uit(&cursor);
+        sluit();
+        EXPECT_EQ(geroepen, rij.verwacht) << rij.order;
+    }
+}
+
+// ---- locks
+
+TEST(Slot, tweede_programma_ziet_het_slot_en_raakt_niets_aan) {
+    OrderMap map;
+    zet("JRN", bytes(DRIE));
+    ASSERT_TRUE(kies(1));
+    std::string gezegd;
+    EXPECT_EQ(in_kind([] { return kies(0) ? 0 : 5; }, &gezegd), 5);
+    EXPECT_EQ(gezegd, "Order ORD0012.JRN in gebruik op ander scherm.\n");
+    EXPECT_EQ(inhoud("WRK"), bytes(DRIE[1], true));
+    // Behind a commit the new journal is held, without a moment in between.
+    ASSERT_TRUE(wrk_sluit());
+    EXPECT_EQ(in_kind([] { return kies(0) ? 0 : 5; }), 5);
+    ord_sluit_jrn(journaal);
+    journaal = nullptr;
+    EXPECT_EQ(in_kind([] { return kies(0) ? 0 : 5; }), 0);
+}
+
+int (*open_voor)(const char*, int, mode_t);
+int keren;
+
+TEST(Slot, opener_volgt_een_vervangen_journaal) {
+    OrderMap map;
+    zet("JRN", bytes({DRIE[0]}));
+    open_voor = ORDSYS.open;
+    keren = 0;
+    // Another program commits between our open and our lock, twice.
+    ORDSYS.open = [](const char* p, int v, mode_t m) {
+        int fd = open_voor(p, v, m);
+        if (++keren <= 2) {
+            zet("TMP", bytes(DRIE));
+            rename(pad("TMP").c_str(), pad("JRN").c_str());
+        }
+        return fd;
+    };
+    journaal = ord_open_jrn("2016Z", 12, O_RDWR | O_CREAT);
+    ORDSYS.open = open_voor;
+    ASSERT_TRUE(journaal);
+    EXPECT_EQ(keren, 3);
+    int n = 0;
+    for (bool er = ord_eerste_order(journaal); er; er = ord_volgende_order(journaal))
+        n++;
+    EXPECT_EQ(n, 3);
+}
+
+} // namespace
+} // namespace zg::test
