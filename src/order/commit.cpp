@@ -111,7 +111,9 @@ bool vastleggen(int32_t regels) {
 bool wrk_sluit() {
     int32_t regels = aantal_regels;
     bool goed = true;
-    if (!order_alleen_lezen) {
+    // A new order that got no lines leaves the journal as it is, without the copy.
+    bool niets = order_nieuw && !regels && order_start == ordsys_omvang(journaal->fd);
+    if (!order_alleen_lezen && !niets) {
         goed = !registermodus || zet_status();
         if (goed) {
             ors_wis();

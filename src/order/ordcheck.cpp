@@ -15,7 +15,7 @@ struct controle {
     ordsoort soort;
     int filialen;
     ordtelling telling = {};
-    std::vector<ordkwaal> kwalen;
+    std::vector<ordkwaal> kwalen{};
 
     ordrauw r{};
     char hoofd = 0; // the last of O, M, D; texts belong to it while `kop_open`
@@ -26,8 +26,8 @@ struct controle {
     bool regel_open = false;
     int64_t regel_pos = 0;
     uint8_t maten[12] = {};
-    std::set<int> prijsmaten;
-    std::set<int> termen;
+    std::set<int> prijsmaten{};
+    std::set<int> termen{};
     char vorige = 0;      // tag in front
     bool in_term = false; // an L of this line came by
 

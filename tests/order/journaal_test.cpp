@@ -51,8 +51,9 @@ TEST(Journaal, nieuwe_order_en_leeggemaakte_order) {
     // Refused header, then a header without lines: no journal stays behind.
     for (bool met_kop : {false, true}) {
         ASSERT_TRUE(kies(-1));
-        if (met_kop)
+        if (met_kop) {
             ASSERT_TRUE(nieuwe_kop(nieuw));
+        }
         EXPECT_TRUE(sluit());
         EXPECT_FALSE(bestaat("JRN"));
     }
@@ -79,8 +80,9 @@ TEST(Journaal, nieuwe_order_en_leeggemaakte_order) {
             ASSERT_TRUE(wrk_regel_uit(&cursor));
         EXPECT_TRUE(sluit());
         EXPECT_EQ(bestaat("JRN"), !voor.empty());
-        if (!voor.empty())
+        if (!voor.empty()) {
             EXPECT_EQ(inhoud("JRN"), bytes(voor));
+        }
     }
 }
 
@@ -163,8 +165,9 @@ TEST(Journaal, index_lezen_aan_de_randen) {
     for (const auto& rij : rijen) {
         ors_ingang e{static_cast<uint16_t>(rij.van), 0, 0, 0};
         EXPECT_EQ(ors_lees(rij.modus, &e), rij.naar != 0) << rij.modus << rij.van;
-        if (rij.naar)
+        if (rij.naar) {
             EXPECT_EQ(e.regel, rij.naar) << rij.modus << rij.van;
+        }
     }
     sluit();
 }
