@@ -361,7 +361,9 @@ bool wrk_open() {
     } else if (journaal->tag != 'X') {
         INTERNAL("ioord", 4);
     }
+    ordkop eigen = kop; // the step to the next order reads that one's header
     order_volgende = ord_lees(journaal, 'N') ? journaal->offset : -1;
+    kop = eigen;
     if (!tmp_af())
         return open_mislukt("TMP", false);
     if (!ors_af())

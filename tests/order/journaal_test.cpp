@@ -29,6 +29,7 @@ TEST(Journaal, geopend_en_gesloten_is_hetzelfde) {
         zet("JRN", bytes(DRIE));
         ASSERT_TRUE(kies(n)) << n;
         EXPECT_EQ(inhoud("WRK"), bytes(o, true)) << n;
+        EXPECT_EQ(kop.orderdatum, o.datum);
         EXPECT_EQ(kwalen("WRK", ORD_WERK), "");
         auto verwacht = index_van(o);
         EXPECT_EQ(inhoud("ORS"), std::string(reinterpret_cast<char*>(verwacht.data()), verwacht.size() * 12))

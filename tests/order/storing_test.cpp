@@ -349,8 +349,9 @@ TEST(Schade, kapot_journaal_stopt_bij_het_openen) {
         zet("WRK", "werk");
         std::string gezegd;
         EXPECT_EQ(in_kind(herstart, &gezegd), 1);
-        EXPECT_EQ(gezegd, "Order 2016Z-ORD0012.JRN inconsistent, pos. " + std::to_string(rij.pos) + " (" +
-                              rij.tag + ")\n");
+        std::string verwacht =
+            "Order 2016Z-ORD0012.JRN inconsistent, pos. " + std::to_string(rij.pos) + " (" + rij.tag + ")";
+        EXPECT_NE(gezegd.find(verwacht), std::string::npos) << gezegd << verwacht;
         EXPECT_EQ(inhoud("JRN"), rij.jrn_);
         EXPECT_EQ(inhoud("WRK"), "werk");
     }
