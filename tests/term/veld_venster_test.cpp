@@ -1,0 +1,212 @@
+// The windows that a field opens: compose box and help; keys that a field gives to the program or the abort; and
+// keys typed ahead.
+#include "support/terminal.h"
+#include "term/formaat.h"
+#include "term/ingave.h"
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace zg {
+namespace {
+
+using test::Terminal;
+
+// One field at a place; its text and leaving key at row 1 afterwards.
+template <class... A> int veld(int rij, int kolom, const char* formaat, void* doel, A... sleutels) {
+    SCRINIT();
+    INGAVE(rij, kolom, formaat, sleutels..., static_cast<char*>(doel));
+    SCRPUT(A_WAARDE, 1, 1, "klaar %d [%s]", SCHERM.laatste, ingavetekst);
+    TOETS();
+    SCREXIT();
+    return 0;
+}
+
+TEST(VeldVenster, Compose) {
+    char doel[11] = "";
+    Terminal t([&] { return veld(5, 10, "10s", doel, &SCHERM.toets[key_cancel]); });
+    t.toetsen("<F11>");
+    EXPECT_EQ(t.stuk(5, 10, 6), "┌────┐");
+    EXPECT_EQ(t.stuk(6, 10, 6), "│____│");
+    EXPECT_EQ(t.cursor_rij(), 6);
+    t.toetsen("e'<Enter>");
+    EXPECT_EQ(t.stuk(5, 10, 10), "é_________") << t.scherm();
+    EXPECT_EQ(t.regel(7), "");
+    t.toetsen("<F11>3/4<Enter><F11>65<Enter><F11>225<Enter>");
+    EXPECT_EQ(t.stuk(5, 10, 10), "é¾Aß______");
+    // none of these is a character; the field stays as it is
+    for (const char* niets :
+         {"xx<Enter>", "<Enter>", "e'<Esc>", "31<Enter>", "256<Enter>", "9999", "0<Enter>"}) {
+        t.toetsen("<F11>");
+        t.toetsen(niets);
+        EXPECT_EQ(t.regel(25), "Ongeldige toets") << niets;
+        EXPECT_EQ(t.stuk(5, 10, 10), "é¾Aß______") << niets;
+        t.toetsen("<Left><Right>");
+    }
+    t.toetsen("<Enter>");
+    EXPECT_EQ(t.cursor_rij(), 1);
+    EXPECT_EQ(t.regel(1), "klaar 10 [é¾Aß]");
+}
+
+TEST(VeldVenster, ComposeAanDeRand) {
+    char doel[3] = "";
+    Terminal t([&] { return veld(24, 79, "2c", doel, &SCHERM.toets[key_cancel]); });
+    t.toetsen("<F11>");
+    EXPECT_EQ(t.stuk(22, 75, 6), "┌────┐") << t.scherm();
+    EXPECT_EQ(t.stuk(24, 75, 6), "└────┘");
+    t.toetsen("a`<Enter>");
+    EXPECT_EQ(t.stuk(24, 79, 2), "à_");
+}
+
+TEST(VeldVenster, ComposeAlleenInTekst) {
+    alignas(8) char doel[8] = "";
+    Terminal t([&] { return veld(5, 10, "4u", doel, &SCHERM.toets[key_cancel]); });
+    t.toetsen("<F11>");
+    EXPECT_EQ(t.regel(25), "Ongeldige toets");
+}
+
+struct Hulpgeval {
+    const char* formaat;
+    const char* regels[7]; // rows 2, 3, 5, 7, 8, 9 and 10 of the window
+};
+
+TEST(VeldVenster, Hulp) {
+    const Hulpgeval gevallen[] = {
+        {"20c,E",
+         {"Er wordt ingave van een tekst verwacht", "U moet 20 posities vullen", "Alle tekens toegestaan",
+          "De volgende functietoetsen zijn toe te passen :", "Cursor Up, Page Down, CANCEL", "F5, F12", ""}},
+        {"8.4f,P",
+         {"Er wordt ingave van een getal verwacht", "U mag 8 posities vullen, waarvan  4 cijfers na de komma",
+          "Alle cijfers toegestaan", "De volgende functietoetsen zijn toe te passen :",
+          "Cursor Up, Page Down, CANCEL", "F5, F12", "Bereik : 0.0001 t/m 999.9999"}},
+        {"4d",
+         {"Er wordt ingave van een getal verwacht", "U mag 4 posities vullen", "Alle cijfers toegestaan",
+          nullptr, nullptr, nullptr, "Bereik : -999 t/m 9999"}},
+        {"8B,ZP",
+         {"Er wordt ingave van een bedrag verwacht",
+          "U mag 8 posities vullen, waarvan  2 cijfers na de komma", "Alle cijfers toegestaan", nullptr,
+          nullptr, nullptr, "Bereik : 0.00 t/m 99999.99"}},
+        {"10D",
+         {"Er wordt ingave van een datum verwacht", "U mag 10 posities vullen  (DDMMJJ)",
+          "Alle cijfers toegestaan", nullptr, nullptr, nullptr, ""}},
+        {"6x",
+         {"Er wordt ingave van een hexadecimale waarde verwacht", "U mag 6 posities vullen",
+          "Hexadecimale tekens toegestaan", nullptr, nullptr, nullptr, ""}},
+        {"b",
+         {"Er wordt ingave Ja of Nee verwacht", "U moet 1 posities vullen", "J, N toegestaan", nullptr,
+          nullptr, nullptr, ""}},
+        {"1c[+*C],EA",
+         {"Er wordt ingave van een tekst verwacht", "U moet 1 posities vullen", "* + C toegestaan", nullptr,
+          nullptr, nullptr, ""}},
+        {"3c[^.,]",
+         {"Er wordt ingave van een tekst verwacht", "U mag 3 posities vullen", ", . niet toegestaan", nullptr,
+          nullptr, nullptr, ""}},
+        {"3c[^]",
+         {"Er wordt ingave van een tekst verwacht", "U mag 3 posities vullen", "niet toegestaan", nullptr,
+          nullptr, nullptr, ""}},
+    };
+    Terminal t([&] {
+        SCRINIT();
+        for (const auto& g : gevallen) {
+            alignas(8) char doel[32] = {};
+            INGAVE(3, 10, g.formaat, &SCHERM.toets[key_cancel], &SCHERM.toets[key_up],
+                   &SCHERM.toets[key_pgdn], &SCHERM.toets[key_f5], &SCHERM.toets[key_f12], doel);
+        }
+        SCREXIT();
+        return 0;
+    });
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.formaat);
+        t.toetsen("<Help>");
+        EXPECT_EQ(t.stuk(9, 27, 26), "─ Ingave HELP-informatie ─") << t.scherm();
+        const int rijen[] = {2, 3, 5, 7, 8, 9, 10};
+        for (size_t i = 0; i < 7; i++) {
+            if (!g.regels[i])
+                continue;
+            std::string verwacht = g.regels[i];
+            verwacht.resize(66, ' ');
+            EXPECT_EQ(t.stuk(9 + rijen[i], 7, 66), verwacht);
+        }
+        EXPECT_EQ(t.stuk(21, 7, 25), "<ENTER> voor vervolg _   ");
+        EXPECT_EQ(std::make_pair(t.cursor_rij(), t.cursor_kolom()), std::make_pair(21, 28));
+        t.toetsen("x<Esc><F1>");
+        EXPECT_EQ(t.regel(25), "Ongeldige ingave");
+        t.toetsen("<Enter>");
+        EXPECT_EQ(t.regel(25), "");
+        EXPECT_EQ(t.regel(9), "");
+        t.toetsen("<Esc>");
+    }
+    EXPECT_EQ(t.einde(), 0);
+}
+
+TEST(VeldVenster, HulpMiddenInHetVeld) {
+    char doel[9] = "abc";
+    Terminal t([&] { return veld(5, 10, "8c", doel, &SCHERM.toets[key_cancel]); });
+    t.toetsen("xy<Help>");
+    EXPECT_EQ(t.regel(25), "Ongeldige toets") << "the help key works at the start of a field only";
+    t.toetsen("<F1>");
+    EXPECT_TRUE(t.wacht("Ingave HELP-informatie"));
+    t.toetsen("<Enter>");
+    EXPECT_EQ(t.stuk(5, 10, 8), "xy______");
+    t.toetsen("z<Enter>");
+    EXPECT_EQ(t.regel(1), "klaar 10 [xyz]");
+}
+
+// A key of the caller's own never opens a window.
+TEST(VeldVenster, EigenToetsen) {
+    char doel[9] = "abc";
+    for (auto [toets, code] : {std::pair<const char*, int>{"<Help>", K_HELP}, {"<F1>", K_F1}}) {
+        Terminal t([&] { return veld(5, 10, "8c", doel, &SCHERM.toets[key_help]); });
+        t.toetsen(toets);
+        EXPECT_EQ(t.regel(1), "klaar " + std::to_string(code) + " [abc]");
+    }
+    Terminal t([&] { return veld(5, 10, "8c", doel, &SCHERM.toets[key_f1], &SCHERM.toets[key_f11]); });
+    t.toetsen("q<F11>");
+    EXPECT_EQ(t.regel(1), "klaar 275 [q]");
+}
+
+TEST(VeldVenster, ExitBreektAf) {
+    char doel[9] = "abc";
+    Terminal t([&] { return veld(5, 10, "8c", doel, &SCHERM.toets[key_cancel]); });
+    t.toetsen("x");
+    t.sein(SIGQUIT);
+    EXPECT_TRUE(t.wacht("Ongeldige toets")) << t.scherm();
+    t.toetsen("<Home>");
+    t.sein(SIGINT); // deletes a character
+    EXPECT_TRUE(t.wacht_op(5, 10, "________")) << t.scherm();
+    t.sein(SIGQUIT);
+    EXPECT_TRUE(t.wacht("EXIT-toets gebruikt")) << t.scherm();
+    t.toetsen("<Enter>");
+    EXPECT_EQ(t.einde(), 1);
+}
+
+// A burst of keys over several fields, their windows and reports gives what the same keys give one by one.
+TEST(VeldVenster, VooruitTypen) {
+    const char* keys = "2,5<Enter>010216<Enter><F11>e'<Enter>t\xC3\xA9<Enter>99999<Enter><Back>12<Enter>"
+                       "jq<Home>-<Enter>\\A7<Enter>";
+    auto kind = [] {
+        SCRINIT();
+        int32_t bedrag = 0;
+        uint16_t dag = 0, getal = 0;
+        uint8_t ja = 0;
+        char naam[9] = "", hex[5] = "";
+        INGAVE(2, 1, "8B", &SCHERM.toets[key_cancel], &bedrag);
+        INGAVE(3, 1, "8D", &SCHERM.toets[key_cancel], &dag);
+        INGAVE(4, 1, "8s", &SCHERM.toets[key_cancel], naam);
+        INGAVE(5, 1, "5u", &SCHERM.toets[key_cancel], &getal);
+        INGAVE(6, 1, "b", &SCHERM.toets[key_cancel], &ja);
+        INGAVE(7, 1, "4x", &SCHERM.toets[key_cancel], hex);
+        SCRPUT(A_WAARDE, 1, 1, "klaar %d %d %s %d %d %.4s.", bedrag, dag, naam, getal, ja, hex);
+        TOETS();
+        SCREXIT();
+        return 0;
+    };
+    Terminal een(kind), alles(kind);
+    een.toetsen(keys);
+    alles.reeks(keys);
+    EXPECT_EQ(een.regel(1), "klaar 250 42401 été 12 0 417.");
+    EXPECT_TRUE(alles.wacht("klaar 250 42401 été 12 0 417.")) << alles.scherm();
+}
+
+} // namespace
+} // namespace zg
