@@ -1,13 +1,36 @@
-// The screen against a terminal emulator: start and end, windows, text, status line, variants, hang-ups.
+// The screen against a terminal emulator: start and end, windows, text, status line, variants, the abort box.
 #include "support/terminal.h"
 #include "term/scherm.h"
 #include "term/toets.h"
+#include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
 
-TEST(Scherm, WindowRestoresWhatItCovered) {
+namespace {
+
+// A child that opens the screen, does its work, waits for a key and closes.
+std::function<int()> op_scherm(const std::function<void()>& werk) {
+    return [werk] {
+        SCRINIT();
+        werk();
+        TOETS();
+        SCREXIT();
+        return 0;
+    };
+}
+
+const int WIT = 7, BLAUW = 4, CYAAN = 6, ROOD = 1;
+
+} // namespace
+
+TEST(Venster, RestoresWhatItCovered) {
     Terminal t([] {
         SCRINIT();
         SCRPUT(A_WAARDE, 10, 10, "M\x9Bller & S\x9Bn onder het venster");
@@ -16,19 +39,509 @@ TEST(Scherm, WindowRestoresWhatItCovered) {
         WINBOX("%s", " Titel ");
         SCRPUT(A_LABEL, 1, 1, "binnen");
         TOETS();
+        WINOPEN2(8, 1, 6, 30);
+        WINBOX(nullptr);
+        SCRBASE(A_WAARDE, 10, 1, "basis");
+        TOETS();
+        WINCLOSE();
+        TOETS();
         WINCLOSE();
         TOETS();
         SCREXIT();
         return 0;
     });
     t.kalm();
-    std::string voor = t.scherm();
     EXPECT_EQ(t.stuk(10, 10, 12), "Møller & Søn");
     t.toetsen("x");
     EXPECT_EQ(t.stuk(9, 12, 20), "┌───── Titel ──────┐");
     EXPECT_EQ(t.stuk(10, 12, 7), "│binnen");
+    EXPECT_EQ(t.cel(10, 13).achter, WIT);
     t.toetsen("x");
-    EXPECT_EQ(t.scherm(), voor);
+    EXPECT_EQ(t.stuk(10, 1, 3), "│  ") << "text on the base went over the window above";
+    EXPECT_EQ(t.stuk(8, 1, 30), "┌────────────────────────────┐");
+    t.toetsen("x");
+    EXPECT_EQ(t.stuk(10, 1, 19), "basis    M│binnen  ");
+    t.toetsen("x");
+    EXPECT_EQ(t.regel(10), "basis    Møller & Søn onder het venster");
+    EXPECT_EQ(t.regel(9), "");
+    EXPECT_EQ(t.cel(9, 13).achter, BLAUW);
+    t.stuur("x");
+    EXPECT_EQ(t.einde(), 0);
+}
+
+TEST(Venster, KeepsItsBorder) {
+    Terminal t(op_scherm([] {
+        WINOPEN1(5, 5, 5, 12);
+        WINBOX("%s", "T");
+        for (int r = 1; r <= 3; r++)
+            SCRPUT(A_WAARDE, r, 1, "langer dan het venster");
+        SCRCLREOL(2, 4);
+        SCRCLREOW(3, 10); // the cursor on the last cell
+        SCRADD("meer dan past");
+    }));
+    t.kalm();
+    EXPECT_EQ(t.stuk(5, 5, 12), "┌────T─────┐");
+    EXPECT_EQ(t.stuk(6, 5, 12), "│langer dan│");
+    EXPECT_EQ(t.stuk(7, 5, 12), "│lan       │");
+    EXPECT_EQ(t.stuk(8, 5, 12), "│langer dam│");
+    EXPECT_EQ(t.stuk(9, 5, 12), "└──────────┘");
+}
+
+TEST(Venster, EdgesAndCounts) {
+    static const struct {
+        int rij, kolom;
+        const char* tekst;
+        int n;
+    } GEVALLEN[] = {
+        {1, 80, "drie", 1}, {25, 80, "laatste", 1}, {1, 0, "x", 0},  {0, 1, "x", 0},
+        {26, 1, "x", 0},    {1, 81, "x", 0},        {25, 1, "", 0}, {-1, -1, "x", 0},
+    };
+    Terminal t(op_scherm([] {
+        int fout = 0;
+        for (const auto& g : GEVALLEN)
+            if (SCRPUT(A_WAARDE, g.rij, g.kolom, "%s", g.tekst) != g.n)
+                fout = static_cast<int>(&g - GEVALLEN) + 1;
+        WINAT(3, 7);
+        int rij, kolom;
+        WINNAARSCHERM(2, 2, &rij, &kolom);
+        SCRPUT(A_WAARDE, 2, 1, "fout %d", fout);
+        WINOPEN(20, 70, 99, 99, 1); // moved in and cut
+        SCRPUT(A_WAARDE, 3, 1, "%dx%d", WINHOOGTE(), WINBREEDTE());
+    }));
+    t.kalm();
+    EXPECT_EQ(t.regel(3), "25x80");
+    t.stuur("x");
+    EXPECT_EQ(t.einde(), 0);
+    Terminal u(op_scherm([] {
+        for (const auto& g : GEVALLEN)
+            if (SCRPUT(A_WAARDE, g.rij, g.kolom, "%s", g.tekst) != g.n)
+                SCRPUT(A_WAARDE, 2, 1, "fout %s", g.tekst);
+    }));
+    u.kalm();
+    EXPECT_EQ(u.regel(2), "");
+    EXPECT_EQ(u.stuk(1, 80, 1), "d");
+    EXPECT_EQ(u.stuk(25, 80, 1), "l");
+}
+
+TEST(Scherm, AttributesAndColours) {
+    static const struct {
+        uint32_t attr;
+        int voor, achter;
+        bool vet, keus;
+    } GEVALLEN[] = {
+        {A_LABEL, WIT, BLAUW, false, false},      {A_WAARDE, WIT, BLAUW, true, false},
+        {A_KEUS, WIT, BLAUW, false, true},        {A_SNELLETTER, CYAAN, BLAUW, true, false},
+        {A_WAARDE_KEUS, WIT, BLAUW, true, true},  {A_KEUS | A_SNELLETTER, WIT, BLAUW, true, true},
+    };
+    Terminal t(op_scherm([] {
+        int rij = 1;
+        for (const auto& g : GEVALLEN)
+            SCRPUT(g.attr, rij++, 1, "tekst");
+        WINOPEN3(15, 1, 3, 10);
+        SCRPUT(A_SNELLETTER, 1, 1, "let op");
+    }));
+    t.kalm();
+    int rij = 1;
+    for (const auto& g : GEVALLEN) {
+        Cel c = t.cel(rij, 1);
+        SCOPED_TRACE(testing::Message() << "attribute " << std::hex << g.attr);
+        EXPECT_EQ(c.voor, g.voor);
+        EXPECT_EQ(c.achter, g.achter);
+        EXPECT_EQ(c.vet, g.vet);
+        EXPECT_EQ(c.keus, g.keus);
+        EXPECT_FALSE(c.streep) << "underline is a colour here";
+        rij++;
+    }
+    EXPECT_EQ(t.cel(15, 1).voor, ROOD);
+    EXPECT_EQ(t.cel(1, 1).voor, WIT) << "a window changed the colours below it";
+}
+
+TEST(Scherm, DeepWindowsKeepColours) {
+    Terminal t(op_scherm([] {
+        SCRPUT(A_SNELLETTER, 1, 1, "x");
+        for (int i = 1; i < VENSTERS; i++)
+            WINOPEN(2 + i, 1, 2, 4, i % 8);
+        TOETS();
+        while (SCHERM.aantal > 1)
+            WINCLOSE();
+    }));
+    t.kalm();
+    EXPECT_EQ(t.cel(1, 1).voor, CYAAN);
+    t.toetsen("x");
+    EXPECT_EQ(t.cel(1, 1).voor, CYAAN);
+    EXPECT_EQ(t.cel(10, 2).achter, BLAUW);
+}
+
+// Every byte value as text takes one cell, and none reaches the terminal as a control.
+TEST(Scherm, AllBytesAreSafe) {
+    for (const char* locale : {"C.UTF-8", "C"}) {
+        SCOPED_TRACE(locale);
+        Opties o;
+        o.locale = locale;
+        Terminal t(op_scherm([] {
+                       for (int c = 1; c < 256; c++)
+                           SCRPUT(A_WAARDE, 2 + c / 16, 1 + 4 * (c % 16), "<%c>", c);
+                       for (int c = 1; c < 256; c++)
+                           SCRPUT(0x400000 | A_WAARDE, 20, 1 + c % 64, "%c", c);
+                   }),
+                   o);
+        t.kalm();
+        bool utf8 = strcmp(locale, "C.UTF-8") == 0; // the emulator takes bytes from 80 to 9F as controls
+        for (int c = 1; utf8 && c < 256; c++) {
+            std::string s = t.stuk(2 + c / 16, 1 + 4 * (c % 16), 3);
+            EXPECT_EQ(s.front(), '<') << c;
+            EXPECT_EQ(s.back(), '>') << c;
+        }
+        EXPECT_EQ(t.stuk(2, 5, 3), "< >");
+        EXPECT_EQ(t.bellen(), 0);
+        if (utf8) {
+            EXPECT_EQ(t.stuk(10, 1, 8), "<Ç> <ü> ");
+            EXPECT_EQ(t.stuk(17, 61, 3), "< >") << "no-break space";
+            EXPECT_EQ(t.stuk(17, 1, 7), "<-> <±>") << "soft hyphen";
+            EXPECT_EQ(t.uitvoer().find("\xC2\x9B"), std::string::npos);
+        } else {
+            for (int c = 0x80; c < 0xFF; c++)
+                if (c != 0xF0) {
+                    char b[] = {'<', static_cast<char>(c), '>', 0};
+                    EXPECT_NE(t.uitvoer().find(b), std::string::npos) << c << " did not pass as it is";
+                }
+        }
+        t.stuur("x");
+        EXPECT_EQ(t.einde(), 0);
+    }
+}
+
+TEST(Scherm, LineDrawingByNumber) {
+    Terminal t(op_scherm([] {
+        SCRPUT(0x500000, 1, 1, "%c%c%c", 196, 254, 251);
+        SCRPUT(A_LIJN_WAARDE, 2, 1, "qx+,");
+        SCRLIJN(A_LIJN_LABEL, 3, 5, L_HORIZONTAAL, 4);
+        SCRLIJN(A_LIJN_LABEL, 4, 5, L_VERTICAAL, 2);
+    }));
+    t.kalm();
+    EXPECT_EQ(t.regel(1), "─■√");
+    EXPECT_EQ(t.regel(2), "─│→←");
+    EXPECT_EQ(t.regel(3), "    ────");
+    EXPECT_EQ(t.regel(4), "    │");
+    EXPECT_EQ(t.regel(5), "    │");
+}
+
+TEST(Scherm, StatusLine) {
+    Terminal t([] {
+        SCRINIT();
+        WINOPEN1(5, 5, 5, 20);
+        error("Ongeldige %s", "toets");
+        TOETS();
+        error("kort");
+        TOETS();
+        error("kort");
+        TOETS();
+        error("%s", "");
+        error("%s", "");
+        TOETS();
+        error("%0200d", 7);
+        TOETS();
+        SCHERM.dicht = 1;
+        error("dicht");
+        int n = SCRPUT(A_WAARDE, 1, 1, "dicht");
+        WINOPEN1(8, 8, 3, 3);
+        WINBOX("x");
+        int rand = SCHERM.venster[SCHERM.huidig].rand;
+        WINCLOSE();
+        SCHERM.dicht = 0;
+        SCRPUT(A_WAARDE, 1, 1, "%d %d", n, rand);
+        TOETS();
+        SCREXIT();
+        return 0;
+    });
+    t.kalm();
+    EXPECT_EQ(t.regel(25), "Ongeldige toets");
+    EXPECT_EQ(t.bellen(), 1);
+    t.toetsen("x");
+    EXPECT_EQ(t.regel(25), "kort");
+    t.toetsen("x");
+    EXPECT_EQ(t.bellen(), 3) << "the same text twice is two beeps";
+    t.toetsen("x");
+    EXPECT_EQ(t.regel(25), "");
+    EXPECT_EQ(t.bellen(), 3);
+    t.toetsen("x");
+    EXPECT_EQ(t.regel(25), std::string(80, '0'));
+    t.toetsen("x");
+    EXPECT_EQ(t.stuk(5, 5, 3), "0 0");
+    EXPECT_EQ(t.bellen(), 4);
+}
+
+TEST(Scherm, BusyText) {
+    Terminal t([] {
+        SCRINIT();
+        BEZIGTOON(); // still off
+        TOETS();
+        BEZIGAAN();
+        BEZIGTOON();
+        TOETS();
+        BEZIGWIS();
+        TOETS();
+        SCREXIT();
+        return 0;
+    });
+    t.kalm();
+    EXPECT_EQ(t.regel(25), "");
+    t.toetsen("x");
+    EXPECT_EQ(t.stuk(25, 65, 15), "Even geduld aub");
+    t.toetsen("x");
+    EXPECT_EQ(t.regel(25), "");
+}
+
+TEST(Scherm, Variants) {
+    static const struct {
+        const char* naam;
+        int rijen, kolommen;
+    } GEVALLEN[] = {{"-w", 25, 132}, {"-l", 43, 80}};
+    for (const auto& g : GEVALLEN) {
+        SCOPED_TRACE(g.naam);
+        Opties o;
+        o.rijen = 50, o.kolommen = 140;
+        Terminal t(
+            [&g] {
+                SCRINIT();
+                SCRPUT(A_WAARDE, 12, 30, "gewoon scherm");
+                WINOPEN1(3, 3, 5, 20);
+                WINBOX("%s", "V");
+                TOETS();
+                SCRTERM(g.naam);
+                SCRPUT(A_WAARDE, SCHERM.lines, SCHERM.cols - 4, "hoek!");
+                SCRPUT(A_WAARDE, 1, 1, "%dx%d", SCHERM.lines, SCHERM.cols);
+                WINOPEN1(6, 40, 4, 10);
+                error("fout");
+                TOETS();
+                WINCLOSE();
+                WINCLOSE();
+                SCRPUT(A_WAARDE, 1, 1, "%dx%d %d", SCHERM.lines, SCHERM.cols, SCHERM.aantal);
+                TOETS();
+                SCRTERM(g.naam); // a second time, the SCREEN exists
+                SCRPUT(A_WAARDE, 2, 2, "weer");
+                TOETS();
+                WINCLOSE();
+                SCRTERM(""); // on top of itself: a full window
+                SCRPUT(A_WAARDE, 2, 2, "vol %d", SCHERM.aantal);
+                TOETS();
+                WINCLOSE();
+                TOETS();
+                SCREXIT();
+                return 0;
+            },
+            o);
+        t.kalm();
+        std::string voor = t.scherm();
+        t.toetsen("x");
+        EXPECT_EQ(t.stuk(g.rijen, g.kolommen - 4, 5), "hoek!");
+        EXPECT_EQ(t.regel(1), std::to_string(g.rijen) + "x" + std::to_string(g.kolommen));
+        EXPECT_EQ(t.regel(12), "");
+        EXPECT_EQ(t.cel(6, 42).achter, WIT);
+        EXPECT_EQ(t.stuk(g.rijen, 1, 4), "fout");
+        t.toetsen("x");
+        EXPECT_EQ(t.stuk(4, 4, 7), "25x80 2");
+        EXPECT_EQ(t.stuk(12, 30, 13), "gewoon scherm");
+        EXPECT_EQ(t.regel(40), "");
+        t.toetsen("x");
+        EXPECT_EQ(t.regel(2), " weer");
+        t.toetsen("x");
+        EXPECT_EQ(t.regel(2), " vol 3");
+        EXPECT_EQ(t.regel(12), "");
+        t.toetsen("x");
+        EXPECT_EQ(t.stuk(12, 30, 13), "gewoon scherm");
+        EXPECT_EQ(t.stuk(3, 3, 20), "┌────────V─────────┐");
+        t.stuur("x");
+        EXPECT_EQ(t.einde(), 0);
+    }
+}
+
+TEST(Scherm, VariantThatIsNotThereFallsBack) {
+    Opties smal;
+    smal.omgeving = {{"TERM", "xterm"}};
+    Terminal t(op_scherm([] { // 25 x 80: 132 columns would be out of sight
+                   SCRPUT(A_WAARDE, 5, 5, "onder");
+                   SCRTERM("-w");
+                   SCRPUT(A_WAARDE, 1, 1, "%dx%d %d", SCHERM.lines, SCHERM.cols, SCHERM.aantal);
+                   TOETS();
+                   WINCLOSE();
+               }),
+               smal);
+    t.kalm();
+    EXPECT_EQ(t.regel(1), "25x80 2");
+    EXPECT_EQ(t.regel(5), "");
+    t.toetsen("x");
+    EXPECT_EQ(t.regel(5), "    onder");
+}
+
+// Only our part of a larger window is coloured, and the whole window scrolls again afterwards.
+TEST(Scherm, LargerWindowStaysItself) {
+    Opties o;
+    o.rijen = 40, o.kolommen = 100;
+    Terminal t(op_scherm([] { SCRPUT(A_WAARDE, 25, 1, "onder"); }), o);
+    t.kalm();
+    EXPECT_EQ(t.regel(25), "onder");
+    EXPECT_EQ(t.cel(25, 80).achter, BLAUW);
+    EXPECT_EQ(t.cel(25, 81).achter, -1);
+    EXPECT_EQ(t.cel(26, 1).achter, -1);
+    t.stuur("x");
+    EXPECT_EQ(t.einde(), 0);
+    EXPECT_EQ(t.uitvoer().find("\x1b[1;25r"), std::string::npos) << "a scroll region stays behind";
+}
+
+TEST(Scherm, UnknownTerminal) {
+    TijdelijkeMap leeg;
+    static const struct {
+        const char *term, *tekst;
+    } GEVALLEN[] = {{"bestaatniet", "Onbekende terminfo (Bestaatniet)"},
+                    {"", "Onbekende terminfo (TERM)"},
+                    {"../../etc/passwd", "Onbekende terminfo (../../etc/passwd)"},
+                    {"x\033[2Jy", "Onbekende terminfo (X?[2Jy)"}};
+    for (const auto& g : GEVALLEN) {
+        Opties o;
+        o.omgeving = {{"TERM", g.term}};
+        Terminal t(op_scherm([] {}), o);
+        EXPECT_EQ(t.einde(), 10) << g.term;
+        EXPECT_NE(t.scherm().find(g.tekst), std::string::npos) << t.scherm();
+    }
+    // the lower-case entry alone is not enough
+    Opties o;
+    o.omgeving = {{"TERMINFO_DIRS", "/lib/terminfo:/usr/share/terminfo"}};
+    Terminal t(op_scherm([] {}), o);
+    EXPECT_EQ(t.einde(), 10);
+    EXPECT_EQ(t.regel(2), "Onbekende terminfo (Xterm)");
+}
+
+// The modes of the terminal are the same after every way out.
+TEST(Scherm, TerminalIsGivenBackAsFound) {
+    static const struct {
+        const char* naam;
+        std::function<void()> werk;
+        const char* toetsen;
+    } GEVALLEN[] = {
+        {"end", [] { TOETS(); SCRSTOP(0); }, "x"},
+        {"abort", [] { SCRFATAL("ioord: errno=%d", 7); }, "<Enter>"},
+        {"abort in a variant", [] { SCRTERM("-l"); WINOPEN1(1, 1, 3, 3); SCRFATAL("x"); }, "<Enter>"},
+        {"abort with a full stack",
+         [] {
+             for (int i = 0; i < VENSTERS; i++)
+                 WINOPEN1(1, 1, 3, 3);
+         },
+         "<Enter>"},
+        {"subshell", [] { SCHELP("", "true", false); TOETS(); SCRSTOP(0); }, "x"},
+    };
+    for (const auto& g : GEVALLEN) {
+        SCOPED_TRACE(g.naam);
+        Opties o;
+        o.rijen = 43;
+        Terminal t(
+            [&g] {
+                termios voor{}, na{};
+                tcgetattr(0, &voor);
+                voor.c_cc[VERASE] = 8;
+                voor.c_iflag |= IXANY;
+                tcsetattr(0, TCSANOW, &voor);
+                pid_t kind = fork();
+                if (kind == 0) {
+                    SCRINIT();
+                    g.werk();
+                    _exit(99);
+                }
+                int status = 0;
+                waitpid(kind, &status, 0);
+                tcgetattr(0, &na);
+                printf("status %d modes %s\n", WEXITSTATUS(status),
+                       voor.c_lflag == na.c_lflag && voor.c_iflag == na.c_iflag && voor.c_oflag == na.c_oflag &&
+                               memcmp(voor.c_cc, na.c_cc, NCCS) == 0
+                           ? "goed"
+                           : "fout");
+                return 0;
+            },
+            o);
+        std::string doos = strncmp(g.naam, "abort", 5) == 0 ? "PROGRAMMA AFGEBROKEN" : "";
+        t.wacht(doos);
+        t.reeks(g.toetsen);
+        t.wacht(doos.empty() ? "status 0 modes goed" : "status 1 modes goed");
+        EXPECT_EQ(t.einde(), 0);
+        EXPECT_NE(t.uitvoer().find("\x1b[?1049l"), std::string::npos);
+    }
+}
+
+TEST(Afbreken, BoxOnTheScreen) {
+    Terminal t([] {
+        SCRINIT();
+        error("rest");
+        SCHERM.dicht = 1;
+        SCRFATAL("%s: errno=%d", "ioord", 13);
+        return 0;
+    });
+    t.wacht("voor vervolg");
+    EXPECT_EQ(t.stuk(18, 10, 40), "┌─────────PROGRAMMA AFGEBROKEN─────────┐");
+    EXPECT_EQ(t.stuk(19, 10, 40), "│ ioord: errno=13                      │");
+    EXPECT_EQ(t.stuk(20, 10, 40), "│ Neem contact op met de Support-groep │");
+    EXPECT_EQ(t.stuk(21, 10, 40), "│ <ENTER> voor vervolg                 │");
+    EXPECT_EQ(t.stuk(22, 10, 40), "└──────────────────────────────────────┘");
+    t.toetsen("x<Esc><F1>");
+    EXPECT_TRUE(t.leeft());
+    t.stuur("\r");
+    EXPECT_EQ(t.einde(), 1);
+}
+
+TEST(Afbreken, LongReportIsReadWhole) {
+    Terminal t([] {
+        SCRINIT();
+        SCRFATAL("%s einde", std::string(200, 'n').c_str());
+        return 0;
+    });
+    t.wacht("voor vervolg");
+    EXPECT_NE(t.scherm().find("einde"), std::string::npos);
+    t.stuur("\r");
+    EXPECT_EQ(t.einde(), 1);
+}
+
+TEST(Afbreken, WithoutAScreen) {
+    Terminal t([] {
+        SCRFATAL("%s: geen scherm", "iotab");
+        return 0;
+    });
+    t.wacht("<ENTER> voor vervolg");
+    EXPECT_EQ(t.regel(1), "PROGRAMMA AFGEBROKEN");
+    EXPECT_EQ(t.regel(2), "iotab: geen scherm");
+    EXPECT_EQ(t.regel(3), "Neem contact op met de Support-groep");
+    EXPECT_NE(t.uitvoer().find("AFGEBROKEN\r"), std::string::npos);
+    t.stuur("x\n");
+    EXPECT_EQ(t.einde(), 1);
+}
+
+TEST(Afbreken, SecondTimeEndsAtOnce) {
+    Terminal t([] {
+        SCRINIT();
+        SCRFATALHAAK = [] { SCRFATAL("nog eens"); };
+        SCRFATAL("eerste");
+        return 0;
+    });
+    EXPECT_EQ(t.einde(), 1);
+}
+
+TEST(Scherm, SubshellGetsTheTerminal) {
+    TijdelijkeMap map;
+    schrijf_bestand("opdracht", "#!/bin/sh\nstty -a | grep -q ' echo ' && echo met echo\n");
+    chmod("opdracht", 0755);
+    Opties o;
+    o.omgeving = {{"WERKMAP", map.pad()}};
+    Terminal t(op_scherm([] {
+                   SCRPUT(A_WAARDE, 3, 3, "scherm");
+                   WINOPEN1(5, 5, 3, 10);
+                   SCHELP("WERKMAP", "opdracht", true);
+               }),
+               o);
+    t.wacht("met echo");
+    t.wacht("<ENTER> voor vervolg");
+    t.stuur("\n");
+    t.wacht_op(3, 3, "scherm");
+    t.kalm();
+    EXPECT_EQ(t.cel(5, 5).achter, WIT);
+    EXPECT_EQ(t.scherm().find("met echo"), std::string::npos);
     t.stuur("x");
     EXPECT_EQ(t.einde(), 0);
 }

@@ -1,0 +1,389 @@
+// Keys as terminals send them: names, sequences, UTF-8, signals, type-ahead, hang-up, the macro hook.
+#include "support/terminal.h"
+#include "term/ingave.h"
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <gtest/gtest.h>
+#include <string>
+#include <termios.h>
+#include <unistd.h>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+// Shows the codes of its keys on rows from 1; "q" ends it.
+int toetslog() {
+    SCRINIT();
+    int rij = 1, kolom = 1;
+    for (int32_t key = 0; key != 'q';) {
+        key = TOETS();
+        kolom += SCRPUT(A_WAARDE, rij, kolom, "%d ", key);
+        if (kolom > 70)
+            rij++, kolom = 1;
+    }
+    TOETS();
+    SCREXIT();
+    return 0;
+}
+
+// The codes that a row of bytes gives, sent in one burst.
+std::string codes(std::string_view bytes, const Opties& o = {}) {
+    Terminal t(toetslog, o);
+    t.kalm();
+    t.stuur(bytes);
+    t.kalm();
+    t.stuur("q");
+    t.wacht("113");
+    std::string s = t.scherm();
+    std::string uit;
+    for (size_t i = 0; i < s.size() && s.compare(i, 3, "113") != 0; i++)
+        if (s[i] != '\n')
+            uit += s[i];
+    return uit;
+}
+
+} // namespace
+
+TEST(Klavier, KeysOfEveryTerminal) {
+    const std::string reeks = "<Up><Down><Left><Right><Home><End><PgUp><PgDn><Ins><Del><Back><BTab><Tab><Enter><Esc>";
+    const std::string f = "<F1><F2><F3><F4><F5><F6><F7><F8><F9><F10><F11><F12>";
+    for (const char* term : {"xterm", "xterm-256color", "tmux", "tmux-256color", "screen", "linux", "rxvt", "vt220",
+                             "vt100", "alacritty", "foot", "xterm-kitty"}) {
+        SCOPED_TRACE(term);
+        Opties o;
+        o.term = term;
+        Terminal t(toetslog, o);
+        t.kalm();
+        t.toetsen(reeks + f + "<Cancel><Help><Exit>q");
+        std::string s = t.scherm();
+        EXPECT_EQ(t.regel(1), "259 258 260 261 262 360 339 338 331 330 263 353 9 10 27 265 266 267 268");
+        EXPECT_EQ(t.regel(2), "269 270 271 272 273 274 275 276 355 363 361 113");
+        t.stuur("q");
+        EXPECT_EQ(t.einde(), 0);
+    }
+}
+
+TEST(Klavier, Sequences) {
+    static const struct {
+        const char *bytes, *codes, *waarom;
+    } GEVALLEN[] = {
+        {"\033[A\033OA\033[B\033OB", "259 259 258 258 ", "both cursor modes"},
+        {"\033[11~\033[12~\033[[A\033OP", "265 266 265 265 ", "F1 in four dialects"},
+        {"\033[1~\033[7~\033[H\033OH\033[4~\033[8~\033[F", "262 262 262 262 360 360 360 ", "Home and End"},
+        {"\033Op\033OM\033On", "48 10 46 ", "keypad"},
+        {"\033[1;5A\033[3;2~\033[1;2H", "259 330 262 ", "cursor keys with a modifier"},
+        {"\033[1;2P\033[15;5~\033[200~\033[99;99;99u", "600 600 600 600 ", "no key of ours, no loose letters"},
+        {"\033\033[A", "27 259 ", "Esc and a key behind it"},
+        {"\033x\033\r", "27 120 27 10 ", "Esc and type-ahead"},
+        {"\033\033\033", "27 27 27 ", "Esc three times"},
+        {"\033[", "27 91 ", "a sequence that never comes"},
+        {"\x11\x13"
+         "a",
+         "97 ", "XON and XOFF"},
+        {"\r\n\t\b\177", "10 10 9 8 263 ", "controls"},
+        {"\x01\x16\x0f\x04", "1 22 15 4 ", "controls that a line discipline could take"},
+        {"\xC3\xB8\xC3\xA9\xE2\x94\x82", "155 130 179 ", "UTF-8"},
+        {"\xE2\x80\x99\xE2\x80\x9C\xE2\x80\x93", "39 34 45 ", "quotes and dash as people paste them"},
+        {"a\xC3"
+         "b\xE9"
+         "c\xFF"
+         "d\xC0\xAF"
+         "e",
+         "97 98 99 100 101 ", "bytes that are no UTF-8 take nothing with them"},
+        {"\xC2\xA0", "32 ", "a no-break space is a blank"},
+        {"\xC2\x9B"
+         "a",
+         "97 ", "a C1 control is no character"},
+    };
+    for (const auto& g : GEVALLEN)
+        EXPECT_EQ(codes(g.bytes), g.codes) << g.waarom;
+    Opties o;
+    o.locale = "C";
+    EXPECT_EQ(codes("\x9B\x82\xFE", o), "155 130 254 ") << "8-bit terminal: bytes are characters";
+}
+
+TEST(Klavier, CharacterWithoutAPlaceIsTold) {
+    Terminal t(toetslog);
+    t.kalm();
+    t.stuur("\xE2\x82\xAC");
+    t.wacht("U+20AC");
+    EXPECT_EQ(t.bellen(), 1);
+    EXPECT_EQ(t.regel(1), "");
+    EXPECT_EQ(t.regel(25), "Teken U+20AC bestaat hier niet en is overgeslagen");
+}
+
+// A character or sequence may come in two packets.
+TEST(Klavier, HalfACharacterWaits) {
+    Terminal t(toetslog);
+    t.kalm();
+    t.stuur("\xC3");
+    t.kalm();
+    EXPECT_EQ(t.regel(1), "");
+    t.toetsen("");
+    t.stuur("\xB8");
+    t.wacht("155");
+    Terminal u([] { // also when only looked at
+        SCRINIT();
+        SCRPUT(A_WAARDE, 1, 1, "klaar");
+        SCRFLUSH(0);
+        int n = 0;
+        while (!TOETSKLAAR())
+            n++;
+        SCRPUT(A_WAARDE, 2, 1, "%d", TOETS());
+        TOETS();
+        SCREXIT();
+        return 0;
+    });
+    u.wacht("klaar");
+    u.stuur("\xE2");
+    u.stuur("\x94");
+    u.stuur("\x82");
+    u.wacht("179");
+}
+
+TEST(Toets, Signals) {
+    Terminal t(toetslog);
+    t.kalm();
+    t.sein(SIGINT);
+    t.wacht_op(1, 1, "330");
+    t.stuur("\034"); // the quit character
+    t.wacht_op(1, 5, "361");
+    t.stuur("\032"); // suspend: no effect
+    t.kalm();
+    t.stuur("a");
+    t.wacht_op(1, 9, "97");
+    t.reeks("abc\003def"); // the interrupt key leaves what is typed around it alone
+    for (const char* k : {"97 98 99", "100 101 102", "330"})
+        t.wacht(k);
+    t.maat(30, 90);
+    t.toetsen("q");
+    EXPECT_EQ(t.scherm().find("410"), std::string::npos);
+    t.stuur("x");
+    EXPECT_EQ(t.einde(), 0);
+}
+
+TEST(Toets, ResizeRepaints) {
+    Terminal t([] {
+        SCRINIT();
+        SCRPUT(A_WAARDE, 5, 5, "onder");
+        WINOPEN1(10, 10, 3, 10);
+        WINBOX("boven");
+        TOETS();
+        SCREXIT();
+        return 0;
+    });
+    t.kalm();
+    std::string voor = t.scherm();
+    size_t n = t.uitvoer().size();
+    t.maat(40, 100);
+    t.wacht("onder");
+    t.kalm();
+    EXPECT_NE(t.uitvoer().substr(n).find("onder"), std::string::npos);
+    EXPECT_EQ(t.stuk(10, 10, 10), "┌──boven─┐");
+    EXPECT_TRUE(t.leeft());
+}
+
+TEST(Toets, StackBeforeKeyboard) {
+    Terminal t([] {
+        SCRINIT();
+        int leeg = TOETSKLAAR();
+        TOETSDRUK('b');
+        TOETSTERUG('a');
+        int vol = TOETSKLAAR();
+        int32_t a = TOETS(), b = TOETS(), c = TOETS();
+        int wacht = TOETSWACHT(3, 3, 1);
+        SCRPUT(A_WAARDE, 1, 1, "%d %d %c%c%c %d", leeg, vol, a, b, c, wacht);
+        TOETS();
+        TOETSTERUG('x');
+        TOETSLEEG();
+        SCRPUT(A_WAARDE, 2, 1, "%d", TOETSKLAAR());
+        TOETS();
+        SCREXIT();
+        return 0;
+    });
+    t.kalm();
+    t.stuur("c");
+    t.wacht("0 1 abc 0");
+    t.toetsen("x");
+    EXPECT_EQ(t.regel(2), "0");
+}
+
+TEST(Toets, WaitHearsAKey) {
+    Terminal t([] {
+        SCRINIT();
+        SCRPUT(A_WAARDE, 1, 1, "wacht");
+        int klaar = TOETSWACHT(3, 3, 30);
+        SCRPUT(A_WAARDE, 2, 1, "%d %d", klaar, TOETS());
+        TOETS();
+        SCREXIT();
+        return 0;
+    });
+    t.wacht("wacht");
+    t.stuur("k");
+    t.wacht("1 107", 2000);
+}
+
+// What is typed ahead survives a change of variant, the end of the screen and the next program.
+TEST(Toets, TypeAheadIsKept) {
+    Opties o;
+    o.rijen = 43;
+    Terminal t(
+        [] {
+            char c[8] = {};
+            for (int i = 0; i < 2; i++) // typed before the screen was there
+                if (read(0, c, 1) != 1)
+                    return 1;
+            SCRINIT();
+            std::string gelezen;
+            auto lees = [&](int n) {
+                for (int i = 0; i < n; i++)
+                    gelezen += static_cast<char>(TOETS());
+            };
+            lees(2);
+            SCRTERM("-l");
+            lees(2);
+            WINCLOSE();
+            lees(1);
+            TOETSKLAAR(); // moves a key to the stack
+            SCREXIT();
+            SCRINIT(); // as the next program in the same process does
+            lees(3);
+            SCRPUT(A_WAARDE, 1, 1, "%s", gelezen.c_str());
+            lees(1);
+            SCREXIT();
+            return 0;
+        },
+        o);
+    t.stuur("1\nab\033cd\033ef");
+    t.wacht_op(1, 1, "ab cd ef"); // Esc shows as a blank
+}
+
+TEST(Toets, HangUpEndsWithinASecond) {
+    static const struct {
+        const char* naam;
+        int (*werk)();
+    } GEVALLEN[] = {
+        {"waiting for a key", [] { TOETS(); return 0; }},
+        {"the abort box", [] { SCRFATAL("x"); return 0; }},
+        {"sleeping", [] { SCRFLUSH(60); return 0; }},
+        {"output", [] { for (;;) SCRPUT(A_WAARDE, 1, 1, "x"); return 0; }},
+        {"polling", [] { for (;;) TOETSKLAAR(); return 0; }},
+        {"waiting for a lock", [] { for (;;) { SCRFLUSH(0); sleep(2); } return 0; }},
+        {"computing", [] { for (;;) clock(); return 0; }},
+    };
+    for (const auto& g : GEVALLEN) {
+        for (int sein : {0, SIGHUP, SIGTERM}) {
+            SCOPED_TRACE(testing::Message() << g.naam << ", signal " << sein);
+            Terminal t([&g] {
+                SCRINIT();
+                SCRPUT(A_WAARDE, 2, 1, "begint");
+                SCRFLUSH(0);
+                return g.werk();
+            });
+            t.wacht("begint");
+            if (sein)
+                t.sein(sein);
+            else
+                t.hangop();
+            EXPECT_EQ(t.einde(1000), 1);
+        }
+    }
+}
+
+TEST(Toets, TermWithoutSignalIsNoticedToo) {
+    Terminal t([] {
+        SCRINIT();
+        signal(SIGHUP, SIG_IGN);
+        SCRPUT(A_WAARDE, 2, 1, "begint");
+        TOETS();
+        return 0;
+    });
+    t.wacht("begint");
+    t.hangop();
+    EXPECT_EQ(t.einde(1000), 1);
+}
+
+namespace {
+
+std::string speellijst; // the macro, read from its end
+std::string verloop;
+int bewaard;
+
+void macrohaak() {
+    MACROHAAK.aan = 1;
+    MACROHAAK.haal = [] {
+        int32_t k = static_cast<uint8_t>(speellijst.back());
+        speellijst.pop_back();
+        return k;
+    };
+    MACROHAAK.over = [] { return static_cast<int>(!speellijst.empty()); };
+    MACROHAAK.druk = [](int32_t k) { speellijst += static_cast<char>(k); };
+    MACROHAAK.stop = [] {
+        MACROHAAK.speelt = 0;
+        speellijst.clear();
+    };
+    MACROHAAK.dialoog = []() -> int32_t {
+        int32_t k = TOETS(); // F2 again is an ordinary key here
+        speellijst = "cba";
+        MACROHAAK.speelt = k == 'm';
+        return k == 'm' ? static_cast<int32_t>('0') : -2;
+    };
+    MACROHAAK.bewaar = [] { bewaard++; };
+}
+
+int macrolog() {
+    SCRINIT();
+    macrohaak();
+    int kolom = 1;
+    for (int32_t key = 0; key != 'q';) {
+        key = TOETS();
+        kolom += SCRPUT(A_WAARDE, 1, kolom, "%d ", key);
+    }
+    TOETSAAN(K_F2);
+    SCRPUT(A_WAARDE, 2, 1, "veld %d", TOETS());
+    TOETS();
+    MACROHAAK.speelt = 1;
+    speellijst = "a";
+    SCREXIT();
+    return bewaard;
+}
+
+} // namespace
+
+TEST(Toets, MacroHook) {
+    Terminal t(macrolog);
+    t.kalm();
+    t.reeks("1<F2>m2<F2><F2>3q");
+    t.wacht("113");
+    // '2' was typed while the macro waited: it comes first, then the macro, then the rest
+    EXPECT_EQ(t.regel(1), "49 48 50 97 98 99 51 113");
+    t.toetsen("<F2>");
+    EXPECT_EQ(t.regel(2), "veld 266");
+    t.stuur("x");
+    EXPECT_EQ(t.einde(), 1) << "a playing macro is saved at the end of the screen";
+
+    Terminal u(macrolog);
+    u.kalm();
+    u.reeks("<F2>m<Esc>zq");
+    u.wacht("113");
+    EXPECT_EQ(u.regel(1), "48 27 122 113") << "Esc ends the macro and is then a key";
+}
+
+TEST(Toets, Names) {
+    static const struct {
+        int32_t key;
+        const char* naam;
+    } GEVALLEN[] = {{K_F1, "F1 "},   {269, "F5 "},    {274, "F10"},    {276, "F12"},   {K_F2, "\n"},
+                    {K_ESC, "ESC"},  {K_BTAB, "SH_TAB"}, {8, "BACK"},   {K_BACK, "BACK"}, {32, "SPACE"},
+                    {'A', "A"},      {130, "\x82"},   {K_PGDN, "PGDN"}, {K_RIGHT, "RGHT"}};
+    for (const auto& g : GEVALLEN) {
+        char naam[8];
+        TOETSNAAM(g.key, naam);
+        EXPECT_STREQ(naam, g.naam) << g.key;
+    }
+}
