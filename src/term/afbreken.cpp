@@ -82,7 +82,9 @@ void VSCRFATAL(const char* fmt, va_list ap) {
     SCRSTOP(1);
 }
 
-const char* SCRFATALTEKST() { return rapport; }
+const char* SCRFATALTEKST() {
+    return rapport;
+}
 
 void SCRFATAL(const char* fmt, ...) {
     va_list ap;

@@ -11,14 +11,14 @@ TEST(Natl, ClassesAndCase) {
         int klasse;
         uint8_t groot, klein;
     } GEVALLEN[] = {
-        {'a', N_KLEIN | N_HEX, 'A', 'a'},  {'Z', N_GROOT, 'Z', 'z'},         {'7', N_CIJFER | N_HEX, '7', '7'},
-        {9, N_WIT | N_CONTROL, 9, 9},      {32, N_WIT | N_BLANCO, 32, 32},   {255, N_WIT | N_BLANCO, 255, 255},
-        {127, N_CONTROL, 127, 127},        {0x82, N_KLEIN, 0x90, 0x82},      {0x90, N_GROOT, 0x90, 0x82},
-        {0x98, N_KLEIN, 'Y', 0x98},        {0xD8, N_GROOT, 0xD8, 0xD8},      {0x8B, N_KLEIN, 0xD8, 0x8B},
-        {0x9F, N_LEESTEKEN, 0x9F, 0x9F},   {0xE6, N_LEESTEKEN, 0xE6, 0xE6},  {0xE1, N_KLEIN, 0xE1, 0xE1},
-        {0xB3, N_LEESTEKEN, 0xB3, 0xB3},   {0xB5, N_GROOT, 0xB5, 0xA0},      {0x9B, N_KLEIN, 0x9D, 0x9B},
-        {0xD1, N_GROOT, 0xD1, 0xD0},       {0xDC, N_LEESTEKEN, 0xDC, 0xDC},  {0xDE, N_GROOT, 0xDE, 0x8D},
-        {'@', N_LEESTEKEN, '@', '@'},      {0xFE, 0, 0xFE, 0xFE},            {'G', N_GROOT, 'G', 'g'},
+        {'a', N_KLEIN | N_HEX, 'A', 'a'}, {'Z', N_GROOT, 'Z', 'z'},        {'7', N_CIJFER | N_HEX, '7', '7'},
+        {9, N_WIT | N_CONTROL, 9, 9},     {32, N_WIT | N_BLANCO, 32, 32},  {255, N_WIT | N_BLANCO, 255, 255},
+        {127, N_CONTROL, 127, 127},       {0x82, N_KLEIN, 0x90, 0x82},     {0x90, N_GROOT, 0x90, 0x82},
+        {0x98, N_KLEIN, 'Y', 0x98},       {0xD8, N_GROOT, 0xD8, 0xD8},     {0x8B, N_KLEIN, 0xD8, 0x8B},
+        {0x9F, N_LEESTEKEN, 0x9F, 0x9F},  {0xE6, N_LEESTEKEN, 0xE6, 0xE6}, {0xE1, N_KLEIN, 0xE1, 0xE1},
+        {0xB3, N_LEESTEKEN, 0xB3, 0xB3},  {0xB5, N_GROOT, 0xB5, 0xA0},     {0x9B, N_KLEIN, 0x9D, 0x9B},
+        {0xD1, N_GROOT, 0xD1, 0xD0},      {0xDC, N_LEESTEKEN, 0xDC, 0xDC}, {0xDE, N_GROOT, 0xDE, 0x8D},
+        {'@', N_LEESTEKEN, '@', '@'},     {0xFE, 0, 0xFE, 0xFE},           {'G', N_GROOT, 'G', 'g'},
     };
     for (const auto& g : GEVALLEN) {
         EXPECT_EQ(NKLASSE[g.c], g.klasse) << int{g.c};
@@ -51,7 +51,8 @@ TEST(Natl, Compose) {
     static const struct {
         const char* reeks;
         int code;
-    } GEVALLEN[] = {{"a^", 131}, {"3/4", 243}, {"a`", 133}, {"aG", 0}, {"xx", 0}, {"", 0}, {"SS", 245}, {"a^x", 0}};
+    } GEVALLEN[] = {{"a^", 131}, {"3/4", 243}, {"a`", 133}, {"aG", 0},
+                    {"xx", 0},   {"", 0},      {"SS", 245}, {"a^x", 0}};
     for (const auto& g : GEVALLEN)
         EXPECT_EQ(COMPOSE(g.reeks), g.code) << g.reeks;
 }
@@ -73,9 +74,10 @@ TEST(Codepage, FromUnicode) {
         const char *utf8, *cp850;
         bool goed;
     } GEVALLEN[] = {
-        {"é’“–", "\x82'\"-", true},      {"€5", "?5", false},          {"a\xC3", "a?", false},
-        {"\xC3\x28", "?(", false},       {"\xED\xA0\x80", "???", false}, {"\xF0\x9F\x98\x80x", "?x", false},
-        {"\xC0\xAF", "??", false},       {"", "", true},
+        {"é’“–", "\x82'\"-", true},     {"€5", "?5", false},
+        {"a\xC3", "a?", false},         {"\xC3\x28", "?(", false},
+        {"\xED\xA0\x80", "???", false}, {"\xF0\x9F\x98\x80x", "?x", false},
+        {"\xC0\xAF", "??", false},      {"", "", true},
     };
     for (const auto& g : GEVALLEN) {
         std::string uit;
@@ -90,11 +92,20 @@ TEST(Tekst, OnlyTheSameDirectivesPass) {
         const char *standaard, *vertaald;
         bool past;
     } GEVALLEN[] = {
-        {"%s %d", "ordre %s no %d", true}, {"%s %d", "%d %s", false},       {"%s", "tekst", false},
-        {"tekst", "%s", false},            {"tekst", "100%% texte", true},  {"%5.2f%%", "%5.2f %%", true},
-        {"%ld", "%d", false},              {"%-20.20s", "%-30.30s", false}, {"%s", "%1$s", false},
-        {"%s", "%s%n", false},             {"%*d", "%d", false},            {"%s %", "%s", false},
-        {"50% korting", "50 % remise", false}, {"%hd", "%hhd", false},
+        {"%s %d", "ordre %s no %d", true},
+        {"%s %d", "%d %s", false},
+        {"%s", "tekst", false},
+        {"tekst", "%s", false},
+        {"tekst", "100%% texte", true},
+        {"%5.2f%%", "%5.2f %%", true},
+        {"%ld", "%d", false},
+        {"%-20.20s", "%-30.30s", false},
+        {"%s", "%1$s", false},
+        {"%s", "%s%n", false},
+        {"%*d", "%d", false},
+        {"%s %", "%s", false},
+        {"50% korting", "50 % remise", false},
+        {"%hd", "%hhd", false},
     };
     for (const auto& g : GEVALLEN)
         EXPECT_EQ(TXTPAST(g.standaard, g.vertaald), g.past) << g.standaard << " | " << g.vertaald;

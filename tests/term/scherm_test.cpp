@@ -60,7 +60,7 @@ TEST(Venster, RestoresWhatItCovered) {
     EXPECT_EQ(t.stuk(10, 1, 3), "│  ") << "text on the base went over the window above";
     EXPECT_EQ(t.stuk(8, 1, 30), "┌────────────────────────────┐");
     t.toetsen("x");
-    EXPECT_EQ(t.stuk(10, 1, 19), "basis    M│binnen  ");
+    EXPECT_EQ(t.stuk(10, 1, 19), "basis    Mø│binnen ");
     t.toetsen("x");
     EXPECT_EQ(t.regel(10), "basis    Møller & Søn onder het venster");
     EXPECT_EQ(t.regel(9), "");
@@ -93,7 +93,7 @@ TEST(Venster, EdgesAndCounts) {
         const char* tekst;
         int n;
     } GEVALLEN[] = {
-        {1, 80, "drie", 1}, {25, 80, "laatste", 1}, {1, 0, "x", 0},  {0, 1, "x", 0},
+        {1, 80, "drie", 1}, {25, 80, "laatste", 1}, {1, 0, "x", 0}, {0, 1, "x", 0},
         {26, 1, "x", 0},    {1, 81, "x", 0},        {25, 1, "", 0}, {-1, -1, "x", 0},
     };
     Terminal t(op_scherm([] {
@@ -129,9 +129,9 @@ TEST(Scherm, AttributesAndColours) {
         int voor, achter;
         bool vet, keus;
     } GEVALLEN[] = {
-        {A_LABEL, WIT, BLAUW, false, false},      {A_WAARDE, WIT, BLAUW, true, false},
-        {A_KEUS, WIT, BLAUW, false, true},        {A_SNELLETTER, CYAAN, BLAUW, true, false},
-        {A_WAARDE_KEUS, WIT, BLAUW, true, true},  {A_KEUS | A_SNELLETTER, WIT, BLAUW, true, true},
+        {A_LABEL, WIT, BLAUW, false, false},     {A_WAARDE, WIT, BLAUW, true, false},
+        {A_KEUS, WIT, BLAUW, false, true},       {A_SNELLETTER, CYAAN, BLAUW, true, false},
+        {A_WAARDE_KEUS, WIT, BLAUW, true, true}, {A_KEUS | A_SNELLETTER, WIT, BLAUW, true, true},
     };
     Terminal t(op_scherm([] {
         int rij = 1;
@@ -419,16 +419,33 @@ TEST(Scherm, TerminalIsGivenBackAsFound) {
         std::function<void()> werk;
         const char* toetsen;
     } GEVALLEN[] = {
-        {"end", [] { TOETS(); SCRSTOP(0); }, "x"},
+        {"end",
+         [] {
+             TOETS();
+             SCRSTOP(0);
+         },
+         "x"},
         {"abort", [] { SCRFATAL("ioord: errno=%d", 7); }, "<Enter>"},
-        {"abort in a variant", [] { SCRTERM("-l"); WINOPEN1(1, 1, 3, 3); SCRFATAL("x"); }, "<Enter>"},
+        {"abort in a variant",
+         [] {
+             SCRTERM("-l");
+             WINOPEN1(1, 1, 3, 3);
+             SCRFATAL("x");
+         },
+         "<Enter>"},
         {"abort with a full stack",
          [] {
              for (int i = 0; i < VENSTERS; i++)
                  WINOPEN1(1, 1, 3, 3);
          },
          "<Enter>"},
-        {"subshell", [] { SCHELP("", "true", false); TOETS(); SCRSTOP(0); }, "x"},
+        {"subshell",
+         [] {
+             SCHELP("", "true", false);
+             TOETS();
+             SCRSTOP(0);
+         },
+         "x"},
     };
     for (const auto& g : GEVALLEN) {
         SCOPED_TRACE(g.naam);
@@ -451,8 +468,8 @@ TEST(Scherm, TerminalIsGivenBackAsFound) {
                 waitpid(kind, &status, 0);
                 tcgetattr(0, &na);
                 printf("status %d modes %s\n", WEXITSTATUS(status),
-                       voor.c_lflag == na.c_lflag && voor.c_iflag == na.c_iflag && voor.c_oflag == na.c_oflag &&
-                               memcmp(voor.c_cc, na.c_cc, NCCS) == 0
+                       voor.c_lflag == na.c_lflag && voor.c_iflag == na.c_iflag &&
+                               voor.c_oflag == na.c_oflag && memcmp(voor.c_cc, na.c_cc, NCCS) == 0
                            ? "goed"
                            : "fout");
                 return 0;
