@@ -1,0 +1,86 @@
+// A conversation for the tests of prompts, lists and menus: a function runs on a screen of its own, and what
+// it answers stands on row 24 as "= answer" once it is done.
+#pragma once
+#include "support/terminal.h"
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <cstdarg>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <string>
+
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+namespace zg::test {
+
+inline std::string vorm(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+inline std::string vorm(const char* fmt, ...) {
+    char buf[512];
+    va_list ap;
+    va_start(ap, fmt);
+    vsnprintf(buf, sizeof buf, fmt, ap);
+    va_end(ap);
+    return buf;
+}
+
+inline int gesprek(const std::function<std::string()>& kind) {
+    SCRINIT();
+    {
+        std::string uit = kind();
+        SCRBASE(A_WAARDE, SCHERM.lines - 1, 1, "= %-60s", uit.c_str());
+    }
+    int lek = 0;
+#if defined(__SANITIZE_ADDRESS__)
+    lek = __lsan_do_recoverable_leak_check();
+#endif
+    TOETSRAW(WINNU());
+    SCREXIT();
+    return lek ? 99 : 0;
+}
+
+class Gesprek : public Terminal {
+public:
+    explicit Gesprek(const std::function<std::string()>& kind, const Opties& o = {})
+        : Terminal([kind] { return gesprek(kind); }, o), lines_(o.rijen) {
+        kalm();
+    }
+    // The answer, once the function is done; then the program ends well.
+    std::string antwoord() {
+        EXPECT_TRUE(wacht("\n= "));
+        std::string s = regel(lines_ - 1);
+        stuur("\r");
+        EXPECT_EQ(einde(), 0);
+        return s.size() < 2 ? "" : s.substr(2);
+    }
+
+private:
+    int lines_;
+};
+
+struct Doos {
+    int rij = 0, kolom = 0, hoogte = 0, breedte = 0;
+    bool operator==(const Doos&) const = default;
+};
+inline std::ostream& operator<<(std::ostream& o, const Doos& d) {
+    return o << "row " << d.rij << " col " << d.kolom << ", " << d.hoogte << " x " << d.breedte;
+}
+
+// The box whose upper left corner is the first on the screen, in reading order, from a row on.
+inline Doos doos(Terminal& t, int vanaf = 1) {
+    for (int r = vanaf; r <= 43; r++)
+        for (int k = 1; k <= 80; k++) {
+            if (t.cel(r, k).teken != "┌")
+                continue;
+            Doos d{r, k, 1, 1};
+            while (k + d.breedte <= 80 && t.cel(r, k + d.breedte - 1).teken != "┐")
+                d.breedte++;
+            while (r + d.hoogte <= 43 && t.cel(r + d.hoogte - 1, k).teken != "└")
+                d.hoogte++;
+            return d;
+        }
+    return {};
+}
+
+} // namespace zg::test

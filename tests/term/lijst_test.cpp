@@ -1,0 +1,378 @@
+// The pick list over data of every size, and the small menu of texts. The data are numbers with gaps, held the
+// way a file holds records: found by their own number, also when others have gone in the meantime.
+#include "gesprek.h"
+#include "term/dm_hdl.h"
+#include "term/ingave.h"
+#include "term/lijst.h"
+#include "term/prompt.h"
+#include <algorithm>
+#include <vector>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+std::vector<uint32_t> data;
+LIJST* lijst;
+int koppen, gelezen;
+bool met_amp, wissen, bericht;
+
+int32_t haal(int32_t stap) {
+    gelezen++;
+    auto begin = data.begin(), einde = data.end();
+    auto p = std::lower_bound(begin, einde, lijst->positie);
+    if (stap == 0)
+        return p != einde && *p == lijst->positie;
+    bool er = p != einde && *p == lijst->positie;
+    auto i = p - begin + stap - (stap > 0 && !er ? 1 : 0);
+    auto n = static_cast<std::ptrdiff_t>(data.size());
+    if (n == 0 || (stap == 1 && i >= n) || (stap == -1 && i < 0))
+        return 0;
+    lijst->positie = data[static_cast<size_t>(std::clamp<std::ptrdiff_t>(i, 0, n - 1))];
+    return 1;
+}
+
+void toets() {
+    char zoek[5] = "";
+    SCRPUT(A_LABEL, LIJSTVELDRIJ(), 2, "Nummer");
+    if (wissen)
+        TOETSAAN(K_F8);
+    INGAVE(LIJSTVELDRIJ(), 9, "4s[0123456789],I", &SCHERM.toets[key_tab], &SCHERM.toets[key_f8], zoek);
+    if (SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+        return;
+    if (!(SCHERM.vlag & V_LEEG)) {
+        auto p = std::lower_bound(data.begin(), data.end(), static_cast<uint32_t>(atoi(zoek)));
+        lijst->positie = p == data.end() ? data.back() : *p;
+    } else if (SCHERM.laatste == K_F8) {
+        data.erase(std::lower_bound(data.begin(), data.end(), lijst->positie));
+        lijst->modus = 1;
+        if (bericht)
+            MELDBOX(MELD_INFO, "weg", nullptr, nullptr);
+    }
+}
+
+void kop() {
+    koppen++;
+    SCRPUT(A_LABEL, 1, 2, "Nummer  Naam");
+}
+
+const char* regel() {
+    static char tekst[100];
+    snprintf(tekst, sizeof tekst, met_amp ? "%05u r&ij %u" : "%05u   rij %-10u", lijst->positie, lijst->positie);
+    return tekst;
+}
+
+struct Vorm {
+    int n;
+    int rij = 0, kolom = 0, hoogte = 0, breedte = 0;
+    uint8_t merken = 0;
+    bool met_kop = false;
+    const char* titel = " Rijen ";
+    const char* variant = "";
+};
+
+// Numbers 10, 20, 30 ...; the answer: every row handed back, then the key.
+std::string draai(const Vorm& v) {
+    data.clear();
+    for (int i = 1; i <= v.n; i++)
+        data.push_back(static_cast<uint32_t>(i * 10));
+    if (*v.variant)
+        SCRTERM(v.variant);
+    lijst = LIJSTNEW(haal, toets, v.met_kop ? kop : nullptr, regel);
+    lijst->positie = 10;
+    lijst->rij = v.rij, lijst->kolom = v.kolom, lijst->hoogte = v.hoogte, lijst->breedte = v.breedte;
+    lijst->merken = v.merken;
+    snprintf(lijst->titel, sizeof lijst->titel, "%s", v.titel);
+    SCHERM.laatste = 77;
+    std::string uit;
+    int aantal = 0;
+    while (LIJSTRUN(lijst, met_amp)) {
+        if (++aantal <= 8)
+            uit += vorm("%u ", lijst->positie);
+        if (!v.merken)
+            break;
+    }
+    uit += vorm("n=%d k=%d", aantal, SCHERM.laatste);
+    if (*v.variant)
+        WINCLOSE();
+    LIJSTDEL(lijst);
+    return uit;
+}
+
+// The highlighted row: its screen row and its number, "5:00010".
+std::string keus(Terminal& t) {
+    std::string s;
+    Doos d = doos(t);
+    for (int r = d.rij + 1; r < d.rij + d.hoogte - 1; r++)
+        if (t.cel(r, d.kolom + 2).keus)
+            s += vorm("%d:%s", r, t.stuk(r, d.kolom + 2, 5).c_str());
+    return s;
+}
+
+} // namespace
+
+TEST(Lijst, Maten) {
+    struct {
+        const char* naam;
+        Vorm v;
+        Doos doos;
+    } const gevallen[] = {
+        {"default", {.n = 30}, {3, 55, 21, 26}},
+        {"row too low", {.n = 30, .rij = 22}, {20, 55, 4, 26}},
+        {"given", {.n = 30, .rij = 6, .kolom = 10, .hoogte = 9, .breedte = 40}, {6, 10, 9, 40}},
+        {"column and height limited", {.n = 30, .rij = 6, .kolom = 70, .hoogte = 30}, {6, 55, 19, 26}},
+        {"too wide", {.n = 30, .kolom = 5, .breedte = 100}, {3, 1, 21, 80}},
+        {"title wider", {.n = 3, .titel = " Een titel die breder is dan de rijen "}, {3, 38, 21, 43}},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.naam);
+        Gesprek t([&] { return draai(g.v); });
+        EXPECT_EQ(doos(t), g.doos) << t.scherm();
+        EXPECT_EQ(keus(t), vorm("%d:00010", g.doos.rij + 1));
+        t.toetsen("<Cancel>");
+        EXPECT_EQ(t.antwoord(), "n=0 k=355");
+    }
+}
+
+// A page has 17 rows, 4 to 20, 16 with a head.
+TEST(Lijst, Lopen) {
+    struct {
+        int n;
+        const char *keys, *keus;
+    } const gevallen[] = {
+        {1, "<Down><Down><PgDn>", "4:00010"},
+        {3, "<Down><Down><Down><Down>", "6:00030"},
+        {3, "<Down><Down><PgDn><Up>", "5:00020"},
+        {17, "<PgDn><Down>", "20:00170"},
+        {18, "<PgDn>", "4:00180"},
+        {18, "<PgDn><PgUp>", "4:00010"},
+        {18, "<PgDn><Up>", "4:00170"},
+        {40, "<Down><Down><PgDn>", "6:00200"},
+        {40, "<Down><Down><PgDn><PgDn>", "6:00370"},
+        {40, "<Down><Down><PgDn><PgDn><PgDn>", "9:00400"},
+        {40, "<PgDn><Down><PgUp><PgUp>", "4:00010"},
+        {40, "<Up><PgUp>", "4:00010"},
+        {50000, "<PgDn><PgDn><PgDn><Up><Up>", "4:00500"},
+        {400, "399<Enter>", "4:00400"},
+        {400, "9999<Enter><Up><Up>", "4:03980"},
+        {400, "399<Enter><Down><Tab>", "4:00410"},
+        {400, "9999<Down>", "4:04000"}, // with a text in the field any key just searches
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(vorm("%d %s", g.n, g.keys));
+        Gesprek t([&] { return draai({.n = g.n}); });
+        t.toetsen(g.keys);
+        EXPECT_EQ(keus(t), g.keus) << t.scherm();
+        t.toetsen("<F3>");
+        EXPECT_EQ(t.antwoord(), vorm("%d n=1 k=267", atoi(g.keus + std::string(g.keus).find(':') + 1)));
+    }
+}
+
+TEST(Lijst, VeelOmlaagEnTerug) {
+    Gesprek t([] { return draai({.n = 40, .met_kop = true}); });
+    for (int i = 0; i < 25; i++)
+        t.toetsen("<Down>");
+    EXPECT_EQ(t.regel(4).substr(t.regel(4).find("Nummer")), "Nummer  Naam        │");
+    EXPECT_EQ(keus(t), "20:00260");
+    EXPECT_EQ(t.stuk(5, 57, 5), "00110");
+    for (int i = 0; i < 20; i++)
+        t.toetsen("<Up>");
+    EXPECT_EQ(keus(t), "5:00060");
+    for (int i = 0; i < 50; i++)
+        t.toetsen("<Down>");
+    EXPECT_EQ(keus(t), "20:00400");
+    t.toetsen("<Enter>");
+    EXPECT_EQ(t.antwoord(), "400 n=1 k=10");
+}
+
+TEST(Lijst, HoogScherm) {
+    Opties o;
+    o.rijen = 43;
+    Gesprek t([] { return draai({.n = 20000, .variant = "-l"}); }, o);
+    EXPECT_EQ(doos(t), (Doos{3, 55, 39, 26}));
+    t.toetsen("<PgDn><Up>");
+    EXPECT_EQ(keus(t), "4:00350");
+    EXPECT_EQ(t.stuk(38, 57, 5), "00690");
+    t.toetsen("<Esc>");
+}
+
+TEST(Lijst, LeegEnGeheelGewist) {
+    Gesprek leeg([] { return draai({.n = 0}); });
+    EXPECT_EQ(leeg.antwoord(), "n=0 k=77");
+
+    Gesprek t([] {
+        wissen = bericht = true;
+        return draai({.n = 2});
+    });
+    t.toetsen("<F8>xx"); // the box takes a key, the field gets one: no digit
+    t.toetsen("<F8>y");
+    EXPECT_EQ(t.antwoord(), "n=0 k=272");
+}
+
+TEST(Lijst, Wissen) {
+    struct {
+        int n;
+        const char *keys, *keus, *boven, *onder;
+    } const gevallen[] = {
+        {40, "<Down><Down><F8>", "6:00040", "00010", "00180"},
+        {40, "<F8>", "4:00020", "00020", "00180"},
+        {3, "<Down><Down><F8>", "5:00020", "00010", "     "},
+        {18, "<PgDn><F8>", "4:00010", "00010", "00170"}, // the page has gone: the one before it
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(vorm("%d %s", g.n, g.keys));
+        Gesprek t([&] {
+            wissen = true;
+            return draai({.n = g.n});
+        });
+        t.toetsen(g.keys);
+        EXPECT_EQ(keus(t), g.keus) << t.scherm();
+        EXPECT_EQ(t.stuk(4, 57, 5), g.boven);
+        EXPECT_EQ(t.stuk(20, 57, 5), g.onder);
+        t.toetsen("<Esc>");
+        EXPECT_EQ(t.antwoord(), "n=0 k=27");
+    }
+}
+
+TEST(Lijst, Merken) {
+    struct {
+        const char *keys, *merken, *uit;
+    } const gevallen[] = {
+        {"<F7><F7><Enter><F3>", "10001", "10 20 50 n=3 k=267"},
+        {"<Enter>", "", "30 n=1 k=10"},
+        {"<F6><Enter><F3>", "11111", "10 20 30 40 50 n=5 k=267"},
+        {"<F6><F7><F3>", "11011", "10 20 40 50 n=4 k=267"},
+        {"<F7><F7><Up><F7><F3>", "10000", "10 20 50 n=3 k=267"},
+        {"<F7><F6><F10><F3>", "00000", "40 n=1 k=267"},
+        {"<F7><F6><Cancel>", "", "n=0 k=355"},
+        {"<F7><Up><F7><F3>", "", "40 n=1 k=267"},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.keys);
+        Gesprek t([&] { return draai({.n = 5, .merken = 1}); });
+        // Marks first on row 3, the cursor in the middle.
+        t.toetsen("<Down><Down>");
+        t.toetsen(g.keys);
+        EXPECT_EQ(t.antwoord(), g.uit);
+    }
+}
+
+TEST(Lijst, MerktekensOpHetScherm) {
+    Gesprek t([] { return draai({.n = 20000, .merken = 1}); });
+    auto merken = [&] {
+        std::string s;
+        for (int r = 4; r <= 8; r++)
+            s += t.stuk(r, 56, 1);
+        return s;
+    };
+    t.toetsen("<F7><Down><F7>");
+    EXPECT_EQ(merken(), "→ →  ");
+    EXPECT_TRUE(t.cel(4, 56).vet);
+    EXPECT_EQ(keus(t), "7:00040");
+    t.toetsen("<F6>");
+    EXPECT_EQ(merken(), " → →→");
+    t.toetsen("<PgDn>");
+    EXPECT_EQ(merken(), "→→→→→");
+    t.toetsen("<F10>");
+    EXPECT_EQ(merken(), "     ");
+    t.toetsen("<F6><F3>");
+    EXPECT_EQ(t.antwoord(), "10 20 30 40 50 60 70 80 n=20000 k=267");
+}
+
+TEST(Lijst, Snelletters) {
+    Gesprek t([] {
+        met_amp = true;
+        return draai({.n = 3});
+    });
+    int k = doos(t).kolom + 2;
+    EXPECT_EQ(t.stuk(5, k, 12), "00020 rij 20");
+    EXPECT_NE(t.cel(5, k + 7).voor, t.cel(5, k + 6).voor);
+    EXPECT_TRUE(t.cel(4, k + 6).keus && t.cel(4, k + 7).keus);
+    t.toetsen("<Esc>");
+    EXPECT_EQ(t.antwoord(), "n=0 k=27");
+}
+
+// A whole burst does what the same keys do one by one, and a step sends two rows, not a page.
+TEST(Lijst, SalvoEnRust) {
+    const char* keys = "<Down><Down><F7><PgDn><F7>15<Enter><Up><F7><F6><F6><Down>";
+    Vorm v{.n = 300, .merken = 1};
+    Gesprek een([&] { return draai(v); }), alles([&] { return draai(v); });
+    een.toetsen(keys);
+    alles.reeks(keys);
+    alles.wacht(een.stuk(4, 57, 5));
+    alles.kalm();
+    EXPECT_EQ(alles.scherm(), een.scherm());
+    size_t was = een.uitvoer().size();
+    een.toetsen("<Down>");
+    EXPECT_LT(een.uitvoer().size() - was, 400u);
+    een.toetsen("<F3>");
+    alles.reeks("<Down><F3>");
+    EXPECT_EQ(een.antwoord(), alles.antwoord());
+}
+
+// ---- dm_hdl
+
+namespace {
+
+std::string dm(int items, int rij, int vast) {
+    DMREC* m = DMNEW("Keuze");
+    for (int i = 1; i <= items; i++) {
+        if (i == 4)
+            DMSEP(m, "meer");
+        static const char* namen[] = {"&Eerste", "&Tweede", "Der&de"};
+        DMITEM(m, i <= 3 ? namen[i - 1] : vorm("Item %d", i).c_str(), i, i != 2);
+    }
+    DMKEY(m, &SCHERM.toets[key_f8], 3);
+    DMKEY(m, '*', 5);
+    int id = DMRUN(m, rij, vast);
+    return vorm("%d %d %s", id, SCHERM.laatste, DMTEXT());
+}
+
+} // namespace
+
+TEST(DmHdl, Kiezen) {
+    struct {
+        int vast;
+        const char *keys, *uit;
+    } const gevallen[] = {
+        {0, "<Enter>", "1 10 Eerste"},       {3, "<Enter>", "3 10 Derde"},
+        {2, "<Enter>", "1 10 Eerste"}, // the default is disabled
+        {1, "<Down><Enter><Down><Enter>", "3 10 Derde"}, // ENTER on a disabled row: nothing
+        {3, "<Down><Enter>", "4 10 Item 4"},
+        {1, "<Up><Enter>", "1 10 Eerste"},   {1, "td", "3 100 Derde"},
+        {1, "<F8>", "3 272 Derde"},          {1, "*", "5 42 Item 5"},
+        {3, "<Cancel>", "3 355"},            {3, "<Esc>", "3 27"},
+        {3, "<F6>", "3 270"},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(vorm("%d %s", g.vast, g.keys));
+        Gesprek t([&] { return dm(5, 3, g.vast); });
+        EXPECT_EQ(doos(t), (Doos{3, 60, 8, 20}));
+        t.toetsen(g.keys);
+        EXPECT_EQ(t.antwoord(), g.uit);
+    }
+}
+
+TEST(DmHdl, VormEnHoogte) {
+    Gesprek t([] { return dm(5, 20, 1); });
+    EXPECT_EQ(doos(t), (Doos{17, 60, 8, 20}));
+    t.wacht_op(17, 67, " Keuze ");
+    EXPECT_EQ(t.stuk(18, 60, 20), "│ Eerste           │");
+    EXPECT_EQ(t.stuk(21, 60, 20), "│-------meer-------│");
+    EXPECT_TRUE(t.cel(18, 64).keus);
+    EXPECT_FALSE(t.cel(20, 64).keus);
+    t.toetsen("<Esc>");
+
+    Gesprek hoog([] { return dm(60, 2, 1); });
+    EXPECT_EQ(doos(hoog), (Doos{1, 60, 24, 20}));
+    for (int i = 0; i < 70; i++)
+        hoog.stuur("\033OB");
+    hoog.wacht("Item 60");
+    hoog.kalm();
+    EXPECT_EQ(hoog.stuk(23, 60, 20), "│ Item 60          │");
+    EXPECT_TRUE(hoog.cel(23, 64).keus);
+    EXPECT_EQ(hoog.stuk(2, 60, 20), "│ Item 39          │");
+    hoog.toetsen("<Enter>");
+    EXPECT_EQ(hoog.antwoord(), "60 10 Item 60");
+}
