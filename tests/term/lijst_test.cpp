@@ -59,7 +59,8 @@ void kop() {
 
 const char* regel() {
     static char tekst[100];
-    snprintf(tekst, sizeof tekst, met_amp ? "%05u r&ij %u" : "%05u   rij %-10u", lijst->positie, lijst->positie);
+    snprintf(tekst, sizeof tekst, met_amp ? "%05u r&ij %u" : "%05u   rij %-10u", lijst->positie,
+             lijst->positie);
     return tekst;
 }
 
@@ -336,13 +337,17 @@ TEST(DmHdl, Kiezen) {
         int vast;
         const char *keys, *uit;
     } const gevallen[] = {
-        {0, "<Enter>", "1 10 Eerste"},       {3, "<Enter>", "3 10 Derde"},
-        {2, "<Enter>", "1 10 Eerste"}, // the default is disabled
+        {0, "<Enter>", "1 10 Eerste"},
+        {3, "<Enter>", "3 10 Derde"},
+        {2, "<Enter>", "1 10 Eerste"},                   // the default is disabled
         {1, "<Down><Enter><Down><Enter>", "3 10 Derde"}, // ENTER on a disabled row: nothing
         {3, "<Down><Enter>", "4 10 Item 4"},
-        {1, "<Up><Enter>", "1 10 Eerste"},   {1, "td", "3 100 Derde"},
-        {1, "<F8>", "3 272 Derde"},          {1, "*", "5 42 Item 5"},
-        {3, "<Cancel>", "3 355"},            {3, "<Esc>", "3 27"},
+        {1, "<Up><Enter>", "1 10 Eerste"},
+        {1, "td", "3 100 Derde"},
+        {1, "<F8>", "3 272 Derde"},
+        {1, "*", "5 42 Item 5"},
+        {3, "<Cancel>", "3 355"},
+        {3, "<Esc>", "3 27"},
         {3, "<F6>", "3 270"},
     };
     for (const auto& g : gevallen) {

@@ -9,7 +9,9 @@ using namespace zg::test;
 namespace {
 
 std::string spoor;
-void handler(TR_MENU*, int32_t id) { spoor += vorm("h%d ", id); }
+void handler(TR_MENU*, int32_t id) {
+    spoor += vorm("h%d ", id);
+}
 
 std::string run(TR_MENU* m, int id) {
     SCHERM.laatste = 77;
@@ -52,21 +54,21 @@ TEST(Menu, BalkToetsen) {
     } const gevallen[] = {
         {0, "<Enter><Enter>", "h11 11 10"},
         {0, "o.", "13 10"},
-        {0, "o,", "13 10"},                              // comma is the point of a numeric keypad
+        {0, "o,", "13 10"},                               // comma is the point of a numeric keypad
         {0, "<Down><Down><Enter><Down><Enter>", "13 10"}, // the disabled leaf takes no ENTER
-        {0, "<Down><Up><Enter>", "13 10"},               // wraps, past the separator
+        {0, "<Down><Up><Enter>", "13 10"},                // wraps, past the separator
         {0, " <Enter>w t", "13 10"},
         {0, "pv<Enter>", "h2 221 10"},
-        {0, "<Right><Enter>v<Left>n", "h2 21 10"},       // left closes a deeper menu only
+        {0, "<Right><Enter>v<Left>n", "h2 21 10"}, // left closes a deeper menu only
         {0, "ov<Esc>pvk", "h2 221 10"},
-        {0, "o<Right><Enter>", "h2 21 10"},              // right: the neighbour opens
+        {0, "o<Right><Enter>", "h2 21 10"}, // right: the neighbour opens
         {0, "pv<Right><Right><Left><Enter>", "h2 h2 21 10"},
-        {0, "o<Left><Enter><Cancel><Cancel>", "0 355"},  // round to the last; nothing in it can be chosen
+        {0, "o<Left><Enter><Cancel><Cancel>", "0 355"}, // round to the last; nothing in it can be chosen
         {0, "dg<Esc><Esc>", "0 355"},
-        {0, "l<Enter>", "h3 3 10"},                      // an item without submenu opens one of its own
+        {0, "l<Enter>", "h3 3 10"}, // an item without submenu opens one of its own
         {0, "<Up><Esc>", "0 355"},
-        {12, "<Down><Enter>", "13 10"},                  // a disabled start: the first that can be used, then down
-        {222, "<Enter>", "h2 222 10"},                   // opens all the way
+        {12, "<Down><Enter>", "13 10"}, // a disabled start: the first that can be used, then down
+        {222, "<Enter>", "h2 222 10"},  // opens all the way
         {222, "<Esc><Esc><Esc>", "h2 0 355"},
         {41, "<Enter><Esc><Esc>", "0 355"},
     };
@@ -178,17 +180,19 @@ TEST(Menu, HogerDanHetScherm) {
     for (const char* variant : {"", "-l"}) {
         Opties o;
         o.rijen = *variant ? 43 : 25;
-        Gesprek t([&] {
-            if (*variant)
-                SCRTERM(variant);
-            TR_MENU* m = TR_NEW(1, 2, 2, 0, "Lang");
-            for (int i = 1; i <= 60; i++)
-                TR_ADD(m, -1, vorm("Regel %02d", i).c_str(), i, i % 7 ? 1 : 2, 0, nullptr);
-            std::string s = klaar(m, run(m, 0));
-            if (*variant)
-                WINCLOSE();
-            return s;
-        }, o);
+        Gesprek t(
+            [&] {
+                if (*variant)
+                    SCRTERM(variant);
+                TR_MENU* m = TR_NEW(1, 2, 2, 0, "Lang");
+                for (int i = 1; i <= 60; i++)
+                    TR_ADD(m, -1, vorm("Regel %02d", i).c_str(), i, i % 7 ? 1 : 2, 0, nullptr);
+                std::string s = klaar(m, run(m, 0));
+                if (*variant)
+                    WINCLOSE();
+                return s;
+            },
+            o);
         EXPECT_EQ(t.stuk(2, 5, 6), "─Lang─");
         t.toetsen("<Up>");
         EXPECT_EQ(t.stuk(o.rijen - 1, 2, 12), "│ Regel 60 │");

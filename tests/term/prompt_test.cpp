@@ -87,17 +87,50 @@ TEST(Prompt, FflashMaten) {
         {"short text", -1, "", "kort", "<Enter>", {10, 25, 4, 32}, 12, 27, "<ENTER> voor vervolg", 1},
         {"nothing", -1, "", "", "<Enter>", {11, 25, 3, 32}, 12, 27, "<ENTER> voor vervolg", 1},
         {"25 lines", -1, "Titel", v25, "x<Enter>", {1, 25, 23, 32}, 21, 27, "regel 20 ", 1},
-        {"long line", -1, "", std::string(100, 'a'), "<Enter>", {10, 1, 4, 80}, 11, 3,
-         std::string(76, 'a') + " │", 1},
+        {"long line",
+         -1,
+         "",
+         std::string(100, 'a'),
+         "<Enter>",
+         {10, 1, 4, 80},
+         11,
+         3,
+         std::string(76, 'a') + " │",
+         1},
         {"title wider", -1, std::string(40, 't'), "x\ty", "<Enter>", {10, 19, 4, 44}, 11, 21, "x y", 1},
         {"title of 66", -1, std::string(66, 't'), "x", "<Enter>", {10, 25, 4, 32}, 10, 26, "────", 1},
         {"title", -1, "Let op", "x\n\nz", "<Enter>", {9, 25, 6, 32}, 9, 37, " Let op ", 1},
-        {"question", -2, "Vraag", "een\ntwee\n[-]Doorgaan met de lange vraag", "<Enter>", {10, 18, 5, 46}, 13,
-         20, "Doorgaan met de lange vraag? (J/N)N", 0},
+        {"question",
+         -2,
+         "Vraag",
+         "een\ntwee\n[-]Doorgaan met de lange vraag",
+         "<Enter>",
+         {10, 18, 5, 46},
+         13,
+         20,
+         "Doorgaan met de lange vraag? (J/N)N",
+         0},
         {"question only", -2, "", "", "j<Enter>", {11, 25, 3, 32}, 12, 27, "Akkoord? (J/N)_", 1},
-        {"question of 70", -2, "", "[+]" + std::string(67, 'q'), "<Enter>", {11, 4, 3, 74}, 12, 6,
-         std::string(63, 'q') + "? (J/N)J│", 1},
-        {"question behind 25", -2, "", v25 + "\n[-]Toch", "<Cancel>", {1, 25, 22, 32}, 21, 27, "Toch? (J/N)N", 0},
+        {"question of 70",
+         -2,
+         "",
+         "[+]" + std::string(67, 'q'),
+         "<Enter>",
+         {11, 4, 3, 74},
+         12,
+         6,
+         std::string(63, 'q') + "? (J/N)J│",
+         1},
+        {"question behind 25",
+         -2,
+         "",
+         v25 + "\n[-]Toch",
+         "<Cancel>",
+         {1, 25, 22, 32},
+         21,
+         27,
+         "Toch? (J/N)N",
+         0},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.naam);
@@ -227,7 +260,7 @@ TEST(Prompt, RegelEdit) {
 
 namespace {
 const char* orde_label(int n) {
-    static const char* labels[] = {"&Toevoegen", "&Raadplegen", "&Matrix",    "&Wijzigen",
+    static const char* labels[] = {"&Toevoegen",    "&Raadplegen", "&Matrix",     "&Wijzigen",
                                    "&Bijbestellen", "&Dupliceren", "&Verwijderen"};
     return n < 7 ? labels[n] : nullptr;
 }
@@ -242,12 +275,11 @@ TEST(Keuze, Rij) {
     struct {
         const char *keys, *uit;
     } const gevallen[] = {
-        {"<Enter>", "1 10"},           // the default
-        {"w", "3 10"},                 // small letters will do, and no ENTER is needed
-        {"xqv", "6 10"},               // letters that are not there are refused
-        {"b", "-"},                    // disabled: nothing yet
-        {"<PgDn>", "-1 338"},
-        {"<Cancel>", "-1 355"},
+        {"<Enter>", "1 10"}, // the default
+        {"w", "3 10"},       // small letters will do, and no ENTER is needed
+        {"xqv", "6 10"},     // letters that are not there are refused
+        {"b", "-"},          // disabled: nothing yet
+        {"<PgDn>", "-1 338"}, {"<Cancel>", "-1 355"},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.keys);
@@ -276,10 +308,10 @@ TEST(Keuze, KorteVormMetHulplijst) {
         const char *keys, *uit;
     } const gevallen[] = {
         {"z", "8 10"},
-        {"<F1><Enter>", "2 10"},              // the list stands on the default
+        {"<F1><Enter>", "2 10"}, // the list stands on the default
         {"<F1><Down><Down><Enter>", "4 10"},
         {"<F1>x", "7 120"},
-        {"<F1><Esc>d", "5 10"},               // back to the row
+        {"<F1><Esc>d", "5 10"}, // back to the row
         {"<F1><F6><F1><Cancel><Enter>", "2 10"},
     };
     for (const auto& g : gevallen) {
@@ -304,7 +336,7 @@ TEST(Keuze, Getallen) {
         int minimum, maximum;
         const char *keys, *uit;
     } const gevallen[] = {
-        {11, 12, "12", "9 12"}, {11, 12, "011", "9 11"},   {1, 9, "4", "9 4"},
+        {11, 12, "12", "9 12"}, {11, 12, "011", "9 11"},        {1, 9, "4", "9 4"},
         {11, 12, "w", "3 0"},   {15, 28, "1<Enter>2w8", "3 0"}, {15, 28, "28", "9 28"},
     };
     for (const auto& g : gevallen) {
@@ -379,7 +411,9 @@ TEST(Onderbreken, Vraag) {
 
 namespace {
 int gehaald;
-int32_t macro_haal() { return gehaald++, K_ESC; }
+int32_t macro_haal() {
+    return gehaald++, K_ESC;
+}
 } // namespace
 
 // A macro that plays holds an ESC of its own: the poll must not take it, and one look a second is enough.
