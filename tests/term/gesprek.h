@@ -29,7 +29,7 @@ inline int gesprek(const std::function<std::string()>& kind) {
     SCRINIT();
     {
         std::string uit = kind();
-        SCRBASE(A_WAARDE, SCHERM.lines - 1, 1, "= %-60s", uit.c_str());
+        SCRBASE(A_WAARDE, SCHERM.lines - 1, 1, "= %-78s", uit.c_str());
     }
     int lek = 0;
 #if defined(__SANITIZE_ADDRESS__)

@@ -105,9 +105,9 @@ TEST(Prompt, FflashMaten) {
          "Vraag",
          "een\ntwee\n[-]Doorgaan met de lange vraag",
          "<Enter>",
-         {10, 18, 5, 46},
+         {10, 19, 5, 43},
          13,
-         20,
+         21,
          "Doorgaan met de lange vraag? (J/N)N",
          0},
         {"question only", -2, "", "", "j<Enter>", {11, 25, 3, 32}, 12, 27, "Akkoord? (J/N)_", 1},
@@ -174,8 +174,8 @@ TEST(Prompt, FoutboxEnMeldbox) {
         MELDBOX(MELD_WAARSCHUWING, "een", nullptr, "drie");
         return vorm("%d %u", SCHERM.laatste, SCHERM.vlag);
     });
-    EXPECT_EQ(doos(t), (Doos{9, 22, 7, 36}));
-    t.wacht_op(9, 33, " FOUTMELDING ");
+    EXPECT_EQ(doos(t), (Doos{9, 22, 7, 37}));
+    t.wacht_op(9, 34, " FOUTMELDING ");
     t.wacht_op(12, 24, "En een tweede regel die langer is │");
     t.wacht_op(14, 24, "<ENTER> voor vervolg");
     EXPECT_TRUE(t.cel(11, 24).vet);
@@ -186,7 +186,7 @@ TEST(Prompt, FoutboxEnMeldbox) {
     EXPECT_EQ(t.bellen(), 0);
     t.toetsen("x");
     EXPECT_EQ(doos(t), (Doos{19, 29, 5, 24}));
-    t.wacht_op(19, 33, " waarschuwing ");
+    t.wacht_op(19, 34, " waarschuwing ");
     EXPECT_EQ(t.bellen(), 1);
     t.toetsen("<Up>");
     EXPECT_EQ(t.antwoord(), "77 1");
@@ -202,22 +202,24 @@ TEST(Prompt, BovensteRij) {
         TOPREGEL('C', "%s", "nieuw");
         return std::string("klaar");
     });
-    EXPECT_EQ(t.regel(1), "  ORDERS VAN CREDITEUREN");
+    EXPECT_EQ(t.regel(1), " ORDERS VAN CREDITEUREN");
     EXPECT_TRUE(t.cel(1, 1).keus && t.cel(1, 80).keus);
     t.toetsen("x");
-    EXPECT_EQ(t.regel(1), "  ORDERS VAN CREDITEUREN * Leverancier 12");
+    EXPECT_EQ(t.regel(1), " ORDERS VAN CREDITEUREN * Leverancier 12");
     EXPECT_EQ(t.regel(5), "blijft");
     t.toetsen("x");
-    EXPECT_EQ(t.regel(1), "  ORDERS VAN CREDITEUREN * Nieuw");
+    EXPECT_EQ(t.regel(1), " ORDERS VAN CREDITEUREN * Nieuw");
     EXPECT_EQ(t.regel(5), "");
     EXPECT_EQ(t.antwoord(), "klaar");
 }
 
 TEST(Prompt, Telaf) {
     Gesprek t([] {
+        TOETS();
         TELAF(12, 2);
         return std::string("klaar");
     });
+    t.stuur("x");
     t.wacht_op(12, 1, ".. ");
     t.wacht_op(12, 1, ".  ");
     EXPECT_EQ(t.antwoord(), "klaar");
@@ -337,7 +339,7 @@ TEST(Keuze, Getallen) {
         const char *keys, *uit;
     } const gevallen[] = {
         {11, 12, "12", "9 12"}, {11, 12, "011", "9 11"},        {1, 9, "4", "9 4"},
-        {11, 12, "w", "3 0"},   {15, 28, "1<Enter>2w8", "3 0"}, {15, 28, "28", "9 28"},
+        {11, 12, "w", "3 0"},   {15, 28, "1<Enter>2w", "3 0"}, {15, 28, "28", "9 28"},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.keys);
@@ -359,7 +361,8 @@ TEST(Keuze, Getallen) {
         KEUZESTART(orde_label);
         KEUZEAAN(3);
         KEUZEGETAL(9, &getal, 11, 12);
-        return vorm("%d %d", KEUZE(20, 5), getal);
+        int n = KEUZE(20, 5);
+        return vorm("%d %d", n, getal);
     });
     t.toetsen("13");
     EXPECT_EQ(t.regel(25), "<13> ongeldige keuze");
@@ -424,9 +427,6 @@ TEST(Onderbreken, LaatDeMacroMetRust) {
         MACROHAAK.druk = [](int32_t) { gehaald += 100; };
         MACROHAAK.stop = [] { gehaald += 1000; };
         MACROHAAK.aan = MACROHAAK.speelt = 1;
-        time_t begin = time(nullptr);
-        while (time(nullptr) == begin)
-            ONDERBREKEN();
         TOETSTERUG('x');
         TOETSTERUG('y');
         int uit = ONDERBREKEN();
