@@ -62,12 +62,12 @@ TEST(Menu, BalkToetsen) {
         {0, "<Right><Enter>v<Left>n", "h2 21 10"}, // left closes a deeper menu only
         {0, "ov<Esc>pvk", "h2 221 10"},
         {0, "o<Right><Enter>", "h2 21 10"}, // right: the neighbour opens
-        {0, "pv<Right><Right><Left><Enter>", "h2 h2 21 10"},
+        {0, "pv<Right><Right><Left><Enter>", "h2 h3 3 10"},
         {0, "o<Left><Enter><Cancel><Cancel>", "0 355"}, // round to the last; nothing in it can be chosen
-        {0, "dg<Esc><Esc>", "0 355"},
+        {0, "dg<Esc>", "0 355"},
         {0, "l<Enter>", "h3 3 10"}, // an item without submenu opens one of its own
         {0, "<Up><Esc>", "0 355"},
-        {12, "<Down><Enter>", "13 10"}, // a disabled start: the first that can be used, then down
+        {12, "<Down><Enter><Down><Enter>", "13 10"}, // a disabled start: the first that can be used, then down
         {222, "<Enter>", "h2 222 10"},  // opens all the way
         {222, "<Esc><Esc><Esc>", "h2 0 355"},
         {41, "<Enter><Esc><Esc>", "0 355"},
@@ -101,19 +101,19 @@ TEST(Menu, BalkOpHetScherm) {
     EXPECT_NE(t.cel(2, 11).voor, t.cel(2, 12).voor); // the hot letter
     EXPECT_EQ(t.cel(2, 25).voor, t.cel(2, 26).voor); // none on a disabled item
     t.toetsen("<Right><Down>");
-    EXPECT_EQ(doos(t), (Doos{3, 10, 4, 10}));
-    EXPECT_EQ(t.stuk(4, 10, 10), "│ Netto  │");
-    EXPECT_EQ(t.stuk(5, 10, 10), "│ Valuta→│");
+    EXPECT_EQ(doos(t), (Doos{3, 10, 4, 11}));
+    EXPECT_EQ(t.stuk(4, 10, 11), "│ Netto   │");
+    EXPECT_EQ(t.stuk(5, 10, 11), "│ Valuta →│");
     t.toetsen("<Down><Enter>");
-    EXPECT_EQ(t.stuk(5, 19, 12), "┌─────────┐ ");
-    EXPECT_EQ(t.stuk(6, 19, 12), "│ Koers   │ ");
+    EXPECT_EQ(t.stuk(5, 20, 13), "┌──────────┐ ");
+    EXPECT_EQ(t.stuk(6, 20, 13), "│ Koers    │ ");
     t.toetsen("<Esc><Esc><Esc>");
     EXPECT_EQ(t.regel(2), "  Orders  Prijzen  Los  Dicht");
     EXPECT_TRUE(t.cel(2, 3).keus && t.cel(2, 12).keus); // at rest the items stand reversed
     EXPECT_FALSE(t.cel(2, 60).keus);
     t.toetsen("x");
     EXPECT_EQ(t.regel(2), ""); // freed: the row is clean again
-    EXPECT_EQ(t.antwoord(), "0 355");
+    EXPECT_EQ(t.antwoord(), "h2 0 355");
 }
 
 TEST(Menu, BredeBalkSchuift) {
@@ -193,12 +193,12 @@ TEST(Menu, HogerDanHetScherm) {
                 return s;
             },
             o);
-        EXPECT_EQ(t.stuk(2, 5, 6), "─Lang─");
+        EXPECT_EQ(t.stuk(2, 6, 6), "─Lang─");
         t.toetsen("<Up>");
-        EXPECT_EQ(t.stuk(o.rijen - 1, 2, 12), "│ Regel 60 │");
+        EXPECT_EQ(t.stuk(o.rijen - 1, 2, 14), "│ Regel 60   │");
         EXPECT_TRUE(t.cel(o.rijen - 1, 4).keus);
         t.toetsen("<Down>");
-        EXPECT_EQ(t.stuk(3, 2, 12), "│ Regel 01 │");
+        EXPECT_EQ(t.stuk(3, 2, 14), "│ Regel 01   │");
         for (int i = 0; i < 25; i++)
             t.toetsen("<Down>");
         t.toetsen("<Enter>");
@@ -219,21 +219,22 @@ TEST(Menu, GenesteSubmenus) {
         TR_ADD(m, 3, "&Vier", 4, 1, 0, nullptr);
         for (int i = 50; i < 70; i++)
             TR_ADD(m, 4, vorm("Blad %d", i).c_str(), i, 1, 0, nullptr);
-        TR_WIDTH(m, 3, 30);
-        TR_WIDTH(m, 4, 60);
+        TR_WIDTH(m, 2, 30);
+        TR_WIDTH(m, 3, 60);
         return klaar(m, run(m, 0));
     });
     EXPECT_EQ(doos(t), (Doos{5, 30, 3, 26}));
     t.toetsen("<Right>");
-    EXPECT_EQ(t.stuk(6, 54, 27), " ┌────────────────────────┐");
-    t.toetsen("<Enter>"); // 55 + 25 has no room on the right: left of it
+    EXPECT_EQ(t.stuk(6, 54, 27), "→┌────────────────────────┐");
+    t.toetsen("<Enter>"); // column 80 has no room for it: left of its parent
     EXPECT_EQ(t.stuk(7, 24, 32), "┌──────────────────────────────┐");
-    t.toetsen("d<Left>");
-    t.toetsen("dv");
-    EXPECT_EQ(doos(t), (Doos{3, 19, 22, 62}));
+    t.toetsen("d"); // nor is there room on the left: against the edge
+    EXPECT_EQ(t.stuk(8, 18, 5) + t.stuk(10, 79, 2), " ┌────┘");
+    t.toetsen("<Left>dv");
+    EXPECT_EQ(t.stuk(4, 55, 26) + t.stuk(25, 80, 1), "┌────────────────────────┐┘");
     t.toetsen("<Left>");
-    EXPECT_EQ(doos(t), (Doos{5, 30, 3, 26}));
-    t.toetsen("<Esc><Esc><Esc>");
+    EXPECT_EQ(t.stuk(4, 55, 26) + t.stuk(9, 20, 5), std::string(26, ' ') + " Vier");
+    t.toetsen("<Esc><Esc><Esc><Esc>");
     EXPECT_EQ(t.antwoord(), "0 355");
 }
 
@@ -262,7 +263,7 @@ TEST(Menu, Merken) {
     EXPECT_EQ(t.stuk(8, 11, 5), "√Geel");
     EXPECT_EQ(t.stuk(11, 11, 6), "√gRoot");
     t.toetsen("kd<Esc>");
-    EXPECT_EQ(t.antwoord(), "h1 0 355 8 3 4 2 5 16 2101");
+    EXPECT_EQ(t.antwoord(), "h1 0 355 8 3 4 2 4 16 2101");
 }
 
 TEST(Menu, AlleenRadioSluitVanzelf) {
@@ -329,7 +330,7 @@ TEST(Menu, HandlersVeranderenHetMenu) {
     EXPECT_EQ(t.stuk(7, 10, 14), "│ Anders     │");
     EXPECT_EQ(t.stuk(9, 10, 14), "│            │");
     t.toetsen("da");
-    t.wacht_op(15, 42, "Bin");
+    t.wacht_op(15, 40, "┌Binne┐"); // the width follows from the items
     t.toetsen("j");
     EXPECT_EQ(t.antwoord(), "h1 h2 [71] 2 10");
 }
@@ -338,12 +339,14 @@ TEST(Menu, TijdOmEnZonderCancel) {
     Gesprek t([] {
         TR_MENU* m = balk();
         TR_TIMEOUT(1);
+        TOETS();
         std::string s = run(m, 221);
         TR_TIMEOUT(-1);
         TR_FLAGS(m, 16, -1);
         s += vorm(" %d", TR_RUN(m, 0));
         return klaar(m, s);
     });
+    t.stuur("x");
     t.wacht(" Koers"); // a second later all of it has closed
     t.weg(" Koers");
     t.toetsen("<Esc><Cancel>on");
@@ -360,7 +363,9 @@ TEST(Menu, VerkeerdeNamen) {
         wat(TR_STATE(m, 555));
         wat(TR_ADD(m, 555, "x", 7, 1, 0, nullptr));
         wat(TR_WIDTH(m, 21, 9));
-        s += vorm("%d %d %c", TR_SETID(m, 21, 22), TR_SETID(m, 21, 23), TR_HOTLETTER(m, 23));
+        s += vorm("%d ", TR_SETID(m, 21, 22)); // taken
+        s += vorm("%d ", TR_SETID(m, 21, 23));
+        s += vorm("%c", TR_HOTLETTER(m, 23));
         return klaar(m, s);
     });
     EXPECT_EQ(t.antwoord(), "-1 65535 0:Item_ID 5 65535:Item_ID 5 0:submenu_I 0:enu_ID 21 0 1 N");
