@@ -67,8 +67,9 @@ TEST(Menu, BalkToetsen) {
         {0, "dg<Esc>", "0 355"},
         {0, "l<Enter>", "h3 3 10"}, // an item without submenu opens one of its own
         {0, "<Up><Esc>", "0 355"},
-        {12, "<Down><Enter><Down><Enter>", "13 10"}, // a disabled start: the first that can be used, then down
-        {222, "<Enter>", "h2 222 10"},  // opens all the way
+        {12, "<Down><Enter><Down><Enter>",
+         "13 10"},                     // a disabled start: the first that can be used, then down
+        {222, "<Enter>", "h2 222 10"}, // opens all the way
         {222, "<Esc><Esc><Esc>", "h2 0 355"},
         {41, "<Enter><Esc><Esc>", "0 355"},
     };

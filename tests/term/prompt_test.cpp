@@ -338,7 +338,7 @@ TEST(Keuze, Getallen) {
         int minimum, maximum;
         const char *keys, *uit;
     } const gevallen[] = {
-        {11, 12, "12", "9 12"}, {11, 12, "011", "9 11"},        {1, 9, "4", "9 4"},
+        {11, 12, "12", "9 12"}, {11, 12, "011", "9 11"},       {1, 9, "4", "9 4"},
         {11, 12, "w", "3 0"},   {15, 28, "1<Enter>2w", "3 0"}, {15, 28, "28", "9 28"},
     };
     for (const auto& g : gevallen) {
