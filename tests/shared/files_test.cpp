@@ -1,0 +1,334 @@
+// File helpers: names, copies, moves, scans, scrambled texts.
+#include "shared/files.h"
+#include "support/proces.h"
+#include "support/terminal.h"
+#include <csignal>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+using test::in_proces;
+using test::lees_bestand;
+using test::schrijf_bestand;
+using test::TijdelijkeMap;
+
+int64_t klok_stand;
+int64_t klok() {
+    return klok_stand;
+}
+
+std::string gescrambled(const std::string& s, int64_t tijd) {
+    klok_stand = tijd;
+    SCRAMBLEKLOK = klok;
+    char buffer[400];
+    snprintf(buffer, sizeof buffer, "%s", s.c_str());
+    SCRAMBLE(buffer);
+    return buffer;
+}
+
+std::string terug(const std::string& s) {
+    char buffer[400];
+    snprintf(buffer, sizeof buffer, "%s", s.c_str());
+    UNSCRAMBLE(buffer);
+    return buffer;
+}
+
+// Worked by hand: at time 0 the seed is 160, so a is 17 and b is 5.
+TEST(Scramble, WorkedExample) {
+    EXPECT_EQ(gescrambled("A", 0), "5\xA0");
+    EXPECT_EQ(gescrambled("AB", 0), "i5\xA0");
+    EXPECT_EQ(gescrambled("", 0), "\xA0");
+}
+
+TEST(Scramble, BackAgainForEverySeed) {
+    std::string alles, lang(300, 'q');
+    for (int c = 32; c <= 253; c++)
+        alles += static_cast<char>(c);
+    for (const std::string& s : {std::string(), std::string("J"), std::string("Joke de Wit"), alles, lang})
+        for (int64_t tijd = 1'400'000'000; tijd < 1'400'000'094; tijd++) {
+            std::string hidden = gescrambled(s, tijd);
+            ASSERT_EQ(hidden.size(), s.size() + 1) << s;
+            for (unsigned char c : hidden)
+                ASSERT_TRUE(c >= 32 && c <= 253) << tijd;
+            ASSERT_EQ(terug(hidden), s) << tijd;
+        }
+}
+
+// Texts hidden by the older form: seed below 128, modulus 94.
+TEST(Scramble, OlderForm) {
+    for (int zaad : {32, 77, 125}) {
+        std::string tekst = "Verkoper 7", uit;
+        int teken = -1;
+        for (size_t i = 0; i < tekst.size(); i++, teken = -teken) {
+            int v = (tekst[i] - 32 + static_cast<int>(i + 1) * (zaad / 10 + 1) * teken + zaad % 10 + 5) % 94;
+            uit.insert(uit.begin(), static_cast<char>((v < 0 ? v + 94 : v) + 32));
+        }
+        uit += static_cast<char>(zaad);
+        EXPECT_EQ(terug(uit), tekst) << zaad;
+    }
+    EXPECT_EQ(terug("x"), "");
+    EXPECT_EQ(terug(""), "");
+}
+
+TEST(Paths, BaseNameUnlinkSize) {
+    TijdelijkeMap map;
+    EXPECT_STREQ(IOBASENAME("a/b/C.TXT"), "C.TXT");
+    EXPECT_STREQ(IOBASENAME("a\\b/c"), "b/c");
+    EXPECT_STREQ(IOBASENAME("kaal"), "kaal");
+    EXPECT_EQ(IOUNLINK("nooit"), 1);
+    EXPECT_EQ(IOUNLINK("."), 0);
+    schrijf_bestand("vijf", "12345");
+    EXPECT_EQ(IOSIZE("vijf"), 5);
+    EXPECT_EQ(IOSIZE("nooit"), -1);
+    EXPECT_TRUE(IOEXISTS("vijf") && !IOISDIR("vijf") && IOISDIR("."));
+    mkdir("map", 0777);
+    schrijf_bestand("map/a", "123");
+    schrijf_bestand("map/b", "1234567");
+    EXPECT_EQ(IODIRSIZE("map"), 10);
+    EXPECT_EQ(IODIRSIZE(nullptr), 5);
+    EXPECT_EQ(IODIRSIZE("nooit"), 0);
+    EXPECT_GT(IOMAXFILES(), 10);
+    EXPECT_EQ(IOEXISTS("OPENFILE"), 0);
+}
+
+TEST(TempName, LettersThenNumber) {
+    TijdelijkeMap map;
+    auto afloop = in_proces([] {
+        char verwacht[16];
+        int nr = static_cast<int>(getpid() % 100);
+        auto is = [&](const char* map_, const char* prefix, const char* vorm) {
+            snprintf(verwacht, sizeof verwacht, vorm, nr);
+            const char* naam = IOTMPNAM(map_, prefix);
+            if (strcmp(naam, verwacht) != 0)
+                printf("%s instead of %s\n", naam, verwacht);
+            return strcmp(naam, verwacht) == 0;
+        };
+        if (!is("", "PR", "PRAB%02d") || IOEXISTS(verwacht))
+            return 1;
+        snprintf(verwacht, sizeof verwacht, "PRAC%02d", nr);
+        schrijf_bestand(verwacht, "taken");
+        if (!is(nullptr, "PR", "PRAD%02d") || !is(".", "LANGPREFIX", "./LANGAE%02d"))
+            return 2;
+        for (int i = 0; i < 26 * 26 - 1 - 4; i++)
+            IOTMPNAM("", "X");
+        nr = (nr + 1) % 100;
+        return is("", "X", "XAA%02d") && IOTMPNAM("no/such/place", "X")[0] == 0 ? 0 : 3;
+    });
+    EXPECT_EQ(afloop.status, 0) << afloop.uitvoer;
+}
+
+struct Kopie {
+    const char *bron, *doel; // content before; null: absent
+    int hoe, antwoord;
+    const char* na; // content of the target afterwards
+};
+
+TEST(Copy, RefuseOverwriteAppend) {
+    const Kopie kopieen[] = {
+        {"nieuw", nullptr, -1, 1, "nieuw"},
+        {"nieuw", "oud staat", -1, 0, "oud staat"},
+        {"nieuw", nullptr, 0, 1, "nieuw"},
+        {"nieuw", "oud staat", 0, 1, "nieuw"},
+        {"nieuw", nullptr, 1, 1, "nieuw"},
+        {"nieuw", "oud+", 1, 1, "oud+nieuw"},
+        {"", "oud", 0, 1, ""},
+        {nullptr, "oud", 0, 0, "oud"},
+    };
+    for (const Kopie& k : kopieen) {
+        TijdelijkeMap map;
+        if (k.bron)
+            schrijf_bestand("bron", k.bron);
+        if (k.doel)
+            schrijf_bestand("doel", k.doel);
+        EXPECT_EQ(IOCOPY("bron", "doel", k.hoe), k.antwoord) << k.doel << " " << k.hoe;
+        EXPECT_EQ(lees_bestand("doel"), k.na) << k.hoe;
+        if (k.bron) {
+            EXPECT_EQ(lees_bestand("bron"), k.bron);
+        }
+    }
+}
+
+TEST(Copy, NeverOntoItself) {
+    TijdelijkeMap map;
+    schrijf_bestand("bron", "inhoud");
+    ASSERT_EQ(link("bron", "zelfde"), 0);
+    for (int hoe : {-1, 0, 1})
+        for (const char* doel : {"bron", "./bron", "zelfde"})
+            EXPECT_EQ(IOCOPY("bron", doel, hoe), 0) << doel << hoe;
+    EXPECT_EQ(lees_bestand("bron"), "inhoud");
+}
+
+// A disk that fills up: a file size limit, which gives a short write and then an error.
+TEST(Copy, FullDisk) {
+    TijdelijkeMap map;
+    schrijf_bestand("bron", std::string(200'000, 'b'));
+    schrijf_bestand("vol", std::string(1000, 'v'));
+    auto afloop = in_proces([] {
+        signal(SIGXFSZ, SIG_IGN);
+        rlimit grens{50'000, 50'000};
+        setrlimit(RLIMIT_FSIZE, &grens);
+        if (IOCOPY("bron", "leeg", 0) || IOEXISTS("leeg"))
+            return 1; // a target that was begun must go
+        if (IOCOPY("bron", "vol", 1) || IOSIZE("vol") != 50'000)
+            return 2; // what was appended stays behind what stood there
+        return 0;
+    });
+    EXPECT_EQ(afloop.status, 0) << afloop.uitvoer;
+    EXPECT_EQ(lees_bestand("vol").substr(0, 1001), std::string(1000, 'v') + "b");
+}
+
+TEST(Move, TargetIsOldOrNew) {
+    struct {
+        const char* doel;
+        int overschrijf, antwoord;
+        const char *bron_na, *doel_na;
+    } const rijen[] = {
+        {nullptr, 0, 1, nullptr, "bron"},
+        {"oud", 0, 0, "bron", "oud"},
+        {nullptr, 1, 1, nullptr, "bron"},
+        {"oud", 1, 1, nullptr, "bron"},
+    };
+    for (const auto& r : rijen) {
+        TijdelijkeMap map;
+        schrijf_bestand("van", "bron");
+        if (r.doel)
+            schrijf_bestand("naar", r.doel);
+        EXPECT_EQ(IOMOVE("van", "naar", r.overschrijf), r.antwoord) << r.overschrijf;
+        EXPECT_EQ(IOEXISTS("van"), r.bron_na != nullptr);
+        EXPECT_EQ(lees_bestand("naar"), r.doel_na);
+    }
+}
+
+TEST(Move, NothingIsLost) {
+    TijdelijkeMap map;
+    schrijf_bestand("naar", "oud");
+    EXPECT_EQ(IOMOVE("weg", "naar", 1), 0);
+    EXPECT_EQ(lees_bestand("naar"), "oud") << "a source that isn't there";
+    EXPECT_EQ(IOMOVE("naar", "./naar", 1), 1);
+    EXPECT_EQ(lees_bestand("naar"), "oud") << "onto itself";
+    ASSERT_EQ(link("naar", "tweede"), 0);
+    EXPECT_EQ(IOMOVE("naar", "tweede", 1), 1);
+    EXPECT_EQ(IOEXISTS("naar"), 0) << "two names of one file";
+    EXPECT_EQ(lees_bestand("tweede"), "oud");
+    EXPECT_EQ(IOMOVE("tweede", "geen/map/x", 1), 0);
+    EXPECT_EQ(lees_bestand("tweede"), "oud");
+}
+
+TEST(Move, AcrossFileSystems) {
+    TijdelijkeMap map;
+    struct stat a, b;
+    if (stat(".", &a) != 0 || stat("/dev/shm", &b) != 0 || a.st_dev == b.st_dev)
+        GTEST_SKIP() << "one file system only";
+    std::string ver = "/dev/shm/zgmove" + std::to_string(getpid());
+    schrijf_bestand("van", "over de grens");
+    schrijf_bestand(ver, "oud");
+    EXPECT_EQ(IOMOVE("van", ver.c_str(), 0), 0);
+    EXPECT_EQ(lees_bestand(ver), "oud");
+    EXPECT_EQ(IOMOVE("van", ver.c_str(), 1), 1);
+    EXPECT_EQ(lees_bestand(ver), "over de grens");
+    EXPECT_EQ(IOEXISTS("van"), 0);
+    unlink(ver.c_str());
+}
+
+std::string scan(const char* patroon, int kind) {
+    char naam[DIRNAAM];
+    snprintf(naam, sizeof naam, "%s", patroon);
+    std::string uit;
+    if (!DIRECTORY('O', naam, kind))
+        return "-";
+    while (DIRECTORY('N', naam, kind))
+        uit += (uit.empty() ? "" : " ") + std::string(naam);
+    DIRECTORY('C', nullptr, 0);
+    return uit;
+}
+
+TEST(Directory, Patterns) {
+    TijdelijkeMap map;
+    for (const char* naam :
+         {"DTKL0012.TXT", "DTKL12.TXT", "DTKLxx.TXT", "STAT05.TXT", "STAT5.TXT", "STAT123.TXT", "README",
+          "B.c", "a.b", "ORD0010.JRN", "ORD0010.WRK", "met blank.TXT"})
+        schrijf_bestand(naam, "");
+    mkdir("2016Z", 0777);
+    mkdir("2016W", 0777);
+    struct {
+        const char *patroon, *namen;
+        int aantal; // by FILES_PRESENT
+    } const rijen[] = {
+        {"DTKL%*4d.TXT", "DTKL0012.TXT DTKL12.TXT", 2},
+        {"STAT%*02hd.TXT", "STAT05.TXT STAT5.TXT", 2},
+        {"ORD0010.*", "ORD0010.JRN ORD0010.WRK", 2},
+        {"*.TXT", "DTKL0012.TXT DTKL12.TXT DTKLxx.TXT STAT05.TXT STAT123.TXT STAT5.TXT met blank.TXT", 7},
+        {"STAT?.TXT", "STAT5.TXT", 1},
+        {"*.*",
+         "B.c DTKL0012.TXT DTKL12.TXT DTKLxx.TXT ORD0010.JRN ORD0010.WRK STAT05.TXT STAT123.TXT STAT5.TXT "
+         "a.b met blank.TXT",
+         12},
+        {"README", "README", 1},
+        {"readme.*", "-", 1},  // letters in either case and the missing point: only for the count
+        {"ORD%d.JRN", "-", 0}, // a directive that would store
+        {"%*n", "-", 0},
+        {"%*[", "-", 0},
+        {"%*", "-", 0},
+        {"%", "-", 0},
+        {"geen/*.*", "-", 0},
+        {"*.NOG", "-", 0},
+    };
+    for (const auto& r : rijen) {
+        EXPECT_EQ(scan(r.patroon, 0), r.namen) << r.patroon;
+        EXPECT_EQ(FILES_PRESENT(r.patroon), r.aantal) << r.patroon;
+    }
+    EXPECT_EQ(scan("2016?", 2), "2016W 2016Z");
+    EXPECT_EQ(scan("2016?", 0), "-");
+    std::string lang(81, '?');
+    EXPECT_EQ(scan(lang.c_str(), 0), "-");
+}
+
+TEST(Directory, FullNamesOfAGivenDirectory) {
+    TijdelijkeMap map;
+    mkdir("sub", 0777);
+    schrijf_bestand("sub/ORD0010.JRN", "");
+    char* hier = realpath(".", nullptr);
+    EXPECT_EQ(scan("sub/ORD%*4d.JRN", 0), std::string(hier) + "/sub/ORD0010.JRN");
+    free(hier);
+    EXPECT_EQ(FILES_PRESENT("sub/*.JRN"), 1);
+}
+
+TEST(Directory, ScansInsideScans) {
+    TijdelijkeMap map;
+    schrijf_bestand("een.TXT", "");
+    schrijf_bestand("een lange naam van een bestand.TXT", "");
+    schrijf_bestand("x.JRN", "");
+    char naam[DIRNAAM] = "*.TXT", binnen[DIRNAAM] = "*.JRN";
+    ASSERT_EQ(DIRECTORY('O', naam, 0), 1);
+    EXPECT_EQ(DIRECTORYAANTAL(), 2);
+    EXPECT_EQ(DIRECTORYLENGTE(), 34);
+    EXPECT_STREQ(DIRECTORYNAAM(1), "een.TXT");
+    EXPECT_STREQ(DIRECTORYNAAM(2), "");
+    DIRECTORY('N', naam, 0);
+    ASSERT_EQ(DIRECTORY('O', binnen, 0), 1);
+    EXPECT_EQ(DIRECTORYLENGTE(), 12);
+    EXPECT_TRUE(DIRECTORY('N', binnen, 0) && !DIRECTORY('N', binnen, 0));
+    DIRECTORY('C', nullptr, 0);
+    EXPECT_EQ(DIRECTORY('N', naam, 0), 1);
+    EXPECT_STREQ(naam, "een.TXT");
+    EXPECT_EQ(DIRECTORY('N', naam, 0), 0);
+    EXPECT_EQ(DIRECTORY('C', nullptr, 0), 1);
+    EXPECT_EQ(DIRECTORY('C', nullptr, 0), 0);
+    auto afloop = in_proces([] {
+        char alle[] = "*.TXT";
+        for (int i = 0; i < 11; i++)
+            if (!DIRECTORY('O', alle, 0))
+                return 2;
+        return 3;
+    });
+    EXPECT_EQ(afloop.status, 1);
+    EXPECT_NE(afloop.uitvoer.find("DIRECTORY : ALLOC"), std::string::npos) << afloop.uitvoer;
+}
+
+} // namespace
+} // namespace zg

@@ -1,0 +1,347 @@
+// Fixed tables, the lock primitive and the name of who holds a lock.
+#include "shared/files.h"
+#include "shared/houder.h"
+#include "shared/iotab.h"
+#include "support/proces.h"
+#include "support/terminal.h"
+#include "term/scherm.h"
+#include "term/vast.h"
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <set>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+using test::Agent;
+using test::in_proces;
+using test::lees_bestand;
+using test::schrijf_bestand;
+
+constexpr Systabel PROEF{1000, 5, 20};
+
+struct Tabellen : testing::Test {
+    test::TijdelijkeMap map;
+    Tabellen() { schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0')); }
+    ~Tabellen() override { sluit(); }
+    static void open() {
+        int32_t nr = 7;
+        ASSERT_EQ(iotab('O', &nr, nullptr, PROEF), 1);
+        EXPECT_EQ(nr, 1);
+    }
+    static void sluit() {
+        int32_t nr = 0;
+        iotab('C', &nr, nullptr, PROEF);
+    }
+    static void zet(int slot, const char* tekst, const Systabel& tabel = PROEF) {
+        char rec[512] = "";
+        snprintf(rec, sizeof rec, "%s", tekst);
+        EXPECT_EQ(iotab('W', &slot, rec, tabel), 1);
+    }
+    // Slots met by a walk with one letter: "1a 3c", with the number at its end.
+    static std::string loop(char letter, int32_t nr) {
+        std::string uit;
+        char rec[20];
+        while (iotab(letter, &nr, rec, PROEF))
+            uit += std::to_string(nr) + rec + " ";
+        return uit + "(" + std::to_string(nr) + ")";
+    }
+    static void gebruiker_in(int slot, const char* naam, const char* tty) {
+        gebruikerslot g{};
+        char s[sizeof g.username + 2];
+        snprintf(s, sizeof s, "%s", naam);
+        SCRAMBLE(s);
+        VASTIN(g.username, s);
+        VASTIN(g.usertty, tty);
+        int32_t nr = slot;
+        iotab('W', &nr, &g, SYS_GEBRUIKER);
+    }
+};
+
+TEST_F(Tabellen, Walks) {
+    open();
+    EXPECT_EQ(loop('N', 0), "(6)");
+    EXPECT_EQ(loop('P', 6), "(0)");
+    zet(1, "a");
+    zet(3, "c");
+    EXPECT_EQ(loop('N', 0), "1a 3c (6)");
+    EXPECT_EQ(loop('N', 1), "3c (6)");
+    EXPECT_EQ(loop('P', 6), "3c 1a (0)");
+    EXPECT_EQ(loop('P', 1), "(0)");
+    EXPECT_EQ(loop('N', INT32_MIN), "1a 3c (6)");
+    EXPECT_EQ(loop('P', INT32_MAX), "3c 1a (0)");
+    EXPECT_EQ(loop('N', INT32_MAX), "(2147483647)");
+    char rec[20];
+    int32_t nr = 2;
+    EXPECT_EQ(iotab('F', &nr, rec, PROEF), 1);
+    EXPECT_EQ(nr, 3);
+    nr = 3;
+    EXPECT_EQ(iotab('D', &nr, rec, PROEF), 1);
+    EXPECT_EQ(loop('N', 0), "1a (6)");
+    EXPECT_EQ(loop('P', 6), "1a (0)");
+}
+
+TEST_F(Tabellen, OutsideTheTable) {
+    open();
+    for (Systabel naast : {Systabel{980, 1, 20}, Systabel{1100, 1, 20}})
+        zet(1, "of another", naast);
+    std::string voor = lees_bestand("DTSYS.TXT");
+    for (int32_t slot : {INT32_MIN, -1, 0, 6, 7, INT32_MAX}) {
+        char rec[20] = "x";
+        int32_t nr = slot;
+        for (char letter : {'W', 'w', 'D'})
+            EXPECT_EQ(iotab(letter, &nr, rec, PROEF), 1) << letter << slot;
+        for (char letter : {'R', 'X', 'T', 'U', 'Q'})
+            EXPECT_EQ(iotab(letter, &nr, rec, PROEF), 0) << letter << slot;
+        EXPECT_EQ(nr, slot);
+    }
+    EXPECT_EQ(lees_bestand("DTSYS.TXT"), voor);
+    EXPECT_TRUE(Agent([] {
+                    int fd = ::open("DTSYS.TXT", O_RDWR);
+                    return IOLOCK('T', fd, 0, 0) == 1;
+                }).ok())
+        << "a slot outside took a lock";
+}
+
+TEST_F(Tabellen, ShortFileReadsAsEmpty) {
+    schrijf_bestand("DTSYS.TXT", std::string(1020, '\1') + "half");
+    open();
+    char rec[20];
+    int32_t nr = 1;
+    EXPECT_EQ(iotab('R', &nr, rec, PROEF), 1);
+    nr = 2;
+    EXPECT_EQ(iotab('R', &nr, rec, PROEF), 0);
+    EXPECT_EQ(rec[0], 0) << "half a slot is no slot";
+    EXPECT_EQ(loop('N', 1), "(6)");
+    Slot<tekst20> slot{3, {}};
+    EXPECT_EQ(iotab('R', &slot, SYS_KLEUR), 0);
+    schrijf_bestand("DTSYS.TXT", "");
+    sys_lees();
+    EXPECT_EQ(firma.filialen, 0);
+}
+
+TEST_F(Tabellen, Counter) {
+    open();
+    EXPECT_EQ(iotab_teller(5, 9999999), 1000);
+    EXPECT_EQ(iotab_teller(5, 9999999), 1001);
+    for (int32_t staat : {-5, 9999999, INT32_MAX}) {
+        systeller t{};
+        t.laatste = staat;
+        int32_t nr = 5;
+        iotab('W', &nr, &t, SYS_RECORD);
+        EXPECT_EQ(iotab_teller(5, 9999999), 1000) << staat;
+    }
+}
+
+// Two processes draw at the same time: no number twice.
+TEST_F(Tabellen, CounterOfTwo) {
+    auto trek = [](const char* pad) {
+        return [pad] {
+            Tabellen::open();
+            std::string alle;
+            for (int i = 0; i < 200; i++)
+                alle += std::to_string(iotab_teller(5, 9999999)) + "\n";
+            schrijf_bestand(pad, alle);
+            return true;
+        };
+    };
+    sluit();
+    pid_t pid = fork();
+    if (pid == 0) {
+        trek("een")();
+        _exit(0);
+    }
+    ASSERT_TRUE(Agent(trek("twee")).ok());
+    waitpid(pid, nullptr, 0);
+    std::string beide = lees_bestand("een") + lees_bestand("twee");
+    std::set<std::string> nummers;
+    std::istringstream in(beide);
+    for (std::string nr; in >> nr;)
+        EXPECT_TRUE(nummers.insert(nr).second) << nr << " was drawn twice";
+    EXPECT_EQ(nummers.size(), 400u);
+    EXPECT_EQ(*nummers.rbegin(), "1399");
+}
+
+TEST_F(Tabellen, CodesBySet) {
+    open();
+    zet(23, "drie", SYS_SETCODE);
+    zet(20, "nul", SYS_SETCODE);
+    zet(31, "ander", SYS_SETCODE);
+    gebruiker.set = 2;
+    tekst20 rec;
+    struct {
+        int32_t code;
+        int antwoord;
+        int32_t na;
+    } const rijen[] = {{3, 1, 3}, {0, 0, 0}, {11, 0, 11}, {4, 0, 4}};
+    for (const auto& r : rijen) {
+        int32_t nr = r.code;
+        EXPECT_EQ(iotab_setcode(&nr, &rec), r.antwoord) << r.code;
+        EXPECT_EQ(nr, r.na) << r.code;
+    }
+    gebruiker = {};
+}
+
+TEST_F(Tabellen, FourCodeTables) {
+    open();
+    for (int soort = 1; soort <= 4; soort++) {
+        tekst30 rec{};
+        for (int32_t slot : {0, 1, 9}) {
+            int32_t nr = slot;
+            VASTIN(rec.tekst, std::to_string(soort * 10 + slot));
+            EXPECT_EQ(iotab_code('W', soort, &nr, &rec), 1);
+            EXPECT_EQ(nr, slot == 0 ? 1 : slot);
+        }
+        std::string bytes = lees_bestand("DTSYS.TXT");
+        int32_t kop = 10416 + (soort - 1) * 300;
+        EXPECT_EQ(std::string(bytes.c_str() + kop), std::to_string(soort * 10));
+        EXPECT_EQ(std::string(bytes.c_str() + kop + 30), std::to_string(soort * 10 + 1));
+        EXPECT_EQ(std::string(bytes.c_str() + kop + 30 * 9), std::to_string(soort * 10 + 9));
+        int32_t nr = 0;
+        EXPECT_EQ(iotab_code('N', soort, &nr, &rec), 1);
+        EXPECT_EQ(VASTTEKST(rec.tekst), std::to_string(soort * 10 + 1)) << "a walk begins behind the head";
+    }
+}
+
+TEST_F(Tabellen, MissingFileStops) {
+    IOUNLINK("DTSYS.TXT");
+    auto afloop = in_proces([] {
+        open();
+        return 0;
+    });
+    EXPECT_EQ(afloop.status, 1);
+    EXPECT_NE(afloop.uitvoer.find("DTSYS.TXT niet aanwezig in /"), std::string::npos) << afloop.uitvoer;
+    auto dicht = in_proces([] {
+        char rec[20];
+        int32_t nr = 1;
+        return iotab('R', &nr, rec, PROEF);
+    });
+    EXPECT_EQ(dicht.status, 1);
+    EXPECT_NE(dicht.uitvoer.find("iotab: errno=9 a=R fd=-1 o=1000"), std::string::npos) << dicht.uitvoer;
+}
+
+// What each letter answers against what another process holds, and that a refused try leaves nothing behind.
+TEST_F(Tabellen, LockPrimitive) {
+    struct {
+        char ander; // held by the other process, 0 for nothing
+        int s, e, t;
+    } const rijen[] = {{0, 1, 1, 1}, {'S', 0, 0, 0}, {'E', 0, 0, 0}};
+    for (const auto& r : rijen) {
+        Agent agent([&] {
+            int fd = ::open("DTSYS.TXT", O_RDWR);
+            return !r.ander || IOLOCK(r.ander, fd, 100, 50);
+        });
+        ASSERT_TRUE(agent.ok());
+        int fd = ::open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
+        EXPECT_EQ(IOLOCK('T', fd, 149, 10), r.t) << r.ander;
+        EXPECT_EQ(IOLOCK('T', fd, 150, 10), 1) << r.ander;
+        EXPECT_EQ(IOLOCK('S', fd, 149, 10), r.s) << r.ander;
+        EXPECT_TRUE(Agent([&] {
+                        int ander = ::open("DTSYS.TXT", O_RDWR);
+                        return IOLOCK('E', ander, 150, 5) == !r.s; // only a granted lock is still there
+                    }).ok())
+            << r.ander;
+        IOLOCK('U', fd, 0, 0);
+        EXPECT_EQ(IOLOCK('E', fd, 149, 10), r.e) << r.ander;
+        EXPECT_EQ(IOLOCK('E', fd, 149, 10), r.e) << "one's own lock is no hindrance";
+        EXPECT_EQ(IOLOCKPID(fd, 0, 0), r.ander ? agent.pid() : 0);
+        agent.dood();
+        EXPECT_EQ(IOLOCK('S', fd, 100, 50), 1) << "a dead process holds nothing";
+        close(fd);
+    }
+    int fd = ::open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(IOLOCK('Q', fd, 0, 1), 0);
+    EXPECT_EQ(IOLOCK('S', -1, 0, 1), 0);
+    EXPECT_EQ(IOFLOCK(fd, 3, 0), 0);
+    EXPECT_EQ(IOFLOCK(fd, 5, 10), 0);
+    EXPECT_EQ(IOFLOCK(-1, 3, 10), 0) << "no waiting for what can't be";
+    EXPECT_EQ(IOFLOCK(fd, 4, 10), 1);
+    EXPECT_TRUE(Agent([] {
+                    int ander = ::open("DTSYS.TXT", O_RDWR);
+                    return IOLOCK('T', ander, 0, 130'000) == 1 && IOLOCK('T', ander, 130'009, 1) == 0;
+                }).ok())
+        << "4 locks from the end";
+    close(fd);
+}
+
+TEST_F(Tabellen, HolderIsNamed) {
+    open();
+    gebruiker_in(7, "Joke \x9B", "03");
+    gebruiker_in(8, "Pieter", "");
+    struct {
+        const char* woord;
+        int slot; // of the holder, 0 for a process that isn't a user's
+        const char* tekst;
+    } const rijen[] = {
+        {"", 7, "Informatie in gebruik door Joke \x9B (tty03)"},
+        {"", 8, "Informatie in gebruik door Pieter"},
+        {"PROG", 8, "Programma in gebruik door Pieter"},
+        {"~EDI", 8, "EDI: in gebruik door Pieter"},
+        {"", 0, "Informatie in gebruik op ander scherm"},
+        {"PROG", 0, "Informatie in gebruik op ander scherm"},
+    };
+    schrijf_bestand("DATA", std::string(100, 'd'));
+    int fd = ::open("DATA", O_RDWR | O_CLOEXEC);
+    for (const auto& r : rijen) {
+        Agent agent([&] {
+            sluit(); // a descriptor from before the fork: open one of its own
+            open();
+            int32_t nr = r.slot;
+            gebruikerslot g;
+            int eigen = ::open("DATA", O_RDWR);
+            return (r.slot == 0 || iotab('X', &nr, &g, SYS_GEBRUIKER)) && IOLOCK('S', eigen, 10, 10);
+        });
+        ASSERT_TRUE(agent.ok());
+        char tekst[81];
+        snprintf(tekst, sizeof tekst, "%s", r.woord);
+        houder_tekst(tekst, sizeof tekst, fd, 10, 10);
+        EXPECT_STREQ(tekst, r.tekst);
+        houder_tekst(tekst, sizeof tekst, fd, 30, 10);
+        EXPECT_STREQ(tekst, "Informatie in gebruik op ander scherm") << "free by now";
+    }
+    close(fd);
+}
+
+// 'X' waits for a held slot and has it once the holder is gone.
+TEST_F(Tabellen, WaitsForALockedSlot) {
+    open();
+    zet(3, "c");
+    sluit();
+    Agent houder([] {
+        sluit();
+        open();
+        int32_t nr = 3;
+        char rec[20];
+        return iotab('X', &nr, rec, PROEF) == 1;
+    });
+    ASSERT_TRUE(houder.ok());
+    open();
+    int32_t nr = 3;
+    char rec[20];
+    EXPECT_EQ(iotab('T', &nr, rec, PROEF), 0);
+    EXPECT_EQ(iotab('R', &nr, rec, PROEF), 1) << "looking needs no lock";
+    test::Terminal wachter(
+        [] {
+            sluit();
+            SCRINIT();
+            int32_t slot = 1;
+            iotab('O', &slot, nullptr, PROEF);
+            slot = 3;
+            char r[20];
+            int gelezen = iotab('X', &slot, r, PROEF);
+            SCREXIT();
+            return gelezen ? 0 : 1;
+        },
+        {});
+    EXPECT_TRUE(wachter.wacht("SYSTEEM-Informatie in gebruik op ander scherm")) << wachter.scherm();
+    EXPECT_TRUE(wachter.leeft());
+    houder.laat_los();
+    EXPECT_EQ(wachter.einde(), 0);
+}
+
+} // namespace
+} // namespace zg
