@@ -242,7 +242,7 @@ TEST_F(Stam, EanCodes) {
     rec.soort = 'M', rec.artikelgroep = 1100, rec.kleur = 4, rec.volgnummer = 2, rec.maat = 3;
     VASTIN(rec.code, "012345678905");
     schrijf(icb, rec);
-    for (const char* tekst : {"012345678905", "0012345678905", "  012345678905 ", "00123456789056666"}) {
+    for (const char* tekst : {"012345678905", "0012345678905", " 012345678905 ", "00123456789056666"}) {
         eanrec uit;
         EXPECT_EQ(leesean(icb, &uit, tekst), 1) << tekst;
         EXPECT_EQ(uit.maat, 3) << tekst;

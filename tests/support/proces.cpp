@@ -61,7 +61,7 @@ Agent::Agent(const std::function<bool()>& doe) {
         close(heen[1]);
         close(terug[0]);
         char c = doe() ? 1 : 0;
-        if (write(terug[1], &c, 1) != 1 || read(heen[0], &c, 1) != 0)
+        if (write(terug[1], &c, 1) != 1 || read(heen[0], &c, 1) < 0)
             _exit(1);
         _exit(0);
     }
@@ -74,8 +74,11 @@ Agent::Agent(const std::function<bool()>& doe) {
 }
 
 void Agent::wacht() {
-    if (draad_ >= 0)
+    // A byte, not only the end of the pipe: another child may have inherited its end.
+    if (draad_ >= 0) {
+        [[maybe_unused]] ssize_t n = write(draad_, "", 1);
         close(draad_);
+    }
     draad_ = -1;
     if (pid_ > 0)
         waitpid(pid_, nullptr, 0);
@@ -89,6 +92,7 @@ void Agent::laat_los() {
 void Agent::dood() {
     if (pid_ > 0)
         kill(pid_, SIGKILL);
+    signal(SIGPIPE, SIG_IGN);
     wacht();
 }
 

@@ -1,0 +1,199 @@
+// Exclusion of users and batch runs, by real processes on real locks.
+#include "control/batchvw.h"
+#include "shared/files.h"
+#include "shared/iotab.h"
+#include "support/proces.h"
+#include "support/terminal.h"
+#include "term/scherm.h"
+#include "term/vast.h"
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+namespace zg {
+namespace {
+
+using test::Agent;
+using test::in_proces;
+using test::Terminal;
+
+void open_tabellen() {
+    int32_t nr = 0;
+    iotab('C', &nr, nullptr, SYS_RECORD);
+    iotab('O', &nr, nullptr, SYS_RECORD);
+}
+
+struct Batch : testing::Test {
+    test::TijdelijkeMap map;
+    Batch() {
+        test::schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
+        open_tabellen();
+        for (auto [slot, naam, tty] : {std::tuple{4, "Joke", "03"}, {9, "Pieter", ""}}) {
+            gebruikerslot g{};
+            char s[32];
+            snprintf(s, sizeof s, "%s", naam);
+            SCRAMBLE(s);
+            VASTIN(g.username, s);
+            VASTIN(g.usertty, tty);
+            int32_t nr = slot;
+            iotab('W', &nr, &g, SYS_GEBRUIKER);
+        }
+    }
+    ~Batch() override {
+        int32_t nr = 0;
+        iotab('C', &nr, nullptr, SYS_RECORD);
+        sessie = 0;
+    }
+    // Another program: user `slot` (99 the batch user) with a claim on group 5.
+    static auto als(int32_t slot, bool groep) {
+        return [=] {
+            open_tabellen();
+            sessie = slot;
+            return groep ? batch_claim(BATCH_ORDERS) : user_claim(BATCH_ORDERS, false);
+        };
+    }
+    // A program on a terminal that claims, and answers with the result as its status.
+    static auto op_scherm(int32_t slot, bool groep, bool vragen = true) {
+        return [=] {
+            open_tabellen();
+            SCRINIT();
+            sessie = slot;
+            bool ok = groep ? batch_claim(BATCH_ORDERS) : user_claim(BATCH_ORDERS, vragen);
+            SCREXIT();
+            return ok ? 10 : 11;
+        };
+    }
+};
+
+TEST_F(Batch, UsersSideBySide) {
+    Agent joke(als(4, false)), pieter(als(9, false));
+    EXPECT_TRUE(joke.ok() && pieter.ok());
+    EXPECT_FALSE(Agent(als(99, true)).ok()) << "an unattended run doesn't wait";
+    EXPECT_TRUE(Agent([] {
+                    open_tabellen();
+                    return IOLOCK('E', iotab_fd(), 40085 + 4 * 99, 99) == 1 && // the groups beside it
+                           IOLOCK('E', iotab_fd(), 40085 + 6 * 99, 99) == 1 &&
+                           IOLOCK('T', iotab_fd(), 40085 + 5 * 99 + 3, 1) == 0 &&
+                           IOLOCK('T', iotab_fd(), 40085 + 5 * 99 + 8, 1) == 0 &&
+                           IOLOCK('T', iotab_fd(), 40085 + 5 * 99 + 4, 4) == 1;
+                }).ok())
+        << "each holds his own byte of the group, and nothing else";
+    joke.dood();
+    pieter.laat_los();
+    EXPECT_TRUE(Agent(als(99, true)).ok()) << "a dead process holds nothing";
+}
+
+TEST_F(Batch, GivenBack) {
+    sessie = 4;
+    EXPECT_TRUE(user_claim(BATCH_ORDERS, false));
+    EXPECT_FALSE(Agent(als(99, true)).ok());
+    user_vrij(BATCH_ORDERS);
+    EXPECT_TRUE(Agent(als(99, true)).ok());
+    EXPECT_TRUE(batch_claim(BATCH_KASSA) && batch_claim(BATCH_ORDERS))
+        << "another group, and one's own again";
+    EXPECT_TRUE(Agent([] {
+                    open_tabellen();
+                    return !IOLOCK('S', iotab_fd(), 40085 + 5 * 99 + 98, 1);
+                }).ok());
+    batch_vrij(BATCH_ORDERS);
+    EXPECT_TRUE(Agent(als(99, true)).ok());
+}
+
+TEST_F(Batch, UserWaitsForTheRun) {
+    Agent run(als(99, true));
+    ASSERT_TRUE(run.ok());
+    Terminal t(op_scherm(4, false), {});
+    ASSERT_TRUE(t.wacht("Verwerking is actief")) << t.scherm();
+    EXPECT_TRUE(t.wacht("Wilt u wachten? (J/N)")) << t.scherm();
+    t.stuur("j");
+    ASSERT_TRUE(t.wacht("Wilt u wachten? (J/N)J")) << t.scherm();
+    t.stuur("\r");
+    ASSERT_TRUE(t.weg("(J/N)J")) << "the question is there again";
+    EXPECT_TRUE(t.leeft());
+    run.laat_los();
+    EXPECT_EQ(t.einde(), 10);
+}
+
+TEST_F(Batch, UserGivesUp) {
+    Agent run(als(99, true));
+    Terminal t(op_scherm(4, false), {});
+    ASSERT_TRUE(t.wacht("(J/N)")) << t.scherm();
+    t.stuur("n\r");
+    EXPECT_EQ(t.einde(), 11);
+    Terminal zonder(op_scherm(9, false, false), {});
+    ASSERT_TRUE(zonder.wacht("Verwerking is actief"));
+    EXPECT_EQ(zonder.scherm().find("(J/N)"), std::string::npos) << "nobody is asked";
+    run.laat_los();
+    EXPECT_EQ(zonder.einde(), 10);
+}
+
+TEST_F(Batch, RunNamesOrCountsTheUsers) {
+    auto joke = std::make_unique<Agent>(als(4, false));
+    Agent pieter(als(9, false));
+    Terminal t(op_scherm(7, true), {});
+    ASSERT_TRUE(t.wacht("Aantal gebruikers 2")) << t.scherm();
+    EXPECT_TRUE(t.wacht("Er zijn gebruikers actief die verwerking blokkeren!"));
+    pieter.laat_los();
+    ASSERT_TRUE(t.wacht("Gebruiker Joke (tty03)")) << t.scherm();
+    joke.reset();
+    EXPECT_EQ(t.einde(), 10);
+    Agent run(als(99, true));
+    Terminal tweede(op_scherm(8, true), {});
+    ASSERT_TRUE(tweede.wacht("Verwerking is reeds gestart")) << tweede.scherm();
+    tweede.stuur("\x1b");
+    EXPECT_EQ(tweede.einde(), 11);
+}
+
+TEST_F(Batch, Faults) {
+    struct {
+        std::function<void()> doe;
+        const char* tekst;
+    } const rijen[] = {
+        {[] { batch_claim(16); }, "batchvw: errno=1"},
+        {[] { user_claim(16, false); }, "batchvw: errno=2"},
+        {[] { user_claim(-1, false); }, "batchvw: errno=2"},
+        {[] {
+             int32_t nr = 0;
+             iotab('C', &nr, nullptr, SYS_RECORD);
+             user_claim(5, false);
+         },
+         "batchvw: errno=3"},
+        {[] {
+             sessie = 0;
+             user_claim(5, false);
+         },
+         "batchvw: errno=2"},
+        {[] {
+             sessie = BATCHGEBRUIKER;
+             BATCHTERUG = [] {
+                 printf("back to the menu");
+                 fflush(stdout);
+                 _exit(1);
+             };
+             batch_claim(16);
+         },
+         "back to the menu"},
+    };
+    sessie = 4;
+    for (const auto& r : rijen) {
+        auto afloop = in_proces([&] {
+            r.doe();
+            return 0;
+        });
+        EXPECT_EQ(afloop.status, 1) << r.tekst;
+        EXPECT_NE(afloop.uitvoer.find(r.tekst), std::string::npos) << afloop.uitvoer;
+    }
+}
+
+TEST_F(Batch, OrderNumbers) {
+    EXPECT_EQ(order_nummer(), 1000);
+    systeller t{};
+    t.laatste = 9999998;
+    int32_t nr = 5;
+    iotab('W', &nr, &t, SYS_RECORD);
+    EXPECT_EQ(order_nummer(), 9999999);
+    EXPECT_EQ(order_nummer(), 1000);
+}
+
+} // namespace
+} // namespace zg

@@ -1,0 +1,205 @@
+// Currencies, rates by date, conversion and the integer form of rates.
+#include "price/ing_val.h"
+#include "price/koers.h"
+#include "shared/iotab.h"
+#include "support/proces.h"
+#include "support/terminal.h"
+#include "term/datum.h"
+#include "term/vast.h"
+#include <gtest/gtest.h>
+
+namespace zg {
+namespace {
+
+using test::in_proces;
+
+struct Koersen : testing::Test {
+    test::TijdelijkeMap map;
+    Koersen() {
+        test::schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
+        int32_t nr = 0;
+        iotab('O', &nr, nullptr, SYS_VALUTA);
+        VASTIN(instel15.valuta, "EUR");
+        valuta(3, "EUR", 2, "Euro");
+        valuta(1, "USD", 2, "Amerikaanse dollar");
+        valuta(99, "JPY", 0, "Japanse yen");
+        valuta_vergeet();
+        maak("k1,NODUPS,C,1,3,I,11,12", "");
+    }
+    ~Koersen() override {
+        koers_sluit();
+        int32_t nr = 0;
+        iotab('C', &nr, nullptr, SYS_VALUTA);
+        instel15 = {};
+        bedragdecimalen = 2;
+    }
+    static void valuta(int slot, const char* code, int decimalen, const char* naam) {
+        Slot<valutarec> v{slot, {}};
+        VASTIN(v.r.code, code);
+        v.r.decimalen = static_cast<uint8_t>(decimalen);
+        VASTIN(v.r.naam, naam);
+        iotab('W', &v, SYS_VALUTA);
+    }
+    // The rate file by a key text; a second key when one is given.
+    static void maak(const char* sleutel, const char* tweede) {
+        koers_sluit();
+        ICB* icb = IXCREATE("DTKOERS", 1);
+        IXUPDFCB(icb, 0, "valutakoersen,12");
+        IXUPDFCB(icb, 1, sleutel);
+        if (*tweede)
+            IXUPDFCB(icb, 2, tweede);
+        IXINIT(icb);
+        for (const koersrec& rec : {koersrec{{'U', 'S', 'D'}, 0, 8800, 1, 40000},
+                                    {{'U', 'S', 'D'}, 0, 9150, 1, 42000},
+                                    {{'U', 'S', 'D'}, 0, 8990, 1, 42420},
+                                    {{'J', 'P', 'Y'}, 0, 7900, 100, 41000},
+                                    {{'U', 'S', 'C'}, 0, 1, 1, 1},
+                                    {{'A', 'A', 'A'}, 0, 5000, 0, 100}}) {
+            uint8_t buffer[IXRECMAX] = {};
+            memcpy(buffer, &rec, sizeof rec);
+            IXWRITE(icb, buffer);
+        }
+        IXCLOSE(icb);
+        koers_open();
+    }
+};
+
+TEST_F(Koersen, ByDate) {
+    struct {
+        const char* code;
+        uint16_t datum;
+        double koers;
+    } const rijen[] = {
+        {"USD", 42000, 0.9150}, {"USD", 41999, 0.8800}, {"USD", 42419, 0.9150}, {"USD", 42420, 0.8990},
+        {"USD", 65535, 0.8990}, {"USD", 39999, 1.0}, // none that early; not that of USC
+        {"JPY", 42000, 0.0079}, {"JPY", 40999, 1.0},    {"GBP", 42000, 1.0},    {"US", 42000, 1.0},
+        {"", 42000, 1.0},       {"EUR", 42000, 1.0},
+    };
+    for (const auto& r : rijen)
+        EXPECT_DOUBLE_EQ(koers_datum(r.code, r.datum), r.koers) << r.code << r.datum;
+    EXPECT_DOUBLE_EQ(koers_vandaag("USD"), koers_datum("USD", VANDAAG()));
+    koersrec rec;
+    koers_record("USD", 42100, &rec);
+    EXPECT_TRUE(rec.koers == 9150 && rec.datum == 42000);
+    koers_record("XXX", 42100, &rec);
+    EXPECT_EQ(rec.koers, 0);
+}
+
+// A key that isn't code and date never gives a wrong currency's rate, nor a later one.
+TEST_F(Koersen, OtherKey) {
+    maak("k1,NODUPS,I,11,12,C,1,3", "");
+    EXPECT_DOUBLE_EQ(koers_datum("USD", 42000), 0.9150);
+    for (auto datum : std::initializer_list<uint16_t>{39999, 41500, 42001, 65535}) {
+        double koers = koers_datum("USD", datum);
+        EXPECT_TRUE(koers == 1.0 || (koers == 0.88 && datum >= 40000) || koers == 0.915 || koers == 0.899)
+            << datum;
+        EXPECT_NE(koers, 0.0079);
+    }
+}
+
+TEST_F(Koersen, Faults) {
+    struct {
+        std::function<void()> doe;
+        const char* tekst;
+    } const rijen[] = {
+        {[] { koers_datum("AAA", 200); }, "koers: errno=2"}, // a unit of 0 in the file
+        {[] { koers_dubbel(1, 0); }, "koers: errno=2"},
+        {[] {
+             koers_sluit();
+             koers_vandaag("USD");
+         },
+         "koers: errno=1"},
+        {[] { valuta_zoek("   "); }, "ing_val: errno=1"},
+    };
+    for (const auto& r : rijen) {
+        auto afloop = in_proces([&] {
+            r.doe();
+            return 0;
+        });
+        EXPECT_EQ(afloop.status, 1) << r.tekst;
+        EXPECT_NE(afloop.uitvoer.find(r.tekst), std::string::npos) << afloop.uitvoer;
+    }
+}
+
+TEST_F(Koersen, CurrencyTable) {
+    EXPECT_TRUE(valuta_zoek("JPY"));
+    EXPECT_TRUE(VASTGELIJK(valuta_nu.naam, "Japanse yen"));
+    EXPECT_FALSE(valuta_zoek("XXX"));
+    EXPECT_TRUE(VASTGELIJK(valuta_nu.code, "JPY")) << "the current one stays";
+    EXPECT_STREQ(valuta_of_thuis(""), "EUR");
+    EXPECT_STREQ(valuta_of_thuis("USDxxx"), "USD");
+    EXPECT_FALSE(thuisvaluta_anders("   ") || thuisvaluta_anders("EUR"));
+    EXPECT_TRUE(thuisvaluta_anders("USD"));
+    EXPECT_EQ(valuta_decimalen("JPY"), 0);
+    EXPECT_EQ(valuta_decimalen("XXX"), 2);
+    EXPECT_EQ(valuta_decimalen(""), 2);
+    std::string volgorde;
+    for (const auto& v : valuta_tabel())
+        volgorde += std::to_string(v.nr) + " ";
+    EXPECT_EQ(volgorde, "1 3 99 ");
+}
+
+TEST(Koers, IntegerForm) {
+    struct {
+        double koers;
+        int32_t geheel;
+        int eenheid;
+    } const rijen[] = {
+        {0.5, 50000, 10},     {0.00543, 54300, 1000}, {12.34567, 1234567, 10},
+        {12.3456, 123456, 1}, {1.0, 10000, 1},        {100.12345, 1001235, 1},
+        {0.0, 0, 1},          {-2.5, -25000, 1},      {0.00001, 1000, 10000},
+        {0.9999, 99990, 10},  {1e300, INT32_MAX, 1},
+    };
+    for (const auto& r : rijen) {
+        int32_t geheel;
+        uint16_t eenheid;
+        koers_integer(r.koers, &geheel, &eenheid);
+        EXPECT_EQ(geheel, r.geheel) << r.koers;
+        EXPECT_EQ(eenheid, r.eenheid) << r.koers;
+    }
+}
+
+TEST_F(Koersen, Conversion) {
+    EXPECT_EQ(naar_thuis(1, "USD", 0.001), 1) << "a price never becomes nothing";
+    EXPECT_EQ(naar_thuis(100, "JPY", 1.0), 10000);
+    EXPECT_EQ(naar_thuis(10000, "USD", 0.9150), 9150);
+    EXPECT_EQ(naar_thuis_factor(10000, "USD", 0.9150, 10850), 9928);
+    EXPECT_EQ(naar_valuta(9928, "USD", 0.9150, 10850), 10000);
+    EXPECT_EQ(naar_valuta(10000, "JPY", 1.0, 10000), 100);
+    EXPECT_EQ(naar_thuis(10000, "USD", 0), naar_thuis(10000, "USD", koers_vandaag("USD"))) << "0: today's";
+    EXPECT_EQ(naar_thuis(INT32_MAX, "USD", 1e9), INT32_MAX) << "kept within an amount";
+    EXPECT_EQ(naar_valuta(100, "USD", 1.0, 0), 1) << "a factor of 0 from a file";
+    EXPECT_EQ(naar_thuis(-250, "USD", 2.0), -500);
+    valuta(3, "EUR", 0, "Euro zonder centen");
+    valuta_vergeet();
+    EXPECT_EQ(naar_thuis(10000, "USD", 1.0), 100);
+    EXPECT_EQ(naar_valuta(100, "USD", 1.0, 10000), 10000);
+}
+
+TEST_F(Koersen, ShortestRate) {
+    struct {
+        int32_t vreemd, thuis;
+    } const rijen[] = {{10000, 9150}, {19900, 26747}, {795, 795}, {333, 1000}, {1, 12345}, {700, 3}};
+    for (const auto& r : rijen) {
+        double koers = koers_vernauwen("USD", r.vreemd, r.thuis, 10000);
+        EXPECT_EQ(naar_thuis(r.vreemd, "USD", koers), r.thuis) << r.vreemd << " " << koers;
+    }
+    // Bounds of 1.2345 and 1.2351: the first digit that differs, halfway.
+    EXPECT_DOUBLE_EQ(koers_vernauwen("USD", 1667, 2058, 10000), 1.2345);
+    EXPECT_DOUBLE_EQ(koers_vernauwen("USD", 0, 100, 10000), 1.0) << "no price to divide by";
+}
+
+TEST_F(Koersen, Texts) {
+    EXPECT_EQ(koers_tekst("EUR", 1.5), "nvt");
+    EXPECT_EQ(koers_tekst("", 1.5), "nvt");
+    EXPECT_EQ(koers_tekst("USD", 1.25), "1.25000  ");
+    EXPECT_EQ(koers_tekst("USD", 0.0079), "79.00000  (per 10000)");
+    EXPECT_EQ(koers_tekst("USD", 0).substr(0, 17), "actuele koers -> ");
+    EXPECT_EQ(bedrag_tekst("JPY", 1234), "1234");
+    EXPECT_EQ(bedrag_tekst("USD", 1205), "12.05");
+    EXPECT_EQ(bedrag_tekst("USD", -5), "-0.05");
+    EXPECT_EQ(bedrag_tekst("", 922337203685477580), "9223372036854775.80");
+}
+
+} // namespace
+} // namespace zg

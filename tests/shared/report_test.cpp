@@ -1,0 +1,39 @@
+// Error reports: the line, its tag, and the end with status 1.
+#include "shared/report.h"
+#include "support/proces.h"
+#include <cerrno>
+#include <gtest/gtest.h>
+
+namespace zg {
+namespace {
+
+TEST(Report, LineAndStatus) {
+    struct {
+        std::function<void()> doe;
+        const char* tekst;
+    } const rijen[] = {
+        {[] { NOMEM("iomaat", 3); }, "iomaat: Onvoldoende geheugen (nr=3)"},
+        {[] { NOMEM("src/Order/IOORD.C.old", -1); }, "ioord: Onvoldoende geheugen (nr=-1)"},
+        {[] {
+             errno = ENOENT;
+             OPENFAIL("/x/.y/Iofil.cpp", "DTFILGEG.TXT");
+         },
+         "iofil: Open niet gelukt (file=DTFILGEG.TXT, errno=2)"},
+        {[] { BADKEY("om%snummer", "NAAM VAN ELF EN MEER", 3, 1); },
+         "om%snummer: Onjuist keynr (file=NAAM VAN EL, keynr=3/1)"},
+        {[] { INTERNAL("", 7); }, ": errno=7"},
+        {[] { IOFAIL("CAF\x90", 1); }, "caf\x82: errno=1"},
+    };
+    for (const auto& r : rijen) {
+        auto afloop = test::in_proces([&] {
+            r.doe();
+            return 0;
+        });
+        EXPECT_EQ(afloop.status, 1) << r.tekst;
+        EXPECT_NE(afloop.uitvoer.find(std::string(r.tekst) + "\r\n"), std::string::npos) << afloop.uitvoer;
+        EXPECT_NE(afloop.uitvoer.find("PROGRAMMA AFGEBROKEN\r\n"), std::string::npos) << afloop.uitvoer;
+    }
+}
+
+} // namespace
+} // namespace zg
