@@ -284,12 +284,16 @@ bool kies_seizoen() {
         }
         if (gekozen_jaar == 0)
             SCRPUT(A_WAARDE, 1, SEIZOENKOLOM, " %s ", TXT(T_STD));
+        else
+            SCRPUT(A_WAARDE, 1, SEIZOENKOLOM, "%04u", gekozen_jaar);
         if (gekozen && gekozen_jaar == 0)
             SCRPUT(A_WAARDE, 1, SEIZOENKOLOM, " %s %c   ", TXT(T_STD), gekozen_letter);
         if (!gekozen && !vraag_letter(&gekozen_letter))
             continue;
-        if (zet_map(gekozen))
+        if (zet_map(gekozen)) {
+            toon_seizoen();
             return true;
+        }
     }
 }
 

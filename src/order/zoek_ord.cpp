@@ -111,15 +111,15 @@ void vraag(int rij, orderrij* gezocht) {
     *gezocht = {};
     if (z->sleutel == 1) {
         uint16_t datum = 0;
-        INGAVE(rij, veld, "D,I", &SCHERM.toets[key_tab], &datum);
+        INGAVE(rij, veld, "D,I", &SCHERM.toets[key_tab], &SCHERM.toets[key_extra], &datum);
         gezocht->datum = static_cast<uint16_t>(100000 - datum);
     } else if (z->sleutel == 2) {
         int32_t nummer = 0;
-        INGAVE(rij, veld, "8l,I", &SCHERM.toets[key_tab], &nummer);
+        INGAVE(rij, veld, "8l,I", &SCHERM.toets[key_tab], &SCHERM.toets[key_extra], &nummer);
         gezocht->ordernummer = 100000u - static_cast<uint32_t>(nummer);
     } else {
         char tekst[10] = {};
-        INGAVE(rij, veld, "10c,I", &SCHERM.toets[key_tab], &tekst);
+        INGAVE(rij, veld, "10c,I", &SCHERM.toets[key_tab], &SCHERM.toets[key_extra], &tekst);
         memcpy(gezocht->lev_ordernr, tekst, sizeof tekst);
     }
 }
@@ -131,18 +131,14 @@ void toets() {
         SCRPUT(A_LABEL, rij, 28, "%s", TXT(T_VOOR_NIEUWE_ORDER));
     if (z->sleutels > 2)
         SCRPUT(A_LABEL, rij, 53, "%s", TXT(T_TAB_SORTERING));
-    // "/" as the first key of the field means what the key of that name means.
-    WINAT(rij, 15);
-    int32_t eerste = TOETS();
-    if (eerste == '/' || eerste == K_F3) {
-        error("%s", "");
-        SCHERM.vlag = V_LEEG;
-        SCHERM.laatste = K_CANCEL;
-        return;
-    }
-    TOETSDRUK(eerste);
+    // "/" leaves the field as a key of the table does: at once when nothing is typed yet.
     orderrij gezocht;
+    SCHERM.toets[key_extra] = '/';
     vraag(rij, &gezocht);
+    SCHERM.toets[key_extra] = 0;
+    bool leeg = (SCHERM.vlag & V_LEEG) != 0;
+    if (SCHERM.laatste == '/')
+        SCHERM.laatste = leeg ? K_CANCEL : K_ENTER;
     if (SCHERM.laatste == K_F3) {
         SCHERM.laatste = K_CANCEL;
     } else if (SCHERM.laatste == K_TAB) {

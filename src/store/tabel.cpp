@@ -5,7 +5,6 @@
 #include "store/node.h"
 #include "store/rebuild.h"
 #include <algorithm>
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <fcntl.h>
@@ -68,10 +67,8 @@ void maak(const char* naam, bool nieuw, void (*definieer)(ICB*)) {
     if (nieuw)
         IXINIT(icb);
     IXCLOSE(icb);
-    if (!nieuw && !IXBLDIX(naam)) { // records of another length: not to be guessed at
-        errno = EINVAL;
-        OPENFAIL("tabel", IXDATAPAD(naam).c_str());
-    }
+    if (!nieuw && !IXBLDIX(naam))
+        OPENFAIL("tabel", IXDATAPAD(naam).c_str()); // records of another length: not to be guessed at
 }
 
 } // namespace

@@ -1,0 +1,55 @@
+// A small data directory made for one case: a firm with three branches, a few master records, and the journals
+// that the case puts there. Everything varies by what the case says, nothing by the demo data.
+#pragma once
+#include "order/ordrec.h"
+#include "support/terminal.h"
+#include <string>
+#include <vector>
+
+namespace zg::test {
+
+inline constexpr uint16_t WERKDATUM = 42430; // 1 March 2016
+inline constexpr int SESSIE = 7;
+
+class Datamap {
+public:
+    Datamap();
+    const std::string& pad() const { return map_.pad(); }
+    std::string bestand(const std::string& naam) const { return pad() + "/" + naam; }
+
+    // Bytes of DTSYS.TXT in place; the session's slot begins at slot().
+    void sys(size_t plaats, std::string_view bytes);
+    static size_t slot(int sessie = SESSIE) { return 2640 + 64 * (static_cast<size_t>(sessie) - 1); }
+    void parm(const ordparm& p); // ORDPARM.SYS
+    void journaal(const std::string& inhoud, int leverancier = 12, const std::string& seizoen = "2016Z");
+    std::string journaal(int leverancier = 12, const std::string& seizoen = "2016Z") const; // "" when absent
+    bool bestaat(const std::string& naam) const;
+    // Names of the scratch files of a season directory; empty when there is none.
+    std::string restjes(const std::string& seizoen = "2016Z") const;
+
+    // The menu's hand-over for a session: its slot is made ready. And the program's command line.
+    std::vector<std::string> overgave(int sessie = SESSIE, const std::string& gebruiker = "Joke");
+    Opties opties() const; // clock 1 March 2016; BIN leads to a stand-in that shows what it was started with
+
+private:
+    TijdelijkeMap map_{false};
+};
+
+// Records as they stand in a journal.
+struct Regel {
+    uint16_t merk = 5;
+    std::string model = "JURK";
+    std::string dessin = "UNI";
+    uint16_t kleur = 1;
+    int aantal = 1; // pieces of size 1 in branch 0
+    int32_t prijs = 1000;
+    uint8_t maatsoort = 1;
+};
+ordkop maak_kop(const std::string& omschrijving, uint16_t datum = WERKDATUM);
+// An order: header, conditions that aren't empty, and its lines; equal brand and model share an M.
+std::string maak_order(const ordkop& kop, const std::vector<Regel>& regels, const std::string& levering = "",
+                       const std::string& betaling = "");
+std::string record(char tag, const void* body, size_t n);
+std::string tekst(uint8_t soort, const std::string& inhoud); // the T records of one text
+
+} // namespace zg::test

@@ -1,0 +1,139 @@
+// The way to an order: season, supplier, list of orders, date of a new one.
+#include "e2e/datamap.h"
+#include "e2e/loop.h"
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+using namespace zg::test;
+
+TEST(Keuze, SeizoenGetyptGekozenOfStandaard) {
+    Datamap map;
+    Programma p(map);
+    struct {
+        const char *toetsen, *melding;
+    } fout[] = {
+        {"123<Enter>", "<123> Ongeldig jaartal"},
+        {"1979<Enter>", "<1979> Alleen 1980 t/m 2021 mogelijk"},
+        {"51<Enter>", "<1951> Alleen 1980 t/m 2021 mogelijk"},
+        {"2022<Enter>", "<2022> Alleen 1980 t/m 2021 mogelijk"},
+        {"15<Enter>W<Enter>", "2015W: onbekend inkoopseizoen"},
+        {"99<Enter>K<Enter>", "1999K: onbekend inkoopseizoen"},
+    };
+    for (auto& f : fout) {
+        p.t.toetsen(f.toetsen);
+        EXPECT_TRUE(p.t.wacht_op(25, 1, f.melding)) << f.toetsen << "\n" << p.t.scherm();
+        EXPECT_EQ(p.t.cursor_rij(), 1);
+    }
+    // ESC at the letter goes back to the year, the second one out of the field would leave.
+    p.t.toetsen("16<Enter><Esc>");
+    EXPECT_EQ(p.t.cursor_kolom(), 46);
+    p.t.toetsen("16<Enter>w<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(1, 46, "2016W")) << p.t.scherm();
+    EXPECT_EQ(p.t.cursor_rij(), 3);
+    // From the supplier back to the season; then a season by the list: the latest first.
+    p.t.toetsen("<Esc><F5>");
+    EXPECT_TRUE(p.t.wacht("selecteren inkoopseizoen")) << p.t.scherm();
+    p.t.toetsen("<Up><Up><Enter>");
+    EXPECT_TRUE(p.t.wacht_op(3, 1, "Leverancier: ")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    // An empty year is the standard season, whose directory is made on the spot.
+    EXPECT_FALSE(map.bestaat("0000K"));
+    p.t.toetsen("<Back><Enter>K<Enter>");
+    EXPECT_EQ(p.t.cursor_rij(), 3) << p.t.scherm();
+    EXPECT_TRUE(map.bestaat("0000K"));
+    p.t.toetsen("<Esc>");
+    p.uit();
+}
+
+TEST(Keuze, EerstVerwerken) {
+    Datamap map;
+    schrijf_bestand(map.bestand("STAT07.TXT"), "");
+    {
+        Programma p(map);
+        p.t.toetsen("<Enter><Enter>");
+        EXPECT_TRUE(p.t.wacht("Eerst stamgegevens verwerken a.u.b.")) << p.t.scherm();
+        p.t.reeks("<Enter>");
+        EXPECT_EQ(p.t.einde(), 0);
+    }
+    unlink(map.bestand("STAT07.TXT").c_str());
+    schrijf_bestand(map.bestand("2016Z/NEWORD.TXT"), "");
+    Programma p(map);
+    p.t.toetsen("<Enter><Enter>");
+    EXPECT_TRUE(p.t.wacht("Eerst orders verwerken a.u.b.")) << p.t.scherm();
+    p.t.reeks("<Enter>");
+    EXPECT_EQ(p.t.einde(), 0);
+}
+
+TEST(Keuze, LeverancierOpNummerEnUitDeLijst) {
+    Datamap map;
+    Programma p(map);
+    p.t.toetsen("<Enter><Enter>999<Enter>");
+    EXPECT_TRUE(p.t.wacht("Onbekende leverancier")) << p.t.scherm();
+    p.t.toetsen("40<Enter>");
+    EXPECT_TRUE(p.t.wacht("Deze relatie is geen leverancier")) << p.t.scherm();
+    p.t.toetsen("31<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(3, 19, "Møller & Søn")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    // The list shows suppliers only; by name behind TAB.
+    p.t.toetsen("<Enter><Enter><F5><PgUp>");
+    EXPECT_TRUE(p.t.wacht("Mode Centrale")) << p.t.scherm();
+    EXPECT_EQ(p.t.scherm().find("Agentuur"), std::string::npos);
+    p.t.toetsen("<Tab>NOO<Enter>");
+    EXPECT_TRUE(p.t.kalm());
+    p.t.toetsen("<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(3, 19, "Noord Ltd")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    p.uit();
+    EXPECT_FALSE(map.bestaat("2016Z/ORD0027.JRN")) << "an empty journal stays behind";
+}
+
+TEST(Keuze, OrderlijstSorteringPositieEnVerlaten) {
+    Datamap map;
+    map.sys(32, std::string("\x04\0", 2)); // supplier's order numbers are in use: three orderings
+    std::string inhoud;
+    struct {
+        const char *oms, *nr;
+        int dag, ordernr;
+    } orders[] = {{"Eerste", "B-7", 0, 1500}, {"Tweede", "A-9", -30, 1700}, {"Derde", "", -10, 1600}};
+    for (auto& o : orders) {
+        zg::ordkop kop = maak_kop(o.oms, static_cast<uint16_t>(WERKDATUM + o.dag));
+        kop.ordernummer = o.ordernr;
+        memcpy(kop.lev_ordernr, o.nr, strlen(o.nr));
+        inhoud += maak_order(kop, {Regel{}});
+    }
+    map.journaal(inhoud);
+    Programma p(map);
+    p.t.toetsen("<Enter><Enter>12<Enter>");
+    auto rijen = [&p](std::initializer_list<const char*> namen) {
+        int rij = 8;
+        for (const char* naam : namen)
+            EXPECT_NE(p.t.regel(rij++).find(naam), std::string::npos) << naam << "\n" << p.t.scherm();
+    };
+    EXPECT_TRUE(p.t.wacht("</> voor nieuwe order")) << p.t.scherm();
+    EXPECT_NE(p.t.regel(22).find("<TAB> voor sortering"), std::string::npos) << p.t.scherm();
+    rijen({"Eerste", "Derde", "Tweede"}); // latest date first
+    p.t.toetsen("<Tab>");
+    EXPECT_TRUE(p.t.wacht("Ordernr"));
+    p.t.toetsen("9999<Enter>"); // above all: the first
+    rijen({"1700", "1600", "1500"});
+    p.t.toetsen("1600<Enter>");
+    rijen({"1600", "1500"});
+    p.t.toetsen("<Tab>");
+    EXPECT_TRUE(p.t.wacht("Lev ordernr"));
+    p.t.toetsen("<PgUp>");
+    rijen({"Derde", "Tweede", "Eerste"}); // without a number first
+    // "/" in an empty field leads to the date; F5 opens the list again, F3 leaves it.
+    p.t.toetsen("/");
+    EXPECT_TRUE(p.t.weg("</> voor nieuwe")) << p.t.scherm();
+    EXPECT_EQ(p.t.cursor_kolom(), 74) << p.t.scherm();
+    p.t.toetsen("<F5>");
+    EXPECT_TRUE(p.t.wacht("</> voor nieuwe"));
+    p.t.toetsen("<F3>");
+    EXPECT_EQ(p.t.cursor_kolom(), 74) << p.t.scherm();
+    EXPECT_EQ(p.t.stuk(1, 74, 6), "010316") << "the working date again";
+    p.t.toetsen("<F5><Enter>");
+    EXPECT_TRUE(p.t.wacht("1500 / Eerste")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    p.uit();
+    EXPECT_EQ(map.journaal(), inhoud);
+}

@@ -1,0 +1,129 @@
+// The hand-over from the menu and back, and every way in which it is refused.
+#include "e2e/datamap.h"
+#include <functional>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using namespace zg::test;
+
+TEST(Start, SeizoenspromptInformatieEnTerug) {
+    Datamap map;
+    Terminal t(map.overgave(), map.opties());
+    ASSERT_TRUE(t.wacht_op(1, 46, "2016Z")) << t.scherm();
+    ASSERT_TRUE(t.kalm());
+    EXPECT_NE(t.regel(1).find("ORDERS"), std::string::npos) << t.scherm();
+    EXPECT_EQ(t.stuk(3, 1, 11), "Leverancier");
+    EXPECT_EQ(t.cursor_rij(), 1);
+    EXPECT_EQ(t.cursor_kolom(), 46);
+    EXPECT_EQ(lees_bestand(map.bestand("DTSYS.TXT"))[Datamap::slot() + 38], 1) << "level: in a program";
+    t.toetsen("<F10>");
+    for (const char* tekst : {"zgbestel", "870 ", "4711 Modehuis De Proef", "Lantaarn8.70  3F", "Joke (B)"})
+        EXPECT_TRUE(t.wacht(tekst)) << tekst << "\n" << t.scherm();
+    t.toetsen("<Enter>");
+    EXPECT_TRUE(t.weg("4711"));
+    t.toetsen("<Esc>");
+    ASSERT_EQ(t.einde(), 0) << t.scherm();
+    EXPECT_NE(t.uitvoer().find("menu: zgbsmenu Joke 7 zgbestel"), std::string::npos);
+    std::string slot = lees_bestand(map.bestand("DTSYS.TXT")).substr(Datamap::slot(), 64);
+    EXPECT_EQ(slot[38], 2);
+    EXPECT_EQ(slot.substr(48, 9), std::string("zgbsmenu") + '\0');
+}
+
+namespace {
+
+struct Weigering {
+    const char* wat;
+    std::function<void(Datamap&, std::vector<std::string>&, Opties&)> maak;
+    const char* melding;
+    int status = 1;
+};
+
+void zet_userprog(Datamap& map, const std::string& naam) {
+    map.sys(Datamap::slot() + 48, naam + std::string(10 - naam.size(), '\0'));
+}
+
+const Weigering WEIGERINGEN[] = {
+    {"four arguments", [](Datamap&, auto& argv, Opties&) { argv.pop_back(); },
+     "zgbestel foutief gestart, code 99"},
+    {"six arguments", [](Datamap&, auto& argv, Opties&) { argv.push_back("x"); },
+     "zgbestel foutief gestart, code 99"},
+    {"no system tables", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTSYS.TXT").c_str()); },
+     "DTSYS.TXT niet aanwezig in"},
+    {"other release", [](Datamap& map, auto&, Opties&) { map.sys(9 * 64 + 58, "8.60 "); },
+     "Foutieve release: bestanden van 8.60"},
+    {"session 0", [](Datamap&, auto& argv, Opties&) { argv[3] = "0"; }, "foutief gestart, code 2"},
+    {"session no number", [](Datamap&, auto& argv, Opties&) { argv[3] = "zeven"; },
+     "foutief gestart, code 2"},
+    {"session beyond the table", [](Datamap&, auto& argv, Opties&) { argv[3] = "100"; },
+     "foutief gestart, code 2"},
+    {"session nobody has", [](Datamap&, auto& argv, Opties&) { argv[3] = "8"; }, "foutief gestart, code 2"},
+    {"other user", [](Datamap&, auto& argv, Opties&) { argv[2] = "Jan"; }, "foutief gestart, code 1"},
+    {"slot is for another program", [](Datamap& map, auto&, Opties&) { zet_userprog(map, "zgvoorraad"); },
+     "foutief gestart, code 0"},
+    {"both say another program",
+     [](Datamap& map, auto& argv, Opties&) {
+         zet_userprog(map, "zgverkoop");
+         argv[1] = "zgverkoop";
+     },
+     "foutief gestart, code 13"},
+    {"no order parameters", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("ORDPARM.SYS").c_str()); },
+     "Open niet gelukt (file=ORDPARM.SYS"},
+    {"order parameters cut short",
+     [](Datamap& map, auto&, Opties&) { schrijf_bestand(map.bestand("ORDPARM.SYS"), std::string(50, 'x')); },
+     "Open niet gelukt (file=ORDPARM.SYS"},
+    {"no branch table", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTFILGEG.TXT").c_str()); },
+     "Open niet gelukt (file=DTFILGEG.TXT"},
+    {"no supplier file", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTLEV.INX").c_str()); },
+     "Open niet gelukt (file=DTLEV"},
+    {"unknown terminal", [](Datamap&, auto&, Opties& o) { o.term = "raar"; }, "Onbekende terminfo (Raar)",
+     10},
+};
+
+} // namespace
+
+TEST(Start, WeigertEnMeldtWaarom) {
+    for (const Weigering& w : WEIGERINGEN) {
+        SCOPED_TRACE(w.wat);
+        Datamap map;
+        std::vector<std::string> argv = map.overgave();
+        Opties opties = map.opties();
+        w.maak(map, argv, opties);
+        Terminal t(argv, opties);
+        EXPECT_TRUE(t.wacht(w.melding)) << t.scherm();
+        if (w.status == 1) {
+            EXPECT_TRUE(t.wacht("PROGRAMMA AFGEBROKEN")) << t.scherm();
+            t.toetsen("x"); // only ENTER ends it
+            EXPECT_TRUE(t.leeft());
+            t.reeks("<Enter>");
+        }
+        EXPECT_EQ(t.einde(), w.status);
+    }
+}
+
+// A menu program that isn't there: said on the screen, and the slot tells that it may run.
+TEST(Start, MenuprogrammaOntbreekt) {
+    Datamap map;
+    Opties opties = map.opties();
+    opties.omgeving = {{"BIN", "/bestaat/niet"}, {"PATH", "/bestaat/niet"}};
+    Terminal t(map.overgave(), opties);
+    ASSERT_TRUE(t.wacht("2016Z"));
+    t.kalm();
+    t.reeks("<Esc>");
+    EXPECT_TRUE(t.wacht("Programma zgbsmenu niet gevonden")) << t.scherm();
+    t.reeks("<Enter>");
+    EXPECT_EQ(t.einde(), 1);
+    EXPECT_EQ(lees_bestand(map.bestand("DTSYS.TXT")).substr(Datamap::slot() + 48, 8), "zgbsmenu");
+}
+
+// TSTBIN goes before BIN.
+TEST(Start, TstbinGaatVoor) {
+    Datamap map;
+    Opties opties = map.opties();
+    opties.omgeving = {{"TSTBIN", map.bestand("bin") + "/"}, {"BIN", "/bestaat/niet"}};
+    Terminal t(map.overgave(), opties);
+    ASSERT_TRUE(t.wacht("2016Z"));
+    t.kalm();
+    t.reeks("<Esc>");
+    EXPECT_EQ(t.einde(), 0);
+    EXPECT_NE(t.uitvoer().find("menu: zgbsmenu Joke 7 zgbestel"), std::string::npos);
+}
