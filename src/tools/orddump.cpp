@@ -1,0 +1,178 @@
+// orddump: order journals and work files as text or JSON lines, one record a line, and the check of their
+// grammar. It opens for reading only and takes no lock, so it disturbs nobody; what a program at work may have
+// half written is not called damage.
+#include "order/ioord.h"
+#include "order/ordcheck.h"
+#include "order/ordloop.h"
+#include "shared/files.h"
+#include "tools/indeling.h"
+#include "tools/paar.h"
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace zg;
+using json = nlohmann::ordered_json;
+
+struct Wens {
+    std::vector<std::string> bestanden;
+    bool json = false, check = false;
+    std::string soort;
+    int filialen = 0;
+};
+
+// The unnamed bytes of a record are shown only when they hold something.
+bool leeg(const Veld& v, const uint8_t* lichaam) {
+    return v.naam[0] == '@' &&
+           std::all_of(lichaam + v.begin, lichaam + v.begin + v.lengte, [](uint8_t b) { return b == 0; });
+}
+
+const std::vector<Veld>& velden_van(char tag) {
+    static std::map<char, std::vector<Veld>> bekend;
+    auto& velden = bekend[tag];
+    if (velden.empty()) {
+        IXHEADER kop{};
+        kop.reclen = static_cast<uint16_t>(ord_lengte(tag));
+        velden = indeling(std::string("ORD:") + tag, kop);
+    }
+    return velden;
+}
+
+void als_json(const std::string& pad, const ordrauw& r, bool met_naam) {
+    json j;
+    if (met_naam)
+        j["file"] = pad;
+    j["offset"] = r.offset;
+    j["tag"] = std::string(1, r.tag);
+    for (const Veld& v : velden_van(r.tag)) {
+        if (leeg(v, r.data + 1))
+            continue;
+        std::string waarde = veld_uit(v, r.data + 1);
+        if (v.soort == 'u' || v.soort == 'i')
+            j[v.naam] = strtoll(waarde.c_str(), nullptr, 10);
+        else
+            j[v.naam] = waarde;
+    }
+    puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
+}
+
+// Indented by level; what is 0 or empty is left out, but not the numbers that say which one it is.
+void als_tekst(const ordrauw& r) {
+    int diepte = r.tag == 'O' ? 0 : r.tag == 'M' ? 1 : r.tag == 'D' ? 2 : r.tag == 'F' ? 4 : 3;
+    printf("%10lld %*s%c", static_cast<long long>(r.offset), 2 * diepte, "", r.tag);
+    for (const Veld& v : velden_van(r.tag)) {
+        std::string waarde = leeg(v, r.data + 1) ? "" : veld_uit(v, r.data + 1);
+        bool wie = v.naam == "filiaal" || v.naam == "maat" || v.naam == "kleur";
+        if (waarde.empty() || (!wie && waarde.find_first_not_of('0') == std::string::npos))
+            continue;
+        if (v.soort == 'c')
+            printf(" %s=\"%s\"", v.naam.c_str(), waarde.c_str());
+        else
+            printf(" %s=%s", v.naam.c_str(), waarde.c_str());
+    }
+    putchar('\n');
+}
+
+void toon(const Wens& w, const std::string& pad, int fd) {
+    ordloop l;
+    ordrauw r;
+    ordloop_begin(&l, fd, 0, INT64_MAX);
+    while (ordloop_volgende(&l, &r) == LOOP_RECORD) {
+        if (w.json)
+            als_json(pad, r, w.bestanden.size() > 1);
+        else
+            als_tekst(r);
+    }
+}
+
+ordsoort soort_van(const Wens& w, const std::string& pad) {
+    if (!w.soort.empty())
+        return w.soort == "work" ? ORD_WERK : ORD_JOURNAAL;
+    return pad.size() > 4 && strcasecmp(pad.c_str() + pad.size() - 4, ".WRK") == 0 ? ORD_WERK : ORD_JOURNAAL;
+}
+
+// Written while we read, or held by a program that writes in it?
+bool aan_het_werk(int fd, const struct stat& voor) {
+    struct stat na;
+    return fstat(fd, &na) != 0 || na.st_size != voor.st_size || na.st_mtim.tv_sec != voor.st_mtim.tv_sec ||
+           na.st_mtim.tv_nsec != voor.st_mtim.tv_nsec || !IOLOCK('T', fd, 0, 1);
+}
+
+int een(const Wens& w, const std::string& pad) {
+    int fd = open(pad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat voor;
+    if (fd < 0 || fstat(fd, &voor) != 0 || !S_ISREG(voor.st_mode)) {
+        klacht(pad, fd < 0 ? strerror(errno) : "not a plain file");
+        if (fd >= 0)
+            close(fd);
+        return NIET_TE_OPENEN;
+    }
+    ordsoort soort = soort_van(w, pad);
+    ordtelling telling;
+    if (!w.check)
+        toon(w, pad, fd);
+    std::vector<ordkwaal> kwalen = ord_controle(fd, soort, w.filialen, &telling);
+    int uitkomst = GOED;
+    if (!kwalen.empty())
+        uitkomst = aan_het_werk(fd, voor) ? IN_GEBRUIK : FOUT_GEVONDEN;
+    close(fd);
+    fflush(stdout);
+    for (const ordkwaal& k : kwalen)
+        klacht(pad, "at " + std::to_string(k.pos) + ": " + k.wat);
+    if (uitkomst == IN_GEBRUIK)
+        klacht(pad, "in use: this may be half written, look again later");
+    if (w.check)
+        printf("%s: %s, %lld orders, %lld models, %lld lines, %lld records%s\n", pad.c_str(),
+               soort == ORD_WERK ? "work file" : "journal", static_cast<long long>(telling.orders),
+               static_cast<long long>(telling.modellen), static_cast<long long>(telling.regels),
+               static_cast<long long>(telling.records), kwalen.empty() ? ", good" : "");
+    return uitkomst;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    toolnaam = "orddump";
+    signal(SIGPIPE, SIG_DFL);
+    Wens w;
+    CLI::App app{"print order journals and work files, and check them.\n"
+                 "No lock is taken; a file in use can be read.",
+                 "orddump"};
+    app.set_version_flag("--version", "orddump 8.70");
+    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    app.add_option("FILE", w.bestanden, "journals (.JRN) and work files (.WRK)")->required();
+    app.add_flag("-j,--json", w.json, "JSON lines");
+    app.add_flag("-c,--check", w.check, "only check, one line a file");
+    app.add_option("-k,--kind", w.soort, "journal or work, else by the extension")
+        ->check(CLI::IsMember({"journal", "work"}));
+    app.add_option("-b,--branches", w.filialen, "number of branches of the firm, to check branch indexes")
+        ->check(CLI::Range(1, 250));
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
+    }
+    // The gravest answer counts: a file that can't be opened above one that is wrong above one in use.
+    int uitkomst = GOED;
+    const std::array<int, 5> gewicht = {0, 2, 0, 3, 1};
+    for (const std::string& pad : w.bestanden) {
+        int deze = een(w, pad);
+        if (gewicht[static_cast<size_t>(deze)] > gewicht[static_cast<size_t>(uitkomst)])
+            uitkomst = deze;
+    }
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+        klacht("", "standard output: write failed");
+        return FOUT_GEVONDEN;
+    }
+    return uitkomst;
+}
