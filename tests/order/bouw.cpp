@@ -157,6 +157,9 @@ OrderMap::OrderMap() {
     aantal_filialen = 3;
     ORDERHAKEN = {};
     aantallen_maak();
+    memset(modeltekst, 0, BLOKLEN);
+    memset(dessintekst, 0, BLOKLEN);
+    regel_wis();
 }
 
 OrderMap::~OrderMap() {
