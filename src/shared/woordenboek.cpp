@@ -19,7 +19,7 @@ namespace {
 
 // "I,1,4 C,7,17" as parts. What is not of this form doesn't compile.
 consteval DDRIJ rij(int nr, int keys, int reclen, int keynr, int dups, std::string_view delen) {
-    DDRIJ r{static_cast<uint8_t>(nr), static_cast<uint8_t>(keys), static_cast<int16_t>(reclen),
+    DDRIJ r{static_cast<uint8_t>(nr),    static_cast<uint8_t>(keys), static_cast<int16_t>(reclen),
             static_cast<uint8_t>(keynr), static_cast<uint8_t>(dups), {}};
     size_t i = 0, deel = 0;
     auto teken = [&](char c) {
@@ -60,59 +60,112 @@ constexpr DDRIJ rijen[] = {
 
 const Tekst* titel(int nr) {
     switch (nr) {
-    case 1: return &T_DDTITEL_1;
-    case 2: return &T_DDTITEL_2;
-    case 3: return &T_DDTITEL_3;
-    case 4: return &T_DDTITEL_4;
-    case 6: return &T_DDTITEL_6;
-    case 7: return &T_DDTITEL_7;
-    case 8: return &T_DDTITEL_8;
-    case 9: return &T_DDTITEL_9;
-    case 10: return &T_DDTITEL_10;
-    case 11: return &T_DDTITEL_11;
-    case 13: return &T_DDTITEL_13;
-    case 14: return &T_DDTITEL_14;
-    case 15: return &T_DDTITEL_15;
-    case 16: return &T_DDTITEL_16;
-    case 17: return &T_DDTITEL_17;
-    case 18: return &T_DDTITEL_18;
-    case 20: return &T_DDTITEL_20;
-    case 21: return &T_DDTITEL_21;
-    case 22: return &T_DDTITEL_22;
-    case 24: return &T_DDTITEL_24;
-    case 25: return &T_DDTITEL_25;
-    case 26: return &T_DDTITEL_26;
-    case 27: return &T_DDTITEL_27;
-    case 28: return &T_DDTITEL_28;
-    case 29: return &T_DDTITEL_29;
-    case 30: return &T_DDTITEL_30;
-    case 31: return &T_DDTITEL_31;
-    case 32: return &T_DDTITEL_32;
-    case 33: return &T_DDTITEL_33;
-    case 34: return &T_DDTITEL_34;
-    case 35: return &T_DDTITEL_35;
-    case 36: return &T_DDTITEL_36;
-    case 37: return &T_DDTITEL_37;
-    case 38: return &T_DDTITEL_38;
-    case 40: return &T_DDTITEL_40;
-    case 41: return &T_DDTITEL_41;
-    case 42: return &T_DDTITEL_42;
-    case 44: return &T_DDTITEL_44;
-    case 45: return &T_DDTITEL_45;
-    case 47: return &T_DDTITEL_47;
-    case 48: return &T_DDTITEL_48;
-    case 49: return &T_DDTITEL_49;
-    case 50: return &T_DDTITEL_50;
-    case 51: return &T_DDTITEL_51;
-    case 53: return &T_DDTITEL_53;
-    case 54: return &T_DDTITEL_54;
-    case 55: return &T_DDTITEL_55;
-    case 56: return &T_DDTITEL_56;
-    case 58: return &T_DDTITEL_58;
-    case 59: return &T_DDTITEL_59;
-    case 200: return &T_DDTITEL_200;
-    case 201: return &T_DDTITEL_201;
-    default: return nullptr;
+    case 1:
+        return &T_DDTITEL_1;
+    case 2:
+        return &T_DDTITEL_2;
+    case 3:
+        return &T_DDTITEL_3;
+    case 4:
+        return &T_DDTITEL_4;
+    case 6:
+        return &T_DDTITEL_6;
+    case 7:
+        return &T_DDTITEL_7;
+    case 8:
+        return &T_DDTITEL_8;
+    case 9:
+        return &T_DDTITEL_9;
+    case 10:
+        return &T_DDTITEL_10;
+    case 11:
+        return &T_DDTITEL_11;
+    case 13:
+        return &T_DDTITEL_13;
+    case 14:
+        return &T_DDTITEL_14;
+    case 15:
+        return &T_DDTITEL_15;
+    case 16:
+        return &T_DDTITEL_16;
+    case 17:
+        return &T_DDTITEL_17;
+    case 18:
+        return &T_DDTITEL_18;
+    case 20:
+        return &T_DDTITEL_20;
+    case 21:
+        return &T_DDTITEL_21;
+    case 22:
+        return &T_DDTITEL_22;
+    case 24:
+        return &T_DDTITEL_24;
+    case 25:
+        return &T_DDTITEL_25;
+    case 26:
+        return &T_DDTITEL_26;
+    case 27:
+        return &T_DDTITEL_27;
+    case 28:
+        return &T_DDTITEL_28;
+    case 29:
+        return &T_DDTITEL_29;
+    case 30:
+        return &T_DDTITEL_30;
+    case 31:
+        return &T_DDTITEL_31;
+    case 32:
+        return &T_DDTITEL_32;
+    case 33:
+        return &T_DDTITEL_33;
+    case 34:
+        return &T_DDTITEL_34;
+    case 35:
+        return &T_DDTITEL_35;
+    case 36:
+        return &T_DDTITEL_36;
+    case 37:
+        return &T_DDTITEL_37;
+    case 38:
+        return &T_DDTITEL_38;
+    case 40:
+        return &T_DDTITEL_40;
+    case 41:
+        return &T_DDTITEL_41;
+    case 42:
+        return &T_DDTITEL_42;
+    case 44:
+        return &T_DDTITEL_44;
+    case 45:
+        return &T_DDTITEL_45;
+    case 47:
+        return &T_DDTITEL_47;
+    case 48:
+        return &T_DDTITEL_48;
+    case 49:
+        return &T_DDTITEL_49;
+    case 50:
+        return &T_DDTITEL_50;
+    case 51:
+        return &T_DDTITEL_51;
+    case 53:
+        return &T_DDTITEL_53;
+    case 54:
+        return &T_DDTITEL_54;
+    case 55:
+        return &T_DDTITEL_55;
+    case 56:
+        return &T_DDTITEL_56;
+    case 58:
+        return &T_DDTITEL_58;
+    case 59:
+        return &T_DDTITEL_59;
+    case 200:
+        return &T_DDTITEL_200;
+    case 201:
+        return &T_DDTITEL_201;
+    default:
+        return nullptr;
     }
 }
 
@@ -121,17 +174,21 @@ constexpr struct {
     const char* naam;
     int nr;
 } namen[] = {
-    {"DTART", 4},     {"DTBARC", 8},   {"DTDD", 13},     {"DTDOELGR", 15}, {"DTEAN", 16},    {"DTIPA", 20},
-    {"DTISOLND", 21}, {"DTISOVAL", 22}, {"DTKOERS", 27}, {"DTLEV", 30},    {"DTLEVEXT", 31}, {"DTMAAT", 32},
-    {"DTMERK", 34},   {"DTMTOM", 35},  {"DTOMZGRP", 40}, {"DTORDNR", 43},  {"DTSER", 55},    {"DTSERPIC", 56},
-    {"DTVVTAB", 59},
+    {"DTART", 4},     {"DTBARC", 8},    {"DTDD", 13},     {"DTDOELGR", 15}, {"DTEAN", 16},
+    {"DTIPA", 20},    {"DTISOLND", 21}, {"DTISOVAL", 22}, {"DTKOERS", 27},  {"DTLEV", 30},
+    {"DTLEVEXT", 31}, {"DTMAAT", 32},   {"DTMERK", 34},   {"DTMTOM", 35},   {"DTOMZGRP", 40},
+    {"DTORDNR", 43},  {"DTSER", 55},    {"DTSERPIC", 56}, {"DTVVTAB", 59},
 };
 
 // Files that are never empty: an empty one was lost, and is not to be taken for sound.
 constexpr std::string_view nooitleeg[] = {"DTDD", "DTISOLND", "DTISOVAL"};
 
-std::string inx(const char* naam) { return std::string(naam) + ".INX"; }
-std::string txt(const char* naam) { return std::string(naam) + ".TXT"; }
+std::string inx(const char* naam) {
+    return std::string(naam) + ".INX";
+}
+std::string txt(const char* naam) {
+    return std::string(naam) + ".TXT";
+}
 
 } // namespace
 
@@ -180,7 +237,8 @@ int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam) {
         int n = snprintf(tekst, sizeof tekst, "key-%d%s", k, r.dups ? "" : ",NODUPS");
         for (const DDDEEL& d : r.delen)
             if (d.type && n > 0 && static_cast<size_t>(n) < sizeof tekst)
-                n += snprintf(tekst + n, sizeof tekst - static_cast<size_t>(n), ",%c,%d,%d", d.type, d.van, d.tot);
+                n += snprintf(tekst + n, sizeof tekst - static_cast<size_t>(n), ",%c,%d,%d", d.type, d.van,
+                              d.tot);
         IXUPDFCB(icb, k, tekst);
     }
     return keys;
@@ -203,7 +261,9 @@ int DDCREATETXT(const char* naam) {
     return fd >= 0 || IOEXISTS(txt(naam).c_str());
 }
 
-int DDNEW(int bestandnr, const char* naam) { return DDCREATE(bestandnr, naam) && DDCREATETXT(naam); }
+int DDNEW(int bestandnr, const char* naam) {
+    return DDCREATE(bestandnr, naam) && DDCREATETXT(naam);
+}
 
 int DDCOMPARE(int bestandnr, const char* naam) {
     IXHEADER h;

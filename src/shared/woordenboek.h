@@ -10,7 +10,7 @@ struct ICB;
 
 #pragma pack(push, 1)
 struct DDDEEL {
-    char type; // 'I', 'C', 0 ends the list
+    char type;        // 'I', 'C', 0 ends the list
     uint8_t van, tot; // record positions from 1, inclusive
 };
 struct DDRIJ {
@@ -55,11 +55,11 @@ int DDCOMPARE(int bestandnr, const char* naam);
 
 enum DDfout { DDF_GEEN = 0, DDF_INDEX = 1, DDF_DATA = 2, DDF_VERSCHIL = 3, DDF_LEEG = 4, DDF_STUK = 5 };
 struct DDRAPPORT {
-    int repair;             // in: may the pair be repaired?
-    int fout;               // DDfout
-    int code;               // of DDCOMPARE, with DDF_VERSCHIL
+    int repair;                // in: may the pair be repaired?
+    int fout;                  // DDfout
+    int code;                  // of DDCOMPARE, with DDF_VERSCHIL
     int indexnieuw, datanieuw; // 1 when made just now
-    int herbouwd;           // 1 when the index was made again from the data
+    int herbouwd;              // 1 when the index was made again from the data
 };
 // 1 when the pair is sound, perhaps after repair; else 0 and the reason in the report.
 int DDCHECK(int bestandnr, const char* naam, DDRAPPORT* rapport);

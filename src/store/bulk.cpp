@@ -54,7 +54,8 @@ void IXBULK(char letter, ICB* icb, const void* rec) {
             IOCACHE('F', icb, 0);
         }
         break;
-    default: break;
+    default:
+        break;
     }
 }
 

@@ -25,7 +25,9 @@ struct Cache {
     ICB* van = nullptr;
 } cache;
 
-uint8_t* inhoud(int p) { return cache.blokken.get() + p * IXBLOK; }
+uint8_t* inhoud(int p) {
+    return cache.blokken.get() + p * IXBLOK;
+}
 
 void schrijf(int p) {
     Plaats& pl = cache.plaats[static_cast<size_t>(p)];
@@ -49,8 +51,9 @@ int maak_plaats(int eerste, int64_t som) {
                 vrij = p;
             }
         if (grens <= 0 && vrij < 0) {
-            auto lichtst = std::min_element(cache.plaats.begin() + eerste, cache.plaats.end(),
-                                            [](const Plaats& a, const Plaats& b) { return a.gewicht < b.gewicht; });
+            auto lichtst =
+                std::min_element(cache.plaats.begin() + eerste, cache.plaats.end(),
+                                 [](const Plaats& a, const Plaats& b) { return a.gewicht < b.gewicht; });
             vrij = static_cast<int>(lichtst - cache.plaats.begin());
             schrijf(vrij);
             lichtst->blok = 0;
@@ -141,10 +144,14 @@ int IOCACHE(char letter, ICB* icb, int32_t blok) {
     if (cache.van != icb || blok < 0 || (blok == 0 && letter != 'F'))
         return 0;
     switch (letter) {
-    case 'F': return uit(icb);
-    case 'R': return lees(icb, blok);
-    case 'W': return bewaar(icb, blok);
-    default: return 0;
+    case 'F':
+        return uit(icb);
+    case 'R':
+        return lees(icb, blok);
+    case 'W':
+        return bewaar(icb, blok);
+    default:
+        return 0;
     }
 }
 

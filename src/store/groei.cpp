@@ -27,7 +27,8 @@ Groei::Groei(int32_t wortel, int maxent, int64_t aantal)
 }
 
 Groei::Plaats Groei::zoek(const Niveau& n, uint32_t rang) {
-    size_t d = static_cast<size_t>(std::upper_bound(n.begin.begin(), n.begin.end(), rang) - n.begin.begin()) - 1;
+    size_t d =
+        static_cast<size_t>(std::upper_bound(n.begin.begin(), n.begin.end(), rang) - n.begin.begin()) - 1;
     const Deel& deel = *n.deel[d];
     return {d, static_cast<size_t>(std::upper_bound(deel.begin, deel.begin + deel.n, rang) - deel.begin) - 1};
 }
@@ -97,7 +98,8 @@ bool Groei::splits(size_t niveau, Plaats p, int32_t* nblocks) {
         return true;
     }
     Plaats ouder = zoek(niveau_[niveau + 1], begin);
-    return ++niveau_[niveau + 1].deel[ouder.deel]->aantal[ouder.i] != maxent_ || splits(niveau + 1, ouder, nblocks);
+    return ++niveau_[niveau + 1].deel[ouder.deel]->aantal[ouder.i] != maxent_ ||
+           splits(niveau + 1, ouder, nblocks);
 }
 
 bool Groei::voeg(uint32_t rang, int32_t* nblocks) {

@@ -228,7 +228,8 @@ ICB* IXOPEN(const char* naam, int mode) {
     const bool tijdelijk = icb->tempidx;
     if (uint16_t versie = lees_versie(idxfd); versie == OUDEVERSIE) {
         IXLAATLOS(icb);
-        IXWAARSCHUW("", TXT(tijdelijk ? T_IX_VERSIE_TIJDELIJK : T_IX_VERSIE), indexpad.c_str(), versie, IXVERSIE);
+        IXWAARSCHUW("", TXT(tijdelijk ? T_IX_VERSIE_TIJDELIJK : T_IX_VERSIE), indexpad.c_str(), versie,
+                    IXVERSIE);
         SCRFATAL("%s", TXT(tijdelijk ? T_IX_BEEINDIGD : T_IX_CONVERTEER));
     }
     if (lees_naam(icb)) {

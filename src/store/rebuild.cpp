@@ -25,9 +25,9 @@
 namespace zg {
 namespace {
 
-constexpr int STUK = 16384;           // bytes of records for which one key after the other has its turn
+constexpr int STUK = 16384; // bytes of records for which one key after the other has its turn
 constexpr int LEESBUFFER = 256 * 1024;
-constexpr int VENSTER = 1 << 18;      // records whose ranks are in memory at once
+constexpr int VENSTER = 1 << 18; // records whose ranks are in memory at once
 constexpr int64_t RECORDSMAX = INT32_MAX;
 
 // A key on its way from records to blocks.
@@ -88,7 +88,8 @@ bool Bouw::verzamel() {
     std::vector<uint8_t> buffer(per_keer * reclen());
     uint8_t entry[IXSLEUTELMAX + 8];
     for (int64_t nr = 0; nr < records_;) {
-        const size_t n = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
+        const size_t n =
+            static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
         const int64_t plaats = nr * icb_->h.reclen;
         if (IXSYSLEES(icb_->datfd, buffer.data(), n * reclen(), plaats) != static_cast<ssize_t>(n * reclen()))
             return false;
@@ -142,7 +143,8 @@ bool Bouw::groei() {
 // Room on the disk for what the index grows by, so that step 3 doesn't end half-way for want of it.
 bool Bouw::reserveer() const {
     const int64_t nu = IXBESTANDGROOTTE(icb_->idxfd), straks = int64_t{icb_->h.nblocks} * IXBLOK;
-    return straks <= nu || fallocate(icb_->idxfd, FALLOC_FL_KEEP_SIZE, nu, straks - nu) == 0 || errno != ENOSPC;
+    return straks <= nu || fallocate(icb_->idxfd, FALLOC_FL_KEEP_SIZE, nu, straks - nu) == 0 ||
+           errno != ENOSPC;
 }
 
 void Bouw::zet_op_zijn_plaats() {
@@ -173,7 +175,8 @@ void Bouw::keten_vrijen() {
     std::vector<uint8_t> buffer(per_keer * reclen());
     int32_t vorige = -1;
     for (int64_t nr = 0; nr < records_;) {
-        const size_t n = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
+        const size_t n =
+            static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
         if (IXSYSLEES(icb_->datfd, buffer.data(), n * reclen(), nr * icb_->h.reclen) !=
             static_cast<ssize_t>(n * reclen()))
             IXSCHIJFFOUT(icb_, icb_->datfd, nr * icb_->h.reclen, icb_->h.reclen);
@@ -225,7 +228,8 @@ void Bouw::schrijf_boom(int sleutel) {
         blad.knoop.count = static_cast<uint8_t>(blad.doel.aantal);
         while (er < nodig) {
             if (op == vol) {
-                vol = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(buffer.size()), s.klaar.lengte() - gelezen));
+                vol = static_cast<size_t>(
+                    std::min<int64_t>(static_cast<int64_t>(buffer.size()), s.klaar.lengte() - gelezen));
                 op = 0;
                 if (!vol) { // the sentinel: the one entry that is in no record
                     memset(blad.knoop.entries + er, 0xFF, maat);
@@ -313,7 +317,8 @@ int IXBLDIX(const char* naam) {
     const int64_t records = aantal_records(icb->datfd, icb->h); // others may have written until now
     int goed = 0;
     char titel[96];
-    snprintf(titel, sizeof titel, TXT(T_IXBLDIX_TITEL), std::string(icb->h.name, strnlen(icb->h.name, 11)).c_str());
+    snprintf(titel, sizeof titel, TXT(T_IXBLDIX_TITEL),
+             std::string(icb->h.name, strnlen(icb->h.name, 11)).c_str());
     VOORTGANG(VG_OPEN, 0, 0, titel);
     try {
         Bouw bouw(icb);

@@ -11,8 +11,8 @@
 namespace zg {
 namespace {
 
-constexpr size_t WERKRUIMTE = 12 << 20;  // bytes for one piece, its forms and its order
-constexpr size_t LEESRUIMTE = 4 << 20;   // bytes for the buffers of all runs
+constexpr size_t WERKRUIMTE = 12 << 20; // bytes for one piece, its forms and its order
+constexpr size_t LEESRUIMTE = 4 << 20;  // bytes for the buffers of all runs
 constexpr size_t EMMERPAREN = 1024;
 
 uint64_t acht(const uint8_t* p, size_t n) {
@@ -100,11 +100,12 @@ struct Baan {
 bool later(const Baan* a, const Baan* b) {
     if (int d = memcmp(a->vorm, b->vorm, static_cast<size_t>(std::min(a->lang, b->lang))))
         return d > 0;
-    return a->spoel == b->spoel && a->einde < b->einde; // equal keys: the run that was written last comes first
+    return a->spoel == b->spoel &&
+           a->einde < b->einde; // equal keys: the run that was written last comes first
 }
 
-bool voeg_samen(const IXKEYDEF& def, size_t maat, Spoel& banen, const std::vector<int64_t>& grenzen, Spoel& klaar,
-                Rangen& rangen, const std::function<void(int64_t)>& stap) {
+bool voeg_samen(const IXKEYDEF& def, size_t maat, Spoel& banen, const std::vector<int64_t>& grenzen,
+                Spoel& klaar, Rangen& rangen, const std::function<void(int64_t)>& stap) {
     std::vector<Baan> baan(grenzen.size());
     std::vector<Baan*> hoop;
     size_t ruimte = std::max<size_t>(LEESRUIMTE / baan.size() / maat, 16) * maat;
@@ -125,7 +126,8 @@ bool voeg_samen(const IXKEYDEF& def, size_t maat, Spoel& banen, const std::vecto
     for (uint32_t rang = 0; !hoop.empty(); rang++) {
         std::pop_heap(hoop.begin(), hoop.end(), later);
         Baan* b = hoop.back();
-        if (!klaar.schrijf(b->entry, maat) || !rangen.zet(LEES32(b->entry + maat - 4), rang) || !b->volgende(def))
+        if (!klaar.schrijf(b->entry, maat) || !rangen.zet(LEES32(b->entry + maat - 4), rang) ||
+            !b->volgende(def))
             return false;
         if (b->entry)
             std::push_heap(hoop.begin(), hoop.end(), later);
@@ -169,7 +171,8 @@ bool SORTEER(const IXKEYDEF& def, Spoel& ruw, Spoel& klaar, Rangen& rangen, cons
     bool een = ruw.lengte() <= static_cast<int64_t>(deel);
     uint32_t rang = 0;
     for (int64_t plaats = 0; plaats < ruw.lengte();) {
-        s.entries.resize(static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(deel), ruw.lengte() - plaats)));
+        s.entries.resize(
+            static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(deel), ruw.lengte() - plaats)));
         if (!ruw.lees(plaats, s.entries.data(), s.entries.size()))
             return false;
         plaats += static_cast<int64_t>(s.entries.size());
@@ -240,7 +243,8 @@ const uint32_t* Rangen::laad(int64_t nr) {
         nu_[static_cast<size_t>(p.recnr)] = p.rang;
     std::vector<Paar> stuk(EMMERPAREN);
     for (int32_t i = 0; i < aantal_[emmer];) {
-        size_t n = static_cast<size_t>(std::min<int32_t>(static_cast<int32_t>(EMMERPAREN), aantal_[emmer] - i));
+        size_t n =
+            static_cast<size_t>(std::min<int32_t>(static_cast<int32_t>(EMMERPAREN), aantal_[emmer] - i));
         int64_t plaats = (nr * venster_ + i) * static_cast<int64_t>(sizeof(Paar));
         if (IXSYSLEES(fd_, stuk.data(), n * sizeof(Paar), plaats) != static_cast<ssize_t>(n * sizeof(Paar)))
             return nullptr;

@@ -35,7 +35,9 @@ Spoel::Spoel(Spoel&& ander) noexcept
     ander.fd_ = -1;
 }
 
-Spoel::~Spoel() { weg(); }
+Spoel::~Spoel() {
+    weg();
+}
 
 void Spoel::weg() {
     if (fd_ >= 0)

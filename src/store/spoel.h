@@ -19,7 +19,8 @@ public:
     Spoel& operator=(Spoel&&) = delete;
 
     bool schrijf(const void* van, size_t n); // false: the disk takes no more; the spool is of no use then
-    bool lees(int64_t plaats, void* naar, size_t n); // n bytes from a place, whatever still waits in memory included
+    bool lees(int64_t plaats, void* naar,
+              size_t n); // n bytes from a place, whatever still waits in memory included
     int64_t lengte() const { return geschreven_ + static_cast<int64_t>(buffer_.size()); }
     void weg(); // forget all of it
 

@@ -5,6 +5,7 @@
 #include "store/node.h"
 #include "store/rebuild.h"
 #include <algorithm>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <fcntl.h>
@@ -67,8 +68,10 @@ void maak(const char* naam, bool nieuw, void (*definieer)(ICB*)) {
     if (nieuw)
         IXINIT(icb);
     IXCLOSE(icb);
-    if (!nieuw && !IXBLDIX(naam))
-        OPENFAIL("tabel", IXDATAPAD(naam).c_str()); // records of another length: not to be guessed at
+    if (!nieuw && !IXBLDIX(naam)) { // records of another length: not to be guessed at
+        errno = EINVAL;
+        OPENFAIL("tabel", IXDATAPAD(naam).c_str());
+    }
 }
 
 } // namespace

@@ -22,13 +22,16 @@ struct Balk {
 Balk venster, status;
 std::string statustekst; // what the status bar shows under its cells, as wide as the bar
 
-int breedte_nu() { return std::clamp(SCHERM.cols - 2, 1, 512); }
+int breedte_nu() {
+    return std::clamp(SCHERM.cols - 2, 1, 512);
+}
 
 int kolommen(const Balk& balk, int64_t waarde, int64_t totaal) {
     if (totaal <= 0)
         totaal = waarde > 0 ? waarde : 1;
     waarde = std::clamp<int64_t>(waarde, 0, totaal);
-    return static_cast<int>(static_cast<long double>(waarde) * balk.breedte / static_cast<long double>(totaal));
+    return static_cast<int>(static_cast<long double>(waarde) * balk.breedte /
+                            static_cast<long double>(totaal));
 }
 
 void open_venster(const char* tekst) {
@@ -70,7 +73,8 @@ void toon_status(int64_t waarde, int64_t totaal) {
     int n = kolommen(status, waarde, totaal);
     if (n <= status.vol)
         return;
-    SCRBASE(A_WAARDE_KEUS, SCHERM.lines, 2 + status.vol, "%.*s", n - status.vol, statustekst.c_str() + status.vol);
+    SCRBASE(A_WAARDE_KEUS, SCHERM.lines, 2 + status.vol, "%.*s", n - status.vol,
+            statustekst.c_str() + status.vol);
     status.vol = n;
     SCRFLUSH(0);
 }
@@ -87,8 +91,12 @@ void VOORTGANG(int stap, int64_t waarde, int64_t totaal, const char* tekst) {
     if (!SCHERM.bestaat || SCHERM.dicht) // a bar that stands over from a screen that is gone is forgotten
         return;
     switch (stap) {
-    case VG_OPEN: open_venster(tekst); break;
-    case VG_TOON: toon_venster(waarde, totaal); break;
+    case VG_OPEN:
+        open_venster(tekst);
+        break;
+    case VG_TOON:
+        toon_venster(waarde, totaal);
+        break;
     case VG_SLUIT:
         if (venster.open) {
             venster.open = false;
@@ -101,13 +109,16 @@ void VOORTGANG(int stap, int64_t waarde, int64_t totaal, const char* tekst) {
             open_status(tekst);
         toon_status(waarde, totaal);
         break;
-    case VG_STATUSOPEN: open_status(tekst); break;
+    case VG_STATUSOPEN:
+        open_status(tekst);
+        break;
     case VG_STATUSSLUIT:
         SCRBASE(A_LABEL, SCHERM.lines, 1, "%*s", SCHERM.cols - 1, "");
         status.open = false;
         SCRFLUSH(0);
         break;
-    default: break;
+    default:
+        break;
     }
 }
 

@@ -7,12 +7,12 @@
 namespace zg {
 
 enum Voortgangstap {
-    VG_OPEN = 0,          // window with the text as its title and an empty bar; hides the cursor
-    VG_TOON = 1,          // value out of total; columns are only ever added
-    VG_SLUIT = 2,         // window away, cursor back
-    VG_STATUSOPEN = 3,    // empty bar on the status line, with the text in it when it is 1 to 69 long
-    VG_STATUSTOON = 4,    // as VG_TOON, in that bar; opens it when needed
-    VG_STATUSSLUIT = 5    // blanks the status line
+    VG_OPEN = 0,       // window with the text as its title and an empty bar; hides the cursor
+    VG_TOON = 1,       // value out of total; columns are only ever added
+    VG_SLUIT = 2,      // window away, cursor back
+    VG_STATUSOPEN = 3, // empty bar on the status line, with the text in it when it is 1 to 69 long
+    VG_STATUSTOON = 4, // as VG_TOON, in that bar; opens it when needed
+    VG_STATUSSLUIT = 5 // blanks the status line
 };
 
 // A total of 0 counts as the value, or 1. The text is looked at by the two opening steps only; null is empty.

@@ -3,6 +3,8 @@
 #include "support/terminal.h"
 #include "term/formaat.h"
 #include "term/ingave.h"
+#include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
@@ -178,6 +180,24 @@ TEST(VeldVenster, ExitBreektAf) {
     EXPECT_TRUE(t.wacht("EXIT-toets gebruikt")) << t.scherm();
     t.toetsen("<Enter>");
     EXPECT_EQ(t.einde(), 1);
+}
+
+// On some terminals CANCEL is a printable character: it cancels at the start of a field and is typed behind it.
+TEST(VeldVenster, CancelIsOokEenTeken) {
+    test::TijdelijkeMap map;
+    std::string maak = "infocmp -1 -A '" ZG_BINARY_DIR
+                       "/terminfo' Xterm | sed 's/kcan=.*/kcan=\\/,/' >x.ti && tic -o " +
+                       map.pad() + " x.ti 2>/dev/null";
+    ASSERT_EQ(system(maak.c_str()), 0);
+    test::Opties opties;
+    opties.omgeving = {{"TERMINFO_DIRS", map.pad()}};
+    char doel[9] = "abc";
+    auto kind = [&] { return veld(5, 10, "8c", doel, &SCHERM.toets[key_cancel]); };
+    Terminal begin(kind, opties), midden(kind, opties);
+    begin.toetsen("/");
+    EXPECT_EQ(begin.regel(1), "klaar 355 [abc]") << begin.scherm();
+    midden.toetsen("1/2<Enter>");
+    EXPECT_EQ(midden.regel(1), "klaar 10 [1/2]") << midden.scherm();
 }
 
 // A burst of keys over several fields, their windows and reports gives what the same keys give one by one.

@@ -166,6 +166,8 @@ std::string veld(const std::string& f) {
     for (size_t i = lengte; i < n; i++)
         if (doel[i])
             return "bytes behind the stored text";
+    if ((type == 's' || type == 'S') && doel[breedte])
+        return "no end behind the string";
     if (optie('F') && lengte < static_cast<size_t>(breedte))
         return "not filled";
     if (optie('I')) // nothing of the old bytes is left

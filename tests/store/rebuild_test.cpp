@@ -1,0 +1,525 @@
+// The rebuild: the same blocks as one insert after the other would give, the free chain, what it refuses, and
+// kills and failing calls half-way.
+#include "shared/files.h"
+#include "store/diepcheck.h"
+#include "store/node.h"
+#include "store/rebuild.h"
+#include "store/sorteer.h"
+#include "store/syscall.h"
+#include "support/terminal.h"
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <random>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace zg;
+using zg::test::lees_bestand;
+using zg::test::schrijf_bestand;
+using zg::test::TijdelijkeMap;
+
+namespace {
+
+enum Volgorde { OPLOPEND, AFLOPEND, WILLEKEURIG };
+
+struct Tabel {
+    const char* wat;
+    int reclen;
+    std::vector<const char*> sleutels;
+    int aantal;
+    Volgorde volgorde;
+    int elke_vrij; // every so many records a free slot; 0 none
+};
+
+// Bytes 1 to 4 hold a number in the order asked for, the rest is drawn from few letters so that keys meet.
+std::string maak_data(const Tabel& t, unsigned zaad = 1) {
+    static const char letters[] = "AbBcC \x81\x84\x92\xE1\x01\x7F\xFFz";
+    std::mt19937 r(zaad);
+    std::vector<uint32_t> nummers(static_cast<size_t>(t.aantal));
+    for (size_t i = 0; i < nummers.size(); i++)
+        nummers[i] = static_cast<uint32_t>(t.volgorde == AFLOPEND ? nummers.size() - i : i);
+    if (t.volgorde == WILLEKEURIG)
+        std::shuffle(nummers.begin(), nummers.end(), r);
+    std::string data;
+    for (int i = 0; i < t.aantal; i++) {
+        std::string rec(static_cast<size_t>(t.reclen), '\0');
+        if (t.elke_vrij && i % t.elke_vrij == t.elke_vrij - 1) {
+            rec.assign(rec.size(), '\xFF');
+            ZET32(rec.data() + 1, static_cast<int32_t>(r() % 50)); // a link that means nothing
+        } else {
+            ZET32(rec.data(), static_cast<int32_t>(nummers[static_cast<size_t>(i)]));
+            for (size_t p = 4; p < rec.size(); p++)
+                if (r() % 8)
+                    rec[p] = letters[r() % (sizeof letters - 1)];
+            if (!IXRECLIVE(rec.data(), t.reclen - 1))
+                rec[5] = 'A';
+        }
+        data += rec;
+    }
+    return data;
+}
+
+void definieer(ICB* icb, const Tabel& t) {
+    IXUPDFCB(icb, 0, ("proef," + std::to_string(t.reclen)).c_str());
+    for (size_t k = 0; k < t.sleutels.size(); k++)
+        IXUPDFCB(icb, static_cast<int>(k + 1), t.sleutels[k]);
+}
+
+// A data file and an empty index over it that only has the definitions.
+void zet_neer(const std::string& naam, const Tabel& t, const std::string& data) {
+    std::filesystem::create_directories(std::filesystem::path(naam).parent_path());
+    schrijf_bestand(naam + ".TXT", data);
+    ICB* icb = IXCREATE(naam.c_str(), 1);
+    definieer(icb, t);
+    IXCLOSE(icb);
+}
+
+// The slow way: the steps of the rebuild on the tree's own routines.
+void stap_voor_stap(const std::string& naam, const Tabel& t) {
+    ICB* icb = IXCREATE(naam.c_str(), 1);
+    definieer(icb, t);
+    IXINITIX(icb);
+    const int64_t records = IOSIZE((naam + ".TXT").c_str()) / t.reclen;
+    const int per_stuk = 16384 / t.reclen;
+    uint8_t rec[IXRECMAX];
+    int32_t freehead = -1;
+    for (int64_t begin = 0; begin < records; begin += per_stuk)
+        for (int k = 1; k <= icb->h.nkeys; k++) {
+            IXSWITCH(icb, k);
+            const int lengte = IXKEYLEN(icb, 0);
+            for (int64_t nr = begin; nr < std::min<int64_t>(begin + per_stuk, records); nr++) {
+                icb->currec = static_cast<int32_t>(nr);
+                IXRDREC(icb, rec);
+                if (!IXRECLIVE(rec, t.reclen)) {
+                    if (k == 1) {
+                        ZET32(rec + 1, freehead);
+                        IXWRREC(icb, rec);
+                        freehead = icb->currec;
+                    }
+                    continue;
+                }
+                IXBLDKEY(icb, rec, lengte);
+                const IXKNOOP& n = KNOOP(icb);
+                const uint8_t* laatste = n.entries + (n.count - 1) * (lengte + 4);
+                if (!(n.level == 1 && n.count && IXCOMP(icb, icb->keybuf, n.entries, lengte) > 0 &&
+                      IXCOMP(icb, icb->keybuf, laatste, lengte) <= 0)) {
+                    IXRDIX(icb, k);
+                    while (KNOOP(icb).level > 1) {
+                        IXLOCKEY(icb, lengte);
+                        IXRDIX(icb, LEES32(icb->curent + lengte));
+                    }
+                }
+                IXLOCKEY(icb, lengte);
+                icb->insptr = icb->currec;
+                IXINSKEY(icb);
+            }
+        }
+    icb->h.nrecs = static_cast<int32_t>(records);
+    icb->h.freehead = freehead;
+    IXCLOSE(icb);
+}
+
+std::string index_van(const std::string& naam) {
+    std::string s = lees_bestand(naam + ".INX");
+    if (s.size() >= IXBLOK)
+        std::fill(s.begin() + sizeof(IXHEADER), s.begin() + IXBLOK, '\0');
+    return s;
+}
+
+// First block in which two index files differ; -1 when they are the same.
+long verschil(const std::string& a, const std::string& b) {
+    for (size_t i = 0; i < std::max(a.size(), b.size()); i += IXBLOK)
+        if (i >= a.size() || i >= b.size() || a.compare(i, IXBLOK, b, i, IXBLOK) != 0)
+            return static_cast<long>(i / IXBLOK);
+    return -1;
+}
+
+const Tabel tabellen[] = {
+    {"empty", 20, {"k,I,1,4"}, 0, OPLOPEND, 0},
+    {"one record", 20, {"k,I,1,4", "t,C,5,10"}, 1, OPLOPEND, 0},
+    {"only free slots", 20, {"k,I,1,4"}, 40, OPLOPEND, 1},
+    {"ascending numbers, one key", 8, {"k,I,1,4"}, 20000, OPLOPEND, 0},
+    {"descending", 8, {"k,I,1,4"}, 20000, AFLOPEND, 0},
+    {"five keys, equal texts, free slots",
+     60,
+     {"k,I,1,4", "t,C,5,16", "u,C,17,20,I,1,1", "v,I,21,21,C,22,25", "w,C,1,56"},
+     6000,
+     WILLEKEURIG,
+     7},
+    {"second key without record number and with equal values",
+     30,
+     {"k,I,1,4", "t,NODUPS,C,5,6"},
+     4000,
+     WILLEKEURIG,
+     0},
+    {"key 1 with equal values, as only damage makes them", 30, {"k,C,5,6"}, 3000, WILLEKEURIG, 5},
+    {"longest keys, seven to a node", 100, {"k,C,30,85,I,1,4"}, 5000, WILLEKEURIG, 0},
+    {"integer part of three bytes is zeros", 20, {"k,I,1,4", "t,I,5,7"}, 1000, WILLEKEURIG, 0},
+    {"records of 512 bytes", 512, {"k,I,1,4", "t,C,240,255"}, 600, WILLEKEURIG, 9},
+    {"more than the sort holds at once", 70, {"k,I,1,4", "t,C,5,59"}, 60000, WILLEKEURIG, 0},
+    {"more ranks than are in memory at once", 8, {"k,I,1,4"}, 270000, WILLEKEURIG, 6},
+};
+
+TEST(Rebuild, same_blocks_as_one_insert_after_the_other) {
+    TijdelijkeMap map;
+    for (const Tabel& t : tabellen) {
+        SCOPED_TRACE(t.wat);
+        const std::string data = maak_data(t);
+        zet_neer("a/DTPROEF", t, data);
+        zet_neer("b/DTPROEF", t, data);
+        ASSERT_EQ(IXBLDIX("a/DTPROEF"), 1);
+        stap_voor_stap("b/DTPROEF", t);
+        EXPECT_EQ(verschil(index_van("a/DTPROEF"), index_van("b/DTPROEF")), -1);
+        EXPECT_TRUE(lees_bestand("a/DTPROEF.TXT") == lees_bestand("b/DTPROEF.TXT")) << "free chain";
+        const int vrij = t.elke_vrij ? t.aantal / t.elke_vrij : 0;
+        EXPECT_EQ(IXCHECK("a/DTPROEF"), vrij);
+        if (!strstr(t.wat, "equal values") && !strstr(t.wat, "zeros")) {
+            EXPECT_EQ(IXDIEPCHECK("a/DTPROEF"), std::vector<std::string>());
+        }
+        // Again over a whole index: nothing changes.
+        const std::string eerst = index_van("a/DTPROEF");
+        ASSERT_EQ(IXBLDIX("a/DTPROEF"), 1);
+        EXPECT_EQ(verschil(index_van("a/DTPROEF"), eerst), -1);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator("a"), {}), 2) << "nothing left behind";
+    }
+}
+
+// Bytes of two sort forms order as the keys themselves do.
+TEST(Rebuild, sort_forms_order_as_keys) {
+    for (const char* tekst :
+         {"k,C,1,4", "k,NODUPS,C,1,4", "k,I,1,2,C,3,6", "k,C,1,2,C,3,4,I,5,5", "k,C,1,1,I,2,5"}) {
+        TijdelijkeMap map;
+        ICB* icb = IXCREATE("T", 1);
+        IXUPDFCB(icb, 0, "t,8");
+        IXUPDFCB(icb, 1, "k,I,1,4");
+        IXUPDFCB(icb, 2, tekst);
+        const IXKEYDEF& def = icb->h.keydef[1];
+        std::mt19937 r(7);
+        static const char tekens[] = "aAB\x81\x84\x91\x92\xE1\x05\xFF ";
+        for (int i = 0; i < 20000; i++) {
+            uint8_t rec[2][8], sleutel[2][64], vorm[2][SORTEERVORM];
+            int lang[2];
+            for (int j = 0; j < 2; j++) {
+                for (uint8_t& b : rec[j])
+                    b = r() % 6 ? static_cast<uint8_t>(tekens[r() % (sizeof tekens - 1)]) : 0;
+                IXMAAKSLEUTEL(def, rec[j], j, def.keylen, sleutel[j]);
+                lang[j] = SORTEERBAAR(def, sleutel[j], vorm[j]);
+            }
+            int d = memcmp(vorm[0], vorm[1], static_cast<size_t>(std::min(lang[0], lang[1])));
+            int c = IXVERGELIJK(def, sleutel[0], sleutel[1], def.keylen);
+            ASSERT_EQ((d > 0) - (d < 0), (c > 0) - (c < 0)) << tekst << " case " << i;
+        }
+        IXCLOSE(icb);
+    }
+}
+
+TEST(Rebuild, freed_slots_are_reused_from_the_highest_down) {
+    TijdelijkeMap map;
+    Tabel t{"", 20, {"k,I,1,4"}, 10, OPLOPEND, 3}; // slots 2, 5 and 8
+    zet_neer("./T", t, maak_data(t));
+    ASSERT_EQ(IXBLDIX("T"), 1);
+    ICB* icb = IXOPEN("T", 2);
+    EXPECT_EQ(icb->h.freehead, 8);
+    char rec[20] = {};
+    for (int32_t verwacht : {8, 5, 2, 10}) {
+        ZET32(rec, 100 + verwacht);
+        ASSERT_EQ(IXWRITE(icb, rec), 1);
+        EXPECT_EQ(icb->currec, verwacht);
+    }
+    IXCLOSE(icb);
+}
+
+// What is refused is left as it was, to the byte.
+TEST(Rebuild, refusals_leave_both_files_alone) {
+    Tabel t{"", 20, {"k,I,1,4", "t,C,5,9"}, 50, OPLOPEND, 0};
+    struct {
+        const char* wat;
+        void (*doe)(std::string* index, std::string* data);
+    } gevallen[] = {
+        {"half a record", [](std::string*, std::string* d) { d->resize(d->size() - 7); }},
+        {"header cut", [](std::string* i, std::string*) { i->resize(259); }},
+        {"record length 0", [](std::string* i, std::string*) { (*i)[24] = (*i)[25] = 0; }},
+        {"negative record length", [](std::string* i, std::string*) { (*i)[25] = '\x80'; }},
+        {"no keys", [](std::string* i, std::string*) { (*i)[11] = 0; }},
+        {"negative number of keys", [](std::string* i, std::string*) { (*i)[11] = '\xFE'; }},
+        {"part behind the record", [](std::string* i, std::string*) { (*i)[48 + 31] = 21; }},
+        {"part of no kind", [](std::string* i, std::string*) { (*i)[48 + 11] = 'X'; }},
+        {"key length that isn't its parts'", [](std::string* i, std::string*) { (*i)[48 + 9] = 61; }},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        TijdelijkeMap map;
+        zet_neer("./T", t, maak_data(t));
+        ASSERT_EQ(IXBLDIX("T"), 1);
+        std::string index = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+        g.doe(&index, &data);
+        schrijf_bestand("T.INX", index);
+        schrijf_bestand("T.TXT", data);
+        EXPECT_EQ(IXBLDIX("T"), 0);
+        EXPECT_TRUE(lees_bestand("T.INX") == index);
+        EXPECT_TRUE(lees_bestand("T.TXT") == data);
+    }
+    TijdelijkeMap map;
+    EXPECT_EQ(IXBLDIX("NIETS"), 0);
+    EXPECT_FALSE(IOEXISTS("NIETS.TXT"));
+    EXPECT_EQ(IXBLDIX("DTLEV.07"), 0);
+}
+
+TEST(Rebuild, former_version_and_damaged_trees) {
+    Tabel t{"", 60, {"k,I,1,4", "t,C,5,9", "u,C,10,14", "v,C,15,19", "w,C,20,24"}, 3000, WILLEKEURIG, 0};
+    struct {
+        const char* wat;
+        void (*doe)(std::string* index);
+    } gevallen[] = {
+        {"version 350, seven keys, other node sizes",
+         [](std::string* i) {
+             (*i)[258] = '\x5E', (*i)[259] = 1, (*i)[11] = 7;
+             for (size_t k = 0; k < 5; k++)
+                 (*i)[48 + 42 * k + 10] = 1;
+         }},
+        {"cut behind the header", [](std::string* i) { i->resize(300); }},
+        {"trees of zeros", [](std::string* i) { std::fill(i->begin() + 512, i->end(), '\0'); }},
+        {"marked busy, counters wild",
+         [](std::string* i) { std::fill(i->begin() + 12, i->begin() + 24, '\x7F'), (*i)[45] = 3; }},
+        {"far too long", [](std::string* i) { i->resize(i->size() * 3, 'x'); }},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        TijdelijkeMap map;
+        zet_neer("./T", t, maak_data(t));
+        ASSERT_EQ(IXBLDIX("T"), 1);
+        const std::string goed = index_van("T");
+        std::string index = goed;
+        g.doe(&index);
+        schrijf_bestand("T.INX", index);
+        ASSERT_EQ(IXBLDIX("T"), 1);
+        EXPECT_EQ(verschil(index_van("T"), goed), -1);
+    }
+}
+
+// Memory for a file five times as large is not larger, but for the half byte a record that the shape of a tree takes.
+TEST(Rebuild, memory_does_not_grow_with_the_file) {
+    TijdelijkeMap map;
+    long piek[2];
+    for (int i = 0; i < 2; i++) {
+        Tabel t{"", 40, {"k,I,1,4", "t,C,5,24"}, i ? 500000 : 100000, WILLEKEURIG, 0};
+        {
+            std::string data = maak_data(t);
+            zet_neer("./T", t, data);
+        }
+        pid_t kind = fork();
+        if (kind == 0)
+            _exit(IXBLDIX("T") != 1);
+        int status;
+        struct rusage r;
+        ASSERT_EQ(wait4(kind, &status, 0, &r), kind);
+        ASSERT_EQ(status, 0);
+        piek[i] = r.ru_maxrss;
+    }
+    EXPECT_LT(piek[1] - piek[0], 8 * 1024) << "KB, of " << piek[0];
+}
+
+} // namespace
+
+// The calls of the store, counted, failing or ending the process at one of them.
+namespace {
+
+IXSYSCALLS echt;
+int over_tot, schade; // calls to go; 0 kill, else errno, negative: short write
+
+bool nu() {
+    return over_tot > 0 && --over_tot == 0;
+}
+ssize_t proef_pwrite(int fd, const void* van, size_t n, off_t plaats) {
+    if (nu()) {
+        if (schade == 0)
+            kill(getpid(), SIGKILL);
+        errno = schade;
+        return -1;
+    }
+    return echt.pwrite(fd, van, n, plaats);
+}
+int proef_ftruncate(int fd, off_t lengte) {
+    if (nu()) {
+        if (schade == 0)
+            kill(getpid(), SIGKILL);
+        errno = schade;
+        return -1;
+    }
+    return echt.ftruncate(fd, lengte);
+}
+
+// IXBLDIX in a child that meets its end, or a failure, at the n-th call: its wait status.
+int in_kind(int n, int fout) {
+    pid_t kind = fork();
+    if (kind == 0) {
+        freopen("/dev/null", "w", stderr);
+        freopen("/dev/null", "w", stdout);
+        echt = IXSYS;
+        IXSYS.pwrite = proef_pwrite;
+        IXSYS.ftruncate = proef_ftruncate;
+        over_tot = n;
+        schade = fout;
+        int uitslag = IXBLDIX("T");
+        _exit(over_tot > 0 ? 77 : uitslag);
+    }
+    int status = 0;
+    waitpid(kind, &status, 0);
+    return status;
+}
+
+} // namespace
+
+TEST(Rebuild, killed_at_every_write_a_second_run_is_as_undisturbed) {
+    Tabel t{"", 60, {"k,I,1,4", "t,C,5,24"}, 400, WILLEKEURIG, 4};
+    const std::string data = maak_data(t);
+    TijdelijkeMap map;
+    zet_neer("./T", t, data);
+    ASSERT_EQ(IXBLDIX("T"), 1);
+    const std::string goed = index_van("T"), goede_data = lees_bestand("T.TXT");
+    std::string oud = goed; // an older index over the same data: sound in itself, with another chain
+    int keren = 0, status = 0;
+    for (int n = 1; n < 2000; n++, keren++) {
+        schrijf_bestand("T.INX", oud);
+        schrijf_bestand("T.TXT", data);
+        status = in_kind(n, 0);
+        if (WIFEXITED(status))
+            break;
+        ASSERT_TRUE(WIFSIGNALED(status)) << n;
+        if (lees_bestand("T.INX") != oud) {
+            ASSERT_EQ(IXCHECK("T"), -1) << "a half-made index passes after write " << n;
+        }
+        ASSERT_EQ(IXBLDIX("T"), 1) << n;
+        ASSERT_EQ(verschil(index_van("T"), goed), -1) << n;
+        ASSERT_TRUE(lees_bestand("T.TXT") == goede_data) << n;
+    }
+    EXPECT_EQ(WEXITSTATUS(status), 77);
+    EXPECT_GT(keren, 100); // header, free slots, blocks, length, header
+}
+
+TEST(Rebuild, a_full_disk_or_a_failing_one_is_told_and_cured_by_a_second_run) {
+    Tabel t{"", 60, {"k,I,1,4", "t,C,5,24"}, 20000, WILLEKEURIG, 50}; // large enough for files of its own
+    const std::string data = maak_data(t);
+    TijdelijkeMap map;
+    zet_neer("./T", t, data);
+    ASSERT_EQ(IXBLDIX("T"), 1);
+    const std::string goed = index_van("T"), goede_data = lees_bestand("T.TXT");
+    const int punten[] = {1, 2, 5, 10, 14, 18, 22, 26, 30, 40, 100, 400, 1000, 1500};
+    int geweigerd = 0, gestopt = 0;
+    for (int n : punten)
+        for (int fout : {ENOSPC, EIO}) {
+            schrijf_bestand("T.INX", goed);
+            schrijf_bestand("T.TXT", data);
+            int status = in_kind(n, fout);
+            ASSERT_TRUE(WIFEXITED(status)) << n;
+            if (WEXITSTATUS(status) == 77)
+                continue;
+            if (WEXITSTATUS(status) == 0) { // before anything of the pair was touched
+                geweigerd++;
+                EXPECT_TRUE(index_van("T") == goed && lees_bestand("T.TXT") == data) << n;
+            } else {
+                gestopt++;
+                EXPECT_EQ(IXCHECK("T"), -1) << n;
+            }
+            ASSERT_EQ(IXBLDIX("T"), 1) << n;
+            EXPECT_EQ(verschil(index_van("T"), goed), -1) << n;
+            EXPECT_TRUE(lees_bestand("T.TXT") == goede_data) << n;
+        }
+    EXPECT_GT(geweigerd, 5);
+    EXPECT_GT(gestopt, 5);
+}
+
+TEST(Rebuild, waits_for_a_record_that_somebody_has_locked) {
+    TijdelijkeMap map;
+    Tabel t{"", 20, {"k,I,1,4"}, 10, OPLOPEND, 0};
+    zet_neer("./T", t, maak_data(t));
+    ASSERT_EQ(IXBLDIX("T"), 1);
+    int naar[2], terug[2];
+    ASSERT_EQ(pipe(naar) | pipe(terug), 0);
+    pid_t ander = fork();
+    if (ander == 0) { // locks record 3, tells, and holds it until told
+        ICB* icb = IXOPEN("T", 2);
+        char rec[20] = {};
+        ZET32(rec, 3);
+        char c = IXREADL(icb, rec) ? '1' : '0';
+        if (write(terug[1], &c, 1) != 1 || read(naar[0], &c, 1) != 1)
+            _exit(1);
+        ZET32(rec + 8, 0x41414141);
+        IXWRITE(icb, rec);
+        IXCLOSE(icb);
+        _exit(0);
+    }
+    char c;
+    ASSERT_EQ(read(terug[0], &c, 1), 1);
+    ASSERT_EQ(c, '1');
+    static int gewacht;
+    static int pijp;
+    gewacht = 0;
+    pijp = naar[1];
+    auto* haak = IXWAITHOOK;
+    IXWAITHOOK = [](ICB*) {
+        if (!gewacht++ && write(pijp, "x", 1) != 1)
+            abort();
+    };
+    EXPECT_EQ(IXBLDIX("T"), 1);
+    IXWAITHOOK = haak;
+    EXPECT_GT(gewacht, 0);
+    int status;
+    waitpid(ander, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(IXDIEPCHECK("T"), std::vector<std::string>());
+    for (int fd : {naar[0], naar[1], terug[0], terug[1]})
+        close(fd);
+}
+
+TEST(Bulk, fills_a_private_index_in_another_order) {
+    TijdelijkeMap map;
+    Tabel t{"", 40, {"k,I,1,4"}, 5000, WILLEKEURIG, 0};
+    zet_neer("./DTLEV", t, maak_data(t));
+    ASSERT_EQ(IXBLDIX("DTLEV"), 1);
+    const std::string voor = lees_bestand("DTLEV.TXT");
+    for (bool twee : {false, true}) {
+        ICB* gedeeld = IXOPEN("DTLEV", 0);
+        ICB* eigen = IXCREATE("DTLEV.07", 1);
+        IXUPDFCB(eigen, 0, "keuze,40");
+        IXUPDFCB(eigen, 1, "tekst,NODUPS,C,5,12,I,1,4");
+        if (twee)
+            IXUPDFCB(eigen, 2, "nr,I,1,4");
+        IXINITIX(eigen);
+        IXBULK('O', eigen, nullptr);
+        char rec[40];
+        int n = 0;
+        for (int ok = IXFIRST(gedeeld, rec); ok; ok = IXNEXT(gedeeld, rec))
+            if (n++ % 3 == 0) {
+                eigen->currec = gedeeld->currec;
+                IXBULK('W', eigen, rec);
+            }
+        IXBULK('C', eigen, nullptr);
+        IXCLOSE(eigen);
+        IXCLOSE(gedeeld);
+        eigen = IXOPEN("DTLEV.07", 0);
+        std::string vorige;
+        for (int k = 1; k <= (twee ? 2 : 1); k++) {
+            int gezien = 0;
+            IXSWITCH(eigen, k);
+            memset(rec, 0, sizeof rec);
+            for (int ok = IXFIRST(eigen, rec); ok; ok = IXNEXT(eigen, rec), gezien++)
+                if (k == 1) { // a text ends at its first NUL
+                    std::string nu(rec + 4, strnlen(rec + 4, 8));
+                    nu.resize(8);
+                    if (gezien) {
+                        EXPECT_LE(IXCOLLATE(vorige.data(), nu.data(), 8), 0);
+                    }
+                    vorige = nu;
+                }
+            EXPECT_EQ(gezien, (n + 2) / 3) << "key " << k;
+        }
+        IXCLOSE(eigen);
+    }
+    EXPECT_TRUE(lees_bestand("DTLEV.TXT") == voor);
+}
