@@ -158,10 +158,12 @@ void MELDBOX(Meldsoort soort, const char* regel1, const char* regel2, const char
     zet(A_LABEL, n + 1, enter, w - 4);
     if (soort != MELD_INFO)
         PIEP();
+    BEZIGWIS();
     WINCURSOR(0);
     TOETS();
     WINCURSOR(1);
     WINCLOSE();
+    BEZIGTOON();
 }
 
 } // namespace zg

@@ -139,6 +139,7 @@ int DMRUN(DMREC* menu, int rij, int vast_id) {
     if (keus < 0)
         keus = std::max(0, eerste_die([](const DMREC& r) { return r.soort != 'S'; }));
 
+    BEZIGWIS();
     int antwoord = vast_id, top = 0;
     for (bool klaar = false; !klaar;) {
         top = std::clamp(top, std::max(0, keus - zicht + 1), keus);
@@ -177,6 +178,7 @@ int DMRUN(DMREC* menu, int rij, int vast_id) {
         }
     }
     WINCLOSE();
+    BEZIGTOON();
     wis(menu);
     return antwoord;
 }

@@ -11,8 +11,13 @@ struct Gemerkt {
 };
 
 struct LIJST {
-    int32_t (*haal)(int32_t stap); // 0 reads the row at positie; not 0 when a row is there
-    void (*toets)();               // reads the next action: sets SCHERM.laatste and SCHERM.vlag
+    // 0 reads the row at positie; not 0 when a row is there. A long stride goes as far as there are rows. When it
+    // answers 0, positie stays.
+    int32_t (*haal)(int32_t stap);
+    // Reads the next action: sets SCHERM.laatste and SCHERM.vlag. With V_LEEG clear it has moved positie, and the
+    // page begins there. When it has removed or changed rows it sets modus 1: the page is read again from its
+    // first row that is left, the cursor stays on its row.
+    void (*toets)();
     void (*kop)();                 // may be null
     const char* (*regel)();        // text of the current row
     uint32_t positie;              // identity of the current row; 0xFFFFFFFF at the start

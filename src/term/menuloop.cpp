@@ -89,6 +89,7 @@ int32_t volgende_toets() {
         nu.wachtrij.pop_back();
         return key;
     }
+    BEZIGWIS(); // a handler's field may have left it
     if (wachttijd >= 0 && !TOETSWACHT(1, 1, wachttijd))
         return TIJD_OM;
     return TOETS();

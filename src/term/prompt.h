@@ -13,7 +13,7 @@ int JNVRAAG(int rij, int kolom, const char* fmt, ...) __attribute__((format(prin
 void ENTERWACHT(int rij, int kolom);
 
 // Wait for one of the table keys or one of the characters, which is the last argument. Answers the key, also
-// in SCHERM.laatste; a table key sets V_LEEG.
+// in SCHERM.laatste; a table key and ENTER set V_LEEG, a character clears it.
 int32_t TOETSKIESDOE(const void* const* argumenten, int aantal);
 template <class... A> int32_t TOETSKIES(A... rest) {
     static_assert(sizeof...(rest) >= 1 && (std::is_pointer_v<A> && ...), "key pointers, then the characters");
