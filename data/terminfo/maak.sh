@@ -16,6 +16,7 @@ mkdir -p "$out.new"
 # entry NAME BASE: the three entries of one terminal.
 #   bce@    a clear would colour the whole window, also outside our part of it
 #   csr@    or a larger window stays with a scroll region of our size
+#   rep@    not every terminal that says it is an xterm can repeat
 #   ncv#2   underline on a colour terminal is a colour
 # The size of vt terminals is switched by their own command; windows are as large as the user made them.
 entry() {
@@ -29,7 +30,7 @@ entry() {
   wide= back=
   case $1 in vt*0 | vt102) wide='\E[?3h' back='\E[?3l' ;; esac
   # Control-X cancels, Control-] ends the program, Control-G helps; Esc, Control-\ and F1 do so as well
-  common="am, it#8, bce@, csr@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G,"
+  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G,"
   cat <<END
 $capital|$1 with 25 lines of 80 columns,
 	lines#25, cols#80, is2=$init, rs2=$init, $common use=$2,

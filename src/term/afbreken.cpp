@@ -38,8 +38,8 @@ void in_doos(const char* tekst) {
         SCRPUT(A_WAARDE, 1 + i, 2, "%.*s", binnen, tekst + i * binnen);
     SCRPUT(A_WAARDE, rijen + 1, 2, "%s", support);
     SCRPUT(A_LABEL, rijen + 2, 2, "%s", TXT(T_ENTER_VERVOLG));
+    TOETSLEEG(); // keys typed ahead must not take the report away unread; what comes after it is shown counts
     SCRFLUSH(0);
-    TOETSLEEG(); // keys typed ahead must not take the report away unread
     while (TOETSRAW(WINNU()) != K_ENTER) {
     }
     while (SCHERM.aantal > 1)

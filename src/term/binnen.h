@@ -18,6 +18,8 @@ void VENSTERDUW(WINDOW* win, int soort); // on the stack, coloured and cleared
 Venster& VENSTERNU();
 void TOONVANAF(int index); // touch and stage every window from here to the top
 int KLEURPAAR(int index, uint32_t attr);
+void CURSORWEER();
+extern bool LIJNTEKENS; // the present attribute draws lines
 
 // klavier.cpp
 void SLEUTELSLADEN(); // key sequences of the active terminal

@@ -96,13 +96,19 @@ Vul vul(int ms) {
     sigset_t vrij;
     pollfd p{STDIN_FILENO, POLLIN, 0};
     timespec tijd{ms / 1000, (ms % 1000) * 1000000L};
-    sigprocmask(SIG_BLOCK, &seinen, &vrij);
-    int n = -1;
-    bool sein = SCHERM.signaaltoets || MAATSEIN || SEINEINDE();
-    if (!sein)
-        n = ppoll(&p, 1, ms < 0 ? nullptr : &tijd, &vrij);
-    int fout = errno;
-    sigprocmask(SIG_SETMASK, &vrij, nullptr);
+    int n = -1, fout = 0;
+    bool sein = false;
+    if (ms == 0) {
+        n = poll(&p, 1, 0);
+        fout = errno;
+    } else {
+        sigprocmask(SIG_BLOCK, &seinen, &vrij);
+        sein = SCHERM.signaaltoets || MAATSEIN || SEINEINDE();
+        if (!sein)
+            n = ppoll(&p, 1, ms < 0 ? nullptr : &tijd, &vrij);
+        fout = errno;
+        sigprocmask(SIG_SETMASK, &vrij, nullptr);
+    }
     SEINSTOP();
     if (n < 0)
         return sein || fout == EINTR ? Vul::SEIN : Vul::NIETS;
@@ -216,7 +222,7 @@ int32_t teken() {
     if (c >= 32)
         return klaar_teken(c);
     error(TXT(T_TEKEN_ONBEKEND), static_cast<unsigned>(u));
-    if (SCHERM.bestaat)
+    if (SCHERM.bestaat && !SCHERM.dicht)
         doupdate();
     return 0;
 }

@@ -128,6 +128,8 @@ void VARIANTAAN(int variant) {
     typeahead(-1);
     ZEND("is2");
     ZEND("is3");
+    keypad(t.std, TRUE); // once for all windows: keys are read past curses, only the terminal must know
+    CURSORWEER();
     clearok(curscr, TRUE);
     SLEUTELSLADEN();
 }
@@ -154,6 +156,7 @@ void SCRINIT() {
     TERMBEWAAR();
     SEINENAAN();
     SCHERM.instel = &INSTEL;
+    WINCURSOR(1);
     SCHERM.bestaat = true;
     SCRRATE(1);
     SCRTERM("");

@@ -64,8 +64,7 @@ void schrijf(WINDOW* win, const char* s, int n) {
     attr_t attr;
     short paar;
     wattr_get(win, &attr, &paar, nullptr);
-    bool lijnen = (attr & A_ALTCHARSET) != 0;
-    attr &= ~(A_ALTCHARSET | A_COLOR);
+    attr &= ~A_COLOR;
     int rij, kolom;
     getyx(win, rij, kolom);
     cchar_t cellen[256];
@@ -73,7 +72,7 @@ void schrijf(WINDOW* win, const char* s, int n) {
     for (int i = 0; i < n; i++) {
         uint8_t c = static_cast<uint8_t>(s[i]);
         cellen[i] = cchar_t{};
-        if (lijnen)
+        if (LIJNTEKENS)
             cellen[i] = teken_cel(c);
         else
             cellen[i].chars[0] = cel_van(c);
@@ -200,7 +199,8 @@ void SCRFLUSH(int seconden) {
     if (!SCHERM.bestaat)
         return;
     SEINSTOP();
-    wrefresh(VENSTERNU().win);
+    if (!SCHERM.dicht) // what goes out now would be printed
+        wrefresh(VENSTERNU().win);
     SCHERM.ververst = time(nullptr);
     for (time_t tot = SCHERM.ververst + seconden; seconden > 0 && !SCHERM.signaaltoets;) {
         time_t nu = time(nullptr);
@@ -217,7 +217,7 @@ void SCRRATE(int seconden) {
 }
 
 void SCRAUTO() {
-    if (!SCHERM.bestaat || uitgesteld || tempo < 0)
+    if (!SCHERM.bestaat || SCHERM.dicht || uitgesteld || tempo < 0)
         return;
     if (tempo > 0) {
         time_t nu = time(nullptr);
@@ -230,7 +230,7 @@ void SCRAUTO() {
 }
 
 void PIEP() {
-    if (SCHERM.bestaat)
+    if (SCHERM.bestaat && !SCHERM.dicht)
         beep();
 }
 

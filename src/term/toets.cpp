@@ -33,16 +33,19 @@ int32_t neem_seintoets() {
 int32_t van_klavier(WINDOW* win, int ms) {
     for (;;) {
         SEINSTOP();
-        if (win && SCHERM.bestaat)
+        if (win && SCHERM.bestaat && !SCHERM.dicht)
             wrefresh(win);
         if (SCHERM.signaaltoets)
             return neem_seintoets();
         int32_t key = KLAVIER(ms);
         if (key == -1 && MAATSEIN) {
             MAATSEIN = 0;
-            clearok(curscr, TRUE);
-            TOONVANAF(SCHERM.basis);
-            doupdate();
+            if (SCHERM.bestaat) {
+                clearok(curscr, TRUE);
+                TOONVANAF(SCHERM.basis);
+            }
+            if (SCHERM.bestaat && !SCHERM.dicht)
+                doupdate();
             if (ms >= 0)
                 return -1;
             continue;

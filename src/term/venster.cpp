@@ -27,6 +27,8 @@ int accent_paar(int index) {
     return index + 1 + VENSTERS;
 }
 
+bool cursor_aan = true;
+
 bool verander_paar(int paar, short tekst, short grond) {
     return paar < COLOR_PAIRS && init_pair(static_cast<short>(paar), tekst, grond) == OK;
 }
@@ -39,6 +41,8 @@ bool is_std(WINDOW* win) {
 }
 
 } // namespace
+
+bool LIJNTEKENS;
 
 Venster& VENSTERNU() {
     return SCHERM.venster[SCHERM.huidig];
@@ -68,7 +72,6 @@ void VENSTERDUW(WINDOW* win, int soort) {
     SCHERM.huidig = index;
     SCHERM.soort = soort & 7;
     SCHERM.venster[index] = {win, SCHERM.termnu, SCHERM.basis, SCHERM.soort, 0};
-    keypad(win, TRUE);
     leaveok(win, FALSE);
     if (has_colors()) {
         const Kleuren& k = KLEUREN[SCHERM.soort];
@@ -196,6 +199,9 @@ void WINATTR(uint32_t attr) {
         return;
     WINDOW* win = VENSTERNU().win;
     int paar = KLEURPAAR(SCHERM.huidig, attr);
+    LIJNTEKENS =
+        (attr & A_ALTCHARSET) != 0; // each character decides for itself, so curses doesn't get the bit
+    attr &= ~A_ALTCHARSET;
     wattr_set(win, attr, static_cast<short>(paar), nullptr);
     cchar_t blanco;
     setcchar(&blanco, L" ", A_NORMAL, static_cast<short>(paar), nullptr);
@@ -204,8 +210,15 @@ void WINATTR(uint32_t attr) {
 }
 
 void WINCURSOR(int aan) {
-    if (SCHERM.bestaat)
-        curs_set(aan ? 1 : 0);
+    cursor_aan = aan != 0;
+    if (SCHERM.bestaat && !SCHERM.dicht)
+        curs_set(cursor_aan);
+}
+
+// Each variant remembers its own cursor state, the terminal has one.
+void CURSORWEER() {
+    curs_set(cursor_aan);
+    ZEND(cursor_aan ? "cnorm" : "civis");
 }
 
 } // namespace zg

@@ -1,6 +1,8 @@
 // National tables, both directions to Unicode, and the guard on catalogue texts.
+#include "support/terminal.h"
 #include "term/natl.h"
-#include "term/tekst.h"
+#include "term/teksten.h"
+#include <cstdlib>
 #include <gtest/gtest.h>
 
 using namespace zg;
@@ -109,4 +111,28 @@ TEST(Tekst, OnlyTheSameDirectivesPass) {
     };
     for (const auto& g : GEVALLEN)
         EXPECT_EQ(TXTPAST(g.standaard, g.vertaald), g.past) << g.standaard << " | " << g.vertaald;
+}
+
+// A real catalogue: its texts where they fit, the defaults elsewhere and after closing.
+TEST(Tekst, Catalogue) {
+    test::TijdelijkeMap map;
+    test::schrijf_bestand("bron",
+                          "$ codeset=IBM850\n$quote \"\n$set 1\n18 \"Open failed : %s\"\n94 \"%s %n\"\n"
+                          "74 \"Y\"\n75 \"\"\n144 \"Agr\x82\"\n");
+    ASSERT_EQ(system("gencat ZEBCAT.cat bron"), 0);
+    setenv("NLSPATH", (map.pad() + "/%N.cat").c_str(), 1);
+    setenv("LC_ALL", "C.UTF-8", 1);
+    EXPECT_STREQ(TXT(T_AKKOORD), "Akkoord");
+    CATOPEN();
+    EXPECT_STREQ(TXT(T_AKKOORD), "Agr\x82");
+    EXPECT_STREQ(TXT(T_OPEN_MISLUKT), "Open failed : %s");
+    EXPECT_STREQ(TXT(T_AFGEBROKEN), "PROGRAMMA AFGEBROKEN") << "a text that would read what was not passed";
+    EXPECT_STREQ(TXT(T_SUPPORT), "Neem contact op met de Support-groep");
+    EXPECT_STREQ(TXT(T_ONBEKENDE_TERMINFO), "Onbekende terminfo") << "the other catalogue is not there";
+    EXPECT_EQ(TXTLETTER(T_JA), 'Y');
+    EXPECT_EQ(TXTLETTER(T_NEE), 'N') << "an empty letter would answer nothing";
+    CATCLOSE();
+    EXPECT_STREQ(TXT(T_AKKOORD), "Akkoord");
+    unsetenv("NLSPATH");
+    unsetenv("LC_ALL");
 }

@@ -211,6 +211,58 @@ TEST(Scherm, AllBytesAreSafe) {
     }
 }
 
+// While a printer on the terminal's own port is open, nothing of the screen may go out.
+TEST(Scherm, LockedWhilePrinting) {
+    Terminal t([] {
+        SCRINIT();
+        SCRPUT(A_WAARDE, 1, 1, "klaar");
+        SCRFLUSH(0);
+        TOETS();
+        SCHERM.dicht = 1;
+        write(1, "<<", 2);
+        SCRPUT(A_WAARDE, 2, 1, "tekst");
+        error("fout");
+        WINOPEN1(5, 5, 5, 5);
+        WINCURSOR(0);
+        SCRFLUSH(0);
+        PIEP();
+        BEZIGAAN();
+        BEZIGTOON();
+        while (!TOETSKLAAR()) {
+        }
+        WINCLOSE();
+        write(1, ">>", 2);
+        SCRFATAL("klaar");
+        return 0;
+    });
+    t.kalm();
+    t.stuur("x");
+    t.wacht("<<");
+    t.stuur("y");
+    t.wacht("AFGEBROKEN");
+    std::string u = t.uitvoer();
+    size_t van = u.find("<<");
+    EXPECT_EQ(u.substr(van, u.find(">>") - van), "<<") << "went to the printer";
+    EXPECT_EQ(u.find("\x1b[4i"), u.find(">>") + 2) << "the printer port is closed first";
+    t.stuur("\r");
+    EXPECT_EQ(t.einde(), 1);
+}
+
+TEST(Scherm, CursorFollowsTheVariants) {
+    Opties o;
+    o.rijen = 43;
+    Terminal t(op_scherm([] {
+                   WINCURSOR(0);
+                   SCRTERM("-l");
+                   WINCURSOR(1);
+                   WINCLOSE();
+               }),
+               o);
+    t.kalm();
+    std::string u = t.uitvoer();
+    EXPECT_GT(u.rfind("\x1b[?25h"), u.rfind("\x1b[?25l")) << "the cursor is shown again";
+}
+
 TEST(Scherm, LineDrawingByNumber) {
     Terminal t(op_scherm([] {
         SCRPUT(0x500000, 1, 1, "%c%c%c", 196, 254, 251);
