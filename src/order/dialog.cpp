@@ -289,6 +289,7 @@ void tekst_bekijk(int rij, int kolom, int soort, const char* blok) {
     WINOPEN1(rij, kolom, TEKSTRIJEN + 3, TEKSTBREEDTE + 4);
     WINBOX(" %s ", soort_naam(soort));
     toon(Vlak{1, 1, TEKSTRIJEN, TEKSTBREEDTE, tekst, begin});
+    TOETSAAN(K_CANCEL); // ESC does as well
     ENTERWACHT(TEKSTRIJEN + 1, 2);
     WINCLOSE();
 }

@@ -198,8 +198,8 @@ void laad(const ors_ingang* ingang, bool vergrendel, ordertotalen* totaal) {
         (!registermodus || (REGELDIENSTEN.serie_laad && REGELDIENSTEN.serie_laad(vergrendel) == 1));
     if (ORDERHAKEN.advies_laad)
         ORDERHAKEN.advies_laad(&dessin);
-    if (regel_bereikbaar)
-        regel_totaal(&matrix_cel(order_aantallen, aantal_filialen, 0), regel_prijzen, totaal);
+    // A line that can't be worked on counts all the same, and comes off the totals when it is deleted.
+    regel_totaal(&matrix_cel(order_aantallen, aantal_filialen, 0), regel_prijzen, totaal);
 }
 
 bool dienst(bool (*doe)(bool), bool lezen) {
@@ -221,17 +221,26 @@ void toon_leverancier() {
     SCRPUT(A_WAARDE, 3, NAAMKOLOM, "%-20.20s", VASTTEKST(leverancier.naam).c_str());
 }
 
+// May the cursor's line be worked on? Tells when not.
+bool toegankelijk() {
+    if (!regel_bereikbaar)
+        error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
+    return regel_bereikbaar;
+}
+
 void item_menu() {
     KEUZESTART(itemtekst);
     KEUZEAAN(I_ORDER);
     KEUZEAAN(I_LEVERANCIER);
-    if (regel_bereikbaar)
+    if (aantal_regels > 0)
         for (int k = I_MODEL; k < I_AANTAL; k++)
             KEUZEAAN(k);
 }
 
 // What an item of the sub-menu does; true when the line changed. *order: the header was on the screen.
 bool doe_item(int keus, bool lezen, bool* order) {
+    if (keus >= I_MODEL && !toegankelijk())
+        return false;
     switch (keus) {
     case I_ORDER:
         *order = true;
@@ -260,8 +269,6 @@ bool doe_item(int keus, bool lezen, bool* order) {
 
 // "&Raadplegen" and "&Wijzigen": one choice of the sub-menu. True when the line changed.
 bool order_item(bool lezen, bool* order) {
-    if (aantal_regels > 0 && !regel_bereikbaar)
-        error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
     item_menu();
     TOETSAAN(K_CANCEL);
     int keus = KEUZE(MENURIJ, 1);
@@ -274,7 +281,7 @@ void hoofd_menu() {
         KEUZEAAN(k);
     if (registermodus)
         KEUZEAAN(H_BIJBESTELLEN);
-    if (regel_bereikbaar)
+    if (aantal_regels > 0)
         KEUZEAAN(H_DUPLICEREN);
     if (aantal_regels > 0)
         KEUZEAAN(H_VERWIJDEREN);
@@ -300,7 +307,12 @@ void bewaar_wijziging(const ordertotalen& oud) {
 void verwijder(Blad& blad, const ordertotalen& totaal) {
     if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
         return;
-    if (registermodus && regel_bereikbaar && REGELDIENSTEN.regel_weg && !REGELDIENSTEN.regel_weg())
+    // Labels can't be left behind without the line that they are of.
+    if (registermodus && !REGELDIENSTEN.regel_weg) {
+        MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+        return;
+    }
+    if (registermodus && regel_bereikbaar && !REGELDIENSTEN.regel_weg())
         return;
     if (!wrk_regel_uit(&regelingang))
         return;
@@ -321,6 +333,8 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
             blad.cursor = regelingang.regel;
         break;
     case H_DUPLICEREN:
+        if (!toegankelijk())
+            break;
         if (REGELDIENSTEN.dupliceren ? REGELDIENSTEN.dupliceren(regelingang) : nieuwe_regels(nullptr))
             blad.cursor = regelingang.regel;
         break;
@@ -373,8 +387,6 @@ void order_scherm() {
         }
         if (order_alleen_lezen) {
             bool order = false;
-            if (aantal_regels > 0 && !regel_bereikbaar)
-                error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
             doe_item(keus, true, &order);
         } else {
             // The series is read again for the action, now under its lock.

@@ -144,6 +144,7 @@ void prog_exec(const char* doel) {
 
 void prog_informatie() {
     informatie_venster(9);
+    TOETSAAN(K_CANCEL); // ESC does as well
     ENTERWACHT(7, 2);
     WINCLOSE();
 }

@@ -226,6 +226,7 @@ bool relatie_scherm(uint16_t nummer, Relatiesoort soort, Relatiemodus modus) {
         } else {
             // Two pages at most: ENTER shows the rest, then leaves.
             for (;; b.top += RIJEN - 4, toon(b, -1)) {
+                TOETSAAN(K_CANCEL); // ESC leaves at once
                 ENTERWACHT(RIJEN - 2, LABEL);
                 if (SCHERM.laatste != K_ENTER || b.top + RIJEN - 4 >= b.velden)
                     break;

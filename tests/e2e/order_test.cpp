@@ -1,0 +1,389 @@
+// An order on the screen: its pages, its header field by field, lines deleted, and what the journal holds then.
+#include "e2e/loop.h"
+#include "term/vast.h"
+#include <csignal>
+#include <gtest/gtest.h>
+#include <map>
+
+using namespace zg::test;
+
+namespace {
+
+size_t lengte(char tag) {
+    static const std::map<char, size_t> met_tag = {{'O', 121}, {'M', 25}, {'D', 129}, {'T', 62}, {'S', 13},
+                                                   {'E', 14},  {'B', 14}, {'L', 5},   {'F', 9}};
+    return met_tag.at(tag);
+}
+
+// Tags of a journal in order, "OTMDSLF...".
+std::string tags(const std::string& jrn) {
+    std::string uit;
+    for (size_t p = 0; p < jrn.size(); p += lengte(jrn[p]))
+        uit += jrn[p];
+    return uit;
+}
+
+// The dessins of a journal's lines, in order.
+std::string dessins(const std::string& jrn) {
+    std::string uit;
+    for (size_t p = 0; p < jrn.size(); p += lengte(jrn[p]))
+        if (jrn[p] == 'D')
+            uit += std::string(jrn.c_str() + p + 1) + " ";
+    return uit;
+}
+
+zg::ordkop kop_van(const std::string& jrn) {
+    zg::ordkop k{};
+    if (jrn.size() > sizeof k)
+        memcpy(&k, jrn.data() + 1, sizeof k);
+    return k;
+}
+
+std::vector<Regel> genummerd(int n, int per_model = 1) {
+    std::vector<Regel> regels;
+    for (int i = 1; i <= n; i++) {
+        Regel r;
+        r.model = "M" + std::to_string((i - 1) / per_model + 1);
+        r.dessin = "D" + std::to_string(i);
+        r.aantal = i;
+        regels.push_back(r);
+    }
+    return regels;
+}
+
+} // namespace
+
+TEST(Order, BladerenEnTotalen) {
+    struct {
+        int regels;
+        const char* toetsen;
+        int cursor, top;
+    } gevallen[] = {
+        {1, "<Down><PgDn>", 1, 1},
+        {14, "<PgDn>", 1, 1}, // nothing behind the page
+        {15, "<PgDn>", 15, 15},
+        {15, "<Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down>", 15, 2},
+        {60, "<PgDn><PgDn><PgUp><Up>", 14, 14},
+        {60, "<PgDn><PgDn><PgDn><PgDn><PgDn>", 57, 57},
+    };
+    for (auto& g : gevallen) {
+        SCOPED_TRACE(std::to_string(g.regels) + g.toetsen);
+        Datamap map;
+        std::string inhoud = maak_order(maak_kop("Bladeren"), genummerd(g.regels));
+        map.journaal(inhoud);
+        Programma p(map);
+        p.eerste_order();
+        p.t.toetsen(g.toetsen);
+        std::string eerste = "D" + std::to_string(g.top) + " ", hier = "D" + std::to_string(g.cursor) + " ";
+        int rij = 8 + g.cursor - g.top;
+        EXPECT_EQ(p.t.stuk(8, 36, static_cast<int>(eerste.size())), eerste) << p.t.scherm();
+        EXPECT_EQ(p.t.stuk(rij, 36, static_cast<int>(hier.size())), hier) << p.t.scherm();
+        EXPECT_TRUE(p.t.cel(rij, 36).keus);
+        int onder = g.top + 13 <= g.regels ? 14 : g.regels - g.top + 1;
+        for (int r = 0; r < 14; r++)
+            EXPECT_EQ(p.t.cel(8 + r, 36).teken != " ", r < onder) << "row " << 8 + r << "\n" << p.t.scherm();
+        int stuks = g.regels * (g.regels + 1) / 2;
+        char tekst[40];
+        snprintf(tekst, sizeof tekst, "%9d", stuks);
+        EXPECT_EQ(p.t.stuk(3, 50, 9), tekst);
+        snprintf(tekst, sizeof tekst, "%11.2f", stuks * 10.0);
+        EXPECT_EQ(p.t.stuk(4, 69, 11), tekst);
+        p.t.toetsen("<Esc>");
+        p.uit();
+        EXPECT_EQ(map.journaal(), inhoud) << "looked at, not changed";
+        EXPECT_EQ(map.restjes(), "");
+    }
+}
+
+// Discount in the net price, a foreign currency, the purchase value at home.
+TEST(Order, TotalenInTweeValutas) {
+    Datamap map;
+    zg::ordkop kop = maak_kop("Pond");
+    kop.korting = -250;
+    memcpy(kop.valuta, "GBP", 3);
+    kop.koers = 12500;
+    map.journaal(maak_order(kop, {{5, "ROK", "UNI", 1, 2, 1000}}));
+    Programma p(map);
+    p.eerste_order();
+    EXPECT_EQ(p.t.stuk(3, 69, 11), "      20.00") << p.t.scherm();
+    EXPECT_EQ(p.t.stuk(4, 69, 11), "      19.50");
+    EXPECT_EQ(p.t.stuk(5, 69, 11), "      24.38"); // 9.75 x 1.25 is 12.19 a piece
+    EXPECT_EQ(p.t.stuk(5, 52, 8), "   2.50%");
+    EXPECT_EQ(p.t.stuk(7, 70, 10), "netto(GBP)");
+    p.t.toetsen("<Esc>");
+    p.uit();
+}
+
+TEST(Order, KopVeldVoorVeld) {
+    Datamap map;
+    std::string ander =
+        maak_order(maak_kop("Blijft", WERKDATUM - 40), {Regel{}, {5, "X"}}, "Franco", "14 dagen");
+    std::string achter = maak_order(maak_kop("Ook zo", WERKDATUM - 50), {Regel{}});
+    std::string mijn = maak_order(maak_kop("Oud"), {Regel{}, {5, "JURK", "STREEP", 2}}, "Af fabriek");
+    map.journaal(ander + mijn + achter);
+    Programma p(map);
+    p.eerste_order(); // the latest date
+    p.t.toetsen("WO");
+    EXPECT_TRUE(p.t.wacht_op(18, 42, "Af fabriek")) << p.t.scherm();
+    p.t.toetsen("O"
+                "Zomer<Enter>"
+                "A40<Enter>"
+                "Z2<Enter>"
+                "CStrand<Enter>"
+                "I1<Enter>"
+                "G2,5<Enter>"
+                "T1,05<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(10, 42, "40   Agentuur Smit")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht_op(11, 42, "2  Hoogzomer")) << p.t.scherm();
+    EXPECT_EQ(p.t.stuk(14, 42, 7), "2.50   ") << p.t.scherm();
+    // An agent that isn't one, a code that isn't there: told, and the field stays open.
+    p.t.toetsen("A12<Enter>");
+    EXPECT_TRUE(p.t.wacht("Deze relatie is geen agent")) << p.t.scherm();
+    p.t.toetsen("<Esc>Z7<Enter>");
+    EXPECT_TRUE(p.t.wacht("<7> Onbekende code")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    EXPECT_TRUE(p.t.wacht_op(11, 42, "2  Hoogzomer"));
+    p.t.toetsen("L<End>, spoed<Enter>tweede regel<Esc>");
+    EXPECT_TRUE(p.t.wacht_op(18, 42, "Af fabriek, spoed                  ...")) << p.t.scherm();
+    p.t.toetsen("B30 dagen<F3><Esc>");
+    EXPECT_TRUE(p.t.wacht("0 / Zomer")) << p.t.scherm();
+    EXPECT_EQ(p.t.stuk(5, 52, 8), "   2.50%");
+    p.t.toetsen("<Esc>");
+    p.uit();
+    zg::ordkop kop = kop_van(mijn);
+    zg::VASTIN(kop.omschrijving, "Zomer");
+    kop.agent = 40;
+    kop.deelseizoen = 2;
+    zg::VASTIN(kop.collectie, "Strand");
+    kop.inkoopcode = 1;
+    kop.korting = -250;
+    kop.toeslag = 10500;
+    std::string regels = mijn.substr(mijn.find('M', 121 + 62));
+    std::string verwacht = record('O', &kop, sizeof kop) + tekst(1, "Af fabriek, spoed\ntweede regel") +
+                           tekst(2, "30 dagen") + regels;
+    EXPECT_EQ(map.journaal(), ander + verwacht + achter);
+    EXPECT_EQ(map.restjes(), "");
+}
+
+// A new order without lines leaves nothing, refused or accepted; a journal that is only touched goes.
+TEST(Order, NieuweOrderZonderRegels) {
+    for (bool geweigerd : {false, true}) {
+        SCOPED_TRACE(geweigerd);
+        Datamap map;
+        zg::ordparm parm{};
+        parm.jaar = 2016;
+        parm.letter = 'Z';
+        parm.kopvraag[4] = parm.kopvraag[9] = 1; // description and discount only
+        map.parm(parm);
+        Programma p(map);
+        p.leverancier();
+        EXPECT_EQ(p.t.cursor_kolom(), 74) << "no orders, no list\n" << p.t.scherm();
+        p.t.toetsen("150316<Enter>");
+        EXPECT_TRUE(p.t.wacht("ORDER")) << p.t.scherm();
+        EXPECT_EQ(p.t.cursor_rij(), 9);
+        EXPECT_TRUE(p.t.wacht_op(1, 74, "150316"));
+        p.t.toetsen("Nieuw<Enter>");
+        EXPECT_EQ(p.t.cursor_rij(), 14) << "the discount is next\n" << p.t.scherm();
+        p.t.toetsen("<F6>");
+        EXPECT_TRUE(p.t.wacht("Toevoegen afbreken? (J/N)")) << p.t.scherm();
+        p.t.toetsen("<Enter>"); // no: the same field again
+        EXPECT_EQ(p.t.cursor_rij(), 14) << p.t.scherm();
+        p.t.toetsen("5<Enter>");
+        EXPECT_TRUE(p.t.wacht_op(21, 23, "Uw keuze")) << p.t.scherm();
+        if (geweigerd) {
+            p.t.toetsen("<F6>J<Enter>");
+        } else {
+            p.t.toetsen("<Esc>");
+            EXPECT_TRUE(p.t.wacht("0 / Nieuw")) << p.t.scherm();
+            EXPECT_EQ(p.t.stuk(5, 52, 8), "   5.00%");
+            p.t.toetsen("M");
+            EXPECT_TRUE(p.t.wacht("Geen informatie")) << p.t.scherm();
+            p.t.toetsen("<Enter><Esc>");
+        }
+        EXPECT_EQ(p.t.cursor_rij(), 1) << p.t.scherm();
+        p.uit();
+        EXPECT_FALSE(map.bestaat("2016Z/ORD0012.JRN"));
+        EXPECT_EQ(map.restjes(), "");
+    }
+}
+
+// ESC in a field of the first walk goes to the menu; the order of a foreign supplier has his currency and rate.
+TEST(Order, NieuweOrderInVreemdeValuta) {
+    Datamap map;
+    Programma p(map);
+    p.leverancier(27);
+    p.t.toetsen("<Enter>Test<Enter><Esc>");
+    EXPECT_TRUE(p.t.wacht_op(21, 23, "Uw keuze")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht_op(15, 42, "GBP  Pond")) << p.t.scherm();
+    EXPECT_EQ(p.t.stuk(16, 42, 7), "1.25000") << p.t.scherm();
+    p.t.toetsen("K0,8<Enter>");
+    EXPECT_NE(p.t.stuk(16, 42, 30).find("80.00000"), std::string::npos) << p.t.scherm();
+    // Another currency takes its own rate; the home currency has none to enter.
+    p.t.toetsen("Vxyz<Enter>");
+    EXPECT_TRUE(p.t.wacht("Onbekende valutacode")) << p.t.scherm();
+    p.t.toetsen("eur<Enter>");
+    EXPECT_EQ(p.t.stuk(16, 42, 4), "nvt ") << p.t.scherm();
+    p.t.toetsen("K");
+    EXPECT_TRUE(p.t.wacht("Ongeldige ingave")) << p.t.scherm();
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+    EXPECT_FALSE(map.bestaat("2016Z/ORD0027.JRN"));
+}
+
+TEST(Order, RegelsVerwijderen) {
+    struct {
+        const char *wat, *toetsen, *dessins, *tags;
+    } gevallen[] = {
+        {"first of a model of two", "VJ<Enter>", "D2 D3 D4 ", "OMDSLFMDSLFDSLF"},
+        {"a whole model, line by line", "VJ<Enter>VJ<Enter>", "D3 D4 ", "OMDSLFDSLF"},
+        {"middle: second of its model", "<Down>VJ<Enter>", "D1 D3 D4 ", "OMDSLFMDSLFDSLF"},
+        {"last", "<Down><Down><Down>VJ<Enter>", "D1 D2 D3 ", "OMDSLFDSLFMDSLF"},
+        {"asked, and no", "V<Enter>", "D1 D2 D3 D4 ", "OMDSLFDSLFMDSLFDSLF"},
+        {"all: the journal goes", "VJ<Enter>VJ<Enter>VJ<Enter>VJ<Enter>", "", ""},
+    };
+    for (auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        Datamap map;
+        map.journaal(maak_order(maak_kop("Regels"), genummerd(4, 2)));
+        Programma p(map);
+        p.eerste_order();
+        p.t.toetsen(g.toetsen);
+        // The screen shows what is left, in order, and counts it.
+        std::string over = g.dessins;
+        int rij = 8, n = 0;
+        for (size_t a = 0, b; (b = over.find(' ', a)) != std::string::npos; a = b + 1, n++)
+            EXPECT_EQ(p.t.stuk(rij++, 36, 3), over.substr(a, b - a) + " ") << p.t.scherm();
+        EXPECT_EQ(p.t.stuk(rij, 36, 3), "   ") << p.t.scherm();
+        EXPECT_EQ(p.t.stuk(4, 58, 1), std::to_string(n));
+        p.t.toetsen("<Esc>");
+        p.uit();
+        EXPECT_EQ(dessins(map.journaal()), g.dessins);
+        EXPECT_EQ(tags(map.journaal()), g.tags);
+        EXPECT_EQ(map.bestaat("2016Z/ORD0012.JRN"), n > 0);
+        EXPECT_EQ(map.restjes(), "");
+    }
+}
+
+// Taken up by the batch side: only to be looked at, its texts too, and nothing is written.
+TEST(Order, AlleenLezen) {
+    Datamap map;
+    zg::ordkop kop = maak_kop("Verwerkt");
+    kop.status = 1;
+    std::string inhoud = maak_order(kop, genummerd(3), "Franco huis");
+    map.journaal(inhoud);
+    Programma p(map);
+    p.eerste_order();
+    EXPECT_EQ(p.t.regel(24).find("Toevoegen"), std::string::npos) << p.t.scherm();
+    p.t.toetsen("O");
+    EXPECT_TRUE(p.t.wacht("Leveringscon, Betalingscon")) << p.t.scherm();
+    p.t.toetsen("L");
+    EXPECT_TRUE(p.t.wacht(" Leveringscondities "));
+    EXPECT_TRUE(p.t.wacht_op(13, 11, "Franco huis")) << p.t.scherm();
+    p.t.toetsen("<Enter><Esc><Down>L");
+    EXPECT_TRUE(p.t.wacht("RAADPLEGEN")) << p.t.scherm();
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(map.journaal(), inhoud);
+    EXPECT_EQ(map.restjes(), "");
+}
+
+// A line whose size type is gone is shown, counted and can be deleted; everything else is refused.
+TEST(Order, RegelZonderMaatsoort) {
+    Datamap map;
+    map.journaal(maak_order(maak_kop("Gat"), {{5, "A", "D1"}, {5, "B", "D2", 1, 4, 1000, 9}}));
+    Programma p(map);
+    p.eerste_order();
+    EXPECT_EQ(p.t.stuk(3, 50, 9), "        5") << p.t.scherm();
+    p.t.toetsen("<Down>WM");
+    EXPECT_TRUE(p.t.wacht("Regel niet toegankelijk")) << p.t.scherm();
+    p.t.toetsen("VJ<Enter>");
+    EXPECT_EQ(p.t.stuk(3, 50, 9), "        1") << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    p.uit();
+    EXPECT_EQ(dessins(map.journaal()), "D1 ");
+}
+
+TEST(Order, AndereTerminalHoudtHetJournaal) {
+    Datamap map;
+    std::string inhoud = maak_order(maak_kop("Bezet"), genummerd(2));
+    map.journaal(inhoud);
+    Programma een(map);
+    een.eerste_order();
+    Programma twee(map, 8, "Piet");
+    twee.leverancier();
+    EXPECT_TRUE(twee.t.wacht("Order ORD0012.JRN in gebruik op ander scherm.")) << twee.t.scherm();
+    twee.t.toetsen("<Enter>");
+    EXPECT_TRUE(twee.t.wacht_op(24, 1, "Orderjournaal niet beschikbaar.")) << twee.t.scherm();
+    twee.t.toetsen("<Enter>");
+    // Another supplier is free meanwhile.
+    twee.leverancier(27);
+    EXPECT_TRUE(twee.t.wacht_op(3, 19, "Noord Ltd")) << twee.t.scherm();
+    twee.t.toetsen("<Esc>");
+    twee.uit();
+    een.t.toetsen("<Esc>");
+    een.uit();
+    EXPECT_EQ(map.journaal(), inhoud);
+    EXPECT_EQ(map.restjes(), "");
+}
+
+// Killed with an order open: the next start says so and puts the changes into the journal; a journal that has
+// changed meanwhile can't take them.
+TEST(Order, AfgebrokenSessie) {
+    for (bool herstelbaar : {true, false}) {
+        SCOPED_TRACE(herstelbaar);
+        Datamap map;
+        std::string ander = maak_order(maak_kop("Ander", WERKDATUM - 9), {Regel{}});
+        map.journaal(ander + maak_order(maak_kop("Weg"), genummerd(3)));
+        {
+            Programma p(map);
+            p.eerste_order();
+            p.t.toetsen("VJ<Enter>");
+            EXPECT_EQ(p.t.stuk(4, 58, 1), "2") << p.t.scherm();
+            p.t.sein(SIGKILL);
+            p.t.einde();
+        }
+        if (!herstelbaar)
+            map.journaal(map.journaal() + maak_order(maak_kop("Erbij"), {Regel{}}));
+        std::string voor = map.journaal();
+        Programma p(map);
+        p.leverancier();
+        EXPECT_TRUE(p.t.wacht("foutief afgesloten d.d.")) << p.t.scherm();
+        EXPECT_TRUE(p.t.wacht(herstelbaar ? "De laatste wijzigingen worden automatisch hersteld..."
+                                          : "De laatste wijzigingen kunnen NIET worden hersteld..."))
+            << p.t.scherm();
+        p.t.toetsen("<Enter>");
+        EXPECT_TRUE(p.t.wacht("</> voor nieuwe order")) << p.t.scherm();
+        p.t.toetsen("<Esc><Esc>");
+        p.uit();
+        if (herstelbaar) {
+            EXPECT_EQ(dessins(map.journaal()), "UNI D2 D3 ");
+            EXPECT_EQ(map.journaal().substr(0, ander.size()), ander);
+        } else {
+            EXPECT_EQ(map.journaal(), voor);
+        }
+        EXPECT_EQ(map.restjes(), "");
+    }
+}
+
+// A whole session in one burst of keys gives the journal that the same keys give one by one.
+TEST(Order, VooruitTikken) {
+    const char toetsen[] =
+        "<Enter><Enter>12<Enter><Enter>WOOBurst<Enter>A40<Enter>Z2<Enter>CSnel<Enter>I2<Enter>G7,5<Enter>"
+        "T1,1<Enter>LFranco<Enter>huis<Esc>B30 dagen<F3><Esc><Down>VJ<Enter><Esc><Esc>";
+    std::string uitkomst[2];
+    for (int burst : {0, 1}) {
+        Datamap map;
+        map.journaal(maak_order(maak_kop("Tikken"), genummerd(3)));
+        Programma p(map);
+        if (burst)
+            p.t.reeks(toetsen);
+        else
+            p.t.toetsen(std::string(toetsen).substr(0, sizeof toetsen - 6)), p.t.reeks("<Esc>");
+        EXPECT_EQ(p.t.einde(), 0) << p.t.scherm();
+        uitkomst[burst] = map.journaal();
+        EXPECT_EQ(map.restjes(), "");
+    }
+    EXPECT_EQ(zg::VASTTEKST(kop_van(uitkomst[0]).omschrijving), "Burst");
+    EXPECT_EQ(dessins(uitkomst[0]), "D1 D3 ");
+    EXPECT_EQ(uitkomst[0], uitkomst[1]);
+}
