@@ -7,6 +7,7 @@
 #include "term/vast.h"
 #include "tools/demotekst.h"
 #include "tools/dump.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -21,8 +22,9 @@ namespace {
 
 using namespace zg;
 
-const char* const TABELLEN[] = {"DTLEV", "DTMERK", "DTOMZGRP", "DTDOELGR", "DTART", "DTKOERS"}; // each a .csv
-const char* const LEEG[] = {"DTLEVEXT", "DTMTOM", "DTVVTAB"};
+const char* const TABELLEN[] = {"DTLEV",    "DTLEVEXT", "DTMERK", "DTOMZGRP",
+                                "DTDOELGR", "DTART",    "DTKOERS"}; // each a .csv
+const char* const LEEG[] = {"DTMTOM", "DTVVTAB"};
 const char* const REGISTER[] = {"DTSER", "DTORDNR", "DTEAN", "DTSERPIC", "DTIPA"};
 
 ICB* nieuw_paar(const char* naam) {
@@ -54,8 +56,18 @@ std::vector<Demomaten> maten(const std::string& pad) {
     Demobron bron(pad);
     std::vector<Demomaten> alle;
     for (Demoregel r; bron.volgende(&r);) {
-        if (!r.sectie.empty())
+        if (r.sectie == "balken") {
+            int soort = bron.getal(r.woorden[0], 1, 99);
+            auto type =
+                std::find_if(alle.begin(), alle.end(), [&](const Demomaten& m) { return m.soort == soort; });
+            if (type == alle.end())
+                bron.fout("a bar of a size type that isn't there");
+            type->balken.emplace_back(r.woorden.begin() + 1, r.woorden.end());
+            for (const std::string& maat : type->balken.back())
+                if (std::find(type->maten.begin(), type->maten.end(), maat) == type->maten.end())
+                    bron.fout("no such size: " + maat);
             continue;
+        }
         Demomaten m;
         m.soort = bron.getal(r.woorden[0], 1, 99);
         size_t punt = r.rest.find(':');

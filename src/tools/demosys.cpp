@@ -1,10 +1,12 @@
 // The fixed tables of the demo firm: DTSYS.TXT, DTFILGEG.TXT, ORDPARM.SYS and the season directories.
 #include "order/ordrec.h"
 #include "shared/files.h"
+#include "shared/iofil.h"
 #include "shared/iomaat.h"
 #include "shared/sysrec.h"
 #include "term/vast.h"
 #include "tools/demotekst.h"
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <sstream>
@@ -93,17 +95,14 @@ private:
     }
 };
 
-constexpr int FILREC = 612, FILNR = 599;
-
 void filialen(const std::vector<std::pair<int, std::string>>& lijst) {
-    std::vector<char> inhoud(FILREC * (lijst.size() + 1));
+    std::vector<filiaalrec> recs(lijst.size() + 1); // the head office first
     for (size_t i = 0; i < lijst.size(); i++) {
-        char* rec = inhoud.data() + FILREC * (i + 1);
-        scramble_in(rec, 30, lijst[i].second);
-        rec[FILNR] = static_cast<char>(lijst[i].first);
+        scramble_in(recs[i + 1].naam, sizeof recs[i + 1].naam, lijst[i].second);
+        recs[i + 1].nummer = static_cast<uint8_t>(lijst[i].first);
         demo_filialen.push_back(lijst[i].first);
     }
-    demobestand("DTFILGEG.TXT", inhoud.data(), inhoud.size());
+    demobestand("DTFILGEG.TXT", recs.data(), recs.size() * sizeof recs[0]);
 }
 
 } // namespace
@@ -162,8 +161,18 @@ void demo_systeem(const std::string& pad, const std::vector<Demomaten>& maten, b
     beeld.slot<sysfirma>(SYS_RECORD, 1)->filialen = static_cast<uint8_t>(fil.size());
     memcpy(beeld.slot<sysstatus>(SYS_RECORD, 10)->release, RELEASE, 5);
     beeld.slot<sysinstel>(SYS_RECORD, 15)->artikelcijfers = 5;
-    for (const Demomaten& m : maten)
+    int balknr = 0;
+    for (const Demomaten& m : maten) {
         VASTIN(beeld.slot<tekst20>(SYS_MAATSOORT, m.soort)->tekst, m.naam);
+        for (const auto& balk : m.balken) {
+            maatbalkrec* b = beeld.slot<maatbalkrec>(SYS_MAATBALK, ++balknr);
+            b->maatsoort = static_cast<uint8_t>(m.soort);
+            for (const std::string& maat : balk) // the size's number is its position
+                maat_aan(b->maten,
+                         static_cast<int>(std::find(m.maten.begin(), m.maten.end(), maat) - m.maten.begin()) +
+                             1);
+        }
+    }
     VASTIN(beeld.slot<tekst20>(SYS_MAATSTELSEL, 1)->tekst, "Nederlands");
     VASTIN(beeld.slot<tekst20>(SYS_MAATSTELSEL, 2)->tekst, "Internationaal");
     if (registermodus) {

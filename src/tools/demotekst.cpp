@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace zg {
 
@@ -14,8 +16,9 @@ void demofout(const std::string& wat) {
 }
 
 void demobestand(const std::string& pad, const void* inhoud, size_t bytes) {
-    FILE* f = fopen(pad.c_str(), "wbe");
-    if (!f || fwrite(inhoud, 1, bytes, f) != bytes || fclose(f) != 0)
+    int fd = open(pad.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    ssize_t n = fd < 0 ? -1 : write(fd, inhoud, bytes);
+    if (n < 0 || static_cast<size_t>(n) != bytes || close(fd) != 0)
         demofout(pad + ": " + strerror(errno));
 }
 

@@ -40,6 +40,7 @@ struct Demomaten {
     int soort;
     std::string naam;
     std::vector<std::string> maten;
+    std::vector<std::vector<std::string>> balken; // bars: some of the sizes, by name
 };
 
 void demo_systeem(const std::string& bron, const std::vector<Demomaten>& maten, bool registermodus);
