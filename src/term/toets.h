@@ -36,15 +36,15 @@ void TOETSCHECKUIT(int32_t key);
 
 // What a macro player must offer; null members until term/macro registers itself.
 struct MacroHaak {
-    int32_t aan;    // macros enabled
-    int32_t speelt; // one is playing
-    int32_t (*haal)();        // next key of the playing macro, -1 at its end
-    int (*over)();            // keys left?
+    int32_t aan;               // macros enabled
+    int32_t speelt;            // one is playing
+    int32_t (*haal)();         // next key of the playing macro, -1 at its end
+    int (*over)();             // keys left?
     void (*druk)(int32_t key); // push on the playing macro
-    void (*stop)();           // end it
-    int32_t (*dialoog)();     // F2: the key to go on with, -2 for none; guards the open field (term/veldwacht.h)
-    void (*bewaar)();         // before the terminal closes
-    void (*herstel)();        // after it has opened
+    void (*stop)();            // end it
+    int32_t (*dialoog)(); // F2: the key to go on with, -2 for none; guards the open field (term/veldwacht.h)
+    void (*bewaar)();     // before the terminal closes
+    void (*herstel)();    // after it has opened
 };
 extern MacroHaak MACROHAAK;
 
