@@ -9,6 +9,7 @@
 #include <cstring>
 #include <langinfo.h>
 #include <string>
+#include <strings.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
@@ -89,6 +90,21 @@ int open_variant(const Maat& m, const std::string& naam) {
     return SCHERM.termaantal++;
 }
 
+// LC_CTYPE from the environment, once. A UTF-8 locale that this machine doesn't have installed still means that
+// the terminal takes UTF-8.
+void neem_tekenset() {
+    if (!setlocale(LC_CTYPE, "")) {
+        const char* naam = "";
+        for (const char* variabele : {"LC_ALL", "LC_CTYPE", "LANG"})
+            if (const char* w = getenv(variabele); w && *w && !*naam)
+                naam = w;
+        const char* punt = strrchr(naam, '.');
+        if (punt && (strncasecmp(punt, ".utf-8", 6) == 0 || strncasecmp(punt, ".utf8", 5) == 0))
+            setlocale(LC_CTYPE, "C.UTF-8");
+    }
+    utf8 = strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+}
+
 [[noreturn]] void onbekend(const std::string& naam) {
     std::string leesbaar;
     for (char c : naam)
@@ -151,8 +167,7 @@ void TERMHERSTEL() {
 void SCRINIT() {
     SCHERM = Scherm{};
     SCHERM.huidig = SCHERM.termnu = -1;
-    setlocale(LC_CTYPE, "");
-    utf8 = strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+    neem_tekenset();
     TERMBEWAAR();
     SEINENAAN();
     SCHERM.instel = &INSTEL;

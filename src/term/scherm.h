@@ -148,18 +148,33 @@ void SCREXIT();
 extern void (*SCRFATALHAAK)();
 const char* SCRFATALTEKST(); // the report, for the hook
 
-// Change to terminal variant "", "-w" or "-l"; falls back to "" when that has no description.
+// Change to terminal variant "", "-w" or "-l"; falls back to "" when that has no description or the window is too
+// small for it (look at SCHERM.cols afterwards). The change opens a window: WINCLOSE goes back.
 void SCRTERM(const char* naam);
 
 // Windows. `soort` is the colour kind. A full stack (15) stops the program through SCRFATAL.
 void WINOPEN(int rij, int kolom, int hoogte, int breedte, int soort);
-inline void WINOPEN1(int r, int k, int h, int b) { WINOPEN(r, k, h, b, 1); }
-inline void WINOPEN2(int r, int k, int h, int b) { WINOPEN(r, k, h, b, 2); }
-inline void WINOPEN3(int r, int k, int h, int b) { WINOPEN(r, k, h, b, 3); }
-inline void WINOPEN4(int r, int k, int h, int b) { WINOPEN(r, k, h, b, 4); }
-inline void WINOPEN5(int r, int k, int h, int b) { WINOPEN(r, k, h, b, 5); }
-inline void WINOPEN6(int r, int k, int h, int b) { WINOPEN(r, k, h, b, 6); }
-inline void WINOPEN7(int r, int k, int h, int b) { WINOPEN(r, k, h, b, 7); }
+inline void WINOPEN1(int r, int k, int h, int b) {
+    WINOPEN(r, k, h, b, 1);
+}
+inline void WINOPEN2(int r, int k, int h, int b) {
+    WINOPEN(r, k, h, b, 2);
+}
+inline void WINOPEN3(int r, int k, int h, int b) {
+    WINOPEN(r, k, h, b, 3);
+}
+inline void WINOPEN4(int r, int k, int h, int b) {
+    WINOPEN(r, k, h, b, 4);
+}
+inline void WINOPEN5(int r, int k, int h, int b) {
+    WINOPEN(r, k, h, b, 5);
+}
+inline void WINOPEN6(int r, int k, int h, int b) {
+    WINOPEN(r, k, h, b, 6);
+}
+inline void WINOPEN7(int r, int k, int h, int b) {
+    WINOPEN(r, k, h, b, 7);
+}
 void WINCLOSE();
 // Border with a centred title; null: border only. Coordinates count from inside afterwards.
 void WINBOX(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
@@ -173,7 +188,7 @@ int WINHOOGTE();
 int WINBREEDTE();
 // Screen coordinates (1-based) of a place in the current window.
 void WINNAARSCHERM(int rij, int kolom, int* schermrij, int* schermkolom);
-VENSTERP WINNU();      // the current ncurses window
+VENSTERP WINNU();        // the current ncurses window
 void WINCURSOR(int aan); // show or hide the cursor
 
 // Text at a place; cut at the edge. Answers the number of characters written, 0 when the place is outside.
@@ -182,7 +197,7 @@ int SCRPUT(uint32_t attr, int rij, int kolom, const char* fmt, ...) __attribute_
 int SCRADD(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 // Text on the base window of the current variant, whatever lies on top.
 int SCRBASE(uint32_t attr, int rij, int kolom, const char* fmt, ...) __attribute__((format(printf, 4, 5)));
-// One line-drawing or symbol cell: the characters of A_ALTCHARSET.
+// `aantal` line-drawing cells, L_VERTICAAL downwards and the others to the right.
 enum Lijnteken : char { L_LINKS = ',', L_RECHTS = '+', L_HORIZONTAAL = 'q', L_VERTICAAL = 'x' };
 void SCRLIJN(uint32_t attr, int rij, int kolom, Lijnteken teken, int aantal);
 void SCRCLREOL(int rij, int kolom);

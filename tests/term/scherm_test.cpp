@@ -211,6 +211,15 @@ TEST(Scherm, AllBytesAreSafe) {
     }
 }
 
+TEST(Scherm, LocaleThatIsNotInstalled) {
+    Opties o;
+    o.locale = "xx_XX.utf8";
+    Terminal t(op_scherm([] { SCRPUT(A_WAARDE, 1, 1, "\x9B"); }), o);
+    t.kalm();
+    EXPECT_NE(t.uitvoer().find("ø"), std::string::npos);
+    EXPECT_EQ(t.uitvoer().find('\x9B'), std::string::npos);
+}
+
 // While a printer on the terminal's own port is open, nothing of the screen may go out.
 TEST(Scherm, LockedWhilePrinting) {
     Terminal t([] {
