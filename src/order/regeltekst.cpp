@@ -60,11 +60,11 @@ const char* regel_tekst(bool herhaald, const ors_ingang& ingang) {
                  naam && merk.merk ? VASTTEKST(merk.zoeknaam).c_str() : "",
                  naam ? VASTTEKST(g.model.model).c_str() : "", VASTTEKST(g.dessin.materiaal).c_str());
     }
-    if (registermodus && er) {
+    if (registermodus && er && REGELDIENSTEN.serie_laad) {
         regelgebied bewaard;
         regel_bewaar(&bewaard);
         regel_zet(g);
-        int serie = REGELDIENSTEN.serie_laad ? REGELDIENSTEN.serie_laad(false) : 0;
+        int serie = REGELDIENSTEN.serie_laad(false);
         regel_zet(bewaard);
         if (serie != 1) {
             snprintf(tekst, sizeof tekst, "%-*.*s", REGELBREEDTE, REGELBREEDTE,

@@ -1,0 +1,136 @@
+// The text dialog: how a text falls over its rows, where the cursor stands, and its keys in a real terminal.
+#include "order/dialog.h"
+#include "support/terminal.h"
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <cstring>
+#include <gtest/gtest.h>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+// Rows of five characters, four of them; "|" stands for a hard line end, "~" for a soft break.
+constexpr int RIJEN = 4, BREEDTE = 5;
+
+std::string leesbaar(std::string s) {
+    for (char& c : s)
+        c = c == 10 ? '|' : c == 13 ? '~' : c;
+    return s;
+}
+std::string echt(std::string s) {
+    for (char& c : s)
+        c = c == '|' ? 10 : c == '~' ? 13 : c;
+    return s;
+}
+
+} // namespace
+
+TEST(Dialoog, IndelingVanDeRijen) {
+    struct {
+        const char* tekst;
+        const char* verdeeld;
+        int begin[RIJEN + 1];
+    } gevallen[] = {
+        {"", "", {0, 0, 0, 0, 0}},
+        {"abc", "abc", {0, 3, 3, 3, 3}},
+        {"abcde", "abcde", {0, 5, 5, 5, 5}},     // a full row that ends the text has no break
+        {"abcdef", "abcde~f", {0, 6, 7, 7, 7}},  // at the column, not between words
+        {"abcde|f", "abcde|f", {0, 6, 7, 7, 7}}, // the line end still belongs to the full row
+        {"a|b||c", "a|b||c", {0, 2, 4, 5, 6}},
+        {"a~b~c", "abc", {0, 3, 3, 3, 3}}, // breaks of an earlier division go
+        {"abcdefghijklmnopqrst", "abcde~fghij~klmno~pqrst", {0, 6, 12, 18, 23}},
+        {"a|b|c|d|e", "a|b|c|d|e", {0, 2, 4, 6, 8}}, // behind the last row: not on the screen
+        {"|||||", "|||||", {0, 1, 2, 3, 4}},
+    };
+    for (auto& g : gevallen) {
+        SCOPED_TRACE(g.tekst);
+        char tekst[RIJEN * (BREEDTE + 1) + 8] = {};
+        strcpy(tekst, echt(g.tekst).c_str());
+        int begin[RIJEN + 1];
+        tekst_indeling(tekst, RIJEN, BREEDTE, begin);
+        EXPECT_EQ(leesbaar(tekst), g.verdeeld);
+        for (int r = 0; r <= RIJEN; r++)
+            EXPECT_EQ(begin[r], g.begin[r]) << "row " << r;
+    }
+}
+
+TEST(Dialoog, RijVanDeCursor) {
+    struct {
+        const char* tekst;
+        int cursor, rij;
+    } gevallen[] = {
+        {"", 0, 0},       {"abc", 3, 0},      {"abcde", 5, 0}, // end of a full row: stays on it
+        {"abcdef", 5, 0}, {"abcdef", 6, 1},   {"abcdef", 7, 1}, {"abc|", 4, 1}, // below a line end
+        {"abc|", 3, 0},   {"a|b|c|d|", 8, 3},                                   // no row below the last
+    };
+    for (auto& g : gevallen) {
+        char tekst[RIJEN * (BREEDTE + 1) + 8] = {};
+        strcpy(tekst, echt(g.tekst).c_str());
+        int begin[RIJEN + 1];
+        tekst_indeling(tekst, RIJEN, BREEDTE, begin);
+        EXPECT_EQ(tekst_rij(tekst, RIJEN, begin, g.cursor), g.rij) << g.tekst << " at " << g.cursor;
+    }
+}
+
+namespace {
+
+struct Tikken {
+    const char *wat, *begin, *toetsen, *na;
+    int bellen = 0;
+};
+
+const Tikken TIKKEN[] = {
+    {"typed over a full row", "", "abcdefg<Esc>", "abcdefg"},
+    {"overwrites", "abc", "XY<Esc>", "XYc"},
+    {"inserts", "abc", "<Ins>XY<Esc>", "XYabc"},
+    {"ENTER always inserts", "abc", "<Right><Enter><Esc>", "a|bc"},
+    {"backspace joins lines", "ab|cd", "<Down><Home><Back><Esc>", "abcd"},
+    {"backspace at a soft break first steps onto it", "abcdefg", "<Down><Home><Back><Back>X<Esc>", "abcdXfg"},
+    {"delete a line end", "ab|cd", "<End><Del><Esc>", "abcd"},
+    {"delete behind the end does nothing", "ab", "<End><Del><Esc>", "ab"},
+    {"end, then left over the row's start", "ab|cd", "<Down><Home><Left>X<Esc>", "abX|cd"},
+    {"wanted column over a short row", "abcd|e|fghi", "<Right><Right><Right><Down><Down>X<Esc>",
+     "abcd|e|fghX"},
+    {"nothing above the first or below the last", "ab|cd", "<Up><Down><Down><Down>X<Esc>", "ab|Xd"},
+    {"full text takes no more", "abcdefghijklmnopqrst", "<End><Down><End><Down><End><Down><End>Z<Ins>Z<Esc>",
+     "abcdefghijklmnopqrst", 2},
+    {"insert in a full text is refused too", "abcdefghijklmnopqrst", "<Ins>Z<Esc>", "abcdefghijklmnopqrst",
+     1},
+    {"insert pushes lines off the end", "a|b|c|d", "<Ins><Enter><Esc>", "|a|b|c|"},
+    {"a key that means nothing", "ab", "<F9>X<Esc>", "Xb", 1},
+    {"F6 keeps the edit", "ab", "X<F6>", "Xb"},
+    {"accented letters are one byte", "", "\xC3\xA9t\xC3\xA9<F3>", "\x82t\x82"},
+};
+
+} // namespace
+
+TEST(Dialoog, Toetsen) {
+    for (const Tikken& g : TIKKEN) {
+        SCOPED_TRACE(g.wat);
+        TijdelijkeMap map(false);
+        std::string uit = map.pad() + "/uit";
+        Terminal t([&] {
+            char tekst[RIJEN * (BREEDTE + 1) + 1] = {};
+            strcpy(tekst, echt(g.begin).c_str());
+            SCRINIT();
+            tekst_dialoog(3, 5, RIJEN, BREEDTE, tekst);
+            SCREXIT();
+            schrijf_bestand(uit, std::string(tekst, sizeof tekst));
+            return 0;
+        });
+        ASSERT_TRUE(t.kalm());
+        std::string toetsen = g.toetsen;
+        size_t laatste = toetsen.rfind('<');
+        t.toetsen(toetsen.substr(0, laatste));
+        int bellen = t.bellen();
+        t.reeks(toetsen.substr(laatste));
+        ASSERT_EQ(t.einde(), 0) << t.scherm();
+        EXPECT_EQ(bellen, g.bellen);
+        std::string na = lees_bestand(uit);
+        EXPECT_EQ(leesbaar(na.c_str()), g.na);
+        EXPECT_EQ(na.find_first_not_of('\0', strlen(na.c_str())), std::string::npos)
+            << "zeros behind the text";
+    }
+}
