@@ -178,6 +178,8 @@ TEST(Order, NieuweOrderZonderRegels) {
         Programma p(map);
         p.leverancier();
         EXPECT_EQ(p.t.cursor_kolom(), 74) << "no orders, no list\n" << p.t.scherm();
+        p.t.toetsen("<F5>");
+        EXPECT_TRUE(p.t.wacht_op(25, 1, "Geen orders van deze leverancier")) << p.t.scherm();
         p.t.toetsen("150316<Enter>");
         EXPECT_TRUE(p.t.wacht("ORDER")) << p.t.scherm();
         EXPECT_EQ(p.t.cursor_rij(), 9);

@@ -87,7 +87,7 @@ const Tikken TIKKEN[] = {
     {"inserts", "abc", "<Ins>XY<Esc>", "XYabc"},
     {"ENTER always inserts", "abc", "<Right><Enter><Esc>", "a|bc"},
     {"backspace joins lines", "ab|cd", "<Down><Home><Back><Esc>", "abcd"},
-    {"backspace at a soft break first steps onto it", "abcdefg", "<Down><Home><Back><Back>X<Esc>", "abcdXfg"},
+    {"backspace at a soft break first steps onto it", "abcdefg", "<Down><Home><Back><Back>X<Esc>", "abcdXg"},
     {"delete a line end", "ab|cd", "<End><Del><Esc>", "abcd"},
     {"delete behind the end does nothing", "ab", "<End><Del><Esc>", "ab"},
     {"end, then left over the row's start", "ab|cd", "<Down><Home><Left>X<Esc>", "abX|cd"},

@@ -1,0 +1,165 @@
+// What happens around an order: processing at work, a full disk, a damaged journal, a terminal that goes away, the
+// full registration's files, EDI orders.
+#include "e2e/loop.h"
+#include "shared/sysrec.h"
+#include "term/vast.h"
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+using namespace zg::test;
+
+namespace {
+
+// A lock held on bytes of a file, as another process would.
+struct Slot {
+    int fd;
+    Slot(const std::string& naam, off_t start, off_t n) : fd(open(naam.c_str(), O_RDWR | O_CLOEXEC)) {
+        struct flock l {};
+        l.l_type = F_WRLCK;
+        l.l_whence = SEEK_SET;
+        l.l_start = start;
+        l.l_len = n;
+        EXPECT_EQ(fcntl(fd, F_SETLK, &l), 0);
+    }
+    ~Slot() { close(fd); }
+};
+
+zg::ordkop kop_in(const std::string& jrn) {
+    zg::ordkop k{};
+    if (jrn.size() > sizeof k)
+        memcpy(&k, jrn.data() + 1, sizeof k);
+    return k;
+}
+
+} // namespace
+
+TEST(Omstandigheid, VerwerkingActief) {
+    Datamap map;
+    auto argv = map.overgave();
+    Slot batch(map.bestand("DTSYS.TXT"), zg::SYS_BATCHSLOTEN + 5 * 99, 99);
+    Terminal t(argv, map.opties());
+    EXPECT_TRUE(t.wacht("Verwerking is actief", 10000)) << t.scherm();
+    t.stuur("x");
+    EXPECT_TRUE(t.wacht("Wilt u wachten", 10000)) << t.scherm();
+    t.kalm();
+    t.reeks("N<Enter>");
+    EXPECT_EQ(t.einde(10000), 0) << t.scherm();
+    EXPECT_NE(t.uitvoer().find("menu: zgbsmenu"), std::string::npos);
+}
+
+// The journal can't be written: told, the old one stands, and the change is there when there is room again.
+TEST(Omstandigheid, SchijfVolBijHetVastleggen) {
+    Datamap map;
+    std::string achter;
+    for (int i = 0; i < 60; i++)
+        achter += maak_order(maak_kop("Vulling", static_cast<uint16_t>(WERKDATUM - 10 - i)), {Regel{}});
+    std::string voor = maak_order(maak_kop("Mijn"), {{5, "A", "D1"}, {5, "B", "D2"}}) + achter;
+    map.journaal(voor);
+    auto argv = map.overgave();
+    std::string opdracht = "ulimit -f 16; exec";
+    for (const std::string& a : argv)
+        opdracht += " '" + a + "'";
+    {
+        Terminal t({"/bin/sh", "-c", opdracht}, map.opties());
+        ASSERT_TRUE(t.wacht("2016Z"));
+        t.toetsen("<Enter><Enter>12<Enter><Enter>VJ<Enter><Esc>");
+        EXPECT_TRUE(t.wacht("kan niet worden geschreven")) << t.scherm();
+        EXPECT_EQ(map.journaal(), voor);
+        t.toetsen("<Enter>");
+        t.reeks("<Esc>");
+        EXPECT_EQ(t.einde(), 0) << t.scherm();
+    }
+    EXPECT_EQ(map.journaal(), voor);
+    EXPECT_TRUE(map.bestaat("2016Z/ORD0012.WRK"));
+    Programma p(map);
+    p.leverancier();
+    EXPECT_TRUE(p.t.wacht("worden automatisch hersteld...")) << p.t.scherm();
+    p.t.toetsen("<Enter><Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(map.journaal(), maak_order(maak_kop("Mijn"), {{5, "B", "D2"}}) + achter);
+    EXPECT_EQ(map.restjes(), "");
+}
+
+TEST(Omstandigheid, JournaalAfgekapt) {
+    Datamap map;
+    std::string inhoud = maak_order(maak_kop("Kort"), {Regel{}});
+    inhoud.pop_back();
+    map.journaal(inhoud);
+    Programma p(map);
+    p.leverancier();
+    char melding[80];
+    snprintf(melding, sizeof melding, "Order 2016Z-ORD0012.JRN inconsistent, pos. %zu (F)",
+             inhoud.size() - 8);
+    EXPECT_TRUE(p.t.wacht(melding)) << p.t.scherm();
+    p.t.reeks("<Enter>");
+    EXPECT_EQ(p.t.einde(), 1);
+    EXPECT_EQ(map.journaal(), inhoud);
+}
+
+// The line drops while a line has been deleted: the program ends, and what was done is there for the repair.
+TEST(Omstandigheid, VerbindingWeg) {
+    Datamap map;
+    std::string inhoud = maak_order(maak_kop("Lijn"), {{5, "A", "D1"}, {5, "B", "D2"}});
+    map.journaal(inhoud);
+    {
+        Programma p(map);
+        p.eerste_order();
+        p.t.toetsen("VJ<Enter>");
+        p.t.hangop();
+        EXPECT_EQ(p.t.einde(2000), 1);
+    }
+    EXPECT_EQ(map.journaal(), inhoud);
+    Programma p(map);
+    p.leverancier();
+    EXPECT_TRUE(p.t.wacht("worden automatisch hersteld...")) << p.t.scherm();
+    p.t.toetsen("<Enter><Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(map.journaal(), maak_order(maak_kop("Lijn"), {{5, "B", "D2"}}));
+}
+
+// Receiving location and supplier's order number of an EDI order.
+TEST(Omstandigheid, EdiOrder) {
+    Datamap map;
+    map.sys(32, std::string("\x04\0", 2));
+    zg::ordkop kop = maak_kop("Edi");
+    kop.edi_soort = 2;
+    kop.ontvangstlocatie = 2;
+    zg::VASTIN(kop.lev_ordernr, "SO-4711");
+    map.journaal(maak_order(kop, {Regel{}}));
+    Programma p(map);
+    p.eerste_order();
+    EXPECT_EQ(p.t.stuk(1, 54, 6), "ADMORD") << p.t.scherm();
+    p.t.toetsen("WO");
+    EXPECT_TRUE(p.t.wacht_op(7, 42, "Filiaal 2 Filiaal 2")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht_op(8, 42, "SO-4711"));
+    p.t.toetsen("N1");
+    EXPECT_TRUE(p.t.wacht_op(7, 42, "Magazijn")) << p.t.scherm();
+    p.t.toetsen("N29<Enter>");
+    EXPECT_EQ(p.t.cursor_rij(), 7) << "no branch 9\n" << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    EXPECT_TRUE(p.t.wacht_op(7, 42, "Magazijn")) << p.t.scherm();
+    p.t.toetsen("N23<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(7, 42, "Filiaal 3 Filiaal 3")) << p.t.scherm();
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(kop_in(map.journaal()).ontvangstlocatie, 3);
+}
+
+// With the full registration's files there: lines show, and nothing that labels depend on can be changed.
+TEST(Omstandigheid, Registermodus) {
+    Datamap map;
+    schrijf_bestand(map.bestand("DTSER.INX"), "");
+    std::string inhoud = maak_order(maak_kop("Vol"), {{5, "A", "D1"}, {5, "B", "D2"}});
+    map.journaal(inhoud);
+    Programma p(map);
+    p.eerste_order();
+    EXPECT_EQ(p.t.stuk(8, 36, 3), "D1 ") << p.t.scherm();
+    p.t.toetsen("VJ<Enter>");
+    EXPECT_TRUE(p.t.wacht("Geen informatie")) << p.t.scherm();
+    p.t.toetsen("<Enter><Esc>");
+    p.uit();
+    zg::ordkop kop = maak_kop("Vol");
+    kop.status = 4;
+    EXPECT_EQ(map.journaal(), maak_order(kop, {{5, "A", "D1"}, {5, "B", "D2"}}));
+}
