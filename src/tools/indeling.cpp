@@ -116,7 +116,7 @@ std::string datum_uit(uint16_t nr) {
 
 bool datum_in(const std::string& tekst, uint16_t* nr) {
     int jaar, maand, dag;
-    char rest, t[16];
+    char rest, t[40];
     if (sscanf(tekst.c_str(), "#%hu%c", nr, &rest) == 1)
         return datum_uit(*nr) == tekst;
     if (sscanf(tekst.c_str(), "%4d-%2d-%2d%c", &jaar, &maand, &dag, &rest) != 3 || jaar < 1900 || maand < 1 ||
