@@ -15,7 +15,7 @@ volatile int MAATSEIN;
 namespace {
 
 volatile sig_atomic_t einde, bezig;
-constexpr int RESPIJT_US = 700000;
+constexpr int RESPIJT_US = 500000;
 
 void op_toets(int sein) {
     SCHERM.signaaltoets = sein == SIGINT ? K_DC : K_EXIT;
