@@ -1,0 +1,67 @@
+// Help for the tests of the store: pairs by definition text, a stop that is caught instead of ending the test, and
+// agents: second processes that do what they are told on a pipe and answer.
+#pragma once
+#include "store/ix.h"
+#include "support/terminal.h"
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace zg::test {
+
+struct Tabel {
+    int reclen;
+    std::vector<std::string> sleutels;
+};
+// New, empty pair; closed again.
+void maak_paar(const std::string& naam, const Tabel& tabel);
+ICB* maak_open(const std::string& naam, const Tabel& tabel, int mode);
+
+// Empty when the pair is sound by IXCHECK and by the deep check, else what is wrong.
+std::string gezondheid(const std::string& naam);
+#define EXPECT_GEZOND(naam) EXPECT_EQ("", ::zg::test::gezondheid(naam))
+
+// The report that a stop would have shown; "" when the work came to its end.
+std::string stopt(const std::function<void()>& werk);
+
+// While it lives a refused lock counts, and waits 1 ms.
+struct KorteWacht {
+    KorteWacht();
+    ~KorteWacht();
+    static int teller;
+};
+
+// A second process. `doe` runs in it for each command and answers; geen_antwoord is given when it doesn't answer
+// within a quarter of a second, which means that it waits for a lock, and ook_dan waits for that answer.
+class Agent {
+public:
+    explicit Agent(std::function<std::string(const std::string&)> doe);
+    ~Agent();
+    Agent(const Agent&) = delete;
+    Agent& operator=(const Agent&) = delete;
+    std::string vraag(const std::string& opdracht);
+    std::string antwoord(int ms = 10'000);
+    void dood(); // SIGKILL, and gone
+    static constexpr const char* geen_antwoord = "...";
+
+private:
+    pid_t pid_;
+    int heen_, terug_;
+};
+
+// Child process that runs `werk`: exit status, or 128 + signal.
+int in_kind(const std::function<void()>& werk);
+
+// A random number source with a seed that failure texts can name.
+struct Toeval {
+    uint64_t staat;
+    explicit Toeval(uint64_t zaad) : staat(zaad * 2862933555777941757ULL + 3037000493ULL) {}
+    uint32_t operator()(uint32_t onder) {
+        staat = staat * 6364136223846793005ULL + 1442695040888963407ULL;
+        return static_cast<uint32_t>((staat >> 33) % onder);
+    }
+};
+
+} // namespace zg::test
