@@ -1,0 +1,224 @@
+// Keys: definition texts, key bytes, order.
+#include "store/hulp.h"
+#include "store/model.h"
+#include <cstring>
+
+namespace zg::test {
+namespace {
+
+using std::string;
+using namespace std::string_literals;
+
+struct Losse { // a handle with definitions, no more
+    TijdelijkeMap map;
+    ICB* icb;
+    explicit Losse(const Tabel& t) : icb(maak_open("T", t, 2)) {}
+    ~Losse() { IXCLOSE(icb); }
+};
+
+TEST(Sleutel, Definities) {
+    struct {
+        int nummer;
+        const char* tekst;
+        int keylen, maxent;
+        char dup;
+        string naam, delen; // parts as type, first, last
+    } gevallen[] = {
+        {1, "key1,NODUPS,C,5,14,I,1,4", 14, 28, 'N', "key1", "C5-14 I1-4"},
+        {1, "code-cap,I,1,2,I,3,3,I,4,4", 4, 63, 'N', "code-cap",
+         "I1-2 I3-3 I4-4"}, // key 1 never has duplicates
+        {2, "name,C,5,16", 16, 25, 'J', "name", "C5-16"},
+        {2, "cd-name,I,1,2,C,45,64", 26, 16, 'J', "cd-name", "I1-2 C45-64"},
+        {2, "  spaced , NODUPS , I , 5 , 6 ", 2, 84, 'N', "spaced", "I5-6"},
+        {2, "I,5,6,I,4,4,longer than eight,NODUPS", 3, 72, 'N', "longer t", "I5-6 I4-4"},
+        {2, "nodups,I,1,1", 5, 56, 'J', "nodups", "I1-1"},
+        {2, "NODUPS,C,1,60", 60, 7, 'N', "", "C1-60"},
+        {2, "C,1,56", 60, 7, 'J', "", "C1-56"},
+        // The eleventh part has no room; what follows it still counts.
+        {2, "k,I,1,1,I,2,2,I,3,3,I,4,4,I,5,5,I,6,6,I,7,7,I,8,8,I,9,9,I,10,10,I,11,11,NODUPS", 10, 36, 'N',
+         "k", "I1-1 I2-2 I3-3 I4-4 I5-5 I6-6 I7-7 I8-8 I9-9 I10-10"},
+    };
+    for (auto& g : gevallen) {
+        Losse l({80, {"k,I,1,1"}});
+        IXUPDFCB(l.icb, g.nummer, g.tekst);
+        const IXKEYDEF& d = l.icb->h.keydef[g.nummer - 1];
+        string delen;
+        for (int i = 0; i < IXDELEN && d.ptype[i]; i++)
+            delen += (i ? " " : "") + string(1, d.ptype[i]) + std::to_string(d.pstart[i]) + "-" +
+                     std::to_string(d.pend[i]);
+        EXPECT_EQ(g.keylen, d.keylen) << g.tekst;
+        EXPECT_EQ(g.maxent, d.maxent) << g.tekst;
+        EXPECT_EQ(g.dup, d.dupflag) << g.tekst;
+        EXPECT_EQ(g.naam, string(d.keyname, strnlen(d.keyname, 8)) == "k"
+                              ? "k"
+                              : string(d.keyname, strnlen(d.keyname, 8)))
+            << g.tekst;
+        EXPECT_EQ(g.delen, delen) << g.tekst;
+        EXPECT_EQ(g.nummer, IXSLEUTEL(l.icb));
+        EXPECT_EQ(g.nummer, l.icb->h.nkeys);
+        l.icb->h.nkeys = 1; // the pair itself has one
+    }
+}
+
+TEST(Sleutel, TitelEnLengte) {
+    Losse l({80, {"k,I,1,1"}});
+    IXUPDFCB(l.icb, 0, "TR_PTR_general_longer_than_19,16");
+    EXPECT_EQ("TR_PTR_general_long", string(l.icb->h.title, 19));
+    EXPECT_EQ(16, l.icb->h.reclen);
+    IXUPDFCB(l.icb, 0, ",0"); // empty and 0 change nothing
+    EXPECT_EQ("TR_PTR_general_long", string(l.icb->h.title, 19));
+    EXPECT_EQ(16, l.icb->h.reclen);
+    IXUPDFCB(l.icb, 0, "x,80");
+}
+
+TEST(Sleutel, GeweigerdeDefinities) {
+    struct {
+        int nummer;
+        const char* tekst;
+    } gevallen[] = {
+        {1, "k,C,1,61"},                    // passes 60 bytes
+        {2, "k,C,1,57"},                    // with the record number
+        {2, "k,C,1,40,C,1,40"},             // in two parts
+        {2, "k,NODUPS"},                    // no part
+        {2, "k,C,0,5"},         {2, "k,C"}, // before the record
+        {2, "k,C,9,8"},         {2, "k,C,1,256"}, {6, "k,C,1,2"}, {0, "t,513"},
+    };
+    Losse l({512, {"k,I,1,1"}});
+    for (auto& g : gevallen)
+        EXPECT_NE("", stopt([&] { IXUPDFCB(l.icb, g.nummer, g.tekst); })) << g.tekst;
+    // A part behind the record is seen when the index is made.
+    EXPECT_NE("", stopt([&] {
+                  ICB* icb = IXCREATE("U", 1);
+                  IXUPDFCB(icb, 0, "t,8");
+                  IXUPDFCB(icb, 1, "k,C,5,9");
+                  IXINIT(icb);
+              }));
+}
+
+TEST(Sleutel, Bytes) {
+    // 0: i32 -2, 4: text "Ab" NUL then rubbish, 9: u16 0x1234, 11: a 3-byte "integer"
+    const string rec = "\xFE\xFF\xFF\xFF"
+                       "Ab\0xy"
+                       "\x34\x12"
+                       "\x01\x02\x03"s;
+    struct {
+        const char* tekst;
+        int lengte; // 0: full
+        string bytes;
+    } gevallen[] = {
+        {"NODUPS,I,1,4", 0, "\xFF\xFF\xFF\xFE"},
+        {"NODUPS,C,5,9", 0, "Ab\0\0\0"s},
+        {"NODUPS,I,10,11,I,10,10", 0, "\x12\x34\x34"},
+        {"NODUPS,I,12,14", 0, "\0\0\0"s},                       // no integer is 3 bytes wide
+        {"NODUPS,I,11,11,I,1,2,C,5,6", 1, "\x12\0\0\0\0"s},     // a prefix, padded
+        {"NODUPS,I,11,11,I,1,2,C,5,6", 2, "\x12\xFF\xFE\0\0"s}, // a part begun is put in whole
+        {"I,11,11", 0, "\x12\0\x01\x02\x03"s},                  // record number 0x010203
+        {"I,11,11", 1, "\x12\0\0\0\0"s},                        // a prefix has none
+    };
+    for (auto& g : gevallen) {
+        Losse l({14, {"k,I,1,1", g.tekst}});
+        IXSWITCH(l.icb, 2);
+        l.icb->currec = 0x010203;
+        const int vol = IXKEYLEN(l.icb, 0);
+        IXBLDKEY(l.icb, rec.data(), g.lengte ? g.lengte : vol);
+        EXPECT_EQ(g.bytes, string(reinterpret_cast<char*>(l.icb->keybuf), static_cast<size_t>(vol)))
+            << g.tekst;
+    }
+    Losse l({14, {"k,I,1,1", "I,1,4,C,5,9"}});
+    IXSWITCH(l.icb, 2);
+    EXPECT_EQ(4, IXKEYLEN(l.icb, 1));
+    EXPECT_EQ(9, IXKEYLEN(l.icb, 2));
+    EXPECT_EQ(9, IXKEYLEN(l.icb, 7));
+    EXPECT_EQ(13, IXKEYLEN(l.icb, 0)); // with the record number
+    // Back into a record: the parts, NULs included, and nothing else.
+    IXBLDKEY(l.icb, rec.data(), 13);
+    l.icb->curent = l.icb->keybuf;
+    string terug(14, '#');
+    IXKEYTOREC(l.icb, terug.data());
+    EXPECT_EQ("\xFE\xFF\xFF\xFF"
+              "Ab\0\0\0#####"s,
+              terug);
+    IXRDIX(l.icb, 2);
+}
+
+TEST(Sleutel, Vergelijken) {
+    Losse l({14, {"k,I,1,1", "I,1,2", "C,1,4", "NODUPS,C,1,4,I,5,6"}});
+    struct {
+        int sleutel;
+        string a, b;
+        int lengte, teken;
+    } gevallen[] = {
+        {2, "\x7F\xFF\0\0\0\0"s, "\xFF\xFF\0\0\0\0"s, 6, -1}, // -1 sorts behind 32767
+        {2, "\0\1\0\0\0\5"s, "\0\1\0\0\0\4"s, 6, 1},          // the record number decides
+        {2, "\0\1\0\0\0\5"s, "\0\1\0\0\0\4"s, 2, 0},
+        {3, "abc\0\0\0\0\5"s, "ABC\0\0\0\0\5"s, 8, 0},
+        {3, "abc\0\0\0\0\4"s, "ABC\0\0\0\0\5"s, 8, -1},
+        {4, "abc\0\0\2"s, "ABC\0\0\1"s, 6, 1},
+        {4, "abc\0\0\2"s, "ABC\0\0\1"s, 4, 0},
+        {4, "abcd\0\2"s, "ABCC\0\1"s, 2, 1}, // a part that is begun is compared whole
+    };
+    for (auto& g : gevallen) {
+        IXSWITCH(l.icb, g.sleutel);
+        int uit = IXCOMP(l.icb, g.a.data(), g.b.data(), g.lengte);
+        EXPECT_EQ(g.teken, (uit > 0) - (uit < 0))
+            << testing::PrintToString(g.a) << testing::PrintToString(g.b);
+    }
+}
+
+TEST(Collatie, Voorbeelden) {
+    struct {
+        string a, b;
+        int teken;
+    } gevallen[] = {
+        {"Abc", "ABC", 0},
+        {"M\x81LLER", "MULLER", 1},  // an accent comes behind the plain letter
+        {"M\x81LLER", "MULLES", -1}, // and only when all else is the same
+        {"m\x81ller", "M\x9ALLER", 0},
+        {"\x84", "\x85", -1},    // marks by their code: " before '
+        {"M\x92\0"s, "MAE", -1}, // two letters for one, less on the second level
+        {"\xE1", "S", 1},
+        {"a\x07\0"s, "a\0\0"s, 1}, // control characters count last
+        {"a\x07z", "az\0"s, 1},
+        {"\x07", "\x08", -1},
+        {"a\0b"s, "ab\0"s, -1}, // a NUL is a character, it does not end the text
+        {"[", "a", 1},
+        {"{", "A", 1}, // [ and { stand behind the letters, a counts as A
+        {"\xFF\xFF", "zz", 1},
+        {"\xFF", "\xFE", 1},
+        {"\xFF", "\xFF", 0},
+    };
+    for (auto& g : gevallen) {
+        int n = static_cast<int>(g.a.size()), uit = IXCOLLATE(g.a.data(), g.b.data(), n);
+        EXPECT_EQ(g.teken, (uit > 0) - (uit < 0))
+            << testing::PrintToString(g.a) << testing::PrintToString(g.b);
+        int om = IXCOLLATE(g.b.data(), g.a.data(), n);
+        EXPECT_EQ(-g.teken, (om > 0) - (om < 0))
+            << testing::PrintToString(g.b) << testing::PrintToString(g.a);
+    }
+}
+
+TEST(Collatie, AlleBytesEnWillekeurigeTeksten) {
+    auto gelijk = [](const uint8_t* a, const uint8_t* b, int n) {
+        int uit = IXCOLLATE(a, b, n), zo = model_collate(a, b, n);
+        return (uit > 0) == (zo > 0) && (uit < 0) == (zo < 0);
+    };
+    for (int i = 0; i < 0x10000; i++) {
+        uint8_t a[1] = {static_cast<uint8_t>(i)}, b[1] = {static_cast<uint8_t>(i >> 8)};
+        ASSERT_TRUE(gelijk(a, b, 1)) << i;
+    }
+    Toeval t(3);
+    static const uint8_t lastig[] = {0,   0,    1,    0x1F, 0x7F, 'A',  'a',  'E', 'e',
+                                     'S', 0x91, 0x92, 0xE1, 0x81, 0x85, 0x8A, 0xFF};
+    for (int i = 0; i < 100'000; i++) {
+        uint8_t a[6], b[6];
+        int n = 1 + static_cast<int>(t(6));
+        for (int j = 0; j < n; j++) {
+            a[j] = lastig[t(sizeof lastig)];
+            b[j] = t(3) ? a[j] : lastig[t(sizeof lastig)];
+        }
+        ASSERT_TRUE(gelijk(a, b, n)) << i;
+    }
+}
+
+} // namespace
+} // namespace zg::test
