@@ -217,6 +217,7 @@ int IXREADL(ICB* icb, void* rec) {
         return IXREAD(icb, rec);
     const IXKEYDEF& def = IXDEF(icb);
     uint8_t gezocht[IXSLEUTELMAX + 4], gevonden[IXSLEUTELMAX + 4], inhoud[IXRECMAX];
+    memset(icb->keybuf, 0, sizeof icb->keybuf); // a reservation looks at as many bytes as key 1 has
     IXBLDKEY(icb, rec, def.keylen);
     memcpy(gezocht, icb->keybuf, sizeof gezocht);
     const int32_t nummer_vooraf = icb->currec;
@@ -247,8 +248,10 @@ int IXREADL(ICB* icb, void* rec) {
 
 void IXUNLOCK(ICB* icb, const void* rec) {
     IXEIS(icb, "IXUNLOCK");
-    if (icb->mode != 0)
-        IXLOCK(icb, IXEXISTS(icb, rec) ? 13 : 14);
+    if (icb->mode == 0)
+        return;
+    memset(icb->keybuf, 0, sizeof icb->keybuf);
+    IXLOCK(icb, IXEXISTS(icb, rec) ? 13 : 14);
 }
 
 int IXEXISTS(ICB* icb, const void* rec) {

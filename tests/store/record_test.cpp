@@ -1,0 +1,291 @@
+// Record operations: reading, writing, deleting, the chain of free slots, and what happens when the caller's record
+// is no longer what it was.
+#include "store/hulp.h"
+#include "store/node.h"
+#include "store/syscall.h"
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
+namespace zg::test {
+namespace {
+
+#pragma pack(push, 1)
+struct Rec {
+    int32_t nr;
+    char naam[12];
+    int32_t waarde;
+};
+#pragma pack(pop)
+
+const Tabel tabel{20, {"k,I,1,4", "n,C,5,16", "w,NODUPS,I,17,20"}};
+
+Rec rec(int nr, const char* naam = "", int waarde = 0) {
+    Rec r{};
+    r.nr = nr;
+    snprintf(r.naam, sizeof r.naam, "%s", naam);
+    r.waarde = waarde;
+    return r;
+}
+
+struct Record : testing::TestWithParam<int> {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, GetParam());
+    ~Record() override {
+        IXCLOSE(icb);
+        EXPECT_GEZOND("T");
+    }
+    int32_t zet(int nr, const char* naam = "", int waarde = 0) {
+        Rec r = rec(nr, naam, waarde ? waarde : nr);
+        EXPECT_EQ(1, IXWRITE(icb, &r));
+        return icb->currec;
+    }
+    void weg(int nr) {
+        Rec r = rec(nr);
+        EXPECT_EQ(1, IXREADL(icb, &r));
+        EXPECT_EQ(0, IXDELETE(icb, &r));
+        EXPECT_EQ(nr, r.nr) << "the caller's record stays as it was";
+    }
+};
+
+TEST_P(Record, VrijeKeten) {
+    for (int i = 0; i < 5; i++)
+        EXPECT_EQ(i, zet(100 + i, "a"));
+    weg(101);
+    weg(103);
+    EXPECT_EQ(3, icb->h.freehead);
+    Rec r{};
+    EXPECT_EQ(0, IXGET(icb, &r, 1));
+    EXPECT_EQ(std::string("\xFF\xFF\xFF\xFF\xFF") + std::string(15, '\xFF'),
+              std::string(reinterpret_cast<char*>(&r), 20));
+    EXPECT_EQ(0, IXGET(icb, &r, 3));
+    EXPECT_EQ(1, LEES32(reinterpret_cast<char*>(&r) + 1)) << "the slot freed before";
+    EXPECT_EQ(-1, IXGET(icb, &r, 5));
+    EXPECT_EQ(-1, IXGET(icb, &r, -1));
+    EXPECT_EQ(1, IXGET(icb, &r, 4));
+    EXPECT_EQ(3, zet(200)); // last in, first out
+    EXPECT_EQ(1, zet(201));
+    EXPECT_EQ(5, zet(202));
+    EXPECT_EQ(-1, icb->h.freehead);
+}
+
+TEST_P(Record, SchrijvenKiestZelf) {
+    zet(1, "Jansen", 10);
+    zet(2, "Pietersen", 20);
+    EXPECT_EQ(0, zet(1, "Willems", 10)); // key 1 exists: the same record
+    Rec r = rec(1);
+    EXPECT_EQ(1, IXREAD(icb, &r));
+    EXPECT_STREQ("Willems", r.naam);
+    IXSWITCH(icb, 2);
+    r = rec(0, "jansen");
+    EXPECT_EQ(0, IXEXISTSP(icb, &r, 1)) << "the old value has left its tree";
+    r = rec(0, "WILLEMS");
+    EXPECT_EQ(1, IXEXISTSP(icb, &r, 1));
+    r = rec(3, "Derde", 30);
+    EXPECT_EQ(1, IXWRITE(icb, &r));
+    EXPECT_EQ(2, IXSLEUTEL(icb)) << "the current key is the one it was";
+    IXSWITCH(icb, 1);
+    EXPECT_EQ(2, zet(3, "DERDE", 30)) << "a change of case alone moves no key";
+    EXPECT_EQ(3, icb->h.nrecs);
+    r = rec(4);
+    EXPECT_EQ(0, IXREAD(icb, &r));
+    EXPECT_EQ(-1, icb->currec);
+    EXPECT_EQ(0, IXUPDATE(icb, &r)) << "no record to update";
+    EXPECT_EQ(0, IXDELETE(icb, &r));
+    r = rec(2);
+    EXPECT_EQ(1, IXREAD(icb, &r));
+    r.waarde = 21;
+    EXPECT_EQ(1, IXUPDATE(icb, &r));
+    r.waarde = 21;
+    r.naam[11] = 'x';
+    EXPECT_EQ(1, IXUPDATE(icb, &r));
+    IXSWITCH(icb, 3);
+    r = rec(0, "", 21);
+    EXPECT_EQ(1, IXREAD(icb, &r)) << "a unique key other than the first";
+    EXPECT_EQ(2, r.nr);
+    EXPECT_EQ(1, IXPUTREC(icb, &r));
+}
+
+// What another has done to the slot since the caller read it.
+TEST_P(Record, WissenVanWatErNietMeerIs) {
+    zet(1, "een");
+    zet(2, "twee");
+    Rec een = rec(1), twee = rec(2);
+    IXREAD(icb, &een);
+    const int32_t nr = icb->currec;
+    IXDELETE(icb, &een);
+    icb->currec = nr;
+    IXDELETE(icb, &een); // again: it must not enter the chain twice
+    icb->currec = nr;
+    EXPECT_EQ(0, IXUPDATE(icb, &een));
+    EXPECT_EQ(nr, zet(3, "drie"));
+    icb->currec = nr;
+    IXDELETE(icb, &een); // the slot is another's now
+    Rec r = rec(3);
+    EXPECT_EQ(1, IXREAD(icb, &r));
+    EXPECT_EQ(2, zet(4, "vier"));
+    // Key fields other than the first are taken from the file.
+    twee = rec(2, "iets anders", 999);
+    EXPECT_EQ(1, IXEXISTS(icb, &twee));
+    IXDELETE(icb, &twee);
+    EXPECT_EQ(0, IXEXISTS(icb, &twee));
+}
+
+TEST_P(Record, LevendMetFF) {
+    Rec r{};
+    memset(&r, 0xFF, sizeof r);
+    EXPECT_EQ(0, IXRECLIVE(&r, 20));
+    memset(&r.nr, 0, 4); // bytes 1 to 4 don't count, byte 0 does
+    EXPECT_EQ(1, IXRECLIVE(&r, 20));
+    memset(&r, 0xFF, sizeof r);
+    ZET32(reinterpret_cast<char*>(&r) + 1, 7);
+    EXPECT_EQ(0, IXRECLIVE(&r, 20));
+    r.waarde = 5;
+    EXPECT_EQ(1, IXRECLIVE(&r, 20));
+    EXPECT_EQ(0, IXRECLIVE(&r, 16));
+    r.nr = -1; // first byte 0xFF, and live
+    EXPECT_EQ(1, IXWRITE(icb, &r));
+    EXPECT_EQ(1, IXREAD(icb, &r));
+    weg(-1);
+    EXPECT_EQ(0, zet(8));
+}
+
+TEST_P(Record, IndexVol) {
+    zet(1);
+    const int32_t blokken = icb->h.nblocks;
+    icb->h.nblocks = 2147483645;
+    if (icb->mode == 2)
+        IXWRIX(icb, 0);
+    Rec r = rec(2);
+    EXPECT_EQ(0, IXWRITE(icb, &r));
+    EXPECT_EQ(0, IXEXISTS(icb, &r));
+    EXPECT_EQ(1, icb->h.nrecs);
+    icb->h.nblocks = blokken;
+    if (icb->mode == 2)
+        IXWRIX(icb, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, Record, testing::Values(1, 2));
+
+TEST(Alleenlezen, SchrijftNiets) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, 2);
+    Rec r = rec(1, "een", 1);
+    IXWRITE(icb, &r);
+    IXCLOSE(icb);
+    const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+    icb = IXOPEN("T", 0);
+    EXPECT_EQ(1, IXREADL(icb, &r));
+    r.waarde = 2;
+    EXPECT_EQ(1, IXWRITE(icb, &r));
+    EXPECT_EQ(1, IXPUTREC(icb, &r));
+    EXPECT_EQ(0, IXINSERT(icb, &r));
+    EXPECT_EQ(0, IXUPDATE(icb, &r));
+    EXPECT_EQ(0, IXDELETE(icb, &r));
+    IXCLOSE(icb);
+    EXPECT_EQ(idx, lees_bestand("T.INX"));
+    EXPECT_EQ(data, lees_bestand("T.TXT"));
+}
+
+// In mode 1 the header on disk is of the time of opening; a delete must go by the handle's own counters.
+TEST(Exclusief, TellersZijnVanDeHandle) {
+    TijdelijkeMap map;
+    maak_paar("T", tabel);
+    EXPECT_EQ(0, in_kind([] {
+                  ICB* icb = IXOPEN("T", 1);
+                  for (int i = 0; i < 300; i++) {
+                      Rec r = rec(i, "naam", i);
+                      IXWRITE(icb, &r);
+                  }
+                  _exit(0); // not closed
+              }));
+    EXPECT_EQ(-1, IXCHECK("T"));
+    // Who opens it all the same can't write over records that the header doesn't count.
+    for (int mode : {1, 2})
+        EXPECT_NE("", stopt([&] {
+                      ICB* icb = IXOPEN("T", mode);
+                      Rec r = rec(1000);
+                      IXINSERT(icb, &r);
+                  }));
+    maak_paar("T", tabel);
+    ICB* icb = IXOPEN("T", 1);
+    for (int i = 0; i < 300; i++) {
+        Rec r = rec(i, "naam", i);
+        IXWRITE(icb, &r);
+    }
+    Rec r = rec(7);
+    IXREAD(icb, &r);
+    IXDELETE(icb, &r);
+    EXPECT_EQ(300, icb->h.nrecs);
+    EXPECT_EQ(7, icb->h.freehead);
+    r = rec(300, "naam", 300);
+    IXWRITE(icb, &r);
+    IXCLOSE(icb);
+    EXPECT_GEZOND("T");
+}
+
+// A chain or count that would make an insert write over a live record is reported instead.
+TEST(Schade, NieuwRecordOverschrijftNooit) {
+    for (int32_t kop : {0, 1}) {
+        TijdelijkeMap map;
+        ICB* icb = maak_open("T", tabel, 2);
+        for (int i = 0; i < 3; i++) {
+            Rec r = rec(i, "x", i);
+            IXWRITE(icb, &r);
+        }
+        if (kop == 0)
+            icb->h.freehead = 1; // live
+        else
+            icb->h.nrecs = 2; // one too few
+        IXWRIX(icb, 0);
+        IXCLOSE(icb);
+        const std::string data = lees_bestand("T.TXT");
+        EXPECT_NE("", stopt([] {
+                      ICB* i = IXOPEN("T", 2);
+                      Rec r = rec(9, "nieuw", 9);
+                      IXWRITE(i, &r);
+                  }));
+        EXPECT_EQ(data, lees_bestand("T.TXT"));
+    }
+}
+
+// A full disk: every write of an insert refused in turn ends in a report, and never in a lost older record.
+int schrijf_tot;
+ssize_t volle_schijf(int fd, const void* p, size_t n, off_t plaats) {
+    if (--schrijf_tot >= 0)
+        return pwrite(fd, p, n, plaats);
+    if (schrijf_tot == -1 && n > 1)
+        return pwrite(fd, p, n / 2, plaats); // short first, then refused
+    errno = ENOSPC;
+    return -1;
+}
+
+TEST(Schade, VolleSchijf) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, 2);
+    for (int i = 0; i < 50; i++) {
+        Rec r = rec(i, "x", i);
+        IXWRITE(icb, &r);
+    }
+    IXCLOSE(icb);
+    const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+    int n = 0;
+    for (bool klaar = false; !klaar; n++) {
+        schrijf_bestand("T.INX", idx);
+        schrijf_bestand("T.TXT", data);
+        std::string uit = stopt([&] {
+            ICB* i = IXOPEN("T", 2);
+            schrijf_tot = n;
+            IXSYS.pwrite = volle_schijf;
+            Rec r = rec(99, "nieuw", 99);
+            IXWRITE(i, &r);
+        });
+        klaar = uit.empty();
+        EXPECT_TRUE(klaar || uit.find("QUILLDB(28): T(if=") != std::string::npos) << n << uit;
+        EXPECT_EQ(data, lees_bestand("T.TXT").substr(0, data.size())) << n;
+    }
+    EXPECT_EQ(7, n) << "six writes: header, three keys, record, header";
+}
+
+} // namespace
+} // namespace zg::test
