@@ -10,11 +10,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <unistd.h>
 
 namespace zg {
 namespace {
 
 constexpr int32_t BLOKGRENS = 2147483644; // nblocks above which nothing is added
+constexpr int VRIJMINST = 5; // a shorter slot has no room for its link, and stays out of the chain
+constexpr int RONDEN = 20;   // searches for a record whose key changes under the reader
 constexpr int GEDULD = 3; // times that IXREADL meets the same free record before it takes the index as it is
 
 void begin_wijziging(ICB* icb) {
@@ -64,6 +67,7 @@ void neem_nummer(ICB* icb) {
         icb->currec = icb->h.freehead;
         while (!IXLOCK(icb, 3))
             ;
+        memset(vrij, 0xFF, sizeof vrij);
         if (lees_levend(icb, vrij))
             IXSTUK(icb, 0);
         int32_t volgende = LEES32(vrij + 1);
@@ -206,9 +210,36 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
     return lees_levend(icb, rec);
 }
 
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, int* poging) {
+    if (!lees_levend(icb, rec))
+        return R_VRIJ;
+    if (ALLEEN(icb) || *poging == RONDEN)
+        return R_GOED;
+    const IXKEYDEF& def = IXDEF(icb);
+    uint8_t sleutel[IXSLEUTELMAX + 4];
+    IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, sleutel);
+    if (IXVERGELIJK(def, sleutel, icb->curent, def.keylen) == 0)
+        return R_GOED;
+    if (++*poging > RONDEN / 2)
+        usleep(100);
+    return R_ANDER;
+}
+
 int IXREAD(ICB* icb, void* rec) {
     IXEIS(icb, "IXREAD");
-    return zoek_record(icb, rec) >= 0 && lees_levend(icb, rec);
+    const int lengte = sleutellengte(icb);
+    IXBLDKEY(icb, rec, lengte);
+    uint8_t gevonden[IXRECMAX];
+    for (int poging = 0;;) {
+        icb->currec = IXSEARCH(icb, '=', lengte);
+        if (icb->currec < 0)
+            return 0;
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, &poging);
+        if (uitslag == R_ANDER)
+            continue;
+        memcpy(rec, gevonden, static_cast<size_t>(icb->h.reclen));
+        return uitslag == R_GOED;
+    }
 }
 
 int IXREADL(ICB* icb, void* rec) {
@@ -339,7 +370,8 @@ int IXDELETE(ICB* icb, void* rec) {
         memset(vrij, 0xFF, sizeof vrij);
         ZET32(vrij + 1, icb->h.freehead);
         IXWRREC(icb, vrij);
-        icb->h.freehead = icb->currec;
+        if (icb->h.reclen >= VRIJMINST)
+            icb->h.freehead = icb->currec;
     }
     IXLOCK(icb, 13);
     einde_wijziging(icb);

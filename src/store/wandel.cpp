@@ -34,20 +34,27 @@ int32_t zoek_eerste(ICB* icb, int lengte) {
 }
 
 // The record of the entry found, or of the next ones in the same direction when it has become free meanwhile.
-// Each round goes on from the entry's own key, so it ends also in a damaged tree.
-int lees_vanaf(ICB* icb, void* rec, int delen, char richting, int32_t gevonden) {
+// Each round goes on from the entry's own key, so it ends also in a damaged tree. A record that has another key
+// by now is looked for again.
+int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk) {
     const int lengte = IXDEF(icb).keylen;
-    for (;;) {
+    for (int poging = 0;;) {
+        int32_t gevonden = vanaf_gelijk ? zoek_eerste(icb, lengte) : IXSEARCH(icb, richting, lengte);
         if (gevonden >= 0 && delen > 0 && buiten(icb, delen))
             gevonden = -1;
         icb->currec = gevonden;
         if (gevonden < 0)
             return 0;
-        IXRDREC(icb, rec);
-        if (IXRECLIVE(rec, icb->h.reclen))
+        switch (IXLEESGEVONDEN(icb, rec, &poging)) {
+        case R_GOED:
             return 1;
-        memcpy(icb->keybuf, icb->curent, static_cast<size_t>(lengte));
-        gevonden = IXSEARCH(icb, richting, lengte);
+        case R_VRIJ:
+            memcpy(icb->keybuf, icb->curent, static_cast<size_t>(lengte));
+            vanaf_gelijk = false;
+            break;
+        case R_ANDER:
+            break;
+        }
     }
 }
 
@@ -75,20 +82,20 @@ int IXPREVK(ICB* icb, void* rec, int delen) {
 int IXFIRSTR(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXFIRSTR");
     icb->currec = 0; // lowest of equal values where the key holds the record number
-    int lengte = begin(icb, rec, 0);
-    return lees_vanaf(icb, rec, delen, '>', zoek_eerste(icb, lengte));
+    begin(icb, rec, 0);
+    return lees_vanaf(icb, rec, delen, '>', true);
 }
 
 int IXNEXTR(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXNEXTR");
-    int lengte = begin(icb, rec, 0);
-    return lees_vanaf(icb, rec, delen, '>', IXSEARCH(icb, '>', lengte));
+    begin(icb, rec, 0);
+    return lees_vanaf(icb, rec, delen, '>', false);
 }
 
 int IXPREVR(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXPREVR");
-    int lengte = begin(icb, rec, 0);
-    return lees_vanaf(icb, rec, delen, '<', IXSEARCH(icb, '<', lengte));
+    begin(icb, rec, 0);
+    return lees_vanaf(icb, rec, delen, '<', false);
 }
 
 int IXFIRST(ICB* icb, void* rec) {
