@@ -4,7 +4,7 @@
 
 namespace zg {
 #define TEKST(catalogus, set, nummer, naam, standaard)                                                       \
-    inline constexpr Tekst naam{catalogus, set, nummer, standaard};
+    constexpr Tekst naam{catalogus, set, nummer, standaard};
 #include "codes/teksten.def"
 #undef TEKST
 } // namespace zg
