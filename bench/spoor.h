@@ -1,0 +1,31 @@
+// The system calls of the store, counted and remembered, so that the very same calls can be made again without
+// the store around them: the floor under a measured operation.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace spoor {
+
+enum Soort : uint8_t { LEES, SCHRIJF, SLOT, STAT, LENGTE, SOORTEN };
+
+struct Aanroep {
+    Soort soort;
+    int8_t letter; // lock type for SLOT
+    bool vraag;    // F_GETLK
+    int32_t fd;
+    int64_t plaats, n;
+};
+
+void begin();
+std::vector<Aanroep> einde();
+
+// Make the calls again on copies of the files, made before the calls were: seconds for all of them.
+// `van`: descriptor as it was; `kopie`: the file to use in its place.
+struct Naar {
+    int32_t van;
+    std::string kopie;
+};
+double herhaal(const std::vector<Aanroep>& lijst, const std::vector<Naar>& naar);
+
+} // namespace spoor
