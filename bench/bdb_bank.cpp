@@ -58,7 +58,7 @@ class BdbBank : public Bank {
         DBT k = dbt(&n, 4);
         k.flags = DB_DBT_USERMEM;
         k.ulen = 4;
-        Rij r;
+        Rij r{};
         DBT v = in(&r, sizeof r);
         int uit = c->get(c, &k, &v, DB_SET);
         if (uit == 0)
@@ -125,7 +125,7 @@ public:
         DB* db = db_[sleutel - 1];
         goed(db->cursor(db, nullptr, &c, 0), "cursor");
         uint8_t kb[16];
-        Rij r;
+        Rij r{};
         DBT k = in(kb, sizeof kb), v = in(&r, sizeof r);
         if (vanaf) {
             memcpy(kb, vanaf, 12);

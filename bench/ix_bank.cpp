@@ -50,7 +50,7 @@ public:
         return IXFIRSTR(icb_, r, 2);
     }
     bool wijzig(int32_t nr, const char* naam) override {
-        Rij r;
+        Rij r{};
         IXSWITCH(icb_, 1);
         r.nr = nr;
         if (!IXREADL(icb_, &r)) {
@@ -62,7 +62,7 @@ public:
         return IXWRITE(icb_, &r);
     }
     bool verwijder(int32_t nr) override {
-        Rij r;
+        Rij r{};
         IXSWITCH(icb_, 1);
         r.nr = nr;
         if (!IXREADL(icb_, &r)) {
@@ -74,7 +74,7 @@ public:
     }
     Som loop(int sleutel) override {
         Som s;
-        Rij r;
+        Rij r{};
         memset(&r, 0, sizeof r);
         IXSWITCH(icb_, sleutel);
         for (int ok = IXFIRST(icb_, &r); ok; ok = IXNEXT(icb_, &r))
@@ -83,7 +83,7 @@ public:
     }
     Som groep(uint16_t groep) override {
         Som s;
-        Rij r;
+        Rij r{};
         memset(&r, 0, sizeof r);
         IXSWITCH(icb_, 3);
         r.groep = groep;

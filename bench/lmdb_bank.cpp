@@ -93,7 +93,7 @@ public:
     }
     bool wijzig(int32_t nr, const char* naam) override {
         MDB_txn* t = schrijf();
-        Rij r;
+        Rij r{};
         uint8_t a[4];
         MDB_val k = nrval(a, nr);
         bool er = haal(t, k, &r);
@@ -111,7 +111,7 @@ public:
     }
     bool verwijder(int32_t nr) override {
         MDB_txn* t = schrijf();
-        Rij r;
+        Rij r{};
         uint8_t a[4], b[12];
         MDB_val k = nrval(a, nr);
         bool er = haal(t, k, &r);
@@ -130,7 +130,7 @@ public:
         MDB_cursor* c;
         goed(mdb_cursor_open(lees_, db_[sleutel - 1], &c), "cursor");
         MDB_val k, v;
-        Rij r;
+        Rij r{};
         while (mdb_cursor_get(c, &k, &v, MDB_NEXT) == 0) {
             if (sleutel == 1)
                 memcpy(&r, v.mv_data, sizeof r);
@@ -149,7 +149,7 @@ public:
         uint8_t b[12];
         const char leeg[10] = {};
         MDB_val k = codeval(b, groep, leeg), v;
-        Rij r;
+        Rij r{};
         for (int uit = mdb_cursor_get(c, &k, &v, MDB_SET_RANGE); uit == 0 && memcmp(k.mv_data, b, 2) == 0;
              uit = mdb_cursor_get(c, &k, &v, MDB_NEXT)) {
             haal(lees_, v, &r);

@@ -35,7 +35,7 @@ class SqliteBank : public Bank {
     }
     Som tel(int n) {
         Som s;
-        Rij r;
+        Rij r{};
         while (stap(n)) {
             memcpy(&r, sqlite3_column_blob(st_[n], 0), sizeof r);
             s.tel(r);
@@ -102,7 +102,7 @@ public:
         return haal(CODE, 0, r);
     }
     bool wijzig(int32_t nr, const char* naam) override {
-        Rij r;
+        Rij r{};
         stap(BEGIN), klaar(BEGIN);
         bool er = lees(nr, &r);
         if (er) {
@@ -117,7 +117,7 @@ public:
         return er;
     }
     bool verwijder(int32_t nr) override {
-        Rij r;
+        Rij r{};
         stap(BEGIN), klaar(BEGIN);
         bool er = lees(nr, &r);
         sqlite3_bind_int(st_[WEG], 1, nr);

@@ -224,7 +224,7 @@ void gedeeld(Werk& w) {
             b.voegin(w.rijen[static_cast<size_t>(i)]);
     });
     auto willekeurig = [&](int i) { return static_cast<int>((int64_t{i} * 7919 + 13) % n); };
-    Rij r;
+    Rij r{};
     meet("read by number", n, [&](Bank& b, int van, int tot) {
         for (int i = van; i < tot; i++)
             eis(b.lees(willekeurig(i), &r) && r.nr == willekeurig(i), "read by number", b.naam());

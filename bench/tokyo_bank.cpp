@@ -80,7 +80,7 @@ public:
     }
     bool wijzig(int32_t nr, const char* naam) override {
         uint32_t n = sleutel(nr);
-        Rij r;
+        Rij r{};
         if (!haal(&n, &r))
             return false;
         los(1, r.naam, n);
@@ -92,7 +92,7 @@ public:
     }
     bool verwijder(int32_t nr) override {
         uint32_t n = sleutel(nr);
-        Rij r;
+        Rij r{};
         if (!haal(&n, &r))
             return false;
         uint8_t b[12];
@@ -106,7 +106,7 @@ public:
         Som s;
         BDBCUR* c = tcbdbcurnew(db_[sleutel - 1]);
         int n;
-        Rij r;
+        Rij r{};
         for (bool er = vanaf ? tcbdbcurjump(c, vanaf, 12) : tcbdbcurfirst(c); er; er = tcbdbcurnext(c)) {
             if (vanaf && memcmp(tcbdbcurkey3(c, &n), vanaf, 2) != 0)
                 break;
