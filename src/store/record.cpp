@@ -18,6 +18,7 @@ namespace {
 constexpr int32_t BLOKGRENS = 2147483644; // nblocks above which nothing is added
 constexpr int VRIJMINST = 5; // a shorter slot has no room for its link, and stays out of the chain
 constexpr int RONDEN = 20;   // searches for a record whose key changes under the reader
+constexpr int STIL = 5;      // more of them, each while nobody writes: then the index is damaged
 constexpr int GEDULD = 3; // times that IXREADL meets the same free record before it takes the index as it is
 
 void begin_wijziging(ICB* icb) {
@@ -213,7 +214,7 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
 Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, int* poging) {
     if (!lees_levend(icb, rec))
         return R_VRIJ;
-    if (ALLEEN(icb) || *poging == RONDEN)
+    if (ALLEEN(icb))
         return R_GOED;
     const IXKEYDEF& def = IXDEF(icb);
     uint8_t sleutel[IXSLEUTELMAX + 4];
@@ -222,7 +223,14 @@ Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, int* poging) {
         return R_GOED;
     if (++*poging > RONDEN / 2)
         usleep(100);
-    return R_ANDER;
+    if (*poging < RONDEN)
+        return R_ANDER;
+    if (icb->tempidx || !IOLOCK('T', icb->idxfd, 0, IXBLOK))
+        return R_GOED;
+    if (*poging < RONDEN + STIL)
+        return R_ANDER;
+    // A walk goes on from the record's key, so with entries that lead to other keys it might never end.
+    IXSTUK(icb, icb->curblock);
 }
 
 int IXREAD(ICB* icb, void* rec) {

@@ -58,6 +58,25 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
     }
 }
 
+// The record of the entry in hand, whatever it is by now. 1 when it is live.
+int lees_hier(ICB* icb, void* rec) {
+    uint8_t entry[IXSLEUTELMAX + 4];
+    const int32_t nummer = icb->currec;
+    const int lengte = IXDEF(icb).keylen;
+    memcpy(entry, icb->curent, static_cast<size_t>(lengte));
+    for (int poging = 0;;) {
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, &poging);
+        if (uitslag != R_ANDER)
+            return uitslag == R_GOED;
+        memcpy(icb->keybuf, entry, static_cast<size_t>(lengte));
+        if (IXSEARCH(icb, '=', lengte) != nummer)
+            break; // the key has changed since
+    }
+    icb->currec = nummer;
+    IXRDREC(icb, rec);
+    return IXRECLIVE(rec, icb->h.reclen);
+}
+
 } // namespace
 
 int IXFIRSTK(ICB* icb, void* rec, int delen) {
@@ -125,6 +144,7 @@ int IXSKIP(ICB* icb, void* rec, int delen, int stappen, int32_t* recnr) {
             stappen = 1;
     }
     const int richting = stappen < 0 ? 1 : -1;
+    const bool gestapt = stappen != 0;
     for (; stappen != 0; stappen += richting) {
         if (!(richting < 0 ? IXNEXTK(icb, rec, delen) : IXPREVK(icb, rec, delen)))
             break;
@@ -132,6 +152,8 @@ int IXSKIP(ICB* icb, void* rec, int delen, int stappen, int32_t* recnr) {
     }
     if (icb->currec < 0)
         return 0;
+    if (gestapt)
+        return lees_hier(icb, rec);
     IXRDREC(icb, rec);
     return IXRECLIVE(rec, icb->h.reclen);
 }
