@@ -92,12 +92,12 @@ void IXEOFTOON(ICB* icb, int32_t blok);
 ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd);
 void IXLAATLOS(ICB* icb);
 
-// Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it may
-// have got another key since the entry was read, or not yet have its new one: R_ANDER, search again. *poging
-// counts such rounds; after a few the record is taken as it is when a writer is at work, else the index is damaged
-// and the program stops.
+// Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it
+// may have got another key since the entry was read, or not yet have its new one: R_ANDER, search again. *poging
+// counts such rounds; after a few the record is taken as it is. Where nobody is writing and a walk in this
+// direction ('>' or '<', else '=') would turn back, the index is damaged and the program stops.
 enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, int* poging);
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, int* poging);
 
 // Tree (boom.cpp).
 void IXVERWIJDER(ICB* icb); // IXDELENTRY without reading `curblock` first

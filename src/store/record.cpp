@@ -211,26 +211,32 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
     return lees_levend(icb, rec);
 }
 
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, int* poging) {
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, int* poging) {
     if (!lees_levend(icb, rec))
         return R_VRIJ;
-    if (ALLEEN(icb))
-        return R_GOED;
+    if (icb->tempidx || (richting == '=' && ALLEEN(icb)))
+        return R_GOED; // a temporary index may be older than the records it leads to
     const IXKEYDEF& def = IXDEF(icb);
     uint8_t sleutel[IXSLEUTELMAX + 4];
     IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, sleutel);
-    if (IXVERGELIJK(def, sleutel, icb->curent, def.keylen) == 0)
+    const int verschil = IXVERGELIJK(def, sleutel, icb->curent, def.keylen);
+    if (verschil == 0)
         return R_GOED;
-    if (++*poging > RONDEN / 2)
-        usleep(100);
-    if (*poging < RONDEN)
-        return R_ANDER;
-    if (icb->tempidx || !IOLOCK('T', icb->idxfd, 0, IXBLOK))
-        return R_GOED;
-    if (*poging < RONDEN + STIL)
-        return R_ANDER;
-    // A walk goes on from the record's key, so with entries that lead to other keys it might never end.
-    IXSTUK(icb, icb->curblock);
+    // A walk goes on from the record's key: where that lies back, it might never end.
+    const bool terug = richting == '>' ? verschil < 0 : richting == '<' && verschil > 0;
+    if (!ALLEEN(icb)) {
+        if (++*poging > RONDEN / 2)
+            usleep(100);
+        if (*poging < RONDEN)
+            return R_ANDER;
+        if (!terug || !IOLOCK('T', icb->idxfd, 0, IXBLOK))
+            return R_GOED;
+        if (*poging < RONDEN + STIL)
+            return R_ANDER;
+    }
+    if (terug)
+        IXSTUK(icb, icb->curblock);
+    return R_GOED;
 }
 
 int IXREAD(ICB* icb, void* rec) {
@@ -242,7 +248,7 @@ int IXREAD(ICB* icb, void* rec) {
         icb->currec = IXSEARCH(icb, '=', lengte);
         if (icb->currec < 0)
             return 0;
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, &poging);
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, '=', &poging);
         if (uitslag == R_ANDER)
             continue;
         memcpy(rec, gevonden, static_cast<size_t>(icb->h.reclen));

@@ -45,7 +45,7 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
         icb->currec = gevonden;
         if (gevonden < 0)
             return 0;
-        switch (IXLEESGEVONDEN(icb, rec, &poging)) {
+        switch (IXLEESGEVONDEN(icb, rec, richting, &poging)) {
         case R_GOED:
             return 1;
         case R_VRIJ:
@@ -59,13 +59,13 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
 }
 
 // The record of the entry in hand, whatever it is by now. 1 when it is live.
-int lees_hier(ICB* icb, void* rec) {
+int lees_hier(ICB* icb, void* rec, char richting) {
     uint8_t entry[IXSLEUTELMAX + 4];
     const int32_t nummer = icb->currec;
     const int lengte = IXDEF(icb).keylen;
     memcpy(entry, icb->curent, static_cast<size_t>(lengte));
     for (int poging = 0;;) {
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, &poging);
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, richting, &poging);
         if (uitslag != R_ANDER)
             return uitslag == R_GOED;
         memcpy(icb->keybuf, entry, static_cast<size_t>(lengte));
@@ -153,7 +153,7 @@ int IXSKIP(ICB* icb, void* rec, int delen, int stappen, int32_t* recnr) {
     if (icb->currec < 0)
         return 0;
     if (gestapt)
-        return lees_hier(icb, rec);
+        return lees_hier(icb, rec, richting < 0 ? '>' : '<');
     IXRDREC(icb, rec);
     return IXRECLIVE(rec, icb->h.reclen);
 }
