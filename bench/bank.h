@@ -10,11 +10,11 @@ namespace bank {
 
 #pragma pack(push, 1)
 struct Rij {
-    int32_t nr;      // key 1
-    char naam[12];   // key 2
-    uint16_t groep;  // key 3, first part
-    char code[10];   // key 3, second part
-    int32_t teller;  // changed by updates
+    int32_t nr;     // key 1
+    char naam[12];  // key 2
+    uint16_t groep; // key 3, first part
+    char code[10];  // key 3, second part
+    int32_t teller; // changed by updates
     char rest[168];
 };
 #pragma pack(pop)
@@ -37,13 +37,13 @@ public:
     virtual void sluit() = 0;
     virtual void voegin(const Rij& r) = 0;
     virtual bool lees(int32_t nr, Rij* r) = 0;
-    virtual bool leesnaam(const char* naam, Rij* r) = 0;              // any record of that name
+    virtual bool leesnaam(const char* naam, Rij* r) = 0; // any record of that name
     virtual bool leescode(uint16_t groep, const char* code, Rij* r) = 0;
     // Read under lock, give it another name and count one up, write.
     virtual bool wijzig(int32_t nr, const char* naam) = 0;
-    virtual bool verwijder(int32_t nr) = 0; // read under lock, delete
-    virtual Som loop(int sleutel) = 0;      // all records in the order of a key
-    virtual Som groep(uint16_t groep) = 0;  // all records of a group, by code
+    virtual bool verwijder(int32_t nr) = 0;  // read under lock, delete
+    virtual Som loop(int sleutel) = 0;       // all records in the order of a key
+    virtual Som groep(uint16_t groep) = 0;   // all records of a group, by code
     virtual bool herbouw() { return false; } // all indexes anew; false: has no such thing
     // Many inserts as the engine likes them best, nobody else about.
     virtual void begin() {}

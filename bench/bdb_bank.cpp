@@ -131,7 +131,8 @@ public:
             memcpy(kb, vanaf, 12);
             k.size = 12;
         }
-        for (int uit = c->get(c, &k, &v, vanaf ? DB_SET_RANGE : DB_FIRST); uit == 0; uit = c->get(c, &k, &v, DB_NEXT)) {
+        for (int uit = c->get(c, &k, &v, vanaf ? DB_SET_RANGE : DB_FIRST); uit == 0;
+             uit = c->get(c, &k, &v, DB_NEXT)) {
             if (vanaf && memcmp(kb, vanaf, 2) != 0)
                 break;
             s.tel(r);
@@ -150,6 +151,8 @@ public:
 
 } // namespace
 
-std::unique_ptr<Bank> bdb_bank() { return std::make_unique<BdbBank>(); }
+std::unique_ptr<Bank> bdb_bank() {
+    return std::make_unique<BdbBank>();
+}
 
 } // namespace bank

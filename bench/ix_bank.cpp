@@ -101,6 +101,8 @@ public:
 
 } // namespace
 
-std::unique_ptr<Bank> ix_bank() { return std::make_unique<IxBank>(); }
+std::unique_ptr<Bank> ix_bank() {
+    return std::make_unique<IxBank>();
+}
 
 } // namespace bank

@@ -59,7 +59,8 @@ public:
         goed(mdb_env_create(&env_), "mdb_env_create");
         mdb_env_set_maxdbs(env_, 3);
         mdb_env_set_mapsize(env_, size_t{2} << 30);
-        goed(mdb_env_open(env_, (map + "/lmdb").c_str(), MDB_NOSYNC | MDB_WRITEMAP | MDB_NOSUBDIR, 0660), "open");
+        goed(mdb_env_open(env_, (map + "/lmdb").c_str(), MDB_NOSYNC | MDB_WRITEMAP | MDB_NOSUBDIR, 0660),
+             "open");
         MDB_txn* t = schrijf();
         goed(mdb_dbi_open(t, "nr", MDB_CREATE, &db_[0]), "nr");
         goed(mdb_dbi_open(t, "naam", MDB_CREATE | MDB_DUPSORT | MDB_DUPFIXED, &db_[1]), "naam");
@@ -75,7 +76,8 @@ public:
     void voegin(const Rij& r) override {
         MDB_txn* t = schrijf();
         uint8_t a[4], b[12];
-        MDB_val nr = nrval(a, r.nr), naam = val(r.naam, 12), code = codeval(b, r.groep, r.code), v = val(&r, sizeof r);
+        MDB_val nr = nrval(a, r.nr), naam = val(r.naam, 12), code = codeval(b, r.groep, r.code),
+                v = val(&r, sizeof r);
         goed(mdb_put(t, db_[0], &nr, &v, MDB_NOOVERWRITE), "mdb_put");
         goed(mdb_put(t, db_[1], &naam, &nr, 0), "mdb_put");
         goed(mdb_put(t, db_[2], &code, &nr, 0), "mdb_put");
@@ -171,6 +173,8 @@ public:
 
 } // namespace
 
-std::unique_ptr<Bank> lmdb_bank() { return std::make_unique<LmdbBank>(); }
+std::unique_ptr<Bank> lmdb_bank() {
+    return std::make_unique<LmdbBank>();
+}
 
 } // namespace bank

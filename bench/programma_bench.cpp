@@ -19,7 +19,9 @@ namespace {
 
 using klok = std::chrono::steady_clock;
 
-double ms_sinds(klok::time_point t) { return std::chrono::duration<double, std::milli>(klok::now() - t).count(); }
+double ms_sinds(klok::time_point t) {
+    return std::chrono::duration<double, std::milli>(klok::now() - t).count();
+}
 
 double mediaan(std::vector<double> v) {
     std::sort(v.begin(), v.end());
@@ -82,7 +84,8 @@ void maak_journaal(const char* pad, size_t bytes, int regels) {
     };
     auto order = [&](int aantal) {
         ordkop k{};
-        k.leverancier = 12, k.jaar = 2016, k.seizoen = 'Z', k.orderdatum = 42000, k.koers = 10000, k.koerseenheid = 1, k.toeslag = 10000;
+        k.leverancier = 12, k.jaar = 2016, k.seizoen = 'Z', k.orderdatum = 42000, k.koers = 10000,
+        k.koerseenheid = 1, k.toeslag = 10000;
         schrijf('O', k);
         ordmodel m{};
         m.merk = 103, m.maatsoort = 1, m.artikelgroep = 2100;

@@ -31,7 +31,8 @@ class SqliteBank : public Bank {
         return er;
     }
     void bind(int n, int plaats, const char* p, int lengte) {
-        sqlite3_bind_text(st_[n], plaats, p, static_cast<int>(strnlen(p, static_cast<size_t>(lengte))), SQLITE_STATIC);
+        sqlite3_bind_text(st_[n], plaats, p, static_cast<int>(strnlen(p, static_cast<size_t>(lengte))),
+                          SQLITE_STATIC);
     }
     Som tel(int n) {
         Som s;
@@ -56,7 +57,8 @@ public:
             doe("PRAGMA locking_mode=EXCLUSIVE");
         doe(wal_ ? "PRAGMA journal_mode=WAL" : "PRAGMA journal_mode=DELETE");
         doe("PRAGMA synchronous=OFF; PRAGMA cache_size=-65536; PRAGMA temp_store=MEMORY");
-        doe("CREATE TABLE IF NOT EXISTS r(nr INTEGER PRIMARY KEY, naam TEXT, groep INTEGER, code TEXT, rec BLOB);"
+        doe("CREATE TABLE IF NOT EXISTS r(nr INTEGER PRIMARY KEY, naam TEXT, groep INTEGER, code TEXT, rec "
+            "BLOB);"
             "CREATE INDEX IF NOT EXISTS r2 ON r(naam); CREATE INDEX IF NOT EXISTS r3 ON r(groep, code)");
         const char* sql[AANTAL] = {"INSERT INTO r VALUES(?,?,?,?,?)",
                                    "SELECT rec FROM r WHERE nr=?",
@@ -72,7 +74,8 @@ public:
                                    "SELECT rec FROM r ORDER BY groep, code, nr",
                                    "SELECT rec FROM r WHERE groep=? ORDER BY code"};
         for (int i = 0; i < AANTAL; i++)
-            eis(sqlite3_prepare_v2(db_, sql[i], -1, &st_[i], nullptr) == SQLITE_OK, sql[i], sqlite3_errmsg(db_));
+            eis(sqlite3_prepare_v2(db_, sql[i], -1, &st_[i], nullptr) == SQLITE_OK, sql[i],
+                sqlite3_errmsg(db_));
     }
     void sluit() override {
         for (sqlite3_stmt* s : st_)
@@ -140,6 +143,8 @@ public:
 
 } // namespace
 
-std::unique_ptr<Bank> sqlite_bank(bool wal) { return std::make_unique<SqliteBank>(wal); }
+std::unique_ptr<Bank> sqlite_bank(bool wal) {
+    return std::make_unique<SqliteBank>(wal);
+}
 
 } // namespace bank

@@ -131,6 +131,8 @@ public:
 
 } // namespace
 
-std::unique_ptr<Bank> tokyo_bank() { return std::make_unique<TokyoBank>(); }
+std::unique_ptr<Bank> tokyo_bank() {
+    return std::make_unique<TokyoBank>();
+}
 
 } // namespace bank

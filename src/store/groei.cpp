@@ -26,11 +26,21 @@ Groei::Groei(int32_t wortel, int maxent, int64_t aantal)
     niveau_.push_back(een(wortel, 1));
 }
 
+// Place of the last number that is not above x, of n ascending ones of which the first is not. Without jumps: which way
+// the search goes is not to be foretold.
+static size_t laatste_tot(const uint32_t* p, size_t n, uint32_t x) {
+    const uint32_t* begin = p;
+    while (n > 1) {
+        size_t half = n / 2;
+        p += p[half] <= x ? half : 0;
+        n -= half;
+    }
+    return static_cast<size_t>(p - begin);
+}
+
 Groei::Plaats Groei::zoek(const Niveau& n, uint32_t rang) {
-    size_t d =
-        static_cast<size_t>(std::upper_bound(n.begin.begin(), n.begin.end(), rang) - n.begin.begin()) - 1;
-    const Deel& deel = *n.deel[d];
-    return {d, static_cast<size_t>(std::upper_bound(deel.begin, deel.begin + deel.n, rang) - deel.begin) - 1};
+    size_t d = laatste_tot(n.begin.data(), n.begin.size(), rang);
+    return {d, laatste_tot(n.deel[d]->begin, n.deel[d]->n, rang)};
 }
 
 void Groei::voeg_achter(Niveau& n, Plaats p, uint32_t begin, int32_t blok, uint8_t aantal) {

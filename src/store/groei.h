@@ -29,7 +29,7 @@ public:
     bool volgende(int niveau, Loop* loop, Knoop* knoop) const;
 
 private:
-    static constexpr size_t DEELMAX = 256;
+    static constexpr size_t DEELMAX = 128;
     struct Deel { // a run of neighbouring nodes
         size_t n = 0;
         uint32_t begin[DEELMAX]; // first rank that belongs to the node

@@ -1,12 +1,13 @@
 // Rebuild of an index from its data file, in three steps. 1: every record is read once and its keys are set aside;
 // 2: the keys are sorted and the trees grown in ranks, as one insert after the other by record number would grow
-// them, the keys of a file taking turns by pieces of 16 KB of records; 3: the blocks are written. Until step 3
+// them, the keys of a file taking turns by pieces of 16 KB of records, and the blocks made; 3: these are written. Until step 3
 // nothing of the pair changes. Then the header goes first, marked as being changed and with all definitions, and
 // last, unmarked: what is killed between the two is refused by all, and can be built again from the start.
 // The index keeps its file and so do the locks on it; a file renamed over it would leave other programs that have
 // the pair open with the old one in hand.
 #include "store/rebuild.h"
 #include "shared/files.h"
+#include "store/blokbak.h"
 #include "store/groei.h"
 #include "store/node.h"
 #include "store/sorteer.h"
@@ -51,8 +52,8 @@ private:
     bool verzamel();
     bool groei();
     bool reserveer() const;
+    bool bouw_boom(int sleutel);
     void keten_vrijen();
-    void schrijf_boom(int sleutel);
     void vooruit(int64_t n) {
         gedaan_ += n;
         VOORTGANG(VG_TOON, gedaan_, records_ * static_cast<int64_t>(1 + 2 * sleutels_.size()));
@@ -64,6 +65,7 @@ private:
     ICB* icb_;
     std::string pad_;
     std::vector<Sleutelbouw> sleutels_;
+    std::optional<Blokbak> blokken_;
     int64_t records_ = 0, levend_ = 0, gedaan_ = 0;
     int64_t keten_anders_ = -1; // first free slot whose link is not what it shall be
     int32_t freehead_ = -1;
@@ -80,7 +82,15 @@ bool Bouw::bereid_voor(int64_t records) {
         if (!SORTEER(s.def, s.ruw, s.klaar, *s.rangen, map, [this](int64_t n) { vooruit(n); }))
             return false;
     }
-    return groei() && reserveer();
+    if (!groei())
+        return false;
+    blokken_.emplace(map, icb_->h.nblocks);
+    IXKNOOP wachtrij{};
+    wachtrij.keyno = 1;
+    bool goed = blokken_->zet(WACHTRIJBLOK(icb_), &wachtrij);
+    for (int k = 1; goed && k <= icb_->h.nkeys; k++)
+        goed = bouw_boom(k);
+    return goed && reserveer();
 }
 
 bool Bouw::verzamel() {
@@ -155,12 +165,9 @@ void Bouw::zet_op_zijn_plaats() {
     icb->h.busy = 1;
     IXWRIX(icb, 0);
     keten_vrijen();
-    for (int k = 1; k <= icb->h.nkeys; k++)
-        schrijf_boom(k);
-    IXKNOOP wachtrij{};
-    wachtrij.keyno = 1;
-    if (!IXBLOKSCHRIJF(icb->idxfd, WACHTRIJBLOK(icb), &wachtrij))
-        IXSCHIJFFOUT(icb, icb->idxfd, int64_t{WACHTRIJBLOK(icb)} * IXBLOK, IXBLOK);
+    if (!blokken_->schrijf(icb->idxfd))
+        IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
+    IXCOMMITHOOK();
     const int64_t lengte = int64_t{icb->h.nblocks} * IXBLOK;
     if (IXBESTANDGROOTTE(icb->idxfd) != lengte && IXSYS.ftruncate(icb->idxfd, lengte) < 0)
         IXSCHIJFFOUT(icb, icb->idxfd, lengte, 0);
@@ -195,7 +202,7 @@ void Bouw::keten_vrijen() {
 }
 
 // The leaves from left to right out of the sorted entries; the nodes above fill up on the way.
-void Bouw::schrijf_boom(int sleutel) {
+bool Bouw::bouw_boom(int sleutel) {
     Sleutelbouw& s = sleutels_[static_cast<size_t>(sleutel - 1)];
     const size_t keylen = s.def.keylen, maat = keylen + 4;
     const Groei& g = *s.groei;
@@ -212,11 +219,7 @@ void Bouw::schrijf_boom(int sleutel) {
         nu.knoop.level = static_cast<int8_t>(n + 1);
         return g.volgende(static_cast<int>(n + 1), &nu.loop, &nu.doel);
     };
-    auto weg = [&](size_t n) {
-        if (!IXBLOKSCHRIJF(icb_->idxfd, niveaus[n].doel.blok, &niveaus[n].knoop))
-            IXSCHIJFFOUT(icb_, icb_->idxfd, int64_t{niveaus[n].doel.blok} * IXBLOK, IXBLOK);
-        IXCOMMITHOOK();
-    };
+    auto weg = [&](size_t n) { return blokken_->zet(niveaus[n].doel.blok, &niveaus[n].knoop); };
     std::vector<uint8_t> buffer(LEESBUFFER / maat * maat);
     size_t op = 0, vol = 0;
     int64_t gelezen = 0;
@@ -237,7 +240,7 @@ void Bouw::schrijf_boom(int sleutel) {
                     break;
                 }
                 if (!s.klaar.lees(gelezen, buffer.data(), vol))
-                    IXSCHIJFFOUT(icb_, -1, gelezen, static_cast<int>(vol));
+                    return false;
                 gelezen += static_cast<int64_t>(vol);
                 vooruit(static_cast<int64_t>(vol / maat));
             }
@@ -246,9 +249,8 @@ void Bouw::schrijf_boom(int sleutel) {
             er += deel;
             op += deel;
         }
-        if (er != nodig)
-            IXSTUK(icb_, blad.doel.blok);
-        weg(0);
+        if (er != nodig || !weg(0))
+            return false;
         // The highest key goes up, with the block; and on up for as long as it fills a node there.
         for (size_t n = 0; n + 1 < niveaus.size(); n++) {
             Niveau &onder = niveaus[n], &boven = niveaus[n + 1];
@@ -260,11 +262,13 @@ void Bouw::schrijf_boom(int sleutel) {
                 begin(n);
             if (++boven.knoop.count < boven.doel.aantal)
                 break;
-            weg(n + 1);
+            if (!weg(n + 1))
+                return false;
         }
     }
     s.groei.reset();
     s.klaar.weg();
+    return true;
 }
 
 // Old header with nothing left of a former version.

@@ -356,6 +356,7 @@ int proef_ftruncate(int fd, off_t lengte) {
 
 // IXBLDIX in a child that meets its end, or a failure, at the n-th call: its wait status.
 int in_kind(int n, int fout) {
+    fflush(stdout); // or the child says it again
     pid_t kind = fork();
     if (kind == 0) {
         freopen("/dev/null", "w", stderr);
