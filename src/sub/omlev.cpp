@@ -7,6 +7,7 @@
 #include "term/lijst.h"
 #include "term/prompt.h"
 #include "term/vast.h"
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -32,13 +33,18 @@ bool past() {
     return (rij.lev.soort & gezocht) != 0;
 }
 
+// Most steps of a walk: where records and index disagree a walk can come back to where it was.
+int stappen() {
+    return std::max(dtlev->h.nrecs, 0) + 1;
+}
+
 // Step over the relations of another kind in the direction of the step; the place stays when there is none.
 int32_t haal(int32_t stap) {
     int32_t recnr = static_cast<int32_t>(lijst->positie), goed = recnr;
     int richting = stap < 0 ? -1 : 1, gedaan = 0;
     if (stap == 0)
         return IXSKIP(dtlev, &rij, 0, 0, &recnr) && past();
-    for (int over = abs(stap); over > 0;) {
+    for (int over = abs(stap), rest = stappen() + over; over > 0 && rest > 0; rest--) {
         if (!IXSKIP(dtlev, &rij, 0, richting, &recnr))
             break;
         if (past())
@@ -53,13 +59,13 @@ int32_t haal(int32_t stap) {
 // Stand on the first relation of the kind from the record's key on; else on the last one.
 bool sta() {
     bool er = IXFIRSTR(dtlev, &rij, 0) == 1;
-    while (er && !past())
-        er = IXNEXT(dtlev, &rij) == 1;
+    for (int rest = stappen(); er && !past(); rest--)
+        er = rest > 0 && IXNEXT(dtlev, &rij) == 1;
     if (!er) {
         memset(&rij, 0xFF, sizeof rij);
         er = IXLAST(dtlev, &rij) == 1;
-        while (er && !past())
-            er = IXPREVR(dtlev, &rij, 0) == 1;
+        for (int rest = stappen(); er && !past(); rest--)
+            er = rest > 0 && IXPREVR(dtlev, &rij, 0) == 1;
     }
     if (er)
         lijst->positie = static_cast<uint32_t>(dtlev->currec);
