@@ -232,11 +232,11 @@ int32_t zoek(ICB* icb, char op, int lengte) {
 }
 
 // Number for a new node. A file that reaches beyond what the header counts was left by a crash: writing there
-// could overwrite nodes in use.
+// could overwrite nodes in use; and behind one that is too short a hole would come into being.
 int32_t nieuw_blok(ICB* icb) {
     if (icb->h.nblocks > INT32_MAX - 4)
         SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_INDEX_VOL));
-    if (!icb->cached && IXBESTANDGROOTTE(icb->idxfd) > int64_t{icb->h.nblocks} * IXBLOK)
+    if (!icb->cached && IXBESTANDGROOTTE(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
         IXSTUK(icb, icb->h.nblocks);
     return icb->h.nblocks++;
 }

@@ -77,7 +77,8 @@ void neem_nummer(ICB* icb) {
         icb->h.freehead = std::max(volgende, -1);
         return;
     }
-    if (IXBESTANDGROOTTE(icb->datfd) > int64_t{icb->h.nrecs} * icb->h.reclen)
+    // A data file that is too short would get a hole, whose zeros count as records.
+    if (IXBESTANDGROOTTE(icb->datfd) != int64_t{icb->h.nrecs} * icb->h.reclen)
         IXSTUK(icb, 0);
     icb->currec = icb->h.nrecs++;
     IXLOCK(icb, 3);

@@ -3,23 +3,16 @@
 // as the place; key steps stay under the first n - 1 parts, record steps under the first n.
 #include "store/node.h"
 #include <algorithm>
+#include <unistd.h>
 
 namespace zg {
 namespace {
 
+constexpr int RONDEN = 20; // looks of a reader at an entry that leads nowhere
+
 // Does the entry found differ from keybuf in the first `delen` parts?
 bool buiten(ICB* icb, int delen) {
     return IXVERGELIJK(IXDEF(icb), icb->keybuf, icb->curent, IXKEYLEN(icb, delen)) != 0;
-}
-
-int stap_af(ICB* icb, void* rec, int delen, int32_t gevonden) {
-    if (delen > 1 && gevonden >= 0 && buiten(icb, delen - 1))
-        gevonden = -1;
-    icb->currec = gevonden;
-    if (gevonden < 0)
-        return 0;
-    IXKEYTOREC(icb, rec);
-    return 1;
 }
 
 int begin(ICB* icb, const void* rec, int delen) {
@@ -31,6 +24,33 @@ int begin(ICB* icb, const void* rec, int delen) {
 int32_t zoek_eerste(ICB* icb, int lengte) {
     int32_t r = IXSEARCH(icb, '=', lengte);
     return r >= 0 ? r : IXSEARCH(icb, '>', lengte);
+}
+
+// Would a next step from here lead on? A damaged entry or record may have a key that leads back to it for ever.
+bool vordert(const ICB* icb, const void* rec, char richting, int lengte) {
+    uint8_t hier[IXSLEUTELMAX + 4];
+    const IXKEYDEF& def = IXDEF(icb);
+    IXMAAKSLEUTEL(def, rec, icb->currec, lengte, hier);
+    int uitslag = IXVERGELIJK(def, hier, icb->keybuf, lengte);
+    return richting == '<' ? uitslag < 0 : uitslag > 0;
+}
+
+// One step by key. An entry that a reader without a lock may have met half written is read again.
+int stap_af(ICB* icb, void* rec, int delen, char richting, int lengte) {
+    for (int poging = 0;; poging++) {
+        int32_t gevonden = richting == '=' ? zoek_eerste(icb, lengte) : IXSEARCH(icb, richting, lengte);
+        if (delen > 1 && gevonden >= 0 && buiten(icb, delen - 1))
+            gevonden = -1;
+        icb->currec = gevonden;
+        if (gevonden < 0)
+            return 0;
+        IXKEYTOREC(icb, rec);
+        if (richting == '=' || vordert(icb, rec, richting, lengte))
+            return 1;
+        if (ALLEEN(icb) || poging == RONDEN)
+            IXSTUK(icb, icb->curblock);
+        usleep(100);
+    }
 }
 
 // The record of the entry found, or of the next ones in the same direction when it has become free meanwhile.
@@ -47,6 +67,8 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
             return 0;
         switch (IXLEESGEVONDEN(icb, rec, richting, &poging)) {
         case R_GOED:
+            if (!vanaf_gelijk && !vordert(icb, rec, richting, lengte))
+                IXSTUK(icb, icb->curblock);
             return 1;
         case R_VRIJ:
             memcpy(icb->keybuf, icb->curent, static_cast<size_t>(lengte));
@@ -82,20 +104,20 @@ int lees_hier(ICB* icb, void* rec, char richting) {
 int IXFIRSTK(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXFIRSTK");
     int lengte = begin(icb, rec, delen);
-    return stap_af(icb, rec, delen, zoek_eerste(icb, lengte));
+    return stap_af(icb, rec, delen, '=', lengte);
 }
 
 int IXNEXTK(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXNEXTK");
     int lengte = begin(icb, rec, delen);
-    return stap_af(icb, rec, delen, IXSEARCH(icb, '>', lengte));
+    return stap_af(icb, rec, delen, '>', lengte);
 }
 
 // A search for '<' finds its own way from the root, so the '=' that sets the position is not needed here.
 int IXPREVK(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXPREVK");
     int lengte = begin(icb, rec, delen);
-    return stap_af(icb, rec, delen, IXSEARCH(icb, '<', lengte));
+    return stap_af(icb, rec, delen, '<', lengte);
 }
 
 int IXFIRSTR(ICB* icb, void* rec, int delen) {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <unistd.h>
 
 namespace zg {
@@ -71,8 +72,16 @@ void VSCRFATAL(const char* fmt, va_list ap) {
         ZEND("mc4");
         SCHERM.dicht = 0;
     }
-    if (SCRFATALHAAK)
+    if (SCRFATALHAAK) {
+        // A test's hook may throw: then the next report is a first one again.
+        struct Terug {
+            ~Terug() { bezig = false; }
+        };
+        std::optional<Terug> terug(std::in_place);
         SCRFATALHAAK();
+        terug.reset();
+        bezig = true;
+    }
     if (MACROHAAK.speelt && MACROHAAK.stop)
         MACROHAAK.stop();
     if (SCHERM.bestaat && SCHERM.aantal > 0 && SCHERM.aantal < VENSTERS && geheugen())

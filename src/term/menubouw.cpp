@@ -156,7 +156,7 @@ TR_MENU* TR_NIEUW_SUB(TR_MENU* menu, TR_ITEM* item) {
     // Only a fixed width that was really given is handed down.
     sub->auto_ = menu->auto_ || menu->breedte == 0;
     sub->breedte = sub->auto_ ? uint16_t{0} : menu->breedte;
-    sub->actief = item->aan;
+    sub->actief = static_cast<uint32_t>(item->aan);
     item->sub = sub;
     return sub;
 }

@@ -1,0 +1,368 @@
+// Every bit of a small index flipped in turn: nothing crashes, hangs or answers nonsense, and the deep check notices
+// each flip but those that it can't; these are counted by the region of the file. Then damage by kind, planted and
+// named. ZG_LONG=1 opens and walks after every flip, not after one in a few.
+#include "store/diepcheck.h"
+#include "store/hulp.h"
+#include "store/node.h"
+#include "store/syscall.h"
+#include "term/scherm.h"
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <map>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zg::test {
+namespace {
+
+#pragma pack(push, 1)
+struct Rec {
+    uint32_t nr;
+    char naam[50];
+    uint16_t groep;
+};
+#pragma pack(pop)
+
+// Five keys; the one of 60 bytes has seven places in a node, so a few records give it two levels.
+const Tabel tabel{sizeof(Rec), {"k,I,1,4", "n,C,5,54", "g,I,55,56", "gn,NODUPS,I,55,56,C,5,14", "d,C,5,8"}};
+
+void maak(int records, int gewist) {
+    ICB* icb = maak_open("T", tabel, 2);
+    Rec r{};
+    for (int i = 0; i < records; i++) {
+        r.nr = static_cast<uint32_t>(i * 7 % records) * 10;
+        snprintf(r.naam, sizeof r.naam, "naam %03d", i);
+        r.groep = static_cast<uint16_t>(i * 3);
+        IXWRITE(icb, &r);
+    }
+    for (int i = 0; i < gewist; i++)
+        if (IXGET(icb, &r, i * 2) == 1)
+            IXDELETE(icb, &r);
+    // A reserved key, so that the queue holds something.
+    r.nr = 5;
+    IXREADL(icb, &r);
+    IXCLOSE(icb);
+}
+
+// What a program does: through every key, forth and back.
+void doorloop() {
+    ICB* icb = IXOPEN("T", 0);
+    const int grens = 1000;
+    for (int k = 1; k <= icb->h.nkeys; k++) {
+        uint8_t rec[IXRECMAX] = {}; // a damaged record length is longer than the record
+        IXSWITCH(icb, k);
+        int n = 0;
+        for (int ok = IXFIRST(icb, rec); ok && n <= grens; ok = IXNEXT(icb, rec))
+            n++;
+        for (int ok = IXLAST(icb, memset(rec, 0xFF, sizeof rec)); ok && n <= grens; ok = IXPREVR(icb, rec, 0))
+            n++;
+        if (n > grens)
+            _exit(77);
+    }
+    IXCLOSE(icb);
+}
+
+// Run in a child that may stop with a report (status 1) or end (0), within ten seconds. Anything else is a fault.
+int in_tijd(const std::function<void()>& werk) {
+    return in_kind([&] {
+        alarm(10);
+        int niets = open("/dev/null", O_RDWR);
+        dup2(niets, 1);
+        dup2(niets, 2);
+        SCRFATALHAAK = [] { _exit(1); };
+        IXWAITHOOK = [](ICB*) { _exit(1); };
+        werk();
+    });
+}
+
+struct Gebied {
+    int bits = 0, gezien = 0;
+};
+
+class Kaart {
+public:
+    explicit Kaart(const std::string& idx) : idx_(idx) { memcpy(&h_, idx.data(), sizeof h_); }
+    // Region of a byte of the index.
+    std::string gebied(size_t plaats) const {
+        const size_t blok = plaats / IXBLOK, in = plaats % IXBLOK;
+        if (blok == 0)
+            return kop(in);
+        const auto& k = *reinterpret_cast<const IXKNOOP*>(idx_.data() + blok * IXBLOK);
+        if (in == 2 || in == 3 || in >= 510)
+            return "node: bytes without meaning";
+        if (blok == static_cast<size_t>(h_.nkeys + 1))
+            return in < 5                                    ? "queue: head"
+                   : in < 5u + k.count * h_.keydef[0].keylen ? "queue: reserved key"
+                                                             : "queue: behind the keys";
+        if (in < 5)
+            return "node: head";
+        const int stap = h_.keydef[k.keyno - 1].keylen + 4;
+        const size_t i = (in - 5) / static_cast<size_t>(stap), rest = (in - 5) % static_cast<size_t>(stap);
+        if (i >= k.count)
+            return "node: behind the entries";
+        if (rest >= h_.keydef[k.keyno - 1].keylen)
+            return "node: pointer";
+        return "node: key";
+    }
+
+    // Would the key that a byte belongs to still compare equal with another value of the byte?
+    bool zelfde_sleutel(size_t plaats, uint8_t anders) const {
+        const uint8_t* blok = reinterpret_cast<const uint8_t*>(idx_.data()) + plaats / IXBLOK * IXBLOK;
+        const IXKEYDEF& def = h_.keydef[*blok - 1];
+        const size_t begin = (plaats % IXBLOK - 5) / (def.keylen + 4u) * (def.keylen + 4u) + 5;
+        uint8_t ander[IXBLOK];
+        memcpy(ander, blok, sizeof ander);
+        ander[plaats % IXBLOK] = anders;
+        return IXVERGELIJK(def, blok + begin, ander + begin, def.keylen) == 0;
+    }
+
+private:
+    std::string kop(size_t in) const {
+        static const struct {
+            size_t tot;
+            const char* naam;
+        } velden[] = {{11, "header: name"},  {12, "header: nkeys"},   {16, "header: freehead"},
+                      {20, "header: nrecs"}, {24, "header: nblocks"}, {26, "header: reclen"},
+                      {45, "header: title"}, {46, "header: busy"},    {48, "header: unused"}};
+        for (const auto& v : velden)
+            if (in < v.tot)
+                return v.naam;
+        if (in >= sizeof(IXHEADER))
+            return "header: behind its 260 bytes";
+        if (in >= offsetof(IXHEADER, version))
+            return "header: version";
+        const size_t def = (in - 48) / sizeof(IXKEYDEF), veld = (in - 48) % sizeof(IXKEYDEF);
+        if (veld < 8)
+            return "key definition: name";
+        if (veld >= 41)
+            return "key definition: unused byte";
+        if (veld >= 11) {
+            const size_t deel = (veld - 11) % IXDELEN;
+            const IXKEYDEF& d = h_.keydef[def];
+            size_t delen = 0;
+            while (delen < IXDELEN && d.ptype[delen])
+                delen++;
+            if (deel > delen || (deel == delen && veld >= 21))
+                return "key definition: parts behind the last";
+            return deel == delen ? "key definition: end of the parts" : "key definition: parts";
+        }
+        return "key definition: flag, length, entries";
+    }
+    std::string idx_;
+    IXHEADER h_;
+};
+
+// Regions in which some flips can't be seen, and why. In all others every flip must be noticed.
+const std::map<std::string, const char*> ONZICHTBAAR = {
+    {"header: name", "a name is a name"},
+    {"header: title", "any text is a title"},
+    {"header: unused", "no meaning"},
+    {"header: behind its 260 bytes", "no meaning"},
+    {"key definition: name", "a name is a name"},
+    {"key definition: unused byte", "no meaning"},
+    {"key definition: parts behind the last", "not looked at"},
+    {"node: bytes without meaning", "no meaning"},
+    {"node: key", "another letter that sorts the same, as an update from one to the other leaves it"},
+    {"queue: reserved key", "any key may be reserved"},
+};
+
+TEST(Flip, ElkeBitVanDeIndex) {
+    TijdelijkeMap map;
+    KorteWacht kort;
+    maak(13, 2);
+    const std::string idx = lees_bestand("T.INX");
+    const Kaart kaart(idx);
+    ASSERT_EQ("", gezondheid("T"));
+    std::map<std::string, Gebied> gebieden;
+    const size_t bits = idx.size() * 8, stap = getenv("ZG_LONG") ? 1 : 29;
+    int fd = open("T.INX", O_RDWR | O_CLOEXEC), data = open("T.TXT", O_RDWR | O_CLOEXEC);
+    auto draai = [&](size_t bit) {
+        uint8_t b = static_cast<uint8_t>(idx[bit / 8]) ^ static_cast<uint8_t>(1u << bit % 8);
+        ASSERT_EQ(1, pwrite(fd, &b, 1, static_cast<off_t>(bit / 8)));
+    };
+    auto terug = [&](size_t bit) { ASSERT_EQ(1, pwrite(fd, &idx[bit / 8], 1, static_cast<off_t>(bit / 8))); };
+    for (size_t bit = 0; bit < bits; bit++) {
+        const std::string naam = kaart.gebied(bit / 8);
+        Gebied& g = gebieden[naam];
+        draai(bit);
+        const bool gezien = !IXDIEPCHECK(fd, data).empty();
+        terug(bit);
+        g.bits++;
+        g.gezien += gezien;
+        const uint8_t anders = static_cast<uint8_t>(idx[bit / 8] ^ 1 << bit % 8);
+        ASSERT_TRUE(gezien || naam != "node: key" || kaart.zelfde_sleutel(bit / 8, anders)) << bit / 8;
+        ASSERT_TRUE(gezien || ONZICHTBAAR.count(naam)) << naam << ", byte " << bit / 8 << " bit " << bit % 8;
+    }
+    // In children, a hundred flips each; a report that stops one costs a child for that flip alone.
+    std::vector<size_t> werk;
+    for (size_t bit = 0; bit < bits; bit += stap)
+        werk.push_back(bit);
+    for (size_t van = 0; van < werk.size();) {
+        int pijp[2];
+        ASSERT_EQ(0, pipe(pijp));
+        const int status = in_tijd([&] {
+            for (size_t i = van; i < werk.size() && i < van + 100; i++) {
+                if (write(pijp[1], &i, sizeof i) < 0)
+                    _exit(78);
+                draai(werk[i]);
+                IXCHECK("T");
+                doorloop();
+                terug(werk[i]);
+            }
+        });
+        close(pijp[1]);
+        size_t i = van, klaar = van;
+        while (read(pijp[0], &i, sizeof i) == static_cast<ssize_t>(sizeof i))
+            klaar = i;
+        close(pijp[0]);
+        terug(werk[klaar]);
+        ASSERT_TRUE(status == 0 || status == 1)
+            << "status " << status << " at byte " << werk[klaar] / 8 << " bit " << werk[klaar] % 8 << ", "
+            << kaart.gebied(werk[klaar] / 8);
+        // IXOPEN puts another version right on disk; nothing else may have been written.
+        schrijf_bestand("T.INX", idx);
+        van = klaar + 1;
+    }
+    close(fd);
+    close(data);
+    int alle = 0, gezien = 0;
+    for (const auto& [naam, g] : gebieden) {
+        printf("%-40s %6d bits, %6d noticed%s%s\n", naam.c_str(), g.bits, g.gezien,
+               g.gezien < g.bits ? "; the others: " : "", g.gezien < g.bits ? ONZICHTBAAR.at(naam) : "");
+        alle += g.bits;
+        gezien += g.gezien;
+    }
+    printf("%-40s %6d bits, %6d noticed\n", "together", alle, gezien);
+}
+
+// The file as the damage below sees it.
+struct Schade {
+    std::string idx, dat;
+    IXHEADER& h() { return *reinterpret_cast<IXHEADER*>(idx.data()); }
+    IXKNOOP& knoop(int32_t blok) {
+        return *reinterpret_cast<IXKNOOP*>(idx.data() + static_cast<size_t>(blok) * IXBLOK);
+    }
+    uint8_t* entry(int sleutel, int32_t blok, int i) {
+        return knoop(blok).entries + i * (h().keydef[sleutel - 1].keylen + 4);
+    }
+    int32_t wijzer(int sleutel, int32_t blok, int i) {
+        return LEES32(entry(sleutel, blok, i) + h().keydef[sleutel - 1].keylen);
+    }
+    void zet_wijzer(int sleutel, int32_t blok, int i, int32_t n) {
+        ZET32(entry(sleutel, blok, i) + h().keydef[sleutel - 1].keylen, n);
+    }
+    // First leaf of a key.
+    int32_t blad(int sleutel) {
+        int32_t blok = sleutel;
+        while (knoop(blok).level > 1)
+            blok = wijzer(sleutel, blok, 0);
+        return blok;
+    }
+    void weg(int sleutel, int32_t blok, int i) {
+        const size_t stap = h().keydef[sleutel - 1].keylen + size_t{4};
+        uint8_t* e = entry(sleutel, blok, i);
+        uint8_t* einde = entry(sleutel, blok, knoop(blok).count);
+        memmove(e, e + stap, static_cast<size_t>(einde - e) - stap);
+        memset(einde - stap, 0, stap);
+        knoop(blok).count--;
+    }
+    char* rec(int nr) { return dat.data() + static_cast<size_t>(nr) * sizeof(Rec); }
+};
+
+TEST(Flip, ElkeSoortSchadeHeeftEenNaam) {
+    const struct {
+        const char* wat;
+        void (*doe)(Schade&);
+    } gevallen[] = {
+        {"out of order",
+         [](Schade& s) {
+             uint8_t a[64], *een = s.entry(1, s.blad(1), 1), *twee = s.entry(1, s.blad(1), 2);
+             memcpy(a, een, 8), memcpy(een, twee, 8), memcpy(twee, a, 8);
+         }},
+        {"has the key of the one before",
+         [](Schade& s) { memcpy(s.entry(1, s.blad(1), 1), s.entry(1, s.blad(1), 0), 8); }},
+        {"counts 0 entries", [](Schade& s) { s.knoop(s.blad(2)).count = 0; }},
+        {"counts 200 entries", [](Schade& s) { s.knoop(3).count = 200; }},
+        {"something behind its last entry", [](Schade& s) { s.knoop(s.blad(2)).count--; }},
+        {"separator above is not the highest", [](Schade& s) { s.entry(2, 2, 0)[6] ^= 2; }},
+        {"sentinel is missing", [](Schade& s) { s.entry(3, 3, s.knoop(3).count - 1)[0] = 0; }},
+        {"sentinel leads to record 4", [](Schade& s) { s.zet_wijzer(1, 1, s.knoop(1).count - 1, 4); }},
+        {"is not found by its key", [](Schade& s) { s.weg(5, s.blad(5), 1); }},
+        {"tree has 10 records, the data file has 11", [](Schade& s) { s.weg(3, s.blad(3), 0); }},
+        {"is not the key of its record", [](Schade& s) { s.zet_wijzer(1, 1, 1, s.wijzer(1, 1, 2)); }},
+        {"which does not exist", [](Schade& s) { s.zet_wijzer(1, 1, 0, 5000); }},
+        {"which is free", [](Schade& s) { s.zet_wijzer(1, 1, 0, s.h().freehead); }},
+        {"which is no node", [](Schade& s) { s.zet_wijzer(2, 2, 0, 1); }},
+        {"is of level",
+         [](Schade& s) {
+             s.zet_wijzer(2, 2, 0, 9999);
+             s.zet_wijzer(2, 2, 0, s.wijzer(2, 2, 1));
+             s.knoop(s.wijzer(2, 2, 1)).level = 2;
+         }},
+        {"belongs to key 3", [](Schade& s) { s.knoop(s.blad(2)).keyno = 3; }},
+        {"separator above is not",
+         [](Schade& s) { // two children change places
+             int32_t a = s.wijzer(2, 2, 0), b = s.wijzer(2, 2, 1);
+             s.zet_wijzer(2, 2, 0, b), s.zet_wijzer(2, 2, 1, a);
+         }},
+        {"says that it is of level 2",
+         [](Schade& s) { // a node that is its own child
+             int32_t kind = s.blad(2);
+             s.knoop(kind).level = 2;
+             s.zet_wijzer(2, kind, 0, kind);
+         }},
+        {"free chain: runs in a circle",
+         [](Schade& s) {
+             int32_t een = s.h().freehead, twee = LEES32(s.rec(een) + 1);
+             ZET32(s.rec(twee) + 1, een);
+         }},
+        {"free chain: leads to record 99", [](Schade& s) { ZET32(s.rec(s.h().freehead) + 1, 99); }},
+        {"which is in use", [](Schade& s) { s.h().freehead = 1; }},
+        {"free chain: ends in -7",
+         [](Schade& s) {
+             int32_t twee = LEES32(s.rec(s.h().freehead) + 1);
+             ZET32(s.rec(twee) + 1, -7);
+         }},
+        {"free chain: has 1 records, the data file has 2",
+         [](Schade& s) { s.h().freehead = LEES32(s.rec(s.h().freehead) + 1); }},
+        {"lock queue: counts", [](Schade& s) { s.knoop(6).count = 255; }},
+        {"lock queue: there is something behind", [](Schade& s) { s.knoop(6).count = 0; }},
+        {"lock queue: keys 1 and 2 are the same",
+         [](Schade& s) {
+             memcpy(s.knoop(6).entries + 4, s.knoop(6).entries, 4);
+             s.knoop(6).count = 2;
+         }},
+        {"is not a queue", [](Schade& s) { s.knoop(6).level = 1; }},
+        {"marked as being changed", [](Schade& s) { s.h().busy = 1; }},
+        {"header: version 352", [](Schade& s) { s.h().version = 352; }},
+        {"header: number of keys", [](Schade& s) { s.h().nkeys = 6; }},
+        {"header: record length", [](Schade& s) { s.h().reclen = 0; }},
+        {"header: a key part lies outside", [](Schade& s) { s.h().keydef[1].pend[0] = 250; }},
+        {"header: counts", [](Schade& s) { s.h().nblocks++; }},
+        {"header: counts 14 records, the data file holds 13", [](Schade& s) { s.h().nrecs++; }},
+        {"not a whole number of records", [](Schade& s) { s.dat += "x"; }},
+        {"too short for a header", [](Schade& s) { s.idx.resize(259); }},
+        {"leads to block 9, which is no node", [](Schade& s) { s.idx.resize(s.idx.size() - IXBLOK); }},
+        {"the data file has 12 in use", // a record twice, by a copy in a free slot
+         [](Schade& s) { memcpy(s.rec(s.h().freehead), s.rec(1), sizeof(Rec)); }},
+        {"is not the key of its record", [](Schade& s) { s.rec(3)[6] = '?'; }},
+    };
+    TijdelijkeMap map;
+    KorteWacht kort;
+    maak(13, 2);
+    const Schade goed{lees_bestand("T.INX"), lees_bestand("T.TXT")};
+    for (const auto& g : gevallen) {
+        Schade s = goed;
+        g.doe(s);
+        ASSERT_TRUE(s.idx != goed.idx || s.dat != goed.dat) << g.wat;
+        schrijf_bestand("T.INX", s.idx);
+        schrijf_bestand("T.TXT", s.dat);
+        EXPECT_NE(std::string::npos, gezondheid("T").find(g.wat)) << g.wat << ", but:\n" << gezondheid("T");
+        const int status = in_tijd([] { doorloop(); });
+        EXPECT_TRUE(status == 0 || status == 1) << g.wat << ": status " << status;
+    }
+}
+
+} // namespace
+} // namespace zg::test
