@@ -41,7 +41,7 @@ void IXWAARSCHUW(const char* titel, const char* fmt, ...) {
     vsnprintf(tekst, sizeof tekst, fmt, ap);
     va_end(ap);
     if (SCHERM.bestaat)
-        FFLASH(-1, 2, 0, titel, "%s", tekst);
+        FFLASH(-1, 2, A_WAARDE, titel, "%s", tekst);
     else
         fprintf(stderr, "%s: %s\n", titel, tekst);
 }
@@ -52,7 +52,7 @@ int IXJANEE(const char* titel, const char* fmt, ...) {
     va_start(ap, fmt);
     vsnprintf(tekst, sizeof tekst, fmt, ap);
     va_end(ap);
-    return SCHERM.bestaat ? FFLASH(-2, 2, 0, titel, "%s", tekst) : 0;
+    return SCHERM.bestaat ? FFLASH(-2, 2, A_WAARDE, titel, "%s", tekst) : 0;
 }
 
 void BADKEY(const char* tag, const ICB* icb, int verwacht) {

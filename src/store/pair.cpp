@@ -135,7 +135,7 @@ ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd) {
         SCRFATAL("%s", TXT(T_GEHEUGEN_ICB));
     icb->idxfd = idxfd;
     icb->datfd = datfd;
-    icb->mode = mode;
+    icb->mode = mode == 0 || mode == 1 ? mode : 2;
     icb->tempidx = IXTIJDELIJKENAAM(naam);
     icb->curent = KNOOP(icb).entries;
     std::fill(std::begin(icb->parent), std::end(icb->parent), -1);
@@ -208,6 +208,8 @@ void IXINITIX(ICB* icb) {
 
 void IXINIT(ICB* icb) {
     IXEIS(icb, "IXINIT");
+    if (IXDEFFOUT(icb->h))
+        IXSTUK(icb, 0); // before anything is emptied
     IXLOCK(icb, 1);
     const bool heel = strlen(icb->path) < sizeof icb->path - 1; // else the name may have been cut
     icb->idxfd = leeg_bestand(icb->idxfd, std::string(icb->path) + ".INX", heel);
@@ -237,8 +239,10 @@ ICB* IXOPEN(const char* naam, int mode) {
         IXRDIX(icb, 0);
         IXLOCK(icb, 12);
     }
-    if (mode == 1)
+    if (icb->mode == 1) {
         IXLOCK(icb, 1);
+        IXRDIX(icb, 0); // others may have written until now, and from here on the counters are this handle's
+    }
     IXSWITCH(icb, 1);
     return icb;
 }

@@ -37,6 +37,11 @@ void einde_wijziging(ICB* icb) {
     IXLOCK(icb, 12);
 }
 
+// A record that reads as a free slot can't be kept: the next rebuild would lose it.
+bool lijkt_vrij(const ICB* icb, const void* rec) {
+    return !IXRECLIVE(rec, icb->h.reclen);
+}
+
 bool alleen_lezen(const ICB* icb) {
     if (icb->mode != 0)
         return false;
@@ -131,6 +136,8 @@ int werk_bij(ICB* icb, const void* rec) {
 int schrijf(ICB* icb, const void* rec, bool laat_los) {
     if (alleen_lezen(icb))
         return 1;
+    if (lijkt_vrij(icb, rec))
+        return 0;
     const int bewaard = IXSLEUTEL(icb);
     const bool gedeeld = icb->mode == 2;
     if (gedeeld)
@@ -327,14 +334,15 @@ int IXPUTREC(ICB* icb, const void* rec) {
     IXEIS(icb, "IXPUTREC");
     if (alleen_lezen(icb))
         return 1;
-    IXWRREC(icb, rec);
+    if (!lijkt_vrij(icb, rec))
+        IXWRREC(icb, rec);
     IXLOCK(icb, 13);
     return 1;
 }
 
 int IXUPDATE(ICB* icb, const void* rec) {
     IXEIS(icb, "IXUPDATE");
-    if (icb->currec < 0 || alleen_lezen(icb))
+    if (icb->currec < 0 || alleen_lezen(icb) || lijkt_vrij(icb, rec))
         return 0;
     const int bewaard = IXSLEUTEL(icb);
     if (icb->mode == 2)
@@ -348,7 +356,7 @@ int IXUPDATE(ICB* icb, const void* rec) {
 
 int IXINSERT(ICB* icb, const void* rec) {
     IXEIS(icb, "IXINSERT");
-    if (alleen_lezen(icb))
+    if (alleen_lezen(icb) || lijkt_vrij(icb, rec))
         return 0;
     if (icb->mode == 2)
         begin_wijziging(icb);

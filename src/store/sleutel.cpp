@@ -203,10 +203,11 @@ void IXMAAKSLEUTEL(const IXKEYDEF& def, const void* rec, int32_t recnr, int leng
 int IXVERGELIJK(const IXKEYDEF& def, const void* a, const void* b, int lengte) {
     const uint8_t* pa = static_cast<const uint8_t*>(a);
     const uint8_t* pb = static_cast<const uint8_t*>(b);
+    lengte = std::min<int>(lengte, def.keylen);
     if (lengte <= 0)
         return 0;
     if (alleen_getallen(def))
-        return memcmp(pa, pb, static_cast<size_t>(std::min(lengte, IXSLEUTELMAX)));
+        return memcmp(pa, pb, static_cast<size_t>(lengte));
     int rest = lengte, plaats = 0;
     for (int d = 0; d < IXDELEN && def.ptype[d] && rest > 0; d++) {
         int breed = IXDEELBREEDTE(def, d);

@@ -143,6 +143,11 @@ TEST_P(Record, LevendMetFF) {
     r.waarde = 5;
     EXPECT_EQ(1, IXRECLIVE(&r, 20));
     EXPECT_EQ(0, IXRECLIVE(&r, 16));
+    memset(&r, 0xFF, sizeof r); // would read as a free slot
+    EXPECT_EQ(0, IXWRITE(icb, &r));
+    EXPECT_EQ(0, IXINSERT(icb, &r));
+    EXPECT_EQ(0, icb->h.nrecs);
+    r.waarde = 5;
     r.nr = -1; // first byte 0xFF, and live
     EXPECT_EQ(1, IXWRITE(icb, &r));
     EXPECT_EQ(1, IXREAD(icb, &r));

@@ -193,6 +193,25 @@ TEST_F(Slot, Exclusief) {
     EXPECT_EQ("ok", ander->antwoord());
 }
 
+// While the opener waits for the whole file the header that it has read grows old.
+TEST_F(Slot, ExclusiefNaHetWerkVanEenAnder) {
+    ik("open 2");
+    EXPECT_EQ("0", ik("readl 1"));
+    ik("write 1");
+    EXPECT_EQ("1", ik("readl 1"));
+    EXPECT_EQ(Agent::geen_antwoord, ander->vraag("open 1"));
+    for (int i = 2; i < 60; i++)
+        ik("write " + std::to_string(i));
+    ik("unlock 1");
+    EXPECT_EQ("ok", ander->antwoord());
+    EXPECT_EQ("1", ander->vraag("write 100"));
+    EXPECT_EQ("ok", ander->vraag("close"));
+    EXPECT_EQ("1", ik("read 100"));
+    EXPECT_EQ(59 * 40 + 40u, lees_bestand("T.TXT").size());
+    IXCLOSE(ik.icb);
+    EXPECT_GEZOND("T");
+}
+
 TEST_F(Slot, DeKopWordtKortGevraagd) {
     open();
     EXPECT_EQ("1", ander->vraag("lock 2"));

@@ -1,0 +1,103 @@
+// What a user sees of the store: the question when a file can't be opened, who is in the way, the warning boxes, a
+// report that ends the program.
+#include "store/hulp.h"
+#include "store/node.h"
+#include "store/syscall.h"
+#include "term/gesprek.h"
+#include <cerrno>
+#include <fcntl.h>
+
+namespace zg::test {
+namespace {
+
+const Tabel tabel{20, {"k,I,1,4"}};
+
+int weigeringen;
+int geen_toegang(const char* pad, int vlaggen, mode_t bits) {
+    if (weigeringen-- > 0) {
+        errno = EACCES;
+        return -1;
+    }
+    return open(pad, vlaggen, bits);
+}
+
+TEST(StoreScherm, GeenToegangNogmaalsProberen) {
+    TijdelijkeMap map;
+    maak_paar("T", tabel);
+    auto vraag = [](int n) {
+        return [n] {
+            weigeringen = n;
+            IXSYS.open = geen_toegang;
+            IXCLOSE(IXOPEN("T", 2 + IXVRAAG));
+            return std::string("open");
+        };
+    };
+    Gesprek g(vraag(2));
+    EXPECT_TRUE(g.wacht("onvoldoende bevoegdheden om het bestand te openen."));
+    EXPECT_TRUE(g.wacht("T.TXT"));
+    EXPECT_TRUE(g.wacht("Nogmaals proberen"));
+    g.toetsen("J<Enter>");
+    g.toetsen("<Enter>"); // yes is the default
+    EXPECT_EQ("open", g.antwoord());
+    Gesprek nee(vraag(1));
+    nee.toetsen("N<Enter>");
+    EXPECT_TRUE(nee.wacht("QUILLDB(13): T.TXT "));
+    EXPECT_TRUE(nee.wacht("PROGRAMMA AFGEBROKEN"));
+    nee.stuur("\r");
+    EXPECT_EQ(1, nee.einde());
+}
+
+TEST(StoreScherm, WieInDeWegZit) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, 2);
+    char r[20] = {1};
+    IXWRITE(icb, r);
+    EXPECT_EQ(1, IXREADL(icb, r));
+    Gesprek g([] {
+        ICB* i = IXOPEN("T", 2);
+        char s[20] = {1};
+        IXREADL(i, s);
+        IXCLOSE(i);
+        return std::string("got it");
+    });
+    EXPECT_TRUE(g.wacht("T          : proef               --> Informatie in gebruik op ander scherm"));
+    IXUNLOCK(icb, r);
+    EXPECT_EQ("got it", g.antwoord());
+    IXCLOSE(icb);
+}
+
+TEST(StoreScherm, AlleenLezen) {
+    TijdelijkeMap map;
+    maak_paar("T", tabel);
+    Gesprek g([] {
+        ICB* i = IXOPEN("T", 0);
+        char s[20] = {1};
+        int uit = IXWRITE(i, s);
+        IXCLOSE(i);
+        return vorm("%d", uit);
+    });
+    EXPECT_TRUE(g.wacht("IXWRITE op een bestand dat READ-ONLY geopend is"));
+    EXPECT_TRUE(g.wacht("Waarschuwing"));
+    g.toetsen("<Enter>");
+    EXPECT_EQ("1", g.antwoord());
+    EXPECT_EQ("", lees_bestand("T.TXT"));
+}
+
+TEST(StoreScherm, BezigGemarkeerd) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, 2);
+    icb->h.busy = 1;
+    IXWRIX(icb, 0);
+    icb->h.busy = 0;
+    Gesprek g([] {
+        IXOPEN("T", 2);
+        return std::string("open");
+    });
+    EXPECT_TRUE(g.wacht("T          : proef               --> Niet consistent"));
+    g.stuur("\r");
+    EXPECT_EQ(1, g.einde());
+    IXCLOSE(icb);
+}
+
+} // namespace
+} // namespace zg::test
