@@ -252,6 +252,7 @@ void tekst_dialoog(int rij, int kolom, int rijen, int breedte, char* tekst) {
     tekst[rijen * breedte] = 0;
     deel(v);
     int32_t toets;
+    BEZIGWIS();
     for (;;) {
         toon(v);
         int r = rij_van(v);
@@ -263,6 +264,7 @@ void tekst_dialoog(int rij, int kolom, int rijen, int breedte, char* tekst) {
         if (!verwerk(v, toets))
             error("%s", TXT(T_ONGELDIGE_TOETS));
     }
+    BEZIGTOON();
     tekst[v.begin[rijen]] = 0;
     zonder_zacht(tekst);
     size_t n = strlen(tekst);

@@ -1,6 +1,6 @@
 #include "shared/arraylijst.h"
-#include "shared/teksten.h"
 #include "shared/report.h"
+#include "shared/teksten.h"
 #include "term/ingave.h"
 #include "term/lijst.h"
 #include "term/prompt.h"

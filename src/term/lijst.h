@@ -18,9 +18,9 @@ struct LIJST {
     // page begins there. When it has removed or changed rows it sets modus 1: the page is read again from its
     // first row that is left, the cursor stays on its row.
     void (*toets)();
-    void (*kop)();                 // may be null
-    const char* (*regel)();        // text of the current row
-    uint32_t positie;              // identity of the current row; 0xFFFFFFFF at the start
+    void (*kop)();          // may be null
+    const char* (*regel)(); // text of the current row
+    uint32_t positie;       // identity of the current row; 0xFFFFFFFF at the start
     uint8_t vast, merken, omgekeerd;
     Gemerkt* gemerkt;
     int32_t stand;

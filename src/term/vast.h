@@ -9,7 +9,9 @@
 namespace zg {
 
 // The text of a field: up to the first NUL or the width.
-template <size_t N> std::string_view VASTUIT(const char (&veld)[N]) { return {veld, strnlen(veld, N)}; }
+template <size_t N> std::string_view VASTUIT(const char (&veld)[N]) {
+    return {veld, strnlen(veld, N)};
+}
 
 // Put a text into a field: cut at the width, NUL to the end.
 template <size_t N> void VASTIN(char (&veld)[N], std::string_view tekst) {
@@ -26,10 +28,14 @@ inline std::string_view VASTTRIM(std::string_view tekst) {
 }
 
 // Field without trailing blanks, as a NUL-ended string.
-template <size_t N> std::string VASTTEKST(const char (&veld)[N]) { return std::string(VASTTRIM(VASTUIT(veld))); }
+template <size_t N> std::string VASTTEKST(const char (&veld)[N]) {
+    return std::string(VASTTRIM(VASTUIT(veld)));
+}
 
 // Is there nothing but NUL and blanks?
-template <size_t N> bool VASTLEEG(const char (&veld)[N]) { return VASTTRIM(VASTUIT(veld)).empty(); }
+template <size_t N> bool VASTLEEG(const char (&veld)[N]) {
+    return VASTTRIM(VASTUIT(veld)).empty();
+}
 
 // Same text, trailing blanks apart?
 template <size_t N> bool VASTGELIJK(const char (&veld)[N], std::string_view tekst) {
