@@ -19,7 +19,11 @@ int ixcheck(const Opdracht& o) {
             slechtst = slechtst == GOED ? uitkomst : slechtst;
             continue;
         }
-        std::vector<std::string> bevindingen = IXDIEPCHECK(paar.idx, paar.dat);
+        std::vector<std::string> bevindingen;
+        {
+            Werkbalk balk("check " + tabelnaam(naam));
+            bevindingen = IXDIEPCHECK(paar.idx, paar.dat);
+        }
         paar_kop(&paar);
         paar_los(&paar);
         if (bevindingen.empty()) {

@@ -53,7 +53,7 @@ int ixcopy(const Opdracht& o) {
         return klacht(doel, strerror(errno)), NIET_TE_OPENEN;
     const std::string hier = map.pad() + "/" + tabelnaam(doel);
     {
-        Balk balk(tabelnaam(paar.naam), paar.idxbytes + paar.datbytes);
+        Balk balk("copy " + tabelnaam(paar.naam), paar.idxbytes + paar.datbytes);
         int64_t gedaan = 0;
         if (!kopieer(paar.idx, hier + ".INX", paar.idxbytes, balk, &gedaan) ||
             !kopieer(paar.dat, hier + ".TXT", paar.datbytes, balk, &gedaan))
@@ -61,7 +61,11 @@ int ixcopy(const Opdracht& o) {
     }
     paar_los(&paar);
     if (!o.zonder_check) {
-        std::vector<std::string> bevindingen = IXDIEPCHECK(hier.c_str());
+        std::vector<std::string> bevindingen;
+        {
+            Werkbalk balk("check " + tabelnaam(doel));
+            bevindingen = IXDIEPCHECK(hier.c_str());
+        }
         for (const std::string& b : bevindingen)
             klacht(paar.naam, b);
         if (!bevindingen.empty())

@@ -20,7 +20,7 @@ int schrijf(const Opdracht& o, Paar& paar, FILE* uit) {
     dump.kop(kop, indeling(kop.naam, paar.kop));
     std::vector<uint8_t> stuk(static_cast<size_t>(STUK / reclen * reclen));
     const int64_t nrecs = paar.datbytes / reclen;
-    Balk balk(kop.naam, nrecs);
+    Balk balk("dump " + kop.naam, nrecs);
     for (int64_t nr = 0; nr < nrecs;) {
         if (!o.heel)
             if (int fout = paar_vast(&paar, o.wacht))

@@ -54,7 +54,8 @@ std::string definitie(const Opdracht& o, const std::string& naam, const Dumpkop&
 }
 
 // Write the records of the dump as the data file; the links of its free slots go to `zij`.
-bool laad(DumpLezer& lezer, int reclen, FILE* uit, FILE* zij, Lading* l) {
+bool laad(DumpLezer& lezer, int reclen, FILE* in, FILE* uit, FILE* zij, Balk& balk, Lading* l) {
+    constexpr int PER_STAP = 256; // rows
     Dumprij rij;
     uint8_t vrij[IXRECMAX];
     memset(vrij, 0xFF, sizeof vrij);
@@ -71,6 +72,8 @@ bool laad(DumpLezer& lezer, int reclen, FILE* uit, FILE* zij, Lading* l) {
                 return false;
         }
         (rij.vrij ? l->vrij : l->records)++;
+        if (rij.nr % PER_STAP == 0)
+            balk.bij(ftello(in));
     }
     return fflush(uit) == 0 && fflush(zij) == 0;
 }
@@ -86,6 +89,16 @@ bool zet_keten(const std::string& naam, FILE* zij, int32_t freehead) {
         if (pwrite(paar.dat, &s.volgende, 4, int64_t{s.nr} * paar.kop.reclen + 1) != 4)
             return false;
     return pwrite(paar.idx, &freehead, 4, offsetof(IXHEADER, freehead)) == 4;
+}
+
+bool herbouw(const std::string& werk, const std::string& naam) {
+    Werkbalk balk("rebuild " + naam);
+    return IXBLDIX(werk.c_str()) == 1;
+}
+
+std::vector<std::string> nakijken(const std::string& werk, const std::string& naam) {
+    Werkbalk balk("check " + naam);
+    return IXDIEPCHECK(werk.c_str());
 }
 
 int meld(const std::string& naam, const std::vector<std::string>& bevindingen) {
@@ -133,13 +146,16 @@ int ixload(const Opdracht& o) {
         zij(fopen((map.pad() + "/keten").c_str(), "w+e"), fclose);
     if (!uit || !zij)
         return klacht(map.pad(), strerror(errno)), NIET_TE_OPENEN;
-    if (!laad(lezer, kop.reclen, uit.get(), zij.get(), &l))
-        return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
+    {
+        Balk balk("load " + naam, o.bestand.empty() ? 0 : IOSIZE(o.bestand.c_str()));
+        if (!laad(lezer, kop.reclen, in, uit.get(), zij.get(), balk, &l))
+            return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
+    }
     uit.reset();
     if (!lezer.fout().empty())
         return klacht(o.bestand.empty() ? "standard input" : o.bestand, lezer.fout()), FOUT_GEVONDEN;
 
-    if (!IXBLDIX(werk.c_str()))
+    if (!herbouw(werk, naam))
         return klacht(doel, "the index can't be built"), FOUT_GEVONDEN;
     // A chain that the dump tells only in part, or wrongly, is left as the rebuild made it.
     if (uit_dump && l.vrij > 0 && !l.gaten) {
@@ -147,12 +163,12 @@ int ixload(const Opdracht& o) {
             return klacht(doel, "the free chain can't be written"), FOUT_GEVONDEN;
         if (IXCHECK(werk.c_str()) != l.vrij) {
             klacht(doel, "the free chain of the dump isn't whole; made anew");
-            if (!IXBLDIX(werk.c_str()))
+            if (!herbouw(werk, naam))
                 return FOUT_GEVONDEN;
         }
     }
     if (!o.zonder_check)
-        if (int fout = meld(doel, IXDIEPCHECK(werk.c_str())))
+        if (int fout = meld(doel, nakijken(werk, naam)))
             return fout;
     if (int fout = map.naar(doel, o.vervang, o.wacht))
         return fout;

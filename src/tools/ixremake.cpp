@@ -38,9 +38,18 @@ int maak(const std::string& naam, const Opdracht& o) {
         if (int fout = paar_vast(&paar, o.wacht))
             return fout;
     }
-    if (!IXBLDIX(naam.c_str()))
+    int gebouwd;
+    {
+        Werkbalk balk("rebuild " + tabel);
+        gebouwd = IXBLDIX(naam.c_str());
+    }
+    if (!gebouwd)
         return klacht(naam, "can't be rebuilt: header or length of the data file is wrong"), FOUT_GEVONDEN;
-    std::vector<std::string> bevindingen = IXDIEPCHECK(naam.c_str());
+    std::vector<std::string> bevindingen;
+    {
+        Werkbalk balk("check " + tabel);
+        bevindingen = IXDIEPCHECK(naam.c_str());
+    }
     for (const std::string& b : bevindingen)
         klacht(naam, b);
     if (!bevindingen.empty())

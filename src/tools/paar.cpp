@@ -1,6 +1,8 @@
 #include "tools/paar.h"
 #include "shared/files.h"
 #include "shared/woordenboek.h"
+#include "store/diepcheck.h"
+#include "store/voortgang.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cerrno>
@@ -8,6 +10,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -141,10 +144,10 @@ bool paren(const std::vector<std::string>& argumenten, std::vector<std::string>*
 }
 
 Balk::Balk(std::string titel, int64_t totaal)
-    : titel_(std::move(titel)), totaal_(totaal), zichtbaar_(isatty(2) && totaal > 0) {}
+    : titel_(std::move(titel)), totaal_(totaal), zichtbaar_(isatty(2)) {}
 
-void Balk::bij(int64_t stand) {
-    if (!zichtbaar_)
+void Balk::bij(int64_t stand, int64_t totaal) {
+    if (!zichtbaar_ || totaal <= 0)
         return;
     timespec t;
     clock_gettime(CLOCK_MONOTONIC, &t);
@@ -153,17 +156,36 @@ void Balk::bij(int64_t stand) {
         return;
     volgende_ = nu + 1;
     constexpr int BREED = 40;
-    int64_t deel = std::min(stand, totaal_);
-    int vol = static_cast<int>(deel * BREED / totaal_);
+    int64_t deel = std::clamp<int64_t>(stand, 0, totaal);
+    int vol = static_cast<int>(deel * BREED / totaal);
     fprintf(stderr, "\r%-12.40s [%.*s%*s] %3d%%", titel_.c_str(), vol,
             "########################################", BREED - vol, "",
-            static_cast<int>(deel * 100 / totaal_));
+            static_cast<int>(deel * 100 / totaal));
     fflush(stderr);
 }
 
 Balk::~Balk() {
     if (zichtbaar_ && volgende_ > 0)
         fprintf(stderr, "\r\033[K");
+}
+
+namespace {
+std::unique_ptr<Balk> werkbalk;
+}
+
+Werkbalk::Werkbalk(std::string titel) {
+    werkbalk = std::make_unique<Balk>(std::move(titel), 0);
+    IXDIEPVOORTGANG = [](int64_t gedaan, int64_t totaal) { werkbalk->bij(gedaan, totaal); };
+    VOORTGANGHAAK = [](int stap, int64_t waarde, int64_t totaal, const char*) {
+        if (stap == VG_TOON)
+            werkbalk->bij(waarde, totaal);
+    };
+}
+
+Werkbalk::~Werkbalk() {
+    IXDIEPVOORTGANG = nullptr;
+    VOORTGANGHAAK = nullptr;
+    werkbalk.reset();
 }
 
 } // namespace zg

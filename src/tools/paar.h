@@ -47,12 +47,22 @@ class Balk {
 public:
     Balk(std::string titel, int64_t totaal);
     ~Balk();
-    void bij(int64_t stand);
+    void bij(int64_t stand) { bij(stand, totaal_); }
+    void bij(int64_t stand, int64_t totaal);
 
 private:
     std::string titel_;
     int64_t totaal_, volgende_ = 0;
     bool zichtbaar_;
+};
+
+// While it lives, the deep checks and rebuilds of the store show a bar with this title. One at a time.
+class Werkbalk {
+public:
+    explicit Werkbalk(std::string titel);
+    ~Werkbalk();
+    Werkbalk(const Werkbalk&) = delete;
+    Werkbalk& operator=(const Werkbalk&) = delete;
 };
 
 // A message of a tool on standard error: "ixdump: NAME: text".

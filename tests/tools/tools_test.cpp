@@ -212,6 +212,31 @@ TEST_F(Tools, CopyInUseIsWhole) {
     EXPECT_EQ(sh("ixcopy DTLEV KOPIE").status, 2) << "an existing pair is kept";
 }
 
+TEST_F(Tools, LongJobsShowABarOnATerminalOnly) {
+    maak(SOORTEN[3], 2000);
+    EXPECT_EQ(sh("ixdump -o uit VIJF").status, 0);
+    const struct {
+        const char* opdracht;
+        std::vector<const char*> titels;
+    } gevallen[] = {
+        {"ixcheck VIJF", {"check VIJF"}},
+        {"ixremake VIJF", {"rebuild VIJF", "check VIJF"}},
+        {"ixdump -o uit2 VIJF", {"dump VIJF"}},
+        {"ixload -i uit -r WEER", {"load WEER", "rebuild WEER", "check WEER"}},
+        {"ixcopy -r VIJF KOPIE", {"copy VIJF", "check KOPIE"}},
+    };
+    for (const auto& g : gevallen) {
+        const std::string opdracht = g.opdracht;
+        Uit met = sh("script -qec '" + opdracht + "' /dev/null"), zonder = sh(opdracht);
+        EXPECT_EQ(met.status, 0) << met.tekst;
+        EXPECT_EQ(zonder.tekst.find("%"), std::string::npos) << zonder.tekst;
+        for (const char* titel : g.titels)
+            EXPECT_NE(met.tekst.find("\r" + std::string(titel)), std::string::npos)
+                << titel << ": " << met.tekst;
+        EXPECT_NE(met.tekst.find("%\r\033[K"), std::string::npos) << "the bar is wiped at the end";
+    }
+}
+
 TEST_F(Tools, ScriptedOperations) {
     schrijf_bestand("script", "create T 40 k,NODUPS,I,1,2 n,C,3,12\n"
                               "write @0=1 @2=Noord\n"
