@@ -16,8 +16,8 @@ namespace zg {
 
 namespace {
 
+constexpr int KOPRONDEN = 5;
 constexpr int POGINGEN = 40; // a reader without a lock may meet a node half written
-constexpr int EINDEN = 5;    // reads past the end before it counts as damage
 
 // Same definitions as the handle has already found good?
 bool zelfde_vorm(const IXHEADER& a, const IXHEADER& b) {
@@ -36,7 +36,7 @@ void lees_kop(ICB* icb) {
     for (int poging = 0;; poging++) {
         if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h) && kop_goed(icb, h))
             break;
-        if (poging == EINDEN || ALLEEN(icb))
+        if (poging == KOPRONDEN || ALLEEN(icb))
             IXSTUK(icb, 0);
         usleep(1000);
     }
@@ -121,7 +121,7 @@ void IXRDIX(ICB* icb, int32_t blok) {
         if (ALLEEN(icb) || poging == POGINGEN)
             IXSTUK(icb, blok);
         if (uitslag == L_EINDE) { // the tree was changed under this handle: begin at the root
-            if (++einden > EINDEN)
+            if (++einden > IXEINDEN)
                 IXSTUK(icb, blok);
             IXEOFTOON(icb, blok);
             if (KNOOP(icb).keyno >= 1)

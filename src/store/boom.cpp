@@ -23,6 +23,15 @@ constexpr int POGINGEN = 60; // of one search by a reader before it counts as da
 constexpr int NAZIEN = 12;   // times that a reader doubts one answer
 constexpr int32_t GEEN = -1;
 
+int einden; // reads past the end in the search under way
+
+// Others may have changed the tree under this handle: told, and read again, but not for ever.
+void voorbij_einde(ICB* icb, int32_t blok) {
+    if (++einden > IXEINDEN)
+        IXSTUK(icb, blok);
+    IXEOFTOON(icb, blok);
+}
+
 struct Zoeker {
     ICB* icb;
     const IXKEYDEF* def;
@@ -73,7 +82,7 @@ bool daal(const Zoeker& z, int32_t blok, int niveau) {
         return false;
     Leesuitslag uitslag = IXLEESKNOOP(icb, blok);
     if (uitslag == L_EINDE && !ALLEEN(icb))
-        IXEOFTOON(icb, blok);
+        voorbij_einde(icb, blok);
     if (uitslag != L_GOED)
         return false;
     if (KNOOP(icb).keyno != sleutel || KNOOP(icb).level != niveau) {
@@ -196,6 +205,7 @@ int32_t zoek(ICB* icb, char op, int lengte) {
     if (icb->h.busy && !icb->cached)
         IXINCONSISTENT(icb);
     int32_t uit = GEEN;
+    einden = 0;
     if (blad_bruikbaar(z, op)) {
         if (omlaag(z, op, &uit) != ONGERIJMD)
             return uit;
@@ -206,7 +216,7 @@ int32_t zoek(ICB* icb, char op, int lengte) {
         if (!wortel_in_hand) {
             Leesuitslag gelezen = IXLEESKNOOP(icb, sleutel);
             if (gelezen == L_EINDE && !ALLEEN(icb))
-                IXEOFTOON(icb, sleutel);
+                voorbij_einde(icb, sleutel);
             if (gelezen != L_GOED) {
                 if (ALLEEN(icb))
                     break;

@@ -13,6 +13,7 @@
 namespace zg {
 
 inline constexpr int KNOOPRUIMTE = 505; // bytes for entries
+inline constexpr int IXEINDEN = 3;      // reads past the end, a second apart, before they count as damage
 inline constexpr int KNOOPNIVEAUS = 9;  // highest level of a node: `parent` has ten places
 
 #pragma pack(push, 1)

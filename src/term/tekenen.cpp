@@ -5,8 +5,10 @@
 #include "term/teksten.h"
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <cwchar>
 #include <string>
 #include <unistd.h>
@@ -202,12 +204,12 @@ void SCRFLUSH(int seconden) {
     if (!SCHERM.dicht) // what goes out now would be printed
         wrefresh(VENSTERNU().win);
     SCHERM.ververst = time(nullptr);
-    for (time_t tot = SCHERM.ververst + seconden; seconden > 0 && !SCHERM.signaaltoets;) {
-        time_t nu = time(nullptr);
-        if (nu >= tot || nu < SCHERM.ververst)
-            break;
-        sleep(static_cast<unsigned>(tot - nu));
+    // By the clock that nobody sets.
+    for (timespec rest{seconden, 0}; seconden > 0 && !SCHERM.signaaltoets;) {
+        int uit = nanosleep(&rest, &rest);
         SEINSTOP();
+        if (uit == 0 || errno != EINTR)
+            break;
     }
 }
 

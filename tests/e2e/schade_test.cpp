@@ -2,11 +2,14 @@
 // names the fault, or an answer, and never a crash; and the files that aren't being changed stay as they
 // were.
 #include "support/demomap.h"
+#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
 
 using namespace zg::test;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -47,34 +50,52 @@ const char* const BESTANDEN[] = {"DTSYS.TXT",   "DTFILGEG.TXT",     "ORDPARM.SYS
                                  "DTART.TXT",   "DTMAAT.INX",       "DTMAAT.TXT",  "DTKOERS.INX",
                                  "DTKOERS.TXT", "2016Z/ORD0012.JRN"};
 
+bool afgebroken(Terminal& t) {
+    return t.scherm().find("PROGRAMMA AFGEBROKEN") != std::string::npos;
+}
+
 // A walk past everything that is read: lists, a supplier, an order, its lines and header, and out again.
-// Answers the exit status; the walk goes on through any report.
-int wandel(Terminal& t) {
-    for (const char* stap : {"<Enter>", "<Enter>", "<F5>",   "<Down>", "<Esc>", "12<Enter>", "<Tab>",
-                             "<Enter>", "<PgDn>",  "<Down>", "R",      "O",     "<Esc>",     "<Esc>",
-                             "<Esc>",   "<Esc>",   "<Esc>",  "<Esc>",  "<Esc>", "<Esc>"}) {
-        if (!t.leeft())
-            break;
+// Answers the exit status; the first report stays in `melding`.
+int wandel(Terminal& t, std::string* melding) {
+    static const char* const STAPPEN[] = {"<Enter>", "<Enter>", "<F5>",   "<Down>", "<Esc>", "12<Enter>",
+                                          "<Tab>",   "<Enter>", "<PgDn>", "<Down>", "R",     "O"};
+    constexpr size_t UIT = 24; // more than enough ESC to leave from anywhere
+    for (size_t i = 0; i < std::size(STAPPEN) + UIT && t.leeft(); i++) {
         EXPECT_TRUE(t.kalm(15000)) << "hangs\n" << t.scherm();
-        if (t.scherm().find("PROGRAMMA AFGEBROKEN") != std::string::npos)
-            t.reeks("<Enter>");
-        else
-            t.reeks(stap);
+        if (testing::Test::HasFailure())
+            break;
+        if (afgebroken(t) && melding->empty())
+            *melding = t.scherm();
+        t.reeks(afgebroken(t) ? "<Enter>" : i < std::size(STAPPEN) ? STAPPEN[i] : "<Esc>");
+        if (i >= std::size(STAPPEN))
+            t.einde(100);
     }
-    for (int i = 0; i < 12 && t.leeft(); i++) {
-        t.kalm(15000);
-        t.reeks(t.scherm().find("PROGRAMMA AFGEBROKEN") != std::string::npos ? "<Enter>" : "<Esc>");
-        t.einde(200);
-    }
-    return t.einde(5000);
+    return t.einde();
+}
+
+// What a walk may leave behind: the damaged file itself where the store puts its version right or an empty
+// journal goes, and the work files of an order that a report broke off.
+void vergeet(std::map<std::string, std::string>& inhoud, const std::string& naam, bool gemeld) {
+    inhoud.erase("DTSYS.TXT"); // the user's own slot changes
+    if (naam.ends_with(".INX") || inhoud[naam].empty())
+        inhoud.erase(naam);
+    for (const char* ext : {"WRK", "ORS", "ACT"})
+        if (gemeld)
+            inhoud.erase(std::string("2016Z/ORD0012.") + ext);
 }
 
 } // namespace
 
+// Half of the combinations; all of them with ZG_ALLES=1.
 TEST(Schade, EveryFileEveryDamage) {
-    for (const char* naam : BESTANDEN) {
+    size_t beurt = 0;
+    for (const char* pad : BESTANDEN) {
+        beurt++;
         for (const Schade& s : SCHADES) {
-            SCOPED_TRACE(std::string(naam) + ": " + s.wat);
+            if (++beurt % 2 && !getenv("ZG_ALLES"))
+                continue;
+            const std::string naam = pad, stam = fs::path(naam).stem();
+            SCOPED_TRACE(naam + ": " + s.wat);
             std::mt19937 rnd(1234);
             DemoMap map;
             auto argv = overgave(map);
@@ -83,14 +104,20 @@ TEST(Schade, EveryFileEveryDamage) {
             Opties o = demo_opties(map);
             o.omgeving = {{"BIN", "/nonexistent"}}; // no menu to go back to: the program ends with a report
             Terminal t(argv, o);
-            int status = wandel(t);
-            EXPECT_TRUE(status == 0 || status == 1 || status == 10) << "status " << status << "\n"
-                                                                    << t.scherm();
+            std::string melding;
+            EXPECT_EQ(wandel(t, &melding), 1) << t.scherm();
+            const bool gemeld = melding.find("niet gevonden") == std::string::npos;
+            if (gemeld && naam != "DTSYS.TXT") {
+                EXPECT_NE(melding.find(stam), std::string::npos) << "does not name the file\n" << melding;
+            }
             EXPECT_EQ(t.uitvoer().find("Sanitizer"), std::string::npos) << t.uitvoer();
             EXPECT_EQ(t.uitvoer().find("runtime error"), std::string::npos) << t.uitvoer();
             auto na = map.inhoud();
-            na["DTSYS.TXT"] = voor["DTSYS.TXT"]; // the user's own slot changes
+            vergeet(na, naam, gemeld);
+            vergeet(voor, naam, gemeld);
             EXPECT_EQ(DemoMap::verschil(voor, na), "") << "changed on a walk that changes nothing";
+            if (HasFailure())
+                return; // one is enough to look at
         }
     }
 }
