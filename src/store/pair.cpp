@@ -83,7 +83,9 @@ int loop_vrijen(ICB* icb, const std::string& datapad) {
     int vrij = 0;
     bool balk = false;
     int32_t nr = icb->h.freehead;
-    for (int32_t stap = 0; stap < icb->h.nrecs && nr >= 0; stap++) {
+    // The header of a temporary index says nothing of the data file: a chain is never longer than that.
+    const int64_t slots = std::min<int64_t>(icb->h.nrecs, IXBESTANDGROOTTE(icb->datfd) / icb->h.reclen);
+    for (int64_t stap = 0; stap < slots && nr >= 0; stap++) {
         ssize_t n = IXSYSLEES(icb->datfd, rec.data(), static_cast<size_t>(icb->h.reclen),
                               int64_t{nr} * icb->h.reclen);
         // The last byte of a slot is not looked at here, as in all programs that share the files.

@@ -268,6 +268,9 @@ bool DumpLezer::rij(Dumprij* rij) {
         return false;
     if (rij->nr < volgnr_)
         return mislukt("record number " + std::to_string(rij->nr) + " is not ascending");
+    constexpr int32_t GATMAX = 1'000'000; // a slip of the pen shall not fill the disk
+    if (rij->nr - volgnr_ > GATMAX)
+        return mislukt("record number " + std::to_string(rij->nr) + " leaves out more than a million slots");
     if (rij->vrij) {
         memset(rij->rec, 0xFF, sizeof rij->rec);
         memcpy(rij->rec + 1, &rij->volgende, 4);

@@ -52,7 +52,8 @@ Boom tel(const Paar& paar, int sleutel, std::vector<bool>& gezien) {
 
 int64_t tel_vrij(const Paar& paar) {
     int64_t vrij = 0, nr = paar.kop.freehead;
-    for (; nr >= 0 && nr < paar.kop.nrecs && vrij <= paar.kop.nrecs; vrij++) {
+    const int64_t slots = paar.datbytes / paar.kop.reclen; // no chain is longer, whatever the header says
+    for (; nr >= 0 && nr < slots && vrij < slots; vrij++) {
         int32_t volgende;
         if (pread(paar.dat, &volgende, 4, nr * paar.kop.reclen + 1) != 4)
             break;

@@ -106,6 +106,7 @@ TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
         {"merk,naam\n5,\xE2\x82\xAC\n", "code page 850", 1},
         {"merk,naam\n5,\"open\n", "quote", 1},
         {"nr,merk\n3,1\n2,2\n", "not ascending", 1},
+        {"nr,merk\n3,1\n2000000000,2\n", "more than a million slots", 1},
         {"#ixdump,1,DTMERK\n", "head line", 1},
         {"{\"ixdump\":1,\"name\":\"DTMERK\"}\n", "head line", 1},
         {"{\"merk\":1.5}\n", "not a number", 1},
