@@ -224,6 +224,8 @@ bool ronde() {
     bool verder = true;
     if (IOSIZE(wrk_naam("WRK").c_str()) > 0)
         herstel_venster();
+    else
+        wrk_ruim_op(); // killed before WRK was there, or behind the commit: what is left means nothing
     if (journaal && ord_kies_order())
         verder = bewerk_order();
     sluit_journaal();

@@ -29,6 +29,8 @@ bool wrk_open();
 bool wrk_sluit();
 bool wrk_actief_schrijf();
 void wrk_actief_wis();
+// WRK, TMP, ORS and ACT go, in this order: while WRK is there an interrupted order can be seen.
+void wrk_ruim_op();
 bool ors_nieuw();
 void ors_wis();
 bool ors_lees(char modus, ors_ingang* ingang); // 'F' 'N' 'P' 'R'

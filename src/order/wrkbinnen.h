@@ -26,9 +26,6 @@ bool tmp_naar_wrk();
 // Write the index built with TMP to the ORS file; false (errno): the old one stands there again.
 bool ors_af();
 
-// WRK, TMP, ORS and ACT go, in this order: while WRK is there an interrupted order can be seen.
-void wrk_ruim_op();
-
 // The five T records of a text into 310 bytes; a block of nothing but newlines is cleared first.
 void tekst_records(int soort, char* blok, uint8_t* uit);
 

@@ -1,0 +1,178 @@
+// The real program killed, and refused by the disk, at every single write of an order that is opened, changed and
+// committed. The writes are found by strace, which counts the calls on the supplier's files only.
+#include "e2e/loop.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <csignal>
+#include <gtest/gtest.h>
+
+using namespace zg::test;
+
+namespace {
+
+// The second order of the list gets another description and loses its first line.
+const char* const STAPPEN[] = {"<Enter>",       "<Enter>", "12<Enter>", "<Down>",   "<Enter>", "WO",
+                               "OZomer<Enter>", "<Esc>",   "V",         "J<Enter>", "<Esc>"};
+
+struct Toestand {
+    std::string voor, achter; // the other orders
+    std::string oud, kop, klaar;
+    std::string regel; // the header refused, the line gone
+    Toestand() {
+        auto order = [](const char* naam, int dagen, std::vector<Regel> regels) {
+            return maak_order(maak_kop(naam, static_cast<uint16_t>(WERKDATUM - dagen)), regels, "Franco");
+        };
+        std::vector<Regel> regels = {{5, "A", "D1"}, {5, "A", "D2"}, {5, "B", "D3"}};
+        voor = order("Eerst", 1, {Regel{}, {5, "X"}});
+        achter = order("Laatst", 9, {{5, "Z"}});
+        oud = voor + order("Mijn", 5, regels) + achter;
+        kop = voor + order("Zomer", 5, regels) + achter;
+        regels.erase(regels.begin());
+        regel = voor + order("Mijn", 5, regels) + achter;
+        klaar = voor + order("Zomer", 5, regels) + achter;
+    }
+    bool heel(const std::string& jrn) const { return jrn == oud || jrn == kop || jrn == klaar; }
+};
+
+// strace counts each of them by itself.
+const char* const CALLS[] = {"openat", "write", "pwrite64", "ftruncate", "rename", "unlink"};
+
+// The program under strace; the tracer is its grandchild, so that the terminal watches the program itself.
+std::vector<std::string> met_strace(Datamap& map, const std::string& call, const std::string& wat) {
+    std::vector<std::string> argv = {"strace", "-D", "-f", "-qq", "-o", map.bestand("strace.out")};
+    for (const char* ext : {"JRN", "WRK", "TMP", "ORS", "ACT"})
+        for (std::string pad : {std::string("2016Z/"), map.bestand("2016Z/"), std::string()})
+            argv.insert(argv.end(), {"-P", pad + "ORD0012." + ext});
+    argv.insert(argv.end(), {"-e", "trace=" + call, "-e", "inject=" + call + ":" + wat});
+    for (const std::string& a : map.overgave())
+        argv.push_back(a);
+    return argv;
+}
+
+bool ingegrepen(const Datamap& map) {
+    return lees_bestand(map.bestand("strace.out")).find("INJECTED") != std::string::npos;
+}
+
+bool gemeld(const std::string& scherm) {
+    return scherm.find("kan niet worden geschreven") != std::string::npos ||
+           scherm.find("Orderjournaal niet beschikbaar") != std::string::npos ||
+           scherm.find("niet te openen") != std::string::npos;
+}
+
+enum Herstel { GEEN, WEL, NIET };
+
+// The next start: what it says of the order, and no scratch file behind it.
+Herstel volgende_start(Datamap& map) {
+    Programma p(map);
+    p.leverancier();
+    std::string scherm = p.t.scherm();
+    Herstel uit = GEEN;
+    if (scherm.find("foutief afgesloten") != std::string::npos) {
+        uit = scherm.find("worden automatisch hersteld...") != std::string::npos ? WEL : NIET;
+        EXPECT_EQ(uit == NIET, scherm.find("kunnen NIET worden hersteld...") != std::string::npos) << scherm;
+        p.t.toetsen("<Enter>");
+    }
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(map.restjes(), "");
+    return uit;
+}
+
+} // namespace
+
+TEST(Storing, GedoodBijElkeSchrijfactie) {
+    const Toestand toestand;
+    int aantal[3] = {};
+    Datamap map;
+    size_t call = 0;
+    for (int n = 1; call < std::size(CALLS); n++) {
+        SCOPED_TRACE("killed at " + std::string(CALLS[call]) + " " + std::to_string(n));
+        map.journaal(toestand.oud);
+        int einde;
+        {
+            Terminal t(met_strace(map, CALLS[call], "signal=KILL:when=" + std::to_string(n)), map.opties());
+            t.wacht_op(1, 46, "2016");
+            t.kalm();
+            std::string alles;
+            for (const char* stap : STAPPEN)
+                alles += stap;
+            t.reeks(alles + "<Esc>");
+            einde = t.einde(10000);
+            ASSERT_TRUE(einde == 0 || einde == 128 + SIGKILL) << einde << "\n" << t.scherm();
+        }
+        if (einde == 0) {
+            EXPECT_EQ(map.journaal(), toestand.klaar);
+            call++, n = 0;
+            continue;
+        }
+        std::string dood = map.journaal();
+        EXPECT_TRUE(dood == toestand.oud || dood == toestand.klaar) << "a journal in between";
+        Herstel herstel = volgende_start(map);
+        aantal[herstel]++;
+        EXPECT_TRUE(toestand.heel(map.journaal()));
+        if (herstel == NIET) {
+            EXPECT_EQ(map.journaal(), toestand.oud);
+        }
+        std::string dump =
+            std::string(ZG_BINARY_DIR "/orddump ") + map.bestand("2016Z/ORD0012.JRN") + " >/dev/null";
+        EXPECT_EQ(system(dump.c_str()), 0);
+        ASSERT_FALSE(HasFailure());
+    }
+    EXPECT_GE(aantal[WEL], 6);
+    EXPECT_LE(aantal[NIET], 4) << "only before the marker is there";
+}
+
+// Full once, and full from then on: told, the journal as it was or new, and what was entered is there at the
+// next start.
+TEST(Storing, SchijfVolBijElkeSchrijfactie) {
+    const Toestand toestand;
+    for (const char* hoe : {"", "+"}) {
+        size_t call = 0;
+        for (int n = 1; std::string(CALLS[call]) != "unlink"; n++) {
+            SCOPED_TRACE("disk full at " + std::string(CALLS[call]) + " " + std::to_string(n) + hoe);
+            Datamap map;
+            map.journaal(toestand.oud);
+            std::string verhaal;
+            bool verteld = false;
+            {
+                Terminal t(met_strace(map, CALLS[call], "error=ENOSPC:when=" + std::to_string(n) + hoe),
+                           map.opties());
+                t.wacht_op(1, 46, "2016");
+                for (size_t i = 0; i < std::size(STAPPEN) + 8 && t.leeft(); i++) {
+                    ASSERT_TRUE(t.kalm()) << t.scherm();
+                    for (int box = 0; box < 5 && t.leeft() && gemeld(t.scherm()); box++) {
+                        verteld = true;
+                        verhaal += t.scherm();
+                        t.toetsen("<Enter>");
+                    }
+                    t.reeks(i < std::size(STAPPEN) ? STAPPEN[i] : "<Esc>");
+                    if (i >= std::size(STAPPEN))
+                        t.einde(50);
+                }
+                EXPECT_EQ(t.einde(), 0) << t.scherm();
+            }
+            if (!ingegrepen(map)) {
+                call++, n = 0;
+                if (*hoe && call > 2)
+                    break; // full for good: the calls that take room are enough
+                continue;
+            }
+            EXPECT_TRUE(toestand.heel(map.journaal()) || (verteld && map.journaal() == toestand.regel));
+            // A deletion of a scratch file that fails is no loss; whatever stays is the next start's.
+            const bool werk = map.bestaat("2016Z/ORD0012.WRK");
+            if (verteld && werk) {
+                EXPECT_EQ(map.journaal(), toestand.oud) << "told that it isn't written";
+                EXPECT_TRUE(map.bestaat("2016Z/ORD0012.ACT"));
+            }
+            if (!verteld) {
+                EXPECT_EQ(map.journaal(), toestand.klaar) << "not told";
+            }
+            Herstel herstel = volgende_start(map);
+            EXPECT_TRUE(toestand.heel(map.journaal()) || (verteld && map.journaal() == toestand.regel));
+            if (werk) {
+                EXPECT_NE(herstel, NIET) << verhaal;
+            }
+            ASSERT_FALSE(HasFailure()) << verhaal;
+        }
+    }
+}
