@@ -67,9 +67,10 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
             return 0;
         switch (IXLEESGEVONDEN(icb, rec, richting, &poging)) {
         case R_GOED:
-            if (!vanaf_gelijk && !vordert(icb, rec, richting, lengte))
-                IXSTUK(icb, icb->curblock);
-            return 1;
+            // Only in a temporary index, whose record has got another key since: one that leads back is left out.
+            if (vanaf_gelijk || !icb->tempidx || vordert(icb, rec, richting, lengte))
+                return 1;
+            [[fallthrough]];
         case R_VRIJ:
             memcpy(icb->keybuf, icb->curent, static_cast<size_t>(lengte));
             vanaf_gelijk = false;
