@@ -184,6 +184,30 @@ void adempauze(int poging) {
         usleep(poging < 30 ? 100 : 2000);
 }
 
+// A walk asks for what comes behind the entry it stands on: when the leaf has not changed that is the next entry,
+// and no search is needed. GEEN: look for it in the ordinary way, the node in hand is as good as it was.
+int32_t volgende_hier(const Zoeker& z) {
+    ICB* icb = z.icb;
+    const IXKNOOP& k = KNOOP(icb);
+    const ptrdiff_t plaats = icb->curent - k.entries;
+    const int i = static_cast<int>(plaats / z.stap());
+    if (icb->koplock || k.level != 1 || z.lengte != z.def->keylen || plaats < 0 || i + 1 >= k.count ||
+        memcmp(icb->curent, z.sleutel, z.def->keylen) != 0)
+        return GEEN;
+    if (icb->mode != 1 && !icb->filelocked) {
+        uint8_t was[IXBLOK], *hier = icb->curent;
+        memcpy(was, icb->node, IXBLOK);
+        const int32_t blok = icb->curblock;
+        if (IXLEESKNOOP(icb, blok) != L_GOED || memcmp(was, icb->node, IXBLOK) != 0)
+            return GEEN;
+        icb->curent = hier;
+    }
+    if (z.vergelijk(i + 1) >= 0) // only keys without record number have equals
+        return GEEN;
+    icb->curent = z.entry(i + 1);
+    return z.wijzer(i + 1);
+}
+
 // A leaf in hand that holds the answer makes the descent unnecessary; a shared handle reads it again first.
 bool blad_bruikbaar(const Zoeker& z, char op) {
     ICB* icb = z.icb;
@@ -206,6 +230,8 @@ int32_t zoek(ICB* icb, char op, int lengte) {
         IXINCONSISTENT(icb);
     int32_t uit = GEEN;
     einden = 0;
+    if (op == '>' && (uit = volgende_hier(z)) != GEEN)
+        return uit;
     if (blad_bruikbaar(z, op)) {
         if (omlaag(z, op, &uit) != ONGERIJMD)
             return uit;
@@ -349,6 +375,20 @@ int32_t IXNODEFIND(ICB* icb, char operatie, int lengte) {
 int32_t IXSEARCH(ICB* icb, char operatie, int lengte) {
     IXEIS(icb, "IXSEARCH");
     return zoek(icb, operatie, lengte);
+}
+
+int32_t IXZOEKVANAF(ICB* icb, int lengte) {
+    const int32_t gelijk = zoek(icb, '=', lengte);
+    if (gelijk >= 0)
+        return gelijk;
+    // The search stopped at the first entry above the key; inside a leaf no other can be the next.
+    const Zoeker z{icb, &IXDEF(icb), icb->keybuf, lengte};
+    const ptrdiff_t plaats = icb->curent - KNOOP(icb).entries;
+    if (KNOOP(icb).level == 1 && plaats > 0 && plaats < z.aantal() * z.stap()) {
+        const int32_t r = LEES32(icb->curent + z.def->keylen);
+        return r < 0 ? GEEN : r;
+    }
+    return zoek(icb, '>', lengte);
 }
 
 void IXINSKEY(ICB* icb) {

@@ -94,7 +94,12 @@ int IXCOLLATE(const void* a, const void* b, int n) {
     const uint8_t* pb = static_cast<const uint8_t*>(b);
     const uint8_t *ea = pa + n, *eb = pb + n;
     int i = 0;
-    for (; i < n; i++) {
+    while (i < n && pa[i] == pb[i])
+        i++;
+    if (i == n)
+        return 0;
+    pa += i, pb += i, n -= i; // what is the same in front weighs the same on both levels
+    for (i = 0; i < n; i++) {
         const Gewicht &ga = tabel[pa[i]], &gb = tabel[pb[i]];
         if (ga.klas | gb.klas)
             break; // from here on the two no longer go in step

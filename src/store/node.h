@@ -101,7 +101,8 @@ enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
 Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, int* poging);
 
 // Tree (boom.cpp).
-void IXVERWIJDER(ICB* icb); // IXDELENTRY without reading `curblock` first
+int32_t IXZOEKVANAF(ICB* icb, int lengte); // a search for '=', and when that finds nothing for '>'
+void IXVERWIJDER(ICB* icb);                // IXDELENTRY without reading `curblock` first
 // Enter the record at `currec` under every key; key 1 is current afterwards, with its key in keybuf.
 // bij_plaats: the search for key 1 has just been made.
 void IXVOEGTOE(ICB* icb, const void* rec, bool bij_plaats);

@@ -21,11 +21,6 @@ int begin(ICB* icb, const void* rec, int delen) {
     return lengte;
 }
 
-int32_t zoek_eerste(ICB* icb, int lengte) {
-    int32_t r = IXSEARCH(icb, '=', lengte);
-    return r >= 0 ? r : IXSEARCH(icb, '>', lengte);
-}
-
 // Would a next step from here lead on? A damaged entry or record may have a key that leads back to it for ever.
 bool vordert(const ICB* icb, const void* rec, char richting, int lengte) {
     uint8_t hier[IXSLEUTELMAX + 4];
@@ -38,7 +33,7 @@ bool vordert(const ICB* icb, const void* rec, char richting, int lengte) {
 // One step by key. An entry that a reader without a lock may have met half written is read again.
 int stap_af(ICB* icb, void* rec, int delen, char richting, int lengte) {
     for (int poging = 0;; poging++) {
-        int32_t gevonden = richting == '=' ? zoek_eerste(icb, lengte) : IXSEARCH(icb, richting, lengte);
+        int32_t gevonden = richting == '=' ? IXZOEKVANAF(icb, lengte) : IXSEARCH(icb, richting, lengte);
         if (delen > 1 && gevonden >= 0 && buiten(icb, delen - 1))
             gevonden = -1;
         icb->currec = gevonden;
@@ -59,7 +54,7 @@ int stap_af(ICB* icb, void* rec, int delen, char richting, int lengte) {
 int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk) {
     const int lengte = IXDEF(icb).keylen;
     for (int poging = 0;;) {
-        int32_t gevonden = vanaf_gelijk ? zoek_eerste(icb, lengte) : IXSEARCH(icb, richting, lengte);
+        int32_t gevonden = vanaf_gelijk ? IXZOEKVANAF(icb, lengte) : IXSEARCH(icb, richting, lengte);
         if (gevonden >= 0 && delen > 0 && buiten(icb, delen))
             gevonden = -1;
         icb->currec = gevonden;
@@ -190,7 +185,7 @@ int IXUNIQK(ICB* icb, void* rec, int deel) {
         IXBLDKEY(icb, rec, IXKEYLEN(icb, deel - 1));
     const bool laatste = IXDEELBREEDTE(def, std::max(deel, 0)) == 0; // part `deel` + 1, counted from 0
     int lengte = def.dupflag == 'J' && laatste ? def.keylen : IXKEYLEN(icb, std::max(deel, 1));
-    int32_t r = zoek_eerste(icb, lengte);
+    int32_t r = IXZOEKVANAF(icb, lengte);
     if (r < 0 || (deel > 1 && buiten(icb, deel - 1)))
         return 0;
     icb->currec = r;
