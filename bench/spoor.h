@@ -26,6 +26,8 @@ struct Naar {
     int32_t van;
     std::string kopie;
 };
+// Everything out of the processor's caches: each turn begins as cold as the others, and so does its floor.
+void koel();
 double herhaal(const std::vector<Aanroep>& lijst, const std::vector<Naar>& naar);
 
 } // namespace spoor

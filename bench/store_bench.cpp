@@ -29,7 +29,7 @@ void stop(const char* wat, const char* waarom) {
 
 namespace {
 
-constexpr int BEURTEN = 20; // turns of an operation; every second of the store's is traced
+constexpr int BEURTEN = 40; // turns of an operation; every second of the store's is traced
 constexpr int GROEPEN = 500;
 
 // Seconds: of this process on the processor, user and system, so that other work on the machine stays out of the
@@ -142,6 +142,7 @@ void meet(const char* wat, int ops, const std::function<void(Bank&, int, int)>& 
                 vloer.push_back(spoor::herhaal(lijst, bestanden(lijst, map_)) * 1e6 / (tot - van));
                 continue;
             }
+            spoor::koel();
             double t = nu();
             doe(*d.bank, van, tot);
             d.us.push_back((nu() - t) * 1e6 / (tot - van));
