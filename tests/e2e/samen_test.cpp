@@ -1,0 +1,145 @@
+// Two users on one directory, and terminals that go away wherever the program stands.
+#include "e2e/loop.h"
+#include <csignal>
+#include <gtest/gtest.h>
+
+using namespace zg::test;
+
+namespace {
+
+// An order of supplier 12 in each of two seasons, so that two users can have that supplier on their screen.
+void twee_seizoenen(Datamap& map) {
+    map.journaal(maak_order(maak_kop("Zomer"), {Regel{}}));
+    zg::ordkop kop = maak_kop("Winter");
+    kop.seizoen = 'W';
+    map.journaal(maak_order(kop, {Regel{}}), 12, "2016W");
+}
+
+void winterorder(Programma& p) {
+    p.t.toetsen("2016<Enter>W<Enter>12<Enter>");
+    p.t.wacht("</> voor nieuwe order");
+    p.t.toetsen("<Enter>");
+    p.t.wacht_op(24, 1, "Uw keuze");
+}
+
+} // namespace
+
+TEST(Samen, TweeLeveranciersNaastElkaar) {
+    Datamap map;
+    map.journaal(maak_order(maak_kop("Een"), {{5, "A", "D1"}, {5, "A", "D2"}}));
+    zg::ordkop kop = maak_kop("Twee");
+    kop.leverancier = 31;
+    map.journaal(maak_order(kop, {{5, "A", "D1"}, {5, "A", "D2"}}), 31);
+    Programma een(map), twee(map, 8, "Piet");
+    een.eerste_order(12);
+    twee.eerste_order(31);
+    een.t.toetsen("VJ<Enter>");
+    twee.t.toetsen("<Down>VJ<Enter>");
+    een.t.toetsen("<Esc>");
+    twee.t.toetsen("<Esc>");
+    twee.uit();
+    een.uit();
+    EXPECT_EQ(map.journaal(), maak_order(maak_kop("Een"), {{5, "A", "D2"}}));
+    EXPECT_EQ(map.journaal(31), maak_order(kop, {{5, "A", "D1"}}));
+    EXPECT_EQ(map.restjes(), "");
+}
+
+// The second one is told who holds the record, and gets it as soon as the first is done or gone.
+TEST(Samen, EenLeverancierTweeGebruikers) {
+    for (bool weg : {false, true}) {
+        SCOPED_TRACE(weg ? "the first goes away" : "the first leaves");
+        Datamap map;
+        twee_seizoenen(map);
+        Programma een(map), twee(map, 8, "Piet");
+        een.eerste_order();
+        winterorder(twee);
+        een.t.toetsen("WL");
+        twee.t.reeks("WL");
+        EXPECT_TRUE(twee.t.wacht("in gebruik door Joke")) << twee.t.scherm();
+        if (weg)
+            een.t.hangop();
+        else
+            een.t.toetsen("<Esc>");
+        EXPECT_TRUE(twee.t.weg("in gebruik door", 6000)) << twee.t.scherm();
+        EXPECT_TRUE(twee.t.kalm());
+        EXPECT_TRUE(twee.t.wacht("Mode Centrale")) << twee.t.scherm();
+        twee.t.toetsen("<Esc><Esc>");
+        twee.uit();
+    }
+}
+
+// Wherever it stands, the program ends within a second of its terminal, and lets go of what it held.
+TEST(Samen, TerminalWeg) {
+    struct {
+        const char *waar, *toetsen;
+    } gevallen[] = {
+        {"season prompt", ""},
+        {"season field, half typed", "20"},
+        {"supplier prompt", "<Enter><Enter>"},
+        {"list of suppliers", "<Enter><Enter><F5>"},
+        {"list of orders", "<Enter><Enter>12<Enter>"},
+        {"order screen", "<Enter><Enter>12<Enter><Enter>"},
+        {"header field", "<Enter><Enter>12<Enter><Enter>WOOZom"},
+        {"text", "<Enter><Enter>12<Enter><Enter>WOLFranco"},
+        {"question", "<Enter><Enter>12<Enter><Enter>V"},
+        {"field help", "<Enter><Enter>12<Enter><Enter>WOO<F1>"},
+    };
+    Datamap map;
+    twee_seizoenen(map);
+    const std::string jrn = map.journaal();
+    for (auto& g : gevallen) {
+        SCOPED_TRACE(g.waar);
+        {
+            Programma p(map);
+            p.t.toetsen(g.toetsen);
+            p.t.hangop();
+            EXPECT_EQ(p.t.einde(1000), 1);
+        }
+        Programma p(map); // the same session, and the journal, are free
+        p.leverancier();
+        if (p.t.scherm().find("automatisch hersteld") != std::string::npos)
+            p.t.toetsen("<Enter>");
+        EXPECT_TRUE(p.t.wacht("</> voor nieuwe order")) << p.t.scherm();
+        p.t.toetsen("<Esc><Esc>");
+        p.uit();
+        EXPECT_EQ(map.journaal(), jrn);
+    }
+    // Waiting for another user's record.
+    Programma een(map), twee(map, 8, "Piet");
+    een.eerste_order();
+    een.t.toetsen("WL");
+    winterorder(twee);
+    twee.t.reeks("WL");
+    EXPECT_TRUE(twee.t.wacht("in gebruik door Joke"));
+    twee.t.hangop();
+    EXPECT_EQ(twee.t.einde(1000), 1);
+    een.t.toetsen("<Esc><Esc>");
+    een.uit();
+}
+
+// A new order's header in one burst, and key by key: the work file is the same.
+TEST(Samen, NieuweKopInEenStoot) {
+    const char toetsen[] =
+        "<Enter><Enter>12<Enter>150316<Enter>Nieuw<Enter>40<Enter>2<Enter>Strand<Enter>1<Enter>"
+        "2,5<Enter><Esc>";
+    std::string uitkomst[2];
+    for (int burst : {0, 1}) {
+        Datamap map;
+        zg::ordparm parm{};
+        parm.jaar = 2016;
+        parm.letter = 'Z';
+        for (int item = 4; item <= 9; item++)
+            parm.kopvraag[item] = 1;
+        map.parm(parm);
+        Programma p(map);
+        if (burst)
+            p.t.reeks(toetsen);
+        else
+            p.t.toetsen(toetsen);
+        EXPECT_TRUE(p.t.wacht("0 / Nieuw")) << p.t.scherm();
+        EXPECT_TRUE(p.t.kalm());
+        uitkomst[burst] = lees_bestand(map.bestand("2016Z/ORD0012.WRK")) + p.t.scherm();
+    }
+    EXPECT_EQ(uitkomst[0], uitkomst[1]);
+    EXPECT_NE(uitkomst[0].find("Strand"), std::string::npos);
+}
