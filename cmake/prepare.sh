@@ -20,9 +20,15 @@ install_packages() {
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# configure ON|OFF: the build directory, with the tests or without. One that has them keeps them.
+configure() {
+  grep -qs 'ZG_TESTS:BOOL=ON' "$build_dir/CMakeCache.txt" && return
+  [ "$1" = OFF ] && [ -e "$build_dir/build.ninja" ] && return
+  cmake --preset "$preset" -DZG_TESTS="$1" >/dev/null
+}
+
 # build [TARGET...]: everything without targets.
 build() {
   echo "building in build/$preset"
-  [ -e "$build_dir/build.ninja" ] || cmake --preset "$preset" >/dev/null
   ninja -C "$build_dir" -j "${JOBS:-2}" --quiet "$@"
 }
