@@ -1,4 +1,5 @@
 # What ./run and ./test share: packages and the build. Sourced with the source directory as working directory.
+set -o pipefail
 preset=${preset:-release}
 build_dir=$PWD/build/$preset
 
@@ -30,5 +31,6 @@ configure() {
 # build [TARGET...]: everything without targets.
 build() {
   echo "building in build/$preset"
-  ninja -C "$build_dir" -j "${JOBS:-2}" --quiet "$@"
+  # what ninja and cmake say when all is well is left out
+  ninja -C "$build_dir" -j "${JOBS:-2}" --quiet "$@" | sed -u '/^ninja: no work to do/d; /^-- /d'
 }
