@@ -1,12 +1,9 @@
-// wrk_sluit: the order goes from the work file back into the journal. The only change that a journal ever
-// sees.
+// wrk_sluit: the order goes from the work file back into the journal. The only change that a journal ever sees.
 //
 // 1. TMP is complete, on disk and locked before the journal is touched, and takes its place by one rename
-// while
-//    the old journal is still locked. There is never a moment without a whole journal.
+//    while the old journal is still locked. There is never a moment without a whole journal.
 // 2. WRK is deleted only behind that. Killed before it, the repair commits again; killed behind it, the
-// repair
-//    finds that the journal holds the order.
+//    repair finds that the journal holds the order.
 #include "order/meld.h"
 #include "order/ordsys.h"
 #include "order/programma.h"

@@ -1,10 +1,8 @@
 // Module ioord: opening, locking, buffered reading and writing in place of order journals and work files.
-// Offsets are bytes from the start of the file. order/ordtekst.cpp does the texts, order/ordloop.cpp raw
-// walks.
+// Offsets are bytes from the start of the file. order/ordtekst.cpp does the texts, order/ordloop.cpp raw walks.
 //
 // 1. A region lock belongs to the process and the inode: closing any descriptor of the file drops it, and it
-// does
-//    not follow a rename. So a journal has one descriptor in the process, and an opener that has got the lock
+//    does not follow a rename. So a journal has one descriptor in the process, and an opener that has got the lock
 //    looks whether the path still leads to the inode it holds.
 // 2. The valid part of a buffer ends on a record boundary.
 #include "order/ioord.h"

@@ -1,6 +1,5 @@
 // Error reports that stop the program: one Dutch line with the module's tag and a number, a box, Enter,
-// status
-// 1. Nothing returns. Used by the store and everything above it.
+// status 1. Nothing returns. Used by the store and everything above it.
 #pragma once
 #include "term/scherm.h"
 

@@ -1,8 +1,7 @@
 // Inside of the record store: the tree node, and what its modules call of each other. A node is one block of
 // 512 bytes; an entry is `keylen` key bytes and a 4-byte pointer (record number in a leaf, child block
 // above). Invariants: 1. the root of key k is block k for ever; 2. a node on disk has fewer than `maxent`
-// entries;
-// 3. entries ascend; 4. the pointer's key above a node is the highest key in it; 5. the rightmost node of
+// entries; 3. entries ascend; 4. the pointer's key above a node is the highest key in it; 5. the rightmost node of
 // every level ends in a key of all 0xFF, in a leaf with pointer -1; 6. a child's level is one below its
 // parent's.
 #pragma once
