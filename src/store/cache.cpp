@@ -100,8 +100,8 @@ int aan(ICB* icb) {
     return 1;
 }
 
-int uit(ICB* icb) {
-    for (int p = 0; p < CACHEPLAATSEN; p++)
+int uit(ICB* icb, bool bewaren) {
+    for (int p = 0; bewaren && p < CACHEPLAATSEN; p++)
         schrijf(p);
     icb->cached = 0;
     cache.van = nullptr;
@@ -141,11 +141,13 @@ int IOCACHE(char letter, ICB* icb, int32_t blok) {
     IXEIS(icb, "IOCACHE");
     if (letter == 'I')
         return aan(icb);
-    if (cache.van != icb || blok < 0 || (blok == 0 && letter != 'F'))
+    if (cache.van != icb || blok < 0 || (blok == 0 && letter != 'F' && letter != 'X'))
         return 0;
     switch (letter) {
     case 'F':
-        return uit(icb);
+        return uit(icb, true);
+    case 'X':
+        return uit(icb, false);
     case 'R':
         return lees(icb, blok);
     case 'W':

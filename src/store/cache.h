@@ -12,7 +12,7 @@ inline constexpr int CACHEPLAATSEN = 50;
 // 'I' switch on: `cached` 1 and no path; 0 without memory or while another handle has the cache.
 // 'R' block into `node`, `curblock` set: 1, or 0 when the file has no such block (node is zeros then).
 // 'W' node as the new content of the block, no write yet.
-// 'F' write what differs, switch off.
+// 'F' write what differs, switch off. 'X' switch off and forget: the handle goes without being closed.
 int IOCACHE(char letter, ICB* icb, int32_t blok);
 
 } // namespace zg

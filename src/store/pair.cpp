@@ -146,6 +146,8 @@ ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd) {
 }
 
 void IXLAATLOS(ICB* icb) {
+    if (icb->cached)
+        IOCACHE('X', icb, 0);
     if (icb->datfd >= 0)
         IXBESTANDDICHT(icb->datfd);
     if (icb->idxfd >= 0)
