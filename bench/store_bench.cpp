@@ -133,8 +133,7 @@ void meet(const char* wat, int ops, const std::function<void(Bank&, int, int)>& 
         for (Deelnemer& d : deelnemers) {
             if (d.eigen && beurt % 2) {
                 for (const char* uit : {".INX", ".TXT"})
-                    std::filesystem::copy_file(map_ + "/BENCH" + uit, map_ + "/vloer" + uit,
-                                               std::filesystem::copy_options::overwrite_existing);
+                    spoor::kopieer(map_ + "/BENCH" + uit, map_ + "/vloer" + uit);
                 spoor::begin();
                 doe(*d.bank, van, tot);
                 auto lijst = spoor::einde();
@@ -290,6 +289,16 @@ void gedeeld(Werk& w) {
                 v.push_back((nu() - t) * 1e6 / static_cast<double>(alles.aantal));
             }
             regel.us.push_back(mediaan(v));
+            if (d.eigen) {
+                spoor::begin();
+                d.bank->loop(sleutel);
+                const auto lijst = spoor::einde();
+                regel.calls = static_cast<double>(lijst.size()) / static_cast<double>(alles.aantal);
+                for (const char* uit : {".INX", ".TXT"})
+                    spoor::kopieer(map_ + "/BENCH" + uit, map_ + "/vloer" + uit);
+                regel.vloer =
+                    spoor::herhaal(lijst, bestanden(lijst, map_)) * 1e6 / static_cast<double>(alles.aantal);
+            }
         }
         regels.push_back(regel);
     };
