@@ -52,10 +52,8 @@ void op_regels(const char* tekst) {
         endwin();
     printf("%s\r\n%s\r\n%s\r\n%s\r\n", TXT(T_AFGEBROKEN), tekst, TXT(T_SUPPORT), TXT(T_ENTER_VERVOLG));
     fflush(stdout);
-    char c = 0;
     if (isatty(STDIN_FILENO)) // without a user there is nobody to wait for
-        while (c != '\n' && c != '\r' && read(STDIN_FILENO, &c, 1) == 1) {
-        }
+        WACHTREGEL();
 }
 
 } // namespace

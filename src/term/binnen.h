@@ -10,14 +10,15 @@ namespace zg {
 
 // scherm.cpp
 void ZEND(const char* capaciteit); // a terminfo string to the terminal, at once
-void VARIANTAAN(int variant);      // make it current: size, modes, its init strings, a full repaint to come
-bool UTF8SCHERM();                 // does the terminal take UTF-8?
+void WACHTREGEL(); // until ENTER on plain standard input, or until nothing can come from there any more
+void VARIANTAAN(int variant); // make it current: size, modes, its init strings, a full repaint to come
+bool UTF8SCHERM();            // does the terminal take UTF-8?
 
 // venster.cpp
+void VENSTERRUIMTE();                    // stops the program when the stack is full
 void VENSTERDUW(WINDOW* win, int soort); // on the stack, coloured and cleared
 Venster& VENSTERNU();
 void TOONVANAF(int index); // touch and stage every window from here to the top
-int KLEURPAAR(int index, uint32_t attr);
 void CURSORWEER();
 extern bool LIJNTEKENS; // the present attribute draws lines
 

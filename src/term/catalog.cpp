@@ -58,8 +58,11 @@ char TXTLETTER(const Tekst& tekst) {
 void CATOPEN() {
     CATCLOSE();
     setlocale(LC_MESSAGES, "");
-    for (int i = 0; i < 2; i++)
+    for (int i = 0; i < 2; i++) {
         open_catalogus[i] = catopen(NAMEN[i], NL_CAT_LOCALE);
+        if (open_catalogus[i] == DICHT) // a locale that this machine doesn't have: by the name in LANG
+            open_catalogus[i] = catopen(NAMEN[i], 0);
+    }
 }
 
 void CATCLOSE() {

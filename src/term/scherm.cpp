@@ -4,6 +4,7 @@
 #include "term/ingave.h"
 #include "term/natl.h"
 #include "term/teksten.h"
+#include <cerrno>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -190,6 +191,7 @@ void SCRINIT() {
 }
 
 void SCRTERM(const char* naam) {
+    VENSTERRUIMTE();
     const Maat& gevraagd = maat_van(naam);
     bool eerste = SCHERM.termaantal == 0;
     if (SCHERM.termnu >= 0) {
@@ -217,6 +219,12 @@ void SCRTERM(const char* naam) {
         WINOPEN(1, 1, SCHERM.lines, SCHERM.cols, 0);
     else
         VENSTERDUW(std, 0);
+}
+
+void WACHTREGEL() {
+    for (char c = 0; c != '\n' && c != '\r';)
+        if (read(STDIN_FILENO, &c, 1) != 1 && (errno != EINTR || SEINEINDE()))
+            return;
 }
 
 void SCREXIT() {
@@ -292,9 +300,7 @@ void SCHELP(const char* pad, const char* commando, bool wachten) {
     if (wachten) {
         printf("\n%s ", TXT(T_ENTER_VERVOLG));
         fflush(stdout);
-        char c = 0;
-        while (c != '\n' && read(STDIN_FILENO, &c, 1) == 1) {
-        }
+        WACHTREGEL();
     }
     if (!SCHERM.bestaat)
         return;

@@ -154,27 +154,12 @@ void SCRTERM(const char* naam);
 
 // Windows. `soort` is the colour kind. A full stack (15) stops the program through SCRFATAL.
 void WINOPEN(int rij, int kolom, int hoogte, int breedte, int soort);
-inline void WINOPEN1(int r, int k, int h, int b) {
-    WINOPEN(r, k, h, b, 1);
+template <int SOORT> void WINOPENSOORT(int rij, int kolom, int hoogte, int breedte) {
+    WINOPEN(rij, kolom, hoogte, breedte, SOORT);
 }
-inline void WINOPEN2(int r, int k, int h, int b) {
-    WINOPEN(r, k, h, b, 2);
-}
-inline void WINOPEN3(int r, int k, int h, int b) {
-    WINOPEN(r, k, h, b, 3);
-}
-inline void WINOPEN4(int r, int k, int h, int b) {
-    WINOPEN(r, k, h, b, 4);
-}
-inline void WINOPEN5(int r, int k, int h, int b) {
-    WINOPEN(r, k, h, b, 5);
-}
-inline void WINOPEN6(int r, int k, int h, int b) {
-    WINOPEN(r, k, h, b, 6);
-}
-inline void WINOPEN7(int r, int k, int h, int b) {
-    WINOPEN(r, k, h, b, 7);
-}
+inline constexpr auto WINOPEN1 = WINOPENSOORT<1>, WINOPEN2 = WINOPENSOORT<2>, WINOPEN3 = WINOPENSOORT<3>,
+                      WINOPEN4 = WINOPENSOORT<4>, WINOPEN5 = WINOPENSOORT<5>, WINOPEN6 = WINOPENSOORT<6>,
+                      WINOPEN7 = WINOPENSOORT<7>;
 void WINCLOSE();
 // Border with a centred title; null: border only. Coordinates count from inside afterwards.
 void WINBOX(const char* fmt, ...) __attribute__((format(printf, 1, 2)));

@@ -93,11 +93,10 @@ int opmaak(const char* fmt, va_list ap) {
 
 // The formatted text at a place of the current window, cut at its edge.
 int plaats(uint32_t attr, int rij, int kolom, int lengte) {
-    if (!SCHERM.bestaat || SCHERM.dicht || rij < 1 || kolom < 1 || rij > WINHOOGTE() || kolom > WINBREEDTE())
+    if (!WINAT(rij, kolom))
         return 0;
     lengte = std::min(lengte, WINBREEDTE() - kolom + 1);
     WINATTR(attr);
-    WINAT(rij, kolom);
     schrijf(VENSTERNU().win, tekst, lengte);
     SCRAUTO();
     WINATTR(A_WAARDE);
@@ -121,8 +120,6 @@ int op_basis(uint32_t attr, int rij, int kolom, int lengte) {
 } // namespace
 
 int SCRPUT(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
-    if (!SCHERM.bestaat || SCHERM.dicht)
-        return 0;
     va_list ap;
     va_start(ap, fmt);
     int n = opmaak(fmt, ap);
@@ -144,8 +141,6 @@ int SCRADD(const char* fmt, ...) {
 }
 
 int SCRBASE(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
-    if (!SCHERM.bestaat || SCHERM.dicht)
-        return 0;
     va_list ap;
     va_start(ap, fmt);
     int n = opmaak(fmt, ap);

@@ -33,6 +33,15 @@ bool verander_paar(int paar, short tekst, short grond) {
     return paar < COLOR_PAIRS && init_pair(static_cast<short>(paar), tekst, grond) == OK;
 }
 
+// The pair that an attribute takes in the window at a stack index.
+int kleurpaar(int index, uint32_t attr) {
+    if (!has_colors())
+        return 0;
+    bool accent = (attr & A_UNDERLINE) && !(attr & A_REVERSE);
+    int paar = accent ? accent_paar(index) : tekst_paar(index);
+    return paar < COLOR_PAIRS ? paar : 0;
+}
+
 bool is_std(WINDOW* win) {
     for (int i = 0; i < SCHERM.termaantal; i++)
         if (SCHERM.term[i].std == win)
@@ -52,19 +61,16 @@ VENSTERP WINNU() {
     return SCHERM.bestaat && SCHERM.huidig >= 0 ? VENSTERNU().win : nullptr;
 }
 
-int KLEURPAAR(int index, uint32_t attr) {
-    if (!has_colors())
-        return 0;
-    bool accent = (attr & A_UNDERLINE) && !(attr & A_REVERSE);
-    int paar = accent ? accent_paar(index) : tekst_paar(index);
-    return paar < COLOR_PAIRS ? paar : 0;
-}
-
 void TOONVANAF(int index) {
     for (int i = std::max(index, 0); i < SCHERM.aantal; i++) {
         touchwin(SCHERM.venster[i].win);
         wnoutrefresh(SCHERM.venster[i].win);
     }
+}
+
+void VENSTERRUIMTE() {
+    if (SCHERM.aantal >= VENSTERS)
+        SCRFATAL("WINOPEN : %s", TXT(T_TEVEEL_VENSTERS));
 }
 
 void VENSTERDUW(WINDOW* win, int soort) {
@@ -84,8 +90,7 @@ void VENSTERDUW(WINDOW* win, int soort) {
 void WINOPEN(int rij, int kolom, int hoogte, int breedte, int soort) {
     if (!SCHERM.bestaat)
         return;
-    if (SCHERM.aantal >= VENSTERS)
-        SCRFATAL("WINOPEN : %s", TXT(T_TEVEEL_VENSTERS));
+    VENSTERRUIMTE();
     // a window that doesn't fit is moved in and cut, rather than refused
     hoogte = std::clamp(hoogte, 1, SCHERM.lines);
     breedte = std::clamp(breedte, 1, SCHERM.cols);
@@ -198,7 +203,7 @@ void WINATTR(uint32_t attr) {
     if (!SCHERM.bestaat || SCHERM.dicht)
         return;
     WINDOW* win = VENSTERNU().win;
-    int paar = KLEURPAAR(SCHERM.huidig, attr);
+    int paar = kleurpaar(SCHERM.huidig, attr);
     LIJNTEKENS =
         (attr & A_ALTCHARSET) != 0; // each character decides for itself, so curses doesn't get the bit
     attr &= ~A_ALTCHARSET;

@@ -4,6 +4,7 @@
 #include "term/teksten.h"
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace zg;
 
@@ -133,6 +134,16 @@ TEST(Tekst, Catalogue) {
     EXPECT_EQ(TXTLETTER(T_NEE), 'N') << "an empty letter would answer nothing";
     CATCLOSE();
     EXPECT_STREQ(TXT(T_AKKOORD), "Akkoord");
-    unsetenv("NLSPATH");
+
+    // a language whose locale is not installed
+    mkdir("xx_XX", 0755);
+    rename("ZEBCAT.cat", "xx_XX/ZEBCAT.cat");
+    setenv("NLSPATH", (map.pad() + "/%L/%N.cat").c_str(), 1);
     unsetenv("LC_ALL");
+    setenv("LANG", "xx_XX", 1);
+    CATOPEN();
+    EXPECT_STREQ(TXT(T_AKKOORD), "Agr\x82");
+    CATCLOSE();
+    unsetenv("NLSPATH");
+    unsetenv("LANG");
 }
