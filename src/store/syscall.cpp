@@ -1,6 +1,5 @@
 // The table of system calls and the register of open files; see store/syscall.h.
 #include "store/syscall.h"
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -18,13 +17,8 @@ struct Bestand {
     dev_t dev;
     ino_t ino;
     int fd, gebruikers;
-    bool vast;
 };
 std::vector<Bestand> bestanden;
-
-std::vector<Bestand>::iterator vind(int fd) {
-    return std::find_if(bestanden.begin(), bestanden.end(), [fd](const Bestand& b) { return b.fd == fd; });
-}
 
 } // namespace
 
@@ -80,26 +74,19 @@ int IXBESTANDOPEN(const char* pad, int vlaggen) {
         errno = fout;
         return -1;
     }
-    bestanden.push_back({s.st_dev, s.st_ino, fd, 1, false});
+    bestanden.push_back({s.st_dev, s.st_ino, fd, 1});
     return fd;
 }
 
 void IXBESTANDDICHT(int fd) {
-    const auto b = vind(fd);
-    if (b == bestanden.end() || --b->gebruikers > 0)
-        return;
-    IXSYS.close(fd);
-    bestanden.erase(b);
-}
-
-void IXBESTANDVAST(int fd, bool vast) {
-    if (const auto b = vind(fd); b != bestanden.end())
-        b->vast = vast;
-}
-
-bool IXBESTANDVAST(int fd) {
-    const auto b = vind(fd);
-    return b != bestanden.end() && b->vast;
+    for (size_t i = 0; i < bestanden.size(); i++)
+        if (bestanden[i].fd == fd) {
+            if (--bestanden[i].gebruikers == 0) {
+                IXSYS.close(fd);
+                bestanden.erase(bestanden.begin() + static_cast<ptrdiff_t>(i));
+            }
+            return;
+        }
 }
 
 int64_t IXBESTANDGROOTTE(int fd) {

@@ -25,7 +25,7 @@ bool op_streepje(int pos) {
 }
 
 bool hexveld() {
-    return SCHERM.type == 'x' || SCHERM.type == 'X';
+    return VELDTYPE("xX");
 }
 
 int stap() {
@@ -108,12 +108,12 @@ void vul_datum(Veld& v, char met) {
     v.cursor = std::min(v.cursor, lengte());
 }
 
+void wis_alles(Veld& v) {
+    memset(ingavetekst, 0, INGAVEMAX);
+    v.begin = 0;
+}
+
 void wis_terug(Veld& v) {
-    if (v.cursor == 0) {
-        memset(ingavetekst, 0, INGAVEMAX);
-        v.begin = 0;
-        return;
-    }
     bool streepjes = VELDSTREEPJES();
     if (op_streepje(v.cursor - 1))
         v.cursor--;
@@ -166,7 +166,8 @@ void VELDTEKST(const char* tekst) {
 }
 
 void VELDTRIM() {
-    RTRIM(ingavetekst);
+    if (SCHERM.breedte > 1 || !VELDTYPE("cC"))
+        RTRIM(ingavetekst);
 }
 
 void VELDGETAL() {
@@ -220,7 +221,7 @@ bool VELDTEKEN(Veld& v, int32_t key) {
     return true;
 }
 
-void VELDBEWERK(Veld& v, int32_t key) {
+bool VELDBEWERK(Veld& v, int32_t key) {
     switch (key) {
     case K_HOME:
         if (v.cursor == 0) {
@@ -252,6 +253,10 @@ void VELDBEWERK(Veld& v, int32_t key) {
         break;
     case K_BACK:
     case BACKSPACE:
+        if (v.cursor == 0) {
+            wis_alles(v);
+            return true;
+        }
         wis_terug(v);
         break;
     case CTRL_W:
@@ -261,6 +266,7 @@ void VELDBEWERK(Veld& v, int32_t key) {
     default:
         ongeldige_toets();
     }
+    return false;
 }
 
 } // namespace zg

@@ -180,7 +180,7 @@ void standaardtekens() {
             toe_tekens(".,");
     } else if (SCHERM.type == 'D') {
         toe_tekens("-+0123456789");
-    } else if (een_van(SCHERM.type, "xX")) {
+    } else if (VELDTYPE("xX")) {
         toe_tekens("0123456789ABCDEF");
     } else if (SCHERM.type == 'b') {
         toe_tekens("+-");
@@ -231,7 +231,7 @@ void lees_opties(std::string_view f) {
     std::string o(f);
     if (SCHERM.numeriek && o.find_first_of("ZNP") == std::string::npos)
         o += "NZP";
-    else if (een_van(SCHERM.type, "xX"))
+    else if (VELDTYPE("xX"))
         o += "U";
     else if (SCHERM.type == 'b')
         o += "UE";
@@ -243,12 +243,12 @@ void lees_type(std::string_view& f) {
     SCHERM.type = f.empty() ? '\0' : f[0];
     if (!f.empty())
         f.remove_prefix(1);
-    if (SCHERM.decimalen > 0 && !een_van(SCHERM.type, "fCSX"))
+    if (SCHERM.decimalen > 0 && !VELDTYPE("fCSX"))
         fout(T_FMT_PRECISION);
-    if (!een_van(SCHERM.type, TYPEN))
+    if (!VELDTYPE(TYPEN))
         fout(T_FMT_VARTYPE);
-    SCHERM.numeriek = !een_van(SCHERM.type, "DcCbsSxX");
-    SCHERM.scroll = een_van(SCHERM.type, "CSX");
+    SCHERM.numeriek = !VELDTYPE("DcCbsSxX");
+    SCHERM.scroll = VELDTYPE("CSX");
     if (SCHERM.type == 'b')
         SCHERM.breedte = 1;
     if (SCHERM.type == 'D' && SCHERM.breedte != 8 && SCHERM.breedte != 10)
@@ -329,7 +329,7 @@ const char* INGAVEFMT(const char* formaat) {
         laad_datum();
     } else if (SCHERM.type == 'b') {
         ingavetekst[0] = TXTLETTER(ingavewaarde != 0.0 ? T_JA : T_NEE);
-    } else if (een_van(SCHERM.type, "sS")) {
+    } else if (VELDTYPE("sS")) {
         laad_string();
     } else {
         laad_bytes();

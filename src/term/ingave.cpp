@@ -19,19 +19,6 @@ namespace {
 
 constexpr int COMPOSE = K_F11;
 
-bool een_van(char c, const char* letters) {
-    return c != 0 && strchr(letters, c);
-}
-
-bool tekstveld() {
-    return een_van(SCHERM.type, "cCsS");
-}
-
-// A blank is a value in a text of one character.
-bool trimt() {
-    return !(SCHERM.breedte == 1 && een_van(SCHERM.type, "cC"));
-}
-
 struct Pijlen {
     bool links, rechts;
 };
@@ -127,10 +114,28 @@ Verloop vooraf(const Veld& v, int32_t key) {
     return VERDER;
 }
 
+// What a key does that has not acted at once: leave, type or edit.
+void verwerk(Veld& v, int32_t key, bool weg) {
+    const int stond = v.cursor;
+    bool bewogen = false;
+    if (weg) {
+        VELDKEUR(v, key);
+    } else if (key >= 32 && key <= 255) {
+        v.vol = VELDTEKEN(v, key) && v.cursor >= SCHERM.breedte && VELDOPTIE('A');
+    } else {
+        bewogen = VELDBEWERK(v, key);
+    }
+    if (SCHERM.vlag & V_GEWEIGERD) {
+        v.cursor = v.begin = 0;
+        SCHERM.vlag = V_GEWEIGERD | V_VERS;
+    } else if (bewogen || v.cursor != stond) {
+        SCHERM.vlag = 0;
+    }
+}
+
 // Edits until a key leaves the field; answers that key.
 int32_t lus() {
-    if (trimt())
-        VELDTRIM();
+    VELDTRIM();
     BEZIGWIS();
     Veld v;
     memcpy(v.oud, ingavetekst, sizeof v.oud);
@@ -139,15 +144,12 @@ int32_t lus() {
     SCHERM.verborgen = VELDOPTIE('S');
     SCHERM.vlag = V_VERS;
 
-    bool vol = false; // the last character of an automatic field has been typed
     int32_t key;
     for (;;) {
         scheid(v);
         toon(v);
-        key = vol ? K_ENTER : TOETS();
-        vol = false;
-        if (key < 0)
-            continue;
+        key = v.vol ? K_ENTER : TOETS();
+        v.vol = false;
         error("%s", "");
         SCHERM.vlag &= ~V_GEWEIGERD;
         Verloop verloop = vooraf(v, key);
@@ -157,26 +159,9 @@ int32_t lus() {
             continue;
         const bool weg = key == K_ENTER || (TOETSNAMED(key) && (v.cursor == 0 || vertaal(key) == key));
         if (!weg)
-            key = key == COMPOSE && tekstveld() ? COMPOSEINVOER() : vertaal(key);
-
-        const int stond = v.cursor;
-        bool bewogen = false;
-        if (weg) {
-            VELDKEUR(v, key);
-        } else if (key >= 32 && key <= 255) {
-            vol = VELDTEKEN(v, key) && v.cursor >= SCHERM.breedte && VELDOPTIE('A');
-        } else {
-            bewogen = (key == K_BACK || key == 8) && stond == 0;
-            VELDBEWERK(v, key);
-        }
-        if (SCHERM.vlag & V_GEWEIGERD) {
-            v.cursor = v.begin = 0;
-            SCHERM.vlag = V_GEWEIGERD | V_VERS;
-            continue;
-        }
-        if (bewogen || v.cursor != stond)
-            SCHERM.vlag = 0;
-        if (weg) {
+            key = key == COMPOSE && VELDTYPE("cCsS") ? COMPOSEINVOER() : vertaal(key);
+        verwerk(v, key, weg);
+        if (weg && !(SCHERM.vlag & V_GEWEIGERD)) {
             if (key == K_CANCEL || key == K_ESC)
                 verlaat_oud(v);
             break;
@@ -215,7 +200,7 @@ void bewaar() {
         memcpy(SCHERM.doel, &ingavewaarde, sizeof ingavewaarde);
         break;
     default:
-        memcpy(SCHERM.doel, ingavetekst, static_cast<size_t>(SCHERM.breedte) + een_van(SCHERM.type, "sS"));
+        memcpy(SCHERM.doel, ingavetekst, static_cast<size_t>(SCHERM.breedte) + VELDTYPE("sS"));
     }
 }
 

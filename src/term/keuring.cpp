@@ -155,7 +155,8 @@ void keur_absoluut(const Veld& v) {
     const std::string getypt = ingavetekst;
     if (SCHERM.breedte >= 8)
         VELDKAAL(ingavetekst);
-    if (ingavetekst[0] == 0)
+    const std::string bloot = ingavetekst;
+    if (bloot.empty())
         return;
     if (!DATUMGELDIG(ingavetekst)) {
         const Tekst& melding = SCHERM.breedte == 8    ? T_DATUM_8
@@ -170,7 +171,7 @@ void keur_absoluut(const Veld& v) {
     const double dag = ongemoeid ? v.oudwaarde : DATUMNR(ingavetekst);
     const bool vrij = INSTEL.minimum == 0.0 && INSTEL.maximum == 0.0;
     if (dag == 0.0 || !in_bereik(dag, INSTEL.minimum, INSTEL.maximum))
-        return buiten_bereik(v, getypt.c_str(), vrij ? 1 : INSTEL.minimum,
+        return buiten_bereik(v, bloot.c_str(), vrij ? 1 : INSTEL.minimum,
                              vrij ? LAATSTE_DAG : INSTEL.maximum);
     ingavewaarde = dag;
 }
@@ -188,8 +189,7 @@ void keur_datum(const Veld& v) {
 } // namespace
 
 void VELDKEUR(Veld& v, int32_t key) {
-    if (!(SCHERM.breedte == 1 && (SCHERM.type == 'c' || SCHERM.type == 'C')))
-        VELDTRIM();
+    VELDTRIM();
     const bool afbreken = key == K_CANCEL || key == K_ESC;
     if (SCHERM.type == 'D') {
         keur_datum(v);

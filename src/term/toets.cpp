@@ -2,7 +2,7 @@
 // keys: instel.cpp. What the keyboard sends becomes keys in klavier.cpp.
 #include "term/toets.h"
 #include "term/binnen.h"
-#include "term/natl.h"
+#include "term/veldwacht.h"
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -59,6 +59,17 @@ int32_t van_klavier(WINDOW* win, int ms) {
     }
 }
 
+// The macro dialog may stand in the middle of a field: what its own fields and lists would overwrite is put
+// aside, and the field is waiting for a key again when it ends.
+int32_t dialoog() {
+    VELDWACHT wacht;
+    in_dialoog = true;
+    int32_t key = MACROHAAK.dialoog();
+    in_dialoog = false;
+    BEZIGWIS();
+    return key;
+}
+
 int32_t volgende(WINDOW* win, int ms) {
     for (;;) {
         TOETSKLAAR();
@@ -81,11 +92,8 @@ int32_t volgende(WINDOW* win, int ms) {
             if (key == -1)
                 return -1;
         }
-        if (key == K_F2 && MACROHAAK.aan && MACROHAAK.dialoog && !in_dialoog && !TOETSTOE(K_F2)) {
-            in_dialoog = true;
-            key = MACROHAAK.dialoog();
-            in_dialoog = false;
-        }
+        if (key == K_F2 && MACROHAAK.aan && MACROHAAK.dialoog && !in_dialoog && !TOETSTOE(K_F2))
+            key = dialoog();
         if (key != -1 && !laat_vallen(key))
             return key;
     }

@@ -42,9 +42,9 @@ struct MacroHaak {
     int (*over)();             // keys left?
     void (*druk)(int32_t key); // push on the playing macro
     void (*stop)();            // end it
-    int32_t (*dialoog)(); // F2: the key to go on with, -2 for none; guards the open field (term/veldwacht.h)
-    void (*bewaar)();     // before the terminal closes
-    void (*herstel)();    // after it has opened
+    int32_t (*dialoog)();      // F2: the key to go on with, -2 for none; an open field is safe from it
+    void (*bewaar)();          // before the terminal closes
+    void (*herstel)();         // after it has opened
 };
 extern MacroHaak MACROHAAK;
 

@@ -3,22 +3,28 @@
 // The text being edited is `ingavetekst`; every byte behind its end is NUL at all times.
 #pragma once
 #include "term/ingave.h"
+#include <cstring>
 
 namespace zg {
 
 struct Veld {
-    int cursor = 0; // in the text, 0 to the width; never on a separator of a date
-    int begin = 0;  // first visible character of a scrolling field
+    int cursor = 0;   // in the text, 0 to the width; never on a separator of a date
+    int begin = 0;    // first visible character of a scrolling field
+    bool vol = false; // the last character of an automatic field has been typed: ENTER comes by itself
     char oud[INGAVEMAX] = {};
     double oudwaarde = 0.0;
 };
 
+// Is the field of one of these types? Has it this option?
+inline bool VELDTYPE(const char* letters) {
+    return SCHERM.type && strchr(letters, SCHERM.type);
+}
 bool VELDOPTIE(char letter);
 void VELDTEKENSET(int modus); // sets what INGAVESET answers
 
 // A new text (cut at 271 bytes), or what stands there without trailing blanks; NUL behind it.
 void VELDTEKST(const char* tekst);
-void VELDTRIM();
+void VELDTRIM(); // leaves a text of one character alone, in which a blank is a value
 // The value as text in the field's width and decimals; longer when it doesn't fit, never cut.
 void VELDGETAL();
 
@@ -33,8 +39,8 @@ const char* VELDDATUM(uint16_t nr);
 
 // A printable character: true when the text has taken it.
 bool VELDTEKEN(Veld& v, int32_t key);
-// Any other key that doesn't leave the field.
-void VELDBEWERK(Veld& v, int32_t key);
+// Any other key that doesn't leave the field; true when it moved without a step of the cursor (all wiped at 0).
+bool VELDBEWERK(Veld& v, int32_t key);
 // Put the starting text and value back.
 void VELDTERUG(const Veld& v);
 

@@ -22,25 +22,25 @@ void waarde(const std::string& tekst) {
     SCRADD("%s", tekst.c_str());
 }
 
-const Tekst& soort() {
-    switch (SCHERM.type) {
-    case 'B':
-        return T_SOORT_BEDRAG;
-    case 'c':
-    case 'C':
-    case 's':
-    case 'S':
-        return T_SOORT_TEKST;
-    case 'D':
-        return T_SOORT_DATUM;
-    case 'x':
-    case 'X':
-        return T_SOORT_HEX;
-    case 'b':
-        return T_SOORT_JN;
-    default:
-        return T_SOORT_GETAL;
-    }
+// What each kind of field is called, and the characters it takes when its format names none.
+struct Woorden {
+    const char* typen;
+    const Tekst &soort, &tekens;
+};
+constexpr Woorden WOORDEN[] = {
+    {"B", T_SOORT_BEDRAG, T_HELP_ALLE_CIJFERS},
+    {"cCsS", T_SOORT_TEKST, T_HELP_ALLE_TEKENS},
+    {"D", T_SOORT_DATUM, T_HELP_ALLE_CIJFERS},
+    {"xX", T_SOORT_HEX, T_HELP_HEXTEKENS},
+    {"b", T_SOORT_JN, T_HELP_JN},
+    {"Udflnu", T_SOORT_GETAL, T_HELP_ALLE_CIJFERS},
+};
+
+const Woorden& woorden() {
+    const Woorden* w = WOORDEN;
+    while (!VELDTYPE(w->typen))
+        w++;
+    return *w;
 }
 
 std::string getal(double x) {
@@ -59,7 +59,7 @@ void regel_soort() {
         label(" ");
         label(TXT(T_HELP_VANEEN));
     }
-    waarde(std::string(" ") + TXT(soort()) + " ");
+    waarde(std::string(" ") + TXT(woorden().soort) + " ");
     label(TXT(T_HELP_VERWACHT));
 }
 
@@ -94,23 +94,7 @@ void regel_tekens() {
         }
         return label(TXT(T_HELP_TOEGESTAAN));
     }
-    switch (SCHERM.type) {
-    case 'c':
-    case 'C':
-    case 's':
-    case 'S':
-        waarde(TXT(T_HELP_ALLE_TEKENS));
-        break;
-    case 'x':
-    case 'X':
-        waarde(TXT(T_HELP_HEXTEKENS));
-        break;
-    case 'b':
-        waarde(TXT(T_HELP_JN));
-        break;
-    default:
-        waarde(TXT(T_HELP_ALLE_CIJFERS));
-    }
+    waarde(TXT(woorden().tekens));
     label(" ");
     label(TXT(T_HELP_TOEGESTAAN));
 }

@@ -1,6 +1,7 @@
 // The windows that a field opens: compose box and help; keys that a field gives to the program or the abort; and
 // keys typed ahead.
 #include "support/terminal.h"
+#include "term/dm_hdl.h"
 #include "term/formaat.h"
 #include "term/ingave.h"
 #include <csignal>
@@ -152,6 +153,42 @@ TEST(VeldVenster, HulpMiddenInHetVeld) {
     EXPECT_EQ(t.stuk(5, 10, 8), "xy______");
     t.toetsen("z<Enter>");
     EXPECT_EQ(t.regel(1), "klaar 10 [xyz]");
+}
+
+// A field and a list in the middle of a field, as the macro dialog has them, leave no trace in it.
+TEST(VeldVenster, DialoogMiddenInHetVeld) {
+    char doel[21] = "";
+    Terminal t([&] {
+        MACROHAAK.aan = 1;
+        MACROHAAK.dialoog = []() -> int32_t {
+            double getal = 0;
+            BEZIGAAN();
+            WINOPEN2(10, 20, 5, 40);
+            WINBOX(" dialoog ");
+            INGAVE(1, 2, "5.1f,N", &SCHERM.toets[key_f5], &getal);
+            DMREC* lijst = DMNEW("lijst");
+            DMITEM(lijst, "&geen", 1, 1);
+            DMITEM(lijst, "&toets", 2, 1);
+            int keuze = DMRUN(lijst, 12, 1);
+            WINCLOSE();
+            return keuze == 2 && getal == -2.5 ? 'z' : -2;
+        };
+        return veld(5, 10, "20.8S[^Q],U", doel, &SCHERM.toets[key_up]);
+    });
+    t.toetsen("ab<Ins><F2>");
+    EXPECT_TRUE(t.wacht("dialoog"));
+    t.toetsen("<F2>");
+    EXPECT_EQ(t.regel(25), "Ongeldige toets") << "no dialog inside the dialog";
+    t.toetsen("-2,5<Enter><Down><Enter>");
+    EXPECT_EQ(t.regel(5), "         ABZ_____");
+    EXPECT_EQ(t.regel(11), "");
+    EXPECT_EQ(t.regel(25), "") << "the field waits, so the program isn't busy";
+    t.toetsen("q");
+    EXPECT_EQ(t.regel(25), "<Q> Ongeldige ingave!!  (HELP voor toelichting)");
+    t.toetsen("<F2><Enter><Esc><Home>c");
+    EXPECT_EQ(t.regel(5), "         CABZ____") << "insert mode is still on";
+    t.toetsen("<Up>");
+    EXPECT_EQ(t.regel(1), "klaar 259 [CABZ]");
 }
 
 // A key of the caller's own never opens a window.

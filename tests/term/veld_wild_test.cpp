@@ -3,7 +3,7 @@
 #include "support/terminal.h"
 #include "term/formaat.h"
 #include "term/ingave.h"
-#include "term/natl.h"
+#include "veldmaat.h"
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -14,6 +14,8 @@
 
 namespace zg {
 namespace {
+
+using test::veldmaat;
 
 constexpr size_t MAAT = 300;
 
@@ -64,26 +66,6 @@ template <class T> double als(const char* doel) {
     return static_cast<double>(x);
 }
 
-size_t maat(char type, int breedte) {
-    switch (type) {
-    case 'B':
-    case 'l':
-        return 4;
-    case 'D':
-    case 'd':
-    case 'u':
-        return 2;
-    case 'U':
-    case 'b':
-    case 'n':
-        return 1;
-    case 'f':
-        return 8;
-    default:
-        return static_cast<size_t>(breedte) + (type == 's' || type == 'S');
-    }
-}
-
 double waarde(char type, const char* doel) {
     switch (type) {
     case 'B':
@@ -111,7 +93,7 @@ std::string veld(const std::string& f) {
         c = static_cast<char>(rng());
     const char type = f[f.find_first_not_of("0123456789.")];
     if (strchr("cCsSxX", type)) { // any bytes at all, ended inside the field for the strings
-        size_t n = maat(type, std::max(1, atoi(f.c_str())));
+        size_t n = veldmaat(type, std::max(1, atoi(f.c_str())));
         doel[dobbel(static_cast<int>(n))] = 0;
     }
     memcpy(oud, doel, MAAT);
@@ -135,7 +117,7 @@ std::string veld(const std::string& f) {
     int gewijzigd = INGAVE(rij, kolom, f.c_str(), &SCHERM.toets[key_cancel], &SCHERM.toets[key_up],
                            &SCHERM.toets[key_f5], doel);
     TOETSLEEG();
-    const size_t n = maat(type, breedte);
+    const size_t n = veldmaat(type, breedte);
     const int32_t laatste = SCHERM.laatste;
     auto optie = [&](char c) { return opties.find(c) != std::string::npos; };
 
