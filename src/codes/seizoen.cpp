@@ -16,6 +16,12 @@ std::string seizoen_map(uint16_t jaar, char letter) {
     return naam;
 }
 
+unsigned seizoen_jaar(unsigned getypt) {
+    if (getypt == 0 || getypt > 99)
+        return getypt;
+    return getypt + (getypt < 51 ? 2000 : 1900);
+}
+
 std::vector<Seizoen> seizoen_lijst() {
     std::vector<Seizoen> alle;
     char naam[512] = "*";
@@ -48,7 +54,7 @@ bool seizoen_kiezen(uint16_t* jaar, char* letter) {
     lijst.titel = TXT(T_KIES_SEIZOEN), lijst.kop = TXT(T_SEIZOEN), lijst.vraag = TXT(T_JAAR),
     lijst.formaat = "4s[0123456789],I";
     lijst.zoek = [&](const char* tekst) {
-        int gezocht = atoi(tekst);
+        const unsigned gezocht = seizoen_jaar(static_cast<unsigned>(atoi(tekst)));
         for (size_t i = 0; i < alle.size(); i++)
             if (alle[i].jaar <= gezocht)
                 return static_cast<int>(i);

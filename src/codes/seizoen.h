@@ -14,6 +14,8 @@ struct Seizoen {
 inline constexpr char SEIZOENLETTERS[] = "ZWK";
 
 std::string seizoen_map(uint16_t jaar, char letter); // "2016Z"
+// A year as typed: two digits are expanded (below 51 this century). 0 stays 0, the standard season.
+unsigned seizoen_jaar(unsigned getypt);
 // The seasons that there are, latest first, the standard ones at the end.
 std::vector<Seizoen> seizoen_lijst();
 // Pick list; false without a pick, or without any season (told).

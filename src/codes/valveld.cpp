@@ -2,6 +2,7 @@
 #include "codes/teksten.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
+#include "price/teksten.h"
 #include "shared/arraylijst.h"
 #include "term/ingave.h"
 #include "term/vast.h"
@@ -38,6 +39,9 @@ bool valuta_kiezen() {
         error("%s", TXT(T_ONBEKENDE_VALUTACODE));
         return -1;
     };
+    for (size_t i = 0; i < tabel.size(); i++)
+        if (VASTGELIJK(tabel[i].r.code, VASTUIT(valuta_nu.code)))
+            lijst.begin = static_cast<int>(i);
     int gekozen = arraylijst(lijst);
     return gekozen >= 0 &&
            valuta_zoek(std::string(VASTUIT(tabel[static_cast<size_t>(gekozen)].r.code)).c_str());
@@ -54,15 +58,16 @@ bool valuta_veld(int rij, int kolom, const char* formaat, char* code) {
         INGAVE(rij, kolom, formaat, &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], nieuw);
         if (weg(SCHERM.laatste))
             break;
-        uint32_t leeg = SCHERM.vlag & V_LEEG;
         if (SCHERM.laatste == K_F5) {
-            if (!valuta_kiezen()) {
-                memcpy(nieuw, code, 3);
+            memcpy(nieuw, code, 3);
+            if (!VASTLEEG(nieuw))
+                valuta_zoek(code); // the list begins on it
+            if (!valuta_kiezen())
                 continue;
-            }
             memcpy(nieuw, valuta_nu.code, 3);
             SCHERM.laatste = K_ENTER;
-        } else if (!leeg) {
+            SCHERM.vlag &= ~static_cast<uint32_t>(V_LEEG);
+        } else if (!(SCHERM.vlag & V_LEEG)) {
             char gezocht[4] = {nieuw[0], nieuw[1], nieuw[2], 0};
             if (!valuta_zoek(gezocht)) {
                 error("<%s> %s", gezocht, TXT(T_ONBEKENDE_VALUTACODE));
@@ -79,7 +84,7 @@ bool valuta_veld(int rij, int kolom, const char* formaat, char* code) {
     return gewijzigd;
 }
 
-bool koers_veld(int rij, int kolom, const char* vlaggen, const char* code, double* koers) {
+bool koers_veld(int rij, int kolom, const char* vlaggen, const char*, double* koers) {
     int32_t geheel;
     uint16_t eenheid = 1;
     if (*koers > 0)
@@ -88,7 +93,6 @@ bool koers_veld(int rij, int kolom, const char* vlaggen, const char* code, doubl
         eenheid = 1;
     else
         SCRPUT(A_LABEL, rij, kolom + 10, "(%s %d)", TXT(T_PER), eenheid);
-    (void)code;
     char formaat[16];
     snprintf(formaat, sizeof formaat, "9.5f,P%.4s", vlaggen);
     double waarde = *koers * eenheid;

@@ -9,7 +9,7 @@ namespace zg {
 // Currency code field at a place, format as "3c,UE", F5 for the list. An unknown code is refused, an empty
 // one accepted when the format lets it (flag V_LEEG). True when the code (3 bytes) changed.
 bool valuta_veld(int rij, int kolom, const char* formaat, char* code);
-// Pick list of the currencies; true when one was picked, which is then the current one.
+// Pick list of the currencies, beginning on the current one; true when one was picked, which is then current.
 bool valuta_kiezen();
 
 // Rate field, "9.5f,P" with the letters `vlaggen` ("E", "I" or ""). A unit above 10 shows as "(per 100)"

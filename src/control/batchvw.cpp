@@ -4,6 +4,7 @@
 #include "shared/files.h"
 #include "shared/iotab.h"
 #include "shared/report.h"
+#include "shared/teksten.h"
 #include "term/prompt.h"
 #include "term/vast.h"
 #include <unistd.h>

@@ -247,12 +247,6 @@ void ordparm_lees() {
     close(fd);
 }
 
-unsigned seizoen_jaar(unsigned getypt) {
-    if (getypt == 0 || getypt > 99)
-        return getypt;
-    return getypt + (getypt < 51 ? 2000 : 1900);
-}
-
 bool kies_seizoen() {
     gekozen_jaar = orderparameters.jaar;
     gekozen_letter = orderparameters.letter;

@@ -23,8 +23,4 @@ bool ord_kies_order();
 // Told before the supplier's orders: a session that was broken off, and whether its changes could be saved.
 void herstel_venster();
 
-// The year as typed at the season prompt: two digits are expanded (below 51 this century). 0 stays 0, the
-// standard season.
-unsigned seizoen_jaar(unsigned getypt);
-
 } // namespace zg

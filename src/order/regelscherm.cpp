@@ -7,6 +7,7 @@
 #include "order/teksten.h"
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
+#include "shared/teksten.h"
 #include "sub/omlev.h"
 #include "term/ingave.h"
 #include "term/keuze.h"
@@ -205,14 +206,14 @@ void laad(const ors_ingang* ingang, bool vergrendel, ordertotalen* totaal) {
 bool dienst(bool (*doe)(bool), bool lezen) {
     if (doe)
         return doe(lezen);
-    MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+    MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
     return false;
 }
 
 bool nieuwe_regels(bool (*doe)()) {
     if (doe)
         return doe();
-    MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+    MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
     return false;
 }
 
@@ -309,7 +310,7 @@ void verwijder(Blad& blad, const ordertotalen& totaal) {
         return;
     // Labels can't be left behind without the line that they are of.
     if (registermodus && !REGELDIENSTEN.regel_weg) {
-        MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+        MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
         return;
     }
     if (registermodus && regel_bereikbaar && !REGELDIENSTEN.regel_weg())
@@ -349,7 +350,7 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
         if (aantal_regels > 0 && REGELDIENSTEN.matrix)
             REGELDIENSTEN.matrix();
         else
-            MELDBOX(MELD_INFO, TXT(T_GEEN_INFO), nullptr, nullptr);
+            MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
         break;
     case H_VERWIJDEREN:
         verwijder(blad, totaal);

@@ -6,6 +6,7 @@
 #include "shared/iofil.h"
 #include "shared/iotab.h"
 #include "shared/sysrec.h"
+#include "shared/teksten.h"
 #include "store/ix.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
@@ -47,7 +48,7 @@ void informatie_venster(int hoogte) {
     snprintf(tekst, sizeof tekst, "Lantaarn%s %dF", RELEASE, firma.filialen);
     regel(T_INSTALLATIE, tekst);
     snprintf(tekst, sizeof tekst, "%s (%c)", gebruiker_naam(), gebruiker.userkind ? gebruiker.userkind : ' ');
-    regel(T_GEBRUIKERNAAM, tekst);
+    regel(T_GEBRUIKER, tekst);
 }
 
 [[noreturn]] void foutief_gestart(int code) {

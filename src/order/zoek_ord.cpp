@@ -5,6 +5,7 @@
 #include "order/teksten.h"
 #include "shared/report.h"
 #include "shared/sysrec.h"
+#include "shared/teksten.h"
 #include "store/ix.h"
 #include "term/datum.h"
 #include "term/ingave.h"

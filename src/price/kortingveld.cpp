@@ -1,7 +1,9 @@
 #include "price/kortingveld.h"
 #include "price/teksten.h"
 #include "term/ingave.h"
+#include "term/natl.h"
 #include "term/prompt.h"
+#include <cstdio>
 
 namespace zg {
 namespace {
@@ -22,7 +24,10 @@ bool bereken(double* procent) {
     double totaal = *procent, term = *procent;
     char bewerking = 'I';
     WINOPEN1(10, SCHERM.cols - 30, 6, 30);
-    WINBOX(" %s ", TXT(T_BEREKENEN_KORTING));
+    char titel[40];
+    snprintf(titel, sizeof titel, "%s", TXT(T_BEREKENEN_KORTING));
+    GROOT(titel);
+    WINBOX(" %s ", titel);
     SCRPUT(A_LABEL, 1, 2, "%-10.10s:", TXT(T_KORTING));
     SCRPUT(A_LABEL, 2, 2, "%-10.10s:", "+, *, C");
     SCRPUT(A_LABEL, 3, 2, "%-10.10s:", TXT(T_TOTAAL));

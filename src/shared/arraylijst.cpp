@@ -12,6 +12,8 @@ namespace zg {
 
 namespace {
 
+constexpr int PAGINA = 16; // rows of a list with a head on the lowest screen
+
 // The list that runs; lists don't nest inside each other's search field.
 const ArrayLijst* nu;
 LIJST* lijst;
@@ -38,10 +40,9 @@ void toets() {
     if ((SCHERM.vlag & V_LEEG) || SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
         return;
     int gevonden = nu->zoek(tekst);
-    if (gevonden >= 0) {
+    if (gevonden >= 0)
         lijst->positie = static_cast<uint32_t>(gevonden);
-        lijst->modus = 2;
-    }
+    lijst->modus = gevonden >= 0 ? 2 : 1; // nothing found: page and cursor stay
 }
 
 void kop() {
@@ -65,7 +66,10 @@ int arraylijst(const ArrayLijst& deze) {
     if (!lijst)
         NOMEM("arraylijst", 1);
     lijst->vast = 1;
-    lijst->positie = static_cast<uint32_t>(std::clamp<int64_t>(deze.begin, 0, std::ssize(deze.regels) - 1));
+    // The row to begin on with what stands around it; a short list shows whole.
+    const int begin = std::clamp(deze.begin, 0, static_cast<int>(std::ssize(deze.regels)) - 1);
+    lijst->cursor = begin < PAGINA ? begin : PAGINA / 2;
+    lijst->positie = static_cast<uint32_t>(begin - lijst->cursor);
     snprintf(lijst->titel, sizeof lijst->titel, "%s", deze.titel);
     // Wide enough for the search field behind its label.
     size_t breed = 12 + strlen(deze.vraag);

@@ -135,12 +135,10 @@ int IOCOPY(const char* van, const char* naar, int hoe) {
         bron = open(van, O_RDONLY | O_CLOEXEC);
     }
     struct stat a, b;
-    if (bron < 0 || fstat(bron, &a) < 0) {
-        if (bron >= 0)
-            close(bron);
+    if (bron < 0)
         return 0;
-    }
-    if (stat(naar, &b) == 0 && zelfde_bestand(a, b)) {
+    // A directory opens and then can't be read: the target would be gone for nothing.
+    if (fstat(bron, &a) < 0 || S_ISDIR(a.st_mode) || (stat(naar, &b) == 0 && zelfde_bestand(a, b))) {
         close(bron);
         return 0;
     }

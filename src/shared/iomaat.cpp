@@ -115,16 +115,22 @@ void lees_extra(const mthandle& h, mtinfo* info) {
     info->extra3 = rec.extra3;
 }
 
-// The searches answer a position, 0 for none.
+// The searches answer a position, 0 for none. Of two numbers that a damaged record puts on one position only
+// the one that stands there counts: a walk would come back to it for ever.
+int positie_van(const mthandle& h, int n) {
+    int p = geldig(n) ? h.nummers.entry[n].link : 0;
+    return geldig(p) && h.posities.entry[p].link == n ? p : 0;
+}
+
 int zoek_nummer(const mthandle& h, char letter, int n) {
+    if (letter == 'R')
+        return positie_van(h, n);
     if (letter == 'F')
         n = 0;
-    if (letter == 'R')
-        return geldig(n) ? h.nummers.entry[n].link : 0;
     int stap = letter == 'P' ? -1 : 1;
     for (n += stap; geldig(n); n += stap)
-        if (h.nummers.entry[n].link)
-            return h.nummers.entry[n].link;
+        if (int p = positie_van(h, n))
+            return p;
     return 0;
 }
 
@@ -210,11 +216,11 @@ void schrijf_extra(mthandle* h, const mtinfo& info, bool weg) {
     uint8_t buffer[IXRECMAX + 1] = {};
     mtomrec rec{h->stelsel, h->soort, info.maatnr, info.extra1, info.extra2, info.extra3};
     memcpy(buffer, &rec, sizeof rec);
-    if (!weg && info.extra1 != 0) {
+    if (!weg && (info.extra1 & 0xFF) != 0) { // a description begins with a byte that isn't 0
         IXWRITE(dtmtom, buffer);
         maat_aan(h->nummers.mtombits, info.maatnr);
     } else {
-        if (maat_in(h->nummers.mtombits, info.maatnr) && IXREADL(dtmtom, buffer))
+        if (IXREADL(dtmtom, buffer))
             IXDELETE(dtmtom, buffer);
         else
             IXUNLOCK(dtmtom, buffer);
@@ -267,9 +273,8 @@ mthandle* mtopen(uint8_t stelsel, uint8_t soort, int vlaggen) {
 
 void mtclose(mthandle* h) {
     eis(h);
-    if (h->schrijven) {
+    if (h->schrijven)
         schrijf_rij(h, standaard(*h) ? &h->nummers : &h->posities, standaard(*h));
-    }
     auto* plaats = std::find(std::begin(open_handles), std::end(open_handles), h);
     if (plaats != std::end(open_handles))
         *plaats = nullptr;

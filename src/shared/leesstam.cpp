@@ -97,7 +97,7 @@ int leesklant(ICB* icb, klantrec* rec, int32_t nummer) {
 
 int leesdoelgr(ICB* icb, doelgrrec* rec, char code) {
     static doelgrrec laatste;
-    int gelezen = lees_nummer(icb, &laatste, code, 6);
+    int gelezen = lees_nummer(icb, &laatste, code, 8);
     *rec = gelezen ? laatste : doelgrrec{};
     return gelezen;
 }

@@ -340,6 +340,7 @@ bool toon(LIJST* l, int ampersand) {
     b.eerste = l->kop ? 2 : 1;
     b.pagina = std::clamp(hoogte - b.eerste - 3, 1, PAGINAMAX);
     b.breedte = breedte - 2;
+    b.cursor = std::clamp(l->cursor, 0, b.pagina - 1);
 
     const int buiten = veldrij; // a list opened from another list's callback
     veldrij = hoogte - 2;

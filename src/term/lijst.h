@@ -28,6 +28,7 @@ struct LIJST {
     int32_t schermrij;
     int32_t modus; // next paint: 0 or 4 one row, 1 or 8 scrolled by one, 2 or 16 whole page
     char titel[84];
+    int32_t cursor; // row of the first page, from 0, that the cursor starts on
 };
 
 LIJST* LIJSTNEW(int32_t (*haal)(int32_t), void (*toets)(), void (*kop)(), const char* (*regel)());

@@ -4,6 +4,7 @@
 #include "shared/files.h"
 #include "shared/houder.h"
 #include "shared/iotab.h"
+#include "shared/teksten.h"
 #include "store/ix.h"
 #include "term/datum.h"
 #include "term/dm_hdl.h"
@@ -140,7 +141,7 @@ int main(int argc, char** argv) {
         // Back from a program, which has named us in the slot.
         in = neem(atoi(argv[3])) && strcmp(gebruiker_naam(), argv[2]) == 0;
         if (!in)
-            SCRFATAL("%s %s", PROGRAMMA, TXT(T_FOUTIEF_GESTART));
+            SCRFATAL("%s %s", PROGRAMMA, TXT(T_MENU_FOUTIEF_GESTART));
     } else {
         SCRPUT(A_WAARDE, 3, 4, "%s", TXT(T_MENU_TITEL));
         in = login();

@@ -1,5 +1,5 @@
 // The screens' pure parts: season years, the order of the search list, totals of a line.
-#include "order/driver.h"
+#include "codes/seizoen.h"
 #include "order/regelscherm.h"
 #include "order/zoek_ord.h"
 #include "term/vast.h"

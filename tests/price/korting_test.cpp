@@ -27,7 +27,7 @@ TEST(Korting, VeldEnBerekening) {
         {"three decimals", "1,234<Enter><Home><Home><Enter>", 10, "Teveel cijfers na de komma"},
         {"out of range", "100<Enter><Home><Home><Enter>", 10, "Alleen"},
         {"cancelled", "7<Esc>", 10, nullptr},
-        {"10 * 10", "<F10>*10<Enter><Esc><Enter>", 19, nullptr},
+        {"10 * 10", "<F10>*10<Enter><Esc><Enter>", 19, " BEREKENEN KORTING "},
         {"10 + 5 * 10", "<F10>+5<Enter>*10<Enter><Esc><Enter>", 23.5, nullptr},
         {"cleared, then 8", "<F10>C8<Enter><Esc><Enter>", 8, nullptr},
         {"calculation left without taking it", "<F10>+5<Enter><Esc><Esc><Enter>", 10, nullptr},

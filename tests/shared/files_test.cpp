@@ -153,13 +153,14 @@ TEST(Copy, RefuseOverwriteAppend) {
     }
 }
 
-TEST(Copy, NeverOntoItself) {
+TEST(Copy, RefusedSourcesLeaveTheTarget) {
     TijdelijkeMap map;
     schrijf_bestand("bron", "inhoud");
     ASSERT_EQ(link("bron", "zelfde"), 0);
     for (int hoe : {-1, 0, 1})
         for (const char* doel : {"bron", "./bron", "zelfde"})
             EXPECT_EQ(IOCOPY("bron", doel, hoe), 0) << doel << hoe;
+    EXPECT_EQ(IOCOPY(".", "bron", 0), 0) << "a directory can't be read";
     EXPECT_EQ(lees_bestand("bron"), "inhoud");
 }
 

@@ -81,6 +81,10 @@ TEST(BranchField, ShowsListAndName) {
     t.toetsen("<F5>");
     ASSERT_TRUE(t.wacht("Winkel 20 ø")) << t.scherm();
     EXPECT_NE(t.scherm().find("Filialen"), std::string::npos) << t.scherm();
+    // The whole list with the cursor on the present number; a number that isn't there changes nothing.
+    EXPECT_TRUE(t.wacht_op(5, 44, "  1  Winkel 1 ø")) << t.scherm();
+    t.toetsen("<Down>7<Enter>");
+    EXPECT_TRUE(t.wacht_op(5, 44, "  1  Winkel 1 ø") && t.cel(7, 50).keus) << t.scherm();
     t.toetsen("<Esc>");
     EXPECT_TRUE(t.weg("Winkel 20"));
     t.toetsen("<Esc>");
