@@ -89,6 +89,7 @@ bool koers_veld(int rij, int kolom, const char* vlaggen, const char*, double* ko
     uint16_t eenheid = 1;
     if (*koers > 0)
         koers_integer(*koers, &geheel, &eenheid);
+    SCRCLREOL(rij, kolom); // the rate as it stood there may have been for another unit
     if (eenheid <= 10)
         eenheid = 1;
     else
