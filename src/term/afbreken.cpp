@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <unistd.h>
 
 namespace zg {
@@ -71,14 +70,12 @@ void VSCRFATAL(const char* fmt, va_list ap) {
         SCHERM.dicht = 0;
     }
     if (SCRFATALHAAK) {
-        // A test's hook may throw: then the next report is a first one again.
-        struct Terug {
-            ~Terug() { bezig = false; }
-        };
-        std::optional<Terug> terug(std::in_place);
+        struct Terug { // a test's hook may throw: then the next report is a first one again
+            bool gegooid = true;
+            ~Terug() { bezig = !gegooid; }
+        } terug;
         SCRFATALHAAK();
-        terug.reset();
-        bezig = true;
+        terug.gegooid = false;
     }
     if (MACROHAAK.speelt && MACROHAAK.stop)
         MACROHAAK.stop();

@@ -59,6 +59,17 @@ private:
     int lines_;
 };
 
+// A child that opens the screen, does its work, waits for a key and closes.
+inline std::function<int()> op_scherm(const std::function<void()>& werk) {
+    return [werk] {
+        SCRINIT();
+        werk();
+        TOETS();
+        SCREXIT();
+        return 0;
+    };
+}
+
 struct Doos {
     int rij = 0, kolom = 0, hoogte = 0, breedte = 0;
     bool operator==(const Doos&) const = default;

@@ -1,10 +1,6 @@
 // The screen against a terminal emulator: start and end, windows, text, status line, variants, the abort box.
-#include "support/terminal.h"
-#include "term/scherm.h"
-#include "term/toets.h"
+#include "gesprek.h"
 #include <cstring>
-#include <functional>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -14,17 +10,6 @@ using namespace zg;
 using namespace zg::test;
 
 namespace {
-
-// A child that opens the screen, does its work, waits for a key and closes.
-std::function<int()> op_scherm(const std::function<void()>& werk) {
-    return [werk] {
-        SCRINIT();
-        werk();
-        TOETS();
-        SCREXIT();
-        return 0;
-    };
-}
 
 const int WIT = 7, BLAUW = 4, CYAAN = 6, ROOD = 1;
 

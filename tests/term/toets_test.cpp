@@ -1,8 +1,6 @@
 // Keys as terminals send them: names, sequences, UTF-8, signals, type-ahead, hang-up, the macro hook.
-#include "support/terminal.h"
+#include "gesprek.h"
 #include "term/ingave.h"
-#include "term/scherm.h"
-#include "term/toets.h"
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
@@ -19,17 +17,15 @@ namespace {
 
 // Shows the codes of its keys on rows from 1; "q" ends it.
 int toetslog() {
-    SCRINIT();
-    int rij = 1, kolom = 1;
-    for (int32_t key = 0; key != 'q';) {
-        key = TOETS();
-        kolom += SCRPUT(A_WAARDE, rij, kolom, "%d ", key);
-        if (kolom > 70)
-            rij++, kolom = 1;
-    }
-    TOETS();
-    SCREXIT();
-    return 0;
+    return op_scherm([] {
+        int rij = 1, kolom = 1;
+        for (int32_t key = 0; key != 'q';) {
+            key = TOETS();
+            kolom += SCRPUT(A_WAARDE, rij, kolom, "%d ", key);
+            if (kolom > 70)
+                rij++, kolom = 1;
+        }
+    })();
 }
 
 // The codes that a row of bytes gives, sent in one burst.
@@ -130,22 +126,16 @@ TEST(Klavier, HalfACharacterWaits) {
     t.toetsen("");
     t.stuur("\xB8");
     t.wacht("155");
-    Terminal u([] { // also when only looked at
-        SCRINIT();
+    Terminal u(op_scherm([] { // also when only looked at
         SCRPUT(A_WAARDE, 1, 1, "klaar");
         SCRFLUSH(0);
-        int n = 0;
-        while (!TOETSKLAAR())
-            n++;
+        while (!TOETSKLAAR()) {
+        }
         SCRPUT(A_WAARDE, 2, 1, "%d", TOETS());
-        TOETS();
-        SCREXIT();
-        return 0;
-    });
+    }));
     u.wacht("klaar");
-    u.stuur("\xE2");
-    u.stuur("\x94");
-    u.stuur("\x82");
+    for (const char* stuk : {"\xE2", "\x94", "\x82"})
+        u.stuur(stuk);
     u.wacht("179");
 }
 
@@ -173,17 +163,12 @@ TEST(Toets, Signals) {
 }
 
 TEST(Toets, ResizeRepaints) {
-    Terminal t([] {
-        SCRINIT();
+    Terminal t(op_scherm([] {
         SCRPUT(A_WAARDE, 5, 5, "onder");
         WINOPEN1(10, 10, 3, 10);
         WINBOX("boven");
-        TOETS();
-        SCREXIT();
-        return 0;
-    });
+    }));
     t.kalm();
-    std::string voor = t.scherm();
     size_t n = t.uitvoer().size();
     t.maat(40, 100);
     t.wacht("onder");
@@ -194,8 +179,7 @@ TEST(Toets, ResizeRepaints) {
 }
 
 TEST(Toets, StackBeforeKeyboard) {
-    Terminal t([] {
-        SCRINIT();
+    Terminal t(op_scherm([] {
         int leeg = TOETSKLAAR();
         TOETSDRUK('b');
         TOETSTERUG('a');
@@ -203,34 +187,19 @@ TEST(Toets, StackBeforeKeyboard) {
         int32_t a = TOETS(), b = TOETS(), c = TOETS();
         int wacht = TOETSWACHT(3, 3, 1);
         SCRPUT(A_WAARDE, 1, 1, "%d %d %c%c%c %d", leeg, vol, a, b, c, wacht);
-        TOETS();
+        wacht = TOETSWACHT(3, 3, 30);
+        SCRPUT(A_WAARDE, 2, 1, "%d %d", wacht, TOETS());
         TOETSTERUG('x');
         TOETSLEEG();
-        SCRPUT(A_WAARDE, 2, 1, "%d", TOETSKLAAR());
-        TOETS();
-        SCREXIT();
-        return 0;
-    });
+        SCRPUT(A_WAARDE, 3, 1, "%d", TOETSKLAAR());
+    }));
     t.kalm();
     t.stuur("c");
     t.wacht("0 1 abc 0");
-    t.toetsen("x");
-    EXPECT_EQ(t.regel(2), "0");
-}
-
-TEST(Toets, WaitHearsAKey) {
-    Terminal t([] {
-        SCRINIT();
-        SCRPUT(A_WAARDE, 1, 1, "wacht");
-        int klaar = TOETSWACHT(3, 3, 30);
-        SCRPUT(A_WAARDE, 2, 1, "%d %d", klaar, TOETS());
-        TOETS();
-        SCREXIT();
-        return 0;
-    });
-    t.wacht("wacht");
     t.stuur("k");
     t.wacht("1 107", 2000);
+    t.kalm();
+    EXPECT_EQ(t.regel(3), "0");
 }
 
 // What is typed ahead survives a change of variant, the end of the screen and the next program.
@@ -271,49 +240,12 @@ TEST(Toets, TypeAheadIsKept) {
 TEST(Toets, HangUpEndsWithinASecond) {
     static const struct {
         const char* naam;
-        int (*werk)();
+        void (*werk)();
     } GEVALLEN[] = {
-        {"waiting for a key",
-         [] {
-             TOETS();
-             return 0;
-         }},
-        {"the abort box",
-         [] {
-             SCRFATAL("x");
-             return 0;
-         }},
-        {"sleeping",
-         [] {
-             SCRFLUSH(60);
-             return 0;
-         }},
-        {"output",
-         [] {
-             for (;;)
-                 SCRPUT(A_WAARDE, 1, 1, "x");
-             return 0;
-         }},
-        {"polling",
-         [] {
-             for (;;)
-                 TOETSKLAAR();
-             return 0;
-         }},
-        {"waiting for a lock",
-         [] {
-             for (;;) {
-                 SCRFLUSH(0);
-                 sleep(2);
-             }
-             return 0;
-         }},
-        {"computing",
-         [] {
-             for (;;)
-                 clock();
-             return 0;
-         }},
+        {"waiting for a key", [] { TOETS(); }}, {"the abort box", [] { SCRFATAL("x"); }},
+        {"sleeping", [] { SCRFLUSH(60); }},     {"output", [] { SCRPUT(A_WAARDE, 1, 1, "x"); }},
+        {"polling", [] { TOETSKLAAR(); }},      {"waiting for a lock", [] { SCRFLUSH(0), sleep(2); }},
+        {"computing", [] { clock(); }},
     };
     for (const auto& g : GEVALLEN) {
         for (int sein : {0, SIGHUP, SIGTERM}) {
@@ -322,7 +254,9 @@ TEST(Toets, HangUpEndsWithinASecond) {
                 SCRINIT();
                 SCRPUT(A_WAARDE, 2, 1, "begint");
                 SCRFLUSH(0);
-                return g.werk();
+                for (;;)
+                    g.werk();
+                return 0;
             });
             t.wacht("begint");
             if (sein)
@@ -334,14 +268,11 @@ TEST(Toets, HangUpEndsWithinASecond) {
     }
 }
 
-TEST(Toets, TermWithoutSignalIsNoticedToo) {
-    Terminal t([] {
-        SCRINIT();
+TEST(Toets, HangUpWithoutASignalToo) {
+    Terminal t(op_scherm([] {
         signal(SIGHUP, SIG_IGN);
         SCRPUT(A_WAARDE, 2, 1, "begint");
-        TOETS();
-        return 0;
-    });
+    }));
     t.wacht("begint");
     t.hangop();
     EXPECT_EQ(t.einde(1000), 1);
