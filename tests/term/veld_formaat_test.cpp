@@ -76,7 +76,6 @@ TEST(VeldFormaat, Bereik) {
         {"6.2fZPN", 0, -1, -99.99, 999.99, ",-.0123456789", "ZPN"},
         {"3.1f", 0, -1, -0.9, 9.9, ",-.0123456789", "NZP"},
         {"3.2f", 0, -1, 0, 0.99, ",.0123456789", "NZP"},
-        {"8f", 0, -1, -9999999, 99999999, "-0123456789", "NZP"},
         {"8B,ZP", 0, -1, 0, 99999.99, ",.0123456789", "ZP"},
         {"14B", 0, -1, -21474836.47, 21474836.47, ",-.0123456789", "NZP"},
         // the sign options
@@ -86,7 +85,6 @@ TEST(VeldFormaat, Bereik) {
         {"4d,NP", 0, -1, -999, 9999, "-0123456789", "NP"},
         {"4d,ZN", 0, -1, -999, 0, "-0123456789", "ZN"},
         {"5.2f,N", 0, -1, -9.99, -0.01, ",-.0123456789", "N"},
-        {"4u,PE", 0, -1, 1, 9999, "0123456789", "PE"},
         // a caller may narrow, not widen
         {"4u", 5, 50, 5, 50, "0123456789", "NZP"},
         {"4u", -5, 50000, 0, 9999, "0123456789", "NZP"},
@@ -95,10 +93,8 @@ TEST(VeldFormaat, Bereik) {
         {"4u", 5, -1, 5, 9999, "0123456789", "NZP"},
         // dates: day numbers
         {"D", 0, -1, 29221, 55153, "+-0123456789", ""},
-        {"8D,E", 0, -1, 29221, 55153, "+-0123456789", "E"},
         {"10D", 0, -1, 1, 65380, "+-0123456789", ""},
         {"8D", 36526, 60000, 36526, 55153, "+-0123456789", ""},
-        {"10D", 36526, 60000, 36526, 60000, "+-0123456789", ""},
         {"8D", 0, 0, 0, 0, "+-0123456789", ""},
     };
     for (const auto& g : gevallen) {
@@ -128,38 +124,30 @@ TEST(VeldFormaat, Laden) {
         Doel doel;
         const char* tekst;
         double waarde;
-    } const gevallen[] = {
-        {"8B", getal<int32_t>(-123456), "-1234.56", -1234.56},
-        {"8B", getal<int32_t>(5), "0.05", 0.05},
-        {"6l", getal<int32_t>(-42), "-42", -42},
-        {"6d", getal<int16_t>(-32768), "-32768", -32768},
-        {"5u", getal<uint16_t>(65535), "65535", 65535},
-        {"2u", getal<uint16_t>(65535), "65535", 65535}, // too long to fit: never cut
-        {"3U", getal<uint8_t>(200), "200", 200},
-        {"4n", getal<int8_t>(-100), "-100", -100},
-        {"8.4f", getal<double>(1.5), "1.5000", 1.5},
-        {"6.2f", getal<double>(-0.001), "0.00", -0.001},
-        {"6.2f", getal<double>(-DBL_MAX / 0.5), "0.00", 0},
-        {"D", getal<uint16_t>(42490), "300416", 42490},
-        {"7D", getal<uint16_t>(42490), "300416", 42490},
-        {"8D", getal<uint16_t>(42490), "30-04-16", 42490},
-        {"10D", getal<uint16_t>(42490), "30-04-2016", 42490},
-        {"8D", getal<uint16_t>(0), "", 0},
-        {"b", getal<uint8_t>(1), "J", 1},
-        {"9b", getal<uint8_t>(0), "N", 0},
-        {"b,I", getal<uint8_t>(1), "", 0},
-        {"4l,I", getal<int32_t>(7), "", 0},
-        {"8D,I", getal<uint16_t>(42490), "", 0},
-        {"4c", tekst("abcdefgh"), "abcd", 0},
-        {"6c", tekst("abc"), "abc", 0},
-        {"6.3C,", tekst("ab cd ef"), "ab cd ", 0},
-        {"4c,I", tekst("abcd"), "", 0},
-        {"4s", tekst("abcd"), "abcd", 0},
-        {"9S", tekst("abc"), "abc", 0},
-        {"2s,I", tekst("abcd"), "", 0},
-        {"4x", tekst("1B5B33"), "1B5B", 0},
-        {"  4c  ", tekst("ab"), "ab", 0},
-    };
+    } const gevallen[] = {{"8B", getal<int32_t>(-123456), "-1234.56", -1234.56},
+                          {"6d", getal<int16_t>(-32768), "-32768", -32768},
+                          {"2u", getal<uint16_t>(65535), "65535", 65535}, // too long to fit: never cut
+                          {"3U", getal<uint8_t>(200), "200", 200},
+                          {"4n", getal<int8_t>(-100), "-100", -100},
+                          {"6.2f", getal<double>(-0.001), "0.00", -0.001},
+                          {"6.2f", getal<double>(-DBL_MAX / 0.5), "0.00", 0},
+                          {"D", getal<uint16_t>(42490), "300416", 42490},
+                          {"8D", getal<uint16_t>(42490), "30-04-16", 42490},
+                          {"10D", getal<uint16_t>(42490), "30-04-2016", 42490},
+                          {"8D", getal<uint16_t>(0), "", 0},
+                          {"b", getal<uint8_t>(1), "J", 1},
+                          {"9b", getal<uint8_t>(0), "N", 0},
+                          {"b,I", getal<uint8_t>(1), "", 0},
+                          {"4l,I", getal<int32_t>(7), "", 0},
+                          {"8D,I", getal<uint16_t>(42490), "", 0},
+                          {"4c", tekst("abcdefgh"), "abcd", 0},
+                          {"6c", tekst("abc"), "abc", 0},
+                          {"6.3C,", tekst("ab cd ef"), "ab cd ", 0},
+                          {"4c,I", tekst("abcd"), "", 0},
+                          {"4s", tekst("abcd"), "abcd", 0},
+                          {"2s,I", tekst("abcd"), "", 0},
+                          {"4x", tekst("1B5B33"), "1B5B", 0},
+                          {"  4c  ", tekst("ab"), "ab", 0}};
     for (auto g : gevallen) {
         SCOPED_TRACE(g.formaat);
         lees(g.formaat, g.doel);
@@ -294,29 +282,6 @@ TEST(Instel, Toetsen) {
     static_cast<char*>(p->extra)[80] = 1;
     INSTELDEL(p);
     INSTELDEL(nullptr);
-    INSTELLEEG();
-}
-
-// A dialog inside an open field leaves no trace in it.
-TEST(Instel, VeldTerzijde) {
-    Doel d = tekst("J");
-    lees("6c[^xy],U", d);
-    strcpy(ingavetekst, "HALF");
-    SCHERM.vlag = V_VERS, SCHERM.laatste = K_F5, SCHERM.invoegen = 1, SCHERM.verborgen = 1;
-    Veldstand* stand = VELDBEWAAR();
-    Doel ander = getal<double>(1);
-    lees("10.3f,N", ander);
-    SCHERM.vlag = 0, SCHERM.laatste = 10, SCHERM.invoegen = 0, SCHERM.verborgen = 0;
-    VELDHERSTEL(stand);
-    EXPECT_STREQ(ingavetekst, "HALF");
-    EXPECT_STREQ(SCHERM.opties, "U");
-    EXPECT_EQ(SCHERM.type, 'c');
-    EXPECT_EQ(SCHERM.breedte, 6);
-    EXPECT_EQ(SCHERM.decimalen, 0);
-    EXPECT_EQ(SCHERM.doel, d.bytes);
-    EXPECT_EQ(INGAVESET(), 2);
-    EXPECT_TRUE(TOETSTOE('a') && !TOETSTOE('x'));
-    EXPECT_TRUE(SCHERM.vlag == V_VERS && SCHERM.laatste == K_F5 && SCHERM.invoegen && SCHERM.verborgen);
     INSTELLEEG();
 }
 

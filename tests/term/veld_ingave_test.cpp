@@ -17,7 +17,7 @@
 namespace zg {
 namespace {
 
-using test::Terminal;
+using namespace test;
 
 constexpr int RIJ = 5, KOLOM = 10;
 constexpr int MAAT = 300;
@@ -58,71 +58,43 @@ int tekens(std::string_view utf8) {
         std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
-template <class T> void zet(char* doel, T x) {
-    memcpy(doel, &x, sizeof x);
-}
-template <class T> T haal(const char* doel) {
-    T x;
-    memcpy(&x, doel, sizeof x);
-    return x;
-}
-
 size_t maat(const char* formaat) {
-    return test::veldmaat(type(formaat), breedte(formaat));
+    return veldmaat(type(formaat), breedte(formaat));
 }
 
 // The bytes of a value in words, and back.
 void maak(const char* formaat, const char* woord, char* doel) {
     memset(doel, '#', MAAT);
-    switch (type(formaat)) {
-    case 'B':
-    case 'l':
-        return zet(doel, static_cast<int32_t>(atol(woord)));
-    case 'D':
-        return zet(doel, DATUMNR(woord));
-    case 'd':
-    case 'u':
-        return zet(doel, static_cast<uint16_t>(atol(woord)));
-    case 'U':
-    case 'b':
-    case 'n':
-        return zet(doel, static_cast<uint8_t>(atol(woord)));
-    case 'f':
-        return zet(doel, atof(woord));
-    default:
-        memset(doel, 0, maat(formaat));
-        memcpy(doel, woord, std::min(strlen(woord), maat(formaat)));
-    }
+    const char t = type(formaat);
+    const int64_t geheel = t == 'D' ? DATUMNR(woord) : atol(woord);
+    const double f = atof(woord);
+    const size_t n = maat(formaat);
+    if (veldgeheel(t) || t == 'f')
+        memcpy(doel, t == 'f' ? static_cast<const void*>(&f) : &geheel, n);
+    else
+        strncpy(doel, woord, n);
 }
 
 std::string woord(const char* formaat, const char* doel) {
     char s[MAAT];
-    switch (type(formaat)) {
-    case 'B':
-    case 'l':
-        return std::to_string(haal<int32_t>(doel));
-    case 'D':
-        DATUMTEKST(s, haal<uint16_t>(doel), true);
-        return haal<uint16_t>(doel) ? s : "";
-    case 'u':
-        return std::to_string(haal<uint16_t>(doel));
-    case 'd':
-        return std::to_string(haal<int16_t>(doel));
-    case 'U':
-    case 'b':
-        return std::to_string(haal<uint8_t>(doel));
-    case 'n':
-        return std::to_string(haal<int8_t>(doel));
-    case 'f':
-        snprintf(s, sizeof s, "%g", haal<double>(doel));
+    const char t = type(formaat);
+    if (t == 'D') {
+        const auto dag = static_cast<uint16_t>(veldgetal(t, doel));
+        DATUMTEKST(s, dag, true);
+        return dag ? s : "";
+    }
+    if (veldgeheel(t))
+        return std::to_string(veldgetal(t, doel));
+    if (t == 'f') {
+        double f;
+        memcpy(&f, doel, sizeof f);
+        snprintf(s, sizeof s, "%g", f);
         return s;
-    default: {
-        std::string t(doel, strnlen(doel, maat(formaat)));
-        for (size_t i = t.size(); i < maat(formaat); i++)
-            EXPECT_EQ(doel[i], 0) << "a byte behind the text";
-        return t;
     }
-    }
+    std::string tekst(doel, strnlen(doel, maat(formaat)));
+    for (size_t i = tekst.size(); i < maat(formaat); i++)
+        EXPECT_EQ(doel[i], 0) << "a byte behind the text";
+    return tekst;
 }
 
 // The program of the tests: field after field, a key between two of them.
@@ -189,6 +161,14 @@ void proef(const std::vector<Geval>& gevallen, bool kader = false) {
 
 constexpr uint32_t NIETS = 0, VERS = V_VERS, ANDERS = V_GEWIJZIGD, LEEG = V_LEEG;
 
+// What ENTER (or an arrow) refuses with this report; ESC then gives the old value back.
+Geval weigert(const char* formaat, const char* begin, const char* keys, const char* status,
+              const char* beeld = nullptr, double min = 0.0, double max = -1.0) {
+    const bool leeg = !*begin || strcmp(begin, "0") == 0;
+    return {formaat, begin, keys,    "<Esc>", begin, leeg ? LEEG : NIETS,
+            K_ESC,   beeld, nullptr, status,  min,   max};
+}
+
 TEST(VeldIngave, Getallen) {
     proef({
         // an untouched field, an empty one, a typed one
@@ -196,55 +176,38 @@ TEST(VeldIngave, Getallen) {
         {"4u", "0", "", "<Enter>", "0", VERS | LEEG, K_ENTER, "____ ", "     "},
         {"4u,ZE", "0", "", "<Enter>", "0", VERS, K_ENTER, "0___ ", "0    "},
         {"4u", "0", "7", "<Enter>", "7", ANDERS, K_ENTER, "7___"},
-        {"4u", "12", "7", "<Enter>", "7", ANDERS, K_ENTER, "7___"},
         {"4u", "12", "<Right>7", "<Enter>", "17", ANDERS, K_ENTER, "17__"},
         {"4u", "12", "12", "<Enter>", "12", NIETS, K_ENTER},
         {"4u", "12", "<Back>", "<Enter>", "0", ANDERS | LEEG, K_ENTER, "____", "    "},
-        {"4u,E", "12", "<Back><Enter>", "<Esc>", "12", NIETS, K_ESC, "____", "12  ", "<> Ingave verplicht"},
+        weigert("4u,E", "12", "<Back><Enter>", "<> Ingave verplicht", "____"),
         // decimals, comma and point, signs
-        {"8.2f", "1.5", "", "<Enter>", "1.5", VERS, K_ENTER, "1.50____", "1.50    "},
         {"8.2f", "1.23456", "", "<Enter>", "1.23456", VERS, K_ENTER, "1.23____", "1.23    "},
         {"8.2f", "1.23456", "1,23<Left>", "<Enter>", "1.23456", NIETS, K_ENTER},
         {"8.2f", "0", "12,5", "<Enter>", "12.5", ANDERS, K_ENTER, "12,5____", "12.50   "},
-        {"8.2f", "0", "12.345<Enter>", "<Esc>", "0", LEEG, K_ESC, "12.345__", "        ",
-         "<12.345> Teveel cijfers na de komma"},
+        weigert("8.2f", "0", "12.345<Enter>", "<12.345> Teveel cijfers na de komma", "12.345__"),
         {"8.2f", "0", "5-", "<Enter>", "-5", ANDERS, K_ENTER, "5-______", "-5.00   "},
-        {"8.2f", "0", "-,5", "<Enter>", "-0.5", ANDERS, K_ENTER, "-,5_____", "-0.50   "},
         {"8.2f", "0", "1-2", "<Enter>", "1", ANDERS, K_ENTER},
-        {"8.2f,P", "0", "0<Enter>5", "<Enter>", "5", ANDERS, K_ENTER, "5_______"},
-        {"8.2f,P", "0", "0<Enter>", "<Esc>", "0", LEEG, K_ESC, "0_______", nullptr,
-         "<0> Moet ongelijk zijn aan 0"},
+        weigert("8.2f,P", "0", "0<Enter>", "<0> Moet ongelijk zijn aan 0", "0_______"),
         {"8.2f", "0", "-", "<Enter>", "0", NIETS, K_ENTER, "-_______", "0.00    "},
-        {"8.2f,NP", "0", "-<Enter>", "<Esc>", "0", LEEG, K_ESC, nullptr, nullptr,
-         "<-> Moet ongelijk zijn aan 0"},
         {"8B,ZP", "0", "12,34", "<Enter>", "1234", ANDERS, K_ENTER, "12,34___", "12.34   "},
         {"8B,ZP", "2147483647", "", "<Esc>", "2147483647", NIETS, K_ESC, "21474836"},
-        {"8B", "-123456", "", "<Enter>", "-123456", VERS, K_ENTER, "-1234.56"},
         // ranges, in words and with the caller's bounds; what doesn't fit stays whole
         {"4u,PE", "3", "<Back>12345", "<Enter>", "1234", ANDERS, K_ENTER, "1234", "1234",
          "Tik <ENTER> toets"},
-        {"3U", "1", "256<Enter>", "<Esc>", "1", NIETS, K_ESC, "256", "1  ",
-         "<256> Alleen 0 t/m 255 mogelijk"},
+        weigert("3U", "1", "256<Enter>", "<256> Alleen 0 t/m 255 mogelijk", "256"),
         {"2d", "5", "7<Enter>12", "<Enter>", "12", ANDERS, K_ENTER, "12", "12", "", 10, 20},
-        {"2d", "5", "7<Enter>", "<Esc>", "5", NIETS, K_ESC, "7_", "5 ", "<7> Alleen 10 t/m 20 mogelijk", 10,
-         20},
-        {"5.2f", "0", "1.5<Enter>", "<Esc>", "0", LEEG, K_ESC, nullptr, nullptr,
-         "<1.5> Alleen 2.00 t/m 3.50 mogelijk", 2, 3.5},
-        {"5.2f", "0", "3,5", "<Enter>", "3.5", ANDERS, K_ENTER, nullptr, nullptr, nullptr, 2, 3.5},
-        {"2u", "65535", "<Enter>", "<Esc>", "65535", NIETS, K_ESC, "65", "65 ",
-         "<65535> Alleen 0 t/m 99 mogelijk"},
+        weigert("2d", "5", "7<Enter>", "<7> Alleen 10 t/m 20 mogelijk", "7_", 10, 20),
+        weigert("5.2f", "0", "1.5<Enter>", "<1.5> Alleen 2.00 t/m 3.50 mogelijk", nullptr, 2, 3.5),
+        weigert("2u", "65535", "<Enter>", "<65535> Alleen 0 t/m 99 mogelijk", "65"),
         {"2u", "65535", "<End><Home><Back>99", "<Up>", "99", ANDERS, K_UP},
-        {"8.4f,EP", "0", "0.0004<Back>9", "<Enter>", "0.0009", ANDERS, K_ENTER, "0.0009__"},
         {"4n", "0", "-128", "<Enter>", "-128", ANDERS, K_ENTER},
-        {"6d,N", "0", "-32768", "<Enter>", "-32768", ANDERS, K_ENTER},
         {"1d", "5", "-", "<Enter>", "5", VERS, K_ENTER, "5", "5",
          "<-> Ongeldige ingave!!  (HELP voor toelichting)"},
         // justified on the screen, not in the variable; a full field; automatic ENTER
         {"5.3f,JEPZ", "1.5", "", "<Enter>", "1.5", VERS, K_ENTER, "1.500", "1.500"},
         {"3U,ZEJP", "7", "", "<Enter>", "7", VERS, K_ENTER, "7__", "  7"},
         {"2d,AP", "0", "1", "2", "12", ANDERS, K_ENTER, "1_", "12"},
-        {"2d,AP", "0", "1", "<Enter>", "1", ANDERS, K_ENTER, "1_", "1 "},
-        {"4d,F", "0", "12<Enter>", "<Esc>", "0", LEEG, K_ESC, "12__", nullptr, "<12> Volledig vullen"},
+        weigert("4d,F", "0", "12<Enter>", "<12> Volledig vullen", "12__"),
         {"4d,AZP", "1234", "<End><Left><Right>", "<Enter>", "1234", NIETS, K_ENTER, "1234"},
     });
 }
@@ -254,36 +217,24 @@ TEST(VeldIngave, Teksten) {
         {"6c", "abc", "", "<Enter>", "abc", VERS, K_ENTER, "abc___", "abc   "},
         {"6c", "abc", "xy", "<Enter>", "xy", ANDERS, K_ENTER, "xy____", "xy    "},
         {"6c", "abc", "<Right>x", "<Enter>", "axc", ANDERS, K_ENTER},
-        {"6c", "abc", "<End>def", "<Enter>", "abcdef", ANDERS, K_ENTER, "abcdef"},
         {"6c", "abcdef", "<End>g", "<Enter>", "abcdef", NIETS, K_ENTER, "abcdef", nullptr,
          "Tik <ENTER> toets"},
-        {"6c", "abc   ", "", "<Enter>", "abc", VERS, K_ENTER, "abc___"},
         {"6c", "abc", "<End>  ", "<Enter>", "abc", NIETS, K_ENTER, "abc  _"},
         {"6s", "abcdef", "<Back>", "<Enter>", "", ANDERS | LEEG, K_ENTER, "______", "      "},
-        {"6s,E", "", "<Enter>", "<Esc>", "", LEEG, K_ESC, "______", nullptr, "<> Ingave verplicht"},
-        {"6s,E", "", "<Up>", "<Esc>", "", LEEG, K_ESC, nullptr, nullptr, "<> Ingave verplicht"},
+        weigert("6s,E", "", "<Enter>", "<> Ingave verplicht", "______"),
+        weigert("6s,E", "", "<Up>", "<> Ingave verplicht"),
         {"6s,E", "", "<Up>", "<F5>", "", LEEG, K_F5},
-        {"6s,F", "abc", "<Down>", "<Esc>", "abc", NIETS, K_ESC, "abc___", nullptr, "<abc> Volledig vullen"},
-        {"6s,U", "",
-         "ab\xC3\xA9"
-         "c",
-         "<Enter>",
-         "AB\x90"
-         "C",
-         ANDERS, K_ENTER,
-         "AB\xC3\x89"
-         "C__"},
-        {"6s", "", "\xC3\xA9\xE2\x82\xAC", "<Enter>", "\x82", ANDERS, K_ENTER},
+        weigert("6s,F", "abc", "<Down>", "<abc> Volledig vullen", "abc___"),
+        {"6s,U", "", "abéq", "<Enter>", "AB\x90Q", ANDERS, K_ENTER, "ABÉQ__"},
+        {"6s", "", "é€", "<Enter>", "\x82", ANDERS, K_ENTER},
         // insert mode, deleting, the start value back
         {"6c", "abcd", "<Right><Ins>xy", "<Enter>", "axybcd", ANDERS, K_ENTER, "axybcd"},
-        {"6c", "abcd", "<Right><Ins>xyz", "<Enter>", "axyzbc", ANDERS, K_ENTER},
         {"6c", "abcd", "<Right><Ins>x<Ins>y", "<Enter>", "axycd", ANDERS, K_ENTER},
         {"6c", "abcd", "<Ins>x", "<Enter>", "x", ANDERS, K_ENTER}, // still fresh
         {"6c", "abcd", "<Del>x", "<Enter>", "x", ANDERS, K_ENTER},
         {"6c", "abcd", "<Del>", "<Enter>", "bcd", VERS | ANDERS, K_ENTER, "bcd___"},
         {"6c", "abcd", "<End><Back><Back>x", "<Enter>", "abx", ANDERS, K_ENTER, "abx___"},
         {"6c", "abcd", "<End><Del><Left><Del>", "<Enter>", "abc", ANDERS, K_ENTER},
-        {"6c", "abcd", "xyz<Home><Home>", "<Enter>", "abcd", NIETS, K_ENTER, "abcd__"},
         {"6c", "abcd", "xyz<Home><Home>q", "<Enter>", "qbcd", ANDERS, K_ENTER},
         {"6c", "abcd", "\x08", "<Enter>", "", ANDERS | LEEG, K_ENTER},
         // leaving at the start gives the old value, behind it the new one
@@ -291,15 +242,13 @@ TEST(VeldIngave, Teksten) {
         {"6c", "abcd", "x", "<Down>", "x", ANDERS, K_DOWN},
         {"6c", "abcd", "xyz", "<Esc>", "abcd", NIETS, K_ESC, "xyz___", "abcd  "},
         {"6c", "abcd", "", "<Cancel>", "abcd", NIETS, K_CANCEL},
-        {"6c", "abcd", "xyz<Cancel>", "<Esc>", "abcd", NIETS, K_ESC, "xyz___", nullptr, "Ongeldige toets"},
-        {"6c", "abcd", "<F6><Tab>", "<Esc>", "abcd", NIETS, K_ESC, "abcd__", nullptr, "Ongeldige toets"},
+        weigert("6c", "abcd", "xyz<Cancel>", "Ongeldige toets", "xyz___"),
+        weigert("6c", "abcd", "<F6><Tab>", "Ongeldige toets", "abcd__"),
         // starting empty: CANCEL and ESC leave the variable alone, other keys store the empty text
         {"6c,I", "abcd", "", "<Esc>", "abcd", LEEG, K_ESC, "______", "      "},
-        {"6c,I", "abcd", "", "<Cancel>", "abcd", LEEG, K_CANCEL},
         {"6c,I", "abcd", "", "<F5>", "", LEEG, K_F5},
         {"6c,I", "abcd", "", "<Enter>", "", VERS | LEEG, K_ENTER},
         {"4l,I", "77", "", "<Down>", "0", LEEG, K_DOWN},
-        {"4l,I", "77", "", "<Cancel>", "77", LEEG, K_CANCEL},
         // sets, width 1, a blank as value, justified, automatic, hidden
         {"4s[01],I", "", "120", "<Enter>", "10", ANDERS, K_ENTER, "10__"},
         {"4s[01],I", "", "2", "<Enter>", "", VERS | LEEG, K_ENTER, "____", nullptr,
@@ -313,12 +262,11 @@ TEST(VeldIngave, Teksten) {
         {"2c,A", "", "a", "b", "ab", ANDERS, K_ENTER},
         {"2c,A", "ab", "<End><Left><Right><Home>", "<Esc>", "ab", NIETS, K_ESC, "ab"},
         // yes and no
-        {"b", "1", "", "<Enter>", "1", VERS, K_ENTER, "J", "J"},
         {"b", "0", "j", "<Enter>", "1", ANDERS, K_ENTER, "J", "J"},
         {"b", "1", "-", "<Enter>", "0", ANDERS, K_ENTER, "N", "N"},
         {"b", "0", "+", "<Enter>", "1", ANDERS, K_ENTER, "J"},
         {"b,EA", "0", "x", "J", "1", ANDERS, K_ENTER, "N", "J"},
-        {"b,/EI", "1", "<Enter>", "<Esc>", "1", NIETS, K_ESC, "_", "N", "<> Ingave verplicht"},
+        weigert("b,/EI", "1", "<Enter>", "<> Ingave verplicht", "_"),
         {"b,/EI", "1", "<Enter>n", "<Enter>", "0", ANDERS, K_ENTER, "N", "N"},
     });
 }
@@ -334,8 +282,8 @@ TEST(VeldIngave, Hexadecimaal) {
          "<\\> Ongeldige ingave!!  (HELP voor toelichting)"},
         {"6x", "", "\\\\", "<Enter>", "5C", ANDERS, K_ENTER, "5C____"},
         {"6x", "", "\\<F5>", "<Enter>", "", VERS | LEEG, K_ENTER, "______", nullptr, "Ongeldige toets"},
-        {"6.4X,", "", "\xC3\xA9", "<Enter>", "", VERS | LEEG, K_ENTER},
-        {"6.4X,", "", "\\\xC3\xA9", "<Enter>", "82", ANDERS, K_ENTER, "82__"},
+        {"6.4X,", "", "é", "<Enter>", "", VERS | LEEG, K_ENTER},
+        {"6.4X,", "", "\\é", "<Enter>", "82", ANDERS, K_ENTER, "82__"},
     });
 }
 
@@ -350,25 +298,19 @@ TEST(VeldIngave, Datums) {
         {"8D", "", "12", "<Esc>", "", LEEG, K_ESC, "12-__-__", "  -  -  "},
         {"10D", "", "1-2-2016", "<Enter>", "01022016", ANDERS, K_ENTER, "01-02-2016", "01-02-2016"},
         {"10D", "", "010216", "<Enter>", "01022016", ANDERS, K_ENTER, "01-02-16__", "01-02-2016"},
-        {"10D", "", "01011900", "<Enter>", "01011900", ANDERS, K_ENTER},
-        {"10D", "", "31122079<Enter>", "<Esc>", "", LEEG, K_ESC, "__-__-____", nullptr,
-         "<31122079> Alleen datum tussen 01-01-1900 en 31-12-2078"},
-        {"8D,E", "", "<Enter>", "<Esc>", "", LEEG, K_ESC, nullptr, nullptr, "<> Ingave verplicht"},
+        weigert("10D", "", "31122079<Enter>", "<31122079> Alleen datum tussen 01-01-1900 en 31-12-2078",
+                "__-__-____"),
+        weigert("8D,E", "", "<Enter>", "<> Ingave verplicht"),
         // moving and deleting over the separators
         {"8D", "30042016", "<Right><Right>12", "<Enter>", "30122016", ANDERS, K_ENTER, "30-12-16"},
         {"8D", "30042016", "<End><Left><Left><Left>5", "<Enter>", "30052016", ANDERS, K_ENTER, "30-05-16"},
         {"8D", "30042016", "<Right><Right><Back>", "<Enter>", "03042016", ANDERS, K_ENTER, "3 -04-16",
          "03-04-16"},
-        {"8D", "30042016", "<Del>", "<Esc>", "30042016", NIETS, K_ESC, "0_-04-16", "30-04-16"},
-        {"8D", "30042016", "<Del><Enter>", "<Esc>", "30042016", NIETS, K_ESC, "30-04-16", nullptr,
-         "<00-04-16> Datum voldoet niet aan DD-MM-JJ"},
+        weigert("8D", "30042016", "<Del><Enter>", "<00-04-16> Datum voldoet niet aan DD-MM-JJ", "30-04-16"),
         {"8D", "12042016", "<Del>", "<Enter>", "02042016", VERS | ANDERS, K_ENTER, "2_-04-16", "02-04-16"},
         {"8D", "12042016", "<Right><Del>", "<Enter>", "01042016", ANDERS, K_ENTER, "1_-04-16", "01-04-16"},
         {"8D", "12112016", "<Right><Right><Del>", "<Enter>", "12012016", ANDERS, K_ENTER, "12-1_-16"},
-        {"8D", "12042016", "<End><Back><Back>", "<Esc>", "12042016", NIETS, K_ESC, "12-04-__"},
         {"8D", "12042016", "<End><Back><Back><Back>", "<Esc>", "12042016", NIETS, K_ESC, "12-0_-__"},
-        {"8D", "12042016", "<End><Back><Back><Back><Back><Back>", "<Esc>", "12042016", NIETS, K_ESC,
-         "1_-__-__"},
         {"8D", "12042016", "<End><Back><Back><Back><Back><Back>30517", "<Enter>", "13052017", ANDERS,
          K_ENTER},
         {"8D", "12042016", "<Back>", "<Enter>", "", ANDERS | LEEG, K_ENTER, "__-__-__", "  -  -  "},
@@ -376,33 +318,30 @@ TEST(VeldIngave, Datums) {
         {"10D", "12042016", "<End><Left><Left>99<Home><Home>", "<Enter>", "12042016", NIETS, K_ENTER,
          "12-04-2016"},
         // not in the calendar, not in the range
-        {"D", "30042016", "310416<Enter>", "<Esc>", "30042016", NIETS, K_ESC, "300416", nullptr,
-         "<310416> Datum voldoet niet aan DDMMJJ"},
-        {"8D", "30042016", "1-<Back><Home><Back>1<Enter>", "<Esc>", "30042016", NIETS, K_ESC, "30-04-16",
-         nullptr, "<1> Datum voldoet niet aan DD-MM-JJ"},
-        {"10D", "30042016", "32<Enter>", "<Esc>", "30042016", NIETS, K_ESC, "30-04-2016", nullptr,
-         "<32-04-2016> Datum voldoet niet aan DD-MM-JJJJ"},
-        {"8D", "30042016", "010151<Enter>", "<Esc>", "30042016", NIETS, K_ESC, "30-04-16", nullptr,
-         "<010151> Alleen datum tussen 01-01-1980 en 31-12-2050"},
+        weigert("D", "30042016", "310416<Enter>", "<310416> Datum voldoet niet aan DDMMJJ", "300416"),
+        weigert("8D", "30042016", "1-<Back><Home><Back>1<Enter>", "<1> Datum voldoet niet aan DD-MM-JJ",
+                "30-04-16"),
+        weigert("10D", "30042016", "32<Enter>", "<32-04-2016> Datum voldoet niet aan DD-MM-JJJJ",
+                "30-04-2016"),
+        weigert("8D", "30042016", "010151<Enter>", "<010151> Alleen datum tussen 01-01-1980 en 31-12-2050",
+                "30-04-16"),
         {"8D", "30042016", "010516<Enter>010316", "<Enter>", "01032016", ANDERS, K_ENTER, "01-03-16", nullptr,
          "", 42400, 42490},
         {"10D", "01011905", "", "<Enter>", "01011905", VERS, K_ENTER, nullptr, nullptr, nullptr, 0, 0},
-        {"8D", "01011949", "<Enter>", "<Esc>", "01011949", NIETS, K_ESC, "01-01-49", "01-01-49",
-         "<010149> Alleen datum tussen 01-01-1980 en 31-12-2050"},
+        weigert("8D", "01011949", "<Enter>", "<010149> Alleen datum tussen 01-01-1980 en 31-12-2050",
+                "01-01-49"),
         {"8D", "01011949", "", "<Enter>", "01011949", VERS, K_ENTER, nullptr, nullptr, nullptr, 0, 0},
         // days from the date that stood there
         {"8D", "03052016", "-7", "<Enter>", "26042016", ANDERS, K_ENTER, "-7______", "26-04-16"},
-        {"8D", "03052016", "+30", "<Enter>", "02062016", ANDERS, K_ENTER, "+30_____", "02-06-16"},
         {"10D", "28022016", "<Right><Left>+2", "<Enter>", "01032016", ANDERS, K_ENTER, "+2________",
          "01-03-2016"},
         {"D", "03052016", "+", "<Enter>", "03052016", NIETS, K_ENTER, "+_____", "030516"},
-        {"8D", "03052016", "+99999<Enter>", "<Esc>", "03052016", NIETS, K_ESC, "03-05-16", nullptr,
-         "<+99999> Alleen datum tussen 01-01-1980 en 31-12-2050"},
-        {"8D", "03052016", "-20000<Enter>", "<Esc>", "03052016", NIETS, K_ESC, "03-05-16", nullptr,
-         "<310761> Alleen datum tussen 01-01-1980 en 31-12-2050"},
-        {"8D,E", "", "+0<Enter>", "<Esc>", "", LEEG, K_ESC, "__-__-__", nullptr, "<+0> Foutieve ingave"},
-        {"8D", "", "+5<Enter>", "<Esc>", "", LEEG, K_ESC, nullptr, nullptr,
-         "<050100> Alleen datum tussen 01-01-1980 en 31-12-2050"},
+        weigert("8D", "03052016", "+99999<Enter>", "<+99999> Alleen datum tussen 01-01-1980 en 31-12-2050",
+                "03-05-16"),
+        weigert("8D", "03052016", "-20000<Enter>", "<310761> Alleen datum tussen 01-01-1980 en 31-12-2050",
+                "03-05-16"),
+        weigert("8D,E", "", "+0<Enter>", "<+0> Foutieve ingave", "__-__-__"),
+        weigert("8D", "", "+5<Enter>", "<050100> Alleen datum tussen 01-01-1980 en 31-12-2050"),
         {"8D", "", "+5", "<Enter>", "05011900", ANDERS, K_ENTER, nullptr, "05-01-00", nullptr, 0, 0},
         {"8D", "03052016", "-7<Back><Back>4-6-17", "<Enter>", "04062017", ANDERS, K_ENTER, "04-06-17"},
     });
@@ -414,7 +353,6 @@ TEST(VeldIngave, Schuivend) {
     const std::string vol = "abcdefghijklmnopqrstuvwxyz0123";
     proef({
         {"30.12C,", az, "", "<Enter>", az, VERS, K_ENTER, "abcdefghijkl→", "abcdefghijkl "},
-        {"30.12C,", "abc", "", "<Enter>", "abc", VERS, K_ENTER, "abc_________ ", "abc          "},
         {"30.12S,", az, "<End>", "<Enter>", az, NIETS, K_ENTER, "opqrstuvwxyz ", "abcdefghijkl "},
         {"30.12C,", az, "<End>0", "<Esc>", az, NIETS, K_ESC, "tuvwxyz0___  ", "abcdefghijkl "},
         {"30.12C,", az, "<End>0123", "<Enter>", vol.c_str(), ANDERS, K_ENTER, "tuvwxyz0123  "},

@@ -185,7 +185,9 @@ TEST(VeldVenster, DialoogMiddenInHetVeld) {
     EXPECT_EQ(t.regel(25), "") << "the field waits, so the program isn't busy";
     t.toetsen("q");
     EXPECT_EQ(t.regel(25), "<Q> Ongeldige ingave!!  (HELP voor toelichting)");
-    t.toetsen("<F2><Enter><Esc><Home>c");
+    t.toetsen("<F1>");
+    EXPECT_TRUE(t.wacht("Q niet toegestaan")) << t.scherm();
+    t.toetsen("<Enter><F2><Enter><Esc><Home>c");
     EXPECT_EQ(t.regel(5), "         CABZ____") << "insert mode is still on";
     t.toetsen("<Up>");
     EXPECT_EQ(t.regel(1), "klaar 259 [CABZ]");

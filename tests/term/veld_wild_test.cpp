@@ -60,30 +60,12 @@ int32_t toets() {
     }
 }
 
-template <class T> double als(const char* doel) {
-    T x;
-    memcpy(&x, doel, sizeof x);
-    return static_cast<double>(x);
-}
-
 double waarde(char type, const char* doel) {
-    switch (type) {
-    case 'B':
-        return als<int32_t>(doel) / 100.0;
-    case 'l':
-        return als<int32_t>(doel);
-    case 'd':
-        return als<int16_t>(doel);
-    case 'D':
-    case 'u':
-        return als<uint16_t>(doel);
-    case 'n':
-        return als<int8_t>(doel);
-    case 'f':
-        return als<double>(doel);
-    default:
-        return als<uint8_t>(doel);
-    }
+    double f;
+    memcpy(&f, doel, sizeof f);
+    return type == 'f'   ? f
+           : type == 'B' ? static_cast<double>(test::veldgetal(type, doel)) / 100
+                         : static_cast<double>(test::veldgetal(type, doel));
 }
 
 // One field; what is wrong with its outcome, or nothing.
@@ -132,7 +114,7 @@ std::string veld(const std::string& f) {
         return "left by a key that is not allowed: " + std::to_string(laatste);
     if (!gewijzigd)
         return "";
-    const double w = waarde(type, doel);
+    const double w = test::veldgeheel(type) || type == 'f' ? waarde(type, doel) : 0;
     const bool leeg = SCHERM.vlag & V_LEEG;
     if (leeg && optie('E'))
         return "a mandatory field left empty";
