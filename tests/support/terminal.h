@@ -22,9 +22,9 @@ struct Opties {
     int rijen = 25, kolommen = 80;
     std::string term = "xterm"; // TERM; the program asks for its capitalised entry
     std::string locale = "C.UTF-8";
-    std::string map;  // working directory, empty: the present one
-    std::string klok; // fixed moment "2016-03-01 12:00:00" for the real binary, empty: the real clock
-    std::vector<std::pair<std::string, std::string>> omgeving;
+    std::string map{};  // working directory, empty: the present one
+    std::string klok{}; // fixed moment "2016-03-01 12:00:00" for the real binary, empty: the real clock
+    std::vector<std::pair<std::string, std::string>> omgeving{};
 };
 
 class Terminal {

@@ -136,15 +136,13 @@ TEST(Scherm, AttributesAndColours) {
 TEST(Scherm, AllBytesAreSafe) {
     for (const char* locale : {"C.UTF-8", "C"}) {
         SCOPED_TRACE(locale);
-        Opties o;
-        o.locale = locale;
         Terminal t(op_scherm([] {
                        for (int c = 1; c < 256; c++)
                            SCRPUT(A_WAARDE, 2 + c / 16, 1 + 4 * (c % 16), "<%c>", c);
                        for (int c = 1; c < 256; c++)
                            SCRPUT(0x400000 | A_WAARDE, 20, 1 + c % 64, "%c", c);
                    }),
-                   o);
+                   {.locale = locale});
         t.kalm();
         bool utf8 = strcmp(locale, "C.UTF-8") == 0; // the emulator takes bytes from 80 to 9F as controls
         for (int c = 1; utf8 && c < 256; c++) {
@@ -172,9 +170,7 @@ TEST(Scherm, AllBytesAreSafe) {
 }
 
 TEST(Scherm, LocaleThatIsNotInstalled) {
-    Opties o;
-    o.locale = "xx_XX.utf8";
-    Terminal t(op_scherm([] { SCRPUT(A_WAARDE, 1, 1, "\x9B"); }), o);
+    Terminal t(op_scherm([] { SCRPUT(A_WAARDE, 1, 1, "\x9B"); }), {.locale = "xx_XX.utf8"});
     t.kalm();
     EXPECT_NE(t.uitvoer().find("ø"), std::string::npos);
     EXPECT_EQ(t.uitvoer().find('\x9B'), std::string::npos);
@@ -220,15 +216,13 @@ TEST(Scherm, LockedWhilePrinting) {
 }
 
 TEST(Scherm, CursorFollowsTheVariants) {
-    Opties o;
-    o.rijen = 43;
     Terminal t(op_scherm([] {
                    WINCURSOR(0);
                    SCRTERM("-l");
                    WINCURSOR(1);
                    WINCLOSE();
                }),
-               o);
+               {.rijen = 43});
     t.kalm();
     std::string u = t.uitvoer();
     EXPECT_GT(u.rfind("\x1b[?25h"), u.rfind("\x1b[?25l")) << "the cursor is shown again";
@@ -302,40 +296,32 @@ TEST(Scherm, Variants) {
     } GEVALLEN[] = {{"-w", 25, 132}, {"-l", 43, 80}};
     for (const auto& g : GEVALLEN) {
         SCOPED_TRACE(g.naam);
-        Opties o;
-        o.rijen = 50, o.kolommen = 140;
-        Terminal t(
-            [&g] {
-                SCRINIT();
-                SCRPUT(A_WAARDE, 12, 30, "gewoon scherm");
-                WINOPEN1(3, 3, 5, 20);
-                WINBOX("%s", "V");
-                TOETS();
-                SCRTERM(g.naam);
-                SCRPUT(A_WAARDE, SCHERM.lines, SCHERM.cols - 4, "hoek!");
-                SCRPUT(A_WAARDE, 1, 1, "%dx%d", SCHERM.lines, SCHERM.cols);
-                WINOPEN1(6, 40, 4, 10);
-                error("fout");
-                TOETS();
-                WINCLOSE();
-                WINCLOSE();
-                SCRPUT(A_WAARDE, 1, 1, "%dx%d %d", SCHERM.lines, SCHERM.cols, SCHERM.aantal);
-                TOETS();
-                SCRTERM(g.naam); // a second time, the SCREEN exists
-                SCRPUT(A_WAARDE, 2, 2, "weer");
-                TOETS();
-                WINCLOSE();
-                SCRTERM(""); // on top of itself: a full window
-                SCRPUT(A_WAARDE, 2, 2, "vol %d", SCHERM.aantal);
-                TOETS();
-                WINCLOSE();
-                TOETS();
-                SCREXIT();
-                return 0;
-            },
-            o);
+        Terminal t(op_scherm([&g] {
+                       SCRPUT(A_WAARDE, 12, 30, "gewoon scherm");
+                       WINOPEN1(3, 3, 5, 20);
+                       WINBOX("%s", "V");
+                       TOETS();
+                       SCRTERM(g.naam);
+                       SCRPUT(A_WAARDE, SCHERM.lines, SCHERM.cols - 4, "hoek!");
+                       SCRPUT(A_WAARDE, 1, 1, "%dx%d", SCHERM.lines, SCHERM.cols);
+                       WINOPEN1(6, 40, 4, 10);
+                       error("fout");
+                       TOETS();
+                       WINCLOSE();
+                       WINCLOSE();
+                       SCRPUT(A_WAARDE, 1, 1, "%dx%d %d", SCHERM.lines, SCHERM.cols, SCHERM.aantal);
+                       TOETS();
+                       SCRTERM(g.naam); // a second time, the SCREEN exists
+                       SCRPUT(A_WAARDE, 2, 2, "weer");
+                       TOETS();
+                       WINCLOSE();
+                       SCRTERM(""); // on top of itself: a full window
+                       SCRPUT(A_WAARDE, 2, 2, "vol %d", SCHERM.aantal);
+                       TOETS();
+                       WINCLOSE();
+                   }),
+                   {.rijen = 50, .kolommen = 140});
         t.kalm();
-        std::string voor = t.scherm();
         t.toetsen("x");
         EXPECT_EQ(t.stuk(g.rijen, g.kolommen - 4, 5), "hoek!");
         EXPECT_EQ(t.regel(1), std::to_string(g.rijen) + "x" + std::to_string(g.kolommen));
@@ -360,8 +346,6 @@ TEST(Scherm, Variants) {
 }
 
 TEST(Scherm, VariantThatIsNotThereFallsBack) {
-    Opties smal;
-    smal.omgeving = {{"TERM", "xterm"}};
     Terminal t(op_scherm([] { // 25 x 80: 132 columns would be out of sight
                    SCRPUT(A_WAARDE, 5, 5, "onder");
                    SCRTERM("-w");
@@ -369,7 +353,7 @@ TEST(Scherm, VariantThatIsNotThereFallsBack) {
                    TOETS();
                    WINCLOSE();
                }),
-               smal);
+               {.omgeving = {{"TERM", "xterm"}}});
     t.kalm();
     EXPECT_EQ(t.regel(1), "25x80 2");
     EXPECT_EQ(t.regel(5), "");
@@ -379,9 +363,7 @@ TEST(Scherm, VariantThatIsNotThereFallsBack) {
 
 // Only our part of a larger window is coloured, and the whole window scrolls again afterwards.
 TEST(Scherm, LargerWindowStaysItself) {
-    Opties o;
-    o.rijen = 40, o.kolommen = 100;
-    Terminal t(op_scherm([] { SCRPUT(A_WAARDE, 25, 1, "onder"); }), o);
+    Terminal t(op_scherm([] { SCRPUT(A_WAARDE, 25, 1, "onder"); }), {.rijen = 40, .kolommen = 100});
     t.kalm();
     EXPECT_EQ(t.regel(25), "onder");
     EXPECT_EQ(t.cel(25, 80).achter, BLAUW);
@@ -401,67 +383,48 @@ TEST(Scherm, UnknownTerminal) {
                     {"../../etc/passwd", "Onbekende terminfo (../../etc/passwd)"},
                     {"x\033[2Jy", "Onbekende terminfo (X?[2Jy)"}};
     for (const auto& g : GEVALLEN) {
-        Opties o;
-        o.omgeving = {{"TERM", g.term}};
-        Terminal t(op_scherm([] {}), o);
+        Terminal t(op_scherm([] {}), {.omgeving = {{"TERM", g.term}}});
         EXPECT_EQ(t.einde(), 10) << g.term;
         EXPECT_NE(t.scherm().find(g.tekst), std::string::npos) << t.scherm();
     }
     // the lower-case entry alone is not enough
-    Opties o;
-    o.omgeving = {{"TERMINFO_DIRS", "/lib/terminfo:/usr/share/terminfo"}};
-    Terminal t(op_scherm([] {}), o);
+    Terminal t(op_scherm([] {}), {.omgeving = {{"TERMINFO_DIRS", "/lib/terminfo:/usr/share/terminfo"}}});
     EXPECT_EQ(t.einde(), 10);
     EXPECT_EQ(t.regel(2), "Onbekende terminfo (Xterm)");
 }
+
+namespace {
+
+void goed_einde() {
+    TOETS();
+    SCRSTOP(0);
+}
+
+void vensters(int aantal) {
+    while (aantal-- > 0)
+        WINOPEN1(1, 1, 3, 3);
+}
+
+} // namespace
 
 // The modes of the terminal are the same after every way out.
 TEST(Scherm, TerminalIsGivenBackAsFound) {
     static const struct {
         const char* naam;
-        std::function<void()> werk;
+        void (*werk)();
         const char *tekst, *toets; // what appears, and the key then
     } GEVALLEN[] = {
-        {"end",
-         [] {
-             TOETS();
-             SCRSTOP(0);
-         },
-         "", "x"},
+        {"end", goed_einde, "", "x"},
+        {"subshell", [] { SCHELP("", "true", false), goed_einde(); }, "", "x"},
         {"a long report", [] { SCRFATAL("%s is te lezen", std::string(200, 'n').c_str()); }, "is te lezen",
-         "<Enter>"},
-        {"abort in a variant",
-         [] {
-             SCRTERM("-l");
-             WINOPEN1(1, 1, 3, 3);
-             SCRFATAL("ioord");
-         },
-         "ioord", "<Enter>"},
-        {"a full stack",
-         [] {
-             for (int i = 0; i < VENSTERS; i++)
-                 WINOPEN1(1, 1, 3, 3);
-         },
-         "Teveel vensters", "<Enter>"},
-        {"a full stack, with a variant",
-         [] {
-             for (int i = 1; i < VENSTERS; i++)
-                 WINOPEN1(1, 1, 3, 3);
-             SCRTERM("-l");
-         },
-         "Teveel vensters", "<Enter>"},
-        {"subshell",
-         [] {
-             SCHELP("", "true", false);
-             TOETS();
-             SCRSTOP(0);
-         },
-         "", "x"},
+         "\r"},
+        {"abort in a variant", [] { SCRTERM("-l"), vensters(1), SCRFATAL("ioord"); }, "ioord", "\r"},
+        {"a full stack", [] { vensters(VENSTERS); }, "Teveel vensters", "\r"},
+        {"its last place for a variant", [] { vensters(VENSTERS - 1), SCRTERM("-l"); }, "Teveel vensters",
+         "\r"},
     };
     for (const auto& g : GEVALLEN) {
         SCOPED_TRACE(g.naam);
-        Opties o;
-        o.rijen = 43;
         Terminal t(
             [&g] {
                 termios voor{}, na{};
@@ -485,9 +448,9 @@ TEST(Scherm, TerminalIsGivenBackAsFound) {
                            : "fout");
                 return 0;
             },
-            o);
+            {.rijen = 43});
         t.wacht(g.tekst);
-        t.reeks(g.toets);
+        t.stuur(g.toets);
         t.wacht(*g.tekst ? "status 1 modes goed" : "status 0 modes goed");
         EXPECT_EQ(t.einde(), 0);
         EXPECT_NE(t.uitvoer().find("\x1b[?1049l"), std::string::npos);
@@ -542,14 +505,12 @@ TEST(Scherm, SubshellGetsTheTerminal) {
     TijdelijkeMap map;
     schrijf_bestand("opdracht", "#!/bin/sh\nstty -a | grep -q ' echo ' && echo met echo\n");
     chmod("opdracht", 0755);
-    Opties o;
-    o.omgeving = {{"WERKMAP", map.pad()}};
     Terminal t(op_scherm([] {
                    SCRPUT(A_WAARDE, 3, 3, "scherm");
                    WINOPEN1(5, 5, 3, 10);
                    SCHELP("WERKMAP", "opdracht", true);
                }),
-               o);
+               {.omgeving = {{"WERKMAP", map.pad()}}});
     t.wacht("met echo");
     t.wacht("<ENTER> voor vervolg");
     t.maat(26, 81); // does not count as the key

@@ -53,9 +53,7 @@ TEST(Klavier, KeysOfEveryTerminal) {
     for (const char* term : {"xterm", "xterm-256color", "tmux", "tmux-256color", "screen", "linux", "rxvt",
                              "vt220", "vt100", "alacritty", "foot", "xterm-kitty"}) {
         SCOPED_TRACE(term);
-        Opties o;
-        o.term = term;
-        Terminal t(toetslog, o);
+        Terminal t(toetslog, {.term = term});
         t.kalm();
         t.toetsen(reeks + f + "<Cancel><Help><Exit>q");
         std::string s = t.scherm();
@@ -101,9 +99,8 @@ TEST(Klavier, Sequences) {
     };
     for (const auto& g : GEVALLEN)
         EXPECT_EQ(codes(g.bytes), g.codes) << g.waarom;
-    Opties o;
-    o.locale = "C";
-    EXPECT_EQ(codes("\x9B\x82\xFE", o), "155 130 254 ") << "8-bit terminal: bytes are characters";
+    EXPECT_EQ(codes("\x9B\x82\xFE", {.locale = "C"}), "155 130 254 ")
+        << "8-bit terminal: bytes are characters";
 }
 
 TEST(Klavier, CharacterWithoutAPlaceIsTold) {
@@ -204,8 +201,6 @@ TEST(Toets, StackBeforeKeyboard) {
 
 // What is typed ahead survives a change of variant, the end of the screen and the next program.
 TEST(Toets, TypeAheadIsKept) {
-    Opties o;
-    o.rijen = 43;
     Terminal t(
         [] {
             char c[8] = {};
@@ -232,7 +227,7 @@ TEST(Toets, TypeAheadIsKept) {
             SCREXIT();
             return 0;
         },
-        o);
+        {.rijen = 43});
     t.stuur("1\nab\033cd\033ef");
     t.wacht_op(1, 1, "ab cd ef"); // Esc shows as a blank
 }

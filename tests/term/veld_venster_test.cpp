@@ -68,45 +68,22 @@ TEST(VeldVenster, ComposeAlleenInTekst) {
     EXPECT_EQ(t.regel(25), "Ongeldige toets");
 }
 
-struct Hulpgeval {
-    const char* formaat;
-    const char* regels[7]; // rows 2, 3, 5, 7, 8, 9 and 10 of the window
-};
-
 TEST(VeldVenster, Hulp) {
-    const Hulpgeval gevallen[] = {
-        {"20c,E",
-         {"Er wordt ingave van een tekst verwacht", "U moet 20 posities vullen", "Alle tekens toegestaan",
-          "De volgende functietoetsen zijn toe te passen :", "Cursor Up, Page Down, CANCEL", "F5, F12", ""}},
-        {"8.4f,P",
-         {"Er wordt ingave van een getal verwacht", "U mag 8 posities vullen, waarvan  4 cijfers na de komma",
-          "Alle cijfers toegestaan", "De volgende functietoetsen zijn toe te passen :",
-          "Cursor Up, Page Down, CANCEL", "F5, F12", "Bereik : 0.0001 t/m 999.9999"}},
-        {"4d",
-         {"Er wordt ingave van een getal verwacht", "U mag 4 posities vullen", "Alle cijfers toegestaan",
-          nullptr, nullptr, nullptr, "Bereik : -999 t/m 9999"}},
-        {"8B,ZP",
-         {"Er wordt ingave van een bedrag verwacht",
-          "U mag 8 posities vullen, waarvan  2 cijfers na de komma", "Alle cijfers toegestaan", nullptr,
-          nullptr, nullptr, "Bereik : 0.00 t/m 99999.99"}},
-        {"10D",
-         {"Er wordt ingave van een datum verwacht", "U mag 10 posities vullen  (DDMMJJ)",
-          "Alle cijfers toegestaan", nullptr, nullptr, nullptr, ""}},
-        {"6x",
-         {"Er wordt ingave van een hexadecimale waarde verwacht", "U mag 6 posities vullen",
-          "Hexadecimale tekens toegestaan", nullptr, nullptr, nullptr, ""}},
-        {"b",
-         {"Er wordt ingave Ja of Nee verwacht", "U moet 1 posities vullen", "J, N toegestaan", nullptr,
-          nullptr, nullptr, ""}},
-        {"1c[+*C],EA",
-         {"Er wordt ingave van een tekst verwacht", "U moet 1 posities vullen", "* + C toegestaan", nullptr,
-          nullptr, nullptr, ""}},
-        {"3c[^.,]",
-         {"Er wordt ingave van een tekst verwacht", "U mag 3 posities vullen", ", . niet toegestaan", nullptr,
-          nullptr, nullptr, ""}},
-        {"3c[^]",
-         {"Er wordt ingave van een tekst verwacht", "U mag 3 posities vullen", "niet toegestaan", nullptr,
-          nullptr, nullptr, ""}},
+    struct {
+        const char *formaat, *soort, *breedte, *tekens, *bereik; // rows 2, 3, 5 and 10 of the window
+    } const gevallen[] = {
+        {"20c,E", "van een tekst", "U moet 20 posities vullen", "Alle tekens", ""},
+        {"8.4f,P", "van een getal", "U mag 8 posities vullen, waarvan  4 cijfers na de komma", "Alle cijfers",
+         "Bereik : 0.0001 t/m 999.9999"},
+        {"4d", "van een getal", "U mag 4 posities vullen", "Alle cijfers", "Bereik : -999 t/m 9999"},
+        {"8B,ZP", "van een bedrag", "U mag 8 posities vullen, waarvan  2 cijfers na de komma", "Alle cijfers",
+         "Bereik : 0.00 t/m 99999.99"},
+        {"10D", "van een datum", "U mag 10 posities vullen  (DDMMJJ)", "Alle cijfers", ""},
+        {"6x", "van een hexadecimale waarde", "U mag 6 posities vullen", "Hexadecimale tekens", ""},
+        {"b", "Ja of Nee", "U moet 1 posities vullen", "J, N", ""},
+        {"1c[+*C],EA", "van een tekst", "U moet 1 posities vullen", "* + C", ""},
+        {"3c[^.,]", "van een tekst", "U mag 3 posities vullen", ", . niet", ""},
+        {"3c[^]", "van een tekst", "U mag 3 posities vullen", "niet", ""},
     };
     Terminal t([&] {
         SCRINIT();
@@ -122,15 +99,19 @@ TEST(VeldVenster, Hulp) {
         SCOPED_TRACE(g.formaat);
         t.toetsen("<Help>");
         EXPECT_EQ(t.stuk(9, 27, 26), "─ Ingave HELP-informatie ─") << t.scherm();
-        const int rijen[] = {2, 3, 5, 7, 8, 9, 10};
-        for (size_t i = 0; i < 7; i++) {
-            if (!g.regels[i])
-                continue;
-            std::string verwacht = g.regels[i];
-            verwacht.resize(66, ' ');
-            EXPECT_EQ(t.stuk(9 + rijen[i], 7, 66), verwacht);
+        const std::pair<int, std::string> regels[] = {
+            {2, std::string("Er wordt ingave ") + g.soort + " verwacht"},
+            {3, g.breedte},
+            {5, std::string(g.tekens) + " toegestaan"},
+            {7, "De volgende functietoetsen zijn toe te passen :"},
+            {8, "Cursor Up, Page Down, CANCEL"},
+            {9, "F5, F12"},
+            {10, g.bereik},
+            {12, "<ENTER> voor vervolg _"}};
+        for (auto [rij, tekst] : regels) {
+            tekst.resize(66, ' ');
+            EXPECT_EQ(t.stuk(9 + rij, 7, 66), tekst);
         }
-        EXPECT_EQ(t.stuk(21, 7, 25), "<ENTER> voor vervolg _   ");
         EXPECT_EQ(std::make_pair(t.cursor_rij(), t.cursor_kolom()), std::make_pair(21, 28));
         t.toetsen("x<Esc><F1>");
         EXPECT_EQ(t.regel(25), "Ongeldige ingave");
