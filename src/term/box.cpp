@@ -49,6 +49,34 @@ void zet(uint32_t attr, int rij, std::string_view regel, int hoogstens) {
         SCRPUT(attr, rij, 2, "%.*s", n, regel.data());
 }
 
+std::vector<std::string_view> fflash_regels(std::string_view tekst, int optie) {
+    auto regels = splits(tekst);
+    if (regels.size() > FFLASHREGELS) {
+        // A question is worth more than the line that it would otherwise be cut off behind.
+        if (optie == -2)
+            regels[FFLASHREGELS - 1] = regels.back();
+        regels.resize(FFLASHREGELS);
+    }
+    for (auto& r : regels)
+        r = r.substr(0, FFLASHBREED);
+    if (regels.size() == 1 && regels[0].empty() && optie != -2)
+        regels.clear();
+    return regels;
+}
+
+int fflash_breedte(const std::vector<std::string_view>& regels, int optie, int titellengte) {
+    int w = langste(regels);
+    if (optie == -2 && regels.back().size() + 9 <= FFLASHBREED)
+        w = std::max(w, static_cast<int>(regels.back().size()) + 9);
+    w += 4;
+    const int t = titellengte ? (titellengte + 2 + 1) / 2 * 2 : 0; // with its blanks, made even
+    if (w <= t)
+        w = 14;
+    if (optie < 0)
+        w = std::max(w, 32);
+    return std::max(w, t + 2);
+}
+
 } // namespace
 
 int FFLASH(int optie, int plaats, uint32_t attr, const char* titel, const char* fmt, ...) {
@@ -68,31 +96,11 @@ int FFLASH(int optie, int plaats, uint32_t attr, const char* titel, const char* 
     va_end(ap);
     std::replace(tekst.get(), tekst.get() + strlen(tekst.get()), '\t', ' ');
 
-    auto regels = splits(tekst.get());
-    if (regels.size() > FFLASHREGELS) {
-        // A question is worth more than the line that it would otherwise be cut off behind.
-        if (optie == -2)
-            regels[FFLASHREGELS - 1] = regels.back();
-        regels.resize(FFLASHREGELS);
-    }
-    for (auto& r : regels)
-        r = r.substr(0, FFLASHBREED);
-    if (regels.size() == 1 && regels[0].empty() && optie != -2)
-        regels.clear();
+    const auto regels = fflash_regels(tekst.get(), optie);
     const int n = static_cast<int>(regels.size());
-
-    int w = langste(regels);
-    if (optie == -2 && regels.back().size() + 9 <= FFLASHBREED)
-        w = std::max(w, static_cast<int>(regels.back().size()) + 9);
-    w += 4;
-    size_t titellengte = titel ? strlen(titel) : 0;
+    const size_t titellengte = titel ? strlen(titel) : 0;
     const bool met_titel = titellengte >= 1 && titellengte <= FFLASHTITEL;
-    const int t = met_titel ? (static_cast<int>(titellengte) + 2 + 1) / 2 * 2 : 0;
-    if (w <= t)
-        w = 14;
-    if (optie < 0)
-        w = std::max(w, 32);
-    w = std::max(w, t + 2);
+    const int w = fflash_breedte(regels, optie, met_titel ? static_cast<int>(titellengte) : 0);
     const int h = n + (optie == -1 ? 3 : 2);
 
     VELDWACHT wacht;

@@ -80,6 +80,41 @@ void teken(const DMREC* r, int rij, int breedte, bool keus) {
         SCRPUT(attr | A_SNELLETTER, rij, 2 + static_cast<int>(plaats), "%c", s[plaats]);
 }
 
+using Rijen = std::vector<const DMREC*>;
+
+template <class Goed> int eerste_die(const Rijen& rijen, Goed goed) {
+    auto r = std::find_if(rijen.begin(), rijen.end(), goed);
+    return r == rijen.end() ? -1 : static_cast<int>(r - rijen.begin());
+}
+
+// The default, else the first item that can be chosen, else whatever is no separator.
+int beginrij(const Rijen& rijen, int vast_id) {
+    auto item = [](const DMREC* r) { return r->soort == 'I' && r->aan; };
+    int keus = eerste_die(rijen, [&](const DMREC* r) { return item(r) && r->id == vast_id; });
+    if (keus < 0)
+        keus = eerste_die(rijen, item);
+    return keus >= 0 ? keus : std::max(0, eerste_die(rijen, [](const DMREC* r) { return r->soort != 'S'; }));
+}
+
+// The next row in a direction that is no separator; at the end the same one.
+int stap(const Rijen& rijen, int keus, int richting) {
+    const int n = static_cast<int>(rijen.size());
+    for (int i = keus + richting; i >= 0 && i < n; i += richting)
+        if (rijen[static_cast<size_t>(i)]->soort != 'S')
+            return i;
+    return keus;
+}
+
+// The row that a key chooses: ENTER that of the cursor, others by extra key or letter. Null for none.
+const DMREC* neem(const Rijen& rijen, int keus, int32_t key) {
+    const int groot = key >= 0 && key <= 255 ? NGROOT(static_cast<uint8_t>(key)) : -2;
+    const int i = key == K_ENTER ? keus : eerste_die(rijen, [&](const DMREC* r) {
+        return r->aan && ((r->toets && r->toets == key) || letter(r) == groot);
+    });
+    const bool er = i >= 0 && i < static_cast<int>(rijen.size()) && rijen[static_cast<size_t>(i)]->aan;
+    return er ? rijen[static_cast<size_t>(i)] : nullptr;
+}
+
 } // namespace
 
 DMREC* DMNEW(const char* titel) {
@@ -107,17 +142,15 @@ void DMKEY(DMREC* menu, int32_t teken, int id) {
 }
 
 int DMRUN(DMREC* menu, int rij, int vast_id) {
-    std::vector<const DMREC*> rijen;
+    Rijen rijen;
     size_t langste = strlen(menu->tekst);
     for (const DMREC* r = menu->volgende; r; r = r->volgende) {
         rijen.push_back(r);
         langste = std::max(langste, strlen(r->tekst));
     }
-    const int n = static_cast<int>(rijen.size());
     const int onder = SCHERM.lines - 1; // the status line stays free
     const int w = std::min(std::max(static_cast<int>(langste) + 4, 20), SCHERM.cols - 1);
-    const int h = std::min(n + 2, onder);
-    const int zicht = h - 2;
+    const int h = std::min(static_cast<int>(rijen.size()) + 2, onder);
     WINOPEN1(std::clamp(rij, 1, onder - h + 1), SCHERM.cols - w, h, w);
     if (menu->tekst[0] == ' ')
         WINBOX("%s", menu->tekst);
@@ -126,61 +159,33 @@ int DMRUN(DMREC* menu, int rij, int vast_id) {
     else
         WINBOX(nullptr);
 
-    auto eerste_die = [&](auto goed) {
-        for (int i = 0; i < n; i++)
-            if (goed(*rijen[static_cast<size_t>(i)]))
-                return i;
-        return -1;
-    };
-    auto item = [](const DMREC& r) { return r.soort == 'I' && r.aan; };
-    int keus = eerste_die([&](const DMREC& r) { return item(r) && r.id == vast_id; });
-    if (keus < 0)
-        keus = eerste_die(item);
-    if (keus < 0)
-        keus = std::max(0, eerste_die([](const DMREC& r) { return r.soort != 'S'; }));
-
     BEZIGWIS();
-    int antwoord = vast_id, top = 0;
-    for (bool klaar = false; !klaar;) {
-        top = std::clamp(top, std::max(0, keus - zicht + 1), keus);
-        for (int i = 0; i < zicht && top + i < n; i++)
+    const DMREC* gekozen_rij = nullptr;
+    for (int keus = beginrij(rijen, vast_id), top = 0; !gekozen_rij;) {
+        top = std::clamp(top, std::clamp(keus - (h - 2) + 1, 0, keus), keus);
+        for (int i = 0; i < h - 2; i++)
             teken(rijen[static_cast<size_t>(top + i)], i + 1, w - 2, top + i == keus);
         WINCURSOR(0);
-        int32_t key = TOETS();
+        const int32_t key = TOETS();
         WINCURSOR(1);
         error("%s", "");
         SCHERM.laatste = key;
-
-        int stap = key == K_UP ? -1 : key == K_DOWN ? 1 : 0;
-        if (key == K_CANCEL || key == K_ESC || key == K_F6) {
-            klaar = true;
-        } else if (stap) {
-            int i = keus + stap;
-            while (i >= 0 && i < n && rijen[static_cast<size_t>(i)]->soort == 'S')
-                i += stap;
-            if (i >= 0 && i < n)
-                keus = i;
-        } else {
-            int i = keus;
-            if (key != K_ENTER) {
-                int groot = key >= 0 && key <= 255 ? NGROOT(static_cast<uint8_t>(key)) : -2;
-                i = eerste_die([&](const DMREC& r) {
-                    return r.aan && ((r.toets && r.toets == key) || letter(&r) == groot);
-                });
-            }
-            if (i >= 0 && i < n && rijen[static_cast<size_t>(i)]->aan) {
-                const DMREC* r = rijen[static_cast<size_t>(i)];
-                size_t plaats;
-                antwoord = r->soort == 'I' ? r->id : 0;
-                gekozen = zonder(r->tekst, &plaats);
-                klaar = true;
-            }
-        }
+        if (key == K_CANCEL || key == K_ESC || key == K_F6)
+            break;
+        if (key == K_UP || key == K_DOWN)
+            keus = stap(rijen, keus, key == K_UP ? -1 : 1);
+        else
+            gekozen_rij = neem(rijen, keus, key);
+    }
+    if (gekozen_rij) {
+        vast_id = gekozen_rij->soort == 'I' ? gekozen_rij->id : 0;
+        size_t plaats;
+        gekozen = zonder(gekozen_rij->tekst, &plaats);
     }
     WINCLOSE();
     BEZIGTOON();
     wis(menu);
-    return antwoord;
+    return vast_id;
 }
 
 const char* DMTEXT() {

@@ -14,7 +14,7 @@ namespace zg {
 namespace {
 
 constexpr int KEUZES = 32;
-constexpr int OPNIEUW = -2;
+constexpr int OPNIEUW = -2, VERDER = -3;
 
 struct Rijstand {
     uint32_t masker = 0;
@@ -29,8 +29,7 @@ bool aan(int n) {
 }
 
 const char* label(int n) {
-    const char* t = aan(n) && rs.tekst ? rs.tekst(n) : nullptr;
-    return t;
+    return aan(n) && rs.tekst ? rs.tekst(n) : nullptr;
 }
 
 char letter(int n) {
@@ -44,6 +43,49 @@ int keuze_van(char teken) {
         if (letter(n) && letter(n) == teken)
             return n;
     return -1;
+}
+
+bool met_getal() {
+    return rs.doel && rs.minimum <= rs.maximum;
+}
+
+// The number that is being typed: two digits at most, the row has two columns for them.
+struct Getal {
+    int tot_nu = 0, plaats = 0;
+
+    // The choice that the number stands for, VERDER for one more digit, OPNIEUW (told) when it can't be one. A
+    // zero in front starts over.
+    int cijfer(int c) {
+        tot_nu = tot_nu * 10 + c;
+        if (tot_nu >= rs.minimum && tot_nu <= rs.maximum) {
+            *rs.doel = static_cast<uint16_t>(tot_nu);
+            return rs.getalkeuze;
+        }
+        if (plaats == 0 && tot_nu > 0 && tot_nu * 10 + 9 >= rs.minimum && tot_nu * 10 <= rs.maximum)
+            return plaats = 1, VERDER;
+        if (tot_nu > 0)
+            error("<%d> %s", tot_nu, TXT(T_ONGELDIGE_KEUZE));
+        return OPNIEUW;
+    }
+};
+
+struct Rijtekst {
+    std::string letters, lang, kort; // the letters alone; the labels; "&A, &B"
+};
+
+Rijtekst rijtekst() {
+    Rijtekst t;
+    for (int n = 0; n < KEUZES; n++) {
+        const char* l = label(n);
+        if (!l)
+            continue;
+        t.lang += (t.lang.empty() ? "" : ", ") + std::string(l);
+        if (char c = letter(n)) {
+            t.letters += c;
+            t.kort += (t.kort.empty() ? "&" : ", &") + std::string(1, c);
+        }
+    }
+    return t;
 }
 
 // The choices as a menu: a choice, or OPNIEUW for back to the row.
@@ -92,58 +134,36 @@ bool KEUZEENIG(int n) {
 }
 
 int KEUZE(int rij, int kolom) {
-    const bool getal = rs.doel && rs.minimum <= rs.maximum;
-    std::string letters, lang, kort;
-    for (int n = 0; n < KEUZES; n++) {
-        const char* t = label(n);
-        if (!t)
-            continue;
-        lang += (lang.empty() ? "" : ", ") + std::string(t);
-        if (char l = letter(n)) {
-            letters += l;
-            kort += (kort.empty() ? "&" : ", &") + std::string(1, l);
-        }
-    }
-
+    const Rijtekst t = rijtekst();
     SCRCLREOL(rij, kolom);
     SCRPUT(A_LABEL, rij, kolom, "%s", TXT(T_UW_KEUZE));
     const int veld = kolom + static_cast<int>(strlen(TXT(T_UW_KEUZE))) + 1;
-    const bool past = veld + 1 + static_cast<int>(lang.size() - letters.size()) < WINBREEDTE();
+    const bool past = veld + 1 + static_cast<int>(t.lang.size() - t.letters.size()) < WINBREEDTE();
     if (!past)
         TOETSAAN(K_HELP);
-    AMPTEKST(rij, veld + 3, past ? lang.c_str() : kort.c_str());
+    AMPTEKST(rij, veld + 3, past ? t.lang.c_str() : t.kort.c_str());
 
-    const std::string formaat = "1c[" + letters + (getal ? "0123456789" : "") + "],UA";
+    const std::string formaat = "1c[" + t.letters + (met_getal() ? "0123456789" : "") + "],UA";
     std::unique_ptr<Instel, void (*)(Instel*)> toetsen(INSTELNEW(0), INSTELDEL);
-    int antwoord = OPNIEUW, tot_nu = 0, plaats = 0;
-    while (antwoord == OPNIEUW) {
+    int antwoord = OPNIEUW;
+    for (Getal getal; antwoord == OPNIEUW;) {
         if (toetsen)
             INSTELSET(toetsen.get());
-        char teken = plaats == 0 ? letter(rs.vast) : '\0';
-        INGAVE(rij, veld + plaats, formaat.c_str(), &teken);
+        char teken = getal.plaats == 0 ? letter(rs.vast) : '\0';
+        INGAVE(rij, veld + getal.plaats, formaat.c_str(), &teken);
         const int32_t key = SCHERM.laatste;
-        if (key == K_HELP || key == K_F1) {
+        if (key == K_HELP || key == K_F1)
             antwoord = menu(rij);
-        } else if (key != K_ENTER) {
+        else if (key != K_ENTER)
             antwoord = -1;
-        } else if (teken >= '0' && teken <= '9' && getal) {
-            tot_nu = tot_nu * 10 + (teken - '0');
-            if (tot_nu >= rs.minimum && tot_nu <= rs.maximum) {
-                *rs.doel = static_cast<uint16_t>(tot_nu);
-                return rs.getalkeuze;
-            }
-            // Two digits at most: the row has two columns for them.
-            if (plaats == 0 && tot_nu > 0 && tot_nu * 10 + 9 >= rs.minimum && tot_nu * 10 <= rs.maximum) {
-                plaats = 1;
-                continue;
-            }
-            if (tot_nu > 0)
-                error("<%d> %s", tot_nu, TXT(T_ONGELDIGE_KEUZE));
-        } else if (teken != '\0' && teken != ' ') {
+        else if (teken >= '0' && teken <= '9' && met_getal())
+            antwoord = getal.cijfer(teken - '0');
+        else if (teken != '\0' && teken != ' ')
             antwoord = keuze_van(teken);
-        }
-        if (antwoord == OPNIEUW) {
-            plaats = tot_nu = 0;
+        if (antwoord == VERDER) {
+            antwoord = OPNIEUW; // the next column
+        } else if (antwoord == OPNIEUW) {
+            getal = {};
             SCRPUT(A_LABEL, rij, veld, "  ");
         }
     }

@@ -151,9 +151,48 @@ bool opzij(const TR_MENU* menu, int32_t key) {
     return true;
 }
 
+// What a key does in an open menu: where the cursor goes, and whether the item there is taken.
+struct Gevolg {
+    int plaats;
+    bool neem = false, sluit = false;
+};
+
+Gevolg gevolg(const TR_MENU* menu, int plaats, int32_t key) {
+    const bool balk = TR_IN_BALK(menu);
+    switch (key) {
+    case K_ENTER:
+        return {plaats, true};
+    case K_UP:
+        return {balk ? plaats : stap(menu, plaats, -1)};
+    case K_DOWN:
+        return balk ? Gevolg{plaats, true} : Gevolg{stap(menu, plaats, 1)};
+    case K_LEFT:
+    case K_RIGHT:
+        if (balk)
+            return {stap(menu, plaats, key == K_LEFT ? -1 : 1)};
+        if (key == K_RIGHT && menu->items[plaats]->sub)
+            return {plaats, true};
+        return {plaats, false, opzij(menu, key)};
+    case K_CANCEL:
+    case K_ESC:
+        return {plaats, false, !(menu->vlag & TR_GEENCANCEL)};
+    }
+    const int pak = key >= Q_PLAATS ? key - Q_PLAATS : plaats_van(menu, key);
+    return pak >= 0 && pak < menu->aantal ? Gevolg{pak, true} : Gevolg{plaats};
+}
+
+// The cursor from one item to another: two items are drawn, or all when the menu scrolls.
+void beweeg(const TR_BEELD& b, int van, int naar) {
+    if (TR_SCHUIF(b, naar)) {
+        TR_VERF(b, naar);
+    } else if (naar != van) {
+        TR_VERFITEM(b, van, false);
+        TR_VERFITEM(b, naar, true);
+    }
+}
+
 int lus(TR_MENU* menu, int id) {
     TR_GROEPEN(menu);
-    const bool balk = TR_IN_BALK(menu);
     const TR_BEELD b = TR_MAAT(menu);
     int plaats = beginplaats(menu, id);
     if (plaats < 0)
@@ -167,57 +206,26 @@ int lus(TR_MENU* menu, int id) {
 
     Genomen g = BLIJF;
     while (!g.sluit) {
-        int32_t key = volgende_toets();
+        const int32_t key = volgende_toets();
         if (key == TIJD_OM) {
             g = {true, TIJD_OM};
             break;
         }
         error("%s", "");
-        const int was = plaats;
-        int pak = -1;
-        if (key >= Q_PLAATS) {
-            pak = key - Q_PLAATS;
-        } else if (key == K_ENTER || (key == K_DOWN && balk)) {
-            pak = plaats;
-        } else if (key == K_UP || key == K_DOWN) {
-            if (!balk)
-                plaats = stap(menu, plaats, key == K_UP ? -1 : 1);
-        } else if (key == K_LEFT || key == K_RIGHT) {
-            if (balk)
-                plaats = stap(menu, plaats, key == K_LEFT ? -1 : 1);
-            else if (key == K_RIGHT && menu->items[plaats]->sub)
-                pak = plaats;
-            else if (opzij(menu, key))
-                g = {true, 0};
-        } else if (key == K_CANCEL || key == K_ESC) {
-            if (!(menu->vlag & TR_GEENCANCEL))
-                g = {true, 0};
-        } else {
-            pak = plaats_van(menu, key);
-        }
-
-        bool alles = false;
-        if (pak >= 0 && pak < menu->aantal) {
-            plaats = pak;
-            if (TR_SCHUIF(b, plaats))
-                TR_VERF(b, plaats);
-            else if (plaats != was) {
-                TR_VERFITEM(b, was, false);
-                TR_VERFITEM(b, plaats, true);
-            }
-            g = neem(b, plaats, id);
-            if (menu->aantal == 0)
-                g = {true, 0};
-            plaats = std::min<int>(plaats, menu->aantal - 1);
-            alles = true; // marks, and whatever a handler has changed
-        }
-        if (g.sluit)
-            break;
-        if (TR_SCHUIF(b, plaats) || alles) {
+        const Gevolg v = gevolg(menu, plaats, key);
+        g.sluit = v.sluit;
+        beweeg(b, plaats, v.plaats);
+        plaats = v.plaats;
+        if (!v.neem)
+            continue;
+        g = neem(b, plaats, id);
+        // A handler may have changed anything, up to taking all items away.
+        if (menu->aantal == 0)
+            g = {true, 0};
+        plaats = std::min<int>(plaats, menu->aantal - 1);
+        if (!g.sluit) {
+            TR_SCHUIF(b, plaats);
             TR_VERF(b, plaats);
-        } else if (plaats != was) {
-            TR_VERFITEM(b, was, false);
-            TR_VERFITEM(b, plaats, true);
         }
     }
     if (menu->niveau == 0)
