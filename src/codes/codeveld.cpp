@@ -65,10 +65,9 @@ bool code_veld(int rij, int kolom, Codesoort soort, uint8_t* code) {
         if (bewaard)
             INSTELSET(bewaard);
         INGAVE(rij, kolom, "1U,", &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], &nieuw);
-        int32_t toets = SCHERM.laatste;
-        if (toets == K_CANCEL || toets == K_ESC)
+        if (TOETSWEG())
             break;
-        if (toets == K_F5) {
+        if (SCHERM.laatste == K_F5) {
             uint8_t gekozen = *code;
             if (!code_kiezen(soort, &gekozen))
                 continue;

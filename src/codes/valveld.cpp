@@ -11,14 +11,6 @@
 
 namespace zg {
 
-namespace {
-
-bool weg(int32_t toets) {
-    return toets == K_CANCEL || toets == K_ESC;
-}
-
-} // namespace
-
 bool valuta_kiezen() {
     const auto& tabel = valuta_tabel();
     ArrayLijst lijst{};
@@ -56,7 +48,7 @@ bool valuta_veld(int rij, int kolom, const char* formaat, char* code) {
         if (bewaard)
             INSTELSET(bewaard);
         INGAVE(rij, kolom, formaat, &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], nieuw);
-        if (weg(SCHERM.laatste))
+        if (TOETSWEG())
             break;
         if (SCHERM.laatste == K_F5) {
             memcpy(nieuw, code, 3);
@@ -98,7 +90,7 @@ bool koers_veld(int rij, int kolom, const char* vlaggen, const char*, double* ko
     snprintf(formaat, sizeof formaat, "9.5f,P%.4s", vlaggen);
     double waarde = *koers * eenheid;
     bool gewijzigd = INGAVE(rij, kolom, formaat, &SCHERM.toets[key_cancel], &waarde) != 0;
-    if (weg(SCHERM.laatste))
+    if (TOETSWEG())
         return false;
     if (gewijzigd)
         *koers = waarde / eenheid;

@@ -38,10 +38,6 @@ constexpr int SEIZOENKOLOM = 46, DATUMKOLOM = 74, LEVKOLOM = 14, NAAMKOLOM = 19;
 constexpr unsigned EERSTE_JAAR = 1980;
 constexpr char STANDAARDTOETSEN[] = "QWERTYUIOPASDFGHJK";
 
-bool weggelopen() {
-    return SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC;
-}
-
 unsigned dit_jaar() {
     time_t nu = time(nullptr);
     struct tm deel {};
@@ -97,7 +93,7 @@ bool vraag_letter(char* letter) {
              TXTLETTER(T_LETTER_DOORLOPEND));
     char getypt = letter_vertaald(*letter);
     INGAVE(1, SEIZOENKOLOM + (gekozen_jaar ? 4 : 5), formaat, &SCHERM.toets[key_cancel], &getypt);
-    if (weggelopen())
+    if (TOETSWEG())
         return false;
     *letter = letter_terug(getypt);
     return *letter != 0;
@@ -261,7 +257,7 @@ bool kies_seizoen() {
         INSTEL.maximum = 9999;
         INGAVE(1, SEIZOENKOLOM, "4u,P", &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5],
                &SCHERM.toets[key_f10], &getypt);
-        if (weggelopen())
+        if (TOETSWEG())
             return false;
         if (SCHERM.laatste == K_F10) {
             prog_informatie();
@@ -328,7 +324,7 @@ bool ord_kies_order() {
     for (;;) {
         SCRPUT(A_LABEL, 1, 62, "%-10.10s: ", TXT(T_F_ORDERDATUM));
         INGAVE(1, DATUMKOLOM, "D,E", &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], &datum);
-        if (weggelopen())
+        if (TOETSWEG())
             return false;
         if (SCHERM.laatste != K_F5)
             break;

@@ -34,10 +34,6 @@ void labels() {
             AMPTEKST(kop_rij(item), 2, TXT(*LABELS[item]));
 }
 
-bool terug() {
-    return SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC;
-}
-
 // F6 on a new order: the answer. The prompt's row is free again afterwards.
 bool afbreken() {
     bool ja = JNVRAAG(KOPKEUSRIJ, 2, "[-]%s", TXT(T_TOEVOEGEN_AFBREKEN)) != 0;
@@ -55,7 +51,7 @@ bool eerste_gang() {
             if (afbreken())
                 return false;
             item--;
-        } else if (terug()) {
+        } else if (TOETSWEG()) {
             break;
         }
     }

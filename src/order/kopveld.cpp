@@ -128,7 +128,7 @@ bool veld_locatie() {
         int veld = KOPWAARDE + 1 + static_cast<int>(strlen(TXT(T_KOP_FILIAAL)));
         waarde(KOP_LOCATIE, TXT(T_KOP_FILIAAL));
         fil_veld(kop_rij(KOP_LOCATIE), veld, veld + 4, magazijn ? "IZP" : "ZP", &nummer);
-        if (SCHERM.laatste != K_CANCEL && SCHERM.laatste != K_ESC)
+        if (!TOETSWEG())
             kop.ontvangstlocatie = nummer;
         break;
     }

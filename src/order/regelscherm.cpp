@@ -381,7 +381,7 @@ void order_scherm() {
         blad.toetsen_aan();
         int keus = KEUZE(MENURIJ, 1);
         if (keus < 0) {
-            if (SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+            if (TOETSWEG())
                 break;
             blad.beweeg(SCHERM.laatste);
             continue;

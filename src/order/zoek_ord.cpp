@@ -152,7 +152,7 @@ void toets() {
         z->lijst->modus = 2;
         SCHERM.vlag &= ~static_cast<uint32_t>(V_LEEG);
         kopregel();
-    } else if (!(SCHERM.vlag & V_LEEG) && SCHERM.laatste != K_CANCEL && SCHERM.laatste != K_ESC) {
+    } else if (!(SCHERM.vlag & V_LEEG) && !TOETSWEG()) {
         zoek(gezocht);
     }
 }

@@ -10,10 +10,6 @@ namespace {
 
 constexpr double GRENS = 99.99;
 
-bool terug() {
-    return SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC;
-}
-
 void grenzen() {
     INSTEL.minimum = -GRENS;
     INSTEL.maximum = GRENS;
@@ -38,7 +34,7 @@ bool bereken(double* procent) {
             // Shows empty; "+" and "*" ask the next term, "C" starts over.
             char teken = ' ';
             INGAVE(2, 14, "1c[+*C],EIAU", &SCHERM.toets[key_cancel], &teken);
-            if (terug())
+            if (TOETSWEG())
                 break;
             bewerking = teken;
             if (bewerking == 'C') {
@@ -50,7 +46,7 @@ bool bereken(double* procent) {
         term_eerst = false;
         grenzen();
         INGAVE(1, 14, "6.2f,EIJNPZ", &SCHERM.toets[key_cancel], &term);
-        if (terug())
+        if (TOETSWEG())
             break;
         totaal = korting_stap(bewerking, totaal, term);
     }
@@ -58,7 +54,7 @@ bool bereken(double* procent) {
     if (totaal > GRENS || totaal < -GRENS)
         totaal = totaal > 0 ? GRENS : -GRENS;
     INGAVE(3, 14, "6.2f,EJNPZ", &SCHERM.toets[key_cancel], &totaal);
-    bool goed = !terug();
+    bool goed = !TOETSWEG();
     WINCLOSE();
     if (goed)
         *procent = totaal;
@@ -100,7 +96,7 @@ bool korting_veld(int rij, int kolom, double* procent) {
         break;
     }
     INSTELDEL(instel);
-    if (terug())
+    if (TOETSWEG())
         *procent = oud;
     return *procent != oud;
 }

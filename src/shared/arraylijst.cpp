@@ -37,7 +37,7 @@ void toets() {
     INGAVE(rij, 3 + static_cast<int>(strlen(nu->vraag)), nu->formaat, &SCHERM.toets[key_f3], tekst);
     if (SCHERM.laatste == K_F3)
         SCHERM.vlag |= V_LEEG;
-    if ((SCHERM.vlag & V_LEEG) || SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+    if ((SCHERM.vlag & V_LEEG) || TOETSWEG())
         return;
     int gevonden = nu->zoek(tekst);
     if (gevonden >= 0)

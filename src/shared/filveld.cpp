@@ -17,10 +17,6 @@ namespace {
 
 constexpr int NAAMBREEDTE = 20;
 
-bool weg(int32_t toets) {
-    return toets == K_CANCEL || toets == K_ESC;
-}
-
 void toon_naam(int rij, int kolom, uint8_t nummer) {
     int index;
     if (kolom == 0)
@@ -86,7 +82,7 @@ int fil_veld(int rij, int kolom, int naam_kolom, const char* opties, uint8_t* nu
         if (bewaard)
             INSTELSET(bewaard);
         INGAVE(rij, kolom, formaat.c_str(), &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], &nieuw);
-        if (weg(SCHERM.laatste))
+        if (TOETSWEG())
             break;
         if (SCHERM.laatste == K_F5) {
             nieuw = *nummer;

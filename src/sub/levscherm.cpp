@@ -189,7 +189,7 @@ bool wijzig(Beeld& b) {
             b.top = nr < b.top ? nr : nr - (RIJEN - 5);
         toon(b, nr);
         anders |= vraag(b, nr);
-        if (SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+        if (TOETSWEG())
             break;
         nr += SCHERM.laatste == K_UP ? (nr > 0 ? -1 : 0) : 1;
     }

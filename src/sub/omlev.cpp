@@ -88,7 +88,7 @@ void toets() {
         SCHERM.vlag |= V_LEEG;
         return;
     }
-    if ((SCHERM.vlag & V_LEEG) || SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+    if ((SCHERM.vlag & V_LEEG) || TOETSWEG())
         return;
     memset(&rij, 0, sizeof rij);
     if (nummer)
@@ -168,10 +168,9 @@ bool relatie_veld(int veldrij, int kolom, const char* opties, Relatiesoort soort
         if (bewaard)
             INSTELSET(bewaard);
         INGAVE(veldrij, kolom, formaat, &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], &nieuw);
-        int32_t toetscode = SCHERM.laatste;
-        if (toetscode == K_CANCEL || toetscode == K_ESC)
+        if (TOETSWEG())
             break;
-        if (toetscode == K_F5) {
+        if (SCHERM.laatste == K_F5) {
             nieuw = *nummer;
             if (!relatie_kiezen(soort, &nieuw)) {
                 nieuw = *nummer;

@@ -97,7 +97,7 @@ int menu(int rij) {
         if (label(n))
             DMITEM(m, label(n), n, 1);
     int keus = DMRUN(m, schermrij, rs.vast);
-    bool weg = SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC || SCHERM.laatste == K_F6;
+    bool weg = TOETSWEG() || SCHERM.laatste == K_F6;
     return weg ? OPNIEUW : keus;
 }
 

@@ -49,7 +49,7 @@ int JNVRAAG(int rij, int kolom, const char* fmt, ...) {
     SCRPUT(A_LABEL, rij, kolom, "%.*s? (%c/%c)", ruimte, vraag, ja, nee);
     int veld = kolom + std::min(static_cast<int>(strlen(vraag)), ruimte) + 7;
     INGAVE(rij, veld, vast ? "b,/E" : "b,/EI", &SCHERM.toets[key_cancel], &antwoord);
-    if (SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC)
+    if (TOETSWEG())
         return 0;
     return antwoord != 0;
 }

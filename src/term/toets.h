@@ -33,6 +33,10 @@ bool TOETSNAMED(int32_t key); // allowed and in the key table
 bool TOETSCHECK(int32_t key); // allowed, in the table, and leaving through validation
 void TOETSCHECKAAN(int32_t key);
 void TOETSCHECKUIT(int32_t key);
+// Did CANCEL or ESC end what was asked last?
+inline bool TOETSWEG() {
+    return SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC;
+}
 
 // What a macro player must offer; null members until term/macro registers itself.
 struct MacroHaak {
