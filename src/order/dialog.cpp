@@ -244,9 +244,8 @@ void tekst_dialoog(int rij, int kolom, int rijen, int breedte, char* tekst) {
     std::unique_ptr<int[]> begin(new (std::nothrow) int[static_cast<size_t>(rijen) + 1]);
     if (!begin)
         NOMEM("dialog", 1);
-    size_t ruimte = static_cast<size_t>(rijen) * static_cast<size_t>(breedte + 1) + 1;
     Vlak v{rij, kolom, rijen, breedte, tekst, begin.get()};
-    tekst[ruimte - 1] = 0;
+    tekst[capaciteit(v) - 1] = 0;
     zonder_zacht(tekst);
     // Room for a soft break a row: a foreign text that is longer than the rows hold is cut here.
     tekst[rijen * breedte] = 0;
@@ -282,29 +281,34 @@ bool tekst_venster(int rij, int kolom, int soort, char* blok) {
     return memcmp(oud, blok, BLOKLEN) != 0;
 }
 
-void tekst_bekijk(int rij, int kolom, int soort, const char* blok) {
+namespace {
+// A block of an order divided over its rows, to look at.
+struct Bladspiegel {
     char tekst[BLOKLEN + TEKSTRIJEN];
-    memcpy(tekst, blok, BLOKLEN);
-    tekst[BLOKLEN - 1] = 0;
     int begin[TEKSTRIJEN + 1];
-    tekst_indeling(tekst, TEKSTRIJEN, TEKSTBREEDTE, begin);
+    explicit Bladspiegel(const char* blok) {
+        memcpy(tekst, blok, BLOKLEN);
+        tekst[BLOKLEN - 1] = 0;
+        tekst_indeling(tekst, TEKSTRIJEN, TEKSTBREEDTE, begin);
+    }
+};
+} // namespace
+
+void tekst_bekijk(int rij, int kolom, int soort, const char* blok) {
+    Bladspiegel blad(blok);
     WINOPEN1(rij, kolom, TEKSTRIJEN + 3, TEKSTBREEDTE + 4);
     WINBOX(" %s ", soort_naam(soort));
-    toon(Vlak{1, 1, TEKSTRIJEN, TEKSTBREEDTE, tekst, begin});
+    toon(Vlak{1, 1, TEKSTRIJEN, TEKSTBREEDTE, blad.tekst, blad.begin});
     TOETSAAN(K_CANCEL); // ESC does as well
     ENTERWACHT(TEKSTRIJEN + 1, 2);
     WINCLOSE();
 }
 
 void tekst_regel(int rij, int kolom, int breedte, const char* blok) {
-    char tekst[BLOKLEN + TEKSTRIJEN];
-    memcpy(tekst, blok, BLOKLEN);
-    tekst[BLOKLEN - 1] = 0;
-    int begin[TEKSTRIJEN + 1];
-    tekst_indeling(tekst, TEKSTRIJEN, TEKSTBREEDTE, begin);
-    std::string eerste(tekst, strcspn(tekst, "\n\r"));
+    Bladspiegel blad(blok);
+    std::string eerste(blad.tekst, strcspn(blad.tekst, "\n\r"));
     bool meer = eerste.size() > static_cast<size_t>(breedte);
-    for (const char* p = tekst + eerste.size(); *p && !meer; p++)
+    for (const char* p = blad.tekst + eerste.size(); *p && !meer; p++)
         meer = *p != HARD && *p != ZACHT && *p != ' ';
     SCRPUT(A_WAARDE, rij, kolom, "%-*.*s%-3s", breedte, breedte, eerste.c_str(), meer ? "..." : "");
 }

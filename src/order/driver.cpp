@@ -347,7 +347,8 @@ void herstel_venster() {
     SCRPUT(A_WAARDE, 2, 2, "%s", TXT(T_NIET_VERWERKT));
     SCRPUT(A_WAARDE, 4, 2, "%s ", TXT(T_LAATSTE_WIJZIGINGEN));
     bool gelukt = herstel_order();
-    SCRADD("%s", gelukt ? TXT(T_WEL_HERSTELD) : TXT(T_NIET_HERSTELD));
+    // Without a journal the disk refused the commit: the changes wait in the work file.
+    SCRADD("%s", TXT(gelukt ? T_WEL_HERSTELD : journaal ? T_NIET_HERSTELD : T_LATER_HERSTELD));
     PIEP();
     ENTERWACHT(5, 2);
     WINCLOSE();

@@ -41,13 +41,15 @@ bool afbreken() {
     return ja;
 }
 
-// The fields of a new order that ORDPARM.SYS asks for. False when the order was refused.
+// The fields of a new order that ORDPARM.SYS asks for. False when the order was refused, which an order of the
+// journal can't be: it would go.
 bool eerste_gang() {
     for (int item = KOP_OMSCHRIJVING; item < KOP_ITEMS; item++) {
         SCHERM.laatste = 0;
-        TOETSAAN(K_F6);
+        if (order_nieuw)
+            TOETSAAN(K_F6);
         kop_veld(item, orderparameters.kopvraag[item] != 0);
-        if (SCHERM.laatste == K_F6) {
+        if (SCHERM.laatste == K_F6 && order_nieuw) {
             if (afbreken())
                 return false;
             item--;

@@ -87,7 +87,7 @@ struct Blad {
             top = std::clamp<int32_t>(top, 1, aantal_regels);
         }
         if (cursor < top || cursor >= top + REGELPAGINA) {
-            top = cursor < top ? cursor : cursor - REGELPAGINA + 1;
+            top = cursor;
             vernieuw = true;
         }
         if (vernieuw) {
@@ -118,6 +118,10 @@ struct Blad {
             return true;
         case K_DOWN:
             cursor = std::min(cursor + 1, aantal_regels);
+            if (cursor == top + REGELPAGINA) {
+                top++;
+                vernieuw = true;
+            }
             return true;
         case K_PGDN:
             if (top + REGELPAGINA <= aantal_regels) {

@@ -1,5 +1,6 @@
-// zgdemo DIRECTORY [--fresh] [--register]: a demo data directory out of the text under data/demo. Without
-// --fresh an existing one is kept as it is. Pairs are made by the dictionary's definitions.
+// zgdemo DIRECTORY [--fresh] [--register] [--from TEXTS]: a demo data directory out of the text under data/demo,
+// or of another firm's. Without --fresh an existing one is kept as it is. Pairs are made by the dictionary's
+// definitions.
 #include "shared/files.h"
 #include "shared/iomaat.h"
 #include "shared/woordenboek.h"
@@ -102,7 +103,7 @@ void vul_maten(const std::vector<Demomaten>& alle) {
 }
 
 int gebruik() {
-    fprintf(stderr, "usage: zgdemo DIRECTORY [--fresh] [--register]\n");
+    fprintf(stderr, "usage: zgdemo DIRECTORY [--fresh] [--register] [--from TEXTS]\n");
     return 2;
 }
 
@@ -110,7 +111,7 @@ int gebruik() {
 
 int main(int argc, char** argv) {
     namespace fs = std::filesystem;
-    std::string doel;
+    std::string doel, teksten = ZG_DEMO_DIR;
     bool vers = false, registermodus = false;
     for (int i = 1; i < argc; i++) {
         std::string a = argv[i];
@@ -118,6 +119,8 @@ int main(int argc, char** argv) {
             vers = true;
         else if (a == "--register")
             registermodus = true;
+        else if (a == "--from" && i + 1 < argc)
+            teksten = argv[++i];
         else if (doel.empty() && a[0] != '-')
             doel = a;
         else
@@ -125,8 +128,10 @@ int main(int argc, char** argv) {
     }
     if (doel.empty())
         return gebruik();
-    const std::string bron = fs::canonical(ZG_DEMO_DIR);
     std::error_code fout;
+    const std::string bron = fs::canonical(teksten, fout);
+    if (fout)
+        demofout(teksten + ": " + fout.message());
     bool daar = fs::exists(doel + "/DTSYS.TXT", fout);
     if (daar && !vers)
         return 0;

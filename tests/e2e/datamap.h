@@ -1,8 +1,8 @@
-// A small data directory made for one case: a firm with three branches, a few master records, and the journals
-// that the case puts there. Everything varies by what the case says, nothing by the demo data.
+// The small firm of tests/e2e/proef: three branches, a few master records, and the journals that the case puts
+// there. Everything varies by what the case says, nothing by the demo data.
 #pragma once
 #include "order/ordrec.h"
-#include "support/terminal.h"
+#include "support/demomap.h"
 #include <string>
 #include <vector>
 
@@ -11,11 +11,9 @@ namespace zg::test {
 inline constexpr uint16_t WERKDATUM = 42430; // 1 March 2016
 inline constexpr int SESSIE = 7;
 
-class Datamap {
+class Datamap : public DemoMap {
 public:
     Datamap();
-    const std::string& pad() const { return map_.pad(); }
-    std::string bestand(const std::string& naam) const { return pad() + "/" + naam; }
 
     // Bytes of DTSYS.TXT in place; the session's slot begins at slot().
     void sys(size_t plaats, std::string_view bytes);
@@ -28,11 +26,8 @@ public:
     std::string restjes(const std::string& seizoen = "2016Z") const;
 
     // The menu's hand-over for a session: its slot is made ready. And the program's command line.
-    std::vector<std::string> overgave(int sessie = SESSIE, const std::string& gebruiker = "Joke");
+    std::vector<std::string> overgave(int sessie = SESSIE, const char* gebruiker = "Joke");
     Opties opties() const; // clock 1 March 2016; BIN leads to a stand-in that shows what it was started with
-
-private:
-    TijdelijkeMap map_{false};
 };
 
 // Records as they stand in a journal.

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace zg::test;
 
@@ -56,21 +57,24 @@ TEST(Omstandigheid, SchijfVolBijHetVastleggen) {
         achter += maak_order(maak_kop("Vulling", static_cast<uint16_t>(WERKDATUM - 10 - i)), {Regel{}});
     std::string voor = maak_order(maak_kop("Mijn"), {{5, "A", "D1"}, {5, "B", "D2"}}) + achter;
     map.journaal(voor);
-    auto argv = map.overgave();
-    std::string opdracht = "ulimit -f 16; exec";
-    for (const std::string& a : argv)
-        opdracht += " '" + a + "'";
-    {
+    for (bool weer : {false, true}) { // at the commit, and at the repair of the next start
+        std::string opdracht = "ulimit -f 16; exec";
+        for (const std::string& a : map.overgave())
+            opdracht += " '" + a + "'";
         Terminal t({"/bin/sh", "-c", opdracht}, map.opties());
         ASSERT_TRUE(t.wacht("2016Z"));
-        t.toetsen("<Enter><Enter>12<Enter><Enter>VJ<Enter><Esc>");
-        EXPECT_TRUE(t.wacht("kan niet worden geschreven")) << t.scherm();
-        EXPECT_EQ(map.journaal(), voor);
+        t.toetsen(weer ? "<Enter><Enter>12<Enter>" : "<Enter><Enter>12<Enter><Enter>VJ<Enter><Esc>");
+        EXPECT_TRUE(t.wacht("kan niet worden geschreven: bestand te groot")) << t.scherm();
         t.toetsen("<Enter>");
+        if (weer) {
+            EXPECT_TRUE(t.wacht("De laatste wijzigingen worden later alsnog verwerkt.")) << t.scherm();
+            t.toetsen("<Enter>");
+        }
+        EXPECT_EQ(t.cursor_rij(), 1) << t.scherm();
         t.reeks("<Esc>");
         EXPECT_EQ(t.einde(), 0) << t.scherm();
+        EXPECT_EQ(map.journaal(), voor);
     }
-    EXPECT_EQ(map.journaal(), voor);
     EXPECT_TRUE(map.bestaat("2016Z/ORD0012.WRK"));
     Programma p(map);
     p.leverancier();
@@ -97,25 +101,24 @@ TEST(Omstandigheid, JournaalAfgekapt) {
     EXPECT_EQ(map.journaal(), inhoud);
 }
 
-// The line drops while a line has been deleted: the program ends, and what was done is there for the repair.
-TEST(Omstandigheid, VerbindingWeg) {
+// A scratch file that can't be made: told, and back to the menu with nothing changed.
+TEST(Omstandigheid, WerkbestandNietTeOpenen) {
     Datamap map;
-    std::string inhoud = maak_order(maak_kop("Lijn"), {{5, "A", "D1"}, {5, "B", "D2"}});
+    std::string inhoud = maak_order(maak_kop("Dicht"), {Regel{}});
     map.journaal(inhoud);
-    {
+    for (const char* ext : {"ORS", "TMP"}) {
+        const std::string naam = std::string("2016Z/ORD0012.") + ext;
+        mkdir(map.bestand(naam).c_str(), 0700);
         Programma p(map);
-        p.eerste_order();
-        p.t.toetsen("VJ<Enter>");
-        p.t.hangop();
-        EXPECT_EQ(p.t.einde(2000), 1);
+        p.leverancier();
+        p.t.toetsen("<Enter>");
+        EXPECT_TRUE(p.t.wacht_op(23, 1, naam + ": Bestand niet te openen")) << p.t.scherm();
+        p.t.reeks("<Enter>");
+        EXPECT_EQ(p.t.einde(), 0) << p.t.scherm();
+        EXPECT_EQ(map.journaal(), inhoud);
+        rmdir(map.bestand(naam).c_str());
+        EXPECT_EQ(map.restjes(), "");
     }
-    EXPECT_EQ(map.journaal(), inhoud);
-    Programma p(map);
-    p.leverancier();
-    EXPECT_TRUE(p.t.wacht("worden automatisch hersteld...")) << p.t.scherm();
-    p.t.toetsen("<Enter><Esc><Esc>");
-    p.uit();
-    EXPECT_EQ(map.journaal(), maak_order(maak_kop("Lijn"), {{5, "B", "D2"}}));
 }
 
 // Receiving location and supplier's order number of an EDI order.

@@ -56,7 +56,7 @@ const Weigering WEIGERINGEN[] = {
      "foutief gestart, code 2"},
     {"session beyond the table", [](Datamap&, auto& argv, Opties&) { argv[3] = "100"; },
      "foutief gestart, code 2"},
-    {"session nobody has", [](Datamap&, auto& argv, Opties&) { argv[3] = "8"; }, "foutief gestart, code 2"},
+    {"session nobody has", [](Datamap&, auto& argv, Opties&) { argv[3] = "9"; }, "foutief gestart, code 2"},
     {"other user", [](Datamap&, auto& argv, Opties&) { argv[2] = "Jan"; }, "foutief gestart, code 1"},
     {"slot is for another program", [](Datamap& map, auto&, Opties&) { zet_userprog(map, "zgvoorraad"); },
      "foutief gestart, code 0"},
@@ -100,30 +100,25 @@ TEST(Start, WeigertEnMeldtWaarom) {
     }
 }
 
-// A menu program that isn't there: said on the screen, and the slot tells that it may run.
-TEST(Start, MenuprogrammaOntbreekt) {
-    Datamap map;
-    Opties opties = map.opties();
-    opties.omgeving = {{"BIN", "/bestaat/niet"}, {"PATH", "/bestaat/niet"}};
-    Terminal t(map.overgave(), opties);
-    ASSERT_TRUE(t.wacht("2016Z"));
-    t.kalm();
-    t.reeks("<Esc>");
-    EXPECT_TRUE(t.wacht("Programma zgbsmenu niet gevonden")) << t.scherm();
-    t.reeks("<Enter>");
-    EXPECT_EQ(t.einde(), 1);
-    EXPECT_EQ(lees_bestand(map.bestand("DTSYS.TXT")).substr(Datamap::slot() + 48, 8), "zgbsmenu");
-}
-
-// TSTBIN goes before BIN.
-TEST(Start, TstbinGaatVoor) {
-    Datamap map;
-    Opties opties = map.opties();
-    opties.omgeving = {{"TSTBIN", map.bestand("bin") + "/"}, {"BIN", "/bestaat/niet"}};
-    Terminal t(map.overgave(), opties);
-    ASSERT_TRUE(t.wacht("2016Z"));
-    t.kalm();
-    t.reeks("<Esc>");
-    EXPECT_EQ(t.einde(), 0);
-    EXPECT_NE(t.uitvoer().find("menu: zgbsmenu Joke 7 zgbestel"), std::string::npos);
+// TSTBIN goes before BIN, both before the path. A menu program that isn't there: said on the screen, and the slot
+// tells that it may run.
+TEST(Start, WegTerug) {
+    for (bool er : {true, false}) {
+        Datamap map;
+        Opties opties = map.opties();
+        opties.omgeving = {{"TSTBIN", er ? map.bestand("bin") : "/bestaat/niet"}, {"BIN", "/bestaat/niet"}};
+        if (!er)
+            opties.omgeving.push_back({"PATH", "/bestaat/niet"});
+        Terminal t(map.overgave(), opties);
+        ASSERT_TRUE(t.wacht("2016Z"));
+        t.kalm();
+        t.reeks("<Esc>");
+        if (!er) {
+            EXPECT_TRUE(t.wacht("Programma zgbsmenu niet gevonden")) << t.scherm();
+            t.reeks("<Enter>");
+        }
+        EXPECT_EQ(t.einde(), er ? 0 : 1);
+        EXPECT_EQ(t.uitvoer().find("menu: zgbsmenu Joke 7 zgbestel") != std::string::npos, er);
+        EXPECT_EQ(lees_bestand(map.bestand("DTSYS.TXT")).substr(Datamap::slot() + 48, 8), "zgbsmenu");
+    }
 }

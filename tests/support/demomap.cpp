@@ -10,15 +10,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The demo data of this test program, removed with it.
-const std::string& bron() {
+// The data directory of a firm's text, made once a test program and removed with it.
+const std::string& bron(const std::string& teksten) {
     static TijdelijkeMap map(false);
-    static const std::string pad = [] {
-        std::string p = map.pad() + "/demo";
-        std::string opdracht = programma("zgdemo") + " " + p;
+    static std::map<std::string, std::string> gemaakt;
+    std::string& pad = gemaakt[teksten];
+    if (pad.empty()) {
+        pad = map.pad() + "/" + std::to_string(gemaakt.size());
+        std::string opdracht = programma("zgdemo") + " " + pad + " --from " ZG_SOURCE_DIR "/" + teksten;
         EXPECT_EQ(system(opdracht.c_str()), 0);
-        return p;
-    }();
+    }
     return pad;
 }
 
@@ -28,8 +29,8 @@ std::string programma(const char* naam) {
     return std::string(ZG_BINARY_DIR "/") + naam;
 }
 
-DemoMap::DemoMap() {
-    fs::copy(bron(), map_.pad(), fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+DemoMap::DemoMap(const std::string& teksten) {
+    fs::copy(bron(teksten), map_.pad(), fs::copy_options::recursive | fs::copy_options::overwrite_existing);
 }
 
 std::map<std::string, std::string> DemoMap::inhoud() const {
