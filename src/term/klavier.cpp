@@ -81,8 +81,9 @@ void leer(const std::string& reeks, int32_t key) {
 enum class Vul { BYTE, NIETS, SEIN };
 
 // One byte more within ms milliseconds. The signals that matter are held off between the look at their notes
-// and the wait, so that none falls in between. Bytes of a dead terminal never come: that is the end.
-Vul vul(int ms) {
+// and the wait, so that none falls in between; `door`: what is noted already doesn't keep it from waiting.
+// Bytes of a dead terminal never come: that is the end.
+Vul vul(int ms, bool door = false) {
     static sigset_t seinen;
     static bool klaar;
     if (!klaar) {
@@ -103,7 +104,7 @@ Vul vul(int ms) {
         fout = errno;
     } else {
         sigprocmask(SIG_BLOCK, &seinen, &vrij);
-        sein = SCHERM.signaaltoets || MAATSEIN || SEINEINDE();
+        sein = !door && (SCHERM.signaaltoets || MAATSEIN || SEINEINDE());
         if (!sein)
             n = ppoll(&p, 1, ms < 0 ? nullptr : &tijd, &vrij);
         fout = errno;
@@ -128,25 +129,16 @@ Vul vul(int ms) {
 bool vul_door(int ms) {
     timespec begin;
     clock_gettime(CLOCK_MONOTONIC, &begin);
-    for (int rest = ms;;) {
-        if (SCHERM.signaaltoets || MAATSEIN) {
-            pollfd p{STDIN_FILENO, POLLIN, 0};
-            if (poll(&p, 1, rest) <= 0)
-                return false;
-            ssize_t n = aantal < static_cast<int>(sizeof bytes) ? read(STDIN_FILENO, bytes + aantal, 1) : 0;
-            aantal += n == 1;
-            return n == 1;
-        }
-        Vul v = vul(rest);
+    for (int rest = ms; rest >= 0;) {
+        Vul v = vul(rest, true);
         if (v != Vul::SEIN)
             return v == Vul::BYTE;
         timespec nu;
         clock_gettime(CLOCK_MONOTONIC, &nu);
         rest =
             ms - static_cast<int>((nu.tv_sec - begin.tv_sec) * 1000 + (nu.tv_nsec - begin.tv_nsec) / 1000000);
-        if (rest < 0)
-            return false;
     }
+    return false;
 }
 
 int32_t verbruik(int n, int32_t key) {

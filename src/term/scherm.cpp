@@ -6,6 +6,7 @@
 #include "term/teksten.h"
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <langinfo.h>
@@ -296,7 +297,12 @@ void SCHELP(const char* pad, const char* commando, bool wachten) {
     }
     TERMHERSTEL();
     fflush(stdout);
+    // A command that is put to sleep would leave nobody at the terminal to wake it; it inherits this.
+    struct sigaction slaap, doof{};
+    doof.sa_handler = SIG_IGN;
+    sigaction(SIGTSTP, &doof, &slaap);
     [[maybe_unused]] int antwoord = system(opdracht.c_str());
+    sigaction(SIGTSTP, &slaap, nullptr);
     if (wachten) {
         printf("\n%s ", TXT(T_ENTER_VERVOLG));
         fflush(stdout);

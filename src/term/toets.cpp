@@ -29,6 +29,17 @@ int32_t neem_seintoets() {
     return key;
 }
 
+// The window got another size: whatever it shows now, the whole screen again.
+void herteken() {
+    MAATSEIN = 0;
+    if (!SCHERM.bestaat)
+        return;
+    clearok(curscr, TRUE);
+    TOONVANAF(SCHERM.basis);
+    if (!SCHERM.dicht)
+        doupdate();
+}
+
 // One key of the keyboard within ms milliseconds (-1: without limit), else -1.
 int32_t van_klavier(WINDOW* win, int ms) {
     for (;;) {
@@ -38,23 +49,11 @@ int32_t van_klavier(WINDOW* win, int ms) {
         if (SCHERM.signaaltoets)
             return neem_seintoets();
         int32_t key = KLAVIER(ms);
-        if (key == -1 && MAATSEIN) {
-            MAATSEIN = 0;
-            if (SCHERM.bestaat) {
-                clearok(curscr, TRUE);
-                TOONVANAF(SCHERM.basis);
-            }
-            if (SCHERM.bestaat && !SCHERM.dicht)
-                doupdate();
-            if (ms >= 0)
-                return -1;
+        if (key == -1 && MAATSEIN)
+            herteken();
+        else if (key == -1 && SCHERM.signaaltoets)
             continue;
-        }
-        if (key == -1 && SCHERM.signaaltoets)
-            continue;
-        if (key == -1 && ms >= 0)
-            return -1;
-        if (key != -1 && !laat_vallen(key))
+        if (key == -1 ? ms >= 0 : !laat_vallen(key))
             return key;
     }
 }

@@ -503,7 +503,8 @@ TEST(Afbreken, SecondTimeEndsAtOnce) {
 
 TEST(Scherm, SubshellGetsTheTerminal) {
     TijdelijkeMap map;
-    schrijf_bestand("opdracht", "#!/bin/sh\nstty -a | grep -q ' echo ' && echo met echo\n");
+    schrijf_bestand("opdracht", "#!/bin/sh\nstty -a | grep -q ' echo ' && "
+                                "grep -q 'SigIgn.*[89a-f]....$' /proc/$$/status && echo met echo\n"); // TSTP
     chmod("opdracht", 0755);
     Terminal t(op_scherm([] {
                    SCRPUT(A_WAARDE, 3, 3, "scherm");
