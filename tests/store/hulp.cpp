@@ -1,6 +1,8 @@
 #include "store/hulp.h"
 #include "store/diepcheck.h"
+#include "store/syscall.h"
 #include "term/scherm.h"
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -18,7 +20,45 @@ void korte_wacht(ICB*) {
 }
 void (*oude_wacht)(ICB*);
 
+struct {
+    int tot = 0, fout = 0;
+    Deel deel = NIETS;
+} storing;
+
+// Is it time? A kill doesn't return from here.
+bool nu(const std::function<void(Deel)>& doe) {
+    if (--storing.tot > 0)
+        return false;
+    if (storing.tot == 0)
+        doe(storing.deel);
+    if (storing.fout == 0)
+        kill(getpid(), SIGKILL);
+    errno = storing.fout;
+    return true;
+}
+ssize_t storend_pwrite(int fd, const void* p, size_t n, off_t plaats) {
+    ssize_t gedaan = -1;
+    if (!nu([&](Deel d) {
+            if (d != NIETS && n > 1)
+                gedaan = pwrite(fd, p, d == HALF ? n / 2 : n, plaats);
+        }))
+        return pwrite(fd, p, n, plaats);
+    return gedaan; // a short write first, then refused
+}
+int storend_ftruncate(int fd, off_t lengte) {
+    return nu([](Deel) {}) ? -1 : ftruncate(fd, lengte);
+}
+
 } // namespace
+
+void stoor(int n, int fout, Deel deel) {
+    storing = {n, fout, deel};
+    IXSYS.pwrite = storend_pwrite;
+    IXSYS.ftruncate = storend_ftruncate;
+}
+bool gestoord() {
+    return storing.tot <= 0;
+}
 
 int KorteWacht::teller;
 KorteWacht::KorteWacht() {
@@ -35,12 +75,16 @@ ICB* maak_open(const std::string& naam, const Tabel& tabel, int mode) {
     return IXOPEN(naam.c_str(), mode);
 }
 
-void maak_paar(const std::string& naam, const Tabel& tabel) {
-    ICB* icb = IXCREATE(naam.c_str(), 1);
+void definieer(ICB* icb, const Tabel& tabel) {
     IXUPDFCB(icb, 0, ("proef," + std::to_string(tabel.reclen)).c_str());
     int k = 0;
     for (const std::string& s : tabel.sleutels)
         IXUPDFCB(icb, ++k, s.c_str());
+}
+
+void maak_paar(const std::string& naam, const Tabel& tabel) {
+    ICB* icb = IXCREATE(naam.c_str(), 1);
+    definieer(icb, tabel);
     IXINIT(icb);
     IXCLOSE(icb);
 }

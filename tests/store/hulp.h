@@ -15,6 +15,7 @@ struct Tabel {
     int reclen;
     std::vector<std::string> sleutels;
 };
+void definieer(ICB* icb, const Tabel& tabel);
 // New, empty pair; closed again.
 void maak_paar(const std::string& naam, const Tabel& tabel);
 ICB* maak_open(const std::string& naam, const Tabel& tabel, int mode);
@@ -53,6 +54,13 @@ private:
 
 // Child process that runs `werk`: exit status, or 128 + signal.
 int in_kind(const std::function<void()>& werk);
+
+// From now on the n-th write or truncation of the store, counted from 1, meets its fate: the process is killed
+// (fout 0), or the call fails with errno `fout`, and all after it. `deel`: how much of the write is done before,
+// nothing, half or all. For a child process: it is never taken away.
+enum Deel { NIETS, HALF, ALLES };
+void stoor(int n, int fout = 0, Deel deel = NIETS);
+bool gestoord(); // has it come to that?
 
 // A random number source with a seed that failure texts can name.
 struct Toeval {

@@ -2,10 +2,8 @@
 // is no longer what it was.
 #include "store/hulp.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include <cerrno>
 #include <cstring>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {
@@ -255,16 +253,6 @@ TEST(Schade, NieuwRecordOverschrijftNooit) {
 }
 
 // A full disk: every write of an insert refused in turn ends in a report, and never in a lost older record.
-int schrijf_tot;
-ssize_t volle_schijf(int fd, const void* p, size_t n, off_t plaats) {
-    if (--schrijf_tot >= 0)
-        return pwrite(fd, p, n, plaats);
-    if (schrijf_tot == -1 && n > 1)
-        return pwrite(fd, p, n / 2, plaats); // short first, then refused
-    errno = ENOSPC;
-    return -1;
-}
-
 TEST(Schade, VolleSchijf) {
     TijdelijkeMap map;
     ICB* icb = maak_open("T", tabel, 2);
@@ -280,8 +268,7 @@ TEST(Schade, VolleSchijf) {
         schrijf_bestand("T.TXT", data);
         std::string uit = stopt([&] {
             ICB* i = IXOPEN("T", 2);
-            schrijf_tot = n;
-            IXSYS.pwrite = volle_schijf;
+            stoor(n + 1, ENOSPC, HALF);
             Rec r = rec(99, "nieuw", 99);
             IXWRITE(i, &r);
         });

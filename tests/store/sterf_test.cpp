@@ -3,7 +3,6 @@
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include "store/syscall.h"
 #include <csignal>
 #include <cstring>
 #include <map>
@@ -32,17 +31,6 @@ Rec rec(uint32_t nr, int32_t waarde) {
     snprintf(r.naam, sizeof r.naam, "naam %d", waarde);
     r.waarde = waarde;
     return r;
-}
-
-int nog; // writes that still succeed
-bool ervoor;
-ssize_t dodelijk(int fd, const void* p, size_t n, off_t plaats) {
-    if (nog-- == 0) {
-        if (!ervoor)
-            pwrite(fd, p, n, plaats);
-        kill(getpid(), SIGKILL);
-    }
-    return pwrite(fd, p, n, plaats);
 }
 
 std::map<uint32_t, int32_t> inhoud() {
@@ -117,14 +105,12 @@ TEST(Sterf, BijElkeSchrijfopdracht) {
         const std::map<uint32_t, int32_t> oud = inhoud();
         int n = 0, status = 1;
         for (; status != 0 && n < 60; n++)
-            for (bool voor : {true, false}) {
+            for (Deel deel : {NIETS, ALLES}) { // killed before the write, or behind it
                 schrijf_bestand("T.INX", idx);
                 schrijf_bestand("T.TXT", data);
                 status = in_kind([&] {
                     ICB* i = IXOPEN("T", 2);
-                    nog = n;
-                    ervoor = voor;
-                    IXSYS.pwrite = dodelijk;
+                    stoor(n + 1, 0, deel);
                     g.werk(i);
                 });
                 ASSERT_TRUE(status == 0 || status == 128 + SIGKILL) << g.wat << n;
