@@ -115,34 +115,6 @@ TEST_P(Boom, DubbelenInVolgordeVanNummer) {
     EXPECT_EQ(0, IXEXISTSP(icb, &r, 1));
 }
 
-TEST_P(Boom, SplitsingZeventigDertig) {
-    // A node of 2-byte keys is full at 84 and keeps 58 left; of 60-byte keys at 7, and keeps 4.
-    struct {
-        const char* sleutel;
-        int breed, maxent, links;
-    } gevallen[] = {{"k,I,1,2", 2, 84, 58}, {"k,I,1,4,C,5,60", 60, 7, 4}};
-    for (auto& g : gevallen) {
-        open({60, {g.sleutel}});
-        char r[60] = {};
-        for (int i = 1; i < g.maxent; i++) { // the sentinel counts
-            r[0] = static_cast<char>(i);
-            ASSERT_EQ(1, IXWRITE(icb, r));
-        }
-        EXPECT_EQ(5, icb->h.nblocks) << "root and queue, and two new nodes";
-        std::string idx = lees_bestand("T.INX");
-        auto aantal = [&](size_t blok) {
-            return static_cast<int>(static_cast<uint8_t>(idx[blok * 512 + 4]));
-        };
-        EXPECT_EQ(2, aantal(1));
-        EXPECT_EQ(g.links, aantal(3));
-        EXPECT_EQ(g.maxent - g.links, aantal(4));
-        EXPECT_EQ(2, idx[512 + 1]) << "the root never moves, it grows a level";
-        IXCLOSE(icb);
-        EXPECT_GEZOND("T");
-        icb = nullptr;
-    }
-}
-
 TEST_P(Boom, AllesWegEnOpnieuw) {
     open();
     for (int i = 0; i < 2000; i++)

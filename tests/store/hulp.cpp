@@ -139,6 +139,24 @@ int in_kind(const std::function<void()>& werk) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+int processen(int n, const std::function<bool(int)>& werk) {
+    fflush(nullptr);
+    std::vector<pid_t> pids;
+    for (int p = 0; p < n; p++) {
+        pid_t pid = fork();
+        if (pid == 0)
+            _exit(werk(p) ? 0 : 1);
+        pids.push_back(pid);
+    }
+    int mis = 0;
+    for (pid_t pid : pids) {
+        int status = 0;
+        waitpid(pid, &status, 0);
+        mis += status != 0;
+    }
+    return mis;
+}
+
 Agent::Agent(std::function<std::string(const std::string&)> doe) {
     int heen[2], terug[2];
     if (pipe(heen) < 0 || pipe(terug) < 0)

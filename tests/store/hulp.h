@@ -55,6 +55,9 @@ private:
 // Child process that runs `werk`: exit status, or 128 + signal.
 int in_kind(const std::function<void()>& werk);
 
+// Run `werk` in n processes at once; the number that did not end well.
+int processen(int n, const std::function<bool(int)>& werk);
+
 // From now on the n-th write or truncation of the store, counted from 1, meets its fate: the process is killed
 // (fout 0), or the call fails with errno `fout`, and all after it. `deel`: how much of the write is done before,
 // nothing, half or all. For a child process: it is never taken away.

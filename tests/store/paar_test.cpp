@@ -96,6 +96,8 @@ TEST(Paar, TijdelijkeIndexOverGedeeldeData) {
     for (int ok = (memset(r, 0, 20), IXFIRST(tijdelijk, r)); ok; ok = IXNEXT(tijdelijk, r))
         n += LEES32(r) % 2 == 0;
     EXPECT_EQ(50, n);
+    tijdelijk->currec = 0;
+    IXLOCK(tijdelijk, 13);
     IXCLOSE(tijdelijk);
     EXPECT_EQ("held", ander.vraag("try"))
         << "closing another handle on the data file must not drop its locks";

@@ -39,25 +39,6 @@ Rec rec(uint32_t nr, int32_t waarde) {
     return r;
 }
 
-// Run `werk` in n processes; the number that did not end well.
-int processen(int n, const std::function<bool(int)>& werk) {
-    fflush(nullptr);
-    std::vector<pid_t> pids;
-    for (int p = 0; p < n; p++) {
-        pid_t pid = fork();
-        if (pid == 0)
-            _exit(werk(p) ? 0 : 1);
-        pids.push_back(pid);
-    }
-    int mis = 0;
-    for (pid_t pid : pids) {
-        int status = 0;
-        waitpid(pid, &status, 0);
-        mis += status != 0;
-    }
-    return mis;
-}
-
 // Walk every key both ways: each record once, in order.
 void loop_alles(ICB* icb, int aantal) {
     Rec r;

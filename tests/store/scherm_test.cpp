@@ -83,21 +83,5 @@ TEST(StoreScherm, AlleenLezen) {
     EXPECT_EQ("", lees_bestand("T.TXT"));
 }
 
-TEST(StoreScherm, BezigGemarkeerd) {
-    TijdelijkeMap map;
-    ICB* icb = maak_open("T", tabel, 2);
-    icb->h.busy = 1;
-    IXWRIX(icb, 0);
-    icb->h.busy = 0;
-    Gesprek g([] {
-        IXOPEN("T", 2);
-        return std::string("open");
-    });
-    EXPECT_TRUE(g.wacht("T          : proef               --> Niet consistent"));
-    g.stuur("\r");
-    EXPECT_EQ(1, g.einde());
-    IXCLOSE(icb);
-}
-
 } // namespace
 } // namespace zg::test

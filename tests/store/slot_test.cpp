@@ -212,30 +212,5 @@ TEST_F(Slot, ExclusiefNaHetWerkVanEenAnder) {
     EXPECT_GEZOND("T");
 }
 
-TEST_F(Slot, DeKopWordtKortGevraagd) {
-    open();
-    EXPECT_EQ("1", ander->vraag("lock 2"));
-    Agent derde{Gebruiker{}};
-    EXPECT_EQ(Agent::geen_antwoord, derde.vraag("open 2")) << "opening reads the header under its lock";
-    ander->vraag("lock 12");
-    EXPECT_EQ("ok", derde.antwoord());
-    IXCLOSE(ik.icb);
-}
-
-TEST_F(Slot, TijdelijkeIndexLaatDeDataMetRust) {
-    open();
-    ik("write 1");
-    ICB* t = IXCREATE("T.07", 1);
-    EXPECT_EQ("free", ander->vraag("test 1 0 0"));
-    t->currec = 0;
-    EXPECT_EQ("1", ik("readl 1"));
-    EXPECT_EQ(1, IXLOCK(t, 3));
-    EXPECT_EQ(1, IXLOCK(t, 13));
-    EXPECT_EQ(1, IXLOCK(t, 11));
-    EXPECT_EQ("held", ander->vraag("test 1 0 40"));
-    IXCLOSE(t);
-    IXCLOSE(ik.icb);
-}
-
 } // namespace
 } // namespace zg::test
