@@ -1,30 +1,21 @@
 // The block cache: what it holds, what it writes, and that it always finds a place.
 #include "store/cache.h"
+#include "store/hulp.h"
 #include "store/node.h"
 #include "store/syscall.h"
-#include "support/terminal.h"
-#include <gtest/gtest.h>
-#include <random>
 
-using namespace zg;
-using zg::test::TijdelijkeMap;
-
+namespace zg::test {
 namespace {
 
-IXSYSCALLS echt;
 int lezingen, schrijvingen;
 
-struct Geteld { // counts the reads and writes of the store while it lives
-    Geteld() {
-        echt = IXSYS;
-        lezingen = schrijvingen = 0;
-        IXSYS.pread = [](int fd, void* p, size_t n, off_t o) { return lezingen++, echt.pread(fd, p, n, o); };
-        IXSYS.pwrite = [](int fd, const void* p, size_t n, off_t o) {
-            return schrijvingen++, echt.pwrite(fd, p, n, o);
-        };
-    }
-    ~Geteld() { IXSYS = echt; }
-};
+void tel_aanroepen() {
+    lezingen = schrijvingen = 0;
+    IXSYS.pread = [](int fd, void* p, size_t n, off_t o) { return lezingen++, pread(fd, p, n, o); };
+    IXSYS.pwrite = [](int fd, const void* p, size_t n, off_t o) {
+        return schrijvingen++, pwrite(fd, p, n, o);
+    };
+}
 
 ICB* maak(int sleutels) {
     ICB* icb = IXCREATE("C", 1);
@@ -46,31 +37,28 @@ bool is(ICB* icb, int32_t blok, int waarde) {
     return icb->curblock == blok && icb->node[0] == waarde && icb->node[511] == waarde;
 }
 
-} // namespace
-
 TEST(Cache, writes_once_what_differs_and_reads_back_without_the_file) {
     TijdelijkeMap map;
+    const IXSYSCALLS echt = IXSYS;
     ICB* icb = maak(5);
     ASSERT_EQ(IOCACHE('I', icb, 0), 1);
     EXPECT_EQ(icb->parent[9], -1);
-    {
-        Geteld g;
-        for (int i = 0; i < 45; i++) // five places are the roots'
-            vul(icb, 10 + i, i);
-        for (int i = 0; i < 45; i++)
-            ASSERT_TRUE(is(icb, 10 + i, i)) << i;
-        EXPECT_EQ(lezingen + schrijvingen, 0);
-        IOCACHE('R', icb, 1);
-        EXPECT_EQ(lezingen, 1);
-        IOCACHE('F', icb, 0);
-        EXPECT_EQ(schrijvingen, 45) << "a root that was only read is not written";
-        EXPECT_EQ(icb->cached, 0);
-    }
+    tel_aanroepen();
+    for (int i = 0; i < 45; i++) // five places are the roots'
+        vul(icb, 10 + i, i);
+    for (int i = 0; i < 45; i++)
+        ASSERT_TRUE(is(icb, 10 + i, i)) << i;
+    EXPECT_EQ(lezingen + schrijvingen, 0);
+    IOCACHE('R', icb, 1);
+    EXPECT_EQ(lezingen, 1);
+    IOCACHE('F', icb, 0);
+    EXPECT_EQ(schrijvingen, 45) << "a root that was only read is not written";
+    EXPECT_EQ(icb->cached, 0);
+    IXSYS = echt;
     ASSERT_EQ(IOCACHE('I', icb, 0), 1);
     for (int i = 0; i < 45; i++)
         ASSERT_TRUE(is(icb, 10 + i, i)) << i;
-    IOCACHE('F', icb, 0);
-    IXCLOSE(icb);
+    IXCLOSE(icb); // flushes too
 }
 
 // Far more blocks than places, in any order, all of the same weight or not: every read gives the last write.
@@ -79,13 +67,13 @@ TEST(Cache, evicts_without_loss_or_end) {
     for (int sleutels : {1, 5}) {
         ICB* icb = maak(sleutels);
         ASSERT_EQ(IOCACHE('I', icb, 0), 1);
-        std::mt19937 r(3);
+        Toeval r(3);
         std::vector<int> waarde(400, -1);
         for (int stap = 0; stap < 30000; stap++) {
-            int32_t blok = static_cast<int32_t>(1 + (r() % 3 ? r() % 399 : r() % 20));
+            int32_t blok = static_cast<int32_t>(1 + r(r(3) ? 399 : 20));
             int& w = waarde[static_cast<size_t>(blok)];
-            if (w < 0 || r() % 2) {
-                w = static_cast<int>(r() % 256);
+            if (w < 0 || r(2)) {
+                w = static_cast<int>(r(256));
                 vul(icb, blok, w);
             } else {
                 ASSERT_TRUE(is(icb, blok, w)) << "block " << blok << " step " << stap;
@@ -122,3 +110,6 @@ TEST(Cache, serves_one_handle_at_a_time) {
     IOCACHE('F', twee, 0);
     IXLAATLOS(twee);
 }
+
+} // namespace
+} // namespace zg::test

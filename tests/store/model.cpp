@@ -1,6 +1,7 @@
 #include "store/model.h"
 #include "support/terminal.h"
 #include <cstring>
+#include <gtest/gtest.h>
 
 namespace zg::test {
 namespace {
@@ -50,16 +51,6 @@ std::string vorm(const uint8_t* p, int n, int niveau, int* lengte) {
     for (int i = 0; i < n; i++)
         *lengte += gewicht(p[i], 1).size() == 2;
     uit.resize(static_cast<size_t>(2 * n + 1));
-    return uit;
-}
-
-std::string hex(const uint8_t* p) {
-    std::string uit;
-    char b[4];
-    for (int i = 0; i < IXBLOK; i++) {
-        snprintf(b, sizeof b, "%02x", p[i]);
-        uit += b;
-    }
     return uit;
 }
 
@@ -150,21 +141,20 @@ void Model::kies(int k) {
 
 void Model::lockey() {
     curent = 5;
-    while (curent < 5 + aantal() * stap() &&
-           comp(keybuf, &node[static_cast<size_t>(curent)], def().keylen) > 0)
+    while (curent < einde() && comp(keybuf, op(curent), def().keylen) > 0)
         curent += stap();
 }
 
 int32_t Model::wijzer(int plaats) const {
     int32_t n;
-    memcpy(&n, &node[static_cast<size_t>(plaats + def().keylen)], 4);
+    memcpy(&n, op(plaats + def().keylen), 4);
     return n;
 }
 
 // Climb from where the last search ended, then descend.
 int32_t Model::zoek_gelijk() {
     auto erin = [&] {
-        const uint8_t *eerste = &node[5], *laatste = &node[static_cast<size_t>(5 + (aantal() - 1) * stap())];
+        const uint8_t *eerste = op(5), *laatste = op(5 + (aantal() - 1) * stap());
         return comp(keybuf, eerste, def().keylen) > 0 && comp(keybuf, laatste, def().keylen) <= 0;
     };
     while (!erin() && parent[niveau()] != -1)
@@ -172,17 +162,15 @@ int32_t Model::zoek_gelijk() {
     for (;;) {
         lockey();
         if (niveau() == 1)
-            return comp(keybuf, &node[static_cast<size_t>(curent)], def().keylen) == 0 ? wijzer(curent) : -1;
+            return comp(keybuf, op(curent), def().keylen) == 0 ? wijzer(curent) : -1;
         rdix(wijzer(curent));
     }
 }
 
 void Model::inskey() {
-    int einde = 5 + aantal() * stap();
-    memmove(&node[static_cast<size_t>(curent + stap())], &node[static_cast<size_t>(curent)],
-            static_cast<size_t>(einde - curent));
-    memcpy(&node[static_cast<size_t>(curent)], keybuf, def().keylen);
-    zet32(&node[static_cast<size_t>(curent + def().keylen)], insptr);
+    memmove(op(curent + stap()), op(curent), static_cast<size_t>(einde() - curent));
+    memcpy(op(curent), keybuf, def().keylen);
+    zet32(op(curent + def().keylen), insptr);
     if (++aantal() != def().maxent)
         wrix(curblock);
     else
@@ -212,10 +200,10 @@ void Model::split() {
         std::fill(node.begin() + 5, node.end(), uint8_t{0});
         node[1]++;
         aantal() = 2;
-        memcpy(&node[5], keybuf, static_cast<size_t>(lengte));
-        zet32(&node[static_cast<size_t>(5 + lengte)], insptr);
-        memset(&node[static_cast<size_t>(5 + stap())], 0xFF, static_cast<size_t>(lengte));
-        zet32(&node[static_cast<size_t>(5 + stap() + lengte)], h.nblocks);
+        memcpy(op(5), keybuf, static_cast<size_t>(lengte));
+        zet32(op(5 + lengte), insptr);
+        memset(op(5 + stap()), 0xFF, static_cast<size_t>(lengte));
+        zet32(op(5 + stap() + lengte), h.nblocks);
         wrix(node[0]);
         h.nblocks++;
         return;
@@ -229,33 +217,45 @@ void Model::split() {
 void Model::delentry() {
     rdix(curblock);
     lockey();
-    int einde = 5 + aantal() * stap();
-    bool laatste = curent + stap() == einde;
-    memmove(&node[static_cast<size_t>(curent)], &node[static_cast<size_t>(curent + stap())],
-            static_cast<size_t>(einde - curent - stap()));
-    memset(&node[static_cast<size_t>(einde - stap())], 0, static_cast<size_t>(stap()));
+    const bool laatste = curent + stap() == einde();
+    memmove(op(curent), op(curent + stap()), static_cast<size_t>(einde() - curent - stap()));
+    memset(op(einde() - stap()), 0, static_cast<size_t>(stap()));
     aantal()--;
     wrix(curblock);
     if (!laatste)
         return;
-    int over = aantal();
     curblock = parent[niveau()];
-    if (over == 0)
+    if (aantal() == 0)
         return delentry();
     uint8_t nieuw[64];
-    memcpy(nieuw, &node[static_cast<size_t>(5 + (over - 1) * stap())], def().keylen);
+    memcpy(nieuw, op(einde() - stap()), def().keylen);
     setsep(nieuw);
 }
 
 void Model::setsep(const uint8_t* nieuw) {
     rdix(curblock);
     lockey();
-    memcpy(&node[static_cast<size_t>(curent)], nieuw, def().keylen);
+    memcpy(op(curent), nieuw, def().keylen);
     wrix(curblock);
-    if (curent + stap() == 5 + aantal() * stap()) {
-        curblock = parent[niveau()];
-        setsep(nieuw);
-    }
+    if (curent + stap() != einde())
+        return;
+    curblock = parent[niveau()];
+    setsep(nieuw);
+}
+
+void Model::sleutel_in(int k, const uint8_t* rec) {
+    kies(k);
+    bouw(rec);
+    zoek_gelijk();
+    insptr = currec;
+    inskey();
+}
+
+void Model::sleutel_uit(int k, const uint8_t* rec) {
+    kies(k);
+    bouw(rec);
+    zoek_gelijk();
+    delentry();
 }
 
 int32_t Model::zoek(const uint8_t* rec) {
@@ -266,53 +266,39 @@ int32_t Model::zoek(const uint8_t* rec) {
 
 void Model::schrijf(const uint8_t* rec) {
     const size_t n = static_cast<size_t>(h.reclen);
+    auto slot = [&] { return &data[static_cast<size_t>(currec) * n]; };
     if (zoek(rec) >= 0) {
-        std::vector<uint8_t> oud(data.begin() + currec * h.reclen, data.begin() + (currec + 1) * h.reclen);
         for (int k = 1; k <= h.nkeys; k++) {
-            kies(k);
             uint8_t nieuw[64];
+            kies(k);
             bouw(rec);
             memcpy(nieuw, keybuf, sizeof nieuw);
-            bouw(oud.data());
+            bouw(slot());
             if (comp(nieuw, keybuf, def().keylen) == 0)
                 continue;
-            zoek_gelijk();
-            delentry();
-            bouw(rec);
-            zoek_gelijk();
-            insptr = currec;
-            inskey();
+            sleutel_uit(k, slot());
+            sleutel_in(k, rec);
         }
-        memcpy(&data[static_cast<size_t>(currec) * n], rec, n);
-        return;
-    }
-    if (h.freehead != -1) {
-        currec = h.freehead;
-        memcpy(&h.freehead, &data[static_cast<size_t>(currec) * n + 1], 4);
     } else {
-        currec = h.nrecs++;
-        data.resize(data.size() + n);
+        if (h.freehead != -1) {
+            currec = h.freehead;
+            memcpy(&h.freehead, slot() + 1, 4);
+        } else {
+            currec = h.nrecs++;
+            data.resize(data.size() + n);
+        }
+        for (int k = 1; k <= h.nkeys; k++)
+            sleutel_in(k, rec);
     }
-    for (int k = 1; k <= h.nkeys; k++) {
-        kies(k);
-        bouw(rec);
-        zoek_gelijk();
-        insptr = currec;
-        inskey();
-    }
-    memcpy(&data[static_cast<size_t>(currec) * n], rec, n);
+    memcpy(slot(), rec, n);
 }
 
 void Model::wis(const uint8_t* rec) {
-    for (int k = h.nkeys; k >= 1; k--) {
-        kies(k);
-        bouw(rec);
-        zoek_gelijk();
-        delentry();
-    }
+    for (int k = h.nkeys; k >= 1; k--)
+        sleutel_uit(k, rec);
     uint8_t* p = &data[static_cast<size_t>(currec) * static_cast<size_t>(h.reclen)];
     memset(p, 0xFF, static_cast<size_t>(h.reclen));
-    memcpy(p + 1, &h.freehead, 4);
+    zet32(p + 1, h.freehead);
     h.freehead = currec;
 }
 
@@ -327,9 +313,8 @@ std::string Model::verschil(const std::string& naam) const {
         return "the headers differ";
     for (size_t b = 1; b < blok.size(); b++)
         if (memcmp(index.data() + b * IXBLOK, blok[b].data(), IXBLOK) != 0)
-            return "block " + std::to_string(b) + "\n is " +
-                   hex(reinterpret_cast<const uint8_t*>(index.data()) + b * IXBLOK) + "\n not " +
-                   hex(blok[b].data());
+            return "block " + std::to_string(b) + " is " +
+                   testing::PrintToString(index.substr(b * IXBLOK, IXBLOK));
     return "";
 }
 

@@ -21,7 +21,7 @@ struct Model {
     void schrijf(const uint8_t* rec);     // insert, or update when key 1 exists
     void wis(const uint8_t* rec);         // currec must be the record
     int32_t zoek(const uint8_t* rec);     // by key 1; sets currec
-    // First block that differs from the index file, with both in hex; "" when the files are the same.
+    // First block that differs from the index file; "" when the files are the same.
     std::string verschil(const std::string& naam) const;
 
 private:
@@ -35,6 +35,9 @@ private:
     int stap() const { return def().keylen + 4; }
     int niveau() const { return node[1]; }
     uint8_t& aantal() { return node[4]; }
+    uint8_t* op(int plaats) { return node.data() + plaats; }
+    const uint8_t* op(int plaats) const { return node.data() + plaats; }
+    int einde() { return 5 + aantal() * stap(); }
     int comp(const uint8_t* a, const uint8_t* b, int lengte) const;
     void bouw(const uint8_t* rec);
     void rdix(int32_t b);
@@ -47,6 +50,8 @@ private:
     void split();
     void delentry();
     void setsep(const uint8_t* nieuw);
+    void sleutel_in(int k, const uint8_t* rec);
+    void sleutel_uit(int k, const uint8_t* rec);
 };
 
 } // namespace zg::test
