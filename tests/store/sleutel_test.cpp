@@ -19,56 +19,39 @@ struct Losse { // a handle with definitions, no more
 TEST(Sleutel, Definities) {
     struct {
         int nummer;
-        const char* tekst;
-        int keylen, maxent;
-        char dup;
-        string naam, delen; // parts as type, first, last
+        const char *tekst, *uit; // name, flag, length and entries; parts as type, first, last
     } gevallen[] = {
-        {1, "key1,NODUPS,C,5,14,I,1,4", 14, 28, 'N', "key1", "C5-14 I1-4"},
-        {1, "code-cap,I,1,2,I,3,3,I,4,4", 4, 63, 'N', "code-cap",
-         "I1-2 I3-3 I4-4"}, // key 1 never has duplicates
-        {2, "name,C,5,16", 16, 25, 'J', "name", "C5-16"},
-        {2, "cd-name,I,1,2,C,45,64", 26, 16, 'J', "cd-name", "I1-2 C45-64"},
-        {2, "  spaced , NODUPS , I , 5 , 6 ", 2, 84, 'N', "spaced", "I5-6"},
-        {2, "I,5,6,I,4,4,longer than eight,NODUPS", 3, 72, 'N', "longer t", "I5-6 I4-4"},
-        {2, "nodups,I,1,1", 5, 56, 'J', "nodups", "I1-1"},
-        {2, "NODUPS,C,1,60", 60, 7, 'N', "", "C1-60"},
-        {2, "C,1,56", 60, 7, 'J', "", "C1-56"},
+        {1, "key1,NODUPS,C,5,14,I,1,4", "key1 N 14 28 C5-14 I1-4"},
+        {1, "code-cap,I,1,2,I,3,3,I,4,4", "code-cap N 4 63 I1-2 I3-3 I4-4"}, // key 1 never has duplicates
+        {2, "name,C,5,16", "name J 16 25 C5-16"},
+        {2, "cd-name,I,1,2,C,45,64", "cd-name J 26 16 I1-2 C45-64"},
+        {2, "  spaced , NODUPS , I , 5 , 6 ", "spaced N 2 84 I5-6"},
+        {2, "I,5,6,I,4,4,longer than eight,NODUPS", "longer t N 3 72 I5-6 I4-4"},
+        {2, "nodups,I,1,1", "nodups J 5 56 I1-1"},
+        {2, "NODUPS,C,1,60", " N 60 7 C1-60"},
+        {2, "C,1,56", " J 60 7 C1-56"},
         // The eleventh part has no room; what follows it still counts.
-        {2, "k,I,1,1,I,2,2,I,3,3,I,4,4,I,5,5,I,6,6,I,7,7,I,8,8,I,9,9,I,10,10,I,11,11,NODUPS", 10, 36, 'N',
-         "k", "I1-1 I2-2 I3-3 I4-4 I5-5 I6-6 I7-7 I8-8 I9-9 I10-10"},
+        {2, "k,I,1,1,I,2,2,I,3,3,I,4,4,I,5,5,I,6,6,I,7,7,I,8,8,I,9,9,I,10,10,I,11,11,NODUPS",
+         "k N 10 36 I1-1 I2-2 I3-3 I4-4 I5-5 I6-6 I7-7 I8-8 I9-9 I10-10"},
     };
     for (auto& g : gevallen) {
-        Losse l({80, {"k,I,1,1"}});
-        IXUPDFCB(l.icb, g.nummer, g.tekst);
-        const IXKEYDEF& d = l.icb->h.keydef[g.nummer - 1];
-        string delen;
+        ICB icb{};
+        IXUPDFCB(&icb, g.nummer, g.tekst);
+        const IXKEYDEF& d = icb.h.keydef[g.nummer - 1];
+        string uit = string(d.keyname, strnlen(d.keyname, 8)) + " " + d.dupflag + " " +
+                     std::to_string(d.keylen) + " " + std::to_string(d.maxent);
         for (int i = 0; i < IXDELEN && d.ptype[i]; i++)
-            delen += (i ? " " : "") + string(1, d.ptype[i]) + std::to_string(d.pstart[i]) + "-" +
-                     std::to_string(d.pend[i]);
-        EXPECT_EQ(g.keylen, d.keylen) << g.tekst;
-        EXPECT_EQ(g.maxent, d.maxent) << g.tekst;
-        EXPECT_EQ(g.dup, d.dupflag) << g.tekst;
-        EXPECT_EQ(g.naam, string(d.keyname, strnlen(d.keyname, 8)) == "k"
-                              ? "k"
-                              : string(d.keyname, strnlen(d.keyname, 8)))
-            << g.tekst;
-        EXPECT_EQ(g.delen, delen) << g.tekst;
-        EXPECT_EQ(g.nummer, IXSLEUTEL(l.icb));
-        EXPECT_EQ(g.nummer, l.icb->h.nkeys);
-        l.icb->h.nkeys = 1; // the pair itself has one
+            uit += string(" ") + d.ptype[i] + std::to_string(d.pstart[i]) + "-" + std::to_string(d.pend[i]);
+        EXPECT_EQ(g.uit, uit) << g.tekst;
+        EXPECT_EQ(g.nummer, IXSLEUTEL(&icb));
+        EXPECT_EQ(g.nummer, icb.h.nkeys);
     }
-}
-
-TEST(Sleutel, TitelEnLengte) {
-    Losse l({80, {"k,I,1,1"}});
-    IXUPDFCB(l.icb, 0, "TR_PTR_general_longer_than_19,16");
-    EXPECT_EQ("TR_PTR_general_long", string(l.icb->h.title, 19));
-    EXPECT_EQ(16, l.icb->h.reclen);
-    IXUPDFCB(l.icb, 0, ",0"); // empty and 0 change nothing
-    EXPECT_EQ("TR_PTR_general_long", string(l.icb->h.title, 19));
-    EXPECT_EQ(16, l.icb->h.reclen);
-    IXUPDFCB(l.icb, 0, "x,80");
+    ICB icb{};
+    for (const char* tekst : {"TR_PTR_general_longer_than_19,16", ",0"}) { // empty and 0 change nothing
+        IXUPDFCB(&icb, 0, tekst);
+        EXPECT_EQ("TR_PTR_general_long", string(icb.h.title, 19));
+        EXPECT_EQ(16, icb.h.reclen);
+    }
 }
 
 TEST(Sleutel, GeweigerdeDefinities) {
@@ -76,23 +59,19 @@ TEST(Sleutel, GeweigerdeDefinities) {
         int nummer;
         const char* tekst;
     } gevallen[] = {
-        {1, "k,C,1,61"},                    // passes 60 bytes
-        {2, "k,C,1,57"},                    // with the record number
-        {2, "k,C,1,40,C,1,40"},             // in two parts
-        {2, "k,NODUPS"},                    // no part
-        {2, "k,C,0,5"},         {2, "k,C"}, // before the record
-        {2, "k,C,9,8"},         {2, "k,C,1,256"}, {6, "k,C,1,2"}, {0, "t,513"},
+        {1, "k,C,1,61"}, {2, "k,C,1,57"},  {2, "k,C,1,40,C,1,40"}, // pass 60 bytes, with the record number too
+        {2, "k,NODUPS"}, {2, "k,C"},       {2, "k,C,0,5"},         // no part, before the record
+        {2, "k,C,9,8"},  {2, "k,C,1,256"}, {6, "k,C,1,2"},         {0, "t,513"},
     };
-    Losse l({512, {"k,I,1,1"}});
     for (auto& g : gevallen)
-        EXPECT_NE("", stopt([&] { IXUPDFCB(l.icb, g.nummer, g.tekst); })) << g.tekst;
+        EXPECT_NE("", stopt([&] {
+                      ICB icb{};
+                      IXUPDFCB(&icb, g.nummer, g.tekst);
+                  }))
+            << g.tekst;
     // A part behind the record is seen when the index is made.
-    EXPECT_NE("", stopt([&] {
-                  ICB* icb = IXCREATE("U", 1);
-                  IXUPDFCB(icb, 0, "t,8");
-                  IXUPDFCB(icb, 1, "k,C,5,9");
-                  IXINIT(icb);
-              }));
+    TijdelijkeMap map;
+    EXPECT_NE("", stopt([] { maak_paar("U", {8, {"k,C,5,9"}}); }));
 }
 
 TEST(Sleutel, Bytes) {
