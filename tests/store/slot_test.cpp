@@ -9,41 +9,34 @@
 namespace zg::test {
 namespace {
 
-// Commands: open MODE | read N | readl N | write N | unlock N | delete N | lock N | held START LENGTH (index, data)
+// Commands: open MODE | close | lock N | test FILE START LENGTH (0 index, 1 data) | read, readl, unlock, delete N |
+// write N BYTE
 struct Gebruiker {
     ICB* icb = nullptr;
     char r[40] = {};
     std::string operator()(const std::string& opdracht) {
         char wat[16] = "";
-        long a = 0, b = 0, c = 0;
-        sscanf(opdracht.c_str(), "%15s %ld %ld %ld", wat, &a, &b, &c);
-        std::string w = wat;
-        if (w == "open") {
-            icb = IXOPEN("T", static_cast<int>(a));
-            return "ok";
-        }
+        int a = 0, b = 0, c = 0;
+        sscanf(opdracht.c_str(), "%15s %d %d %d", wat, &a, &b, &c);
+        const std::string w = wat;
+        if (w == "open")
+            return icb = IXOPEN("T", a), "ok";
         if (w == "close")
             return IXCLOSE(icb), "ok";
         if (w == "lock")
-            return IXLOCK(icb, static_cast<int>(a)) ? "1" : "0";
+            return IXLOCK(icb, a) ? "1" : "0";
         if (w == "test") // is this range free for a write lock?
             return IOLOCK('T', a ? icb->datfd : icb->idxfd, b, c) ? "free" : "held";
         if (w != "write" && w != "delete")
             memset(r, 0, sizeof r);
-        ZET32(r, static_cast<int32_t>(a));
-        if (w == "read")
-            return IXREAD(icb, r) ? "1" : "0";
-        if (w == "readl")
-            return IXREADL(icb, r) ? "1" : "0";
-        if (w == "write") {
+        ZET32(r, a);
+        if (w == "write")
             r[39] = static_cast<char>(b);
-            return IXWRITE(icb, r) ? "1" : "0";
-        }
-        if (w == "unlock")
+        else if (w == "unlock")
             return IXUNLOCK(icb, r), "ok";
-        if (w == "delete")
+        else if (w == "delete")
             return IXDELETE(icb, r), "ok";
-        return "?";
+        return (w == "write" ? IXWRITE(icb, r) : w == "readl" ? IXREADL(icb, r) : IXREAD(icb, r)) ? "1" : "0";
     }
 };
 

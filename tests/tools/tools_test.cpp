@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <random>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -216,56 +217,48 @@ TEST_F(Tools, CopyInUseIsWhole) {
 TEST_F(Tools, LongJobsShowABarOnATerminalOnly) {
     maak(SOORTEN[3], 2000);
     EXPECT_EQ(sh("ixdump -o uit VIJF").status, 0);
-    const struct {
-        const char* opdracht;
-        std::vector<const char*> titels;
-    } gevallen[] = {
-        {"ixcheck VIJF", {"check VIJF"}},
-        {"ixremake VIJF", {"rebuild VIJF", "check VIJF"}},
-        {"ixdump -o uit2 VIJF", {"dump VIJF"}},
-        {"ixload -i uit -r WEER", {"load WEER", "rebuild WEER", "check WEER"}},
-        {"ixcopy -r VIJF KOPIE", {"copy VIJF", "check KOPIE"}},
-    };
-    for (const auto& g : gevallen) {
-        const std::string opdracht = g.opdracht;
+    for (const auto& [opdracht, titels] : std::map<std::string, std::vector<std::string>>{
+             {"ixcheck VIJF", {"check VIJF"}},
+             {"ixremake VIJF", {"rebuild VIJF", "check VIJF"}},
+             {"ixdump -o uit2 VIJF", {"dump VIJF"}},
+             {"ixload -i uit -r WEER", {"load WEER", "rebuild WEER", "check WEER"}},
+             {"ixcopy -r VIJF KOPIE", {"copy VIJF", "check KOPIE"}},
+         }) {
         Uit met = sh("script -qec '" + opdracht + "' /dev/null"), zonder = sh(opdracht);
         EXPECT_EQ(met.status, 0) << met.tekst;
         EXPECT_EQ(zonder.tekst.find("%"), std::string::npos) << zonder.tekst;
-        for (const char* titel : g.titels)
-            EXPECT_NE(met.tekst.find("\r" + std::string(titel)), std::string::npos)
-                << titel << ": " << met.tekst;
+        for (const std::string& titel : titels)
+            EXPECT_NE(met.tekst.find("\r" + titel), std::string::npos) << titel << ": " << met.tekst;
         EXPECT_NE(met.tekst.find("%\r\033[K"), std::string::npos) << "the bar is wiped at the end";
     }
 }
 
 TEST_F(Tools, ScriptedOperations) {
-    schrijf_bestand("script", "create T 40 k,NODUPS,I,1,2 n,C,3,12\n"
-                              "write @0=1 @2=Noord\n"
-                              "write @0=2 @2=\"Z\xC3\xBC"
-                              "id 2\"\n"
-                              "key 2\nfirst\nnext\nnext   # none left\n"
-                              "key 1\nread clear @0=2\ndelete\nread @0=2\n"
-                              "dans\nread @9=1\nclose\ncheck T\ndeepcheck T\nquit\n");
+    const char* gesprek[][2] = {
+        {"create T 40 k,NODUPS,I,1,2 n,C,3,12", "1 keys=2 reclen=40 records=0"},
+        {"write @0=1 @2=Noord", "1 rec=0"},
+        {"write @0=2 @2=\"Z\xC3\xBC\x69\x64 2\"", "1 rec=1"},
+        {"key 2", "2 rec=1"},
+        {"first", "1 rec=0 @0=1 @2=Noord"},
+        {"next", "1 rec=1 @0=2 @2=\"Z\xC3\xBC\x69\x64 2\""},
+        {"next   # none left", "0 rec=-1 @0=2 @2=\"Z\xC3\xBC\x69\x64 2\""},
+        {"key 1", "1 rec=-1"},
+        {"read clear @0=2", "1 rec=1 @0=2 @2=\"Z\xC3\xBC\x69\x64 2\""},
+        {"delete", "0 rec=1"},
+        {"read @0=2", "0 rec=-1 @0=2 @2=\"Z\xC3\xBC\x69\x64 2\""},
+        {"dans", "? no such operation: dans ('help' lists them)"},
+        {"read @9=1", "? no such field: @9=1"},
+        {"close", "1 rec=-1"},
+        {"check T", "1"},
+        {"deepcheck T", "0"},
+    };
+    std::string script, verwacht;
+    for (auto [vraag, antwoord] : gesprek) {
+        script += std::string(vraag) + "\n";
+        verwacht += std::string(antwoord) + "\n";
+    }
+    schrijf_bestand("script", script + "quit\n");
     Uit u = sh("ixsh < script");
     EXPECT_EQ(u.status, 1) << "two lines were wrong";
-    const char* verwacht = "1 keys=2 reclen=40 records=0\n"
-                           "1 rec=0\n"
-                           "1 rec=1\n"
-                           "2 rec=1\n"
-                           "1 rec=0 @0=1 @2=Noord\n"
-                           "1 rec=1 @0=2 @2=\"Z\xC3\xBC"
-                           "id 2\"\n"
-                           "0 rec=-1 @0=2 @2=\"Z\xC3\xBC"
-                           "id 2\"\n"
-                           "1 rec=-1\n"
-                           "1 rec=1 @0=2 @2=\"Z\xC3\xBC"
-                           "id 2\"\n"
-                           "0 rec=1\n"
-                           "0 rec=-1 @0=2 @2=\"Z\xC3\xBC"
-                           "id 2\"\n"
-                           "? no such operation: dans ('help' lists them)\n"
-                           "? no such field: @9=1\n"
-                           "1 rec=-1\n"
-                           "1\n0\n";
     EXPECT_EQ(u.tekst, verwacht);
 }
