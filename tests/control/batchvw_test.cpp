@@ -1,53 +1,25 @@
 // Exclusion of users and batch runs, by real processes on real locks.
 #include "control/batchvw.h"
-#include "shared/files.h"
-#include "shared/iotab.h"
 #include "support/proces.h"
-#include "support/terminal.h"
+#include "support/systeem.h"
 #include "term/scherm.h"
-#include "term/vast.h"
-#include <cstring>
-#include <fcntl.h>
-#include <gtest/gtest.h>
 
 namespace zg {
 namespace {
 
 using test::Agent;
-using test::in_proces;
 using test::Terminal;
 
-void open_tabellen() {
-    int32_t nr = 0;
-    iotab('C', &nr, nullptr, SYS_RECORD);
-    iotab('O', &nr, nullptr, SYS_RECORD);
-}
-
-struct Batch : testing::Test {
-    test::TijdelijkeMap map;
+struct Batch : test::Systeem {
     Batch() {
-        test::schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
-        open_tabellen();
-        for (auto [slot, naam, tty] : {std::tuple{4, "Joke", "03"}, {9, "Pieter", ""}}) {
-            gebruikerslot g{};
-            char s[32];
-            snprintf(s, sizeof s, "%s", naam);
-            SCRAMBLE(s);
-            VASTIN(g.username, s);
-            VASTIN(g.usertty, tty);
-            int32_t nr = slot;
-            iotab('W', &nr, &g, SYS_GEBRUIKER);
-        }
+        gebruiker_in(4, "Joke", "03");
+        gebruiker_in(9, "Pieter", "");
     }
-    ~Batch() override {
-        int32_t nr = 0;
-        iotab('C', &nr, nullptr, SYS_RECORD);
-        sessie = 0;
-    }
+    ~Batch() override { sessie = 0; }
     // Another program: user `slot` (99 the batch user) with a claim on group 5.
     static auto als(int32_t slot, bool groep) {
         return [=] {
-            open_tabellen();
+            open();
             sessie = slot;
             return groep ? batch_claim(BATCH_ORDERS) : user_claim(BATCH_ORDERS, false);
         };
@@ -55,7 +27,7 @@ struct Batch : testing::Test {
     // A program on a terminal that claims, and answers with the result as its status.
     static auto op_scherm(int32_t slot, bool groep, bool vragen = true) {
         return [=] {
-            open_tabellen();
+            open();
             SCRINIT();
             sessie = slot;
             bool ok = groep ? batch_claim(BATCH_ORDERS) : user_claim(BATCH_ORDERS, vragen);
@@ -70,7 +42,7 @@ TEST_F(Batch, UsersSideBySide) {
     EXPECT_TRUE(joke.ok() && pieter.ok());
     EXPECT_FALSE(Agent(als(99, true)).ok()) << "an unattended run doesn't wait";
     EXPECT_TRUE(Agent([] {
-                    open_tabellen();
+                    open();
                     return IOLOCK('E', iotab_fd(), 40085 + 4 * 99, 99) == 1 && // the groups beside it
                            IOLOCK('E', iotab_fd(), 40085 + 6 * 99, 99) == 1 &&
                            IOLOCK('T', iotab_fd(), 40085 + 5 * 99 + 3, 1) == 0 &&
@@ -92,7 +64,7 @@ TEST_F(Batch, GivenBack) {
     EXPECT_TRUE(batch_claim(BATCH_KASSA) && batch_claim(BATCH_ORDERS))
         << "another group, and one's own again";
     EXPECT_TRUE(Agent([] {
-                    open_tabellen();
+                    open();
                     return !IOLOCK('S', iotab_fd(), 40085 + 5 * 99 + 98, 1);
                 }).ok());
     batch_vrij(BATCH_ORDERS);
@@ -145,52 +117,27 @@ TEST_F(Batch, RunNamesOrCountsTheUsers) {
 }
 
 TEST_F(Batch, Faults) {
-    struct {
-        std::function<void()> doe;
-        const char* tekst;
-    } const rijen[] = {
-        {[] { batch_claim(16); }, "batchvw: errno=1"},
-        {[] { user_claim(16, false); }, "batchvw: errno=2"},
-        {[] { user_claim(-1, false); }, "batchvw: errno=2"},
-        {[] {
-             int32_t nr = 0;
-             iotab('C', &nr, nullptr, SYS_RECORD);
-             user_claim(5, false);
-         },
-         "batchvw: errno=3"},
-        {[] {
-             sessie = 0;
-             user_claim(5, false);
-         },
-         "batchvw: errno=2"},
-        {[] {
-             sessie = BATCHGEBRUIKER;
-             BATCHTERUG = [] {
-                 printf("back to the menu");
-                 fflush(stdout);
-                 _exit(1);
-             };
-             batch_claim(16);
-         },
-         "back to the menu"},
-    };
     sessie = 4;
-    for (const auto& r : rijen) {
-        auto afloop = in_proces([&] {
-            r.doe();
-            return 0;
-        });
-        EXPECT_EQ(afloop.status, 1) << r.tekst;
-        EXPECT_NE(afloop.uitvoer.find(r.tekst), std::string::npos) << afloop.uitvoer;
-    }
+    test::verwacht_stop([] { batch_claim(16); }, "batchvw: errno=1");
+    test::verwacht_stop([] { user_claim(16, false); }, "batchvw: errno=2");
+    test::verwacht_stop([] { user_claim(-1, false); }, "batchvw: errno=2");
+    test::verwacht_stop([] { sluit(), user_claim(5, false); }, "batchvw: errno=3");
+    test::verwacht_stop([] { sessie = 0, user_claim(5, false); }, "batchvw: errno=2");
+    auto terug = [] {
+        sessie = BATCHGEBRUIKER;
+        BATCHTERUG = [] {
+            printf("back to the menu");
+            fflush(stdout);
+            _exit(1);
+        };
+        batch_claim(16);
+    };
+    test::verwacht_stop(terug, "back to the menu");
 }
 
 TEST_F(Batch, OrderNumbers) {
     EXPECT_EQ(order_nummer(), 1000);
-    systeller t{};
-    t.laatste = 9999998;
-    int32_t nr = 5;
-    iotab('W', &nr, &t, SYS_RECORD);
+    zet(5, systeller{9999998, {}}, SYS_RECORD);
     EXPECT_EQ(order_nummer(), 9999999);
     EXPECT_EQ(order_nummer(), 1000);
 }

@@ -1,14 +1,10 @@
 // Fixed tables, the lock primitive and the name of who holds a lock.
-#include "shared/files.h"
 #include "shared/houder.h"
-#include "shared/iotab.h"
 #include "support/proces.h"
-#include "support/terminal.h"
+#include "support/systeem.h"
 #include "term/scherm.h"
-#include "term/vast.h"
 #include <cstring>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <set>
 #include <sstream>
 #include <sys/wait.h>
@@ -18,29 +14,16 @@ namespace zg {
 namespace {
 
 using test::Agent;
-using test::in_proces;
 using test::lees_bestand;
 using test::schrijf_bestand;
 
 constexpr Systabel PROEF{1000, 5, 20};
 
-struct Tabellen : testing::Test {
-    test::TijdelijkeMap map;
-    Tabellen() { schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0')); }
-    ~Tabellen() override { sluit(); }
-    static void open() {
-        int32_t nr = 7;
-        ASSERT_EQ(iotab('O', &nr, nullptr, PROEF), 1);
-        EXPECT_EQ(nr, 1);
-    }
-    static void sluit() {
-        int32_t nr = 0;
-        iotab('C', &nr, nullptr, PROEF);
-    }
-    static void zet(int slot, const char* tekst, const Systabel& tabel = PROEF) {
-        char rec[512] = "";
-        snprintf(rec, sizeof rec, "%s", tekst);
-        EXPECT_EQ(iotab('W', &slot, rec, tabel), 1);
+struct Tabellen : test::Systeem {
+    static void tekst(int slot, const char* woord, const Systabel& tabel = PROEF) {
+        tekst20 rec{};
+        VASTIN(rec.tekst, woord);
+        zet(slot, rec, tabel);
     }
     // Slots met by a walk with one letter: "1a 3c", with the number at its end.
     static std::string loop(char letter, int32_t nr) {
@@ -50,24 +33,13 @@ struct Tabellen : testing::Test {
             uit += std::to_string(nr) + rec + " ";
         return uit + "(" + std::to_string(nr) + ")";
     }
-    static void gebruiker_in(int slot, const char* naam, const char* tty) {
-        gebruikerslot g{};
-        char s[sizeof g.username + 2];
-        snprintf(s, sizeof s, "%s", naam);
-        SCRAMBLE(s);
-        VASTIN(g.username, s);
-        VASTIN(g.usertty, tty);
-        int32_t nr = slot;
-        iotab('W', &nr, &g, SYS_GEBRUIKER);
-    }
 };
 
 TEST_F(Tabellen, Walks) {
-    open();
     EXPECT_EQ(loop('N', 0), "(6)");
     EXPECT_EQ(loop('P', 6), "(0)");
-    zet(1, "a");
-    zet(3, "c");
+    tekst(1, "a");
+    tekst(3, "c");
     EXPECT_EQ(loop('N', 0), "1a 3c (6)");
     EXPECT_EQ(loop('N', 1), "3c (6)");
     EXPECT_EQ(loop('P', 6), "3c 1a (0)");
@@ -86,9 +58,8 @@ TEST_F(Tabellen, Walks) {
 }
 
 TEST_F(Tabellen, OutsideTheTable) {
-    open();
     for (Systabel naast : {Systabel{980, 1, 20}, Systabel{1100, 1, 20}})
-        zet(1, "of another", naast);
+        tekst(1, "of another", naast);
     std::string voor = lees_bestand("DTSYS.TXT");
     for (int32_t slot : {INT32_MIN, -1, 0, 6, 7, INT32_MAX}) {
         char rec[20] = "x";
@@ -125,14 +96,10 @@ TEST_F(Tabellen, ShortFileReadsAsEmpty) {
 }
 
 TEST_F(Tabellen, Counter) {
-    open();
     EXPECT_EQ(iotab_teller(5, 9999999), 1000);
     EXPECT_EQ(iotab_teller(5, 9999999), 1001);
     for (int32_t staat : {-5, 9999999, INT32_MAX}) {
-        systeller t{};
-        t.laatste = staat;
-        int32_t nr = 5;
-        iotab('W', &nr, &t, SYS_RECORD);
+        zet(5, systeller{staat, {}}, SYS_RECORD);
         EXPECT_EQ(iotab_teller(5, 9999999), 1000) << staat;
     }
 }
@@ -141,7 +108,7 @@ TEST_F(Tabellen, Counter) {
 TEST_F(Tabellen, CounterOfTwo) {
     auto trek = [](const char* pad) {
         return [pad] {
-            Tabellen::open();
+            open();
             std::string alle;
             for (int i = 0; i < 200; i++)
                 alle += std::to_string(iotab_teller(5, 9999999)) + "\n";
@@ -149,7 +116,6 @@ TEST_F(Tabellen, CounterOfTwo) {
             return true;
         };
     };
-    sluit();
     pid_t pid = fork();
     if (pid == 0) {
         trek("een")();
@@ -167,10 +133,9 @@ TEST_F(Tabellen, CounterOfTwo) {
 }
 
 TEST_F(Tabellen, CodesBySet) {
-    open();
-    zet(23, "drie", SYS_SETCODE);
-    zet(20, "nul", SYS_SETCODE);
-    zet(31, "ander", SYS_SETCODE);
+    tekst(23, "drie", SYS_SETCODE);
+    tekst(20, "nul", SYS_SETCODE);
+    tekst(31, "ander", SYS_SETCODE);
     gebruiker.set = 2;
     tekst20 rec;
     struct {
@@ -187,7 +152,6 @@ TEST_F(Tabellen, CodesBySet) {
 }
 
 TEST_F(Tabellen, FourCodeTables) {
-    open();
     for (int soort = 1; soort <= 4; soort++) {
         tekst30 rec{};
         for (int32_t slot : {0, 1, 9}) {
@@ -209,19 +173,14 @@ TEST_F(Tabellen, FourCodeTables) {
 
 TEST_F(Tabellen, MissingFileStops) {
     IOUNLINK("DTSYS.TXT");
-    auto afloop = in_proces([] {
-        open();
-        return 0;
-    });
-    EXPECT_EQ(afloop.status, 1);
-    EXPECT_NE(afloop.uitvoer.find("DTSYS.TXT niet aanwezig in /"), std::string::npos) << afloop.uitvoer;
-    auto dicht = in_proces([] {
+    test::verwacht_stop([] { open(); }, "DTSYS.TXT niet aanwezig in /");
+    sluit();
+    auto lees = [] {
         char rec[20];
         int32_t nr = 1;
-        return iotab('R', &nr, rec, PROEF);
-    });
-    EXPECT_EQ(dicht.status, 1);
-    EXPECT_NE(dicht.uitvoer.find("iotab: errno=9 a=R fd=-1 o=1000"), std::string::npos) << dicht.uitvoer;
+        iotab('R', &nr, rec, PROEF);
+    };
+    test::verwacht_stop(lees, "iotab: errno=9 a=R fd=-1 o=1000");
 }
 
 // What each letter answers against what another process holds, and that a refused try leaves nothing behind.
@@ -269,7 +228,6 @@ TEST_F(Tabellen, LockPrimitive) {
 }
 
 TEST_F(Tabellen, HolderIsNamed) {
-    open();
     gebruiker_in(7, "Joke \x9B", "03");
     gebruiker_in(8, "Pieter", "");
     struct {
@@ -288,7 +246,6 @@ TEST_F(Tabellen, HolderIsNamed) {
     int fd = ::open("DATA", O_RDWR | O_CLOEXEC);
     for (const auto& r : rijen) {
         Agent agent([&] {
-            sluit(); // a descriptor from before the fork: open one of its own
             open();
             int32_t nr = r.slot;
             gebruikerslot g;
@@ -308,31 +265,23 @@ TEST_F(Tabellen, HolderIsNamed) {
 
 // 'X' waits for a held slot and has it once the holder is gone.
 TEST_F(Tabellen, WaitsForALockedSlot) {
-    open();
-    zet(3, "c");
-    sluit();
-    Agent houder([] {
-        sluit();
+    tekst(3, "c");
+    auto neem = [] {
         open();
         int32_t nr = 3;
         char rec[20];
         return iotab('X', &nr, rec, PROEF) == 1;
-    });
+    };
+    Agent houder(neem);
     ASSERT_TRUE(houder.ok());
-    open();
     int32_t nr = 3;
     char rec[20];
     EXPECT_EQ(iotab('T', &nr, rec, PROEF), 0);
     EXPECT_EQ(iotab('R', &nr, rec, PROEF), 1) << "looking needs no lock";
     test::Terminal wachter(
-        [] {
-            sluit();
+        [&] {
             SCRINIT();
-            int32_t slot = 1;
-            iotab('O', &slot, nullptr, PROEF);
-            slot = 3;
-            char r[20];
-            int gelezen = iotab('X', &slot, r, PROEF);
+            bool gelezen = neem();
             SCREXIT();
             return gelezen ? 0 : 1;
         },

@@ -1,22 +1,18 @@
 // Branches and their range text, the reader of master records, the sizes.
-#include "shared/files.h"
 #include "shared/filveld.h"
 #include "shared/iofil.h"
 #include "shared/iomaat.h"
-#include "shared/iotab.h"
 #include "shared/leesstam.h"
 #include "support/proces.h"
-#include "support/terminal.h"
-#include "term/vast.h"
+#include "support/systeem.h"
 #include <cstring>
-#include <gtest/gtest.h>
 
 namespace zg {
 namespace {
 
-using test::in_proces;
 using test::lees_bestand;
 using test::schrijf_bestand;
+using test::verwacht_stop;
 
 // An empty pair by its definition texts, open in mode 1.
 ICB* nieuw_paar(const char* naam, std::initializer_list<const char*> teksten, int mode = 1) {
@@ -109,18 +105,12 @@ TEST_F(Filialen, ShortFileAndFaults) {
     EXPECT_EQ(iofil_naam(2), "");
     EXPECT_EQ(iofil_naam(99), "");
     EXPECT_EQ(iofil('Z', 0, &rec), 0);
-    for (auto [letter, index, tekst] : {std::tuple{'R', 4, "iofil: errno=1"}, {'W', -1, "iofil: errno=1"}}) {
-        auto afloop = in_proces([&] { return iofil(letter, index, &rec); });
-        EXPECT_EQ(afloop.status, 1);
-        EXPECT_NE(afloop.uitvoer.find(tekst), std::string::npos) << afloop.uitvoer;
-    }
+    verwacht_stop([&] { iofil('R', 4, &rec); }, "iofil: errno=1");
+    verwacht_stop([&] { iofil('W', -1, &rec); }, "iofil: errno=1");
     iofil('C', 0, nullptr);
-    auto dicht = in_proces([&] { return iofil('R', 0, &rec); });
-    EXPECT_NE(dicht.uitvoer.find("iofil: errno=2"), std::string::npos) << dicht.uitvoer;
+    verwacht_stop([&] { iofil('R', 0, &rec); }, "iofil: errno=2");
     IOUNLINK("DTFILGEG.TXT");
-    auto weg = in_proces([&] { return iofil('O', 0, nullptr); });
-    EXPECT_NE(weg.uitvoer.find("iofil: Open niet gelukt (file=DTFILGEG.TXT, errno=2)"), std::string::npos)
-        << weg.uitvoer;
+    verwacht_stop([] { iofil('O', 0, nullptr); }, "iofil: Open niet gelukt (file=DTFILGEG.TXT, errno=2)");
 }
 
 TEST_F(Filialen, RangeText) {
@@ -194,8 +184,7 @@ TEST_F(Stam, ReadsOnlyWhenItMust) {
     EXPECT_EQ(leesart(icb, &rec, 0), 1);
     EXPECT_TRUE(VASTGELIJK(rec.omschrijving, "Anders")) << "code 0 always reads";
     IXCLOSE(icb);
-    auto afloop = in_proces([&] { return leesart(nullptr, &rec, 1); });
-    EXPECT_NE(afloop.uitvoer.find("leesstam: errno=1"), std::string::npos) << afloop.uitvoer;
+    verwacht_stop([&] { leesart(nullptr, &rec, 1); }, "leesstam: errno=1");
 }
 
 // Records of another length than the struct: read as far as they go, and never past the buffer.
@@ -257,32 +246,9 @@ TEST_F(Stam, EanCodes) {
     IXCLOSE(icb);
 }
 
-TEST_F(Stam, SystemTables) {
-    schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
-    int32_t nr = 0;
-    iotab('O', &nr, nullptr, SYS_KLEUR);
-    Slot<tekst20> blauw{35, {}}, rec{};
-    VASTIN(blauw.r.tekst, "Blauw");
-    iotab('W', &blauw, SYS_KLEUR);
-    EXPECT_EQ(leeskleur(&rec, 35), 1);
-    EXPECT_TRUE(VASTGELIJK(rec.r.tekst, "Blauw"));
-    EXPECT_EQ(leeskleur(&rec, 36), 0);
-    EXPECT_EQ(leeskleur(&rec, 36), 0) << "an unknown code stays unknown";
-    EXPECT_EQ(leeskleur(&rec, 1000), 0);
-    EXPECT_EQ(leesmaatsoort(&rec, 100), 0);
-    iotab('C', &nr, nullptr, SYS_KLEUR);
-}
-
-struct Maten : testing::Test {
-    test::TijdelijkeMap map;
+struct Maten : test::Systeem {
     Maten() {
-        schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
-        int32_t nr = 0;
-        iotab('O', &nr, nullptr, SYS_RECORD);
-        sysmaat sys{};
-        sys.mtcount = 4711;
-        nr = 8;
-        iotab('W', &nr, &sys, SYS_RECORD);
+        zet(8, sysmaat{{}, 4711, {}}, SYS_RECORD);
         firma.maatstelsel = 1;
         dtmaat = nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
         dtmtom = nieuw_paar("DTMTOM", {"maatomschr.,10", "k1,NODUPS,I,1,1,I,2,2,I,3,3"}, 2);
@@ -291,8 +257,6 @@ struct Maten : testing::Test {
         IXCLOSE(dtmaat);
         IXCLOSE(dtmtom);
         dtmaat = dtmtom = nullptr;
-        int32_t nr = 0;
-        iotab('C', &nr, nullptr, SYS_RECORD);
         firma = {};
     }
     static mtinfo info(int positie, const char* naam, int nummer = 0) {
@@ -476,35 +440,25 @@ TEST_F(Maten, GarbageRecords) {
     }
 }
 
+TEST_F(Maten, CodesOfTheTables) {
+    Slot<tekst20> rec{};
+    zet(35, tekst20{"Blauw"}, SYS_KLEUR);
+    EXPECT_EQ(leeskleur(&rec, 35), 1);
+    EXPECT_TRUE(VASTGELIJK(rec.r.tekst, "Blauw"));
+    EXPECT_EQ(leeskleur(&rec, 36), 0);
+    EXPECT_EQ(leeskleur(&rec, 36), 0) << "an unknown code stays unknown";
+    EXPECT_EQ(leeskleur(&rec, 1000), 0);
+    EXPECT_EQ(leesmaatsoort(&rec, 100), 0);
+}
+
 TEST_F(Maten, Faults) {
-    struct {
-        std::function<int()> doe;
-        const char* tekst;
-    } const rijen[] = {
-        {[] { return mtopen(0, 4, 0) == nullptr; }, "iomaat: errno=7"},
-        {[] { return mtopen(1, 0, 0) == nullptr; }, "iomaat: errno=7"},
-        {[] { return mtpos(nullptr, 1); }, "iomaat: errno=4"},
-        {[] {
-             dtmaat = nullptr;
-             return mtopen(1, 4, 0) == nullptr;
-         },
-         "iomaat: errno=5"},
-        {[] {
-             mtinfo i{};
-             return mtread(mtopen(1, 4, 0), 'X', &i, 2);
-         },
-         "mtread(X,2) aktie ongedefinieerd"},
-        {[] {
-             mtinfo i{};
-             return mtread(mtopen(1, 4, 0), 'F', &i, 5);
-         },
-         "mtread(F,5) keynr ongedefinieerd"},
-    };
-    for (const auto& r : rijen) {
-        auto afloop = in_proces(r.doe);
-        EXPECT_EQ(afloop.status, 1) << r.tekst;
-        EXPECT_NE(afloop.uitvoer.find(r.tekst), std::string::npos) << afloop.uitvoer;
-    }
+    mtinfo i{};
+    verwacht_stop([] { mtopen(0, 4, 0); }, "iomaat: errno=7");
+    verwacht_stop([] { mtopen(1, 0, 0); }, "iomaat: errno=7");
+    verwacht_stop([] { mtpos(nullptr, 1); }, "iomaat: errno=4");
+    verwacht_stop([] { dtmaat = nullptr, mtopen(1, 4, 0); }, "iomaat: errno=5");
+    verwacht_stop([&] { mtread(mtopen(1, 4, 0), 'X', &i, 2); }, "mtread(X,2) aktie ongedefinieerd");
+    verwacht_stop([&] { mtread(mtopen(1, 4, 0), 'F', &i, 5); }, "mtread(F,5) keynr ongedefinieerd");
 }
 
 } // namespace

@@ -49,6 +49,15 @@ Afloop in_proces(const std::function<int()>& doe, int ms) {
     return uit;
 }
 
+void verwacht_stop(const std::function<void()>& doe, const std::string& tekst) {
+    Afloop afloop = in_proces([&] {
+        doe();
+        return 0;
+    });
+    EXPECT_EQ(afloop.status, 1) << tekst;
+    EXPECT_NE(afloop.uitvoer.find(tekst), std::string::npos) << tekst << " in " << afloop.uitvoer;
+}
+
 Agent::Agent(const std::function<bool()>& doe) {
     int heen[2], terug[2];
     if (pipe2(heen, O_CLOEXEC) != 0 || pipe2(terug, O_CLOEXEC) != 0) {

@@ -15,6 +15,9 @@ struct Afloop {
 // `ms`.
 Afloop in_proces(const std::function<int()>& doe, int ms = 20000);
 
+// `doe` must stop the program: status 1 and a report that holds `tekst`.
+void verwacht_stop(const std::function<void()>& doe, const std::string& tekst);
+
 class Agent {
 public:
     // Returns when the child has done `doe`; ok() is its answer. The child then waits for the end of the

@@ -1,0 +1,52 @@
+// A temporary directory with an empty DTSYS.TXT that is open in this process, for all that stands on the fixed
+// tables.
+#pragma once
+#include "shared/files.h"
+#include "shared/iotab.h"
+#include "support/terminal.h"
+#include "term/vast.h"
+#include <gtest/gtest.h>
+
+namespace zg::test {
+
+struct Systeem : testing::Test {
+    TijdelijkeMap map;
+    Systeem() {
+        schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
+        open();
+    }
+    ~Systeem() override { sluit(); }
+    // Again, in a child: the descriptor from before the fork would drop and share locks.
+    static void open() {
+        sluit();
+        int32_t nr = 7;
+        iotab('O', &nr, nullptr, SYS_RECORD);
+        EXPECT_EQ(nr, 1);
+    }
+    static void sluit() {
+        int32_t nr = 0;
+        iotab('C', &nr, nullptr, SYS_RECORD);
+    }
+    template <class R> static void zet(int32_t slot, const R& rec, const Systabel& tabel) {
+        R kopie = rec;
+        EXPECT_EQ(iotab('W', &slot, &kopie, tabel), 1);
+    }
+    static void gebruiker_in(int32_t slot, const char* naam, const char* tty) {
+        gebruikerslot g{};
+        char s[sizeof g.username + 2];
+        snprintf(s, sizeof s, "%s", naam);
+        SCRAMBLE(s);
+        VASTIN(g.username, s);
+        VASTIN(g.usertty, tty);
+        zet(slot, g, SYS_GEBRUIKER);
+    }
+    static void valuta(int32_t slot, const char* code, int decimalen, const char* naam) {
+        valutarec v{};
+        VASTIN(v.code, code);
+        v.decimalen = static_cast<uint8_t>(decimalen);
+        VASTIN(v.naam, naam);
+        zet(slot, v, SYS_VALUTA);
+    }
+};
+
+} // namespace zg::test
