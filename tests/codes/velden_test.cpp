@@ -1,0 +1,136 @@
+// The fields of codes, currencies and rates on a terminal, and the list of seasons: typed, unknown, picked,
+// left alone.
+#include "codes/codeveld.h"
+#include "codes/seizoen.h"
+#include "codes/valveld.h"
+#include "price/ing_val.h"
+#include "support/systeem.h"
+#include "term/gesprek.h"
+#include "term/ingave.h"
+#include <sys/stat.h>
+
+namespace zg {
+namespace {
+
+using test::Gesprek;
+using test::vorm;
+
+struct Velden : test::Systeem {
+    Velden() {
+        VASTIN(instel15.valuta, "EUR");
+        valuta(1, "EUR", 2, "Euro");
+        valuta(2, "USD", 2, "Amerikaanse dollar");
+        valuta(7, "JPY", 0, "Japanse yen");
+        valuta_vergeet();
+        zet(1, tekst30{"Actiecode"}, SYS_ACTIE_KOP);
+        zet(2, tekst30{"Uitverkoop"}, SYS_ACTIE);
+        zet(5, tekst30{"Jubileum"}, SYS_ACTIE);
+    }
+    ~Velden() override { instel15 = {}; }
+};
+
+TEST_F(Velden, Currency) {
+    struct {
+        const char *begin, *toetsen, *uit; // code, changed, empty, key
+    } const rijen[] = {
+        {"USD", "<Enter>", "USD 0 0 10"},
+        {"USD", "jpy<Enter>", "JPY 1 0 10"},
+        {"USD", "jpy<Esc>", "USD 0 0 27"},
+        {"USD", "XXX<Enter>eur<Enter>", "EUR 1 0 10"}, // unknown: asked again
+        {"USD", "<F5><Down><Enter>", "JPY 1 0 10"},    // the list begins on the present code
+        {"", "<F5>usd<Enter><Enter>", "USD 1 0 10"},   // picked in an empty field: no longer empty
+        {"USD", "<F5>xxx<Enter><Esc><Enter>", "USD 0 0 10"},
+        {"", "<Enter>", " 0 8 10"},
+        {"USD", "<PgDn>", "USD 0 0 338"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(vorm("%s %s", r.begin, r.toetsen));
+        Gesprek t([&] {
+            char code[4] = "";
+            memcpy(code, r.begin, strlen(r.begin));
+            TOETSAAN(K_PGDN);
+            bool anders = valuta_veld(5, 10, "3c,U", code);
+            return vorm("%s %d %u %d", code, anders, SCHERM.vlag & V_LEEG, SCHERM.laatste);
+        });
+        t.toetsen(r.toetsen);
+        EXPECT_EQ(t.antwoord(), r.uit);
+    }
+}
+
+TEST_F(Velden, Rate) {
+    struct {
+        double begin;
+        const char *regel, *toetsen, *uit;
+    } const rijen[] = {
+        {1.25, "1.25000", "<Enter>", "1.25 0"},
+        {0.1341, "0.13410", "0,15<Enter>",
+         "0.15 1"}, // a unit of 10 is not used: none of what stood there stays
+        {0.0079, "7.90000__ (per 1000)", "8<Enter>", "0.008 1"},
+        {0.0079, "7.90000__ (per 1000)", "8<Esc>", "0.0079 0"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(vorm("%g %s", r.begin, r.toetsen));
+        Gesprek t([&] {
+            SCRPUT(A_WAARDE, 5, 1, "79.00000  (per 10000)");
+            double koers = r.begin;
+            bool anders = koers_veld(5, 1, "E", "JPY", &koers);
+            return vorm("%g %d", koers, anders);
+        });
+        std::string regel = t.regel(5);
+        EXPECT_EQ(regel.substr(0, regel.find_last_not_of('_') + 1), r.regel);
+        t.toetsen(r.toetsen);
+        EXPECT_EQ(t.antwoord(), r.uit);
+    }
+}
+
+TEST_F(Velden, Code) {
+    struct {
+        const char *toetsen, *uit;
+    } const rijen[] = {
+        {"5<Enter>", "5 1"},         {"<Enter>", "2 0"},
+        {"0<Enter>", "0 1"},         {"7<Enter>5<Enter>", "5 1"},
+        {"5<Esc>", "2 0"},           {"<F5><Down><Enter>", "5 1"},
+        {"<F5><Esc><Enter>", "2 0"}, {"<F5>7<Enter><Enter>", "2 0"},
+        {"<F5>5<Enter><F3>", "5 1"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.toetsen);
+        Gesprek t([] {
+            uint8_t code = 2;
+            bool anders = code_veld(5, 10, CODE_ACTIE, &code);
+            return vorm("%d %d", code, anders);
+        });
+        t.toetsen(r.toetsen);
+        EXPECT_EQ(t.antwoord(), r.uit);
+    }
+}
+
+TEST_F(Velden, Seasons) {
+    for (const char* seizoen : {"0000Z", "2015W", "2015Z", "2016Z", "1998K", "2016X", "20161"})
+        mkdir(seizoen, 0777);
+    struct {
+        const char *toetsen, *uit;
+    } const rijen[] = {
+        {"<Enter>", "2016Z 1"},
+        {"<Down><Enter>", "2015W 1"},
+        {"2015<Enter><Enter>", "2015W 1"},
+        {"15<Enter><Enter>", "2015W 1"},
+        {"99<Enter><Enter>", "1998K 1"},
+        {"1970<Enter><Enter>", "0000Z 1"},
+        {"<Esc>", "0007K 0"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.toetsen);
+        Gesprek t([] {
+            uint16_t jaar = 7;
+            char letter = 'K';
+            bool er = seizoen_kiezen(&jaar, &letter);
+            return seizoen_map(jaar, letter) + vorm(" %d", er);
+        });
+        t.toetsen(r.toetsen);
+        EXPECT_EQ(t.antwoord(), r.uit);
+    }
+}
+
+} // namespace
+} // namespace zg
