@@ -18,6 +18,7 @@ mkdir -p "$out.new"
 #   csr@    or a larger window stays with a scroll region of our size
 #   rep@    not every terminal that says it is an xterm can repeat
 #   ncv#2   underline on a colour terminal is a colour
+#   smkx    cursor keys only: in application mode many send function keys for - + * / of the numeric keypad
 # The size of vt terminals is switched by their own command; windows are as large as the user made them.
 entry() {
   capital=$(printf %s "$1" | sed 's/^./\U&/')
@@ -29,8 +30,12 @@ entry() {
   esac
   wide= back=
   case $1 in vt*0 | vt102) wide='\E[?3h' back='\E[?3l' ;; esac
+  case $(infocmp -1 "$2" | sed -n 's/^\tsmkx=//p') in
+    *'[?1h'*) keys='smkx=\E[?1h, rmkx=\E[?1l' ;;
+    *) keys='smkx@, rmkx@' ;;
+  esac
   # Control-X cancels, Control-] ends the program, Control-G helps; Esc, Control-\ and F1 do so as well
-  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G,"
+  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys,"
   cat <<END
 $capital|$1 with 25 lines of 80 columns,
 	lines#25, cols#80, is2=$init, rs2=$init, $common use=$2,
