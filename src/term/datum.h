@@ -5,15 +5,17 @@
 
 namespace zg {
 
+// 1 for a day of the calendar, else 0. The last two digits of the year tell whether it has a 29 February.
 int DATUMGELDIG(const char* tekst);
-uint16_t DATUMNR(const char* tekst);                // 0 when not valid; an 8-digit date beyond 2078 gives 0
+// 0 when not valid or not from 1900 to 2078; of two digits, below 51 is 20xx.
+uint16_t DATUMNR(const char* tekst);
 void DATUMTEKST(char* uit, uint16_t nr, bool eeuw); // 6 or 8 digits; blanks for 0. uit holds 9
 const char* DATUM6(uint16_t nr);                    // DDMMJJ; these three share one static buffer
 const char* DATUM8(uint16_t nr);                    // DD-MM-JJ
 const char* DATUM10(uint16_t nr);                   // DD-MM-JJJJ
 int32_t round(double waarde);                       // nearest integer, halves away from 0
-uint16_t VANDAAG();
-int32_t NUSECONDEN(); // since midnight, local time
-const char* TIJDTEKST(int32_t sec);
+uint16_t VANDAAG();                                 // local time
+int32_t NUSECONDEN();                               // since midnight, local time
+const char* TIJDTEKST(int32_t sec);                 // "hh:mm:ss" in a static buffer
 
 } // namespace zg

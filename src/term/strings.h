@@ -5,21 +5,31 @@
 
 namespace zg {
 
+// Delete n characters at pos, unless they are not all there; the freed tail becomes NUL.
 void WISTEKENS(char* s, int pos, int n);
+// Insert before pos (0 to the length; elsewhere nothing happens). s has room for it.
 void VOEGIN(char* s, char c, int pos);
 void VOEGTEKST(char* s, const char* t, int pos);
+// Index of the first one, -1 when there is none.
 int ZOEKTEKEN(char c, const char* s);
 int ZOEKTEKST(const char* t, const char* s);
+// Blanks off the end, off the front, off both.
 void RTRIM(char* s);
 void LTRIM(char* s);
 void TRIM(char* s);
+// Difference of the first unequal bytes (unsigned) in n, 0 when equal.
 int VERGELIJK(const void* a, const void* b, size_t n);
+// "\xx" with two hexadecimal digits becomes that byte; any other "\" stays.
 void HEXTEKST(char* s);
+// Zeroed memory of max bytes, or half, or a quarter ... but at least min. Its size; 0 and *p null when there is
+// none. The caller frees it.
 size_t ALLOCEER(void** p, size_t min, size_t max);
-// A number in a picture of "9Z* .,"; uit holds strlen(plaatje) + 2.
+// A number in a picture of "9Z* .,", its sign behind it; "*" all over when it doesn't fit. uit holds
+// strlen(plaatje) + 2.
 void PICTURE(const char* plaatje, double waarde, char* uit);
 
-// Format builders, one shared static buffer valid until the next call.
+// Builders of printf formats, in one static buffer valid until the next call. Width 0: the plain directive;
+// below 0: left aligned. TXTLINKS, TXTRECHTS and TXTLABEL also cut at the width, TXTLABEL adds ": ".
 const char* TXTC(int w);
 const char* TXTS(int w);
 const char* TXTD(int w);
@@ -33,7 +43,9 @@ const char* TXTRECHTS(int w);
 const char* TXTLABEL(int w);
 const char* TXTRUIMTE();
 const char* TXTDUBBELPUNT();
+// TXTRECHTS(w) between `voor` and `na` blanks.
 const char* TXTVELD(int voor, int w, int na);
+// n blanks.
 const char* TXTBLANCO(int n);
 
 } // namespace zg

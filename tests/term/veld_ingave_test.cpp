@@ -198,6 +198,7 @@ TEST(VeldIngave, Getallen) {
         {"2d", "5", "7<Enter>12", "<Enter>", "12", ANDERS, K_ENTER, "12", "12", "", 10, 20},
         weigert("2d", "5", "7<Enter>", "<7> Alleen 10 t/m 20 mogelijk", "7_", 10, 20),
         weigert("5.2f", "0", "1.5<Enter>", "<1.5> Alleen 2.00 t/m 3.50 mogelijk", nullptr, 2, 3.5),
+        weigert("4u", "0", "<F11>", "Ongeldige toets", "____"), // composes text only
         weigert("2u", "65535", "<Enter>", "<65535> Alleen 0 t/m 99 mogelijk", "65"),
         {"2u", "65535", "<End><Home><Back>99", "<Up>", "99", ANDERS, K_UP},
         {"4n", "0", "-128", "<Enter>", "-128", ANDERS, K_ENTER},
