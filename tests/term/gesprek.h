@@ -42,9 +42,12 @@ inline int gesprek(const std::function<std::string()>& kind) {
 
 class Gesprek : public Terminal {
 public:
-    explicit Gesprek(const std::function<std::string()>& kind, const Opties& o = {})
+    // Returns when the function waits for a key, or at once when it is one that doesn't.
+    explicit Gesprek(const std::function<std::string()>& kind, const Opties& o = {},
+                     bool wacht_op_toets = true)
         : Terminal([kind] { return gesprek(kind); }, o), lines_(o.rijen) {
-        kalm();
+        if (wacht_op_toets)
+            kalm();
     }
     // The answer, once the function is done; then the program ends well.
     std::string antwoord() {
@@ -68,6 +71,17 @@ inline std::function<int()> op_scherm(const std::function<void()>& werk) {
         SCREXIT();
         return 0;
     };
+}
+
+// One conversation for each row: the keys, and the answer.
+inline void gesprekken(const std::function<std::string()>& kind,
+                       std::initializer_list<std::pair<const char*, const char*>> rijen) {
+    for (auto [toetsen, uit] : rijen) {
+        SCOPED_TRACE(toetsen);
+        Gesprek t(kind);
+        t.toetsen(toetsen);
+        EXPECT_EQ(t.antwoord(), uit);
+    }
 }
 
 struct Doos {
