@@ -1,3 +1,4 @@
+// One-digit codes: field, list and text over a head slot and nine slots of DTSYS.TXT.
 #include "codes/codeveld.h"
 #include "codes/teksten.h"
 #include "shared/arraylijst.h"

@@ -1,3 +1,4 @@
+// Purchase seasons as directories of the data directory, and their pick list.
 #include "codes/seizoen.h"
 #include "codes/teksten.h"
 #include "shared/arraylijst.h"

@@ -1,3 +1,4 @@
+// The fields of currency code and rate.
 #include "codes/valveld.h"
 #include "codes/teksten.h"
 #include "price/ing_val.h"

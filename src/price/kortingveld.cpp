@@ -1,3 +1,4 @@
+// The discount field with its calculation window.
 #include "price/kortingveld.h"
 #include "price/teksten.h"
 #include "term/ingave.h"

@@ -1,3 +1,4 @@
+// Pick list over rows in memory: the callbacks of LIJST on one table, with a search field on the last row.
 #include "shared/arraylijst.h"
 #include "shared/report.h"
 #include "shared/teksten.h"

@@ -61,6 +61,22 @@ int lees_ean(ICB* icb, eanrec* rec, const std::string& code) {
     return lees(icb, rec, 1);
 }
 
+// The same question to a file that lacks the second key.
+int loop_eanmaat(ICB* icb, eanrec* rec) {
+    uint8_t buffer[IXRECMAX + 1] = {};
+    eanrec deze;
+    int antwoord;
+    for (int32_t nr = 0; (antwoord = IXGET(icb, buffer, nr)) >= 0; nr++) {
+        stam_uit(buffer, icb->h.reclen, &deze);
+        if (antwoord && deze.soort == rec->soort && deze.artikelgroep == rec->artikelgroep &&
+            deze.kleur == rec->kleur && deze.volgnummer == rec->volgnummer && deze.maat == rec->maat) {
+            *rec = deze;
+            return 1;
+        }
+    }
+    return 0;
+}
+
 // A pair opened for one read.
 struct Paar {
     explicit Paar(const char* naam) : icb(stam_aanwezig(naam) ? IXOPEN(naam, 0) : nullptr) {}
@@ -159,7 +175,7 @@ int leeseanmaat(ICB* icb, eanrec* rec, const seriesleutel& serie, uint8_t maat) 
     rec->kleur = serie.kleur;
     rec->volgnummer = serie.volgnummer;
     rec->maat = maat;
-    return lees(icb, rec, 2);
+    return icb->h.nkeys >= 2 ? lees(icb, rec, 2) : loop_eanmaat(icb, rec);
 }
 
 bool stam_aanwezig(const char* naam) {

@@ -31,6 +31,7 @@ void leesmaatx(mthandle** maten, uint8_t stelsel, uint8_t soort, const uint8_t* 
 
 // A code as text: cut to 13 characters, blanks trimmed; 13 digits with a leading 0 are tried without it, too.
 int leesean(ICB* icb, eanrec* rec, const char* tekst);
+// By series and size; a file without the key for it is walked.
 int leeseanmaat(ICB* icb, eanrec* rec, const seriesleutel& serie, uint8_t maat);
 
 // The file opened for this one read; 0 also when it can't be opened.

@@ -244,6 +244,15 @@ TEST_F(Stam, EanCodes) {
     EXPECT_EQ(leeseanmaat(icb, &uit, {1100, 4, 2}, 4), 0);
     EXPECT_EQ(IXSLEUTEL(icb), 1);
     IXCLOSE(icb);
+    icb = nieuw_paar("ALLEENK1", {"EAN-relaties,28", "k1,NODUPS,C,1,13"});
+    VASTIN(rec.code, "1"), rec.maat = 2;
+    schrijf(icb, rec);
+    VASTIN(rec.code, "2"), rec.maat = 3;
+    schrijf(icb, rec);
+    EXPECT_EQ(leeseanmaat(icb, &uit, {1100, 4, 2}, 3), 1) << "a file without the second key";
+    EXPECT_TRUE(VASTGELIJK(uit.code, "2"));
+    EXPECT_EQ(leeseanmaat(icb, &uit, {1100, 4, 2}, 4), 0);
+    IXCLOSE(icb);
 }
 
 struct Maten : test::Systeem {
