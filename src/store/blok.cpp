@@ -87,14 +87,16 @@ Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {
     }
     icb->curblock = blok;
     icb->curent = KNOOP(icb).entries;
-    int niveau = KNOOP(icb).level;
-    if (niveau == 0)
-        return L_GOED; // the lock queue has no place in a path
-    if (blok == KNOOP(icb).keyno)
+    IXPAD(icb);
+    return L_GOED;
+}
+
+void IXPAD(ICB* icb) {
+    const int niveau = KNOOP(icb).level;
+    if (niveau > 0 && icb->curblock == KNOOP(icb).keyno)
         icb->parent[niveau] = -1;
     if (niveau >= 2)
-        icb->parent[niveau - 1] = blok;
-    return L_GOED;
+        icb->parent[niveau - 1] = icb->curblock;
 }
 
 void IXEOFTOON(ICB* icb, int32_t blok) {

@@ -239,7 +239,9 @@ int32_t zoek(ICB* icb, char op, int lengte) {
     int nagezien = 0;
     for (int poging = 0; poging < POGINGEN; poging++) {
         bool wortel_in_hand = icb->mode == 1 && icb->curblock == sleutel && KNOOP(icb).count > 0;
-        if (!wortel_in_hand) {
+        if (wortel_in_hand)
+            IXPAD(icb); // the cache, when it was switched on, forgot it
+        else {
             Leesuitslag gelezen = IXLEESKNOOP(icb, sleutel);
             if (gelezen == L_EINDE && !ALLEEN(icb))
                 voorbij_einde(icb, sleutel);

@@ -20,10 +20,8 @@ void voer_in(ICB* icb, const void* rec) {
     IXBLDKEY(icb, rec, lengte);
     if (in_hand(icb, lengte))
         IXLOCKEY(icb, lengte);
-    else {
-        std::fill(std::begin(icb->parent), std::end(icb->parent), -1);
-        IXSEARCH(icb, '=', lengte);
-    }
+    else
+        IXSEARCH(icb, '=', lengte); // keeps the path itself, also from a root that is in hand already
     icb->insptr = icb->currec;
     IXINSKEY(icb);
 }

@@ -85,6 +85,7 @@ enum Leesuitslag { L_GOED, L_EINDE, L_FOUT };
 // Block above 0 into `node`, with path and `curblock`. When it does not answer L_GOED the node in hand is an
 // empty one of the same key.
 Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok);
+void IXPAD(ICB* icb); // the node in hand into the path: a root has no parent, and is that of a child
 void IXKIES(ICB* icb, int sleutel); // make current without reading: the node in hand is an empty root
 void IXEOFTOON(ICB* icb, int32_t blok);
 
