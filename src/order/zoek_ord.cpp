@@ -16,6 +16,7 @@
 #include <cstring>
 #include <numeric>
 #include <string>
+#include <vector>
 
 namespace zg {
 namespace {
@@ -23,16 +24,47 @@ namespace {
 constexpr uint16_t VLAG_LEV_ORDERNR = 4; // of the firm's flags word
 bool nieuw_hint;                         // of the next list
 
+// One order of the list, sortable: the complements make the latest date, number and place sort first.
+struct Rij {
+    uint16_t datum;       // 100000 - orderdatum, 16 bits
+    uint32_t ordernummer; // 100000 - ordernummer
+    char lev_ordernr[35]; // only where the firm uses it
+    uint32_t plaats;      // 100000000 - offset in the journal
+};
+
+Rij rij_maak(const ordkop& van, int32_t offset, bool met_lev_ordernr) {
+    Rij rij{};
+    rij.datum = static_cast<uint16_t>(100000 - van.orderdatum);
+    rij.ordernummer = 100000u - static_cast<uint32_t>(van.ordernummer);
+    if (met_lev_ordernr)
+        memcpy(rij.lev_ordernr, van.lev_ordernr, sizeof rij.lev_ordernr);
+    rij.plaats = 100000000u - static_cast<uint32_t>(offset);
+    return rij;
+}
+
+// Order of two rows under key 1 date, 2 order number, 3 supplier's number: below 0, 0, above 0.
+int rij_vergelijk(const Rij& a, const Rij& b, int sleutel) {
+    auto richting = [](auto x, auto y) { return x < y ? -1 : x > y ? 1 : 0; };
+    int v = 0;
+    if (sleutel == 1)
+        v = richting(a.datum, b.datum);
+    if (sleutel == 3)
+        v = IXCOLLATE(a.lev_ordernr, b.lev_ordernr, static_cast<int>(sizeof a.lev_ordernr));
+    if (v == 0)
+        v = richting(a.ordernummer, b.ordernummer);
+    return v != 0 ? v : richting(a.plaats, b.plaats);
+}
+
 // The list that runs.
 struct Zoeklijst {
     ordhandle* h;
     LIJST* lijst;
     bool lev_ordernr, nieuw;
     int sleutels, sleutel;
-    std::vector<orderrij> rijen;
+    std::vector<Rij> rijen;
     std::vector<uint32_t> volgorde[3]; // per key: row numbers in order
 
-    const orderrij& rij(uint32_t positie) const { return rijen[volgorde[sleutel - 1][positie]]; }
+    const Rij& rij(uint32_t positie) const { return rijen[volgorde[sleutel - 1][positie]]; }
     int32_t offset(uint32_t positie) const { return static_cast<int32_t>(100000000u - rij(positie).plaats); }
 };
 Zoeklijst* z;
@@ -52,12 +84,11 @@ int32_t haal(int32_t stap) {
 }
 
 // First row at or behind a row of key values only, else the last.
-void zoek(const orderrij& gezocht) {
+void zoek(const Rij& gezocht) {
     const auto& volgorde = z->volgorde[z->sleutel - 1];
-    auto plek =
-        std::lower_bound(volgorde.begin(), volgorde.end(), gezocht, [](uint32_t n, const orderrij& g) {
-            return orderrij_vergelijk(z->rijen[n], g, z->sleutel) < 0;
-        });
+    auto plek = std::lower_bound(volgorde.begin(), volgorde.end(), gezocht, [](uint32_t n, const Rij& g) {
+        return rij_vergelijk(z->rijen[n], g, z->sleutel) < 0;
+    });
     if (plek == volgorde.end())
         --plek;
     z->lijst->positie = static_cast<uint32_t>(plek - volgorde.begin());
@@ -103,7 +134,7 @@ const char* regel() {
 }
 
 // The search field of the key in force. `gezocht` gets what was typed.
-void vraag(int rij, orderrij* gezocht) {
+void vraag(int rij, Rij* gezocht) {
     const char* label = z->sleutel == 1   ? TXT(T_LIJST_ORDERDATUM)
                         : z->sleutel == 2 ? TXT(T_LIJST_ORDERNR)
                                           : TXT(T_LIJST_LEVORDERNR);
@@ -133,7 +164,7 @@ void toets() {
     if (z->sleutels > 2)
         SCRPUT(A_LABEL, rij, 53, "%s", TXT(T_TAB_SORTERING));
     // "/" leaves the field as a key of the table does: at once when nothing is typed yet.
-    orderrij gezocht;
+    Rij gezocht;
     SCHERM.toets[key_extra] = '/';
     vraag(rij, &gezocht);
     SCHERM.toets[key_extra] = 0;
@@ -160,40 +191,17 @@ void toets() {
 void verzamel(uint16_t van, uint16_t tot) {
     for (bool er = ord_eerste_order(z->h); er; er = ord_volgende_order(z->h))
         if (kop.orderdatum >= van && kop.orderdatum <= tot)
-            z->rijen.push_back(orderrij_maak(kop, z->h->offset, z->lev_ordernr));
+            z->rijen.push_back(rij_maak(kop, z->h->offset, z->lev_ordernr));
     for (int s = 1; s <= z->sleutels; s++) {
         auto& volgorde = z->volgorde[s - 1];
         volgorde.resize(z->rijen.size());
         std::iota(volgorde.begin(), volgorde.end(), 0u);
-        std::sort(volgorde.begin(), volgorde.end(), [s](uint32_t a, uint32_t b) {
-            return orderrij_vergelijk(z->rijen[a], z->rijen[b], s) < 0;
-        });
+        std::sort(volgorde.begin(), volgorde.end(),
+                  [s](uint32_t a, uint32_t b) { return rij_vergelijk(z->rijen[a], z->rijen[b], s) < 0; });
     }
 }
 
 } // namespace
-
-orderrij orderrij_maak(const ordkop& van, int32_t offset, bool met_lev_ordernr) {
-    orderrij rij{};
-    rij.datum = static_cast<uint16_t>(100000 - van.orderdatum);
-    rij.ordernummer = 100000u - static_cast<uint32_t>(van.ordernummer);
-    if (met_lev_ordernr)
-        memcpy(rij.lev_ordernr, van.lev_ordernr, sizeof rij.lev_ordernr);
-    rij.plaats = 100000000u - static_cast<uint32_t>(offset);
-    return rij;
-}
-
-int orderrij_vergelijk(const orderrij& a, const orderrij& b, int sleutel) {
-    auto richting = [](auto x, auto y) { return x < y ? -1 : x > y ? 1 : 0; };
-    int v = 0;
-    if (sleutel == 1)
-        v = richting(a.datum, b.datum);
-    if (sleutel == 3)
-        v = IXCOLLATE(a.lev_ordernr, b.lev_ordernr, static_cast<int>(sizeof a.lev_ordernr));
-    if (v == 0)
-        v = richting(a.ordernummer, b.ordernummer);
-    return v != 0 ? v : richting(a.plaats, b.plaats);
-}
 
 bool zoek_ord_periode(ordhandle* h, uint16_t van, uint16_t tot) {
     Zoeklijst hier{};

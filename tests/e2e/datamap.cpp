@@ -1,6 +1,7 @@
 #include "e2e/datamap.h"
 #include "order/ordrec.h"
 #include "term/vast.h"
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -66,6 +67,13 @@ Opties Datamap::opties() const {
 
 std::string record(char tag, const void* body, size_t n) {
     return tag + std::string(static_cast<const char*>(body), n);
+}
+
+ordkop kop_van(const std::string& jrn) {
+    ordkop k{};
+    if (jrn.size() > sizeof k)
+        memcpy(&k, jrn.data() + 1, sizeof k);
+    return k;
 }
 
 ordkop maak_kop(const std::string& omschrijving, uint16_t datum) {

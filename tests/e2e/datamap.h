@@ -44,6 +44,7 @@ ordkop maak_kop(const std::string& omschrijving, uint16_t datum = WERKDATUM);
 // An order: header, conditions that aren't empty, and its lines; equal brand and model share an M.
 std::string maak_order(const ordkop& kop, const std::vector<Regel>& regels, const std::string& levering = "",
                        const std::string& betaling = "");
+ordkop kop_van(const std::string& jrn); // of its first order
 std::string record(char tag, const void* body, size_t n);
 std::string tekst(uint8_t soort, const std::string& inhoud); // the T records of one text
 

@@ -15,6 +15,7 @@ TEST(Keuze, SeizoenGetyptGekozenOfStandaard) {
         {"123<Enter>", "<123> Ongeldig jaartal"},
         {"1979<Enter>", "<1979> Alleen 1980 t/m 2021 mogelijk"},
         {"51<Enter>", "<1951> Alleen 1980 t/m 2021 mogelijk"},
+        {"50<Enter>", "<2050> Alleen 1980 t/m 2021 mogelijk"},
         {"2022<Enter>", "<2022> Alleen 1980 t/m 2021 mogelijk"},
         {"15<Enter>W<Enter>", "2015W: onbekend inkoopseizoen"},
         {"99<Enter>K<Enter>", "1999K: onbekend inkoopseizoen"},
@@ -94,7 +95,11 @@ TEST(Keuze, OrderlijstSorteringPositieEnVerlaten) {
     struct {
         const char *oms, *nr;
         int dag, ordernr;
-    } orders[] = {{"Eerste", "B-7", 0, 1500}, {"Tweede", "A-9", -30, 1700}, {"Derde", "", -10, 1600}};
+    } orders[] = {{"Eerste", "B-7", 0, 1500},
+                  {"Tweede", "A-9", -30, 1700},
+                  {"Vierde", "", -10, 1600},
+                  {"Vijfde", "b-1", 0, 1501},
+                  {"Derde", "", -10, 1600}};
     for (auto& o : orders) {
         zg::ordkop kop = maak_kop(o.oms, static_cast<uint16_t>(WERKDATUM + o.dag));
         kop.ordernummer = o.ordernr;
@@ -111,17 +116,18 @@ TEST(Keuze, OrderlijstSorteringPositieEnVerlaten) {
     };
     EXPECT_TRUE(p.t.wacht("</> voor nieuwe order")) << p.t.scherm();
     EXPECT_NE(p.t.regel(22).find("<TAB> voor sortering"), std::string::npos) << p.t.scherm();
-    rijen({"Eerste", "Derde", "Tweede"}); // latest date first
+    // Latest date first, then the highest number, then the latest in the journal.
+    rijen({"Vijfde", "Eerste", "Derde", "Vierde", "Tweede"});
     p.t.toetsen("<Tab>");
     EXPECT_TRUE(p.t.wacht("Ordernr"));
     p.t.toetsen("9999<Enter>"); // above all: the first
-    rijen({"1700", "1600", "1500"});
+    rijen({"1700", "1600", "1600", "1501", "1500"});
     p.t.toetsen("1600<Enter>");
-    rijen({"1600", "1500"});
+    rijen({"Derde", "Vierde", "1501", "1500"});
     p.t.toetsen("<Tab>");
     EXPECT_TRUE(p.t.wacht("Lev ordernr"));
     p.t.toetsen("<PgUp>");
-    rijen({"Derde", "Tweede", "Eerste"}); // without a number first
+    rijen({"Derde", "Vierde", "Tweede", "Vijfde", "Eerste"}); // without a number first, case doesn't separate
     // "/" in an empty field leads to the date; F5 opens the list again, F3 leaves it.
     p.t.toetsen("/");
     EXPECT_TRUE(p.t.weg("</> voor nieuwe")) << p.t.scherm();
@@ -132,7 +138,7 @@ TEST(Keuze, OrderlijstSorteringPositieEnVerlaten) {
     EXPECT_EQ(p.t.cursor_kolom(), 74) << p.t.scherm();
     EXPECT_EQ(p.t.stuk(1, 74, 6), "010316") << "the working date again";
     p.t.toetsen("<F5><Enter>");
-    EXPECT_TRUE(p.t.wacht("1500 / Eerste")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht("1501 / Vijfde")) << p.t.scherm();
     p.t.toetsen("<Esc>");
     p.uit();
     EXPECT_EQ(map.journaal(), inhoud);

@@ -2,6 +2,7 @@
 // line; and orddump on what was built.
 #include "bouw.h"
 #include "order/ordsys.h"
+#include "order/regelscherm.h"
 #include <array>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -130,6 +131,31 @@ TEST(Regel, lopen_langs_andere_regels_laat_de_cursor_staan) {
              {{1, 0, 0, e.d}, {1, 0, e.m, e.d + 1}, {1, 0, -1, e.d}, {1, 0, e.m, INT32_MAX}}})
         EXPECT_FALSE(regel_lees_in(fout, &langs)) << fout.m << " " << fout.d;
     sluit();
+}
+
+// More than 32 bits hold: 95 sizes of the largest price in large numbers.
+TEST(Regel, totalen_lopen_niet_over) {
+    regelprijzen prijzen{};
+    int32_t rij[MAATKOLOMMEN] = {};
+    for (int m = 1; m <= MAAT_MAX; m++) {
+        prijzen.bruto[m] = 2000000000;
+        rij[m] = 1000000;
+    }
+    rij[2] = -5;    // what isn't above 0 doesn't count
+    rij[0] = 12345; // the row's own total isn't a size
+    ordertotalen t;
+    kop = {};
+    regel_totaal(rij, prijzen, &t);
+    EXPECT_EQ(t.regels, 0);
+    EXPECT_EQ(t.stuks, 94 * 1000000LL);
+    EXPECT_EQ(t.bruto, 94 * 1000000LL * 2000000000LL);
+    EXPECT_EQ(t.netto, 0);
+    ordertotaal = {};
+    order_totaal_bij('+', t);
+    order_totaal_bij('+', t);
+    order_totaal_bij('-', t);
+    EXPECT_EQ(ordertotaal.regels, 1);
+    EXPECT_EQ(ordertotaal.bruto, t.bruto);
 }
 
 // ---- orddump

@@ -234,36 +234,6 @@ TEST(Storing, schijf_vol_bij_elke_schrijfactie) {
     }
 }
 
-TEST(Storing, herstel_op_een_volle_schijf_verliest_niets) {
-    OrderMap map;
-    const Sessie s = SESSIES[1];
-    std::vector<std::string> goed = toestanden(s);
-    zet("JRN", bytes(DRIE));
-    // Killed at the very end: everything but the commit was done.
-    ASSERT_EQ(in_kind([&] { return sessie(s, [] {}) == 0 ? 0 : 1; }), 0);
-    zet("JRN", bytes(DRIE));
-    ASSERT_EQ(in_kind([&] {
-                  kies(1);
-                  ors_ingang cursor = regel_op(1);
-                  wrk_regel_uit(&cursor);
-                  raise(SIGKILL);
-                  return 0;
-              }),
-              128 + SIGKILL);
-    std::string werkbytes = inhoud("WRK");
-    EXPECT_EQ(in_kind([] {
-                  stoor(1, Storing::VoorGoedVol);
-                  int uit = herstart();
-                  return journaal ? 9 : uit; // the caller must not go on with this supplier
-              }),
-              2);
-    EXPECT_EQ(inhoud("WRK"), werkbytes);
-    EXPECT_EQ(inhoud("JRN"), bytes(DRIE));
-    EXPECT_EQ(in_kind(herstart), 1);
-    EXPECT_NE(inhoud("JRN"), bytes(DRIE));
-    EXPECT_EQ(scratch(), "");
-}
-
 // ---- damage
 
 std::string act(int32_t start, int32_t volgende, int32_t omvang) {
