@@ -1,6 +1,7 @@
 // The header's window: the first walk over a new order, the menu, and what goes into the work file.
 #include "order/kop.h"
 #include "order/dialog.h"
+#include "order/later.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
 #include "order/teksten.h"
@@ -128,7 +129,8 @@ bool kop_te_kiezen(int item, bool nieuw) {
     case KOP_LOCATIE:
         return kop_aanwezig(KOP_LOCATIE);
     case KOP_DATUM:
-        return vrij || leeg || ordertotaal.stuks == 0;
+        // The pieces of the full registration are labels; as long as they can't be counted there are some.
+        return vrij || leeg || (REGELDIENSTEN.serie_laad && ordertotaal.stuks == 0);
     case KOP_DEELSEIZOEN:
     case KOP_TOESLAG:
         return vrij || leeg;

@@ -103,15 +103,17 @@ std::string locatie_regel() {
     return std::string(TXT(T_KOP_FILIAAL)) + " " + std::to_string(kop.ontvangstlocatie) + " " + naam;
 }
 
-// What labels would have to follow: not before the full registration can.
-bool etiketten_volgen_niet() {
+// What labels would have to follow: not before the full registration can. Tells why.
+bool etiketten_volgen_niet(const Tekst& waarom) {
     if (!registermodus || aantal_regels == 0)
         return false;
-    error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
+    error("%s", TXT(waarom));
     return true;
 }
 
 bool veld_locatie() {
+    if (etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN))
+        return false;
     DMREC* menu = DMNEW(TXT(T_KOP_LOCATIE_TITEL));
     DMITEM(menu, TXT(T_KOP_1_MAGAZIJN), 1, 1);
     DMITEM(menu, TXT(T_KOP_2_FILIAAL), 2, 1);
@@ -147,7 +149,7 @@ bool veld_agent(int rij) {
 }
 
 bool veld_korting(int rij) {
-    if (etiketten_volgen_niet())
+    if (etiketten_volgen_niet(T_KOP_GEEN_KORTING))
         return false;
     int16_t oud = kop.korting;
     double procent = kop.korting / -100.0;
@@ -208,7 +210,8 @@ bool bewerk(int item) {
     case KOP_COLLECTIE:
         return INGAVE(rij, KOPWAARDE, "20c,", &SCHERM.toets[key_cancel], &kop.collectie) != 0;
     case KOP_INKOOPCODE:
-        return !etiketten_volgen_niet() && code_veld(rij, KOPWAARDE, CODE_INKOOP, &kop.inkoopcode);
+        return !etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN) &&
+               code_veld(rij, KOPWAARDE, CODE_INKOOP, &kop.inkoopcode);
     case KOP_KORTING:
         return veld_korting(rij);
     case KOP_VALUTA:

@@ -201,8 +201,6 @@ void laad(const ors_ingang* ingang, bool vergrendel, ordertotalen* totaal) {
     regel_bereikbaar =
         maatsoort_bekend() &&
         (!registermodus || (REGELDIENSTEN.serie_laad && REGELDIENSTEN.serie_laad(vergrendel) == 1));
-    if (ORDERHAKEN.advies_laad)
-        ORDERHAKEN.advies_laad(&dessin);
     // A line that can't be worked on counts all the same, and comes off the totals when it is deleted.
     regel_totaal(&matrix_cel(order_aantallen, aantal_filialen, 0), regel_prijzen, totaal);
 }
@@ -310,13 +308,13 @@ void bewaar_wijziging(const ordertotalen& oud) {
 }
 
 void verwijder(Blad& blad, const ordertotalen& totaal) {
-    if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
-        return;
     // Labels can't be left behind without the line that they are of.
     if (registermodus && !REGELDIENSTEN.regel_weg) {
-        MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
+        error("%s", TXT(T_REGEL_HEEFT_ETIKETTEN));
         return;
     }
+    if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
+        return;
     if (registermodus && regel_bereikbaar && !REGELDIENSTEN.regel_weg())
         return;
     if (!wrk_regel_uit(&regelingang))

@@ -5,6 +5,7 @@
 #include "shared/teksten.h"
 #include "store/ix.h"
 #include "store/rebuild.h"
+#include "store/syscall.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -268,10 +269,10 @@ int DDNEW(int bestandnr, const char* naam) {
 int DDCOMPARE(int bestandnr, const char* naam) {
     IXHEADER h;
     DDRIJ r;
-    int fd = open(inx(naam).c_str(), O_RDONLY | O_CLOEXEC);
-    bool gelezen = fd >= 0 && read(fd, &h, sizeof h) == static_cast<ssize_t>(sizeof h);
+    int fd = IXBESTANDOPEN(inx(naam).c_str(), O_RDONLY); // a handle on it keeps its locks
+    bool gelezen = fd >= 0 && IXSYSLEES(fd, &h, sizeof h, 0) == static_cast<ssize_t>(sizeof h);
     if (fd >= 0)
-        close(fd);
+        IXBESTANDDICHT(fd);
     if (!gelezen || !DDROW(bestandnr, 1, &r))
         return DD_ONLEESBAAR;
     if (h.reclen != r.reclen)

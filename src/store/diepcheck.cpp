@@ -110,8 +110,9 @@ bool Check::kop() {
     telling->blokken = blokken;
     if (indexgrootte != int64_t{h.nblocks} * IXBLOK)
         meld("header: counts %ld blocks, the index file is %ld bytes long", L(h.nblocks), L(indexgrootte));
-    if (datagrootte % h.reclen)
-        meld("data: %ld bytes is not a whole number of records of %d", L(datagrootte), h.reclen);
+    if (const int64_t rest = datagrootte % h.reclen)
+        meld("data: ends inside a record, %ld bytes behind %ld whole ones (ixremake --truncate)", L(rest),
+             L(records));
     if (!tijdelijk && records != h.nrecs)
         meld("header: counts %ld records, the data file holds %ld", L(h.nrecs), L(records));
     werk = records * (1 + (tijdelijk ? 0 : h.nkeys));
@@ -371,8 +372,10 @@ std::vector<std::string> IXDIEPCHECK(const char* naam, IXTELLING* telling) {
         IXBESTANDDICHT(idxfd);
         return {"the data file can't be opened"};
     }
-    std::vector<std::string> uit{"in use: the header lock could not be had"};
-    for (int ms = 0; ms < WACHT_MS; ms++) {
+    const bool eigen_slot = IXBESTANDVAST(idxfd);
+    std::vector<std::string> uit{eigen_slot ? "in use: this program has it open in exclusive mode"
+                                            : "in use: the header lock could not be had"};
+    for (int ms = 0; ms < WACHT_MS && !eigen_slot; ms++) {
         if (IOLOCK('E', idxfd, 0, IXBLOK)) {
             uit = IXDIEPCHECK(idxfd, datfd, IXTIJDELIJKENAAM(naam), &t);
             IOLOCK('U', idxfd, 0, IXBLOK);

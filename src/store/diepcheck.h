@@ -24,7 +24,8 @@ struct IXTELLING {
 // well.
 std::vector<std::string> IXDIEPCHECK(int idxfd, int datfd, bool tijdelijk = false,
                                      IXTELLING* telling = nullptr);
-// The same by name: opens both files and takes the header lock, for which it waits 10 seconds at most.
+// The same by name: opens both files and takes the header lock, for which it waits 10 seconds at most. A pair that
+// this program itself has open in mode 1 is not looked at: its counters are in the handle, and its lock would go.
 std::vector<std::string> IXDIEPCHECK(const char* naam, IXTELLING* telling = nullptr);
 
 // Called now and then with work done and work in all, when set.

@@ -26,9 +26,9 @@
 namespace zg {
 namespace {
 
-constexpr int STUK = 16384; // bytes of records for which one key after the other has its turn
-constexpr int LEESBUFFER = 256 * 1024;
-constexpr int VENSTER = 1 << 18; // records whose ranks are in memory at once
+constexpr int STUK = 16384;            // bytes of records for which one key after the other has its turn
+constexpr int LEESBUFFER = 256 * 1024; // bytes read at once, fewer of a small file
+constexpr int VENSTER = 1 << 18;       // records whose ranks are in memory at once
 constexpr int64_t RECORDSMAX = INT32_MAX;
 
 // A key on its way from records to blocks.
@@ -49,6 +49,7 @@ public:
     void zet_op_zijn_plaats();         // step 3
 
 private:
+    template <class F> bool elk_record(F doe) const;
     bool verzamel();
     bool groei();
     bool reserveer() const;
@@ -93,38 +94,46 @@ bool Bouw::bereid_voor(int64_t records) {
     return goed && reserveer();
 }
 
-bool Bouw::verzamel() {
-    const size_t per_keer = LEESBUFFER / reclen();
-    std::vector<uint8_t> buffer(per_keer * reclen());
-    uint8_t entry[IXSLEUTELMAX + 8];
+// Every record in turn, as doe(number, bytes); false at the first that can't be read or that `doe` refuses.
+template <class F> bool Bouw::elk_record(F doe) const {
+    const int64_t per_keer =
+        std::clamp<int64_t>(LEESBUFFER / icb_->h.reclen, 1, std::max<int64_t>(records_, 1));
+    std::vector<uint8_t> buffer(static_cast<size_t>(per_keer) * reclen());
     for (int64_t nr = 0; nr < records_;) {
-        const size_t n =
-            static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
-        const int64_t plaats = nr * icb_->h.reclen;
-        if (IXSYSLEES(icb_->datfd, buffer.data(), n * reclen(), plaats) != static_cast<ssize_t>(n * reclen()))
+        const int64_t n = std::min(per_keer, records_ - nr);
+        const size_t bytes = static_cast<size_t>(n) * reclen();
+        if (IXSYSLEES(icb_->datfd, buffer.data(), bytes, nr * icb_->h.reclen) != static_cast<ssize_t>(bytes))
             return false;
-        for (size_t i = 0; i < n; i++, nr++) {
-            const uint8_t* rec = buffer.data() + i * reclen();
-            const int32_t recnr = static_cast<int32_t>(nr);
-            if (!IXRECLIVE(rec, icb_->h.reclen)) {
-                if (in_keten()) {
-                    if (keten_anders_ < 0 && LEES32(rec + 1) != freehead_)
-                        keten_anders_ = nr;
-                    freehead_ = recnr;
-                }
-                continue;
-            }
-            levend_++;
-            for (Sleutelbouw& s : sleutels_) {
-                IXMAAKSLEUTEL(s.def, rec, recnr, s.def.keylen, entry);
-                ZET32(entry + s.def.keylen, recnr);
-                if (!s.ruw.schrijf(entry, s.def.keylen + size_t{4}))
-                    return false;
-            }
-        }
-        vooruit(static_cast<int64_t>(n));
+        for (uint8_t *rec = buffer.data(), *einde = rec + bytes; rec < einde; rec += reclen(), nr++)
+            if (!doe(static_cast<int32_t>(nr), rec))
+                return false;
     }
     return true;
+}
+
+bool Bouw::verzamel() {
+    constexpr int PER_STAP = 4096;
+    uint8_t entry[IXSLEUTELMAX + 8];
+    return elk_record([&](int32_t nr, const uint8_t* rec) {
+        if (nr % PER_STAP == PER_STAP - 1)
+            vooruit(PER_STAP);
+        if (!IXRECLIVE(rec, icb_->h.reclen)) {
+            if (in_keten()) {
+                if (keten_anders_ < 0 && LEES32(rec + 1) != freehead_)
+                    keten_anders_ = nr;
+                freehead_ = nr;
+            }
+            return true;
+        }
+        levend_++;
+        for (Sleutelbouw& s : sleutels_) {
+            IXMAAKSLEUTEL(s.def, rec, nr, s.def.keylen, entry);
+            ZET32(entry + s.def.keylen, nr);
+            if (!s.ruw.schrijf(entry, s.def.keylen + size_t{4}))
+                return false;
+        }
+        return true;
+    });
 }
 
 bool Bouw::groei() {
@@ -178,27 +187,20 @@ void Bouw::zet_op_zijn_plaats() {
 void Bouw::keten_vrijen() {
     if (keten_anders_ < 0)
         return;
-    const size_t per_keer = LEESBUFFER / reclen();
-    std::vector<uint8_t> buffer(per_keer * reclen());
     int32_t vorige = -1;
-    for (int64_t nr = 0; nr < records_;) {
-        const size_t n =
-            static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(per_keer), records_ - nr));
-        if (IXSYSLEES(icb_->datfd, buffer.data(), n * reclen(), nr * icb_->h.reclen) !=
-            static_cast<ssize_t>(n * reclen()))
-            IXSCHIJFFOUT(icb_, icb_->datfd, nr * icb_->h.reclen, icb_->h.reclen);
-        for (size_t i = 0; i < n; i++, nr++) {
-            uint8_t* rec = buffer.data() + i * reclen();
-            if (IXRECLIVE(rec, icb_->h.reclen))
-                continue;
-            if (LEES32(rec + 1) != vorige) {
-                ZET32(rec + 1, vorige);
-                icb_->currec = static_cast<int32_t>(nr);
-                IXWRREC(icb_, rec);
-            }
-            vorige = static_cast<int32_t>(nr);
+    const bool gelezen = elk_record([&](int32_t nr, uint8_t* rec) {
+        if (IXRECLIVE(rec, icb_->h.reclen))
+            return true;
+        if (LEES32(rec + 1) != vorige) {
+            ZET32(rec + 1, vorige);
+            icb_->currec = nr;
+            IXWRREC(icb_, rec);
         }
-    }
+        vorige = nr;
+        return true;
+    });
+    if (!gelezen)
+        IXSCHIJFFOUT(icb_, icb_->datfd, 0, icb_->h.reclen);
 }
 
 // The leaves from left to right out of the sorted entries; the nodes above fill up on the way.
@@ -220,36 +222,23 @@ bool Bouw::bouw_boom(int sleutel) {
         return g.volgende(static_cast<int>(n + 1), &nu.loop, &nu.doel);
     };
     auto weg = [&](size_t n) { return blokken_->zet(niveaus[n].doel.blok, &niveaus[n].knoop); };
-    std::vector<uint8_t> buffer(LEESBUFFER / maat * maat);
-    size_t op = 0, vol = 0;
-    int64_t gelezen = 0;
+    Spoellezer lezer(s.klaar, 0, s.klaar.lengte(), maat, LEESBUFFER);
     for (size_t n = 1; n < niveaus.size(); n++)
         begin(n);
     while (begin(0)) {
-        Niveau& blad = niveaus[0];
-        size_t nodig = static_cast<size_t>(blad.doel.aantal) * maat, er = 0;
-        blad.knoop.count = static_cast<uint8_t>(blad.doel.aantal);
-        while (er < nodig) {
-            if (op == vol) {
-                vol = static_cast<size_t>(
-                    std::min<int64_t>(static_cast<int64_t>(buffer.size()), s.klaar.lengte() - gelezen));
-                op = 0;
-                if (!vol) { // the sentinel: the one entry that is in no record
-                    memset(blad.knoop.entries + er, 0xFF, maat);
-                    er += maat;
-                    break;
-                }
-                if (!s.klaar.lees(gelezen, buffer.data(), vol))
-                    return false;
-                gelezen += static_cast<int64_t>(vol);
-                vooruit(static_cast<int64_t>(vol / maat));
-            }
-            size_t deel = std::min(nodig - er, vol - op);
-            memcpy(blad.knoop.entries + er, buffer.data() + op, deel);
-            er += deel;
-            op += deel;
+        IXKNOOP& blad = niveaus[0].knoop;
+        const int aantal = niveaus[0].doel.aantal;
+        for (uint8_t* naar = blad.entries; blad.count < aantal; blad.count++, naar += maat) {
+            const uint8_t* entry;
+            if (!lezer.volgende(&entry))
+                return false;
+            if (entry)
+                memcpy(naar, entry, maat);
+            else
+                memset(naar, 0xFF, maat); // the sentinel: the one entry that is in no record
         }
-        if (er != nodig || !weg(0))
+        vooruit(aantal);
+        if (!weg(0))
             return false;
         // The highest key goes up, with the block; and on up for as long as it fills a node there.
         for (size_t n = 0; n + 1 < niveaus.size(); n++) {

@@ -11,6 +11,7 @@
 #include "shared/files.h"
 #include "shared/teksten.h"
 #include "store/node.h"
+#include "store/syscall.h"
 #include "store/teksten.h"
 #include "term/scherm.h"
 #include <sched.h>
@@ -137,6 +138,7 @@ int IXLOCK(ICB* icb, int operatie) {
                 ;
         tot_het_lukt('E', icb, icb->idxfd, 0, IXBLOK);
         icb->filelocked = 1;
+        IXBESTANDVAST(icb->idxfd, true);
         return 1;
     case 2:
         tot_het_lukt('E', icb, icb->idxfd, 0, IXBLOK);
@@ -150,6 +152,7 @@ int IXLOCK(ICB* icb, int operatie) {
     case 11:
         icb->filelocked = 0;
         icb->koplock = 0;
+        IXBESTANDVAST(icb->idxfd, false);
         if (!icb->tempidx)
             IOLOCK('U', icb->datfd, 0, 0);
         IOLOCK('U', icb->idxfd, 0, IXBLOK);

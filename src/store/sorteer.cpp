@@ -71,28 +71,17 @@ void sorteer_stuk(const IXKEYDEF& def, size_t maat, Stuk& s) {
 
 // A sorted run being read.
 struct Baan {
-    Spoel* spoel;
-    int64_t plaats, einde;
-    std::vector<uint8_t> buffer;
-    size_t op, vol, maat;
+    Spoellezer lezer;
+    size_t nr;
     uint8_t vorm[SORTEERVORM];
     int lang;
     const uint8_t* entry;
 
     bool volgende(const IXKEYDEF& def) { // entry null at the end
-        entry = nullptr;
-        if (op == vol) {
-            vol = static_cast<size_t>(std::min<int64_t>(static_cast<int64_t>(buffer.size()), einde - plaats));
-            op = 0;
-            if (!vol)
-                return true;
-            if (!spoel->lees(plaats, buffer.data(), vol))
-                return false;
-            plaats += static_cast<int64_t>(vol);
-        }
-        entry = buffer.data() + op;
-        op += maat;
-        lang = SORTEERBAAR(def, entry, vorm);
+        if (!lezer.volgende(&entry))
+            return false;
+        if (entry)
+            lang = SORTEERBAAR(def, entry, vorm);
         return true;
     }
 };
@@ -100,23 +89,18 @@ struct Baan {
 bool later(const Baan* a, const Baan* b) {
     if (int d = memcmp(a->vorm, b->vorm, static_cast<size_t>(std::min(a->lang, b->lang))))
         return d > 0;
-    return a->spoel == b->spoel &&
-           a->einde < b->einde; // equal keys: the run that was written last comes first
+    return a->nr < b->nr; // equal keys: the run that was written last comes first
 }
 
 bool voeg_samen(const IXKEYDEF& def, size_t maat, Spoel& banen, const std::vector<int64_t>& grenzen,
                 Spoel& klaar, Rangen& rangen, const std::function<void(int64_t)>& stap) {
-    std::vector<Baan> baan(grenzen.size());
+    std::vector<Baan> baan;
     std::vector<Baan*> hoop;
-    size_t ruimte = std::max<size_t>(LEESRUIMTE / baan.size() / maat, 16) * maat;
-    for (size_t i = 0; i < baan.size(); i++) {
-        Baan& b = baan[i];
-        b.spoel = &banen;
-        b.plaats = i ? grenzen[i - 1] : 0;
-        b.einde = grenzen[i];
-        b.buffer.resize(ruimte);
-        b.op = b.vol = 0;
-        b.maat = maat;
+    const size_t ruimte = std::max<size_t>(LEESRUIMTE / grenzen.size() / maat, 16) * maat;
+    for (size_t i = 0; i < grenzen.size(); i++)
+        baan.push_back(
+            {Spoellezer(banen, i ? grenzen[i - 1] : 0, grenzen[i], maat, ruimte), i, {}, 0, nullptr});
+    for (Baan& b : baan) {
         if (!b.volgende(def))
             return false;
         if (b.entry)

@@ -82,4 +82,24 @@ bool Spoel::lees(int64_t plaats, void* naar, size_t n) {
     return true;
 }
 
+Spoellezer::Spoellezer(Spoel& spoel, int64_t van, int64_t tot, size_t maat, size_t ruimte)
+    : spoel_(&spoel), plaats_(van), tot_(tot), maat_(maat),
+      buffer_(std::min(static_cast<size_t>(tot - van), std::max(ruimte / maat, size_t{1}) * maat)) {}
+
+bool Spoellezer::volgende(const uint8_t** entry) {
+    *entry = nullptr;
+    if (op_ == vol_) {
+        vol_ = std::min(buffer_.size(), static_cast<size_t>(tot_ - plaats_));
+        op_ = 0;
+        if (!vol_)
+            return true;
+        if (!spoel_->lees(plaats_, buffer_.data(), vol_))
+            return false;
+        plaats_ += static_cast<int64_t>(vol_);
+    }
+    *entry = buffer_.data() + op_;
+    op_ += maat_;
+    return true;
+}
+
 } // namespace zg

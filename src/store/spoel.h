@@ -32,6 +32,20 @@ private:
     int fd_ = -1;
 };
 
+// Entries of `maat` bytes out of a stretch of a spool, one after the other, read `ruimte` bytes at a time.
+class Spoellezer {
+public:
+    Spoellezer(Spoel& spoel, int64_t van, int64_t tot, size_t maat, size_t ruimte);
+    // *entry stays good until the next call, null at the end. False when the spool can't be read.
+    bool volgende(const uint8_t** entry);
+
+private:
+    Spoel* spoel_;
+    int64_t plaats_, tot_;
+    size_t maat_, op_ = 0, vol_ = 0;
+    std::vector<uint8_t> buffer_;
+};
+
 // A nameless file in the directory of `pad`, -1 with errno set when there can be none.
 int NAAMLOOSBESTAND(const char* pad);
 

@@ -1,5 +1,6 @@
 // The table of system calls and the register of open files; see store/syscall.h.
 #include "store/syscall.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -17,8 +18,13 @@ struct Bestand {
     dev_t dev;
     ino_t ino;
     int fd, gebruikers;
+    bool vast;
 };
 std::vector<Bestand> bestanden;
+
+std::vector<Bestand>::iterator vind(int fd) {
+    return std::find_if(bestanden.begin(), bestanden.end(), [fd](const Bestand& b) { return b.fd == fd; });
+}
 
 } // namespace
 
@@ -74,19 +80,26 @@ int IXBESTANDOPEN(const char* pad, int vlaggen) {
         errno = fout;
         return -1;
     }
-    bestanden.push_back({s.st_dev, s.st_ino, fd, 1});
+    bestanden.push_back({s.st_dev, s.st_ino, fd, 1, false});
     return fd;
 }
 
 void IXBESTANDDICHT(int fd) {
-    for (size_t i = 0; i < bestanden.size(); i++)
-        if (bestanden[i].fd == fd) {
-            if (--bestanden[i].gebruikers == 0) {
-                IXSYS.close(fd);
-                bestanden.erase(bestanden.begin() + static_cast<ptrdiff_t>(i));
-            }
-            return;
-        }
+    const auto b = vind(fd);
+    if (b == bestanden.end() || --b->gebruikers > 0)
+        return;
+    IXSYS.close(fd);
+    bestanden.erase(b);
+}
+
+void IXBESTANDVAST(int fd, bool vast) {
+    if (const auto b = vind(fd); b != bestanden.end())
+        b->vast = vast;
+}
+
+bool IXBESTANDVAST(int fd) {
+    const auto b = vind(fd);
+    return b != bestanden.end() && b->vast;
 }
 
 int64_t IXBESTANDGROOTTE(int fd) {

@@ -31,5 +31,9 @@ int IXSYSSCHRIJF(int fd, const void* bron, size_t n, int64_t plaats);
 int IXBESTANDOPEN(const char* pad, int vlaggen);
 void IXBESTANDDICHT(int fd);
 int64_t IXBESTANDGROOTTE(int fd); // -1 on an error
+// Does a handle of this process hold the header lock of this index from open to close? Whoever takes and releases
+// that lock too would take it from the handle.
+void IXBESTANDVAST(int fd, bool vast);
+bool IXBESTANDVAST(int fd);
 
 } // namespace zg

@@ -18,7 +18,7 @@ namespace zg {
 
 namespace {
 
-constexpr int RIJEN = 20, EERSTE = 2, LABEL = 2, WAARDE = 34, BREEDTE = 76;
+constexpr int RIJEN = 20, EERSTE = 2, LABEL = 2, WAARDE = 41, BREEDTE = 76;
 
 enum Bijzonder { GEWOON, LAND, VALUTA, KOERS, TOESLAG, STELSEL };
 

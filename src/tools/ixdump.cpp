@@ -5,6 +5,7 @@
 #include "tools/opdracht.h"
 #include <cerrno>
 #include <cstring>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zg {
@@ -70,6 +71,11 @@ int ixdump(const Opdracht& o) {
         return klacht(paar.naam, kwaal), FOUT_GEVONDEN;
     if (!o.heel)
         paar_los(&paar);
+    struct stat s, hier;
+    if (stat(o.bestand.c_str(), &s) == 0)
+        for (int fd : {paar.idx, paar.dat})
+            if (fstat(fd, &hier) == 0 && hier.st_dev == s.st_dev && hier.st_ino == s.st_ino)
+                return klacht(o.bestand, "is the pair itself"), FOUT_GEBRUIKT;
     FILE* uit = o.bestand.empty() ? stdout : fopen(o.bestand.c_str(), "we");
     if (!uit)
         return klacht(o.bestand, strerror(errno)), NIET_TE_OPENEN;

@@ -3,6 +3,7 @@
 // name, or whole in hexadecimal behind "hex:". '#' begins a comment.
 #include "shared/files.h"
 #include "store/diepcheck.h"
+#include "store/node.h"
 #include "store/rebuild.h"
 #include "term/vast.h"
 #include "tools/opdracht.h"
@@ -187,6 +188,8 @@ bool leesbaar(const std::string& naam) {
     if (paar_open(naam, &paar) != GOED)
         return false;
     std::string kwaal = paar_kop(&paar);
+    if (const char* fout = IXKOPFOUT(paar.kop); fout && kwaal.empty())
+        kwaal = std::string("header: ") + fout;
     if (kwaal.empty() && paar.kop.busy)
         kwaal = "marked busy: rebuild it first";
     if (!kwaal.empty())

@@ -1,6 +1,7 @@
 // The operators' tools for pairs, one program under the names of its tools: options, help, exit status.
 #include "term/scherm.h"
 #include "tools/opdracht.h"
+#include "tools/werkmap.h"
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <unistd.h>
@@ -19,7 +20,7 @@ const Tool TOOLS[] = {
     {"ixcheck", "check pairs: every tree, every record, free chain and queue",
      "One line a pair and a total. Works while others work.", ixcheck, "nqw"},
     {"ixremake", "rebuild the index of pairs from their data files",
-     "Every live record keeps its number. With --dictionary a lost index is made anew.", ixremake, "ndqw"},
+     "Every live record keeps its number. With --dictionary a lost index is made anew.", ixremake, "ndtqw"},
     {"ixstat", "show definitions, counts, tree depths and fill of pairs", "", ixstat, "njw"},
     {"ixdump", "write a pair as CSV or JSON lines, in UTF-8",
      "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump, "1djoHw"},
@@ -37,6 +38,7 @@ const Tool TOOLS[] = {
 void rapport() {
     fprintf(stderr, "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST());
     fflush(nullptr);
+    Werkmap::ruim_op();
     _exit(FOUT_GEVONDEN);
 }
 
@@ -48,6 +50,7 @@ void wacht(ICB* icb) {
     if (++gewacht > wachtseconden * 5) {
         klacht(icb ? icb->path : "", "in use");
         fflush(nullptr);
+        Werkmap::ruim_op();
         _exit(IN_GEBRUIK);
     }
     usleep(200'000);
@@ -103,6 +106,10 @@ int main(int argc, char** argv) {
             break;
         case 'j':
             app.add_flag("-j,--json", o.json, "JSON lines");
+            break;
+        case 't':
+            app.add_flag("-t,--truncate", o.kap,
+                         "save half a record at the end of a data file as PAIR.CUT, and cut it off");
             break;
         case 'q':
             app.add_flag("-q,--quiet", o.stil, "say only what is wrong");

@@ -14,6 +14,7 @@ struct Opdracht {
     bool vervang = false;           // an existing target may go
     bool heel = false;              // hold the header lock all the time
     bool zonder_check = false;
+    bool kap = false;    // half a record at the end of a data file may go to a file of its own
     int wacht = 10;      // seconds for a lock
     std::string bestand; // input or output, empty for the standard stream
     std::string doel;    // target of a load or copy

@@ -18,7 +18,9 @@ struct Paar {
     int idx = -1, dat = -1;
     IXHEADER kop{};
     int64_t idxbytes = 0, datbytes = 0;
-    bool vast = false; // header lock held
+    bool vast = false;         // header lock held
+    bool alleen_lezen = false; // no right to write, and so none to lock
+    bool gezegd = false;       // that has been told
     Paar() = default;
     Paar(const Paar&) = delete;
     Paar& operator=(const Paar&) = delete;
@@ -27,11 +29,11 @@ struct Paar {
 
 // Open both files for reading and locking. GOED, or NIET_TE_OPENEN with why on standard error.
 int paar_open(const std::string& naam, Paar* paar);
-// Read the header anew and test what every reader depends on: version, counts, lengths, key parts. Empty when
-// sound, else what is wrong.
+// Read the header anew and test what every reader depends on: version, record length, keys. Empty when sound, else
+// what is wrong.
 std::string paar_kop(Paar* paar);
 // Take the header lock, at most `seconden` long: writers in shared mode stand still meanwhile. GOED or
-// IN_GEBRUIK, with the holder's process on standard error.
+// IN_GEBRUIK, with the holder's process on standard error. Who may only read looks without a lock, and is told.
 int paar_vast(Paar* paar, int seconden);
 void paar_los(Paar* paar);
 

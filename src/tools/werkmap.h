@@ -8,7 +8,7 @@ namespace zg {
 class Werkmap {
 public:
     explicit Werkmap(const std::string& doel);
-    ~Werkmap(); // with what is left in it
+    ~Werkmap() { ruim_op(); }
     Werkmap(const Werkmap&) = delete;
     Werkmap& operator=(const Werkmap&) = delete;
     bool goed() const { return !pad_.empty(); } // else errno tells
@@ -16,6 +16,9 @@ public:
     // Put the pair that was made here on disk and in the target's place. An existing pair must be free: every
     // lock of it is taken first, at most `seconden` long. An Uitkomst, failures told.
     int naar(const std::string& doel, bool vervang, int seconden);
+    // Remove the directory and what is left in it: the pair and a file "keten". Also for who leaves by a signal or
+    // a report: it is made of unlinks alone. One directory at a time.
+    static void ruim_op();
 
 private:
     std::string pad_;

@@ -130,16 +130,26 @@ TEST(Omstandigheid, EdiOrder) {
 TEST(Omstandigheid, Registermodus) {
     Datamap map;
     schrijf_bestand(map.bestand("DTSER.INX"), "");
-    std::string inhoud = maak_order(maak_kop("Vol"), {{5, "A", "D1"}, {5, "B", "D2"}});
-    map.journaal(inhoud);
+    map.sys(32, std::string("\x04\0", 2));
+    zg::ordkop kop = maak_kop("Vol");
+    kop.edi_soort = 3; // has a receiving location
+    map.journaal(maak_order(kop, {{5, "A", "D1"}, {5, "B", "D2"}}));
     Programma p(map);
     p.eerste_order();
     EXPECT_EQ(p.t.stuk(8, 36, 3), "D1 ") << p.t.scherm();
-    p.t.toetsen("VJ<Enter>");
-    EXPECT_TRUE(p.t.wacht("Geen informatie")) << p.t.scherm();
-    p.t.toetsen("<Enter><Esc>");
+    p.t.toetsen("V");
+    EXPECT_TRUE(p.t.wacht("Regel heeft etiketten, verwijderen niet mogelijk"));
+    p.t.toetsen("WOD");
+    EXPECT_TRUE(p.t.wacht("<D> Ongeldige ingave")) << "pieces that aren't known count as pieces";
+    for (auto [toets, melding] : {std::pair{"G", "Het toekennen van orderkorting is niet toegestaan."},
+                                  {"I", "Order heeft etiketten, wijzigen niet mogelijk"},
+                                  {"N", "Order heeft etiketten, wijzigen niet mogelijk"}}) {
+        p.t.toetsen(toets);
+        EXPECT_TRUE(p.t.wacht_op(25, 1, melding));
+        p.t.toetsen("AX<Esc>");
+    }
+    p.t.toetsen("<Esc><Esc>");
     p.uit();
-    zg::ordkop kop = maak_kop("Vol");
     kop.status = 4;
     EXPECT_EQ(map.journaal(), maak_order(kop, {{5, "A", "D1"}, {5, "B", "D2"}}));
 }

@@ -1,6 +1,7 @@
 // Locks: ranges, the queue of reserved keys, and two users on one record. The other user is a process that does as it
 // is told.
 #include "shared/files.h"
+#include "store/diepcheck.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include <cstring>
@@ -175,6 +176,7 @@ TEST_F(Slot, Exclusief) {
     EXPECT_EQ(1, IXLOCK(ik.icb, 12));
     EXPECT_EQ("held", ander->vraag("test 0 0 512")) << "an update inside doesn't open the file to others";
     ik("write 1");
+    EXPECT_EQ(0u, IXDIEPCHECK("T").at(0).find("in use")) << "it would let the lock go";
     Agent derde{Gebruiker{}};
     EXPECT_EQ(Agent::geen_antwoord, derde.vraag("open 2"));
     IXCLOSE(ik.icb);

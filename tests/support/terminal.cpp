@@ -165,21 +165,26 @@ struct Terminal::Binnen {
         return true;
     }
 
+    std::string proces(const char* naam) const {
+        char pad[64], tekst[4096];
+        snprintf(pad, sizeof pad, "/proc/%d/%s", pid, naam);
+        int fd = open(pad, O_RDONLY | O_CLOEXEC);
+        ssize_t n = fd < 0 ? 0 : read(fd, tekst, sizeof tekst);
+        if (fd >= 0)
+            close(fd);
+        return {tekst, n > 0 ? static_cast<size_t>(n) : 0};
+    }
+
     bool wacht_op_toets() {
         int rest = 0;
         if (slaaf >= 0 && ioctl(slaaf, FIONREAD, &rest) == 0 && rest > 0)
             return false;
-        char pad[64], tekst[256] = "";
-        snprintf(pad, sizeof pad, "/proc/%d/syscall", pid);
-        int fd = open(pad, O_RDONLY | O_CLOEXEC);
-        if (fd < 0)
-            return false;
-        ssize_t n = read(fd, tekst, sizeof tekst - 1);
-        close(fd);
-        if (n <= 0)
-            return false;
         unsigned long nr = 0, a = 0, b = 0, c = 0;
-        if (sscanf(tekst, "%lu 0x%lx 0x%lx 0x%lx", &nr, &a, &b, &c) < 4)
+        if (sscanf(proces("syscall").c_str(), "%lu 0x%lx 0x%lx 0x%lx", &nr, &a, &b, &c) < 4)
+            return false;
+        // Held by a tracer at the end of a read is no waiting.
+        std::string stand = proces("stat");
+        if (stand.find(") S ") == std::string::npos)
             return false;
         // read on the terminal, or poll without a limit
         return (nr == 0 && a == 0) || (nr == 7 && static_cast<int>(c) < 0) || (nr == 271 && c == 0);
@@ -188,15 +193,10 @@ struct Terminal::Binnen {
     // How often the program has gone to sleep. What the master writes reaches the program's queue a moment later,
     // so an empty queue alone doesn't say that a key has been read: it must have slept anew since.
     long geslapen() const {
-        char pad[64], regel[128];
-        snprintf(pad, sizeof pad, "/proc/%d/status", pid);
-        long n = -1;
-        if (FILE* f = fopen(pad, "re")) {
-            while (n < 0 && fgets(regel, sizeof regel, f))
-                sscanf(regel, "voluntary_ctxt_switches: %ld", &n);
-            fclose(f);
-        }
-        return n;
+        static const char regel[] = "\nvoluntary_ctxt_switches:";
+        std::string tekst = proces("status");
+        size_t plek = tekst.find(regel);
+        return plek == std::string::npos ? -1 : atol(tekst.c_str() + plek + strlen(regel));
     }
 
     long sliep = -1;         // geslapen() when keys were sent to a waiting program
