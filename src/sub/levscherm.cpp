@@ -10,6 +10,7 @@
 #include "term/ingave.h"
 #include "term/prompt.h"
 #include "term/vast.h"
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -72,6 +73,11 @@ struct Beeld {
 
     char* tekst(const Veldrij& v) { return reinterpret_cast<char*>(&rec) + v.plaats; }
     bool vreemd() const { return thuisvaluta_anders(std::string(VASTUIT(rec.valuta)).c_str()); }
+    // As shown and asked; 0 is the rate of the day.
+    double koers() const {
+        return koers_dubbel(static_cast<int32_t>(rec.koers), std::max<uint16_t>(rec.koerseenheid, 1));
+    }
+    double toeslag() const { return (rec.toeslag ? rec.toeslag : 10000u) / 10000.0; }
 };
 
 std::string waarde(Beeld& b, const Veldrij& v) {
@@ -80,12 +86,10 @@ std::string waarde(Beeld& b, const Veldrij& v) {
     case KOERS:
         if (b.rec.koers == 0)
             return b.vreemd() ? TXT(T_DAGKOERS) : "";
-        snprintf(t, sizeof t, "%.5f",
-                 koers_dubbel(static_cast<int32_t>(b.rec.koers),
-                              b.rec.koerseenheid ? b.rec.koerseenheid : uint16_t{1}));
+        snprintf(t, sizeof t, "%.5f", b.koers());
         return t;
     case TOESLAG:
-        snprintf(t, sizeof t, "%5.4f", (b.rec.toeslag ? b.rec.toeslag : 10000u) / 10000.0);
+        snprintf(t, sizeof t, "%5.4f", b.toeslag());
         return t;
     case STELSEL: {
         Slot<tekst20> s{b.rec.maatstelsel, {}};
@@ -136,9 +140,7 @@ bool vraag(Beeld& b, int nr) {
         case KOERS: {
             if (!b.vreemd())
                 return SCHERM.laatste = K_ENTER, false;
-            double koers = b.rec.koers ? koers_dubbel(static_cast<int32_t>(b.rec.koers),
-                                                      b.rec.koerseenheid ? b.rec.koerseenheid : uint16_t{1})
-                                       : 0.0;
+            double koers = b.koers();
             if (!koers_veld(rij, WAARDE, "", b.rec.valuta, &koers))
                 return false;
             int32_t geheel = 0;
@@ -149,7 +151,7 @@ bool vraag(Beeld& b, int nr) {
             return true;
         }
         case TOESLAG: {
-            double factor = (b.rec.toeslag ? b.rec.toeslag : 10000u) / 10000.0;
+            double factor = b.toeslag();
             bool anders = INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], &factor) != 0;
             if (anders)
                 b.rec.toeslag = static_cast<uint32_t>(std::lround(factor * 10000));
