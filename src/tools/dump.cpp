@@ -171,9 +171,11 @@ bool DumpLezer::kop(Dumpkop* kop, bool* gevonden) {
         if (!j.contains("ixdump"))
             return wachtend_ = true;
         try {
-            kop->naam = j.at("name"), kop->titel = j.at("title"), kop->reclen = j.at("reclen");
-            kop->freehead = j.at("freehead");
+            kop->naam = j.at("name"), kop->titel = j.at("title");
             kop->sleutels = j.at("keys").get<std::vector<std::string>>();
+            if (!getal(j.at("reclen").dump(), &kop->reclen) ||
+                !getal(j.at("freehead").dump(), &kop->freehead))
+                return mislukt("reclen and freehead must be whole numbers");
         } catch (const json::exception&) {
             return mislukt("the head line misses name, title, reclen, freehead or keys");
         }

@@ -112,6 +112,9 @@ TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
         {"nr,merk\n3,1\n2000000000,2\n", "more than a million slots", 1},
         {"#ixdump,1,DTMERK\n", "head line", 1},
         {"{\"ixdump\":1,\"name\":\"DTMERK\"}\n", "head line", 1},
+        {R"({"ixdump":1,"name":"M","title":"","reclen":1e99,"freehead":-1,"keys":[]})"
+         "\n",
+         "whole numbers", 1},
         {"{\"merk\":1.5}\n", "not a number", 1},
         {"{merk\n", "not a JSON object", 1},
         {"", "nothing to load", 1},
