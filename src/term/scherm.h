@@ -160,11 +160,12 @@ template <int SOORT> void WINOPENSOORT(int rij, int kolom, int hoogte, int breed
 inline constexpr auto WINOPEN1 = WINOPENSOORT<1>, WINOPEN2 = WINOPENSOORT<2>, WINOPEN3 = WINOPENSOORT<3>,
                       WINOPEN4 = WINOPENSOORT<4>, WINOPEN5 = WINOPENSOORT<5>, WINOPEN6 = WINOPENSOORT<6>,
                       WINOPEN7 = WINOPENSOORT<7>;
-void WINCLOSE();
+void WINCLOSE(); // the top one; what it covered comes back
 // Border with a centred title; null: border only. Coordinates count from inside afterwards.
 void WINBOX(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 // Move the cursor; 1, or 0 (and no move) outside the window.
 int WINAT(int rij, int kolom);
+// Attribute and colours of what follows in the current window.
 void WINATTR(uint32_t attr);
 // Cursor place and inner size of the current window, 1-based, counted like WINAT's arguments.
 int WINRIJ();
@@ -185,9 +186,13 @@ int SCRBASE(uint32_t attr, int rij, int kolom, const char* fmt, ...) __attribute
 // `aantal` line-drawing cells, L_VERTICAAL downwards and the others to the right.
 enum Lijnteken : char { L_LINKS = ',', L_RECHTS = '+', L_HORIZONTAAL = 'q', L_VERTICAAL = 'x' };
 void SCRLIJN(uint32_t attr, int rij, int kolom, Lijnteken teken, int aantal);
+// Clear from a place to the end of its row; the same and every row below it. A border stays.
 void SCRCLREOL(int rij, int kolom);
 void SCRCLREOW(int rij, int kolom);
+// Show what was written, then wait; the interrupt key ends the wait.
 void SCRFLUSH(int seconden);
+// Seconds between two refreshes of long output: 0 shows every text at once, below 0 none. SCRAUTO refreshes when
+// they have passed; every text that is written calls it.
 void SCRRATE(int seconden);
 void SCRAUTO();
 // Text on the status line with a beep; "" clears it silently. Does nothing without a screen.

@@ -84,6 +84,15 @@ inline void gesprekken(const std::function<std::string()>& kind,
     }
 }
 
+// That child, seen from the moment that it waits.
+class OpScherm : public Terminal {
+public:
+    explicit OpScherm(const std::function<void()>& werk, const Opties& o = {})
+        : Terminal(op_scherm(werk), o) {
+        kalm();
+    }
+};
+
 struct Doos {
     int rij = 0, kolom = 0, hoogte = 0, breedte = 0;
     bool operator==(const Doos&) const = default;

@@ -160,12 +160,11 @@ TEST(Toets, Signals) {
 }
 
 TEST(Toets, ResizeRepaints) {
-    Terminal t(op_scherm([] {
+    OpScherm t([] {
         SCRPUT(A_WAARDE, 5, 5, "onder");
         WINOPEN1(10, 10, 3, 10);
         WINBOX("boven");
-    }));
-    t.kalm();
+    });
     size_t n = t.uitvoer().size();
     t.maat(40, 100);
     t.wacht("onder");
@@ -176,7 +175,7 @@ TEST(Toets, ResizeRepaints) {
 }
 
 TEST(Toets, StackBeforeKeyboard) {
-    Terminal t(op_scherm([] {
+    OpScherm t([] {
         int leeg = TOETSKLAAR();
         TOETSDRUK('b');
         TOETSTERUG('a');
@@ -189,8 +188,7 @@ TEST(Toets, StackBeforeKeyboard) {
         TOETSTERUG('x');
         TOETSLEEG();
         SCRPUT(A_WAARDE, 3, 1, "%d", TOETSKLAAR());
-    }));
-    t.kalm();
+    });
     t.stuur("c");
     t.wacht("0 1 abc 0");
     t.stuur("k");
