@@ -50,6 +50,8 @@ bool seizoen_kiezen(uint16_t* jaar, char* letter) {
         const char* soort = TXT(s.letter == 'Z' ? T_ZOMER : s.letter == 'W' ? T_WINTER : T_DOORLOPEND);
         snprintf(regel, sizeof regel, "%-4.4s %c  %-12.12s %-16.16s", s.jaar ? naam : "Std", s.letter, soort,
                  s.jaar ? "" : TXT(T_STANDAARDSEIZOEN));
+        if (s.jaar == *jaar && s.letter == *letter)
+            lijst.begin = static_cast<int>(lijst.regels.size());
         lijst.regels.push_back(regel);
     }
     lijst.titel = TXT(T_KIES_SEIZOEN), lijst.kop = TXT(T_SEIZOEN), lijst.vraag = TXT(T_JAAR),

@@ -18,7 +18,7 @@ std::string seizoen_map(uint16_t jaar, char letter); // "2016Z"
 unsigned seizoen_jaar(unsigned getypt);
 // The seasons that there are, latest first, the standard ones at the end.
 std::vector<Seizoen> seizoen_lijst();
-// Pick list; false without a pick, or without any season (told).
+// Pick list, beginning on the season given; false without a pick, or without any season (told).
 bool seizoen_kiezen(uint16_t* jaar, char* letter);
 
 } // namespace zg
