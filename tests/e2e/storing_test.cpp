@@ -75,6 +75,29 @@ bool gemeld(const std::string& scherm) {
            scherm.find("niet te openen") != std::string::npos;
 }
 
+// What a session with one call disturbed came to. What it tells on the screen is answered with ENTER.
+struct Afloop {
+    int einde;
+    std::string verteld;
+};
+Afloop speel(Datamap& map, const Sessie& sessie, const std::string& call, const std::string& wat) {
+    Afloop uit;
+    Terminal t(met_strace(map, call, wat), map.opties());
+    t.wacht_op(1, 46, "2016");
+    for (size_t i = 0; i < sessie.stappen.size() + 8 && t.leeft(); i++) {
+        EXPECT_TRUE(t.kalm()) << t.scherm();
+        for (int box = 0; box < 5 && t.leeft() && gemeld(t.scherm()); box++) {
+            uit.verteld += t.scherm();
+            t.toetsen("<Enter>");
+        }
+        t.reeks(i < sessie.stappen.size() ? sessie.stappen[i] : "<Esc>");
+        if (i >= sessie.stappen.size())
+            t.einde(50);
+    }
+    uit.einde = t.einde(10000);
+    return uit;
+}
+
 enum Herstel { GEEN, WEL, NIET };
 
 // The next start: what it says of the order, and no scratch file behind it.
@@ -97,33 +120,22 @@ Herstel volgende_start(Datamap& map) {
 } // namespace
 
 TEST(Storing, GedoodBijElkeSchrijfactie) {
+    Datamap map;
     for (const Sessie& sessie : SESSIES) {
         const Toestand toestand(sessie.nieuw);
         int aantal[3] = {};
-        Datamap map;
         size_t call = 0;
         for (int n = 1; call < std::size(CALLS); n++) {
             SCOPED_TRACE(std::string(sessie.wat) + " killed at " + CALLS[call] + " " + std::to_string(n));
             map.journaal(toestand.oud);
-            int einde;
-            {
-                Terminal t(met_strace(map, CALLS[call], "signal=KILL:when=" + std::to_string(n)),
-                           map.opties());
-                t.wacht_op(1, 46, "2016");
-                t.kalm();
-                std::string alles;
-                for (const char* stap : sessie.stappen)
-                    alles += stap;
-                t.reeks(alles + "<Esc>");
-                einde = t.einde(10000);
-                ASSERT_TRUE(einde == 0 || einde == 128 + SIGKILL) << einde << "\n" << t.scherm();
-            }
+            int einde = speel(map, sessie, CALLS[call], "signal=KILL:when=" + std::to_string(n)).einde;
+            const std::string dood = map.journaal();
             if (einde == 0) {
-                EXPECT_EQ(map.journaal(), toestand.klaar);
+                EXPECT_EQ(dood, toestand.klaar);
                 call++, n = 0;
                 continue;
             }
-            std::string dood = map.journaal();
+            ASSERT_EQ(einde, 128 + SIGKILL);
             EXPECT_TRUE(dood == toestand.oud || dood == toestand.klaar) << "a journal in between";
             Herstel herstel = volgende_start(map);
             aantal[herstel]++;
@@ -131,9 +143,6 @@ TEST(Storing, GedoodBijElkeSchrijfactie) {
             if (herstel == NIET) {
                 EXPECT_EQ(map.journaal(), toestand.oud);
             }
-            std::string dump =
-                std::string(ZG_BINARY_DIR "/orddump ") + map.bestand("2016Z/ORD0012.JRN") + " >/dev/null";
-            EXPECT_EQ(system(dump.c_str()), 0);
             ASSERT_FALSE(HasFailure());
         }
         EXPECT_GE(aantal[WEL], sessie.nieuw ? 2 : 6);
@@ -144,55 +153,42 @@ TEST(Storing, GedoodBijElkeSchrijfactie) {
 // Full once, and full from then on: told, the journal as it was or new, and what was entered is there at the
 // next start.
 TEST(Storing, SchijfVolBijElkeSchrijfactie) {
-    const Sessie& sessie = SESSIES[0];
-    const Toestand toestand(sessie.nieuw);
+    const Toestand toestand(false);
     for (const char* hoe : {"", "+"}) {
         size_t call = 0;
         for (int n = 1; std::string(CALLS[call]) != "unlink"; n++) {
             SCOPED_TRACE("disk full at " + std::string(CALLS[call]) + " " + std::to_string(n) + hoe);
             Datamap map;
             map.journaal(toestand.oud);
-            std::string verhaal;
-            bool verteld = false;
-            {
-                Terminal t(met_strace(map, CALLS[call], "error=ENOSPC:when=" + std::to_string(n) + hoe),
-                           map.opties());
-                t.wacht_op(1, 46, "2016");
-                for (size_t i = 0; i < sessie.stappen.size() + 8 && t.leeft(); i++) {
-                    ASSERT_TRUE(t.kalm()) << t.scherm();
-                    for (int box = 0; box < 5 && t.leeft() && gemeld(t.scherm()); box++) {
-                        verteld = true;
-                        verhaal += t.scherm();
-                        t.toetsen("<Enter>");
-                    }
-                    t.reeks(i < sessie.stappen.size() ? sessie.stappen[i] : "<Esc>");
-                    if (i >= sessie.stappen.size())
-                        t.einde(50);
-                }
-                EXPECT_EQ(t.einde(), 0) << t.scherm();
-            }
+            auto [einde, verteld] =
+                speel(map, SESSIES[0], CALLS[call], "error=ENOSPC:when=" + std::to_string(n) + hoe);
+            EXPECT_EQ(einde, 0);
             if (!ingegrepen(map)) {
                 call++, n = 0;
                 if (*hoe && call > 2)
                     break; // full for good: the calls that take room are enough
                 continue;
             }
-            EXPECT_TRUE(toestand.heel(map.journaal()) || (verteld && map.journaal() == toestand.regel));
             // A deletion of a scratch file that fails is no loss; whatever stays is the next start's.
             const bool werk = map.bestaat("2016Z/ORD0012.WRK");
-            if (verteld && werk) {
+            if (!verteld.empty() && werk) {
                 EXPECT_EQ(map.journaal(), toestand.oud) << "told that it isn't written";
                 EXPECT_TRUE(map.bestaat("2016Z/ORD0012.ACT"));
             }
-            if (!verteld) {
+            if (verteld.empty()) {
                 EXPECT_EQ(map.journaal(), toestand.klaar) << "not told";
             }
+            auto heel = [&] {
+                return toestand.heel(map.journaal()) ||
+                       (!verteld.empty() && map.journaal() == toestand.regel);
+            };
+            EXPECT_TRUE(heel());
             Herstel herstel = volgende_start(map);
-            EXPECT_TRUE(toestand.heel(map.journaal()) || (verteld && map.journaal() == toestand.regel));
+            EXPECT_TRUE(heel());
             if (werk) {
-                EXPECT_NE(herstel, NIET) << verhaal;
+                EXPECT_NE(herstel, NIET);
             }
-            ASSERT_FALSE(HasFailure()) << verhaal;
+            ASSERT_FALSE(HasFailure()) << verteld;
         }
     }
 }
