@@ -24,24 +24,13 @@ void kopieer(const ordhandle* h, int64_t van, int64_t tot, bool zonder_lege, int
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, h->fd, van, tot);
-    for (;;) {
-        switch (ordloop_volgende(&l, &r)) {
-        case LOOP_RECORD:
-            if (zonder_lege && r.tag == 'T' && !r.data[2])
-                break;
-            if (r.tag == 'D')
-                ++*regels;
-            if (!tmp_rauw(r.data, r.lengte, false))
-                return;
-            break;
-        case LOOP_EINDE:
+    while (ord_verder(h, &l, &r, "commit", 1)) {
+        if (zonder_lege && r.tag == 'T' && !r.data[2])
+            continue;
+        if (r.tag == 'D')
+            ++*regels;
+        if (!tmp_rauw(r.data, r.lengte, false))
             return;
-        case LOOP_FOUT:
-            IOFAIL("commit", 1);
-        case LOOP_TAG:
-        case LOOP_KORT:
-            ord_inconsistent(h, r.offset, r.tag);
-        }
     }
 }
 

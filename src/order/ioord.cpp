@@ -11,6 +11,7 @@
 #include "order/ordsys.h"
 #include "shared/files.h"
 #include "shared/report.h"
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -34,33 +35,28 @@ ordfil filrec;
 namespace {
 
 struct tagrij {
-    int lengte;
-    void* beeld;
+    int lengte = -1;
+    void* beeld = nullptr;
 };
 
-tagrij tag_rij(char tag) {
-    switch (tag) {
-    case 'O':
-        return {sizeof kop, &kop};
-    case 'M':
-        return {sizeof model, &model};
-    case 'D':
-        return {sizeof dessin, &dessin};
-    case 'T':
-        return {sizeof tekstrec, &tekstrec};
-    case 'S':
-        return {sizeof maatrec, &maatrec};
-    case 'E':
-        return {sizeof extra_e, &extra_e};
-    case 'B':
-        return {sizeof extra_b, &extra_b};
-    case 'L':
-        return {sizeof levtrec, &levtrec};
-    case 'F':
-        return {sizeof filrec, &filrec};
-    default:
-        return {-1, nullptr};
-    }
+// By tag byte.
+const std::array<tagrij, 256> TAGS = [] {
+    std::array<tagrij, 256> t{};
+    auto zet = [&t](char tag, auto& beeld) { t[static_cast<uint8_t>(tag)] = {sizeof beeld, &beeld}; };
+    zet('O', kop);
+    zet('M', model);
+    zet('D', dessin);
+    zet('T', tekstrec);
+    zet('S', maatrec);
+    zet('E', extra_e);
+    zet('B', extra_b);
+    zet('L', levtrec);
+    zet('F', filrec);
+    return t;
+}();
+
+const tagrij& tag_rij(char tag) {
+    return TAGS[static_cast<uint8_t>(tag)];
 }
 
 inline constexpr int32_t BUFFER_MAX = 16384, BUFFER_MIN = 1024;
@@ -128,19 +124,8 @@ void keur(ordhandle* h) {
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, h->fd, 0, INT64_MAX);
-    for (;;) {
-        switch (ordloop_volgende(&l, &r)) {
-        case LOOP_RECORD:
-            continue;
-        case LOOP_EINDE:
-            return;
-        case LOOP_FOUT:
-            IOFAIL("ioord", 2);
-        case LOOP_TAG:
-        case LOOP_KORT:
-            ord_inconsistent(h, r.offset, r.tag);
-        }
-    }
+    while (ord_verder(h, &l, &r, "ioord", 2))
+        continue;
 }
 
 // Fill the buffer from an offset; true when a whole record stands at its start. At the end of the file
@@ -203,7 +188,7 @@ bool neem(ordhandle* h, char tag) {
     h->tag = tag;
     if (tag == 'X' || !tag)
         return false;
-    tagrij rij = tag_rij(tag);
+    const tagrij& rij = tag_rij(tag);
     memcpy(rij.beeld, h->buffer + (h->offset - h->bufstart) + 1, static_cast<size_t>(rij.lengte));
     if (tag == 'O')
         h->laatste_o = h->offset;
@@ -272,6 +257,21 @@ void ord_wissel(ordhandle* h, int fd) {
     h->offset = h->bufgeldig = h->bufstart = 0;
     h->tag = 0;
     h->laatste_o = h->laatste_m = h->laatste_d = -1;
+}
+
+bool ord_verder(const ordhandle* h, ordloop* l, ordrauw* r, const char* module, int nr) {
+    switch (ordloop_volgende(l, r)) {
+    case LOOP_RECORD:
+        return true;
+    case LOOP_EINDE:
+        return false;
+    case LOOP_FOUT:
+        IOFAIL(module, nr);
+    case LOOP_TAG:
+    case LOOP_KORT:
+        break;
+    }
+    ord_inconsistent(h, r->offset, r->tag);
 }
 
 bool ord_lees(ordhandle* h, char modus) {
@@ -346,7 +346,7 @@ bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
 }
 
 bool ord_schrijf(ordhandle* h) {
-    tagrij rij = tag_rij(h->tag);
+    const tagrij& rij = tag_rij(h->tag);
     if (rij.lengte < 0 || h->offset < 0)
         return false;
     uint8_t bytes[1 + sizeof(orddessin)];

@@ -2,6 +2,7 @@
 // operators' tools) the same lines go to the error output.
 #pragma once
 #include "order/ioord.h"
+#include "order/ordloop.h"
 #include "order/teksten.h"
 #include <cstdint>
 
@@ -16,8 +17,10 @@ void ord_meld_schrijffout(const char* naam, int reden, const char* regel2, const
 // Stops: "Order 2016Z-ORD0012.JRN inconsistent, pos. 1234 (Q)".
 [[noreturn]] void ord_inconsistent(const ordhandle* h, int64_t pos, char tag);
 
-// For the siblings of ioord. ord_wissel: the handle goes on with another descriptor, from offset 0; the old
+// For the siblings of ioord. ord_verder: the next record of a walk over the handle's file, false at the end; what
+// can't be read stops the program, a failing disk with the module's number. ord_wissel: the handle goes on with another descriptor, from offset 0; the old
 // one is closed. ord_schrijf_op: bytes in place; false when that failed, told, with the old bytes put back.
+bool ord_verder(const ordhandle* h, ordloop* l, ordrauw* r, const char* module, int nr);
 void ord_wissel(ordhandle* h, int fd);
 bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n);
 

@@ -74,21 +74,9 @@ template <class F> void loop_wrk(F plaats) {
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
-    for (;;) {
-        switch (ordloop_volgende(&l, &r)) {
-        case LOOP_RECORD:
-            if (plaats(r))
-                tmp_rauw(r.data, r.lengte, true);
-            break;
-        case LOOP_EINDE:
-            return;
-        case LOOP_FOUT:
-            IOFAIL("wrkregel", 2);
-        case LOOP_TAG:
-        case LOOP_KORT:
-            ord_inconsistent(werk, r.offset, r.tag);
-        }
-    }
+    while (ord_verder(werk, &l, &r, "wrkregel", 2))
+        if (plaats(r))
+            tmp_rauw(r.data, r.lengte, true);
 }
 
 // The file must still hold what the index says before anything is left out at those offsets.
