@@ -27,6 +27,9 @@ extern "C" const char* __lsan_default_suppressions() {
 }
 #endif
 
+// There in a coverage build only: a child that ends without exit() must write its counters itself.
+extern "C" void __gcov_dump() __attribute__((weak));
+
 namespace zg::test {
 
 namespace {
@@ -263,11 +266,17 @@ Terminal::Terminal(const std::function<int()>& kind, const Opties& opties) : b_(
     b_->start(opties, [&] {
         int status = kind();
         fflush(nullptr);
+        if (__gcov_dump)
+            __gcov_dump();
         _exit(status);
     });
 }
 
 Terminal::~Terminal() {
+    if (__gcov_dump && !b_->geeindigd()) {
+        ::kill(b_->pid, SIGTERM);
+        einde(1000);
+    }
     if (!b_->geeindigd()) {
         ::kill(b_->pid, SIGKILL);
         waitpid(b_->pid, nullptr, 0);

@@ -303,11 +303,16 @@ TEST(Scherm, Variants) {
                 SCRTERM(g.naam); // a second time, the SCREEN exists
                 SCRPUT(A_WAARDE, 2, 2, "weer");
                 TOETS();
-                WINCLOSE();
-                SCRTERM(""); // on top of itself: a full window
+                SCRTERM(""); // its screen lies below: a full window
                 SCRPUT(A_WAARDE, 2, 2, "vol %d", SCHERM.aantal);
                 TOETS();
                 WINCLOSE();
+                SCRPUT(A_WAARDE, 3, 2, "%dx%d", SCHERM.lines, SCHERM.cols);
+                TOETS();
+                WINCLOSE();
+                TOETS();
+                SCRTERM(g.naam); // the terminal's window has become smaller
+                SCRPUT(A_WAARDE, 3, 2, "%dx%d", SCHERM.lines, SCHERM.cols);
             },
             {.rijen = 50, .kolommen = 140});
         t.toetsen("x");
@@ -323,11 +328,17 @@ TEST(Scherm, Variants) {
         t.toetsen("x");
         EXPECT_EQ(t.regel(2), " weer");
         t.toetsen("x");
-        EXPECT_EQ(t.regel(2), " vol 3");
+        EXPECT_EQ(t.regel(2), " vol 4");
         EXPECT_EQ(t.regel(12), "");
+        t.toetsen("x");
+        EXPECT_EQ(t.regel(2), " weer");
+        EXPECT_EQ(t.regel(3), " " + std::to_string(g.rijen) + "x" + std::to_string(g.kolommen));
         t.toetsen("x");
         EXPECT_EQ(t.stuk(12, 30, 13), "gewoon scherm");
         EXPECT_EQ(t.stuk(3, 3, 20), "┌────────V─────────┐");
+        t.maat(25, 80);
+        t.toetsen("x");
+        EXPECT_EQ(t.regel(3), " 25x80");
     }
 }
 

@@ -271,6 +271,8 @@ TEST(Instel, Toetsen) {
     TOETSCHECKAAN(0); // the empty slots have no bit
     EXPECT_EQ(INSTEL.check, 1u << key_up);
     EXPECT_TRUE(TOETSCHECK(K_UP));
+    TOETSCHECKAAN(K_CANCEL);
+    TOETSCHECKUIT(K_CANCEL);
     TOETSUIT(K_UP);
     EXPECT_FALSE(TOETSCHECK(K_UP));
     INSTEL.minimum = 3, INSTEL.maximum = 8;

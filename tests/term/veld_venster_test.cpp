@@ -178,6 +178,19 @@ TEST(VeldVenster, EigenToetsen) {
     Terminal t([&] { return veld(5, 10, "8c", doel, &SCHERM.toets[key_f1], &SCHERM.toets[key_f11]); });
     t.toetsen("q<F11>");
     EXPECT_EQ(t.regel(1), "klaar 275 [q]");
+    // CANCEL that the caller lets validate still stores nothing
+    Terminal u([&] {
+        SCRINIT();
+        TOETSCHECKAAN(K_ESC);
+        INGAVE(5, 10, "4c,F", &SCHERM.toets[key_cancel], doel);
+        SCRPUT(A_WAARDE, 1, 1, "klaar %d [%s]", SCHERM.laatste, doel);
+        TOETS();
+        return 0;
+    });
+    u.toetsen("xyz<Esc>");
+    EXPECT_EQ(u.regel(25), "<xyz> Volledig vullen");
+    u.toetsen("wxyz<Esc>");
+    EXPECT_EQ(u.regel(1), "klaar 27 [abc]");
 }
 
 TEST(VeldVenster, ExitBreektAf) {
