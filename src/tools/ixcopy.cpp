@@ -21,8 +21,8 @@ bool kopieer(int van, const std::string& naar, int64_t bytes, Balk& balk, int64_
     bool goed = true;
     for (int64_t p = 0; goed && p < bytes;) {
         ssize_t n = pread(van, stuk.data(), static_cast<size_t>(std::min<int64_t>(bytes - p, 1 << 20)), p);
-        if (n <= 0)
-            break;
+        if (n <= 0) // never a copy that is only shorter
+            goed = false;
         for (ssize_t w, weg = 0; weg < n && goed; weg += w)
             goed = (w = write(fd, stuk.data() + weg, static_cast<size_t>(n - weg))) > 0;
         p += n;
