@@ -64,67 +64,97 @@ struct ICB {
 
 inline constexpr int IXVRAAG = 4096; // added to a mode: ask and retry when permission lacks
 
-// Pairs. A name with a point behind its last '/' is a temporary index over the data file of the normal pair.
+// Pairs. A name with a point behind its last '/' is a temporary index over the data file of the normal pair: private
+// to its maker, its data file never locked. Modes: 0 read-only, 1 exclusive, 2 shared. A file that can't be opened,
+// made or written stops the program, and so does a header or block that makes no sense ("Niet consistent"): the pair
+// is then to be rebuilt (store/rebuild.h). Handles are freed by IXCLOSE.
+
+// New, empty index; the data file is made when there is none and else kept. To be followed by IXUPDFCB for title and
+// keys and by IXINIT or IXINITIX.
 ICB* IXCREATE(const char* naam, int mode);
-void IXUPDFCB(ICB* icb, int sleutel, const char* tekst); // key 0: "title,reclen"
-void IXINITIX(ICB* icb);
-void IXINIT(ICB* icb);
+// Definition by text: for key 0 "title,reclen", for keys 1 to 5 "name,NODUPS,C,5,14,I,1,4". Positions count from 1;
+// ten parts and 60 bytes a key at most; without NODUPS a key allows duplicates, but for key 1. Stops on a text that
+// gives no key.
+void IXUPDFCB(ICB* icb, int sleutel, const char* tekst);
+void IXINITIX(ICB* icb); // empty trees, queue and counters; the data file stays as it is
+void IXINIT(ICB* icb);   // both files emptied
+// Existing pair, key 1 current. Mode 1 waits for all record locks. With IXVRAAG missing permission is asked about.
+// Version 350 stops the program; any other than 351 becomes 351.
 ICB* IXOPEN(const char* naam, int mode);
-void IXCLOSE(ICB* icb);
-int IXCHECK(const char* naam); // free records, or -1 when the pair isn't usable
-extern bool IXDIEPERKIJKEN;    // off: IXCHECK answers 0 once the header has been read
-int IXREMOVE(const char* naam);
-int IXRECLIVE(const void* rec, int lengte);
+void IXCLOSE(ICB* icb); // in mode 1 this writes the header
+// Is a pair usable that this program has not open? The number of free records, or -1.
+int IXCHECK(const char* naam);
+extern bool IXDIEPERKIJKEN;                 // off: IXCHECK answers 0 once the header has been read
+int IXREMOVE(const char* naam);             // both files of a normal pair: 1 when they are gone
+int IXRECLIVE(const void* rec, int lengte); // 1 live, 0 free: 0xFF but for bytes 1 to 4
 
-// Keys.
+// Keys. Lengths are in bytes, and those of prefixes end with a part (IXKEYLEN).
+// Key of a record under the current key into `keybuf`: its first `lengte` bytes and NULs, or the whole key, which
+// with duplicates ends in `currec`.
 void IXBLDKEY(ICB* icb, const void* rec, int lengte);
-int IXCOMP(ICB* icb, const void* a, const void* b, int lengte);
-int IXCOLLATE(const void* a, const void* b, int n);
-int16_t IXKEYLEN(ICB* icb, int delen);
-void IXKEYTOREC(ICB* icb, void* rec);
-int IXSLEUTEL(const ICB* icb); // number of the current key
+int IXCOMP(ICB* icb, const void* a, const void* b, int lengte); // below 0, 0, above 0
+int IXCOLLATE(const void* a, const void* b, int n); // two texts of n bytes: case ignored, accents last
+int16_t IXKEYLEN(ICB* icb, int delen);              // of the first parts, or for 0 of the whole key
+void IXKEYTOREC(ICB* icb, void* rec);               // the fields of the entry at `curent`, and no others
+int IXSLEUTEL(const ICB* icb);                      // number of the current key
 
-// Tree.
-void IXRDIX(ICB* icb, int32_t blok);
-void IXWRIX(ICB* icb, int32_t blok);
-void IXSWITCH(ICB* icb, int sleutel);
-void IXLOCKEY(ICB* icb, int lengte);
+// Tree. The operator of a search is '=' (first entry not below the key, which must be equal), '>' (first above) or
+// '<' (last below), over the first `lengte` bytes of `keybuf`; the answer a record number, or -1 for none.
+void IXRDIX(ICB* icb, int32_t blok);  // block 0 into the header, another into `node` and the path
+void IXWRIX(ICB* icb, int32_t blok);  // the reverse
+void IXSWITCH(ICB* icb, int sleutel); // another current key; numbers that are none change nothing
+void IXLOCKEY(ICB* icb, int lengte);  // `curent` to the first entry in hand not below `keybuf`
+// The operator within the node in hand: the pointer of the entry, or -1.
 int32_t IXNODEFIND(ICB* icb, char operatie, int lengte);
 int32_t IXSEARCH(ICB* icb, char operatie, int lengte);
-void IXINSKEY(ICB* icb);
-void IXDELENTRY(ICB* icb);
-int IXFIRSTK(ICB* icb, void* rec, int delen);
+void IXINSKEY(ICB* icb);   // `keybuf` and `insptr` in front of `curent`, splitting full nodes
+void IXDELENTRY(ICB* icb); // the entry for `keybuf` out of `curblock`
+
+// Walking by the current key: 1 found, 0 none, and then `currec` is -1. `delen` 0 goes by the whole key; n above 0
+// takes the first n parts as the place. The ..K kind fills in the key's fields only and stays under the first n - 1
+// parts, the ..R kind reads the record and stays under all n.
+int IXFIRSTK(ICB* icb, void* rec, int delen); // first at or after the record's key
 int IXNEXTK(ICB* icb, void* rec, int delen);
 int IXPREVK(ICB* icb, void* rec, int delen);
 int IXFIRSTR(ICB* icb, void* rec, int delen);
 int IXNEXTR(ICB* icb, void* rec, int delen);
 int IXPREVR(ICB* icb, void* rec, int delen);
-int IXFIRST(ICB* icb, void* rec);
+int IXFIRST(ICB* icb, void* rec); // ..R with 0 parts
 int IXNEXT(ICB* icb, void* rec);
-int IXLAST(ICB* icb, void* rec);
+int IXLAST(ICB* icb, void* rec); // the one before the record's key
+// From record *recnr so many keys on (below 0: back); 0 reads it again, or the next one when it has gone. 1: a live
+// record, whose number is in *recnr.
 int IXSKIP(ICB* icb, void* rec, int delen, int stappen, int32_t* recnr);
-int IXUNIQK(ICB* icb, void* rec, int deel);
+int IXUNIQK(ICB* icb, void* rec,
+            int deel); // one value only of this part (from 1) under those before it: filled in
 
-// Records. 1 for yes, 0 for no.
+// Records, of `reclen` bytes. 1 for yes, 0 for no; `currec` is the record at work.
 int IXGET(ICB* icb, void* rec, int32_t recnr); // -1 no such number, 0 free, 1 live
-int IXREAD(ICB* icb, void* rec);
+int IXREAD(ICB* icb, void* rec);               // by the whole key, no lock
+// The same and lock it, waiting as long as it takes. 0: no such key, which is now reserved. Ended by a write, a
+// delete or IXUNLOCK.
 int IXREADL(ICB* icb, void* rec);
 void IXUNLOCK(ICB* icb, const void* rec);
 int IXEXISTS(ICB* icb, const void* rec);
-int IXEXISTSP(ICB* icb, const void* rec, int delen);
+int IXEXISTSP(ICB* icb, const void* rec, int delen); // by the first parts
+// Insert, or update when key 1 exists, and let go of the record; the ..K kind keeps its lock. 0: nothing written, the
+// index is full or the record would read as free. In mode 0 a box, and 1.
 int IXWRITE(ICB* icb, const void* rec);
 int IXWRITEK(ICB* icb, const void* rec);
-int IXDELETE(ICB* icb, void* rec);
-int IXPUTREC(ICB* icb, const void* rec);
-int IXUPDATE(ICB* icb, const void* rec);
+int IXDELETE(ICB* icb, void* rec);       // the record at `currec`, if key 1 agrees; always 0
+int IXPUTREC(ICB* icb, const void* rec); // over the one at `currec`, keys untouched, and let go; always 1
+int IXUPDATE(ICB* icb, const void* rec); // the halves of IXWRITE
 int IXINSERT(ICB* icb, const void* rec);
-int64_t IXSEEKDAT(ICB* icb);
-void IXRDREC(ICB* icb, void* rec);
+int64_t IXSEEKDAT(ICB* icb);       // place of `currec` in the data file
+void IXRDREC(ICB* icb, void* rec); // 0xFF for what lies past the end
 void IXWRREC(ICB* icb, const void* rec);
 
 // Locks. The wait routine shows who is in the way and sleeps 2 seconds; start-up replaces it.
 extern void (*IXWAITHOOK)(ICB* icb);
+// One try with a letter of IOLOCK, and one wait when it is refused. 1 got, 0 not.
 int IXLOCKRGN(char letter, ICB* icb, int fd, int64_t start, int64_t lengte);
+// 1 whole file, 2 header (both until got), 3 record at `currec`, 4 reserve the key in `keybuf` (both one try); 11 to 14
+// release these. 1 got, 0 not, or no such operation. Stops the program when the queue of keys is full.
 int IXLOCK(ICB* icb, int operatie);
 // IOLOCK, IOFLOCK and IXCOMMITHOOK: shared/files.h.
 

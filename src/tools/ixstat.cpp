@@ -1,4 +1,5 @@
 // ixstat: what a pair is: definition, counts, and for each key the depth, nodes and fill of its tree.
+#include "store/node.h"
 #include "term/natl.h"
 #include "term/vast.h"
 #include "tools/dump.h"
@@ -17,35 +18,30 @@ struct Boom {
     bool heel = true; // no child outside the file, none met twice
 };
 
-// A node's header and entries as ixstat needs them: level at 1, count at 4, entries of keylen + 4 from 5.
 Boom tel(const Paar& paar, int sleutel, std::vector<bool>& gezien) {
     Boom b;
     const int ingang = paar.kop.keydef[sleutel - 1].keylen + 4;
     std::vector<int32_t> stapel{sleutel};
     while (!stapel.empty()) {
-        int32_t blok = stapel.back();
+        const int32_t blok = stapel.back();
         stapel.pop_back();
-        uint8_t node[IXBLOK];
+        IXKNOOP k;
         if (blok < 1 || blok >= static_cast<int64_t>(gezien.size()) || gezien[static_cast<size_t>(blok)] ||
-            pread(paar.idx, node, IXBLOK, int64_t{blok} * IXBLOK) != IXBLOK || node[0] != sleutel ||
-            5 + node[4] * ingang > IXBLOK) {
+            IXBLOKLEES(paar.idx, blok, &k, sizeof k) != IXBLOK || k.keyno != sleutel ||
+            k.count * ingang > KNOOPRUIMTE) {
             b.heel = false;
             continue;
         }
         gezien[static_cast<size_t>(blok)] = true;
-        int niveau = static_cast<int8_t>(node[1]);
-        b.diepte = std::max(b.diepte, niveau);
+        b.diepte = std::max<int>(b.diepte, k.level);
         b.knopen++;
-        if (niveau <= 1) {
+        if (k.level <= 1) {
             b.bladen++;
-            b.ingangen += node[4];
+            b.ingangen += k.count;
             continue;
         }
-        for (int i = 0; i < node[4]; i++) {
-            int32_t kind;
-            memcpy(&kind, node + 5 + i * ingang + ingang - 4, 4);
-            stapel.push_back(kind);
-        }
+        for (int i = 1; i <= k.count; i++)
+            stapel.push_back(LEES32(k.entries + i * ingang - 4));
     }
     return b;
 }
@@ -62,80 +58,93 @@ int64_t tel_vrij(const Paar& paar) {
     return vrij;
 }
 
+// What is told of a pair.
+struct Stat {
+    std::vector<Boom> bomen;
+    int64_t blokken = 0, ongebruikt = 0, vrij = 0;
+    int gereserveerd = 0;
+};
+
+Stat meet(const Paar& paar) {
+    Stat s;
+    s.blokken = paar.idxbytes / IXBLOK;
+    std::vector<bool> gezien(static_cast<size_t>(s.blokken));
+    int64_t knopen = 2; // header and queue
+    for (int k = 1; k <= paar.kop.nkeys; k++) {
+        s.bomen.push_back(tel(paar, k, gezien));
+        knopen += s.bomen.back().knopen;
+    }
+    s.vrij = tel_vrij(paar);
+    s.ongebruikt = std::max<int64_t>(0, s.blokken - knopen);
+    IXKNOOP rij;
+    if (IXBLOKLEES(paar.idx, paar.kop.nkeys + 1, &rij, sizeof rij) == IXBLOK)
+        s.gereserveerd = rij.count;
+    return s;
+}
+
+void als_json(const Paar& paar, const Stat& s) {
+    nlohmann::json j = {{"name", tabelnaam(paar.naam)},
+                        {"title", CP850UTF8(VASTTEKST(paar.kop.title))},
+                        {"reclen", paar.kop.reclen},
+                        {"records", paar.kop.nrecs - s.vrij},
+                        {"free", s.vrij},
+                        {"blocks", s.blokken},
+                        {"unused_blocks", s.ongebruikt},
+                        {"reserved_keys", s.gereserveerd},
+                        {"version", paar.kop.version},
+                        {"busy", paar.kop.busy},
+                        {"keys", nlohmann::json::array()}};
+    for (size_t k = 0; k < s.bomen.size(); k++)
+        j["keys"].push_back({{"key", sleuteltekst(paar.kop.keydef[k])},
+                             {"length", paar.kop.keydef[k].keylen},
+                             {"depth", s.bomen[k].diepte},
+                             {"nodes", s.bomen[k].knopen},
+                             {"leaves", s.bomen[k].bladen},
+                             {"entries", s.bomen[k].ingangen},
+                             {"whole", s.bomen[k].heel}});
+    printf("%s\n", j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+}
+
+void als_tekst(const Paar& paar, const Stat& s) {
+    auto L = [](int64_t n) { return static_cast<long long>(n); };
+    printf("%s  \"%s\"  %d bytes a record, version %d%s\n", paar.naam.c_str(),
+           CP850UTF8(VASTTEKST(paar.kop.title)).c_str(), paar.kop.reclen, paar.kop.version,
+           paar.kop.busy ? ", marked busy" : "");
+    printf("  %lld records, %lld free; %lld index blocks, %lld unused; %d keys reserved\n",
+           L(paar.kop.nrecs - s.vrij), L(s.vrij), L(s.blokken), L(s.ongebruikt), s.gereserveerd);
+    for (size_t k = 0; k < s.bomen.size(); k++) {
+        const Boom& b = s.bomen[k];
+        const int maxent = paar.kop.keydef[k].maxent;
+        const double plaatsen = static_cast<double>(b.bladen) * (maxent - 1);
+        printf("  key %zu  %-40s %3d bytes, depth %d, %lld nodes, %lld leaves %.0f%% full%s\n", k + 1,
+               sleuteltekst(paar.kop.keydef[k]).c_str(), paar.kop.keydef[k].keylen, b.diepte, L(b.knopen),
+               L(b.bladen), plaatsen > 0 ? 100.0 * static_cast<double>(b.ingangen) / plaatsen : 0.0,
+               b.heel ? "" : ", tree not whole");
+    }
+}
+
+int een(const std::string& naam, const Opdracht& o) {
+    Paar paar;
+    if (int fout = paar_open(naam, &paar))
+        return fout;
+    if (int fout = paar_vast(&paar, o.wacht))
+        return fout;
+    if (std::string kwaal = paar_kop(&paar); !kwaal.empty())
+        return klacht(naam, kwaal), FOUT_GEVONDEN;
+    const Stat s = meet(paar);
+    paar_los(&paar);
+    o.json ? als_json(paar, s) : als_tekst(paar, s);
+    return GOED;
+}
+
 } // namespace
 
 int ixstat(const Opdracht& o) {
     std::vector<std::string> namen;
     int slechtst = paren(o.namen, &namen) ? GOED : FOUT_GEBRUIKT;
-    for (const std::string& naam : namen) {
-        Paar paar;
-        int uitkomst = paar_open(naam, &paar);
-        if (uitkomst == GOED)
-            uitkomst = paar_vast(&paar, o.wacht);
-        std::string kwaal = uitkomst == GOED ? paar_kop(&paar) : "";
-        if (!kwaal.empty()) {
-            klacht(naam, kwaal);
-            uitkomst = FOUT_GEVONDEN;
-        }
-        if (uitkomst != GOED) {
-            slechtst = slechtst == GOED ? uitkomst : slechtst;
-            continue;
-        }
-        const int64_t blokken = paar.idxbytes / IXBLOK;
-        std::vector<bool> gezien(static_cast<size_t>(blokken));
-        std::vector<Boom> bomen;
-        int64_t knopen = 0;
-        for (int s = 1; s <= paar.kop.nkeys; s++) {
-            bomen.push_back(tel(paar, s, gezien));
-            knopen += bomen.back().knopen;
-        }
-        int64_t vrij = tel_vrij(paar), ongebruikt = std::max<int64_t>(0, blokken - 2 - knopen);
-        uint8_t rij[IXBLOK] = {};
-        ssize_t gelezen = pread(paar.idx, rij, IXBLOK, (paar.kop.nkeys + 1) * IXBLOK);
-        int gereserveerd = gelezen == IXBLOK ? rij[4] : 0;
-        paar_los(&paar);
-
-        if (o.json) {
-            nlohmann::json j = {{"name", tabelnaam(naam)},
-                                {"title", CP850UTF8(VASTTEKST(paar.kop.title))},
-                                {"reclen", paar.kop.reclen},
-                                {"records", paar.kop.nrecs - vrij},
-                                {"free", vrij},
-                                {"blocks", blokken},
-                                {"unused_blocks", ongebruikt},
-                                {"reserved_keys", gereserveerd},
-                                {"version", paar.kop.version},
-                                {"busy", paar.kop.busy},
-                                {"keys", nlohmann::json::array()}};
-            for (size_t s = 0; s < bomen.size(); s++)
-                j["keys"].push_back({{"key", sleuteltekst(paar.kop.keydef[s])},
-                                     {"length", paar.kop.keydef[s].keylen},
-                                     {"depth", bomen[s].diepte},
-                                     {"nodes", bomen[s].knopen},
-                                     {"leaves", bomen[s].bladen},
-                                     {"entries", bomen[s].ingangen},
-                                     {"whole", bomen[s].heel}});
-            printf("%s\n", j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
-            continue;
-        }
-        printf("%s  \"%s\"  %d bytes a record, version %d%s\n", naam.c_str(),
-               CP850UTF8(VASTTEKST(paar.kop.title)).c_str(), paar.kop.reclen, paar.kop.version,
-               paar.kop.busy ? ", marked busy" : "");
-        printf("  %lld records, %lld free; %lld index blocks, %lld unused; %d keys reserved\n",
-               static_cast<long long>(paar.kop.nrecs - vrij), static_cast<long long>(vrij),
-               static_cast<long long>(blokken), static_cast<long long>(ongebruikt), gereserveerd);
-        for (size_t s = 0; s < bomen.size(); s++) {
-            const Boom& b = bomen[s];
-            int maxent = paar.kop.keydef[s].maxent;
-            printf("  key %zu  %-40s %3d bytes, depth %d, %lld nodes, %lld leaves %.0f%% full%s\n", s + 1,
-                   sleuteltekst(paar.kop.keydef[s]).c_str(), paar.kop.keydef[s].keylen, b.diepte,
-                   static_cast<long long>(b.knopen), static_cast<long long>(b.bladen),
-                   b.bladen && maxent > 1 ? 100.0 * static_cast<double>(b.ingangen) /
-                                                (static_cast<double>(b.bladen) * (maxent - 1))
-                                          : 0.0,
-                   b.heel ? "" : ", tree not whole");
-        }
-    }
+    for (const std::string& naam : namen)
+        if (int uitkomst = een(naam, o); slechtst == GOED)
+            slechtst = uitkomst;
     return slechtst;
 }
 

@@ -3,6 +3,7 @@
 #include "tools/opdracht.h"
 #include "tools/werkmap.h"
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <unistd.h>
 
@@ -34,6 +35,74 @@ const Tool TOOLS[] = {
      "Reads operations from standard input; 'help' lists them.", ixsh, "0w"},
 };
 
+// The tool meant by the program's own name, or else by its first argument, which is then taken off; null for none.
+const Tool* kies(int* argc, char*** argv) {
+    auto met_naam = [](std::string_view naam) {
+        const Tool* t =
+            std::find_if(std::begin(TOOLS), std::end(TOOLS), [&](const Tool& x) { return naam == x.naam; });
+        return t == std::end(TOOLS) ? nullptr : t;
+    };
+    const std::string_view zelf = (*argv)[0];
+    if (const Tool* t = met_naam(zelf.substr(zelf.rfind('/') + 1)))
+        return t;
+    if (*argc < 2)
+        return nullptr;
+    --*argc;
+    return met_naam(*++*argv);
+}
+
+// One option or argument by its letter in the table of tools; `een`: a single PAIR.
+void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
+    switch (letter) {
+    case 'n':
+        app.add_option("PAIR", o.namen, "names of pairs, or directories for all their pairs")->required();
+        break;
+    case '1':
+        app.add_option("PAIR", een, "name of the pair")->required();
+        break;
+    case '0':
+        app.add_option("PAIR", een, "name of a pair to open at once");
+        break;
+    case '2':
+        app.add_option("PAIR", een, "name of the pair")->required();
+        app.add_option("TARGET", o.doel, "name of the copy, or a directory")->required();
+        break;
+    case 'd':
+        app.add_flag("-d,--dictionary", o.woordenboek,
+                     "take the definition from the dictionary, not from the header");
+        break;
+    case 'j':
+        app.add_flag("-j,--json", o.json, "JSON lines");
+        break;
+    case 't':
+        app.add_flag("-t,--truncate", o.kap,
+                     "save half a record at the end of a data file as PAIR.CUT, and cut it off");
+        break;
+    case 'q':
+        app.add_flag("-q,--quiet", o.stil, "say only what is wrong");
+        break;
+    case 'o':
+        app.add_option("-o,--output", o.bestand, "file to write, else standard output");
+        break;
+    case 'i':
+        app.add_option("-i,--input", o.bestand, "file to read, else standard input");
+        break;
+    case 'r':
+        app.add_flag("-r,--replace", o.vervang, "an existing pair of that name may go");
+        break;
+    case 'H':
+        app.add_flag("-H,--hold", o.heel,
+                     "hold the header lock throughout: one moment in time, writers wait");
+        break;
+    case 'C':
+        app.add_flag("-C,--no-check", o.zonder_check, "leave out the check of the result");
+        break;
+    case 'w':
+        app.add_option("-w,--wait", o.wacht, "seconds to wait for a lock")->check(CLI::Range(0, 86400));
+        break;
+    }
+}
+
 // A report of the store ends a tool in one line instead of the box of the screens.
 void rapport() {
     fprintf(stderr, "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST());
@@ -59,17 +128,7 @@ void wacht(ICB* icb) {
 } // namespace
 
 int main(int argc, char** argv) {
-    std::string naam = argv[0];
-    naam = naam.substr(naam.rfind('/') + 1);
-    const Tool* tool = nullptr;
-    for (const Tool& t : TOOLS)
-        if (naam == t.naam)
-            tool = &t;
-    if (!tool && argc > 1) { // ixtool ixcheck ...
-        for (const Tool& t : TOOLS)
-            if (std::string(argv[1]) == t.naam)
-                tool = &t, argv++, argc--;
-    }
+    const Tool* tool = kies(&argc, &argv);
     if (!tool) {
         fprintf(stderr, "usage: ixtool TOOL ...; the tools are\n");
         for (const Tool& t : TOOLS)
@@ -81,60 +140,12 @@ int main(int argc, char** argv) {
     signal(SIGXFSZ, SIG_IGN);
 
     Opdracht o;
-    std::string een; // a single PAIR
+    std::string een;
     CLI::App app{std::string(tool->wat) + ".\n" + tool->uitleg, tool->naam};
     app.set_version_flag("--version", std::string(tool->naam) + " 8.70");
     app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
-    for (const char* p = tool->opties; *p; p++) {
-        switch (*p) {
-        case 'n':
-            app.add_option("PAIR", o.namen, "names of pairs, or directories for all their pairs")->required();
-            break;
-        case '1':
-            app.add_option("PAIR", een, "name of the pair")->required();
-            break;
-        case '0':
-            app.add_option("PAIR", een, "name of a pair to open at once");
-            break;
-        case '2':
-            app.add_option("PAIR", een, "name of the pair")->required();
-            app.add_option("TARGET", o.doel, "name of the copy, or a directory")->required();
-            break;
-        case 'd':
-            app.add_flag("-d,--dictionary", o.woordenboek,
-                         "take the definition from the dictionary, not from the header");
-            break;
-        case 'j':
-            app.add_flag("-j,--json", o.json, "JSON lines");
-            break;
-        case 't':
-            app.add_flag("-t,--truncate", o.kap,
-                         "save half a record at the end of a data file as PAIR.CUT, and cut it off");
-            break;
-        case 'q':
-            app.add_flag("-q,--quiet", o.stil, "say only what is wrong");
-            break;
-        case 'o':
-            app.add_option("-o,--output", o.bestand, "file to write, else standard output");
-            break;
-        case 'i':
-            app.add_option("-i,--input", o.bestand, "file to read, else standard input");
-            break;
-        case 'r':
-            app.add_flag("-r,--replace", o.vervang, "an existing pair of that name may go");
-            break;
-        case 'H':
-            app.add_flag("-H,--hold", o.heel,
-                         "hold the header lock throughout: one moment in time, writers wait");
-            break;
-        case 'C':
-            app.add_flag("-C,--no-check", o.zonder_check, "leave out the check of the result");
-            break;
-        case 'w':
-            app.add_option("-w,--wait", o.wacht, "seconds to wait for a lock")->check(CLI::Range(0, 86400));
-            break;
-        }
-    }
+    for (const char* p = tool->opties; *p; p++)
+        optie(app, *p, o, een);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
