@@ -51,6 +51,10 @@ bool standaard(const mthandle& h) {
 }
 
 void registerfout(const char* routine) {
+    if (!SCHERM.bestaat) {
+        fprintf(stderr, "%s%s\n", routine, TXT(T_FOUT));
+        return;
+    }
     PIEP();
     FFLASH(-1, 2, A_WAARDE, "", "%s%s\n%s", routine, TXT(T_FOUT), TXT(T_SUPPORT));
 }

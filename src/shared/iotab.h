@@ -6,12 +6,15 @@
 namespace zg {
 
 // One slot of a table; the number counts from 1 and moves with 'F', 'N', 'P'. The record holds tabel.grootte.
-//   'O' open (number := 1; stops the program when the file is missing)     'C' close
-//   'R' read: 1 when the slot is there and not empty                       'X' the same, locked: waits, with
-//   the 'F' read, or the first filled one behind it                                holder's name on the
-//   screen 'N' next filled one, number slots + 1 at the end                       'P' previous, number 0 at
-//   the start 'W' write and release   'w' write and keep   'D' clear and release     'T' is it free?   'U'
-//   release
+//   'O' open, number := 1; stops the program when the file is missing
+//   'C' close
+//   'R' read: 1 when the slot is there and not empty
+//   'X' the same, locked: waits, with the holder's name on the screen
+//   'F' the slot itself, or the first filled one behind it
+//   'N' next filled one; number slots + 1 at the end
+//   'P' previous filled one; number 0 at the start
+//   'W' write and release, 'w' write and keep, 'D' clear and release
+//   'T' is it free? 'U' release
 // W, w and D write nothing outside the table and answer 1. A number outside answers 0 for the other letters,
 // and takes no lock. An empty or missing slot leaves zeros in the record; 'X' keeps its lock then.
 int iotab(char letter, int32_t* nr, void* record, const Systabel& tabel);

@@ -5,6 +5,7 @@
 #include "shared/leesstam.h"
 #include "support/proces.h"
 #include "support/systeem.h"
+#include "term/gesprek.h"
 #include <cstring>
 
 namespace zg {
@@ -418,6 +419,27 @@ TEST_F(Maten, Descriptions) {
     uint8_t rec[IXRECMAX] = {1, 4, uit.maatnr};
     EXPECT_EQ(IXREAD(dtmtom, rec), 0);
     mtclose(h);
+}
+
+TEST_F(Maten, FourthHandleIsToldAndServes) {
+    auto vier = [] {
+        mthandle* h[4];
+        for (int i = 0; i < 4; i++)
+            h[i] = mtopen(1, 4, i == 3 ? 2 : 0);
+        mtinfo s = info(1, "S");
+        int goed = mtinsert(h[3], &s) && mtpos(h[3], s.maatnr) == 1;
+        for (auto& deze : h)
+            mtclose(deze);
+        return goed;
+    };
+    test::Gesprek t([&] { return test::vorm("%d", vier()); });
+    EXPECT_TRUE(t.wacht("mtopen-fout") && t.wacht("Neem contact op met de Support-groep")) << t.scherm();
+    EXPECT_EQ(t.bellen(), 1);
+    t.toetsen("<Enter>");
+    EXPECT_TRUE(t.wacht("mtclose-fout")) << t.scherm();
+    t.toetsen("<Enter>");
+    EXPECT_EQ(t.antwoord(), "1");
+    EXPECT_EQ(test::in_proces(vier).status, 1) << "nor does a tool without a screen stop on it";
 }
 
 // Any 404 bytes: walks end and stay inside the tables.
