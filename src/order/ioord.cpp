@@ -35,13 +35,15 @@ ordfil filrec;
 namespace {
 
 struct tagrij {
-    int lengte = -1;
-    void* beeld = nullptr;
+    int lengte;
+    void* beeld;
 };
 
 // By tag byte.
 const std::array<tagrij, 256> TAGS = [] {
-    std::array<tagrij, 256> t{};
+    std::array<tagrij, 256> t;
+    t.fill(
+        {-1, nullptr}); // said aloud: g++ 12 loses defaults of members in an array like this under sanitizers
     auto zet = [&t](char tag, auto& beeld) { t[static_cast<uint8_t>(tag)] = {sizeof beeld, &beeld}; };
     zet('O', kop);
     zet('M', model);
