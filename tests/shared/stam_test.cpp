@@ -480,6 +480,23 @@ TEST_F(Maten, CodesOfTheTables) {
     EXPECT_EQ(leeskleur(&rec, 36), 0) << "an unknown code stays unknown";
     EXPECT_EQ(leeskleur(&rec, 1000), 0);
     EXPECT_EQ(leesmaatsoort(&rec, 100), 0);
+    rec = {};
+    gebruiker.set = 3;
+    zet(32, tekst20{"Katoen"}, SYS_SETCODE);
+    EXPECT_TRUE(leescode(&rec, 2) && rec.nr == 2 && VASTGELIJK(rec.r.tekst, "Katoen"));
+    EXPECT_EQ(leescode(&rec, 4), 0);
+    EXPECT_EQ(leescode(&rec, 4), 0);
+    gebruiker = {};
+    // The target group keeps what it read last, for all its callers; without one the record is zeros.
+    ICB* icb = nieuw_paar("DTDOELGR", {"doelgroepen,24", "k1,NODUPS,C,1,1"});
+    doelgrrec groep{}, nog{};
+    groep.code = 'D';
+    VASTIN(groep.naam, "Dames");
+    schrijf(icb, groep);
+    EXPECT_TRUE(leesdoelgr(icb, &nog, 'D') && VASTGELIJK(nog.naam, "Dames"));
+    EXPECT_TRUE(!leesdoelgr(icb, &nog, 'H') && VASTLEEG(nog.naam) && nog.code == 0);
+    EXPECT_TRUE(leesdoelgr(icb, &nog, 'D') && VASTGELIJK(nog.naam, "Dames"));
+    IXCLOSE(icb);
 }
 
 TEST_F(Maten, Faults) {
