@@ -303,23 +303,6 @@ TEST(Rebuild, a_full_disk_or_a_failing_one_is_told_and_cured_by_a_second_run) {
     EXPECT_GT(gestopt, 5);
 }
 
-TEST(Rebuild, waits_for_a_record_that_somebody_has_locked) {
-    TijdelijkeMap map;
-    Proef t{{20, {"k,I,1,4"}}, 10, OPLOPEND, 0};
-    zet_neer("./T", t, maak_data(t));
-    ASSERT_EQ(IXBLDIX("T"), 1);
-    char rec[20] = {3};
-    ICB* icb = IXOPEN("T", 2);
-    ASSERT_EQ(IXREADL(icb, rec), 1);
-    Agent bouwer([](const std::string&) { return std::to_string(IXBLDIX("T")); });
-    EXPECT_EQ(bouwer.vraag("build"), Agent::geen_antwoord);
-    ZET32(rec + 8, 0x41414141);
-    IXWRITE(icb, rec);
-    EXPECT_EQ(bouwer.antwoord(), "1");
-    IXCLOSE(icb);
-    EXPECT_GEZOND("T");
-}
-
 TEST(Bulk, fills_a_private_index_in_another_order) {
     TijdelijkeMap map;
     Proef t{{40, {"k,I,1,4"}}, 20000, WILLEKEURIG, 0};

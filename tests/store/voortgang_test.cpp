@@ -70,18 +70,3 @@ TEST(Voortgang, window_and_status_line) {
     }
     EXPECT_EQ(t.einde(), 0);
 }
-
-// Without a screen nothing is shown; a program's own painter hears every step.
-TEST(Voortgang, painter_of_a_tool) {
-    VOORTGANG(VG_OPEN, 0, 0, "stil");
-    VOORTGANG(VG_TOON, 1, 2);
-    static int stappen;
-    VOORTGANGHAAK = [](int stap, int64_t waarde, int64_t, const char* tekst) {
-        stappen += stap == VG_OPEN ? tekst[0] : static_cast<int>(waarde);
-    };
-    VOORTGANG(VG_OPEN, 0, 0, "A");
-    VOORTGANG(VG_TOON, 5, 9);
-    VOORTGANGHAAK = nullptr;
-    VOORTGANG(VG_TOON, 7, 9);
-    EXPECT_EQ(stappen, 'A' + 5);
-}
