@@ -240,13 +240,12 @@ void item_menu() {
             KEUZEAAN(k);
 }
 
-// What an item of the sub-menu does; true when the line changed. *order: the header was on the screen.
-bool doe_item(int keus, bool lezen, bool* order) {
+// What an item of the sub-menu does; true when the line changed.
+bool doe_item(int keus, bool lezen) {
     if (keus >= I_MODEL && !toegankelijk())
         return false;
     switch (keus) {
     case I_ORDER:
-        *order = true;
         if (order_kop(false)) {
             bool korting = registermodus && kop.korting != korting_bij_opening;
             order_totalen(korting);
@@ -271,11 +270,11 @@ bool doe_item(int keus, bool lezen, bool* order) {
 }
 
 // "&Raadplegen" and "&Wijzigen": one choice of the sub-menu. True when the line changed.
-bool order_item(bool lezen, bool* order) {
+bool order_item(bool lezen) {
     item_menu();
     TOETSAAN(K_CANCEL);
     int keus = KEUZE(MENURIJ, 1);
-    return keus >= 0 && doe_item(keus, lezen, order);
+    return keus >= 0 && doe_item(keus, lezen);
 }
 
 void hoofd_menu() {
@@ -284,10 +283,10 @@ void hoofd_menu() {
         KEUZEAAN(k);
     if (registermodus)
         KEUZEAAN(H_BIJBESTELLEN);
-    if (aantal_regels > 0)
+    if (aantal_regels > 0) {
         KEUZEAAN(H_DUPLICEREN);
-    if (aantal_regels > 0)
         KEUZEAAN(H_VERWIJDEREN);
+    }
 }
 
 // The changed line into the work file, and its totals over the old ones. A write that fails is told by the
@@ -325,7 +324,6 @@ void verwijder(Blad& blad, const ordertotalen& totaal) {
 
 // One choice of the main menu.
 void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
-    bool order = false;
     switch (keus) {
     case H_TOEVOEGEN:
         if (nieuwe_regels(REGELDIENSTEN.toevoegen))
@@ -342,10 +340,10 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
             blad.cursor = regelingang.regel;
         break;
     case H_RAADPLEGEN:
-        order_item(true, &order);
+        order_item(true);
         break;
     case H_WIJZIGEN:
-        if (order_item(false, &order) && regel_bereikbaar)
+        if (order_item(false) && regel_bereikbaar)
             bewaar_wijziging(totaal);
         break;
     case H_MATRIX:
@@ -389,8 +387,7 @@ void order_scherm() {
             continue;
         }
         if (order_alleen_lezen) {
-            bool order = false;
-            doe_item(keus, true, &order);
+            doe_item(keus, true);
         } else {
             // The series is read again for the action, now under its lock.
             if (registermodus && regel_bereikbaar && REGELDIENSTEN.serie_laad)
