@@ -42,8 +42,7 @@ struct tagrij {
 // By tag byte.
 const std::array<tagrij, 256> TAGS = [] {
     std::array<tagrij, 256> t;
-    t.fill(
-        {-1, nullptr}); // said aloud: g++ 12 loses defaults of members in an array like this under sanitizers
+    t.fill({-1, nullptr}); // not by default members: g++ 12 makes zeros of them when it optimises
     auto zet = [&t](char tag, auto& beeld) { t[static_cast<uint8_t>(tag)] = {sizeof beeld, &beeld}; };
     zet('O', kop);
     zet('M', model);
