@@ -4,6 +4,7 @@
 #include "term/scherm.h"
 #include "term/toets.h"
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
@@ -61,6 +62,10 @@ TEST(Voortgang, window_and_status_line) {
         {0, 0, "eronder", ""}, {0, 0, "", ""},  {78, 0, "", ""}, {0, 39, "eronder", "Bezig met lezen"},
         {0, 0, "eronder", ""}, {0, 19, "", ""}};
     for (const auto& v : verwacht) {
+        for (int i = 0; i < 200 && (vol(t, 23) != v.venster || vol(t, 25) != v.status); i++) {
+            usleep(10'000); // a busy machine: the key is on its way
+            t.kalm();
+        }
         EXPECT_EQ(vol(t, 23), v.venster);
         EXPECT_EQ(vol(t, 25), v.status);
         EXPECT_NE(t.regel(23).find(v.op23), std::string::npos) << t.scherm();
