@@ -28,7 +28,7 @@ std::vector<Bestand>::iterator vind(int fd) {
 
 } // namespace
 
-IXSYSCALLS IXSYS = {doe_open, close, pread, pwrite, ftruncate, fstat, rename, unlink};
+IXSYSCALLS IXSYS = {doe_open, close, pread, pwrite, ftruncate, fstat, unlink};
 
 ssize_t IXSYSLEES(int fd, void* doel, size_t n, int64_t plaats) {
     size_t klaar = 0;

@@ -16,7 +16,6 @@ struct IXSYSCALLS {
     ssize_t (*pwrite)(int, const void*, size_t, off_t);
     int (*ftruncate)(int, off_t);
     int (*fstat)(int, struct stat*);
-    int (*rename)(const char*, const char*);
     int (*unlink)(const char*);
 };
 extern IXSYSCALLS IXSYS;
