@@ -11,7 +11,6 @@
 #include "order/ordsys.h"
 #include "shared/files.h"
 #include "shared/report.h"
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -39,25 +38,29 @@ struct tagrij {
     void* beeld;
 };
 
-// By tag byte.
-const std::array<tagrij, 256> TAGS = [] {
-    std::array<tagrij, 256> t;
-    t.fill({-1, nullptr}); // not by default members: g++ 12 makes zeros of them when it optimises
-    auto zet = [&t](char tag, auto& beeld) { t[static_cast<uint8_t>(tag)] = {sizeof beeld, &beeld}; };
-    zet('O', kop);
-    zet('M', model);
-    zet('D', dessin);
-    zet('T', tekstrec);
-    zet('S', maatrec);
-    zet('E', extra_e);
-    zet('B', extra_b);
-    zet('L', levtrec);
-    zet('F', filrec);
-    return t;
-}();
-
-const tagrij& tag_rij(char tag) {
-    return TAGS[static_cast<uint8_t>(tag)];
+tagrij tag_rij(char tag) {
+    switch (tag) {
+    case 'O':
+        return {sizeof kop, &kop};
+    case 'M':
+        return {sizeof model, &model};
+    case 'D':
+        return {sizeof dessin, &dessin};
+    case 'T':
+        return {sizeof tekstrec, &tekstrec};
+    case 'S':
+        return {sizeof maatrec, &maatrec};
+    case 'E':
+        return {sizeof extra_e, &extra_e};
+    case 'B':
+        return {sizeof extra_b, &extra_b};
+    case 'L':
+        return {sizeof levtrec, &levtrec};
+    case 'F':
+        return {sizeof filrec, &filrec};
+    default:
+        return {-1, nullptr};
+    }
 }
 
 inline constexpr int32_t BUFFER_MAX = 16384, BUFFER_MIN = 1024;
@@ -189,7 +192,7 @@ bool neem(ordhandle* h, char tag) {
     h->tag = tag;
     if (tag == 'X' || !tag)
         return false;
-    const tagrij& rij = tag_rij(tag);
+    const tagrij rij = tag_rij(tag);
     memcpy(rij.beeld, h->buffer + (h->offset - h->bufstart) + 1, static_cast<size_t>(rij.lengte));
     if (tag == 'O')
         h->laatste_o = h->offset;
@@ -347,7 +350,7 @@ bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
 }
 
 bool ord_schrijf(ordhandle* h) {
-    const tagrij& rij = tag_rij(h->tag);
+    const tagrij rij = tag_rij(h->tag);
     if (rij.lengte < 0 || h->offset < 0)
         return false;
     uint8_t bytes[1 + sizeof(orddessin)];
