@@ -13,7 +13,8 @@ bool valuta_veld(int rij, int kolom, const char* formaat, char* code);
 bool valuta_kiezen();
 
 // Rate field, "9.5f,P" with the letters `vlaggen` ("E", "I" or ""). A unit above 10 shows as "(per 100)"
-// behind it and the value counts for the unit. The row is cleared from the column on. *koers is a rate in double form, 0 for the rate of the day.
+// behind it and the value counts for the unit. The row is cleared from the column on. *koers is a rate in
+// double form, 0 for the rate of the day.
 bool koers_veld(int rij, int kolom, const char* vlaggen, const char* code, double* koers);
 
 } // namespace zg

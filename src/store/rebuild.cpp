@@ -1,8 +1,8 @@
 // Rebuild of an index from its data file, in three steps. 1: every record is read once and its keys are set aside;
 // 2: the keys are sorted and the trees grown in ranks, as one insert after the other by record number would grow
-// them, the keys of a file taking turns by pieces of 16 KB of records, and the blocks made; 3: these are written. Until step 3
-// nothing of the pair changes. Then the header goes first, marked as being changed and with all definitions, and
-// last, unmarked: what is killed between the two is refused by all, and can be built again from the start.
+// them, the keys of a file taking turns by pieces of 16 KB of records, and the blocks made; 3: these are written.
+// Until step 3 nothing of the pair changes. Then the header goes first, marked as being changed and with all
+// definitions, and last, unmarked: what is killed between the two is refused by all, and can be built again.
 // The index keeps its file and so do the locks on it; a file renamed over it would leave other programs that have
 // the pair open with the old one in hand.
 #include "store/rebuild.h"
