@@ -79,7 +79,8 @@ void VSCRFATAL(const char* fmt, va_list ap) {
     }
     if (MACROHAAK.speelt && MACROHAAK.stop)
         MACROHAAK.stop();
-    if (SCHERM.bestaat && SCHERM.aantal > 0 && SCHERM.aantal < VENSTERS && geheugen())
+    const bool doos = SCHERM.bestaat && SCHERM.aantal > 0 && SCHERM.aantal < VENSTERS && geheugen();
+    if (doos && isatty(STDIN_FILENO)) // without a keyboard the box would be gone before it is read
         in_doos(rapport);
     else
         op_regels(rapport);

@@ -100,6 +100,18 @@ TEST(Start, WeigertEnMeldtWaarom) {
     }
 }
 
+// Nobody at a keyboard, as under a timer: the report stands behind the screen, and nothing is waited for.
+TEST(Start, MeldtOokZonderToetsenbord) {
+    Datamap map;
+    std::string regel = "exec";
+    for (const std::string& woord : map.overgave())
+        regel += " '" + woord + "'";
+    unlink(map.bestand("DTFILGEG.TXT").c_str());
+    Terminal t({"/bin/sh", "-c", regel + " </dev/null"}, map.opties());
+    EXPECT_EQ(t.einde(), 1);
+    EXPECT_TRUE(t.wacht("Open niet gelukt (file=DTFILGEG.TXT")) << t.scherm();
+}
+
 // TSTBIN goes before BIN, both before the path. A menu program that isn't there: said on the screen, and the slot
 // tells that it may run.
 TEST(Start, WegTerug) {
