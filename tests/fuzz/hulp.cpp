@@ -60,9 +60,9 @@ void begin() {
     if (!mkdtemp(naam) || chdir(naam) != 0)
         kapot("no directory in memory");
     map = naam;
-    // Damaged counts lead far behind the end of a file; no round shall fill the memory.
+    // Damaged counts lead far behind the end of a file; no round shall fill the memory, or take seconds.
     signal(SIGXFSZ, SIG_IGN);
-    const rlimit grens{16 << 20, 16 << 20};
+    const rlimit grens{4 << 20, 4 << 20};
     setrlimit(RLIMIT_FSIZE, &grens);
     atexit(ruim_op);
     echt_open = IXSYS.open;
