@@ -59,115 +59,27 @@ constexpr DDRIJ rijen[] = {
     {DDEINDE, 0, 0, 0, 0, {}},
 };
 
+// Titles of the files that have one.
+constexpr struct {
+    int nr;
+    const Tekst* tekst;
+} titels[] = {
+#define TITEL(n)                                                                                             \
+    { n, &T_DDTITEL_##n }
+    TITEL(1),  TITEL(2),  TITEL(3),  TITEL(4),  TITEL(6),  TITEL(7),   TITEL(8),  TITEL(9),  TITEL(10),
+    TITEL(11), TITEL(13), TITEL(14), TITEL(15), TITEL(16), TITEL(17),  TITEL(18), TITEL(20), TITEL(21),
+    TITEL(22), TITEL(24), TITEL(25), TITEL(26), TITEL(27), TITEL(28),  TITEL(29), TITEL(30), TITEL(31),
+    TITEL(32), TITEL(33), TITEL(34), TITEL(35), TITEL(36), TITEL(37),  TITEL(38), TITEL(40), TITEL(41),
+    TITEL(42), TITEL(44), TITEL(45), TITEL(47), TITEL(48), TITEL(49),  TITEL(50), TITEL(51), TITEL(53),
+    TITEL(54), TITEL(55), TITEL(56), TITEL(58), TITEL(59), TITEL(200), TITEL(201)
+#undef TITEL
+};
+
 const Tekst* titel(int nr) {
-    switch (nr) {
-    case 1:
-        return &T_DDTITEL_1;
-    case 2:
-        return &T_DDTITEL_2;
-    case 3:
-        return &T_DDTITEL_3;
-    case 4:
-        return &T_DDTITEL_4;
-    case 6:
-        return &T_DDTITEL_6;
-    case 7:
-        return &T_DDTITEL_7;
-    case 8:
-        return &T_DDTITEL_8;
-    case 9:
-        return &T_DDTITEL_9;
-    case 10:
-        return &T_DDTITEL_10;
-    case 11:
-        return &T_DDTITEL_11;
-    case 13:
-        return &T_DDTITEL_13;
-    case 14:
-        return &T_DDTITEL_14;
-    case 15:
-        return &T_DDTITEL_15;
-    case 16:
-        return &T_DDTITEL_16;
-    case 17:
-        return &T_DDTITEL_17;
-    case 18:
-        return &T_DDTITEL_18;
-    case 20:
-        return &T_DDTITEL_20;
-    case 21:
-        return &T_DDTITEL_21;
-    case 22:
-        return &T_DDTITEL_22;
-    case 24:
-        return &T_DDTITEL_24;
-    case 25:
-        return &T_DDTITEL_25;
-    case 26:
-        return &T_DDTITEL_26;
-    case 27:
-        return &T_DDTITEL_27;
-    case 28:
-        return &T_DDTITEL_28;
-    case 29:
-        return &T_DDTITEL_29;
-    case 30:
-        return &T_DDTITEL_30;
-    case 31:
-        return &T_DDTITEL_31;
-    case 32:
-        return &T_DDTITEL_32;
-    case 33:
-        return &T_DDTITEL_33;
-    case 34:
-        return &T_DDTITEL_34;
-    case 35:
-        return &T_DDTITEL_35;
-    case 36:
-        return &T_DDTITEL_36;
-    case 37:
-        return &T_DDTITEL_37;
-    case 38:
-        return &T_DDTITEL_38;
-    case 40:
-        return &T_DDTITEL_40;
-    case 41:
-        return &T_DDTITEL_41;
-    case 42:
-        return &T_DDTITEL_42;
-    case 44:
-        return &T_DDTITEL_44;
-    case 45:
-        return &T_DDTITEL_45;
-    case 47:
-        return &T_DDTITEL_47;
-    case 48:
-        return &T_DDTITEL_48;
-    case 49:
-        return &T_DDTITEL_49;
-    case 50:
-        return &T_DDTITEL_50;
-    case 51:
-        return &T_DDTITEL_51;
-    case 53:
-        return &T_DDTITEL_53;
-    case 54:
-        return &T_DDTITEL_54;
-    case 55:
-        return &T_DDTITEL_55;
-    case 56:
-        return &T_DDTITEL_56;
-    case 58:
-        return &T_DDTITEL_58;
-    case 59:
-        return &T_DDTITEL_59;
-    case 200:
-        return &T_DDTITEL_200;
-    case 201:
-        return &T_DDTITEL_201;
-    default:
-        return nullptr;
-    }
+    for (const auto& t : titels)
+        if (t.nr == nr)
+            return t.tekst;
+    return nullptr;
 }
 
 // Names by which the programs open their tables.
