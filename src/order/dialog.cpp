@@ -151,13 +151,11 @@ bool verwerk(Vlak& v, int32_t toets) {
         v.cursor = std::min(v.cursor + 1, v.begin[v.rijen]);
         break;
     case K_UP:
-    case K_DOWN: {
-        int wens = v.wens;
-        naar_rij(v, toets == K_UP ? rij - 1 : rij + 1);
-        // A short row does not make the wanted column forget itself on the way through.
-        v.wens = wens;
-        return true;
-    }
+        naar_rij(v, rij - 1);
+        break;
+    case K_DOWN:
+        naar_rij(v, rij + 1);
+        break;
     case K_HOME:
         v.cursor = v.begin[rij];
         v.wens = 0;

@@ -56,7 +56,7 @@ void schoon_scherm() {
 
 void toon_seizoen() {
     if (gekozen_jaar == 0)
-        SCRPUT(A_WAARDE, 1, 37, "%-7.7s: %s %c", TXT(T_F_SEIZOEN), TXT(T_STD), gekozen_letter);
+        SCRPUT(A_WAARDE, 1, 37, "%-7.7s: %s %c  ", TXT(T_F_SEIZOEN), TXT(T_STD), gekozen_letter);
     else
         SCRPUT(A_WAARDE, 1, 37, "%-7.7s: %s", TXT(T_F_SEIZOEN), seizoensmap.c_str());
 }
@@ -196,8 +196,6 @@ bool bewerk_order() {
         werk->offset = 0;
         ord_lees(werk, 'R');
         korting_bij_opening = kop.korting;
-        if (VASTLEEG(kop.valuta))
-            memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
         order_scherm();
     }
     wrk_sluit();

@@ -69,7 +69,7 @@ bool menu(bool nieuw, bool* anders) {
             if (kop_te_kiezen(item, nieuw))
                 KEUZEAAN(item);
         TOETSAAN(K_CANCEL);
-        if (order_nieuw)
+        if (nieuw && order_nieuw)
             TOETSAAN(K_F6);
         int item = KEUZE(KOPKEUSRIJ, 2);
         if (item >= 0) {

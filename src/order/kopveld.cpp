@@ -289,7 +289,7 @@ void kop_toon_veld(int item) {
         break;
     }
     case KOP_KOERS:
-        waarde(item, koers_tekst(valuta_of_thuis(kop.valuta), koers()));
+        waarde(item, koers_tekst(valuta_of_thuis(kop.valuta).c_str(), koers()));
         break;
     case KOP_TOESLAG:
         waarde(item, opgemaakt("%5.4f", kop.toeslag / 10000.0));

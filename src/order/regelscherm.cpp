@@ -14,6 +14,7 @@
 #include "term/prompt.h"
 #include "term/vast.h"
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 namespace zg {
@@ -224,6 +225,12 @@ void toon_leverancier() {
     SCRPUT(A_WAARDE, 3, NAAMKOLOM, "%-20.20s", VASTTEKST(leverancier.naam).c_str());
 }
 
+// An order without a currency counts in the supplier's while it is on the screen; its header keeps what is stored.
+void vul_valuta() {
+    if (VASTLEEG(kop.valuta))
+        memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
+}
+
 // May the cursor's line be worked on? Tells when not.
 bool toegankelijk() {
     if (!regel_bereikbaar)
@@ -248,6 +255,7 @@ bool doe_item(int keus, bool lezen) {
     case I_ORDER:
         if (order_kop(false)) {
             bool korting = registermodus && kop.korting != korting_bij_opening;
+            vul_valuta();
             order_totalen(korting);
             korting_bij_opening = kop.korting;
         }
@@ -363,6 +371,7 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
 } // namespace
 
 void order_scherm() {
+    vul_valuta();
     order_totalen(false);
     Blad blad;
     ordertotalen totaal{};
@@ -396,6 +405,7 @@ void order_scherm() {
         }
         blad.vernieuw = true;
         geladen = -1;
+        vul_valuta();
         order_kopregels();
     }
     SCRCLREOL(MENURIJ, 1);

@@ -33,8 +33,8 @@ constexpr int REGELBREEDTE = 78;
 
 merkrec merk;
 
-std::string bedrag(const char* code, int64_t b) {
-    return bedrag_tekst(code, b);
+std::string ordervaluta() {
+    return valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
 }
 
 // What stands for a line whose series has gone.
@@ -76,8 +76,7 @@ const char* regel_tekst(bool herhaald, const ors_ingang& ingang) {
     if (er)
         regel_totaal(g.aantallen.data() + size_t{aantal_filialen} * MAATKOLOMMEN, g.prijzen, &t);
     const char doel = g.dessin.doelgroep ? g.dessin.doelgroep : ' ';
-    const std::string netto =
-        bedrag(valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str()), t.stuks ? t.netto : 0);
+    const std::string netto = bedrag_tekst(ordervaluta().c_str(), t.stuks ? t.netto : 0);
     if (er)
         snprintf(tekst, sizeof tekst, "%s %-12.12s %-2.2s %5d %3d %1.1s %5lld %10s", begin,
                  VASTTEKST(g.dessin.dessin).c_str(), VASTTEKST(g.dessin.kenmerk).c_str(),
@@ -96,7 +95,7 @@ void order_frame() {
 
 void order_kopregels() {
     static const char* const EDI[] = {"", "UOBORD", "ADMORD", "EANCOM"};
-    const char* valuta = valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
+    const std::string valuta = ordervaluta();
     if (kop.deelseizoen)
         SCRPUT(A_WAARDE, 1, 53, "%1d", kop.deelseizoen % 10);
     else
@@ -107,14 +106,14 @@ void order_kopregels() {
     SCRPUT(A_WAARDE, 5, 14, "%d / %-15.15s", kop.ordernummer, VASTTEKST(kop.omschrijving).c_str());
     // -0.00 never shows
     SCRPUT(A_WAARDE, 5, 52, "%7.2f%%", kop.korting ? kop.korting / -100.0 : 0.0);
-    SCRPUT(A_LABEL, 7, 70, "%5.5s(%-3.3s)", TXT(T_K_NETTO), valuta);
+    SCRPUT(A_LABEL, 7, 70, "%5.5s(%-3.3s)", TXT(T_K_NETTO), valuta.c_str());
     SCRPUT(A_WAARDE, 4, 50, "%9lld", static_cast<long long>(ordertotaal.regels));
     if (ordertotaal.stuks > 0) {
         SCRPUT(A_WAARDE, 3, 50, "%9lld", static_cast<long long>(ordertotaal.stuks));
-        SCRPUT(A_WAARDE, 3, 69, "%11s", bedrag(valuta, ordertotaal.bruto).c_str());
-        SCRPUT(A_WAARDE, 4, 69, "%11s", bedrag(valuta, ordertotaal.netto).c_str());
-        const std::string thuis(valuta_of_thuis(""));
-        SCRPUT(A_WAARDE, 5, 69, "%11s", bedrag(thuis.c_str(), ordertotaal.inkoop).c_str());
+        SCRPUT(A_WAARDE, 3, 69, "%11s", bedrag_tekst(valuta.c_str(), ordertotaal.bruto).c_str());
+        SCRPUT(A_WAARDE, 4, 69, "%11s", bedrag_tekst(valuta.c_str(), ordertotaal.netto).c_str());
+        SCRPUT(A_WAARDE, 5, 69, "%11s",
+               bedrag_tekst(valuta_of_thuis("").c_str(), ordertotaal.inkoop).c_str());
     } else {
         SCRPUT(A_WAARDE, 3, 50, "%9s", "");
         for (int rij = 3; rij <= 5; rij++)

@@ -21,10 +21,11 @@ int32_t prijs(int32_t p) {
 int32_t inkoopprijs(int32_t netto) {
     if (prijs(netto) == 0)
         return 0;
-    const char* code = valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
+    const std::string code = valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
     double koers =
         koers_dubbel(static_cast<int32_t>(kop.koers), kop.koerseenheid ? kop.koerseenheid : uint16_t{1});
-    return naar_thuis_factor(netto, code, koers, kop.toeslag ? static_cast<int32_t>(kop.toeslag) : 10000);
+    return naar_thuis_factor(netto, code.c_str(), koers,
+                             kop.toeslag ? static_cast<int32_t>(kop.toeslag) : 10000);
 }
 
 } // namespace

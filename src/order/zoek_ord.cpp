@@ -119,6 +119,7 @@ std::string kolommen(const char* nr, const char* datum, const char* oms, const c
 }
 
 void kopregel() {
+    SCRCLREOL(1, 2);
     SCRPUT(A_LABEL, 1, 2, "%s",
            kolommen(TXT(T_Z_ORDERNR), TXT(T_Z_ORDDAT), TXT(T_Z_OMSCHRIJV), TXT(T_Z_COLLECTIE),
                     aantal_filialen > 1 ? TXT(T_Z_ONT) : "", TXT(T_Z_LEVORDNR))

@@ -53,18 +53,13 @@ bool valuta_zoek(const char* code) {
 }
 
 int valuta_decimalen(const char* code) {
-    const valutarec* gevonden = vind(codetekst(valuta_of_thuis(code)));
+    const valutarec* gevonden = vind(valuta_of_thuis(code));
     return gevonden && gevonden->decimalen == 0 ? 0 : 2;
 }
 
-const char* valuta_of_thuis(const char* code) {
-    static char uit[VALUTACODE + 1];
-    std::string_view tekst = codetekst(code);
-    if (tekst.empty())
-        tekst = codetekst(instel15.valuta);
-    memset(uit, 0, sizeof uit);
-    tekst.copy(uit, VALUTACODE);
-    return uit;
+std::string valuta_of_thuis(const char* code) {
+    const std::string_view tekst = codetekst(code);
+    return std::string(tekst.empty() ? codetekst(instel15.valuta) : tekst);
 }
 
 bool thuisvaluta_anders(const char* code) {

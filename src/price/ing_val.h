@@ -2,6 +2,7 @@
 // code stand on it.
 #pragma once
 #include "shared/sysrec.h"
+#include <string>
 #include <vector>
 
 namespace zg {
@@ -16,7 +17,7 @@ void valuta_vergeet(); // load the table again at the next use
 // Decimals of a currency; 2 for one that isn't in the table. The current currency stays.
 int valuta_decimalen(const char* code);
 // The code itself, or the home currency for an empty one. 3 characters and a NUL, static.
-const char* valuta_of_thuis(const char* code);
+std::string valuta_of_thuis(const char* code);
 bool thuisvaluta_anders(const char* code); // not the home currency; an empty code is the home currency
 
 } // namespace zg

@@ -90,21 +90,38 @@ TEST(Order, BladerenEnTotalen) {
 
 // Discount in the net price, a foreign currency, the purchase value at home.
 TEST(Order, TotalenInTweeValutas) {
-    Datamap map;
-    zg::ordkop kop = maak_kop("Pond");
-    kop.korting = -250;
-    memcpy(kop.valuta, "GBP", 3);
-    kop.koers = 12500;
-    map.journaal(maak_order(kop, {{5, "ROK", "UNI", 1, 2, 1000}}));
-    Programma p(map);
-    p.eerste_order();
-    EXPECT_EQ(p.t.stuk(3, 69, 11), "      20.00") << p.t.scherm();
-    EXPECT_EQ(p.t.stuk(4, 69, 11), "      19.50");
-    EXPECT_EQ(p.t.stuk(5, 69, 11), "      24.38"); // 9.75 x 1.25 is 12.19 a piece
-    EXPECT_EQ(p.t.stuk(5, 52, 8), "   2.50%");
-    EXPECT_EQ(p.t.stuk(7, 70, 10), "netto(GBP)");
-    p.t.toetsen("<Esc>");
-    p.uit();
+    struct {
+        const char* valuta;
+        uint32_t koers;
+        uint16_t eenheid;
+        int16_t korting;
+        const char *bruto, *netto, *inkoop;
+    } gevallen[] = {
+        {"GBP", 12500, 1, -250, "20.00", "19.50", "24.38"}, // 9.75 x 1.25 is 12.19 a piece
+        {"GBP", 0, 1, 0, "20.00", "20.00", "25.00"},        // the rate of the day
+        {"JPY", 7500, 100, 0, "2000", "2000", "15.00"},     // no decimals: 1000 x 0.0075 is 7.50 a piece
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(std::string(g.valuta) + " " + std::to_string(g.koers));
+        Datamap map;
+        zg::ordkop kop = maak_kop("Vreemd");
+        kop.korting = g.korting;
+        memcpy(kop.valuta, g.valuta, 3);
+        kop.koers = g.koers;
+        kop.koerseenheid = g.eenheid;
+        map.journaal(maak_order(kop, {{5, "ROK", "UNI", 1, 2, 1000}}));
+        Programma p(map);
+        p.eerste_order();
+        const char* bedragen[] = {g.bruto, g.netto, g.inkoop};
+        for (int i = 0; i < 3; i++) {
+            std::string rechts(11 - strlen(bedragen[i]), ' ');
+            EXPECT_EQ(p.t.stuk(3 + i, 69, 11), rechts + bedragen[i]) << p.t.scherm();
+        }
+        EXPECT_EQ(p.t.stuk(5, 52, 8), g.korting ? "   2.50%" : "   0.00%");
+        EXPECT_EQ(p.t.stuk(7, 70, 10), std::string("netto(") + g.valuta + ")");
+        p.t.toetsen("<Esc>");
+        p.uit();
+    }
 }
 
 TEST(Order, KopVeldVoorVeld) {

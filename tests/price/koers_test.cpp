@@ -87,8 +87,8 @@ TEST_F(Koersen, CurrencyTable) {
     EXPECT_TRUE(VASTGELIJK(valuta_nu.naam, "Japanse yen"));
     EXPECT_FALSE(valuta_zoek("XXX"));
     EXPECT_TRUE(VASTGELIJK(valuta_nu.code, "JPY")) << "the current one stays";
-    EXPECT_STREQ(valuta_of_thuis(""), "EUR");
-    EXPECT_STREQ(valuta_of_thuis("USDxxx"), "USD");
+    EXPECT_EQ(valuta_of_thuis(""), "EUR");
+    EXPECT_EQ(valuta_of_thuis("USDxxx"), "USD");
     EXPECT_FALSE(thuisvaluta_anders("   ") || thuisvaluta_anders("EUR"));
     EXPECT_TRUE(thuisvaluta_anders("USD"));
     EXPECT_EQ(valuta_decimalen("JPY"), 0);
