@@ -42,6 +42,7 @@ TEST(Keuze, SeizoenGetyptGekozenOfStandaard) {
     p.t.toetsen("<Back><Enter>K<Enter>");
     EXPECT_EQ(p.t.cursor_rij(), 3) << p.t.scherm();
     EXPECT_TRUE(map.bestaat("0000K"));
+    EXPECT_EQ(p.t.stuk(1, 46, 7), "Std K  ");
     p.t.toetsen("<Esc>");
     p.uit();
 }

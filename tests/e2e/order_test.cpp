@@ -210,7 +210,9 @@ TEST(Order, NieuweOrderZonderRegels) {
             EXPECT_EQ(p.t.stuk(5, 52, 8), "   5.00%");
             p.t.toetsen("M");
             EXPECT_TRUE(p.t.wacht("Geen informatie")) << p.t.scherm();
-            p.t.toetsen("<Enter><Esc>");
+            p.t.toetsen("<Enter>WO<F6>"); // once accepted it is no longer refused
+            EXPECT_TRUE(p.t.wacht_op(25, 1, "Ongeldige toets")) << p.t.scherm();
+            p.t.toetsen("<Esc><Esc>");
         }
         EXPECT_EQ(p.t.cursor_rij(), 1) << p.t.scherm();
         p.uit();
