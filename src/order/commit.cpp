@@ -5,12 +5,12 @@
 // 2. WRK is deleted only behind that. Killed before it, the repair commits again; killed behind it, the
 //    repair finds that the journal holds the order.
 #include "order/meld.h"
-#include "order/ordsys.h"
 #include "order/programma.h"
 #include "order/wrk.h"
 #include "order/wrkbinnen.h"
 #include "shared/files.h"
 #include "shared/report.h"
+#include "shared/syscalls.h"
 #include <cerrno>
 #include <unistd.h>
 
@@ -61,10 +61,10 @@ bool bouw_journaal(int32_t regels, int64_t* totaal) {
     if (!tmp_af())
         return false;
     // A journal that lost its last line is empty, whatever else stood in it.
-    if (*totaal == 0 && ORDSYS.ftruncate(tmp_fd(), 0) != 0)
+    if (*totaal == 0 && SYS.ftruncate(tmp_fd(), 0) != 0)
         return false;
     // Some file systems know no fsync; others tell only now that the disk is full.
-    return ORDSYS.fsync(tmp_fd()) == 0 || errno == EINVAL || errno == ENOTSUP;
+    return SYS.fsync(tmp_fd()) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
 void roep_haken(int32_t regels) {
@@ -86,7 +86,7 @@ bool vastleggen(int32_t regels) {
     if (!bouw_journaal(regels, &totaal))
         return false;
     roep_haken(regels);
-    if (!IOLOCK('E', tmp_fd(), 0, 1) || ORDSYS.rename(wrk_naam("TMP").c_str(), wrk_naam("JRN").c_str()) != 0)
+    if (!IOLOCK('E', tmp_fd(), 0, 1) || SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("JRN").c_str()) != 0)
         return false;
     ord_wissel(journaal, tmp_neem());
     return true;
@@ -98,7 +98,7 @@ bool wrk_sluit() {
     int32_t regels = aantal_regels;
     bool goed = true;
     // A new order that got no lines leaves the journal as it is, without the copy.
-    bool niets = order_nieuw && !regels && order_start == ordsys_omvang(journaal->fd);
+    bool niets = order_nieuw && !regels && order_start == SYSOMVANG(journaal->fd);
     if (!order_alleen_lezen && !niets) {
         goed = !registermodus || zet_status();
         if (goed) {

@@ -3,10 +3,10 @@
 // files left behind is trusted: the journal and WRK are walked, and the offsets in ACT must be orders of that
 // journal.
 #include "order/meld.h"
-#include "order/ordsys.h"
 #include "order/programma.h"
 #include "order/wrk.h"
 #include "order/wrkbinnen.h"
+#include "shared/syscalls.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -18,11 +18,11 @@ namespace zg {
 namespace {
 
 bool lees_act(act_record* act) {
-    int fd = ORDSYS.open(wrk_naam("ACT").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
+    int fd = SYS.open(wrk_naam("ACT").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
     if (fd < 0)
         return false;
-    bool goed = ordsys_omvang(fd) == sizeof *act && ordsys_lees_op(fd, act, sizeof *act, 0) == sizeof *act;
-    ORDSYS.close(fd);
+    bool goed = SYSOMVANG(fd) == sizeof *act && SYSLEES(fd, act, sizeof *act, 0) == sizeof *act;
+    SYS.close(fd);
     return goed && act->start >= 0 && act->start <= act->omvang &&
            (act->volgende == -1 || (act->volgende > act->start && act->volgende < act->omvang));
 }
@@ -96,15 +96,14 @@ bool al_vastgelegd(const act_record& act, int32_t regels) {
         order = vastgelegde_order();
     int64_t staart = act.volgende == -1 ? 0 : act.omvang - act.volgende;
     int64_t achter = act.start + static_cast<int64_t>(order.size());
-    if (ordsys_omvang(journaal->fd) != achter + staart)
+    if (SYSOMVANG(journaal->fd) != achter + staart)
         return false;
     std::vector<uint8_t> staat(order.size());
-    if (ordsys_lees_op(journaal->fd, staat.data(), staat.size(), act.start) !=
-            static_cast<ssize_t>(staat.size()) ||
+    if (SYSLEES(journaal->fd, staat.data(), staat.size(), act.start) != static_cast<ssize_t>(staat.size()) ||
         staat != order)
         return false;
     char tag = 'O';
-    return !staart || (ordsys_lees_op(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
+    return !staart || (SYSLEES(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
 }
 
 enum herstelstand { HERSTEL_NIET, HERSTEL_AL, HERSTEL_DOEN };
@@ -115,7 +114,7 @@ herstelstand onderzoek() {
     werk = ord_open_wrk(seizoensmap.c_str(), gekozen_leverancier, O_RDWR);
     if (!werk || !lees_act(&act) || !toets_werk(&aantal_regels))
         return HERSTEL_NIET;
-    if (ordsys_omvang(journaal->fd) != act.omvang)
+    if (SYSOMVANG(journaal->fd) != act.omvang)
         return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
     if (!toets_plaatsen(act, &status))
         return HERSTEL_NIET;

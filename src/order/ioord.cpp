@@ -8,9 +8,9 @@
 #include "order/ioord.h"
 #include "order/meld.h"
 #include "order/ordloop.h"
-#include "order/ordsys.h"
 #include "shared/files.h"
 #include "shared/report.h"
+#include "shared/syscalls.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -72,12 +72,13 @@ enum openstand { OPEN_GOED, OPEN_MISLUKT, OPEN_BEZET };
 openstand open_op_slot(const char* pad, int vlaggen, int* uit) {
     bool schrijven = (vlaggen & O_ACCMODE) != O_RDONLY;
     for (int i = 0; i < OPENPOGINGEN; i++) {
-        int fd = ORDSYS.open(pad, vlaggen | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0660);
+        const int vol = vlaggen | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+        int fd = vlaggen & O_CREAT ? SYSNIEUW(pad, vol) : SYS.open(pad, vol, 0);
         if (fd < 0)
             return OPEN_MISLUKT;
         struct stat open_st, pad_st;
         if (fstat(fd, &open_st) != 0 || !S_ISREG(open_st.st_mode) || open_st.st_size > INT32_MAX) {
-            ORDSYS.close(fd);
+            SYS.close(fd);
             return OPEN_MISLUKT;
         }
         if (!schrijven) {
@@ -85,14 +86,14 @@ openstand open_op_slot(const char* pad, int vlaggen, int* uit) {
             return OPEN_GOED;
         }
         if (!IOLOCK('E', fd, 0, 1)) {
-            ORDSYS.close(fd);
+            SYS.close(fd);
             return OPEN_BEZET;
         }
         if (stat(pad, &pad_st) == 0 && pad_st.st_dev == open_st.st_dev && pad_st.st_ino == open_st.st_ino) {
             *uit = fd;
             return OPEN_GOED;
         }
-        ORDSYS.close(fd); // replaced between our open and our lock
+        SYS.close(fd); // replaced between our open and our lock
     }
     return OPEN_BEZET;
 }
@@ -143,7 +144,7 @@ bool vul(ordhandle* h, int32_t offset, bool* einde) {
             return false;
         ord_inconsistent(h, offset, h->tag);
     }
-    ssize_t n = ordsys_lees_op(h->fd, h->buffer, static_cast<size_t>(h->buflen), offset);
+    ssize_t n = SYSLEES(h->fd, h->buffer, static_cast<size_t>(h->buflen), offset);
     if (n < 0) {
         if (h->zacht)
             return false;
@@ -244,19 +245,19 @@ void ord_sluit(ordhandle* h) {
         return;
     if (h->schrijven)
         IOLOCK('U', h->fd, 0, 1);
-    ORDSYS.close(h->fd);
+    SYS.close(h->fd);
     free(h->buffer);
     delete h;
 }
 
 void ord_sluit_jrn(ordhandle* h) {
-    if (h && h->schrijven && ordsys_omvang(h->fd) == 0)
-        ORDSYS.unlink(h->pad.c_str());
+    if (h && h->schrijven && SYSOMVANG(h->fd) == 0)
+        SYS.unlink(h->pad.c_str());
     ord_sluit(h);
 }
 
 void ord_wissel(ordhandle* h, int fd) {
-    ORDSYS.close(h->fd);
+    SYS.close(h->fd);
     h->fd = fd;
     h->offset = h->bufgeldig = h->bufstart = 0;
     h->tag = 0;
@@ -334,14 +335,14 @@ bool ord_eerste_order(ordhandle* h) {
 bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
     h->bufgeldig = 0;
     std::vector<uint8_t> oud(n);
-    int64_t omvang = ordsys_omvang(h->fd);
-    ssize_t oudn = ordsys_lees_op(h->fd, oud.data(), n, plaats);
+    int64_t omvang = SYSOMVANG(h->fd);
+    ssize_t oudn = SYSLEES(h->fd, oud.data(), n, plaats);
     if (omvang >= 0 && oudn >= 0) {
-        if (ordsys_schrijf_op(h->fd, bytes, n, plaats))
+        if (SYSSCHRIJFOP(h->fd, bytes, n, plaats))
             return true;
         int reden = errno;
-        ordsys_schrijf_op(h->fd, oud.data(), static_cast<size_t>(oudn), plaats);
-        if (ordsys_omvang(h->fd) > omvang && ORDSYS.ftruncate(h->fd, omvang) != 0)
+        SYSSCHRIJFOP(h->fd, oud.data(), static_cast<size_t>(oudn), plaats);
+        if (SYSOMVANG(h->fd) > omvang && SYS.ftruncate(h->fd, omvang) != 0)
             reden = errno;
         errno = reden;
     }

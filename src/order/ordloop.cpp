@@ -1,7 +1,7 @@
 // The walk of order/ordloop.h.
 #include "order/ordloop.h"
 #include "order/ioord.h"
-#include "order/ordsys.h"
+#include "shared/syscalls.h"
 #include <cstring>
 
 namespace zg {
@@ -31,7 +31,7 @@ bool vul_aan(ordloop* l) {
     size_t wil = l->blok.size() - rest;
     if (over < static_cast<int64_t>(wil))
         wil = over > 0 ? static_cast<size_t>(over) : 0;
-    ssize_t n = ordsys_lees_op(l->fd, l->blok.data() + rest, wil, leesplaats);
+    ssize_t n = SYSLEES(l->fd, l->blok.data() + rest, wil, leesplaats);
     if (n < 0)
         return false;
     l->geldig = rest + static_cast<size_t>(n);

@@ -1,8 +1,8 @@
 // Text blocks of orders: five T records of 60 bytes behind the O, M or D record they belong to.
 #include "order/ioord.h"
 #include "order/meld.h"
-#include "order/ordsys.h"
 #include "order/wrkbinnen.h"
+#include "shared/syscalls.h"
 #include <cstring>
 
 namespace zg {
@@ -22,9 +22,9 @@ int64_t tekst_plaats(const ordhandle* h, int soort) {
 // Do the five records stand there, or does the file end there?
 bool tekst_past(int fd, int64_t plaats, int soort) {
     uint8_t bytes[STUKKEN * TRECORD];
-    ssize_t n = ordsys_lees_op(fd, bytes, sizeof bytes, plaats);
+    ssize_t n = SYSLEES(fd, bytes, sizeof bytes, plaats);
     if (n == 0)
-        return plaats == ordsys_omvang(fd);
+        return plaats == SYSOMVANG(fd);
     if (n != static_cast<ssize_t>(sizeof bytes))
         return false;
     for (size_t i = 0; i < STUKKEN; i++)
@@ -78,9 +78,9 @@ bool ord_kop_schrijf(ordhandle* h, char* levering, char* betaling) {
     uint8_t* teksten = bytes + 1 + sizeof kop;
     tekst_records(1, levering, teksten);
     tekst_records(2, betaling, teksten + STUKKEN * TRECORD);
-    if (ordsys_omvang(h->fd) != 0) {
+    if (SYSOMVANG(h->fd) != 0) {
         uint8_t tag;
-        if (ordsys_lees_op(h->fd, &tag, 1, 0) != 1 || tag != 'O' || !tekst_past(h->fd, 1 + sizeof kop, 1) ||
+        if (SYSLEES(h->fd, &tag, 1, 0) != 1 || tag != 'O' || !tekst_past(h->fd, 1 + sizeof kop, 1) ||
             !tekst_past(h->fd, static_cast<int64_t>(1 + sizeof kop + STUKKEN * TRECORD), 2))
             return false;
     }

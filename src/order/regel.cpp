@@ -1,8 +1,8 @@
 // Loading, saving and restoring order lines, see order/regel.h. Writing them is order/wrkregel.cpp's.
 #include "order/regel.h"
 #include "order/meld.h"
-#include "order/ordsys.h"
 #include "order/wrk.h"
+#include "shared/syscalls.h"
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -41,7 +41,7 @@ struct plaatsbewaarder {
 // which would stop the program on what it takes for a damaged file.
 bool ga_naar(int32_t offset, char tag) {
     char staat = 0;
-    if (offset < 0 || ordsys_lees_op(werk->fd, &staat, 1, offset) != 1 || staat != tag)
+    if (offset < 0 || SYSLEES(werk->fd, &staat, 1, offset) != 1 || staat != tag)
         return false;
     werk->offset = offset;
     return ord_lees(werk, 'R');

@@ -2,11 +2,11 @@
 // Its siblings wrkregel.cpp, commit.cpp and herstel.cpp change lines, splice the order back, repair.
 #include "order/wrk.h"
 #include "order/meld.h"
-#include "order/ordsys.h"
 #include "order/programma.h"
 #include "order/wrkbinnen.h"
 #include "shared/files.h"
 #include "shared/report.h"
+#include "shared/syscalls.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -47,7 +47,7 @@ int ors_fd = -1;
 std::vector<ors_ingang> ors_nu; // what the ORS file holds
 
 bool tmp_leeg() {
-    if (!tmp.fout && !tmp.buffer.empty() && !ordsys_schrijf(tmp.fd, tmp.buffer.data(), tmp.buffer.size()))
+    if (!tmp.fout && !tmp.buffer.empty() && !SYSSCHRIJF(tmp.fd, tmp.buffer.data(), tmp.buffer.size()))
         tmp.fout = errno ? errno : EIO;
     tmp.buffer.clear();
     return !tmp.fout;
@@ -99,14 +99,14 @@ bool wrk_actief_schrijf() {
     act_record act = {};
     act.start = order_start;
     act.volgende = order_volgende;
-    act.omvang = static_cast<int32_t>(ordsys_omvang(journaal->fd));
+    act.omvang = static_cast<int32_t>(SYSOMVANG(journaal->fd));
     act.sessie = static_cast<uint8_t>(sessienummer);
-    int fd = ORDSYS.open(wrk_naam("ACT").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    int fd = SYSNIEUW(wrk_naam("ACT").c_str(), O_WRONLY | O_TRUNC);
     if (fd < 0)
         return false;
-    bool goed = ordsys_schrijf(fd, &act, sizeof act);
+    bool goed = SYSSCHRIJF(fd, &act, sizeof act);
     int reden = errno;
-    if (ORDSYS.close(fd) != 0 && goed) {
+    if (SYS.close(fd) != 0 && goed) {
         goed = false;
         reden = errno;
     }
@@ -115,15 +115,15 @@ bool wrk_actief_schrijf() {
 }
 
 void wrk_actief_wis() {
-    ORDSYS.unlink(wrk_naam("ACT").c_str());
+    SYS.unlink(wrk_naam("ACT").c_str());
 }
 
 void wrk_ruim_op() {
     if (stam.empty())
         return;
-    ORDSYS.unlink(wrk_naam("WRK").c_str());
+    SYS.unlink(wrk_naam("WRK").c_str());
     tmp_weg();
-    ORDSYS.unlink(wrk_naam("TMP").c_str());
+    SYS.unlink(wrk_naam("TMP").c_str());
     ors_wis();
     wrk_actief_wis();
 }
@@ -132,19 +132,19 @@ void wrk_ruim_op() {
 
 bool ors_nieuw() {
     if (ors_fd >= 0)
-        ORDSYS.close(ors_fd);
+        SYS.close(ors_fd);
     ors_nu.clear();
     aantal_regels = 0;
-    ors_fd = ORDSYS.open(wrk_naam("ORS").c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    ors_fd = SYSNIEUW(wrk_naam("ORS").c_str(), O_RDWR | O_TRUNC);
     return ors_fd >= 0;
 }
 
 void ors_wis() {
     if (ors_fd >= 0)
-        ORDSYS.close(ors_fd);
+        SYS.close(ors_fd);
     ors_fd = -1;
     ors_nu.clear();
-    ORDSYS.unlink(wrk_naam("ORS").c_str());
+    SYS.unlink(wrk_naam("ORS").c_str());
 }
 
 bool ors_lees(char modus, ors_ingang* ingang) {
@@ -167,7 +167,7 @@ bool ors_lees(char modus, ors_ingang* ingang) {
     }
     ors_ingang gelezen;
     if (nr < 1 || nr > aantal_regels || ors_fd < 0 ||
-        ordsys_lees_op(ors_fd, &gelezen, sizeof gelezen, int64_t{nr - 1} * ssize_t{sizeof gelezen}) !=
+        SYSLEES(ors_fd, &gelezen, sizeof gelezen, int64_t{nr - 1} * ssize_t{sizeof gelezen}) !=
             ssize_t{sizeof gelezen} ||
         gelezen.regel != nr)
         return false;
@@ -178,8 +178,8 @@ bool ors_lees(char modus, ors_ingang* ingang) {
 namespace {
 bool ors_schrijf(const std::vector<ors_ingang>& lijst) {
     size_t bytes = lijst.size() * sizeof(ors_ingang);
-    return ordsys_schrijf_op(ors_fd, lijst.data(), bytes, 0) &&
-           ORDSYS.ftruncate(ors_fd, static_cast<off_t>(bytes)) == 0;
+    return SYSSCHRIJFOP(ors_fd, lijst.data(), bytes, 0) &&
+           SYS.ftruncate(ors_fd, static_cast<off_t>(bytes)) == 0;
 }
 } // namespace
 
@@ -202,7 +202,7 @@ bool ors_af() {
 
 bool tmp_nieuw(bool ors_ook) {
     if (tmp.fd >= 0)
-        ORDSYS.close(tmp.fd);
+        SYS.close(tmp.fd);
     tmp.buffer.clear();
     tmp.buffer.reserve(TMPBUFFER);
     tmp.omvang = 0;
@@ -212,7 +212,7 @@ bool tmp_nieuw(bool ors_ook) {
     tmp.regels_oud = aantal_regels;
     if (ors_ook)
         aantal_regels = 0;
-    tmp.fd = ORDSYS.open(wrk_naam("TMP").c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    tmp.fd = SYSNIEUW(wrk_naam("TMP").c_str(), O_RDWR | O_TRUNC);
     tmp.fout = tmp.fd < 0 ? errno : 0;
     return tmp.fd >= 0;
 }
@@ -269,8 +269,8 @@ int tmp_neem() {
 void tmp_weg() {
     if (tmp.fd < 0)
         return;
-    ORDSYS.close(tmp_neem());
-    ORDSYS.unlink(wrk_naam("TMP").c_str());
+    SYS.close(tmp_neem());
+    SYS.unlink(wrk_naam("TMP").c_str());
     aantal_regels = tmp.regels_oud;
 }
 
@@ -294,8 +294,7 @@ bool tmp_naar_wrk() {
     }
     if (goed) {
         ext = "WRK";
-        if (IOLOCK('E', tmp.fd, 0, 1) &&
-            ORDSYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) == 0) {
+        if (IOLOCK('E', tmp.fd, 0, 1) && SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) == 0) {
             ord_wissel(werk, tmp_neem());
             return true;
         }
@@ -368,9 +367,9 @@ bool wrk_open() {
         return open_mislukt("TMP", false);
     if (!ors_af())
         return open_mislukt("ORS", false);
-    if (ORDSYS.close(tmp_neem()) != 0)
+    if (SYS.close(tmp_neem()) != 0)
         return open_mislukt("TMP", false);
-    if (ORDSYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) != 0)
+    if (SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) != 0)
         return open_mislukt("WRK", false);
     if (!wrk_actief_schrijf())
         return open_mislukt("ACT", false);

@@ -1,11 +1,11 @@
 // Lines into, out of and over one another in the work file. Each change copies WRK to TMP with the index
 // beside it and swaps the two, so WRK is always whole. The record images are not touched by the copy.
 #include "order/meld.h"
-#include "order/ordsys.h"
 #include "order/regel.h"
 #include "order/wrk.h"
 #include "order/wrkbinnen.h"
 #include "shared/report.h"
+#include "shared/syscalls.h"
 #include "term/datum.h"
 #include <cstring>
 
@@ -83,7 +83,7 @@ template <class F> void loop_wrk(F plaats) {
 void toets_ingang(const ors_ingang& ingang) {
     char tag = 0;
     for (auto [plaats, wil] : {std::pair{ingang.m, 'M'}, std::pair{ingang.d, 'D'}})
-        if (plaats < 0 || ordsys_lees_op(werk->fd, &tag, 1, plaats) != 1 || tag != wil)
+        if (plaats < 0 || SYSLEES(werk->fd, &tag, 1, plaats) != 1 || tag != wil)
             ord_inconsistent(werk, plaats, tag);
 }
 
@@ -91,7 +91,7 @@ void toets_ingang(const ors_ingang& ingang) {
 
 bool wrk_regel_in(ors_ingang* ingang, bool met_model) {
     char eerste = 0;
-    if (ordsys_lees_op(werk->fd, &eerste, 1, 0) != 1 || eerste != 'O')
+    if (SYSLEES(werk->fd, &eerste, 1, 0) != 1 || eerste != 'O')
         INTERNAL("wrkregel", 1); // a line before the header would become part of another order
     int32_t volgende_m = -1;
     ors_ingang loper = *ingang;
@@ -149,7 +149,7 @@ bool wrk_regel_vervang(ors_ingang* ingang) {
         return true;
     toets_ingang(*ingang);
     orddessin oud;
-    if (ordsys_lees_op(werk->fd, &oud, sizeof oud, int64_t{ingang->d} + 1) != ssize_t{sizeof oud})
+    if (SYSLEES(werk->fd, &oud, sizeof oud, int64_t{ingang->d} + 1) != ssize_t{sizeof oud})
         ord_inconsistent(werk, ingang->d, 'D');
     if (!tmp_begin_wrk())
         return false;

@@ -1,6 +1,7 @@
 // File helpers: tests on paths, temporary names, copy and move, scrambled texts. Directory scans are in
 // mapscan.cpp, locks in iolock.cpp.
 #include "shared/files.h"
+#include "shared/syscalls.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -8,8 +9,6 @@
 #include <cstring>
 #include <ctime>
 #include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 #include <vector>
@@ -18,7 +17,6 @@ namespace zg {
 namespace {
 
 constexpr int64_t SLOTLENGTE = 2147483646;
-constexpr int RECHTEN = 0660;
 
 int niets() {
     return 0;
@@ -31,28 +29,15 @@ bool zelfde_bestand(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-bool schrijf_alles(int fd, const char* p, size_t n) {
-    while (n > 0) {
-        ssize_t k = write(fd, p, n);
-        if (k < 0 && errno == EINTR)
-            continue;
-        if (k <= 0)
-            return false;
-        p += k;
-        n -= static_cast<size_t>(k);
-    }
-    return true;
-}
-
 bool kopieer(int van, int naar) {
     static char buffer[32768];
     for (;;) {
-        ssize_t n = read(van, buffer, sizeof buffer);
+        ssize_t n = SYS.read(van, buffer, sizeof buffer);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
             return n == 0;
-        if (!schrijf_alles(naar, buffer, static_cast<size_t>(n)))
+        if (!SYSSCHRIJF(naar, buffer, static_cast<size_t>(n)))
             return false;
     }
 }
@@ -88,7 +73,7 @@ int64_t IOSIZE(const char* pad) {
 }
 
 int IOUNLINK(const char* pad) {
-    return unlink(pad) == 0 || errno == ENOENT;
+    return SYS.unlink(pad) == 0 || errno == ENOENT;
 }
 
 int IOCHDIR(const char* pad) {
@@ -114,10 +99,10 @@ const char* IOTMPNAM(const char* map, const char* prefix) {
         char staart[8];
         snprintf(staart, sizeof staart, "%c%c%02d", eerste, tweede, nummer);
         pad = stam + staart;
-        int fd = open(pad.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, RECHTEN);
+        int fd = SYSNIEUW(pad.c_str(), O_RDWR | O_EXCL);
         if (fd >= 0) {
-            close(fd);
-            unlink(pad.c_str());
+            SYS.close(fd);
+            SYS.unlink(pad.c_str());
             return pad.c_str();
         }
         if (errno != EEXIST)
@@ -129,44 +114,39 @@ const char* IOTMPNAM(const char* map, const char* prefix) {
 
 int IOCOPY(const char* van, const char* naar, int hoe) {
     bool op_slot = true;
-    int bron = open(van, O_RDWR | O_CLOEXEC);
+    int bron = SYS.open(van, O_RDWR | O_CLOEXEC, 0);
     if (bron < 0) {
         op_slot = false;
-        bron = open(van, O_RDONLY | O_CLOEXEC);
+        bron = SYS.open(van, O_RDONLY | O_CLOEXEC, 0);
     }
     struct stat a, b;
     if (bron < 0)
         return 0;
     // A directory opens and then can't be read: the target would be gone for nothing.
-    if (fstat(bron, &a) < 0 || S_ISDIR(a.st_mode) || (stat(naar, &b) == 0 && zelfde_bestand(a, b))) {
-        close(bron);
+    if (SYS.fstat(bron, &a) < 0 || S_ISDIR(a.st_mode) || (stat(naar, &b) == 0 && zelfde_bestand(a, b))) {
+        SYS.close(bron);
         return 0;
     }
     if (op_slot)
         IOFLOCK(bron, 3, SLOTLENGTE);
     bool goed = false;
     // Cut only once the lock is held: another may be at work in the target.
-    int doel = open(naar,
-                    O_WRONLY | O_CREAT | O_CLOEXEC |
-                        (hoe < 0   ? O_EXCL
-                         : hoe > 0 ? O_APPEND
-                                   : 0),
-                    RECHTEN);
+    int doel = SYSNIEUW(naar, O_WRONLY | (hoe < 0 ? O_EXCL : hoe > 0 ? O_APPEND : 0));
     if (doel >= 0) {
         int64_t plaats = hoe > 0 ? lseek(doel, 0, SEEK_END) : 0;
         IOFLOCK(doel, 3, SLOTLENGTE - plaats);
-        goed = (hoe != 0 || ftruncate(doel, 0) == 0) && kopieer(bron, doel);
+        goed = (hoe != 0 || SYS.ftruncate(doel, 0) == 0) && kopieer(bron, doel);
         IXCOMMITHOOK();
         lseek(doel, plaats, SEEK_SET);
         IOFLOCK(doel, 13, SLOTLENGTE - plaats);
-        goed = close(doel) == 0 && goed;
+        goed = SYS.close(doel) == 0 && goed;
         if (!goed && plaats == 0)
-            unlink(naar);
+            SYS.unlink(naar);
     }
     lseek(bron, 0, SEEK_SET);
     if (op_slot)
         IOFLOCK(bron, 13, SLOTLENGTE);
-    close(bron);
+    SYS.close(bron);
     return goed;
 }
 
@@ -178,18 +158,18 @@ int IOMOVE(const char* van_, const char* naar_, int overschrijf) {
     if (overschrijf) {
         if (lstat(naar.c_str(), &b) == 0 && zelfde_bestand(a, b))
             // Two names of one file, which rename leaves both; or one name, and then all is done.
-            return volledig(van) == volledig(naar) || unlink(van.c_str()) == 0;
-        if (rename(van.c_str(), naar.c_str()) == 0)
+            return volledig(van) == volledig(naar) || SYS.unlink(van.c_str()) == 0;
+        if (SYS.rename(van.c_str(), naar.c_str()) == 0)
             return 1;
         // Across file systems: copy beside the target, so that it is never half there.
         std::string naast = naar + "." + std::to_string(getpid());
         if (!IOCOPY(van.c_str(), naast.c_str(), -1))
             return 0;
-        if (rename(naast.c_str(), naar.c_str()) < 0) {
-            unlink(naast.c_str());
+        if (SYS.rename(naast.c_str(), naar.c_str()) < 0) {
+            SYS.unlink(naast.c_str());
             return 0;
         }
-    } else if (link(van.c_str(), naar.c_str()) < 0 && !IOCOPY(van.c_str(), naar.c_str(), -1)) {
+    } else if (SYS.link(van.c_str(), naar.c_str()) < 0 && !IOCOPY(van.c_str(), naar.c_str(), -1)) {
         return 0;
     }
     return IOUNLINK(van.c_str());
@@ -217,14 +197,14 @@ int64_t IODIRSIZE(const char* map) {
 int IOMAXFILES() {
     std::vector<int> fds;
     while (fds.size() < 200) {
-        int fd = open("OPENFILE", O_RDWR | O_CREAT | O_CLOEXEC, RECHTEN);
+        int fd = SYSNIEUW("OPENFILE", O_RDWR);
         if (fd < 0)
             break;
         fds.push_back(fd);
     }
     for (int fd : fds)
-        close(fd);
-    unlink("OPENFILE");
+        SYS.close(fd);
+    SYS.unlink("OPENFILE");
     return static_cast<int>(fds.size());
 }
 

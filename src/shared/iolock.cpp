@@ -2,17 +2,17 @@
 // Two traps of these locks: they belong to the process, so it never sees its own; and closing any descriptor
 // of a file drops all its locks on that file. So a file that is locked is opened once and kept open.
 #include "shared/files.h"
+#include "shared/syscalls.h"
 #include "shared/teksten.h"
 #include "term/scherm.h"
 #include <cerrno>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace zg {
 namespace {
 
 bool doe(int fd, int opdracht, struct flock* slot) {
-    while (fcntl(fd, opdracht, slot) < 0)
+    while (SYS.slot(fd, opdracht, slot) < 0)
         if (errno != EINTR)
             return false;
     return true;

@@ -3,9 +3,9 @@
 #include "shared/woordenboek.h"
 #include "shared/files.h"
 #include "shared/teksten.h"
+#include "store/bestand.h"
 #include "store/ix.h"
 #include "store/rebuild.h"
-#include "store/syscall.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -168,9 +168,9 @@ int DDCREATE(int bestandnr, const char* naam) {
 }
 
 int DDCREATETXT(const char* naam) {
-    int fd = open(txt(naam).c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
+    int fd = SYSNIEUW(txt(naam).c_str(), O_RDWR | O_EXCL);
     if (fd >= 0)
-        close(fd);
+        SYS.close(fd);
     return fd >= 0 || IOEXISTS(txt(naam).c_str());
 }
 
@@ -182,7 +182,7 @@ int DDCOMPARE(int bestandnr, const char* naam) {
     IXHEADER h;
     DDRIJ r;
     int fd = IXBESTANDOPEN(inx(naam).c_str(), O_RDONLY); // a handle on it keeps its locks
-    bool gelezen = fd >= 0 && IXSYSLEES(fd, &h, sizeof h, 0) == static_cast<ssize_t>(sizeof h);
+    bool gelezen = fd >= 0 && SYSLEES(fd, &h, sizeof h, 0) == static_cast<ssize_t>(sizeof h);
     if (fd >= 0)
         IXBESTANDDICHT(fd);
     if (!gelezen || !DDROW(bestandnr, 1, &r))

@@ -2,9 +2,9 @@
 // so a mapping of the file could take their place at this one spot. What is read is looked at before it is
 // used.
 #include "shared/files.h"
+#include "store/bestand.h"
 #include "store/cache.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include "store/teksten.h"
 #include "term/scherm.h"
 #include <cerrno>
@@ -63,11 +63,11 @@ void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
 } // namespace
 
 ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
-    return IXSYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
+    return SYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
 }
 
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron) {
-    return IXSYSSCHRIJF(fd, bron, IXBLOK, int64_t{blok} * IXBLOK);
+    return SYSSCHRIJFOP(fd, bron, IXBLOK, int64_t{blok} * IXBLOK);
 }
 
 Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {

@@ -1,7 +1,7 @@
 // Blocks by stretches of eight megabytes: one stretch at a time is put in order in memory and written.
 #include "store/blokbak.h"
+#include "store/bestand.h"
 #include "store/spoel.h"
-#include "store/syscall.h"
 #include <algorithm>
 #include <cstring>
 
@@ -23,7 +23,7 @@ Blokbak::Blokbak(std::string pad, int32_t nblocks) : pad_(std::move(pad)), nbloc
 
 Blokbak::~Blokbak() {
     if (fd_ >= 0)
-        IXSYS.close(fd_);
+        SYS.close(fd_);
 }
 
 bool Blokbak::leeg(size_t nr) {
@@ -32,7 +32,7 @@ bool Blokbak::leeg(size_t nr) {
         return false;
     const int64_t plaats =
         (static_cast<int64_t>(nr) * STROOK + s.weg) * static_cast<int64_t>(sizeof(Wachtend));
-    if (!IXSYSSCHRIJF(fd_, s.wacht.data(), s.wacht.size() * sizeof(Wachtend), plaats))
+    if (!SYSSCHRIJFOP(fd_, s.wacht.data(), s.wacht.size() * sizeof(Wachtend), plaats))
         return false;
     s.weg += static_cast<int32_t>(s.wacht.size());
     s.wacht.clear();
@@ -71,7 +71,7 @@ bool Blokbak::schrijf(int fd) {
                 const size_t bytes = static_cast<size_t>(m) * sizeof(Wachtend);
                 const int64_t van =
                     (static_cast<int64_t>(begin) + i) * static_cast<int64_t>(sizeof(Wachtend));
-                if (IXSYSLEES(fd_, stuk.data(), bytes, van) != static_cast<ssize_t>(bytes))
+                if (SYSLEES(fd_, stuk.data(), bytes, van) != static_cast<ssize_t>(bytes))
                     return false;
                 std::for_each(stuk.begin(), stuk.begin() + m, plaats);
                 i += m;
@@ -79,7 +79,7 @@ bool Blokbak::schrijf(int fd) {
         }
         // Block 0 is the header, which is written by itself.
         for (size_t op = nr ? 0 : IXBLOK, einde = beeld_.size(); op < einde; op += PERKEER) {
-            if (!IXSYSSCHRIJF(fd, beeld_.data() + op, std::min(PERKEER, einde - op),
+            if (!SYSSCHRIJFOP(fd, beeld_.data() + op, std::min(PERKEER, einde - op),
                               int64_t{begin} * IXBLOK + static_cast<int64_t>(op)))
                 return false;
         }

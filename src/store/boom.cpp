@@ -7,8 +7,8 @@
 // header. A handle that is alone (exclusive, or under the header lock) sees only whole trees, so there
 // anything odd is damage.
 #include "shared/report.h"
+#include "store/bestand.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include "store/teksten.h"
 #include "term/scherm.h"
 #include <cerrno>
@@ -274,7 +274,7 @@ int32_t zoek(ICB* icb, char op, int lengte) {
 int32_t nieuw_blok(ICB* icb) {
     if (icb->h.nblocks > INT32_MAX - 4)
         SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_INDEX_VOL));
-    if (!icb->cached && IXBESTANDGROOTTE(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
+    if (!icb->cached && SYSOMVANG(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
         IXSTUK(icb, icb->h.nblocks);
     return icb->h.nblocks++;
 }

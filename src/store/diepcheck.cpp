@@ -3,8 +3,8 @@
 // file has blocks or records.
 #include "store/diepcheck.h"
 #include "shared/files.h"
+#include "store/bestand.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -52,7 +52,7 @@ struct Check {
             IXDIEPVOORTGANG(std::min(gedaan, werk), werk);
     }
     bool lees_record(int64_t nr, uint8_t* rec) const {
-        return IXSYSLEES(datfd, rec, static_cast<size_t>(h.reclen), nr * h.reclen) == h.reclen;
+        return SYSLEES(datfd, rec, static_cast<size_t>(h.reclen), nr * h.reclen) == h.reclen;
     }
     bool lees_blok(int32_t blok, IXKNOOP* k) const { return IXBLOKLEES(idxfd, blok, k, sizeof *k) == IXBLOK; }
     const uint8_t* entry(const IXKNOOP& k, const IXKEYDEF& def, int i) const {
@@ -84,7 +84,7 @@ long L(int64_t n) {
 
 // False when nothing further can be looked at.
 bool Check::kop() {
-    int64_t indexgrootte = IXBESTANDGROOTTE(idxfd), datagrootte = IXBESTANDGROOTTE(datfd);
+    int64_t indexgrootte = SYSOMVANG(idxfd), datagrootte = SYSOMVANG(datfd);
     if (indexgrootte < 0 || datagrootte < 0) {
         meld("a file can't be read");
         return false;
@@ -124,7 +124,7 @@ void Check::data() {
     std::vector<uint8_t> hap(HAP / lengte * lengte);
     telling->records = records;
     for (int64_t nr = 0; nr < records;) {
-        ssize_t n = IXSYSLEES(datfd, hap.data(), hap.size(), nr * h.reclen);
+        ssize_t n = SYSLEES(datfd, hap.data(), hap.size(), nr * h.reclen);
         int64_t aantal = n < 0 ? 0 : std::min(n / h.reclen, static_cast<ssize_t>(records - nr));
         if (aantal == 0) {
             meld("data: record %ld can't be read", L(nr));

@@ -1,9 +1,9 @@
 // Pairs: NAME.INX with header, trees and lock queue, NAME.TXT with the records. Create, open, check, empty,
 // close.
 #include "shared/files.h"
+#include "store/bestand.h"
 #include "store/cache.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include "store/teksten.h"
 #include "store/voortgang.h"
 #include "term/scherm.h"
@@ -31,7 +31,7 @@ int open_bestand(const std::string& pad, bool vragen, int64_t minstens, int al_o
     for (;;) {
         errno = 0;
         int fd = IXBESTANDOPEN(pad.c_str(), O_RDWR);
-        if (fd >= 0 && IXBESTANDGROOTTE(fd) >= minstens)
+        if (fd >= 0 && SYSOMVANG(fd) >= minstens)
             return fd;
         int fout = errno;
         if (fd >= 0)
@@ -47,15 +47,15 @@ int open_bestand(const std::string& pad, bool vragen, int64_t minstens, int al_o
 // Answers the version found. Any but the former one is taken as the present one, and put right on disk.
 uint16_t lees_versie(int fd) {
     uint16_t versie = 0;
-    IXSYSLEES(fd, &versie, sizeof versie, VERSIEPLAATS);
+    SYSLEES(fd, &versie, sizeof versie, VERSIEPLAATS);
     if (versie != OUDEVERSIE && versie != IXVERSIE)
-        IXSYSSCHRIJF(fd, &IXVERSIE, sizeof IXVERSIE, VERSIEPLAATS);
+        SYSSCHRIJFOP(fd, &IXVERSIE, sizeof IXVERSIE, VERSIEPLAATS);
     return versie;
 }
 
 // Name and title for messages, while `busy` keeps its value.
 bool lees_naam(ICB* icb) {
-    return IXSYSLEES(icb->idxfd, &icb->h, offsetof(IXHEADER, busy), 0) ==
+    return SYSLEES(icb->idxfd, &icb->h, offsetof(IXHEADER, busy), 0) ==
            static_cast<ssize_t>(offsetof(IXHEADER, busy));
 }
 
@@ -65,7 +65,7 @@ int leeg_bestand(int fd, const std::string& pad, bool naam_heel) {
     bool zelfde = fstat(fd, &open_nu) == 0 && stat(pad.c_str(), &op_pad) == 0 &&
                   open_nu.st_dev == op_pad.st_dev && open_nu.st_ino == op_pad.st_ino;
     if (zelfde || !naam_heel) {
-        if (IXSYS.ftruncate(fd, 0) < 0)
+        if (SYS.ftruncate(fd, 0) < 0)
             SCRFATAL(TXT(T_OPEN_MISLUKT), pad.c_str());
         return fd;
     }
@@ -84,10 +84,10 @@ int loop_vrijen(ICB* icb, const std::string& datapad) {
     bool balk = false;
     int32_t nr = icb->h.freehead;
     // The header of a temporary index says nothing of the data file: a chain is never longer than that.
-    const int64_t slots = std::min<int64_t>(icb->h.nrecs, IXBESTANDGROOTTE(icb->datfd) / icb->h.reclen);
+    const int64_t slots = std::min<int64_t>(icb->h.nrecs, SYSOMVANG(icb->datfd) / icb->h.reclen);
     for (int64_t stap = 0; stap < slots && nr >= 0; stap++) {
-        ssize_t n = IXSYSLEES(icb->datfd, rec.data(), static_cast<size_t>(icb->h.reclen),
-                              int64_t{nr} * icb->h.reclen);
+        ssize_t n =
+            SYSLEES(icb->datfd, rec.data(), static_cast<size_t>(icb->h.reclen), int64_t{nr} * icb->h.reclen);
         // The last byte of a slot is not looked at here, as in all programs that share the files.
         if (n != icb->h.reclen || IXRECLIVE(rec.data(), icb->h.reclen - 1))
             break;
@@ -111,7 +111,7 @@ int loop_vrijen(ICB* icb, const std::string& datapad) {
 
 // The answer of IXCHECK for a pair whose header has been read under lock.
 int beoordeel(ICB* icb, const std::string& indexpad, const std::string& datapad) {
-    if (icb->h.busy || IXKOPFOUT(icb->h) || IXBESTANDGROOTTE(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
+    if (icb->h.busy || IXKOPFOUT(icb->h) || SYSOMVANG(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
         return -1;
     if (indexpad.find(".INX") != std::string::npos &&
         IOSIZE(datapad.c_str()) != int64_t{icb->h.reclen} * icb->h.nrecs)
@@ -175,7 +175,7 @@ ICB* IXCREATE(const char* naam, int mode) {
     if (mode == 1)
         IXLOCK(icb, 1);
     // Emptied only now: until the lock is got others may be in it.
-    if (IXSYS.ftruncate(idxfd, 0) < 0)
+    if (SYS.ftruncate(idxfd, 0) < 0)
         SCRFATAL(TXT(T_CREATE_MISLUKT), indexpad.c_str());
     return icb;
 }
@@ -205,7 +205,7 @@ void IXINITIX(ICB* icb) {
     // A file that was longer keeps nothing behind the empty trees, or its size would not agree with the
     // header.
     const int64_t lengte = int64_t{icb->h.nblocks} * IXBLOK;
-    if (IXBESTANDGROOTTE(icb->idxfd) > lengte && IXSYS.ftruncate(icb->idxfd, lengte) < 0)
+    if (SYSOMVANG(icb->idxfd) > lengte && SYS.ftruncate(icb->idxfd, lengte) < 0)
         IXSCHIJFFOUT(icb, icb->idxfd, lengte, 0);
     IXRDIX(icb, 1);
 }

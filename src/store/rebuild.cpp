@@ -7,12 +7,12 @@
 // the pair open with the old one in hand.
 #include "store/rebuild.h"
 #include "shared/files.h"
+#include "store/bestand.h"
 #include "store/blokbak.h"
 #include "store/groei.h"
 #include "store/node.h"
 #include "store/sorteer.h"
 #include "store/spoel.h"
-#include "store/syscall.h"
 #include "store/teksten.h"
 #include "store/voortgang.h"
 #include "term/scherm.h"
@@ -102,7 +102,7 @@ template <class F> bool Bouw::elk_record(F doe) const {
     for (int64_t nr = 0; nr < records_;) {
         const int64_t n = std::min(per_keer, records_ - nr);
         const size_t bytes = static_cast<size_t>(n) * reclen();
-        if (IXSYSLEES(icb_->datfd, buffer.data(), bytes, nr * icb_->h.reclen) != static_cast<ssize_t>(bytes))
+        if (SYSLEES(icb_->datfd, buffer.data(), bytes, nr * icb_->h.reclen) != static_cast<ssize_t>(bytes))
             return false;
         for (uint8_t *rec = buffer.data(), *einde = rec + bytes; rec < einde; rec += reclen(), nr++)
             if (!doe(static_cast<int32_t>(nr), rec))
@@ -161,7 +161,7 @@ bool Bouw::groei() {
 
 // Room on the disk for what the index grows by, so that step 3 doesn't end half-way for want of it.
 bool Bouw::reserveer() const {
-    const int64_t nu = IXBESTANDGROOTTE(icb_->idxfd), straks = int64_t{icb_->h.nblocks} * IXBLOK;
+    const int64_t nu = SYSOMVANG(icb_->idxfd), straks = int64_t{icb_->h.nblocks} * IXBLOK;
     return straks <= nu || fallocate(icb_->idxfd, FALLOC_FL_KEEP_SIZE, nu, straks - nu) == 0 ||
            errno != ENOSPC;
 }
@@ -178,7 +178,7 @@ void Bouw::zet_op_zijn_plaats() {
         IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
     IXCOMMITHOOK();
     const int64_t lengte = int64_t{icb->h.nblocks} * IXBLOK;
-    if (IXBESTANDGROOTTE(icb->idxfd) != lengte && IXSYS.ftruncate(icb->idxfd, lengte) < 0)
+    if (SYSOMVANG(icb->idxfd) != lengte && SYS.ftruncate(icb->idxfd, lengte) < 0)
         IXSCHIJFFOUT(icb, icb->idxfd, lengte, 0);
     icb->h.busy = 0; // to the disk with IXCLOSE
 }
@@ -267,7 +267,7 @@ bool lees_kop(int fd, IXHEADER* h) {
 
 // Records in the data file; -1 when its length is not theirs.
 int64_t aantal_records(int fd, const IXHEADER& h) {
-    const int64_t lengte = IXBESTANDGROOTTE(fd);
+    const int64_t lengte = SYSOMVANG(fd);
     return lengte < 0 || lengte % h.reclen || lengte / h.reclen > RECORDSMAX ? -1 : lengte / h.reclen;
 }
 

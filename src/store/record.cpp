@@ -4,8 +4,8 @@
 // of the same new key can't both insert it. What a crash inside leaves behind is marked, and the index is
 // made again from the data file, which alone holds every record.
 #include "shared/files.h"
+#include "store/bestand.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include "store/teksten.h"
 #include <algorithm>
 #include <cerrno>
@@ -83,7 +83,7 @@ void neem_nummer(ICB* icb) {
         return;
     }
     // A data file that is too short would get a hole, whose zeros count as records.
-    if (IXBESTANDGROOTTE(icb->datfd) != int64_t{icb->h.nrecs} * icb->h.reclen)
+    if (SYSOMVANG(icb->datfd) != int64_t{icb->h.nrecs} * icb->h.reclen)
         IXSTUK(icb, 0);
     icb->currec = icb->h.nrecs++;
     IXLOCK(icb, 3);
@@ -189,7 +189,7 @@ void IXRDREC(ICB* icb, void* rec) {
     IXEIS(icb, "IXRDREC");
     const size_t lengte = static_cast<size_t>(icb->h.reclen);
     int64_t plaats = IXSEEKDAT(icb);
-    ssize_t n = IXSYSLEES(icb->datfd, rec, lengte, plaats);
+    ssize_t n = SYSLEES(icb->datfd, rec, lengte, plaats);
     if (n < 0)
         IXSCHIJFFOUT(icb, icb->datfd, plaats, icb->h.reclen);
     if (static_cast<size_t>(n) < lengte)
@@ -199,7 +199,7 @@ void IXRDREC(ICB* icb, void* rec) {
 void IXWRREC(ICB* icb, const void* rec) {
     IXEIS(icb, "IXWRREC");
     int64_t plaats = IXSEEKDAT(icb);
-    if (!IXSYSSCHRIJF(icb->datfd, rec, static_cast<size_t>(icb->h.reclen), plaats))
+    if (!SYSSCHRIJFOP(icb->datfd, rec, static_cast<size_t>(icb->h.reclen), plaats))
         IXSCHIJFFOUT(icb, icb->datfd, plaats, icb->h.reclen);
     IXCOMMITHOOK();
 }

@@ -10,8 +10,8 @@
 // within.
 #include "shared/files.h"
 #include "shared/teksten.h"
+#include "store/bestand.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include "store/teksten.h"
 #include "term/scherm.h"
 #include <sched.h>

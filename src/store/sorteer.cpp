@@ -1,8 +1,8 @@
 // External sort of index entries: pieces that fit are sorted in memory; when there is more than one they are
 // written as runs and merged. What is compared is a form of the key that needs no collation any more.
 #include "store/sorteer.h"
+#include "store/bestand.h"
 #include "store/node.h"
-#include "store/syscall.h"
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -192,7 +192,7 @@ Rangen::Rangen(Rangen&& ander) noexcept
 
 Rangen::~Rangen() {
     if (fd_ >= 0)
-        IXSYS.close(fd_);
+        SYS.close(fd_);
 }
 
 bool Rangen::leeg(size_t emmer) {
@@ -201,7 +201,7 @@ bool Rangen::leeg(size_t emmer) {
         (static_cast<int64_t>(emmer) * venster_ + aantal_[emmer]) * static_cast<int64_t>(sizeof(Paar));
     if (fd_ < 0 && (fd_ = NAAMLOOSBESTAND(pad_.c_str())) < 0)
         return false;
-    if (!IXSYSSCHRIJF(fd_, e.data(), e.size() * sizeof(Paar), plaats))
+    if (!SYSSCHRIJFOP(fd_, e.data(), e.size() * sizeof(Paar), plaats))
         return false;
     aantal_[emmer] += static_cast<int32_t>(e.size());
     e.clear();
@@ -230,7 +230,7 @@ const uint32_t* Rangen::laad(int64_t nr) {
         size_t n =
             static_cast<size_t>(std::min<int32_t>(static_cast<int32_t>(EMMERPAREN), aantal_[emmer] - i));
         int64_t plaats = (nr * venster_ + i) * static_cast<int64_t>(sizeof(Paar));
-        if (IXSYSLEES(fd_, stuk.data(), n * sizeof(Paar), plaats) != static_cast<ssize_t>(n * sizeof(Paar)))
+        if (SYSLEES(fd_, stuk.data(), n * sizeof(Paar), plaats) != static_cast<ssize_t>(n * sizeof(Paar)))
             return nullptr;
         for (size_t j = 0; j < n; j++)
             nu_[static_cast<size_t>(stuk[j].recnr)] = stuk[j].rang;

@@ -1,7 +1,7 @@
 // Spools on nameless files; all their calls go through the store's table, so that tests can fail each of them.
 #include "store/spoel.h"
 #include "shared/files.h"
-#include "store/syscall.h"
+#include "store/bestand.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -13,14 +13,14 @@ namespace zg {
 
 int NAAMLOOSBESTAND(const char* pad) {
     std::string map(pad, static_cast<size_t>(IOBASENAME(pad) - pad));
-    int fd = IXSYS.open(map.empty() ? "." : map.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+    int fd = SYS.open(map.empty() ? "." : map.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (fd >= 0 || (errno != EOPNOTSUPP && errno != EISDIR && errno != ENOENT && errno != EINVAL))
         return fd;
     for (int poging = 0; poging < 100; poging++) { // a file system without nameless files
         std::string naam = map + "IX" + std::to_string(getpid()) + "_" + std::to_string(poging) + ".TMP";
-        fd = IXSYS.open(naam.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        fd = SYS.open(naam.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         if (fd >= 0)
-            IXSYS.unlink(naam.c_str());
+            SYS.unlink(naam.c_str());
         if (fd >= 0 || errno != EEXIST)
             return fd;
     }
@@ -41,7 +41,7 @@ Spoel::~Spoel() {
 
 void Spoel::weg() {
     if (fd_ >= 0)
-        IXSYS.close(fd_);
+        SYS.close(fd_);
     fd_ = -1;
     geschreven_ = 0;
     std::vector<uint8_t>().swap(buffer_);
@@ -51,7 +51,7 @@ bool Spoel::schrijf(const void* van, size_t n) {
     if (buffer_.size() + n > ruimte_ && !buffer_.empty()) {
         if (fd_ < 0 && (fd_ = NAAMLOOSBESTAND(pad_.c_str())) < 0)
             return false;
-        if (!IXSYSSCHRIJF(fd_, buffer_.data(), buffer_.size(), geschreven_))
+        if (!SYSSCHRIJFOP(fd_, buffer_.data(), buffer_.size(), geschreven_))
             return false;
         geschreven_ += static_cast<int64_t>(buffer_.size());
         buffer_.clear();
@@ -71,7 +71,7 @@ bool Spoel::lees(int64_t plaats, void* naar, size_t n) {
         size_t deel = n;
         if (plaats + static_cast<int64_t>(n) > geschreven_)
             deel = static_cast<size_t>(geschreven_ - plaats);
-        if (IXSYSLEES(fd_, p, deel, plaats) != static_cast<ssize_t>(deel))
+        if (SYSLEES(fd_, p, deel, plaats) != static_cast<ssize_t>(deel))
             return false;
         p += deel;
         n -= deel;

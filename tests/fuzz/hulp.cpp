@@ -1,6 +1,6 @@
 #include "fuzz/hulp.h"
 #include "store/ix.h"
-#include "store/syscall.h"
+#include "store/bestand.h"
 #include "term/scherm.h"
 #include <csignal>
 #include <cstdio>
@@ -65,10 +65,10 @@ void begin() {
     const rlimit grens{4 << 20, 4 << 20};
     setrlimit(RLIMIT_FSIZE, &grens);
     atexit(ruim_op);
-    echt_open = IXSYS.open;
-    echt_dicht = IXSYS.close;
-    IXSYS.open = volg_open;
-    IXSYS.close = volg_dicht;
+    echt_open = SYS.open;
+    echt_dicht = SYS.close;
+    SYS.open = volg_open;
+    SYS.close = volg_dicht;
     SCRFATALHAAK = [] { throw Stop{SCRFATALTEKST()}; };
     IXWAITHOOK = [](ICB*) { throw Stop{"in use"}; };
 }
@@ -87,7 +87,7 @@ bool ronde(const std::function<void()>& werk, std::string* rapport) {
         for (int i = 0; i < 8 && open_nu.count(fd); i++)
             IXBESTANDDICHT(fd);
         if (open_nu.count(fd))
-            IXSYS.close(fd);
+            SYS.close(fd);
     }
     return heel;
 }

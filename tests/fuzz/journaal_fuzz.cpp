@@ -4,7 +4,7 @@
 #include "order/ioord.h"
 #include "order/ordcheck.h"
 #include "order/ordloop.h"
-#include "order/ordsys.h"
+#include "shared/syscalls.h"
 #include <fcntl.h>
 #include <set>
 #include <unistd.h>
@@ -58,15 +58,15 @@ int64_t lees_alles(ordhandle* h, int64_t max) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     begin();
-    echt_open = ORDSYS.open;
-    echt_dicht = ORDSYS.close;
-    ORDSYS.open = [](const char* pad, int vlaggen, mode_t bits) {
+    echt_open = SYS.open;
+    echt_dicht = SYS.close;
+    SYS.open = [](const char* pad, int vlaggen, mode_t bits) {
         int fd = echt_open(pad, vlaggen, bits);
         if (fd >= 0)
             open_nu.insert(fd);
         return fd;
     };
-    ORDSYS.close = [](int fd) {
+    SYS.close = [](int fd) {
         open_nu.erase(fd);
         return echt_dicht(fd);
     };
@@ -129,6 +129,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t n) {
     if (h)
         ord_sluit(h);
     while (!open_nu.empty())
-        ORDSYS.close(*open_nu.begin());
+        SYS.close(*open_nu.begin());
     return 0;
 }

@@ -5,7 +5,7 @@
 #include "store/diepcheck.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include "store/syscall.h"
+#include "store/bestand.h"
 #include <algorithm>
 #include <cstring>
 #include <unistd.h>
@@ -108,7 +108,7 @@ struct Werk {
     ICB* icb = nullptr;
     uint8_t rec[IXRECMAX] = {};
 
-    int64_t stappenmax() const { return IXBESTANDGROOTTE(icb->idxfd) / 5 + 10; }
+    int64_t stappenmax() const { return SYSOMVANG(icb->idxfd) / 5 + 10; }
     void dicht() {
         if (icb) {
             ICB* i = icb;

@@ -1,7 +1,7 @@
 // The builders, sessions and faults of bouw.h.
 #include "bouw.h"
-#include "order/ordsys.h"
 #include "shared/files.h"
+#include "shared/syscalls.h"
 #include "term/vast.h"
 #include <cerrno>
 #include <csignal>
@@ -146,7 +146,7 @@ Order maak_order(int nummer, const std::vector<int>& regels_per_model) {
 
 OrderMap::OrderMap() {
     mkdir("2016Z", 0777);
-    ORDSYS.fsync = fsync_;
+    SYS.fsync = fsync_;
     seizoensmap = "2016Z";
     gekozen_jaar = 2016;
     gekozen_letter = 'Z';
@@ -285,7 +285,7 @@ int in_kind(const std::function<int()>& doe, std::string* gezegd) {
 // ---- faults
 
 namespace {
-const ordsysteem ECHT = ORDSYS;
+const SYSCALLS ECHT = SYS;
 int teller, moment;
 Storing storing;
 
@@ -301,7 +301,7 @@ bool nu() {
 }
 
 int open_(const char* p, int v, mode_t m) {
-    if ((v & (O_CREAT | O_TRUNC)) && nu() && storing != Storing::HalfDood)
+    if (((v & O_CREAT) || ((v & O_TRUNC) && IOEXISTS(p))) && nu() && storing != Storing::HalfDood)
         return -1;
     return ECHT.open(p, v, m);
 }
@@ -341,7 +341,14 @@ void stoor(int n, Storing wat) {
     teller = 0;
     moment = n;
     storing = wat;
-    ORDSYS = {open_, write_, pwrite_, ftruncate_, fsync_, rename_, unlink_, ECHT.close};
+    SYS = ECHT;
+    SYS.open = open_;
+    SYS.write = write_;
+    SYS.pwrite = pwrite_;
+    SYS.ftruncate = ftruncate_;
+    SYS.fsync = fsync_;
+    SYS.rename = rename_;
+    SYS.unlink = unlink_;
 }
 
 int aanroepen() {

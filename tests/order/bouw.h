@@ -82,7 +82,7 @@ int herstart();
 // Run in a child: its exit status, or 128 + signal. What it says on the error output goes to *gezegd.
 int in_kind(const std::function<int()>& doe, std::string* gezegd = nullptr);
 
-// Count the calls of ORDSYS in this process and at the n-th (from 1) do something else.
+// Count the calls of SYS in this process and at the n-th (from 1) do something else.
 enum class Storing { Geen, Dood, HalfDood, Vol, VoorGoedVol };
 void stoor(int n, Storing wat);
 int aanroepen();

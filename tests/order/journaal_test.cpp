@@ -1,7 +1,7 @@
 // Open, change, commit: the journal byte for byte, the work file and its index beside it.
 #include "bouw.h"
 #include "order/ordcheck.h"
-#include "order/ordsys.h"
+#include "shared/syscalls.h"
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -289,10 +289,10 @@ int keren;
 TEST(Slot, opener_volgt_een_vervangen_journaal) {
     OrderMap map;
     zet("JRN", bytes({DRIE[0]}));
-    open_voor = ORDSYS.open;
+    open_voor = SYS.open;
     keren = 0;
     // Another program commits between our open and our lock, twice.
-    ORDSYS.open = [](const char* p, int v, mode_t m) {
+    SYS.open = [](const char* p, int v, mode_t m) {
         int fd = open_voor(p, v, m);
         if (++keren <= 2) {
             zet("TMP", bytes(DRIE));
@@ -301,7 +301,7 @@ TEST(Slot, opener_volgt_een_vervangen_journaal) {
         return fd;
     };
     journaal = ord_open_jrn("2016Z", 12, O_RDWR | O_CREAT);
-    ORDSYS.open = open_voor;
+    SYS.open = open_voor;
     ASSERT_TRUE(journaal);
     EXPECT_EQ(keren, 3);
     int n = 0;

@@ -1,7 +1,7 @@
 // The order line in memory: prices with and without the discount, terms, extensions, areas beside the shared
 // line; and orddump on what was built.
 #include "bouw.h"
-#include "order/ordsys.h"
+#include "shared/syscalls.h"
 #include "order/regelscherm.h"
 #include <array>
 #include <cstring>
@@ -198,7 +198,7 @@ TEST(Orddump, leest_een_journaal_en_stoort_niet) {
               std::string::npos);
     EXPECT_EQ(in_kind([] { return kies(0) ? 0 : 5; }), 5) << "the lock is still ours";
     // Half written in the eyes of a reader: in use, not wrong.
-    ASSERT_EQ(ftruncate(werk->fd, ordsys_omvang(werk->fd) - 1), 0);
+    ASSERT_EQ(ftruncate(werk->fd, SYSOMVANG(werk->fd) - 1), 0);
     EXPECT_EQ(dump("-c " + pad("WRK")).status, 4);
 }
 

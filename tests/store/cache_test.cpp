@@ -2,7 +2,7 @@
 #include "store/cache.h"
 #include "store/hulp.h"
 #include "store/node.h"
-#include "store/syscall.h"
+#include "store/bestand.h"
 
 namespace zg::test {
 namespace {
@@ -11,8 +11,8 @@ int lezingen, schrijvingen;
 
 void tel_aanroepen() {
     lezingen = schrijvingen = 0;
-    IXSYS.pread = [](int fd, void* p, size_t n, off_t o) { return lezingen++, pread(fd, p, n, o); };
-    IXSYS.pwrite = [](int fd, const void* p, size_t n, off_t o) {
+    SYS.pread = [](int fd, void* p, size_t n, off_t o) { return lezingen++, pread(fd, p, n, o); };
+    SYS.pwrite = [](int fd, const void* p, size_t n, off_t o) {
         return schrijvingen++, pwrite(fd, p, n, o);
     };
 }
@@ -39,7 +39,7 @@ bool is(ICB* icb, int32_t blok, int waarde) {
 
 TEST(Cache, writes_once_what_differs_and_reads_back_without_the_file) {
     TijdelijkeMap map;
-    const IXSYSCALLS echt = IXSYS;
+    const SYSCALLS echt = SYS;
     ICB* icb = maak(5);
     ASSERT_EQ(IOCACHE('I', icb, 0), 1);
     EXPECT_EQ(icb->parent[9], -1);
@@ -54,7 +54,7 @@ TEST(Cache, writes_once_what_differs_and_reads_back_without_the_file) {
     IOCACHE('F', icb, 0);
     EXPECT_EQ(schrijvingen, 45) << "a root that was only read is not written";
     EXPECT_EQ(icb->cached, 0);
-    IXSYS = echt;
+    SYS = echt;
     ASSERT_EQ(IOCACHE('I', icb, 0), 1);
     for (int i = 0; i < 45; i++)
         ASSERT_TRUE(is(icb, 10 + i, i)) << i;

@@ -1,6 +1,6 @@
 #include "store/hulp.h"
 #include "store/diepcheck.h"
-#include "store/syscall.h"
+#include "store/bestand.h"
 #include "term/scherm.h"
 #include <cerrno>
 #include <csignal>
@@ -53,8 +53,8 @@ int storend_ftruncate(int fd, off_t lengte) {
 
 void stoor(int n, int fout, Deel deel) {
     storing = {n, fout, deel};
-    IXSYS.pwrite = storend_pwrite;
-    IXSYS.ftruncate = storend_ftruncate;
+    SYS.pwrite = storend_pwrite;
+    SYS.ftruncate = storend_ftruncate;
 }
 bool gestoord() {
     return storing.tot <= 0;

@@ -1,7 +1,7 @@
 // Pairs: names, creating, opening, versions, IXCHECK; and damaged headers, which end in a report that names the file.
 #include "store/hulp.h"
 #include "store/node.h"
-#include "store/syscall.h"
+#include "store/bestand.h"
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
@@ -25,7 +25,7 @@ void vul(const char* naam, int van, int tot, int mode = 1) {
 // One value in the header on disk.
 template <class T> void zet_kop(const char* naam, size_t plaats, T waarde) {
     int fd = IXBESTANDOPEN((std::string(naam) + ".INX").c_str(), O_RDWR);
-    EXPECT_EQ(1, IXSYSSCHRIJF(fd, &waarde, sizeof waarde, static_cast<int64_t>(plaats)));
+    EXPECT_EQ(1, SYSSCHRIJFOP(fd, &waarde, sizeof waarde, static_cast<int64_t>(plaats)));
     IXBESTANDDICHT(fd);
 }
 

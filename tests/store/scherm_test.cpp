@@ -2,7 +2,7 @@
 // report that ends the program.
 #include "store/hulp.h"
 #include "store/node.h"
-#include "store/syscall.h"
+#include "store/bestand.h"
 #include "term/gesprek.h"
 #include <cerrno>
 #include <fcntl.h>
@@ -27,7 +27,7 @@ TEST(StoreScherm, GeenToegangNogmaalsProberen) {
     auto vraag = [](int n) {
         return [n] {
             weigeringen = n;
-            IXSYS.open = geen_toegang;
+            SYS.open = geen_toegang;
             IXCLOSE(IXOPEN("T", 2 + IXVRAAG));
             return std::string("open");
         };

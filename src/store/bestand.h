@@ -1,0 +1,17 @@
+// The files of pairs: one descriptor per file per process, because closing any descriptor of a file would drop
+// all the process's locks on it. Locks themselves: shared/iolock.cpp; reads and writes: shared/syscalls.h.
+#pragma once
+#include "shared/syscalls.h"
+
+namespace zg {
+
+// Open a file of a pair; vlaggen as for open (O_CLOEXEC is added), a new file as SYSNIEUW makes it. A file that the
+// process has open already gives the same descriptor, and O_TRUNC then empties it. -1 with errno set.
+int IXBESTANDOPEN(const char* pad, int vlaggen);
+void IXBESTANDDICHT(int fd);
+// Does a handle of this process hold the header lock of this index from open to close? Whoever takes and releases
+// that lock too would take it from the handle.
+void IXBESTANDVAST(int fd, bool vast);
+bool IXBESTANDVAST(int fd);
+
+} // namespace zg
