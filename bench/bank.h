@@ -8,8 +8,7 @@
 
 namespace bank {
 
-#pragma pack(push, 1)
-struct Rij {
+struct [[gnu::packed]] Rij {
     int32_t nr;     // key 1
     char naam[12];  // key 2
     uint16_t groep; // key 3, first part
@@ -17,7 +16,6 @@ struct Rij {
     int32_t teller; // changed by updates
     char rest[168];
 };
-#pragma pack(pop)
 static_assert(sizeof(Rij) == 200);
 
 enum Stand { GEDEELD, ALLEEN };

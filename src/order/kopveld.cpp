@@ -138,14 +138,23 @@ bool veld_locatie() {
     return kop.ontvangstlocatie != oud;
 }
 
+bool veld_datum(int rij) {
+    uint16_t datum = kop.orderdatum;
+    bool anders = INGAVE(rij, KOPWAARDE, "D,E", &SCHERM.toets[key_cancel], &datum) != 0;
+    kop.orderdatum = datum;
+    return anders;
+}
+
 bool veld_agent(int rij) {
-    uint16_t oud = kop.agent;
-    if (relatie_veld(rij, KOPWAARDE, "Z", REL_AGENT, &kop.agent)) {
+    uint16_t agent = kop.agent;
+    if (relatie_veld(rij, KOPWAARDE, "Z", REL_AGENT, &agent)) {
         int32_t toets = SCHERM.laatste;
         relatie_lees(kop.leverancier);
         SCHERM.laatste = toets;
     }
-    return kop.agent != oud;
+    bool anders = agent != kop.agent;
+    kop.agent = agent;
+    return anders;
 }
 
 bool veld_korting(int rij) {
@@ -198,7 +207,7 @@ bool bewerk(int item) {
     int rij = kop_rij(item);
     switch (item) {
     case KOP_DATUM:
-        return INGAVE(rij, KOPWAARDE, "D,E", &SCHERM.toets[key_cancel], &kop.orderdatum) != 0;
+        return veld_datum(rij);
     case KOP_LOCATIE:
         return veld_locatie();
     case KOP_OMSCHRIJVING:

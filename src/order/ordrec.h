@@ -6,8 +6,7 @@
 
 namespace zg {
 
-#pragma pack(push, 1)
-struct ordkop { // 'O'
+struct [[gnu::packed]] ordkop { // 'O'
     uint16_t leverancier, agent, jaar, orderdatum;
     char omschrijving[15];
     char seizoen;
@@ -24,13 +23,13 @@ struct ordkop { // 'O'
     uint8_t ontvangstlocatie; // branch number, 251 the warehouse
     char vrij104[16];
 };
-struct ordmodel { // 'M'
+struct [[gnu::packed]] ordmodel { // 'M'
     uint16_t merk;
     char model[15];
     uint8_t maatsoort, etiketsoort, vrij19;
     int32_t artikelgroep;
 };
-struct orddessin { // 'D': one order line
+struct [[gnu::packed]] orddessin { // 'D': one order line
     char dessin[12], materiaal[12], omschrijving[20];
     uint16_t kleur, volgnummer;
     char doelgroep;
@@ -43,36 +42,36 @@ struct orddessin { // 'D': one order line
     char vrij108[16];
     int32_t consprijs;
 };
-struct ordtekst {  // 'T'
-    uint8_t soort; // 1 delivery, 2 payment, 3 model, 4 dessin
+struct [[gnu::packed]] ordtekst { // 'T'
+    uint8_t soort;                // 1 delivery, 2 payment, 3 model, 4 dessin
     char tekst[60];
 };
-struct ordmaat { // 'S'
+struct [[gnu::packed]] ordmaat { // 'S'
     uint8_t maat;
     char vrij1[3];
     int32_t bruto, netto; // net without the order discount
 };
-struct ordextra { // 'E' and 'B': kept with the S in front of them
+struct [[gnu::packed]] ordextra { // 'E' and 'B': kept with the S in front of them
     char inhoud[13];
 };
-struct ordlevt { // 'L'
+struct [[gnu::packed]] ordlevt { // 'L'
     uint16_t eerste, laatste;
 };
-struct ordfil {            // 'F'
-    uint8_t filiaal, maat; // branch index, size index
+struct [[gnu::packed]] ordfil { // 'F'
+    uint8_t filiaal, maat;      // branch index, size index
     uint16_t vrij2;
     int32_t aantal;
 };
-struct ors_ingang { // entry of the ORS file
+struct [[gnu::packed]] ors_ingang { // entry of the ORS file
     uint16_t regel, vrij2;
     int32_t m, d; // offsets in the work file
 };
-struct act_record { // the ACT file, exactly 100 bytes
+struct [[gnu::packed]] act_record { // the ACT file, exactly 100 bytes
     int32_t start, volgende, omvang;
     uint8_t sessie;
     char vrij13[87];
 };
-struct ordparm { // ORDPARM.SYS, 112 bytes
+struct [[gnu::packed]] ordparm { // ORDPARM.SYS, 112 bytes
     uint16_t jaar;
     char vrij2[2];
     char letter;
@@ -85,7 +84,6 @@ struct ordparm { // ORDPARM.SYS, 112 bytes
     uint8_t afbeelding;      // 94
     char vrij95[17];
 };
-#pragma pack(pop)
 
 static_assert(sizeof(ordkop) == 120 && offsetof(ordkop, korting) == 44 && offsetof(ordkop, valuta) == 49 &&
               offsetof(ordkop, toeslag) == 60 && offsetof(ordkop, lev_ordernr) == 68 &&

@@ -9,14 +9,12 @@ namespace zg {
 
 inline constexpr int FILIALEN = 250; // most branches of a firm
 
-#pragma pack(push, 1)
-struct filiaalrec {
+struct [[gnu::packed]] filiaalrec {
     char naam[30]; // in clear in memory, scrambled on file
     char inhoud[569];
     uint8_t nummer;
     char vrij600[12];
 };
-#pragma pack(pop)
 static_assert(sizeof(filiaalrec) == 612 && offsetof(filiaalrec, nummer) == 599);
 
 // 'O' open (OPENFAIL when it can't), 'C' close, 'R' read, 'W' write. The index may be the number of branches

@@ -26,14 +26,12 @@ namespace {
 constexpr int REGISTER = 3; // handles open at once, as a guard against ones that are never closed
 mthandle* open_handles[REGISTER];
 
-#pragma pack(push, 1)
-struct mtomrec { // DTMTOM
+struct [[gnu::packed]] mtomrec { // DTMTOM
     uint8_t stelsel, soort, maatnr;
     int32_t extra1;
     uint16_t extra2;
     uint8_t extra3;
 };
-#pragma pack(pop)
 static_assert(sizeof(mtomrec) == 10);
 
 bool geldig(int n) {

@@ -11,8 +11,7 @@ namespace zg {
 inline constexpr int MATEN = 95;
 inline constexpr int MAATBYTES = 12; // a bit per size, by size number
 
-#pragma pack(push, 1)
-struct maatrij { // DTMAAT, 404 bytes
+struct [[gnu::packed]] maatrij { // DTMAAT, 404 bytes
     uint8_t stelsel, soort;
     uint8_t mtombits[MAATBYTES]; // sizes with a record in DTMTOM
     struct {
@@ -23,14 +22,13 @@ struct maatrij { // DTMAAT, 404 bytes
     uint16_t mtcount;
     char vrij402[2];
 };
-struct mtinfo { // what the reads fill
+struct [[gnu::packed]] mtinfo { // what the reads fill
     uint8_t stelsel, soort, maatnr, positie, rang;
     char naam[3];
     int32_t extra1; // from DTMTOM
     uint16_t extra2;
     uint8_t extra3;
 };
-#pragma pack(pop)
 static_assert(sizeof(maatrij) == 404 && offsetof(maatrij, entry) == 14 && offsetof(maatrij, mtcount) == 400);
 static_assert(sizeof(mtinfo) == 15 && offsetof(mtinfo, naam) == 5 && offsetof(mtinfo, extra1) == 8);
 

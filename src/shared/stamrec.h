@@ -12,8 +12,7 @@ namespace zg {
 inline constexpr int GEEN_MAGAZIJN = 255;    // branch number for "none"
 inline constexpr int LOCATIE_MAGAZIJN = 251; // receiving location: the warehouse
 
-#pragma pack(push, 1)
-struct artrec { // DTART, key 1 artikelgroep
+struct [[gnu::packed]] artrec { // DTART, key 1 artikelgroep
     int32_t artikelgroep;
     uint8_t prijsklasse, kenmerksoort; // 0 for none
     char omschrijving[20];
@@ -30,7 +29,7 @@ struct artrec { // DTART, key 1 artikelgroep
 };
 enum Artvlag : uint8_t { ART_GEEN_VERKOOP = 1, ART_AANVULLEN = 2, ART_AANPASSEN = 4 };
 
-struct merkrec { // DTMERK, key 1 merk, 2 zoeknaam, 3 naam
+struct [[gnu::packed]] merkrec { // DTMERK, key 1 merk, 2 zoeknaam, 3 naam
     uint16_t merk;
     char naam[20], zoeknaam[4];
     uint16_t fabrikant, agent, leverancier;
@@ -41,7 +40,7 @@ struct merkrec { // DTMERK, key 1 merk, 2 zoeknaam, 3 naam
     char vrij68[8];
 };
 
-struct levrec { // DTLEV, key 1 nummer, 2 naam, 3 adrescode
+struct [[gnu::packed]] levrec { // DTLEV, key 1 nummer, 2 naam, 3 adrescode
     uint16_t nummer;
     char naam[20], adres[30], postcode[7], plaats[25], land[3];
     char telefoon[20], fax[20], mobiel[20];
@@ -59,35 +58,35 @@ struct levrec { // DTLEV, key 1 nummer, 2 naam, 3 adrescode
 };
 enum Relatiesoort : uint8_t { REL_LEVERANCIER = 1, REL_AGENT = 2, REL_FABRIKANT = 4 };
 
-struct levextrec { // DTLEVEXT
+struct [[gnu::packed]] levextrec { // DTLEVEXT
     uint16_t nummer;
     char email[80], website[80];
     char vrij162[2];
 };
-struct omzgrprec { // DTOMZGRP
+struct [[gnu::packed]] omzgrprec { // DTOMZGRP
     uint16_t nummer;
     char naam[20];
     uint8_t btwcode;
     char vrij23;
 };
-struct doelgrrec { // DTDOELGR
+struct [[gnu::packed]] doelgrrec { // DTDOELGR
     char code;
     char vrij1;
     char naam[20];
     char vrij22[2];
 };
-struct koersrec { // DTKOERS, key 1 code and date
+struct [[gnu::packed]] koersrec { // DTKOERS, key 1 code and date
     char code[3];
     char vrij3;
     int32_t koers;    // times 10000
     uint16_t eenheid; // foreign units that it is for
     uint16_t datum;   // holds from this date until the next record
 };
-struct seriesleutel { // head of every record about a series
+struct [[gnu::packed]] seriesleutel { // head of every record about a series
     int32_t artikelgroep;
     uint16_t kleur, volgnummer;
 };
-struct eanrec { // DTEAN, key 1 code, 2 kind, series and size
+struct [[gnu::packed]] eanrec { // DTEAN, key 1 code, 2 kind, series and size
     char code[13];
     char soort; // 'M' of a series and size, 'A' of an article
     uint16_t kleur;
@@ -97,15 +96,14 @@ struct eanrec { // DTEAN, key 1 code, 2 kind, series and size
     uint16_t datum;
     char vrij26[2];
 };
-struct kleinartrec { // a 60-byte table of small articles
+struct [[gnu::packed]] kleinartrec { // a 60-byte table of small articles
     uint16_t nummer;
     char vrij2[58];
 };
-struct klantrec { // DTKLT
+struct [[gnu::packed]] klantrec { // DTKLT
     int32_t nummer;
     char vrij4[308];
 };
-#pragma pack(pop)
 
 static_assert(sizeof(artrec) == 304 && offsetof(artrec, magazijn) == 28 && offsetof(artrec, btwcode) == 33 &&
               offsetof(artrec, branchecode) == 36 && offsetof(artrec, perfiliaal) == 40 &&

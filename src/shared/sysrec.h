@@ -42,15 +42,14 @@ inline constexpr int SET_MAX = 9; // set and code are one digit each
 inline constexpr int BATCHGEBRUIKER = 99;
 inline constexpr char RELEASE[] = "8.70 ";
 
-#pragma pack(push, 1)
 // A slot number with the record behind it, as callers keep them.
-template <class R> struct Slot {
+template <class R> struct [[gnu::packed]] Slot {
     int32_t nr;
     R r;
 };
 
 // System records 1, 2, 4 ... of SYS_RECORD.
-struct sysfirma { // 1
+struct [[gnu::packed]] sysfirma { // 1
     char naam[30];
     uint8_t vlag30; // 4: tills are linked
     char vrij31;
@@ -62,37 +61,37 @@ struct sysfirma { // 1
     uint16_t btw[10];    // tenths of a per cent, by VAT code - 1
     char vrij62[2];
 };
-struct systeller { // 2 series, 5 orders, 14 EAN codes
+struct [[gnu::packed]] systeller { // 2 series, 5 orders, 14 EAN codes
     int32_t laatste;
     char vrij4[60];
 };
-struct sysetiket { // 4
+struct [[gnu::packed]] sysetiket { // 4
     int32_t vrijkop, hoogste, vrij;
     char vrij12[52];
 };
-struct sysafbeelding { // 7
+struct [[gnu::packed]] sysafbeelding { // 7
     char map[25];
     uint8_t modus;
     char vrij26[38];
 };
-struct sysmaat { // 8
+struct [[gnu::packed]] sysmaat { // 8
     char vrij0[2];
     uint16_t mtcount;
     char vrij4[60];
 };
-struct sysprijs { // 9
+struct [[gnu::packed]] sysprijs { // 9
     int32_t vrijkop, hoogste;
     char vrij8[56];
 };
-struct sysstatus { // 10
+struct [[gnu::packed]] sysstatus { // 10
     int32_t klantnummer;
     char vrij4[4];
     char tekst[50];
     char release[5];
     uint8_t status; // 0 free
 };
-struct sysinstel {           // 15
-    char valuta[VALUTACODE]; // home currency
+struct [[gnu::packed]] sysinstel { // 15
+    char valuta[VALUTACODE];       // home currency
     char vrij3[3];
     uint8_t etiketcijfers;
     uint8_t artikelcijfers; // width of article numbers
@@ -108,22 +107,22 @@ struct sysinstel {           // 15
     char prefix[9][4]; // code prefixes that are not internal
     char vrij58[6];
 };
-struct sysmodel { // 16: what the duplicate model screen asks
+struct [[gnu::packed]] sysmodel { // 16: what the duplicate model screen asks
     char vrij0[35];
     uint8_t velden;
     char vrij36[28];
 };
-struct sysbackup { // 19
+struct [[gnu::packed]] sysbackup { // 19
     uint16_t datum;
     char vrij2[62];
 };
-struct sysgetal { // 20
+struct [[gnu::packed]] sysgetal { // 20
     int32_t waarde;
     char vrij4[60];
 };
 
 // Slot of SYS_GEBRUIKER, locked by the program that the user is in.
-struct gebruikerslot {
+struct [[gnu::packed]] gebruikerslot {
     char username[18]; // scrambled
     char vrij18[4];
     char usertty[6];
@@ -141,40 +140,39 @@ struct gebruikerslot {
     char vrij63;
 };
 
-struct valutarec {
+struct [[gnu::packed]] valutarec {
     char code[VALUTACODE];
     uint8_t decimalen; // 0 or 2
     char naam[32];
 };
-struct tekst20 { // kleur, maatsoort, maatstelsel, codes by set
+struct [[gnu::packed]] tekst20 { // kleur, maatsoort, maatstelsel, codes by set
     char tekst[20];
 };
-struct tekst30 { // actiecode, correctiecode, inkoopcode, deelseizoen
+struct [[gnu::packed]] tekst30 { // actiecode, correctiecode, inkoopcode, deelseizoen
     char tekst[30];
 };
-struct prijsklasserec {
+struct [[gnu::packed]] prijsklasserec {
     char tekst[20], vrij20[20];
 };
-struct maatbalkrec {
+struct [[gnu::packed]] maatbalkrec {
     uint8_t maatsoort;
     uint8_t maten[12];
     char vrij13[3];
 };
-struct landrec {
+struct [[gnu::packed]] landrec {
     uint16_t nummer;
     char iso2[2], iso3[3], naam[20];
     char vrij27;
 };
-struct etiketsoortrec {
+struct [[gnu::packed]] etiketsoortrec {
     char tekst[30];
     uint8_t breedte, hoogte;
     char vrij32[36];
 };
-struct filiaalreeksrec {
+struct [[gnu::packed]] filiaalreeksrec {
     char naam[20];
     uint8_t filialen[32]; // bit by branch index
 };
-#pragma pack(pop)
 
 static_assert(sizeof(sysfirma) == 64 && offsetof(sysfirma, vlaggen) == 32 &&
               offsetof(sysfirma, filialen) == 39 && offsetof(sysfirma, maatstelsel) == 41 &&

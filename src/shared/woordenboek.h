@@ -8,19 +8,17 @@ namespace zg {
 
 struct ICB;
 
-#pragma pack(push, 1)
-struct DDDEEL {
+struct [[gnu::packed]] DDDEEL {
     char type;        // 'I', 'C', 0 ends the list
     uint8_t van, tot; // record positions from 1, inclusive
 };
-struct DDRIJ {
+struct [[gnu::packed]] DDRIJ {
     uint8_t bestandnr; // above 249: the end row
     uint8_t keys;
     int16_t reclen;
     uint8_t keynr, dups;
     DDDEEL delen[10];
 };
-#pragma pack(pop)
 static_assert(sizeof(DDRIJ) == 36);
 
 inline constexpr int DDEINDE = 250;

@@ -14,9 +14,8 @@ inline constexpr int IXSLEUTELS = 5;
 inline constexpr int IXDELEN = 10;
 inline constexpr uint16_t IXVERSIE = 351;
 
-#pragma pack(push, 1)
 // One key in the header, 42 bytes.
-struct IXKEYDEF {
+struct [[gnu::packed]] IXKEYDEF {
     char keyname[8];
     char dupflag; // 'N' unique, 'J' duplicates: 4 bytes of record number behind the parts
     uint8_t keylen;
@@ -27,7 +26,7 @@ struct IXKEYDEF {
     uint8_t vrij;
 };
 // The 260 meaningful bytes of block 0.
-struct IXHEADER {
+struct [[gnu::packed]] IXHEADER {
     char name[11];
     int8_t nkeys;
     int32_t freehead, nrecs, nblocks;
@@ -38,7 +37,6 @@ struct IXHEADER {
     IXKEYDEF keydef[IXSLEUTELS];
     uint16_t version;
 };
-#pragma pack(pop)
 static_assert(sizeof(IXKEYDEF) == 42 && sizeof(IXHEADER) == 260);
 static_assert(offsetof(IXHEADER, reclen) == 24 && offsetof(IXHEADER, busy) == 45);
 static_assert(offsetof(IXHEADER, keydef) == 48 && offsetof(IXHEADER, version) == 258);

@@ -15,8 +15,7 @@ inline constexpr int KNOOPRUIMTE = 505; // bytes for entries
 inline constexpr int IXEINDEN = 3;      // reads past the end, a second apart, before they count as damage
 inline constexpr int KNOOPNIVEAUS = 9;  // highest level of a node: `parent` has ten places
 
-#pragma pack(push, 1)
-struct IXKNOOP {
+struct [[gnu::packed]] IXKNOOP {
     int8_t keyno; // key that it belongs to; 1 in the lock queue
     int8_t level; // 1 a leaf, 0 the lock queue
     char vrij[2];
@@ -24,7 +23,6 @@ struct IXKNOOP {
     uint8_t entries[KNOOPRUIMTE];
     char vrij2[2];
 };
-#pragma pack(pop)
 static_assert(sizeof(IXKNOOP) == IXBLOK && offsetof(IXKNOOP, count) == 4 && offsetof(IXKNOOP, entries) == 5);
 
 inline IXKNOOP& KNOOP(ICB* icb) {

@@ -85,7 +85,7 @@ bool Bouw::bereid_voor(int64_t records) {
     }
     if (!groei())
         return false;
-    blokken_.emplace(map, icb_->h.nblocks);
+    blokken_.emplace(map, int{icb_->h.nblocks});
     IXKNOOP wachtrij{};
     wachtrij.keyno = 1;
     bool goed = blokken_->zet(WACHTRIJBLOK(icb_), &wachtrij);

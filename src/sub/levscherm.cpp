@@ -75,7 +75,8 @@ struct Beeld {
     bool vreemd() const { return thuisvaluta_anders(std::string(VASTUIT(rec.valuta)).c_str()); }
     // As shown and asked; 0 is the rate of the day.
     double koers() const {
-        return koers_dubbel(static_cast<int32_t>(rec.koers), std::max<uint16_t>(rec.koerseenheid, 1));
+        return koers_dubbel(static_cast<int32_t>(rec.koers),
+                            rec.koerseenheid ? rec.koerseenheid : uint16_t{1});
     }
     double toeslag() const { return (rec.toeslag ? rec.toeslag : 10000u) / 10000.0; }
 };

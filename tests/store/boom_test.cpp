@@ -9,13 +9,11 @@
 namespace zg::test {
 namespace {
 
-#pragma pack(push, 1)
-struct Rec {
+struct [[gnu::packed]] Rec {
     uint16_t groep;
     uint8_t code;
     char tekst[13];
 };
-#pragma pack(pop)
 static_assert(sizeof(Rec) == 16);
 
 const Tabel tabel{16, {"k,I,1,2,I,3,3", "t,C,4,16", "g,I,1,2"}};

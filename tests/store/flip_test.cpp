@@ -15,13 +15,11 @@
 namespace zg::test {
 namespace {
 
-#pragma pack(push, 1)
-struct Rec {
+struct [[gnu::packed]] Rec {
     uint32_t nr;
     char naam[50];
     uint16_t groep;
 };
-#pragma pack(pop)
 
 // Five keys; the one of 60 bytes has seven places in a node, so a few records give it two levels.
 const Tabel tabel{sizeof(Rec), {"k,I,1,4", "n,C,5,54", "g,I,55,56", "gn,NODUPS,I,55,56,C,5,14", "d,C,5,8"}};

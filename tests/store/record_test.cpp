@@ -8,13 +8,11 @@
 namespace zg::test {
 namespace {
 
-#pragma pack(push, 1)
-struct Rec {
+struct [[gnu::packed]] Rec {
     int32_t nr;
     char naam[12];
     int32_t waarde;
 };
-#pragma pack(pop)
 
 const Tabel tabel{20, {"k,I,1,4", "n,C,5,16", "w,NODUPS,I,17,20"}};
 

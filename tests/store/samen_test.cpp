@@ -12,15 +12,13 @@
 namespace zg::test {
 namespace {
 
-#pragma pack(push, 1)
-struct Rec {
+struct [[gnu::packed]] Rec {
     uint32_t nr;
     uint16_t groep;
     char naam[14];
     int32_t waarde;
     char rest[76];
 };
-#pragma pack(pop)
 static_assert(sizeof(Rec) == 100);
 
 const char* const sleutels[] = {"k,I,1,4", "n,C,7,20", "g,I,5,6", "gn,I,5,6,C,7,12", "w,I,21,24"};

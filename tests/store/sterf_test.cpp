@@ -14,14 +14,12 @@
 namespace zg::test {
 namespace {
 
-#pragma pack(push, 1)
-struct Rec { // 32 divides a page, so a record is never half new
+struct [[gnu::packed]] Rec { // 32 divides a page, so a record is never half new
     uint32_t nr;
     char naam[20];
     int32_t waarde;
     int32_t rest;
 };
-#pragma pack(pop)
 static_assert(sizeof(Rec) == 32);
 
 const Tabel tabel{32, {"k,I,1,4", "n,C,5,24", "w,I,25,28"}};
@@ -39,7 +37,7 @@ std::map<uint32_t, int32_t> inhoud() {
     ICB* icb = IXOPEN("T", 0);
     Rec r{};
     for (int ok = IXFIRST(icb, &r); ok; ok = IXNEXT(icb, &r))
-        EXPECT_TRUE(uit.emplace(r.nr, r.waarde).second) << r.nr << " stands twice";
+        EXPECT_TRUE(uit.emplace(uint32_t{r.nr}, int32_t{r.waarde}).second) << r.nr << " stands twice";
     IXCLOSE(icb);
     return uit;
 }

@@ -8,14 +8,12 @@
 namespace zg::test {
 namespace {
 
-#pragma pack(push, 1)
-struct Rij {
+struct [[gnu::packed]] Rij {
     uint8_t balk;
     uint16_t nr;
     char maat[2];
     char rest[25];
 };
-#pragma pack(pop)
 
 int eerste_gemaakt;
 
