@@ -14,9 +14,8 @@ if(GENCAT)
   set(catalogues)
   foreach(naam ZEBCAT DETAIL)
     set(uit ${CMAKE_BINARY_DIR}/catalogues/${naam})
-    add_custom_command(OUTPUT ${uit} DEPENDS zgteksten VERBATIM
-      COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/catalogues
-      COMMAND sh -c "rm -f '${uit}' && $<TARGET_FILE:zgteksten> ${naam} > '${uit}.msg' && out=$(LC_ALL=C '${GENCAT}' '${uit}' '${uit}.msg' 2>&1); echo \"$out\" | grep . && exit 1; test -s '${uit}'")
+    add_custom_command(OUTPUT ${uit} DEPENDS zgteksten ${CMAKE_SOURCE_DIR}/data/catalogue.sh VERBATIM
+      COMMAND ${CMAKE_SOURCE_DIR}/data/catalogue.sh ${GENCAT} $<TARGET_FILE:zgteksten> ${naam} ${uit})
     list(APPEND catalogues ${uit})
   endforeach()
   add_custom_target(catalogues ALL DEPENDS ${catalogues})

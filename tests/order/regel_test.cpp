@@ -1,8 +1,8 @@
 // The order line in memory: prices with and without the discount, terms, extensions, areas beside the shared
 // line; and orddump on what was built.
 #include "bouw.h"
-#include "shared/syscalls.h"
 #include "order/regelscherm.h"
+#include "shared/syscalls.h"
 #include <array>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -165,7 +165,7 @@ struct Uit {
     std::string tekst;
 };
 Uit dump(const std::string& rest) {
-    FILE* p = popen((std::string(ZG_BINARY_DIR "/orddump ") + rest + " 2>&1").c_str(), "r");
+    FILE* p = popen((std::string("\"" ZG_BINARY_DIR "/orddump\" ") + rest + " 2>&1").c_str(), "r");
     std::string tekst;
     char buf[4096];
     for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;)

@@ -17,7 +17,8 @@ const std::string& bron(const std::string& teksten) {
     std::string& pad = gemaakt[teksten];
     if (pad.empty()) {
         pad = map.pad() + "/" + std::to_string(gemaakt.size());
-        std::string opdracht = programma("zgdemo") + " " + pad + " --from " ZG_SOURCE_DIR "/" + teksten;
+        std::string opdracht =
+            "\"" + programma("zgdemo") + "\" " + pad + " --from \"" ZG_SOURCE_DIR "/" + teksten + "\"";
         EXPECT_EQ(system(opdracht.c_str()), 0);
     }
     return pad;

@@ -81,7 +81,7 @@ const std::map<std::string, std::string>& beschrijving(const std::string& term) 
         return it->second;
     std::string naam = term;
     naam[0] = static_cast<char>(toupper(static_cast<unsigned char>(naam[0])));
-    std::string opdracht = "infocmp -1 -A " ZG_BINARY_DIR "/terminfo '" + naam + "' 2>/dev/null";
+    std::string opdracht = "infocmp -1 -A \"" ZG_BINARY_DIR "/terminfo\" '" + naam + "' 2>/dev/null";
     FILE* p = popen(opdracht.c_str(), "r");
     char regel[512];
     while (p && fgets(regel, sizeof regel, p)) {

@@ -211,8 +211,8 @@ TEST(VeldVenster, ExitBreektAf) {
 // On some terminals CANCEL is a printable character: it cancels at the start of a field and is typed behind it.
 TEST(VeldVenster, CancelIsOokEenTeken) {
     test::TijdelijkeMap map;
-    std::string maak = "infocmp -1 -A '" ZG_BINARY_DIR
-                       "/terminfo' Xterm | sed 's/kcan=.*/kcan=\\/,/' >x.ti && tic -o " +
+    std::string maak = "infocmp -1 -A \"" ZG_BINARY_DIR
+                       "/terminfo\" Xterm | sed 's/kcan=.*/kcan=\\/,/' >x.ti && tic -o " +
                        map.pad() + " x.ti 2>/dev/null";
     ASSERT_EQ(system(maak.c_str()), 0);
     test::Opties opties;

@@ -102,7 +102,7 @@ TEST(Demo, JournalsAreSound) {
 TEST(Demo, KeepsOrRefusesWhatIsThere) {
     test::TijdelijkeMap map;
     auto zgdemo = [](const std::string& rest) {
-        return system((test::programma("zgdemo") + " " + rest).c_str());
+        return system(("\"" + test::programma("zgdemo") + "\" " + rest).c_str());
     };
     ASSERT_EQ(zgdemo("data"), 0);
     test::schrijf_bestand("data/2016Z/ORD0099.JRN", "mine");

@@ -23,7 +23,7 @@ struct Uit {
 };
 
 Uit sh(const std::string& opdracht) {
-    std::string regel = "PATH=" ZG_BINARY_DIR ":$PATH; exec 2>&1; " + opdracht;
+    std::string regel = "PATH=\"" ZG_BINARY_DIR "\":$PATH; exec 2>&1; " + opdracht;
     FILE* p = popen(regel.c_str(), "r");
     std::string tekst;
     char buf[4096];
