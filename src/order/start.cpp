@@ -130,9 +130,11 @@ void prog_exec(const char* doel) {
     iotab('C', &nr, nullptr, SYS_RECORD);
     iofil('C', 0, nullptr);
     CATCLOSE();
-    SCREXIT();
-    if (!*doel)
+    if (!*doel) {
+        SCREXIT();
         exit(0);
+    }
+    SCROVERGEVEN();
     std::string pad;
     for (const char* variabele : {"TSTBIN", "BIN"})
         if (const char* map = getenv(variabele); map && *map)

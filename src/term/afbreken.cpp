@@ -39,7 +39,7 @@ void in_doos(const char* tekst) {
     SCRPUT(A_WAARDE, rijen + 1, 2, "%s", support);
     SCRPUT(A_LABEL, rijen + 2, 2, "%s", TXT(T_ENTER_VERVOLG));
     TOETSLEEG(); // keys typed ahead must not take the report away unread; what comes after it is shown counts
-    SCRFLUSH(0);
+    TOONVENSTER(WINNU());
     while (TOETSRAW(WINNU()) != K_ENTER) {
     }
     while (SCHERM.aantal > 1)
@@ -47,8 +47,7 @@ void in_doos(const char* tekst) {
 }
 
 void op_regels(const char* tekst) {
-    if (SCHERM.bestaat)
-        endwin();
+    TERMINALAF();
     printf("%s\r\n%s\r\n%s\r\n%s\r\n", TXT(T_AFGEBROKEN), tekst, TXT(T_SUPPORT), TXT(T_ENTER_VERVOLG));
     fflush(stdout);
     if (isatty(STDIN_FILENO)) // without a user there is nobody to wait for
@@ -60,11 +59,13 @@ void op_regels(const char* tekst) {
 void VSCRFATAL(const char* fmt, va_list ap) {
     static bool bezig;
     if (bezig) {
-        TERMHERSTEL();
+        NOODAF();
         _exit(1);
     }
     bezig = true;
     vsnprintf(rapport, sizeof rapport, fmt, ap);
+    if (OVERGAVEWACHT()) // the screen of the program before this one still stands
+        SCRINIT();
     if (SCHERM.bestaat && SCHERM.dicht) {
         ZEND("mc4");
         SCHERM.dicht = 0;

@@ -5,27 +5,48 @@
 #include "term/scherm.h"
 #include "term/toets.h"
 #include <curses.h>
+#include <string>
 
 namespace zg {
 
 // scherm.cpp
-void ZEND(const char* capaciteit); // a terminfo string to the terminal, at once
 void WACHTREGEL(); // until ENTER on plain standard input, or until nothing can come from there any more
 void VARIANTAAN(int variant); // make it current: size, modes, its init strings, a full repaint to come
 bool UTF8SCHERM();            // does the terminal take UTF-8?
 
+// overgave.cpp
+void TERMINALAAN();       // take the terminal: its screen for programs, its init strings, its keys
+void TERMINALAF();        // give it back; nothing when it isn't ours
+void OVERGEDRAGEN();      // leave it to the next program of this process
+bool OVERGAVEWACHT();     // was it left to us, and not taken yet?
+std::string TERUGREEKS(); // the bytes that bring the shell's screen back
+void NOODAF();            // give it back from a signal handler
+
+// beeld.cpp
+void TOON();                   // what the windows show, at once
+void TOONVENSTER(WINDOW* win); // the same, with what was written in this window
+void TOONSTRAKS(WINDOW* win,
+                int ms);           // the same, after ms milliseconds at the latest when the program works on
+void TOONVOORTOETS(WINDOW* win);   // the same, unless a key waits and less than a second has passed
+void BEELDNIEUW();                 // what the terminal shows isn't known: the next picture clears it
+void BEELDOVER();                  // nor is this, but the next picture covers it all
+void BEELDGEWOON();                // no attributes, and the cursor shown
+void ZEND(const char* capaciteit); // a terminfo string to the terminal, at once
+void TEKENUIT(std::string& uit, wchar_t teken); // a cell's character as the terminal wants it
+
 // venster.cpp
+bool CURSORISAAN();
 void VENSTERRUIMTE();                    // stops the program when the stack is full
 void VENSTERDUW(WINDOW* win, int soort); // on the stack, coloured and cleared
 Venster& VENSTERNU();
 void TOONVANAF(int index); // touch and stage every window from here to the top
-void CURSORWEER();
-extern bool LIJNTEKENS; // the present attribute draws lines
+extern bool LIJNTEKENS;    // the present attribute draws lines
 
 // klavier.cpp
 void SLEUTELSLADEN(); // key sequences of the active terminal
 int32_t
-KLAVIER(int ms); // the next key of the keyboard; -1 after ms milliseconds (-1: never), or after a signal
+KLAVIER(int ms);   // the next key of the keyboard; -1 after ms milliseconds (-1: never), or after a signal
+bool KLAVIERVOL(); // have bytes been read that are no key yet?
 int32_t KLAVIERREST(); // the next key of what has been read already, -1 for none
 
 // toets.cpp

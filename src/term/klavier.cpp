@@ -214,8 +214,8 @@ int32_t teken() {
     if (c >= 32)
         return klaar_teken(c);
     error(TXT(T_TEKEN_ONBEKEND), static_cast<unsigned>(u));
-    if (SCHERM.bestaat && !SCHERM.dicht)
-        doupdate();
+    if (SCHERM.bestaat)
+        TOONVENSTER(WINNU());
     return 0;
 }
 
@@ -256,6 +256,10 @@ int32_t KLAVIER(int ms) {
             return key;
         half = key == -1;
     }
+}
+
+bool KLAVIERVOL() {
+    return aantal > 0;
 }
 
 int32_t KLAVIERREST() {

@@ -4,6 +4,7 @@
 #include "term/ingave.h"
 #include "term/natl.h"
 #include "term/teksten.h"
+#include "term/uitvoer.h"
 #include <cerrno>
 #include <clocale>
 #include <csignal>
@@ -32,6 +33,7 @@ constexpr Maat MATEN[] = {{"", 25, 80}, {"-w", 25, 132}, {"-l", 43, 80}};
 
 termios modes;
 bool modes_bewaard;
+FILE* nul; // where curses writes
 bool utf8;
 
 const Maat& maat_van(const char* naam) {
@@ -68,7 +70,9 @@ int zoek_variant(const char* naam) {
 int open_variant(const Maat& m, const std::string& naam) {
     SCREEN* eerst = SCHERM.termnu >= 0 ? SCHERM.term[SCHERM.termnu].scherm : nullptr;
     use_env(FALSE); // the description's size counts, not the window's
-    SCREEN* nieuw = newterm(naam.c_str(), stdout, stdin);
+    if (!nul)
+        nul = fopen("/dev/null", "we");
+    SCREEN* nieuw = nul ? newterm(naam.c_str(), nul, stdin) : nullptr; // curses itself has nothing to say
     if (!nieuw) {
         if (eerst)
             set_term(eerst);
@@ -83,8 +87,6 @@ int open_variant(const Maat& m, const std::string& naam) {
     t.lines = m.lines;
     t.cols = m.cols;
     t.std = stdscr;
-    if (!utf8)
-        use_legacy_coding(2); // high bytes go out as they are
     if (has_colors())
         start_color();
     if (eerst)
@@ -125,30 +127,15 @@ bool UTF8SCHERM() {
     return utf8;
 }
 
-void ZEND(const char* capaciteit) {
-    const char* s = tigetstr(capaciteit);
-    if (!s || s == reinterpret_cast<const char*>(-1))
-        return;
-    putp(s);
-    fflush(stdout);
-}
-
 void VARIANTAAN(int variant) {
     TermVariant& t = SCHERM.term[variant];
     set_term(t.scherm);
     SCHERM.termnu = variant;
     SCHERM.lines = t.lines;
     SCHERM.cols = t.cols;
-    cbreak();
-    noecho();
-    intrflush(t.std, FALSE); // the interrupt key must not throw typed keys away
     SEINENAAN();
-    typeahead(-1);
-    ZEND("is2");
-    ZEND("is3");
-    keypad(t.std, TRUE); // once for all windows: keys are read past curses, only the terminal must know
-    CURSORWEER();
-    clearok(curscr, TRUE);
+    UITVOERLEER();
+    TERMINALAAN();
     SLEUTELSLADEN();
 }
 
@@ -157,7 +144,11 @@ void TERMBEWAAR() {
         return;
     modes_bewaard = true;
     termios stil = modes;
-    stil.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    stil.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON);
+    stil.c_lflag |= ISIG | NOFLSH; // the interrupt key must not throw typed keys away
+    stil.c_iflag &= ~static_cast<tcflag_t>(ICRNL);
+    stil.c_cc[VMIN] = 1;
+    stil.c_cc[VTIME] = 0;
     tcsetattr(STDIN_FILENO, TCSADRAIN, &stil); // never the flushing kind: what is typed ahead stays
 }
 
@@ -228,10 +219,10 @@ void WACHTREGEL() {
             return;
 }
 
-void SCREXIT() {
-    if (!SCHERM.bestaat)
-        return;
-    typeahead(-1);
+namespace {
+
+// Everything but the terminal itself: windows, the screens of the variants, modes, signals.
+void sluit(void (*terminal)()) {
     if (MACROHAAK.speelt && MACROHAAK.bewaar)
         MACROHAAK.bewaar();
     if (SCHERM.dicht) {
@@ -239,27 +230,16 @@ void SCREXIT() {
         SCHERM.dicht = 0;
     }
     SCRRATE(-1);
-    SCHERM.huidig = SCHERM.basis;
-    SCRCLREOW(SCHERM.lines, 1);
-    wrefresh(VENSTERNU().win);
-    SCHERM.huidig = SCHERM.aantal - 1;
     while (SCHERM.aantal > 0)
         WINCLOSE();
     TOETSENOVERGEVEN();
-    // endwin only speaks for a SCREEN that still exists; the one on the terminal has the last word
-    for (int i = SCHERM.termaantal - 1; i >= 0; i--) {
-        if (i == SCHERM.termnu)
-            continue;
+    terminal();
+    for (int i = 0; i < SCHERM.termaantal; i++) {
         set_term(SCHERM.term[i].scherm);
-        endwin();
         delscreen(SCHERM.term[i].scherm);
     }
-    if (SCHERM.termnu >= 0) {
-        SCREEN* laatste = SCHERM.term[SCHERM.termnu].scherm;
-        set_term(laatste);
-        endwin();
-        delscreen(laatste);
-    }
+    fclose(nul);
+    nul = nullptr;
     SCHERM.bestaat = false;
     SCHERM.termnu = -1;
     SCHERM.termaantal = 0;
@@ -271,6 +251,18 @@ void SCREXIT() {
         if (fstat(fd, &st) == 0 && S_ISCHR(st.st_mode))
             close(fd);
     }
+}
+
+} // namespace
+
+void SCREXIT() {
+    if (SCHERM.bestaat)
+        sluit(TERMINALAF);
+}
+
+void SCROVERGEVEN() {
+    if (SCHERM.bestaat)
+        sluit(OVERGEDRAGEN);
 }
 
 void SCRSTOP(int status) {
@@ -293,7 +285,7 @@ void SCHELP(const char* pad, const char* commando, bool wachten) {
     opdracht += commando;
     if (SCHERM.bestaat) {
         ZEND("clear");
-        endwin();
+        TERMINALAF();
     }
     TERMHERSTEL();
     fflush(stdout);
@@ -311,9 +303,9 @@ void SCHELP(const char* pad, const char* commando, bool wachten) {
     if (!SCHERM.bestaat)
         return;
     TERMBEWAAR();
-    clearok(curscr, TRUE);
+    TERMINALAAN();
     TOONVANAF(SCHERM.basis);
-    doupdate();
+    TOON();
 }
 
 } // namespace zg

@@ -139,6 +139,9 @@ extern Scherm SCHERM;
 // does nothing. SCRSTOP: SCREXIT and exit(status).
 void SCRINIT();
 void SCREXIT();
+// SCREXIT of a program that execs the next one of its chain: what stands on the terminal stays there until that
+// one's SCRINIT paints over it. When the exec fails, SCRINIT takes the terminal back.
+void SCROVERGEVEN();
 [[noreturn]] void SCRSTOP(int status);
 
 // The one way to give up: abort box (or plain lines when there is no screen), Enter, status 1.
@@ -189,7 +192,8 @@ void SCRLIJN(uint32_t attr, int rij, int kolom, Lijnteken teken, int aantal);
 // Clear from a place to the end of its row; the same and every row below it. A border stays.
 void SCRCLREOL(int rij, int kolom);
 void SCRCLREOW(int rij, int kolom);
-// Show what was written, then wait; the interrupt key ends the wait.
+// Show what was written, then wait; the interrupt key ends the wait. Without a wait, and while keys wait, it may
+// take until a second after the last picture.
 void SCRFLUSH(int seconden);
 // Seconds between two refreshes of long output: 0 shows every text at once, below 0 none. SCRAUTO refreshes when
 // they have passed; every text that is written calls it.

@@ -34,8 +34,14 @@ void op_einde(int) {
 }
 
 void op_respijt(int) {
-    TERMHERSTEL();
+    NOODAF();
     _exit(1);
+}
+
+// A crash: the shell gets a sound terminal, the system its core.
+void op_val(int sein) {
+    NOODAF();
+    raise(sein);
 }
 
 struct Sein {
@@ -47,6 +53,7 @@ Sein SEINEN[] = {
     {SIGINT, op_toets, {}},  {SIGQUIT, op_toets, {}}, {SIGHUP, op_einde, {}},    {SIGTERM, op_einde, {}},
     {SIGWINCH, op_maat, {}}, {SIGTSTP, op_slaap, {}}, {SIGALRM, op_respijt, {}},
 };
+constexpr int VALLEN[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
 bool aan;
 
 } // namespace
@@ -60,6 +67,16 @@ void SEINENAAN() {
         nieuw.sa_handler = s.werk; // no SA_RESTART: a waiting read has to notice
         sigemptyset(&nieuw.sa_mask);
         sigaction(s.nummer, &nieuw, &s.oud);
+    }
+    for (int sein : VALLEN) {
+        struct sigaction nu {
+        }, nieuw{};
+        nieuw.sa_handler = op_val;
+        nieuw.sa_flags = static_cast<int>(SA_RESETHAND); // once: what it raises ends the process
+        sigemptyset(&nieuw.sa_mask);
+        if (sigaction(sein, nullptr, &nu) == 0 &&
+            nu.sa_handler == SIG_DFL) // others may have their own report
+            sigaction(sein, &nieuw, nullptr);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "term/binnen.h"
 #include "term/natl.h"
 #include "term/teksten.h"
+#include "term/uitvoer.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -22,6 +23,7 @@ bool bezig_aan, bezig_staat;
 int bezig_breedte = 15;
 char tekst[4096]; // one formatted line; callers never nest
 
+constexpr int BEZIG_MS = 100; // what takes less is not worth a word
 constexpr uint8_t HARDE_SPATIE = 0xFF, ZACHT_STREEPJE = 0xF0;
 
 // The cell of each byte: Unicode on a UTF-8 terminal, otherwise whatever makes curses send that very byte.
@@ -43,6 +45,17 @@ wchar_t cel_van(uint8_t c) {
         tabel[ZACHT_STREEPJE] = L'-';
     }
     return tabel[c];
+}
+
+// A cell's character in the bytes of the terminal.
+void utf8(std::string& uit, char32_t u) {
+    auto b = [&uit](char32_t x) { uit += static_cast<char>(static_cast<uint8_t>(x)); };
+    if (u < 0x80)
+        b(u);
+    else if (u < 0x800)
+        b(0xC0 | u >> 6), b(0x80 | (u & 63));
+    else
+        b(0xE0 | (u >> 12 & 15)), b(0x80 | (u >> 6 & 63)), b(0x80 | (u & 63));
 }
 
 // Characters that menus and lists draw by number with A_ALTCHARSET, beside the terminal's own line drawing.
@@ -118,6 +131,15 @@ int op_basis(uint32_t attr, int rij, int kolom, int lengte) {
 }
 
 } // namespace
+
+void TEKENUIT(std::string& uit, wchar_t teken) {
+    if (UTF8SCHERM()) {
+        utf8(uit, static_cast<char32_t>(teken));
+        return;
+    }
+    const int byte = wctob(static_cast<wint_t>(teken));
+    uit += static_cast<char>(byte != EOF ? byte : static_cast<int>(teken & 0xFF));
+}
 
 int SCRPUT(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
     va_list ap;
@@ -196,8 +218,10 @@ void SCRFLUSH(int seconden) {
     if (!SCHERM.bestaat)
         return;
     SEINSTOP();
-    if (!SCHERM.dicht) // what goes out now would be printed
-        wrefresh(VENSTERNU().win);
+    if (seconden > 0)
+        TOONVENSTER(VENSTERNU().win);
+    else
+        TOONSTRAKS(VENSTERNU().win, 0);
     SCHERM.ververst = time(nullptr);
     // By the clock that nobody sets.
     for (timespec rest{seconden, 0}; seconden > 0 && !SCHERM.signaaltoets;) {
@@ -223,12 +247,12 @@ void SCRAUTO() {
         SCHERM.ververst = nu;
     }
     SEINSTOP();
-    wrefresh(VENSTERNU().win);
+    TOONVENSTER(VENSTERNU().win);
 }
 
 void PIEP() {
     if (SCHERM.bestaat && !SCHERM.dicht)
-        beep();
+        SCHRIJFUIT("\a", 1);
 }
 
 void error(const char* fmt, ...) {
@@ -257,7 +281,7 @@ void error(const char* fmt, ...) {
     uitgesteld--;
     memcpy(SCHERM.statustekst, nieuw.c_str(), nieuw.size() + 1);
     if (n > 0)
-        beep();
+        PIEP();
 }
 
 void BEZIGTOON() {
@@ -267,7 +291,8 @@ void BEZIGTOON() {
     bezig_breedte = static_cast<int>(strnlen(geduld, 79));
     SCRBASE(A_WAARDE, SCHERM.lines, SCHERM.cols - bezig_breedte, "%.79s", geduld);
     bezig_staat = true;
-    SCRFLUSH(0);
+    SEINSTOP();
+    TOONSTRAKS(VENSTERNU().win, BEZIG_MS);
 }
 
 void BEZIGWIS() {

@@ -34,18 +34,17 @@ void herteken() {
     MAATSEIN = 0;
     if (!SCHERM.bestaat)
         return;
-    clearok(curscr, TRUE);
+    BEELDNIEUW();
     TOONVANAF(SCHERM.basis);
-    if (!SCHERM.dicht)
-        doupdate();
+    TOON();
 }
 
 // One key of the keyboard within ms milliseconds (-1: without limit), else -1.
 int32_t van_klavier(WINDOW* win, int ms) {
     for (;;) {
         SEINSTOP();
-        if (win && SCHERM.bestaat && !SCHERM.dicht)
-            wrefresh(win);
+        if (win && SCHERM.bestaat)
+            TOONVOORTOETS(win);
         if (SCHERM.signaaltoets)
             return neem_seintoets();
         int32_t key = KLAVIER(ms);
@@ -53,8 +52,10 @@ int32_t van_klavier(WINDOW* win, int ms) {
             herteken();
         else if (key == -1 && SCHERM.signaaltoets)
             continue;
-        if (key == -1 ? ms >= 0 : !laat_vallen(key))
+        if (key == -1 ? ms >= 0 : !laat_vallen(key)) {
+            SCHERM.ververst = time(nullptr); // a long run is counted from here
             return key;
+        }
     }
 }
 

@@ -113,9 +113,7 @@ void WINCLOSE() {
     if (andere) {
         ZEND("clear");
         ZEND("rs2");
-        if (is_std(dicht.win))
-            werase(curscr);
-        else
+        if (!is_std(dicht.win))
             delwin(dicht.win);
         SCHERM.statustekst[0] = 0;
         VARIANTAAN(SCHERM.venster[boven - 1].term);
@@ -142,7 +140,6 @@ void WINCLOSE() {
     SCHERM.soort = nu.soort;
     if (nu.basis != SCHERM.basis) {
         SCHERM.basis = nu.basis;
-        clearok(curscr, TRUE);
         TOONVANAF(SCHERM.basis);
     }
     touchwin(nu.win);
@@ -216,14 +213,10 @@ void WINATTR(uint32_t attr) {
 
 void WINCURSOR(int aan) {
     cursor_aan = aan != 0;
-    if (SCHERM.bestaat && !SCHERM.dicht)
-        curs_set(cursor_aan);
 }
 
-// Each variant remembers its own cursor state, the terminal has one.
-void CURSORWEER() {
-    curs_set(cursor_aan);
-    ZEND(cursor_aan ? "cnorm" : "civis");
+bool CURSORISAAN() {
+    return cursor_aan;
 }
 
 } // namespace zg

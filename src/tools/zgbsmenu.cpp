@@ -90,7 +90,7 @@ void scherm() {
     std::string naam = gebruiker_naam(), nr = std::to_string(sessie);
     iotab('C', &sessie, &gebruiker, SYS_GEBRUIKER);
     CATCLOSE();
-    SCREXIT();
+    SCROVERGEVEN();
     std::vector<std::string> mappen;
     for (const char* var : {"TSTBIN", "BIN"})
         if (const char* map = getenv(var); map && *map)

@@ -211,6 +211,7 @@ TEST(Scherm, CursorFollowsTheVariants) {
     OpScherm t(
         [] {
             WINCURSOR(0);
+            SCRFLUSH(0);
             SCRTERM("-l");
             WINCURSOR(1);
             WINCLOSE();

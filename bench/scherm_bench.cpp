@@ -1,0 +1,160 @@
+// What a buyer's terminal gets: for each step of a walk through the program the bytes sent, the fewest that would
+// do (bench/ideaal.h), and the time from the key to the last byte of its answer, beside `cat` sending the same
+// bytes back over a pty of the same kind. usage: bench_scherm [TERM]; status 1 when all steps together take more
+// than 1.3 times the ideal.
+#include "bench/ideaal.h"
+#include "support/demomap.h"
+#include "support/toetsreeksen.h"
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+
+using namespace zg::test;
+
+namespace {
+
+using klok = std::chrono::steady_clock;
+
+constexpr double GRENS = 1.3;
+constexpr int CATRONDEN = 7;
+
+struct Stap {
+    const char* naam;
+    const char* toetsen;
+    bool burst = false; // all keys at once
+};
+
+// From the hand-over by the menu to the end and back: every kind of screen that stands.
+const Stap STAPPEN[] = {
+    {"take the year", "<Enter>"},
+    {"take the season", "<Enter>"},
+    {"field: a digit", "1"},
+    {"field: another digit", "2"},
+    {"supplier entered, its orders in a list", "<Enter>"},
+    {"list: one down", "<Down>"},
+    {"list: one up", "<Up>"},
+    {"open an order", "<Enter>"},
+    {"order: one line down", "<Down>"},
+    {"order: one line up", "<Up>"},
+    {"menu: change", "W"},
+    {"menu: order header", "O"},
+    {"header: description", "O"},
+    {"header: a letter", "Z"},
+    {"header: ten letters in a burst", "omer bont ", true},
+    {"header: enter", "<Enter>"},
+    {"header: supplier's article discount", "G"},
+    {"header: a refused letter", "x"},
+    {"header: out of the field", "<Esc>"},
+    {"header: texts", "L"},
+    {"texts: a letter", "s"},
+    {"texts: ten letters in a burst", "poed graag", true},
+    {"texts: out", "<Esc>"},
+    {"back to the lines", "<Esc>"},
+    {"menu: delete", "V"},
+    {"menu: not", "<Esc>"},
+    {"out of the order", "<Esc>"},
+    {"out of the supplier", "<Esc>"},
+    {"season: help", "<F1>"},
+    {"help: away", "<Esc>"},
+};
+
+double us_sinds(klok::time_point t) {
+    return std::chrono::duration<double, std::micro>(klok::now() - t).count();
+}
+
+// Send bytes; the time until `tot` bytes in all have come back.
+double wacht_op_bytes(Terminal& t, size_t tot, klok::time_point begin) {
+    while (t.uitvoer().size() < tot && us_sinds(begin) < 5e6)
+        ;
+    return us_sinds(begin);
+}
+
+double mediaan(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+// The same bytes through cat, all at once; long steps in pieces that fit the line's buffer.
+double met_cat(Terminal& cat, size_t n) {
+    std::vector<double> us;
+    for (int i = 0; i < CATRONDEN; i++) {
+        const size_t tot = cat.uitvoer().size() + n;
+        const auto begin = klok::now();
+        for (size_t rest = n; rest > 0;) {
+            const size_t stuk = std::min<size_t>(rest, 2048);
+            cat.stuur(std::string(stuk, 'x'));
+            rest -= stuk;
+            wacht_op_bytes(cat, tot - rest, begin);
+        }
+        us.push_back(us_sinds(begin));
+    }
+    return mediaan(us);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    DemoMap map;
+    Opties o = demo_opties(map);
+    if (argc > 1)
+        o.term = argv[1];
+    const ideaal::Moves moves{o.term.compare(0, 2, "vt") != 0, o.term.compare(0, 2, "vt") != 0};
+    Terminal t(overgave(map), o);
+    t.wacht("Seizoen");
+    t.kalm();
+    Terminal cat({"sh", "-c", "stty raw -echo; echo; exec cat"}, o);
+    while (cat.uitvoer().empty())
+        ;
+
+    printf("%-42s %7s %7s %6s %9s %9s %6s\n", o.term.c_str(), "bytes", "ideal", "ratio", "echo us", "cat us",
+           "ratio");
+    ideaal::Pen pen;
+    size_t som = 0, som_ideaal = 0;
+    std::string uitvoer = t.uitvoer();
+    ideaal::Beeld voor = ideaal::neem(t, uitvoer);
+    auto regel = [&](const char* naam, size_t n, size_t ideaal, double us) {
+        const double naast = n > 0 ? met_cat(cat, n) : 0;
+        printf("%-42s %7zu %7zu %6.2f %9.0f %9.0f %6.2f\n", naam, n, ideaal,
+               static_cast<double>(n) / static_cast<double>(std::max<size_t>(ideaal, 1)), us, naast,
+               naast > 0 ? us / naast : 0);
+        som += n, som_ideaal += ideaal;
+    };
+    auto kijk = [&](const char* naam, klok::time_point begin) {
+        // The program's answer is whole when it waits again; its last byte came some polls before that.
+        double us = 0;
+        size_t n = uitvoer.size();
+        while (!t.kalm(0) && us_sinds(begin) < 5e6)
+            if (const size_t nu = t.uitvoer().size(); nu != n)
+                n = nu, us = us_sinds(begin);
+        const std::string alles = t.uitvoer();
+        if (alles.size() != n || us == 0)
+            us = us_sinds(begin);
+        const ideaal::Beeld na = ideaal::neem(t, alles);
+        regel(naam, alles.size() - uitvoer.size(), ideaal::bytes(voor, na, &pen, moves), us);
+        uitvoer = alles;
+        voor = na;
+    };
+    for (const Stap& s : STAPPEN) {
+        const auto begin = klok::now();
+        std::string alles;
+        for (const std::string& toets : toetsreeksen(o.term, s.toetsen))
+            alles += toets;
+        t.stuur(alles);
+        kijk(s.naam, begin);
+        if (getenv("ZGTOON"))
+            printf("%s\n", t.scherm().c_str());
+    }
+    const auto begin = klok::now();
+    t.reeks("<Esc>");
+    t.wacht("Orders registreren");
+    kijk("hand-over to the menu", begin);
+    const auto begin2 = klok::now();
+    t.reeks("<Enter>");
+    t.wacht("Seizoen");
+    kijk("and back", begin2);
+
+    const double verhouding = static_cast<double>(som) / static_cast<double>(som_ideaal);
+    printf("%-42s %7zu %7zu %6.2f\n", "all steps", som, som_ideaal, verhouding);
+    return verhouding > GRENS;
+}
