@@ -17,7 +17,7 @@ void batch_vrij(int groep);
 // user won't wait.
 bool user_claim(int groep, bool mag_vragen);
 void user_vrij(int groep);
-// 1000 to 9999999, then 1000 again.
+// 1000 to 9999999, then 1000 again; 0 when it could not be written (told).
 int32_t order_nummer();
 
 extern void (*BATCHTERUG)(); // back to the menu, for a fault in an unattended run; null: INTERNAL

@@ -86,7 +86,9 @@ bool vastleggen(int32_t regels) {
     if (!bouw_journaal(regels, &totaal))
         return false;
     roep_haken(regels);
-    if (!IOLOCK('E', tmp_fd(), 0, 1) || SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("JRN").c_str()) != 0)
+    // Whose turn it was must not be seen in the journal: his colleagues' programs go on with it.
+    if (!IOLOCK('E', tmp_fd(), 0, 1) || !SYSEVENALS(tmp_fd(), wrk_naam("JRN").c_str()) ||
+        SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("JRN").c_str()) != 0)
         return false;
     ord_wissel(journaal, tmp_neem());
     return true;
@@ -108,8 +110,8 @@ bool wrk_sluit() {
             if (!goed) {
                 int reden = errno;
                 tmp_weg();
-                ord_meld_schrijffout(wrk_naam("TMP").c_str(), reden, TXT(T_JRN_ORDER_BLIJFT),
-                                     TXT(T_JRN_ORDER_BEWAARD));
+                SCHRIJFFOUT(wrk_naam("TMP").c_str(), reden, TXT(T_JRN_ORDER_BLIJFT),
+                            TXT(T_JRN_ORDER_BEWAARD));
             }
         }
     }

@@ -14,6 +14,7 @@
 #include "price/koers.h"
 #include "shared/files.h"
 #include "shared/report.h"
+#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "sub/omlev.h"
 #include "term/datum.h"
@@ -117,8 +118,12 @@ bool keur_jaar(unsigned getypt, unsigned jaar) {
 // The directory of the season chosen. The standard season's is made on the spot.
 bool zet_map(bool zonder_toets) {
     seizoensmap = seizoen_map(gekozen_jaar, gekozen_letter);
-    if (gekozen_jaar == 0 && !IOISDIR(seizoensmap.c_str()))
-        mkdir(seizoensmap.c_str(), 0777);
+    if (gekozen_jaar == 0 && !IOISDIR(seizoensmap.c_str())) {
+        if (!SYSNIEUWEMAP(seizoensmap.c_str()) && errno != EEXIST) {
+            error("%s: %s", seizoensmap.c_str(), IOREDEN(errno));
+            return false;
+        }
+    }
     if (zonder_toets || IOISDIR(seizoensmap.c_str()))
         return true;
     error("%s: %s", seizoensmap.c_str(), TXT(T_ONBEKEND_SEIZOEN));
@@ -149,7 +154,8 @@ void nieuwe_koers() {
     memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
 }
 
-void begin_nieuwe_order(uint16_t datum) {
+// False when no order number could be drawn (told).
+bool begin_nieuwe_order(uint16_t datum) {
     order_nieuw = true;
     SCRCLREOL(ONDERRIJ, 1);
     SCRPUT(A_WAARDE, ONDERRIJ, 1, "%s", TXT(T_NIEUWE_ORDER));
@@ -163,9 +169,10 @@ void begin_nieuwe_order(uint16_t datum) {
     kop.orderdatum = datum;
     kop.toeslag = leverancier.toeslag ? leverancier.toeslag : 10000;
     nieuwe_koers();
-    if (registermodus)
-        kop.ordernummer = order_nummer();
+    if (registermodus && (kop.ordernummer = order_nummer()) == 0)
+        return false;
     order_kopregels();
+    return true;
 }
 
 // The journal goes; one that holds nothing leaves no file behind.
@@ -230,15 +237,15 @@ bool ronde() {
 
 void ordparm_lees() {
     static const char naam[] = "ORDPARM.SYS";
-    int fd = open(naam, O_RDONLY | O_CLOEXEC);
+    int fd = SYS.open(naam, O_RDONLY | O_CLOEXEC, 0);
     if (fd < 0)
         OPENFAIL("zgbestel", naam);
-    ssize_t n = read(fd, &orderparameters, sizeof orderparameters);
+    ssize_t n = SYSLEES(fd, &orderparameters, sizeof orderparameters, 0);
     if (n != static_cast<ssize_t>(sizeof orderparameters)) {
         errno = n < 0 ? errno : ENODATA;
         OPENFAIL("zgbestel", naam);
     }
-    close(fd);
+    SYS.close(fd);
 }
 
 bool kies_seizoen() {
@@ -329,8 +336,7 @@ bool ord_kies_order() {
         if (zoek_ord(journaal, true))
             return true;
     }
-    begin_nieuwe_order(datum);
-    return true;
+    return begin_nieuwe_order(datum);
 }
 
 void herstel_venster() {

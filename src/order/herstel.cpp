@@ -6,6 +6,7 @@
 #include "order/programma.h"
 #include "order/wrk.h"
 #include "order/wrkbinnen.h"
+#include "shared/files.h"
 #include "shared/syscalls.h"
 #include <cerrno>
 #include <cstring>
@@ -17,12 +18,14 @@ namespace zg {
 
 namespace {
 
+// False with errno set when it is out of reach, 0 when it means nothing.
 bool lees_act(act_record* act) {
     int fd = SYS.open(wrk_naam("ACT").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
     if (fd < 0)
         return false;
     bool goed = SYSOMVANG(fd) == sizeof *act && SYSLEES(fd, act, sizeof *act, 0) == sizeof *act;
     SYS.close(fd);
+    errno = 0;
     return goed && act->start >= 0 && act->start <= act->omvang &&
            (act->volgende == -1 || (act->volgende > act->start && act->volgende < act->omvang));
 }
@@ -106,13 +109,26 @@ bool al_vastgelegd(const act_record& act, int32_t regels) {
     return !staart || (SYSLEES(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
 }
 
-enum herstelstand { HERSTEL_NIET, HERSTEL_AL, HERSTEL_DOEN };
+enum herstelstand { HERSTEL_NIET, HERSTEL_AL, HERSTEL_DOEN, HERSTEL_LATER };
+
+// A file that is there, and that this user may not read or another holds, can be read by somebody another time.
+herstelstand onbereikbaar(const char* ext) {
+    const int reden = errno;
+    const std::string naam = wrk_naam(ext);
+    if (reden)
+        ord_meld_geen_toegang(IOBASENAME(naam.c_str()), reden);
+    return HERSTEL_LATER;
+}
 
 herstelstand onderzoek() {
     act_record act;
     uint8_t status;
     werk = ord_open_wrk(seizoensmap.c_str(), gekozen_leverancier, O_RDWR);
-    if (!werk || !lees_act(&act) || !toets_werk(&aantal_regels))
+    if (!werk)
+        return errno == ENOENT ? HERSTEL_NIET : onbereikbaar("WRK");
+    if (!lees_act(&act))
+        return errno == 0 || errno == ENOENT ? HERSTEL_NIET : onbereikbaar("ACT");
+    if (!toets_werk(&aantal_regels))
         return HERSTEL_NIET;
     if (SYSOMVANG(journaal->fd) != act.omvang)
         return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
@@ -133,11 +149,14 @@ bool herstel_order() {
     if (wrk_naam("WRK").empty())
         wrk_namen();
     herstelstand stand = onderzoek();
-    if (stand == HERSTEL_DOEN) {
-        if (wrk_sluit())
-            return true;
-        // The disk refused: nothing is lost while WRK stays, so nobody may go on to an order of this
-        // supplier.
+    if (stand == HERSTEL_DOEN && wrk_sluit())
+        return true;
+    if (stand == HERSTEL_DOEN || stand == HERSTEL_LATER) {
+        // The disk refused, or the files are out of reach: nothing is lost while WRK stays, so nobody may go on
+        // to an order of this supplier.
+        ord_sluit(werk);
+        werk = nullptr;
+        aantal_regels = 0;
         ord_sluit(journaal);
         journaal = nullptr;
         return false;

@@ -9,6 +9,7 @@
 #include "order/meld.h"
 #include "order/ordloop.h"
 #include "shared/files.h"
+#include "shared/houder.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include <cerrno>
@@ -69,7 +70,14 @@ inline constexpr int OPENPOGINGEN = 50;
 
 enum openstand { OPEN_GOED, OPEN_MISLUKT, OPEN_BEZET };
 
-openstand open_op_slot(const char* pad, int vlaggen, int* uit) {
+// "Informatie in gebruik door Joke (tty03)"; empty when the holder is no user's program.
+std::string wie_houdt(int fd) {
+    char tekst[81] = "";
+    return houder_tekst(tekst, sizeof tekst, fd, 0, 1) ? tekst : "";
+}
+
+// *houder: who holds it, when that is the answer. A failure leaves errno.
+openstand open_op_slot(const char* pad, int vlaggen, int* uit, std::string* houder) {
     bool schrijven = (vlaggen & O_ACCMODE) != O_RDONLY;
     for (int i = 0; i < OPENPOGINGEN; i++) {
         const int vol = vlaggen | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
@@ -77,8 +85,14 @@ openstand open_op_slot(const char* pad, int vlaggen, int* uit) {
         if (fd < 0)
             return OPEN_MISLUKT;
         struct stat open_st, pad_st;
-        if (fstat(fd, &open_st) != 0 || !S_ISREG(open_st.st_mode) || open_st.st_size > INT32_MAX) {
+        int reden = SYS.fstat(fd, &open_st) != 0  ? errno
+                    : S_ISDIR(open_st.st_mode)    ? EISDIR
+                    : !S_ISREG(open_st.st_mode)   ? EINVAL
+                    : open_st.st_size > INT32_MAX ? EFBIG
+                                                  : 0;
+        if (reden) {
             SYS.close(fd);
+            errno = reden;
             return OPEN_MISLUKT;
         }
         if (!schrijven) {
@@ -86,6 +100,7 @@ openstand open_op_slot(const char* pad, int vlaggen, int* uit) {
             return OPEN_GOED;
         }
         if (!IOLOCK('E', fd, 0, 1)) {
+            *houder = wie_houdt(fd);
             SYS.close(fd);
             return OPEN_BEZET;
         }
@@ -98,13 +113,16 @@ openstand open_op_slot(const char* pad, int vlaggen, int* uit) {
     return OPEN_BEZET;
 }
 
+// Null with errno set, or 0 when another holds it, which has been told.
 ordhandle* open_bestand(const char* map, const std::string& naam, const std::string& pad, int vlaggen) {
     int fd = -1;
-    switch (open_op_slot(pad.c_str(), vlaggen, &fd)) {
+    std::string houder;
+    switch (open_op_slot(pad.c_str(), vlaggen, &fd, &houder)) {
     case OPEN_MISLUKT:
         return nullptr;
     case OPEN_BEZET:
-        ord_meld_bezet(naam.c_str());
+        ord_meld_bezet(naam.c_str(), houder.c_str());
+        errno = 0;
         return nullptr;
     case OPEN_GOED:
         break;
@@ -227,6 +245,8 @@ ordhandle* ord_open_jrn(const char* map, int leverancier, int vlaggen) {
         pad = naam;
     }
     ordhandle* h = open_bestand(map, naam, pad, vlaggen);
+    if (!h && errno && (errno != ENOENT || vlaggen & O_CREAT))
+        ord_meld_geen_toegang(naam, errno);
     if (h && h->schrijven)
         keur(h);
     return h;
@@ -334,19 +354,9 @@ bool ord_eerste_order(ordhandle* h) {
 
 bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
     h->bufgeldig = 0;
-    std::vector<uint8_t> oud(n);
-    int64_t omvang = SYSOMVANG(h->fd);
-    ssize_t oudn = SYSLEES(h->fd, oud.data(), n, plaats);
-    if (omvang >= 0 && oudn >= 0) {
-        if (SYSSCHRIJFOP(h->fd, bytes, n, plaats))
-            return true;
-        int reden = errno;
-        SYSSCHRIJFOP(h->fd, oud.data(), static_cast<size_t>(oudn), plaats);
-        if (SYSOMVANG(h->fd) > omvang && SYS.ftruncate(h->fd, omvang) != 0)
-            reden = errno;
-        errno = reden;
-    }
-    ord_meld_schrijffout(h->naam, errno, TXT(T_JRN_WERK_BLIJFT), nullptr);
+    if (SYSVERVANG(h->fd, bytes, n, plaats))
+        return true;
+    SCHRIJFFOUT(h->naam, errno, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 

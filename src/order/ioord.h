@@ -38,8 +38,9 @@ struct ordhandle {
 int ord_lengte(char tag);
 void* ord_beeld(char tag);
 
-// Open by season directory and supplier; flags of open(2). Null when it can't be opened or, open for writing,
-// another terminal holds it (told in a window).
+// Open by season directory and supplier; flags of open(2). Null when it can't be opened, with errno set (told in a
+// window for a journal that should be there), or when another terminal holds it that is opened for writing (told
+// with the holder's name), with errno 0.
 ordhandle* ord_open_jrn(const char* map, int leverancier, int vlaggen);
 ordhandle* ord_open_wrk(const char* map, int leverancier, int vlaggen);
 void ord_sluit(ordhandle* h);

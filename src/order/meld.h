@@ -1,4 +1,4 @@
-// What the order files tell the user: file in use, damaged file, write refused. Without a screen (tests, the
+// What the order files tell the user: file in use, out of reach, damaged (a refused write: SCHRIJFFOUT). Without a screen (tests, the
 // operators' tools) the same lines go to the error output.
 #pragma once
 #include "order/ioord.h"
@@ -8,12 +8,12 @@
 
 namespace zg {
 
-// Window at the bottom, waits for Enter: "Order ORD0012.JRN in gebruik op ander scherm."
-void ord_meld_bezet(const char* naam);
-// Second row from the bottom, waits for Enter: "NAME: Bestand niet te openen".
-void ord_meld_niet_open(const char* naam);
-// Box: which file, the reason in words, and up to two lines about what stays. Null lines are left out.
-void ord_meld_schrijffout(const char* naam, int reden, const char* regel2, const char* regel3);
+// Windows at the bottom, wait for Enter: "Order ORD0012.JRN in gebruik op ander scherm." and beside the wait who holds
+// it, empty when unknown; "Order ORD0012.JRN: Bestand niet te openen" and the reason, an errno.
+void ord_meld_bezet(const char* naam, const char* houder);
+void ord_meld_geen_toegang(const char* naam, int reden);
+// Second row from the bottom, waits for Enter: "NAME: Bestand niet te openen", the reason on the row under it.
+void ord_meld_niet_open(const char* naam, int reden);
 // Stops: "Order 2016Z-ORD0012.JRN inconsistent, pos. 1234 (Q)".
 [[noreturn]] void ord_inconsistent(const ordhandle* h, int64_t pos, char tag);
 

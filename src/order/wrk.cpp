@@ -278,7 +278,7 @@ bool tmp_begin_wrk() {
     if (tmp_nieuw(true))
         return true;
     aantal_regels = tmp.regels_oud;
-    ord_meld_schrijffout(wrk_naam("TMP").c_str(), tmp.fout, TXT(T_JRN_WERK_BLIJFT), nullptr);
+    SCHRIJFFOUT(wrk_naam("TMP").c_str(), tmp.fout, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 
@@ -294,7 +294,8 @@ bool tmp_naar_wrk() {
     }
     if (goed) {
         ext = "WRK";
-        if (IOLOCK('E', tmp.fd, 0, 1) && SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) == 0) {
+        if (IOLOCK('E', tmp.fd, 0, 1) && SYSEVENALS(tmp.fd, wrk_naam("WRK").c_str()) &&
+            SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) == 0) {
             ord_wissel(werk, tmp_neem());
             return true;
         }
@@ -305,7 +306,7 @@ bool tmp_naar_wrk() {
     }
     int reden = errno;
     tmp_weg();
-    ord_meld_schrijffout(wrk_naam(ext).c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
+    SCHRIJFFOUT(wrk_naam(ext).c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 
@@ -320,9 +321,9 @@ bool open_mislukt(const char* ext, bool niet_te_openen) {
     werk = nullptr;
     wrk_ruim_op();
     if (niet_te_openen)
-        ord_meld_niet_open(naam.c_str());
+        ord_meld_niet_open(naam.c_str(), reden);
     else
-        ord_meld_schrijffout(naam.c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
+        SCHRIJFFOUT(naam.c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 

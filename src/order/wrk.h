@@ -47,8 +47,8 @@ bool wrk_regel_vervang(ors_ingang* ingang);
 // Texts of kinds 3 and 4 of the line in hand, BLOKLEN bytes each.
 extern char modeltekst[BLOKLEN], dessintekst[BLOKLEN];
 // Automatic restore of an interrupted order, with the journal open: true when the journal has it (back)
-// whole. The scratch files are gone then, and on failure too. Only when the disk refuses the commit (told)
-// WRK and ACT stay for the next time: `journaal` is closed and null then, and the caller goes back to the
+// whole. The scratch files are gone then, and on failure too. Only when the disk refuses the commit, or WRK or ACT
+// may not be read (told), these stay for the next time: `journaal` is closed and null then, and the caller goes back to the
 // season prompt.
 bool herstel_order();
 

@@ -4,6 +4,7 @@
 #include "shared/iotab.h"
 #include "shared/teksten.h"
 #include "store/ix.h"
+#include "store/wachtrij.h"
 #include "term/scherm.h"
 #include "term/vast.h"
 #include <cstdio>
@@ -31,12 +32,12 @@ bool slot_van(int64_t proces, gebruikerslot* slot) {
 
 } // namespace
 
-void houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte) {
+int houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte) {
     std::string woord = tekst;
     gebruikerslot slot;
     if (!slot_van(IOLOCKPID(fd, start, lengte), &slot)) {
         snprintf(tekst, ruimte, "%s", TXT(T_IN_GEBRUIK));
-        return;
+        return 0;
     }
     std::string uit;
     if (woord == "PROG")
@@ -49,6 +50,7 @@ void houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t len
     if (slot.usertty[0])
         uit += " (tty" + std::string(VASTUIT(slot.usertty)) + ")";
     snprintf(tekst, ruimte, "%s", uit.c_str());
+    return 1;
 }
 
 void houder_toon(const char* kop, const char* tekst) {
@@ -66,7 +68,11 @@ void houder_toon(const char* kop, const char* tekst) {
 
 void houder_wacht(ICB* icb) {
     char tekst[81] = "", kop[48];
-    houder_tekst(tekst, sizeof tekst, icb->datfd, int64_t{icb->currec} * icb->h.reclen, icb->h.reclen);
+    if (icb->wachtsleutel) // the queue names no owner
+        snprintf(tekst, sizeof tekst, TXT(T_SLEUTEL_GERESERVEERD),
+                 IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf).c_str());
+    else
+        houder_tekst(tekst, sizeof tekst, icb->datfd, int64_t{icb->currec} * icb->h.reclen, icb->h.reclen);
     snprintf(kop, sizeof kop, "%.11s: %.19s --> ", icb->h.name, icb->h.title);
     houder_toon(kop, tekst);
 }

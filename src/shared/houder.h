@@ -10,11 +10,12 @@ struct ICB;
 
 // Text that names the holder of a region. On entry `tekst` may hold "PROG" (a program is in use) or '~' and a
 // word (that is in use); else it is about information. ruimte: bytes of `tekst`; 80 holds every such text.
-void houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte);
+// 1 when it names a user, 0 when the holder is unknown or gone.
+int houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte);
 // A one-line window above the status line with two texts behind each other, for 2 seconds. Without a screen
 // only the wait.
 void houder_toon(const char* kop, const char* tekst);
-// The wait routine for IXWAITHOOK: names the holder of the record lock at the handle's currec.
+// The wait routine for IXWAITHOOK: names the holder of the record lock at the handle's currec, or the reserved key.
 void houder_wacht(ICB* icb);
 
 } // namespace zg

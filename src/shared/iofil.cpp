@@ -2,8 +2,10 @@
 #include "shared/iofil.h"
 #include "shared/files.h"
 #include "shared/report.h"
+#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "term/vast.h"
+#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
@@ -32,7 +34,7 @@ int64_t plaats(int index) {
 
 void lees(int index, filiaalrec* rec) {
     auto* bytes = reinterpret_cast<char*>(rec);
-    ssize_t n = pread(fd, bytes, sizeof *rec, plaats(index));
+    ssize_t n = SYSLEES(fd, bytes, sizeof *rec, plaats(index));
     size_t goed = n < 0 ? 0 : static_cast<size_t>(n);
     memset(bytes + goed, 0, sizeof *rec - goed);
     if (hoofdkantoor(index)) {
@@ -45,7 +47,7 @@ void lees(int index, filiaalrec* rec) {
     VASTIN(rec->naam, naam);
 }
 
-void schrijf(int index, const filiaalrec& rec) {
+int schrijf(int index, const filiaalrec& rec) {
     filiaalrec kopie = rec;
     if (hoofdkantoor(index)) {
         memset(static_cast<void*>(&kopie), 0, HOOFDNAAM);
@@ -55,7 +57,10 @@ void schrijf(int index, const filiaalrec& rec) {
         SCRAMBLE(naam);
         VASTIN(kopie.naam, naam);
     }
-    [[maybe_unused]] ssize_t n = pwrite(fd, &kopie, sizeof kopie, plaats(index));
+    if (SYSVERVANG(fd, &kopie, sizeof kopie, plaats(index)))
+        return 1;
+    SCHRIJFFOUT(BESTAND, errno);
+    return 0;
 }
 
 bool is_filiaal(int index) {
@@ -68,13 +73,13 @@ int iofil(char letter, int index, filiaalrec* rec) {
     switch (letter) {
     case 'O':
         if (fd < 0)
-            fd = open(BESTAND, O_RDWR | O_CLOEXEC);
+            fd = SYS.open(BESTAND, O_RDWR | O_CLOEXEC, 0);
         if (fd < 0)
             OPENFAIL("iofil", BESTAND);
         return 1;
     case 'C':
         if (fd >= 0)
-            close(fd);
+            SYS.close(fd);
         fd = -1;
         return 1;
     case 'R':
@@ -83,8 +88,7 @@ int iofil(char letter, int index, filiaalrec* rec) {
         return 1;
     case 'W':
         controleer(index);
-        schrijf(index, *rec);
-        return 1;
+        return schrijf(index, *rec);
     default:
         return 0;
     }

@@ -19,7 +19,8 @@ static_assert(sizeof(filiaalrec) == 612 && offsetof(filiaalrec, nummer) == 599);
 
 // 'O' open (OPENFAIL when it can't), 'C' close, 'R' read, 'W' write. The index may be the number of branches
 // (firma.filialen): the head office, whose name comes from system record 1. Above that INTERNAL 1; a read or
-// write on the closed file INTERNAL 2. Other letters answer 0. What the file lacks reads as zeros.
+// write on the closed file INTERNAL 2. Other letters answer 0, and so does a refused write,
+// which has been told and leaves the record as it was. What the file lacks reads as zeros.
 int iofil(char letter, int index, filiaalrec* rec);
 // Index of a branch number. 0 when no branch has it.
 int iofil_index(uint8_t nummer, int* index);

@@ -2,6 +2,8 @@
 #include "shared/iotab.h"
 #include "shared/files.h"
 #include "shared/houder.h"
+#include "shared/report.h"
+#include "shared/syscalls.h"
 #include "shared/teksten.h"
 #include "term/scherm.h"
 #include "term/vast.h"
@@ -43,28 +45,43 @@ int lees(char letter, int32_t nr, void* record, const Systabel& tabel) {
     auto* bytes = static_cast<char*>(record);
     if (binnen(nr, tabel)) {
         zoek(letter, plaats(nr, tabel));
-        if (read(fd, record, n) == static_cast<ssize_t>(n))
+        if (SYSLEES(fd, record, n, plaats(nr, tabel)) == static_cast<ssize_t>(n))
             return std::any_of(bytes, bytes + n, [](char c) { return c != 0; });
     }
     memset(record, 0, n);
     return 0;
 }
 
-void schrijf(char letter, int32_t nr, const void* record, const Systabel& tabel) {
+// A refused write is told, and the slot is as it was.
+int schrijf(char letter, int32_t nr, const void* record, const Systabel& tabel) {
     if (!binnen(nr, tabel))
-        return;
+        return 1;
     zoek(letter, plaats(nr, tabel));
-    // A failing write is not told: the slot stays as it was.
-    [[maybe_unused]] ssize_t n = write(fd, record, static_cast<size_t>(tabel.grootte));
+    if (SYSVERVANG(fd, record, static_cast<size_t>(tabel.grootte), plaats(nr, tabel)))
+        return 1;
+    SCHRIJFFOUT(BESTAND, errno);
+    return 0;
 }
 
 int slot(char letter, int32_t nr, const Systabel& tabel) {
     return binnen(nr, tabel) && IOLOCK(letter, fd, plaats(nr, tabel), tabel.grootte);
 }
 
+// Slots are mostly held for moments, and of two that try at once both may be refused: so a few tries, not in step
+// with another's, before anybody is told.
+bool geduld(int32_t nr, const Systabel& tabel) {
+    constexpr int POGINGEN = 60;
+    for (int i = 0; i < POGINGEN; i++) {
+        if (slot('S', nr, tabel))
+            return true;
+        usleep(static_cast<useconds_t>(1000 + (getpid() + i * 7) % 8 * 1000));
+    }
+    return false;
+}
+
 void neem(int32_t nr, const Systabel& tabel) {
     zoek('X', plaats(nr, tabel));
-    while (!slot('S', nr, tabel)) {
+    while (!geduld(nr, tabel)) {
         char tekst[81] = "";
         houder_tekst(tekst, sizeof tekst, fd, plaats(nr, tabel), tabel.grootte);
         houder_toon("SYSTEEM-", tekst);
@@ -94,16 +111,18 @@ int vorige(int32_t* nr, void* record, const Systabel& tabel) {
 void open_tabellen() {
     if (fd >= 0)
         return;
-    fd = open(BESTAND, O_RDWR | O_CLOEXEC);
+    fd = SYS.open(BESTAND, O_RDWR | O_CLOEXEC, 0);
     if (fd < 0) {
         char map[PATH_MAX];
+        if (errno != ENOENT)
+            STOPREDEN(errno);
         SCRFATAL(TXT(T_NIET_AANWEZIG), BESTAND, getcwd(map, sizeof map) ? map : "");
     }
 }
 
 void sluit_tabellen() {
     if (fd >= 0)
-        close(fd);
+        SYS.close(fd);
     fd = -1;
 }
 
@@ -137,19 +156,28 @@ int iotab(char letter, int32_t* nr, void* record, const Systabel& tabel) {
     case 'D':
         memset(record, 0, static_cast<size_t>(tabel.grootte));
         [[fallthrough]];
-    case 'W':
-        schrijf(letter, *nr, record, tabel);
+    case 'W': {
+        const int geschreven = schrijf(letter, *nr, record, tabel);
         slot('U', *nr, tabel);
-        return 1;
+        return geschreven;
+    }
     case 'w':
-        schrijf(letter, *nr, record, tabel);
-        return 1;
+        return schrijf(letter, *nr, record, tabel);
     case 'T':
     case 'U':
         return slot(letter, *nr, tabel);
     default:
         return 0;
     }
+}
+
+int iotab_probeer(int32_t* nr, void* record, const Systabel& tabel) {
+    if (!binnen(*nr, tabel) || !geduld(*nr, tabel))
+        return 0;
+    if (lees('X', *nr, record, tabel))
+        return 1;
+    slot('U', *nr, tabel);
+    return 0;
 }
 
 int iotab_fd() {
@@ -189,8 +217,7 @@ int32_t iotab_teller(int sysrecord, int32_t hoogste) {
     if (teller.laatste < 1 || teller.laatste >= hoogste)
         teller.laatste = 999;
     teller.laatste++;
-    iotab('W', &nr, &teller, SYS_RECORD);
-    return teller.laatste;
+    return iotab('W', &nr, &teller, SYS_RECORD) ? teller.laatste : 0;
 }
 
 void sys_lees() {

@@ -15,7 +15,8 @@ namespace zg {
 //   'P' previous filled one; number 0 at the start
 //   'W' write and release, 'w' write and keep, 'D' clear and release
 //   'T' is it free? 'U' release
-// W, w and D write nothing outside the table and answer 1. A number outside answers 0 for the other letters,
+// W, w and D write nothing outside the table and answer 1; when the write is refused they answer 0, which has been
+// told, and the slot stays as it was. A number outside answers 0 for the other letters,
 // and takes no lock. An empty or missing slot leaves zeros in the record; 'X' keeps its lock then.
 int iotab(char letter, int32_t* nr, void* record, const Systabel& tabel);
 
@@ -26,6 +27,9 @@ template <class R> int iotab(char letter, Slot<R>* slot, const Systabel& tabel) 
     return uit;
 }
 
+// As 'X', but without waiting: 0 and no lock when another holds the slot, or it is empty.
+int iotab_probeer(int32_t* nr, void* record, const Systabel& tabel);
+
 int iotab_fd(); // descriptor of DTSYS.TXT, -1 when closed
 
 // One-digit codes by set, 'R' only: *nr is the code, and its units digit on success; the record 20 bytes.
@@ -35,6 +39,7 @@ int iotab_setcode(int32_t* nr, tekst20* record);
 int iotab_code(char letter, int soort, int32_t* nr, tekst30* record);
 
 // Draw the next number of a counter record (2 series, 5 orders): from 1000 to `hoogste`, then 1000 again.
+// 0 when it couldn't be written (told): nobody has that number then.
 int32_t iotab_teller(int sysrecord, int32_t hoogste);
 
 } // namespace zg

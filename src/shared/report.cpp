@@ -2,8 +2,10 @@
 #include "shared/report.h"
 #include "shared/teksten.h"
 #include "term/natl.h"
+#include "term/prompt.h"
 #include "term/teksten.h"
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace zg {
@@ -25,12 +27,48 @@ const char* plat(const char* tag) {
 
 } // namespace
 
+const char* IOREDEN(int fout) {
+    static char nummer[32];
+    static constexpr struct {
+        int fout;
+        const Tekst* woorden;
+    } redenen[] = {
+        {EACCES, &T_GEEN_RECHTEN}, {EPERM, &T_GEEN_RECHTEN},         {EROFS, &T_ALLEEN_LEZEN},
+        {ENOENT, &T_BESTAAT_NIET}, {ENOTDIR, &T_BESTAAT_NIET},       {EISDIR, &T_IS_MAP},
+        {ENOSPC, &T_SCHIJF_VOL},   {EDQUOT, &T_SCHIJF_VOL},          {EFBIG, &T_BESTAND_TE_GROOT},
+        {EIO, &T_IO_FOUT},         {EOVERFLOW, &T_BESTAND_TE_GROOT}, {EMFILE, &T_TEVEEL_OPEN},
+        {ENFILE, &T_TEVEEL_OPEN},  {ENOLCK, &T_GEEN_SLOTEN},         {EOPNOTSUPP, &T_GEEN_SLOTEN},
+    };
+    for (const auto& r : redenen)
+        if (r.fout == fout)
+            return TXT(*r.woorden);
+    snprintf(nummer, sizeof nummer, TXT(T_FOUT_NR), fout);
+    return nummer;
+}
+
+void STOPREDEN(int fout) {
+    SCRFATALREDEN(IOREDEN(fout));
+}
+
+void SCHRIJFFOUT(const char* bestand, int fout, const char* regel2, const char* regel3) {
+    char regel[120];
+    snprintf(regel, sizeof regel, TXT(T_NIET_GESCHREVEN), bestand, IOREDEN(fout));
+    if (SCHERM.bestaat) {
+        MELDBOX(MELD_ALARM, regel, regel2, regel3);
+        return;
+    }
+    for (const char* r : {static_cast<const char*>(regel), regel2, regel3})
+        if (r)
+            fprintf(stderr, "%s\n", r);
+}
+
 void NOMEM(const char* tag, int nr) {
     SCRFATAL("%s: %s (nr=%d)", plat(tag), TXT(T_ONVOLDOENDE_GEHEUGEN), nr);
 }
 
 void OPENFAIL(const char* tag, const char* bestand) {
     int fout = errno;
+    STOPREDEN(fout);
     SCRFATAL("%s: %s (file=%s, errno=%d)", plat(tag), TXT(T_OPEN_NIET_GELUKT), bestand ? bestand : "", fout);
 }
 

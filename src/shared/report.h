@@ -7,6 +7,14 @@ namespace zg {
 
 struct ICB;
 
+// Words for an errno: "geen rechten", "schijf vol"; "fout 123" for one that has none. Static, until the next call.
+const char* IOREDEN(int fout);
+// Why a file can't be had: a line of its own under the report that follows.
+void STOPREDEN(int fout);
+// Box: "NAME kan niet worden geschreven: schijf vol", and up to two lines about what stays. Null lines are left
+// out. Without a screen the same lines on the error output.
+void SCHRIJFFOUT(const char* bestand, int fout, const char* regel2 = nullptr, const char* regel3 = nullptr);
+
 // Tags are file names: directory and extension are dropped, capitals folded.
 [[noreturn]] void NOMEM(const char* tag, int nr); // "%s: Onvoldoende geheugen (nr=%d)"
 [[noreturn]] void OPENFAIL(const char* tag,

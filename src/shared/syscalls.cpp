@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace zg {
 namespace {
@@ -41,17 +42,36 @@ std::string map_van(const char* pad) {
     return streep == std::string::npos ? "." : streep ? map.substr(0, streep) : "/";
 }
 
-void geef_huisrechten(int fd, const char* pad) {
-    struct stat map, eigen;
-    SYS.fchmod(fd, RECHTEN);
-    if (stat(map_van(pad).c_str(), &map) == 0 && SYS.fstat(fd, &eigen) == 0 && eigen.st_gid != map.st_gid)
-        SYS.fchown(fd, static_cast<uid_t>(-1), map.st_gid);
+constexpr auto BLIJFT = static_cast<uid_t>(-1);
+
+// Refused because the user may not, or the file system knows no such thing: as far as it goes is far enough.
+bool mag_niet() {
+    return errno == EPERM || errno == ENOSYS || errno == EOPNOTSUPP || errno == EINVAL;
+}
+
+// The group first: a change of owner or group takes setgid away.
+bool geef(int fd, uid_t eigenaar, gid_t groep, mode_t mode) {
+    struct stat nu;
+    if (SYS.fstat(fd, &nu) < 0)
+        return false;
+    if (eigenaar == BLIJFT)
+        eigenaar = nu.st_uid;
+    if ((eigenaar != nu.st_uid && SYS.fchown(fd, eigenaar, groep) < 0) || eigenaar == nu.st_uid)
+        if (groep != nu.st_gid && SYS.fchown(fd, BLIJFT, groep) < 0 && !mag_niet())
+            return false;
+    return SYS.fchmod(fd, mode & 07777) == 0 || mag_niet();
+}
+
+// Mode 0660 and the group of the directory.
+bool geef_huisrechten(int fd, const char* pad) {
+    struct stat map;
+    return stat(map_van(pad).c_str(), &map) == 0 && geef(fd, BLIJFT, map.st_gid, RECHTEN);
 }
 
 } // namespace
 
 SYSCALLS SYS = {doe_open, ::close,  ::read,   ::write,  ::pread, ::pwrite, ::ftruncate, ::fsync,
-                ::fstat,  ::fchmod, ::fchown, ::rename, ::link,  ::unlink, doe_slot};
+                ::fstat,  ::fchmod, ::fchown, ::rename, ::link,  ::unlink, ::mkdir,     doe_slot};
 
 ssize_t SYSLEES(int fd, void* buf, size_t n, int64_t plaats) {
     auto p = static_cast<char*>(buf);
@@ -77,6 +97,22 @@ bool SYSSCHRIJFOP(int fd, const void* buf, size_t n, int64_t plaats) {
     return schrijf_alles(buf, n, [=](const char* p, size_t rest, size_t gedaan) {
         return SYS.pwrite(fd, p, rest, plaats + static_cast<off_t>(gedaan));
     });
+}
+
+bool SYSVERVANG(int fd, const void* buf, size_t n, int64_t plaats) {
+    std::vector<char> oud(n);
+    const int64_t omvang = SYSOMVANG(fd);
+    const ssize_t stond = SYSLEES(fd, oud.data(), n, plaats);
+    if (omvang < 0 || stond < 0)
+        return false;
+    if (SYSSCHRIJFOP(fd, buf, n, plaats))
+        return true;
+    const int fout = errno;
+    SYSSCHRIJFOP(fd, oud.data(), static_cast<size_t>(stond), plaats);
+    if (SYSOMVANG(fd) > omvang)
+        SYS.ftruncate(fd, omvang);
+    errno = fout;
+    return false;
 }
 
 int64_t SYSOMVANG(int fd) {
@@ -105,15 +141,22 @@ int SYSNIEUW(const char* pad, int vlaggen) {
 }
 
 bool SYSEVENALS(int fd, const char* pad) {
-    struct stat oud, nieuw;
-    if (stat(pad, &oud) < 0)
-        return errno == ENOENT;
-    if (SYS.fstat(fd, &nieuw) < 0)
+    struct stat oud;
+    if (stat(pad, &oud) == 0)
+        return geef(fd, oud.st_uid, oud.st_gid, oud.st_mode);
+    return errno == ENOENT && geef_huisrechten(fd, pad);
+}
+
+bool SYSNIEUWEMAP(const char* pad) {
+    struct stat map;
+    if (stat(map_van(pad).c_str(), &map) < 0 || SYS.mkdir(pad, 0777) < 0)
         return false;
-    if ((oud.st_uid != nieuw.st_uid || oud.st_gid != nieuw.st_gid) &&
-        SYS.fchown(fd, oud.st_uid, oud.st_gid) < 0 && oud.st_gid != nieuw.st_gid)
-        SYS.fchown(fd, static_cast<uid_t>(-1), oud.st_gid);
-    return SYS.fchmod(fd, oud.st_mode & 07777) == 0;
+    const int fd = SYS.open(pad, O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
+    if (fd >= 0) {
+        geef(fd, BLIJFT, map.st_gid, (map.st_mode & 02777) | S_IRWXU);
+        SYS.close(fd);
+    }
+    return true;
 }
 
 } // namespace zg

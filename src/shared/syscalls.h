@@ -26,6 +26,7 @@ struct SYSCALLS {
     int (*rename)(const char* van, const char* naar);
     int (*link)(const char* van, const char* naar);
     int (*unlink)(const char* pad);
+    int (*mkdir)(const char* pad, mode_t mode);
     int (*slot)(int fd, int opdracht, struct flock* gebied); // fcntl with a lock
 };
 extern SYSCALLS SYS;
@@ -36,6 +37,9 @@ ssize_t SYSLEES(int fd, void* buf, size_t n, int64_t plaats);
 // False with errno set, ENOSPC when the file takes no more; some of the bytes may stand then.
 bool SYSSCHRIJF(int fd, const void* buf, size_t n);
 bool SYSSCHRIJFOP(int fd, const void* buf, size_t n, int64_t plaats);
+// The same over bytes that stand: a refused write puts the old ones back and cuts what was added. Whether that went
+// well is not told; false with the errno of the write.
+bool SYSVERVANG(int fd, const void* buf, size_t n, int64_t plaats);
 // Size of an open file, -1 with errno set.
 int64_t SYSOMVANG(int fd);
 
@@ -44,7 +48,12 @@ int64_t SYSOMVANG(int fd);
 // keeps what it has. The descriptor, or -1 with errno set.
 int SYSNIEUW(const char* pad, int vlaggen);
 // Give an open new file mode, owner and group of the file at `pad`, whose place it is going to take, as far as
-// the user may. Nothing to do when there is none. False with errno set when not even the mode could be given.
+// the user may; when there is none, those that SYSNIEUW gives there. False with errno set when a call failed for
+// another reason than that the user may not, or the file system can't.
 bool SYSEVENALS(int fd, const char* pad);
+// Make a directory for several hands: the group of the directory that it is made in, and its rights of reading,
+// writing and passing on the group (setgid), whatever the umask; the maker's own are whole. False with errno set
+// when there is none then.
+bool SYSNIEUWEMAP(const char* pad);
 
 } // namespace zg

@@ -34,7 +34,8 @@ struct Check {
     IXHEADER h{};
     int64_t blokken = 0, records = 0; // what the files really hold
     int64_t bezocht = 0, gevonden = 0, gedaan = 0, werk = 0;
-    bool opgegeven = false; // tree refers to more nodes than there are blocks
+    int32_t vorig_record = -1; // of the leaf entry before the one that is looked at
+    bool opgegeven = false;    // tree refers to more nodes than there are blocks
 
     void meld(const char* fmt, ...) __attribute__((format(printf, 2, 3))) {
         if (++telling->bevindingen > static_cast<int64_t>(IXBEVINDINGEN))
@@ -255,11 +256,17 @@ void Check::knoop(int sleutel, int32_t blok, int niveau, const Grens& laag, cons
         if (vorige.er) {
             int uitslag = IXVERGELIJK(def, vorige.sleutel, e, def.keylen);
             bool wacht = !hoog && i == k.count - 1; // a real key may be all 0xFF too, before the sentinel
-            if (uitslag > 0 || (uitslag == 0 && gelijk < 0 && !wacht))
+            const bool dubbel = uitslag == 0 && gelijk < 0 && !wacht;
+            if (dubbel && k.level == 1)
+                meld("key %d: records %d and %d have the same value", sleutel, vorig_record,
+                     LEES32(e + def.keylen));
+            else if (uitslag > 0 || dubbel)
                 meld(uitslag ? "key %d, block %d: entry %d is out of order"
                              : "key %d, block %d: entry %d has the key of the one before it",
                      sleutel, blok, i + 1);
         }
+        if (k.level == 1)
+            vorig_record = LEES32(e + def.keylen);
         memcpy(vorige.sleutel, e, def.keylen);
         vorige.er = true;
     }
@@ -329,6 +336,7 @@ void Check::zoek_ontbrekende(int sleutel) {
 void Check::boom(int sleutel) {
     gevonden = 0;
     bezocht = 0;
+    vorig_record = -1;
     opgegeven = false;
     knoop(sleutel, sleutel, 0, Grens{}, nullptr);
     if (tijdelijk || gevonden == telling->levend)

@@ -56,7 +56,8 @@ struct ICB {
     int8_t cached;
     char path[81];
     // From here on nothing is shared with anybody; not part of the handle's told order.
-    int8_t koplock; // 1 while a shared handle holds the header lock: the tree can't change under it
+    int8_t koplock;      // 1 while a shared handle holds the header lock: the tree can't change under it
+    int8_t wachtsleutel; // 1 while IXWAITHOOK is called for a reserved key, the one in `keybuf`
     int32_t gezien; // nblocks as last seen on disk: a reader that may have met a half-done split looks again
 };
 

@@ -1,6 +1,7 @@
 // Pairs: NAME.INX with header, trees and lock queue, NAME.TXT with the records. Create, open, check, empty,
 // close.
 #include "shared/files.h"
+#include "shared/report.h"
 #include "store/bestand.h"
 #include "store/cache.h"
 #include "store/node.h"
@@ -40,6 +41,8 @@ int open_bestand(const std::string& pad, bool vragen, int64_t minstens, int al_o
             continue;
         if (al_open >= 0)
             IXBESTANDDICHT(al_open);
+        if (fout) // 0: too short to be one
+            STOPREDEN(fout);
         SCRFATAL(TXT(T_QUILLDB), fout, pad.c_str());
     }
 }
@@ -117,8 +120,11 @@ int beoordeel(ICB* icb, const std::string& indexpad, const std::string& datapad)
         IOSIZE(datapad.c_str()) != int64_t{icb->h.reclen} * icb->h.nrecs)
         return -1;
     icb->datfd = IXBESTANDOPEN(datapad.c_str(), O_RDWR);
-    if (icb->datfd < 0)
-        SCRFATAL(TXT(T_QUILLDB), errno, datapad.c_str());
+    if (icb->datfd < 0) {
+        const int fout = errno;
+        STOPREDEN(fout);
+        SCRFATAL(TXT(T_QUILLDB), fout, datapad.c_str());
+    }
     int vrij = loop_vrijen(icb, datapad);
     char naam[sizeof icb->h.name + 1] = {};
     memcpy(naam, icb->h.name, sizeof icb->h.name);

@@ -13,6 +13,7 @@
 #include "store/bestand.h"
 #include "store/node.h"
 #include "store/teksten.h"
+#include "store/wachtrij.h"
 #include "term/scherm.h"
 #include <sched.h>
 #include <unistd.h>
@@ -27,8 +28,13 @@ void wacht_standaard(ICB* icb) {
         sleep(WACHT);
         return;
     }
+    char wat[80];
+    snprintf(wat, sizeof wat, "%s", TXT(T_IN_GEBRUIK));
+    if (icb->wachtsleutel)
+        snprintf(wat, sizeof wat, TXT(T_SLEUTEL_GERESERVEERD),
+                 IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf).c_str());
     WINOPEN1(SCHERM.lines - 1, 1, 1, SCHERM.cols);
-    SCRPUT(A_WAARDE, 1, 1, TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IN_GEBRUIK));
+    SCRPUT(A_WAARDE, 1, 1, TXT(T_IX_REGEL), icb->h.name, icb->h.title, wat);
     SCRFLUSH(WACHT);
     WINCLOSE();
 }
@@ -101,7 +107,9 @@ int reserveer(ICB* icb) {
             return 1;
         }
     }
+    icb->wachtsleutel = 1;
     IXWAITHOOK(icb);
+    icb->wachtsleutel = 0;
     return 0;
 }
 

@@ -15,6 +15,7 @@ void (*SCRFATALHAAK)();
 namespace {
 
 char rapport[1000];
+char reden[80];
 
 constexpr int RIJ = 18, KOLOM = 10;
 constexpr size_t PROEF = 1000;
@@ -32,10 +33,13 @@ void in_doos(const char* tekst) {
     int binnen = SCHERM.cols - 4;
     int w = std::min(std::max(lengte, breedte) + 4, SCHERM.cols);
     int rijen = std::max(1, (lengte + binnen - 1) / binnen); // a long report goes on on the next row
-    WINOPEN(RIJ - (rijen - 1), w > SCHERM.cols - KOLOM + 1 ? 1 : KOLOM, 4 + rijen, w, 3);
+    WINOPEN(RIJ - (rijen - 1) - (*reden != 0), w > SCHERM.cols - KOLOM + 1 ? 1 : KOLOM,
+            4 + rijen + (*reden != 0), w, 3);
     WINBOX("%s", TXT(T_AFGEBROKEN));
     for (int i = 0; i < rijen; i++)
         SCRPUT(A_WAARDE, 1 + i, 2, "%.*s", binnen, tekst + i * binnen);
+    if (*reden)
+        SCRPUT(A_WAARDE, ++rijen, 2, "(%s)", reden);
     SCRPUT(A_WAARDE, rijen + 1, 2, "%s", support);
     SCRPUT(A_LABEL, rijen + 2, 2, "%s", TXT(T_ENTER_VERVOLG));
     TOETSLEEG(); // keys typed ahead must not take the report away unread; what comes after it is shown counts
@@ -48,7 +52,10 @@ void in_doos(const char* tekst) {
 
 void op_regels(const char* tekst) {
     TERMINALAF();
-    printf("%s\r\n%s\r\n%s\r\n%s\r\n", TXT(T_AFGEBROKEN), tekst, TXT(T_SUPPORT), TXT(T_ENTER_VERVOLG));
+    printf("%s\r\n%s\r\n", TXT(T_AFGEBROKEN), tekst);
+    if (*reden)
+        printf("(%s)\r\n", reden);
+    printf("%s\r\n%s\r\n", TXT(T_SUPPORT), TXT(T_ENTER_VERVOLG));
     fflush(stdout);
     if (isatty(STDIN_FILENO)) // without a user there is nobody to wait for
         WACHTREGEL();
@@ -86,6 +93,14 @@ void VSCRFATAL(const char* fmt, va_list ap) {
     else
         op_regels(rapport);
     SCRSTOP(1);
+}
+
+void SCRFATALREDEN(const char* woorden) {
+    snprintf(reden, sizeof reden, "%s", woorden);
+}
+
+const char* SCRFATALREDEN() {
+    return reden;
 }
 
 const char* SCRFATALTEKST() {

@@ -149,7 +149,9 @@ void SCROVERGEVEN();
 [[noreturn]] void VSCRFATAL(const char* fmt, va_list ap) __attribute__((format(printf, 1, 0)));
 // Called first by SCRFATAL when set: closing the modem line, releasing what must not stay.
 extern void (*SCRFATALHAAK)();
-const char* SCRFATALTEKST(); // the report, for the hook
+const char* SCRFATALTEKST();             // the report, for the hook
+void SCRFATALREDEN(const char* woorden); // a line under the next report: why; copied
+const char* SCRFATALREDEN();             // empty without one
 
 // Change to terminal variant "", "-w" or "-l"; falls back to "" when that has no description or the window is too
 // small for it (look at SCHERM.cols afterwards). The change opens a window: WINCLOSE goes back.

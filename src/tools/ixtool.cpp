@@ -105,7 +105,8 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
 
 // A report of the store ends a tool in one line instead of the box of the screens.
 void rapport() {
-    fprintf(stderr, "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST());
+    const char* reden = SCRFATALREDEN();
+    fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST(), reden);
     fflush(nullptr);
     Werkmap::ruim_op();
     _exit(FOUT_GEVONDEN);
