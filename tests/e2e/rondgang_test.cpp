@@ -1,0 +1,75 @@
+// The README's first steps, word for word: every key of its table, every text that it promises, and its picture.
+#include "support/demomap.h"
+#include <gtest/gtest.h>
+#include <sstream>
+
+using namespace zg::test;
+
+namespace {
+
+// What stands between backticks.
+std::vector<std::string> woorden(const std::string& cel) {
+    std::vector<std::string> uit;
+    for (size_t a = 0, b;
+         (a = cel.find('`', a)) != std::string::npos && (b = cel.find('`', a + 1)) != cel.npos; a = b + 1)
+        uit.push_back(cel.substr(a + 1, b - a - 1));
+    return uit;
+}
+
+bool toetsnaam(const std::string& w) {
+    for (const char* naam : {"Enter", "Esc", "Tab", "Up", "Down", "PgUp", "PgDn"})
+        if (w == naam)
+            return true;
+    return w.size() > 1 && w[0] == 'F' && isdigit(static_cast<unsigned char>(w[1]));
+}
+
+std::string zonder_lege_rijen(const std::string& beeld) {
+    std::istringstream in(beeld);
+    std::string uit;
+    for (std::string rij; getline(in, rij);)
+        if (!rij.empty())
+            uit += rij + "\n";
+    return uit;
+}
+
+} // namespace
+
+TEST(Rondgang, AsTheReadmeTells) {
+    const std::string readme = lees_bestand(ZG_SOURCE_DIR "/README.md");
+    const size_t beeld = readme.find("```\n") + 4;
+    DemoMap map;
+    Opties o = demo_opties(map);
+    o.klok = ""; // today
+    Terminal t({programma("zgbsmenu")}, o);
+    std::istringstream in(readme.substr(readme.find("\n| Keys |")));
+    std::string rij;
+    for (int kop = 0; kop < 3; kop++)
+        getline(in, rij);
+    int stappen = 0;
+    for (; getline(in, rij) && rij.starts_with("| "); stappen++) {
+        SCOPED_TRACE(rij);
+        const size_t midden = rij.find(" | ");
+        ASSERT_TRUE(t.kalm());
+        ASSERT_TRUE(t.leeft()) << "the tour ends too early";
+        for (const std::string& w : woorden(rij.substr(0, midden)))
+            if (w != "./run")
+                t.toetsen(toetsnaam(w) ? "<" + w + ">" : w);
+        for (const std::string& w : woorden(rij.substr(midden)))
+            ASSERT_TRUE(t.wacht(w));
+        if (rij.find("picture above") != std::string::npos) {
+            EXPECT_EQ(zonder_lege_rijen(t.scherm()),
+                      zonder_lege_rijen(readme.substr(beeld, readme.find("```", beeld) - beeld)));
+        }
+    }
+    EXPECT_GT(stappen, 20);
+    EXPECT_EQ(t.einde(), 0) << t.scherm();
+}
+
+// What the commands look at before anything is built.
+TEST(Rondgang, SmallWindow) {
+    Opties o;
+    o.rijen = 24;
+    Terminal t({ZG_SOURCE_DIR "/run"}, o);
+    EXPECT_TRUE(t.wacht("This window is 80 x 24; the screens need 80 columns and 25 rows."));
+    EXPECT_EQ(t.einde(), 1);
+}
