@@ -1,19 +1,15 @@
-// Fields of the one-digit code tables of DTSYS.TXT: a code with F5 for its list.
+// The code tables of DTSYS.TXT as tables of a field with a list (shared/lijstveld.h).
 #pragma once
-#include <cstdint>
-#include <string>
+#include "shared/lijstveld.h"
 
 namespace zg {
 
-// The tables, by the kinds of iotab_code.
-enum Codesoort { CODE_ACTIE = 1, CODE_CORRECTIE = 2, CODE_INKOOP = 3, CODE_DEELSEIZOEN = 4 };
+// One-digit codes: the list has the head slot's text for its title.
+extern const Lijsttabel INKOOPTABEL, DEELSEIZOENTABEL;
+extern const Lijsttabel STELSELTABEL; // size systems
+extern const Lijsttabel LANDTABEL;    // countries by their ISO code of three letters
 
-// Code field, format "1U,", F5 for the list; 0 (empty) is accepted as none, an unknown code refused. True
-// when the code changed.
-bool code_veld(int rij, int kolom, Codesoort soort, uint8_t* code);
-// Description of a code, trimmed; empty for 0 and for a code that isn't in the table.
-std::string code_tekst(Codesoort soort, uint8_t code);
-// Pick list; false without a pick or when the table is empty (told).
-bool code_kiezen(Codesoort soort, uint8_t* code);
+// Forget the countries, which are read once: they are read again at the next use.
+void landen_vergeet();
 
 } // namespace zg

@@ -11,6 +11,16 @@ namespace zg {
 
 ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab;
 
+levrec leverancier;
+artrec regelgroep;
+merkrec regelmerk, rijmerk;
+
+void stam_vergeet() {
+    leverancier = {};
+    regelgroep = {};
+    regelmerk = rijmerk = {};
+}
+
 namespace {
 
 struct Bestand {

@@ -1,9 +1,18 @@
-// The shared master files that the order program keeps open while it runs: DTLEV, DTMAAT, DTMTOM and the
+// The shared master files that the order program keeps open while it runs, and the records of them that it keeps: DTLEV, DTMAAT, DTMTOM and the
 // rates have their handles in their own modules, the others here.
 #pragma once
-#include "store/ix.h"
+#include "shared/stamrec.h"
 
 namespace zg {
+
+// The master records that the order program keeps between reads, one owner each; who needs another record of the
+// table reads it into an image of his own.
+extern levrec leverancier; // the order's supplier: the driver's prompt and the line screen
+extern artrec regelgroep;  // of the cursor's line
+extern merkrec regelmerk;
+extern merkrec rijmerk; // of the line that is being painted
+// Forget them: they are read again at the next use. Before each order, since other terminals change them.
+void stam_vergeet();
 
 extern ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab;
 

@@ -193,7 +193,7 @@ bool bewerk_order() {
     kop = gekozen; // the copy has read on into the next order
     bool door = aantal_regels > 0;
     if (!door && order_mag_nieuw()) {
-        door = order_kop(true);
+        door = order_kop(Itemwijze::nieuw);
         if (door) {
             model = {};
             dessin = {};
@@ -302,9 +302,10 @@ bool ord_kies_leverancier() {
     ordertotaal = {};
     SCRPUT(A_LABEL, 3, 1, "%-11.11s: ", TXT(T_F_LEVERANCIER));
     uint16_t nummer = gekozen_leverancier;
-    if (!relatie_veld(3, LEVKOLOM, "", REL_LEVERANCIER, &nummer))
+    stam_vergeet();
+    if (lijstveld(LEVERANCIERTABEL, 3, LEVKOLOM, "P", &nummer) == Lijstuit::weg)
         return false;
-    if (nummer == 0) {
+    if (!relatie_lees(nummer, &leverancier)) {
         SCRPUT(A_WAARDE, 3, LEVKOLOM, "%s", TXTBLANCO(25));
         return false;
     }

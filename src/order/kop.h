@@ -1,49 +1,40 @@
-// The order header: its window "ORDER", field by field. order/kopveld.cpp edits one field.
+// The order header: its window "ORDER". order/kopveld.cpp has its items, kop.cpp what goes into the work file.
 #pragma once
 #include "order/ioord.h"
+#include "term/itemscherm.h"
 #include <cstdint>
 
 namespace zg {
 
 extern int16_t korting_bij_opening; // the order's discount when it was opened
 
-// New order: true when it was accepted. Existing order: true when anything changed. Written to the work file.
-bool order_kop(bool nieuw);
+// New order: true when it was accepted. Otherwise: true when anything changed, never when it is only looked at.
+// What was accepted is in the work file.
+bool order_kop(Itemwijze wijze);
 
 // Between kop.cpp and kopveld.cpp.
+//
+// The items. Their numbers are places in ORDPARM.SYS (kopveld + number) and stand on the screen in this order.
 enum Kopitem {
-    KOP_LEVERANCIER,
-    KOP_DATUM,
-    KOP_LOCATIE,
-    KOP_LEV_ORDERNR,
-    KOP_OMSCHRIJVING,
-    KOP_AGENT,
-    KOP_DEELSEIZOEN,
-    KOP_COLLECTIE,
-    KOP_INKOOPCODE,
-    KOP_KORTING,
-    KOP_VALUTA,
-    KOP_KOERS,
-    KOP_TOESLAG,
-    KOP_LEVERING,
-    KOP_BETALING,
-    KOP_ITEMS
+    KOP_LEVERANCIER = 0,
+    KOP_DATUM = 1,
+    KOP_LOCATIE = 2,
+    KOP_LEV_ORDERNR = 3,
+    KOP_OMSCHRIJVING = 4,
+    KOP_AGENT = 5,
+    KOP_DEELSEIZOEN = 6,
+    KOP_COLLECTIE = 7,
+    KOP_INKOOPCODE = 8,
+    KOP_KORTING = 9,
+    KOP_VALUTA = 10,
+    KOP_KOERS = 11,
+    KOP_TOESLAG = 12,
+    KOP_LEVERING = 13,
+    KOP_BETALING = 14
 };
-inline constexpr int KOPWAARDE = 21; // column of the values
-inline constexpr int KOPKEUSRIJ = 17;
-
+extern const Itemscherm KOPSCHERM;
 extern char kop_levering[BLOKLEN], kop_betaling[BLOKLEN]; // the header's two texts
-
-// Is the field on this order's screen? Its row in the window.
-bool kop_aanwezig(int item);
-int kop_rij(int item);
-// Paint one value, or all of them.
-void kop_toon_veld(int item);
-void kop_toon();
-// May the field be chosen from the menu?
-bool kop_te_kiezen(int item, bool nieuw);
-// Edit one field in the window; true when it changed. Items from KOP_OMSCHRIJVING on are skipped at once when
-// !mag_wijzigen (SCHERM.laatste is 0 then). Keys allowed before the call leave the field.
-bool kop_veld(int item, bool mag_wijzigen);
+// Before the screen runs: whether the order's first header is entered, and no relation kept from another time.
+void kopveld_begin(bool nieuw);
 
 } // namespace zg

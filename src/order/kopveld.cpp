@@ -1,17 +1,18 @@
-// One field of the order header: how it looks and how it is entered.
+// The items of the order header: how each looks, how it is entered, when it may be.
 #include "codes/codeveld.h"
 #include "codes/valveld.h"
+#include "order/bestanden.h"
 #include "order/dialog.h"
 #include "order/kop.h"
 #include "order/later.h"
 #include "order/programma.h"
+#include "order/regelscherm.h"
 #include "order/teksten.h"
 #include "order/wrk.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
 #include "price/kortingveld.h"
 #include "shared/filveld.h"
-#include "shared/iofil.h"
 #include "shared/sysrec.h"
 #include "sub/omlev.h"
 #include "term/datum.h"
@@ -23,7 +24,8 @@
 namespace zg {
 namespace {
 
-constexpr int NAAMKOLOM = 26;    // agent, currency
+constexpr int KOPWAARDE = 21;    // column of the values
+constexpr int NAAMKOLOM = 26;    // currency
 constexpr int TEKSTKOLOM = 24;   // one-digit codes
 constexpr int TEKSTVELD = 35;    // width of the texts' first line
 constexpr uint16_t VLAG_EDI = 4; // of the firm's flags word
@@ -64,17 +66,11 @@ void koers_van_datum() {
     kop.koerseenheid = er ? gevonden.eenheid : uint16_t{1};
 }
 
-// Name of a relation without losing the supplier, who has the one image.
-std::string relatie_naam(uint16_t nummer) {
-    if (nummer == 0)
-        return "";
-    std::string naam = relatie_lees(nummer) ? VASTTEKST(leverancier.naam) : "";
-    relatie_lees(kop.leverancier);
-    return naam;
-}
+bool eerste_kop; // the first header of an order without lines is entered
+levrec agent;    // own image: the order's supplier stays in his
 
-void waarde(int item, const std::string& tekst) {
-    SCRPUT(A_WAARDE, kop_rij(item), KOPWAARDE, "%-36.36s", tekst.c_str());
+void waarde(int rij, const std::string& tekst) {
+    SCRPUT(A_WAARDE, rij, KOPWAARDE, "%-36.36s", tekst.c_str());
 }
 
 std::string opgemaakt(const char* fmt, double getal) {
@@ -83,24 +79,17 @@ std::string opgemaakt(const char* fmt, double getal) {
     return tekst;
 }
 
-std::string code_regel(Codesoort soort, uint8_t code) {
-    if (code == 0)
-        return "";
-    return std::to_string(code) + std::string(TEKSTKOLOM - KOPWAARDE - 1, ' ') + code_tekst(soort, code);
-}
-
-std::string nummer_regel(uint16_t nummer, const std::string& naam) {
+std::string relatie_regel(uint16_t nummer, const levrec& relatie) {
     char tekst[64];
-    snprintf(tekst, sizeof tekst, "%-4u %-20.20s", nummer, naam.c_str());
+    snprintf(tekst, sizeof tekst, "%-4u %-20.20s", nummer, VASTTEKST(relatie.naam).c_str());
     return tekst;
 }
 
-std::string locatie_regel() {
-    if (kop.ontvangstlocatie == LOCATIE_MAGAZIJN)
-        return TXT(T_KOP_MAGAZIJN);
-    int index;
-    std::string naam = iofil_index(kop.ontvangstlocatie, &index) ? iofil_naam(index) : "";
-    return std::string(TXT(T_KOP_FILIAAL)) + " " + std::to_string(kop.ontvangstlocatie) + " " + naam;
+// A code, and at a column what it stands for.
+void code_waarde(int rij, const Lijsttabel& tabel, const Lijstcode& code, int kolom) {
+    std::string tekst = code.nummer ? std::to_string(code.nummer) : code.tekst;
+    tekst.resize(static_cast<size_t>(kolom - KOPWAARDE), ' ');
+    waarde(rij, tekst + lijstnaam(tabel, code));
 }
 
 // What labels would have to follow: not before the full registration can. Tells why.
@@ -111,32 +100,61 @@ bool etiketten_volgen_niet(const Tekst& waarom) {
     return true;
 }
 
-bool veld_locatie() {
-    if (etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN))
-        return false;
-    DMREC* menu = DMNEW(TXT(T_KOP_LOCATIE_TITEL));
-    DMITEM(menu, TXT(T_KOP_1_MAGAZIJN), 1, 1);
-    DMITEM(menu, TXT(T_KOP_2_FILIAAL), 2, 1);
-    bool magazijn = kop.ontvangstlocatie == LOCATIE_MAGAZIJN;
-    uint8_t oud = kop.ontvangstlocatie;
-    int rij, kolom;
-    WINNAARSCHERM(kop_rij(KOP_LOCATIE), KOPWAARDE, &rij, &kolom);
-    switch (DMRUN(menu, rij, 0)) {
-    case 1:
-        kop.ontvangstlocatie = LOCATIE_MAGAZIJN;
-        break;
-    case 2: {
-        uint8_t nummer = magazijn ? uint8_t{0} : oud;
-        int veld = KOPWAARDE + 1 + static_cast<int>(strlen(TXT(T_KOP_FILIAAL)));
-        waarde(KOP_LOCATIE, TXT(T_KOP_FILIAAL));
-        fil_veld(kop_rij(KOP_LOCATIE), veld, veld + 4, magazijn ? "IZP" : "ZP", &nummer);
-        if (!TOETSWEG())
-            kop.ontvangstlocatie = nummer;
-        break;
-    }
-    }
-    return kop.ontvangstlocatie != oud;
+// ---- values
+
+void toon_leverancier(int rij) {
+    waarde(rij, relatie_regel(kop.leverancier, leverancier));
 }
+void toon_datum(int rij) {
+    waarde(rij, DATUM6(kop.orderdatum));
+}
+void toon_locatie(int rij) {
+    if (kop.ontvangstlocatie == LOCATIE_MAGAZIJN)
+        waarde(rij, TXT(T_KOP_MAGAZIJN));
+    else
+        waarde(rij, std::string(TXT(T_KOP_FILIAAL)) + " " + std::to_string(kop.ontvangstlocatie) + " " +
+                        lijstnaam(FILIAALTABEL, {kop.ontvangstlocatie, ""}));
+}
+void toon_lev_ordernr(int rij) {
+    waarde(rij, VASTTEKST(kop.lev_ordernr));
+}
+void toon_omschrijving(int rij) {
+    waarde(rij, VASTTEKST(kop.omschrijving));
+}
+void toon_agent(int rij) {
+    if (kop.agent)
+        relatie_lees(kop.agent, &agent);
+    waarde(rij, kop.agent ? relatie_regel(kop.agent, agent) : "");
+}
+void toon_deelseizoen(int rij) {
+    code_waarde(rij, DEELSEIZOENTABEL, {kop.deelseizoen, ""}, TEKSTKOLOM);
+}
+void toon_collectie(int rij) {
+    waarde(rij, VASTTEKST(kop.collectie));
+}
+void toon_inkoopcode(int rij) {
+    code_waarde(rij, INKOOPTABEL, {kop.inkoopcode, ""}, TEKSTKOLOM);
+}
+void toon_korting(int rij) {
+    waarde(rij, kop.korting ? opgemaakt("%-7.2lf", kop.korting / -100.0) : "");
+}
+void toon_valuta(int rij) {
+    code_waarde(rij, VALUTATABEL, {0, VASTTEKST(kop.valuta)}, NAAMKOLOM);
+}
+void toon_koers(int rij) {
+    waarde(rij, koers_tekst(valuta_of_thuis(kop.valuta).c_str(), koers()));
+}
+void toon_toeslag(int rij) {
+    waarde(rij, opgemaakt("%5.4f", kop.toeslag / 10000.0));
+}
+void toon_levering(int rij) {
+    tekst_regel(rij, KOPWAARDE, TEKSTVELD, kop_levering);
+}
+void toon_betaling(int rij) {
+    tekst_regel(rij, KOPWAARDE, TEKSTVELD, kop_betaling);
+}
+
+// ---- fields
 
 bool veld_datum(int rij) {
     uint16_t datum = kop.orderdatum;
@@ -145,16 +163,56 @@ bool veld_datum(int rij) {
     return anders;
 }
 
-bool veld_agent(int rij) {
-    uint16_t agent = kop.agent;
-    if (relatie_veld(rij, KOPWAARDE, "Z", REL_AGENT, &agent)) {
-        int32_t toets = SCHERM.laatste;
-        relatie_lees(kop.leverancier);
-        SCHERM.laatste = toets;
+bool veld_locatie(int rij) {
+    if (etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN))
+        return false;
+    DMREC* menu = DMNEW(TXT(T_KOP_LOCATIE_TITEL));
+    DMITEM(menu, TXT(T_KOP_1_MAGAZIJN), 1, 1);
+    DMITEM(menu, TXT(T_KOP_2_FILIAAL), 2, 1);
+    bool magazijn = kop.ontvangstlocatie == LOCATIE_MAGAZIJN;
+    uint8_t oud = kop.ontvangstlocatie;
+    int schermrij, schermkolom;
+    WINNAARSCHERM(rij, KOPWAARDE, &schermrij, &schermkolom);
+    switch (DMRUN(menu, schermrij, 0)) {
+    case 1:
+        kop.ontvangstlocatie = LOCATIE_MAGAZIJN;
+        break;
+    case 2: {
+        uint8_t nummer = magazijn ? uint8_t{0} : oud;
+        int veld = KOPWAARDE + 1 + static_cast<int>(strlen(TXT(T_KOP_FILIAAL)));
+        waarde(rij, TXT(T_KOP_FILIAAL));
+        fil_veld(rij, veld, veld + 4, magazijn ? "IZP" : "ZP", &nummer);
+        if (!TOETSWEG())
+            kop.ontvangstlocatie = nummer;
+        break;
     }
-    bool anders = agent != kop.agent;
-    kop.agent = agent;
+    }
+    return kop.ontvangstlocatie != oud;
+}
+
+bool veld_omschrijving(int rij) {
+    return INGAVE(rij, KOPWAARDE, "15c,", &SCHERM.toets[key_cancel], &kop.omschrijving) != 0;
+}
+
+bool veld_agent(int rij) {
+    uint16_t nummer = kop.agent;
+    agent.nummer = 0;
+    const bool anders = lijstveld(AGENTTABEL, rij, KOPWAARDE, "PZ", &nummer) == Lijstuit::anders;
+    kop.agent = nummer;
     return anders;
+}
+
+bool veld_deelseizoen(int rij) {
+    return lijstveld(DEELSEIZOENTABEL, rij, KOPWAARDE, "", &kop.deelseizoen) == Lijstuit::anders;
+}
+
+bool veld_collectie(int rij) {
+    return INGAVE(rij, KOPWAARDE, "20c,", &SCHERM.toets[key_cancel], &kop.collectie) != 0;
+}
+
+bool veld_inkoopcode(int rij) {
+    return !etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN) &&
+           lijstveld(INKOOPTABEL, rij, KOPWAARDE, "", &kop.inkoopcode) == Lijstuit::anders;
 }
 
 bool veld_korting(int rij) {
@@ -168,7 +226,7 @@ bool veld_korting(int rij) {
 }
 
 bool veld_valuta(int rij) {
-    if (!valuta_veld(rij, KOPWAARDE, "3c,UE", kop.valuta))
+    if (lijstveld(VALUTATABEL, rij, KOPWAARDE, "UE", kop.valuta, sizeof kop.valuta) != Lijstuit::anders)
         return false;
     koers_van_datum();
     return true;
@@ -195,140 +253,84 @@ bool veld_toeslag(int rij) {
     return kop.toeslag != oud;
 }
 
-bool veld_tekst(int item) {
-    bool levering = item == KOP_LEVERING;
-    bool anders = tekst_venster(kop_rij(item), 10, levering ? 1 : 2, levering ? kop_levering : kop_betaling);
+// The last key of a text means nothing to the screen, but for F6.
+bool veld_tekst(int rij, int soort, char* blok) {
+    bool anders = tekst_venster(rij, 10, soort, blok);
     if (SCHERM.laatste != K_F6)
         SCHERM.laatste = K_ENTER;
     return anders;
 }
-
-bool bewerk(int item) {
-    int rij = kop_rij(item);
-    switch (item) {
-    case KOP_DATUM:
-        return veld_datum(rij);
-    case KOP_LOCATIE:
-        return veld_locatie();
-    case KOP_OMSCHRIJVING:
-        return INGAVE(rij, KOPWAARDE, "15c,", &SCHERM.toets[key_cancel], &kop.omschrijving) != 0;
-    case KOP_AGENT:
-        return veld_agent(rij);
-    case KOP_DEELSEIZOEN:
-        return code_veld(rij, KOPWAARDE, CODE_DEELSEIZOEN, &kop.deelseizoen);
-    case KOP_COLLECTIE:
-        return INGAVE(rij, KOPWAARDE, "20c,", &SCHERM.toets[key_cancel], &kop.collectie) != 0;
-    case KOP_INKOOPCODE:
-        return !etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN) &&
-               code_veld(rij, KOPWAARDE, CODE_INKOOP, &kop.inkoopcode);
-    case KOP_KORTING:
-        return veld_korting(rij);
-    case KOP_VALUTA:
-        return veld_valuta(rij);
-    case KOP_KOERS:
-        return veld_koers(rij);
-    case KOP_TOESLAG:
-        return veld_toeslag(rij);
-    case KOP_LEVERING:
-    case KOP_BETALING:
-        return veld_tekst(item);
-    default:
-        error("%s", TXT(T_KOP_ONGELDIGE_KEUZE));
-        return false;
-    }
+bool veld_levering(int rij) {
+    return veld_tekst(rij, 1, kop_levering);
+}
+bool veld_betaling(int rij) {
+    return veld_tekst(rij, 2, kop_betaling);
+}
+void bekijk_levering() {
+    tekst_bekijk(12, 10, 1, kop_levering);
+}
+void bekijk_betaling() {
+    tekst_bekijk(12, 10, 2, kop_betaling);
 }
 
-} // namespace
+// ---- when: which of them there are, and which may be chosen
 
-bool kop_aanwezig(int item) {
-    switch (item) {
-    case KOP_LOCATIE:
-        return aantal_filialen > 1 && edi_aan() &&
-               (kop.edi_soort == EDI_ADMORD || kop.edi_soort == EDI_EANCOM);
-    case KOP_LEV_ORDERNR:
-        return !VASTLEEG(kop.lev_ordernr) && edi_aan() && kop.edi_soort == EDI_ADMORD;
-    default:
-        return item >= 0 && item < KOP_ITEMS;
-    }
+bool er_is_locatie() {
+    return aantal_filialen > 1 && edi_aan() && (kop.edi_soort == EDI_ADMORD || kop.edi_soort == EDI_EANCOM);
+}
+bool er_is_lev_ordernr() {
+    return !VASTLEEG(kop.lev_ordernr) && edi_aan() && kop.edi_soort == EDI_ADMORD;
+}
+bool zonder_regels() {
+    return aantal_regels == 0;
+}
+// In the full registration much is fixed once there are lines.
+bool vrij() {
+    return eerste_kop || !registermodus || zonder_regels();
+}
+bool datum_vrij() {
+    // The pieces of the full registration are labels; as long as they can't be counted there are some.
+    return vrij() || (REGELDIENSTEN.serie_laad && ordertotaal.stuks == 0);
+}
+bool korting_vrij() {
+    return zonder_regels() || kop.korting == 0;
+}
+bool koers_vrij() {
+    return vreemde_valuta() && vrij();
 }
 
+// One branch: no receiving location, and the rows below it move up.
 int kop_rij(int item) {
     return item + 1 - (item > KOP_LOCATIE && aantal_filialen <= 1 ? 1 : 0);
 }
 
-void kop_toon_veld(int item) {
-    if (!kop_aanwezig(item))
-        return;
-    switch (item) {
-    case KOP_LEVERANCIER:
-        waarde(item, nummer_regel(kop.leverancier, VASTTEKST(leverancier.naam)));
-        break;
-    case KOP_DATUM:
-        waarde(item, DATUM6(kop.orderdatum));
-        break;
-    case KOP_LOCATIE:
-        waarde(item, locatie_regel());
-        break;
-    case KOP_LEV_ORDERNR:
-        waarde(item, VASTTEKST(kop.lev_ordernr));
-        break;
-    case KOP_OMSCHRIJVING:
-        waarde(item, VASTTEKST(kop.omschrijving));
-        break;
-    case KOP_AGENT:
-        waarde(item, kop.agent ? nummer_regel(kop.agent, relatie_naam(kop.agent)) : "");
-        break;
-    case KOP_DEELSEIZOEN:
-        waarde(item, code_regel(CODE_DEELSEIZOEN, kop.deelseizoen));
-        break;
-    case KOP_COLLECTIE:
-        waarde(item, VASTTEKST(kop.collectie));
-        break;
-    case KOP_INKOOPCODE:
-        waarde(item, code_regel(CODE_INKOOP, kop.inkoopcode));
-        break;
-    case KOP_KORTING:
-        waarde(item, kop.korting ? opgemaakt("%-7.2lf", kop.korting / -100.0) : "");
-        break;
-    case KOP_VALUTA: {
-        std::string code = valutacode();
-        std::string naam = !VASTLEEG(kop.valuta) && valuta_zoek(kop.valuta) ? VASTTEKST(valuta_nu.naam) : "";
-        waarde(item,
-               code + std::string(static_cast<size_t>(NAAMKOLOM - KOPWAARDE) - code.size(), ' ') + naam);
-        break;
-    }
-    case KOP_KOERS:
-        waarde(item, koers_tekst(valuta_of_thuis(kop.valuta).c_str(), koers()));
-        break;
-    case KOP_TOESLAG:
-        waarde(item, opgemaakt("%5.4f", kop.toeslag / 10000.0));
-        break;
-    case KOP_LEVERING:
-        tekst_regel(kop_rij(item), KOPWAARDE, TEKSTVELD, kop_levering);
-        break;
-    case KOP_BETALING:
-        tekst_regel(kop_rij(item), KOPWAARDE, TEKSTVELD, kop_betaling);
-        break;
-    }
-}
+// clang-format off
+const Item ITEMS[] = {
+    {KOP_LEVERANCIER,  &T_KOP_LEVERANCIER, toon_leverancier},
+    {KOP_DATUM,        &T_KOP_ORDERDATUM,  toon_datum,        veld_datum,        datum_vrij},
+    {KOP_LOCATIE,      &T_KOP_LOCATIE,     toon_locatie,      veld_locatie,      nullptr, er_is_locatie},
+    {KOP_LEV_ORDERNR,  &T_KOP_LEVORDERNR,  toon_lev_ordernr,  nullptr,           nullptr, er_is_lev_ordernr},
+    {KOP_OMSCHRIJVING, &T_KOP_OMSCHRIJV,   toon_omschrijving, veld_omschrijving},
+    {KOP_AGENT,        &T_KOP_AGENT,       toon_agent,        veld_agent},
+    {KOP_DEELSEIZOEN,  &T_KOP_DEELSEIZOEN, toon_deelseizoen,  veld_deelseizoen,  vrij},
+    {KOP_COLLECTIE,    &T_KOP_COLLECTIE,   toon_collectie,    veld_collectie},
+    {KOP_INKOOPCODE,   &T_KOP_INKOOPCODE,  toon_inkoopcode,   veld_inkoopcode},
+    {KOP_KORTING,      &T_KOP_KORTING,     toon_korting,      veld_korting,      korting_vrij},
+    {KOP_VALUTA,       &T_KOP_VALUTACODE,  toon_valuta,       veld_valuta,       zonder_regels},
+    {KOP_KOERS,        &T_KOP_VALUTAKOERS, toon_koers,        veld_koers,        koers_vrij},
+    {KOP_TOESLAG,      &T_KOP_TOESLAG,     toon_toeslag,      veld_toeslag,      vrij},
+    {KOP_LEVERING,     &T_KOP_LEVERING,    toon_levering,     veld_levering,     nullptr, nullptr, bekijk_levering},
+    {KOP_BETALING,     &T_KOP_BETALING,    toon_betaling,     veld_betaling,     nullptr, nullptr, bekijk_betaling},
+};
+// clang-format on
 
-void kop_toon() {
-    for (int item = 0; item < KOP_ITEMS; item++)
-        kop_toon_veld(item);
-}
+} // namespace
 
-bool kop_veld(int item, bool mag_wijzigen) {
-    if (item >= KOP_OMSCHRIJVING && !mag_wijzigen) {
-        TOETSUIT(K_F6);
-        SCHERM.laatste = 0;
-        return false;
-    }
-    bool anders = bewerk(item);
-    TOETSUIT(K_F6); // a field that didn't open leaves its keys behind
-    kop_toon_veld(item);
-    if (item == KOP_VALUTA)
-        kop_toon_veld(KOP_KOERS);
-    return anders;
+const Itemscherm KOPSCHERM{&T_KOP_TITEL, 4, 21, 19, 60, 17, KOP_OMSCHRIJVING, kop_rij, ITEMS};
+
+void kopveld_begin(bool nieuw) {
+    eerste_kop = nieuw;
+    agent = {};
 }
 
 } // namespace zg

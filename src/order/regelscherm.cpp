@@ -158,14 +158,12 @@ struct Blad {
 // Weights of the branches for the cursor's line: the article group's number for each branch that the brand
 // doesn't exclude, their sum behind them.
 void gewichten() {
-    static artrec art;
-    static merkrec merk;
-    leesart(dtart, &art, model.artikelgroep);
-    leesmerk(dtmerk, &merk, model.merk);
+    leesart(dtart, &regelgroep, model.artikelgroep);
+    leesmerk(dtmerk, &regelmerk, model.merk);
     unsigned som = 0;
     for (int f = 0; f < aantal_filialen; f++) {
-        bool uit = merk.merk != 0 && (merk.uitgesloten[f / 8] >> (f % 8) & 1);
-        unsigned w = uit || art.artikelgroep == 0 ? 0 : art.perfiliaal[f];
+        bool uit = regelmerk.merk != 0 && (regelmerk.uitgesloten[f / 8] >> (f % 8) & 1);
+        unsigned w = uit || regelgroep.artikelgroep == 0 ? 0 : regelgroep.perfiliaal[f];
         verdeelgewichten[f] = static_cast<uint16_t>(w);
         som += w;
     }
@@ -174,9 +172,8 @@ void gewichten() {
 
 bool maatsoort_bekend() {
     static mthandle* maten;
-    static merkrec merk;
-    leesmerk(dtmerk, &merk, model.merk);
-    leesmaat(&maten, mtstelsel(merk.maatstelsel), model.maatsoort ? model.maatsoort : uint8_t{1},
+    leesmerk(dtmerk, &regelmerk, model.merk);
+    leesmaat(&maten, mtstelsel(regelmerk.maatstelsel), model.maatsoort ? model.maatsoort : uint8_t{1},
              dessin.maten);
     mtinfo info{};
     return model.maatsoort != 0 && maten && mtread(maten, 'F', &info, 1) == 1;
@@ -220,8 +217,10 @@ bool nieuwe_regels(bool (*doe)()) {
     return false;
 }
 
+// The supplier as he is on file now.
 void toon_leverancier() {
-    relatie_lees(kop.leverancier);
+    leverancier.nummer = 0;
+    relatie_lees(kop.leverancier, &leverancier);
     SCRPUT(A_WAARDE, 3, NAAMKOLOM, "%-20.20s", VASTTEKST(leverancier.naam).c_str());
 }
 
@@ -253,7 +252,7 @@ bool doe_item(int keus, bool lezen) {
         return false;
     switch (keus) {
     case I_ORDER:
-        if (order_kop(false)) {
+        if (order_kop(lezen ? Itemwijze::lezen : Itemwijze::wijzigen)) {
             bool korting = registermodus && kop.korting != korting_bij_opening;
             vul_valuta();
             order_totalen(korting);

@@ -31,8 +31,6 @@ const Label LABELS[] = {
 
 constexpr int REGELBREEDTE = 78;
 
-merkrec merk;
-
 std::string ordervaluta() {
     return valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
 }
@@ -54,10 +52,10 @@ const char* regel_tekst(bool herhaald, const ors_ingang& ingang) {
     const bool er = regel_lees_in(ingang, &g);
     char begin[64] = "";
     if (er) {
-        leesmerk(dtmerk, &merk, g.model.merk);
+        leesmerk(dtmerk, &rijmerk, g.model.merk);
         bool naam = !herhaald || registermodus;
         snprintf(begin, sizeof begin, "%-4.4s %-15.15s %-12.12s",
-                 naam && merk.merk ? VASTTEKST(merk.zoeknaam).c_str() : "",
+                 naam && rijmerk.merk ? VASTTEKST(rijmerk.zoeknaam).c_str() : "",
                  naam ? VASTTEKST(g.model.model).c_str() : "", VASTTEKST(g.dessin.materiaal).c_str());
     }
     if (registermodus && er && REGELDIENSTEN.serie_laad) {

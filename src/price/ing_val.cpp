@@ -12,8 +12,7 @@ valutarec valuta_nu;
 
 namespace {
 
-std::vector<Slot<valutarec>> tabel;
-bool geladen;
+Tabelbeeld<valutarec> tabel{SYS_VALUTA};
 
 std::string_view codetekst(const char* code) {
     return VASTTRIM({code, strnlen(code, VALUTACODE)});
@@ -29,18 +28,11 @@ const valutarec* vind(std::string_view code) {
 } // namespace
 
 const std::vector<Slot<valutarec>>& valuta_tabel() {
-    if (!geladen) {
-        Slot<valutarec> slot{};
-        while (iotab('N', &slot, SYS_VALUTA))
-            tabel.push_back(slot);
-        geladen = true;
-    }
-    return tabel;
+    return tabel.alle();
 }
 
 void valuta_vergeet() {
-    tabel.clear();
-    geladen = false;
+    tabel.vergeet();
 }
 
 bool valuta_zoek(const char* code) {

@@ -30,12 +30,32 @@ int32_t haal(int32_t stap) {
     return 1;
 }
 
+// The record under the cursor, in screens that may show lists of their own; then the page as it is now.
+void open_record() {
+    const ArrayLijst* deze = nu;
+    LIJST* eigen = lijst;
+    deze->record(static_cast<int>(eigen->positie));
+    nu = deze;
+    lijst = eigen;
+    const auto laatste = static_cast<uint32_t>(std::max<int64_t>(std::ssize(nu->regels) - 1, 0));
+    lijst->positie = std::min(lijst->positie, laatste);
+    lijst->modus = 1;
+    SCHERM.laatste = K_F10;
+    SCHERM.vlag &= ~static_cast<uint32_t>(V_LEEG);
+}
+
 void toets() {
     char tekst[21] = "";
     int rij = LIJSTVELDRIJ();
     SCRPUT(A_LABEL, rij, 2, "%s ", nu->vraag);
     TOETSAAN(K_CANCEL);
+    if (nu->record)
+        TOETSAAN(K_F10);
     INGAVE(rij, 3 + static_cast<int>(strlen(nu->vraag)), nu->formaat, &SCHERM.toets[key_f3], tekst);
+    if (SCHERM.laatste == K_F10 && nu->record) {
+        open_record();
+        return;
+    }
     if (SCHERM.laatste == K_F3)
         SCHERM.vlag |= V_LEEG;
     if ((SCHERM.vlag & V_LEEG) || TOETSWEG())

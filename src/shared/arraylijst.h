@@ -17,6 +17,8 @@ struct ArrayLijst {
     // error()).
     std::function<int(const char*)> zoek;
     int begin = 0; // row that the cursor stands on first
+    // What F10 does with the row under the cursor; it may change `regels`. Empty: no F10.
+    std::function<void(int)> record;
 };
 
 // The row chosen, -1 for none. Without rows the box "Geen informatie".

@@ -1,14 +1,12 @@
 // Branch fields: one number, and the text of a set of branches.
 #include "shared/filveld.h"
-#include "shared/arraylijst.h"
 #include "shared/iofil.h"
 #include "shared/sysrec.h"
 #include "shared/teksten.h"
-#include "term/ingave.h"
-#include "term/prompt.h"
+#include "term/scherm.h"
+#include "term/vast.h"
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -17,12 +15,41 @@ namespace {
 
 constexpr int NAAMBREEDTE = 20;
 
-void toon_naam(int rij, int kolom, uint8_t nummer) {
+std::vector<Lijstblad::Rij> filialen(const Lijsttabel&) {
+    std::vector<Lijstblad::Rij> uit;
+    filiaalrec rec;
+    for (int i = 0; i < firma.filialen; i++) {
+        iofil('R', i, &rec);
+        char regel[48];
+        snprintf(regel, sizeof regel, "%3d  %-30.30s", rec.nummer, VASTTEKST(rec.naam).c_str());
+        uit.push_back({{rec.nummer, ""}, regel});
+    }
+    return uit;
+}
+
+bool lees(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
     int index;
-    if (kolom == 0)
-        return;
-    std::string naam = nummer && iofil_index(nummer, &index) ? iofil_naam(index) : std::string();
-    SCRPUT(A_WAARDE, rij, kolom, "%-*.*s", NAAMBREEDTE, NAAMBREEDTE, naam.c_str());
+    if (!iofil_index(static_cast<uint8_t>(code.nummer), &index))
+        return false;
+    *naam = iofil_naam(index);
+    return true;
+}
+
+void onbekend(const Lijsttabel&, const Lijstcode& code) {
+    error("<%d> %s", code.nummer, TXT(T_ONBEKEND_FILIAAL));
+}
+
+bool kies(const Lijsttabel& tabel, Lijstcode* code) {
+    return lijstkies(tabel,
+                     {TXT(T_FILIALEN), std::string(" ") + TXT(T_FILIAALKOP), TXT(T_FILIAALVRAAG),
+                      "3s[0123456789],I", filialen},
+                     code);
+}
+
+void toon_naam(int rij, int kolom, uint8_t nummer) {
+    if (kolom != 0)
+        SCRPUT(A_WAARDE, rij, kolom, "%-*.*s", NAAMBREEDTE, NAAMBREEDTE,
+               lijstnaam(FILIAALTABEL, {nummer, ""}).c_str());
 }
 
 // One number of a set's text; -1 when there is none.
@@ -41,66 +68,12 @@ int getal(const char** p) {
 
 } // namespace
 
-int fil_kiezen(uint8_t* nummer) {
-    std::vector<uint8_t> nummers;
-    ArrayLijst lijst{};
-    filiaalrec rec;
-    for (int i = 0; i < firma.filialen; i++) {
-        iofil('R', i, &rec);
-        char regel[48];
-        snprintf(regel, sizeof regel, "%3d  %-30.30s", rec.nummer, iofil_naam(i).c_str());
-        if (rec.nummer == *nummer)
-            lijst.begin = i;
-        nummers.push_back(rec.nummer);
-        lijst.regels.push_back(regel);
-    }
-    char kop[48];
-    snprintf(kop, sizeof kop, " %s", TXT(T_FILIAALKOP));
-    lijst.titel = TXT(T_FILIALEN), lijst.kop = kop, lijst.vraag = TXT(T_FILIAALVRAAG);
-    lijst.formaat = "3s[0123456789],I";
-    lijst.zoek = [&](const char* tekst) {
-        auto vanaf = std::find(nummers.begin(), nummers.end(), strtoul(tekst, nullptr, 10));
-        if (vanaf != nummers.end())
-            return static_cast<int>(vanaf - nummers.begin());
-        error("<%s> %s", tekst, TXT(T_ONBEKEND_FILIAAL));
-        return -1;
-    };
-    int gekozen = arraylijst(lijst);
-    if (gekozen < 0)
-        return 0;
-    *nummer = nummers[static_cast<size_t>(gekozen)];
-    return 1;
-}
+const Lijsttabel FILIAALTABEL{"3U", 0, lees, onbekend, kies};
 
 int fil_veld(int rij, int kolom, int naam_kolom, const char* opties, uint8_t* nummer) {
-    Instel* bewaard = INSTELNEW(0);
-    std::string formaat = std::string("3U,") + opties;
-    uint8_t nieuw = *nummer;
-    int gewijzigd = 0, index;
-    toon_naam(rij, naam_kolom, nieuw);
-    for (;;) {
-        if (bewaard)
-            INSTELSET(bewaard);
-        INGAVE(rij, kolom, formaat.c_str(), &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], &nieuw);
-        if (TOETSWEG())
-            break;
-        if (SCHERM.laatste == K_F5) {
-            nieuw = *nummer;
-            if (!fil_kiezen(&nieuw))
-                continue;
-            SCHERM.laatste = K_ENTER;
-            SCRPUT(A_WAARDE, rij, kolom, "%-3d", nieuw);
-        } else if (nieuw != 0 && !iofil_index(nieuw, &index)) {
-            error("<%d> %s", nieuw, TXT(T_ONBEKEND_FILIAAL));
-            nieuw = *nummer;
-            continue;
-        }
-        gewijzigd = nieuw != *nummer;
-        *nummer = nieuw;
-        break;
-    }
     toon_naam(rij, naam_kolom, *nummer);
-    INSTELDEL(bewaard);
+    const bool gewijzigd = lijstveld(FILIAALTABEL, rij, kolom, opties, nummer) == Lijstuit::anders;
+    toon_naam(rij, naam_kolom, *nummer);
     return gewijzigd;
 }
 

@@ -24,7 +24,7 @@ gebruikerslot gebruiker;
 
 namespace {
 
-constexpr char BESTAND[] = "DTSYS.TXT";
+const char* bestand = "DTSYS.TXT";
 int fd = -1;
 
 int64_t plaats(int32_t nr, const Systabel& tabel) {
@@ -59,7 +59,7 @@ int schrijf(char letter, int32_t nr, const void* record, const Systabel& tabel) 
     zoek(letter, plaats(nr, tabel));
     if (SYSVERVANG(fd, record, static_cast<size_t>(tabel.grootte), plaats(nr, tabel)))
         return 1;
-    SCHRIJFFOUT(BESTAND, errno);
+    SCHRIJFFOUT(bestand, errno);
     return 0;
 }
 
@@ -111,12 +111,12 @@ int vorige(int32_t* nr, void* record, const Systabel& tabel) {
 void open_tabellen() {
     if (fd >= 0)
         return;
-    fd = SYS.open(BESTAND, O_RDWR | O_CLOEXEC, 0);
+    fd = SYS.open(bestand, O_RDWR | O_CLOEXEC, 0);
     if (fd < 0) {
         char map[PATH_MAX];
         if (errno != ENOENT)
             STOPREDEN(errno);
-        SCRFATAL(TXT(T_NIET_AANWEZIG), BESTAND, getcwd(map, sizeof map) ? map : "");
+        SCRFATAL(TXT(T_NIET_AANWEZIG), bestand, getcwd(map, sizeof map) ? map : "");
     }
 }
 
@@ -180,19 +180,36 @@ int iotab_probeer(int32_t* nr, void* record, const Systabel& tabel) {
     return 0;
 }
 
+void iotab_naam(const char* pad) {
+    bestand = pad ? pad : "DTSYS.TXT";
+}
+
 int iotab_fd() {
     return fd;
 }
 
+namespace {
+// The slot of a code in a table by set, `verder` slots behind set x 10 + code.
+int setcode(int32_t* nr, void* record, const Systabel& tabel, int verder) {
+    const int64_t plek = gebruiker.set * 10 + int64_t{*nr} + verder;
+    int32_t slot = plek >= 0 && plek <= tabel.slots ? static_cast<int32_t>(plek) : 0;
+    if (!iotab('R', &slot, record, tabel) || slot / 10 != gebruiker.set)
+        return 0;
+    *nr = slot % 10;
+    return 1;
+}
+} // namespace
+
 int iotab_setcode(int32_t* nr, tekst20* record) {
-    int32_t tiental = gebruiker.set * 10;
-    *nr += tiental;
-    int gelezen = iotab('R', nr, record, SYS_SETCODE) && *nr / 10 == gebruiker.set && *nr % 10 > 0;
-    if (gelezen)
-        *nr %= 10;
-    else
-        *nr -= tiental;
-    return gelezen;
+    int32_t code = *nr;
+    if (!setcode(&code, record, SYS_SETCODE, 0) || code == 0)
+        return 0;
+    *nr = code;
+    return 1;
+}
+
+int iotab_setcode2(int32_t* nr, setcode2rec* record) {
+    return setcode(nr, record, SYS_SETCODE2, 1);
 }
 
 int iotab_code(char letter, int soort, int32_t* nr, tekst30* record) {

@@ -2,6 +2,7 @@
 // closing it drops the lock on the user's own slot. shared/sysrec.h has the tables and their records.
 #pragma once
 #include "shared/sysrec.h"
+#include <vector>
 
 namespace zg {
 
@@ -30,10 +31,32 @@ template <class R> int iotab(char letter, Slot<R>* slot, const Systabel& tabel) 
 // As 'X', but without waiting: 0 and no lock when another holds the slot, or it is empty.
 int iotab_probeer(int32_t* nr, void* record, const Systabel& tabel);
 
+// A table that is small and read often: its filled slots in order, read whole at first use.
+template <class R> struct Tabelbeeld {
+    const Systabel& tabel;
+    std::vector<Slot<R>> slots = {};
+    bool geladen = false;
+
+    const std::vector<Slot<R>>& alle() {
+        Slot<R> slot{};
+        while (!geladen && iotab('N', &slot, tabel))
+            slots.push_back(slot);
+        geladen = true;
+        return slots;
+    }
+    void vergeet() { slots.clear(), geladen = false; }
+};
+
 int iotab_fd(); // descriptor of DTSYS.TXT, -1 when closed
 
-// One-digit codes by set, 'R' only: *nr is the code, and its units digit on success; the record 20 bytes.
+// The file by another name, from the next 'O' on; null for DTSYS.TXT again. The text must live as long.
+void iotab_naam(const char* pad);
+
+// The two tables of one-digit codes by the user's set, 'R' only: *nr is the code on entry. On success it is the
+// units digit of the slot read: in the first table the code again, from 1; in the second the code + 1. A slot of
+// another set is not found.
 int iotab_setcode(int32_t* nr, tekst20* record);
+int iotab_setcode2(int32_t* nr, setcode2rec* record);
 // The four code tables by kind 1 to 4 (actiecode, correctiecode, inkoopcode, deelseizoen): slot 0 is the head
 // slot, whose number becomes 1.
 int iotab_code(char letter, int soort, int32_t* nr, tekst30* record);

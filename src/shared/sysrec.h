@@ -148,6 +148,9 @@ struct [[gnu::packed]] valutarec {
 struct [[gnu::packed]] tekst20 { // kleur, maatsoort, maatstelsel, codes by set
     char tekst[20];
 };
+struct [[gnu::packed]] setcode2rec { // second table of codes by set
+    char inhoud[52];
+};
 struct [[gnu::packed]] tekst30 { // actiecode, correctiecode, inkoopcode, deelseizoen
     char tekst[30];
 };

@@ -1,9 +1,10 @@
 // The screen on one relation: two columns of fields, looked at or changed one by one under the record's lock.
+#include "codes/codeveld.h"
 #include "codes/valveld.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
-#include "shared/iotab.h"
 #include "shared/leesstam.h"
+#include "shared/sysrec.h"
 #include "store/ix.h"
 #include "sub/omlev.h"
 #include "sub/teksten.h"
@@ -23,7 +24,7 @@ constexpr int RIJEN = 20, EERSTE = 2, LABEL = 2, WAARDE = 41, BREEDTE = 76;
 
 enum Bijzonder { GEWOON, LAND, VALUTA, KOERS, TOESLAG, STELSEL };
 
-// A field of the screen: label, format and its place in the record.
+// A field of the screen: label, format (the option letters of a field with a list) and its place in the record.
 struct Veldrij {
     const Tekst* label;
     const char* formaat;
@@ -40,7 +41,7 @@ const Veldrij VELDEN[] = {
     TEKSTVELD(T_L_ADRES, "30c,", adres),
     TEKSTVELD(T_L_POSTCODE, "7c,U", postcode),
     TEKSTVELD(T_L_PLAATS, "25c,U", plaats),
-    {&T_L_LAND, "3c,UE", offsetof(levrec, land), 3, LAND},
+    {&T_L_LAND, "UE", offsetof(levrec, land), 3, LAND},
     TEKSTVELD(T_L_TELEFOON, "20c,", telefoon),
     TEKSTVELD(T_L_FAX, "20c,", fax),
     TEKSTVELD(T_L_MOBIEL, "20c,", mobiel),
@@ -50,16 +51,16 @@ const Veldrij VELDEN[] = {
     TEKSTVELD(T_G_ADRES, "30c", goed_adres),
     TEKSTVELD(T_G_POSTCODE, "7c,U", goed_postcode),
     TEKSTVELD(T_G_PLAATS, "25c,U", goed_plaats),
-    {&T_G_LAND, "3c,U", offsetof(levrec, goed_land), 3, LAND},
+    {&T_G_LAND, "U", offsetof(levrec, goed_land), 3, LAND},
     TEKSTVELD(T_G_VERVOERDER, "15c", goed_vervoerder),
     // From here on for a supplier only.
     TEKSTVELD(T_O_BTW, "12c", btwnummer),
     TEKSTVELD(T_O_DEBITEUR, "10c", debiteurnr),
     TEKSTVELD(T_O_CREDITEUR, "6c", crediteurnr),
-    {&T_O_VALUTA, "3c,U", offsetof(levrec, valuta), 3, VALUTA},
+    {&T_O_VALUTA, "U", offsetof(levrec, valuta), 3, VALUTA},
     {&T_O_KOERS, "", 0, 0, KOERS},
     {&T_O_TOESLAG, "8.4f,EP", 0, 0, TOESLAG},
-    {&T_O_MAATSTELSEL, "2U,", 0, 0, STELSEL},
+    {&T_O_MAATSTELSEL, "", 0, 0, STELSEL},
 };
 constexpr int ALLE = static_cast<int>(std::size(VELDEN)), ALGEMEEN = 16;
 
@@ -92,12 +93,10 @@ std::string waarde(Beeld& b, const Veldrij& v) {
     case TOESLAG:
         snprintf(t, sizeof t, "%5.4f", b.toeslag());
         return t;
-    case STELSEL: {
-        Slot<tekst20> s{b.rec.maatstelsel, {}};
+    case STELSEL:
         snprintf(t, sizeof t, "%-2u %.20s", b.rec.maatstelsel,
-                 s.nr && iotab('R', &s, SYS_MAATSTELSEL) ? VASTTEKST(s.r.tekst).c_str() : "");
+                 lijstnaam(STELSELTABEL, {b.rec.maatstelsel, ""}).c_str());
         return t;
-    }
     default:
         return std::string(
             VASTTRIM(std::string_view(b.tekst(v), strnlen(b.tekst(v), static_cast<size_t>(v.breedte)))));
@@ -120,68 +119,44 @@ void toon(Beeld& b, int gekozen) {
     }
 }
 
-bool landcode_bestaat(const char* code) {
-    Slot<landrec> s{};
-    for (bool er = iotab('F', &s, SYS_LAND) != 0; er; er = iotab('N', &s, SYS_LAND) != 0)
-        if (memcmp(s.r.iso3, code, 3) == 0)
-            return true;
-    return false;
-}
-
 // Ask one field; true when it changed. The key is in SCHERM.laatste.
 bool vraag(Beeld& b, int nr) {
     const Veldrij& v = VELDEN[nr];
     const int rij = EERSTE + nr - b.top;
-    for (;;) {
-        for (int32_t k : {K_UP, K_DOWN})
-            TOETSAAN(k);
-        switch (v.wat) {
-        case VALUTA:
-            return valuta_veld(rij, WAARDE, v.formaat, b.rec.valuta);
-        case KOERS: {
-            if (!b.vreemd())
-                return SCHERM.laatste = K_ENTER, false;
-            double koers = b.koers();
-            if (!koers_veld(rij, WAARDE, "", b.rec.valuta, &koers))
-                return false;
-            int32_t geheel = 0;
-            uint16_t eenheid = 1;
-            koers_integer(koers, &geheel, &eenheid);
-            b.rec.koers = static_cast<uint32_t>(geheel);
-            b.rec.koerseenheid = eenheid;
-            return true;
-        }
-        case TOESLAG: {
-            double factor = b.toeslag();
-            bool anders = INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], &factor) != 0;
-            if (anders)
-                b.rec.toeslag = static_cast<uint32_t>(std::lround(factor * 10000));
-            return anders;
-        }
-        case STELSEL: {
-            uint8_t nieuw = b.rec.maatstelsel;
-            bool anders = INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], &nieuw) != 0;
-            Slot<tekst20> s{nieuw, {}};
-            if (anders && nieuw != 0 && !iotab('R', &s, SYS_MAATSTELSEL)) {
-                error("<%u> %s", nieuw, TXT(T_ONBEKEND_STELSEL));
-                continue;
-            }
-            b.rec.maatstelsel = nieuw;
-            return anders;
-        }
-        default: {
-            char oud[32];
-            memcpy(oud, b.tekst(v), static_cast<size_t>(v.breedte));
-            bool anders = INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], b.tekst(v)) != 0;
-            if (v.wat == LAND && anders && b.tekst(v)[0] != 0 && !landcode_bestaat(b.tekst(v))) {
-                error("<%.3s> %s", b.tekst(v), TXT(T_ONBEKEND_LAND));
-                memcpy(b.tekst(v), oud, static_cast<size_t>(v.breedte));
-                continue;
-            }
-            return anders;
-        }
-        }
+    for (int32_t k : {K_UP, K_DOWN})
+        TOETSAAN(k);
+    switch (v.wat) {
+    case VALUTA:
+        return lijstveld(VALUTATABEL, rij, WAARDE, v.formaat, b.rec.valuta, VALUTACODE) == Lijstuit::anders;
+    case LAND:
+        return lijstveld(LANDTABEL, rij, WAARDE, v.formaat, b.tekst(v), sizeof b.rec.land) ==
+               Lijstuit::anders;
+    case STELSEL:
+        return lijstveld(STELSELTABEL, rij, WAARDE, v.formaat, &b.rec.maatstelsel) == Lijstuit::anders;
+    case KOERS: {
+        if (!b.vreemd())
+            return SCHERM.laatste = K_ENTER, false;
+        double koers = b.koers();
+        if (!koers_veld(rij, WAARDE, "", b.rec.valuta, &koers))
+            return false;
+        int32_t geheel = 0;
+        uint16_t eenheid = 1;
+        koers_integer(koers, &geheel, &eenheid);
+        b.rec.koers = static_cast<uint32_t>(geheel);
+        b.rec.koerseenheid = eenheid;
+        return true;
     }
+    case TOESLAG: {
+        double factor = b.toeslag();
+        bool anders = INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], &factor) != 0;
+        if (anders)
+            b.rec.toeslag = static_cast<uint32_t>(std::lround(factor * 10000));
+        return anders;
+    }
+    case GEWOON:
+        break;
+    }
+    return INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], b.tekst(v)) != 0;
 }
 
 // Field by field, up and down; ENTER goes to the next, cancel ends.
@@ -242,10 +217,8 @@ bool relatie_scherm(uint16_t nummer, Relatiesoort soort, Relatiemodus modus) {
         } else if (schrijven) {
             IXUNLOCK(dtlev, &r);
         }
-        leverancier.nummer = 0; // the next question reads what is on file now
     }
     IXSWITCH(dtlev, sleutel);
-    relatie_lees(nummer);
     return anders;
 }
 

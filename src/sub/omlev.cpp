@@ -15,7 +15,6 @@
 namespace zg {
 
 ICB* dtlev;
-levrec leverancier;
 
 namespace {
 
@@ -110,11 +109,44 @@ const char* regel() {
     return tekst;
 }
 
-void onbekend(uint16_t nummer, Relatiesoort soort) {
-    if (leverancier.nummer == nummer && nummer != 0)
-        error("<%u> %s %s", nummer, TXT(T_RELATIE_IS_GEEN), relatie_woord(soort));
-    else
-        error("<%u> %s %s", nummer, TXT(T_ONBEKENDE), relatie_woord(soort));
+bool lees(const Lijsttabel& tabel, const Lijstcode& code, std::string* naam) {
+    levrec lev{};
+    if (!relatie_lees(static_cast<uint16_t>(code.nummer), &lev) || !(lev.soort & tabel.welke))
+        return false;
+    *naam = VASTTEKST(lev.naam);
+    return true;
+}
+
+void onbekend(const Lijsttabel& tabel, const Lijstcode& code) {
+    levrec lev{};
+    const bool andere = relatie_lees(static_cast<uint16_t>(code.nummer), &lev);
+    error("<%d> %s %s", code.nummer, TXT(andere ? T_RELATIE_IS_GEEN : T_ONBEKENDE),
+          relatie_woord(static_cast<Relatiesoort>(tabel.welke)));
+}
+
+bool kies(const Lijsttabel& tabel, Lijstcode* code) {
+    const int bewaard = IXSLEUTEL(dtlev);
+    gezocht = static_cast<Relatiesoort>(tabel.welke);
+    IXSWITCH(dtlev, S_NUMMER);
+    lijst = LIJSTNEW(haal, toets, kop, regel);
+    if (!lijst)
+        NOMEM("omlev", 1);
+    memset(&rij, 0, sizeof rij);
+    rij.lev.nummer = static_cast<uint16_t>(code->nummer);
+    bool gekozen = false;
+    if (sta()) {
+        snprintf(lijst->titel, sizeof lijst->titel, " %s ", relatie_woord(gezocht));
+        lijst->breedte = 58;
+        gekozen = LIJSTRUN(lijst, 0) != 0;
+    } else {
+        MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
+    }
+    if (gekozen)
+        code->nummer = rij.lev.nummer;
+    LIJSTDEL(lijst);
+    lijst = nullptr;
+    IXSWITCH(dtlev, bewaard);
+    return gekozen;
 }
 
 } // namespace
@@ -126,72 +158,14 @@ const char* relatie_woord(Relatiesoort soort) {
                                         : T_RELATIE);
 }
 
-bool relatie_lees(uint16_t nummer) {
-    if (leeslev(dtlev, &leverancier, nummer))
+const Lijsttabel LEVERANCIERTABEL{"4u", REL_LEVERANCIER, lees, onbekend, kies};
+const Lijsttabel AGENTTABEL{"4u", REL_AGENT, lees, onbekend, kies};
+
+bool relatie_lees(uint16_t nummer, levrec* beeld) {
+    if (leeslev(dtlev, beeld, nummer))
         return true;
-    leverancier = {};
+    *beeld = {};
     return false;
-}
-
-bool relatie_kiezen(Relatiesoort soort, uint16_t* nummer) {
-    const int bewaard = IXSLEUTEL(dtlev);
-    gezocht = soort;
-    IXSWITCH(dtlev, S_NUMMER);
-    lijst = LIJSTNEW(haal, toets, kop, regel);
-    if (!lijst)
-        NOMEM("omlev", 1);
-    memset(&rij, 0, sizeof rij);
-    rij.lev.nummer = *nummer;
-    bool gekozen = false;
-    if (sta()) {
-        snprintf(lijst->titel, sizeof lijst->titel, " %s ", relatie_woord(soort));
-        lijst->breedte = 58;
-        gekozen = LIJSTRUN(lijst, 0) != 0;
-    } else {
-        MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
-    }
-    if (gekozen)
-        *nummer = rij.lev.nummer;
-    LIJSTDEL(lijst);
-    lijst = nullptr;
-    IXSWITCH(dtlev, bewaard);
-    return gekozen;
-}
-
-bool relatie_veld(int veldrij, int kolom, const char* opties, Relatiesoort soort, uint16_t* nummer) {
-    Instel* bewaard = INSTELNEW(0);
-    char formaat[16];
-    snprintf(formaat, sizeof formaat, "4u,P%.4s", opties);
-    uint16_t nieuw = *nummer;
-    bool goed = false;
-    for (;;) {
-        if (bewaard)
-            INSTELSET(bewaard);
-        INGAVE(veldrij, kolom, formaat, &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5], &nieuw);
-        if (TOETSWEG())
-            break;
-        if (SCHERM.laatste == K_F5) {
-            nieuw = *nummer;
-            if (!relatie_kiezen(soort, &nieuw)) {
-                nieuw = *nummer;
-                continue;
-            }
-            SCRPUT(A_WAARDE, veldrij, kolom, "%-4u", nieuw);
-            SCHERM.laatste = K_ENTER;
-        }
-        if (nieuw == 0) {
-            leverancier = {};
-        } else if (!relatie_lees(nieuw) || !(leverancier.soort & soort)) {
-            onbekend(nieuw, soort);
-            nieuw = *nummer;
-            continue;
-        }
-        *nummer = nieuw;
-        goed = true;
-        break;
-    }
-    INSTELDEL(bewaard);
-    return goed;
 }
 
 } // namespace zg

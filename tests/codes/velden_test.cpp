@@ -22,9 +22,9 @@ struct Velden : test::Systeem {
         valuta(2, "USD", 2, "Amerikaanse dollar");
         valuta(7, "JPY", 0, "Japanse yen");
         valuta_vergeet();
-        zet(1, tekst30{"Actiecode"}, SYS_ACTIE_KOP);
-        zet(2, tekst30{"Uitverkoop"}, SYS_ACTIE);
-        zet(5, tekst30{"Jubileum"}, SYS_ACTIE);
+        zet(1, tekst30{"Inkoopcode"}, SYS_INKOOP_KOP);
+        zet(2, tekst30{"Uitverkoop"}, SYS_INKOOP);
+        zet(5, tekst30{"Jubileum"}, SYS_INKOOP);
     }
     ~Velden() override { instel15 = {}; }
 };
@@ -49,7 +49,7 @@ TEST_F(Velden, Currency) {
             char code[4] = "";
             memcpy(code, r.begin, strlen(r.begin));
             TOETSAAN(K_PGDN);
-            bool anders = valuta_veld(5, 10, "3c,U", code);
+            bool anders = lijstveld(VALUTATABEL, 5, 10, "U", code, 3) == Lijstuit::anders;
             return vorm("%s %d %u %d", code, anders, SCHERM.vlag & V_LEEG, SCHERM.laatste);
         });
         t.toetsen(r.toetsen);
@@ -86,7 +86,7 @@ TEST_F(Velden, Rate) {
 TEST_F(Velden, Code) {
     auto veld = [] {
         uint8_t code = 2;
-        bool anders = code_veld(5, 10, CODE_ACTIE, &code);
+        bool anders = lijstveld(INKOOPTABEL, 5, 10, "", &code) == Lijstuit::anders;
         return vorm("%d %d", code, anders);
     };
     test::gesprekken(veld, {
