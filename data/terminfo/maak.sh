@@ -19,23 +19,28 @@ mkdir -p "$out.new"
 #   rep@    not every terminal that says it is an xterm can repeat
 #   ncv#2   underline on a colour terminal is a colour
 #   smkx    cursor keys only: in application mode many send function keys for - + * / of the numeric keypad
-# The size of vt terminals is switched by their own command; windows are as large as the user made them.
+#   cnorm   shows the cursor, and leaves its blinking as the user has it
+# The init strings don't move the cursor, nor what the terminal has kept of its place: no soft reset, no origin
+# mode. Else the shell's prompt would land on the old screen.
+# The size of vt terminals is switched by their own command, which an emulator may have to be allowed first;
+# windows are as large as the user made them.
 entry() {
   capital=$(printf %s "$1" | sed 's/^./\U&/')
   case $1 in
-    linux) init='\E[4l\E[?7h' ;;
     screen* | tmux*) init='\E)0\E[4l\E[?7h' ;;
-    vt100 | vt102) init='\E<\E>\E[?4;5;6l\E[?7h\E[4l' ;;
-    *) init='\E[!p\E[?7h\E[?6l\E[4l' ;;
+    vt100 | vt102) init='\E<\E>\E[?4;5l\E[4l\E[?7h' ;;
+    *) init='\E[4l\E[?7h' ;;
   esac
   wide= back=
-  case $1 in vt*0 | vt102) wide='\E[?3h' back='\E[?3l' ;; esac
-  case $(infocmp -1 "$2" | sed -n 's/^\tsmkx=//p') in
+  case $1 in vt*0 | vt102) wide='\E[?40h\E[?3h' back='\E[?3l' ;; esac
+  description=$(infocmp -1 "$2")
+  case $description in *'cnorm=\E[?12l\E[?25h,'*) cursor='cnorm=\E[?25h,' ;; *) cursor= ;; esac
+  case $(printf '%s\n' "$description" | sed -n 's/^\tsmkx=//p') in
     *'[?1h'*) keys='smkx=\E[?1h, rmkx=\E[?1l' ;;
     *) keys='smkx@, rmkx@' ;;
   esac
   # Control-X cancels, Control-] ends the program, Control-G helps; Esc, Control-\ and F1 do so as well
-  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys,"
+  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys, $cursor"
   cat <<END
 $capital|$1 with 25 lines of 80 columns,
 	lines#25, cols#80, is2=$init, rs2=$init, $common use=$2,

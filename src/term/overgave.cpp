@@ -33,10 +33,10 @@ void onthoud_nood() {
 
 } // namespace
 
-// A terminal without a screen of its own for programs is left empty: the prompt doesn't land on the old picture.
+// Not every terminal has a screen of its own for programs, whatever its description says: ours is left empty, so
+// that the prompt doesn't land on the old picture.
 std::string TERUGREEKS() {
-    const std::string s = CAPACITEIT("rmcup");
-    return s.empty() ? CAPACITEIT("clear") : s;
+    return CAPACITEIT("clear") + CAPACITEIT("rmcup");
 }
 
 bool OVERGAVEWACHT() {

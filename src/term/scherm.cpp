@@ -5,6 +5,7 @@
 #include "term/natl.h"
 #include "term/teksten.h"
 #include "term/uitvoer.h"
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <csignal>
@@ -43,6 +44,8 @@ const Maat& maat_van(const char* naam) {
     return MATEN[0];
 }
 
+constexpr int MAATKIJK_MS = 20, MAATKIJKEN = 25;
+
 // A variant larger than the window would put its right or lower part out of sight. A line without a known
 // size is trusted.
 bool past(const Maat& m) {
@@ -50,6 +53,24 @@ bool past(const Maat& m) {
     if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &w) != 0 || w.ws_row == 0 || w.ws_col == 0)
         return true;
     return w.ws_row >= m.lines && w.ws_col >= m.cols;
+}
+
+// Does this variant of the terminal switch to 132 columns by a command of its own?
+bool maakt_maat(int variant) {
+    SCREEN* was = set_term(SCHERM.term[variant].scherm);
+    const bool zelf = CAPACITEIT("is2").find("\033[?3h") != std::string::npos;
+    set_term(was);
+    return zelf;
+}
+
+// After that command: an emulator's window follows, or it has not taken the command.
+bool wordt_groot(const Maat& m) {
+    for (int i = 0; i < MAATKIJKEN && !past(m); i++) {
+        timespec even{0, MAATKIJK_MS * 1000000L};
+        nanosleep(&even, nullptr);
+        SEINSTOP();
+    }
+    return past(m);
 }
 
 std::string terminfonaam(const char* variant) {
@@ -193,15 +214,19 @@ void SCRTERM(const char* naam) {
         ZEND("rs2");
     }
     int variant = zoek_variant(gevraagd.naam);
-    if (variant < 0 && (eerste || past(gevraagd))) {
+    if (variant < 0) {
         std::string terminfo = terminfonaam(gevraagd.naam);
         variant = open_variant(gevraagd, terminfo);
         if (variant < 0 && eerste)
             onbekend(terminfo);
     }
-    if (variant > 0 && !past(gevraagd)) // the window has become smaller since
+    if (variant > 0 && !past(gevraagd) && !maakt_maat(variant))
         variant = 0;
-    VARIANTAAN(variant < 0 ? 0 : variant);
+    VARIANTAAN(std::max(variant, 0));
+    if (variant > 0 && !wordt_groot(gevraagd)) {
+        ZEND("rs2");
+        VARIANTAAN(0);
+    }
     SCHERM.basis = SCHERM.aantal;
     WINDOW* std = SCHERM.term[SCHERM.termnu].std;
     bool staat_er = false;
