@@ -10,7 +10,6 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
-#include <poll.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -130,10 +129,12 @@ void bouw(std::string& uit, Stand& s) {
 }
 
 bool toetsen_wachten() {
-    if (KLAVIERVOL() || (MACROHAAK.speelt && MACROHAAK.over()))
-        return true;
-    pollfd p{STDIN_FILENO, POLLIN, 0};
-    return poll(&p, 1, 0) == 1 && (p.revents & POLLIN);
+    return KLAVIERWACHT() || (MACROHAAK.speelt && MACROHAAK.over());
+}
+
+// What goes out now would be printed, or there is no room for it.
+bool dicht() {
+    return SCHERM.dicht || KLEIN();
 }
 
 int64_t wacht_nog() {
@@ -144,7 +145,7 @@ int64_t wacht_nog() {
 
 void TOON() {
     haal_in();
-    if (SCHERM.dicht) // what goes out now would be printed
+    if (dicht())
         return;
     bouw(klaar, echt);
     SCHRIJFUIT(klaar.data(), klaar.size());
@@ -158,7 +159,7 @@ void TOONVENSTER(WINDOW* win) {
 
 void TOONSTRAKS(WINDOW* win, int ms) {
     haal_in();
-    if (SCHERM.dicht)
+    if (dicht())
         return;
     wnoutrefresh(win);
     if (toetsen_wachten())
@@ -175,7 +176,7 @@ void TOONSTRAKS(WINDOW* win, int ms) {
 }
 
 void TOONVOORTOETS(WINDOW* win) {
-    if (SCHERM.dicht)
+    if (dicht())
         return;
     wnoutrefresh(win);
     if (wacht_nog() == 0 || !toetsen_wachten())

@@ -3,16 +3,17 @@
 #pragma once
 #define NCURSES_NOMACROS 1
 #include "term/scherm.h"
+#include "term/tekenset.h"
 #include "term/toets.h"
 #include <curses.h>
 #include <string>
+#include <string_view>
 
 namespace zg {
 
 // scherm.cpp
 void WACHTREGEL(); // until ENTER on plain standard input, or until nothing can come from there any more
 void VARIANTAAN(int variant); // make it current: size, modes, its init strings, a full repaint to come
-bool UTF8SCHERM();            // does the terminal take UTF-8?
 
 // overgave.cpp
 void TERMINALAAN();       // take the terminal: its screen for programs, its init strings, its keys
@@ -42,14 +43,41 @@ Venster& VENSTERNU();
 void TOONVANAF(int index); // touch and stage every window from here to the top
 extern bool LIJNTEKENS;    // the present attribute draws lines
 
+// reeksen.cpp
+struct Reeks {
+    int lengte;  // bytes that the key takes, 0: no key, an ordinary character begins here
+    int32_t key; // K_ONBEKEND for a sequence that means nothing here
+    bool meer;   // bytes to come could make another key of it
+};
+void SLEUTELSLADEN();                 // key sequences of the active terminal
+Reeks REEKS(const uint8_t* s, int n); // the key at the front of n bytes, n from 1
+
 // klavier.cpp
-void SLEUTELSLADEN(); // key sequences of the active terminal
-int32_t
-KLAVIER(int ms);   // the next key of the keyboard; -1 after ms milliseconds (-1: never), or after a signal
-bool KLAVIERVOL(); // have bytes been read that are no key yet?
-int32_t KLAVIERREST(); // the next key of what has been read already, -1 for none
+void ESCWACHT(); // how long ESC is waited for, from ESCDELAY
+// The next key of the keyboard; -1 after ms milliseconds (-1: never), or after a signal; K_GEWEIGERD for a
+// character that has no place here.
+int32_t KLAVIER(int ms);
+int32_t KLAVIERREST();                    // the next key of what has been read already, -1 for none
+bool KLAVIERWACHT();                      // has more been typed?
+void KLAVIERTERUG(std::string_view rest); // bytes that were read before the screen opened
+struct Geweigerd {
+    bool unicode; // a character, else a byte that is none
+    uint32_t code;
+};
+Geweigerd KLAVIERGEWEIGERD(); // the last one
+inline constexpr int32_t K_GEWEIGERD = -2;
+
+// klein.cpp
+bool WINDOWMAAT(int* hoog, int* breed); // the terminal's window in cells; false (and 0) when it isn't known
+void KLEINKIJK();                       // look how large it is now
+bool KLEIN();                           // it was too small for the screen, then
+void KLEINTOON();                       // say so, in what there is of it, in place of the screen
+
+// tekenen.cpp
+void PIEPLAAT(); // the beep that waited for the keys that wait
 
 // toets.cpp
+bool TOETSENWACHTEN();   // keys are there that have not been used, those of a macro apart
 void TOETSENOVERNEMEN(); // keys that the program before this one had read and not used
 void TOETSENOVERGEVEN();
 inline constexpr int32_t K_ONBEKEND = 600; // a key that has no meaning here; never allowed in a field

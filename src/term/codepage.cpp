@@ -75,6 +75,20 @@ constexpr Paar VERVANGEN[] = {
     {0x2044, '/'},  {0x2215, '/'},  {0x2219, 0xFA}, {0x03BC, 0xE6}, {0x03B2, 0xE1},
 };
 
+// The upper half for a terminal that has only ASCII: the letter without its accent, the nearest sign.
+constexpr char BASIS[] = "CueaaaaceeeiiiAA"
+                         "EaAooouuyOUoLOxf"
+                         "aiounNao?R-//!<>"
+                         "###|+AAAC+|++cY+"
+                         "++++-+aA+++++=+*"
+                         "dDEEEiIII++##|I#"
+                         "OsOOoOutTUUUyY-'"
+                         "-+_/PS:,o\".132# ";
+// The letter of the line-drawing set for what that set has, a blank for the rest; double lines are single there.
+constexpr char LIJN[] = "                                                aaaxu    uxkj  k"
+                        "mvwtqn  mlvwtqn          jl00  0                        f     0 ";
+static_assert(sizeof BASIS == 129 && sizeof LIJN == 129);
+
 void utf8_bij(std::string& uit, char32_t u) {
     auto bij = [&](char32_t b) { uit += static_cast<char>(static_cast<uint8_t>(b)); };
     if (u < 0x80) {
@@ -109,6 +123,14 @@ int CP850IN(char32_t u) {
         if (p.u == u)
             return p.c;
     return -1;
+}
+
+char CP850BASIS(uint8_t c) {
+    return c < 128 ? static_cast<char>(c) : BASIS[c - 128];
+}
+
+char CP850LIJN(uint8_t c) {
+    return c < 128 || LIJN[c - 128] == ' ' ? '\0' : LIJN[c - 128];
 }
 
 std::string CP850UTF8(std::string_view tekst) {

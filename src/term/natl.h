@@ -35,6 +35,10 @@ char32_t CP850UIT(uint8_t c);
 int CP850IN(char32_t u);
 // Without the substitutions: only exact pairs, so that a round trip loses nothing.
 int CP850EXACT(char32_t u);
+// One ASCII character for a byte of code page 850: letters without their accent, else the nearest sign.
+char CP850BASIS(uint8_t c);
+// Its letter in the line-drawing set of terminals, 0 for what is not there. Double lines become single ones.
+char CP850LIJN(uint8_t c);
 // Whole texts; CP850NAAR answers false when a character has no place (uit then holds '?' there).
 std::string CP850UTF8(std::string_view tekst);
 bool CP850NAAR(std::string_view utf8, std::string* uit);

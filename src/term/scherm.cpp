@@ -7,14 +7,10 @@
 #include "term/uitvoer.h"
 #include <algorithm>
 #include <cerrno>
-#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <langinfo.h>
 #include <string>
-#include <strings.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -35,7 +31,6 @@ constexpr Maat MATEN[] = {{"", 25, 80}, {"-w", 25, 132}, {"-l", 43, 80}};
 termios modes;
 bool modes_bewaard;
 FILE* nul; // where curses writes
-bool utf8;
 
 const Maat& maat_van(const char* naam) {
     for (const Maat& m : MATEN)
@@ -49,10 +44,8 @@ constexpr int MAATKIJK_MS = 20, MAATKIJKEN = 25;
 // A variant larger than the window would put its right or lower part out of sight. A line without a known
 // size is trusted.
 bool past(const Maat& m) {
-    winsize w{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &w) != 0 || w.ws_row == 0 || w.ws_col == 0)
-        return true;
-    return w.ws_row >= m.lines && w.ws_col >= m.cols;
+    int hoog, breed;
+    return !WINDOWMAAT(&hoog, &breed) || (hoog >= m.lines && breed >= m.cols);
 }
 
 // Does this variant of the terminal switch to 132 columns by a command of its own?
@@ -115,21 +108,6 @@ int open_variant(const Maat& m, const std::string& naam) {
     return SCHERM.termaantal++;
 }
 
-// LC_CTYPE from the environment, once. A UTF-8 locale that this machine doesn't have installed still means that
-// the terminal takes UTF-8.
-void neem_tekenset() {
-    if (!setlocale(LC_CTYPE, "")) {
-        const char* naam = "";
-        for (const char* variabele : {"LC_ALL", "LC_CTYPE", "LANG"})
-            if (const char* w = getenv(variabele); w && *w && !*naam)
-                naam = w;
-        const char* punt = strrchr(naam, '.');
-        if (punt && (strncasecmp(punt, ".utf-8", 6) == 0 || strncasecmp(punt, ".utf8", 5) == 0))
-            setlocale(LC_CTYPE, "C.UTF-8");
-    }
-    utf8 = strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
-}
-
 [[noreturn]] void onbekend(const std::string& naam) {
     std::string leesbaar;
     for (char c : naam)
@@ -143,10 +121,6 @@ void neem_tekenset() {
 }
 
 } // namespace
-
-bool UTF8SCHERM() {
-    return utf8;
-}
 
 void VARIANTAAN(int variant) {
     TermVariant& t = SCHERM.term[variant];
@@ -166,8 +140,8 @@ void TERMBEWAAR() {
     modes_bewaard = true;
     termios stil = modes;
     stil.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON);
-    stil.c_lflag |= ISIG | NOFLSH; // the interrupt key must not throw typed keys away
-    stil.c_iflag &= ~static_cast<tcflag_t>(ICRNL);
+    stil.c_lflag |= ISIG | NOFLSH;                        // the interrupt key must not throw typed keys away
+    stil.c_iflag &= ~static_cast<tcflag_t>(ICRNL | IXON); // Ctrl-S must not stop the screen
     stil.c_cc[VMIN] = 1;
     stil.c_cc[VTIME] = 0;
     tcsetattr(STDIN_FILENO, TCSADRAIN, &stil); // never the flushing kind: what is typed ahead stays
@@ -181,7 +155,8 @@ void TERMHERSTEL() {
 void SCRINIT() {
     SCHERM = Scherm{};
     SCHERM.huidig = SCHERM.termnu = -1;
-    neem_tekenset();
+    TEKENSET();
+    ESCWACHT();
     TERMBEWAAR();
     SEINENAAN();
     SCHERM.instel = &INSTEL;
@@ -189,6 +164,7 @@ void SCRINIT() {
     SCHERM.bestaat = true;
     SCRRATE(1);
     SCRTERM("");
+    KLEINKIJK();
     INSTEL = Instel{};
     SCHERM.kpos = getenv("KPOS") ? 0 : 2;
     static constexpr int32_t TABEL[] = {K_CANCEL, K_TAB,  K_HELP, K_UP,   K_DOWN,
@@ -208,6 +184,7 @@ void SCRTERM(const char* naam) {
     const Maat& gevraagd = maat_van(naam);
     bool eerste = SCHERM.termaantal == 0;
     if (SCHERM.termnu >= 0) {
+        PIEPLAAT();
         error("%s", ""); // the status line stays behind with its variant
         BEZIGWIS();
         ZEND("clear");

@@ -1,16 +1,13 @@
-// Text on the screen. Every character goes through one table of 256 cells, so no byte out of a data file
+// Text on the screen. Every character goes through one table of 256 cells (tekenset.cpp), so no byte out of a data file
 // reaches the terminal as a control or as a character that the terminal does not show in one column.
 #include "term/binnen.h"
-#include "term/natl.h"
 #include "term/teksten.h"
 #include "term/uitvoer.h"
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <cwchar>
 #include <string>
 #include <unistd.h>
 
@@ -19,32 +16,21 @@ namespace {
 
 int32_t tempo = 1; // seconds between refreshes during long output, -1 none
 int uitgesteld;    // SCRAUTO waits
+bool piep_later;   // a refused key's beep: when the keys that wait have been read
 bool bezig_aan, bezig_staat;
 int bezig_breedte = 15;
 char tekst[4096]; // one formatted line; callers never nest
 
 constexpr int BEZIG_MS = 100; // what takes less is not worth a word
-constexpr uint8_t HARDE_SPATIE = 0xFF, ZACHT_STREEPJE = 0xF0;
 
-// The cell of each byte: Unicode on a UTF-8 terminal, otherwise whatever makes curses send that very byte.
-wchar_t cel_van(uint8_t c) {
-    static std::array<wchar_t, 256> tabel;
-    static bool klaar;
-    if (!klaar) {
-        klaar = true;
-        for (unsigned i = 0; i < 256; i++) {
-            wint_t eigen = btowc(static_cast<int>(i));
-            if (UTF8SCHERM())
-                tabel[i] = static_cast<wchar_t>(CP850UIT(static_cast<uint8_t>(i)));
-            else
-                tabel[i] = static_cast<wchar_t>(eigen == WEOF ? i : eigen);
-        }
-        for (unsigned i = 0; i < 32; i++)
-            tabel[i] = L' ';
-        tabel[127] = tabel[HARDE_SPATIE] = L' ';
-        tabel[ZACHT_STREEPJE] = L'-';
-    }
-    return tabel[c];
+cchar_t cel_van(uint8_t c) {
+    TekenCel t = TEKENSETUIT(c);
+    cchar_t cel{};
+    if (t.lijn && NCURSES_WACS(t.lijn)->chars[0] != 0)
+        cel = *NCURSES_WACS(t.lijn);
+    else
+        cel.chars[0] = t.teken;
+    return cel;
 }
 
 // A cell's character in the bytes of the terminal.
@@ -60,17 +46,11 @@ void utf8(std::string& uit, char32_t u) {
 
 // Characters that menus and lists draw by number with A_ALTCHARSET, beside the terminal's own line drawing.
 cchar_t teken_cel(uint8_t c) {
-    cchar_t cel{};
-    if (UTF8SCHERM() && (c == 196 || c == 254 || c == 251))
-        cel.chars[0] = c == 196 ? L'\u2500' : c == 254 ? L'\u25A0' : L'\u221A';
-    else if (c == 196)
-        cel = *WACS_HLINE;
-    else if (c == 251)
-        cel.chars[0] = L'v'; // the tick is not in code page 850
-    else if (c < 128 && NCURSES_WACS(c)->chars[0] != 0)
-        cel = *NCURSES_WACS(c);
-    else
-        cel.chars[0] = cel_van(c);
+    if (c < 128 && NCURSES_WACS(c)->chars[0] != 0)
+        return *NCURSES_WACS(c);
+    cchar_t cel = cel_van(c);
+    if (c == 251) // the tick is not in code page 850
+        cel.chars[0] = UTF8SCHERM() ? L'\u221A' : L'v';
     return cel;
 }
 
@@ -86,11 +66,7 @@ void schrijf(WINDOW* win, const char* s, int n) {
     n = std::min({n, getmaxx(win) - kolom, static_cast<int>(std::size(cellen))});
     for (int i = 0; i < n; i++) {
         uint8_t c = static_cast<uint8_t>(s[i]);
-        cellen[i] = cchar_t{};
-        if (LIJNTEKENS)
-            cellen[i] = teken_cel(c);
-        else
-            cellen[i].chars[0] = cel_van(c);
+        cellen[i] = LIJNTEKENS ? teken_cel(c) : cel_van(c);
         cellen[i].attr = (cellen[i].attr & A_ALTCHARSET) | attr | static_cast<attr_t>(COLOR_PAIR(paar));
         cellen[i].ext_color = paar;
     }
@@ -137,8 +113,7 @@ void TEKENUIT(std::string& uit, wchar_t teken) {
         utf8(uit, static_cast<char32_t>(teken));
         return;
     }
-    const int byte = wctob(static_cast<wint_t>(teken));
-    uit += static_cast<char>(byte != EOF ? byte : static_cast<int>(teken & 0xFF));
+    uit += static_cast<char>(static_cast<uint8_t>(teken));
 }
 
 int SCRPUT(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
@@ -250,6 +225,12 @@ void SCRAUTO() {
     TOONVENSTER(VENSTERNU().win);
 }
 
+void PIEPLAAT() {
+    if (piep_later)
+        PIEP();
+    piep_later = false;
+}
+
 void PIEP() {
     if (SCHERM.bestaat && !SCHERM.dicht)
         SCHRIJFUIT("\a", 1);
@@ -265,23 +246,29 @@ void error(const char* fmt, ...) {
     n = std::min(n, static_cast<int>(sizeof SCHERM.statustekst) - 1);
     std::string nieuw(tekst, static_cast<size_t>(n));
     int oud = static_cast<int>(strlen(SCHERM.statustekst));
-    if (oud == 0 && n == 0)
+    if (n == 0 && (oud == 0 || piep_later)) // what nobody has seen yet stays
         return;
     uitgesteld++;
     int huidig = SCHERM.huidig;
     SCHERM.huidig = SCHERM.basis;
+    int rij, kolom; // where the window's cursor was: a field may be open there
+    getyx(VENSTERNU().win, rij, kolom);
     memset(tekst, ' ', static_cast<size_t>(oud));
     if (oud > 0)
         plaats(A_WAARDE, SCHERM.lines, 1, oud);
     memcpy(tekst, nieuw.data(), nieuw.size());
     if (n > 0)
         plaats(A_WAARDE, SCHERM.lines, 1, n);
+    wmove(VENSTERNU().win, rij, kolom);
     wnoutrefresh(VENSTERNU().win);
     SCHERM.huidig = huidig;
     uitgesteld--;
     memcpy(SCHERM.statustekst, nieuw.c_str(), nieuw.size() + 1);
-    if (n > 0)
-        PIEP();
+    if (n > 0) {
+        piep_later = true;
+        if (!TOETSENWACHTEN())
+            PIEPLAAT();
+    }
 }
 
 void BEZIGTOON() {

@@ -2,6 +2,7 @@
 // keys: instel.cpp. What the keyboard sends becomes keys in klavier.cpp.
 #include "term/toets.h"
 #include "term/binnen.h"
+#include "term/teksten.h"
 #include "term/veldwacht.h"
 #include <cstdlib>
 #include <cstring>
@@ -15,7 +16,7 @@ namespace {
 std::vector<int32_t> stapel; // the last pushed is the next read
 bool in_dialoog;
 
-constexpr int32_t XON = 17, XOFF = 19;
+constexpr int32_t XON = 17, XOFF = 19, CTRL_L = 12;
 constexpr const char* OVERGAVE = "ZGTOETSEN";
 constexpr long OVERGAVE_SECONDEN = 5;
 
@@ -29,30 +30,77 @@ int32_t neem_seintoets() {
     return key;
 }
 
-// The window got another size: whatever it shows now, the whole screen again.
+// The whole screen again, whatever the terminal shows: its window got another size, or the user asked.
 void herteken() {
     MAATSEIN = 0;
     if (!SCHERM.bestaat)
         return;
+    KLEINKIJK();
     BEELDNIEUW();
     TOONVANAF(SCHERM.basis);
     TOON();
 }
 
+// While the window is too small keys go nowhere, but for the one that ends the program as a hang-up does. False
+// when ms milliseconds (-1: without limit) have not made it larger.
+bool wacht_op_ruimte(int ms) {
+    for (bool gezegd = false; MAATSEIN || KLEIN();) {
+        SEINSTOP();
+        if (MAATSEIN) {
+            herteken();
+            gezegd = false;
+            continue;
+        }
+        if (!gezegd && ms != 0) {
+            KLEINTOON();
+            gezegd = true;
+        }
+        int32_t key = SCHERM.signaaltoets ? neem_seintoets() : KLAVIER(ms);
+        if (key == K_EXIT)
+            OPGEHANGEN();
+        if (key != -1)
+            PIEP();
+        else if (ms >= 0 && !MAATSEIN)
+            return false;
+    }
+    return true;
+}
+
+void weiger() {
+    Geweigerd g = KLAVIERGEWEIGERD();
+    error(TXT(g.unicode ? T_TEKEN_ONBEKEND : T_BYTE_ONBEKEND), static_cast<unsigned>(g.code));
+}
+
+// What stands on the screen when a key is waited for.
+void voor_het_wachten(WINDOW* win, int ms) {
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return;
+    if (ms != 0 && !SCHERM.statustekst[0])
+        if (std::string melding = TEKENSETMELDING(); !melding.empty())
+            error("%s", melding.c_str());
+    if (win)
+        TOONVOORTOETS(win);
+    if (ms != 0 && !KLAVIERWACHT())
+        PIEPLAAT();
+}
+
 // One key of the keyboard within ms milliseconds (-1: without limit), else -1.
 int32_t van_klavier(WINDOW* win, int ms) {
     for (;;) {
+        if (!wacht_op_ruimte(ms))
+            return -1;
         SEINSTOP();
-        if (win && SCHERM.bestaat)
-            TOONVOORTOETS(win);
+        voor_het_wachten(win, ms);
         if (SCHERM.signaaltoets)
             return neem_seintoets();
         int32_t key = KLAVIER(ms);
-        if (key == -1 && MAATSEIN)
-            herteken();
-        else if (key == -1 && SCHERM.signaaltoets)
+        if (key == -1 && (MAATSEIN || SCHERM.signaaltoets))
             continue;
-        if (key == -1 ? ms >= 0 : !laat_vallen(key)) {
+        if (key == K_GEWEIGERD) {
+            weiger();
+        } else if (key == CTRL_L) {
+            herteken();
+        } else if (key == -1 ? ms >= 0 : !laat_vallen(key)) {
             SCHERM.ververst = time(nullptr); // a long run is counted from here
             return key;
         }
@@ -73,6 +121,8 @@ int32_t dialoog() {
 int32_t volgende(WINDOW* win, int ms) {
     for (;;) {
         TOETSKLAAR();
+        if (!wacht_op_ruimte(ms)) // also for keys that wait, and those of a macro
+            return -1;
         int32_t key;
         if (SCHERM.signaaltoets) { // a key that is already there keeps its place behind it
             key = neem_seintoets();
@@ -100,6 +150,10 @@ int32_t volgende(WINDOW* win, int ms) {
 }
 
 } // namespace
+
+bool TOETSENWACHTEN() {
+    return !stapel.empty() || KLAVIERWACHT();
+}
 
 int32_t TOETS(VENSTERP win) {
     return volgende(win, -1);

@@ -11,6 +11,7 @@
 #include "term/ingave.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
+#include "term/tekenset.h"
 #include "term/tekst.h"
 #include "term/vast.h"
 #include "tools/teksten.h"
@@ -131,6 +132,7 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: zgbsmenu, in a data directory\n");
         return 2;
     }
+    TEKENSETVRAAG();
     SCRINIT();
     CATOPEN();
     IXWAITHOOK = houder_wacht;

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iconv.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
@@ -58,6 +59,16 @@ void utf8_bij(std::string& uit, uint32_t u) {
     }
 }
 
+// A byte of a set in UTF-8; "" when it is none there.
+std::string in_utf8(const std::string& set, char c) {
+    iconv_t cd = iconv_open("UTF-8", set.c_str());
+    char uit[8], *van = &c, *naar = uit;
+    size_t nvan = 1, nnaar = sizeof uit;
+    bool goed = iconv(cd, &van, &nvan, &naar, &nnaar) == 0;
+    iconv_close(cd);
+    return goed ? std::string(uit, sizeof uit - nnaar) : "";
+}
+
 std::string faketime() {
     for (const char* map : {"/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu", "/usr/lib"}) {
         std::string pad = std::string(map) + "/faketime/libfaketime.so.1";
@@ -72,8 +83,8 @@ void kind_omgeving(const Opties& o) {
     setenv("LC_ALL", o.locale.c_str(), 1);
     setenv("TZ", "Europe/Amsterdam", 1);
     setenv("TERMINFO_DIRS", ZG_BINARY_DIR "/terminfo:/etc/terminfo:/lib/terminfo:/usr/share/terminfo", 1);
-    for (const char* weg :
-         {"TERMINFO", "LINES", "COLUMNS", "KPOS", "HOTKEYS", "MACRO", "BIN", "TSTBIN", "TMUX"})
+    for (const char* weg : {"TERMINFO", "LINES", "COLUMNS", "KPOS", "HOTKEYS", "MACRO", "BIN", "TSTBIN",
+                            "TMUX", "LANG", "LC_CTYPE", "ZGTEKENSET", "ESCDELAY"})
         unsetenv(weg);
     if (!o.klok.empty()) {
         setenv("LD_PRELOAD", faketime().c_str(), 1);
@@ -102,12 +113,28 @@ struct Terminal::Binnen {
     VTermPos cursor{0, 0};
     std::string uitvoer;
     VTermScreenCallbacks terugroep{};
+    std::vector<std::string> letters; // of bytes from 128, when the terminal has a set of its own
+
+    // The emulator knows UTF-8 only: what a terminal of another set shows.
+    void toon(const char* s, size_t n) {
+        if (letters.empty()) {
+            vterm_input_write(vt, s, n);
+            return;
+        }
+        std::string om;
+        for (size_t i = 0; i < n; i++)
+            om += s[i] & 0x80 ? letters[static_cast<unsigned char>(s[i]) - 128] : std::string(1, s[i]);
+        vterm_input_write(vt, om.data(), om.size());
+    }
 
     void start(const Opties& o, const std::function<void()>& kind) {
         opties = o;
         rijen = o.rijen, kolommen = o.kolommen;
         vt = vterm_new(rijen, kolommen);
-        vterm_set_utf8(vt, o.locale.find("UTF-8") != std::string::npos);
+        vterm_set_utf8(vt, !o.tekenset.empty() || o.locale.find("UTF-8") != std::string::npos);
+        if (!o.tekenset.empty() && o.tekenset != "UTF-8")
+            for (unsigned c = 128; c < 256; c++)
+                letters.push_back(in_utf8(o.tekenset, static_cast<char>(c)));
         vs = vterm_obtain_screen(vt);
         terugroep.bell = [](void* u) { return ++static_cast<Binnen*>(u)->bellen, 1; };
         terugroep.movecursor = [](VTermPos p, VTermPos, int, void* u) {
@@ -147,10 +174,10 @@ struct Terminal::Binnen {
         char buf[8192];
         for (ssize_t n; (n = read(meester, buf, sizeof buf)) > 0; iets = true) {
             uitvoer.append(buf, static_cast<size_t>(n));
-            vterm_input_write(vt, buf, static_cast<size_t>(n));
+            toon(buf, static_cast<size_t>(n));
             char terug[256];
             while (size_t m = vterm_output_read(vt, terug, sizeof terug))
-                if (write(meester, terug, m) < 0)
+                if (opties.antwoordt && write(meester, terug, m) < 0)
                     break;
         }
         if (!iets)
@@ -310,8 +337,14 @@ void Terminal::toetsen(std::string_view reeks) {
 
 void Terminal::reeks(std::string_view tekst) {
     std::string alles;
-    for (const std::string& toets : toetsreeksen(b_->opties.term, tekst))
+    for (const std::string& toets : toetsreeksen(b_->opties.term, tekst)) {
+        if (alles.ends_with('\033') && static_cast<unsigned char>(toets[0]) >= ' ') {
+            stuur(alles); // together they would be a character with Alt
+            kalm();
+            alles.clear();
+        }
         alles += toets;
+    }
     stuur(alles);
 }
 

@@ -20,11 +20,15 @@ struct Cel {
 
 struct Opties {
     int rijen = 25, kolommen = 80;
-    std::string term = "xterm"; // TERM; the program asks for its capitalised entry
-    std::string locale = "C.UTF-8";
-    std::string map{};  // working directory, empty: the present one
+    std::string term = "xterm";     // TERM; the program asks for its capitalised entry
+    std::string locale = "C.UTF-8"; // LC_ALL; empty: none
+    std::string map{};              // working directory, empty: the present one
     std::string klok{}; // fixed moment "2016-03-01 12:00:00" for the real binary, empty: the real clock
     std::vector<std::pair<std::string, std::string>> omgeving{};
+    // What the terminal itself takes, whatever the program is told: "UTF-8" or a set of one byte a character that
+    // iconv knows. Empty: UTF-8 or bytes, by the locale.
+    std::string tekenset{};
+    bool antwoordt = true; // to questions, as terminals do
 };
 
 class Terminal {
@@ -41,7 +45,8 @@ public:
     // Tab BTab Up Down Left Right Home End PgUp PgDn Ins Del Back F1..F12 Cancel Help, "<lt>" for '<'. Each
     // key waits until the program has read it and is reading again.
     void toetsen(std::string_view reeks);
-    void reeks(std::string_view tekst); // the same, all in one burst
+    // The same in one burst; only what is typed behind an Esc waits until that has been taken.
+    void reeks(std::string_view tekst);
 
     bool kalm(int ms = 5000);                          // until the program waits for a key
     bool wacht(std::string_view tekst, int ms = 5000); // until the text stands anywhere

@@ -77,10 +77,23 @@ TEST(Codepage, FromUnicode) {
         const char *utf8, *cp850;
         bool goed;
     } GEVALLEN[] = {
-        {"é’“–", "\x82'\"-", true},     {"€5", "?5", false},
-        {"a\xC3", "a?", false},         {"\xC3\x28", "?(", false},
-        {"\xED\xA0\x80", "???", false}, {"\xF0\x9F\x98\x80x", "?x", false},
-        {"\xC0\xAF", "??", false},      {"", "", true},
+        {"é’“–", "\x82'\"-", true},
+        {"€5", "?5", false},
+        {"a\xC3", "a?", false},
+        {"\xC3\x28", "?(", false},
+        {"\xED\xA0\x80", "???", false},
+        {"\xF0\x9F\x98\x80x", "?x", false},
+        {"\xC0\xAF", "??", false},
+        {"", "", true},
+        // longer than need be, and beyond the last character
+        {"\xC1\x81", "??", false},
+        {"\xE0\x80\xAF", "???", false},
+        {"\xE0\x9F\xBF", "???", false},
+        {"\xF0\x80\x81\x81", "????", false},
+        {"\xF0\x8F\xBF\xBF", "????", false},
+        {"\xF4\x90\x80\x80", "????", false},
+        {"\xF5\x80\x80\x80", "????", false},
+        {"\xE0\xA0\x80", "?", false},
     };
     for (const auto& g : GEVALLEN) {
         std::string uit;
@@ -88,6 +101,42 @@ TEST(Codepage, FromUnicode) {
         EXPECT_EQ(uit, g.cp850) << g.utf8;
     }
     EXPECT_EQ(CP850EXACT(0x2019), -1);
+}
+
+// What a terminal without letters beyond ASCII shows.
+TEST(Codepage, BaseLetters) {
+    std::string basis, lijn;
+    for (int c = 128; c < 256; c++) {
+        char b = CP850BASIS(static_cast<uint8_t>(c)), l = CP850LIJN(static_cast<uint8_t>(c));
+        EXPECT_TRUE(b >= 32 && b < 127) << c;
+        if (NKLASSE[static_cast<size_t>(c)] & (N_GROOT | N_KLEIN)) {
+            EXPECT_EQ(l, 0) << c;
+            bool groot = NKLASSE[static_cast<size_t>(c)] & N_GROOT;
+            EXPECT_TRUE(groot ? b >= 'A' && b <= 'Z' : b >= 'a' && b <= 'z') << c;
+        }
+    }
+    for (const char* c : {"\x82"
+                          "e",
+                          "\x9B"
+                          "o",
+                          "\xA5N",
+                          "\xB5"
+                          "A",
+                          "\xE1s",
+                          "\x91"
+                          "a",
+                          "\xED"
+                          "Y",
+                          "\xFD"
+                          "2"})
+        EXPECT_EQ(CP850BASIS(static_cast<uint8_t>(c[0])), c[1]) << c;
+    for (const char* c : {"\xB3x", "\xBAx", "\xC4q", "\xCDq", "\xDAl", "\xC9l", "\xBFk", "\xBBk", "\xC0m",
+                          "\xD9j", "\xB4u", "\xC3t", "\xC2w", "\xC1v", "\xC5n", "\xCEn",
+                          "\xB1"
+                          "a",
+                          "\xF8"
+                          "f"})
+        EXPECT_EQ(CP850LIJN(static_cast<uint8_t>(c[0])), c[1]) << c;
 }
 
 TEST(Tekst, OnlyTheSameDirectivesPass) {
