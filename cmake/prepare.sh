@@ -44,13 +44,14 @@ lacking() {
   for p in "${wanted[@]}"; do
     [[ $there == *" installed=$p "* ]] || printf '%s ' "$p"
   done
+  echo
 }
 
 # install_packages GROUP...: what is lacking, as root or through sudo; else the one line to ask for, for both commands.
 install_packages() {
   local missing as=()
   command -v dpkg-query >/dev/null || return 0 # another system: the build tells what it doesn't find
-  read -ra missing < <(lacking "$@") || true
+  read -ra missing < <(lacking "$@")
   [ ${#missing[@]} -eq 0 ] && return
   if [ "$(id -u)" -ne 0 ]; then
     # sudo may ask for a password where somebody can answer
@@ -68,8 +69,10 @@ install_packages() {
 }
 
 ask_for_packages() {
+  local all
+  read -ra all < <(lacking build tools test)
   stop "$1 Ask who looks after this machine for" "" \
-    "    apt-get install --no-install-recommends $(lacking build tools test)" "" "and start $command again."
+    "    apt-get install --no-install-recommends ${all[*]}" "" "and start $command again."
 }
 
 # cached NAME: what the present build directory remembers under it.
