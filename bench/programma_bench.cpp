@@ -118,8 +118,7 @@ enum Stappen { MAAK, OPEN, ALLES };
 void commit(Stappen tot, bool toon) {
     TijdelijkeMap map;
     std::filesystem::create_directory("2016Z");
-    aantal_filialen = 5;
-    aantallen_maak();
+    firma.filialen = 5;
     seizoensmap = "2016Z", gekozen_leverancier = 12, gekozen_jaar = 2016, gekozen_letter = 'Z';
     const char* pad = "2016Z/ORD0012.JRN";
     std::vector<double> ms_open, ms_dicht;

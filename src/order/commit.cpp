@@ -4,6 +4,7 @@
 //    while the old journal is still locked. There is never a moment without a whole journal.
 // 2. WRK is deleted only behind that. Killed before it, the repair commits again; killed behind it, the
 //    repair finds that the journal holds the order.
+#include "order/later.h"
 #include "order/meld.h"
 #include "order/programma.h"
 #include "order/wrk.h"
@@ -67,17 +68,14 @@ bool bouw_journaal(int32_t regels, int64_t* totaal) {
     return SYS.fsync(tmp_fd()) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
-void roep_haken(int32_t regels) {
+void werk_register_bij(int32_t regels) {
     if (!registermodus)
         return;
     if (regels >= 1) {
-        if (ORDERHAKEN.ordnr_schrijf)
-            ORDERHAKEN.ordnr_schrijf();
+        ordnr_schrijf();
     } else if (!order_nieuw) {
-        if (ORDERHAKEN.ordnr_wis)
-            ORDERHAKEN.ordnr_wis();
-        if (ORDERHAKEN.label_los)
-            ORDERHAKEN.label_los();
+        ordnr_wis();
+        label_los();
     }
 }
 
@@ -85,7 +83,7 @@ bool vastleggen(int32_t regels) {
     int64_t totaal = 0;
     if (!bouw_journaal(regels, &totaal))
         return false;
-    roep_haken(regels);
+    werk_register_bij(regels);
     // Whose turn it was must not be seen in the journal: his colleagues' programs go on with it.
     if (!IOLOCK('E', tmp_fd(), 0, 1) || !SYSEVENALS(tmp_fd(), wrk_naam("JRN").c_str()) ||
         SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("JRN").c_str()) != 0)

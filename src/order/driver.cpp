@@ -194,10 +194,8 @@ bool bewerk_order() {
     bool door = aantal_regels > 0;
     if (!door && order_mag_nieuw()) {
         door = order_kop(Itemwijze::nieuw);
-        if (door) {
-            model = {};
-            dessin = {};
-        }
+        if (door)
+            regel_wis(&regel_nu);
     }
     if (door) {
         werk->offset = 0;
@@ -368,6 +366,7 @@ void order_lus() {
             ;
         user_vrij(BATCH_ORDERS);
     }
+    order_scherm_los();
     bestanden_sluit();
 }
 

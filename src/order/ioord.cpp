@@ -151,48 +151,30 @@ void keur(ordhandle* h) {
         continue;
 }
 
-// Fill the buffer from an offset; true when a whole record stands at its start. At the end of the file
-// *einde is set; otherwise false means a bad record, which only a soft handle lives to see.
-bool vul(ordhandle* h, int32_t offset, bool* einde) {
-    *einde = false;
+// Fill the buffer from an offset, so that a whole record stands at its start; false at the end of the file.
+bool vul(ordhandle* h, int32_t offset) {
     h->bufgeldig = 0;
     h->bufstart = offset;
-    if (offset < 0) {
-        if (h->zacht)
-            return false;
+    if (offset < 0)
         ord_inconsistent(h, offset, h->tag);
-    }
     ssize_t n = SYSLEES(h->fd, h->buffer, static_cast<size_t>(h->buflen), offset);
-    if (n < 0) {
-        if (h->zacht)
-            return false;
+    if (n < 0)
         IOFAIL("ioord", 3);
-    }
-    if (n == 0) {
-        *einde = true;
-        return false;
-    }
     int32_t p = 0, vol = static_cast<int32_t>(n);
     while (p < vol) {
         int lengte = ord_lengte(static_cast<char>(h->buffer[p]));
-        bool slecht = lengte < 0;
-        if (!slecht && p + 1 + lengte > vol) {
-            if (vol == h->buflen)
-                break;
-            slecht = true;
-        }
-        if (slecht) {
-            if (!h->zacht)
-                ord_inconsistent(h, int64_t{offset} + p, static_cast<char>(h->buffer[p]));
-            break;
-        }
+        const bool past = lengte >= 0 && p + 1 + lengte <= vol;
+        if (!past && lengte >= 0 && vol == h->buflen)
+            break; // goes on behind the buffer
+        if (!past)
+            ord_inconsistent(h, int64_t{offset} + p, static_cast<char>(h->buffer[p]));
         p += 1 + lengte;
     }
     h->bufgeldig = p;
     return p > 0;
 }
 
-// The tag at an offset: 'X' at the end, 0 for a bad record (soft handles only).
+// The tag at an offset: 'X' at the end.
 char tag_op(ordhandle* h, int32_t offset) {
     if (offset >= h->bufstart && offset - h->bufstart < h->bufgeldig) {
         int32_t in = offset - h->bufstart;
@@ -201,15 +183,12 @@ char tag_op(ordhandle* h, int32_t offset) {
         if (lengte >= 0 && in + 1 + lengte <= h->bufgeldig)
             return tag;
     }
-    bool einde;
-    if (!vul(h, offset, &einde))
-        return einde ? 'X' : '\0';
-    return static_cast<char>(h->buffer[0]);
+    return vul(h, offset) ? static_cast<char>(h->buffer[0]) : 'X';
 }
 
 bool neem(ordhandle* h, char tag) {
     h->tag = tag;
-    if (tag == 'X' || !tag)
+    if (tag == 'X')
         return false;
     const tagrij rij = tag_rij(tag);
     memcpy(rij.beeld, h->buffer + (h->offset - h->bufstart) + 1, static_cast<size_t>(rij.lengte));
@@ -315,7 +294,7 @@ bool ord_kind(ordhandle* h, char soort) {
     switch (soort) {
     case 'D':
         past = !strchr("OMDX", tag);
-        break; // strchr finds the NUL of a bad record too
+        break;
     case 'M':
         past = !strchr("OMX", tag);
         break;

@@ -8,7 +8,8 @@
 
 namespace zg {
 
-inline constexpr int BLOKLEN = 306; // a text block in memory; 300 of it are stored
+inline constexpr int BLOKLEN = 306;       // a text block in memory; 300 of it are stored
+inline constexpr size_t TEKSTSTUKKEN = 5; // T records of a block
 
 // The record images, one per tag.
 extern ordkop kop;
@@ -31,7 +32,6 @@ struct ordhandle {
     std::string pad;                         // the path it was opened by
     int32_t laatste_o, laatste_m, laatste_d; // -1 when none met
     bool schrijven;
-    bool zacht; // answer "bad" (tag 0) instead of stopping at an unknown or cut record: repair and orddump
 };
 
 // Body length of a tag, -1 for an unknown one. The image of a tag.
@@ -54,12 +54,12 @@ bool ord_eerste_order(ordhandle* h);
 // In place; false when the write failed: told in a box, the file is as it was.
 bool ord_schrijf(ordhandle* h);
 // The header `kop` with its two condition texts at offset 0, in one write; answers as ord_schrijf.
-bool ord_kop_schrijf(ordhandle* h, char* levering, char* betaling);
+bool ord_kop_schrijf(ordhandle* h, const char* levering, const char* betaling);
 // The text of a kind behind the current O, M or D record into a block; false when there is no such record.
 // Offset and tag stay.
 bool ord_tekst_lees(ordhandle* h, int soort, char* blok);
 // Overwrite the five T records of a kind (1 to 4) behind the current O, M or D record of a work file. A block
-// of nothing but newlines is cleared first. False when the five are not there or the write failed (told).
-bool ord_tekst_schrijf(ordhandle* h, int soort, char* blok);
+// of nothing but newlines is stored as empty. False when the five are not there or the write failed (told).
+bool ord_tekst_schrijf(ordhandle* h, int soort, const char* blok);
 
 } // namespace zg

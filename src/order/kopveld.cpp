@@ -276,7 +276,7 @@ void bekijk_betaling() {
 // ---- when: which of them there are, and which may be chosen
 
 bool er_is_locatie() {
-    return aantal_filialen > 1 && edi_aan() && (kop.edi_soort == EDI_ADMORD || kop.edi_soort == EDI_EANCOM);
+    return firma.filialen > 1 && edi_aan() && (kop.edi_soort == EDI_ADMORD || kop.edi_soort == EDI_EANCOM);
 }
 bool er_is_lev_ordernr() {
     return !VASTLEEG(kop.lev_ordernr) && edi_aan() && kop.edi_soort == EDI_ADMORD;
@@ -290,7 +290,7 @@ bool vrij() {
 }
 bool datum_vrij() {
     // The pieces of the full registration are labels; as long as they can't be counted there are some.
-    return vrij() || (REGELDIENSTEN.serie_laad && ordertotaal.stuks == 0);
+    return vrij();
 }
 bool korting_vrij() {
     return zonder_regels() || kop.korting == 0;
@@ -301,7 +301,7 @@ bool koers_vrij() {
 
 // One branch: no receiving location, and the rows below it move up.
 int kop_rij(int item) {
-    return item + 1 - (item > KOP_LOCATIE && aantal_filialen <= 1 ? 1 : 0);
+    return item + 1 - (item > KOP_LOCATIE && firma.filialen <= 1 ? 1 : 0);
 }
 
 // clang-format off

@@ -1,28 +1,36 @@
-// What the order line screen offers and other modules of the order program provide: adding, duplicating and
-// editing lines, and the series behind them in the full registration. A row that is null is not there yet;
-// the screen then says "Geen informatie". The modules hang themselves in here at the start of the program.
+// What the order program calls and what doesn't stand yet: screens for the content of a line, and the register
+// of series, labels and order numbers behind it. A screen tells "Nog niet beschikbaar" and answers that nothing
+// changed; the register's routines do nothing.
 #pragma once
-#include "order/wrk.h"
+#include "order/regel.h"
 
 namespace zg {
 
-struct regeldiensten {
-    bool (*toevoegen)();                   // true when lines came
-    bool (*bijbestellen)();                // the same, full registration only
-    bool (*dupliceren)(const ors_ingang&); // the same
-    void (*matrix)();                      // the order matrix
-    bool (*model)(bool lezen);             // screens on the shared line: true when it changed
-    bool (*dessin)(bool lezen);
-    bool (*prijzen)(bool lezen);
-    bool (*aantallen)(bool lezen);
-    // Full registration: load the series of the shared line. 1 it is the line's own, 0 gone, -1 another
-    // series has taken over its number.
-    int (*serie_laad)(bool vergrendel);
-    bool (*regel_weg)();     // before a line is deleted: labels, terms and perhaps the series; false keeps it
-    void (*serie_bewaar)();  // after a change of the line
-    void (*serie_los)();     // give the lock on the series up
-    void (*label_korting)(); // a new discount in the labels of the shared line
-};
-extern regeldiensten REGELDIENSTEN;
+// New content in regel_nu: true when it is to be inserted as a line, with a model of its own where the answer
+// says so.
+bool serie_toevoegen();
+bool serie_bijbestellen();
+bool serie_dupliceren(bool* model_veranderd);
+// On regel_nu: true when it changed. With `lezen` it is only looked at.
+bool serie_model(bool lezen);
+bool serie_dessin(bool lezen);
+bool serie_prijzen(bool lezen);
+bool aantal_scherm(bool lezen);
+void order_matrix();
+
+// The series of a line and its prices and quantities into the line. niet_beschikbaar: the line shows what the
+// journal knows and can't be worked on.
+enum class Serie { gelezen, weg, andere, niet_beschikbaar };
+Serie serie_laad(const ors_ingang& ingang, orderregel* regel, bool vergrendel);
+void serie_los(); // give the lock on the series up
+bool serie_bewaar(const orderregel& regel);
+// Labels of a line: take a changed order discount; be gone before the line is deleted, false keeps the line.
+void label_korting(const orderregel& regel);
+bool label_wis(const orderregel& regel);
+
+// The commit of an order: its number record written; or removed, and out of the labels.
+void ordnr_schrijf();
+void ordnr_wis();
+void label_los();
 
 } // namespace zg

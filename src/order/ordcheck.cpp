@@ -2,7 +2,7 @@
 #include "order/ordcheck.h"
 #include "order/ioord.h"
 #include "order/ordloop.h"
-#include "order/programma.h"
+#include "shared/iomaat.h"
 #include <cstdio>
 #include <cstring>
 #include <set>
@@ -57,7 +57,7 @@ struct controle {
     void sluit_regel() {
         if (!regel_open)
             return;
-        for (int maat = 1; maat <= MAAT_MAX; maat++) {
+        for (int maat = 1; maat <= MATEN; maat++) {
             bool in_maten = maten[maat / 8] >> (maat % 8) & 1;
             if (in_maten != prijsmaten.contains(maat))
                 fout_op(regel_pos, "size " + std::to_string(maat) +
@@ -127,7 +127,7 @@ struct controle {
             return fout("prices outside a line");
         if (in_term)
             fout("prices behind a delivery term");
-        if (s.maat < 1 || s.maat > MAAT_MAX)
+        if (s.maat < 1 || s.maat > MATEN)
             fout("size " + std::to_string(s.maat) + " does not exist");
         else if (!prijsmaten.insert(s.maat).second)
             fout("size " + std::to_string(s.maat) + " has prices twice");
@@ -148,7 +148,7 @@ struct controle {
         auto f = lichaam<ordfil>();
         if (!in_term)
             return fout("quantity outside a delivery term");
-        if (f.maat < 1 || f.maat > MAAT_MAX)
+        if (f.maat < 1 || f.maat > MATEN)
             fout("quantity of size " + std::to_string(f.maat) + ", which does not exist");
         if (filialen && f.filiaal >= filialen)
             fout("quantity of branch index " + std::to_string(f.filiaal) + ", which the firm does not have");

@@ -6,17 +6,20 @@
 
 namespace zg {
 
-namespace {
-inline constexpr size_t LOOPBLOK = 256 * 1024;
-}
-
-void ordloop_begin(ordloop* l, int fd, int64_t van, int64_t tot) {
+void ordloop_begin(ordloop* l, int fd, int64_t van, int64_t tot, size_t blok) {
     l->fd = fd;
     l->tot = tot;
-    l->blok.resize(LOOPBLOK);
+    l->blok.resize(blok);
     l->blokstart = van;
     l->geldig = l->plaats = 0;
     l->bij_einde = false;
+}
+
+void ordloop_naar(ordloop* l, int64_t plaats) {
+    if (plaats >= l->blokstart && plaats <= l->blokstart + static_cast<int64_t>(l->geldig))
+        l->plaats = static_cast<size_t>(plaats - l->blokstart);
+    else
+        ordloop_begin(l, l->fd, plaats, l->tot, l->blok.size());
 }
 
 namespace {

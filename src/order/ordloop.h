@@ -32,7 +32,12 @@ struct ordloop {
     bool bij_einde;
 };
 
-void ordloop_begin(ordloop* l, int fd, int64_t van, int64_t tot);
+inline constexpr size_t LOOPBLOK = 256 * 1024; // bytes of a read: a whole file
+
+// `blok`: bytes of a read, more than a record has.
+void ordloop_begin(ordloop* l, int fd, int64_t van, int64_t tot, size_t blok = LOOPBLOK);
+// Go on at another place of the file, out of the block in hand where that holds it.
+void ordloop_naar(ordloop* l, int64_t plaats);
 // At LOOP_TAG and LOOP_KORT tag and offset are filled.
 loopstand ordloop_volgende(ordloop* l, ordrauw* uit);
 

@@ -8,7 +8,7 @@
 namespace zg {
 
 namespace {
-inline constexpr size_t STUKKEN = 5, STUK = sizeof tekstrec.tekst, TRECORD = 1 + sizeof(ordtekst);
+inline constexpr size_t STUK = sizeof tekstrec.tekst, TRECORD = 1 + sizeof(ordtekst);
 
 // Where the five records of a kind stand behind the current record of a work file, -1 when nowhere.
 int64_t tekst_plaats(const ordhandle* h, int soort) {
@@ -16,31 +16,32 @@ int64_t tekst_plaats(const ordhandle* h, int soort) {
     if (!hoofd || h->tag != hoofd)
         return -1;
     int64_t plaats = int64_t{h->offset} + 1 + ord_lengte(hoofd);
-    return soort == 2 ? plaats + static_cast<int64_t>(STUKKEN * TRECORD) : plaats;
+    return soort == 2 ? plaats + static_cast<int64_t>(TEKSTSTUKKEN * TRECORD) : plaats;
 }
 
 // Do the five records stand there, or does the file end there?
 bool tekst_past(int fd, int64_t plaats, int soort) {
-    uint8_t bytes[STUKKEN * TRECORD];
+    uint8_t bytes[TEKSTSTUKKEN * TRECORD];
     ssize_t n = SYSLEES(fd, bytes, sizeof bytes, plaats);
     if (n == 0)
         return plaats == SYSOMVANG(fd);
     if (n != static_cast<ssize_t>(sizeof bytes))
         return false;
-    for (size_t i = 0; i < STUKKEN; i++)
+    for (size_t i = 0; i < TEKSTSTUKKEN; i++)
         if (bytes[i * TRECORD] != 'T' || bytes[i * TRECORD + 1] != soort)
             return false;
     return true;
 }
 } // namespace
 
-void tekst_records(int soort, char* blok, uint8_t* uit) {
+void tekst_records(int soort, const char* blok, uint8_t* uit) {
+    static const char LEEG[BLOKLEN] = {};
     size_t lengte = strnlen(blok, BLOKLEN), regeleinden = 0;
     while (regeleinden < lengte && blok[regeleinden] == '\n')
         regeleinden++;
     if (regeleinden == lengte)
-        memset(blok, 0, BLOKLEN);
-    for (size_t i = 0; i < STUKKEN; i++, uit += TRECORD) {
+        blok = LEEG;
+    for (size_t i = 0; i < TEKSTSTUKKEN; i++, uit += TRECORD) {
         uit[0] = 'T';
         uit[1] = static_cast<uint8_t>(soort);
         memcpy(uit + 2, blok + i * STUK, STUK);
@@ -55,33 +56,33 @@ bool ord_tekst_lees(ordhandle* h, int soort, char* blok) {
     char tag = h->tag;
     size_t stuk = 0;
     while (ord_kind(h, 'T'))
-        if (tekstrec.soort == soort && stuk < STUKKEN)
+        if (tekstrec.soort == soort && stuk < TEKSTSTUKKEN)
             memcpy(blok + STUK * stuk++, tekstrec.tekst, STUK);
     h->offset = offset;
     h->tag = tag;
     return true;
 }
 
-bool ord_tekst_schrijf(ordhandle* h, int soort, char* blok) {
+bool ord_tekst_schrijf(ordhandle* h, int soort, const char* blok) {
     int64_t plaats = tekst_plaats(h, soort);
     if (plaats < 0 || !tekst_past(h->fd, plaats, soort))
         return false;
-    uint8_t bytes[STUKKEN * TRECORD];
+    uint8_t bytes[TEKSTSTUKKEN * TRECORD];
     tekst_records(soort, blok, bytes);
     return ord_schrijf_op(h, static_cast<int32_t>(plaats), bytes, sizeof bytes);
 }
 
-bool ord_kop_schrijf(ordhandle* h, char* levering, char* betaling) {
-    uint8_t bytes[1 + sizeof kop + 2 * STUKKEN * TRECORD];
+bool ord_kop_schrijf(ordhandle* h, const char* levering, const char* betaling) {
+    uint8_t bytes[1 + sizeof kop + 2 * TEKSTSTUKKEN * TRECORD];
     bytes[0] = 'O';
     memcpy(bytes + 1, &kop, sizeof kop);
     uint8_t* teksten = bytes + 1 + sizeof kop;
     tekst_records(1, levering, teksten);
-    tekst_records(2, betaling, teksten + STUKKEN * TRECORD);
+    tekst_records(2, betaling, teksten + TEKSTSTUKKEN * TRECORD);
     if (SYSOMVANG(h->fd) != 0) {
         uint8_t tag;
         if (SYSLEES(h->fd, &tag, 1, 0) != 1 || tag != 'O' || !tekst_past(h->fd, 1 + sizeof kop, 1) ||
-            !tekst_past(h->fd, static_cast<int64_t>(1 + sizeof kop + STUKKEN * TRECORD), 2))
+            !tekst_past(h->fd, static_cast<int64_t>(1 + sizeof kop + TEKSTSTUKKEN * TRECORD), 2))
             return false;
     }
     h->offset = h->laatste_o = 0;

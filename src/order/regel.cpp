@@ -1,60 +1,70 @@
-// Loading, saving and restoring order lines, see order/regel.h. Writing them is order/wrkregel.cpp's.
+// Loading order lines, see order/regel.h. Writing them is order/wrkregel.cpp's.
 #include "order/regel.h"
 #include "order/meld.h"
+#include "order/programma.h"
 #include "order/wrk.h"
-#include "shared/syscalls.h"
+#include "shared/report.h"
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 namespace zg {
 
-regelprijzen regel_prijzen;
+orderregel regel_nu;
 
 namespace {
 
-inline constexpr int32_t PRIJS_GEEN = INT32_MAX; // a size in the row whose price is not known yet
+inline constexpr size_t REGELBLOK = 16 * 1024; // bytes of a read: a page of lines
 
-int32_t klem(double waarde) {
-    double heel = std::round(waarde);
-    return heel >= INT32_MAX ? INT32_MAX - 1 : heel <= INT32_MIN ? INT32_MIN : static_cast<int32_t>(heel);
-}
-
-// The work file's place and the images that a walk overwrites, put back at the end.
-struct plaatsbewaarder {
-    int32_t offset = werk->offset;
-    char tag = werk->tag;
-    ordmodel m = model;
-    orddessin d = dessin;
-    ~plaatsbewaarder() {
-        werk->offset = offset;
-        werk->tag = tag;
-        model = m;
-        dessin = d;
-    }
-    plaatsbewaarder() = default;
-    plaatsbewaarder(const plaatsbewaarder&) = delete;
-    plaatsbewaarder& operator=(const plaatsbewaarder&) = delete;
-};
-
-// Offsets out of the index are not trusted: the tag is looked at before anything is read through the handle,
-// which would stop the program on what it takes for a damaged file.
-bool ga_naar(int32_t offset, char tag) {
-    char staat = 0;
-    if (offset < 0 || SYSLEES(werk->fd, &staat, 1, offset) != 1 || staat != tag)
+// The record that an entry of the index points at. Entries are not trusted: another tag there is an answer,
+// the right one cut short is damage.
+bool kop_record(regelloop* loop, int32_t plaats, char tag, void* beeld) {
+    if (plaats < 0)
         return false;
-    werk->offset = offset;
-    return ord_lees(werk, 'R');
+    ordrauw r;
+    ordloop_naar(&loop->loop, plaats);
+    loopstand stand = ordloop_volgende(&loop->loop, &r);
+    if (stand == LOOP_FOUT)
+        IOFAIL("regel", 1);
+    if (stand == LOOP_EINDE || r.tag != tag)
+        return false;
+    if (stand != LOOP_RECORD)
+        ord_inconsistent(werk, plaats, tag);
+    memcpy(beeld, r.data + 1, r.lengte - 1);
+    return true;
 }
 
-void laad_maat(regelprijzen* p, int* laatste) {
-    int maat = maatrec.maat;
-    if (maat < 1 || maat > MAAT_MAX)
-        ord_inconsistent(werk, werk->offset, werk->tag);
-    p->bruto[maat] = maatrec.bruto;
-    p->opgeslagen[maat] = maatrec.netto;
-    p->netto[maat] = p->geladen[maat] = netto_uit_opslag(maatrec.netto, kop.korting);
-    *laatste = maat;
+// The piece of text in a T record behind those of the block; another kind, or too many, is passed over.
+void tekst_erbij(const ordrauw& r, uint8_t soort, char* blok, size_t* stukken) {
+    ordtekst t;
+    memcpy(&t, r.data + 1, sizeof t);
+    if (t.soort == soort && *stukken < TEKSTSTUKKEN)
+        memcpy(blok + sizeof t.tekst * (*stukken)++, t.tekst, sizeof t.tekst);
+}
+
+bool lees_model(regelloop* loop, int32_t plaats) {
+    if (plaats == loop->m)
+        return true; // lines of one model share it
+    loop->m = -1;
+    memset(loop->tekst, 0, BLOKLEN);
+    if (!kop_record(loop, plaats, 'M', &loop->model))
+        return false;
+    size_t stukken = 0;
+    ordrauw r;
+    while (ord_verder(werk, &loop->loop, &r, "regel", 1) && r.tag == 'T')
+        tekst_erbij(r, 3, loop->tekst, &stukken);
+    loop->m = plaats;
+    return true;
+}
+
+uint8_t laad_maat(const ordrauw& r, orderregel* regel) {
+    ordmaat s;
+    memcpy(&s, r.data + 1, sizeof s);
+    if (s.maat < 1 || s.maat > MATEN)
+        ord_inconsistent(werk, r.offset, r.tag);
+    regel->opslag.bruto[s.maat] = s.bruto;
+    regel->opslag.netto[s.maat] = s.netto;
+    up_zet_maat(&regel->prijzen, s.maat, s.bruto, toeslag_erbij(s.netto, kop.korting));
+    return s.maat;
 }
 
 // Sum cells of one branch and size, in order; false when one does not fit.
@@ -79,11 +89,11 @@ bool orden_cellen(std::vector<levcel>* cellen) {
 
 // Terms by last date. Two with the same one become one, with the earliest first date; the matrix is the sum
 // of all. A total that does not fit in 32 bits is damage.
-void orden_termen(regelgebied* g, int32_t regelplaats) {
-    std::stable_sort(g->termen.begin(), g->termen.end(),
+void orden_termen(orderregel* regel, int32_t regelplaats) {
+    std::stable_sort(regel->termen.begin(), regel->termen.end(),
                      [](const levterm& a, const levterm& b) { return a.tot < b.tot; });
-    std::vector<levterm> uit;
-    for (levterm& term : g->termen) {
+    levtermen uit;
+    for (levterm& term : regel->termen) {
         if (uit.empty() || uit.back().tot != term.tot) {
             uit.push_back(std::move(term));
             continue;
@@ -98,128 +108,104 @@ void orden_termen(regelgebied* g, int32_t regelplaats) {
             totaal += cel.aantal;
         if (!past || totaal > INT32_MAX)
             ord_inconsistent(werk, regelplaats, 'D');
-        lt_erbij(term, g->aantallen.data());
+        lt_erbij(term, &regel->nota_aantallen);
     }
-    g->termen = std::move(uit);
+    regel->termen = std::move(uit);
+    regel->order_aantallen = regel->nota_aantallen; // nothing is delivered while the journal holds it all
 }
 
-void laad_onderdelen(regelgebied* g, int32_t regelplaats) {
-    int maat = 0;
-    size_t term = SIZE_MAX;
-    while (ord_kind(werk, 'D')) {
-        switch (werk->tag) {
-        case 'S':
-            laad_maat(&g->prijzen, &maat);
-            break;
-        case 'E':
-        case 'B': {
-            regelextra extra{static_cast<uint8_t>(maat), werk->tag, {}};
+void laad_cel(const ordrauw& r, orderregel* regel) {
+    ordfil f;
+    memcpy(&f, r.data + 1, sizeof f);
+    if (regel->termen.empty() || f.filiaal >= firma.filialen || f.maat < 1 || f.maat > MATEN || f.aantal < 0)
+        ord_inconsistent(werk, r.offset, r.tag);
+    if (f.aantal)
+        regel->termen.back().cellen.push_back({f.filiaal, f.maat, f.aantal});
+}
+
+void laad_onderdelen(regelloop* loop, orderregel* regel, int32_t regelplaats) {
+    ordrauw r;
+    size_t stukken = 0;
+    uint8_t maat = 0;
+    while (ord_verder(werk, &loop->loop, &r, "regel", 1) && !strchr("OMD", r.tag)) {
+        if (r.tag == 'T')
+            tekst_erbij(r, 4, regel->dessintekst, &stukken);
+        else if (registermodus)
+            continue;
+        else if (r.tag == 'S')
+            maat = laad_maat(r, regel);
+        else if (r.tag == 'L') {
+            ordlevt l;
+            memcpy(&l, r.data + 1, sizeof l);
+            regel->termen.push_back({l.eerste, l.laatste, {}});
+        } else if (r.tag == 'F')
+            laad_cel(r, regel);
+        else { // E, B
+            regelextra extra{maat, r.tag, {}};
             if (!maat)
-                ord_inconsistent(werk, werk->offset, werk->tag);
-            memcpy(extra.inhoud, ord_beeld(werk->tag), sizeof extra.inhoud);
-            g->prijzen.extra.push_back(extra);
-            break;
-        }
-        case 'L':
-            term = g->termen.size();
-            g->termen.push_back({levtrec.eerste, levtrec.laatste, {}});
-            break;
-        case 'F':
-            if (term == SIZE_MAX || filrec.filiaal >= aantal_filialen || filrec.maat < 1 ||
-                filrec.maat > MAAT_MAX || filrec.aantal < 0)
-                ord_inconsistent(werk, werk->offset, werk->tag);
-            if (filrec.aantal)
-                g->termen[term].cellen.push_back({filrec.filiaal, filrec.maat, filrec.aantal});
-            break;
-        default:
-            break; // T: regel_teksten
+                ord_inconsistent(werk, r.offset, r.tag);
+            memcpy(extra.inhoud, r.data + 1, sizeof extra.inhoud);
+            regel->opslag.extra.push_back(extra);
         }
     }
-    orden_termen(g, regelplaats);
+    orden_termen(regel, regelplaats);
+    up_inkoop_alle(&regel->prijzen);
 }
 
 } // namespace
 
-int32_t netto_uit_opslag(int32_t opgeslagen, int16_t korting) {
-    int32_t p = klem(opgeslagen + double{1} * opgeslagen * korting / 10000);
-    return p ? p : 1;
+void regel_wis(orderregel* regel) {
+    // Matrices keep their memory: a walk clears the same value for each line.
+    aantalmatrix nota = std::move(regel->nota_aantallen), order = std::move(regel->order_aantallen),
+                 in_hand = std::move(regel->werk_aantallen);
+    for (aantalmatrix* m : {&nota, &order, &in_hand})
+        fmclear(m);
+    *regel = {};
+    regel->nota_aantallen = std::move(nota);
+    regel->order_aantallen = std::move(order);
+    regel->werk_aantallen = std::move(in_hand);
+    regel->gewichten.assign(firma.filialen + size_t{1}, 0);
 }
 
-int32_t netto_voor_opslag(int32_t netto, int16_t korting) {
-    // At a discount of the whole price there is nothing to compute it back from.
-    double deel = 100 + korting / 100.0;
-    return korting == -10000 ? netto : klem(netto * 100.0 / deel);
+void regel_dupliceer(orderregel* regel) {
+    regel->opslag.extra.clear();
+    regel->dessin.volgnummer = 0;
+    regel->dessin.geregistreerd = 0;
 }
 
-int32_t regel_bruto_opslag(int maat) {
-    int32_t p = regel_prijzen.bruto[maat];
-    return p == PRIJS_GEEN ? 0 : p;
+void regelloop_begin(regelloop* loop) {
+    ordloop_begin(&loop->loop, werk->fd, 0, INT64_MAX, REGELBLOK);
+    loop->m = -1;
 }
 
-int32_t regel_netto_opslag(int maat) {
-    int32_t p = regel_prijzen.netto[maat];
-    if (p == regel_prijzen.geladen[maat] && p)
-        return regel_prijzen.opgeslagen[maat];
-    return p == PRIJS_GEEN ? 0 : netto_voor_opslag(p, kop.korting);
-}
-
-void regel_wis() {
-    regel_prijzen = {};
-    lt_wis();
-    for (int32_t* matrix : {nota_aantallen, order_aantallen, werk_aantallen})
-        if (matrix)
-            memset(matrix, 0, matrix_cellen() * sizeof *matrix);
-}
-
-bool regel_lees_in(const ors_ingang& ingang, regelgebied* gebied) {
-    *gebied = {};
-    gebied->aantallen.assign(matrix_cellen(), 0);
-    plaatsbewaarder bewaard;
-    if (!ga_naar(ingang.m, 'M'))
+bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel) {
+    regel_wis(regel);
+    if (!lees_model(loop, ingang.m) || !kop_record(loop, ingang.d, 'D', &regel->dessin)) {
+        regel->dessin = {};
         return false;
-    gebied->model = model;
-    if (!ga_naar(ingang.d, 'D'))
-        return false;
-    gebied->dessin = dessin;
-    if (!registermodus)
-        laad_onderdelen(gebied, ingang.d);
+    }
+    regel->model = loop->model;
+    memcpy(regel->modeltekst, loop->tekst, BLOKLEN);
+    laad_onderdelen(loop, regel, ingang.d);
     return true;
 }
 
-bool regel_lees(const ors_ingang& ingang) {
-    regelgebied gebied;
-    regel_wis();
-    if (!regel_lees_in(ingang, &gebied))
-        return false;
-    regel_zet(gebied);
-    if (ORDERHAKEN.advies_laad)
-        ORDERHAKEN.advies_laad(&dessin);
-    return true;
+bool regel_lees(const ors_ingang& ingang, orderregel* regel) {
+    regelloop loop;
+    regelloop_begin(&loop);
+    return regel_lees(&loop, ingang, regel);
 }
 
-bool regel_teksten(const ors_ingang& ingang, char* model_blok, char* dessin_blok) {
-    plaatsbewaarder bewaard;
-    if (model_blok && (!ga_naar(ingang.m, 'M') || !ord_tekst_lees(werk, 3, model_blok)))
-        return false;
-    return !dessin_blok || (ga_naar(ingang.d, 'D') && ord_tekst_lees(werk, 4, dessin_blok));
+int32_t regel_bruto_opslag(const orderregel& regel, int maat) {
+    const int32_t was = regel.opslag.bruto[static_cast<size_t>(maat)], p = up_lees(regel.prijzen.bruto, maat);
+    return p == std::max(was, 1) ? was : p;
 }
 
-void regel_bewaar(regelgebied* gebied) {
-    gebied->model = model;
-    gebied->dessin = dessin;
-    gebied->prijzen = regel_prijzen;
-    gebied->termen = levtermen;
-    if (order_aantallen)
-        gebied->aantallen.assign(order_aantallen, order_aantallen + matrix_cellen());
-}
-
-void regel_zet(const regelgebied& gebied) {
-    model = gebied.model;
-    dessin = gebied.dessin;
-    regel_prijzen = gebied.prijzen;
-    levtermen = gebied.termen;
-    if (order_aantallen && gebied.aantallen.size() == matrix_cellen())
-        std::copy(gebied.aantallen.begin(), gebied.aantallen.end(), order_aantallen);
+int32_t regel_netto_opslag(const orderregel& regel, int maat) {
+    const int32_t was = regel.opslag.netto[static_cast<size_t>(maat)], p = up_lees(regel.prijzen.netto, maat);
+    if (p == std::max(toeslag_erbij(was, kop.korting), 1))
+        return was;
+    return p ? toeslag_eraf(p, kop.korting) : 0;
 }
 
 } // namespace zg

@@ -1,11 +1,11 @@
-// The order line in memory: images, price rows, quantities and terms of one line of the work file. The shared
-// line (images model and dessin, regel_prijzen, levtermen, order_aantallen) is the cursor's; walks over other
-// lines read into areas of their own. In journaalmodus the work file holds all of it.
+// One order line as one value: images, prices, terms, quantities, texts, weights. To save a line, to put it
+// back and to refuse a change are assignments. The screen's cursor has its line in regel_nu; walks over other
+// lines have values of their own.
 #pragma once
+#include "order/ioord.h"
 #include "order/levterm.h"
-#include "order/ordrec.h"
-#include "order/programma.h"
-#include <string>
+#include "order/ordloop.h"
+#include "price/uniprijs.h"
 #include <vector>
 
 namespace zg {
@@ -16,48 +16,47 @@ struct regelextra { // an E or B record, kept behind the S of its size
     char inhoud[13];
 };
 
-// Prices of a line by size index: 0 not in the row. netto holds the order's discount.
-struct regelprijzen {
-    int32_t bruto[MAATKOLOMMEN], netto[MAATKOLOMMEN];
-    // What the file held and what was made of it: a price that nobody changed goes back as it was.
-    int32_t opgeslagen[MAATKOLOMMEN], geladen[MAATKOLOMMEN];
+// What the work file holds of the prices, by size index. A price that nobody changed goes back as it was.
+struct regelopslag {
+    prijsrij bruto, netto;         // net without the order's discount
     std::vector<regelextra> extra; // in file order
 };
 
-// A whole line apart from the shared one. `aantallen` is a matrix: the sum of the terms.
-struct regelgebied {
+struct orderregel {
     ordmodel model;
     orddessin dessin;
-    regelprijzen prijzen;
-    std::vector<levterm> termen;
-    std::vector<int32_t> aantallen;
+    char modeltekst[BLOKLEN], dessintekst[BLOKLEN]; // texts of kinds 3 and 4
+    prijsrijen prijzen;                             // net with the order's discount
+    regelopslag opslag;
+    levtermen termen;
+    aantalmatrix nota_aantallen, order_aantallen, werk_aantallen; // open, ever ordered, the term in hand
+    std::vector<uint16_t> gewichten;                              // per branch index, behind them their sum
 };
+extern orderregel regel_nu;
 
-extern regelprijzen regel_prijzen; // of the shared line
+// Everything cleared, quantities and weights in the firm's size.
+void regel_wis(orderregel* regel);
+// The same content as a line that isn't on file yet: without E and B, sequence number and registration.
+void regel_dupliceer(orderregel* regel);
 
-// Clear rows, terms and quantities of the shared line; the images stay.
-void regel_wis();
-// Load the line at an entry of the index. regel_lees fills the shared line (images, rows, terms,
-// order_aantallen; nota_aantallen and werk_aantallen are cleared), regel_lees_in an area and nothing else.
-// Net prices get the order discount of `kop`. False when the work file does not hold a line there. A branch
-// or size outside the firm, a quantity below 0 or one that does not fit stops with the "inconsistent, pos."
-// report. In registermodus the records behind D are skipped: price file and labels hold the truth.
-bool regel_lees(const ors_ingang& ingang);
-bool regel_lees_in(const ors_ingang& ingang, regelgebied* gebied);
-// The texts of kinds 3 and 4 of a line, blocks of BLOKLEN bytes (null: not wanted). Nothing else changes.
-bool regel_teksten(const ors_ingang& ingang, char* model_blok, char* dessin_blok);
+// A walk over lines of the open work file; it ends where the file is changed.
+struct regelloop {
+    ordloop loop;
+    int32_t m; // offset of the model below, -1 none
+    ordmodel model;
+    char tekst[BLOKLEN];
+};
+void regelloop_begin(regelloop* loop);
+// Load the line at an entry of the index; weights and the term in hand stay cleared. Net prices get the order
+// discount of `kop`, purchase prices are those of up_context. False, with the line cleared, when the work file
+// holds no line there. A branch or size outside the firm, a quantity below 0 or a sum that does not fit stops
+// with the "inconsistent, pos." report. In registermodus prices and quantities are not read: price file and
+// labels hold the truth.
+bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
+bool regel_lees(const ors_ingang& ingang, orderregel* regel);
 
-// Save the shared line with its images, put it back.
-void regel_bewaar(regelgebied* gebied);
-void regel_zet(const regelgebied& gebied);
-
-// What the S record of a size of the shared line gets.
-int32_t regel_bruto_opslag(int maat);
-int32_t regel_netto_opslag(int maat);
-
-// Net price with the order's discount from the stored one and back; korting as in the header (-250: 2.50%
-// off).
-int32_t netto_uit_opslag(int32_t opgeslagen, int16_t korting);
-int32_t netto_voor_opslag(int32_t netto, int16_t korting);
+// What the S record of a size gets.
+int32_t regel_bruto_opslag(const orderregel& regel, int maat);
+int32_t regel_netto_opslag(const orderregel& regel, int maat);
 
 } // namespace zg

@@ -1,10 +1,13 @@
-// The order line screen: the window of fourteen lines, the cursor, and the menus. The cursor's line is the
-// shared line of order/regel.h; it is loaded again after whatever may have changed it.
+// The order line screen: the window of fourteen lines, the cursor, and the menus. The cursor's line is regel_nu;
+// it is loaded again after whatever may have changed it. Inserting, totals and saving are done here, whatever
+// screen made the line.
 #include "order/regelscherm.h"
 #include "order/bestanden.h"
 #include "order/kop.h"
 #include "order/later.h"
+#include "order/programma.h"
 #include "order/teksten.h"
+#include "shared/filveld.h"
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
 #include "shared/teksten.h"
@@ -62,6 +65,8 @@ struct Blad {
     void vul() {
         ingangen.clear();
         teksten.clear();
+        regelloop loop;
+        regelloop_begin(&loop);
         for (int32_t nr = top; nr < top + REGELPAGINA && nr <= aantal_regels; nr++) {
             ors_ingang in{};
             in.regel = static_cast<uint16_t>(nr);
@@ -69,7 +74,7 @@ struct Blad {
                 break;
             bool herhaald = !ingangen.empty() && ingangen.back().m == in.m;
             ingangen.push_back(in);
-            teksten.push_back(regel_tekst(herhaald, in));
+            teksten.push_back(regel_tekst(&loop, herhaald, in));
         }
     }
 
@@ -155,66 +160,45 @@ struct Blad {
     }
 };
 
+// The sizes of the cursor's line, one cursor for the run of the program.
+mthandle* maten;
+
 // Weights of the branches for the cursor's line: the article group's number for each branch that the brand
 // doesn't exclude, their sum behind them.
 void gewichten() {
-    leesart(dtart, &regelgroep, model.artikelgroep);
-    leesmerk(dtmerk, &regelmerk, model.merk);
+    leesart(dtart, &regelgroep, regel_nu.model.artikelgroep);
     unsigned som = 0;
-    for (int f = 0; f < aantal_filialen; f++) {
-        bool uit = regelmerk.merk != 0 && (regelmerk.uitgesloten[f / 8] >> (f % 8) & 1);
+    for (int f = 0; f < firma.filialen; f++) {
+        bool uit = regelmerk.merk != 0 && fil_in(regelmerk.uitgesloten, f);
         unsigned w = uit || regelgroep.artikelgroep == 0 ? 0 : regelgroep.perfiliaal[f];
-        verdeelgewichten[f] = static_cast<uint16_t>(w);
+        regel_nu.gewichten[static_cast<size_t>(f)] = static_cast<uint16_t>(w);
         som += w;
     }
-    verdeelgewichten[aantal_filialen] = static_cast<uint16_t>(som);
+    regel_nu.gewichten[firma.filialen] = static_cast<uint16_t>(som);
 }
 
 bool maatsoort_bekend() {
-    static mthandle* maten;
-    leesmerk(dtmerk, &regelmerk, model.merk);
-    leesmaat(&maten, mtstelsel(regelmerk.maatstelsel), model.maatsoort ? model.maatsoort : uint8_t{1},
-             dessin.maten);
+    const uint8_t soort = regel_nu.model.maatsoort;
+    leesmaat(&maten, mtstelsel(regelmerk.maatstelsel), soort ? soort : uint8_t{1}, regel_nu.dessin.maten);
     mtinfo info{};
-    return model.maatsoort != 0 && maten && mtread(maten, 'F', &info, 1) == 1;
+    return soort != 0 && maten && mtread(maten, 'F', &info, 1) == 1;
 }
 
-// The line under the cursor into the shared line; its totals. regel_bereikbaar tells whether it may be worked
-// on.
-void laad(const ors_ingang* ingang, bool vergrendel, ordertotalen* totaal) {
+// The line under the cursor into regel_nu; its totals. regel_bereikbaar tells whether it may be worked on.
+void laad(const ors_ingang* ingang, ordertotalen* totaal) {
     *totaal = {};
     regel_bereikbaar = false;
-    regel_wis();
-    if (!ingang) {
-        model = {};
-        dessin = {};
-        regelingang = {};
+    regelingang = ingang ? *ingang : ors_ingang{};
+    if (!ingang || !regel_lees(*ingang, &regel_nu)) {
+        regel_wis(&regel_nu);
         return;
     }
-    regelingang = *ingang;
-    if (!regel_lees(*ingang))
-        return;
-    regel_teksten(*ingang, modeltekst, dessintekst);
+    leesmerk(dtmerk, &regelmerk, regel_nu.model.merk);
     gewichten();
     regel_bereikbaar =
-        maatsoort_bekend() &&
-        (!registermodus || (REGELDIENSTEN.serie_laad && REGELDIENSTEN.serie_laad(vergrendel) == 1));
+        maatsoort_bekend() && (!registermodus || serie_laad(*ingang, &regel_nu, false) == Serie::gelezen);
     // A line that can't be worked on counts all the same, and comes off the totals when it is deleted.
-    regel_totaal(&matrix_cel(order_aantallen, aantal_filialen, 0), regel_prijzen, totaal);
-}
-
-bool dienst(bool (*doe)(bool), bool lezen) {
-    if (doe)
-        return doe(lezen);
-    MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
-    return false;
-}
-
-bool nieuwe_regels(bool (*doe)()) {
-    if (doe)
-        return doe();
-    MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
-    return false;
+    regel_totaal(regel_nu, totaal);
 }
 
 // The supplier as he is on file now.
@@ -265,13 +249,13 @@ bool doe_item(int keus, bool lezen) {
         toon_leverancier();
         return false;
     case I_MODEL:
-        return dienst(REGELDIENSTEN.model, lezen);
+        return serie_model(lezen);
     case I_DESSIN:
-        return dienst(REGELDIENSTEN.dessin, lezen);
+        return serie_dessin(lezen);
     case I_PRIJSINFO:
-        return dienst(REGELDIENSTEN.prijzen, lezen);
+        return serie_prijzen(lezen);
     case I_AANTALLEN:
-        return dienst(REGELDIENSTEN.aantallen, lezen);
+        return aantal_scherm(lezen);
     }
     return false;
 }
@@ -296,32 +280,42 @@ void hoofd_menu() {
     }
 }
 
-// The changed line into the work file, and its totals over the old ones. A write that fails is told by the
-// routine that wrote; the line is then as it was.
-void bewaar_wijziging(const ordertotalen& oud) {
-    ordertotalen nieuw{};
-    regel_totaal(&matrix_cel(order_aantallen, aantal_filialen, 0), regel_prijzen, &nieuw);
-    werk->offset = regelingang.m, werk->tag = 'M';
-    ord_tekst_schrijf(werk, 3, modeltekst);
-    werk->offset = regelingang.d, werk->tag = 'D';
-    ord_tekst_schrijf(werk, 4, dessintekst);
-    if (!wrk_regel_vervang(&regelingang))
+// The line in hand into the work file, behind the cursor's model: the cursor goes there. A write that fails is
+// told by the routine that wrote, and nothing came.
+void voeg_in(Blad& blad, bool met_model) {
+    if (!wrk_regel_in(&regelingang, met_model, &regel_nu))
         return;
+    ordertotalen totaal;
+    regel_totaal(regel_nu, &totaal);
+    order_totaal_bij('+', totaal);
+    blad.cursor = regelingang.regel;
+    if (registermodus)
+        serie_bewaar(regel_nu);
+}
+
+// The changed line likewise, and its totals over the old ones.
+void bewaar_wijziging(const ordertotalen& oud) {
+    if (!wrk_regel_vervang(&regelingang, &regel_nu))
+        return;
+    ordertotalen nieuw;
+    regel_totaal(regel_nu, &nieuw);
     order_totaal_bij('-', oud);
     order_totaal_bij('+', nieuw);
-    if (REGELDIENSTEN.serie_bewaar)
-        REGELDIENSTEN.serie_bewaar();
+    if (registermodus)
+        serie_bewaar(regel_nu);
+}
+
+void dupliceer(Blad& blad) {
+    bool model_veranderd = false;
+    regel_dupliceer(&regel_nu);
+    if (serie_dupliceren(&model_veranderd))
+        voeg_in(blad, model_veranderd);
 }
 
 void verwijder(Blad& blad, const ordertotalen& totaal) {
-    // Labels can't be left behind without the line that they are of.
-    if (registermodus && !REGELDIENSTEN.regel_weg) {
-        error("%s", TXT(T_REGEL_HEEFT_ETIKETTEN));
-        return;
-    }
     if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
         return;
-    if (registermodus && regel_bereikbaar && !REGELDIENSTEN.regel_weg())
+    if (registermodus && !label_wis(regel_nu))
         return;
     if (!wrk_regel_uit(&regelingang))
         return;
@@ -333,18 +327,16 @@ void verwijder(Blad& blad, const ordertotalen& totaal) {
 void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
     switch (keus) {
     case H_TOEVOEGEN:
-        if (nieuwe_regels(REGELDIENSTEN.toevoegen))
-            blad.cursor = regelingang.regel;
+        if (serie_toevoegen())
+            voeg_in(blad, true);
         break;
     case H_BIJBESTELLEN:
-        if (nieuwe_regels(REGELDIENSTEN.bijbestellen))
-            blad.cursor = regelingang.regel;
+        if (serie_bijbestellen())
+            voeg_in(blad, true);
         break;
     case H_DUPLICEREN:
-        if (!toegankelijk())
-            break;
-        if (REGELDIENSTEN.dupliceren ? REGELDIENSTEN.dupliceren(regelingang) : nieuwe_regels(nullptr))
-            blad.cursor = regelingang.regel;
+        if (toegankelijk())
+            dupliceer(blad);
         break;
     case H_RAADPLEGEN:
         order_item(true);
@@ -354,8 +346,8 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
             bewaar_wijziging(totaal);
         break;
     case H_MATRIX:
-        if (aantal_regels > 0 && REGELDIENSTEN.matrix)
-            REGELDIENSTEN.matrix();
+        if (aantal_regels > 0)
+            order_matrix();
         else
             MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
         break;
@@ -363,11 +355,18 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
         verwijder(blad, totaal);
         break;
     }
-    if (REGELDIENSTEN.serie_los)
-        REGELDIENSTEN.serie_los();
+    if (registermodus)
+        serie_los();
 }
 
 } // namespace
+
+void order_scherm_los() {
+    if (maten)
+        mtclose(maten);
+    maten = nullptr;
+    regel_nu = {};
+}
 
 void order_scherm() {
     vul_valuta();
@@ -380,7 +379,7 @@ void order_scherm() {
     for (;;) {
         blad.teken();
         if (geladen != blad.cursor)
-            laad(blad.ingang(), false, &totaal);
+            laad(blad.ingang(), &totaal);
         geladen = blad.cursor;
         if (order_alleen_lezen)
             item_menu();
@@ -398,13 +397,14 @@ void order_scherm() {
             doe_item(keus, true);
         } else {
             // The series is read again for the action, now under its lock.
-            if (registermodus && regel_bereikbaar && REGELDIENSTEN.serie_laad)
-                regel_bereikbaar = REGELDIENSTEN.serie_laad(true) == 1;
+            if (registermodus && regel_bereikbaar)
+                regel_bereikbaar = serie_laad(regelingang, &regel_nu, true) == Serie::gelezen;
             doe_hoofd(blad, keus, totaal);
         }
         blad.vernieuw = true;
         geladen = -1;
         vul_valuta();
+        order_prijscontext();
         order_kopregels();
     }
     SCRCLREOL(MENURIJ, 1);

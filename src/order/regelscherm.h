@@ -18,18 +18,24 @@ extern ordertotalen ordertotaal;
 extern bool regel_bereikbaar; // the cursor's line was loaded and may be worked on
 // Runs until ESC or cancel.
 void order_scherm();
+// Give up what the screen keeps between orders: the cursor on the size table, the line in hand. The table must
+// still be open.
+void order_scherm_los();
 
 // The frame (once per season) and the header's values; totals too.
 void order_frame();
 void order_kopregels();
 
-// Text of a line on the screen, 78 characters from column 2: `herhaald` when the row above shows the same
-// model.
-const char* regel_tekst(bool herhaald, const ors_ingang& ingang);
-// A line's totals from a row of quantities at the given prices; `regels` stays 0.
-void regel_totaal(const int32_t* rij, const regelprijzen& prijzen, ordertotalen* totaal);
+// Text of a line on the screen, 78 characters from column 2, whatever the amounts: `herhaald` when the row above
+// shows the same model.
+const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang);
+// Currency, rate, surcharge and discount of `kop` as the context of prices; a rate of the day is looked up here
+// and nowhere else.
+void order_prijscontext();
+// A line's totals from what was ordered, at its prices; `regels` stays 0.
+void regel_totaal(const orderregel& regel, ordertotalen* totaal);
 void order_totaal_bij(char teken, const ordertotalen& totaal);
-// Rebuild ordertotaal by reading every line into an area of its own; the cursor's line isn't touched.
+// Rebuild ordertotaal, in the context of `kop`, by reading every line; the cursor's line isn't touched.
 void order_totalen(bool label_aanpassen);
 
 } // namespace zg

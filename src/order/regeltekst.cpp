@@ -2,6 +2,7 @@
 // frame.
 #include "order/bestanden.h"
 #include "order/later.h"
+#include "order/programma.h"
 #include "order/regelscherm.h"
 #include "order/teksten.h"
 #include "price/ing_val.h"
@@ -36,52 +37,57 @@ std::string ordervaluta() {
 }
 
 // What stands for a line whose series has gone.
-std::string verwijderd(const regelgebied& g, bool andere) {
+std::string verwijderd(const orderregel& r, bool andere) {
     char nummer[32], tekst[96];
-    snprintf(nummer, sizeof nummer, "%d.%u.%u", g.model.artikelgroep, g.dessin.kleur, g.dessin.volgnummer);
+    snprintf(nummer, sizeof nummer, "%d.%u.%u", r.model.artikelgroep, r.dessin.kleur, r.dessin.volgnummer);
     snprintf(tekst, sizeof tekst, " *%-27.27s %s%s*", nummer, andere ? TXT(T_ORIGINELE) : " ",
              TXT(T_SERIE_VERWIJDERD));
     return tekst;
 }
 
+// A number right in its column; what does not fit shows as asterisks, so that no column moves.
+std::string getal(int64_t waarde, size_t breedte) {
+    std::string tekst = std::to_string(waarde);
+    return tekst.size() > breedte ? std::string(breedte, '*')
+                                  : std::string(breedte - tekst.size(), ' ') + tekst;
+}
+
+// An amount likewise; without its decimals before it goes.
+std::string bedrag(const std::string& valuta, int64_t waarde, size_t breedte) {
+    std::string tekst = bedrag_tekst(valuta.c_str(), waarde);
+    if (tekst.size() <= breedte)
+        return std::string(breedte - tekst.size(), ' ') + tekst;
+    return getal(valuta_decimalen(valuta.c_str()) ? (waarde + (waarde < 0 ? -50 : 50)) / 100 : waarde,
+                 breedte);
+}
+
 } // namespace
 
-const char* regel_tekst(bool herhaald, const ors_ingang& ingang) {
+const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang) {
     static char tekst[256];
-    regelgebied g;
-    const bool er = regel_lees_in(ingang, &g);
-    char begin[64] = "";
-    if (er) {
-        leesmerk(dtmerk, &rijmerk, g.model.merk);
-        bool naam = !herhaald || registermodus;
-        snprintf(begin, sizeof begin, "%-4.4s %-15.15s %-12.12s",
-                 naam && rijmerk.merk ? VASTTEKST(rijmerk.zoeknaam).c_str() : "",
-                 naam ? VASTTEKST(g.model.model).c_str() : "", VASTTEKST(g.dessin.materiaal).c_str());
-    }
-    if (registermodus && er && REGELDIENSTEN.serie_laad) {
-        regelgebied bewaard;
-        regel_bewaar(&bewaard);
-        regel_zet(g);
-        int serie = REGELDIENSTEN.serie_laad(false);
-        regel_zet(bewaard);
-        if (serie != 1) {
+    static orderregel r;
+    snprintf(tekst, sizeof tekst, "%-*s", REGELBREEDTE, "");
+    if (!regel_lees(loop, ingang, &r))
+        return tekst;
+    if (registermodus) {
+        const Serie serie = serie_laad(ingang, &r, false);
+        if (serie == Serie::weg || serie == Serie::andere) {
             snprintf(tekst, sizeof tekst, "%-*.*s", REGELBREEDTE, REGELBREEDTE,
-                     verwijderd(g, serie < 0).c_str());
+                     verwijderd(r, serie == Serie::andere).c_str());
             return tekst;
         }
     }
-    ordertotalen t{};
-    if (er)
-        regel_totaal(g.aantallen.data() + size_t{aantal_filialen} * MAATKOLOMMEN, g.prijzen, &t);
-    const char doel = g.dessin.doelgroep ? g.dessin.doelgroep : ' ';
-    const std::string netto = bedrag_tekst(ordervaluta().c_str(), t.stuks ? t.netto : 0);
-    if (er)
-        snprintf(tekst, sizeof tekst, "%s %-12.12s %-2.2s %5d %3d %1.1s %5lld %10s", begin,
-                 VASTTEKST(g.dessin.dessin).c_str(), VASTTEKST(g.dessin.kenmerk).c_str(),
-                 g.model.artikelgroep, g.dessin.kleur, std::string(1, doel).c_str(),
-                 static_cast<long long>(t.stuks), netto.c_str());
-    else
-        snprintf(tekst, sizeof tekst, "%-*s", REGELBREEDTE, "");
+    leesmerk(dtmerk, &rijmerk, r.model.merk);
+    const bool naam = !herhaald || registermodus;
+    ordertotalen t;
+    regel_totaal(r, &t);
+    const char doel[] = {r.dessin.doelgroep ? r.dessin.doelgroep : ' ', 0};
+    snprintf(tekst, sizeof tekst, "%-4.4s %-15.15s %-12.12s %-12.12s %-2.2s %s %s %1.1s %s %s",
+             naam && rijmerk.merk ? VASTTEKST(rijmerk.zoeknaam).c_str() : "",
+             naam ? VASTTEKST(r.model.model).c_str() : "", VASTTEKST(r.dessin.materiaal).c_str(),
+             VASTTEKST(r.dessin.dessin).c_str(), VASTTEKST(r.dessin.kenmerk).c_str(),
+             getal(r.model.artikelgroep, 5).c_str(), getal(r.dessin.kleur, 3).c_str(), doel,
+             getal(t.stuks, 5).c_str(), bedrag(ordervaluta(), t.stuks ? t.netto : 0, 10).c_str());
     return tekst;
 }
 
@@ -108,10 +114,9 @@ void order_kopregels() {
     SCRPUT(A_WAARDE, 4, 50, "%9lld", static_cast<long long>(ordertotaal.regels));
     if (ordertotaal.stuks > 0) {
         SCRPUT(A_WAARDE, 3, 50, "%9lld", static_cast<long long>(ordertotaal.stuks));
-        SCRPUT(A_WAARDE, 3, 69, "%11s", bedrag_tekst(valuta.c_str(), ordertotaal.bruto).c_str());
-        SCRPUT(A_WAARDE, 4, 69, "%11s", bedrag_tekst(valuta.c_str(), ordertotaal.netto).c_str());
-        SCRPUT(A_WAARDE, 5, 69, "%11s",
-               bedrag_tekst(valuta_of_thuis("").c_str(), ordertotaal.inkoop).c_str());
+        SCRPUT(A_WAARDE, 3, 69, "%s", bedrag(valuta, ordertotaal.bruto, 11).c_str());
+        SCRPUT(A_WAARDE, 4, 69, "%s", bedrag(valuta, ordertotaal.netto, 11).c_str());
+        SCRPUT(A_WAARDE, 5, 69, "%s", bedrag(valuta_of_thuis(""), ordertotaal.inkoop, 11).c_str());
     } else {
         SCRPUT(A_WAARDE, 3, 50, "%9s", "");
         for (int rij = 3; rij <= 5; rij++)

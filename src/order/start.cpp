@@ -103,8 +103,6 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     if (VASTUIT(gebruiker.userprog) != eigen_naam)
         foutief_gestart(13);
 
-    aantal_filialen = firma.filialen;
-    aantal_maatstelsels = firma.maatstelsel;
     sessienummer = static_cast<uint16_t>(sessie);
     gebruikersrecht = gebruiker.userkind;
     IXWAITHOOK = houder_wacht;

@@ -1,4 +1,4 @@
-// Totals of lines and order. Every line is read into an area of its own, so the cursor's line stays as it is.
+// Totals of lines and order. Every line is read into a value of its own, so the cursor's line stays as it is.
 #include "order/later.h"
 #include "order/regelscherm.h"
 #include "price/ing_val.h"
@@ -7,39 +7,27 @@
 namespace zg {
 
 ordertotalen ordertotaal;
-regeldiensten REGELDIENSTEN;
 
-namespace {
-
-constexpr int32_t PRIJS_ONBEKEND = INT32_MAX; // a size without a price yet counts as 0
-
-int32_t prijs(int32_t p) {
-    return p == PRIJS_ONBEKEND ? 0 : p;
+void order_prijscontext() {
+    const std::string code(kop.valuta, sizeof kop.valuta);
+    up_valuta(
+        code.c_str(),
+        koers_dubbel(static_cast<int32_t>(kop.koers), kop.koerseenheid ? kop.koerseenheid : uint16_t{1}),
+        static_cast<int32_t>(kop.toeslag));
+    up_orderkorting(kop.korting / -100.0);
 }
 
-// Net price of the order's currency as a value in the home currency.
-int32_t inkoopprijs(int32_t netto) {
-    if (prijs(netto) == 0)
-        return 0;
-    const std::string code = valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
-    double koers =
-        koers_dubbel(static_cast<int32_t>(kop.koers), kop.koerseenheid ? kop.koerseenheid : uint16_t{1});
-    return naar_thuis_factor(netto, code.c_str(), koers,
-                             kop.toeslag ? static_cast<int32_t>(kop.toeslag) : 10000);
-}
-
-} // namespace
-
-void regel_totaal(const int32_t* rij, const regelprijzen& prijzen, ordertotalen* totaal) {
+void regel_totaal(const orderregel& regel, ordertotalen* totaal) {
     *totaal = {};
-    for (int maat = 1; maat <= MAAT_MAX; maat++) {
+    const int32_t* rij = matrix_totalen(regel.order_aantallen);
+    for (int maat = 1; maat <= MATEN; maat++) {
         const int64_t aantal = rij[maat];
         if (aantal <= 0)
             continue;
         totaal->stuks += aantal;
-        totaal->bruto += aantal * prijs(prijzen.bruto[maat]);
-        totaal->netto += aantal * prijs(prijzen.netto[maat]);
-        totaal->inkoop += aantal * inkoopprijs(prijzen.netto[maat]);
+        totaal->bruto += aantal * up_lees(regel.prijzen.bruto, maat);
+        totaal->netto += aantal * up_lees(regel.prijzen.netto, maat);
+        totaal->inkoop += aantal * up_lees(regel.prijzen.inkoop, maat);
     }
 }
 
@@ -53,17 +41,18 @@ void order_totaal_bij(char teken, const ordertotalen& totaal) {
 }
 
 void order_totalen(bool label_aanpassen) {
+    order_prijscontext();
     ordertotaal = {};
-    regelgebied gebied;
+    regelloop loop;
+    regelloop_begin(&loop);
+    orderregel regel;
     ors_ingang ingang{};
     for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang)) {
         ordertotalen totaal{};
-        if (regel_lees_in(ingang, &gebied)) {
-            // Sums per size over the branches are the matrix' last row.
-            regel_totaal(gebied.aantallen.data() + size_t{aantal_filialen} * MAATKOLOMMEN, gebied.prijzen,
-                         &totaal);
-            if (label_aanpassen && REGELDIENSTEN.label_korting)
-                REGELDIENSTEN.label_korting();
+        if (regel_lees(&loop, ingang, &regel)) {
+            regel_totaal(regel, &totaal);
+            if (label_aanpassen)
+                label_korting(regel);
         }
         order_totaal_bij('+', totaal); // a line that can't be loaded counts as a line
     }

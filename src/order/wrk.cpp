@@ -233,17 +233,17 @@ bool tmp_rauw(const uint8_t* data, size_t lengte, bool indexeer) {
     return !tmp.fout;
 }
 
-bool tmp_schrijf(char tag, bool indexeer) {
+bool tmp_schrijf(char tag, const void* inhoud, bool indexeer) {
     int lengte = ord_lengte(tag);
     if (lengte < 0)
         return false;
     uint8_t bytes[1 + sizeof(orddessin)];
     bytes[0] = static_cast<uint8_t>(tag);
-    memcpy(bytes + 1, ord_beeld(tag), static_cast<size_t>(lengte));
+    memcpy(bytes + 1, inhoud, static_cast<size_t>(lengte));
     return tmp_rauw(bytes, 1 + static_cast<size_t>(lengte), indexeer);
 }
 
-bool tmp_tekst(int soort, char* blok) {
+bool tmp_tekst(int soort, const char* blok) {
     uint8_t bytes[5 * (1 + sizeof(ordtekst))];
     tekst_records(soort, blok, bytes);
     return tmp_rauw(bytes, sizeof bytes, false);
@@ -333,7 +333,7 @@ void kopieer_order() {
     do {
         if (journaal->tag == 'T')
             continue;
-        tmp_schrijf(journaal->tag, true);
+        tmp_schrijf(journaal->tag, ord_beeld(journaal->tag), true);
         for (int soort = 1; soort <= 4; soort++) {
             if (journaal->tag != (soort <= 2 ? 'O' : soort == 3 ? 'M' : 'D'))
                 continue;
@@ -377,8 +377,6 @@ bool wrk_open() {
     werk = ord_open_wrk(seizoensmap.c_str(), gekozen_leverancier, O_RDWR);
     if (!werk)
         return open_mislukt("WRK", true);
-    model = {};
-    dessin = {};
     return true;
 }
 

@@ -7,6 +7,8 @@
 
 namespace zg {
 
+struct orderregel;
+
 extern int32_t aantal_regels;               // lines of the open order
 extern ordhandle* journaal;                 // the open journal, null when none
 extern ordhandle* werk;                     // the open work file, null when none
@@ -35,17 +37,17 @@ bool ors_nieuw();
 void ors_wis();
 bool ors_lees(char modus, ors_ingang* ingang); // 'F' 'N' 'P' 'R'
 bool tmp_nieuw(bool ors_ook);
-bool tmp_schrijf(char tag, bool indexeer);
-bool tmp_tekst(int soort, char* blok);
+bool tmp_schrijf(char tag, const void* inhoud, bool indexeer);
+bool tmp_tekst(int soort, const char* blok);
 // False when a write failed: told in a box, the work file is as it was.
-// The line in hand is the shared line of order/regel.h with the texts below. Afterwards *ingang is the
-// entry of: the new line; the line that took the deleted one's place (cleared when none is left); the same
-// line.
-bool wrk_regel_in(ors_ingang* ingang, bool met_model);
+// Afterwards *ingang is the entry of: the new line; the line that took the deleted one's place (cleared when
+// none is left); the same line. The new line comes behind the lines of the model at *ingang, with its own `M`
+// when met_model; registration and time stamp are set in it. A changed line brings its model, texts and
+// records in one copy of the file and keeps its time stamp; in registermodus its texts alone: the rest stands
+// as it was, price file and labels hold the truth.
+bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel);
 bool wrk_regel_uit(ors_ingang* ingang);
-bool wrk_regel_vervang(ors_ingang* ingang);
-// Texts of kinds 3 and 4 of the line in hand, BLOKLEN bytes each.
-extern char modeltekst[BLOKLEN], dessintekst[BLOKLEN];
+bool wrk_regel_vervang(ors_ingang* ingang, orderregel* regel);
 // Automatic restore of an interrupted order, with the journal open: true when the journal has it (back)
 // whole. The scratch files are gone then, and on failure too. Only when the disk refuses the commit, or WRK or ACT
 // may not be read (told), these stay for the next time: `journaal` is closed and null then, and the caller goes back to the

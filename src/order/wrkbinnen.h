@@ -26,7 +26,7 @@ bool tmp_naar_wrk();
 // Write the index built with TMP to the ORS file; false (errno): the old one stands there again.
 bool ors_af();
 
-// The five T records of a text into 310 bytes; a block of nothing but newlines is cleared first.
-void tekst_records(int soort, char* blok, uint8_t* uit);
+// The five T records of a text into 310 bytes; a block of nothing but newlines is empty.
+void tekst_records(int soort, const char* blok, uint8_t* uit);
 
 } // namespace zg

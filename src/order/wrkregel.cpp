@@ -1,6 +1,7 @@
 // Lines into, out of and over one another in the work file. Each change copies WRK to TMP with the index
-// beside it and swaps the two, so WRK is always whole. The record images are not touched by the copy.
+// beside it and swaps the two, so WRK is always whole.
 #include "order/meld.h"
+#include "order/programma.h"
 #include "order/regel.h"
 #include "order/wrk.h"
 #include "order/wrkbinnen.h"
@@ -11,61 +12,46 @@
 
 namespace zg {
 
-char modeltekst[BLOKLEN], dessintekst[BLOKLEN];
-
 namespace {
 
-bool heeft_maat(const orddessin& d, int maat) {
-    return d.maten[maat / 8] >> (maat % 8) & 1;
-}
-
-void schrijf_maten() {
-    for (int maat = 1; maat <= MAAT_MAX; maat++) {
-        if (!heeft_maat(dessin, maat))
+void schrijf_maten(const orderregel& regel) {
+    for (int maat = 1; maat <= MATEN; maat++) {
+        if (!maat_in(regel.dessin.maten, maat))
             continue;
-        maatrec = {};
-        maatrec.maat = static_cast<uint8_t>(maat);
-        maatrec.bruto = regel_bruto_opslag(maat);
-        maatrec.netto = regel_netto_opslag(maat);
-        tmp_schrijf('S', false);
-        for (const regelextra& extra : regel_prijzen.extra) {
-            if (extra.maat != maat)
-                continue;
-            memcpy(ord_beeld(extra.tag), extra.inhoud, sizeof extra.inhoud);
-            tmp_schrijf(extra.tag, false);
-        }
+        ordmaat s{};
+        s.maat = static_cast<uint8_t>(maat);
+        s.bruto = regel_bruto_opslag(regel, maat);
+        s.netto = regel_netto_opslag(regel, maat);
+        tmp_schrijf('S', &s, false);
+        for (const regelextra& extra : regel.opslag.extra)
+            if (extra.maat == maat)
+                tmp_schrijf(extra.tag, extra.inhoud, false);
     }
 }
 
-void schrijf_termen() {
-    for (const levterm& term : levtermen) {
-        levtrec = {term.van, term.tot};
-        tmp_schrijf('L', false);
+void schrijf_termen(const orderregel& regel) {
+    for (const levterm& term : regel.termen) {
+        const ordlevt l = {term.van, term.tot};
+        tmp_schrijf('L', &l, false);
         for (const levcel& cel : term.cellen) {
-            if (cel.aantal <= 0)
-                continue;
-            filrec = {};
-            filrec.filiaal = cel.filiaal;
-            filrec.maat = cel.maat;
-            filrec.aantal = cel.aantal;
-            tmp_schrijf('F', false);
+            const ordfil f = {cel.filiaal, cel.maat, 0, cel.aantal};
+            if (cel.aantal > 0)
+                tmp_schrijf('F', &f, false);
         }
     }
 }
 
-// The line in hand at the end of TMP; *nr becomes its number.
-void schrijf_regel(bool met_model, uint16_t* nr) {
-    if (met_model) {
-        tmp_schrijf('M', true);
-        tmp_tekst(3, modeltekst);
-    }
-    if (ORDERHAKEN.advies_pak)
-        ORDERHAKEN.advies_pak(&dessin);
-    tmp_schrijf('D', true);
-    *nr = static_cast<uint16_t>(aantal_regels);
-    tmp_tekst(4, dessintekst);
-    schrijf_maten();
-    schrijf_termen();
+void schrijf_model(const orderregel& regel) {
+    tmp_schrijf('M', &regel.model, true);
+    tmp_tekst(3, regel.modeltekst);
+}
+
+// The line at the end of TMP, without its model.
+void schrijf_dessin(const orderregel& regel) {
+    tmp_schrijf('D', &regel.dessin, true);
+    tmp_tekst(4, regel.dessintekst);
+    schrijf_maten(regel);
+    schrijf_termen(regel);
 }
 
 // Walk WRK into TMP. `plaats` looks at each record first and answers whether it is copied. A record that
@@ -89,7 +75,7 @@ void toets_ingang(const ors_ingang& ingang) {
 
 } // namespace
 
-bool wrk_regel_in(ors_ingang* ingang, bool met_model) {
+bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel) {
     char eerste = 0;
     if (SYSLEES(werk->fd, &eerste, 1, 0) != 1 || eerste != 'O')
         INTERNAL("wrkregel", 1); // a line before the header would become part of another order
@@ -106,19 +92,25 @@ bool wrk_regel_in(ors_ingang* ingang, bool met_model) {
     }
     if (!tmp_begin_wrk())
         return false;
-    dessin.geregistreerd = registermodus ? 1 : 0;
-    dessin.tijdstempel = static_cast<uint16_t>(NUSECONDEN() / 2);
-    uint16_t nr = 0;
+    regel->dessin.geregistreerd = registermodus ? 1 : 0;
+    regel->dessin.tijdstempel = static_cast<uint16_t>(NUSECONDEN() / 2);
+    int32_t nr = 0;
+    auto schrijf = [&] {
+        if (met_model)
+            schrijf_model(*regel);
+        schrijf_dessin(*regel);
+        nr = aantal_regels;
+    };
     loop_wrk([&](const ordrauw& r) {
         if (r.offset == volgende_m)
-            schrijf_regel(met_model, &nr);
+            schrijf();
         return true;
     });
     if (!nr)
-        schrijf_regel(met_model, &nr);
+        schrijf();
     if (!tmp_naar_wrk())
         return false;
-    ingang->regel = nr;
+    ingang->regel = static_cast<uint16_t>(nr);
     return ors_lees('R', ingang);
 }
 
@@ -144,30 +136,36 @@ bool wrk_regel_uit(ors_ingang* ingang) {
     return true;
 }
 
-bool wrk_regel_vervang(ors_ingang* ingang) {
-    if (registermodus)
-        return true;
+bool wrk_regel_vervang(ors_ingang* ingang, orderregel* regel) {
     toets_ingang(*ingang);
     orddessin oud;
     if (SYSLEES(werk->fd, &oud, sizeof oud, int64_t{ingang->d} + 1) != ssize_t{sizeof oud})
         ord_inconsistent(werk, ingang->d, 'D');
     if (!tmp_begin_wrk())
         return false;
-    dessin.tijdstempel = oud.tijdstempel;
-    bool weg = false;
-    uint16_t nr = 0;
+    regel->dessin.tijdstempel = oud.tijdstempel;
+    bool in_regel = false, teksten_weg = false;
     loop_wrk([&](const ordrauw& r) {
+        if (r.tag == 'O' || r.tag == 'M' || r.tag == 'D')
+            in_regel = teksten_weg = false;
         if (r.offset == ingang->m) {
-            tmp_schrijf('M', true);
-            weg = false;
+            if (registermodus)
+                tmp_rauw(r.data, r.lengte, true), tmp_tekst(3, regel->modeltekst);
+            else
+                schrijf_model(*regel);
+            teksten_weg = true;
             return false;
         }
-        if (r.tag == 'D' || r.tag == 'M' || r.tag == 'O') {
-            weg = r.offset == ingang->d;
-            if (weg)
-                schrijf_regel(false, &nr);
+        if (r.offset == ingang->d) {
+            if (registermodus)
+                tmp_rauw(r.data, r.lengte, true), tmp_tekst(4, regel->dessintekst);
+            else
+                schrijf_dessin(*regel);
+            teksten_weg = registermodus;
+            in_regel = !registermodus;
+            return false;
         }
-        return !weg;
+        return !in_regel && !(teksten_weg && r.tag == 'T');
     });
     return tmp_naar_wrk() && ors_lees('R', ingang);
 }

@@ -5,8 +5,10 @@
 #include "order/start.h"
 #include "order/teksten.h"
 #include "shared/files.h"
+#include "shared/report.h"
 #include "term/prompt.h"
 #include <csignal>
+#include <new>
 
 namespace {
 
@@ -18,14 +20,13 @@ constexpr char MENUPROGRAMMA[] = "zgbsmenu";
 int main(int argc, char** argv) {
     using namespace zg;
     signal(SIGXFSZ, SIG_IGN); // a file at its size limit is an error to tell, not an end
+    std::set_new_handler([] { NOMEM(PROGRAMMA, 1); });
     prog_bouw(__DATE__, __TIME__);
     prog_start(PROGRAMMA, RELEASEDATUM, argc, argv);
     TOPTITEL(TXT(T_ORDERS));
-    aantallen_maak();
     registermodus = IOEXISTS("DTSER.INX") != 0;
     ordparm_lees();
     order_lus();
-    aantallen_weg();
     signal(SIGXFSZ, SIG_DFL);
     prog_exec(MENUPROGRAMMA);
 }

@@ -100,7 +100,7 @@ void zoek(const Rij& gezocht) {
 std::string kolommen(const char* nr, const char* datum, const char* oms, const char* coll, const char* ont,
                      const char* lev) {
     char t[128];
-    bool meer = aantal_filialen > 1;
+    bool meer = firma.filialen > 1;
     if (!z->lev_ordernr)
         snprintf(t, sizeof t, "%6s %-15.15s %-20.20s %-8s", datum, oms, coll, nr);
     else if (z->sleutel == 2 && meer)
@@ -122,7 +122,7 @@ void kopregel() {
     SCRCLREOL(1, 2);
     SCRPUT(A_LABEL, 1, 2, "%s",
            kolommen(TXT(T_Z_ORDERNR), TXT(T_Z_ORDDAT), TXT(T_Z_OMSCHRIJV), TXT(T_Z_COLLECTIE),
-                    aantal_filialen > 1 ? TXT(T_Z_ONT) : "", TXT(T_Z_LEVORDNR))
+                    firma.filialen > 1 ? TXT(T_Z_ONT) : "", TXT(T_Z_LEVORDNR))
                .c_str());
 }
 

@@ -1,6 +1,7 @@
 // The builders, sessions and faults of bouw.h.
 #include "bouw.h"
 #include "shared/files.h"
+#include "support/systeem.h"
 #include "shared/syscalls.h"
 #include "term/vast.h"
 #include <cerrno>
@@ -154,12 +155,11 @@ OrderMap::OrderMap() {
     sessienummer = 3;
     gebruikersrecht = 'A';
     registermodus = false;
-    aantal_filialen = 3;
-    ORDERHAKEN = {};
-    aantallen_maak();
-    memset(modeltekst, 0, BLOKLEN);
-    memset(dessintekst, 0, BLOKLEN);
-    regel_wis();
+    firma.filialen = 3;
+    VASTIN(instel15.valuta, "EUR");
+    schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0')); // no currency in its table
+    Systeem::open();
+    regel_wis(&regel_nu);
 }
 
 OrderMap::~OrderMap() {
@@ -167,7 +167,7 @@ OrderMap::~OrderMap() {
     ord_sluit(journaal);
     werk = journaal = nullptr;
     ors_wis();
-    aantallen_weg();
+    Systeem::sluit();
 }
 
 std::string pad(const char* ext) {
@@ -223,27 +223,25 @@ bool nieuwe_kop(const Order& o) {
 }
 
 void neem_regel(const Model& m, const Regel& l) {
-    regel_wis();
-    model = model_van(m);
-    dessin = dessin_van(l);
-    memset(modeltekst, 0, BLOKLEN);
-    memset(dessintekst, 0, BLOKLEN);
-    m.tekst.copy(modeltekst, BLOKLEN);
-    l.tekst.copy(dessintekst, BLOKLEN);
+    regel_wis(&regel_nu);
+    regel_nu.model = model_van(m);
+    regel_nu.dessin = dessin_van(l);
+    m.tekst.copy(regel_nu.modeltekst, BLOKLEN);
+    l.tekst.copy(regel_nu.dessintekst, BLOKLEN);
     for (const Maat& s : l.maten) {
-        regel_prijzen.bruto[s.maat] = s.bruto;
-        regel_prijzen.netto[s.maat] = s.netto;
+        up_zet_maat(&regel_nu.prijzen, s.maat, s.bruto, s.netto);
         for (char tag : s.extra) {
             regelextra e{static_cast<uint8_t>(s.maat), tag, {}};
             extra_van(s.maat, tag).copy(e.inhoud, sizeof e.inhoud);
-            regel_prijzen.extra.push_back(e);
+            regel_nu.opslag.extra.push_back(e);
         }
     }
     for (const Term& t : l.termen) {
-        std::vector<int32_t> matrix(matrix_cellen());
+        aantalmatrix matrix;
+        fmclear(&matrix);
         for (const Aantal& a : t.aantallen)
-            matrix_cel(matrix.data(), a.filiaal, a.maat) = a.aantal;
-        lt_schrijf(static_cast<uint16_t>(t.van), static_cast<uint16_t>(t.tot), matrix.data());
+            fmadd(&matrix, a.filiaal, a.maat, a.aantal);
+        lt_schrijf(&regel_nu.termen, static_cast<uint16_t>(t.van), static_cast<uint16_t>(t.tot), matrix);
     }
 }
 

@@ -14,7 +14,7 @@ namespace {
 std::string kwalen(const char* ext, ordsoort soort) {
     int fd = open(pad(ext).c_str(), O_RDONLY);
     std::string uit;
-    for (const ordkwaal& k : ord_controle(fd, soort, aantal_filialen, nullptr))
+    for (const ordkwaal& k : ord_controle(fd, soort, firma.filialen, nullptr))
         uit += std::to_string(k.pos) + ": " + k.wat + "\n";
     close(fd);
     return uit;
@@ -68,8 +68,8 @@ TEST(Journaal, nieuwe_order_en_leeggemaakte_order) {
         ors_ingang cursor{};
         for (Regel& l : nieuw.modellen[0].regels) {
             neem_regel(nieuw.modellen[0], l);
-            ASSERT_TRUE(wrk_regel_in(&cursor, cursor.regel == 0));
-            l.tijd = dessin.tijdstempel;
+            ASSERT_TRUE(wrk_regel_in(&cursor, cursor.regel == 0, &regel_nu));
+            l.tijd = regel_nu.dessin.tijdstempel;
         }
         EXPECT_EQ(cursor.regel, 2);
         EXPECT_EQ(kwalen("WRK", ORD_WERK), "");
@@ -124,13 +124,13 @@ TEST(Journaal, regels_in_uit_en_vervangen) {
                 l.tijd = mod.regels[r].tijd; // the moment of adding stays
                 mod.regels[r] = l;
                 neem_regel(mod, l);
-                dessin.tijdstempel = 1;
-                ASSERT_TRUE(wrk_regel_vervang(&cursor));
+                regel_nu.dessin.tijdstempel = 1;
+                ASSERT_TRUE(wrk_regel_vervang(&cursor, &regel_nu));
             } else {
                 Model nieuw{88, "nieuw model", {}};
                 neem_regel(wat == 'm' ? nieuw : mod, l);
-                ASSERT_TRUE(wrk_regel_in(&cursor, wat == 'm'));
-                l.tijd = dessin.tijdstempel;
+                ASSERT_TRUE(wrk_regel_in(&cursor, wat == 'm', &regel_nu));
+                l.tijd = regel_nu.dessin.tijdstempel;
                 verwacht_nr = 1;
                 for (size_t i = 0; i <= m; i++)
                     verwacht_nr += VORM[i];
@@ -237,31 +237,6 @@ TEST(Journaal, alleen_bekeken_verandert_niets) {
             orders[1].status = 4;
         EXPECT_EQ(inhoud("JRN"), bytes(orders));
         EXPECT_EQ(scratch(), "");
-    }
-}
-
-std::string geroepen;
-
-TEST(Journaal, registermodus_roept_het_ordernummer) {
-    OrderMap map;
-    registermodus = true;
-    ORDERHAKEN.ordnr_schrijf = [] { geroepen += "schrijf " + std::to_string(kop.orderdatum) + ' '; };
-    ORDERHAKEN.ordnr_wis = [] { geroepen += "wis "; };
-    ORDERHAKEN.label_los = [] { geroepen += "los "; };
-    struct {
-        int order;
-        bool leeg;
-        const char* verwacht;
-    } const rijen[] = {{1, false, "schrijf 42402 "}, {1, true, "wis los "}, {-1, false, ""}};
-    for (const auto& rij : rijen) {
-        geroepen.clear();
-        zet("JRN", bytes(DRIE));
-        ASSERT_TRUE(kies(rij.order));
-        ors_ingang cursor = regel_op(1);
-        while (rij.leeg && cursor.regel)
-            wrk_regel_uit(&cursor);
-        sluit();
-        EXPECT_EQ(geroepen, rij.verwacht) << rij.order;
     }
 }
 

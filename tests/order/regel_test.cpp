@@ -3,6 +3,8 @@
 #include "bouw.h"
 #include "order/regelscherm.h"
 #include "shared/syscalls.h"
+#include "term/vast.h"
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -13,48 +15,73 @@
 namespace zg::test {
 namespace {
 
-// An order of one model with this line, opened, the line loaded.
+// An order of one model with this line, opened, the line in hand.
 void open_regel(const Regel& l, int korting = 0) {
     Order o{42500, "", "", {{1, "m", {l}}}, 0, korting};
     zet("JRN", bytes(o));
     ASSERT_TRUE(kies(0));
-    ASSERT_TRUE(regel_lees(regel_op(1)));
-}
-
-TEST(Regel, nettoprijs_met_en_zonder_orderkorting) {
-    struct {
-        int32_t opgeslagen;
-        int korting;
-        int32_t geladen;
-        int32_t terug; // written when the price in hand is set anew
-    } const rijen[] = {
-        {1000, 0, 1000, 1000}, {1000, -250, 975, 1000},
-        {100, -250, 98, 101},  {1, -5000, 1, 2},
-        {0, 0, 1, 1},          {100, 1000, 110, 100},
-        {999, -10000, 1, 1},   {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
-        {-3, 0, -3, -3},
-    };
-    for (const auto& rij : rijen) {
-        auto k = static_cast<int16_t>(rij.korting);
-        EXPECT_EQ(netto_uit_opslag(rij.opgeslagen, k), rij.geladen) << rij.opgeslagen << " " << rij.korting;
-        EXPECT_EQ(netto_voor_opslag(rij.geladen, k), rij.terug) << rij.opgeslagen << " " << rij.korting;
-    }
+    ASSERT_TRUE(regel_lees(regel_op(1), &regel_nu));
 }
 
 TEST(Regel, prijs_die_niemand_wijzigde_gaat_terug_zoals_hij_was) {
     OrderMap map;
-    Regel l{5, "t", {{1, 200, 100, "EB"}, {40, 300, 0, "B"}, {95, 400, 77, "E"}}, {}};
+    Regel l{5,
+            "t",
+            {{1, 200, 100, "EB"}, {7, 0, -3, ""}, {40, 300, 0, "B"}, {94, 0, 0, ""}, {95, 400, 77, "E"}},
+            {}};
     open_regel(l, -250);
-    EXPECT_EQ(regel_prijzen.netto[1], 98);
-    EXPECT_EQ(regel_prijzen.netto[40], 1);
-    regel_prijzen.netto[95] = 50;
-    dessin.maten[0] = 0; // size 1 goes, and its extensions with it
+    EXPECT_EQ(regel_nu.prijzen.netto[1], 98);
+    EXPECT_EQ(regel_nu.prijzen.netto[7], 1);
+    EXPECT_EQ(regel_nu.prijzen.bruto[7], 1);
+    EXPECT_EQ(regel_nu.prijzen.netto[2], 0);
+    up_zet(&regel_nu.prijzen.netto, 95, 50);
+    up_zet(&regel_nu.prijzen.netto, 94, PRIJS_ONBEKEND);
+    maat_uit(regel_nu.dessin.maten, 1); // its extensions go with it
     ors_ingang e = regel_op(1);
-    strcpy(dessintekst, "t");
-    ASSERT_TRUE(wrk_regel_vervang(&e));
+    ASSERT_TRUE(wrk_regel_vervang(&e, &regel_nu));
     sluit();
-    l.maten = {{40, 300, 0, "B"}, {95, 400, 51, "E"}};
+    l.maten = {{7, 0, -3, ""}, {40, 300, 0, "B"}, {94, 0, 0, ""}, {95, 400, 51, "E"}};
     EXPECT_EQ(inhoud("JRN"), bytes(Order{42500, "", "", {{1, "m", {l}}}, 0, -250}));
+}
+
+TEST(Regel, dubbel_zonder_wat_bij_het_origineel_hoort) {
+    OrderMap map;
+    Regel l{5, "t", {{1, 200, 100, "EB"}}, {{42000, 42010, {{1, 1, 3}}}}};
+    open_regel(l, -250);
+    regel_nu.dessin.volgnummer = 9;
+    regel_dupliceer(&regel_nu);
+    ors_ingang e = regel_op(1);
+    ASSERT_TRUE(wrk_regel_in(&e, false, &regel_nu));
+    Regel kopie = l;
+    kopie.maten[0].extra = "";
+    kopie.tijd = regel_nu.dessin.tijdstempel;
+    sluit();
+    EXPECT_EQ(inhoud("JRN"), bytes(Order{42500, "", "", {{1, "m", {l, kopie}}}, 0, -250}));
+}
+
+// In registermodus the records behind D belong to the register; texts are the journal's own.
+TEST(Regel, registermodus_wijzigt_de_teksten_en_niets_anders) {
+    OrderMap map;
+    Order o = maak_order(2, {1, 2});
+    zet("JRN", bytes(o));
+    registermodus = true;
+    ASSERT_TRUE(kies(0));
+    for (int nr : {3, 2}) {
+        ors_ingang e = regel_op(nr);
+        ASSERT_TRUE(regel_lees(e, &regel_nu));
+        EXPECT_EQ(matrix_totalen(regel_nu.order_aantallen)[0], 0);
+        regel_nu.model.merk = 99;
+        memset(regel_nu.dessin.dessin, 'x', sizeof regel_nu.dessin.dessin);
+        strcpy(regel_nu.modeltekst, "model nieuw");
+        strcpy(regel_nu.dessintekst, nr == 3 ? "regel nieuw" : "\n");
+        ASSERT_TRUE(wrk_regel_vervang(&e, &regel_nu));
+        EXPECT_EQ(e.regel, nr);
+    }
+    o.modellen[1].tekst = "model nieuw";
+    o.modellen[1].regels[0].tekst = "";
+    o.modellen[1].regels[1].tekst = "regel nieuw";
+    EXPECT_EQ(inhoud("WRK"), bytes(o, true));
+    sluit();
 }
 
 TEST(Regel, termen_met_dezelfde_laatste_datum_worden_een) {
@@ -66,19 +93,21 @@ TEST(Regel, termen_met_dezelfde_laatste_datum_worden_een) {
         {{42010, 42020, {{2, 1, 4}, {0, 1, 3}}}, {42000, 42015, {}}, {42005, 42020, {{0, 1, 5}, {1, 1, 2}}}}};
     open_regel(l);
     uint16_t van = 0, tot = 0;
-    std::vector<int32_t> m(matrix_cellen());
-    ASSERT_TRUE(lt_lees('N', &van, &tot, m.data()));
+    aantalmatrix m;
+    const levtermen& termen = regel_nu.termen;
+    ASSERT_TRUE(lt_lees(termen, 'N', &van, &tot, &m));
     EXPECT_EQ(tot, 42015);
-    EXPECT_EQ(matrix_cel(m.data(), 3, 0), 0);
-    ASSERT_TRUE(lt_lees('N', &van, &tot, m.data()));
+    EXPECT_EQ(matrix_cel(m, 3, 0), 0);
+    ASSERT_TRUE(lt_lees(termen, 'N', &van, &tot, &m));
     EXPECT_EQ(van, 42005);
-    EXPECT_EQ(matrix_cel(m.data(), 0, 1), 8);
-    EXPECT_EQ(matrix_cel(m.data(), 3, 1), 14);
-    EXPECT_FALSE(lt_lees('N', &van, &tot, m.data()));
-    EXPECT_EQ(matrix_cel(order_aantallen, 3, 0), 14);
+    EXPECT_EQ(matrix_cel(m, 0, 1), 8);
+    EXPECT_EQ(matrix_cel(m, 3, 1), 14);
+    EXPECT_FALSE(lt_lees(termen, 'N', &van, &tot, &m));
+    EXPECT_EQ(matrix_cel(regel_nu.order_aantallen, 3, 0), 14);
+    EXPECT_EQ(regel_nu.nota_aantallen, regel_nu.order_aantallen);
     // Written by last date, quantities by branch.
     ors_ingang e = regel_op(1);
-    ASSERT_TRUE(wrk_regel_vervang(&e));
+    ASSERT_TRUE(wrk_regel_vervang(&e, &regel_nu));
     sluit();
     l.termen = {{42000, 42015, {}}, {42005, 42020, {{0, 1, 8}, {1, 1, 2}, {2, 1, 4}}}};
     EXPECT_EQ(inhoud("JRN"), bytes(Order{42500, "", "", {{1, "m", {l}}}}));
@@ -86,70 +115,94 @@ TEST(Regel, termen_met_dezelfde_laatste_datum_worden_een) {
 
 TEST(Regel, lijst_van_termen) {
     OrderMap map;
-    std::vector<int32_t> m(matrix_cellen());
-    lt_wis();
+    levtermen termen;
     for (int tot : {300, 100, 200}) {
-        matrix_cel(m.data(), 1, 7) = tot;
-        lt_schrijf(50, static_cast<uint16_t>(tot), m.data());
+        aantalmatrix m;
+        fmclear(&m);
+        fmadd(&m, 1, 7, tot);
+        lt_schrijf(&termen, 50, static_cast<uint16_t>(tot), m);
     }
-    EXPECT_EQ(lt_volgnr(200), 2);
-    EXPECT_EQ(lt_volgnr(150), 0);
-    EXPECT_FALSE(lt_verzet(200, 60, 300)) << "another term has that date";
-    EXPECT_FALSE(lt_verzet(150, 60, 160));
-    EXPECT_TRUE(lt_verzet(100, 60, 400));
+    EXPECT_EQ(lt_volgnr(termen, 200), 2);
+    EXPECT_EQ(lt_volgnr(termen, 150), 0);
+    EXPECT_FALSE(lt_verzet(&termen, 200, 60, 300)) << "another term has that date";
+    EXPECT_FALSE(lt_verzet(&termen, 150, 60, 160));
+    EXPECT_TRUE(lt_verzet(&termen, 100, 60, 400));
     uint16_t van, tot;
-    ASSERT_TRUE(lt_nr(3, &van, &tot, m.data()));
+    aantalmatrix m;
+    ASSERT_TRUE(lt_nr(termen, 3, &van, &tot, &m));
     EXPECT_EQ(tot, 400);
     EXPECT_EQ(van, 60);
-    EXPECT_EQ(matrix_cel(m.data(), 3, 7), 100);
-    EXPECT_FALSE(lt_nr(0, &van, &tot, nullptr));
-    EXPECT_FALSE(lt_nr(4, &van, &tot, nullptr));
-    EXPECT_EQ(lt_aantal(), 3);
+    EXPECT_EQ(matrix_cel(m, 3, 7), 100);
+    EXPECT_FALSE(lt_nr(termen, 0, &van, &tot, nullptr));
+    EXPECT_FALSE(lt_nr(termen, 4, &van, &tot, nullptr));
 }
 
-TEST(Regel, lopen_langs_andere_regels_laat_de_cursor_staan) {
+// One value for a whole walk, lines of one model and of several: nothing of one line is left in the next.
+TEST(Regel, elke_regel_van_een_loop_is_de_hare) {
     OrderMap map;
-    zet("JRN", bytes(std::vector<Order>{maak_order(2, {2, 2})}));
+    Order o = maak_order(2, {2, 3, 1});
+    zet("JRN", bytes(o));
     ASSERT_TRUE(kies(0));
-    ors_ingang e = regel_op(2);
-    ASSERT_TRUE(regel_lees(e));
-    regelgebied voor, na, langs;
-    regel_bewaar(&voor);
-    for (bool er = ors_lees('F', &e); er; er = ors_lees('N', &e)) {
-        ASSERT_TRUE(regel_lees_in(e, &langs));
-        EXPECT_EQ(langs.dessin.kleur, 200 + e.regel);
-        char tekst[BLOKLEN];
-        ASSERT_TRUE(regel_teksten(e, nullptr, tekst));
-        EXPECT_EQ(strlen(tekst), langs.dessin.kleur % 3 ? 0U : 77U);
-    }
-    regel_bewaar(&na);
-    EXPECT_EQ(memcmp(&voor.dessin, &na.dessin, sizeof na.dessin), 0);
-    EXPECT_EQ(voor.aantallen, na.aantallen);
-    EXPECT_EQ(memcmp(voor.prijzen.netto, na.prijzen.netto, sizeof na.prijzen.netto), 0);
-    // An entry that points elsewhere does not load.
+    const int32_t plaats = werk->offset;
+    regelloop loop;
+    regelloop_begin(&loop);
+    orderregel r;
+    ors_ingang e{};
+    int nr = 0;
+    for (const Model& m : o.modellen)
+        for (const Regel& l : m.regels) {
+            SCOPED_TRACE(++nr);
+            ASSERT_TRUE(ors_lees('N', &e));
+            ASSERT_TRUE(regel_lees(&loop, e, &r));
+            EXPECT_EQ(r.model.merk, m.merk);
+            EXPECT_EQ(r.dessin.kleur, l.kleur);
+            EXPECT_EQ(std::string(r.modeltekst), m.tekst);
+            EXPECT_EQ(std::string(r.dessintekst), l.tekst);
+            EXPECT_EQ(r.termen.size(), l.termen.size());
+            int64_t som = 0;
+            for (const Term& t : l.termen)
+                for (const Aantal& a : t.aantallen)
+                    som += a.aantal;
+            EXPECT_EQ(matrix_totalen(r.order_aantallen)[0], som);
+            for (int maat = 1; maat <= MATEN; maat++) {
+                auto s = std::find_if(l.maten.begin(), l.maten.end(),
+                                      [&](const Maat& x) { return x.maat == maat; });
+                EXPECT_EQ(up_lees(r.prijzen.bruto, maat), s == l.maten.end() ? 0 : std::max(s->bruto, 1));
+            }
+        }
+    EXPECT_EQ(nr, 6);
+    EXPECT_EQ(werk->offset, plaats) << "a walk leaves the handle alone";
+    // An entry that points elsewhere does not load, and leaves nothing.
     for (ors_ingang fout : std::array<ors_ingang, 4>{
-             {{1, 0, 0, e.d}, {1, 0, e.m, e.d + 1}, {1, 0, -1, e.d}, {1, 0, e.m, INT32_MAX}}})
-        EXPECT_FALSE(regel_lees_in(fout, &langs)) << fout.m << " " << fout.d;
+             {{1, 0, 0, e.d}, {1, 0, e.m, e.d + 1}, {1, 0, -1, e.d}, {1, 0, e.m, INT32_MAX}}}) {
+        EXPECT_FALSE(regel_lees(&loop, fout, &r)) << fout.m << " " << fout.d;
+        EXPECT_EQ(r.dessin.kleur, 0);
+    }
     sluit();
 }
 
-// More than 32 bits hold: 95 sizes of the largest price in large numbers.
-TEST(Regel, totalen_lopen_niet_over) {
-    regelprijzen prijzen{};
-    int32_t rij[MAATKOLOMMEN] = {};
-    for (int m = 1; m <= MAAT_MAX; m++) {
-        prijzen.bruto[m] = 2000000000;
-        rij[m] = 1000000;
-    }
-    rij[2] = -5;    // what isn't above 0 doesn't count
-    rij[0] = 12345; // the row's own total isn't a size
-    ordertotalen t;
+// More than 32 bits hold: 95 sizes of the largest price in large numbers. Surcharge and rate in the purchase
+// value; a price that isn't known yet counts nothing.
+TEST(Regel, totalen) {
+    OrderMap map;
+    regel_wis(&regel_nu);
     kop = {};
-    regel_totaal(rij, prijzen, &t);
+    VASTIN(kop.valuta, "USD");
+    kop.koers = 9000;
+    kop.toeslag = 12000;
+    order_prijscontext();
+    for (int m = 1; m <= MATEN; m++) {
+        up_zet_maat(&regel_nu.prijzen, m, 2000000000, m == 3 ? PRIJS_ONBEKEND : 100);
+        fmadd(&regel_nu.order_aantallen, 1, m, m == 2 ? 0 : 1000000);
+    }
+    up_inkoop_alle(&regel_nu.prijzen);
+    ordertotalen t;
+    regel_totaal(regel_nu, &t);
     EXPECT_EQ(t.regels, 0);
     EXPECT_EQ(t.stuks, 94 * 1000000LL);
     EXPECT_EQ(t.bruto, 94 * 1000000LL * 2000000000LL);
-    EXPECT_EQ(t.netto, 0);
+    EXPECT_EQ(t.netto, 93 * 1000000LL * 100);
+    EXPECT_EQ(t.inkoop, 93 * 1000000LL * 108);
     ordertotaal = {};
     order_totaal_bij('+', t);
     order_totaal_bij('+', t);

@@ -57,12 +57,12 @@ int sessie(const Sessie& s, const std::function<void()>& gezien) {
     } else if (werk->tag == 'O' && inhoud("WRK").size()) {
         for (int i = 0; i < 2; i++) {
             neem_regel(m, maak_regel(70 + i));
-            wrk_regel_in(&cursor, true);
+            wrk_regel_in(&cursor, true, &regel_nu);
             gezien();
         }
         if (cursor.regel) {
             neem_regel(m, maak_regel(80));
-            wrk_regel_vervang(&cursor);
+            wrk_regel_vervang(&cursor, &regel_nu);
             gezien();
             wrk_regel_uit(&cursor);
         }
@@ -351,7 +351,7 @@ TEST(Schade, regel_met_onmogelijke_inhoud) {
         rij.maak(l);
         zet("JRN", bytes(orders));
         std::string gezegd;
-        int einde = in_kind([] { return kies(0) && regel_lees(regel_op(1)) ? 0 : 9; }, &gezegd);
+        int einde = in_kind([] { return kies(0) && regel_lees(regel_op(1), &regel_nu) ? 0 : 9; }, &gezegd);
         EXPECT_EQ(einde, rij.tag ? 1 : 0) << rij.wat << gezegd;
         if (rij.tag) {
             EXPECT_NE(gezegd.find("ORD0012.WRK inconsistent"), std::string::npos) << rij.wat << gezegd;
@@ -405,12 +405,12 @@ TEST(Schade, willekeurige_bytes) {
                     if (!kies(n))
                         return 0;
                     ors_ingang e{};
-                    regelgebied g;
+                    regelloop loop;
+                    regelloop_begin(&loop);
                     for (bool er = ors_lees('F', &e); er; er = ors_lees('N', &e))
-                        if (!regel_lees_in(e, &g))
-                            ord_tekst_lees(werk, 4, modeltekst);
-                    if (e.regel && regel_lees(e)) {
-                        wrk_regel_vervang(&e);
+                        regel_lees(&loop, e, &regel_nu);
+                    if (e.regel && regel_lees(e, &regel_nu)) {
+                        wrk_regel_vervang(&e, &regel_nu);
                         wrk_regel_uit(&e);
                     }
                     sluit();

@@ -1,6 +1,9 @@
 // Currencies, rates by date, conversion and the integer form of rates.
 #include "price/ing_val.h"
 #include "price/koers.h"
+#include "price/uniprijs.h"
+#include "shared/syscalls.h"
+#include <unistd.h>
 #include "support/proces.h"
 #include "support/systeem.h"
 #include "term/datum.h"
@@ -148,6 +151,75 @@ TEST_F(Koersen, ShortestRate) {
     // Bounds of 1.2345 and 1.2351: the first digit that differs, halfway.
     EXPECT_DOUBLE_EQ(koers_vernauwen("USD", 1667, 2058, 10000), 1.2345);
     EXPECT_DOUBLE_EQ(koers_vernauwen("USD", 0, 100, 10000), 1.0) << "no price to divide by";
+}
+
+// Order discount on and off a stored net price; `terug` is what a price that was set anew is stored as.
+TEST(Prijzen, orderkorting_erbij_en_eraf) {
+    struct {
+        int32_t opgeslagen;
+        int korting;
+        int32_t netto, terug;
+    } const rijen[] = {
+        {1000, 0, 1000, 1000},
+        {1000, -250, 975, 1000},
+        {100, -250, 98, 101},
+        {1, -5000, 1, 2},
+        {0, 0, 1, 1},
+        {100, 1000, 110, 100},
+        {999, -10000, 1, 1},
+        {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
+        {2000, -500, 1900, 2000},
+    };
+    for (const auto& r : rijen) {
+        const auto k = static_cast<int16_t>(r.korting);
+        EXPECT_EQ(toeslag_erbij(r.opgeslagen, k), r.netto) << r.opgeslagen << " " << r.korting;
+        EXPECT_EQ(toeslag_eraf(r.netto, k), r.terug) << r.opgeslagen << " " << r.korting;
+    }
+}
+
+ssize_t gelezen_keren;
+ssize_t tel_pread(int fd, void* buf, size_t n, off_t plaats) {
+    gelezen_keren++;
+    return pread(fd, buf, n, plaats);
+}
+
+TEST_F(Koersen, purchase_row_in_its_context) {
+    prijsrijen rijen{};
+    up_zet_maat(&rijen, 1, 500, 10000);
+    up_zet_maat(&rijen, 2, 500, PRIJS_ONBEKEND);
+    up_zet_maat(&rijen, 95, -4, 0);
+    up_zet_maat(&rijen, 40, 1, INT32_MAX - 1);
+    EXPECT_EQ(rijen.bruto[95], 1);
+    struct {
+        const char* code;
+        double koers;
+        int32_t factor, inkoop1, inkoop40;
+    } const gevallen[] = {
+        {"USD", 0.915, 10850, 9928, 2131968077},
+        {"USD", 2, 0, 20000, INT32_MAX - 1}, // never the mark
+        {"JPY", 1, 10000, 1000000, INT32_MAX - 1},
+        {"", 1, 10000, 10000, INT32_MAX - 1},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.code);
+        up_valuta(g.code, g.koers, g.factor);
+        up_inkoop_alle(&rijen);
+        EXPECT_EQ(rijen.inkoop[1], g.inkoop1);
+        EXPECT_EQ(rijen.inkoop[40], g.inkoop40);
+        EXPECT_EQ(rijen.inkoop[2], PRIJS_ONBEKEND);
+        EXPECT_EQ(rijen.inkoop[3], 0);
+        EXPECT_EQ(rijen.inkoop[95], naar_thuis_factor(1, g.code, g.koers, up_context.koersfactor));
+    }
+    // A rate of the day is looked up once, not for each price.
+    up_valuta("USD", 0, 10000);
+    EXPECT_DOUBLE_EQ(up_context.koers, koers_vandaag("USD"));
+    const SYSCALLS echt = SYS;
+    SYS.pread = tel_pread;
+    gelezen_keren = 0;
+    up_inkoop_alle(&rijen);
+    SYS = echt;
+    EXPECT_EQ(gelezen_keren, 0);
+    EXPECT_EQ(rijen.inkoop[1], naar_thuis(10000, "USD", koers_vandaag("USD")));
 }
 
 TEST_F(Koersen, Texts) {

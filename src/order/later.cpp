@@ -1,0 +1,60 @@
+// What doesn't stand yet, see order/later.h. Each row goes when its module comes.
+#include "order/later.h"
+#include "order/teksten.h"
+#include "term/prompt.h"
+#include "term/scherm.h"
+
+namespace zg {
+
+namespace {
+
+bool nog_niet() {
+    MELDBOX(MELD_INFO, TXT(T_NOG_NIET_BESCHIKBAAR), nullptr, nullptr);
+    return false;
+}
+
+} // namespace
+
+bool serie_toevoegen() {
+    return nog_niet();
+}
+bool serie_bijbestellen() {
+    return nog_niet();
+}
+bool serie_dupliceren(bool*) {
+    return nog_niet();
+}
+bool serie_model(bool) {
+    return nog_niet();
+}
+bool serie_dessin(bool) {
+    return nog_niet();
+}
+bool serie_prijzen(bool) {
+    return nog_niet();
+}
+bool aantal_scherm(bool) {
+    return nog_niet();
+}
+void order_matrix() {
+    nog_niet();
+}
+
+Serie serie_laad(const ors_ingang&, orderregel*, bool) {
+    return Serie::niet_beschikbaar;
+}
+void serie_los() {}
+bool serie_bewaar(const orderregel&) {
+    return true;
+}
+void label_korting(const orderregel&) {}
+bool label_wis(const orderregel&) {
+    // Labels can't be left behind without the line that they are of.
+    error("%s", TXT(T_REGEL_HEEFT_ETIKETTEN));
+    return false;
+}
+void ordnr_schrijf() {}
+void ordnr_wis() {}
+void label_los() {}
+
+} // namespace zg
