@@ -48,7 +48,7 @@ bool serie_bewaar(const orderregel&) {
     return true;
 }
 void label_korting(const orderregel&) {}
-bool label_wis(const orderregel&) {
+bool label_kan_weg(const orderregel&) {
     // Labels can't be left behind without the line that they are of.
     error("%s", TXT(T_REGEL_HEEFT_ETIKETTEN));
     return false;

@@ -24,9 +24,9 @@ enum class Serie { gelezen, weg, andere, niet_beschikbaar };
 Serie serie_laad(const ors_ingang& ingang, orderregel* regel, bool vergrendel);
 void serie_los(); // give the lock on the series up
 bool serie_bewaar(const orderregel& regel);
-// Labels of a line: take a changed order discount; be gone before the line is deleted, false keeps the line.
-void label_korting(const orderregel& regel);
-bool label_wis(const orderregel& regel);
+// Can a line go with its labels? Tells why not.
+bool label_kan_weg(const orderregel& regel);
+void label_korting(const orderregel& regel); // a changed order discount into a line's labels
 
 // The commit of an order: its number record written; or removed, and out of the labels.
 void ordnr_schrijf();

@@ -313,9 +313,9 @@ void dupliceer(Blad& blad) {
 }
 
 void verwijder(Blad& blad, const ordertotalen& totaal) {
-    if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
+    if (registermodus && !label_kan_weg(regel_nu))
         return;
-    if (registermodus && !label_wis(regel_nu))
+    if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
         return;
     if (!wrk_regel_uit(&regelingang))
         return;
