@@ -93,6 +93,19 @@ public:
     }
 };
 
+// Keys, and then what must stand where.
+struct Kijk {
+    int rij, kolom;
+    std::string tekst;
+};
+inline void stappen(Terminal& t, std::initializer_list<std::pair<const char*, std::vector<Kijk>>> lijst) {
+    for (const auto& [toetsen, beeld] : lijst) {
+        t.toetsen(toetsen);
+        for (const Kijk& k : beeld)
+            t.wacht_op(k.rij, k.kolom, k.tekst);
+    }
+}
+
 struct Doos {
     int rij = 0, kolom = 0, hoogte = 0, breedte = 0;
     bool operator==(const Doos&) const = default;

@@ -2,6 +2,7 @@
 #include "gesprek.h"
 #include "term/ingave.h"
 #include "term/menu.h"
+#include <cstring>
 
 using namespace zg;
 using namespace zg::test;
@@ -96,24 +97,18 @@ TEST(Menu, BalkOpHetScherm) {
         TOETS();
         return klaar(m, s);
     });
-    EXPECT_EQ(t.regel(2), "  Orders  Prijzen  Los  Dicht");
+    const std::string rij = "  Orders  Prijzen  Los  Dicht  ";
+    stappen(t, {{"", {{2, 1, rij}}}});
     EXPECT_TRUE(t.cel(2, 3).keus && t.cel(2, 9).keus);
     EXPECT_FALSE(t.cel(2, 11).keus);
     EXPECT_NE(t.cel(2, 11).voor, t.cel(2, 12).voor); // the hot letter
     EXPECT_EQ(t.cel(2, 25).voor, t.cel(2, 26).voor); // none on a disabled item
-    t.toetsen("<Right><Down>");
-    EXPECT_EQ(doos(t), (Doos{3, 10, 4, 11}));
-    EXPECT_EQ(t.stuk(4, 10, 11), "│ Netto   │");
-    EXPECT_EQ(t.stuk(5, 10, 11), "│ Valuta →│");
-    t.toetsen("<Down><Enter>");
-    EXPECT_EQ(t.stuk(5, 20, 13), "┌──────────┐ ");
-    EXPECT_EQ(t.stuk(6, 20, 13), "│ Koers    │ ");
-    t.toetsen("<Esc><Esc><Esc>");
-    EXPECT_EQ(t.regel(2), "  Orders  Prijzen  Los  Dicht");
+    stappen(t, {{"<Right><Down>", {{3, 10, "┌─────────┐"}, {4, 10, "│ Netto   │"}, {5, 10, "│ Valuta →│"}}},
+                {"<Down><Enter>", {{5, 20, "┌──────────┐ "}, {6, 20, "│ Koers    │ "}}},
+                {"<Esc><Esc><Esc>", {{2, 1, rij}}}});
     EXPECT_TRUE(t.cel(2, 3).keus && t.cel(2, 12).keus); // at rest the items stand reversed
     EXPECT_FALSE(t.cel(2, 60).keus);
-    t.toetsen("x");
-    EXPECT_EQ(t.regel(2), ""); // freed: the row is clean again
+    stappen(t, {{"x", {{2, 1, std::string(80, ' ')}}}}); // freed: the row is clean again
     EXPECT_EQ(t.antwoord(), "h2 0 355");
 }
 
@@ -124,22 +119,14 @@ TEST(Menu, BredeBalkSchuift) {
             TR_ADD(m, -1, vorm("Menu nummer %02d", i).c_str(), i, 1, 0, nullptr);
         return klaar(m, run(m, 0));
     });
-    // 16 columns an item: four fit.
-    EXPECT_EQ(t.regel(2), "  Menu nummer 01  Menu nummer 02  Menu nummer 03  Menu nummer 04" +
-                              std::string(15, ' ') + "→");
-    t.toetsen("<Right><Right><Right><Right>");
-    EXPECT_EQ(t.stuk(2, 1, 18), "← Menu nummer 02  ");
-    EXPECT_TRUE(t.cel(2, 52).keus);
-    t.toetsen("<Down>");
-    EXPECT_EQ(doos(t), (Doos{3, 50, 3, 18}));
-    t.toetsen("<Esc>");
-    for (int i = 0; i < 5; i++)
-        t.toetsen("<Left>");
-    EXPECT_EQ(t.stuk(2, 1, 18), "← Menu nummer 17  ");
-    EXPECT_EQ(t.stuk(2, 79, 2), "  ");
-    t.toetsen("<Enter>");
-    EXPECT_EQ(doos(t), (Doos{3, 50, 3, 18}));
-    t.toetsen("<Enter>");
+    const std::string leeg(15, ' '); // 16 columns an item: four fit
+    stappen(t,
+            {{"", {{2, 1, "  Menu nummer 01  Menu nummer 02  Menu nummer 03  Menu nummer 04" + leeg + "→"}}},
+             {"<Right><Right><Right><Right>", {{2, 1, "← Menu nummer 02  "}}},
+             {"<Down>", {{3, 50, "┌────────────────┐"}, {5, 50, "└────────────────┘"}}},
+             {"<Esc><Left><Left><Left><Left><Left>", {{2, 1, "← Menu nummer 17  "}, {2, 79, "  "}}},
+             {"<Enter>", {{3, 50, "┌────────────────┐"}}},
+             {"<Enter>", {}}});
     EXPECT_EQ(t.antwoord(), "20 10");
 }
 
@@ -148,6 +135,8 @@ TEST(Menu, PopupPlaats) {
         const char* naam;
         int vlag, rij, kolom, breedte, items;
         Doos doos;
+        const char* keys = "<Enter>";
+        int keus = 2;
     } const gevallen[] = {
         {"as given", 0, 5, 10, 20, 4, {5, 10, 6, 22}},
         {"automatic width", 1, 5, 10, 0, 4, {5, 10, 6, 12}},
@@ -158,42 +147,27 @@ TEST(Menu, PopupPlaats) {
         {"too low", 0, 21, 10, 20, 4, {20, 10, 6, 22}},
         {"row past the edge", 0, 24, 10, 20, 4, {2, 10, 6, 22}},
         {"just fits", 0, 20, 10, 20, 4, {20, 10, 6, 22}},
-        {"taller than the screen", 0, 5, 10, 20, 60, {2, 10, 24, 22}},
+        {"taller than the screen", 0, 5, 10, 20, 60, {2, 10, 24, 22}, "<Up><Up><Up><Down><Enter>", 60},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.naam);
         Gesprek t([&] {
-            TR_MENU* m = TR_NEW(g.vlag, g.rij, g.kolom, g.breedte, nullptr);
-            for (int i = 1; i <= g.items; i++)
-                TR_ADD(m, -1, vorm("Regel %02d", i).c_str(), i, 1, 0, nullptr);
+            TR_MENU* m = TR_NEW(g.vlag, g.rij, g.kolom, g.breedte, "Lang");
+            for (int i = 1; i <= g.items; i++) // the tall one scrolls, past a separator
+                TR_ADD(m, -1, vorm("Regel %02d", i).c_str(), i, i == 59 ? 2 : 1, 0, nullptr);
             std::string s = run(m, 2);
             int plaats = m->aantal;
+            TOETS();
             return klaar(m, s + vorm(" %d", plaats));
         });
         EXPECT_EQ(doos(t), g.doos) << t.scherm();
         EXPECT_TRUE(t.cel(g.doos.rij + 2, g.doos.kolom + 1).keus);
-        t.toetsen("<Enter>");
-        EXPECT_EQ(t.antwoord(), vorm("2 10 %d", g.items));
+        t.toetsen(std::string(g.keys).substr(0, strlen(g.keys) - 7));
+        if (g.items > 20)
+            t.wacht_op(24, 10, "│ Regel 60           │");
+        t.toetsen("<Enter>x");
+        EXPECT_EQ(t.antwoord(), vorm("%d 10 %d", g.keus, g.items));
     }
-}
-
-TEST(Menu, HogerDanHetScherm) {
-    Gesprek t([] {
-        TR_MENU* m = TR_NEW(1, 2, 2, 0, "Lang");
-        for (int i = 1; i <= 60; i++)
-            TR_ADD(m, -1, vorm("Regel %02d", i).c_str(), i, i % 7 ? 1 : 2, 0, nullptr);
-        return klaar(m, run(m, 0));
-    });
-    EXPECT_EQ(t.stuk(2, 6, 6), "─Lang─");
-    t.toetsen("<Up>");
-    EXPECT_EQ(t.stuk(24, 2, 14), "│ Regel 60   │");
-    EXPECT_TRUE(t.cel(24, 4).keus);
-    t.toetsen("<Down>");
-    EXPECT_EQ(t.stuk(3, 2, 14), "│ Regel 01   │");
-    for (int i = 0; i < 25; i++)
-        t.toetsen("<Down>");
-    t.toetsen("<Enter>");
-    EXPECT_EQ(t.antwoord(), "30 10");
 }
 
 // A row of submenus beside each other: right, right, then no room: to the left, then against the edge.
@@ -210,18 +184,14 @@ TEST(Menu, GenesteSubmenus) {
         TR_WIDTH(m, 3, 60);
         return klaar(m, run(m, 0));
     });
-    EXPECT_EQ(doos(t), (Doos{5, 30, 3, 26}));
-    t.toetsen("<Right>");
-    EXPECT_EQ(t.stuk(6, 54, 27), "→┌────────────────────────┐");
-    t.toetsen("<Enter>"); // column 80 has no room for it: left of its parent
-    EXPECT_EQ(t.stuk(7, 24, 32), "┌──────────────────────────────┐");
-    t.toetsen("d"); // nor is there room on the left: against the edge
-    EXPECT_EQ(t.stuk(8, 18, 5) + t.stuk(10, 79, 2), " ┌────┘");
-    t.toetsen("<Left>dv");
-    EXPECT_EQ(t.stuk(4, 55, 26) + t.stuk(25, 80, 1), "┌────────────────────────┐┘");
-    t.toetsen("<Left>");
-    EXPECT_EQ(t.stuk(4, 55, 26) + t.stuk(9, 20, 5), std::string(26, ' ') + " Vier");
-    t.toetsen("<Esc><Esc><Esc><Esc>");
+    const std::string weg(26, ' ');
+    stappen(t, {{"", {{5, 30, "┌────────────────────────┐"}}},
+                {"<Right>", {{6, 54, "→┌────────────────────────┐"}}},
+                {"<Enter>", {{7, 24, "┌──────────────────────────────┐"}}}, // left of its parent
+                {"d", {{8, 18, " ┌───"}, {10, 79, "─┘"}}}, // nor is there room on the left: against the edge
+                {"<Left>dv", {{4, 55, "┌────────────────────────┐"}, {25, 80, "┘"}}},
+                {"<Left>", {{4, 55, weg}, {9, 20, " Vier"}}},
+                {"<Esc><Esc><Esc><Esc>", {}}});
     EXPECT_EQ(t.antwoord(), "0 355");
 }
 
@@ -241,14 +211,8 @@ TEST(Menu, Merken) {
         s += vorm(" %d %d %d %x", TR_CHOSEN(m, -1, 3), TR_CHOSEN(m, -1, 5), TR_GETMARK(m, 3), TR_STATE(m, 2));
         return klaar(m, s);
     });
-    EXPECT_EQ(t.stuk(7, 11, 5), "√Rood");
-    EXPECT_EQ(t.stuk(10, 11, 6), " Klein");
-    EXPECT_EQ(t.stuk(11, 11, 6), "√gRoot");
-    t.toetsen("<Enter>v4");
-    EXPECT_EQ(t.stuk(6, 11, 4), "■Vak");
-    EXPECT_EQ(t.stuk(7, 11, 5), " Rood");
-    EXPECT_EQ(t.stuk(8, 11, 5), "√Geel");
-    EXPECT_EQ(t.stuk(11, 11, 6), "√gRoot");
+    stappen(t, {{"", {{7, 11, "√Rood"}, {10, 11, " Klein"}, {11, 11, "√gRoot"}}},
+                {"<Enter>v4", {{6, 11, "■Vak"}, {7, 11, " Rood"}, {8, 11, "√Geel"}, {11, 11, "√gRoot"}}}});
     t.toetsen("kd<Esc>");
     EXPECT_EQ(t.antwoord(), "h1 0 355 8 3 4 2 4 16 2101");
 

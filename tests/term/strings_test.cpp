@@ -97,24 +97,6 @@ TEST(Strings, Alloceer) {
 #endif
 }
 
-TEST(Strings, Formaten) {
-    auto samen = [](std::initializer_list<std::string> formaten) {
-        std::string uit;
-        for (const std::string& f : formaten)
-            uit += f + '|';
-        return uit;
-    };
-    EXPECT_EQ(samen({TXTC(3), TXTC(0), TXTS(-8), TXTS(0), TXTD(4)}), "%3c|%c|%-8s|%s|%4d|");
-    EXPECT_EQ(samen({TXTHD(4), TXTLD(9), TXTLD(0), TXTU(2), TXTHU(5), TXTLU(0)}),
-              "%4hd|%9ld|%ld|%2u|%5hu|%lu|");
-    EXPECT_EQ(samen({TXTLINKS(12), TXTLINKS(0), TXTRECHTS(7), TXTRECHTS(0), TXTLABEL(10), TXTLABEL(0)}),
-              "%-12.12s|%s|%7.7s|%s|%-10.10s: |%s: |");
-    EXPECT_EQ(samen({TXTRUIMTE(), TXTDUBBELPUNT(), TXTVELD(2, 5, 1), TXTVELD(0, 0, 3), TXTBLANCO(4)}),
-              " %s |%s: |  %5.5s |%s   |    |");
-    EXPECT_EQ(TXTC(1), TXTBLANCO(2)) << "one buffer for all";
-    EXPECT_LT(strlen(TXTVELD(1 << 30, 1 << 30, 1 << 30)), 1024u);
-}
-
 TEST(Strings, Picture) {
     struct {
         const char* plaatje;
