@@ -1,6 +1,6 @@
 #include "fuzz/hulp.h"
-#include "store/ix.h"
 #include "store/bestand.h"
+#include "store/ix.h"
 #include "term/scherm.h"
 #include <csignal>
 #include <cstdio>

@@ -2,13 +2,15 @@
 // order that the input gives. Nothing may crash, run for ever or read what isn't there; and what a rebuild has
 // answered 1 for is sound.
 #include "fuzz/hulp.h"
+#include "shared/syscalls.h"
+#include "store/bestand.h"
 #include "store/diepcheck.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include "store/bestand.h"
 #include <algorithm>
 #include <cstring>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 using namespace zg;
@@ -58,9 +60,9 @@ void maak(Basis& b) {
     b.dat = lees("P.TXT");
 }
 
-const int32_t LASTIG[] = {0,   1,   2,   3,   -1,    5,     7,         127,       128,
-                          255, 256, 511, 512, 32767, 65535, INT32_MAX, INT32_MIN, INT32_MAX - 3};
+const int32_t LASTIG[] = {0, 1, 2, 5, -1, 127, 128, 255, 256, 511, 512, 32767, 65535, INT32_MAX, INT32_MIN};
 
+// Bytes put over the files, words that are hard on counts and pointers, and an end cut off or added.
 void beschadig(Bron& in, std::string& idx, std::string& dat) {
     for (uint32_t n = in.onder(24); n > 0; n--) {
         const uint8_t wat = in.byte();
@@ -68,206 +70,128 @@ void beschadig(Bron& in, std::string& idx, std::string& dat) {
         if (s.size() < 8)
             continue;
         // Half of the hits on the index fall in the header, which has the most meaning per byte.
-        const size_t plaats = wat & 0x40 && !(wat & 0x80) ? in.onder(260) % s.size()
-                                                          : in.onder(static_cast<uint32_t>(s.size()));
-        switch (wat & 7) {
-        case 0:
-        case 1:
+        const size_t bereik = wat & 0x40 && !(wat & 0x80) ? std::min(s.size(), size_t{260}) : s.size();
+        const size_t plaats = in.onder(static_cast<uint32_t>(bereik));
+        if ((wat & 7) == 7)
+            s.resize(in.byte() & 1 ? plaats : s.size() + in.onder(IXBLOK));
+        else if (wat & 4)
+            memcpy(&s[std::min(plaats, s.size() - 4)], &LASTIG[in.onder(std::size(LASTIG))], 4);
+        else
             s[plaats] = static_cast<char>(in.byte());
-            break;
-        case 2:
-            s[plaats] = static_cast<char>(s[plaats] ^ (1 << (in.byte() & 7)));
-            break;
-        case 3: {
-            int32_t w = LASTIG[in.onder(std::size(LASTIG))];
-            memcpy(&s[std::min(plaats, s.size() - 4)], &w, 4);
-            break;
-        }
-        case 4: { // a pointer to somewhere near
-            int32_t w = static_cast<int32_t>(in.byte());
-            memcpy(&s[std::min(plaats, s.size() - 4)], &w, 4);
-            break;
-        }
-        case 5: { // one block over another
-            size_t van = plaats / IXBLOK * IXBLOK,
-                   naar = in.onder(static_cast<uint32_t>(s.size() / IXBLOK + 1)) * size_t{IXBLOK};
-            if (std::max(van, naar) + IXBLOK <= s.size())
-                memmove(&s[naar], &s[van], IXBLOK);
-            break;
-        }
-        case 6:
-            s.resize(plaats);
-            break;
-        default:
-            s.append(in.onder(IXBLOK + 1), static_cast<char>(in.byte()));
-        }
     }
 }
 
 struct Werk {
     ICB* icb = nullptr;
     uint8_t rec[IXRECMAX] = {};
-
-    int64_t stappenmax() const { return SYSOMVANG(icb->idxfd) / 5 + 10; }
-    void dicht() {
-        if (icb) {
-            ICB* i = icb;
-            icb = nullptr;
-            IXCLOSE(i);
-        }
-    }
-    void loop(int soort) {
-        const int64_t max = stappenmax();
-        int64_t n = 0;
-        auto stap = [&](int ok) {
-            if (++n > max)
-                kapot("a walk without an end, kind " + std::to_string(soort));
-            return ok;
-        };
-        memset(rec, soort & 1 ? 0xFF : 0, sizeof rec);
-        switch (soort) {
-        case 0:
-            for (int ok = IXFIRST(icb, rec); stap(ok); ok = IXNEXT(icb, rec))
-                ;
-            break;
-        case 1:
-            for (int ok = IXLAST(icb, rec); stap(ok); ok = IXPREVR(icb, rec, 0))
-                ;
-            break;
-        case 2:
-            for (int ok = IXFIRSTK(icb, rec, 0); stap(ok); ok = IXNEXTK(icb, rec, 0))
-                ;
-            break;
-        case 3:
-            for (int ok = IXPREVK(icb, rec, 0); stap(ok); ok = IXPREVK(icb, rec, 0))
-                ;
-            break;
-        default:
-            for (int ok = IXFIRSTK(icb, rec, 1); stap(ok); ok = IXNEXTK(icb, rec, 1))
-                ;
-        }
-    }
-    void herbouw(const char* naam) {
-        if (!IXBLDIX(naam))
-            return;
-        for (const std::string& b : IXDIEPCHECK(naam))
-            if (b.find("has the key of the one before") == std::string::npos &&
-                b.find("key 1 allows") == std::string::npos && b.rfind("and ", 0) != 0)
-                kapot("after a rebuild: " + b);
-        if (IXCHECK(naam) < 0)
-            kapot("after a rebuild: IXCHECK");
-    }
-    void zonder(uint8_t wat, Bron& in) { // without an open pair
-        switch (wat % 6) {
-        case 0:
-            IXCHECK("P");
-            break;
-        case 1:
-            IXDIEPCHECK("P");
-            break;
-        case 2:
-            herbouw("P");
-            break;
-        case 3: {
-            std::string idx = lees("P.INX");
-            schrijf("P.07", idx);
-            IXCHECK("P.07");
-            IXDIEPCHECK("P.07");
-            icb = IXOPEN("P.07", static_cast<int>(in.onder(3)));
-            break;
-        }
-        default:
-            icb = IXOPEN("P", static_cast<int>(in.onder(3)));
-        }
-    }
-    void met(uint8_t wat, Bron& in) {
-        int32_t nr = 0;
-        const int delen = static_cast<int>(in.onder(12)) - 1;
-        switch (wat % 24) {
-        case 0:
-            dicht();
-            break;
-        case 1:
-        case 2:
-            IXSWITCH(icb, static_cast<int>(in.onder(7)));
-            break;
-        case 3:
-            loop(static_cast<int>(in.onder(5)));
-            break;
-        case 4:
-            vul(rec, icb->h.reclen, in.onder(200));
-            break;
-        case 5:
-            rec[in.onder(IXRECMAX)] = in.byte();
-            break;
-        case 6:
-            IXWRITE(icb, rec);
-            break;
-        case 7:
-            IXWRITEK(icb, rec);
-            break;
-        case 8:
-            IXINSERT(icb, rec);
-            break;
-        case 9:
-            IXUPDATE(icb, rec);
-            break;
-        case 10:
-        case 11:
-            if (IXGET(icb, rec, static_cast<int32_t>(in.onder(100))) == 1 && wat & 0x80)
-                IXDELETE(icb, rec);
-            break;
-        case 12:
-            IXREAD(icb, rec);
-            break;
-        case 13:
-            IXREADL(icb, rec);
-            break;
-        case 14:
-            IXUNLOCK(icb, rec);
-            break;
-        case 15:
-            nr = LASTIG[in.onder(std::size(LASTIG))];
-            IXSKIP(icb, rec, delen, LASTIG[in.onder(std::size(LASTIG))], &nr);
-            break;
-        case 16:
-            IXUNIQK(icb, rec, delen);
-            break;
-        case 17:
-            IXEXISTSP(icb, rec, delen);
-            break;
-        case 18:
-            IXNEXTR(icb, rec, delen);
-            break;
-        case 19:
-            IXPREVR(icb, rec, delen);
-            break;
-        case 20:
-            IXNEXTK(icb, rec, delen);
-            IXPREVK(icb, rec, delen);
-            break;
-        case 21:
-            if (icb->mode == 1 && icb->tempidx) {
-                IXINITIX(icb);
-                IXBULK('O', icb, rec);
-                for (int i = static_cast<int>(in.onder(60)); i > 0; i--) {
-                    vul(rec, icb->h.reclen, in.byte());
-                    icb->currec = i;
-                    IXBULK('W', icb, rec);
-                }
-                IXBULK('C', icb, rec);
-            }
-            break;
-        case 22:
-            if (icb->currec >= 0 && icb->currec < icb->h.nrecs)
-                IXPUTREC(icb, rec);
-            break;
-        default:
-            if (icb->currec >= 0)
-                IXDELETE(icb, rec);
-        }
-    }
 };
+
+void dicht(Werk& w) {
+    if (ICB* i = std::exchange(w.icb, nullptr))
+        IXCLOSE(i);
+}
+
+// A walk has an end: by record or by key, forward or back.
+void loop(Werk& w, uint32_t soort) {
+    int64_t rest = SYSOMVANG(w.icb->idxfd) / 5 + 10;
+    memset(w.rec, soort & 1 ? 0xFF : 0, sizeof w.rec);
+    int (*const stap[])(ICB*, void*, int) = {IXNEXTR, IXPREVR, IXNEXTK, IXPREVK};
+    const int delen = soort & 4 ? 1 : 0;
+    while (stap[soort & 3](w.icb, w.rec, delen))
+        if (--rest < 0)
+            kapot("a walk without an end, kind " + std::to_string(soort));
+}
+
+void herbouw() {
+    if (!IXBLDIX("P"))
+        return;
+    for (const std::string& b : IXDIEPCHECK("P")) // what the records themselves say stays
+        if (b.find("have the same value") == std::string::npos &&
+            b.find("has the key of the one before") == std::string::npos &&
+            b.find("key 1 allows") == std::string::npos && b.rfind("and ", 0) != 0)
+            kapot("after a rebuild: " + b);
+    if (IXCHECK("P") < 0)
+        kapot("after a rebuild: IXCHECK");
+}
+
+void opent(Werk& w, Bron& in) {
+    w.icb = IXOPEN("P", static_cast<int>(in.onder(3)));
+}
+
+using Daad = void (*)(Werk& w, Bron& in);
+const Daad ZONDER[] = {
+    // no pair open
+    opent,
+    opent,
+    [](Werk&, Bron&) { IXCHECK("P"); },
+    [](Werk&, Bron&) { IXDIEPCHECK("P"); },
+    [](Werk&, Bron&) { herbouw(); },
+    [](Werk& w, Bron& in) { // as a temporary index
+        schrijf("P.07", lees("P.INX"));
+        IXCHECK("P.07");
+        IXDIEPCHECK("P.07");
+        w.icb = IXOPEN("P.07", static_cast<int>(in.onder(3)));
+    },
+};
+int enige(Bron& in) {
+    return static_cast<int>(in.onder(12)) - 1;
+}
+const Daad MET[] = {
+    [](Werk& w, Bron&) { dicht(w); },
+    [](Werk& w, Bron& in) { IXSWITCH(w.icb, static_cast<int>(in.onder(7))); },
+    [](Werk& w, Bron& in) { loop(w, in.onder(8)); },
+    [](Werk& w, Bron& in) { vul(w.rec, w.icb->h.reclen, in.onder(200)); },
+    [](Werk& w, Bron& in) { w.rec[in.onder(IXRECMAX)] = in.byte(); },
+    [](Werk& w, Bron&) { IXWRITE(w.icb, w.rec); },
+    [](Werk& w, Bron&) { IXWRITEK(w.icb, w.rec); },
+    [](Werk& w, Bron&) { IXINSERT(w.icb, w.rec); },
+    [](Werk& w, Bron&) { IXUPDATE(w.icb, w.rec); },
+    [](Werk& w, Bron& in) { IXGET(w.icb, w.rec, static_cast<int32_t>(in.onder(100))); },
+    [](Werk& w, Bron&) { IXREAD(w.icb, w.rec); },
+    [](Werk& w, Bron&) { IXREADL(w.icb, w.rec); },
+    [](Werk& w, Bron&) { IXUNLOCK(w.icb, w.rec); },
+    [](Werk& w, Bron& in) {
+        int32_t nr = LASTIG[in.onder(std::size(LASTIG))];
+        IXSKIP(w.icb, w.rec, enige(in), LASTIG[in.onder(std::size(LASTIG))], &nr);
+    },
+    [](Werk& w, Bron& in) { IXUNIQK(w.icb, w.rec, enige(in)); },
+    [](Werk& w, Bron& in) { IXEXISTSP(w.icb, w.rec, enige(in)); },
+    [](Werk& w, Bron& in) { IXNEXTR(w.icb, w.rec, enige(in)); },
+    [](Werk& w, Bron& in) { IXPREVR(w.icb, w.rec, enige(in)); },
+    [](Werk& w, Bron& in) { IXNEXTK(w.icb, w.rec, enige(in)); },
+    [](Werk& w, Bron& in) { IXPREVK(w.icb, w.rec, enige(in)); },
+    [](Werk& w, Bron& in) {
+        if (w.icb->mode != 1 || !w.icb->tempidx)
+            return;
+        IXINITIX(w.icb);
+        IXBULK('O', w.icb, w.rec);
+        for (int i = static_cast<int>(in.onder(60)); i > 0; i--) {
+            vul(w.rec, w.icb->h.reclen, in.byte());
+            w.icb->currec = i;
+            IXBULK('W', w.icb, w.rec);
+        }
+        IXBULK('C', w.icb, w.rec);
+    },
+    [](Werk& w, Bron&) {
+        if (w.icb->currec >= 0 && w.icb->currec < w.icb->h.nrecs)
+            IXPUTREC(w.icb, w.rec);
+    },
+    [](Werk& w, Bron&) {
+        if (w.icb->currec >= 0)
+            IXDELETE(w.icb, w.rec);
+    },
+};
+
+// One part of a round; what a report leaves open is dropped.
+void deel(const std::function<void(Werk&)>& doe) {
+    Werk w;
+    const bool heel = ronde([&] {
+        doe(w);
+        dicht(w);
+    });
+    if (!heel && w.icb)
+        ronde([&] { IXLAATLOS(w.icb); });
+}
 
 } // namespace
 
@@ -288,39 +212,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t n) {
     schrijf("P.INX", idx);
     schrijf("P.TXT", dat);
 
-    // What the input asks for; then on each kind of handle all that a program is likely to do; then the repair.
-    auto deel = [](const std::function<void(Werk&)>& doe) {
-        Werk w;
-        if (!ronde([&] {
-                doe(w);
-                w.dicht();
-            }) &&
-            w.icb) {
-            ICB* icb = w.icb;
-            ronde([icb] { IXLAATLOS(icb); });
-        }
-    };
+    // What the input asks for; then every key walked on each kind of handle; then the repair.
     deel([&](Werk& w) {
         for (int i = 0; i < 300 && !in.op(); i++) {
-            uint8_t wat = in.byte();
-            if (w.icb)
-                w.met(wat, in);
-            else
-                w.zonder(wat, in);
+            const uint8_t wat = in.byte();
+            (w.icb ? MET[wat % std::size(MET)] : ZONDER[wat % std::size(ZONDER)])(w, in);
         }
     });
-    if (eerste & 0x80) {
-        deel([](Werk&) { IXCHECK("P"); });
-        deel([](Werk&) { IXDIEPCHECK("P"); });
-        const int soort = eerste >> 4 & 7;
-        for (int k = 1; k <= IXSLEUTELS; k++)
-            deel([&](Werk& w) {
-                w.icb = IXOPEN("P", soort % 3);
-                IXSWITCH(w.icb, k);
-                if (k <= w.icb->h.nkeys)
-                    w.loop((soort + k) % 5);
-            });
-    }
-    deel([](Werk& w) { w.herbouw("P"); });
+    const uint32_t soort = eerste >> 4 & 7;
+    for (int k = 1; eerste & 0x80 && k <= IXSLEUTELS; k++)
+        deel([&](Werk& w) {
+            w.icb = IXOPEN("P", static_cast<int>(soort % 3));
+            IXSWITCH(w.icb, k);
+            if (k <= w.icb->h.nkeys)
+                loop(w, soort + static_cast<uint32_t>(k));
+        });
+    deel([](Werk&) { herbouw(); });
     return 0;
 }

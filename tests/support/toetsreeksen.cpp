@@ -1,9 +1,11 @@
 #include "support/toetsreeksen.h"
 #include <cctype>
-#include <cstdio>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <map>
+
+#include <curses.h>
+#include <term.h> // last: its names are macros
 
 namespace zg::test {
 
@@ -47,52 +49,26 @@ const Naam NAMEN[] = {
     {"lt", "", "<"},
 };
 
-// A terminfo source string ("\E[5~", "^H", "\177") as bytes.
-std::string ontleed(const std::string& s) {
-    std::string uit;
-    for (size_t i = 0; i < s.size(); i++) {
-        if (s[i] == '^' && i + 1 < s.size()) {
-            char c = s[++i];
-            uit += c == '?' ? '\177' : static_cast<char>(c & 31);
-        } else if (s[i] == '\\' && i + 1 < s.size()) {
-            char c = s[++i];
-            if (isdigit(static_cast<unsigned char>(c))) {
-                uit += static_cast<char>(strtol(s.substr(i, 3).c_str(), nullptr, 8));
-                i += 2;
-            } else {
-                uit += c == 'E' || c == 'e' ? '\033'
-                       : c == 'n'           ? '\n'
-                       : c == 'r'           ? '\r'
-                       : c == 't'           ? '\t'
-                       : c == 's'           ? ' '
-                                            : c;
-            }
-        } else {
-            uit += s[i];
-        }
-    }
-    return uit;
-}
-
-const std::map<std::string, std::string>& beschrijving(const std::string& term) {
-    static std::map<std::string, std::map<std::string, std::string>> alle;
+// What the terminal's description says that it sends; empty when it says nothing.
+std::string vermogen(const std::string& term, const char* cap) {
+    static std::map<std::string, TERMINAL*> alle;
     auto [it, nieuw] = alle.try_emplace(term);
-    if (!nieuw)
-        return it->second;
-    std::string naam = term;
-    naam[0] = static_cast<char>(toupper(static_cast<unsigned char>(naam[0])));
-    std::string opdracht = "infocmp -1 -A \"" ZG_BINARY_DIR "/terminfo\" '" + naam + "' 2>/dev/null";
-    FILE* p = popen(opdracht.c_str(), "r");
-    char regel[512];
-    while (p && fgets(regel, sizeof regel, p)) {
-        std::string r = regel;
-        size_t begin = r.find_first_not_of("\t "), is = r.find('='), eind = r.rfind(',');
-        if (begin != std::string::npos && is != std::string::npos && eind != std::string::npos && is < eind)
-            it->second[r.substr(begin, is - begin)] = ontleed(r.substr(is + 1, eind - is - 1));
+    TERMINAL* voor = cur_term;
+    if (nieuw) {
+        std::string naam = term;
+        naam[0] = static_cast<char>(toupper(static_cast<unsigned char>(naam[0])));
+        int fout = 0;
+        setenv("TERMINFO", ZG_BINARY_DIR "/terminfo", 1);
+        if (setupterm(naam.c_str(), 1, &fout) == OK)
+            it->second = cur_term;
+        unsetenv("TERMINFO");
     }
-    if (p)
-        pclose(p);
-    return it->second;
+    if (!it->second)
+        return {};
+    set_curterm(it->second);
+    const char* s = tigetstr(cap);
+    set_curterm(voor);
+    return s && s != reinterpret_cast<const char*>(-1) ? s : "";
 }
 
 } // namespace
@@ -114,12 +90,10 @@ std::vector<std::string> toetsreeksen(const std::string& term, std::string_view 
         for (const Naam& n : NAMEN) {
             if (naam != n.naam)
                 continue;
-            const auto& caps = beschrijving(term);
-            auto cap = caps.find(n.cap);
-            if (cap != caps.end() || n.anders) {
-                uit.push_back(cap != caps.end() ? cap->second : n.anders);
-                gevonden = true;
-            }
+            std::string bytes = vermogen(term, n.cap);
+            gevonden = !bytes.empty() || n.anders;
+            if (gevonden)
+                uit.push_back(bytes.empty() ? n.anders : bytes);
         }
         EXPECT_TRUE(gevonden) << "no such key: <" << naam << ">";
     }
