@@ -110,7 +110,7 @@ configure() {
 build() {
   echo "building in $build_dir"
   # what ninja and cmake say when all is well is left out
-  ninja -C "$build_dir" -j "${JOBS:-2}" --quiet "$@" | sed -u '/^ninja: no work to do/d; /^-- /d'
+  ninja -C "$build_dir" -j "${JOBS:-$(nproc)}" --quiet "$@" | sed -u '/^ninja: no work to do/d; /^-- /d'
 }
 
 # built: others may build here again.
