@@ -49,7 +49,7 @@ lacking() {
 
 # install_packages GROUP...: what is lacking, as root or through sudo; else the one line to ask for, for both commands.
 install_packages() {
-  local missing as=()
+  local missing said as=()
   command -v dpkg-query >/dev/null || return 0 # another system: the build tells what it doesn't find
   read -ra missing < <(lacking "$@")
   [ ${#missing[@]} -eq 0 ] && return
@@ -62,10 +62,12 @@ install_packages() {
     fi
   fi
   echo "installing ${missing[*]}"
-  "${as[@]}" apt-get update -qq || true # an old list may do
-  "${as[@]}" env DEBIAN_FRONTEND=noninteractive DEBCONF_NOWARNINGS=yes \
-    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
+  "${as[@]}" apt-get update -qq >/dev/null 2>&1 || true # an old list may do
+  said=$("${as[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" 2>&1 >/dev/null) || {
+    tail -n 3 <<<"$said" >&2
     ask_for_packages "Packages are missing, and could not be installed."
+  }
 }
 
 ask_for_packages() {
