@@ -124,6 +124,58 @@ TEST(Order, TotalenInTweeValutas) {
     }
 }
 
+// Discount, rate and surcharge changed in the header: the amounts of the lines and of the order follow at once.
+TEST(Order, TotalenVolgenDeKop) {
+    Datamap map;
+    zg::ordkop kop = maak_kop("Volgt");
+    memcpy(kop.valuta, "GBP", 3);
+    kop.koers = 12500;
+    map.journaal(maak_order(kop, {{5, "ROK", "UNI", 1, 2, 1000}, {5, "ROK", "RUIT", 2, 3, 1000}}));
+    Programma p(map);
+    p.eerste_order();
+    struct {
+        const char *toetsen, *rij, *bruto, *netto, *inkoop;
+    } const stappen[] = {
+        {"", "     20.00", "      50.00", "      50.00", "      62.50"},
+        {"WOK2<Enter><Esc>", "     20.00", "      50.00", "      50.00", "     100.00"},
+        {"WOT1,1<Enter><Esc>", "     20.00", "      50.00", "      50.00", "     110.00"},
+        {"WOG10<Enter><Esc>", "     18.00", "      50.00", "      45.00", "      99.00"},
+    };
+    for (const auto& s : stappen) {
+        SCOPED_TRACE(s.toetsen);
+        p.t.toetsen(s.toetsen);
+        EXPECT_TRUE(p.t.wacht_op(5, 69, s.inkoop)) << p.t.scherm();
+        EXPECT_EQ(p.t.stuk(3, 69, 11), s.bruto);
+        EXPECT_EQ(p.t.stuk(4, 69, 11), s.netto);
+        EXPECT_EQ(p.t.stuk(8, 70, 10), s.rij) << p.t.scherm();
+    }
+    p.t.toetsen("<Esc>");
+    p.uit();
+}
+
+// Amounts and numbers that are too wide lose their decimals, then show as asterisks; no column moves.
+TEST(Order, GroteBedragenBlijvenInHunKolom) {
+    Datamap map;
+    map.journaal(maak_order(maak_kop("Groot"), {{5, "A", "D1", 1, 99999, 9999},
+                                                {5, "B", "D2", 1, 99999, 10001},
+                                                {5, "C", "D3", 1, 2000000, 2000000000},
+                                                {5, "D", "D4", 1, 7, 100}}));
+    Programma p(map);
+    p.eerste_order();
+    const char* const rechts[] = {"99999 9998900.01", "99999   10000900", "***** **********",
+                                  "    7       7.00"};
+    for (int i = 0; i < 4; i++) {
+        EXPECT_EQ(p.t.stuk(8 + i, 64, 17), rechts[i] + std::string(" ")) << p.t.scherm();
+        EXPECT_EQ(p.t.stuk(8 + i, 36, 3), "D" + std::to_string(i + 1) + " ");
+    }
+    EXPECT_EQ(p.t.stuk(4, 69, 12), "*********** ") << p.t.scherm();
+    EXPECT_EQ(p.t.regel(24).substr(0, 8), "Uw keuze");
+    p.t.toetsen("<Down><Down>VJ<Enter>");
+    EXPECT_EQ(p.t.stuk(4, 69, 12), "19999807.00 ") << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    p.uit();
+}
+
 TEST(Order, KopVeldVoorVeld) {
     Datamap map;
     std::string ander =

@@ -1,5 +1,6 @@
 // The builders, sessions and faults of bouw.h.
 #include "bouw.h"
+#include "price/ing_val.h"
 #include "shared/files.h"
 #include "support/systeem.h"
 #include "shared/syscalls.h"
@@ -157,8 +158,10 @@ OrderMap::OrderMap() {
     registermodus = false;
     firma.filialen = 3;
     VASTIN(instel15.valuta, "EUR");
-    schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0')); // no currency in its table
+    schrijf_bestand("DTSYS.TXT", "");
+    EXPECT_EQ(truncate("DTSYS.TXT", 130'000), 0);
     Systeem::open();
+    valuta_tabel(); // none; read here, before the forks
     regel_wis(&regel_nu);
 }
 
