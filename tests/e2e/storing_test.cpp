@@ -127,3 +127,24 @@ TEST(Storing, GedoodBijElkeSchrijfactie) {
         EXPECT_LE(aantal[NIET], 4) << "only before the marker is there";
     }
 }
+
+// A header that the disk refuses: told, and screen and files have the old one; the same change is accepted later.
+TEST(Storing, KopGeweigerdDoorVolleSchijf) {
+    Datamap map;
+    const Toestand toestand(false);
+    map.journaal(toestand.oud);
+    Terminal t(met_strace(map, "pwrite64", "error=ENOSPC:when=2"), // the first is the index of lines
+               map.opties());
+    t.wacht_op(1, 46, "2016");
+    t.toetsen("<Enter><Enter>12<Enter><Down><Enter>WOOZomer<Enter>G5<Enter><Esc>");
+    EXPECT_TRUE(t.wacht("schijf vol")) << t.scherm();
+    t.toetsen("<Enter>");
+    EXPECT_TRUE(t.wacht("0 / Mijn")) << t.scherm();
+    EXPECT_EQ(t.stuk(5, 52, 8), "   0.00%");
+    t.toetsen("WOOZomer<Enter><Esc>");
+    EXPECT_TRUE(t.wacht("0 / Zomer")) << t.scherm();
+    t.toetsen("<Esc><Esc><Esc>");
+    EXPECT_EQ(t.einde(10000), 0) << t.scherm();
+    EXPECT_TRUE(map.journaal() == toestand.kop);
+    EXPECT_EQ(map.restjes(), "");
+}
