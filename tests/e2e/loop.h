@@ -10,7 +10,9 @@ namespace zg::test {
 struct Programma {
     Terminal t;
     explicit Programma(Datamap& map, int sessie = SESSIE, const char* gebruiker = "Joke")
-        : t(map.overgave(sessie, gebruiker), map.opties()) {
+        : Programma(map, sessie, gebruiker, map.opties()) {}
+    Programma(Datamap& map, int sessie, const char* gebruiker, const Opties& opties)
+        : t(map.overgave(sessie, gebruiker), opties) {
         EXPECT_TRUE(t.wacht_op(1, 46, "2016")) << t.scherm();
         t.kalm();
     }

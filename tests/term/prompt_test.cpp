@@ -316,6 +316,7 @@ TEST(Onderbreken, Vraag) {
     t.wacht("Alleen <CANCEL> voor onderbreken");
     t.stuur("ab\033");
     t.wacht(" Onderbreken ");
+    t.kalm(); // drawn to its end
     EXPECT_EQ(doos(t), (Doos{18, 11, 5, 24}));
     t.wacht_op(20, 15, "Akkoord? (J/N)J");
     t.stuur("n\r");

@@ -107,6 +107,109 @@ TEST(Toets, TypeAheadIsKept) {
     t.wacht_op(1, 1, "ab  c  d");   // Esc and Tab show as blanks
 }
 
+// Keys left over go to the next program of the chain, in their order; never to another process or a later one.
+TEST(Toets, KeysHandedOver) {
+    static const struct {
+        int pid, seconden;
+        const char *keys, *codes;
+    } GEVALLEN[] = {
+        {0, 0, " 98 97", "97 98 113"},
+        {0, -4, " 97", "97 113"},
+        {0, -60, " 97", "113"},
+        {0, 60, " 97", "113"},
+        {1, 0, " 97", "113"},
+        {0, 0, " 355 27", "27 355 113"},
+        {0, 0, "", "113"},
+        {0, 0, " 601 97 -2 600", "600 97 113"},
+        {0, 0, "x97", "113"},
+    };
+    for (const auto& g : GEVALLEN) {
+        SCOPED_TRACE(std::to_string(g.pid) + " " + std::to_string(g.seconden) + g.keys);
+        Terminal t([&g] {
+            std::string waarde =
+                std::to_string(getpid() + g.pid) + " " + std::to_string(time(nullptr) + g.seconden) + g.keys;
+            setenv("ZGTOETSEN", waarde.c_str(), 1);
+            return op_scherm([] {
+                SCRPUT(A_WAARDE, 3, 1, "%s", getenv("ZGTOETSEN") ? "still there" : "");
+                toon_toetsen();
+            })();
+        });
+        t.kalm();
+        t.toetsen("q");
+        EXPECT_EQ(t.regel(1), g.codes);
+        EXPECT_EQ(t.regel(3), "");
+    }
+    // What this program pushes back, has looked at and has half read, with what was typed behind it.
+    Terminal t([] {
+        SCRINIT();
+        TOETS();
+        TOETSDRUK('b');
+        TOETSDRUK('a');
+        SCREXIT();
+        SCRINIT();
+        TOETS(), TOETS();
+        TOETSKLAAR(); // Esc, for which the next byte was read as well
+        SCREXIT();
+        return op_scherm(toon_toetsen)();
+    });
+    t.stuur("x\033\tcq");
+    t.wacht_op(1, 1, "27 9 99 113");
+}
+
+// Nothing reaches a field that can't be seen; the screen says why, and comes back by itself.
+TEST(Toets, WindowTooSmall) {
+    static const struct {
+        int rijen, kolommen;
+        const char* eerste;
+    } GEVALLEN[] = {{24, 80, "Venster: 80 kolommen, 24 rijen"},
+                    {25, 79, "Venster: 79 kolommen, 25 rijen"},
+                    {10, 24, "Venster: 24 kolommen, 1"},
+                    {2, 40, "Maak het venster groter."}};
+    for (const auto& g : GEVALLEN) {
+        SCOPED_TRACE(g.eerste);
+        Terminal t(
+            [] {
+                SCRINIT();
+                char tekst[9] = "abc";
+                SCRPUT(A_WAARDE, 25, 70, "hoek");
+                TOETSTERUG('k');
+                INGAVE(5, 10, "8s", &SCHERM.toets[key_cancel], tekst);
+                SCRPUT(A_WAARDE, 1, 1, "(%s)", tekst);
+                TOETS();
+                SCREXIT();
+                return 0;
+            },
+            {.rijen = g.rijen, .kolommen = g.kolommen});
+        t.wacht(g.eerste); // at the start
+        t.kalm();
+        t.stuur("xyz\r\033");
+        t.kalm();
+        EXPECT_EQ(t.regel(1), g.eerste);
+        EXPECT_GE(t.bellen(), 5) << "heard, not taken";
+        t.maat(25, 80);
+        t.wacht_op(25, 70, "hoek");
+        t.kalm();
+        EXPECT_EQ(t.stuk(5, 10, 8), "k_______") << "a key from before counts, those of meanwhile don't";
+        t.toetsen("1");
+        t.maat(g.rijen, g.kolommen); // and while it lasts
+        t.wacht(g.eerste);
+        t.kalm();
+        t.stuur("2\003\r");
+        t.kalm();
+        t.maat(40, 100);
+        t.wacht_op(25, 70, "hoek");
+        t.toetsen("3<Enter>");
+        EXPECT_EQ(t.regel(1), "(k13)");
+        t.toetsen("q");
+        EXPECT_EQ(t.einde(), 0);
+    }
+    Terminal t(toetslog, {.rijen = 20});
+    t.wacht("Ctrl-\\ stopt het programma.");
+    t.kalm();
+    t.stuur("\034");
+    EXPECT_EQ(t.einde(), 1);
+}
+
 TEST(Toets, HangUpEndsWithinASecond) {
     static const struct {
         const char* naam;
