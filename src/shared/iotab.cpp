@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -182,6 +183,12 @@ int iotab_probeer(int32_t* nr, void* record, const Systabel& tabel) {
 
 void iotab_naam(const char* pad) {
     bestand = pad ? pad : "DTSYS.TXT";
+}
+
+bool in_overgave(const gebruikerslot& slot) {
+    constexpr int64_t DUUR = 10; // seconds; a program that has not come by then won't
+    const int64_t oud = time(nullptr) - int64_t{slot.usertime};
+    return slot.userstate == 2 && oud >= -DUUR && oud < DUUR;
 }
 
 int iotab_fd() {

@@ -47,6 +47,9 @@ template <class R> struct Tabelbeeld {
     void vergeet() { slots.clear(), geladen = false; }
 };
 
+// Is the user's slot on its way from one program to the next? It is free for that moment, and not for others to take.
+bool in_overgave(const gebruikerslot& slot);
+
 int iotab_fd(); // descriptor of DTSYS.TXT, -1 when closed
 
 // The file by another name, from the next 'O' on; null for DTSYS.TXT again. The text must live as long.

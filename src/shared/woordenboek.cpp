@@ -93,6 +93,9 @@ constexpr struct {
     {"DTORDNR", 43},  {"DTSER", 55},    {"DTSERPIC", 56}, {"DTVVTAB", 59},
 };
 
+// Record lengths of former makers, which serve as well: what is not there reads as zeros.
+constexpr struct { int nr, reclen; } ook_goed[] = {{56, 53}};
+
 // Files that are never empty: an empty one was lost, and is not to be taken for sound.
 constexpr std::string_view nooitleeg[] = {"DTDD", "DTISOLND", "DTISOVAL"};
 
@@ -136,14 +139,25 @@ int DDNUMMER(const char* naam) {
     return 0;
 }
 
-int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam) {
+int DDRECLEN(int bestandnr, int64_t databytes) {
+    DDRIJ r;
+    if (!DDROW(bestandnr, 1, &r))
+        return 0;
+    if (databytes > 0 && databytes % r.reclen)
+        for (const auto& o : ook_goed)
+            if (o.nr == bestandnr && databytes % o.reclen == 0)
+                return o.reclen;
+    return r.reclen;
+}
+
+int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam, int reclen) {
     DDRIJ r;
     if (!DDROW(bestandnr, 1, &r))
         return 0;
     char buffer[19], tekst[160];
     if (!*DDTITLE(bestandnr, buffer))
         snprintf(buffer, sizeof buffer, "%s", IOBASENAME(naam));
-    snprintf(tekst, sizeof tekst, "%-.19s,%d", buffer, r.reclen);
+    snprintf(tekst, sizeof tekst, "%-.19s,%d", buffer, reclen ? reclen : r.reclen);
     IXUPDFCB(icb, 0, tekst);
     int keys = r.keys;
     for (int k = 1; k <= keys && DDROW(bestandnr, k, &r); k++) {
@@ -157,11 +171,11 @@ int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam) {
     return keys;
 }
 
-int DDCREATE(int bestandnr, const char* naam) {
+int DDCREATE(int bestandnr, const char* naam, int reclen) {
     if (!DDROW(bestandnr, 1, nullptr))
         return 0;
     ICB* icb = IXCREATE(naam, 1);
-    int keys = DDDEFINIEER(icb, bestandnr, naam);
+    int keys = DDDEFINIEER(icb, bestandnr, naam, reclen);
     IXINITIX(icb);
     IXCLOSE(icb);
     return keys;
@@ -180,14 +194,20 @@ int DDNEW(int bestandnr, const char* naam) {
 
 int DDCOMPARE(int bestandnr, const char* naam) {
     IXHEADER h;
-    DDRIJ r;
     int fd = IXBESTANDOPEN(inx(naam).c_str(), O_RDONLY); // a handle on it keeps its locks
     bool gelezen = fd >= 0 && SYSLEES(fd, &h, sizeof h, 0) == static_cast<ssize_t>(sizeof h);
     if (fd >= 0)
         IXBESTANDDICHT(fd);
-    if (!gelezen || !DDROW(bestandnr, 1, &r))
+    return gelezen ? DDCOMPARE(bestandnr, h) : DD_ONLEESBAAR;
+}
+
+int DDCOMPARE(int bestandnr, const IXHEADER& h) {
+    DDRIJ r;
+    if (!DDROW(bestandnr, 1, &r))
         return DD_ONLEESBAAR;
-    if (h.reclen != r.reclen)
+    if (h.reclen != r.reclen && std::ranges::none_of(ook_goed, [&](const auto& o) {
+            return o.nr == bestandnr && o.reclen == h.reclen;
+        }))
         return DD_RECLEN;
     if (h.nkeys != r.keys)
         return DD_KEYS;
@@ -212,7 +232,7 @@ int DDCHECK(int bestandnr, const char* naam, DDRAPPORT* rapport) {
     int64_t index = IOSIZE(inx(naam).c_str()), data = IOSIZE(txt(naam).c_str());
     if (r.repair) {
         if (index <= 0)
-            r.indexnieuw = DDCREATE(bestandnr, naam) != 0;
+            r.indexnieuw = DDCREATE(bestandnr, naam, DDRECLEN(bestandnr, data)) != 0;
         if (data < 0)
             r.datanieuw = DDCREATETXT(naam);
         index = IOSIZE(inx(naam).c_str());

@@ -34,12 +34,16 @@ int DDROW(int bestandnr, int keynr, DDRIJ* rij);
 // dictionary knows no such name.
 int DDNUMMER(const char* naam);
 
-// Give a fresh handle the title, record length and keys of a file; `naam` serves for a title that is missing.
-// Answers the number of keys, 0 for an unknown number.
-int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam);
-int DDCREATE(int bestandnr, const char* naam); // an empty index; number of keys, or 0
-int DDCREATETXT(const char* naam);             // an empty data file when there is none; 1 or 0
-int DDNEW(int bestandnr, const char* naam);    // both
+// Record length that fits a data file of so many bytes: the dictionary's, or that of a former maker when only this
+// divides them. 0 for an unknown number.
+int DDRECLEN(int bestandnr, int64_t databytes);
+
+// Give a fresh handle the title, record length (the dictionary's for 0) and keys of a file; `naam` serves for a title
+// that is missing. Answers the number of keys, 0 for an unknown number.
+int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam, int reclen = 0);
+int DDCREATE(int bestandnr, const char* naam, int reclen = 0); // an empty index; number of keys, or 0
+int DDCREATETXT(const char* naam);          // an empty data file when there is none; 1 or 0
+int DDNEW(int bestandnr, const char* naam); // both
 
 // Header on disk against the dictionary: 0 the same, else the first difference.
 enum DDverschil {
@@ -50,6 +54,7 @@ enum DDverschil {
     DD_SLEUTEL = 100 // 100 * key number: the duplicates flag; + 1 to 10: that part
 };
 int DDCOMPARE(int bestandnr, const char* naam);
+int DDCOMPARE(int bestandnr, const struct IXHEADER& h);
 
 enum DDfout { DDF_GEEN = 0, DDF_INDEX = 1, DDF_DATA = 2, DDF_VERSCHIL = 3, DDF_LEEG = 4, DDF_STUK = 5 };
 struct DDRAPPORT {

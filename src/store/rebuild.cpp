@@ -15,6 +15,7 @@
 #include "store/spoel.h"
 #include "store/teksten.h"
 #include "store/voortgang.h"
+#include "store/wachtrij.h"
 #include "term/scherm.h"
 #include "term/teksten.h"
 #include <algorithm>
@@ -22,6 +23,7 @@
 #include <fcntl.h>
 #include <new>
 #include <optional>
+#include <unistd.h>
 
 namespace zg {
 namespace {
@@ -41,7 +43,8 @@ struct Sleutelbouw {
 
 class Bouw {
 public:
-    explicit Bouw(ICB* icb) : icb_(icb), pad_(IXINDEXPAD(icb->path)) {
+    Bouw(ICB* icb, std::vector<std::string>* gewist)
+        : icb_(icb), gewist_(gewist), pad_(IXINDEXPAD(icb->path)) {
         for (int k = 0; k < icb->h.nkeys; k++)
             sleutels_.push_back({icb->h.keydef[k], Spoel(pad_), Spoel(pad_), {}, {}});
     }
@@ -52,6 +55,7 @@ private:
     template <class F> bool elk_record(F doe) const;
     bool verzamel();
     bool groei();
+    IXKNOOP wachtrij();
     bool reserveer() const;
     bool bouw_boom(int sleutel);
     void keten_vrijen();
@@ -64,6 +68,7 @@ private:
     bool in_keten() const { return icb_->h.reclen >= 5; }
 
     ICB* icb_;
+    std::vector<std::string>* gewist_;
     std::string pad_;
     std::vector<Sleutelbouw> sleutels_;
     std::optional<Blokbak> blokken_;
@@ -86,12 +91,31 @@ bool Bouw::bereid_voor(int64_t records) {
     if (!groei())
         return false;
     blokken_.emplace(map, int{icb_->h.nblocks});
-    IXKNOOP wachtrij{};
-    wachtrij.keyno = 1;
-    bool goed = blokken_->zet(WACHTRIJBLOK(icb_), &wachtrij);
+    const IXKNOOP rij = wachtrij();
+    bool goed = blokken_->zet(WACHTRIJBLOK(icb_), &rij);
     for (int k = 1; goed && k <= icb_->h.nkeys; k++)
         goed = bouw_boom(k);
     return goed && reserveer();
+}
+
+// The queue block to write. Its lock, which others take without the header's, is held from here to the end.
+IXKNOOP Bouw::wachtrij() {
+    const int64_t plaats = int64_t{WACHTRIJBLOK(icb_)} * IXBLOK;
+    for (int poging = 1; !IOLOCK('E', icb_->idxfd, plaats, IXBLOK); poging++)
+        if (poging % 300 == 0)
+            IXWAITHOOK(icb_);
+        else
+            usleep(1000);
+    IXKNOOP oud, rij{};
+    const std::vector<std::string> sleutels = IXRESERVERINGEN(icb_->idxfd, icb_->h, &oud);
+    rij.keyno = 1;
+    if (gewist_) {
+        gewist_->insert(gewist_->end(), sleutels.begin(), sleutels.end());
+    } else {
+        rij.count = oud.count;
+        memcpy(rij.entries, oud.entries, size_t{oud.count} * icb_->h.keydef[0].keylen);
+    }
+    return rij;
 }
 
 // Every record in turn, as doe(number, bytes); false at the first that can't be read or that `doe` refuses.
@@ -280,7 +304,7 @@ void IXFIXHDR(ICB* icb) {
         icb->h.keydef[k].maxent = static_cast<uint8_t>(KNOOPRUIMTE / (icb->h.keydef[k].keylen + 4));
 }
 
-int IXBLDIX(const char* naam) {
+int IXBLDIX(const char* naam, std::vector<std::string>* gewist) {
     if (IXTIJDELIJKENAAM(naam))
         return 0; // what belongs in it is not to be read from the data file
     const std::string datapad = IXDATAPAD(naam);
@@ -314,7 +338,7 @@ int IXBLDIX(const char* naam) {
              std::string(icb->h.name, strnlen(icb->h.name, 11)).c_str());
     VOORTGANG(VG_OPEN, 0, 0, titel);
     try {
-        Bouw bouw(icb);
+        Bouw bouw(icb, gewist);
         goed = records >= 0 && bouw.bereid_voor(records);
         if (goed)
             bouw.zet_op_zijn_plaats();
@@ -322,6 +346,7 @@ int IXBLDIX(const char* naam) {
         SCRFATAL("%s", TXT(T_GEHEUGEN_IXREMAKE));
     }
     VOORTGANG(VG_SLUIT);
+    IOLOCK('U', icb->idxfd, int64_t{WACHTRIJBLOK(icb)} * IXBLOK, IXBLOK);
     if (goed)
         IXCLOSE(icb);
     else {

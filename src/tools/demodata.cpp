@@ -1,13 +1,16 @@
 // zgdemo DIRECTORY [--fresh] [--register] [--from TEXTS]: a demo data directory out of the text under data/demo,
-// or of another firm's. Without --fresh an existing one is kept as it is. Pairs are made by the dictionary's
-// definitions.
+// or of another firm's. Without --fresh an existing one is kept as it is; with it a directory is emptied that this
+// program made (its mark is there) and that nobody is at work in. Pairs are made by the dictionary's definitions.
 #include "shared/files.h"
 #include "shared/iomaat.h"
+#include "shared/iotab.h"
+#include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/ix.h"
 #include "term/vast.h"
 #include "tools/demotekst.h"
 #include "tools/dump.h"
+#include "tools/paar.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -22,6 +25,7 @@
 namespace {
 
 using namespace zg;
+namespace fs = std::filesystem;
 
 const char* const TABELLEN[] = {"DTLEV",    "DTLEVEXT", "DTMERK", "DTOMZGRP",
                                 "DTDOELGR", "DTART",    "DTKOERS"}; // each a .csv
@@ -32,6 +36,11 @@ ICB* nieuw_paar(const char* naam) {
     if (!DDNEW(DDNUMMER(naam), naam))
         demofout(std::string(naam) + ": can't be made");
     return IXOPEN(naam, 1);
+}
+
+void schrijf(ICB* icb, const void* rec) {
+    if (!IXWRITE(icb, rec))
+        demofout(std::string(icb->path) + ": a record can't be written");
 }
 
 void vul_tabel(const std::string& map, const char* naam) {
@@ -46,7 +55,7 @@ void vul_tabel(const std::string& map, const char* naam) {
     Dumprij rij;
     if (lezer.kop(&kop, &gevonden) && lezer.indeling(indeling(naam, icb->h), icb->h.reclen))
         while (lezer.rij(&rij))
-            IXWRITE(icb, rij.rec);
+            schrijf(icb, rij.rec);
     if (!lezer.fout().empty())
         demofout(pad + ": " + lezer.fout());
     IXCLOSE(icb);
@@ -97,9 +106,72 @@ void vul_maten(const std::vector<Demomaten>& alle) {
                 VASTIN(rij.entry[i + 1].naam, m.maten[i]);
                 rij.entry[i + 1].link = static_cast<uint8_t>(i + 1);
             }
-            IXWRITE(icb, &rij);
+            schrijf(icb, &rij);
         }
     IXCLOSE(icb);
+}
+
+// The mark comes first in a directory and goes last, so that what stands beside it is ours, half made or whole.
+constexpr char MERK[] = "ZGDEMO.MRK";
+constexpr char MERKTEKST[] =
+    "Made by zgdemo. zgdemo --fresh and ./run --fresh delete everything in this directory.\n";
+
+// A user slot whose owner is between two programs, which have nothing open for that moment.
+bool overgave(int fd) {
+    gebruikerslot g;
+    for (int nr = 0; nr < SYS_GEBRUIKER.slots; nr++)
+        if (SYSLEES(fd, &g, sizeof g, SYS_GEBRUIKER.start + nr * SYS_GEBRUIKER.grootte) ==
+                ssize_t{sizeof g} &&
+            in_overgave(g))
+            return true;
+    return false;
+}
+
+// Who is at work in a directory of data: the file that is locked or open, and the process; empty for none.
+std::string wie_gebruikt(const std::string& map) {
+    std::error_code fout;
+    constexpr auto OPTIES = fs::directory_options::skip_permission_denied;
+    for (const auto& e : fs::recursive_directory_iterator(map, OPTIES, fout)) {
+        if (!e.is_regular_file(fout))
+            continue;
+        const int fd = SYS.open(e.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
+        if (fd < 0)
+            continue;
+        const int64_t pid = IOLOCKPID(fd, 0, 0);
+        const bool bezet = pid || elders_open(fd) || (e.path().filename() == "DTSYS.TXT" && overgave(fd));
+        SYS.close(fd);
+        if (bezet)
+            return e.path().filename().string() + (pid ? " by process " + std::to_string(pid) : "");
+    }
+    return {};
+}
+
+// An empty directory at this place: a new one, or one that is empty but for what we made.
+void maak_leeg(std::string doel) {
+    std::error_code fout;
+    while (doel.size() > 1 && doel.back() == '/')
+        doel.pop_back();
+    if (!fs::exists(doel, fout)) {
+        if (const fs::path boven = fs::path(doel).parent_path(); !boven.empty())
+            fs::create_directories(boven, fout);
+        if (!SYSNIEUWEMAP(doel.c_str()))
+            demofout(doel + ": " + strerror(errno));
+        return;
+    }
+    if (fs::is_empty(doel, fout) && !fout)
+        return;
+    if (!fs::exists(doel + "/" + MERK, fout))
+        demofout(doel + ": holds something that zgdemo didn't make (no " + MERK +
+                 " in it), so it is left alone; name another directory, or empty it yourself");
+    if (const std::string wie = wie_gebruikt(doel); !wie.empty())
+        demofout(doel + ": is in use (" + wie + "), so it is left alone");
+    std::vector<fs::path> weg;
+    for (const auto& e : fs::directory_iterator(doel, fout))
+        if (e.path().filename() != MERK)
+            weg.push_back(e.path());
+    for (const fs::path& p : weg)
+        if (fs::remove_all(p, fout); fout)
+            demofout(p.string() + ": " + fout.message());
 }
 
 int gebruik() {
@@ -110,7 +182,6 @@ int gebruik() {
 } // namespace
 
 int main(int argc, char** argv) {
-    namespace fs = std::filesystem;
     std::string doel, teksten = ZG_DEMO_DIR;
     bool vers = false, registermodus = false;
     for (int i = 1; i < argc; i++) {
@@ -132,15 +203,12 @@ int main(int argc, char** argv) {
     const std::string bron = fs::canonical(teksten, fout);
     if (fout)
         demofout(teksten + ": " + fout.message());
-    bool daar = fs::exists(doel + "/DTSYS.TXT", fout);
-    if (daar && !vers)
+    if (fs::exists(doel + "/DTSYS.TXT", fout) && !vers)
         return 0;
-    if (!daar && fs::exists(doel, fout) && !fs::is_empty(doel, fout))
-        demofout(doel + ": is there and holds something else");
-    fs::remove_all(doel, fout);
-    fs::create_directories(doel, fout);
+    maak_leeg(doel);
     if (chdir(doel.c_str()) != 0)
         demofout(doel + ": " + strerror(errno));
+    demobestand(MERK, MERKTEKST, sizeof MERKTEKST - 1);
 
     std::vector<Demomaten> m = maten(bron + "/maten.txt");
     demo_systeem(bron + "/systeem.txt", m, registermodus);

@@ -3,14 +3,15 @@
 #include "shared/files.h"
 #include "shared/iofil.h"
 #include "shared/iomaat.h"
+#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "term/vast.h"
 #include "tools/demotekst.h"
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <map>
 #include <sstream>
-#include <sys/stat.h>
 
 namespace zg {
 
@@ -73,8 +74,8 @@ struct Firma {
             parm.letter = w[1][0];
         } else if (naam == "seizoenen") {
             for (const std::string& map : w)
-                if (mkdir(map.c_str(), 0777) != 0 && !IOISDIR(map.c_str()))
-                    demofout(map + ": can't be made");
+                if (!SYSNIEUWEMAP(map.c_str()) && !IOISDIR(map.c_str()))
+                    demofout(map + ": " + strerror(errno));
         } else if (naam == "kopvraag") {
             vraag(parm.kopvraag, 20, w);
         } else if (naam == "modelvraag") {

@@ -1,4 +1,5 @@
 #include "tools/demotekst.h"
+#include "shared/syscalls.h"
 #include "term/datum.h"
 #include "term/natl.h"
 #include <cerrno>
@@ -6,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace zg {
 
@@ -16,9 +16,8 @@ void demofout(const std::string& wat) {
 }
 
 void demobestand(const std::string& pad, const void* inhoud, size_t bytes) {
-    int fd = open(pad.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
-    ssize_t n = fd < 0 ? -1 : write(fd, inhoud, bytes);
-    if (n < 0 || static_cast<size_t>(n) != bytes || close(fd) != 0)
+    int fd = SYSNIEUW(pad.c_str(), O_WRONLY | O_TRUNC);
+    if (fd < 0 || !SYSSCHRIJF(fd, inhoud, bytes) || SYS.close(fd) != 0)
         demofout(pad + ": " + strerror(errno));
 }
 

@@ -1,6 +1,8 @@
 // ixcheck: the deep check of pairs, one line a file and a total.
 #include "shared/woordenboek.h"
 #include "store/diepcheck.h"
+#include "store/wachtrij.h"
+#include "term/natl.h"
 #include "tools/opdracht.h"
 
 namespace zg {
@@ -24,8 +26,13 @@ int ixcheck(const Opdracht& o) {
             Werkbalk balk("check " + tabelnaam(naam));
             bevindingen = IXDIEPCHECK(paar.idx, paar.dat);
         }
-        paar_kop(&paar);
+        const bool leesbaar = paar_kop(&paar).empty();
+        std::vector<std::string> gereserveerd;
+        if (leesbaar && !o.stil)
+            gereserveerd = IXRESERVERINGEN(paar.idx, paar.kop);
         paar_los(&paar);
+        for (const std::string& s : gereserveerd)
+            printf("%s: key reserved: %s\n", naam.c_str(), CP850UTF8(s).c_str());
         if (bevindingen.empty()) {
             goed++;
             if (!o.stil)

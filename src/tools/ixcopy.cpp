@@ -3,32 +3,26 @@
 #include "shared/files.h"
 #include "store/diepcheck.h"
 #include "tools/opdracht.h"
+#include "tools/schrijver.h"
 #include "tools/werkmap.h"
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace zg {
 
 namespace {
 
 bool kopieer(int van, const std::string& naar, int64_t bytes, Balk& balk, int64_t* gedaan) {
-    int fd = open(naar.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
-    if (fd < 0)
-        return false;
+    Schrijver uit(naar);
     std::vector<char> stuk(1 << 20);
-    bool goed = true;
-    for (int64_t p = 0; goed && p < bytes;) {
-        ssize_t n = pread(van, stuk.data(), static_cast<size_t>(std::min<int64_t>(bytes - p, 1 << 20)), p);
-        if (n <= 0) // never a copy that is only shorter
-            goed = false;
-        for (ssize_t w, weg = 0; weg < n && goed; weg += w)
-            goed = (w = write(fd, stuk.data() + weg, static_cast<size_t>(n - weg))) > 0;
-        p += n;
-        balk.bij(*gedaan += n);
+    for (int64_t p = 0, n; p < bytes; p += n, balk.bij(*gedaan += n)) {
+        n = SYSLEES(van, stuk.data(), static_cast<size_t>(std::min<int64_t>(bytes - p, 1 << 20)), p);
+        if (n == 0) // never a copy that is only shorter
+            errno = EIO;
+        if (n <= 0 || !uit.zet(stuk.data(), static_cast<size_t>(n)))
+            return false;
     }
-    return close(fd) == 0 && goed;
+    return uit.af();
 }
 
 } // namespace

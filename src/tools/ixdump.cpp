@@ -65,7 +65,7 @@ int ixdump(const Opdracht& o) {
     if (int fout = paar_vast(&paar, o.wacht))
         return fout;
     std::string kwaal = paar_kop(&paar);
-    if (o.woordenboek && !woordenboekkop(paar.naam, &paar.kop))
+    if (o.woordenboek && !woordenboekkop(paar.naam, paar.datbytes, &paar.kop))
         return klacht(paar.naam, "not in the dictionary"), FOUT_GEBRUIKT;
     if (!o.woordenboek && !kwaal.empty())
         return klacht(paar.naam, kwaal), FOUT_GEVONDEN;

@@ -8,6 +8,7 @@
 #include "term/natl.h"
 #include "tools/dump.h"
 #include "tools/opdracht.h"
+#include "tools/schrijver.h"
 #include "tools/werkmap.h"
 #include <cerrno>
 #include <cstring>
@@ -33,7 +34,7 @@ std::string definitie(const Opdracht& o, const std::string& naam, const Dumpkop&
                       ICB* icb) {
     if (o.woordenboek || !uit_dump) {
         IXHEADER kop;
-        if (!woordenboekkop(naam, &kop))
+        if (!woordenboekkop(naam, -1, &kop))
             return uit_dump ? "not in the dictionary"
                             : "the dump has no head line and the pair isn't in the dictionary";
         icb->h = kop;
@@ -54,7 +55,7 @@ std::string definitie(const Opdracht& o, const std::string& naam, const Dumpkop&
 }
 
 // Write the records of the dump as the data file; the links of its free slots go to `zij`.
-bool laad(DumpLezer& lezer, int reclen, FILE* in, FILE* uit, FILE* zij, Balk& balk, Lading* l) {
+bool laad(DumpLezer& lezer, int reclen, FILE* in, Schrijver& uit, Schrijver& zij, Balk& balk, Lading* l) {
     constexpr int PER_STAP = 256; // rows
     Dumprij rij;
     uint8_t vrij[IXRECMAX];
@@ -62,33 +63,37 @@ bool laad(DumpLezer& lezer, int reclen, FILE* in, FILE* uit, FILE* zij, Balk& ba
     int32_t nr = 0;
     for (; lezer.rij(&rij); nr = rij.nr + 1) {
         for (; nr < rij.nr; nr++, l->vrij++, l->gaten = true)
-            if (fwrite(vrij, static_cast<size_t>(reclen), 1, uit) != 1)
+            if (!uit.zet(vrij, static_cast<size_t>(reclen)))
                 return false;
-        if (fwrite(rij.rec, static_cast<size_t>(reclen), 1, uit) != 1)
+        if (!uit.zet(rij.rec, static_cast<size_t>(reclen)))
             return false;
         if (rij.vrij) {
             Schakel s{rij.nr, rij.volgende};
-            if (fwrite(&s, sizeof s, 1, zij) != 1)
+            if (!zij.zet(&s, sizeof s))
                 return false;
         }
         (rij.vrij ? l->vrij : l->records)++;
         if (rij.nr % PER_STAP == 0)
             balk.bij(ftello(in));
     }
-    return fflush(uit) == 0 && fflush(zij) == 0;
+    return uit.af() && zij.af();
 }
 
 // Put the dump's own free chain back over the one that the rebuild made.
-bool zet_keten(const std::string& naam, FILE* zij, int32_t freehead) {
+bool zet_keten(const std::string& naam, int zij, int32_t freehead) {
     Paar paar;
     if (paar_open(naam, &paar) != GOED || !paar_kop(&paar).empty())
         return false;
-    rewind(zij);
-    Schakel s;
-    while (fread(&s, sizeof s, 1, zij) == 1)
-        if (pwrite(paar.dat, &s.volgende, 4, int64_t{s.nr} * paar.kop.reclen + 1) != 4)
-            return false;
-    return pwrite(paar.idx, &freehead, 4, offsetof(IXHEADER, freehead)) == 4;
+    std::vector<Schakel> hap(4096);
+    for (int64_t p = 0;;) {
+        const ssize_t n = SYSLEES(zij, hap.data(), hap.size() * sizeof(Schakel), p);
+        if (n <= 0)
+            return n == 0 && SYSSCHRIJFOP(paar.idx, &freehead, 4, offsetof(IXHEADER, freehead));
+        for (size_t i = 0; i < static_cast<size_t>(n) / sizeof(Schakel); i++)
+            if (!SYSSCHRIJFOP(paar.dat, &hap[i].volgende, 4, int64_t{hap[i].nr} * paar.kop.reclen + 1))
+                return false;
+        p += n;
+    }
 }
 
 bool herbouw(const std::string& werk, const std::string& naam) {
@@ -142,16 +147,13 @@ int ixload(const Opdracht& o) {
         return klacht(doel, kwaal), FOUT_GEVONDEN;
 
     Lading l;
-    std::unique_ptr<FILE, int (*)(FILE*)> uit(fopen((werk + ".TXT").c_str(), "we"), fclose),
-        zij(fopen((map.pad() + "/keten").c_str(), "w+e"), fclose);
-    if (!uit || !zij)
-        return klacht(map.pad(), strerror(errno)), NIET_TE_OPENEN;
+    Schrijver zij(map.pad() + "/keten");
     {
+        Schrijver uit(werk + ".TXT");
         Balk balk("load " + naam, o.bestand.empty() ? 0 : IOSIZE(o.bestand.c_str()));
-        if (!laad(lezer, kop.reclen, in, uit.get(), zij.get(), balk, &l))
+        if (!laad(lezer, kop.reclen, in, uit, zij, balk, &l))
             return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
     }
-    uit.reset();
     if (!lezer.fout().empty())
         return klacht(o.bestand.empty() ? "standard input" : o.bestand, lezer.fout()), FOUT_GEVONDEN;
 
@@ -159,7 +161,7 @@ int ixload(const Opdracht& o) {
         return klacht(doel, "the index can't be built"), FOUT_GEVONDEN;
     // A chain that the dump tells only in part, or wrongly, is left as the rebuild made it.
     if (uit_dump && l.vrij > 0 && !l.gaten) {
-        if (!zet_keten(werk, zij.get(), dump.freehead))
+        if (!zet_keten(werk, zij.fd(), dump.freehead))
             return klacht(doel, "the free chain can't be written"), FOUT_GEVONDEN;
         if (IXCHECK(werk.c_str()) != l.vrij) {
             klacht(doel, "the free chain of the dump isn't whole; made anew");

@@ -1,115 +1,148 @@
 // ixremake: the index of pairs rebuilt from their data files, in exclusive use.
 #include "shared/files.h"
+#include "shared/syscalls.h"
+#include "shared/sysrec.h"
 #include "shared/woordenboek.h"
 #include "store/diepcheck.h"
 #include "store/node.h"
 #include "store/rebuild.h"
+#include "store/wachtrij.h"
+#include "term/natl.h"
 #include "tools/opdracht.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg {
 
 namespace {
 
-bool lees_kop(const std::string& pad, IXHEADER* kop) {
-    const int fd = open(pad.c_str(), O_RDONLY | O_CLOEXEC);
-    const bool goed = fd >= 0 && pread(fd, kop, sizeof *kop, 0) == static_cast<ssize_t>(sizeof *kop);
-    if (fd >= 0)
-        close(fd);
-    return goed;
-}
+// What a pair is rebuilt by.
+struct Bouwplan {
+    IXHEADER kop{};
+    bool nieuw = false; // not the definition of the index, which is to be made anew by the dictionary
+    std::vector<std::string> gereserveerd;
+};
 
-// The definition to build by; *nieuw: not that of the index, which is to be made anew by the dictionary. Empty when
-// good, else what is wrong.
-std::string definitie(const std::string& naam, bool woordenboek, IXHEADER* kop, bool* nieuw) {
-    const int nr = DDNUMMER(naam.c_str());
-    *nieuw = !lees_kop(naam + ".INX", kop) || (woordenboek && DDCOMPARE(nr, naam.c_str()) != 0);
-    if (*nieuw && !woordenboek)
+// Looks at the index and decides; empty when good, else what is wrong. The length of the records is never changed
+// under a header that makes sense: they would be cut at the wrong places.
+std::string plan(const Paar& paar, bool woordenboek, Bouwplan* p) {
+    const int nr = DDNUMMER(paar.naam.c_str());
+    ICB icb{};
+    const bool kop = paar.idx >= 0 && SYSLEES(paar.idx, &icb.h, sizeof icb.h, 0) == ssize_t{sizeof icb.h};
+    if (kop)
+        IXFIXHDR(&icb);
+    const char* fout = kop ? IXDEFFOUT(icb.h) : nullptr;
+    if (kop && !fout)
+        p->gereserveerd = IXRESERVERINGEN(paar.idx, icb.h);
+    const int verschil = woordenboek && kop ? DDCOMPARE(nr, icb.h) : DD_GELIJK;
+    if (verschil == DD_RECLEN && !fout)
+        return "the header says " + std::to_string(icb.h.reclen) +
+               " bytes a record, the dictionary something else; without --dictionary it is rebuilt by its "
+               "header";
+    p->nieuw = !kop || verschil != DD_GELIJK;
+    if (p->nieuw && !woordenboek)
         return std::string("no index to take the definition from") +
                (nr ? "; --dictionary makes it anew" : ", and not in the dictionary");
-    if (*nieuw && !woordenboekkop(tabelnaam(naam), kop))
-        return "not in the dictionary";
-    ICB icb{};
-    icb.h = *kop;
-    IXFIXHDR(&icb);
-    *kop = icb.h;
-    const char* fout = IXDEFFOUT(*kop);
+    p->kop = icb.h;
+    if (p->nieuw) {
+        const int reclen = icb.h.reclen;
+        if (!woordenboekkop(paar.naam, paar.datbytes, &p->kop))
+            return "not in the dictionary";
+        if (kop && !fout)
+            p->kop.reclen = static_cast<int16_t>(reclen);
+        return {};
+    }
     return fout ? std::string("header: ") + fout + (nr ? "; --dictionary makes it anew" : "") : "";
+}
+
+// A user at work in the pair's directory: the process that holds a slot of DTSYS.TXT, 0 for none.
+int64_t wie_werkt(const std::string& naam) {
+    const std::string map = naam.substr(0, naam.rfind('/') + 1);
+    const int fd = SYS.open((map + "DTSYS.TXT").c_str(), O_RDONLY | O_CLOEXEC, 0);
+    const int64_t pid =
+        fd < 0 ? 0 : IOLOCKPID(fd, SYS_GEBRUIKER.start, int64_t{SYS_GEBRUIKER.slots} * SYS_GEBRUIKER.grootte);
+    if (fd >= 0)
+        SYS.close(fd);
+    return pid;
 }
 
 // The bytes behind the last whole record into a file beside, and off: what a program left that was killed inside a
 // write. Nobody else may be in the pair meanwhile.
 int kap_af(const Paar& paar, int reclen) {
-    struct stat s;
-    if (!IOLOCK('E', paar.dat, 0, 0))
-        return klacht(paar.naam, "in use: a record is locked"), IN_GEBRUIK;
-    if (fstat(paar.dat, &s) != 0)
-        return klacht(paar.naam, strerror(errno)), FOUT_GEVONDEN;
-    const size_t rest = static_cast<size_t>(s.st_size % reclen);
-    if (rest == 0)
-        return GOED;
+    const size_t rest = static_cast<size_t>(paar.datbytes % reclen);
     uint8_t staart[IXRECMAX];
     std::string pad = paar.naam + ".CUT";
-    int fd = open(pad.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
+    int fd = SYSNIEUW(pad.c_str(), O_WRONLY | O_EXCL);
     for (int nr = 2; fd < 0 && errno == EEXIST; nr++) {
         pad = paar.naam + ".CUT" + std::to_string(nr);
-        fd = open(pad.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
+        fd = SYSNIEUW(pad.c_str(), O_WRONLY | O_EXCL);
     }
-    const auto bytes = static_cast<ssize_t>(rest);
-    const bool bewaard = fd >= 0 && pread(paar.dat, staart, rest, s.st_size - bytes) == bytes &&
-                         write(fd, staart, rest) == bytes && fsync(fd) == 0;
+    const int64_t heel = paar.datbytes - static_cast<int64_t>(rest);
+    const bool bewaard = fd >= 0 && SYSLEES(paar.dat, staart, rest, heel) == static_cast<ssize_t>(rest) &&
+                         SYSSCHRIJF(fd, staart, rest) && SYS.fsync(fd) == 0;
     const int fout = errno;
     if (fd >= 0)
-        close(fd);
-    if (!bewaard || ftruncate(paar.dat, s.st_size - bytes) != 0)
+        SYS.close(fd);
+    if (!bewaard || SYS.ftruncate(paar.dat, heel) != 0)
         return klacht(pad, strerror(bewaard ? errno : fout)), FOUT_GEVONDEN;
     klacht(paar.naam,
            "the " + std::to_string(rest) + " bytes of half a record at the end now stand in " + pad);
     return GOED;
 }
 
-int maak(const std::string& naam, const Opdracht& o) {
-    const std::string tabel = tabelnaam(naam);
-    const int64_t bytes = IOSIZE((naam + ".TXT").c_str());
-    if (bytes < 0)
-        return klacht(naam + ".TXT", "No such file or directory"), NIET_TE_OPENEN;
-    // Both are looked at before anything changes.
-    IXHEADER kop;
-    bool nieuw;
-    if (std::string kwaal = definitie(naam, o.woordenboek, &kop, &nieuw); !kwaal.empty())
+// Everything that can be refused, with the pair in hand and nobody else in it; then the half record goes.
+int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
+    Paar paar;
+    if (int fout = paar_open(naam, &paar, true))
+        return fout;
+    if (paar.alleen_lezen)
+        return klacht(naam, strerror(EACCES)), NIET_TE_OPENEN;
+    if (int fout = paar_alleen(&paar, o.wacht))
+        return fout;
+    paar.datbytes = SYSOMVANG(paar.dat);
+    if (std::string kwaal = plan(paar, o.woordenboek, p); !kwaal.empty())
         return klacht(naam, kwaal), FOUT_GEVONDEN;
-    const int64_t rest = bytes % kop.reclen;
+    const int64_t rest = paar.datbytes % p->kop.reclen;
     if (rest && !o.kap)
         return klacht(naam, "the data file ends inside a record, " + std::to_string(rest) +
                                 " bytes behind the last whole one; --truncate saves these and cuts them off"),
                FOUT_GEVONDEN;
-    if (nieuw && DDCREATE(DDNUMMER(tabel.c_str()), naam.c_str()) == 0)
+    // A program that has it open would go on by the definition that it knows.
+    if (p->nieuw && ((paar.idx >= 0 && elders_open(paar.idx)) || elders_open(paar.dat)))
+        return klacht(naam, "in use: a program has it open"), IN_GEBRUIK;
+    if (!p->gereserveerd.empty() && !o.dwing)
+        if (const int64_t pid = wie_werkt(naam)) {
+            for (const std::string& s : p->gereserveerd)
+                klacht(naam, "key reserved: " + CP850UTF8(s));
+            return klacht(naam, "not rebuilt: a user is at work (process " + std::to_string(pid) +
+                                    ") and these keys may be his; --force clears them"),
+                   IN_GEBRUIK;
+        }
+    return rest ? kap_af(paar, p->kop.reclen) : GOED;
+}
+
+int maak(const std::string& naam, const Opdracht& o) {
+    const std::string tabel = tabelnaam(naam);
+    Bouwplan p;
+    if (int fout = bereid_voor(naam, o, &p))
+        return fout;
+    if (p.nieuw && DDCREATE(DDNUMMER(tabel.c_str()), naam.c_str(), p.kop.reclen) == 0)
         return klacht(naam, "the index can't be created"), FOUT_GEVONDEN;
-    {
-        // Whoever works in the pair keeps it: the rebuild needs it alone.
-        Paar paar;
-        if (int fout = paar_open(naam, &paar))
-            return fout;
-        if (paar.alleen_lezen)
-            return klacht(naam, strerror(EACCES)), NIET_TE_OPENEN;
-        if (int fout = paar_vast(&paar, o.wacht))
-            return fout;
-        if (rest)
-            if (int fout = kap_af(paar, kop.reclen))
-                return fout;
-    }
+    std::vector<std::string> gewist;
     int gebouwd;
     {
         Werkbalk balk("rebuild " + tabel);
-        gebouwd = IXBLDIX(naam.c_str());
+        // What was reserved since we looked is a living user's.
+        gebouwd = IXBLDIX(naam.c_str(), p.gereserveerd.empty() ? nullptr : &gewist);
     }
     if (!gebouwd)
         return klacht(naam, "can't be rebuilt: something changed meanwhile, or the disk is full"),
                FOUT_GEVONDEN;
+    if (p.nieuw)
+        gewist = p.gereserveerd;
+    for (const std::string& s : gewist)
+        klacht(naam, "reserved key cleared: " + CP850UTF8(s));
     std::vector<std::string> bevindingen;
     {
         Werkbalk balk("check " + tabel);

@@ -21,6 +21,7 @@ struct Schelp {
     std::string naam;
     std::vector<Veld> velden;
     uint8_t rec[IXRECMAX] = {};
+    int wacht = 0;    // seconds for a lock
     bool hex = false; // show records in hexadecimal
 };
 
@@ -183,9 +184,10 @@ void hulp() {
     printf("quit\n");
 }
 
-bool leesbaar(const std::string& naam) {
+// The header is read under its lock: a pair in use is marked busy for moments.
+bool leesbaar(const std::string& naam, int seconden) {
     Paar paar;
-    if (paar_open(naam, &paar) != GOED)
+    if (paar_open(naam, &paar) != GOED || paar_vast(&paar, seconden) != GOED)
         return false;
     std::string kwaal = paar_kop(&paar);
     if (const char* fout = IXKOPFOUT(paar.kop); fout && kwaal.empty())
@@ -218,7 +220,7 @@ bool zonder_paar(Schelp& s, const Woorden& w, std::string* fout) {
             *fout = "a record length of 6 to 512 and one to five keys";
         else if (op == "create" && (IOEXISTS((w[1] + ".INX").c_str()) || IOEXISTS((w[1] + ".TXT").c_str())))
             *fout = "exists already";
-        else if (op == "open" && !leesbaar(w[1]))
+        else if (op == "open" && !leesbaar(w[1], s.wacht))
             *fout = "not opened";
         else {
             s.naam = w[1];
@@ -287,6 +289,7 @@ std::string voer_uit(Schelp& s, const Woorden& w) {
 
 int ixsh(const Opdracht& o) {
     Schelp s;
+    s.wacht = o.wacht;
     int uitkomst = GOED;
     auto doe = [&](const Woorden& w) {
         if (std::string fout = voer_uit(s, w); !fout.empty()) {

@@ -21,7 +21,10 @@ const Tool TOOLS[] = {
     {"ixcheck", "check pairs: every tree, every record, free chain and queue",
      "One line a pair and a total. Works while others work.", ixcheck, "nqw"},
     {"ixremake", "rebuild the index of pairs from their data files",
-     "Every live record keeps its number. With --dictionary a lost index is made anew.", ixremake, "ndtqw"},
+     "Every live record keeps its number. With --dictionary a lost index is made anew. Reserved keys are "
+     "cleared, but "
+     "not while users are at work.",
+     ixremake, "ndtfqw"},
     {"ixstat", "show definitions, counts, tree depths and fill of pairs", "", ixstat, "njw"},
     {"ixdump", "write a pair as CSV or JSON lines, in UTF-8",
      "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump, "1djoHw"},
@@ -77,6 +80,9 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
     case 't':
         app.add_flag("-t,--truncate", o.kap,
                      "save half a record at the end of a data file as PAIR.CUT, and cut it off");
+        break;
+    case 'f':
+        app.add_flag("-f,--force", o.dwing, "clear reserved keys although users are at work");
         break;
     case 'q':
         app.add_flag("-q,--quiet", o.stil, "say only what is wrong");

@@ -15,6 +15,7 @@ struct Opdracht {
     bool heel = false;              // hold the header lock all the time
     bool zonder_check = false;
     bool kap = false;    // half a record at the end of a data file may go to a file of its own
+    bool dwing = false;  // clear reserved keys although users are at work
     int wacht = 10;      // seconds for a lock
     std::string bestand; // input or output, empty for the standard stream
     std::string doel;    // target of a load or copy

@@ -1,5 +1,6 @@
 #include "tools/paar.h"
 #include "shared/files.h"
+#include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/diepcheck.h"
 #include "store/node.h"
@@ -7,6 +8,7 @@
 #include "term/vast.h"
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -26,21 +28,43 @@ void klacht(const std::string& naam, const std::string& tekst) {
 
 Paar::~Paar() {
     if (dat >= 0)
-        close(dat);
+        SYS.close(dat);
     if (idx >= 0)
-        close(idx);
+        SYS.close(idx);
 }
 
-int paar_open(const std::string& naam, Paar* paar) {
+namespace {
+
+// Try until it goes, in short naps: a busy writer lets a lock go for moments only.
+template <class F> bool binnen_de_tijd(int seconden, F probeer) {
+    constexpr int PER_SECONDE = 500;
+    for (int64_t pogingen = int64_t{seconden} * PER_SECONDE;; pogingen--) {
+        if (probeer())
+            return true;
+        if (pogingen <= 0)
+            return false;
+        timespec t{0, 1'000'000'000 / PER_SECONDE};
+        nanosleep(&t, nullptr);
+    }
+}
+
+std::string door(int fd, int64_t lengte) {
+    const int64_t pid = IOLOCKPID(fd, 0, lengte);
+    return pid ? " by process " + std::to_string(pid) : "";
+}
+
+} // namespace
+
+int paar_open(const std::string& naam, Paar* paar, bool zonder_index) {
     paar->naam = naam;
     for (auto [fd, ext] : {std::pair{&paar->idx, ".INX"}, {&paar->dat, ".TXT"}}) {
         std::string pad = naam + ext;
-        *fd = open(pad.c_str(), O_RDWR | O_CLOEXEC);
+        *fd = SYS.open(pad.c_str(), O_RDWR | O_CLOEXEC, 0);
         if (*fd < 0 && (errno == EACCES || errno == EROFS)) {
-            *fd = open(pad.c_str(), O_RDONLY | O_CLOEXEC);
+            *fd = SYS.open(pad.c_str(), O_RDONLY | O_CLOEXEC, 0);
             paar->alleen_lezen = true;
         }
-        if (*fd < 0) {
+        if (*fd < 0 && !(zonder_index && fd == &paar->idx && errno == ENOENT)) {
             klacht(pad, strerror(errno));
             return NIET_TE_OPENEN;
         }
@@ -50,10 +74,10 @@ int paar_open(const std::string& naam, Paar* paar) {
 
 std::string paar_kop(Paar* paar) {
     struct stat s;
-    paar->idxbytes = fstat(paar->idx, &s) == 0 ? s.st_size : 0;
-    paar->datbytes = fstat(paar->dat, &s) == 0 ? s.st_size : 0;
+    paar->idxbytes = SYS.fstat(paar->idx, &s) == 0 ? s.st_size : 0;
+    paar->datbytes = SYS.fstat(paar->dat, &s) == 0 ? s.st_size : 0;
     IXHEADER& kop = paar->kop;
-    if (pread(paar->idx, &kop, sizeof kop, 0) != static_cast<ssize_t>(sizeof kop))
+    if (SYSLEES(paar->idx, &kop, sizeof kop, 0) != static_cast<ssize_t>(sizeof kop))
         return "the index is shorter than a header";
     if (kop.version == 350)
         return "version 350: convert it with ixremake";
@@ -68,24 +92,35 @@ int paar_vast(Paar* paar, int seconden) {
                    "no permission to write, so read without a lock: a change meanwhile looks like damage");
         return GOED;
     }
-    // Short naps: a busy writer lets the lock go for moments only.
-    constexpr int PER_SECONDE = 500;
-    for (int64_t pogingen = int64_t{seconden} * PER_SECONDE;; pogingen--) {
-        if (IOLOCK('E', paar->idx, 0, IXBLOK))
-            return paar->vast = true, GOED;
-        if (pogingen <= 0)
-            break;
-        timespec t{0, 1'000'000'000 / PER_SECONDE};
-        nanosleep(&t, nullptr);
-    }
-    struct flock l {};
-    l.l_type = F_WRLCK;
-    l.l_len = IXBLOK;
-    std::string door;
-    if (fcntl(paar->idx, F_GETLK, &l) == 0 && l.l_type != F_UNLCK)
-        door = " by process " + std::to_string(l.l_pid);
-    klacht(paar->naam, "in use" + door);
+    if (binnen_de_tijd(seconden, [&] { return IOLOCK('E', paar->idx, 0, IXBLOK); }))
+        return paar->vast = true, GOED;
+    klacht(paar->naam, "in use" + door(paar->idx, IXBLOK));
     return IN_GEBRUIK;
+}
+
+int paar_alleen(Paar* paar, int seconden) {
+    bool record = false;
+    const bool gelukt = binnen_de_tijd(seconden, [&] {
+        record = !IOLOCK('E', paar->dat, 0, 0);
+        if (record)
+            return 0;
+        if (paar->idx < 0 || IOLOCK('E', paar->idx, 0, IXBLOK))
+            return 1;
+        return IOLOCK('U', paar->dat, 0, 0), 0;
+    });
+    if (gelukt)
+        return paar->vast = paar->idx >= 0, GOED;
+    klacht(paar->naam,
+           record ? "in use: a record is locked" + door(paar->dat, 0) : "in use" + door(paar->idx, IXBLOK));
+    return IN_GEBRUIK;
+}
+
+bool elders_open(int fd) {
+    signal(SIGIO, SIG_IGN); // who opens it at this very moment
+    if (fcntl(fd, F_SETLEASE, F_WRLCK) != 0)
+        return errno == EAGAIN;
+    fcntl(fd, F_SETLEASE, F_UNLCK);
+    return false;
 }
 
 void paar_los(Paar* paar) {
@@ -94,9 +129,10 @@ void paar_los(Paar* paar) {
     paar->vast = false;
 }
 
-bool woordenboekkop(const std::string& naam, IXHEADER* kop) {
+bool woordenboekkop(const std::string& naam, int64_t databytes, IXHEADER* kop) {
     ICB icb{};
-    if (DDDEFINIEER(&icb, DDNUMMER(naam.c_str()), tabelnaam(naam).c_str()) == 0)
+    const int nr = DDNUMMER(naam.c_str());
+    if (DDDEFINIEER(&icb, nr, tabelnaam(naam).c_str(), DDRECLEN(nr, databytes)) == 0)
         return false;
     *kop = icb.h;
     return true;

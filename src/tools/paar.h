@@ -27,8 +27,9 @@ struct Paar {
     ~Paar();
 };
 
-// Open both files for reading and locking. GOED, or NIET_TE_OPENEN with why on standard error.
-int paar_open(const std::string& naam, Paar* paar);
+// Open both files for reading and locking. GOED, or NIET_TE_OPENEN with why on standard error. `zonder_index`: a
+// missing index file is none of that, and leaves idx -1.
+int paar_open(const std::string& naam, Paar* paar, bool zonder_index = false);
 // Read the header anew and test what every reader depends on: version, record length, keys. Empty when sound, else
 // what is wrong.
 std::string paar_kop(Paar* paar);
@@ -36,9 +37,15 @@ std::string paar_kop(Paar* paar);
 // IN_GEBRUIK, with the holder's process on standard error. Who may only read looks without a lock, and is told.
 int paar_vast(Paar* paar, int seconden);
 void paar_los(Paar* paar);
+// Take the whole pair, no record locked by others, at most `seconden` long; answers as paar_vast. The data file comes
+// first and goes again while the header can't be had: who holds that may be waiting for a record.
+int paar_alleen(Paar* paar, int seconden);
+// Has a program the file open, with or without a lock? Where the system can't tell, none has.
+bool elders_open(int fd);
 
-// The header that the dictionary gives a pair of this name; false when it doesn't know it.
-bool woordenboekkop(const std::string& naam, IXHEADER* kop);
+// The header that the dictionary gives a pair of this name, its record length one that fits a data file of so many
+// bytes; false when it doesn't know it.
+bool woordenboekkop(const std::string& naam, int64_t databytes, IXHEADER* kop);
 
 // The pairs meant by the arguments: names (an extension .INX or .TXT is taken off), or all the pairs of a
 // directory, sorted. False with a message when an argument means none.

@@ -39,38 +39,80 @@ std::string eigen_map() {
     return p.substr(0, p.rfind('/') + 1);
 }
 
-// A slot is free when it names a user and nobody holds it.
-bool vrij(int32_t nr) {
+// A slot is free when it names a user, nobody holds it, and it isn't on its way to that user's next program.
+bool vrij(int32_t nr, gebruikerslot* g) {
     int32_t slot = nr;
-    gebruikerslot g;
-    return iotab('R', &slot, &g, SYS_GEBRUIKER) && g.username[0] != 0 && iotab('T', &slot, &g, SYS_GEBRUIKER);
+    return iotab('R', &slot, g, SYS_GEBRUIKER) && g->username[0] != 0 && !in_overgave(*g) &&
+           iotab('T', &slot, g, SYS_GEBRUIKER);
 }
 
+// Take a slot without waiting; false when another has it.
 bool neem(int32_t nr) {
     sessie = nr;
-    return iotab('X', &sessie, &gebruiker, SYS_GEBRUIKER) && gebruiker.username[0] != 0;
+    return iotab_probeer(&sessie, &gebruiker, SYS_GEBRUIKER);
+}
+
+// As neem, of a slot that others must leave alone: a free one that `vrij` offered and nobody took since.
+bool neem_vrije(int32_t nr) {
+    gebruikerslot g;
+    if (!vrij(nr, &g) || !neem(nr))
+        return false;
+    if (!in_overgave(gebruiker)) // come by between the look and the lock
+        return true;
+    iotab('U', &sessie, &gebruiker, SYS_GEBRUIKER);
+    return false;
+}
+
+[[noreturn]] void einde() {
+    iotab('C', &sessie, &gebruiker, SYS_GEBRUIKER);
+    CATCLOSE();
+    SCRSTOP(0);
+}
+
+// The user's own slot, back from a program that has released it for us. Should another hold it, he is named until it
+// is free, or the user leaves and the program ends.
+bool neem_terug(int32_t nr) {
+    const int64_t plaats = SYS_GEBRUIKER.start + int64_t{nr - 1} * SYS_GEBRUIKER.grootte;
+    while (!neem(nr)) {
+        if (nr < 1 || nr > SYS_GEBRUIKER.slots || iotab('T', &sessie, &gebruiker, SYS_GEBRUIKER))
+            return neem(nr); // let go of just now; or no user's
+        char tekst[81] = "";
+        houder_tekst(tekst, sizeof tekst, iotab_fd(), plaats, SYS_GEBRUIKER.grootte);
+        WINOPEN1(10, 6, 4, 70);
+        WINBOX("%s", "");
+        SCRPUT(A_WAARDE, 1, 2, "%s", tekst);
+        SCRPUT(A_LABEL, 2, 2, "%s", TXT(T_MENU_STOP));
+        SCRFLUSH(0);
+        const int32_t toets = TOETSWACHT(2, 40, 2) ? TOETS() : 0;
+        WINCLOSE();
+        if (toets == K_ESC || toets == K_CANCEL)
+            einde();
+    }
+    return true;
 }
 
 // Pick a user among the free ones; false after CANCEL or when all are at work.
 bool login() {
-    std::vector<int32_t> wie;
-    DMREC* menu = DMNEW(TXT(T_GEBRUIKER));
-    for (int32_t nr = 1; nr < BATCHGEBRUIKER; nr++)
-        if (vrij(nr)) {
-            int32_t slot = nr;
-            gebruikerslot g;
-            iotab('R', &slot, &g, SYS_GEBRUIKER);
-            DMITEM(menu, (std::string("&") + gebruiker_naam(g)).c_str(), nr, 1);
-            wie.push_back(nr);
+    for (;;) {
+        std::vector<std::pair<int32_t, std::string>> wie;
+        for (int32_t nr = 1; nr < BATCHGEBRUIKER; nr++)
+            if (gebruikerslot g; vrij(nr, &g))
+                wie.emplace_back(nr, std::string("&") + gebruiker_naam(g));
+        if (wie.empty()) {
+            MELDBOX(MELD_ALARM, TXT(T_GEEN_GEBRUIKER), nullptr, nullptr);
+            return false;
         }
-    if (wie.empty()) {
-        MELDBOX(MELD_ALARM, TXT(T_GEEN_GEBRUIKER), nullptr, nullptr);
-        return false;
+        int keus = wie[0].first;
+        if (wie.size() > 1) {
+            DMREC* menu = DMNEW(TXT(T_GEBRUIKER));
+            for (const auto& [nr, naam] : wie)
+                DMITEM(menu, naam.c_str(), nr, 1);
+            keus = DMRUN(menu, 5, 0);
+        }
+        if (keus <= 0 || neem_vrije(keus))
+            return keus > 0;
+        MELDBOX(MELD_WAARSCHUWING, TXT(T_GEBRUIKER_BEZET), nullptr, nullptr);
     }
-    if (wie.size() == 1)
-        return neem(wie[0]);
-    int keus = DMRUN(menu, 5, 0);
-    return keus > 0 && neem(keus);
 }
 
 void scherm() {
@@ -141,7 +183,7 @@ int main(int argc, char** argv) {
     bool in;
     if (argc == 5) {
         // Back from a program, which has named us in the slot.
-        in = neem(atoi(argv[3])) && strcmp(gebruiker_naam(), argv[2]) == 0;
+        in = neem_terug(atoi(argv[3])) && strcmp(gebruiker_naam(), argv[2]) == 0;
         if (!in)
             SCRFATAL("%s %s", PROGRAMMA, TXT(T_MENU_FOUTIEF_GESTART));
     } else {
@@ -165,7 +207,5 @@ int main(int argc, char** argv) {
         uitloggen();
         in = keus == K_GEBRUIKER && login();
     }
-    iotab('C', &sessie, &gebruiker, SYS_GEBRUIKER);
-    CATCLOSE();
-    SCRSTOP(0);
+    einde();
 }
