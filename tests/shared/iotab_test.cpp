@@ -5,9 +5,6 @@
 #include "term/scherm.h"
 #include <cstring>
 #include <fcntl.h>
-#include <set>
-#include <sstream>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zg {
@@ -102,34 +99,6 @@ TEST_F(Tabellen, Counter) {
         zet(5, systeller{staat, {}}, SYS_RECORD);
         EXPECT_EQ(iotab_teller(5, 9999999), 1000) << staat;
     }
-}
-
-// Two processes draw at the same time: no number twice.
-TEST_F(Tabellen, CounterOfTwo) {
-    auto trek = [](const char* pad) {
-        return [pad] {
-            open();
-            std::string alle;
-            for (int i = 0; i < 200; i++)
-                alle += std::to_string(iotab_teller(5, 9999999)) + "\n";
-            schrijf_bestand(pad, alle);
-            return true;
-        };
-    };
-    pid_t pid = fork();
-    if (pid == 0) {
-        trek("een")();
-        _exit(0);
-    }
-    ASSERT_TRUE(Agent(trek("twee")).ok());
-    waitpid(pid, nullptr, 0);
-    std::string beide = lees_bestand("een") + lees_bestand("twee");
-    std::set<std::string> nummers;
-    std::istringstream in(beide);
-    for (std::string nr; in >> nr;)
-        EXPECT_TRUE(nummers.insert(nr).second) << nr << " was drawn twice";
-    EXPECT_EQ(nummers.size(), 400u);
-    EXPECT_EQ(*nummers.rbegin(), "1399");
 }
 
 TEST_F(Tabellen, CodesBySet) {

@@ -1,0 +1,363 @@
+// The operators' tools on a directory that others are at work in: reserved keys, pairs in use, files that take another's
+// place, definitions that are left alone; and the demo directory that only its maker may empty.
+#include "shared/files.h"
+#include "shared/iotab.h"
+#include "shared/syscalls.h"
+#include "shared/woordenboek.h"
+#include "store/ix.h"
+#include "store/rebuild.h"
+#include "support/demomap.h"
+#include "support/proces.h"
+#include "term/vast.h"
+#include "tools/paar.h"
+#include "tools/werkmap.h"
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace zg;
+using namespace zg::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Uit {
+    int status;
+    std::string tekst; // both streams
+    bool zegt(const std::string& s) const { return tekst.find(s) != std::string::npos; }
+};
+
+Uit sh(const std::string& opdracht) {
+    FILE* p = popen(("PATH=" ZG_BINARY_DIR ":$PATH; exec 2>&1; " + opdracht).c_str(), "r");
+    std::string tekst;
+    char buf[4096];
+    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;)
+        tekst.append(buf, n);
+    int st = pclose(p);
+    return {WIFEXITED(st) ? WEXITSTATUS(st) : 128 + WTERMSIG(st), tekst};
+}
+
+struct Handen : testing::Test {
+    TijdelijkeMap map;
+    const SYSCALLS echt = SYS;
+    ~Handen() override { SYS = echt; }
+    // Brands 1 to n.
+    static void merken(int n, const char* naam = "DTMERK") {
+        ASSERT_TRUE(DDNEW(DDNUMMER("DTMERK"), naam));
+        ICB* icb = IXOPEN(naam, 1);
+        uint8_t rec[76] = {};
+        for (uint16_t i = 1; i <= n; i++) {
+            memcpy(rec, &i, 2);
+            IXWRITE(icb, rec);
+        }
+        IXCLOSE(icb);
+    }
+    static std::string paar(const std::string& naam) {
+        return lees_bestand(naam + ".INX") + "|" + lees_bestand(naam + ".TXT");
+    }
+    static bool reserveer(uint16_t merk) {
+        ICB* icb = IXOPEN("DTMERK", 2);
+        uint8_t rec[76] = {};
+        memcpy(rec, &merk, 2);
+        return IXREADL(icb, rec) == 0;
+    }
+};
+
+} // namespace
+
+TEST_F(Handen, ReservedKeysAreSeenAndOnlyIxremakeClearsThem) {
+    merken(20);
+    Agent(std::function<bool()>([] {
+        return reserveer(4711) && reserveer(99);
+    })).dood(); // and leaves them behind
+    Uit u = sh("ixcheck DTMERK");
+    EXPECT_EQ(u.status, 0) << "no damage";
+    EXPECT_TRUE(u.zegt("DTMERK: key reserved: 4711\nDTMERK: key reserved: 99\n")) << u.tekst;
+    // Neither an exclusive opener nor a rebuild takes them from who may be alive.
+    IXCLOSE(IXOPEN("DTMERK", 1));
+    EXPECT_EQ(IXBLDIX("DTMERK"), 1);
+    EXPECT_TRUE(sh("ixcheck DTMERK").zegt("reserved: 4711"));
+    {
+        schrijf_bestand("DTSYS.TXT", std::string(10'000, '\0'));
+        Agent gebruiker([] {
+            int fd = open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
+            return IOLOCK('S', fd, 2640 + 41 * 64, 64) == 1;
+        });
+        const std::string voor = paar("DTMERK");
+        for (const char* hoe : {"ixremake DTMERK", "ixremake -d DTMERK", "ixremake ."}) {
+            u = sh(hoe);
+            EXPECT_EQ(u.status, 4) << u.tekst;
+            EXPECT_TRUE(u.zegt("key reserved: 4711") &&
+                        u.zegt("a user is at work (process " + std::to_string(gebruiker.pid())))
+                << u.tekst;
+            EXPECT_TRUE(paar("DTMERK") == voor);
+        }
+        u = sh("ixremake --force DTMERK");
+        EXPECT_EQ(u.status, 0) << u.tekst;
+        EXPECT_TRUE(u.zegt("reserved key cleared: 4711") && u.zegt("cleared: 99")) << u.tekst;
+        EXPECT_EQ(sh("ixremake DTMERK").status, 0) << "nothing to clear, nobody to ask";
+    }
+    EXPECT_FALSE(sh("ixcheck DTMERK").zegt("reserved"));
+    Agent(std::function<bool()>([] { return reserveer(5000); })).dood();
+    u = sh("ixremake DTMERK");
+    EXPECT_TRUE(u.status == 0 && u.zegt("reserved key cleared: 5000")) << "nobody is at work: " << u.tekst;
+    EXPECT_TRUE(Agent([] { return reserveer(5000); }).ok()) << "free again";
+}
+
+// A key that is reserved while the rebuild is at work is not lost.
+TEST_F(Handen, ARebuildWaitsForTheQueue) {
+    merken(20);
+    auto houder = std::make_unique<Agent>([] {
+        int fd = open("DTMERK.INX", O_RDWR | O_CLOEXEC);
+        return IOLOCK('E', fd, 4 * 512, 512) == 1; // three keys: the queue is block 4
+    });
+    ASSERT_TRUE(houder->ok());
+    pid_t pid = fork();
+    if (pid == 0) {
+        IXWAITHOOK = [](ICB*) {};
+        _exit(IXBLDIX("DTMERK") == 1 ? 0 : 1);
+    }
+    int status = 0;
+    for (int i = 0; i < 20; i++, usleep(20'000))
+        ASSERT_EQ(waitpid(pid, &status, WNOHANG), 0) << "it writes the queue under another's lock";
+    houder.reset();
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(Handen, IxshTellsInUseFromDamaged) {
+    merken(5);
+    auto bezig = [](char c) {
+        int fd = open("DTMERK.INX", O_RDWR | O_CLOEXEC);
+        return IOLOCK('E', fd, 0, 512) == 1 && pwrite(fd, &c, 1, 45) == 1;
+    };
+    schrijf_bestand("script", "open DTMERK 2\nclose\n");
+    {
+        Agent schrijver([&] { return bezig(1); }); // as in the middle of an update
+        Uit u = sh("ixsh -w 0 < script");
+        EXPECT_TRUE(u.zegt("in use by process " + std::to_string(schrijver.pid()))) << u.tekst;
+        EXPECT_FALSE(u.zegt("rebuild")) << u.tekst;
+    }
+    EXPECT_TRUE(sh("ixsh < script").zegt("marked busy: rebuild it first"));
+    std::string index = lees_bestand("DTMERK.INX");
+    schrijf_bestand("DTMERK.INX", index.replace(45, 1, 1, '\0'));
+    EXPECT_EQ(sh("ixsh < script").status, 0);
+}
+
+// The new pair stands whole, or the old one does; and the new one has the old one's rights.
+TEST_F(Handen, ACopyTakesAPairsPlaceWholeOrNotAtAll) {
+    static int wanneer, telling, gesynct;
+    const gid_t groep = geteuid() == 0 ? 4711 : getegid();
+    merken(30, "NIEUW");
+    for (bool was : {false, true})
+        for (int n : {1, 2, 3}) {
+            SCOPED_TRACE(std::to_string(n) + (was ? " over a pair" : " new"));
+            IXREMOVE("DOEL");
+            if (was) {
+                merken(7, "DOEL");
+                for (const char* f : {"DOEL.INX", "DOEL.TXT"})
+                    ASSERT_TRUE(chown(f, static_cast<uid_t>(-1), groep) == 0 && chmod(f, 0664) == 0);
+            }
+            const std::string voor = was ? paar("DOEL") : "", nieuw = paar("NIEUW");
+            wanneer = n, telling = gesynct = 0;
+            SYS.rename = [](const char* a, const char* b) {
+                return ++telling == wanneer ? (errno = EIO, -1) : rename(a, b);
+            };
+            SYS.fsync = [](int fd) { return gesynct++, fsync(fd); };
+            {
+                Werkmap werk("DOEL");
+                for (const char* ext : {".INX", ".TXT"})
+                    fs::copy_file(std::string("NIEUW") + ext, werk.pad() + "/DOEL" + ext);
+                EXPECT_EQ(werk.naar("DOEL", true, 0), n < 3 ? FOUT_GEVONDEN : GOED);
+            }
+            SYS = echt;
+            for (const char* f : {"DOEL.INX", "DOEL.TXT"})
+                EXPECT_EQ(IOEXISTS(f), was || n == 3) << f;
+            if (was || n == 3) {
+                EXPECT_TRUE(paar("DOEL") == (n == 3 ? nieuw : voor));
+            }
+            if (n == 3) {
+                EXPECT_EQ(gesynct, 3) << "both files and their directory";
+                struct stat st {};
+                stat("DOEL.TXT", &st);
+                EXPECT_EQ(st.st_mode & 07777, was ? 0664u : 0660u);
+                EXPECT_TRUE(!was || st.st_gid == groep);
+            }
+            for (const auto& e : fs::directory_iterator("."))
+                EXPECT_FALSE(e.path().filename().string().starts_with(".ixwerk"));
+        }
+}
+
+TEST_F(Handen, WhatATellerMustKnowAboutDoubleValues) {
+    merken(9);
+    std::string data = lees_bestand("DTMERK.TXT");
+    schrijf_bestand("DTMERK.TXT", data.replace(76 * 7, 2, data.substr(76 * 3, 2)));
+    Uit u = sh("ixremake DTMERK");
+    EXPECT_EQ(u.status, 1);
+    EXPECT_TRUE(u.zegt("key 1: records 7 and 3 have the same value")) << u.tekst;
+}
+
+// A definition is made anew only for records of its own length, and only while nobody has the pair open.
+TEST_F(Handen, RemakeByTheDictionaryLeavesRecordsAsLongAsTheyAre) {
+    auto fotos = [](int reclen, const char* sleutel2) {
+        IXREMOVE("DTSERPIC");
+        ICB* icb = IXCREATE("DTSERPIC", 1);
+        IXUPDFCB(icb, 0, ("fotobestanden," + std::to_string(reclen)).c_str());
+        IXUPDFCB(icb, 1, "key-1,NODUPS,I,1,4,I,5,6,I,7,8");
+        IXUPDFCB(icb, 2, sleutel2);
+        IXINIT(icb);
+        char rec[60] = {};
+        for (int i = 1; i < 56; i++) {
+            memcpy(rec, &i, 4);
+            snprintf(rec + 8, 45, "FOTO%d.JPG", i * 37 % 100);
+            IXWRITE(icb, rec);
+        }
+        IXCLOSE(icb);
+    };
+    const char *goed = "key-2,C,9,18", *fout = "key-2,C,10,18";
+    const struct {
+        int reclen;
+        const char* sleutel2;
+        bool index;
+        int status;
+    } gevallen[] = {{56, goed, true, 0}, {56, fout, true, 0},  {56, goed, false, 0}, {53, goed, true, 0},
+                    {53, fout, true, 0}, {53, goed, false, 0}, {60, goed, true, 1}};
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(std::to_string(g.reclen) + " " + g.sleutel2 + (g.index ? "" : " without index"));
+        fotos(g.reclen, g.sleutel2);
+        const std::string data = lees_bestand("DTSERPIC.TXT"), voor = paar("DTSERPIC");
+        EXPECT_EQ(sh("ixcheck DTSERPIC").status, 0) << "no fault";
+        if (!g.index)
+            IOUNLINK("DTSERPIC.INX");
+        Uit u = sh("ixremake -d DTSERPIC");
+        EXPECT_EQ(u.status, g.status) << u.tekst;
+        EXPECT_TRUE(lees_bestand("DTSERPIC.TXT") == data);
+        if (g.status) {
+            EXPECT_TRUE(paar("DTSERPIC") == voor && u.zegt("60 bytes a record")) << u.tekst;
+            continue;
+        }
+        ICB* icb = IXOPEN("DTSERPIC", 0);
+        EXPECT_EQ(icb->h.reclen, g.reclen);
+        EXPECT_EQ(icb->h.keydef[1].pstart[0], 9);
+        IXCLOSE(icb);
+        EXPECT_TRUE(sh("ixdump -d DTSERPIC").zegt("\n6,,7,0,0,FOTO59.JPG")) << sh("ixdump -d DTSERPIC").tekst;
+    }
+    IXREMOVE("DTSERPIC");
+    ASSERT_TRUE(DDNEW(DDNUMMER("DTSERPIC"), "DTSERPIC"));
+    EXPECT_EQ(lees_bestand("DTSERPIC.INX").substr(24, 2), std::string("\x38\0", 2));
+    fotos(56, fout);
+    const std::string voor = paar("DTSERPIC");
+    ICB* icb = IXOPEN("DTSERPIC", 2); // holds no lock, and knows the old keys
+    Uit u = sh("ixremake -d -w 0 DTSERPIC");
+    EXPECT_TRUE(u.status == 4 && u.zegt("a program has it open")) << u.tekst;
+    IXLOCK(icb, 3); // record 0
+    EXPECT_EQ(sh("ixremake -d -w 0 DTSERPIC").status, 4);
+    IXCLOSE(icb);
+    EXPECT_TRUE(paar("DTSERPIC") == voor);
+}
+
+TEST_F(Handen, OnlyAnOwnAndIdleDirectoryIsEmptied) {
+    auto zgdemo = [](const std::string& rest) { return sh("zgdemo " + rest); };
+    // A firm's data, without the mark: whatever is asked.
+    ASSERT_EQ(zgdemo("firma").status, 0);
+    IOUNLINK("firma/ZGDEMO.MRK");
+    schrijf_bestand("firma/2016Z/ORD0099.JRN", "a firm's order");
+    for (const char* hoe : {"firma --fresh", "firma/ --fresh --register", "./firma --fresh"}) {
+        Uit u = zgdemo(hoe);
+        EXPECT_TRUE(u.status == 1 && u.zegt("zgdemo didn't make")) << u.tekst;
+        EXPECT_EQ(lees_bestand("firma/2016Z/ORD0099.JRN"), "a firm's order");
+    }
+    // Its own, while somebody is in: a user's slot, a pair, a journal, a hand-over.
+    ASSERT_EQ(zgdemo("demo").status, 0);
+    schrijf_bestand("demo/2016Z/ORD0099.JRN", "played with");
+    const std::string sys = lees_bestand("demo/DTSYS.TXT");
+    const struct {
+        const char* wat;
+        std::function<bool()> doe;
+    } gevallen[] = {
+        {"DTSYS.TXT", [] { return IOLOCK('S', open("demo/DTSYS.TXT", O_RDWR), 2640, 64) == 1; }},
+        {"DTLEV.INX", [] { return open("demo/DTLEV.INX", O_RDWR) >= 0; }},
+        {"ORD0099.JRN", [] { return IOLOCK('E', open("demo/2016Z/ORD0099.JRN", O_RDWR), 0, 1) == 1; }},
+        {"DTSYS.TXT",
+         [&] {
+             std::string s = sys;
+             const uint32_t nu = static_cast<uint32_t>(time(nullptr));
+             s[2640 + 38] = 2;
+             memcpy(&s[2640 + 40], &nu, 4);
+             schrijf_bestand("demo/DTSYS.TXT", s);
+             return true;
+         }},
+    };
+    for (const auto& g : gevallen) {
+        Agent ander(g.doe);
+        ASSERT_TRUE(ander.ok());
+        Uit u = zgdemo("demo --fresh");
+        EXPECT_TRUE(u.status == 1 && u.zegt(std::string("is in use (") + g.wat)) << g.wat << u.tekst;
+        EXPECT_EQ(lees_bestand("demo/2016Z/ORD0099.JRN"), "played with");
+    }
+    schrijf_bestand("demo/DTSYS.TXT", sys);
+    chmod("demo", 02770);
+    struct stat voor {
+    }, na{};
+    stat("demo", &voor);
+    EXPECT_EQ(zgdemo("demo --fresh --register").status, 0);
+    stat("demo", &na);
+    EXPECT_TRUE(voor.st_ino == na.st_ino && na.st_mode == voor.st_mode) << "emptied, not replaced";
+    EXPECT_TRUE(!IOEXISTS("demo/2016Z/ORD0099.JRN") && IOEXISTS("demo/DTSER.INX"));
+    IOUNLINK("demo/DTSYS.TXT"); // broken off: made by us, so made again
+    EXPECT_EQ(zgdemo("demo").status, 0);
+    EXPECT_TRUE(IOEXISTS("demo/DTSYS.TXT"));
+}
+
+// Two terminals choose one user; and a user on his way from one program to the next is nobody's to take.
+TEST(Menu, TakesAFreeUserOnly) {
+    DemoMap demo;
+    Opties o = demo_opties(demo);
+    o.klok.clear();
+    Terminal een({programma("zgbsmenu")}, o), twee({programma("zgbsmenu")}, o);
+    ASSERT_TRUE(een.wacht("Joke") && twee.wacht("Joke")) << twee.scherm();
+    een.kalm(), twee.kalm();
+    een.toetsen("<Enter>");
+    ASSERT_TRUE(een.wacht("Orders registreren")) << een.scherm();
+    twee.toetsen("<Enter>");
+    ASSERT_TRUE(twee.wacht("Deze gebruiker is net aan het werk gegaan")) << twee.scherm();
+    twee.toetsen("<Enter>");
+    ASSERT_TRUE(twee.wacht("Pieter") && twee.kalm()) << twee.scherm();
+    EXPECT_EQ(twee.scherm().find("Joke"), std::string::npos) << twee.scherm();
+    // Pieter chains: free, but not for long.
+    std::string sys = lees_bestand(demo.bestand("DTSYS.TXT"));
+    const uint32_t nu = static_cast<uint32_t>(time(nullptr));
+    sys[2640 + 64 + 38] = 2;
+    memcpy(&sys[2640 + 64 + 40], &nu, 4);
+    const int fd = open(demo.bestand("DTSYS.TXT").c_str(), O_WRONLY | O_CLOEXEC);
+    ASSERT_EQ(pwrite(fd, &sys[2640 + 64], 64, 2640 + 64), 64);
+    twee.toetsen("<Enter>");
+    ASSERT_TRUE(twee.wacht("Deze gebruiker is net aan het werk gegaan")) << twee.scherm();
+    twee.toetsen("<Enter>");
+    twee.kalm();
+    EXPECT_EQ(twee.scherm().find("Pieter"), std::string::npos) << twee.scherm();
+    // A hand-over that nobody took up is over after a while.
+    const uint32_t lang = nu - 60;
+    memcpy(&sys[2640 + 64 + 40], &lang, 4);
+    ASSERT_EQ(pwrite(fd, &sys[2640 + 64], 64, 2640 + 64), 64);
+    close(fd);
+    Terminal drie({programma("zgbsmenu")}, o);
+    EXPECT_TRUE(drie.wacht("Pieter")) << drie.scherm();
+}
+
+// Back from a program, and another has the slot: he is named, and waiting can be left.
+TEST(Menu, WaitingForTheOwnSlotCanBeLeft) {
+    DemoMap demo;
+    Agent ander([&] {
+        int fd = open(demo.bestand("DTSYS.TXT").c_str(), O_RDWR);
+        return IOLOCK('S', fd, 2640, 64) == 1;
+    });
+    Terminal t({programma("zgbsmenu"), "zgbsmenu", "Joke", "1", "zgbestel"}, demo_opties(demo));
+    ASSERT_TRUE(t.wacht("Informatie in gebruik door Joke")) << t.scherm();
+    t.stuur("\x1b");
+    EXPECT_EQ(t.einde(), 0);
+}
