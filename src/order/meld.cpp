@@ -9,9 +9,7 @@ namespace zg {
 
 namespace {
 
-constexpr int NAASTENTER = 26; // column behind "<ENTER> voor vervolg"
-
-// Window at the bottom with a line, and why beside the wait for Enter.
+// Window at the bottom with a line, and why in front of the wait for Enter.
 void venster(const char* regel, const char* waarom) {
     if (!SCHERM.bestaat) {
         fprintf(stderr, *waarom ? "%s (%s)\n" : "%s\n", regel, waarom);
@@ -20,10 +18,9 @@ void venster(const char* regel, const char* waarom) {
     WINOPEN2(21, 1, 4, 80);
     WINBOX(nullptr);
     SCRPUT(A_LABEL, 1, 2, "%s", regel);
-    if (*waarom)
-        SCRPUT(A_WAARDE, 2, NAASTENTER, "%.*s", SCHERM.cols - NAASTENTER - 2, waarom);
+    const int n = *waarom ? SCRPUT(A_WAARDE, 2, 2, "%.54s", waarom) + 2 : 0;
     PIEP();
-    ENTERWACHT(2, 2);
+    ENTERWACHT(2, 2 + n);
     WINCLOSE();
 }
 

@@ -8,7 +8,7 @@
 
 namespace zg {
 
-// Windows at the bottom, wait for Enter: "Order ORD0012.JRN in gebruik op ander scherm." and beside the wait who holds
+// Windows at the bottom, wait for Enter: "Order ORD0012.JRN in gebruik op ander scherm." and in front of the wait who holds
 // it, empty when unknown; "Order ORD0012.JRN: Bestand niet te openen" and the reason, an errno.
 void ord_meld_bezet(const char* naam, const char* houder);
 void ord_meld_geen_toegang(const char* naam, int reden);

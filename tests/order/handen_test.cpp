@@ -38,7 +38,7 @@ struct Handen : testing::Test {
     static bool voeg_regel_in() {
         ors_ingang cursor = regel_op(1);
         neem_regel(EEN[0].modellen[0], maak_regel(70));
-        return wrk_regel_in(&cursor, true);
+        return wrk_regel_in(&cursor, true, &regel_nu);
     }
 };
 
@@ -104,7 +104,7 @@ TEST_F(Handen, FilesKeepTheirRightsWhoeversTurnItIs) {
         EXPECT_EQ(rechten("JRN"), "0660" + g) << masker;
         neem_regel(EEN[0].modellen[0], maak_regel(70));
         ors_ingang cursor{};
-        ASSERT_TRUE(wrk_regel_in(&cursor, true) && sluit());
+        ASSERT_TRUE(wrk_regel_in(&cursor, true, &regel_nu) && sluit());
         EXPECT_EQ(rechten("JRN"), "0660" + g) << masker;
     }
     umask(oud);
