@@ -1,20 +1,35 @@
 // IOLOCK and IOFLOCK, the two lock primitives; every lock that the program takes goes through one of them.
 // Two traps of these locks: they belong to the process, so it never sees its own; and closing any descriptor
 // of a file drops all its locks on that file. So a file that is locked is opened once and kept open.
+// A lock that another has is an answer, and who asked may wait for it. A lock that can't be had at all (no room in the
+// system's table, a file system without locks) would be waited for without end, so it stops the program with a report.
 #include "shared/files.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "shared/teksten.h"
 #include "term/scherm.h"
+#include <algorithm>
 #include <cerrno>
+#include <string>
 #include <unistd.h>
 
 namespace zg {
 namespace {
 
+// False: another has it. Giving one back, or a descriptor that is none, is never a reason to stop.
 bool doe(int fd, int opdracht, struct flock* slot) {
-    while (SYS.slot(fd, opdracht, slot) < 0)
-        if (errno != EINTR)
+    while (SYS.slot(fd, opdracht, slot) < 0) {
+        const int fout = errno;
+        if (fout == EINTR)
+            continue;
+        if (fout == EACCES || fout == EAGAIN || fout == EBADF || slot->l_type == F_UNLCK)
             return false;
+        char pad[256];
+        const ssize_t n = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), pad, sizeof pad - 1);
+        pad[std::max<ssize_t>(n, 0)] = '\0';
+        STOPREDEN(fout);
+        SCRFATAL(TXT(T_GEEN_SLOT), IOBASENAME(pad), fout);
+    }
     return true;
 }
 

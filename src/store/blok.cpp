@@ -4,20 +4,18 @@
 #include "shared/files.h"
 #include "store/bestand.h"
 #include "store/cache.h"
+#include "store/klad.h"
 #include "store/node.h"
 #include "store/teksten.h"
+#include "store/wachten.h"
 #include "term/scherm.h"
 #include <cerrno>
 #include <cstdio>
-#include <sched.h>
 #include <unistd.h>
 
 namespace zg {
 
 namespace {
-
-constexpr int KOPRONDEN = 5;
-constexpr int POGINGEN = 40; // a reader without a lock may meet a node half written
 
 // Same definitions as the handle has already found good?
 bool zelfde_vorm(const IXHEADER& a, const IXHEADER& b) {
@@ -77,8 +75,12 @@ Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {
         uitslag = L_FOUT;
     else if (icb->cached)
         IOCACHE('R', icb, blok);
+    else if (KLADAAN(icb) && KLADLEES(icb, blok))
+        ;
     else if (IXBLOKLEES(icb->idxfd, blok, icb->node, IXBLOK) != IXBLOK)
         uitslag = L_EINDE;
+    else if (KLADAAN(icb))
+        KLADGELEZEN(icb, blok);
     if (uitslag == L_GOED && !knoop_goed(icb, blok))
         uitslag = L_FOUT;
     if (uitslag != L_GOED) {
@@ -115,23 +117,20 @@ void IXRDIX(ICB* icb, int32_t blok) {
         IXINCONSISTENT(icb);
     if (blok == 0)
         return lees_kop(icb);
-    int einden = 0;
-    for (int poging = 0;; poging++) {
+    Geduld geduld(icb);
+    for (bool getoond = false;;) {
         Leesuitslag uitslag = IXLEESKNOOP(icb, blok);
         if (uitslag == L_GOED)
             return;
-        if (ALLEEN(icb) || poging == POGINGEN)
-            IXSTUK(icb, blok);
-        if (uitslag == L_EINDE) { // the tree was changed under this handle: begin at the root
-            if (++einden > IXEINDEN)
-                IXSTUK(icb, blok);
-            IXEOFTOON(icb, blok);
+        if (uitslag == L_EINDE && !ALLEEN(icb)) { // the tree was changed under this handle: begin at the root
+            if (!getoond)
+                IXEOFTOON(icb, blok);
+            getoond = true;
             if (KNOOP(icb).keyno >= 1)
                 blok = KNOOP(icb).keyno;
-        } else if (poging < POGINGEN / 2)
-            sched_yield();
-        else
-            usleep(1000);
+        }
+        if (!geduld.nog_eens())
+            IXSTUK(icb, blok);
     }
 }
 
@@ -144,6 +143,9 @@ void IXWRIX(ICB* icb, int32_t blok) {
             IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
     } else if (icb->cached) {
         IOCACHE('W', icb, blok);
+        return;
+    } else if (KLADAAN(icb)) {
+        KLADZET(icb, blok);
         return;
     } else if (!IXBLOKSCHRIJF(icb->idxfd, blok, icb->node))
         IXSCHIJFFOUT(icb, icb->idxfd, int64_t{blok} * IXBLOK, IXBLOK);

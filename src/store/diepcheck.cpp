@@ -5,6 +5,7 @@
 #include "shared/files.h"
 #include "store/bestand.h"
 #include "store/node.h"
+#include "store/wachten.h"
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -17,7 +18,6 @@ void (*IXDIEPVOORTGANG)(int64_t gedaan, int64_t totaal) = nullptr;
 
 namespace {
 
-constexpr int WACHT_MS = 10'000;
 constexpr size_t HAP = 64 * 1024; // bytes of the data file read at once
 constexpr int VOORBEELDEN = 10;   // missing records that are named
 
@@ -34,8 +34,9 @@ struct Check {
     IXHEADER h{};
     int64_t blokken = 0, records = 0; // what the files really hold
     int64_t bezocht = 0, gevonden = 0, gedaan = 0, werk = 0;
-    int32_t vorig_record = -1; // of the leaf entry before the one that is looked at
-    bool opgegeven = false;    // tree refers to more nodes than there are blocks
+    int32_t vorig_record = -1;  // of the leaf entry before the one that is looked at
+    bool opgegeven = false;     // tree refers to more nodes than there are blocks
+    std::vector<bool> geteld{}; // records met in the tree at hand, where its keys may be equal
 
     void meld(const char* fmt, ...) __attribute__((format(printf, 2, 3))) {
         if (++telling->bevindingen > static_cast<int64_t>(IXBEVINDINGEN))
@@ -210,6 +211,15 @@ void Check::blad(int sleutel, int32_t blok, const IXKNOOP& k, bool laatste) {
             IXMAAKSLEUTEL(def, rec, nr, def.keylen, waarde);
             if (IXVERGELIJK(def, waarde, e, def.keylen) != 0)
                 meld("key %d, block %d: entry %d is not the key of its record %d", sleutel, blok, i + 1, nr);
+            if (!geteld.empty()) {
+                const size_t plaats = static_cast<size_t>(nr);
+                if (geteld[plaats]) {
+                    meld("key %d, block %d: entry %d leads to record %d a second time", sleutel, blok, i + 1,
+                         nr);
+                    gevonden--; // or it would stand for one that is missing
+                }
+                geteld[plaats] = true;
+            }
         }
     }
 }
@@ -292,7 +302,7 @@ void Check::knoop(int sleutel, int32_t blok, int niveau, const Grens& laag, cons
     }
 }
 
-// Does a search for the key lead to the record? Of equal keys the neighbours in the leaf are looked at too.
+// Does a search for the key lead to the record?
 bool Check::staat_in(int sleutel, const uint8_t* waarde, int32_t recnr) const {
     const IXKEYDEF& def = h.keydef[sleutel - 1];
     int32_t blok = sleutel;
@@ -306,10 +316,8 @@ bool Check::staat_in(int sleutel, const uint8_t* waarde, int32_t recnr) const {
         if (i == k.count)
             return false;
         if (k.level == 1) {
-            for (; i < k.count && IXVERGELIJK(def, waarde, entry(k, def, i), def.keylen) == 0; i++)
-                if (LEES32(entry(k, def, i) + def.keylen) == recnr)
-                    return true;
-            return false;
+            return IXVERGELIJK(def, waarde, entry(k, def, i), def.keylen) == 0 &&
+                   LEES32(entry(k, def, i) + def.keylen) == recnr;
         }
         blok = LEES32(entry(k, def, i) + def.keylen);
         if (blok < h.nkeys + 2 || blok >= blokken)
@@ -326,7 +334,8 @@ void Check::zoek_ontbrekende(int sleutel) {
         if (!lees_record(nr, rec) || !IXRECLIVE(rec, h.reclen))
             continue;
         IXMAAKSLEUTEL(def, rec, static_cast<int32_t>(nr), def.keylen, waarde);
-        if (!staat_in(sleutel, waarde, static_cast<int32_t>(nr))) {
+        if (geteld.empty() ? !staat_in(sleutel, waarde, static_cast<int32_t>(nr))
+                           : !geteld[static_cast<size_t>(nr)]) {
             meld("key %d: record %ld is not found by its key", sleutel, L(nr));
             genoemd++;
         }
@@ -338,6 +347,9 @@ void Check::boom(int sleutel) {
     bezocht = 0;
     vorig_record = -1;
     opgegeven = false;
+    // Where nothing makes keys differ, entries are counted by the record that they lead to.
+    geteld.assign(sleutel > 1 && h.keydef[sleutel - 1].dupflag == 'N' ? static_cast<size_t>(records) : 0,
+                  false);
     knoop(sleutel, sleutel, 0, Grens{}, nullptr);
     if (tijdelijk || gevonden == telling->levend)
         return;
@@ -383,7 +395,7 @@ std::vector<std::string> IXDIEPCHECK(const char* naam, IXTELLING* telling) {
     const bool eigen_slot = IXBESTANDVAST(idxfd);
     std::vector<std::string> uit{eigen_slot ? "in use: this program has it open in exclusive mode"
                                             : "in use: the header lock could not be had"};
-    for (int ms = 0; ms < WACHT_MS && !eigen_slot; ms++) {
+    for (int ms = 0; ms < CHECKWACHT && !eigen_slot; ms++) {
         if (IOLOCK('E', idxfd, 0, IXBLOK)) {
             uit = IXDIEPCHECK(idxfd, datfd, IXTIJDELIJKENAAM(naam), &t);
             IOLOCK('U', idxfd, 0, IXBLOK);

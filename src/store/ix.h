@@ -41,6 +41,14 @@ static_assert(sizeof(IXKEYDEF) == 42 && sizeof(IXHEADER) == 260);
 static_assert(offsetof(IXHEADER, reclen) == 24 && offsetof(IXHEADER, busy) == 45);
 static_assert(offsetof(IXHEADER, keydef) == 48 && offsetof(IXHEADER, version) == 258);
 
+// Where a walk stands: entry and record of its last step, under one key.
+struct IXPLAATS {
+    int8_t sleutel; // 0: nowhere
+    int32_t nr;
+    uint8_t entry[IXSLEUTELMAX + 4],
+        record[IXSLEUTELMAX + 4]; // key of the entry, key of the record as it was given
+};
+
 // The handle. Callers may read currec, and write it on a temporary index; the rest is the store's own.
 struct ICB {
     IXHEADER h; // image of block 0
@@ -59,6 +67,7 @@ struct ICB {
     int8_t koplock;      // 1 while a shared handle holds the header lock: the tree can't change under it
     int8_t wachtsleutel; // 1 while IXWAITHOOK is called for a reserved key, the one in `keybuf`
     int32_t gezien; // nblocks as last seen on disk: a reader that may have met a half-done split looks again
+    IXPLAATS plaats;
 };
 
 inline constexpr int IXVRAAG = 4096; // added to a mode: ask and retry when permission lacks
@@ -111,7 +120,8 @@ void IXDELENTRY(ICB* icb); // the entry for `keybuf` out of `curblock`
 
 // Walking by the current key: 1 found, 0 none, and then `currec` is -1. `delen` 0 goes by the whole key; n above 0
 // takes the first n parts as the place. The ..K kind fills in the key's fields only and stays under the first n - 1
-// parts, the ..R kind reads the record and stays under all n.
+// parts, the ..R kind reads the record and stays under all n. A step goes on from the key in the caller's record; where
+// that is as it was given, from the entry that gave it, which others may have moved on since.
 int IXFIRSTK(ICB* icb, void* rec, int delen); // first at or after the record's key
 int IXNEXTK(ICB* icb, void* rec, int delen);
 int IXPREVK(ICB* icb, void* rec, int delen);
@@ -137,11 +147,13 @@ void IXUNLOCK(ICB* icb, const void* rec);
 int IXEXISTS(ICB* icb, const void* rec);
 int IXEXISTSP(ICB* icb, const void* rec, int delen); // by the first parts
 // Insert, or update when key 1 exists, and let go of the record; the ..K kind keeps its lock. 0: nothing written, the
-// index is full or the record would read as free. In mode 0 a box, and 1.
+// index is full, the record would read as free, or the disk refused, which is told in a box: the pair is then as it
+// was, and lock and reservation are let go of all the same. In mode 0 a box, and 1.
 int IXWRITE(ICB* icb, const void* rec);
 int IXWRITEK(ICB* icb, const void* rec);
-int IXDELETE(ICB* icb, void* rec);       // the record at `currec`, if key 1 agrees; always 0
-int IXPUTREC(ICB* icb, const void* rec); // over the one at `currec`, keys untouched, and let go; always 1
+int IXDELETE(ICB* icb, void* rec); // the record at `currec`, if key 1 agrees; always 0
+int IXPUTREC(ICB* icb,
+             const void* rec); // over the one at `currec`, keys untouched, and let go; 0 refused by the disk
 int IXUPDATE(ICB* icb, const void* rec); // the halves of IXWRITE
 int IXINSERT(ICB* icb, const void* rec);
 int64_t IXSEEKDAT(ICB* icb);       // place of `currec` in the data file

@@ -34,6 +34,10 @@ void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats, int lengte) {
              static_cast<unsigned>(lengte));
 }
 
+void IXGEWEIGERD(const ICB* icb, int fout) {
+    SCHRIJFFOUT(IXNAAM(icb->path).c_str(), fout, TXT(T_IX_NIET_OPGESLAGEN));
+}
+
 void IXWAARSCHUW(const char* titel, const char* fmt, ...) {
     char tekst[1024];
     va_list ap;

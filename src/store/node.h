@@ -1,9 +1,12 @@
 // Inside of the record store: the tree node, and what its modules call of each other. A node is one block of
 // 512 bytes; an entry is `keylen` key bytes and a 4-byte pointer (record number in a leaf, child block
-// above). Invariants: 1. the root of key k is block k for ever; 2. a node on disk has fewer than `maxent`
-// entries; 3. entries ascend; 4. the pointer's key above a node is the highest key in it; 5. the rightmost node of
-// every level ends in a key of all 0xFF, in a leaf with pointer -1; 6. a child's level is one below its
-// parent's.
+// above). Invariants, which store/keur.cpp asserts by these numbers before a change is written:
+//   1. the root of key k is block k for ever, and a block belongs to one key;
+//   2. a node on disk has fewer than `maxent` entries;
+//   3. entries ascend (among equal keys without record number the order is nobody's);
+//   4. the key above a node is the highest key in it;
+//   5. the rightmost node of every level ends in a key of all 0xFF, in a leaf with the only pointer of -1;
+//   6. a child's level is one below its parent's.
 #pragma once
 #include "store/ix.h"
 #include <cstring>
@@ -12,7 +15,6 @@
 namespace zg {
 
 inline constexpr int KNOOPRUIMTE = 505; // bytes for entries
-inline constexpr int IXEINDEN = 3;      // reads past the end, a second apart, before they count as damage
 inline constexpr int KNOOPNIVEAUS = 9;  // highest level of a node: `parent` has ten places
 
 struct [[gnu::packed]] IXKNOOP {
@@ -53,6 +55,8 @@ void IXEIS(const ICB* icb, const char* tag);            // null handle
 [[noreturn]] void IXINCONSISTENT(const ICB* icb);       // marked as being changed
 [[noreturn]] void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats,
                                int lengte); // seek or write, with errno
+// The disk refused a write, with this errno, and all is as it was: told in a box.
+void IXGEWEIGERD(const ICB* icb, int fout);
 // Box with the title "Waarschuwing" and ENTER; a line on standard error without a screen.
 void IXWAARSCHUW(const char* titel, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
 int IXJANEE(const char* titel, const char* fmt, ...)
@@ -87,20 +91,34 @@ void IXPAD(ICB* icb); // the node in hand into the path: a root has no parent, a
 void IXKIES(ICB* icb, int sleutel); // make current without reading: the node in hand is an empty root
 void IXEOFTOON(ICB* icb, int32_t blok);
 
+// Locks (slot.cpp). The record at `currec`: one try, and no wait. The key in keybuf out of the queue of reservations
+// (false with errno when the disk refuses), and into it again.
+bool IXPROBEERSLOT(ICB* icb);
+bool IXVERGEET(ICB* icb);
+void IXRESERVEER(ICB* icb);
+
 // Handles (pair.cpp): a fresh one around two descriptors of IXBESTANDOPEN, -1 for none; and its end without a write.
 ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd);
 void IXLAATLOS(ICB* icb);
 
 // Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it
-// may have got another key since the entry was read, or not yet have its new one: R_ANDER, search again. *poging
-// counts such rounds; after a few the record is taken as it is. Where nobody is writing and a walk in this
-// direction ('>' or '<', else '=') would turn back, the index is damaged and the program stops.
+// may have got another key since the entry was read, or not yet have its new one: R_ANDER, pause and search again, as
+// long as somebody is writing. Then it is taken as it is; but in a walk in this direction ('>' or '<', else '=') a key
+// that leads back is damage, and the program stops.
+class Geduld;
 enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, int* poging);
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld);
+bool IXLEESLEVEND(ICB* icb, void* rec); // the record at `currec`; is it in use?
 
-// Tree (boom.cpp).
+// The caller gets the record at `currec`: a walk that stands on it knows him by this from now on (wandel.cpp).
+void IXGEGEVEN(ICB* icb, const void* rec);
+
+// Searching (zoeken.cpp).
 int32_t IXZOEKVANAF(ICB* icb, int lengte); // a search for '=', and when that finds nothing for '>'
-void IXVERWIJDER(ICB* icb);                // IXDELENTRY without reading `curblock` first
+// Changing (wijzigen.cpp).
+// Out of the tree of a key: the entry of the record at `currec` with this value, among equal ones the one that leads
+// there. Stops when it isn't there.
+void IXHAALWEG(ICB* icb, int sleutel, const uint8_t* waarde);
 // Enter the record at `currec` under every key; key 1 is current afterwards, with its key in keybuf.
 // bij_plaats: the search for key 1 has just been made.
 void IXVOEGTOE(ICB* icb, const void* rec, bool bij_plaats);

@@ -4,6 +4,7 @@
 #include "shared/report.h"
 #include "store/bestand.h"
 #include "store/cache.h"
+#include "store/klad.h"
 #include "store/node.h"
 #include "store/teksten.h"
 #include "store/voortgang.h"
@@ -141,6 +142,7 @@ ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd) {
     ICB* icb = static_cast<ICB*>(calloc(1, sizeof(ICB)));
     if (!icb)
         SCRFATAL("%s", TXT(T_GEHEUGEN_ICB));
+    KLADVERGEET(icb);
     icb->idxfd = idxfd;
     icb->datfd = datfd;
     icb->mode = mode == 0 || mode == 1 ? mode : 2;

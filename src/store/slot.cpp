@@ -6,26 +6,27 @@
 //   record    data, the record's bytes    a user at work on a record
 //   the file  data, 0 to its end          mode 1, open to close; never for a temporary index
 //
-// Order of taking: record or reservation first, then the header; queue and, for a reused slot, its record
-// within.
+// Order of taking: record or reservation first, then the header; the queue within. Nobody who holds the header waits
+// for a record: a new record's slot that is refused ends the bracket (store/schrijven.cpp). And an exclusive opener who
+// is refused the header lets go of the data file before he waits: else he and a writer could wait for each other.
 #include "shared/files.h"
 #include "shared/teksten.h"
 #include "store/bestand.h"
+#include "store/klad.h"
 #include "store/node.h"
 #include "store/teksten.h"
+#include "store/wachten.h"
 #include "store/wachtrij.h"
 #include "term/scherm.h"
-#include <sched.h>
+#include <cerrno>
 #include <unistd.h>
 
 namespace zg {
 namespace {
 
-constexpr int WACHT = 2; // seconds
-
 void wacht_standaard(ICB* icb) {
     if (!SCHERM.bestaat || SCHERM.dicht || SCHERM.aantal >= VENSTERS) {
-        sleep(WACHT);
+        sleep(HOOKWACHT);
         return;
     }
     char wat[80];
@@ -35,25 +36,22 @@ void wacht_standaard(ICB* icb) {
                  IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf).c_str());
     WINOPEN1(SCHERM.lines - 1, 1, 1, SCHERM.cols);
     SCRPUT(A_WAARDE, 1, 1, TXT(T_IX_REGEL), icb->h.name, icb->h.title, wat);
-    SCRFLUSH(WACHT);
+    SCRFLUSH(HOOKWACHT);
     WINCLOSE();
 }
 
 // Header and queue are held for the length of one update, so a short patience comes before the user is told.
-bool geduld(char letter, int fd, int64_t start, int64_t lengte) {
-    for (int poging = 0; poging < 400; poging++) {
+bool geduldig(char letter, int fd, int64_t start, int64_t lengte) {
+    for (int poging = 0; poging < RUSTIG; poging++) {
         if (IOLOCK(letter, fd, start, lengte))
             return true;
-        if (poging < 50)
-            sched_yield();
-        else
-            usleep(poging < 150 ? 50 : 1000);
+        IXPAUZE(R_SLOT, poging);
     }
     return false;
 }
 
 void tot_het_lukt(char letter, ICB* icb, int fd, int64_t start, int64_t lengte) {
-    if (icb->filelocked || geduld(letter, fd, start, lengte))
+    if (icb->filelocked || geduldig(letter, fd, start, lengte))
         return;
     while (!IXLOCKRGN(letter, icb, fd, start, lengte))
         ;
@@ -89,40 +87,51 @@ struct Wachtrij {
                 return i;
         return -1;
     }
-    void schrijf() {
-        if (!IXBLOKSCHRIJF(icb->idxfd, WACHTRIJBLOK(icb), &k))
-            IXSCHIJFFOUT(icb, icb->idxfd, int64_t{WACHTRIJBLOK(icb)} * IXBLOK, IXBLOK);
-        IXCOMMITHOOK();
+    // `was`: the queue as it was read. False, with errno, when the disk refuses; it stands as it was then.
+    bool schrijf(const IXKNOOP& was) {
+        return IXOVERSCHRIJF(icb, icb->idxfd, int64_t{WACHTRIJBLOK(icb)} * IXBLOK, &was, &k, sizeof k);
     }
 };
 
-int reserveer(ICB* icb) {
-    {
-        Wachtrij q(icb);
-        if (q.vind() < 0) {
-            if (q.def.keylen * (q.k.count + 1) > KNOOPRUIMTE)
-                SCRFATAL(TXT(T_IX_REGELPUNT), icb->h.name, icb->h.title, TXT(T_IX_LOCKQUEUE_VOL));
-            memcpy(q.sleutel(q.k.count++), icb->keybuf, q.def.keylen);
-            q.schrijf();
-            return 1;
-        }
-    }
-    icb->wachtsleutel = 1;
-    IXWAITHOOK(icb);
-    icb->wachtsleutel = 0;
-    return 0;
+enum Rij { RIJ_GEDAAN, RIJ_AL, RIJ_GEWEIGERD };
+
+Rij reserveer(ICB* icb) {
+    Wachtrij q(icb);
+    if (q.vind() >= 0)
+        return RIJ_AL;
+    const IXKNOOP was = q.k;
+    if (q.def.keylen * (q.k.count + 1) > KNOOPRUIMTE)
+        SCRFATAL(TXT(T_IX_REGELPUNT), icb->h.name, icb->h.title, TXT(T_IX_LOCKQUEUE_VOL));
+    memcpy(q.sleutel(q.k.count++), icb->keybuf, q.def.keylen);
+    return q.schrijf(was) ? RIJ_GEDAAN : RIJ_GEWEIGERD;
 }
 
-void vergeet(ICB* icb) {
+bool vergeet(ICB* icb) {
     Wachtrij q(icb);
     int i = q.vind();
     if (i < 0)
-        return;
+        return true;
+    const IXKNOOP was = q.k;
     int laatste = --q.k.count;
     if (i != laatste)
         memcpy(q.sleutel(i), q.sleutel(laatste), q.def.keylen);
     memset(q.sleutel(laatste), 0, q.def.keylen);
-    q.schrijf();
+    return q.schrijf(was);
+}
+
+void exclusief(ICB* icb) {
+    while (!icb->filelocked) {
+        if (!icb->tempidx)
+            while (!IXLOCKRGN('S', icb, icb->datfd, 0, 0))
+                ;
+        if (geduldig('E', icb->idxfd, 0, IXBLOK))
+            break;
+        if (!icb->tempidx)
+            IOLOCK('U', icb->datfd, 0, 0);
+        IXWAITHOOK(icb);
+    }
+    icb->filelocked = 1;
+    IXBESTANDVAST(icb->idxfd, true);
 }
 
 } // namespace
@@ -137,16 +146,23 @@ int IXLOCKRGN(char letter, ICB* icb, int fd, int64_t start, int64_t lengte) {
     return 0;
 }
 
+bool IXPROBEERSLOT(ICB* icb) {
+    return icb->filelocked || icb->tempidx || IOLOCK('S', icb->datfd, recordplaats(icb), icb->h.reclen);
+}
+
+bool IXVERGEET(ICB* icb) {
+    return vergeet(icb);
+}
+
+void IXRESERVEER(ICB* icb) {
+    reserveer(icb);
+}
+
 int IXLOCK(ICB* icb, int operatie) {
     IXEIS(icb, "IXLOCK");
     switch (operatie) {
     case 1:
-        if (!icb->tempidx)
-            while (!IXLOCKRGN('S', icb, icb->datfd, 0, 0))
-                ;
-        tot_het_lukt('E', icb, icb->idxfd, 0, IXBLOK);
-        icb->filelocked = 1;
-        IXBESTANDVAST(icb->idxfd, true);
+        exclusief(icb);
         return 1;
     case 2:
         tot_het_lukt('E', icb, icb->idxfd, 0, IXBLOK);
@@ -156,7 +172,18 @@ int IXLOCK(ICB* icb, int operatie) {
         // The data file of a temporary index belongs to the normal pair, and so do its locks.
         return icb->tempidx ? 1 : IXLOCKRGN('S', icb, icb->datfd, recordplaats(icb), icb->h.reclen);
     case 4:
-        return icb->filelocked ? 1 : reserveer(icb);
+        switch (icb->filelocked ? RIJ_GEDAAN : reserveer(icb)) {
+        case RIJ_AL:
+            icb->wachtsleutel = 1;
+            IXWAITHOOK(icb);
+            icb->wachtsleutel = 0;
+            return 0;
+        case RIJ_GEWEIGERD: // the user is told, and goes on without: who writes the key first decides at the header
+            IXGEWEIGERD(icb, errno);
+            return 1;
+        default:
+            return 1;
+        }
     case 11:
         icb->filelocked = 0;
         icb->koplock = 0;
@@ -175,8 +202,8 @@ int IXLOCK(ICB* icb, int operatie) {
             IOLOCK('U', icb->datfd, recordplaats(icb), icb->h.reclen);
         return 1;
     case 14:
-        if (!icb->filelocked)
-            vergeet(icb);
+        if (!icb->filelocked && !vergeet(icb))
+            IXGEWEIGERD(icb, errno);
         return 1;
     default:
         return 0;

@@ -1,51 +1,61 @@
 // Walking by key: first, next and previous, by key fields only (..K) or with the record (..R), skipping, and
 // the question whether a key part has one value. `delen` 0 is the full key; n above 0 takes the first n parts
 // as the place; key steps stay under the first n - 1 parts, record steps under the first n.
+//
+// A walk goes on from the record in the caller's hands, since he may have changed its key. But where he holds the
+// record as it was given, the place is that of its entry: the two differ when somebody changed the record, or used its
+// slot, between the reading of the one and of the other, and in a temporary index, which is older than its records.
+// To go on from the record's key would then leave out, or give twice, all that lies between the two.
 #include "store/node.h"
+#include "store/wachten.h"
 #include <algorithm>
-#include <unistd.h>
 
 namespace zg {
 namespace {
-
-constexpr int RONDEN = 20; // looks of a reader at an entry that leads nowhere
 
 // Does the entry found differ from keybuf in the first `delen` parts?
 bool buiten(ICB* icb, int delen) {
     return IXVERGELIJK(IXDEF(icb), icb->keybuf, icb->curent, IXKEYLEN(icb, delen)) != 0;
 }
 
+// The handle stands on the entry in hand, which gave the record `rec`, as the caller will bring it back.
+void onthoud(ICB* icb, const void* rec) {
+    const IXKEYDEF& def = IXDEF(icb);
+    IXPLAATS& p = icb->plaats;
+    IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, p.record);
+    memcpy(p.entry, icb->curent, def.keylen);
+    p.nr = icb->currec;
+    p.sleutel = KNOOP(icb).keyno;
+}
+
+// Key of the caller's record into keybuf; answers its length.
 int begin(ICB* icb, const void* rec, int delen) {
-    int lengte = IXKEYLEN(icb, delen);
+    const int lengte = IXKEYLEN(icb, delen);
     IXBLDKEY(icb, rec, lengte);
     return lengte;
 }
 
-// Would a next step from here lead on? A damaged entry or record may have a key that leads back to it for ever.
-bool vordert(const ICB* icb, const void* rec, char richting, int lengte) {
-    uint8_t hier[IXSLEUTELMAX + 4];
-    const IXKEYDEF& def = IXDEF(icb);
-    IXMAAKSLEUTEL(def, rec, icb->currec, lengte, hier);
-    int uitslag = IXVERGELIJK(def, hier, icb->keybuf, lengte);
-    return richting == '<' ? uitslag < 0 : uitslag > 0;
+// The same for a walk that goes on: the key of its entry, when the caller brings back what he was given.
+int verder(ICB* icb, const void* rec, int delen) {
+    const int lengte = begin(icb, rec, delen);
+    const IXPLAATS& p = icb->plaats;
+    const size_t n = static_cast<size_t>(lengte);
+    if (p.sleutel == KNOOP(icb).keyno && p.nr == icb->currec && memcmp(p.record, icb->keybuf, n) == 0)
+        memcpy(icb->keybuf, p.entry, n);
+    return lengte;
 }
 
-// One step by key. An entry that a reader without a lock may have met half written is read again.
+// One step by key.
 int stap_af(ICB* icb, void* rec, int delen, char richting, int lengte) {
-    for (int poging = 0;; poging++) {
-        int32_t gevonden = richting == '=' ? IXZOEKVANAF(icb, lengte) : IXSEARCH(icb, richting, lengte);
-        if (delen > 1 && gevonden >= 0 && buiten(icb, delen - 1))
-            gevonden = -1;
-        icb->currec = gevonden;
-        if (gevonden < 0)
-            return 0;
-        IXKEYTOREC(icb, rec);
-        if (richting == '=' || vordert(icb, rec, richting, lengte))
-            return 1;
-        if (ALLEEN(icb) || poging == RONDEN)
-            IXSTUK(icb, icb->curblock);
-        usleep(100);
-    }
+    int32_t gevonden = richting == '=' ? IXZOEKVANAF(icb, lengte) : IXSEARCH(icb, richting, lengte);
+    if (delen > 1 && gevonden >= 0 && buiten(icb, delen - 1))
+        gevonden = -1;
+    icb->currec = gevonden;
+    if (gevonden < 0)
+        return 0;
+    IXKEYTOREC(icb, rec);
+    onthoud(icb, rec);
+    return 1;
 }
 
 // The record of the entry found, or of the next ones in the same direction when it has become free meanwhile.
@@ -53,19 +63,17 @@ int stap_af(ICB* icb, void* rec, int delen, char richting, int lengte) {
 // by now is looked for again.
 int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk) {
     const int lengte = IXDEF(icb).keylen;
-    for (int poging = 0;;) {
+    for (Geduld geduld(icb);;) {
         int32_t gevonden = vanaf_gelijk ? IXZOEKVANAF(icb, lengte) : IXSEARCH(icb, richting, lengte);
         if (gevonden >= 0 && delen > 0 && buiten(icb, delen))
             gevonden = -1;
         icb->currec = gevonden;
         if (gevonden < 0)
             return 0;
-        switch (IXLEESGEVONDEN(icb, rec, richting, &poging)) {
+        switch (IXLEESGEVONDEN(icb, rec, richting, &geduld)) {
         case R_GOED:
-            // Only in a temporary index, whose record has got another key since: one that leads back is left out.
-            if (vanaf_gelijk || !icb->tempidx || vordert(icb, rec, richting, lengte))
-                return 1;
-            [[fallthrough]];
+            onthoud(icb, rec);
+            return 1;
         case R_VRIJ:
             memcpy(icb->keybuf, icb->curent, static_cast<size_t>(lengte));
             vanaf_gelijk = false;
@@ -82,20 +90,31 @@ int lees_hier(ICB* icb, void* rec, char richting) {
     const int32_t nummer = icb->currec;
     const int lengte = IXDEF(icb).keylen;
     memcpy(entry, icb->curent, static_cast<size_t>(lengte));
-    for (int poging = 0;;) {
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, richting, &poging);
-        if (uitslag != R_ANDER)
+    for (Geduld geduld(icb);;) {
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, richting, &geduld);
+        if (uitslag != R_ANDER) {
+            IXGEGEVEN(icb, rec);
             return uitslag == R_GOED;
+        }
         memcpy(icb->keybuf, entry, static_cast<size_t>(lengte));
         if (IXSEARCH(icb, '=', lengte) != nummer)
             break; // the key has changed since
     }
     icb->currec = nummer;
-    IXRDREC(icb, rec);
-    return IXRECLIVE(rec, icb->h.reclen);
+    const bool levend = IXLEESLEVEND(icb, rec);
+    IXGEGEVEN(icb, rec);
+    return levend;
 }
 
 } // namespace
+
+void IXGEGEVEN(ICB* icb, const void* rec) {
+    IXPLAATS& p = icb->plaats;
+    if (p.sleutel > 0 && p.nr == icb->currec) {
+        const IXKEYDEF& def = icb->h.keydef[p.sleutel - 1];
+        IXMAAKSLEUTEL(def, rec, p.nr, def.keylen, p.record);
+    }
+}
 
 int IXFIRSTK(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXFIRSTK");
@@ -105,14 +124,14 @@ int IXFIRSTK(ICB* icb, void* rec, int delen) {
 
 int IXNEXTK(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXNEXTK");
-    int lengte = begin(icb, rec, delen);
+    int lengte = verder(icb, rec, delen);
     return stap_af(icb, rec, delen, '>', lengte);
 }
 
 // A search for '<' finds its own way from the root, so the '=' that sets the position is not needed here.
 int IXPREVK(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXPREVK");
-    int lengte = begin(icb, rec, delen);
+    int lengte = verder(icb, rec, delen);
     return stap_af(icb, rec, delen, '<', lengte);
 }
 
@@ -125,13 +144,13 @@ int IXFIRSTR(ICB* icb, void* rec, int delen) {
 
 int IXNEXTR(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXNEXTR");
-    begin(icb, rec, 0);
+    verder(icb, rec, 0);
     return lees_vanaf(icb, rec, delen, '>', false);
 }
 
 int IXPREVR(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXPREVR");
-    begin(icb, rec, 0);
+    verder(icb, rec, 0);
     return lees_vanaf(icb, rec, delen, '<', false);
 }
 
@@ -153,9 +172,9 @@ int IXSKIP(ICB* icb, void* rec, int delen, int stappen, int32_t* recnr) {
     const size_t lengte = static_cast<size_t>(std::clamp<int>(icb->h.reclen, 0, IXRECMAX));
     memcpy(bewaard, rec, lengte);
     icb->currec = *recnr;
-    if (*recnr >= 0)
-        IXRDREC(icb, rec);
-    if (*recnr < 0 || !IXRECLIVE(rec, icb->h.reclen)) {
+    if (*recnr >= 0 && IXLEESLEVEND(icb, rec))
+        IXGEGEVEN(icb, rec);
+    else {
         // Deleted by somebody else: its key fields are in the caller's record still, so go to its neighbour.
         memcpy(rec, bewaard, lengte);
         if (stappen == 0)

@@ -1,8 +1,8 @@
 // The block cache: what it holds, what it writes, and that it always finds a place.
+#include "store/bestand.h"
 #include "store/cache.h"
 #include "store/hulp.h"
 #include "store/node.h"
-#include "store/bestand.h"
 
 namespace zg::test {
 namespace {
@@ -12,9 +12,7 @@ int lezingen, schrijvingen;
 void tel_aanroepen() {
     lezingen = schrijvingen = 0;
     SYS.pread = [](int fd, void* p, size_t n, off_t o) { return lezingen++, pread(fd, p, n, o); };
-    SYS.pwrite = [](int fd, const void* p, size_t n, off_t o) {
-        return schrijvingen++, pwrite(fd, p, n, o);
-    };
+    SYS.pwrite = [](int fd, const void* p, size_t n, off_t o) { return schrijvingen++, pwrite(fd, p, n, o); };
 }
 
 ICB* maak(int sleutels) {

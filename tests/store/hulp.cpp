@@ -1,6 +1,6 @@
 #include "store/hulp.h"
-#include "store/diepcheck.h"
 #include "store/bestand.h"
+#include "store/diepcheck.h"
 #include "term/scherm.h"
 #include <cerrno>
 #include <csignal>
@@ -23,14 +23,18 @@ void (*oude_wacht)(ICB*);
 struct {
     int tot = 0, fout = 0;
     Deel deel = NIETS;
+    Duur duur = VOORTAAN;
+    bool geweest = false;
 } storing;
 
 // Is it time? A kill doesn't return from here.
-bool nu(const std::function<void(Deel)>& doe) {
-    if (--storing.tot > 0)
+bool nu(bool groeit, const std::function<void(Deel)>& doe) {
+    const bool eerste = --storing.tot == 0;
+    if (storing.tot > 0 || (storing.duur == EENMAAL && !eerste) || (storing.duur == VOL && !groeit))
         return false;
-    if (storing.tot == 0)
+    if (!storing.geweest)
         doe(storing.deel);
+    storing.geweest = true;
     if (storing.fout == 0)
         kill(getpid(), SIGKILL);
     errno = storing.fout;
@@ -38,26 +42,29 @@ bool nu(const std::function<void(Deel)>& doe) {
 }
 ssize_t storend_pwrite(int fd, const void* p, size_t n, off_t plaats) {
     ssize_t gedaan = -1;
-    if (!nu([&](Deel d) {
+    const bool groeit = plaats + static_cast<off_t>(n) > SYSOMVANG(fd);
+    if (!nu(groeit, [&](Deel d) {
             if (d != NIETS && n > 1)
                 gedaan = pwrite(fd, p, d == HALF ? n / 2 : n, plaats);
         }))
         return pwrite(fd, p, n, plaats);
-    return gedaan; // a short write first, then refused
+    if (gedaan > 0)
+        storing.tot = storing.duur == EENMAAL ? 1 : storing.tot; // the rest of it is refused
+    return gedaan;                                               // a short write first, then refused
 }
 int storend_ftruncate(int fd, off_t lengte) {
-    return nu([](Deel) {}) ? -1 : ftruncate(fd, lengte);
+    return nu(false, [](Deel) {}) ? -1 : ftruncate(fd, lengte);
 }
 
 } // namespace
 
-void stoor(int n, int fout, Deel deel) {
-    storing = {n, fout, deel};
+void stoor(int n, int fout, Deel deel, Duur duur) {
+    storing = {n, fout, deel, duur, false};
     SYS.pwrite = storend_pwrite;
     SYS.ftruncate = storend_ftruncate;
 }
 bool gestoord() {
-    return storing.tot <= 0;
+    return storing.geweest;
 }
 
 int KorteWacht::teller;

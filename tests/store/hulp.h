@@ -59,11 +59,13 @@ int in_kind(const std::function<void()>& werk);
 int processen(int n, const std::function<bool(int)>& werk);
 
 // From now on the n-th write or truncation of the store, counted from 1, meets its fate: the process is killed
-// (fout 0), or the call fails with errno `fout`, and all after it. `deel`: how much of the write is done before,
-// nothing, half or all. For a child process: it is never taken away.
+// (fout 0), or the call fails with errno `fout`. `deel`: how much of the write is done before, nothing, half or all.
+// `duur`: all calls after it fail too, or it alone, or from it on those that make a file grow, as on a full disk. For a
+// child process: it is never taken away.
 enum Deel { NIETS, HALF, ALLES };
-void stoor(int n, int fout = 0, Deel deel = NIETS);
-bool gestoord(); // has it come to that?
+enum Duur { VOORTAAN, EENMAAL, VOL };
+void stoor(int n, int fout = 0, Deel deel = NIETS, Duur duur = VOORTAAN);
+bool gestoord(); // has a call failed?
 
 // A random number source with a seed that failure texts can name.
 struct Toeval {

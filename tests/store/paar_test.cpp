@@ -1,7 +1,7 @@
 // Pairs: names, creating, opening, versions, IXCHECK; and damaged headers, which end in a report that names the file.
+#include "store/bestand.h"
 #include "store/hulp.h"
 #include "store/node.h"
-#include "store/bestand.h"
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,8 +1,8 @@
 // What a user sees of the store: the question when a file can't be opened, who is in the way, the warning boxes, a
 // report that ends the program.
+#include "store/bestand.h"
 #include "store/hulp.h"
 #include "store/node.h"
-#include "store/bestand.h"
 #include "term/gesprek.h"
 #include <cerrno>
 #include <fcntl.h>

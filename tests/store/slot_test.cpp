@@ -1,11 +1,14 @@
 // Locks: ranges, the queue of reserved keys, and two users on one record. The other user is a process that does as it
 // is told.
 #include "shared/files.h"
+#include "shared/syscalls.h"
 #include "store/diepcheck.h"
 #include "store/hulp.h"
 #include "store/node.h"
+#include <cerrno>
 #include <cstring>
 #include <memory>
+#include <unistd.h>
 
 namespace zg::test {
 namespace {
@@ -204,6 +207,93 @@ TEST_F(Slot, ExclusiefNaHetWerkVanEenAnder) {
     EXPECT_EQ(59 * 40 + 40u, lees_bestand("T.TXT").size());
     IXCLOSE(ik.icb);
     EXPECT_GEZOND("T");
+}
+
+// Both sides of what was a deadlock: a writer with the header in hand wants a slot that an exclusive opener has locked
+// with the whole file; and the opener wants the header.
+TEST_F(Slot, InvoegenTegenEenExclusieveOpener) {
+    open();
+    for (int i = 1; i <= 3; i++)
+        ik("write " + std::to_string(i));
+    EXPECT_EQ("1", ik("readl 2"));
+    ik("delete 2");                                     // a slot to use again
+    for (const char* nieuw : {"write 9", "write 10"}) { // into the free slot, and behind the last
+        SCOPED_TRACE(nieuw);
+        // The opener has the data file; the writer is refused, and the header is free for the opener.
+        ASSERT_EQ(1, IOLOCK('S', ik.icb->datfd, 0, 0));
+        EXPECT_EQ(Agent::geen_antwoord, ander->vraag(nieuw));
+        int vrij = 0;
+        for (int i = 0; i < 10'000 && vrij < 20; i++, usleep(100))
+            vrij += IOLOCK('T', ik.icb->idxfd, 0, IXBLOK);
+        EXPECT_EQ(20, vrij) << "the writer holds on to the header";
+        IOLOCK('U', ik.icb->datfd, 0, 0);
+        EXPECT_EQ("1", ander->antwoord());
+        EXPECT_EQ(1, IOLOCK('T', ik.icb->datfd, 0, 0)) << "it holds on to the slot";
+    }
+    // The other side: the writer has the header, the opener lets go of the data file.
+    ASSERT_EQ("1", ander->vraag("lock 2"));
+    Agent opener{Gebruiker{}};
+    EXPECT_EQ(Agent::geen_antwoord, opener.vraag("open 1")) << "waits to read the header";
+    ander->vraag("lock 12");
+    EXPECT_EQ("ok", opener.antwoord());
+    opener.vraag("close");
+    KorteWacht::teller = 0;
+    Agent tweede([](const std::string& o) -> std::string { // from the whole file on
+        static ICB* icb = IXOPEN("T", 2);
+        return o == "open" ? "ok" : IXLOCK(icb, 1) ? "1" : "0";
+    });
+    EXPECT_EQ("ok", tweede.vraag("open"));
+    ASSERT_EQ("1", ander->vraag("lock 2"));
+    EXPECT_EQ(Agent::geen_antwoord, tweede.vraag("lock"));
+    bool vrij = false;
+    for (int i = 0; i < 20'000 && !vrij; i++, usleep(500))
+        vrij = IOLOCK('T', ik.icb->datfd, 0, 0);
+    EXPECT_TRUE(vrij) << "the opener holds on to the data file";
+    ander->vraag("lock 12");
+    EXPECT_EQ("1", tweede.antwoord());
+    tweede.dood();
+    IXCLOSE(ik.icb);
+    ander->vraag("close");
+    EXPECT_GEZOND("T");
+}
+
+// Somebody has locked a slot that is free by now: the next one is taken, and this one stays for later.
+TEST_F(Slot, VrijeSlotDieVastzit) {
+    open();
+    for (int i = 1; i <= 3; i++)
+        ik("write " + std::to_string(i));
+    EXPECT_EQ("1", ander->vraag("readl 2"));
+    EXPECT_EQ("1", ik("read 2"));
+    ik("delete 2"); // without asking for the lock
+    EXPECT_EQ("1", ik("write 4"));
+    EXPECT_EQ(4 * 40u, lees_bestand("T.TXT").size());
+    EXPECT_EQ(1, ik.icb->h.freehead);
+    ander->vraag("unlock 2");
+    ander->vraag("lock 11");
+    EXPECT_EQ("1", ik("write 5"));
+    EXPECT_EQ(4 * 40u, lees_bestand("T.TXT").size());
+    IXCLOSE(ik.icb);
+    ander->vraag("close");
+    EXPECT_GEZOND("T");
+}
+
+// A file system without locks, a full lock table: a report, not a wait.
+TEST_F(Slot, GeenSlotenMogelijk) {
+    open();
+    for (int fout : {ENOLCK, EOPNOTSUPP, EINVAL})
+        for (const char* werk : {"readl 1", "write 1", "test 0 0 512"}) {
+            const std::string uit = stopt([&] {
+                static int met;
+                met = fout;
+                SYS.slot = [](int, int, struct flock* s) {
+                    return s->l_type == F_UNLCK ? 0 : (errno = met, -1);
+                };
+                ik(werk);
+            });
+            EXPECT_NE(std::string::npos, uit.find("kan niet vergrendeld worden")) << werk << uit;
+            EXPECT_NE(std::string::npos, uit.find("Bestand T.")) << werk << uit;
+        }
+    IXCLOSE(ik.icb);
 }
 
 } // namespace

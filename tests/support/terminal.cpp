@@ -1,6 +1,7 @@
 // The pseudo-terminal and emulator behind terminal.h. The child is known to wait for a key when the kernel
 // has it blocked in read, or in poll without a limit, and its input queue is empty.
 #include "support/terminal.h"
+#include "support/slotboek.h"
 #include "support/toetsreeksen.h"
 #include <cerrno>
 #include <csignal>
@@ -455,6 +456,7 @@ std::string Terminal::uitvoer() {
 }
 
 TijdelijkeMap::TijdelijkeMap(bool erin) {
+    slotboek_aan();
     char naam[] = "/tmp/zgtestXXXXXX";
     if (!mkdtemp(naam)) {
         perror("mkdtemp");

@@ -1,0 +1,296 @@
+// The rough copy of a change; see store/klad.h.
+#include "store/klad.h"
+#include "shared/files.h"
+#include "store/bestand.h"
+#include "store/cache.h"
+#include "store/keur.h"
+#include "store/node.h"
+#include <algorithm>
+#include <cerrno>
+#include <vector>
+
+namespace zg {
+namespace {
+
+struct Blad {
+    int32_t blok;
+    bool nieuw, vuil;
+    uint8_t was[IXBLOK], wordt[IXBLOK];
+};
+
+// One change at a time: there is one thread, and a change ends before anything else of the store begins.
+struct Klad {
+    ICB* icb = nullptr;
+    IXHEADER oud{};
+    std::vector<Blad> bladen;
+    size_t aantal = 0; // of `bladen` in use; the others keep their memory
+    Kladsoort soort{};
+    bool record = false, achteraan = false;
+    int32_t recnr = -1;
+    uint8_t rec_was[IXRECMAX], rec_wordt[IXRECMAX];
+    std::vector<Blad*> volgorde; // of the writes
+    size_t geschreven = 0;       // of them begun
+    bool kop_geraakt = false, record_geraakt = false, rij_geraakt = false, kop_af = false;
+} klad;
+
+Blad* zoek(int32_t blok) {
+    for (size_t i = 0; i < klad.aantal; i++)
+        if (klad.bladen[i].blok == blok)
+            return &klad.bladen[i];
+    return nullptr;
+}
+
+Blad& nieuw_blad(int32_t blok) {
+    if (klad.aantal == klad.bladen.size())
+        klad.bladen.emplace_back();
+    Blad& b = klad.bladen[klad.aantal++];
+    b.blok = blok;
+    b.nieuw = b.vuil = false;
+    return b;
+}
+
+bool schrijf_kop(ICB* icb, const IXHEADER& h) {
+    uint8_t kop[IXBLOK] = {}; // bytes behind the header mean nothing
+    memcpy(kop, &h, sizeof h);
+    const bool goed = IXBLOKSCHRIJF(icb->idxfd, 0, kop);
+    if (goed)
+        IXCOMMITHOOK();
+    return goed;
+}
+
+bool schrijf_record() {
+    klad.record_geraakt = true;
+    const ICB* icb = klad.icb;
+    const size_t n = static_cast<size_t>(icb->h.reclen);
+    if (!SYSSCHRIJFOP(icb->datfd, klad.rec_wordt, n, int64_t{klad.recnr} * icb->h.reclen))
+        return false;
+    IXCOMMITHOOK();
+    return true;
+}
+
+bool met_kop() {
+    return klad.icb->mode != 1 || klad.soort == KL_DELETE;
+}
+
+// New blocks by number, then those in use from the root down.
+void zet_volgorde() {
+    klad.volgorde.clear();
+    for (size_t i = 0; i < klad.aantal; i++)
+        if (klad.bladen[i].vuil)
+            klad.volgorde.push_back(&klad.bladen[i]);
+    std::stable_sort(klad.volgorde.begin(), klad.volgorde.end(), [](const Blad* a, const Blad* b) {
+        if (a->nieuw != b->nieuw)
+            return a->nieuw;
+        if (a->nieuw)
+            return a->blok < b->blok;
+        const auto niveau = [](const Blad* x) { return reinterpret_cast<const IXKNOOP*>(x->wordt)->level; };
+        return niveau(a) > niveau(b);
+    });
+}
+
+// The header as it was, marked; on disk only, the handle itself goes on reading.
+bool merk() {
+    IXHEADER h = klad.oud;
+    h.busy = 1;
+    return schrijf_kop(klad.icb, h);
+}
+
+bool schrijf_alles() {
+    ICB* icb = klad.icb;
+    if (met_kop()) {
+        klad.kop_geraakt = true;
+        if (!merk())
+            return false;
+    }
+    if (klad.record && klad.soort != KL_DELETE && !schrijf_record())
+        return false;
+    for (Blad* b : klad.volgorde) {
+        klad.geschreven++;
+        if (!IXBLOKSCHRIJF(icb->idxfd, b->blok, b->wordt))
+            return false;
+        IXCOMMITHOOK();
+    }
+    if (klad.record && klad.soort == KL_DELETE && !schrijf_record())
+        return false;
+    if (klad.soort == KL_INSERT && !icb->filelocked) {
+        klad.rij_geraakt = true;
+        if (!IXVERGEET(icb))
+            return false;
+    }
+    klad.kop_af = met_kop();
+    return !met_kop() || schrijf_kop(icb, icb->h);
+}
+
+// Bytes as they stood. When even that is refused: do they stand there all the same?
+bool zet_terug(int fd, int64_t plaats, const void* was, size_t n) {
+    if (SYSSCHRIJFOP(fd, was, n, plaats))
+        return true;
+    uint8_t nu[IXBLOK];
+    return SYSLEES(fd, nu, n, plaats) == static_cast<ssize_t>(n) && memcmp(nu, was, n) == 0;
+}
+
+bool kort_af(int fd, int64_t lengte) {
+    const int64_t nu = SYSOMVANG(fd);
+    return nu == lengte || (nu > lengte && SYS.ftruncate(fd, lengte) == 0);
+}
+
+bool record_terug() {
+    if (!klad.record_geraakt)
+        return true;
+    const ICB* icb = klad.icb;
+    const int64_t plaats = int64_t{klad.recnr} * icb->h.reclen;
+    return klad.achteraan ? kort_af(icb->datfd, plaats)
+                          : zet_terug(icb->datfd, plaats, klad.rec_was, static_cast<size_t>(icb->h.reclen));
+}
+
+// Everything as it stood, in the reverse order. The mark goes only when all else is back; the refused write of the last
+// header may have taken it away already.
+bool alles_terug() {
+    ICB* icb = klad.icb;
+    if (klad.kop_af && !merk())
+        return false;
+    bool goed = klad.soort != KL_DELETE || record_terug(), gegroeid = false;
+    for (size_t i = klad.geschreven; i-- > 0;) {
+        const Blad& b = *klad.volgorde[i];
+        if (b.nieuw)
+            gegroeid = true;
+        else
+            goed &= zet_terug(icb->idxfd, int64_t{b.blok} * IXBLOK, b.was, IXBLOK);
+    }
+    if (gegroeid)
+        goed &= kort_af(icb->idxfd, int64_t{klad.oud.nblocks} * IXBLOK);
+    if (klad.soort != KL_DELETE)
+        goed &= record_terug();
+    if (!goed || !klad.kop_geraakt)
+        return goed;
+    uint8_t kop[IXBLOK] = {};
+    memcpy(kop, &klad.oud, sizeof klad.oud);
+    return zet_terug(icb->idxfd, 0, kop, sizeof klad.oud);
+}
+
+void einde() {
+    ICB* icb = klad.icb;
+    klad.icb = nullptr;
+    icb->gezien = icb->h.nblocks;
+    if (icb->mode != 1)
+        IXLOCK(icb, 12);
+}
+
+} // namespace
+
+void KLADBEGIN(ICB* icb) {
+    if (icb->cached) // a bulk job is over when records are written
+        IOCACHE('F', icb, 0);
+    if (icb->mode != 1) {
+        IXLOCK(icb, 2);
+        IXRDIX(icb, 0);
+        if (icb->h.busy)
+            IXINCONSISTENT(icb);
+    }
+    klad.icb = icb;
+    klad.oud = icb->h;
+    klad.aantal = klad.geschreven = 0;
+    klad.record = klad.kop_geraakt = klad.record_geraakt = klad.rij_geraakt = klad.kop_af = false;
+    // An exclusive handle goes on with the node that it has in hand, without reading it again.
+    if (ALLEEN(icb) && !icb->koplock && KNOOP(icb).level > 0 && KNOOP(icb).count > 0)
+        KLADGELEZEN(icb, icb->curblock);
+}
+
+void KLADWEG(ICB* icb) {
+    icb->h = klad.oud;
+    einde();
+}
+
+void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt) {
+    const size_t n = static_cast<size_t>(icb->h.reclen);
+    klad.soort = soort;
+    klad.record = true;
+    klad.recnr = icb->currec;
+    klad.achteraan = !was;
+    if (was)
+        memcpy(klad.rec_was, was, n);
+    memcpy(klad.rec_wordt, wordt, n);
+}
+
+int KLADSCHRIJF(ICB* icb) {
+    zet_volgorde();
+    if (IXKEURAAN) {
+        std::vector<Gekeurd> blokken;
+        for (size_t i = 0; i < klad.aantal; i++)
+            blokken.push_back({klad.bladen[i].blok, klad.bladen[i].nieuw ? nullptr : klad.bladen[i].was,
+                               klad.bladen[i].wordt});
+        IXKEUR(icb, blokken.data(), blokken.size());
+    }
+    if (schrijf_alles()) {
+        einde();
+        return 1;
+    }
+    const int fout = errno;
+    if (!alles_terug()) {
+        errno = fout;
+        IXSCHIJFFOUT(icb, icb->datfd, int64_t{klad.recnr} * icb->h.reclen, icb->h.reclen);
+    }
+    if (klad.rij_geraakt)
+        IXRESERVEER(icb);
+    const int8_t sleutel = KNOOP(icb).keyno;
+    icb->h = klad.oud;
+    einde();
+    memset(icb->node, 0, sizeof icb->node); // what is in hand is not what stands
+    IXKIES(icb, sleutel);
+    errno = fout;
+    return 0;
+}
+
+void KLADVERGEET(const ICB* icb) {
+    if (klad.icb == icb)
+        klad.icb = nullptr;
+}
+
+bool KLADAAN(const ICB* icb) {
+    return klad.icb == icb;
+}
+
+bool KLADLEES(ICB* icb, int32_t blok) {
+    const Blad* b = zoek(blok);
+    if (b)
+        memcpy(icb->node, b->wordt, IXBLOK);
+    return b;
+}
+
+void KLADGELEZEN(ICB* icb, int32_t blok) {
+    Blad& b = nieuw_blad(blok);
+    memcpy(b.was, icb->node, IXBLOK);
+    memcpy(b.wordt, icb->node, IXBLOK);
+}
+
+void KLADZET(ICB* icb, int32_t blok) {
+    Blad* b = zoek(blok);
+    if (!b) {
+        b = &nieuw_blad(blok);
+        b->nieuw = blok >= klad.oud.nblocks;
+        if (!b->nieuw && IXBLOKLEES(icb->idxfd, blok, b->was, IXBLOK) != IXBLOK)
+            IXSTUK(icb, blok);
+    }
+    memcpy(b->wordt, icb->node, IXBLOK);
+    b->vuil = true;
+}
+
+bool KLADEERSTE(const ICB* icb) {
+    return icb->h.nblocks == klad.oud.nblocks;
+}
+
+int IXOVERSCHRIJF(ICB* icb, int fd, int64_t plaats, const void* was, const void* wordt, size_t n) {
+    if (SYSSCHRIJFOP(fd, wordt, n, plaats)) {
+        IXCOMMITHOOK();
+        return 1;
+    }
+    const int fout = errno;
+    if (!zet_terug(fd, plaats, was, n)) {
+        errno = fout;
+        IXSCHIJFFOUT(icb, fd, plaats, static_cast<int>(n));
+    }
+    errno = fout;
+    return 0;
+}
+
+} // namespace zg

@@ -1,0 +1,263 @@
+// Records: writing and deleting, and the chain of free slots. Each is one change, worked out under the header lock and
+// then written as a whole (store/klad.h). Whether a write inserts or updates is decided under that lock, so that two
+// writers of the same new key can't both insert it.
+#include "shared/files.h"
+#include "store/bestand.h"
+#include "store/klad.h"
+#include "store/node.h"
+#include "store/teksten.h"
+#include "store/wachten.h"
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+
+namespace zg {
+namespace {
+
+constexpr int32_t BLOKGRENS = 2147483644; // nblocks above which nothing is added
+constexpr int VRIJMINST = 5; // a shorter slot has no room for its link, and stays out of the chain
+
+// A record that reads as a free slot can't be kept: the next rebuild would lose it.
+bool lijkt_vrij(const ICB* icb, const void* rec) {
+    return !IXRECLIVE(rec, icb->h.reclen);
+}
+
+bool alleen_lezen(const ICB* icb) {
+    if (icb->mode != 0)
+        return false;
+    IXWAARSCHUW(TXT(T_IX_WAARSCHUWING), "%s", TXT(T_IX_ALLEEN_LEZEN));
+    return true;
+}
+
+// What became of a change that was worked out.
+enum Werk { KLAAR, NIETS, SLOT_BEZET };
+
+// A number for a new record, locked: the slot freed last, or one behind the last. Neither may be a record in use: a
+// chain or a count that says so is damage, and writing there would lose that record. A free slot that somebody has
+// locked stays in the chain; when the number behind the last is refused too, the whole file is (an exclusive opener),
+// and nothing may be waited for with the header in hand.
+bool neem_nummer(ICB* icb, uint8_t* vrij, bool* hergebruik) {
+    *hergebruik = false;
+    if (icb->h.freehead >= 0) {
+        icb->currec = icb->h.freehead;
+        if (IXPROBEERSLOT(icb)) {
+            memset(vrij, 0xFF, IXRECMAX);
+            if (IXLEESLEVEND(icb, vrij))
+                IXSTUK(icb, 0);
+            int32_t volgende = LEES32(vrij + 1);
+            if (volgende >= icb->h.nrecs)
+                IXSTUK(icb, 0);
+            icb->h.freehead = std::max(volgende, -1);
+            *hergebruik = true;
+            return true;
+        }
+    }
+    // A data file that is too short would get a hole, whose zeros count as records.
+    if (SYSOMVANG(icb->datfd) != int64_t{icb->h.nrecs} * icb->h.reclen)
+        IXSTUK(icb, 0);
+    icb->currec = icb->h.nrecs;
+    if (!IXPROBEERSLOT(icb))
+        return false;
+    icb->h.nrecs++;
+    return true;
+}
+
+Werk voeg_in(ICB* icb, const void* rec, bool bij_plaats) {
+    uint8_t vrij[IXRECMAX];
+    bool hergebruik;
+    if (icb->h.nblocks > BLOKGRENS || (icb->h.freehead < 0 && icb->h.nrecs == INT32_MAX))
+        return NIETS;
+    if (!neem_nummer(icb, vrij, &hergebruik))
+        return SLOT_BEZET;
+    IXVOEGTOE(icb, rec, bij_plaats);
+    KLADRECORD(icb, KL_INSERT, hergebruik ? vrij : nullptr, rec);
+    return KLAAR;
+}
+
+// NIETS when there is no live record at `currec` any more.
+Werk werk_bij(ICB* icb, const void* rec) {
+    uint8_t oud[IXRECMAX], was[IXSLEUTELMAX + 4], wordt[IXSLEUTELMAX + 4];
+    if (!IXLEESLEVEND(icb, oud))
+        return NIETS;
+    for (int k = 1; k <= icb->h.nkeys; k++) {
+        const IXKEYDEF& def = icb->h.keydef[k - 1];
+        IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, wordt);
+        IXMAAKSLEUTEL(def, oud, icb->currec, def.keylen, was);
+        if (IXVERGELIJK(def, wordt, was, def.keylen) == 0)
+            continue;
+        if (k == icb->plaats.sleutel && icb->currec == icb->plaats.nr)
+            icb->plaats.sleutel = 0; // who walks by a key and changes it goes on from where he put the record
+        IXHAALWEG(icb, k, was);
+        memcpy(icb->keybuf, wordt, def.keylen);
+        IXKIES(icb, k);
+        IXSEARCH(icb, '=', def.keylen);
+        icb->insptr = icb->currec;
+        IXINSKEY(icb);
+    }
+    KLADRECORD(icb, KL_UPDATE, oud, rec);
+    return KLAAR;
+}
+
+// A change, worked out by `werk` with the pair in hand, as often as a slot is refused, and written. 1, or 0: nothing
+// was changed, and *fout says what the user is told (0 for nothing). A new record's slot stays locked.
+template <class F> int wijzig(ICB* icb, int* fout, F werk) {
+    *fout = 0;
+    for (int poging = 0;; poging++) {
+        KLADBEGIN(icb);
+        switch (werk()) {
+        case KLAAR: {
+            if (KLADSCHRIJF(icb))
+                return 1;
+            *fout = errno;
+            return 0;
+        }
+        case NIETS:
+            KLADWEG(icb);
+            return 0;
+        case SLOT_BEZET:
+            KLADWEG(icb);
+            if (poging < RUSTIG)
+                IXPAUZE(R_SLOT, poging);
+            else
+                IXWAITHOOK(icb);
+        }
+    }
+}
+
+// After a refused change: the slot of a record that did not come goes, and words come.
+int geweigerd(ICB* icb, bool nieuw, int fout) {
+    if (nieuw) {
+        IXLOCK(icb, 13);
+        icb->currec = -1;
+    }
+    if (fout)
+        IXGEWEIGERD(icb, fout);
+    return 0;
+}
+
+int schrijf(ICB* icb, const void* rec, bool laat_los) {
+    if (alleen_lezen(icb))
+        return 1;
+    if (lijkt_vrij(icb, rec))
+        return 0;
+    const int bewaard = IXSLEUTEL(icb);
+    bool nieuw = false;
+    int fout,
+        uitslag = wijzig(icb, &fout, [&] {
+            IXKIES(icb, 1);
+            const int lengte = IXDEF(icb).keylen;
+            IXBLDKEY(icb, rec, lengte);
+            icb->currec = IXSEARCH(icb, '=', lengte);
+            nieuw = icb->currec < 0;
+            // The place found serves the first key, unless that holds the record number.
+            const Werk w = nieuw ? voeg_in(icb, rec, icb->h.keydef[0].dupflag == 'N') : werk_bij(icb, rec);
+            if (!nieuw && w == NIETS)
+                IXSTUK(icb, icb->curblock); // a key that leads to a free record
+            return w;
+        });
+    const bool vol = nieuw && !uitslag && !fout;
+    if (laat_los && icb->mode == 2)
+        IXLOCK(icb, 13);
+    if (!uitslag) {
+        if (laat_los && nieuw && !icb->filelocked) { // a write ends IXREADL also when it is refused
+            IXKIES(icb, 1);
+            IXBLDKEY(icb, rec, IXDEF(icb).keylen);
+            IXVERGEET(icb);
+        }
+        geweigerd(icb, nieuw, fout);
+    }
+    IXKIES(icb, bewaard);
+    if (vol)
+        IXWAARSCHUW(TXT(T_IX_WAARSCHUWING), "%s", TXT(T_IX_INDEX_VOL));
+    return uitslag;
+}
+
+} // namespace
+
+int IXWRITE(ICB* icb, const void* rec) {
+    IXEIS(icb, "IXWRITE");
+    return schrijf(icb, rec, true);
+}
+
+int IXWRITEK(ICB* icb, const void* rec) {
+    IXEIS(icb, "IXWRITEK");
+    return schrijf(icb, rec, false);
+}
+
+int IXPUTREC(ICB* icb, const void* rec) {
+    IXEIS(icb, "IXPUTREC");
+    if (alleen_lezen(icb))
+        return 1;
+    int fout = 0;
+    if (!lijkt_vrij(icb, rec)) {
+        uint8_t was[IXRECMAX];
+        IXRDREC(icb, was);
+        if (!IXOVERSCHRIJF(icb, icb->datfd, IXSEEKDAT(icb), was, rec, static_cast<size_t>(icb->h.reclen)))
+            fout = errno;
+    }
+    IXLOCK(icb, 13);
+    if (fout)
+        IXGEWEIGERD(icb, fout);
+    return !fout;
+}
+
+int IXUPDATE(ICB* icb, const void* rec) {
+    IXEIS(icb, "IXUPDATE");
+    if (icb->currec < 0 || alleen_lezen(icb) || lijkt_vrij(icb, rec))
+        return 0;
+    const int bewaard = IXSLEUTEL(icb);
+    int fout, uitslag = wijzig(icb, &fout, [&] { return werk_bij(icb, rec); });
+    if (!uitslag)
+        geweigerd(icb, false, fout);
+    IXKIES(icb, bewaard);
+    return uitslag;
+}
+
+int IXINSERT(ICB* icb, const void* rec) {
+    IXEIS(icb, "IXINSERT");
+    if (alleen_lezen(icb) || lijkt_vrij(icb, rec))
+        return 0;
+    int fout, uitslag = wijzig(icb, &fout, [&] { return voeg_in(icb, rec, false); });
+    if (!uitslag) {
+        geweigerd(icb, true, fout);
+        if (!fout)
+            IXWAARSCHUW(TXT(T_IX_WAARSCHUWING), "%s", TXT(T_IX_INDEX_VOL));
+    }
+    return uitslag;
+}
+
+int IXDELETE(ICB* icb, void* rec) {
+    IXEIS(icb, "IXDELETE");
+    if (icb->currec < 0 || alleen_lezen(icb))
+        return 0;
+    const int bewaard = IXSLEUTEL(icb);
+    // The record as it stands decides. It is the caller's only while key 1 agrees: another may have deleted
+    // it meanwhile, and have used its slot.
+    int fout,
+        uitslag = wijzig(icb, &fout, [&] {
+            uint8_t was[IXRECMAX], vrij[IXRECMAX], hier[IXSLEUTELMAX + 4], daar[IXSLEUTELMAX + 4];
+            const IXKEYDEF& eerste = icb->h.keydef[0];
+            const bool levend = IXLEESLEVEND(icb, was);
+            IXMAAKSLEUTEL(eerste, rec, icb->currec, eerste.keylen, hier);
+            IXMAAKSLEUTEL(eerste, was, icb->currec, eerste.keylen, daar);
+            if (!levend || IXVERGELIJK(eerste, hier, daar, eerste.keylen) != 0)
+                return NIETS;
+            for (int k = icb->h.nkeys; k >= 1; k--) {
+                IXMAAKSLEUTEL(icb->h.keydef[k - 1], was, icb->currec, icb->h.keydef[k - 1].keylen, hier);
+                IXHAALWEG(icb, k, hier);
+            }
+            memset(vrij, 0xFF, sizeof vrij);
+            ZET32(vrij + 1, icb->h.freehead);
+            KLADRECORD(icb, KL_DELETE, was, vrij);
+            if (icb->h.reclen >= VRIJMINST)
+                icb->h.freehead = icb->currec;
+            return KLAAR;
+        });
+    IXLOCK(icb, 13);
+    if (!uitslag)
+        geweigerd(icb, false, fout);
+    IXKIES(icb, bewaard);
+    return 0;
+}
+
+} // namespace zg

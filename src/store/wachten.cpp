@@ -1,0 +1,32 @@
+// Pauses, and the patience of a reader; the numbers stand in store/wachten.h.
+#include "store/wachten.h"
+#include "shared/files.h"
+#include "store/node.h"
+#include <sched.h>
+#include <unistd.h>
+
+namespace zg {
+
+void IXPAUZE(const IXRITME& ritme, int n) {
+    if (n < ritme.beurten)
+        sched_yield();
+    else
+        usleep(
+            static_cast<useconds_t>(n < ritme.beurten + ritme.kort_aantal ? ritme.kort_us : ritme.lang_us));
+}
+
+bool Geduld::nog_eens() {
+    if (ALLEEN(icb_))
+        return false;
+    if (keer_ >= R_LEZER.beurten) {
+        stil_ = IOLOCK('T', icb_->idxfd, 0, IXBLOK) ? stil_ + 1 : 0;
+        if (stil_ >= LEZERSTIL)
+            return false;
+    }
+    IXPAUZE(R_LEZER, keer_);
+    if (++keer_ % LEZERMELD == 0)
+        IXWAITHOOK(icb_);
+    return true;
+}
+
+} // namespace zg

@@ -1,0 +1,310 @@
+// Finding a key in a tree, from the node in hand or from the root. Walking by key: store/wandel.cpp; changing a tree:
+// store/wijzigen.cpp; blocks and their path: store/blok.cpp.
+//
+// A reader holds no lock, so between two reads a writer may have split or emptied what it stands on, and a read may
+// show a block half written. What a reader's answer rests on:
+//   1. an entry that is equal to the key needs no more: the record behind it is compared with it;
+//   2. any other answer comes out of a leaf that was read twice with the same bytes;
+//   3. an answer at the edge of a leaf is in doubt, since a split hides the left half from a way that is older: the
+//      header must then say that nobody is changing the pair and that no block came since the handle last looked, or
+//      two searches in a row must give the same where an exclusive handle, which writes no header, is at work;
+//   4. what doesn't fit together is looked for again, with a pause, as long as somebody writes (store/wachten.h).
+// A handle that is alone (exclusive, or under the header lock) sees only whole trees, so there anything odd is damage.
+#include "shared/files.h"
+#include "store/bestand.h"
+#include "store/wachten.h"
+#include "store/zoeker.h"
+
+namespace zg {
+namespace {
+
+enum Uitslag { ANTWOORD, TWIJFEL, ONGERIJMD };
+
+bool einde_getoond; // in the search under way
+
+// A block past the end: others have changed the tree under this handle.
+void voorbij_einde(ICB* icb, int32_t blok) {
+    if (!einde_getoond)
+        IXEOFTOON(icb, blok);
+    einde_getoond = true;
+}
+
+// Child into hand; it must be one level below and of the same key.
+bool daal(const Zoeker& z, int32_t blok, int niveau) {
+    ICB* icb = z.icb;
+    int8_t sleutel = KNOOP(icb).keyno;
+    if (blok < icb->h.nkeys + 2)
+        return false;
+    Leesuitslag uitslag = IXLEESKNOOP(icb, blok);
+    if (uitslag == L_EINDE && !ALLEEN(icb))
+        voorbij_einde(icb, blok);
+    if (uitslag != L_GOED)
+        return false;
+    if (KNOOP(icb).keyno != sleutel || KNOOP(icb).level != niveau) {
+        IXKIES(icb, sleutel);
+        return false;
+    }
+    return true;
+}
+
+// The node in hand once more, until two reads in a row give the same. False when it has become another kind of node.
+bool bestendig(ICB* icb) {
+    if (ALLEEN(icb))
+        return true;
+    const int8_t sleutel = KNOOP(icb).keyno, niveau = KNOOP(icb).level;
+    uint8_t was[IXBLOK];
+    do {
+        memcpy(was, icb->node, IXBLOK);
+        if (IXLEESKNOOP(icb, icb->curblock) != L_GOED)
+            return false;
+    } while (memcmp(was, icb->node, IXBLOK) != 0);
+    return KNOOP(icb).keyno == sleutel && KNOOP(icb).level == niveau;
+}
+
+// '<' in a leaf whose first entry is not below the key: the last entry of the subtree to the left, where the
+// path last had one.
+Uitslag linksom(const Zoeker& z, int32_t blok, int niveau, int32_t* uit) {
+    for (; niveau >= 1; niveau--) {
+        if (!daal(z, blok, niveau) || (niveau == 1 && !bestendig(z.icb)) || z.aantal() == 0)
+            return ONGERIJMD;
+        z.icb->curent = z.entry(z.aantal() - 1);
+        blok = z.wijzer(z.aantal() - 1);
+    }
+    if (blok < 0 || z.vergelijk(z.aantal() - 1) <= 0)
+        return ONGERIJMD;
+    *uit = blok;
+    return TWIJFEL;
+}
+
+bool is_sluitstuk(const Zoeker& z, int i) {
+    const uint8_t* e = z.entry(i);
+    for (int b = 0; b < z.def->keylen; b++)
+        if (e[b] != 0xFF)
+            return false;
+    return true;
+}
+
+// The search from the node in hand, which is a root or, when `zeker`, a leaf that surely holds the answer.
+Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
+    ICB* icb = start.icb;
+    Zoeker z = start;
+    const bool wortelblad = KNOOP(icb).level == 1;
+    uint8_t vanaf[IXSLEUTELMAX]; // separator above the node in hand, and the key that the search goes on from
+    int32_t linkerblok = GEENBLOK, linkerniveau = 0;
+    int omwegen = 0;
+    *uit = GEENBLOK;
+    while (KNOOP(icb).level > 1) {
+        int niveau = KNOOP(icb).level;
+        int i = op == '>' ? z.erna() : z.plaats();
+        if (i == z.aantal()) {
+            if (icb->curblock != KNOOP(icb).keyno || z.aantal() == 0 || !is_sluitstuk(z, i - 1))
+                return ONGERIJMD;
+            icb->curent = z.entry(i - 1); // not below the sentinel itself
+            return ANTWOORD;
+        }
+        if (i > 0) {
+            linkerblok = z.wijzer(i - 1);
+            linkerniveau = niveau - 1;
+        }
+        uint8_t hek[IXSLEUTELMAX];
+        memcpy(hek, z.entry(i), z.def->keylen);
+        if (!daal(z, z.wijzer(i), niveau - 1))
+            return ONGERIJMD;
+        const auto voorbij = [&] { return z.aantal() == 0 || z.vergelijk(z.aantal() - 1) >= 0; };
+        if (op == '>' && niveau == 2 && voorbij()) {
+            if (!bestendig(icb))
+                return ONGERIJMD;
+            if (!voorbij())
+                continue;
+            // The leaf has lost its last entry and the separator doesn't know yet: nothing lies between the
+            // two, so what comes behind the separator is the answer.
+            if (++omwegen > KNOOPRUIMTE)
+                return ONGERIJMD;
+            memcpy(vanaf, hek, z.def->keylen);
+            z.sleutel = vanaf;
+            z.lengte = z.def->keylen;
+            if (IXLEESKNOOP(icb, KNOOP(icb).keyno) != L_GOED)
+                return ONGERIJMD;
+        }
+    }
+    int i = op == '>' ? z.erna() : z.plaats();
+    const auto gelijk = [&] { return op == '=' && i < z.aantal() && z.vergelijk(i) == 0; };
+    if (!zeker && !gelijk()) {
+        if (!bestendig(icb))
+            return ONGERIJMD;
+        i = op == '>' ? z.erna() : z.plaats();
+    }
+    icb->curent = z.entry(i);
+    if (op == '<') {
+        if (i > 0) {
+            icb->curent = z.entry(i - 1);
+            *uit = z.wijzer(i - 1);
+            return ANTWOORD;
+        }
+        if (linkerblok == GEENBLOK)
+            return wortelblad ? ANTWOORD : TWIJFEL;
+        return linksom(z, linkerblok, linkerniveau, uit);
+    }
+    if (i < z.aantal() && (op == '>' || z.vergelijk(i) == 0))
+        *uit = z.wijzer(i) < 0 ? GEENBLOK : z.wijzer(i);
+    else if (op == '>' && i == z.aantal() && z.aantal() > 0)
+        icb->curent = z.entry(i - 1);
+    if (wortelblad || (op == '=' && *uit != GEENBLOK && z.lengte == z.def->keylen))
+        return ANTWOORD;
+    return i == 0 || i == z.aantal() ? TWIJFEL : ANTWOORD;
+}
+
+// What a reader knows of its doubtful answer.
+enum Blik { RUST, ANDERS, BEZIG };
+
+// Is a split possible that hid something from the search just made: is one under way, or has there been one since
+// this handle last looked? An exclusive handle writes no header, but its lock shows.
+Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
+    IXHEADER h;
+    *exclusief = false;
+    if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) != static_cast<ssize_t>(sizeof h))
+        return BEZIG;
+    if (h.busy)
+        return BEZIG;
+    if (h.nblocks != icb->gezien) {
+        icb->gezien = h.nblocks;
+        return ANDERS;
+    }
+    *exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);
+    return RUST;
+}
+
+// A walk asks for what comes behind the entry it stands on: when the leaf has not changed that is the next entry,
+// and no search is needed. GEENBLOK: look for it in the ordinary way. *gelezen: the leaf in hand was read just now and
+// has not changed.
+int32_t volgende_hier(const Zoeker& z, bool* gelezen) {
+    ICB* icb = z.icb;
+    const IXKNOOP& k = KNOOP(icb);
+    const ptrdiff_t plaats = icb->curent - k.entries;
+    const int i = static_cast<int>(plaats / z.stap());
+    if (icb->koplock || k.level != 1 || z.lengte != z.def->keylen || plaats < 0 || i >= k.count ||
+        memcmp(icb->curent, z.sleutel, z.def->keylen) != 0)
+        return GEENBLOK;
+    if (i + 1 >= k.count) {
+        *gelezen = true; // its last entry: whatever it has become, the answer is not known to be here
+        return GEENBLOK;
+    }
+    if (!ALLEEN(icb)) {
+        uint8_t was[IXBLOK], *hier = icb->curent;
+        memcpy(was, icb->node, IXBLOK);
+        const int32_t blok = icb->curblock;
+        if (IXLEESKNOOP(icb, blok) != L_GOED || memcmp(was, icb->node, IXBLOK) != 0)
+            return GEENBLOK;
+        icb->curent = hier;
+    }
+    *gelezen = true;
+    if (z.vergelijk(i + 1) >= 0) // only keys without record number have equals
+        return GEENBLOK;
+    icb->curent = z.entry(i + 1);
+    return z.wijzer(i + 1);
+}
+
+// A leaf in hand that holds the answer makes the descent unnecessary; a shared handle reads it again first.
+bool blad_bruikbaar(const Zoeker& z, char op, bool gelezen) {
+    ICB* icb = z.icb;
+    int8_t sleutel = KNOOP(icb).keyno;
+    if (icb->koplock || KNOOP(icb).level != 1 || !z.binnen(op))
+        return false;
+    if (gelezen || ALLEEN(icb))
+        return true;
+    if (bestendig(icb))
+        return z.binnen(op);
+    IXKIES(icb, sleutel);
+    return false;
+}
+
+int32_t zoek(ICB* icb, char op, int lengte) {
+    const Zoeker z{icb, &IXDEF(icb), icb->keybuf, lengte};
+    const int8_t sleutel = KNOOP(icb).keyno;
+    if (icb->h.busy && !icb->cached)
+        IXINCONSISTENT(icb);
+    int32_t uit = GEENBLOK;
+    bool gelezen = false;
+    einde_getoond = false;
+    if (op == '>' && (uit = volgende_hier(z, &gelezen)) != GEENBLOK)
+        return uit;
+    if (blad_bruikbaar(z, op, gelezen) && omlaag(z, op, true, &uit) != ONGERIJMD)
+        return uit;
+    Geduld geduld(icb);
+    int32_t vorige = GEENBLOK, vorig_blad = GEENBLOK; // the doubtful answer of the search before this one
+    for (;;) {
+        Uitslag uitslag = ANTWOORD;
+        const bool wortel_in_hand = icb->mode == 1 && icb->curblock == sleutel && KNOOP(icb).count > 0;
+        if (wortel_in_hand)
+            IXPAD(icb); // the cache, when it was switched on, forgot it
+        else if (Leesuitslag wortel = IXLEESKNOOP(icb, sleutel); wortel != L_GOED) {
+            if (wortel == L_EINDE && !ALLEEN(icb))
+                voorbij_einde(icb, sleutel);
+            uitslag = ONGERIJMD;
+        }
+        if (uitslag != ONGERIJMD)
+            uitslag = omlaag(z, op, false, &uit);
+        if (uitslag == ANTWOORD)
+            return uit;
+        if (uitslag == ONGERIJMD) {
+            if (!geduld.nog_eens())
+                IXSTUK(icb, icb->curblock);
+            vorig_blad = GEENBLOK;
+            continue;
+        }
+        if (ALLEEN(icb) || icb->tempidx)
+            return uit;
+        bool exclusief;
+        const Blik blik = splitsing_mogelijk(icb, &exclusief);
+        if (blik == RUST && (!exclusief || (vorig_blad == icb->curblock && vorige == uit)))
+            return uit;
+        vorige = uit;
+        vorig_blad = blik == RUST ? icb->curblock : GEENBLOK;
+        // A mark that stays though nobody writes was left by one who died: nothing more will come.
+        if (blik == BEZIG && !geduld.nog_eens())
+            return uit;
+    }
+}
+
+} // namespace
+
+void IXLOCKEY(ICB* icb, int lengte) {
+    IXEIS(icb, "IXLOCKEY");
+    const Zoeker z{icb, &IXDEF(icb), icb->keybuf, lengte};
+    icb->curent = z.entry(z.plaats());
+}
+
+int32_t IXNODEFIND(ICB* icb, char operatie, int lengte) {
+    IXEIS(icb, "IXNODEFIND");
+    const Zoeker z{icb, &IXDEF(icb), icb->keybuf, lengte};
+    int i = operatie == '>' ? z.erna() : z.plaats();
+    icb->curent = z.entry(i);
+    if (operatie == '<') {
+        if (i == 0)
+            return GEENBLOK;
+        icb->curent = z.entry(--i);
+    } else if (i == z.aantal() || (operatie == '=' && KNOOP(icb).level == 1 && z.vergelijk(i) != 0))
+        return GEENBLOK;
+    return z.wijzer(i);
+}
+
+int32_t IXSEARCH(ICB* icb, char operatie, int lengte) {
+    IXEIS(icb, "IXSEARCH");
+    return zoek(icb, operatie, lengte);
+}
+
+int32_t IXZOEKVANAF(ICB* icb, int lengte) {
+    const int32_t gelijk = zoek(icb, '=', lengte);
+    if (gelijk >= 0)
+        return gelijk;
+    // The search stopped at the first entry above the key; inside a leaf no other can be the next.
+    const Zoeker z{icb, &IXDEF(icb), icb->keybuf, lengte};
+    const ptrdiff_t plaats = icb->curent - KNOOP(icb).entries;
+    if (KNOOP(icb).level == 1 && plaats > 0 && plaats < z.aantal() * z.stap()) {
+        const int32_t r = LEES32(icb->curent + z.def->keylen);
+        return r < 0 ? GEENBLOK : r;
+    }
+    return zoek(icb, '>', lengte);
+}
+
+} // namespace zg

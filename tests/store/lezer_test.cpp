@@ -1,0 +1,286 @@
+// Readers without a lock beside a writer who stops half-way, and walks whose record another changes: none may leave out
+// or repeat what stood still. Then keys whose values are equal.
+#include "shared/files.h"
+#include "store/diepcheck.h"
+#include "store/hulp.h"
+#include "store/node.h"
+#include <algorithm>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace zg::test {
+namespace {
+
+struct [[gnu::packed]] Rec {
+    uint16_t nr;
+    uint16_t plaats;
+    char rest[12];
+};
+static_assert(sizeof(Rec) == 16);
+
+const Tabel tabel{sizeof(Rec), {"k,I,1,2", "p,I,3,4"}};
+
+void zet(ICB* icb, int nr, int plaats) {
+    Rec r{};
+    r.nr = static_cast<uint16_t>(nr);
+    r.plaats = static_cast<uint16_t>(plaats);
+    ASSERT_EQ(1, IXWRITE(icb, &r));
+}
+
+// A reader told by words: find N | first | next | prev | skip | key K | readl | unlock. Answers the place, or "-".
+struct Lezer {
+    ICB* icb = nullptr;
+    Rec r{};
+    int32_t nr = 0;
+    std::string operator()(const std::string& o) {
+        if (!icb)
+            icb = IXOPEN("T", 2);
+        int uit = 1;
+        if (o.substr(0, 4) == "key ")
+            return IXSWITCH(icb, atoi(o.c_str() + 4)), "ok";
+        if (o.substr(0, 5) == "find ") {
+            r.nr = r.plaats = static_cast<uint16_t>(atoi(o.c_str() + 5));
+            uit = IXREAD(icb, &r);
+        } else if (o == "first")
+            r = Rec{}, uit = IXFIRST(icb, &r);
+        else if (o == "next")
+            uit = IXNEXT(icb, &r);
+        else if (o == "prev")
+            uit = IXPREVR(icb, &r, 0);
+        else if (o == "nextk")
+            return IXNEXTK(icb, &r, 0) ? std::to_string(r.nr) : "-";
+        else if (o == "skip")
+            nr = icb->currec, uit = IXSKIP(icb, &r, 0, 1, &nr);
+        else if (o == "close")
+            return IXCLOSE(icb), "ok";
+        return uit ? std::to_string(r.plaats) : "-";
+    }
+};
+
+// Who holds the header lock and does nothing until he is told to let go.
+struct Houder {
+    int fd = -1;
+    std::string operator()(const std::string& o) {
+        if (fd < 0)
+            fd = open("T.INX", O_RDWR | O_CLOEXEC);
+        return IOLOCK(o == "hold" ? 'E' : 'U', fd, 0, IXBLOK) ? "ok" : "no";
+    }
+};
+
+// The writer has written the left half behind the last block and cut the right half down; the way to the left half is
+// not there yet. Programs of the package write in this order.
+TEST(Lezer, SchrijverStaatStilMiddenInEenSplitsing) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2"}}, 2);
+    int n = 0;
+    for (; icb->h.nblocks < 8; n += 2)
+        zet(icb, n, n);
+    std::string voor, na;
+    for (;; n += 2) { // up to a split of the leaf that is not a root's
+        voor = lees_bestand("T.INX");
+        zet(icb, n, n);
+        na = lees_bestand("T.INX");
+        if (na.size() > voor.size())
+            break;
+    }
+    IXCLOSE(icb);
+    // All as after it but for the root, which is as before it; marked.
+    std::string midden = na;
+    midden.replace(IXBLOK, IXBLOK, voor, IXBLOK, IXBLOK);
+    midden.replace(0, IXBLOK, voor, 0, IXBLOK);
+    midden[offsetof(IXHEADER, busy)] = 1;
+    const int32_t links = static_cast<int32_t>(voor.size() / IXBLOK);
+    IXKNOOP blad;
+    memcpy(&blad, &na[static_cast<size_t>(links) * IXBLOK], sizeof blad);
+    const uint8_t *eerste = blad.entries, *laatste = eerste + (blad.count - 1) * 6;
+    const int laagste = eerste[0] * 256 + eerste[1], hoogste = laatste[0] * 256 + laatste[1];
+    struct {
+        const char* wat;
+        std::string begin, vraag;
+        int uit;
+    } gevallen[] = {
+        {"read", "find " + std::to_string(laagste - 2), "find " + std::to_string(laagste + 4), laagste + 4},
+        {"walk", "find " + std::to_string(laagste - 2), "next", laagste},
+        {"back", "find " + std::to_string(hoogste + 2), "prev", hoogste},
+        {"walk by key", "find " + std::to_string(laagste - 2), "nextk", laagste},
+    };
+    for (const auto& g : gevallen) {
+        schrijf_bestand("T.INX", voor);
+        Agent lezer{Lezer{}}, schrijver{Houder{}};
+        EXPECT_NE("-", lezer.vraag(g.begin)) << g.wat;
+        ASSERT_EQ("ok", schrijver.vraag("hold"));
+        schrijf_bestand("T.INX", midden);
+        const std::string meteen = lezer.vraag(g.vraag);
+        EXPECT_TRUE(meteen == Agent::geen_antwoord || meteen == std::to_string(g.uit))
+            << g.wat << ": " << meteen;
+        schrijf_bestand("T.INX", na);
+        schrijver.vraag("let go");
+        if (meteen == Agent::geen_antwoord) {
+            EXPECT_EQ(std::to_string(g.uit), lezer.antwoord()) << g.wat;
+        }
+    }
+}
+
+// The record is written and its keys are not yet: the walk waits instead of going by a key that has moved on.
+TEST(Lezer, SchrijverStaatStilTussenRecordEnSleutels) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, 2);
+    for (int i = 0; i < 10; i++)
+        zet(icb, i, i * 10);
+    const std::string voor = lees_bestand("T.INX");
+    Agent lezer{Lezer{}}, schrijver{Houder{}};
+    lezer.vraag("key 2");
+    EXPECT_EQ("0", lezer.vraag("first"));
+    zet(icb, 1, 500);
+    const std::string na = lees_bestand("T.INX");
+    IXCLOSE(icb);
+    std::string midden = voor;
+    midden[offsetof(IXHEADER, busy)] = 1;
+    ASSERT_EQ("ok", schrijver.vraag("hold"));
+    schrijf_bestand("T.INX", midden);
+    EXPECT_EQ(Agent::geen_antwoord, lezer.vraag("next"));
+    schrijf_bestand("T.INX", na);
+    schrijver.vraag("let go");
+    EXPECT_EQ("20", lezer.antwoord());
+}
+
+// Another moves the record that the walk stands on, or uses its slot. A walker that moves it himself goes on from there.
+TEST(Wandeling, RecordVerplaatstOnderDeWandelaar) {
+    struct {
+        const char* wat;
+        void (*doe)(ICB* ander, Lezer& ik);
+        const char *stap, *uit;
+    } gevallen[] = {
+        {"moved by another", [](ICB* a, Lezer&) { zet(a, 3, 65); }, "next", "40"},
+        {"moved, and read again",
+         [](ICB* a, Lezer& ik) {
+             zet(a, 3, 65);
+             IXSWITCH(ik.icb, 1);
+             EXPECT_EQ(1, IXREADL(ik.icb, &ik.r));
+             IXUNLOCK(ik.icb, &ik.r);
+             IXSWITCH(ik.icb, 2);
+         },
+         "next", "40"},
+        {"moved, read again, back",
+         [](ICB* a, Lezer& ik) {
+             zet(a, 3, 65);
+             EXPECT_EQ(1, IXGET(ik.icb, &ik.r, ik.icb->currec));
+         },
+         "prev", "20"},
+        {"moved, by number", [](ICB* a, Lezer&) { zet(a, 3, 65); }, "skip", "40"},
+        {"moved back, by number", [](ICB* a, Lezer&) { zet(a, 3, 5); }, "skip", "40"},
+        {"slot used again, by number",
+         [](ICB* a, Lezer&) {
+             Rec r{};
+             r.nr = 3;
+             IXREAD(a, &r);
+             IXDELETE(a, &r);
+             zet(a, 77, 85);
+         },
+         "skip", "40"},
+        {"moved by the walker himself", [](ICB*, Lezer& ik) { zet(ik.icb, 3, 65), ik.r.plaats = 65; }, "next",
+         "70"},
+        {"by himself, by number", [](ICB*, Lezer& ik) { zet(ik.icb, 3, 65); }, "skip", "70"},
+        {"another place asked for", [](ICB*, Lezer& ik) { ik.r.plaats = 75; }, "next", "80"},
+    };
+    for (const auto& g : gevallen) {
+        TijdelijkeMap map;
+        ICB* ander = maak_open("T", tabel, 2);
+        for (int i = 0; i < 10; i++)
+            zet(ander, i, i * 10);
+        Lezer ik;
+        ik("key 2");
+        ik("first");
+        for (int i = 0; i < 3; i++)
+            ik("next");
+        ASSERT_EQ(3, ik.r.nr) << g.wat;
+        g.doe(ander, ik);
+        EXPECT_EQ(g.uit, ik(g.stap)) << g.wat;
+        ik("close");
+        IXCLOSE(ander);
+        EXPECT_GEZOND("T");
+    }
+}
+
+// A selection over a table is older than its records: each is given once, at the place of its entry.
+TEST(Wandeling, TijdelijkeIndexIsOuderDanZijnRecords) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, 2);
+    ICB* keuze = IXCREATE("T.07", 1);
+    IXUPDFCB(keuze, 0, "keuze,16");
+    IXUPDFCB(keuze, 1, "p,NODUPS,I,3,4");
+    IXINITIX(keuze);
+    for (int i = 0; i < 200; i++) {
+        zet(icb, i, 1000 + i);
+        Rec r{};
+        EXPECT_EQ(1, IXGET(icb, &r, icb->currec));
+        keuze->currec = icb->currec;
+        IXADDKEYS(keuze, &r);
+    }
+    for (int i = 0; i < 200; i += 3)
+        zet(icb, i, i % 2 ? 100 + i : 5000 - i);
+    Rec r{};
+    int n = 0;
+    for (int ok = IXFIRST(keuze, &r); ok; ok = IXNEXT(keuze, &r), n++)
+        ASSERT_EQ(n, r.nr);
+    EXPECT_EQ(200, n);
+    IXCLOSE(keuze);
+    IXCLOSE(icb);
+}
+
+// Equal values of a key without record number: of them the entry of the record itself goes, in whatever leaf it stands.
+TEST(GelijkeSleutels, ElkZijnEigenEntry) {
+    for (int mode : {1, 2}) {
+        TijdelijkeMap map;
+        ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2", "p,NODUPS,I,3,4", "r,NODUPS,C,5,16"}}, mode);
+        std::vector<int> nrs;
+        for (int i = 0; i < 900; i++) {
+            zet(icb, i, i / 300);
+            nrs.push_back(i);
+        }
+        Toeval t(5);
+        for (size_t i = nrs.size() - 1; i > 0; i--)
+            std::swap(nrs[i], nrs[t(static_cast<uint32_t>(i) + 1)]);
+        for (size_t i = 0; i < nrs.size(); i++) {
+            if (i % 3 == 2) {
+                zet(icb, nrs[i], nrs[i] / 300 + 1); // to the equal ones of the next value
+                continue;
+            }
+            Rec r{};
+            r.nr = static_cast<uint16_t>(nrs[i]);
+            ASSERT_EQ(1, IXREAD(icb, &r));
+            IXDELETE(icb, &r);
+        }
+        IXCLOSE(icb);
+        IXTELLING telling;
+        EXPECT_EQ(std::vector<std::string>{}, IXDIEPCHECK("T", &telling)) << mode;
+        EXPECT_EQ(300, telling.levend);
+        icb = IXOPEN("T", mode);
+        for (int nr : nrs) {
+            Rec r{};
+            r.nr = static_cast<uint16_t>(nr);
+            if (IXREAD(icb, &r))
+                IXDELETE(icb, &r);
+        }
+        IXCLOSE(icb);
+        EXPECT_GEZOND("T");
+    }
+}
+
+// One entry twice, another never: as many entries as records, and the deep check sees it all the same.
+TEST(GelijkeSleutels, DubbelEnVergeten) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2", "p,NODUPS,I,3,4"}}, 2);
+    zet(icb, 1, 7), zet(icb, 2, 7);
+    IXCLOSE(icb);
+    std::string idx = lees_bestand("T.INX");
+    memcpy(&idx[2 * IXBLOK + 5 + 6], &idx[2 * IXBLOK + 5], 6);
+    schrijf_bestand("T.INX", idx);
+    const std::string uit = gezondheid("T");
+    EXPECT_NE(std::string::npos, uit.find("leads to record 1 a second time")) << uit;
+    EXPECT_NE(std::string::npos, uit.find("record 0 is not found by its key")) << uit;
+}
+
+} // namespace
+} // namespace zg::test
