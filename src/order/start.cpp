@@ -1,5 +1,6 @@
 // prog_start, prog_exec and the program information.
 #include "order/start.h"
+#include "control/batchvw.h"
 #include "order/programma.h"
 #include "order/teksten.h"
 #include "shared/houder.h"
@@ -67,6 +68,13 @@ void probeer(const std::string& map, const char* doel, const std::string& gebrui
            static_cast<char*>(nullptr));
 }
 
+// An unattended run that can't go on: nobody is there to read a report.
+void terug_naar_menu() {
+    int32_t nr = 0;
+    iotab('O', &nr, nullptr, SYS_RECORD); // for its slot, should the file be closed
+    prog_exec(MENUPROGRAMMA);
+}
+
 } // namespace
 
 void prog_bouw(const char* datum, const char* tijd) {
@@ -106,6 +114,7 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     sessienummer = static_cast<uint16_t>(sessie);
     gebruikersrecht = gebruiker.userkind;
     IXWAITHOOK = houder_wacht;
+    BATCHTERUG = terug_naar_menu;
     BEZIGAAN();
 }
 

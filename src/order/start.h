@@ -5,13 +5,14 @@
 namespace zg {
 
 inline constexpr char PROGRAMMA[] = "zgbestel";
+inline constexpr char MENUPROGRAMMA[] = "zgbsmenu"; // goes on behind this one
 inline constexpr int RELEASENUMMER = 870;
 
 // Date and time of this build, for the information box.
 void prog_bouw(const char* datum, const char* tijd);
 
 // Opens terminal, catalogues, DTSYS.TXT and branch table, checks release and hand-over, takes the user's slot
-// (locked until prog_exec). `datum` is the release's date. argv: path, program, user, session, starter. A
+// (locked until prog_exec), and sets the hooks of the layers below. `datum` is the release's date. argv: path, program, user, session, starter. A
 // wrong hand-over stops the program with "NAME foutief gestart, code N": 99 argument count, 2 session, 1
 // user, 0 and 13 program.
 void prog_start(const char* naam, const char* datum, int argc, char** argv);

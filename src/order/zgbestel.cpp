@@ -13,7 +13,6 @@
 namespace {
 
 constexpr char RELEASEDATUM[] = "01-11-2026";
-constexpr char MENUPROGRAMMA[] = "zgbsmenu";
 
 } // namespace
 

@@ -164,7 +164,8 @@ void toets() {
         SCRPUT(A_LABEL, rij, 28, "%s", TXT(T_VOOR_NIEUWE_ORDER));
     if (z->sleutels > 2)
         SCRPUT(A_LABEL, rij, 53, "%s", TXT(T_TAB_SORTERING));
-    // "/" leaves the field as a key of the table does: at once when nothing is typed yet.
+    // "/" leaves the field as a key of the table does: at once when nothing is typed yet. Behind a part of a
+    // supplier's number it is typed, behind digits it enters them.
     Rij gezocht;
     SCHERM.toets[key_extra] = '/';
     vraag(rij, &gezocht);

@@ -95,6 +95,11 @@ void verlaat_oud(const Veld& v) {
     SCHERM.vlag = 0;
 }
 
+// In a text that isn't empty a character is text, also when it is a key of the table.
+bool als_teken(int32_t key) {
+    return key >= 32 && key <= 255 && VELDTYPE("cCsS") && ingavetekst[0];
+}
+
 enum Verloop { VERDER, KLAAR, OPNIEUW };
 
 // The keys that act before the text is looked at. OPNIEUW: draw and read again.
@@ -103,7 +108,7 @@ Verloop vooraf(const Veld& v, int32_t key) {
         INGAVEHELP();
         return OPNIEUW;
     }
-    if (TOETSTOE(key) && (v.cursor == 0 || key == K_ESC)) {
+    if (TOETSTOE(key) && !als_teken(key) && (v.cursor == 0 || key == K_ESC)) {
         if (key == K_EXIT)
             SCRFATAL("%s", TXT(T_EXIT_GEBRUIKT));
         if (TOETSNAMED(key) && !TOETSCHECK(key)) {
@@ -157,7 +162,8 @@ int32_t lus() {
             break;
         if (verloop == OPNIEUW)
             continue;
-        const bool weg = key == K_ENTER || (TOETSNAMED(key) && (v.cursor == 0 || vertaal(key) == key));
+        const bool weg =
+            key == K_ENTER || (TOETSNAMED(key) && !als_teken(key) && (v.cursor == 0 || vertaal(key) == key));
         if (!weg)
             key = key == COMPOSE && VELDTYPE("cCsS") ? COMPOSEINVOER() : vertaal(key);
         verwerk(v, key, weg);

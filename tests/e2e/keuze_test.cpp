@@ -129,7 +129,13 @@ TEST(Keuze, OrderlijstSorteringPositieEnVerlaten) {
     EXPECT_TRUE(p.t.wacht("Lev ordernr"));
     p.t.toetsen("<PgUp>");
     rijen({"Derde", "Vierde", "Tweede", "Vijfde", "Eerste"}); // without a number first, case doesn't separate
-    // "/" in an empty field leads to the date; F5 opens the list again, F3 leaves it.
+    // Behind something typed "/" is a character of the number; in an empty field it leads to the date.
+    p.t.toetsen("A/<Back>-9<Enter>");
+    rijen({"Tweede", "Vijfde", "Eerste"});
+    p.t.toetsen("<Home>b-/");
+    EXPECT_EQ(p.t.stuk(22, 16, 3), "b-/") << p.t.scherm();
+    p.t.toetsen("<Home><Del><Del><Del>");
+    // F5 opens the list again, F3 leaves it.
     p.t.toetsen("/");
     EXPECT_TRUE(p.t.weg("</> voor nieuwe")) << p.t.scherm();
     EXPECT_EQ(p.t.cursor_kolom(), 74) << p.t.scherm();

@@ -227,6 +227,50 @@ TEST(Order, KopVeldVoorVeld) {
     EXPECT_EQ(map.restjes(), "");
 }
 
+// A refused agent leaves nothing of his: the supplier's name stays, and his currency on an order without one.
+TEST(Order, GeweigerdeAgent) {
+    Datamap map;
+    map.journaal(maak_order(maak_kop("Agent"), {Regel{}}));
+    Programma p(map);
+    p.eerste_order();
+    p.t.toetsen("WOA27<Enter>");
+    EXPECT_TRUE(p.t.wacht("<27> Deze relatie is geen agent")) << p.t.scherm();
+    EXPECT_EQ(p.t.cursor_rij(), 10) << "the field stays open";
+    p.t.toetsen("<Esc>");
+    EXPECT_TRUE(p.t.wacht_op(5, 42, "12   Mode Centrale")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    EXPECT_TRUE(p.t.wacht("netto(EUR)")) << p.t.scherm();
+    // By the list, and one that goes.
+    p.t.toetsen("WOA<F5><Enter>");
+    EXPECT_TRUE(p.t.wacht_op(10, 42, "40   Agentuur Smit")) << p.t.scherm();
+    p.t.toetsen("A0<Enter><Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(kop_van(map.journaal()).agent, 0);
+}
+
+// A new order's texts: the work file keeps them through every header behind the first.
+TEST(Order, TekstenVanEenNieuweOrder) {
+    Datamap map;
+    Programma p(map);
+    p.leverancier();
+    p.t.toetsen("<Enter><Esc>LFranco<Esc>B30 dagen<Esc><Esc>");
+    for (int keer = 0; keer < 2; keer++) {
+        p.t.toetsen("WO");
+        EXPECT_TRUE(p.t.wacht_op(18, 42, "Franco")) << p.t.scherm();
+        EXPECT_TRUE(p.t.wacht_op(19, 42, "30 dagen")) << p.t.scherm();
+        p.t.toetsen("OWeer<Enter><Esc>");
+        std::string werk = lees_bestand(map.bestand("2016Z/ORD0012.WRK"));
+        EXPECT_NE(werk.find("Franco"), std::string::npos);
+        EXPECT_NE(werk.find("30 dagen"), std::string::npos);
+    }
+    // The next new order begins without them.
+    p.t.toetsen("<Esc><Enter><Enter>12<Enter><Enter><Esc>");
+    EXPECT_TRUE(p.t.wacht_op(21, 23, "Uw keuze")) << p.t.scherm();
+    EXPECT_EQ(p.t.scherm().find("Franco"), std::string::npos) << p.t.scherm();
+    p.t.toetsen("<F6>J<Enter>");
+    p.uit();
+}
+
 // A new order without lines leaves nothing, refused or accepted; a journal that is only touched goes.
 TEST(Order, NieuweOrderZonderRegels) {
     for (bool geweigerd : {false, true}) {
@@ -330,27 +374,35 @@ TEST(Order, RegelsVerwijderen) {
     }
 }
 
-// Taken up by the batch side: only to be looked at, its texts too, and nothing is written.
+// Taken up by the batch side, or by the choice to look: nothing but the texts is offered, and nothing is written.
 TEST(Order, AlleenLezen) {
-    Datamap map;
-    zg::ordkop kop = maak_kop("Verwerkt");
-    kop.status = 1;
-    std::string inhoud = maak_order(kop, genummerd(3), "Franco huis");
-    map.journaal(inhoud);
-    Programma p(map);
-    p.eerste_order();
-    EXPECT_EQ(p.t.regel(24).find("Toevoegen"), std::string::npos) << p.t.scherm();
-    p.t.toetsen("O");
-    EXPECT_TRUE(p.t.wacht("Leveringscon, Betalingscon")) << p.t.scherm();
-    p.t.toetsen("L");
-    EXPECT_TRUE(p.t.wacht(" Leveringscondities "));
-    EXPECT_TRUE(p.t.wacht_op(13, 11, "Franco huis")) << p.t.scherm();
-    p.t.toetsen("<Enter><Esc><Down>L");
-    EXPECT_TRUE(p.t.wacht("RAADPLEGEN")) << p.t.scherm();
-    p.t.toetsen("<Esc><Esc>");
-    p.uit();
-    EXPECT_EQ(map.journaal(), inhoud);
-    EXPECT_EQ(map.restjes(), "");
+    for (uint8_t status : std::initializer_list<uint8_t>{1, 0}) {
+        SCOPED_TRACE(status);
+        Datamap map;
+        zg::ordkop kop = maak_kop("Verwerkt");
+        kop.status = status;
+        std::string inhoud = maak_order(kop, genummerd(3), "Franco huis");
+        map.journaal(inhoud);
+        Programma p(map);
+        p.eerste_order();
+        EXPECT_EQ(p.t.regel(24).find("Toevoegen") == std::string::npos, status == 1) << p.t.scherm();
+        const std::string kies = status ? "" : "R";
+        p.t.toetsen(kies + "O");
+        EXPECT_TRUE(p.t.wacht("Leveringscon, Betalingscon")) << p.t.scherm();
+        for (const char* weg : {"O", "G", "D", "<F6>"}) {
+            p.t.toetsen(weg);
+            EXPECT_EQ(p.t.cursor_rij(), 21) << weg << p.t.scherm();
+        }
+        p.t.toetsen("<Back>L");
+        EXPECT_TRUE(p.t.wacht(" Leveringscondities "));
+        EXPECT_TRUE(p.t.wacht_op(13, 11, "Franco huis")) << p.t.scherm();
+        p.t.toetsen("x<Enter><Esc><Down>" + kies + "L");
+        EXPECT_TRUE(p.t.wacht("RAADPLEGEN")) << p.t.scherm();
+        p.t.toetsen("<Esc><Esc>");
+        p.uit();
+        EXPECT_EQ(map.journaal(), inhoud);
+        EXPECT_EQ(map.restjes(), "");
+    }
 }
 
 // A line whose size type is gone is shown, counted and can be deleted; everything else is refused.

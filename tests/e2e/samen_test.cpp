@@ -50,6 +50,32 @@ TEST(Samen, TweeLeveranciersNaastElkaar) {
     EXPECT_EQ(map.restjes(), "");
 }
 
+// A supplier whom another terminal changed meanwhile: a new order begins with what is on file now.
+TEST(Samen, LeverancierElders) {
+    Datamap map;
+    twee_seizoenen(map);
+    map.sys(46900, std::string("\x01\0NLNLDNederland", 16)); // the first country
+    Programma een(map), twee(map, 8, "Piet");
+    een.leverancier();
+    EXPECT_TRUE(een.t.wacht_op(3, 19, "Mode Centrale")) << een.t.scherm();
+    een.t.toetsen("<Esc><Esc>");
+    winterorder(twee);
+    // Name; a country that isn't there, then one that is; the goods' country out of the list; currency, surcharge.
+    std::string toetsen = "WLAnders BV<Enter>";
+    for (int veld = 1; veld < 19; veld++)
+        toetsen += veld == 4 ? "xxx<Enter>nld<Enter>" : veld == 14 ? "<F5><Enter>" : "<Enter>";
+    twee.t.toetsen(toetsen + "gbp<Enter><Enter>1,5<Enter><Esc><Esc>");
+    een.leverancier();
+    EXPECT_TRUE(een.t.wacht_op(3, 19, "Anders BV")) << een.t.scherm();
+    een.t.toetsen("/<Enter><Esc>");
+    EXPECT_TRUE(een.t.wacht_op(15, 42, "GBP  Pond")) << een.t.scherm();
+    EXPECT_EQ(een.t.stuk(16, 42, 7), "1.25000") << een.t.scherm();
+    EXPECT_EQ(een.t.stuk(17, 42, 6), "1.5000") << een.t.scherm();
+    een.t.toetsen("<Esc><Esc>");
+    een.uit();
+    twee.uit();
+}
+
 // The second one is told who holds the record, and gets it as soon as the first is done or gone.
 TEST(Samen, EenLeverancierTweeGebruikers) {
     for (bool weg : {false, true}) {

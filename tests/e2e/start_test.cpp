@@ -1,5 +1,9 @@
 // The hand-over from the menu and back, and every way in which it is refused.
+#include "control/batchvw.h"
 #include "e2e/datamap.h"
+#include "order/start.h"
+#include "shared/files.h"
+#include "shared/iotab.h"
 #include <functional>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -27,6 +31,35 @@ TEST(Start, SeizoenspromptInformatieEnTerug) {
     std::string slot = lees_bestand(map.bestand("DTSYS.TXT")).substr(Datamap::slot(), 64);
     EXPECT_EQ(slot[38], 2);
     EXPECT_EQ(slot.substr(48, 9), std::string("zgbsmenu") + '\0');
+}
+
+// A fault in the run of the unattended user, whom nobody would tell: back to the menu, which sees that it ended.
+TEST(Start, BatchgebruikerTerugNaarHetMenu) {
+    for (bool dicht : {false, true}) {
+        Datamap map;
+        char naam[8] = "Nacht";
+        zg::SCRAMBLE(naam);
+        map.sys(Datamap::slot(99), naam);
+        std::vector<std::string> argv = map.overgave(99, "Nacht");
+        Terminal t(
+            [&] {
+                std::vector<char*> args;
+                for (std::string& a : argv)
+                    args.push_back(a.data());
+                if (chdir(map.pad().c_str()) != 0)
+                    return 1;
+                zg::prog_start("zgbestel", "", 5, args.data());
+                int32_t nr = 0;
+                if (dicht)
+                    zg::iotab('C', &nr, nullptr, zg::SYS_RECORD);
+                zg::batch_claim(dicht ? 5 : 16);
+                return 2;
+            },
+            map.opties());
+        EXPECT_EQ(t.einde(), 0) << t.scherm();
+        EXPECT_NE(t.uitvoer().find("menu: zgbsmenu Nacht 99 zgbestel"), std::string::npos) << t.uitvoer();
+        EXPECT_EQ(lees_bestand(map.bestand("DTSYS.TXT"))[Datamap::slot(99) + 38], 2);
+    }
 }
 
 namespace {
