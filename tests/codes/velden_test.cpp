@@ -29,26 +29,22 @@ struct Velden : test::Systeem {
     ~Velden() override { instel15 = {}; }
 };
 
+// The field itself: tests/shared/lijstveld_test.cpp.
 TEST_F(Velden, Currency) {
     struct {
         const char *begin, *toetsen, *uit; // code, changed, empty, key
     } const rijen[] = {
-        {"USD", "<Enter>", "USD 0 0 10"},
-        {"USD", "jpy<Enter>", "JPY 1 0 10"},
-        {"USD", "jpy<Esc>", "USD 0 0 27"},
-        {"USD", "XXX<Enter>eur<Enter>", "EUR 1 0 10"}, // unknown: asked again
-        {"USD", "<F5><Down><Enter>", "JPY 1 0 10"},    // the list begins on the present code
-        {"", "<F5>usd<Enter><Enter>", "USD 1 0 10"},   // picked in an empty field: no longer empty
-        {"USD", "<F5>xxx<Enter><Esc><Enter>", "USD 0 0 10"},
+        {"USD", "XXX<Enter>eur<Enter>", "EUR 1 0 10"},
+        {"USD", "<F5><Down><Enter>", "JPY 1 0 10"},
+        {"USD", "<F5>xxx<Enter>usd<Enter><Esc><Enter>", "USD 0 0 10"},
+        {"", "<F5>usd<Enter><Enter>", "USD 1 0 10"}, // picked in an empty field: no longer empty
         {"", "<Enter>", " 0 8 10"},
-        {"USD", "<PgDn>", "USD 0 0 338"},
     };
     for (const auto& r : rijen) {
         SCOPED_TRACE(vorm("%s %s", r.begin, r.toetsen));
         Gesprek t([&] {
             char code[4] = "";
             memcpy(code, r.begin, strlen(r.begin));
-            TOETSAAN(K_PGDN);
             bool anders = lijstveld(VALUTATABEL, 5, 10, "U", code, 3) == Lijstuit::anders;
             return vorm("%s %d %u %d", code, anders, SCHERM.vlag & V_LEEG, SCHERM.laatste);
         });
@@ -84,22 +80,37 @@ TEST_F(Velden, Rate) {
 }
 
 TEST_F(Velden, Code) {
-    auto veld = [] {
+    Gesprek t([] {
         uint8_t code = 2;
-        bool anders = lijstveld(INKOOPTABEL, 5, 10, "", &code) == Lijstuit::anders;
-        return vorm("%d %d", code, anders);
+        lijstveld(INKOOPTABEL, 5, 10, "", &code);
+        return vorm("%d %s", code, lijstnaam(INKOOPTABEL, {code, ""}).c_str());
+    });
+    t.toetsen("7<Enter>");
+    EXPECT_TRUE(t.wacht_op(25, 1, "<7> Onbekende code")) << t.scherm();
+    t.toetsen("<F5>");
+    EXPECT_TRUE(t.wacht("Inkoopcode")) << "the head slot's text\n" << t.scherm();
+    EXPECT_TRUE(t.wacht("5     Jubileum")) << t.scherm();
+    t.toetsen("<Down><Enter>");
+    EXPECT_EQ(t.antwoord(), "5 Jubileum");
+}
+
+// Read once: what changes in the table is seen when it is forgotten.
+TEST_F(Velden, Countries) {
+    auto land = [](int slot, const char* iso3, const char* naam) {
+        landrec rec{};
+        VASTIN(rec.iso3, iso3);
+        VASTIN(rec.naam, naam);
+        zet(slot, rec, SYS_LAND);
     };
-    test::gesprekken(veld, {
-                               {"5<Enter>", "5 1"},
-                               {"<Enter>", "2 0"},
-                               {"0<Enter>", "0 1"},
-                               {"7<Enter>5<Enter>", "5 1"}, // unknown: asked again
-                               {"5<Esc>", "2 0"},
-                               {"<F5><Down><Enter>", "5 1"},
-                               {"<F5><Esc><Enter>", "2 0"},
-                               {"<F5>7<Enter><Enter>", "2 0"},
-                               {"<F5>5<Enter><F3>", "5 1"},
-                           });
+    land(2, "NLD", "Nederland");
+    land(99, "DEU", "Duitsland");
+    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "DEU"}), "Duitsland");
+    land(2, "BEL", "Belgie");
+    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "NLD"}), "Nederland");
+    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "BEL"}), "");
+    landen_vergeet();
+    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "NLD"}), "");
+    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "BEL"}), "Belgie");
 }
 
 TEST_F(Velden, Seasons) {

@@ -105,19 +105,48 @@ TEST_F(Tabellen, CodesBySet) {
     tekst(23, "drie", SYS_SETCODE);
     tekst(20, "nul", SYS_SETCODE);
     tekst(31, "ander", SYS_SETCODE);
+    for (int slot : {20, 24, 30})
+        zet(slot, setcode2rec{{static_cast<char>(slot)}}, SYS_SETCODE2);
     gebruiker.set = 2;
     tekst20 rec;
+    setcode2rec rec2;
     struct {
         int32_t code;
         int antwoord;
         int32_t na;
-    } const rijen[] = {{3, 1, 3}, {0, 0, 0}, {11, 0, 11}, {4, 0, 4}};
+        int antwoord2; // of the second table, which is one slot further
+        int32_t na2;
+    } const rijen[] = {
+        {3, 1, 3, 1, 4},    {0, 0, 0, 0, 0},
+        {-1, 0, -1, 1, 0},  {9, 0, 9, 0, 9},
+        {11, 0, 11, 0, 11}, // slots of another set, filled
+        {4, 0, 4, 0, 4},    {INT32_MAX, 0, INT32_MAX, 0, INT32_MAX},
+    };
     for (const auto& r : rijen) {
-        int32_t nr = r.code;
+        int32_t nr = r.code, nr2 = r.code;
         EXPECT_EQ(iotab_setcode(&nr, &rec), r.antwoord) << r.code;
         EXPECT_EQ(nr, r.na) << r.code;
+        EXPECT_EQ(iotab_setcode2(&nr2, &rec2), r.antwoord2) << r.code;
+        EXPECT_EQ(nr2, r.na2) << r.code;
     }
     gebruiker = {};
+}
+
+// Another file in the place of DTSYS.TXT, from the next opening on.
+TEST_F(Tabellen, OtherFile) {
+    tekst(1, "deze");
+    schrijf_bestand("ANDER.TXT", std::string(2000, '\0'));
+    iotab_naam("ANDER.TXT");
+    EXPECT_EQ(loop('N', 0), "1deze (6)");
+    open();
+    tekst(2, "die");
+    EXPECT_EQ(loop('N', 0), "2die (6)");
+    sluit();
+    IOUNLINK("ANDER.TXT");
+    test::verwacht_stop([] { open(); }, "ANDER.TXT niet aanwezig in /");
+    iotab_naam(nullptr);
+    open();
+    EXPECT_EQ(loop('N', 0), "1deze (6)");
 }
 
 TEST_F(Tabellen, FourCodeTables) {

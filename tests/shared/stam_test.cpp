@@ -390,8 +390,13 @@ TEST_F(Maten, OtherSystemKeepsPositionsOnly) {
     h = mtopen(2, 4, 0);
     EXPECT_EQ(loop(h, 2), "36:7@1 38:1@2 40:2@3 ");
     EXPECT_EQ(loop(h, 1), "38:1@2 40:2@3 36:7@1 ");
+    uint8_t masker[MAATBYTES] = {};
+    maat_aan(masker, 7);
+    maat_aan(masker, 2);
+    leesmaat(&h, 2, 4, masker);
+    EXPECT_EQ(loop(h, 4), "36:7@1#1 40:2@3#2 ") << "the choice of sizes";
     leesmaat(&h, 2, 4, nullptr);
-    EXPECT_EQ(loop(h, 2).substr(0, 7), "36:7@1 ") << "the same type stays open";
+    EXPECT_EQ(loop(h, 4), "36:7@1#1 40:2@3#2 ") << "the same type stays open, with its choice";
     leesmaat(&h, 1, 4, nullptr);
     EXPECT_EQ(loop(h, 2), "");
     mtclose(h);

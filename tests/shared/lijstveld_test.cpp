@@ -1,0 +1,158 @@
+// The field with a list on a terminal, over a table of the test's own: typed, unknown, picked, added, its rows'
+// records. What a table of the program adds to it stands with that table.
+#include "shared/filveld.h"
+#include "shared/iofil.h"
+#include "shared/lijstveld.h"
+#include "shared/sysrec.h"
+#include "term/gesprek.h"
+#include "term/ingave.h"
+#include "term/vast.h"
+#include <map>
+
+namespace zg {
+namespace {
+
+using test::Gesprek;
+using test::vorm;
+
+std::map<int32_t, std::string> rijen;
+
+bool lees(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
+    if (!rijen.count(code.nummer))
+        return false;
+    *naam = rijen[code.nummer];
+    return true;
+}
+void onbekend(const Lijsttabel& tabel, const Lijstcode& code) {
+    error("<%d> Onbekend %d", code.nummer, tabel.welke);
+}
+std::vector<Lijstblad::Rij> blad(const Lijsttabel&) {
+    std::vector<Lijstblad::Rij> uit;
+    for (const auto& [code, naam] : rijen)
+        uit.push_back({{code, ""}, naam});
+    return uit;
+}
+void record(const Lijsttabel&, const Lijstcode& code) {
+    if (rijen[code.nummer] == "weg")
+        rijen.erase(code.nummer);
+    else
+        rijen[code.nummer] += "!";
+}
+bool kies(const Lijsttabel& tabel, Lijstcode* code) {
+    return lijstkies(tabel, {"Proef", "kop", "Nr", "4s[0123456789],I", blad, record}, code);
+}
+std::string vraag(const Lijsttabel&, const Lijstcode& code) {
+    return vorm("Wilt u nr %d toevoegen", code.nummer);
+}
+bool voeg_toe(const Lijsttabel&, const Lijstcode& code) {
+    char naam[6] = "";
+    INGAVE(12, 10, "5s,", &SCHERM.toets[key_cancel], naam);
+    if (!TOETSWEG())
+        rijen[code.nummer] = naam;
+    return !TOETSWEG();
+}
+const Lijsttabel VAST{"4u", 7, lees, onbekend, kies};
+const Lijsttabel OPEN{"4u", 7, lees, onbekend, kies, vraag, voeg_toe};
+const Lijsttabel ZONDER{"4u", 7, lees, onbekend, nullptr};
+
+// The field on row 5 with 12 in it; then the code, the answer, the key and what is on the row.
+std::function<std::string()> veld(const Lijsttabel& tabel) {
+    return [&tabel] {
+        rijen = {{5, "vijf"}, {12, "twaalf"}, {300, "weg"}};
+        uint16_t code = 12;
+        TOETSAAN(K_PGDN);
+        const Lijstuit uit = lijstveld(tabel, 5, 10, "P", &code);
+        const char* const woord[] = {"weg", "zelfde", "anders"};
+        std::string namen;
+        for (const auto& rij : rijen)
+            namen += rij.second + " ";
+        return vorm("%d %s %d %s", code, woord[static_cast<int>(uit)], SCHERM.laatste, namen.c_str());
+    };
+}
+
+TEST(ListField, Keys) {
+    struct {
+        const Lijsttabel* tabel;
+        const char *toetsen, *uit;
+    } const gevallen[] = {
+        {&VAST, "5<Enter>", "5 anders 10 vijf twaalf weg"},
+        {&VAST, "<Enter>", "12 zelfde 10 vijf twaalf weg"},
+        {&VAST, "5<Esc>", "12 weg 27 vijf twaalf weg"},
+        {&VAST, "0<Enter>", "0 anders 10 vijf twaalf weg"},
+        {&VAST, "<PgDn>", "12 zelfde 338 vijf twaalf weg"},
+        {&VAST, "77<Enter>300<PgDn>", "300 anders 338 vijf twaalf weg"}, // refused, the field stays open
+        {&VAST, "<F5><Down><Enter>", "300 anders 10 vijf twaalf weg"},   // the list begins on the code
+        {&VAST, "5<F5><Enter>", "12 zelfde 10 vijf twaalf weg"}, // that was there, not on what is typed
+        {&VAST, "<F5><Esc><Enter>", "12 zelfde 10 vijf twaalf weg"},
+        {&VAST, "<F5>5<Enter><F3>", "5 anders 10 vijf twaalf weg"},
+        {&VAST, "<F5>77<Enter><Esc>5<Enter>", "5 anders 10 vijf twaalf weg"},
+        {&VAST, "<F5><F10><F10><Enter>", "12 zelfde 10 vijf twaalf!! weg"}, // the record of the row
+        {&VAST, "<F5><Down><F10><Up><Enter>", "5 anders 10 vijf twaalf"},   // which may go
+        {&ZONDER, "<F5>5<Enter>", "5 anders 10 vijf twaalf weg"},
+        {&OPEN, "77<Enter>J<Enter>nieuw<Enter>", "77 anders 10 vijf twaalf nieuw weg"},
+        {&OPEN, "77<Enter><Enter>5<Enter>", "5 anders 10 vijf twaalf weg"},       // no is the default
+        {&OPEN, "77<Enter>J<Enter><Esc>5<Enter>", "5 anders 10 vijf twaalf weg"}, // given up while adding
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.toetsen);
+        Gesprek t(veld(*g.tabel));
+        t.toetsen(g.toetsen);
+        EXPECT_EQ(t.antwoord(), g.uit);
+    }
+}
+
+TEST(ListField, ToldAndShown) {
+    Gesprek t(veld(OPEN));
+    t.toetsen("77<Enter>");
+    EXPECT_TRUE(t.wacht("Wilt u nr 77 toevoegen? (J/N)")) << t.scherm();
+    t.toetsen("<Enter>");
+    EXPECT_TRUE(t.wacht_op(25, 1, "<77> Onbekend 7")) << t.scherm();
+    EXPECT_EQ(t.stuk(5, 10, 4), "12__");
+    EXPECT_TRUE(t.cursor_rij() == 5 && t.cursor_kolom() == 10) << "in the field";
+    t.toetsen("<F5>88<Enter>");
+    EXPECT_TRUE(t.wacht_op(25, 1, "<88> Onbekend 7")) << "told in the list too\n" << t.scherm();
+    t.toetsen("<Up><Enter>");
+    EXPECT_TRUE(t.wacht_op(5, 10, "5   ")) << "the picked code\n" << t.scherm();
+    EXPECT_EQ(t.antwoord(), "5 anders 10 vijf twaalf weg");
+}
+
+// The branches: a number that is not the index, the name behind the field, a field that begins empty.
+TEST(ListField, Branches) {
+    struct {
+        const char *toetsen, *opties, *uitslag;
+    } const gevallen[] = {
+        {"14<Enter>", "ZP", "14 changed"},
+        {"<F5><Down><Down><Enter>", "ZP", "14 changed"},
+        {"4<Enter>3<Enter>", "ZP", "3 changed"},
+        {"<Enter>", "IZP", "0 changed"},
+        {"<Esc>", "ZP", "2"},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.toetsen);
+        test::TijdelijkeMap map;
+        Gesprek t([&] {
+            firma = {};
+            firma.filialen = 5;
+            test::schrijf_bestand("DTFILGEG.TXT", "");
+            iofil('O', 0, nullptr);
+            const uint8_t nummers[] = {1, 2, 3, 14, 20};
+            for (int i = 0; i < 5; i++) {
+                filiaalrec rec{};
+                VASTIN(rec.naam, "Winkel " + std::to_string(nummers[i]) + " \x9B");
+                rec.nummer = nummers[i];
+                iofil('W', i, &rec);
+            }
+            uint8_t nummer = 2;
+            int anders = fil_veld(5, 10, 20, g.opties, &nummer);
+            return vorm("%d%s", nummer, anders ? " changed" : "");
+        });
+        EXPECT_TRUE(t.wacht_op(5, 20, "Winkel 2 ø")) << t.scherm();
+        t.toetsen(g.toetsen);
+        const std::string naam = atoi(g.uitslag) ? vorm("Winkel %d ø", atoi(g.uitslag)) : "         ";
+        EXPECT_TRUE(t.wacht_op(5, 20, naam)) << t.scherm();
+        EXPECT_EQ(t.antwoord(), g.uitslag);
+    }
+}
+
+} // namespace
+} // namespace zg
