@@ -61,7 +61,7 @@ std::function<std::string()> veld(const Lijsttabel& tabel) {
         rijen = {{5, "vijf"}, {12, "twaalf"}, {300, "weg"}};
         uint16_t code = 12;
         TOETSAAN(K_PGDN);
-        const Lijstuit uit = lijstveld(tabel, 5, 10, "P", &code);
+        const Lijstuit uit = lijstveld(tabel, 5, 10, "PZ", &code);
         const char* const woord[] = {"weg", "zelfde", "anders"};
         std::string namen;
         for (const auto& rij : rijen)
