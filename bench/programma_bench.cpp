@@ -2,6 +2,7 @@
 // 1,000 lines into a journal of 10 MB; beside them the system calls. Prints medians. usage: bench_programma
 #include "order/programma.h"
 #include "order/wrk.h"
+#include "shared/sysrec.h"
 #include "support/demomap.h"
 #include <algorithm>
 #include <chrono>

@@ -63,6 +63,10 @@ TEST(Rondgang, AsTheReadmeTells) {
     }
     EXPECT_GT(stappen, 20);
     EXPECT_EQ(t.einde(), 0) << t.scherm();
+    // Menu, program and menu: the shell's screen was left once, and came back once.
+    const std::string uit = t.uitvoer();
+    for (const char* wissel : {"\033[?1049h", "\033[?1049l"})
+        EXPECT_EQ(uit.find(wissel), uit.rfind(wissel));
 }
 
 // What the commands look at before anything is built.

@@ -4,9 +4,7 @@
 #include "term/dm_hdl.h"
 #include "term/ingave.h"
 #include "term/lijst.h"
-#include "term/menu.h"
 #include "term/prompt.h"
-#include "term/veldwacht.h"
 #include <algorithm>
 #include <vector>
 
@@ -296,34 +294,6 @@ TEST(Lijst, SalvoEnRust) {
     een.toetsen("<F3>");
     alles.reeks("<Down><Down><F7><PgDn><F7>15<Enter><Up><F7><F6><F6><Down><F3>");
     EXPECT_EQ(een.antwoord(), alles.antwoord());
-}
-
-// F2 in an open field: list, menu and question run inside it, and the field goes on as if nothing had been.
-TEST(Lijst, InEenOpenVeld) {
-    Gesprek t([] {
-        MACROHAAK.aan = 1;
-        MACROHAAK.dialoog = []() -> int32_t {
-            VELDWACHT wacht;
-            draai({.n = 30, .merken = 1});
-            TR_MENU* m = TR_NEW(1, 5, 5, 0, nullptr);
-            TR_ADD(m, -1, "&Een", 1, 1, 0, nullptr);
-            int id = TR_RUN(m, 0);
-            TR_FREE(m);
-            return JNVRAAG(24, 1, "[+]Verder") ? '0' + id : -2;
-        };
-        int32_t getal = 120;
-        TOETSAAN(K_PGDN);
-        INSTEL.maximum = 125;
-        INGAVE(10, 10, "6l,", &SCHERM.toets[key_f5], &getal);
-        MACROHAAK = MacroHaak{};
-        return vorm("%d %d %u", getal, SCHERM.laatste, SCHERM.vlag & V_GEWIJZIGD);
-    });
-    t.toetsen("<End><Back><F2><F7><PgDn><F3>e<Enter>");
-    EXPECT_EQ(t.stuk(10, 10, 6), "121___");
-    t.toetsen("<F2>1<Enter><F3><Enter>n<Enter>9<Enter>");
-    EXPECT_EQ(t.stuk(10, 10, 6), "1219__"); // beyond the range that the caller had set
-    t.toetsen("<End><Back><PgDn>");
-    EXPECT_EQ(t.antwoord(), "121 338 4");
 }
 
 // ---- dm_hdl
