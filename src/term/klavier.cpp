@@ -150,6 +150,8 @@ void ESCWACHT() {
 int32_t KLAVIER(int ms) {
     bool half = false; // what is there is no whole character yet
     for (;;) {
+        if (half && ms != 0 && SCHERM.bestaat)
+            TOON(); // nothing has been drawn for it, and its rest may never come
         if (aantal == 0 || half)
             if (vul(ms) != Vul::BYTE)
                 return -1;

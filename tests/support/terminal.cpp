@@ -233,7 +233,7 @@ struct Terminal::Binnen {
     long sliep = -1;         // geslapen() when keys were sent to a waiting program
     int64_t gestuurd_om = 0; // a line discipline may keep what it gets, so not for ever
 
-    bool ontvangen() const { return sliep < 0 || geslapen() != sliep || nu_ms() > gestuurd_om + 100; }
+    bool ontvangen() const { return sliep < 0 || geslapen() != sliep || nu_ms() > gestuurd_om + 500; }
 
     bool kalm(int ms) {
         int64_t tot = nu_ms() + ms;

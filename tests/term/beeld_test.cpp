@@ -309,6 +309,27 @@ TEST(Overgave, PictureStaysUntilTheNextOne) {
     }
 }
 
+// A terminal that has no screen of its own for programs is left empty, in its own colours.
+TEST(Overgave, PromptOnAnEmptyScreen) {
+    for (const char* term : {"vt220", "linux"}) {
+        Terminal t(
+            [] {
+                SCRINIT();
+                SCRPUT(A_WAARDE, 3, 3, "het oude beeld");
+                TOETS();
+                SCREXIT();
+                printf("prompt");
+                return 0;
+            },
+            {.term = term});
+        t.kalm();
+        t.stuur("x");
+        EXPECT_EQ(t.einde(), 0);
+        EXPECT_EQ(t.scherm(), "prompt" + std::string(25, '\n')) << term;
+        EXPECT_EQ(t.cel(10, 10).achter, -1);
+    }
+}
+
 // A note of a hand-over that isn't ours, isn't fresh or isn't for this terminal is none.
 TEST(Overgave, OldNotesDontCount) {
     static const struct {
