@@ -17,6 +17,10 @@ merkrec regelmerk, rijmerk;
 
 void stam_vergeet() {
     leverancier = {};
+    regelstam_vergeet();
+}
+
+void regelstam_vergeet() {
     regelgroep = {};
     regelmerk = rijmerk = {};
 }

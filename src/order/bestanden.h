@@ -11,8 +11,10 @@ extern levrec leverancier; // the order's supplier: the driver's prompt and the 
 extern artrec regelgroep;  // of the cursor's line
 extern merkrec regelmerk;
 extern merkrec rijmerk; // of the line that is being painted
-// Forget them: they are read again at the next use. Before each order, since other terminals change them.
+// Forget them, since other terminals change them: they are read again at the next use. All of them before an order,
+// those of the lines before whatever is done to a line.
 void stam_vergeet();
+void regelstam_vergeet();
 
 extern ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab;
 

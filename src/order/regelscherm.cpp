@@ -393,6 +393,7 @@ void order_scherm() {
             blad.beweeg(SCHERM.laatste);
             continue;
         }
+        regelstam_vergeet();
         if (order_alleen_lezen) {
             doe_item(keus, true);
         } else {
