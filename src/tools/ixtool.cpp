@@ -1,4 +1,6 @@
 // The operators' tools for pairs, one program under the names of its tools: options, help, exit status.
+#include "store/wachtrij.h"
+#include "term/natl.h"
 #include "term/scherm.h"
 #include "tools/opdracht.h"
 #include "tools/werkmap.h"
@@ -124,7 +126,10 @@ int wachtseconden = 10;
 void wacht(ICB* icb) {
     static int gewacht;
     if (++gewacht > wachtseconden * 5) {
-        klacht(icb ? icb->path : "", "in use");
+        klacht(icb ? icb->path : "",
+               icb && icb->wachtsleutel
+                   ? "key reserved: " + CP850UTF8(IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf))
+                   : "in use");
         fflush(nullptr);
         Werkmap::ruim_op();
         _exit(IN_GEBRUIK);

@@ -42,13 +42,6 @@ TEST(Demo, HoldsWhatItShould) {
     for (int nr = 1; nr <= 3; nr++)
         rechten.insert(slot<gebruikerslot>(demo, SYS_GEBRUIKER, nr).userkind);
     EXPECT_TRUE(rechten.size() == 3 && rechten.contains('I'));
-    maatbalkrec balk = slot<maatbalkrec>(demo, SYS_MAATBALK, 1);
-    EXPECT_TRUE(balk.maatsoort == 1 && maat_in(balk.maten, 1) && maat_in(balk.maten, 5) &&
-                !maat_in(balk.maten, 6));
-    int kleuren = 0;
-    for (int nr = 1; nr <= 999; nr++)
-        kleuren += !VASTLEEG(slot<tekst20>(demo, SYS_KLEUR, nr).tekst);
-    EXPECT_GE(kleuren, 50);
 
     ICB* icb = IXOPEN("DTLEV", 0);
     uint8_t rec[IXRECMAX + 1] = {}; // from the lowest key on
@@ -97,24 +90,6 @@ TEST(Demo, JournalsAreSound) {
     for (int n : {1, 14, 15, 60})
         EXPECT_TRUE(aantallen.contains(n)) << n;
     EXPECT_TRUE(verwerkt);
-}
-
-TEST(Demo, KeepsOrRefusesWhatIsThere) {
-    test::TijdelijkeMap map;
-    auto zgdemo = [](const std::string& rest) {
-        return system(("\"" + test::programma("zgdemo") + "\" " + rest).c_str());
-    };
-    ASSERT_EQ(zgdemo("data"), 0);
-    test::schrijf_bestand("data/2016Z/ORD0099.JRN", "mine");
-    EXPECT_EQ(zgdemo("data"), 0);
-    EXPECT_EQ(test::lees_bestand("data/2016Z/ORD0099.JRN"), "mine");
-    EXPECT_EQ(zgdemo("data --fresh --register"), 0);
-    EXPECT_FALSE(fs::exists("data/2016Z/ORD0099.JRN"));
-    EXPECT_TRUE(fs::exists("data/DTSER.INX"));
-    fs::create_directory("ander");
-    test::schrijf_bestand("ander/brief", "not ours");
-    EXPECT_NE(zgdemo("ander --fresh 2>/dev/null"), 0);
-    EXPECT_EQ(test::lees_bestand("ander/brief"), "not ours");
 }
 
 TEST(Menu, HandsOverAndTakesBack) {

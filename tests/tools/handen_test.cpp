@@ -10,6 +10,7 @@
 #include "support/proces.h"
 #include "term/vast.h"
 #include "tools/paar.h"
+#include "tools/shell.h"
 #include "tools/werkmap.h"
 #include <cstring>
 #include <ctime>
@@ -24,22 +25,6 @@ using namespace zg::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-struct Uit {
-    int status;
-    std::string tekst; // both streams
-    bool zegt(const std::string& s) const { return tekst.find(s) != std::string::npos; }
-};
-
-Uit sh(const std::string& opdracht) {
-    FILE* p = popen(("PATH=" ZG_BINARY_DIR ":$PATH; exec 2>&1; " + opdracht).c_str(), "r");
-    std::string tekst;
-    char buf[4096];
-    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;)
-        tekst.append(buf, n);
-    int st = pclose(p);
-    return {WIFEXITED(st) ? WEXITSTATUS(st) : 128 + WTERMSIG(st), tekst};
-}
 
 struct Handen : testing::Test {
     TijdelijkeMap map;
@@ -77,6 +62,9 @@ TEST_F(Handen, ReservedKeysAreSeenAndOnlyIxremakeClearsThem) {
     Uit u = sh("ixcheck DTMERK");
     EXPECT_EQ(u.status, 0) << "no damage";
     EXPECT_TRUE(u.zegt("DTMERK: key reserved: 4711\nDTMERK: key reserved: 99\n")) << u.tekst;
+    EXPECT_FALSE(sh("ixcopy DTMERK KOPIE && ixcheck KOPIE").zegt("reserved"))
+        << "nobody will write them there";
+    IXREMOVE("KOPIE");
     // Neither an exclusive opener nor a rebuild takes them from who may be alive.
     IXCLOSE(IXOPEN("DTMERK", 1));
     EXPECT_EQ(IXBLDIX("DTMERK"), 1);
@@ -266,6 +254,10 @@ TEST_F(Handen, OnlyAnOwnAndIdleDirectoryIsEmptied) {
     ASSERT_EQ(zgdemo("firma").status, 0);
     IOUNLINK("firma/ZGDEMO.MRK");
     schrijf_bestand("firma/2016Z/ORD0099.JRN", "a firm's order");
+    EXPECT_EQ(zgdemo("firma").status, 0) << "kept, when nothing else is asked";
+    fs::create_directory("brieven");
+    schrijf_bestand("brieven/brief", "");
+    EXPECT_EQ(zgdemo("brieven").status, 1) << "no data directory at all";
     for (const char* hoe : {"firma --fresh", "firma/ --fresh --register", "./firma --fresh"}) {
         Uit u = zgdemo(hoe);
         EXPECT_TRUE(u.status == 1 && u.zegt("zgdemo didn't make")) << u.tekst;

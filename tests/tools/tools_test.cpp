@@ -3,6 +3,7 @@
 #include "shared/woordenboek.h"
 #include "store/ix.h"
 #include "support/terminal.h"
+#include "tools/shell.h"
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -16,22 +17,6 @@ using namespace zg;
 using namespace zg::test;
 
 namespace {
-
-struct Uit {
-    int status;
-    std::string tekst; // both streams
-};
-
-Uit sh(const std::string& opdracht) {
-    std::string regel = "PATH=\"" ZG_BINARY_DIR "\":$PATH; exec 2>&1; " + opdracht;
-    FILE* p = popen(regel.c_str(), "r");
-    std::string tekst;
-    char buf[4096];
-    for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;)
-        tekst.append(buf, n);
-    int st = pclose(p);
-    return {WIFEXITED(st) ? WEXITSTATUS(st) : 128 + WTERMSIG(st), tekst};
-}
 
 struct Soort {
     const char* naam;
