@@ -10,8 +10,6 @@
 #include "order/teksten.h"
 #include "order/wrk.h"
 #include "order/zoek_ord.h"
-#include "price/ing_val.h"
-#include "price/koers.h"
 #include "shared/files.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
@@ -134,24 +132,15 @@ bool order_mag_nieuw() {
     return aantal_regels == 0 && (kop.status == 0 || (registermodus && gebruikersrecht != 'I'));
 }
 
-// Rate and currency of a new order, from the supplier.
+// Rate and currency of a new order, from the supplier. A fixed rate holds for one without a currency.
 void nieuwe_koers() {
-    bool vast = leverancier.koers != 0 && VASTGELIJK(kop.valuta, VASTUIT(leverancier.valuta));
-    kop.koers = 10000;
-    kop.koerseenheid = 1;
-    if (vast) {
+    memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
+    if (leverancier.koers != 0 && VASTLEEG(leverancier.valuta)) {
         kop.koers = leverancier.koers;
         kop.koerseenheid = leverancier.koerseenheid ? leverancier.koerseenheid : uint16_t{1};
-    } else if (!VASTLEEG(leverancier.valuta) &&
-               thuisvaluta_anders(std::string(leverancier.valuta, VALUTACODE).c_str())) {
-        koersrec gevonden;
-        koers_record(std::string(leverancier.valuta, VALUTACODE).c_str(), kop.orderdatum, &gevonden);
-        if (gevonden.koers > 0 && gevonden.eenheid > 0) {
-            kop.koers = static_cast<uint32_t>(gevonden.koers);
-            kop.koerseenheid = gevonden.eenheid;
-        }
+    } else {
+        kop_koers_van_datum();
     }
-    memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
 }
 
 // False when no order number could be drawn (told).

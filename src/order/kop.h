@@ -12,6 +12,9 @@ extern int16_t korting_bij_opening; // the order's discount when it was opened
 // What was accepted is in the work file.
 bool order_kop(Itemwijze wijze);
 
+// The rate of the order's currency at the order date into `kop`; 1 for the home currency and without any rate.
+void kop_koers_van_datum();
+
 // Between kop.cpp and kopveld.cpp.
 //
 // The items. Their numbers are places in ORDPARM.SYS (kopveld + number) and stand on the screen in this order.

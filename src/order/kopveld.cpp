@@ -56,16 +56,6 @@ void zet_koers(double waarde) {
     kop.koerseenheid = eenheid;
 }
 
-// The rate of the order's currency at the order date; 1 for the home currency and without any rate.
-void koers_van_datum() {
-    koersrec gevonden{};
-    if (vreemde_valuta())
-        koers_record(valutacode().c_str(), kop.orderdatum, &gevonden);
-    bool er = gevonden.koers > 0 && gevonden.eenheid > 0;
-    kop.koers = er ? static_cast<uint32_t>(gevonden.koers) : 10000;
-    kop.koerseenheid = er ? gevonden.eenheid : uint16_t{1};
-}
-
 bool eerste_kop; // the first header of an order without lines is entered
 levrec agent;    // own image: the order's supplier stays in his
 
@@ -228,7 +218,7 @@ bool veld_korting(int rij) {
 bool veld_valuta(int rij) {
     if (lijstveld(VALUTATABEL, rij, KOPWAARDE, "UE", kop.valuta, sizeof kop.valuta) != Lijstuit::anders)
         return false;
-    koers_van_datum();
+    kop_koers_van_datum();
     return true;
 }
 
@@ -239,7 +229,7 @@ bool veld_koers(int rij) {
     if (!koers_veld(rij, KOPWAARDE, "", valutacode().c_str(), &nieuw))
         return false;
     if (nieuw == 0)
-        koers_van_datum();
+        kop_koers_van_datum();
     else
         zet_koers(nieuw);
     return true;
@@ -327,6 +317,15 @@ const Item ITEMS[] = {
 } // namespace
 
 const Itemscherm KOPSCHERM{&T_KOP_TITEL, 4, 21, 19, 60, 17, KOP_OMSCHRIJVING, kop_rij, ITEMS};
+
+void kop_koers_van_datum() {
+    koersrec gevonden{};
+    if (vreemde_valuta())
+        koers_record(valutacode().c_str(), kop.orderdatum, &gevonden);
+    bool er = gevonden.koers > 0 && gevonden.eenheid > 0;
+    kop.koers = er ? static_cast<uint32_t>(gevonden.koers) : 10000;
+    kop.koerseenheid = er ? gevonden.eenheid : uint16_t{1};
+}
 
 void kopveld_begin(bool nieuw) {
     eerste_kop = nieuw;

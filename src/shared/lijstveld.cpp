@@ -1,6 +1,7 @@
 // The one dance of all fields with a list: ask, list, look up, refuse or add.
 #include "shared/lijstveld.h"
 #include "shared/arraylijst.h"
+#include "shared/report.h"
 #include "term/ingave.h"
 #include "term/prompt.h"
 #include "term/vast.h"
@@ -58,6 +59,8 @@ bool er_is(const Lijsttabel& tabel, const Lijstcode& code) {
 
 Lijstuit veld(const Lijsttabel& tabel, int rij, int kolom, const char* opties, void* doel, size_t breedte,
               bool tekst) {
+    if (breedte > sizeof Variabele::bytes)
+        INTERNAL("lijstveld", 1);
     std::unique_ptr<Instel, void (*)(Instel*)> toetsen(INSTELNEW(0), INSTELDEL);
     const std::string formaat = std::string(tabel.formaat) + "," + opties;
     for (;;) {

@@ -40,7 +40,8 @@ enum class Lijstuit {
 
 // The field at a place of the current window. `opties`: the format's letters behind the comma ("", "ZP"). An
 // empty field is accepted as no code where the format takes it. Keys allowed before the call leave as in INGAVE.
-// The variable is what the format's type wants; `breedte` is that of a text, which is NUL padded.
+// The variable is what the format's type wants; `breedte` is that of a text of at most 8, which is NUL padded (a
+// wider one stops with INTERNAL 1).
 Lijstuit lijstveld(const Lijsttabel& tabel, int rij, int kolom, const char* opties, uint8_t* code);
 Lijstuit lijstveld(const Lijsttabel& tabel, int rij, int kolom, const char* opties, uint16_t* code);
 Lijstuit lijstveld(const Lijsttabel& tabel, int rij, int kolom, const char* opties, int32_t* code);
