@@ -58,8 +58,5 @@ bool ord_kop_schrijf(ordhandle* h, const char* levering, const char* betaling);
 // The text of a kind behind the current O, M or D record into a block; false when there is no such record.
 // Offset and tag stay.
 bool ord_tekst_lees(ordhandle* h, int soort, char* blok);
-// Overwrite the five T records of a kind (1 to 4) behind the current O, M or D record of a work file. A block
-// of nothing but newlines is stored as empty. False when the five are not there or the write failed (told).
-bool ord_tekst_schrijf(ordhandle* h, int soort, const char* blok);
 
 } // namespace zg

@@ -10,15 +10,6 @@ namespace zg {
 namespace {
 inline constexpr size_t STUK = sizeof tekstrec.tekst, TRECORD = 1 + sizeof(ordtekst);
 
-// Where the five records of a kind stand behind the current record of a work file, -1 when nowhere.
-int64_t tekst_plaats(const ordhandle* h, int soort) {
-    const char hoofd = soort == 1 || soort == 2 ? 'O' : soort == 3 ? 'M' : soort == 4 ? 'D' : 0;
-    if (!hoofd || h->tag != hoofd)
-        return -1;
-    int64_t plaats = int64_t{h->offset} + 1 + ord_lengte(hoofd);
-    return soort == 2 ? plaats + static_cast<int64_t>(TEKSTSTUKKEN * TRECORD) : plaats;
-}
-
 // Do the five records stand there, or does the file end there?
 bool tekst_past(int fd, int64_t plaats, int soort) {
     uint8_t bytes[TEKSTSTUKKEN * TRECORD];
@@ -61,15 +52,6 @@ bool ord_tekst_lees(ordhandle* h, int soort, char* blok) {
     h->offset = offset;
     h->tag = tag;
     return true;
-}
-
-bool ord_tekst_schrijf(ordhandle* h, int soort, const char* blok) {
-    int64_t plaats = tekst_plaats(h, soort);
-    if (plaats < 0 || !tekst_past(h->fd, plaats, soort))
-        return false;
-    uint8_t bytes[TEKSTSTUKKEN * TRECORD];
-    tekst_records(soort, blok, bytes);
-    return ord_schrijf_op(h, static_cast<int32_t>(plaats), bytes, sizeof bytes);
 }
 
 bool ord_kop_schrijf(ordhandle* h, const char* levering, const char* betaling) {

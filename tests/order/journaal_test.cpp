@@ -173,41 +173,6 @@ TEST(Journaal, index_lezen_aan_de_randen) {
     sluit();
 }
 
-TEST(Journaal, teksten_ter_plaatse) {
-    OrderMap map;
-    std::vector<Order> orders = DRIE;
-    zet("JRN", bytes(orders));
-    ASSERT_TRUE(kies(0));
-    char blok[BLOKLEN];
-    Order& o = orders[0];
-    std::string* doelen[] = {&o.levering, &o.betaling, &o.modellen[0].tekst, &o.modellen[0].regels[0].tekst};
-    ors_ingang e = regel_op(1);
-    const int32_t plaatsen[] = {0, 0, e.m, e.d};
-    const std::string nieuw[] = {std::string(300, 'x'), "", "een\ntwee", std::string(61, 'y')};
-    for (int soort = 1; soort <= 4; soort++) {
-        werk->offset = plaatsen[soort - 1];
-        ASSERT_TRUE(ord_lees(werk, 'R'));
-        memset(blok, 0, sizeof blok);
-        nieuw[soort - 1].copy(blok, 300);
-        if (soort == 2)
-            strcpy(blok, "\n\n\n"); // nothing but line ends is no text
-        ASSERT_TRUE(ord_tekst_schrijf(werk, soort, blok)) << soort;
-        *doelen[soort - 1] = nieuw[soort - 1];
-        ASSERT_TRUE(ord_tekst_lees(werk, soort, blok));
-        EXPECT_EQ(std::string(blok, strnlen(blok, BLOKLEN)), nieuw[soort - 1]);
-    }
-    // Where the five records are not there, nothing is overwritten.
-    werk->offset = e.d;
-    ord_lees(werk, 'R');
-    EXPECT_FALSE(ord_tekst_schrijf(werk, 3, blok));
-    EXPECT_FALSE(ord_tekst_schrijf(werk, 0, blok));
-    ord_kind(werk, 'D');
-    EXPECT_FALSE(ord_tekst_lees(werk, 4, blok)); // a text has no text
-    EXPECT_EQ(inhoud("WRK"), bytes(o, true));
-    sluit();
-    EXPECT_EQ(inhoud("JRN"), bytes(orders));
-}
-
 TEST(Journaal, alleen_bekeken_verandert_niets) {
     OrderMap map;
     struct {
