@@ -22,6 +22,7 @@ constexpr int64_t SECONDE_MS = 1000;
 Stand echt, straks;
 std::string klaar; // the bytes of `straks`
 bool alles_nieuw;  // the terminal shows nothing that is known: clear it first
+bool alle_rijen;   // rows may differ that curses has not touched since the last picture
 int64_t getoond_ms;
 
 enum { NIETS, GEREED, GESCHREVEN };
@@ -111,6 +112,8 @@ void bouw(std::string& uit, Stand& s) {
     getyx(newscr, cursor_rij, cursor_kolom);
     cchar_t rij[BEELDKOLOMMEN + 1];
     for (int r = 0; r < rijen && r < BEELDRIJEN; r++) {
+        if (!alle_rijen && !is_linetouched(newscr, r))
+            continue;
         mvwin_wchnstr(newscr, r, 0, rij, kolommen);
         for (int k = 0; k < kolommen && k < BEELDKOLOMMEN; k++) {
             const size_t paar = static_cast<size_t>(rij[k].ext_color);
@@ -148,6 +151,8 @@ void TOON() {
     if (dicht())
         return;
     bouw(klaar, echt);
+    untouchwin(newscr);
+    alle_rijen = false;
     SCHRIJFUIT(klaar.data(), klaar.size());
     getoond_ms = nu_ms();
 }
@@ -184,13 +189,14 @@ void TOONVOORTOETS(WINDOW* win) {
 }
 
 void BEELDNIEUW() {
-    alles_nieuw = true;
+    alles_nieuw = alle_rijen = true;
 }
 
 void BEELDOVER() {
     haal_in();
     echt = Stand{};
     alles_nieuw = false;
+    alle_rijen = true;
 }
 
 void BEELDGEWOON() {

@@ -192,21 +192,28 @@ TEST(Beeld, DifferencesGiveTheSamePicture) {
     }
 }
 
-// Frames on a terminal without UTF-8, in its own line drawing characters.
-TEST(Beeld, FramesInLineDrawing) {
-    for (const char* term : {"vt100", "xterm", "linux"}) {
-        SCOPED_TRACE(term);
+// Line drawing, and letters that stay letters: in Unicode, or in the terminal's own set.
+TEST(Beeld, LineDrawing) {
+    for (const Opties& o : {Opties{}, Opties{.term = "vt100", .locale = "C"}, Opties{.locale = "C"},
+                            Opties{.term = "linux", .locale = "C"}}) {
+        SCOPED_TRACE(o.term + o.locale);
         OpScherm t(
             [] {
-                WINOPEN1(5, 5, 3, 8);
+                SCRPUT(A_LIJN_LABEL, 1, 1, "%c%c%c", 196, 254, 251);
+                SCRPUT(A_LIJN_WAARDE, 2, 1, "qx");
+                SCRLIJN(A_LIJN_LABEL, 3, 5, L_HORIZONTAAL, 4);
+                SCRLIJN(A_LIJN_LABEL, 4, 5, L_VERTICAAL, 2);
+                WINOPEN1(6, 5, 3, 8);
                 WINBOX("%s", "T");
                 SCRPUT(A_WAARDE, 1, 1, "qxlk");
             },
-            {.term = term, .locale = "C"});
-        EXPECT_EQ(tel(t.uitvoer(), "lqqqTqqk"), 0);
-        EXPECT_NE(t.uitvoer().find("lqq"), std::string::npos);
-        EXPECT_NE(t.uitvoer().find("qxlk"), std::string::npos) << "letters stay letters";
-        EXPECT_EQ(t.stuk(6, 6, 4), "qxlk");
+            o);
+        if (o.locale != "C") {
+            EXPECT_EQ(t.regel(1), "─■√");
+            stappen(t, {{"", {{2, 1, "─│ "}, {3, 5, "──── "}, {4, 5, "│ "}, {5, 5, "│ "}, {6, 5, "┌─"}}}});
+        }
+        EXPECT_EQ(t.uitvoer().find("lqq") != std::string::npos, o.locale == "C");
+        EXPECT_EQ(t.stuk(7, 6, 4), "qxlk");
     }
 }
 

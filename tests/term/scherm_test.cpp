@@ -182,20 +182,6 @@ TEST(Scherm, CursorFollowsTheVariants) {
     EXPECT_GT(u.rfind("\x1b[?25h"), u.rfind("\x1b[?25l")) << "the cursor is shown again";
 }
 
-TEST(Scherm, LineDrawingByNumber) {
-    OpScherm t([] {
-        SCRPUT(0x500000, 1, 1, "%c%c%c", 196, 254, 251);
-        SCRPUT(A_LIJN_WAARDE, 2, 1, "qx+,");
-        SCRLIJN(A_LIJN_LABEL, 3, 5, L_HORIZONTAAL, 4);
-        SCRLIJN(A_LIJN_LABEL, 4, 5, L_VERTICAAL, 2);
-    });
-    EXPECT_EQ(t.regel(1), "─■√");
-    EXPECT_EQ(t.regel(2), "─│→←");
-    EXPECT_EQ(t.regel(3), "    ────");
-    EXPECT_EQ(t.regel(4), "    │");
-    EXPECT_EQ(t.regel(5), "    │");
-}
-
 TEST(Scherm, StatusLine) {
     OpScherm t([] {
         WINOPEN1(5, 5, 5, 20);
