@@ -127,9 +127,10 @@ bool overgave(int fd) {
     return false;
 }
 
-// Who is at work in a directory of data: the file that is locked or open, and the process; empty for none.
+// Who is at work in a directory of data: the file that is locked, with the process, or that is open; empty for none.
 std::string wie_gebruikt(const std::string& map) {
     std::error_code fout;
+    std::string open;
     constexpr auto OPTIES = fs::directory_options::skip_permission_denied;
     for (const auto& e : fs::recursive_directory_iterator(map, OPTIES, fout)) {
         if (!e.is_regular_file(fout))
@@ -137,13 +138,15 @@ std::string wie_gebruikt(const std::string& map) {
         const int fd = SYS.open(e.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
         if (fd < 0)
             continue;
+        const std::string naam = e.path().filename().string();
         const int64_t pid = IOLOCKPID(fd, 0, 0);
-        const bool bezet = pid || elders_open(fd) || (e.path().filename() == "DTSYS.TXT" && overgave(fd));
+        if (!pid && (elders_open(fd) || (naam == "DTSYS.TXT" && overgave(fd))))
+            open = naam;
         SYS.close(fd);
-        if (bezet)
-            return e.path().filename().string() + (pid ? " by process " + std::to_string(pid) : "");
+        if (pid)
+            return naam + " by process " + std::to_string(pid);
     }
-    return {};
+    return open;
 }
 
 // An empty directory at this place: a new one, or one that is empty but for what we made.
