@@ -180,9 +180,9 @@ int main(int argc, char** argv) {
     printf("%-52s %8ld calls\n", "commit it", (alles - open) / RONDEN);
     DemoMap map;
     std::string start_regel =
-        "sh -c 'cd " + map.pad() + " && TERM=xterm TERMINFO_DIRS=" ZG_BINARY_DIR "/terminfo exec";
+        "sh -c 'cd " + map.pad() + " && TERM=xterm TERMINFO_DIRS=\"" ZG_BINARY_DIR "/terminfo\" exec";
     for (const std::string& a : overgave(map))
-        start_regel += " " + a;
+        start_regel += " \"" + a + "\"";
     printf("%-52s %8ld calls\n", "start to season prompt, and the end",
            telsys(start_regel + " < /dev/null'"));
     return 0;

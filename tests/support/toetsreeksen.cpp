@@ -49,7 +49,8 @@ const Naam NAMEN[] = {
     {"lt", "", "<"},
 };
 
-// What the terminal's description says that it sends; empty when it says nothing.
+} // namespace
+
 std::string vermogen(const std::string& term, const char* cap) {
     static std::map<std::string, TERMINAL*> alle;
     auto [it, nieuw] = alle.try_emplace(term);
@@ -70,8 +71,6 @@ std::string vermogen(const std::string& term, const char* cap) {
     set_curterm(voor);
     return s && s != reinterpret_cast<const char*>(-1) ? s : "";
 }
-
-} // namespace
 
 std::vector<std::string> toetsreeksen(const std::string& term, std::string_view reeks) {
     std::vector<std::string> uit;

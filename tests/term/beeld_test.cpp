@@ -1,6 +1,7 @@
 // What goes out to the terminal: how many bytes a step costs, when they go, that the picture is right on every kind
 // of terminal, and how the terminal is taken, handed over and given back.
 #include "gesprek.h"
+#include "support/toetsreeksen.h"
 #include "term/ingave.h"
 #include <csignal>
 #include <cstdlib>
@@ -47,17 +48,6 @@ std::vector<std::string> beschrijvingen() {
         if (e.is_regular_file())
             namen.push_back(e.path().filename());
     return namen;
-}
-
-std::string reeks_van(const std::string& term, const char* naam) {
-    std::string uit;
-    const std::string opdracht = "TERMINFO=" ZG_BINARY_DIR "/terminfo tput -T " + term + " " + naam;
-    if (FILE* f = popen(opdracht.c_str(), "r")) {
-        for (int c; (c = fgetc(f)) != EOF;)
-            uit += static_cast<char>(c);
-        pclose(f);
-    }
-    return uit;
 }
 
 } // namespace
@@ -224,7 +214,7 @@ TEST(Beschrijving, InitLeavesTheCursor) {
     for (const std::string& naam : namen)
         for (const char* reeks : {"is2", "rs2"}) {
             SCOPED_TRACE(naam + " " + reeks);
-            const std::string bytes = reeks_van(naam, reeks);
+            const std::string bytes = vermogen(naam, reeks);
             EXPECT_FALSE(bytes.empty());
             EXPECT_EQ(bytes.find("\033[!p"), std::string::npos) << "a soft reset forgets the kept place";
             if (naam.ends_with("-w")) // 132 columns clear the screen of their own accord, and of it only

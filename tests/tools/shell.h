@@ -13,7 +13,7 @@ struct Uit {
 };
 
 inline Uit sh(const std::string& opdracht) {
-    FILE* p = popen(("PATH=" ZG_BINARY_DIR ":$PATH; exec 2>&1; " + opdracht).c_str(), "r");
+    FILE* p = popen(("PATH=\"" ZG_BINARY_DIR "\":$PATH; exec 2>&1; " + opdracht).c_str(), "r");
     std::string tekst;
     char buf[4096];
     for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;)
