@@ -24,7 +24,7 @@ bool zelfde_vorm(const IXHEADER& a, const IXHEADER& b) {
 
 bool kop_goed(const ICB* icb, const IXHEADER& h) {
     if (zelfde_vorm(icb->h, h) && h.nkeys > 0 && h.nblocks >= h.nkeys + 2 && h.nrecs >= 0 &&
-        h.freehead < h.nrecs && icb->gezien > 0)
+        h.freehead < h.nrecs && icb->gezien.nblocks > 0)
         return true;
     return IXKOPFOUT(h) == nullptr;
 }
@@ -39,7 +39,7 @@ void lees_kop(ICB* icb) {
         usleep(1000);
     }
     icb->h = h;
-    icb->gezien = h.nblocks;
+    IXGEZIEN(icb, h);
 }
 
 bool knoop_goed(const ICB* icb, int32_t blok) {

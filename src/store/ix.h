@@ -66,7 +66,9 @@ struct ICB {
     // From here on nothing is shared with anybody; not part of the handle's told order.
     int8_t koplock;      // 1 while a shared handle holds the header lock: the tree can't change under it
     int8_t wachtsleutel; // 1 while IXWAITHOOK is called for a reserved key, the one in `keybuf`
-    int32_t gezien; // nblocks as last seen on disk: a reader that may have met a half-done split looks again
+    struct {
+        int32_t nblocks, nrecs, freehead;
+    } gezien; // counters as last seen on disk: where they have changed, a reader doubts what he found at an edge
     IXPLAATS plaats;
 };
 

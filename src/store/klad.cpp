@@ -171,7 +171,7 @@ bool alles_terug() {
 void einde() {
     ICB* icb = klad.icb;
     klad.icb = nullptr;
-    icb->gezien = icb->h.nblocks;
+    IXGEZIEN(icb, icb->h);
     if (icb->mode != 1)
         IXLOCK(icb, 12);
 }

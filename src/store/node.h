@@ -41,6 +41,10 @@ inline int32_t LEES32(const void* p) {
 inline void ZET32(void* p, int32_t n) {
     memcpy(p, &n, 4);
 }
+// The counters on disk are these now.
+inline void IXGEZIEN(ICB* icb, const IXHEADER& h) {
+    icb->gezien = {h.nblocks, h.nrecs, h.freehead};
+}
 inline int32_t WACHTRIJBLOK(const ICB* icb) {
     return icb->h.nkeys + 1;
 }

@@ -197,7 +197,7 @@ void IXINITIX(ICB* icb) {
     icb->h.nblocks = icb->h.nkeys + 2;
     icb->h.busy = 0;
     icb->h.version = IXVERSIE;
-    icb->gezien = icb->h.nblocks;
+    IXGEZIEN(icb, icb->h);
     IXWRIX(icb, 0);
     for (int k = 1; k <= icb->h.nkeys; k++) {
         memset(icb->node, 0, sizeof icb->node);

@@ -5,9 +5,10 @@
 // show a block half written. What a reader's answer rests on:
 //   1. an entry that is equal to the key needs no more: the record behind it is compared with it;
 //   2. any other answer comes out of a leaf that was read twice with the same bytes;
-//   3. an answer at the edge of a leaf is in doubt, since a split hides the left half from a way that is older: the
-//      header must then say that nobody is changing the pair and that no block came since the handle last looked, or
-//      two searches in a row must give the same where an exclusive handle, which writes no header, is at work;
+//   3. an answer at the edge of a leaf is in doubt, since a split hides the left half from a way that is older, and a
+//      rebuild gives a block to another part of the tree: the header must then say that nobody is changing the pair and
+//      that its counters are those that the handle last saw, or two searches in a row must give the same where an
+//      exclusive handle, which writes no header, is at work;
 //   4. what doesn't fit together is looked for again, with a pause, as long as somebody writes (store/wachten.h).
 // A handle that is alone (exclusive, or under the header lock) sees only whole trees, so there anything odd is damage.
 #include "shared/files.h"
@@ -100,7 +101,7 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
             if (icb->curblock != KNOOP(icb).keyno || z.aantal() == 0 || !is_sluitstuk(z, i - 1))
                 return ONGERIJMD;
             icb->curent = z.entry(i - 1); // not below the sentinel itself
-            return ANTWOORD;
+            return omwegen > 0 ? TWIJFEL : ANTWOORD;
         }
         if (i > 0) {
             linkerblok = z.wijzer(i - 1);
@@ -139,7 +140,7 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
         if (i > 0) {
             icb->curent = z.entry(i - 1);
             *uit = z.wijzer(i - 1);
-            return ANTWOORD;
+            return i < z.aantal() || wortelblad ? ANTWOORD : TWIJFEL;
         }
         if (linkerblok == GEENBLOK)
             return wortelblad ? ANTWOORD : TWIJFEL;
@@ -149,6 +150,8 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
         *uit = z.wijzer(i) < 0 ? GEENBLOK : z.wijzer(i);
     else if (op == '>' && i == z.aantal() && z.aantal() > 0)
         icb->curent = z.entry(i - 1);
+    if (omwegen > 0)
+        return TWIJFEL; // or the block was another's by the time that it was read
     if (wortelblad || (op == '=' && *uit != GEENBLOK && z.lengte == z.def->keylen))
         return ANTWOORD;
     return i == 0 || i == z.aantal() ? TWIJFEL : ANTWOORD;
@@ -166,8 +169,9 @@ Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
         return BEZIG;
     if (h.busy)
         return BEZIG;
-    if (h.nblocks != icb->gezien) {
-        icb->gezien = h.nblocks;
+    if (h.nblocks != icb->gezien.nblocks || h.nrecs != icb->gezien.nrecs ||
+        h.freehead != icb->gezien.freehead) {
+        IXGEZIEN(icb, h);
         return ANDERS;
     }
     *exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);

@@ -6,6 +6,7 @@
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstring>
@@ -67,9 +68,10 @@ struct Programma {
     Toeval t;
     ICB* icb = nullptr;
 
-    bool mis(const char* wat, int soort, uint32_t nr) {
-        snprintf(s.fout, sizeof s.fout, "%s: walk of kind %d by key %d, record %u", wat, soort,
-                 IXSLEUTEL(icb), nr);
+    bool mis(const char* wat, int soort, uint32_t nr, uint32_t laatste = 0, long aantal = 1) {
+        snprintf(s.fout, sizeof s.fout,
+                 "%s: walk of kind %d by key %d, record %u (%ld of them), last given %u", wat, soort,
+                 IXSLEUTEL(icb), nr, aantal, laatste);
         return false;
     }
 
@@ -120,7 +122,8 @@ struct Programma {
         }
         for (uint32_t i = 0; i < VASTE; i++)
             if (!gegeven[i])
-                return mis("left out", soort, i * ELKE_VAST);
+                return mis("left out", soort, i * ELKE_VAST, vorige.nr,
+                           std::count(gegeven, gegeven + VASTE, 0));
         s.wandelingen++;
         return true;
     }

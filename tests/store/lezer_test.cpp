@@ -1,6 +1,7 @@
 // Readers without a lock beside a writer who stops half-way, and walks whose record another changes: none may leave out
 // or repeat what stood still. Then keys whose values are equal.
 #include "shared/files.h"
+#include "shared/syscalls.h"
 #include "store/diepcheck.h"
 #include "store/hulp.h"
 #include "store/node.h"
@@ -143,6 +144,140 @@ TEST(Lezer, SchrijverStaatStilTussenRecordEnSleutels) {
     schrijf_bestand("T.INX", na);
     schrijver.vraag("let go");
     EXPECT_EQ("20", lezer.antwoord());
+}
+
+// All that stands still is there, forth and back and by key: -1, or the number of the first that isn't.
+int ontbreekt(ICB* icb, int van, int tot, int stap) {
+    Rec r{};
+    std::vector<int> heen, terug;
+    for (int ok = IXFIRST(icb, &r); ok; ok = IXNEXT(icb, &r))
+        heen.push_back(r.nr);
+    memset(&r, 0xFF, sizeof r);
+    icb->currec = -1;
+    for (int ok = IXPREVR(icb, &r, 0); ok; ok = IXPREVR(icb, &r, 0))
+        terug.push_back(r.nr);
+    for (int nr = van; nr < tot; nr += stap) {
+        r = Rec{};
+        r.nr = static_cast<uint16_t>(nr);
+        if (std::count(heen.begin(), heen.end(), nr) != 1 ||
+            std::count(terug.begin(), terug.end(), nr) != 1 || !IXREAD(icb, &r))
+            return nr;
+    }
+    return -1;
+}
+
+// A writer of ours leaves every entry in reach at each of his writes: he is killed at it, and a reader who was in the
+// file before finds all that stood still.
+TEST(Lezer, VindtAllesNaElkeSchrijfopdracht) {
+    const Tabel een{sizeof(Rec), {"k,I,1,2"}};
+    struct {
+        const char* wat;
+        void (*werk)(ICB*);
+    } gevallen[] = {
+        {"inserts that split",
+         [](ICB* i) {
+             for (int nr = 501; nr < 640; nr += 2)
+                 zet(i, nr, nr);
+         }},
+        {"deletes that empty leaves",
+         [](ICB* i) {
+             for (int nr = 401; nr < 600; nr += 2) {
+                 Rec r{};
+                 r.nr = static_cast<uint16_t>(nr);
+                 if (IXREAD(i, &r))
+                     IXDELETE(i, &r);
+             }
+         }},
+    };
+    for (const auto& g : gevallen) {
+        TijdelijkeMap map;
+        ICB* icb = maak_open("T", een, 2);
+        for (int nr = 0; nr < 1000; nr += 10)
+            zet(icb, nr, nr);
+        for (int nr = 401; nr < 500; nr += 2)
+            zet(icb, nr, nr);
+        const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+        int status = 1;
+        for (int n = 1; status && n < 500; n++) {
+            schrijf_bestand("T.INX", idx);
+            schrijf_bestand("T.TXT", data);
+            ICB* lezer = IXOPEN("T", 0);
+            Rec r{};
+            IXFIRST(lezer, &r);
+            status = in_kind([&] {
+                ICB* i = IXOPEN("T", 2);
+                stoor(n);
+                g.werk(i);
+            });
+            ASSERT_EQ(-1, ontbreekt(lezer, 0, 1000, 10)) << g.wat << ", write " << n;
+            IXCLOSE(lezer);
+        }
+        EXPECT_EQ(0, status) << g.wat;
+        IXCLOSE(icb);
+    }
+}
+
+// A read may show a block half written: its first bytes new and the others old, or the reverse. Each read of a block
+// shows that once, in turn.
+struct {
+    std::string oud;
+    int beurt, tot;
+    bool nieuw_eerst;
+} scheur;
+
+ssize_t gescheurd(int fd, void* p, size_t n, off_t plaats) {
+    const ssize_t uit = pread(fd, p, n, plaats);
+    if (n != IXBLOK || plaats + IXBLOK > static_cast<off_t>(scheur.oud.size()) ||
+        ++scheur.beurt != scheur.tot)
+        return uit;
+    // Where the two differ, the middle of the difference is the seam.
+    uint8_t* nu = static_cast<uint8_t*>(p);
+    const char* oud = &scheur.oud[static_cast<size_t>(plaats)];
+    size_t eerste = 0, laatste = n;
+    while (eerste < n && nu[eerste] == static_cast<uint8_t>(oud[eerste]))
+        eerste++;
+    while (laatste > eerste && nu[laatste - 1] == static_cast<uint8_t>(oud[laatste - 1]))
+        laatste--;
+    const size_t naad = 5 + ((eerste + laatste) / 2 - 5) / 6 * 6;
+    for (size_t i = eerste; i < laatste; i++)
+        if ((i < naad) != scheur.nieuw_eerst)
+            nu[i] = static_cast<uint8_t>(oud[i]);
+    return uit;
+}
+
+TEST(Lezer, HalfGeschrevenBlok) {
+    const SYSCALLS echt = SYS;
+    for (const bool wissen : {false, true})
+        for (const bool nieuw_eerst : {false, true}) {
+            TijdelijkeMap map;
+            ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2"}}, 2);
+            for (int nr = 0; nr < 600; nr += 6)
+                zet(icb, nr, nr);
+            if (wissen)
+                zet(icb, 301, 301);
+            scheur = {lees_bestand("T.INX"), 0, 0, nieuw_eerst};
+            Rec r{};
+            r.nr = 301;
+            if (wissen && IXREAD(icb, &r))
+                IXDELETE(icb, &r);
+            else
+                zet(icb, 301, 301);
+            ICB* lezer = IXOPEN("T", 0);
+            SYS.pread = gescheurd;
+            int n = 1;
+            for (; n < 2000; n++) {
+                scheur.beurt = 0;
+                scheur.tot = n;
+                ASSERT_EQ(-1, ontbreekt(lezer, 0, 600, 6)) << wissen << nieuw_eerst << ", read " << n;
+                if (scheur.beurt < n)
+                    break;
+            }
+            SYS = echt;
+            EXPECT_GT(n, 100);
+            EXPECT_LT(n, 2000);
+            IXCLOSE(lezer);
+            IXCLOSE(icb);
+        }
 }
 
 // Another moves the record that the walk stands on, or uses its slot. A walker that moves it himself goes on from there.
