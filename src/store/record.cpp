@@ -131,7 +131,7 @@ int IXREADL(ICB* icb, void* rec) {
     IXBLDKEY(icb, rec, def.keylen);
     memcpy(gezocht, icb->keybuf, sizeof gezocht);
     const int32_t nummer_vooraf = icb->currec;
-    Geduld geduld(icb);
+    Geduld geduld(icb, true);
     for (bool stil = false;;) {
         memcpy(icb->keybuf, gezocht, sizeof gezocht);
         icb->currec = IXSEARCH(icb, '=', def.keylen);

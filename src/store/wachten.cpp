@@ -1,6 +1,7 @@
 // Pauses, and the patience of a reader; the numbers stand in store/wachten.h.
 #include "store/wachten.h"
 #include "shared/files.h"
+#include "store/bestand.h"
 #include "store/node.h"
 #include <sched.h>
 #include <unistd.h>
@@ -15,13 +16,28 @@ void IXPAUZE(const IXRITME& ritme, int n) {
             static_cast<useconds_t>(n < ritme.beurten + ritme.kort_aantal ? ritme.kort_us : ritme.lang_us));
 }
 
+Geduld::~Geduld() {
+    if (!slot_)
+        return;
+    icb_->koplock = 0;
+    IOLOCK('U', icb_->idxfd, 0, IXBLOK);
+}
+
 bool Geduld::nog_eens() {
     if (ALLEEN(icb_))
         return false;
     if (keer_ >= R_LEZER.beurten) {
-        stil_ = IOLOCK('T', icb_->idxfd, 0, IXBLOK) ? stil_ + 1 : 0;
-        if (stil_ >= LEZERSTIL)
+        if (IXBESTANDVAST(icb_->idxfd)) // another handle of this process has it to itself
             return false;
+        if (kijken_) {
+            stil_ = IOLOCK('T', icb_->idxfd, 0, IXBLOK) ? stil_ + 1 : 0;
+            if (stil_ >= KIJKERSTIL)
+                return false;
+        } else if (IOLOCK('E', icb_->idxfd, 0, IXBLOK)) {
+            slot_ = true;
+            icb_->koplock = 1;
+            return true;
+        }
     }
     IXPAUZE(R_LEZER, keer_);
     if (++keer_ % LEZERMELD == 0)

@@ -17,7 +17,8 @@ inline constexpr int RUSTIG = 400;
 // A reader who met something odd: a writer at work is mostly done by the next look. On a loaded machine he may have
 // lost the processor for a few turns of it, hence the longer sleeps.
 inline constexpr IXRITME R_LEZER{10, 20, 100, 2000};
-inline constexpr int LEZERSTIL = 5; // looks without anybody writing after which the odd thing counts as it is
+inline constexpr int KIJKERSTIL =
+    50; // looks without the lock, nobody writing, after which it counts as it is
 inline constexpr int LEZERMELD =
     180; // looks, some 0.3 seconds, after which the user is told who is in the way
 
@@ -28,16 +29,21 @@ inline constexpr int CHECKWACHT = 10'000; // milliseconds that the deep check wa
 // Pause behind the n-th refused try, n from 0.
 void IXPAUZE(const IXRITME& ritme, int n);
 
-// What a reader without a lock does about something that doesn't fit together: a writer may be in the middle of it.
+// What a reader without a lock does about something that doesn't fit together: a writer may be in the middle of it. It
+// looks again; after a few looks with the header lock in hand, if that can be had, and then what it sees is what there
+// is. The lock goes with this object. `alleen_kijken`: for who is going to ask for other locks meanwhile.
 class Geduld {
 public:
-    explicit Geduld(ICB* icb) : icb_(icb) {}
-    // Pause, and then true: look again. As long as the header lock is held by somebody this goes on; false when
-    // nobody was writing at several looks in a row, or nobody else can: what was seen is what there is.
+    explicit Geduld(ICB* icb, bool alleen_kijken = false) : icb_(icb), kijken_(alleen_kijken) {}
+    ~Geduld();
+    Geduld(const Geduld&) = delete;
+    Geduld& operator=(const Geduld&) = delete;
+    // Pause, and then true: look again. As long as somebody else holds the header lock this goes on.
     bool nog_eens();
 
 private:
     ICB* icb_;
+    bool kijken_, slot_ = false;
     int keer_ = 0, stil_ = 0;
 };
 

@@ -4,7 +4,8 @@
 // A reader holds no lock, so between two reads a writer may have split or emptied what it stands on, and a read may
 // show a block half written. What a reader's answer rests on:
 //   1. an entry that is equal to the key needs no more: the record behind it is compared with it;
-//   2. any other answer comes out of a leaf that was read twice with the same bytes;
+//   2. any other answer comes out of a leaf that can't have been read half written: one that shows no sign of it, and at
+//      its end one that was read twice with the same bytes;
 //   3. an answer at the edge of a leaf is in doubt, since a split hides the left half from a way that is older, and a
 //      rebuild gives a block to another part of the tree: the header must then say that nobody is changing the pair and
 //      that its counters are those that the handle last saw, or two searches in a row must give the same where an
@@ -15,6 +16,7 @@
 #include "store/bestand.h"
 #include "store/wachten.h"
 #include "store/zoeker.h"
+#include <algorithm>
 
 namespace zg {
 namespace {
@@ -85,6 +87,16 @@ bool is_sluitstuk(const Zoeker& z, int i) {
     return true;
 }
 
+// Could the leaf in hand have been read while it was written? What shifts its entries by one hides an entry only when
+// the last one is of zeros, or else the last itself; and what cuts it down leaves its old lowest behind the new ones.
+bool gaaf(const Zoeker& z) {
+    if (ALLEEN(z.icb) || z.aantal() < 2)
+        return true;
+    const uint8_t* laatste = z.entry(z.aantal() - 1);
+    return IXVERGELIJK(*z.def, z.entry(0), laatste, z.def->keylen) <= 0 &&
+           std::any_of(laatste, laatste + z.stap(), [](uint8_t b) { return b != 0; });
+}
+
 // The search from the node in hand, which is a root or, when `zeker`, a leaf that surely holds the answer.
 Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
     ICB* icb = start.icb;
@@ -130,7 +142,7 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
     }
     int i = op == '>' ? z.erna() : z.plaats();
     const auto gelijk = [&] { return op == '=' && i < z.aantal() && z.vergelijk(i) == 0; };
-    if (!zeker && !gelijk()) {
+    if (!zeker && !gelijk() && (i == z.aantal() || !gaaf(z))) {
         if (!bestendig(icb))
             return ONGERIJMD;
         i = op == '>' ? z.erna() : z.plaats();
@@ -161,20 +173,18 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
 enum Blik { RUST, ANDERS, BEZIG };
 
 // Is a split possible that hid something from the search just made: is one under way, or has there been one since
-// this handle last looked? An exclusive handle writes no header, but its lock shows.
+// this handle last looked? An exclusive handle writes no header until it is closed, but its lock shows; so that is
+// asked first, or the handle could be closed between the two.
 Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
     IXHEADER h;
-    *exclusief = false;
-    if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) != static_cast<ssize_t>(sizeof h))
-        return BEZIG;
-    if (h.busy)
+    *exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);
+    if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) != static_cast<ssize_t>(sizeof h) || h.busy)
         return BEZIG;
     if (h.nblocks != icb->gezien.nblocks || h.nrecs != icb->gezien.nrecs ||
         h.freehead != icb->gezien.freehead) {
         IXGEZIEN(icb, h);
         return ANDERS;
     }
-    *exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);
     return RUST;
 }
 
@@ -197,8 +207,11 @@ int32_t volgende_hier(const Zoeker& z, bool* gelezen) {
         uint8_t was[IXBLOK], *hier = icb->curent;
         memcpy(was, icb->node, IXBLOK);
         const int32_t blok = icb->curblock;
-        if (IXLEESKNOOP(icb, blok) != L_GOED || memcmp(was, icb->node, IXBLOK) != 0)
+        if (IXLEESKNOOP(icb, blok) != L_GOED || memcmp(was, icb->node, IXBLOK) != 0) {
+            if (KNOOP(icb).keyno != static_cast<int8_t>(was[0])) // a rebuild gave the block to another key
+                IXKIES(icb, static_cast<int8_t>(was[0]));
             return GEENBLOK;
+        }
         icb->curent = hier;
     }
     *gelezen = true;
@@ -264,7 +277,7 @@ int32_t zoek(ICB* icb, char op, int lengte) {
             return uit;
         vorige = uit;
         vorig_blad = blik == RUST ? icb->curblock : GEENBLOK;
-        // A mark that stays though nobody writes was left by one who died: nothing more will come.
+        // With the lock in hand a mark was left by one who died: nothing more will come.
         if (blik == BEZIG && !geduld.nog_eens())
             return uit;
     }

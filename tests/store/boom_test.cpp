@@ -1,5 +1,4 @@
-// Trees at their edges, and what a reader does when another process has changed the tree under it. Walks of every
-// kind: wandel_test.cpp.
+// Trees at their edges. Walks of every kind: wandel_test.cpp; readers beside writers: lezer_test.cpp.
 #include "store/hulp.h"
 #include "store/node.h"
 #include <algorithm>
@@ -113,50 +112,6 @@ TEST_P(Boom, VerouderdeVerwijzing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, Boom, testing::Values(1, 2));
-
-// A reader in its own process steps through while this one splits, empties and fills the leaf that it stands on.
-TEST(Lezer, GaatDoorTerwijlEenAnderSchrijft) {
-    TijdelijkeMap map;
-    maak_paar("T", {16, {"k,I,1,2"}});
-    ICB* schrijver = IXOPEN("T", 2);
-    for (int i = 0; i < 1000; i += 10) {
-        Rec r = rec(i, 0);
-        IXWRITE(schrijver, &r);
-    }
-    Agent lezer([icb = static_cast<ICB*>(nullptr), r = Rec{}](const std::string& o) mutable -> std::string {
-        if (!icb)
-            icb = IXOPEN("T", 0);
-        int uit = o == "first"  ? (r = Rec{}, IXFIRST(icb, &r))
-                  : o == "next" ? IXNEXT(icb, &r)
-                                : IXPREVR(icb, &r, 0);
-        return uit ? std::to_string(r.groep) : "-";
-    });
-    EXPECT_EQ("0", lezer.vraag("first"));
-    for (int i = 10; i <= 500; i += 10)
-        EXPECT_EQ(std::to_string(i), lezer.vraag("next"));
-    for (int i = 0; i < 1000; i++) // splits all around 500
-        if (i % 10) {
-            Rec r = rec(i, 0);
-            IXWRITE(schrijver, &r);
-        }
-    EXPECT_EQ("501", lezer.vraag("next"));
-    EXPECT_EQ("500", lezer.vraag("prev"));
-    for (int i = 1; i < 999; i++) { // its leaf, and those around, run empty
-        Rec r = rec(i, 0);
-        IXREAD(schrijver, &r);
-        IXDELETE(schrijver, &r);
-    }
-    EXPECT_EQ("999", lezer.vraag("next"));
-    EXPECT_EQ("0", lezer.vraag("prev"));
-    EXPECT_EQ("-", lezer.vraag("prev"));
-    // The pair is emptied: blocks that the reader knows are past the end.
-    EXPECT_EQ("0", lezer.vraag("first"));
-    IXINIT(schrijver);
-    Rec r = rec(42, 0);
-    IXWRITE(schrijver, &r);
-    EXPECT_EQ("42", lezer.vraag("next"));
-    IXCLOSE(schrijver);
-}
 
 } // namespace
 } // namespace zg::test

@@ -4,7 +4,6 @@
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include "store/sorteer.h"
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
@@ -144,31 +143,6 @@ TEST(Rebuild, same_blocks_as_one_insert_after_the_other) {
         ASSERT_EQ(IXBLDIX("a/DTPROEF"), 1);
         EXPECT_TRUE(index_van("a/DTPROEF") == eerst);
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator("a"), {}), 2) << "nothing left behind";
-    }
-}
-
-// Bytes of two sort forms order as the keys themselves do.
-TEST(Rebuild, sort_forms_order_as_keys) {
-    static const char tekens[] = "aAB\x81\x84\x91\x92\xE1\x05\xFF ";
-    std::mt19937 r(7);
-    for (const char* tekst :
-         {"k,C,1,4", "k,NODUPS,C,1,4", "k,I,1,2,C,3,6", "k,C,1,2,C,3,4,I,5,5", "k,C,1,1,I,2,5"}) {
-        ICB icb{};
-        IXUPDFCB(&icb, 2, tekst);
-        const IXKEYDEF& def = icb.h.keydef[1];
-        for (int i = 0; i < 20000; i++) {
-            uint8_t rec[2][8], sleutel[2][64], vorm[2][SORTEERVORM];
-            int lang[2];
-            for (int j = 0; j < 2; j++) {
-                for (uint8_t& b : rec[j])
-                    b = r() % 6 ? static_cast<uint8_t>(tekens[r() % (sizeof tekens - 1)]) : 0;
-                IXMAAKSLEUTEL(def, rec[j], j, def.keylen, sleutel[j]);
-                lang[j] = SORTEERBAAR(def, sleutel[j], vorm[j]);
-            }
-            int d = memcmp(vorm[0], vorm[1], static_cast<size_t>(std::min(lang[0], lang[1])));
-            int c = IXVERGELIJK(def, sleutel[0], sleutel[1], def.keylen);
-            ASSERT_EQ((d > 0) - (d < 0), (c > 0) - (c < 0)) << tekst << " case " << i;
-        }
     }
 }
 
