@@ -164,7 +164,7 @@ TEST(Toets, WindowTooSmall) {
     } GEVALLEN[] = {{24, 80, "Venster: 80 kolommen, 24 rijen"},
                     {25, 79, "Venster: 79 kolommen, 25 rijen"},
                     {10, 24, "Venster: 24 kolommen, 1"},
-                    {2, 40, "Maak het venster groter."}};
+                    {2, 60, "Maak het venster groter om verder te gaan."}};
     for (const auto& g : GEVALLEN) {
         SCOPED_TRACE(g.eerste);
         Terminal t(
