@@ -123,12 +123,6 @@ TEST(Scherm, AttributesAndColours) {
     EXPECT_EQ(t.cel(15, 1).voor, ROOD);
 }
 
-TEST(Scherm, LocaleThatIsNotInstalled) {
-    OpScherm t([] { SCRPUT(A_WAARDE, 1, 1, "\x9B"); }, {.locale = "xx_XX.utf8"});
-    EXPECT_NE(t.uitvoer().find("ø"), std::string::npos);
-    EXPECT_EQ(t.uitvoer().find('\x9B'), std::string::npos);
-}
-
 // While a printer on the terminal's own port is open, nothing of the screen may go out.
 TEST(Scherm, LockedWhilePrinting) {
     Terminal t([] {

@@ -43,6 +43,7 @@ TEST(Tekenset, Screen) {
         const char *letters, *tekens, *bytes, *melding;
     } GEVALLEN[] = {
         {UTF8, "Møller café", "½ß│═", "M\xC3\xB8ller", ""},
+        {{"xx_XX.utf8", nullptr, "UTF-8"}, "Møller café", "½ß│═", "M\xC3\xB8ller", ""},
         {WENS_UTF8, "Møller café", "½ß│═", "M\xC3\xB8ller", ""},
         {LATIJN9, "Møller café", "/ß│─", "M\xF8ller caf\xE9", ""},
         {LATIJN9_NAAM, "Møller café", "/ß│─", "M\xF8ller caf\xE9", ""},

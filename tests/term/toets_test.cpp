@@ -139,21 +139,6 @@ TEST(Toets, KeysHandedOver) {
         EXPECT_EQ(t.regel(1), g.codes);
         EXPECT_EQ(t.regel(3), "");
     }
-    // What this program pushes back, has looked at and has half read, with what was typed behind it.
-    Terminal t([] {
-        SCRINIT();
-        TOETS();
-        TOETSDRUK('b');
-        TOETSDRUK('a');
-        SCREXIT();
-        SCRINIT();
-        TOETS(), TOETS();
-        TOETSKLAAR(); // Esc, for which the next byte was read as well
-        SCREXIT();
-        return op_scherm(toon_toetsen)();
-    });
-    t.stuur("x\033\tcq");
-    t.wacht_op(1, 1, "27 9 99 113");
 }
 
 // Nothing reaches a field that can't be seen; the screen says why, and comes back by itself.
