@@ -157,7 +157,9 @@ int ontbreekt(ICB* icb, int van, int tot, int stap) {
     icb->currec = -1;
     for (int ok = IXPREVR(icb, &r, 0); ok; ok = IXPREVR(icb, &r, 0))
         terug.push_back(r.nr);
-    for (int nr = van; nr < tot; nr += stap) {
+    const int aantal = (tot - van) / stap;
+    for (int i = 0; i < aantal; i++) { // far from each other, so that each is looked for from the root
+        const int nr = van + i * 37 % aantal * stap;
         r = Rec{};
         r.nr = static_cast<uint16_t>(nr);
         if (std::count(heen.begin(), heen.end(), nr) != 1 ||
@@ -199,7 +201,7 @@ TEST(Lezer, VindtAllesNaElkeSchrijfopdracht) {
             zet(icb, nr, nr);
         const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
         int status = 1;
-        for (int n = 1; status && n < 500; n += 3) {
+        for (int n = 1; status && n < 500; n++) {
             schrijf_bestand("T.INX", idx);
             schrijf_bestand("T.TXT", data);
             ICB* lezer = IXOPEN("T", 0);
