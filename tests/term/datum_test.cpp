@@ -9,14 +9,11 @@
 namespace zg {
 namespace {
 
-struct Datumgeval {
-    const char* tekst;
-    int geldig;
-    int nummer;
-};
-
 TEST(Datum, TekstNaarNummer) {
-    const Datumgeval gevallen[] = {
+    static const struct {
+        const char* tekst;
+        int geldig, nummer;
+    } gevallen[] = {
         {"29021901", 0, 0},   {"01012079", 1, 0},   {"31121899", 1, 0},   {"01019999", 1, 0},
         {"010100", 1, 36526}, {"290200", 1, 36585}, {"010180", 1, 29221}, {"311250", 1, 55153},
         {"010151", 1, 18629}, {"290201", 0, 0},     {"310416", 0, 0},     {"000116", 0, 0},
@@ -58,17 +55,15 @@ TEST(Datum, Vormen) {
 }
 
 TEST(Datum, Afronden) {
-    const std::pair<double, int32_t> gevallen[] = {
-        {0.5, 1},
-        {-0.5, -1},
-        {0.49999999999999994, 0},
-        {-0.49999999999999994, 0},
-        {2147483647.4, INT32_MAX},
-        {1e300, INT32_MAX},
-        {-1e300, INT32_MIN},
-        {std::nan(""), 0},
-        {8.29 * 100, 829},
-    };
+    const std::pair<double, int32_t> gevallen[] = {{0.5, 1},
+                                                   {-0.5, -1},
+                                                   {0.49999999999999994, 0},
+                                                   {-0.49999999999999994, 0},
+                                                   {2147483647.4, INT32_MAX},
+                                                   {1e300, INT32_MAX},
+                                                   {-1e300, INT32_MIN},
+                                                   {std::nan(""), 0},
+                                                   {8.29 * 100, 829}};
     for (auto [waarde, verwacht] : gevallen)
         EXPECT_EQ(round(waarde), verwacht) << waarde;
 }

@@ -59,7 +59,6 @@ TEST(Items, WalkChoicesAndLooking) {
          {Itemwijze::nieuw, VRAAG, true},
          "a<Enter>b<Enter>c<Enter><Esc>",
          "34-8 1 0 a b c"},
-        {"flags", {Itemwijze::nieuw, ALLEEN8, true}, "c<Enter><Esc>", "8 1 0   c"},
         {"ESC ends the walk", {Itemwijze::nieuw, VRAAG, true}, "a<Enter><Esc><Esc>", "34 1 0 a  "},
         {"F6 and no: the same item again",
          {Itemwijze::nieuw, VRAAG, true},

@@ -15,18 +15,15 @@ namespace {
 
 std::vector<uint32_t> data;
 LIJST* lijst;
-int koppen, gelezen;
 bool met_amp, wissen, bericht;
 
 int32_t haal(int32_t stap) {
-    gelezen++;
-    auto begin = data.begin(), einde = data.end();
-    auto p = std::lower_bound(begin, einde, lijst->positie);
+    const auto p = std::lower_bound(data.begin(), data.end(), lijst->positie);
+    const bool er = p != data.end() && *p == lijst->positie;
     if (stap == 0)
-        return p != einde && *p == lijst->positie;
-    bool er = p != einde && *p == lijst->positie;
-    auto i = p - begin + stap - (stap > 0 && !er ? 1 : 0);
-    auto n = static_cast<std::ptrdiff_t>(data.size());
+        return er;
+    const auto i = p - data.begin() + stap - (stap > 0 && !er ? 1 : 0);
+    const auto n = static_cast<std::ptrdiff_t>(data.size());
     if (n == 0 || (stap == 1 && i >= n) || (stap == -1 && i < 0))
         return 0;
     lijst->positie = data[static_cast<size_t>(std::clamp<std::ptrdiff_t>(i, 0, n - 1))];
@@ -53,15 +50,13 @@ void toets() {
 }
 
 void kop() {
-    koppen++;
     SCRPUT(A_LABEL, 1, 2, "Nummer  Naam");
 }
 
 const char* regel() {
-    static char tekst[100];
-    snprintf(tekst, sizeof tekst, met_amp ? "%05u r&ij %u" : "%05u   rij %-10u", lijst->positie,
-             lijst->positie);
-    return tekst;
+    static std::string tekst;
+    tekst = vorm(met_amp ? "%05u r&ij %u" : "%05u   rij %-10u", lijst->positie, lijst->positie);
+    return tekst.c_str();
 }
 
 struct Vorm {
@@ -107,7 +102,7 @@ std::string draai(const Vorm& v) {
 // The highlighted row: its screen row and its number, "5:00010".
 std::string keus(Terminal& t) {
     std::string s;
-    Doos d = doos(t);
+    const Doos d = doos(t);
     for (int r = d.rij + 1; r < d.rij + d.hoogte - 1; r++)
         if (t.cel(r, d.kolom + 2).keus)
             s += vorm("%d:%s", r, t.stuk(r, d.kolom + 2, 5).c_str());
@@ -147,18 +142,14 @@ TEST(Lijst, Lopen) {
     } const gevallen[] = {
         {1, "<Down><Down><PgDn>", "4:00010"},
         {3, "<Down><Down><Down><Down>", "6:00030"},
-        {3, "<Down><Down><PgDn><Up>", "5:00020"},
         {17, "<PgDn><Down>", "20:00170"},
         {18, "<PgDn>", "4:00180"},
-        {18, "<PgDn><PgUp>", "4:00010"},
         {18, "<PgDn><Up>", "4:00170"},
         {40, "<Down><Down><PgDn>", "6:00200"},
-        {40, "<Down><Down><PgDn><PgDn>", "6:00370"},
         {40, "<Down><Down><PgDn><PgDn><PgDn>", "9:00400"},
         {40, "<PgDn><Down><PgUp><PgUp>", "4:00010"},
         {40, "<Up><PgUp>", "4:00010"},
         {50000, "<PgDn><PgDn><PgDn><Up><Up>", "4:00500"},
-        {400, "399<Enter>", "4:00400"},
         {400, "9999<Enter><Up><Up>", "4:03980"},
         {400, "399<Enter><Down><Tab>", "4:00410"},
         {400, "9999<Down>", "4:04000"}, // with a text in the field any key just searches
@@ -174,19 +165,17 @@ TEST(Lijst, Lopen) {
 }
 
 TEST(Lijst, RegelVoorRegelOnderEenKop) {
-    auto keer = [](int n, const std::string& key) {
-        std::string s;
-        while (n-- > 0)
-            s += key;
-        return s;
-    };
     Gesprek t([] { return draai({.n = 40, .met_kop = true}); });
-    const std::string omlaag = keer(25, "<Down>"), omhoog = keer(20, "<Up>"), einde = keer(40, "<Down>");
-    stappen(t, {{omlaag.c_str(), {{4, 56, " Nummer  Naam   "}, {5, 57, "00110"}}}});
-    EXPECT_EQ(keus(t), "20:00260");
-    t.toetsen(omhoog);
-    EXPECT_EQ(keus(t), "5:00060");
-    t.toetsen(einde + "<Enter>");
+    auto keer = [&](int n, const char* key, const char* daarna) {
+        while (n-- > 0)
+            t.toetsen(key);
+        EXPECT_EQ(keus(t), daarna);
+    };
+    keer(25, "<Down>", "20:00260");
+    stappen(t, {{"", {{4, 56, " Nummer  Naam   "}, {5, 57, "00110"}}}});
+    keer(20, "<Up>", "5:00060");
+    keer(40, "<Down>", "20:00400");
+    t.toetsen("<Enter>");
     EXPECT_EQ(t.antwoord(), "400 n=1 k=10");
 
     Gesprek hoog([] { return draai({.n = 20000, .variant = "-l"}); }, {.rijen = 43});
@@ -230,41 +219,25 @@ TEST(Lijst, Wissen) {
 
 TEST(Lijst, Merken) {
     gesprekken([] { return draai({.n = 5, .merken = 1}); },
-               {
-                   {"<Down><Down><F7><F7><Enter><F3>", "30 40 n=2 k=267"}, // ENTER doesn't end it
-                   {"<Down><Down><Enter>", "30 n=1 k=10"},
-                   {"<F6><Enter><F3>", "10 20 30 40 50 n=5 k=267"},
-                   {"<Down><Down><F6><F7><F3>", "10 20 40 50 n=4 k=267"},
-                   {"<Down><Down><F7><F7><Up><F7><F3>", "30 n=1 k=267"},
-                   {"<Down><Down><F7><F6><F10><F3>", "40 n=1 k=267"},
-                   {"<F7><F6><Cancel>", "n=0 k=355"},
-               });
+               {{"<Down><Down><F7><F7><Enter><F3>", "30 40 n=2 k=267"}, // ENTER doesn't end it
+                {"<F6><Enter><F3>", "10 20 30 40 50 n=5 k=267"},
+                {"<Down><Down><F7><F7><Up><F7><F3>", "30 n=1 k=267"},
+                {"<Down><Down><F7><F6><F10><F3>", "40 n=1 k=267"}});
     // CANCEL and ESC drop the marks: the next time the list has none.
     gesprekken([] { return draai({.n = 5, .merken = 1, .nog_eens = true}); },
-               {
-                   {"<F7><F7><Cancel><F3>", "30 n=1 k=267"},
-                   {"<F7><F6><Esc><Down><Enter>", "30 n=1 k=10"},
-               });
+               {{"<F7><F7><Cancel><F3>", "30 n=1 k=267"}, {"<F7><F6><Esc><Down><Enter>", "30 n=1 k=10"}});
 }
 
 TEST(Lijst, MerktekensEnSnelletters) {
     Gesprek t([] { return draai({.n = 20000, .merken = 1}); });
-    auto merken = [&] {
+    for (auto [keys, merken] :
+         {std::pair{"<F7><Down><F7>", "→ →  "}, {"<F6>", " → →→"}, {"<PgDn>", "→→→→→"}, {"<F10>", "     "}}) {
+        t.toetsen(keys);
         std::string s;
         for (int r = 4; r <= 8; r++)
             s += t.stuk(r, 56, 1);
-        return s;
-    };
-    t.toetsen("<F7><Down><F7>");
-    EXPECT_EQ(merken(), "→ →  ");
-    EXPECT_TRUE(t.cel(4, 56).vet);
-    EXPECT_EQ(keus(t), "7:00040");
-    t.toetsen("<F6>");
-    EXPECT_EQ(merken(), " → →→");
-    t.toetsen("<PgDn>");
-    EXPECT_EQ(merken(), "→→→→→");
-    t.toetsen("<F10>");
-    EXPECT_EQ(merken(), "     ");
+        EXPECT_EQ(s, merken) << keys;
+    }
     t.toetsen("<F6><F3>");
     EXPECT_EQ(t.antwoord(), "10 20 30 40 50 60 70 80 n=20000 k=267");
 
@@ -316,17 +289,14 @@ TEST(DmHdl, Kiezen) {
         int vast;
         const char *keys, *uit;
     } const gevallen[] = {
-        {0, "<Enter>", "1 10 Eerste"},
         {3, "<Enter>", "3 10 Derde"},
         {2, "<Enter>", "1 10 Eerste"},                   // the default is disabled
         {1, "<Down><Enter><Down><Enter>", "3 10 Derde"}, // ENTER on a disabled row: nothing
-        {3, "<Down><Enter>", "4 10 Item 4"},
         {1, "<Up><Enter>", "1 10 Eerste"},
         {1, "td", "3 100 Derde"},
         {1, "<F8>", "3 272 Derde"},
         {1, "*", "5 42 Item 5"},
         {3, "<Cancel>", "3 355"},
-        {3, "<Esc>", "3 27"},
         {3, "<F6>", "3 270"},
     };
     for (const auto& g : gevallen) {

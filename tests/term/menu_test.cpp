@@ -16,9 +16,8 @@ void handler(TR_MENU*, int32_t id) {
 
 std::string run(TR_MENU* m, int id) {
     SCHERM.laatste = 77;
-    int uit = TR_RUN(m, id);
-    std::string s = spoor + vorm("%d %d", uit, SCHERM.laatste);
-    return s;
+    const int uit = TR_RUN(m, id);
+    return spoor + vorm("%d %d", uit, SCHERM.laatste);
 }
 
 std::string klaar(TR_MENU* m, const std::string& s) {
@@ -26,24 +25,34 @@ std::string klaar(TR_MENU* m, const std::string& s) {
     return s;
 }
 
-// Orders | Prijzen | Los | Einde, with a submenu two deep below Prijzen.
-TR_MENU* balk() {
-    TR_MENU* m = TR_NEW(1 | 2, 0, 0, 0, nullptr);
-    TR_ADD(m, -1, "&Orders", 1, 1, 0, nullptr);
-    TR_ADD(m, -1, "&Prijzen", 2, 1, 0, handler);
-    TR_ADD(m, -1, "", 99, 2, 0, nullptr); // a bar has no separators
-    TR_ADD(m, -1, "&Los", 3, 1, 0, handler);
-    TR_ADD(m, -1, "&Dicht", 4, 0, 0, nullptr);
-    TR_ADD(m, 1, "&Nieuw", 11, 1, 0, handler);
-    TR_ADD(m, 1, "", 98, 2, 0, nullptr);
-    TR_ADD(m, 1, "&Wijzig", 12, 0, 0, handler);
-    TR_ADD(m, 1, "&Toon", 13, 1, '.', nullptr);
-    TR_ADD(m, 2, "&Netto", 21, 1, 0, nullptr);
-    TR_ADD(m, 2, "&Valuta", 22, 1, 0, nullptr);
-    TR_ADD(m, 22, "&Koers", 221, 1, 0, nullptr);
-    TR_ADD(m, 22, "&Eenheid", 222, 1, 0, nullptr);
-    TR_ADD(m, 4, "&Geheim", 41, 1, 0, handler);
+struct Ingang {
+    int onder; // -1: the menu itself
+    const char* tekst;
+    int id, vlag = 1, toets = 0;
+    void (*werk)(TR_MENU*, int32_t) = nullptr;
+};
+TR_MENU* vul(TR_MENU* m, std::initializer_list<Ingang> ingangen) {
+    for (const Ingang& i : ingangen)
+        TR_ADD(m, i.onder, i.tekst, i.id, i.vlag, i.toets, i.werk);
     return m;
+}
+
+// Orders | Prijzen | Los | Dicht, with a submenu two deep below Prijzen. A bar has no separators: 99 is none.
+TR_MENU* balk() {
+    return vul(TR_NEW(1 | 2, 0, 0, 0, nullptr), {{-1, "&Orders", 1},
+                                                 {-1, "&Prijzen", 2, 1, 0, handler},
+                                                 {-1, "", 99, 2},
+                                                 {-1, "&Los", 3, 1, 0, handler},
+                                                 {-1, "&Dicht", 4, 0},
+                                                 {1, "&Nieuw", 11, 1, 0, handler},
+                                                 {1, "", 98, 2},
+                                                 {1, "&Wijzig", 12, 0, 0, handler},
+                                                 {1, "&Toon", 13, 1, '.'},
+                                                 {2, "&Netto", 21},
+                                                 {2, "&Valuta", 22},
+                                                 {22, "&Koers", 221},
+                                                 {22, "&Eenheid", 222},
+                                                 {4, "&Geheim", 41, 1, 0, handler}});
 }
 
 } // namespace
@@ -71,7 +80,6 @@ TEST(Menu, BalkToetsen) {
         {12, "<Down><Enter><Down><Enter>",
          "13 10"},                     // a disabled start: the first that can be used, then down
         {222, "<Enter>", "h2 222 10"}, // opens all the way
-        {222, "<Esc><Esc><Esc>", "h2 0 355"},
         {41, "<Enter><Esc><Esc>", "0 355"},
     };
     for (const auto& g : gevallen) {
@@ -135,8 +143,6 @@ TEST(Menu, PopupPlaats) {
         const char* naam;
         int vlag, rij, kolom, breedte, items;
         Doos doos;
-        const char* keys = "<Enter>";
-        int keus = 2;
     } const gevallen[] = {
         {"as given", 0, 5, 10, 20, 4, {5, 10, 6, 22}},
         {"automatic width", 1, 5, 10, 0, 4, {5, 10, 6, 12}},
@@ -146,8 +152,7 @@ TEST(Menu, PopupPlaats) {
         {"column past the edge", 0, 5, 77, 20, 4, {5, 1, 6, 22}},
         {"too low", 0, 21, 10, 20, 4, {20, 10, 6, 22}},
         {"row past the edge", 0, 24, 10, 20, 4, {2, 10, 6, 22}},
-        {"just fits", 0, 20, 10, 20, 4, {20, 10, 6, 22}},
-        {"taller than the screen", 0, 5, 10, 20, 60, {2, 10, 24, 22}, "<Up><Up><Up><Down><Enter>", 60},
+        {"taller than the screen", 0, 5, 10, 20, 60, {2, 10, 24, 22}},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.naam);
@@ -162,11 +167,10 @@ TEST(Menu, PopupPlaats) {
         });
         EXPECT_EQ(doos(t), g.doos) << t.scherm();
         EXPECT_TRUE(t.cel(g.doos.rij + 2, g.doos.kolom + 1).keus);
-        t.toetsen(std::string(g.keys).substr(0, strlen(g.keys) - 7));
         if (g.items > 20)
-            t.wacht_op(24, 10, "│ Regel 60           │");
+            stappen(t, {{"<Up><Up><Up><Down>", {{24, 10, "│ Regel 60           │"}}}});
         t.toetsen("<Enter>x");
-        EXPECT_EQ(t.antwoord(), vorm("%d 10 %d", g.keus, g.items));
+        EXPECT_EQ(t.antwoord(), vorm("%d 10 %d", g.items > 20 ? 60 : 2, g.items));
     }
 }
 
@@ -174,10 +178,7 @@ TEST(Menu, PopupPlaats) {
 TEST(Menu, GenesteSubmenus) {
     Gesprek t([] {
         TR_MENU* m = TR_NEW(0, 5, 30, 24, nullptr);
-        TR_ADD(m, -1, "&Een", 1, 1, 0, nullptr);
-        TR_ADD(m, 1, "&Twee", 2, 1, 0, nullptr);
-        TR_ADD(m, 2, "&Drie", 3, 1, 0, nullptr);
-        TR_ADD(m, 3, "&Vier", 4, 1, 0, nullptr);
+        vul(m, {{-1, "&Een", 1}, {1, "&Twee", 2}, {2, "&Drie", 3}, {3, "&Vier", 4}});
         for (int i = 50; i < 70; i++)
             TR_ADD(m, 4, vorm("Blad %d", i).c_str(), i, 1, 0, nullptr);
         TR_WIDTH(m, 2, 30);
@@ -197,14 +198,13 @@ TEST(Menu, GenesteSubmenus) {
 
 TEST(Menu, Merken) {
     Gesprek t([] {
-        TR_MENU* m = TR_NEW(1, 5, 10, 0, "Opties");
-        TR_ADD(m, -1, "&Vak", 1, 1 | 4, 0, handler);
-        TR_ADD(m, -1, "&Rood", 2, 1 | 32, 0, nullptr);
-        TR_ADD(m, -1, "&Geel", 3, 1 | 16, 0, nullptr);
-        TR_ADD(m, -1, "", 0, 2, 0, nullptr);
-        TR_ADD(m, -1, "&Klein", 4, 1 | 16, 0, nullptr);
-        TR_ADD(m, -1, "g&Root", 5, 1 | 32, 0, nullptr);
-        TR_ADD(m, -1, "&Dood", 6, 16, 0, nullptr);
+        TR_MENU* m = vul(TR_NEW(1, 5, 10, 0, "Opties"), {{-1, "&Vak", 1, 1 | 4, 0, handler},
+                                                         {-1, "&Rood", 2, 1 | 32},
+                                                         {-1, "&Geel", 3, 1 | 16},
+                                                         {-1, "", 0, 2},
+                                                         {-1, "&Klein", 4, 1 | 16},
+                                                         {-1, "g&Root", 5, 1 | 32},
+                                                         {-1, "&Dood", 6, 16}});
         std::string s = run(m, 3);
         s += vorm(" %d %d %d", TR_GETMARK(m, 1), TR_CHOSEN(m, -1, 2), TR_CHOSEN(m, -1, 4));
         TR_SETMARK(m, 2, 32);
@@ -217,9 +217,9 @@ TEST(Menu, Merken) {
     EXPECT_EQ(t.antwoord(), "h1 0 355 8 3 4 2 4 16 2101");
 
     Gesprek radio([] { // nothing but radio buttons: the choice closes the menu
-        TR_MENU* m = TR_NEW(1, 5, 10, 0, nullptr);
-        for (int i = 1; i <= 3; i++)
-            TR_ADD(m, -1, vorm("Keuze &%d", i).c_str(), i, 1 | (i == 1 ? 32 : 16), 0, nullptr);
+        TR_MENU* m =
+            vul(TR_NEW(1, 5, 10, 0, nullptr),
+                {{-1, "Keuze &1", 1, 1 | 32}, {-1, "Keuze &2", 2, 1 | 16}, {-1, "Keuze &3", 3, 1 | 16}});
         std::string s = run(m, 0);
         return klaar(m, s + vorm(" %d", TR_CHOSEN(m, -1, 1)));
     });
@@ -229,10 +229,8 @@ TEST(Menu, Merken) {
 
 TEST(Menu, LetterAchterDeBreedteEnUitgeschakeld) {
     Gesprek t([] {
-        TR_MENU* m = TR_NEW(0, 5, 10, 8, nullptr);
-        TR_ADD(m, -1, "Te breed &Xyz", 1, 0, 0, nullptr);
-        TR_ADD(m, -1, "", 2, 2, 0, nullptr);
-        TR_ADD(m, -1, "&Uit", 3, 0, 0, nullptr);
+        TR_MENU* m = vul(TR_NEW(0, 5, 10, 8, nullptr),
+                         {{-1, "Te breed &Xyz", 1, 0}, {-1, "", 2, 2}, {-1, "&Uit", 3, 0}});
         std::string s = run(m, 3);
         TR_ENABLE(m, 1, 3);
         TR_ENABLE(m, 3, 1);
@@ -241,9 +239,7 @@ TEST(Menu, LetterAchterDeBreedteEnUitgeschakeld) {
     EXPECT_EQ(t.stuk(6, 10, 10), "│ Te bree│");
     EXPECT_TRUE(t.cel(6, 12).keus); // all disabled: the first line that is no separator
     EXPECT_EQ(t.stuk(7, 10, 10), "│────────│");
-    t.toetsen("xu<Enter><Esc>");
-    t.toetsen("x"); // no letter to be seen, so none that works
-    t.toetsen("<Up><Enter>");
+    t.toetsen("xu<Enter><Esc>x<Up><Enter>"); // no letter to be seen, so none that works
     EXPECT_EQ(t.antwoord(), "0 355 1 10");
 }
 
@@ -257,8 +253,7 @@ void bouwer(TR_MENU* top, int32_t id) {
         TR_REMOVE(top, 4);
         TR_REMOVE(top, 5); // open at this moment: stays
     } else {
-        TR_MENU* in = TR_NEW(1, 15, 40, 0, "Binnen");
-        TR_ADD(in, -1, "&Ja", 71, 1, 0, nullptr);
+        TR_MENU* in = vul(TR_NEW(1, 15, 40, 0, "Binnen"), {{-1, "&Ja", 71}});
         spoor += vorm("[%d] ", TR_RUN(in, 0));
         TR_FREE(in);
     }
@@ -267,12 +262,11 @@ void bouwer(TR_MENU* top, int32_t id) {
 
 TEST(Menu, HandlersVeranderenHetMenu) {
     Gesprek t([] {
-        TR_MENU* m = TR_NEW(0, 5, 10, 12, "Buiten");
-        TR_ADD(m, -1, "&Sub", 5, 1, 0, nullptr);
-        TR_ADD(m, 5, "&Vink", 1, 1 | 4, 0, bouwer);
-        TR_ADD(m, -1, "&Twee", 2, 1, 0, bouwer);
-        TR_ADD(m, -1, "&Drie", 3, 1, 0, nullptr);
-        TR_ADD(m, -1, "&Vier", 4, 1, 0, nullptr);
+        TR_MENU* m = vul(TR_NEW(0, 5, 10, 12, "Buiten"), {{-1, "&Sub", 5},
+                                                          {5, "&Vink", 1, 1 | 4, 0, bouwer},
+                                                          {-1, "&Twee", 2, 1, 0, bouwer},
+                                                          {-1, "&Drie", 3},
+                                                          {-1, "&Vier", 4}});
         return klaar(m, run(m, 0));
     });
     t.toetsen("sv<Esc>");
@@ -305,8 +299,7 @@ TEST(Menu, TijdOmEnZonderCancel) {
 TEST(Menu, VerkeerdeNamen) {
     Gesprek t([] {
         TR_MENU *m = balk(), *leeg = TR_NEW(1, 5, 5, 0, nullptr);
-        std::string s = vorm("%d %d ", TR_RUN(nullptr, 0), TR_RUN(leeg, 0));
-        TR_FREE(leeg);
+        std::string s = klaar(leeg, vorm("%d %d ", TR_RUN(nullptr, 0), TR_RUN(leeg, 0)));
         s += vorm("%d %d %d ", TR_REMOVE(m, 555), TR_STATE(m, 555), TR_ADD(m, 555, "x", 7, 1, 0, nullptr));
         s += vorm("%.9s %d %d", SCHERM.statustekst, TR_SETID(m, 21, 22), TR_SETID(m, 21, 23));
         return klaar(m, s + vorm(" %c", TR_HOTLETTER(m, 23)));

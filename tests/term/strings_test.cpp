@@ -43,9 +43,6 @@ TEST(Strings, WissenEnInvoegen) {
         VOEGTEKST(s, g.erin, g.pos);
         EXPECT_STREQ(s, g.uit) << g.in << ' ' << g.pos;
     }
-    char s[8] = "ac";
-    VOEGIN(s, 'b', 1);
-    EXPECT_STREQ(s, "abc");
 }
 
 TEST(Strings, ZoekenEnTrimmen) {
@@ -98,39 +95,25 @@ TEST(Strings, Alloceer) {
 }
 
 TEST(Strings, Picture) {
-    struct {
+    static const struct {
         const char* plaatje;
         double waarde;
         const char* uit;
-    } const gevallen[] = {
-        {"Z.ZZ9,99", 1234.5, "1.234,50 "},
-        {"Z.ZZ9,99", -1234.5, "1.234,50-"},
-        {"Z.ZZ9,99", 0.05, "    0,05 "},
-        {"Z.ZZ9,99", 0, "    0,00 "},
-        {"Z.ZZZ,ZZ", 0, "         "},
-        {"Z.ZZZ,ZZ", 0.05, "     ,05 "},
-        {"*.**9,99", 12.5, "***12,50 "},
-        {"9999", 12.5, "0012 "},
-        {"ZZZ9", -7, "   7-"},
-        {"ZZ ZZ9", 12345, "12 345 "},
-        {"Z.ZZZ.ZZ9", 1234567, "1.234.567 "},
-        {"Z.ZZZ.ZZ9", 4567, "    4.567 "},
-        {"999", 1234, "*** "},
-        {"9.999", 12345, "***** "},
-        {"9,99", -1e300, "****-"},
-        {"", 5, " "},
-        {"", 0, " "},
-    };
-    for (const auto& g : gevallen) {
+    } GEVALLEN[] = {{"Z.ZZ9,99", 1234.5, "1.234,50 "}, {"Z.ZZ9,99", -1234.5, "1.234,50-"},
+                    {"Z.ZZ9,99", 0.05, "    0,05 "},   {"Z.ZZZ,ZZ", 0, "         "},
+                    {"Z.ZZZ,ZZ", 0.05, "     ,05 "},   {"*.**9,99", 12.5, "***12,50 "},
+                    {"9999", 12.5, "0012 "},           {"ZZZ9", -7, "   7-"},
+                    {"ZZ ZZ9", 12345, "12 345 "},      {"Z.ZZZ.ZZ9", 1234567, "1.234.567 "},
+                    {"Z.ZZZ.ZZ9", 4567, "    4.567 "}, {"999", 1234, "*** "},
+                    {"9.999", 12345, "***** "},        {"9,99", -1e300, "****-"},
+                    {"99", std::nan(""), "** "},       {"", 5, " "}};
+    for (const auto& g : GEVALLEN) {
         char uit[32];
         memset(uit, '#', sizeof uit);
         PICTURE(g.plaatje, g.waarde, uit);
         EXPECT_STREQ(uit, g.uit) << g.plaatje << ' ' << g.waarde;
         EXPECT_EQ(uit[strlen(g.plaatje) + 2], '#');
     }
-    char uit[8];
-    PICTURE("99", std::nan(""), uit);
-    EXPECT_STREQ(uit, "** ");
 }
 
 } // namespace
