@@ -1,5 +1,5 @@
-// The ledger of locks: what this process holds, noted at the table of system calls. At the end of every test it is
-// empty, or the test fails with the files and ranges. A temporary directory of a test switches it on.
+// The ledger of locks: what this process holds, as the system has it. At the end of every test it is empty, or the test
+// fails with the files and ranges. A temporary directory of a test switches it on.
 #pragma once
 #include <string>
 

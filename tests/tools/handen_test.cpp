@@ -3,11 +3,10 @@
 #include "shared/files.h"
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
-#include "shared/woordenboek.h"
-#include "store/ix.h"
 #include "store/rebuild.h"
 #include "support/demomap.h"
 #include "support/proces.h"
+#include "support/rechten.h"
 #include "term/vast.h"
 #include "tools/paar.h"
 #include "tools/shell.h"
@@ -30,17 +29,6 @@ struct Handen : testing::Test {
     TijdelijkeMap map;
     const SYSCALLS echt = SYS;
     ~Handen() override { SYS = echt; }
-    // Brands 1 to n.
-    static void merken(int n, const char* naam = "DTMERK") {
-        ASSERT_TRUE(DDNEW(DDNUMMER("DTMERK"), naam));
-        ICB* icb = IXOPEN(naam, 1);
-        uint8_t rec[76] = {};
-        for (uint16_t i = 1; i <= n; i++) {
-            memcpy(rec, &i, 2);
-            IXWRITE(icb, rec);
-        }
-        IXCLOSE(icb);
-    }
     static std::string paar(const std::string& naam) {
         return lees_bestand(naam + ".INX") + "|" + lees_bestand(naam + ".TXT");
     }
@@ -139,7 +127,6 @@ TEST_F(Handen, IxshTellsInUseFromDamaged) {
 // The new pair stands whole, or the old one does; and the new one has the old one's rights.
 TEST_F(Handen, ACopyTakesAPairsPlaceWholeOrNotAtAll) {
     static int wanneer, telling, gesynct;
-    const gid_t groep = geteuid() == 0 ? 4711 : getegid();
     merken(30, "NIEUW");
     for (bool was : {false, true})
         for (int n : {1, 2, 3}) {
@@ -148,7 +135,7 @@ TEST_F(Handen, ACopyTakesAPairsPlaceWholeOrNotAtAll) {
             if (was) {
                 merken(7, "DOEL");
                 for (const char* f : {"DOEL.INX", "DOEL.TXT"})
-                    ASSERT_TRUE(chown(f, static_cast<uid_t>(-1), groep) == 0 && chmod(f, 0664) == 0);
+                    ASSERT_TRUE(chown(f, static_cast<uid_t>(-1), GROEP) == 0 && chmod(f, 0664) == 0);
             }
             const std::string voor = was ? paar("DOEL") : "", nieuw = paar("NIEUW");
             wanneer = n, telling = gesynct = 0;
@@ -170,10 +157,8 @@ TEST_F(Handen, ACopyTakesAPairsPlaceWholeOrNotAtAll) {
             }
             if (n == 3) {
                 EXPECT_EQ(gesynct, 3) << "both files and their directory";
-                struct stat st {};
-                stat("DOEL.TXT", &st);
-                EXPECT_EQ(st.st_mode & 07777, was ? 0664u : 0660u);
-                EXPECT_TRUE(!was || st.st_gid == groep);
+                EXPECT_EQ(rechten("DOEL.TXT"),
+                          was ? "0664 " + std::to_string(GROEP) : "0660 " + std::to_string(getegid()));
             }
             for (const auto& e : fs::directory_iterator("."))
                 EXPECT_FALSE(e.path().filename().string().starts_with(".ixwerk"));

@@ -1,7 +1,5 @@
 // The operators' tools as an operator uses them: the real programs at the shell, on pairs made by the store.
 #include "shared/files.h"
-#include "shared/woordenboek.h"
-#include "store/ix.h"
 #include "support/terminal.h"
 #include "tools/shell.h"
 #include <cstring>
@@ -164,14 +162,7 @@ TEST_F(Tools, CheckTellsGoodDamagedMissingAndInUse) {
 }
 
 TEST_F(Tools, RemakeBringsALostOrBusyIndexBack) {
-    ASSERT_TRUE(DDNEW(DDNUMMER("DTMERK"), "DTMERK"));
-    ICB* icb = IXOPEN("DTMERK", 1);
-    uint8_t rec[76] = {};
-    for (uint16_t i = 1; i <= 300; i++) {
-        memcpy(rec, &i, 2);
-        IXWRITE(icb, rec);
-    }
-    IXCLOSE(icb);
+    merken(300);
     const std::string goed = lees_bestand("DTMERK.INX");
     schrijf_bestand("DTMERK.INX", std::string(goed).replace(45, 1, "\x01"));
     EXPECT_EQ(sh("ixremake DTMERK && ixcheck -q DTMERK").status, 0);
