@@ -1,5 +1,4 @@
-// Lines fed to ixsh. The first byte chooses a pair that stands there already; the lines may damage nothing but what
-// they name, and nothing may crash.
+// Lines fed to ixsh, in an empty directory: nothing may crash.
 #include "fuzz/hulp.h"
 #include "store/ix.h"
 #include "tools/opdracht.h"

@@ -91,13 +91,14 @@ void dicht(Werk& w) {
         IXCLOSE(i);
 }
 
+int (*const STAPPEN[])(ICB*, void*, int) = {IXNEXTR, IXPREVR, IXNEXTK, IXPREVK};
+
 // A walk has an end: by record or by key, forward or back.
 void loop(Werk& w, uint32_t soort) {
     int64_t rest = SYSOMVANG(w.icb->idxfd) / 5 + 10;
     memset(w.rec, soort & 1 ? 0xFF : 0, sizeof w.rec);
-    int (*const stap[])(ICB*, void*, int) = {IXNEXTR, IXPREVR, IXNEXTK, IXPREVK};
     const int delen = soort & 4 ? 1 : 0;
-    while (stap[soort & 3](w.icb, w.rec, delen))
+    while (STAPPEN[soort & 3](w.icb, w.rec, delen))
         if (--rest < 0)
             kapot("a walk without an end, kind " + std::to_string(soort));
 }
@@ -142,24 +143,20 @@ const Daad MET[] = {
     [](Werk& w, Bron& in) { loop(w, in.onder(8)); },
     [](Werk& w, Bron& in) { vul(w.rec, w.icb->h.reclen, in.onder(200)); },
     [](Werk& w, Bron& in) { w.rec[in.onder(IXRECMAX)] = in.byte(); },
-    [](Werk& w, Bron&) { IXWRITE(w.icb, w.rec); },
-    [](Werk& w, Bron&) { IXWRITEK(w.icb, w.rec); },
-    [](Werk& w, Bron&) { IXINSERT(w.icb, w.rec); },
-    [](Werk& w, Bron&) { IXUPDATE(w.icb, w.rec); },
-    [](Werk& w, Bron& in) { IXGET(w.icb, w.rec, static_cast<int32_t>(in.onder(100))); },
-    [](Werk& w, Bron&) { IXREAD(w.icb, w.rec); },
-    [](Werk& w, Bron&) { IXREADL(w.icb, w.rec); },
+    [](Werk& w, Bron& in) {
+        int (*const zet[])(ICB*, const void*) = {IXWRITE, IXWRITEK, IXINSERT, IXUPDATE};
+        zet[in.onder(4)](w.icb, w.rec);
+    },
+    [](Werk& w, Bron& in) { (in.byte() & 1 ? IXREAD : IXREADL)(w.icb, w.rec); },
     [](Werk& w, Bron&) { IXUNLOCK(w.icb, w.rec); },
+    [](Werk& w, Bron& in) { IXGET(w.icb, w.rec, static_cast<int32_t>(in.onder(100))); },
     [](Werk& w, Bron& in) {
         int32_t nr = LASTIG[in.onder(std::size(LASTIG))];
         IXSKIP(w.icb, w.rec, enige(in), LASTIG[in.onder(std::size(LASTIG))], &nr);
     },
     [](Werk& w, Bron& in) { IXUNIQK(w.icb, w.rec, enige(in)); },
     [](Werk& w, Bron& in) { IXEXISTSP(w.icb, w.rec, enige(in)); },
-    [](Werk& w, Bron& in) { IXNEXTR(w.icb, w.rec, enige(in)); },
-    [](Werk& w, Bron& in) { IXPREVR(w.icb, w.rec, enige(in)); },
-    [](Werk& w, Bron& in) { IXNEXTK(w.icb, w.rec, enige(in)); },
-    [](Werk& w, Bron& in) { IXPREVK(w.icb, w.rec, enige(in)); },
+    [](Werk& w, Bron& in) { STAPPEN[in.onder(4)](w.icb, w.rec, enige(in)); },
     [](Werk& w, Bron& in) {
         if (w.icb->mode != 1 || !w.icb->tempidx)
             return;
