@@ -4,6 +4,7 @@
 #include "support/terminal.h"
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -83,7 +84,6 @@ TEST(Paths, BaseNameUnlinkSize) {
     EXPECT_EQ(IODIRSIZE("map"), 10);
     EXPECT_EQ(IODIRSIZE(nullptr), 5);
     EXPECT_EQ(IODIRSIZE("nooit"), 0);
-    EXPECT_GT(IOMAXFILES(), 10);
     EXPECT_EQ(IOEXISTS("OPENFILE"), 0);
 }
 
@@ -175,25 +175,17 @@ TEST(Copy, FullDisk) {
 }
 
 TEST(Move, TargetIsOldOrNew) {
-    struct {
-        const char* doel;
-        int overschrijf, antwoord;
-        const char *bron_na, *doel_na;
-    } const rijen[] = {
-        {nullptr, 0, 1, nullptr, "bron"},
-        {"oud", 0, 0, "bron", "oud"},
-        {nullptr, 1, 1, nullptr, "bron"},
-        {"oud", 1, 1, nullptr, "bron"},
-    };
-    for (const auto& r : rijen) {
-        TijdelijkeMap map;
-        schrijf_bestand("van", "bron");
-        if (r.doel)
-            schrijf_bestand("naar", r.doel);
-        EXPECT_EQ(IOMOVE("van", "naar", r.overschrijf), r.antwoord) << r.overschrijf;
-        EXPECT_EQ(IOEXISTS("van"), r.bron_na != nullptr);
-        EXPECT_EQ(lees_bestand("naar"), r.doel_na);
-    }
+    for (bool er : {false, true})
+        for (int overschrijf : {0, 1}) {
+            TijdelijkeMap map;
+            schrijf_bestand("van", "bron");
+            if (er)
+                schrijf_bestand("naar", "oud");
+            const int gaat = !er || overschrijf;
+            EXPECT_EQ(IOMOVE("van", "naar", overschrijf), gaat) << er << overschrijf;
+            EXPECT_EQ(IOEXISTS("van"), !gaat);
+            EXPECT_EQ(lees_bestand("naar"), gaat ? "bron" : "oud");
+        }
 }
 
 TEST(Move, NothingIsLost) {
@@ -276,18 +268,10 @@ TEST(Directory, Patterns) {
     }
     EXPECT_EQ(scan("2016?", 2), "2016W 2016Z");
     EXPECT_EQ(scan("2016?", 0), "-");
-    std::string lang(81, '?');
-    EXPECT_EQ(scan(lang.c_str(), 0), "-");
-}
-
-TEST(Directory, FullNamesOfAGivenDirectory) {
-    TijdelijkeMap map;
-    mkdir("sub", 0777);
-    schrijf_bestand("sub/ORD0010.JRN", "");
-    char* hier = realpath(".", nullptr);
-    EXPECT_EQ(scan("sub/ORD%*4d.JRN", 0), std::string(hier) + "/sub/ORD0010.JRN");
-    free(hier);
-    EXPECT_EQ(FILES_PRESENT("sub/*.JRN"), 1);
+    EXPECT_EQ(scan(std::string(81, '?').c_str(), 0), "-");
+    schrijf_bestand("2016Z/ORD0010.JRN", "");
+    EXPECT_EQ(scan("2016Z/ORD%*4d.JRN", 0), std::filesystem::current_path().string() + "/2016Z/ORD0010.JRN");
+    EXPECT_EQ(FILES_PRESENT("2016Z/*.JRN"), 1);
 }
 
 TEST(Directory, ScansInsideScans) {

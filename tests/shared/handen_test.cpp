@@ -6,6 +6,7 @@
 #include "shared/syscalls.h"
 #include "store/ix.h"
 #include "support/proces.h"
+#include "support/rechten.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
 #include <cstring>
@@ -17,20 +18,12 @@ namespace zg {
 namespace {
 
 using test::Agent;
+using test::GROEP;
 using test::in_proces;
 using test::lees_bestand;
+using test::rechten;
 using test::schrijf_bestand;
 
-// Mode and group as "0660 4711"; another group than one's own needs root, so without it everything has one's own.
-std::string rechten(const char* pad) {
-    struct stat st {};
-    if (stat(pad, &st) != 0)
-        return "none";
-    char uit[40];
-    snprintf(uit, sizeof uit, "%04o %u", st.st_mode & 07777, st.st_gid);
-    return uit;
-}
-const gid_t GROEP = geteuid() == 0 ? 4711 : getegid();
 const gid_t ANDERE = geteuid() == 0 ? 4712 : getegid();
 
 struct Masker {
@@ -200,6 +193,8 @@ TEST_F(Handen, ASlotIsTriedWithoutWaiting) {
     int32_t nr = 3;
     gebruikerslot g{};
     EXPECT_EQ(iotab_probeer(&nr, &g, SYS_GEBRUIKER), 0);
+    EXPECT_EQ(iotab('T', &nr, &g, SYS_GEBRUIKER), 0);
+    EXPECT_EQ(iotab('R', &nr, &g, SYS_GEBRUIKER), 1) << "looking needs no lock";
     houder.reset();
     EXPECT_EQ(iotab_probeer(&nr, &g, SYS_GEBRUIKER), 1);
     EXPECT_STREQ(gebruiker_naam(g), "Joke");
@@ -216,32 +211,6 @@ TEST_F(Handen, ASlotIsTriedWithoutWaiting) {
                     return iotab('T', &slot, nullptr, SYS_GEBRUIKER) == 1;
                 }).ok())
         << "an empty slot isn't held";
-}
-
-// Who waits for a key that another has reserved is told which; the queue knows no names.
-TEST_F(Handen, AReservedKeyIsToldToWhoWaits) {
-    {
-        ICB* icb = IXCREATE("PROEF", 1);
-        IXUPDFCB(icb, 0, "proeftabel,40");
-        IXUPDFCB(icb, 1, "k,NODUPS,I,1,2,C,3,12");
-        IXINIT(icb);
-        IXCLOSE(icb);
-    }
-    auto lees = [] {
-        ICB* icb = IXOPEN("PROEF", 2);
-        char rec[41] = "\x67\x12Noord";
-        return IXREADL(icb, rec);
-    };
-    Agent een([&] { return lees() == 0; });
-    ASSERT_TRUE(een.ok());
-    test::Terminal twee(
-        [&] {
-            SCRINIT();
-            IXWAITHOOK = houder_wacht;
-            return lees();
-        },
-        {});
-    EXPECT_TRUE(twee.wacht("PROEF: proeftabel --> Sleutel gereserveerd: 4711 Noord")) << twee.scherm();
 }
 
 // A file out of reach: the report says why in words, on a line of its own.

@@ -169,9 +169,7 @@ TEST_F(Tabellen, FourCodeTables) {
     }
 }
 
-TEST_F(Tabellen, MissingFileStops) {
-    IOUNLINK("DTSYS.TXT");
-    test::verwacht_stop([] { open(); }, "DTSYS.TXT niet aanwezig in /");
+TEST_F(Tabellen, ClosedFileStops) {
     sluit();
     auto lees = [] {
         char rec[20];
@@ -259,35 +257,6 @@ TEST_F(Tabellen, HolderIsNamed) {
         EXPECT_STREQ(tekst, "Informatie in gebruik op ander scherm") << "free by now";
     }
     close(fd);
-}
-
-// 'X' waits for a held slot and has it once the holder is gone.
-TEST_F(Tabellen, WaitsForALockedSlot) {
-    tekst(3, "c");
-    auto neem = [] {
-        open();
-        int32_t nr = 3;
-        char rec[20];
-        return iotab('X', &nr, rec, PROEF) == 1;
-    };
-    Agent houder(neem);
-    ASSERT_TRUE(houder.ok());
-    int32_t nr = 3;
-    char rec[20];
-    EXPECT_EQ(iotab('T', &nr, rec, PROEF), 0);
-    EXPECT_EQ(iotab('R', &nr, rec, PROEF), 1) << "looking needs no lock";
-    test::Terminal wachter(
-        [&] {
-            SCRINIT();
-            bool gelezen = neem();
-            SCREXIT();
-            return gelezen ? 0 : 1;
-        },
-        {});
-    EXPECT_TRUE(wachter.wacht("SYSTEEM-Informatie in gebruik op ander scherm")) << wachter.scherm();
-    EXPECT_TRUE(wachter.leeft());
-    houder.laat_los();
-    EXPECT_EQ(wachter.einde(), 0);
 }
 
 } // namespace

@@ -1,68 +1,80 @@
-// Locks that others hold, waited for and told on the screen: of a whole file, of a record.
+// Locks that others hold, waited for and told on the screen: of a whole file, of a slot of the system tables, of a
+// record, of a key that is reserved.
 #include "shared/files.h"
 #include "shared/houder.h"
-#include "store/ix.h"
+#include "support/paar.h"
 #include "support/proces.h"
-#include "term/gesprek.h"
-#include "term/vast.h"
+#include "support/systeem.h"
+#include "term/scherm.h"
+#include <cstring>
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
 using test::Agent;
-using test::Gesprek;
 using test::Terminal;
 
-// What waits without asking for a key; its answer is the status.
-std::function<int()> op_scherm(const std::function<int()>& doe) {
-    return [doe] {
-        SCRINIT();
-        int uit = doe();
-        SCREXIT();
-        return uit;
+constexpr Systabel PROEF{1000, 5, 20};
+
+int neem_slot() {
+    int32_t nr = 3;
+    char rec[20];
+    test::Systeem::open();
+    return iotab('X', &nr, rec, PROEF);
+}
+
+// As the program waits: who is in the way of this record, and which key is another's.
+int lees_record(const char* sleutel) {
+    IXWAITHOOK = houder_wacht;
+    uint8_t rec[IXRECMAX] = {};
+    memcpy(rec, sleutel, strlen(sleutel));
+    return IXREADL(IXOPEN("PROEF", 2), rec);
+}
+
+struct Waiting : test::Systeem {
+    Waiting() {
+        test::schrijf_bestand("BRON", "inhoud");
+        zet(3, tekst20{"c"}, PROEF);
+        ICB* icb = test::nieuw_paar("PROEF", {"proeftabel,40", "k,NODUPS,I,1,2,C,3,12"});
+        test::schrijf(icb, "\x67\x12Zuid");
+        IXCLOSE(icb);
+    }
+};
+
+TEST_F(Waiting, IsToldAndEndsWithTheHolder) {
+    static const struct {
+        const char *wat, *melding;
+        int (*houder)();
+        int (*wachter)();
+    } gevallen[] = {
+        {"file", "Informatie in gebruik op ander scherm",
+         [] { return IOFLOCK(::open("BRON", O_RDWR), 3, 10); }, [] { return IOCOPY("BRON", "DOEL", -1); }},
+        {"slot", "SYSTEEM-Informatie in gebruik op ander scherm", neem_slot, neem_slot},
+        {"record", "PROEF: proeftabel --> Informatie in gebruik op ander scherm",
+         [] { return lees_record("\x67\x12Zuid"); }, [] { return lees_record("\x67\x12Zuid"); }},
+        {"key", "PROEF: proeftabel --> Sleutel gereserveerd: 4711 Noord",
+         [] { return 1 - lees_record("\x67\x12Noord"); }, [] { return lees_record("\x67\x12Noord"); }},
     };
-}
-
-TEST(Waiting, LockedFileIsToldAndWaitedFor) {
-    test::TijdelijkeMap map;
-    test::schrijf_bestand("BRON", "inhoud");
-    Agent houder([] {
-        int fd = open("BRON", O_RDWR);
-        return IOFLOCK(fd, 3, 10) == 1;
-    });
-    Terminal t(op_scherm([] { return IOCOPY("BRON", "DOEL", -1); }));
-    EXPECT_TRUE(t.wacht_op(24, 1, "Informatie in gebruik op ander scherm")) << t.scherm();
-    EXPECT_EQ(IOEXISTS("DOEL"), 0);
-    houder.laat_los();
-    EXPECT_EQ(t.einde(), 1);
-    EXPECT_EQ(test::lees_bestand("DOEL"), "inhoud");
-}
-
-// The store's wait routine as the program sets it: who is in the way of this record.
-TEST(Waiting, RecordHolderIsNamed) {
-    test::TijdelijkeMap map;
-    ICB* icb = IXCREATE("PROEF", 1);
-    IXUPDFCB(icb, 0, "proefrecords,20");
-    IXUPDFCB(icb, 1, "k1,NODUPS,I,1,4");
-    IXINITIX(icb);
-    uint8_t rec[IXRECMAX] = {7};
-    IXWRITE(icb, rec);
-    IXCLOSE(icb);
-    Agent houder([&] {
-        ICB* eigen = IXOPEN("PROEF", 2);
-        return IXREADL(eigen, rec) == 1;
-    });
-    ASSERT_TRUE(houder.ok());
-    Terminal t(op_scherm([&] {
-        IXWAITHOOK = houder_wacht;
-        return IXREADL(IXOPEN("PROEF", 2), rec);
-    }));
-    EXPECT_TRUE(t.wacht_op(24, 1, "PROEF: proefrecords --> Informatie in gebruik op ander scherm"))
-        << t.scherm();
-    houder.dood();
-    EXPECT_EQ(t.einde(), 1);
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        Agent houder([&] { return g.houder() == 1; });
+        ASSERT_TRUE(houder.ok());
+        Terminal t([&] {
+            SCRINIT();
+            int uit = g.wachter();
+            SCREXIT();
+            return uit;
+        });
+        t.wacht_op(24, 1, g.melding);
+        EXPECT_EQ(IOEXISTS("DOEL"), 0);
+        EXPECT_TRUE(t.leeft());
+        if (std::string(g.wat) != "key") { // which stays reserved behind him: tests/tools
+            houder.dood();
+            EXPECT_EQ(t.einde(), 1);
+        }
+        IOUNLINK("DOEL");
+    }
 }
 
 } // namespace

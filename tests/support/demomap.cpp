@@ -1,4 +1,5 @@
 #include "support/demomap.h"
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -44,15 +45,12 @@ std::map<std::string, std::string> DemoMap::inhoud() const {
 
 std::string DemoMap::verschil(const std::map<std::string, std::string>& a,
                               const std::map<std::string, std::string>& b) {
+    std::map<std::string, std::string> anders;
+    std::set_symmetric_difference(a.begin(), a.end(), b.begin(), b.end(),
+                                  std::inserter(anders, anders.end()));
     std::string uit;
-    for (const auto& [naam, inhoud] : a)
-        if (auto it = b.find(naam); it == b.end())
-            uit += "-" + naam + " ";
-        else if (it->second != inhoud)
-            uit += naam + " ";
-    for (const auto& [naam, inhoud] : b)
-        if (!a.contains(naam))
-            uit += "+" + naam + " ";
+    for (const auto& [naam, inhoud] : anders)
+        uit += naam + " ";
     return uit;
 }
 
@@ -75,13 +73,18 @@ void naar_seizoen(Terminal& t, int gebruiker) {
     t.kalm();
 }
 
-std::vector<std::string> overgave(const DemoMap& map, int slot, const char* naam) {
-    std::string sys = lees_bestand(map.bestand("DTSYS.TXT"));
-    size_t p = 2640 + static_cast<size_t>(slot - 1) * 64;
+void onderweg(const std::string& dtsys, int slot, int64_t tijd) {
+    std::string sys = lees_bestand(dtsys);
+    const size_t p = 2640 + static_cast<size_t>(slot - 1) * 64;
     sys[p + 38] = 2;
-    memset(&sys[p + 48], 0, 10);
-    memcpy(&sys[p + 48], "zgbestel", 8);
-    schrijf_bestand(map.bestand("DTSYS.TXT"), sys);
+    const auto wanneer = static_cast<uint32_t>(tijd);
+    memcpy(&sys[p + 40], &wanneer, 4);
+    memcpy(&sys[p + 48], "zgbestel\0", 10);
+    schrijf_bestand(dtsys, sys);
+}
+
+std::vector<std::string> overgave(const DemoMap& map, int slot, const char* naam) {
+    onderweg(map.bestand("DTSYS.TXT"), slot, 0);
     return {programma("zgbestel"), "zgbestel", naam, std::to_string(slot), "zgbsmenu"};
 }
 

@@ -28,6 +28,8 @@ Opties demo_opties(const DemoMap& map);
 std::string programma(const char* naam); // path of a built program
 // The menu up to the season prompt, as the n-th free user.
 void naar_seizoen(Terminal& t, int gebruiker = 1);
+// A user of this slot on his way from one program to the next, since `tijd`.
+void onderweg(const std::string& dtsys, int slot, int64_t tijd);
 // Log in and hand over without a menu: the slot of DTSYS.TXT written as the menu does. The argv of zgbestel.
 std::vector<std::string> overgave(const DemoMap& map, int slot = 1, const char* naam = "Joke");
 

@@ -38,8 +38,8 @@ Afloop in_proces(const std::function<int()>& doe, int ms) {
     close(pijp[0]);
     int status = 0;
     pid_t klaar = 0;
-    for (int i = 0; i <= ms / 10 && (klaar = waitpid(pid, &status, WNOHANG)) == 0; i++)
-        usleep(10'000);
+    for (int i = 0; i <= ms && (klaar = waitpid(pid, &status, WNOHANG)) == 0; i++)
+        usleep(1000);
     if (klaar == 0) {
         kill(pid, SIGKILL);
         waitpid(pid, &status, 0);
@@ -82,7 +82,7 @@ Agent::Agent(const std::function<bool()>& doe) {
     close(terug[0]);
 }
 
-void Agent::wacht() {
+void Agent::laat_los() {
     // A byte, not only the end of the pipe: another child may have inherited its end.
     if (draad_ >= 0) {
         [[maybe_unused]] ssize_t n = write(draad_, "", 1);
@@ -94,15 +94,11 @@ void Agent::wacht() {
     pid_ = -1;
 }
 
-void Agent::laat_los() {
-    wacht();
-}
-
 void Agent::dood() {
     if (pid_ > 0)
         kill(pid_, SIGKILL);
     signal(SIGPIPE, SIG_IGN);
-    wacht();
+    laat_los();
 }
 
 } // namespace zg::test

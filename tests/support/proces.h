@@ -32,7 +32,6 @@ public:
     void dood();     // by SIGKILL
 
 private:
-    void wacht();
     pid_t pid_ = -1;
     int draad_ = -1;
     bool ok_ = false;

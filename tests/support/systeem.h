@@ -2,6 +2,7 @@
 // tables.
 #pragma once
 #include "shared/files.h"
+#include "shared/iofil.h"
 #include "shared/iotab.h"
 #include "support/terminal.h"
 #include "term/vast.h"
@@ -48,5 +49,20 @@ struct Systeem : testing::Test {
         zet(slot, v, SYS_VALUTA);
     }
 };
+
+// A firm with branches of these numbers, and their table open: "Filiaal 14".
+inline void maak_filialen(std::initializer_list<int> nummers) {
+    firma = {};
+    firma.filialen = static_cast<uint8_t>(nummers.size());
+    schrijf_bestand("DTFILGEG.TXT", "");
+    iofil('O', 0, nullptr);
+    int i = 0;
+    for (int nr : nummers) {
+        filiaalrec rec{};
+        VASTIN(rec.naam, "Filiaal " + std::to_string(nr));
+        rec.nummer = static_cast<uint8_t>(nr);
+        iofil('W', i++, &rec);
+    }
+}
 
 } // namespace zg::test

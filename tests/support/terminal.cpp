@@ -42,11 +42,6 @@ int64_t nu_ms() {
     return int64_t{t.tv_sec} * 1000 + t.tv_nsec / 1000000;
 }
 
-void slaap_ms(int ms) {
-    timespec t{ms / 1000, (ms % 1000) * 1000000L};
-    nanosleep(&t, nullptr);
-}
-
 void utf8_bij(std::string& uit, uint32_t u) {
     auto b = [&](uint32_t x) { uit += static_cast<char>(static_cast<unsigned char>(x)); };
     if (u < 0x80) {
@@ -70,15 +65,6 @@ std::string in_utf8(const std::string& set, char c) {
     return goed ? std::string(uit, sizeof uit - nnaar) : "";
 }
 
-std::string faketime() {
-    for (const char* map : {"/usr/lib/x86_64-linux-gnu", "/usr/lib/aarch64-linux-gnu", "/usr/lib"}) {
-        std::string pad = std::string(map) + "/faketime/libfaketime.so.1";
-        if (access(pad.c_str(), R_OK) == 0)
-            return pad;
-    }
-    return {};
-}
-
 void kind_omgeving(const Opties& o) {
     setenv("TERM", o.term.c_str(), 1);
     setenv("LC_ALL", o.locale.c_str(), 1);
@@ -88,7 +74,7 @@ void kind_omgeving(const Opties& o) {
                             "TMUX", "LANG", "LC_CTYPE", "ZGTEKENSET", "ESCDELAY"})
         unsetenv(weg);
     if (!o.klok.empty()) {
-        setenv("LD_PRELOAD", faketime().c_str(), 1);
+        setenv("LD_PRELOAD", "/usr/$LIB/faketime/libfaketime.so.1", 1); // which the loader fills in
         setenv("FAKETIME", o.klok.c_str(), 1);
         setenv("FAKETIME_DONT_FAKE_MONOTONIC", "1", 1);
         setenv("NO_FAKE_STAT", "1", 1);
@@ -182,7 +168,7 @@ struct Terminal::Binnen {
                     break;
         }
         if (!iets)
-            slaap_ms(1);
+            usleep(1000);
         return iets;
     }
 

