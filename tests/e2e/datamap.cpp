@@ -1,5 +1,4 @@
 #include "e2e/datamap.h"
-#include "order/ordrec.h"
 #include "term/vast.h"
 #include <cstring>
 #include <filesystem>
@@ -65,10 +64,6 @@ Opties Datamap::opties() const {
     return o;
 }
 
-std::string record(char tag, const void* body, size_t n) {
-    return tag + std::string(static_cast<const char*>(body), n);
-}
-
 ordkop kop_van(const std::string& jrn) {
     ordkop k{};
     if (jrn.size() > sizeof k)
@@ -77,33 +72,16 @@ ordkop kop_van(const std::string& jrn) {
 }
 
 ordkop maak_kop(const std::string& omschrijving, uint16_t datum) {
-    ordkop k{};
-    k.leverancier = 12;
-    k.jaar = 2016;
-    k.seizoen = 'Z';
-    k.orderdatum = datum;
+    ordkop k = kop_op(datum);
     VASTIN(k.omschrijving, omschrijving);
     VASTIN(k.collectie, "ZOMER");
-    k.koers = 10000;
-    k.koerseenheid = 1;
     k.toeslag = 10000;
     return k;
 }
 
-std::string tekst(uint8_t soort, const std::string& inhoud) {
-    std::string uit;
-    for (size_t p = 0; p < inhoud.size(); p += 60) {
-        ordtekst t{};
-        t.soort = soort;
-        VASTIN(t.tekst, std::string_view(inhoud).substr(p, 60));
-        uit += record('T', &t, sizeof t);
-    }
-    return uit;
-}
-
 std::string maak_order(const ordkop& kop, const std::vector<Regel>& regels, const std::string& levering,
                        const std::string& betaling) {
-    std::string uit = record('O', &kop, sizeof kop) + tekst(1, levering) + tekst(2, betaling);
+    std::string uit = record('O', kop) + tekst(1, levering) + tekst(2, betaling);
     const Regel* vorige = nullptr;
     for (const Regel& r : regels) {
         if (!vorige || vorige->merk != r.merk || vorige->model != r.model) {
@@ -112,25 +90,25 @@ std::string maak_order(const ordkop& kop, const std::vector<Regel>& regels, cons
             VASTIN(m.model, r.model);
             m.maatsoort = r.maatsoort;
             m.artikelgroep = 10001;
-            uit += record('M', &m, sizeof m);
+            uit += record('M', m);
         }
         orddessin d{};
         VASTIN(d.dessin, r.dessin);
         VASTIN(d.materiaal, "KATOEN");
         d.kleur = r.kleur;
         d.maten[0] = 2;
-        uit += record('D', &d, sizeof d);
+        uit += record('D', d);
         ordmaat s{};
         s.maat = 1;
         s.bruto = s.netto = r.prijs;
-        uit += record('S', &s, sizeof s);
+        uit += record('S', s);
         if (r.aantal) {
             ordlevt l{static_cast<uint16_t>(kop.orderdatum + 10), static_cast<uint16_t>(kop.orderdatum + 40)};
-            uit += record('L', &l, sizeof l);
+            uit += record('L', l);
             ordfil f{};
             f.maat = 1;
             f.aantal = r.aantal;
-            uit += record('F', &f, sizeof f);
+            uit += record('F', f);
         }
         vorige = &r;
     }

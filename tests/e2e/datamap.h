@@ -1,8 +1,8 @@
 // The small firm of tests/e2e/proef: three branches, a few master records, and the journals that the case puts
 // there. Everything varies by what the case says, nothing by the demo data.
 #pragma once
-#include "order/ordrec.h"
 #include "support/demomap.h"
+#include "support/ordbytes.h"
 #include <string>
 #include <vector>
 
@@ -45,7 +45,5 @@ ordkop maak_kop(const std::string& omschrijving, uint16_t datum = WERKDATUM);
 std::string maak_order(const ordkop& kop, const std::vector<Regel>& regels, const std::string& levering = "",
                        const std::string& betaling = "");
 ordkop kop_van(const std::string& jrn); // of its first order
-std::string record(char tag, const void* body, size_t n);
-std::string tekst(uint8_t soort, const std::string& inhoud); // the T records of one text
 
 } // namespace zg::test

@@ -10,10 +10,9 @@ namespace zg::test {
 struct Programma {
     Terminal t;
     explicit Programma(Datamap& map, int sessie = SESSIE, const char* gebruiker = "Joke")
-        : Programma(map, sessie, gebruiker, map.opties()) {}
-    Programma(Datamap& map, int sessie, const char* gebruiker, const Opties& opties)
-        : t(map.overgave(sessie, gebruiker), opties) {
-        EXPECT_TRUE(t.wacht_op(1, 46, "2016")) << t.scherm();
+        : Programma(map.overgave(sessie, gebruiker), map.opties()) {}
+    Programma(const std::vector<std::string>& argv, const Opties& opties) : t(argv, opties) {
+        t.wacht_op(1, 46, "2016");
         t.kalm();
     }
     // Season and supplier; an order list or the date prompt is next.
@@ -21,9 +20,9 @@ struct Programma {
     // The first order of the list on the line screen.
     void eerste_order(int nummer = 12) {
         leverancier(nummer);
-        EXPECT_TRUE(t.wacht("</> voor nieuwe order")) << t.scherm();
+        t.wacht("</> voor nieuwe order");
         t.toetsen("<Enter>");
-        EXPECT_TRUE(t.wacht_op(24, 1, "Uw keuze")) << t.scherm();
+        t.wacht_op(24, 1, "Uw keuze");
     }
     // From the season prompt to the end.
     void uit() {

@@ -2,6 +2,8 @@
 // names the fault, or an answer, and never a crash; and the files that aren't being changed stay as they
 // were.
 #include "support/demomap.h"
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -13,36 +15,27 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// Wild bytes, one in each `stap`.
+std::string wild(std::string s, std::mt19937& r, size_t van, size_t stap = 1, size_t tot = SIZE_MAX) {
+    for (size_t i = van; i < std::min(tot, s.size()); i += stap)
+        s[i] = static_cast<char>(r());
+    return s;
+}
+
 struct Schade {
     const char* wat;
-    std::string (*doe)(std::string, std::mt19937&);
+    std::string (*doe)(const std::string&, std::mt19937&);
 };
 
 const Schade SCHADES[] = {
-    {"cut to half", [](std::string s, std::mt19937&) { return s.substr(0, s.size() / 2); }},
-    {"cut by one byte",
-     [](std::string s, std::mt19937&) { return s.substr(0, s.empty() ? 0 : s.size() - 1); }},
-    {"emptied", [](std::string, std::mt19937&) { return std::string(); }},
-    {"garbage",
-     [](std::string s, std::mt19937& r) {
-         for (char& c : s)
-             c = static_cast<char>(r());
-         return s;
-     }},
-    {"all 0xFF", [](std::string s, std::mt19937&) { return std::string(s.size(), '\xFF'); }},
-    {"a wild byte in each sixteen",
-     [](std::string s, std::mt19937& r) {
-         for (size_t i = r() % 16; i < s.size(); i += 16)
-             s[i] = static_cast<char>(r());
-         return s;
-     }},
-    {"wild head",
-     [](std::string s, std::mt19937& r) {
-         for (size_t i = 0; i < s.size() && i < 64; i++)
-             s[i] = static_cast<char>(r());
-         return s;
-     }},
-    {"doubled", [](std::string s, std::mt19937&) { return s + s; }},
+    {"cut to half", [](const std::string& s, auto&) { return s.substr(0, s.size() / 2); }},
+    {"cut by one byte", [](const std::string& s, auto&) { return s.substr(0, s.size() - !s.empty()); }},
+    {"emptied", [](const std::string&, auto&) { return std::string(); }},
+    {"garbage", [](const std::string& s, auto& r) { return wild(s, r, 0); }},
+    {"all 0xFF", [](const std::string& s, auto&) { return std::string(s.size(), '\xFF'); }},
+    {"a wild byte in each sixteen", [](const std::string& s, auto& r) { return wild(s, r, r() % 16, 16); }},
+    {"wild head", [](const std::string& s, auto& r) { return wild(s, r, 0, 1, 64); }},
+    {"doubled", [](const std::string& s, auto&) { return s + s; }},
 };
 
 const char* const BESTANDEN[] = {"DTSYS.TXT",   "DTFILGEG.TXT",     "ORDPARM.SYS", "DTLEV.INX",

@@ -31,7 +31,7 @@ TEST(Tekenset, LettersInEenOrder) {
         o.tekenset = g.emulator;
         if (*g.tekenset)
             o.omgeving.push_back({"ZGTEKENSET", g.tekenset});
-        Programma p(map, SESSIE, "Joke", o);
+        Programma p(map.overgave(), o);
         p.eerste_order();
         p.t.wacht(*g.locale == 'C' && !*g.tekenset && !*g.emulator ? "/ Beige" : "/ Béige");
         p.t.toetsen("WOO");
