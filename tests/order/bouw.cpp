@@ -2,15 +2,16 @@
 #include "bouw.h"
 #include "price/ing_val.h"
 #include "shared/files.h"
-#include "support/systeem.h"
 #include "shared/syscalls.h"
+#include "support/ordbytes.h"
+#include "support/proces.h"
+#include "support/systeem.h"
 #include "term/vast.h"
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zg::test {
@@ -19,32 +20,10 @@ namespace {
 
 int fsync_(int fd);
 
-template <class T> void record(std::string* uit, char tag, const T& lichaam) {
-    *uit += tag;
-    uit->append(reinterpret_cast<const char*>(&lichaam), sizeof lichaam);
-}
-
-void tekst(std::string* uit, int soort, const std::string& t, bool alle) {
-    for (size_t i = 0; i < 5; i++) {
-        ordtekst r{};
-        r.soort = static_cast<uint8_t>(soort);
-        std::string stuk = i * 60 < t.size() ? t.substr(i * 60, 60) : "";
-        memcpy(r.tekst, stuk.data(), stuk.size());
-        if (alle || !stuk.empty())
-            record(uit, 'T', r);
-    }
-}
-
 ordkop kop_van(const Order& o) {
-    ordkop k{};
-    k.leverancier = 12;
-    k.jaar = 2016;
-    k.seizoen = 'Z';
-    k.orderdatum = static_cast<uint16_t>(o.datum);
+    ordkop k = kop_op(o.datum);
     k.status = static_cast<uint8_t>(o.status);
     k.korting = static_cast<int16_t>(o.korting);
-    k.koers = 10000;
-    k.koerseenheid = 1;
     return k;
 }
 
@@ -69,18 +48,18 @@ std::string extra_van(int maat, char tag) {
 }
 
 void regel_bytes(std::string* uit, const Regel& l, bool alle) {
-    record(uit, 'D', dessin_van(l));
-    tekst(uit, 4, l.tekst, alle);
+    *uit += record('D', dessin_van(l));
+    *uit += tekst(4, l.tekst, alle);
     for (const Maat& m : l.maten) {
-        record(uit, 'S', ordmaat{static_cast<uint8_t>(m.maat), {}, m.bruto, m.netto});
+        *uit += record('S', ordmaat{static_cast<uint8_t>(m.maat), {}, m.bruto, m.netto});
         for (char tag : m.extra)
             *uit += tag + extra_van(m.maat, tag);
     }
     for (const Term& t : l.termen) {
-        record(uit, 'L', ordlevt{static_cast<uint16_t>(t.van), static_cast<uint16_t>(t.tot)});
+        *uit += record('L', ordlevt{static_cast<uint16_t>(t.van), static_cast<uint16_t>(t.tot)});
         for (const Aantal& a : t.aantallen)
-            record(uit, 'F',
-                   ordfil{static_cast<uint8_t>(a.filiaal), static_cast<uint8_t>(a.maat), 0, a.aantal});
+            *uit += record(
+                'F', ordfil{static_cast<uint8_t>(a.filiaal), static_cast<uint8_t>(a.maat), 0, a.aantal});
     }
 }
 
@@ -88,12 +67,12 @@ void regel_bytes(std::string* uit, const Regel& l, bool alle) {
 
 std::string bytes(const Order& o, bool werkbestand) {
     std::string uit;
-    record(&uit, 'O', kop_van(o));
-    tekst(&uit, 1, o.levering, werkbestand);
-    tekst(&uit, 2, o.betaling, werkbestand);
+    uit += record('O', kop_van(o));
+    uit += tekst(1, o.levering, werkbestand);
+    uit += tekst(2, o.betaling, werkbestand);
     for (const Model& m : o.modellen) {
-        record(&uit, 'M', model_van(m));
-        tekst(&uit, 3, m.tekst, werkbestand);
+        uit += record('M', model_van(m));
+        uit += tekst(3, m.tekst, werkbestand);
         for (const Regel& l : m.regels)
             regel_bytes(&uit, l, werkbestand);
     }
@@ -114,8 +93,8 @@ std::vector<ors_ingang> index_van(const Order& o) {
     std::string voor = bytes(tot, true);
     for (const Model& m : o.modellen) {
         auto m_op = static_cast<int32_t>(voor.size());
-        record(&voor, 'M', model_van(m));
-        tekst(&voor, 3, m.tekst, true);
+        voor += record('M', model_van(m));
+        voor += tekst(3, m.tekst, true);
         for (const Regel& l : m.regels) {
             uit.push_back(
                 {static_cast<uint16_t>(uit.size() + 1), 0, m_op, static_cast<int32_t>(voor.size())});
@@ -184,6 +163,16 @@ void zet(const char* ext, std::string_view b) {
 }
 bool bestaat(const char* ext) {
     return IOEXISTS(pad(ext).c_str());
+}
+
+std::string kwalen(const char* ext, ordsoort soort) {
+    int fd = open(pad(ext).c_str(), O_RDONLY | O_CLOEXEC);
+    std::string uit;
+    if (fd >= 0)
+        for (const ordkwaal& k : ord_controle(fd, soort, firma.filialen, nullptr))
+            uit += std::to_string(k.pos) + ": " + k.wat + "\n";
+    close(fd);
+    return uit;
 }
 
 std::string scratch() {
@@ -266,21 +255,10 @@ int herstart() {
 }
 
 int in_kind(const std::function<int()>& doe, std::string* gezegd) {
-    fflush(nullptr);
-    pid_t pid = fork();
-    if (!pid) {
-        int fd = open("kind.err", O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        dup2(fd, 1);
-        dup2(fd, 2);
-        int uit = doe();
-        fflush(nullptr);
-        _exit(uit);
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
+    Afloop afloop = in_proces(doe, 60'000);
     if (gezegd)
-        *gezegd = lees_bestand("kind.err");
-    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+        *gezegd = afloop.uitvoer;
+    return afloop.status;
 }
 
 // ---- faults

@@ -1,6 +1,7 @@
 // Orders as plain values and the bytes that a journal or work file must have for them, built apart from the
 // code under test; sessions as the driver runs them; children that are killed.
 #pragma once
+#include "order/ordcheck.h"
 #include "order/programma.h"
 #include "order/regel.h"
 #include "order/wrk.h"
@@ -67,7 +68,9 @@ std::string pad(const char* ext); // "2016Z/ORD0012.ext"
 std::string inhoud(const char* ext);
 void zet(const char* ext, std::string_view bytes);
 bool bestaat(const char* ext);
-std::string scratch(); // the scratch files that exist, "WRK ACT "
+std::string kwalen(const char* ext,
+                   ordsoort soort); // what its check finds; "" as well for a file that isn't there
+std::string scratch();              // the scratch files that exist, "WRK ACT "
 
 // As the driver: open the journal, stand on the n-th order (from 0; -1: a new one), open the work file.
 bool kies(int n);
