@@ -1,5 +1,6 @@
 // The screen against a terminal emulator: start and end, windows, text, status line, variants, the abort box.
 #include "gesprek.h"
+#include "term/prompt.h"
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -308,6 +309,7 @@ TEST(Scherm, TerminalIsGivenBackAsFound) {
         {"abort in a variant", [] { SCRTERM("-l"), vensters(1), SCRFATAL("ioord"); }, "ioord", "\r"},
         {"a report in the report", [] { SCRFATALHAAK = [] { SCRFATAL("nog eens"); }, SCRFATAL("eerste"); },
          "", ""},
+        {"no such option", [] { FFLASH(-3, 0, A_WAARDE, "", "x"); }, "FFLASH invalid option [-3]", "\r"},
         {"a full stack", [] { vensters(VENSTERS); }, "Teveel vensters", "\r"},
         {"its last place for a variant", [] { vensters(VENSTERS - 1), SCRTERM("-l"); }, "Teveel vensters",
          "\r"},
