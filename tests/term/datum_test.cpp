@@ -55,17 +55,11 @@ TEST(Datum, Vormen) {
 }
 
 TEST(Datum, Afronden) {
-    const std::pair<double, int32_t> gevallen[] = {{0.5, 1},
-                                                   {-0.5, -1},
-                                                   {0.49999999999999994, 0},
-                                                   {-0.49999999999999994, 0},
-                                                   {2147483647.4, INT32_MAX},
-                                                   {1e300, INT32_MAX},
-                                                   {-1e300, INT32_MIN},
-                                                   {std::nan(""), 0},
-                                                   {8.29 * 100, 829}};
-    for (auto [waarde, verwacht] : gevallen)
-        EXPECT_EQ(round(waarde), verwacht) << waarde;
+    std::string uit;
+    for (double waarde : {0.5, -0.5, 0.49999999999999994, -0.49999999999999994, 2147483647.4, 1e300, -1e300,
+                          std::nan(""), 8.29 * 100})
+        uit += std::to_string(round(waarde)) + " ";
+    EXPECT_EQ(uit, "1 -1 0 0 2147483647 2147483647 -2147483648 0 829 ");
 }
 
 TEST(Datum, Klok) {

@@ -170,15 +170,12 @@ TEST(Scherm, StatusLine) {
         }
         error("%0200d", 7);
     });
-    for (const auto& [tekst, bellen] : {std::pair{std::string("Ongeldige toets"), 1},
-                                        {"kort", 2},
-                                        {"kort", 3},
-                                        {"", 3},
-                                        {std::string(80, '0'), 4}}) {
-        EXPECT_EQ(t.regel(25), tekst);
-        EXPECT_EQ(t.bellen(), bellen) << "the same text twice is two beeps";
+    std::string gezien; // each text, and how often it has rung until then
+    for (int i = 0; i < 5; i++) {
+        gezien += t.regel(25) + vorm(" %d|", t.bellen());
         t.toetsen("x");
     }
+    EXPECT_EQ(gezien, "Ongeldige toets 1|kort 2|kort 3| 3|" + std::string(80, '0') + " 4|");
 }
 
 TEST(Scherm, Variants) {

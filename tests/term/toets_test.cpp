@@ -281,21 +281,12 @@ TEST(Toets, MacroHook) {
 }
 
 TEST(Toets, Names) {
-    for (auto [key, verwacht] : {std::pair<int, const char*>{K_F1, "F1 "},
-                                 {269, "F5 "},
-                                 {276, "F12"},
-                                 {K_F2, "\n"},
-                                 {K_ESC, "ESC"},
-                                 {K_BTAB, "SH_TAB"},
-                                 {8, "BACK"},
-                                 {K_BACK, "BACK"},
-                                 {32, "SPACE"},
-                                 {'A', "A"},
-                                 {130, "\x82"},
-                                 {K_PGDN, "PGDN"},
-                                 {K_RIGHT, "RGHT"}}) {
+    std::string namen;
+    for (int32_t key : {int32_t{K_F1}, 269, 276, int32_t{K_F2}, int32_t{K_ESC}, int32_t{K_BTAB}, 8,
+                        int32_t{K_BACK}, 32, 65, 130, int32_t{K_PGDN}, int32_t{K_RIGHT}}) {
         char naam[8];
         TOETSNAAM(key, naam);
-        EXPECT_STREQ(naam, verwacht) << key;
+        namen += std::string(naam) + "|";
     }
+    EXPECT_EQ(namen, "F1 |F5 |F12|\n|ESC|SH_TAB|BACK|BACK|SPACE|A|\x82|PGDN|RGHT|");
 }
