@@ -16,21 +16,20 @@ struct Batch : test::Systeem {
         gebruiker_in(9, "Pieter", "");
     }
     ~Batch() override { sessie = 0; }
-    // Another program: user `slot` (99 the batch user) with a claim on group 5.
-    static auto als(int32_t slot, bool groep) {
-        return [=] {
-            open();
-            sessie = slot;
-            return groep ? batch_claim(BATCH_ORDERS) : user_claim(BATCH_ORDERS, false);
-        };
+    // As user `slot` (99 the batch user): a claim on group 5.
+    static bool claim(int32_t slot, bool groep, bool vragen) {
+        open();
+        sessie = slot;
+        return groep ? batch_claim(BATCH_ORDERS) : user_claim(BATCH_ORDERS, vragen);
     }
-    // A program on a terminal that claims, and answers with the result as its status.
+    // Another program, without a terminal; and one on a terminal, that answers with the result as its status.
+    static auto als(int32_t slot, bool groep) {
+        return [=] { return claim(slot, groep, false); };
+    }
     static auto op_scherm(int32_t slot, bool groep, bool vragen = true) {
         return [=] {
-            open();
             SCRINIT();
-            sessie = slot;
-            bool ok = groep ? batch_claim(BATCH_ORDERS) : user_claim(BATCH_ORDERS, vragen);
+            bool ok = claim(slot, groep, vragen);
             SCREXIT();
             return ok ? 10 : 11;
         };
