@@ -97,8 +97,9 @@ bool vastleggen(int32_t regels) {
 bool wrk_sluit() {
     int32_t regels = aantal_regels;
     bool goed = true;
-    // A new order that got no lines leaves the journal as it is, without the copy.
-    bool niets = order_nieuw && !regels && order_start == SYSOMVANG(journaal->fd);
+    // An order that was only looked at leaves the journal as it is, and so does a new one that got no lines.
+    bool niets =
+        (!werk->gewijzigd && regels) || (order_nieuw && !regels && order_start == SYSOMVANG(journaal->fd));
     if (!order_alleen_lezen && !niets) {
         goed = !registermodus || zet_status();
         if (goed) {

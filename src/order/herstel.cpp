@@ -134,6 +134,7 @@ herstelstand onderzoek() {
         return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
     if (!toets_plaatsen(act, &status))
         return HERSTEL_NIET;
+    werk->gewijzigd = true; // as far as anybody knows
     order_start = act.start;
     order_volgende = act.volgende;
     order_nieuw = act.start == act.omvang;

@@ -10,8 +10,12 @@
 #include "order/ordloop.h"
 #include "shared/files.h"
 #include "shared/houder.h"
+#include "shared/iomaat.h"
+#include "shared/iomaat.h"
 #include "shared/report.h"
+#include "shared/sysrec.h"
 #include "shared/syscalls.h"
+#include "shared/sysrec.h"
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -258,6 +262,7 @@ void ord_sluit_jrn(ordhandle* h) {
 void ord_wissel(ordhandle* h, int fd) {
     SYS.close(h->fd);
     h->fd = fd;
+    h->gewijzigd = true;
     h->offset = h->bufgeldig = h->bufstart = 0;
     h->tag = 0;
     h->laatste_o = h->laatste_m = h->laatste_d = -1;
@@ -276,6 +281,40 @@ bool ord_verder(const ordhandle* h, ordloop* l, ordrauw* r, const char* module, 
         break;
     }
     ord_inconsistent(h, r->offset, r->tag);
+}
+
+void ord_keur_order(const ordhandle* h) {
+    ordloop l;
+    ordrauw r;
+    int32_t regel = 0;
+    int64_t totaal = 0;
+    bool maat = false, term = false;
+    ordloop_begin(&l, h->fd, h->offset, INT64_MAX);
+    while (ord_verder(h, &l, &r, "ioord", 4)) {
+        bool goed = true;
+        if (r.tag == 'O' && r.offset != h->offset)
+            return;
+        if (r.tag == 'D') {
+            regel = static_cast<int32_t>(r.offset);
+            totaal = 0;
+            maat = term = false;
+        } else if (r.tag == 'S') {
+            maat = goed = r.data[1] >= 1 && r.data[1] <= MATEN;
+        } else if (r.tag == 'E' || r.tag == 'B') {
+            goed = maat;
+        } else if (r.tag == 'L') {
+            term = true;
+        } else if (r.tag == 'F') {
+            ordfil f;
+            memcpy(&f, r.data + 1, sizeof f);
+            goed = term && f.filiaal < firma.filialen && f.maat >= 1 && f.maat <= MATEN && f.aantal >= 0;
+            totaal += f.aantal;
+            if (totaal > INT32_MAX)
+                ord_inconsistent(h, regel, 'D');
+        }
+        if (!goed)
+            ord_inconsistent(h, r.offset, r.tag);
+    }
 }
 
 bool ord_lees(ordhandle* h, char modus) {
@@ -333,6 +372,7 @@ bool ord_eerste_order(ordhandle* h) {
 
 bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
     h->bufgeldig = 0;
+    h->gewijzigd = true;
     if (SYSVERVANG(h->fd, bytes, n, plaats))
         return true;
     SCHRIJFFOUT(h->naam, errno, TXT(T_JRN_WERK_BLIJFT), nullptr);

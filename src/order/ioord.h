@@ -32,6 +32,7 @@ struct ordhandle {
     std::string pad;                         // the path it was opened by
     int32_t laatste_o, laatste_m, laatste_d; // -1 when none met
     bool schrijven;
+    bool gewijzigd; // written to since it was opened
 };
 
 // Body length of a tag, -1 for an unknown one. The image of a tag.
@@ -50,6 +51,9 @@ void ord_sluit_jrn(ordhandle* h);
 bool ord_lees(ordhandle* h, char modus);
 bool ord_kind(ordhandle* h, char soort);
 bool ord_volgende_order(ordhandle* h);
+// Can every line of the order at the handle's place be loaded? A branch or size outside the firm, a quantity below 0, a
+// sum that does not fit, a record without the one it belongs to stops with the "inconsistent, pos." report.
+void ord_keur_order(const ordhandle* h);
 bool ord_eerste_order(ordhandle* h);
 // In place; false when the write failed: told in a box, the file is as it was.
 bool ord_schrijf(ordhandle* h);

@@ -61,14 +61,17 @@ bool ord_kop_schrijf(ordhandle* h, const char* levering, const char* betaling) {
     uint8_t* teksten = bytes + 1 + sizeof kop;
     tekst_records(1, levering, teksten);
     tekst_records(2, betaling, teksten + TEKSTSTUKKEN * TRECORD);
-    if (SYSOMVANG(h->fd) != 0) {
-        uint8_t tag;
-        if (SYSLEES(h->fd, &tag, 1, 0) != 1 || tag != 'O' || !tekst_past(h->fd, 1 + sizeof kop, 1) ||
+    uint8_t oud[sizeof bytes];
+    const ssize_t er = SYSLEES(h->fd, oud, sizeof oud, 0);
+    if (er != 0) {
+        if (er < 1 || oud[0] != 'O' || !tekst_past(h->fd, 1 + sizeof kop, 1) ||
             !tekst_past(h->fd, static_cast<int64_t>(1 + sizeof kop + TEKSTSTUKKEN * TRECORD), 2))
             return false;
     }
     h->offset = h->laatste_o = 0;
     h->tag = 'O';
+    if (er == ssize_t{sizeof oud} && memcmp(oud, bytes, sizeof bytes) == 0)
+        return true; // nothing to write, nothing to commit
     return ord_schrijf_op(h, 0, bytes, sizeof bytes);
 }
 

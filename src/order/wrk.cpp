@@ -347,6 +347,8 @@ void kopieer_order() {
 
 bool wrk_open() {
     wrk_namen();
+    if (!registermodus)
+        ord_keur_order(journaal); // before anything is made
     wrk_actief_wis();
     if (!ors_nieuw())
         return open_mislukt("ORS", true);

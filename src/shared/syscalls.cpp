@@ -153,7 +153,7 @@ bool SYSNIEUWEMAP(const char* pad) {
         return false;
     const int fd = SYS.open(pad, O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
     if (fd >= 0) {
-        geef(fd, BLIJFT, map.st_gid, (map.st_mode & 02777) | S_IRWXU);
+        geef(fd, BLIJFT, map.st_gid, (map.st_mode & 02775) | S_IRWXU);
         SYS.close(fd);
     }
     return true;

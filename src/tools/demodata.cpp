@@ -115,6 +115,14 @@ void vul_maten(const std::vector<Demomaten>& alle) {
 constexpr char MERK[] = "ZGDEMO.MRK";
 constexpr char MERKTEKST[] =
     "Made by zgdemo. zgdemo --fresh and ./run --fresh delete everything in this directory.\n";
+constexpr char HALFTEKST[] = "zgdemo is at work here, or was broken off: it begins anew next time.\n";
+
+// Is a directory's data there, and whole?
+bool gemaakt(const std::string& doel) {
+    std::error_code fout;
+    return fs::exists(doel + "/DTSYS.TXT", fout) &&
+           fs::file_size(doel + "/" + MERK, fout) != sizeof HALFTEKST - 1;
+}
 
 // A user slot whose owner is between two programs, which have nothing open for that moment.
 bool overgave(int fd) {
@@ -166,6 +174,8 @@ void maak_leeg(std::string doel) {
     if (!fs::exists(doel + "/" + MERK, fout))
         demofout(doel + ": holds something that zgdemo didn't make (no " + MERK +
                  " in it), so it is left alone; name another directory, or empty it yourself");
+    if (access((doel + "/" + MERK).c_str(), R_OK | W_OK) != 0)
+        demofout(doel + "/" + MERK + ": " + strerror(errno) + ", so the directory is left alone");
     if (const std::string wie = wie_gebruikt(doel); !wie.empty())
         demofout(doel + ": is in use (" + wie + "), so it is left alone");
     std::vector<fs::path> weg;
@@ -206,12 +216,12 @@ int main(int argc, char** argv) {
     const std::string bron = fs::canonical(teksten, fout);
     if (fout)
         demofout(teksten + ": " + fout.message());
-    if (fs::exists(doel + "/DTSYS.TXT", fout) && !vers)
+    if (!vers && gemaakt(doel))
         return 0;
     maak_leeg(doel);
     if (chdir(doel.c_str()) != 0)
         demofout(doel + ": " + strerror(errno));
-    demobestand(MERK, MERKTEKST, sizeof MERKTEKST - 1);
+    demobestand(MERK, HALFTEKST, sizeof HALFTEKST - 1);
 
     std::vector<Demomaten> m = maten(bron + "/maten.txt");
     demo_systeem(bron + "/systeem.txt", m, registermodus);
@@ -224,5 +234,6 @@ int main(int argc, char** argv) {
         for (const char* naam : REGISTER)
             IXCLOSE(nieuw_paar(naam));
     demo_orders(bron + "/orders.txt", m);
+    demobestand(MERK, MERKTEKST, sizeof MERKTEKST - 1);
     return 0;
 }

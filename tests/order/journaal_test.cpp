@@ -183,13 +183,19 @@ TEST(Journaal, alleen_bekeken_verandert_niets) {
         stat(pad("JRN").c_str(), &voor);
         ASSERT_TRUE(kies(1));
         EXPECT_EQ(order_alleen_lezen, rij.alleen_lezen);
+        if (!rij.alleen_lezen) { // a header accepted as it stands is no change
+            char levering[BLOKLEN], betaling[BLOKLEN];
+            werk->offset = 0;
+            ord_lees(werk, 'R');
+            ord_tekst_lees(werk, 1, levering);
+            ord_tekst_lees(werk, 2, betaling);
+            EXPECT_TRUE(ord_kop_schrijf(werk, levering, betaling));
+        }
         if (rij.alleen_lezen)
             aantal_regels = 0; // even an order that seems to have lost its lines
         EXPECT_TRUE(sluit());
         stat(pad("JRN").c_str(), &na);
-        EXPECT_EQ(na.st_ino == voor.st_ino, rij.alleen_lezen);
-        if (rij.register_ && !rij.alleen_lezen)
-            orders[1].status = 4;
+        EXPECT_EQ(na.st_ino, voor.st_ino);
         EXPECT_EQ(inhoud("JRN"), bytes(orders));
         EXPECT_EQ(scratch(), "");
     }

@@ -337,7 +337,8 @@ TEST(Schade, regel_met_onmogelijke_inhoud) {
         int einde = in_kind([] { return kies(0) && regel_lees(regel_op(1), &regel_nu) ? 0 : 9; }, &gezegd);
         EXPECT_EQ(einde, rij.tag ? 1 : 0) << rij.wat << gezegd;
         if (rij.tag) {
-            EXPECT_NE(gezegd.find("ORD0012.WRK inconsistent"), std::string::npos) << rij.wat << gezegd;
+            EXPECT_NE(gezegd.find("ORD0012.JRN inconsistent"), std::string::npos) << rij.wat << gezegd;
+            EXPECT_EQ(scratch(), "") << "told before anything is made";
         }
         EXPECT_EQ(inhoud("JRN"), bytes(orders)) << rij.wat;
         for (const char* ext : {"WRK", "ORS", "ACT"})

@@ -47,7 +47,7 @@ TEST(Rechten, AreThoseOfTheDirectoryWhateverTheUmask) {
             close(SYSNIEUW("d/nieuw", O_RDWR | O_TRUNC));
             EXPECT_EQ(rechten("d/nieuw"), "0640" + g) << "a file that is there keeps what it has";
             char verwacht[40];
-            snprintf(verwacht, sizeof verwacht, "%04o %u", (map & 02777) | 0700, GROEP);
+            snprintf(verwacht, sizeof verwacht, "%04o %u", (map & 02775) | 0700, GROEP);
             EXPECT_TRUE(SYSNIEUWEMAP("d/2017Z"));
             EXPECT_EQ(rechten("d/2017Z"), verwacht);
             // Taking another's place: mode, group and owner of that file.

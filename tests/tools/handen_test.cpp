@@ -246,6 +246,12 @@ TEST_F(Handen, OnlyAnOwnAndIdleDirectoryIsEmptied) {
         EXPECT_TRUE(u.status == 1 && u.zegt("zgdemo didn't make")) << u.tekst;
         EXPECT_EQ(lees_bestand("firma/2016Z/ORD0099.JRN"), "a firm's order");
     }
+    // One that was broken off half-way is made anew.
+    ASSERT_EQ(zgdemo("half").status, 0);
+    schrijf_bestand("half/ZGDEMO.MRK", "zgdemo is at work here, or was broken off: it begins anew next time.\n");
+    IOUNLINK("half/DTLEV.INX");
+    EXPECT_EQ(zgdemo("half").status, 0);
+    EXPECT_TRUE(fs::exists("half/DTLEV.INX"));
     // Its own, while somebody is in: a user's slot, a pair, a journal, a hand-over.
     ASSERT_EQ(zgdemo("demo").status, 0);
     schrijf_bestand("demo/2016Z/ORD0099.JRN", "played with");
