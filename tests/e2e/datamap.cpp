@@ -1,4 +1,5 @@
 #include "e2e/datamap.h"
+#include "term/gesprek.h"
 #include "term/vast.h"
 #include <cstring>
 #include <filesystem>
@@ -21,15 +22,9 @@ void Datamap::sys(size_t plaats, std::string_view bytes) {
     f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
-void Datamap::parm(const ordparm& p) {
-    schrijf_bestand(bestand("ORDPARM.SYS"), {reinterpret_cast<const char*>(&p), sizeof p});
-}
-
 namespace {
-std::string jrn(int leverancier, const std::string& seizoen) {
-    char naam[40];
-    snprintf(naam, sizeof naam, "%s/ORD%04d.JRN", seizoen.c_str(), leverancier);
-    return naam;
+std::string jrn(int leverancier, const std::string& seizoen = "2016Z") {
+    return seizoen + vorm("/ORD%04d.JRN", leverancier);
 }
 } // namespace
 
@@ -37,18 +32,17 @@ void Datamap::journaal(const std::string& inhoud, int leverancier, const std::st
     schrijf_bestand(bestand(jrn(leverancier, seizoen)), inhoud);
 }
 
-std::string Datamap::journaal(int leverancier, const std::string& seizoen) const {
-    std::string naam = bestand(jrn(leverancier, seizoen));
-    return fs::exists(naam) ? lees_bestand(naam) : "";
+std::string Datamap::journaal(int leverancier) const {
+    return lees_bestand(bestand(jrn(leverancier)));
 }
 
 bool Datamap::bestaat(const std::string& naam) const {
     return fs::exists(bestand(naam));
 }
 
-std::string Datamap::restjes(const std::string& seizoen) const {
+std::string Datamap::restjes() const {
     std::string uit;
-    for (const auto& e : fs::directory_iterator(bestand(seizoen)))
+    for (const auto& e : fs::directory_iterator(bestand("2016Z")))
         if (e.path().extension() != ".JRN")
             uit += e.path().filename().string() + " ";
     return uit;

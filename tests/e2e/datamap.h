@@ -18,12 +18,10 @@ public:
     // Bytes of DTSYS.TXT in place; the session's slot begins at slot().
     void sys(size_t plaats, std::string_view bytes);
     static size_t slot(int sessie = SESSIE) { return 2640 + 64 * (static_cast<size_t>(sessie) - 1); }
-    void parm(const ordparm& p); // ORDPARM.SYS
     void journaal(const std::string& inhoud, int leverancier = 12, const std::string& seizoen = "2016Z");
-    std::string journaal(int leverancier = 12, const std::string& seizoen = "2016Z") const; // "" when absent
+    std::string journaal(int leverancier = 12) const; // of summer 2016; "" when absent
     bool bestaat(const std::string& naam) const;
-    // Names of the scratch files of a season directory; empty when there is none.
-    std::string restjes(const std::string& seizoen = "2016Z") const;
+    std::string restjes() const; // names of the scratch files of that season
 
     // The menu's hand-over for a session: its slot is made ready. And the program's command line.
     std::vector<std::string> overgave(int sessie = SESSIE, const char* gebruiker = "Joke");

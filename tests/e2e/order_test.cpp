@@ -228,7 +228,7 @@ TEST(Order, NieuweOrderZonderRegels) {
         parm.jaar = 2016;
         parm.letter = 'Z';
         parm.kopvraag[4] = parm.kopvraag[9] = 1; // description and discount only
-        map.parm(parm);
+        schrijf_bestand(map.bestand("ORDPARM.SYS"), {reinterpret_cast<const char*>(&parm), sizeof parm});
         Programma p(map);
         p.leverancier();
         EXPECT_EQ(p.t.cursor_kolom(), 74) << "no orders, no list\n" << p.t.scherm();
