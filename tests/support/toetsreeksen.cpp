@@ -52,7 +52,8 @@ const Naam NAMEN[] = {
 } // namespace
 
 std::string vermogen(const std::string& term, const char* cap) {
-    static std::map<std::string, TERMINAL*> alle;
+    // Never freed: a child that exits would leak what it holds.
+    static auto& alle = *new std::map<std::string, TERMINAL*>;
     auto [it, nieuw] = alle.try_emplace(term);
     TERMINAL* voor = cur_term;
     if (nieuw) {
