@@ -30,7 +30,8 @@ struct Klad {
     uint8_t rec_was[IXRECMAX], rec_wordt[IXRECMAX];
     std::vector<Blad*> volgorde; // of the writes
     size_t geschreven = 0;       // of them begun
-    bool kop_geraakt = false, record_geraakt = false, rij_geraakt = false, kop_af = false;
+    bool rij = false;            // the lock of the queue is held
+    bool kop_geraakt = false, record_geraakt = false, kop_af = false;
 } klad;
 
 Blad* zoek(int32_t blok) {
@@ -72,7 +73,7 @@ bool met_kop() {
     return klad.icb->mode != 1 || klad.soort == KL_DELETE;
 }
 
-// New blocks by number, then those in use from the root down.
+// New blocks by number, then those in use from the root down, and the queue, whose level is 0.
 void zet_volgorde() {
     klad.volgorde.clear();
     for (size_t i = 0; i < klad.aantal; i++)
@@ -112,11 +113,6 @@ bool schrijf_alles() {
     }
     if (klad.record && klad.soort == KL_DELETE && !schrijf_record())
         return false;
-    if (klad.soort == KL_INSERT && !icb->filelocked) {
-        klad.rij_geraakt = true;
-        if (!IXVERGEET(icb))
-            return false;
-    }
     klad.kop_af = met_kop();
     return !met_kop() || schrijf_kop(icb, icb->h);
 }
@@ -171,9 +167,20 @@ bool alles_terug() {
 void einde() {
     ICB* icb = klad.icb;
     klad.icb = nullptr;
+    if (klad.rij)
+        IXRIJLOS(icb);
     IXGEZIEN(icb, icb->h);
     if (icb->mode != 1)
         IXLOCK(icb, 12);
+}
+
+// What was worked out is not what stands: back to the header as it was, and no node in hand.
+void ongedaan(ICB* icb) {
+    const int8_t sleutel = KNOOP(icb).keyno;
+    icb->h = klad.oud;
+    einde();
+    memset(icb->node, 0, sizeof icb->node);
+    IXKIES(icb, sleutel);
 }
 
 } // namespace
@@ -190,15 +197,14 @@ void KLADBEGIN(ICB* icb) {
     klad.icb = icb;
     klad.oud = icb->h;
     klad.aantal = klad.geschreven = 0;
-    klad.record = klad.kop_geraakt = klad.record_geraakt = klad.rij_geraakt = klad.kop_af = false;
+    klad.record = klad.rij = klad.kop_geraakt = klad.record_geraakt = klad.kop_af = false;
     // An exclusive handle goes on with the node that it has in hand, without reading it again.
     if (ALLEEN(icb) && !icb->koplock && KNOOP(icb).level > 0 && KNOOP(icb).count > 0)
         KLADGELEZEN(icb, icb->curblock);
 }
 
 void KLADWEG(ICB* icb) {
-    icb->h = klad.oud;
-    einde();
+    ongedaan(icb);
 }
 
 void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt) {
@@ -212,13 +218,24 @@ void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt) {
     memcpy(klad.rec_wordt, wordt, n);
 }
 
+void KLADRIJ(int32_t blok, const void* was, const void* wordt) {
+    klad.rij = true;
+    if (!was)
+        return;
+    Blad& b = nieuw_blad(blok);
+    memcpy(b.was, was, IXBLOK);
+    memcpy(b.wordt, wordt, IXBLOK);
+    b.vuil = true;
+}
+
 int KLADSCHRIJF(ICB* icb) {
     zet_volgorde();
     if (IXKEURAAN) {
         std::vector<Gekeurd> blokken;
         for (size_t i = 0; i < klad.aantal; i++)
-            blokken.push_back({klad.bladen[i].blok, klad.bladen[i].nieuw ? nullptr : klad.bladen[i].was,
-                               klad.bladen[i].wordt});
+            if (klad.bladen[i].blok != WACHTRIJBLOK(icb))
+                blokken.push_back({klad.bladen[i].blok, klad.bladen[i].nieuw ? nullptr : klad.bladen[i].was,
+                                   klad.bladen[i].wordt});
         IXKEUR(icb, blokken.data(), blokken.size());
     }
     if (schrijf_alles()) {
@@ -230,13 +247,7 @@ int KLADSCHRIJF(ICB* icb) {
         errno = fout;
         IXSCHIJFFOUT(icb, icb->datfd, int64_t{klad.recnr} * icb->h.reclen, icb->h.reclen);
     }
-    if (klad.rij_geraakt)
-        IXRESERVEER(icb);
-    const int8_t sleutel = KNOOP(icb).keyno;
-    icb->h = klad.oud;
-    einde();
-    memset(icb->node, 0, sizeof icb->node); // what is in hand is not what stands
-    IXKIES(icb, sleutel);
+    ongedaan(icb);
     errno = fout;
     return 0;
 }

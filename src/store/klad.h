@@ -1,5 +1,6 @@
 // The rough copy: a change of a pair is worked out in memory, under the header lock, and then written as one piece.
-// Until KLADSCHRIJF nothing of the pair has changed; a write that is refused on the way puts back what stood.
+// Until KLADSCHRIJF nothing of the pair has changed, and from there on nothing is asked for that could be refused, but
+// the writes; one that is refused on the way puts back what stood.
 //
 // Order of the writes, and why:
 //   1. the header, marked as being changed      what is killed from here on is refused by all, and rebuilt
@@ -24,6 +25,8 @@ void KLADWEG(ICB* icb);
 // What happens to the record at `currec`: `was` is what stands there, null for one behind the last.
 enum Kladsoort { KL_INSERT, KL_UPDATE, KL_DELETE };
 void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt);
+// The lock queue, whose lock the caller has just taken for this change; `was` null when it stays as it is.
+void KLADRIJ(int32_t blok, const void* was, const void* wordt);
 // All of it to disk, and the header lock released. 0: refused, errno says why, files and counters as before; the caller
 // tells the user (IXGEWEIGERD) once he has let go of his locks. Stops the program when what stood could not be put
 // back; the pair then stays marked.

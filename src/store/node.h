@@ -96,10 +96,12 @@ void IXKIES(ICB* icb, int sleutel); // make current without reading: the node in
 void IXEOFTOON(ICB* icb, int32_t blok);
 
 // Locks (slot.cpp). The record at `currec`: one try, and no wait. The key in keybuf out of the queue of reservations
-// (false with errno when the disk refuses), and into it again.
+// (false with errno when the disk refuses); the same as part of the change in hand (store/klad.h), whose end lets go of
+// the queue's lock: false, and nothing done, when that can't be had at once.
 bool IXPROBEERSLOT(ICB* icb);
 bool IXVERGEET(ICB* icb);
-void IXRESERVEER(ICB* icb);
+bool IXVERGEETMEE(ICB* icb);
+void IXRIJLOS(ICB* icb);
 
 // Handles (pair.cpp): a fresh one around two descriptors of IXBESTANDOPEN, -1 for none; and its end without a write.
 ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd);

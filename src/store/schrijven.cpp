@@ -29,7 +29,7 @@ bool alleen_lezen(const ICB* icb) {
     return true;
 }
 
-// What became of a change that was worked out.
+// What became of a change that was worked out. SLOT_BEZET: a lock that it needs is another's at this moment.
 enum Werk { KLAAR, NIETS, SLOT_BEZET };
 
 // A number for a new record, locked: the slot freed last, or one behind the last. Neither may be a record in use: a
@@ -70,6 +70,10 @@ Werk voeg_in(ICB* icb, const void* rec, bool bij_plaats) {
     if (!neem_nummer(icb, vrij, &hergebruik))
         return SLOT_BEZET;
     IXVOEGTOE(icb, rec, bij_plaats);
+    if (!IXVERGEETMEE(icb)) {
+        IXLOCK(icb, 13);
+        return SLOT_BEZET;
+    }
     KLADRECORD(icb, KL_INSERT, hergebruik ? vrij : nullptr, rec);
     return KLAAR;
 }
@@ -98,7 +102,7 @@ Werk werk_bij(ICB* icb, const void* rec) {
     return KLAAR;
 }
 
-// A change, worked out by `werk` with the pair in hand, as often as a slot is refused, and written. 1, or 0: nothing
+// A change, worked out by `werk` with the pair in hand, as often as a lock is refused, and written. 1, or 0: nothing
 // was changed, and *fout says what the user is told (0 for nothing). A new record's slot stays locked.
 template <class F> int wijzig(ICB* icb, int* fout, F werk) {
     *fout = 0;

@@ -6,9 +6,12 @@
 //   record    data, the record's bytes    a user at work on a record
 //   the file  data, 0 to its end          mode 1, open to close; never for a temporary index
 //
-// Order of taking: record or reservation first, then the header; the queue within. Nobody who holds the header waits
-// for a record: a new record's slot that is refused ends the bracket (store/schrijven.cpp). And an exclusive opener who
-// is refused the header lets go of the data file before he waits: else he and a writer could wait for each other.
+// Order of taking: record or reservation first, then the header; the queue within, before the first write. Nobody who
+// holds the header waits for a record or for the queue: refused, it ends the bracket without a write, waits outside and
+// starts again (store/schrijven.cpp). So nothing is waited for, told or given up while a pair is half changed. Only a
+// rebuild waits for the queue with the header in hand, before it writes; who has the queue's lock never asks for the
+// header. And an exclusive opener who is refused the header lets go of the data file before he waits: else he and a
+// writer could wait for each other.
 #include "shared/files.h"
 #include "shared/teksten.h"
 #include "store/bestand.h"
@@ -19,7 +22,9 @@
 #include "store/wachtrij.h"
 #include "term/scherm.h"
 #include <cerrno>
+#include <cstring>
 #include <unistd.h>
+#include <vector>
 
 namespace zg {
 namespace {
@@ -61,22 +66,33 @@ int64_t recordplaats(const ICB* icb) {
     return int64_t{icb->currec} * icb->h.reclen;
 }
 
+bool rijslot(char letter, const ICB* icb) {
+    return IOLOCK(letter, icb->idxfd, int64_t{WACHTRIJBLOK(icb)} * IXBLOK, IXBLOK);
+}
+
 // The queue of reserved keys, held by its lock while in use. The node in hand stays what it is.
 struct Wachtrij {
     ICB* icb;
     IXKNOOP k;
     const IXKEYDEF& def;
+    bool vast = true; // the lock goes with this object
 
-    explicit Wachtrij(ICB* i) : icb(i), def(i->h.keydef[0]) {
+    explicit Wachtrij(ICB* i, bool wacht = true) : icb(i), def(i->h.keydef[0]) {
         int32_t blok = WACHTRIJBLOK(icb);
         if (icb->h.nkeys < 1)
             IXSTUK(icb, blok);
-        tot_het_lukt('E', icb, icb->idxfd, int64_t{blok} * IXBLOK, IXBLOK);
-        if (IXBLOKLEES(icb->idxfd, blok, &k, sizeof k) != IXBLOK || k.keyno != 1 || k.level != 0 ||
-            k.count * def.keylen > KNOOPRUIMTE)
+        if (wacht)
+            tot_het_lukt('E', icb, icb->idxfd, int64_t{blok} * IXBLOK, IXBLOK);
+        else
+            vast = rijslot('E', icb);
+        if (vast && (IXBLOKLEES(icb->idxfd, blok, &k, sizeof k) != IXBLOK || k.keyno != 1 || k.level != 0 ||
+                     k.count * def.keylen > KNOOPRUIMTE))
             IXSTUK(icb, blok);
     }
-    ~Wachtrij() { IOLOCK('U', icb->idxfd, int64_t{WACHTRIJBLOK(icb)} * IXBLOK, IXBLOK); }
+    ~Wachtrij() {
+        if (vast)
+            rijslot('U', icb);
+    }
     Wachtrij(const Wachtrij&) = delete;
     Wachtrij& operator=(const Wachtrij&) = delete;
 
@@ -86,6 +102,12 @@ struct Wachtrij {
             if (IXVERGELIJK(def, icb->keybuf, sleutel(i), def.keylen) == 0)
                 return i;
         return -1;
+    }
+    void wis(int i) {
+        const int laatste = --k.count;
+        if (i != laatste)
+            memcpy(sleutel(i), sleutel(laatste), def.keylen);
+        memset(sleutel(laatste), 0, def.keylen);
     }
     // `was`: the queue as it was read. False, with errno, when the disk refuses; it stands as it was then.
     bool schrijf(const IXKNOOP& was) {
@@ -112,10 +134,7 @@ bool vergeet(ICB* icb) {
     if (i < 0)
         return true;
     const IXKNOOP was = q.k;
-    int laatste = --q.k.count;
-    if (i != laatste)
-        memcpy(q.sleutel(i), q.sleutel(laatste), q.def.keylen);
-    memset(q.sleutel(laatste), 0, q.def.keylen);
+    q.wis(i);
     return q.schrijf(was);
 }
 
@@ -154,8 +173,23 @@ bool IXVERGEET(ICB* icb) {
     return vergeet(icb);
 }
 
-void IXRESERVEER(ICB* icb) {
-    reserveer(icb);
+bool IXVERGEETMEE(ICB* icb) {
+    if (icb->filelocked)
+        return true;
+    Wachtrij q(icb, false);
+    if (!q.vast)
+        return false;
+    const IXKNOOP was = q.k;
+    const int i = q.vind();
+    if (i >= 0)
+        q.wis(i);
+    KLADRIJ(WACHTRIJBLOK(icb), i >= 0 ? &was : nullptr, &q.k);
+    q.vast = false;
+    return true;
+}
+
+void IXRIJLOS(ICB* icb) {
+    rijslot('U', icb);
 }
 
 int IXLOCK(ICB* icb, int operatie) {

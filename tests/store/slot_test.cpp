@@ -7,6 +7,7 @@
 #include "store/node.h"
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 #include <unistd.h>
 
@@ -252,6 +253,57 @@ TEST_F(Slot, InvoegenTegenEenExclusieveOpener) {
     ander->vraag("lock 12");
     EXPECT_EQ("1", tweede.antwoord());
     tweede.dood();
+    IXCLOSE(ik.icb);
+    ander->vraag("close");
+    EXPECT_GEZOND("T");
+}
+
+// The queue's lock is another's, or can't be had at all: an insert waits, is killed or stops with the pair whole.
+TEST_F(Slot, InvoegenTegenDeWachtrij) {
+    open();
+    for (int i = 1; i <= 3; i++)
+        ik("write " + std::to_string(i));
+    EXPECT_EQ("1", ik("readl 2"));
+    ik("delete 2");         // a slot to use again
+    const auto paar = [&] { // not by name: closing a file would let go of its locks
+        std::string uit;
+        for (int fd : {ik.icb->idxfd, ik.icb->datfd}) {
+            std::string b(static_cast<size_t>(SYSOMVANG(fd)), 0);
+            SYSLEES(fd, b.data(), b.size(), 0);
+            uit += b;
+        }
+        return uit;
+    };
+    const std::string voor = paar();
+    const int64_t rij = 3 * IXBLOK;
+    const std::string uit = stopt([&] {
+        SYS.slot = [](int fd, int opdracht, struct flock* s) {
+            const bool weg = s->l_type == F_WRLCK && s->l_start == 3 * IXBLOK;
+            return weg ? (errno = ENOLCK, -1) : fcntl(fd, opdracht, s);
+        };
+        ik("write 8");
+    });
+    EXPECT_NE(std::string::npos, uit.find("kan niet vergrendeld worden")) << uit;
+    EXPECT_TRUE(voor == paar());
+    for (const char* nieuw : {"write 9", "write 10"}) { // into the free slot, and behind the last
+        SCOPED_TRACE(nieuw);
+        const std::string was = paar();
+        ASSERT_EQ(1, IOLOCK('E', ik.icb->idxfd, rij, IXBLOK));
+        Agent ongeduldig{Gebruiker{}};
+        EXPECT_EQ("ok", ongeduldig.vraag("open 2"));
+        EXPECT_EQ(Agent::geen_antwoord, ongeduldig.vraag(nieuw));
+        ongeduldig.dood();
+        EXPECT_TRUE(was == paar());
+        EXPECT_EQ(Agent::geen_antwoord, ander->vraag(nieuw));
+        int vrij = 0;
+        for (int i = 0; i < 10'000 && vrij < 20; i++, usleep(100))
+            vrij += IOLOCK('T', ik.icb->idxfd, 0, IXBLOK);
+        EXPECT_EQ(20, vrij) << "the writer holds on to the header";
+        EXPECT_TRUE(was == paar());
+        IOLOCK('U', ik.icb->idxfd, rij, IXBLOK);
+        EXPECT_EQ("1", ander->antwoord());
+        EXPECT_EQ(1, IOLOCK('T', ik.icb->datfd, 0, 0)) << "it holds on to the slot";
+    }
     IXCLOSE(ik.icb);
     ander->vraag("close");
     EXPECT_GEZOND("T");
