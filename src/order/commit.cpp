@@ -38,8 +38,7 @@ void kopieer(const ordhandle* h, int64_t van, int64_t tot, bool zonder_lege, int
 // In registermodus a committed order has status 4, in the work file too: a repair writes what the commit
 // wrote.
 bool zet_status() {
-    werk->offset = 0;
-    if (!ord_lees(werk, 'R') || werk->tag != 'O' || kop.status == 4)
+    if (!ord_eerste_order(werk) || kop.status == 4)
         return true;
     kop.status = 4;
     return ord_schrijf(werk);

@@ -187,8 +187,7 @@ bool bewerk_order() {
             regel_wis(&regel_nu);
     }
     if (door) {
-        werk->offset = 0;
-        ord_lees(werk, 'R');
+        ord_eerste_order(werk);
         korting_bij_opening = kop.korting;
         order_scherm();
     }

@@ -11,9 +11,7 @@
 #include "shared/files.h"
 #include "shared/houder.h"
 #include "shared/iomaat.h"
-#include "shared/iomaat.h"
 #include "shared/report.h"
-#include "shared/sysrec.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include <cerrno>
@@ -321,6 +319,11 @@ bool ord_lees(ordhandle* h, char modus) {
     if (modus == 'N' && ord_lengte(h->tag) >= 0)
         h->offset += 1 + ord_lengte(h->tag);
     return neem(h, tag_op(h, h->offset));
+}
+
+bool ord_lees_op(ordhandle* h, int32_t plaats) {
+    h->offset = plaats;
+    return ord_lees(h, 'R');
 }
 
 bool ord_kind(ordhandle* h, char soort) {

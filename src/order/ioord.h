@@ -49,6 +49,7 @@ void ord_sluit(ordhandle* h);
 void ord_sluit_jrn(ordhandle* h);
 // modus 'N' steps past the current record first. False at the end (tag 'X').
 bool ord_lees(ordhandle* h, char modus);
+bool ord_lees_op(ordhandle* h, int32_t plaats); // the record at a place of the file
 bool ord_kind(ordhandle* h, char soort);
 bool ord_volgende_order(ordhandle* h);
 // Can every line of the order at the handle's place be loaded? A branch or size outside the firm, a quantity below 0, a

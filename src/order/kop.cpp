@@ -15,8 +15,7 @@ namespace {
 void lees_teksten(bool nieuw) {
     memset(kop_levering, 0, BLOKLEN);
     memset(kop_betaling, 0, BLOKLEN);
-    werk->offset = 0;
-    if ((nieuw && order_nieuw) || !ord_lees(werk, 'R'))
+    if ((nieuw && order_nieuw) || !ord_eerste_order(werk))
         return;
     ord_tekst_lees(werk, 1, kop_levering);
     ord_tekst_lees(werk, 2, kop_betaling);

@@ -70,8 +70,7 @@ struct Zoeklijst {
 Zoeklijst* z;
 
 void lees_order(uint32_t positie) {
-    z->h->offset = z->offset(positie);
-    ord_lees(z->h, 'R');
+    ord_lees_op(z->h, z->offset(positie));
 }
 
 int32_t haal(int32_t stap) {
