@@ -57,10 +57,11 @@ void registerfout(const char* routine) {
     FFLASH(-1, 2, A_WAARDE, "", "%s%s\n%s", routine, TXT(T_FOUT), TXT(T_SUPPORT));
 }
 
-bool lees_rij(maatrij* rij, bool op_slot) {
+// 1 read, 0 not there, and then a locked one is reserved; -1 not there and not reserved.
+int lees_rij(maatrij* rij, bool op_slot) {
     uint8_t buffer[IXRECMAX + 1] = {rij->stelsel, rij->soort};
     int gelezen = op_slot ? IXREADL(dtmaat, buffer) : IXREAD(dtmaat, buffer);
-    if (gelezen)
+    if (gelezen == 1)
         stam_uit(buffer, dtmaat->h.reclen, rij);
     return gelezen;
 }
@@ -222,9 +223,10 @@ void schrijf_extra(mthandle* h, const mtinfo& info, bool weg) {
         IXWRITE(dtmtom, buffer);
         maat_aan(h->nummers.mtombits, info.maatnr);
     } else {
-        if (IXREADL(dtmtom, buffer))
+        const int er = IXREADL(dtmtom, buffer);
+        if (er == 1)
             IXDELETE(dtmtom, buffer);
-        else
+        else if (er == 0)
             IXUNLOCK(dtmtom, buffer);
         maat_uit(h->nummers.mtombits, info.maatnr);
     }
@@ -257,11 +259,11 @@ mthandle* mtopen(uint8_t stelsel, uint8_t soort, int vlaggen) {
     h->posities.stelsel = stelsel;
     h->nummers.soort = h->posities.soort = soort;
     if (standaard(*h)) {
-        lees_rij(&h->nummers, h->schrijven);
+        h->schrijven = lees_rij(&h->nummers, h->schrijven) >= 0 && h->schrijven;
         leid_posities_af(h);
         memcpy(h->posities.mtombits, h->nummers.mtombits, MAATBYTES);
     } else {
-        lees_rij(&h->posities, h->schrijven);
+        h->schrijven = lees_rij(&h->posities, h->schrijven) >= 0 && h->schrijven;
         leid_nummers_af(h);
         memcpy(h->nummers.mtombits, h->posities.mtombits, MAATBYTES);
     }
@@ -398,10 +400,11 @@ int mtremove(uint8_t soort) {
     if (!dtmaat)
         INTERNAL("iomaat", 5);
     uint8_t buffer[IXRECMAX + 1] = {std::max<uint8_t>(firma.maatstelsel, 1), soort};
-    if (!IXREADL(dtmaat, buffer)) {
+    const int er = IXREADL(dtmaat, buffer);
+    if (er == 0)
         IXUNLOCK(dtmaat, buffer);
+    if (er != 1)
         return 0;
-    }
     IXDELETE(dtmaat, buffer);
     return 1;
 }

@@ -79,8 +79,14 @@ bool Blokbak::schrijf(int fd) {
         }
         // Block 0 is the header, which is written by itself.
         for (size_t op = nr ? 0 : IXBLOK, einde = beeld_.size(); op < einde; op += PERKEER) {
-            if (!SYSSCHRIJFOP(fd, beeld_.data() + op, std::min(PERKEER, einde - op),
-                              int64_t{begin} * IXBLOK + static_cast<int64_t>(op)))
+            const uint8_t* van = beeld_.data() + op;
+            const size_t bytes = std::min(PERKEER, einde - op);
+            const int64_t naar = int64_t{begin} * IXBLOK + static_cast<int64_t>(op);
+            const ssize_t eerst = begonnen_ ? 0 : SYS.pwrite(fd, van, bytes, naar);
+            if (eerst < 0)
+                return false;
+            begonnen_ = true;
+            if (!SYSSCHRIJFOP(fd, van + eerst, bytes - static_cast<size_t>(eerst), naar + eerst))
                 return false;
         }
     }

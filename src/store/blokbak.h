@@ -18,6 +18,7 @@ public:
 
     bool zet(int32_t blok, const void* inhoud); // false: the disk takes no more
     bool schrijf(int fd);                       // false, with errno, when a call failed
+    bool begonnen() const { return begonnen_; } // has any of it been written?
 
 private:
     struct Wachtend {
@@ -35,6 +36,7 @@ private:
     std::vector<uint8_t> beeld_; // the stretch in hand
     std::vector<Strook> strook_; // none when everything fits in one
     int fd_ = -1;
+    bool begonnen_ = false;
 };
 
 } // namespace zg

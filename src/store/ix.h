@@ -143,7 +143,7 @@ int IXUNIQK(ICB* icb, void* rec,
 int IXGET(ICB* icb, void* rec, int32_t recnr); // -1 no such number, 0 free, 1 live
 int IXREAD(ICB* icb, void* rec);               // by the whole key, no lock
 // The same and lock it, waiting as long as it takes. 0: no such key, which is now reserved. Ended by a write, a
-// delete or IXUNLOCK.
+// delete or IXUNLOCK. -1: no such key, and the disk refused the reservation, which was told: nothing is the caller's.
 int IXREADL(ICB* icb, void* rec);
 void IXUNLOCK(ICB* icb, const void* rec);
 int IXEXISTS(ICB* icb, const void* rec);
@@ -167,8 +167,11 @@ extern void (*IXWAITHOOK)(ICB* icb);
 // One try with a letter of IOLOCK, and one wait when it is refused. 1 got, 0 not.
 int IXLOCKRGN(char letter, ICB* icb, int fd, int64_t start, int64_t lengte);
 // 1 whole file, 2 header (both until got), 3 record at `currec`, 4 reserve the key in `keybuf` (both one try); 11 to 14
-// release these. 1 got, 0 not, or no such operation. Stops the program when the queue of keys is full.
+// release these. 1 got, 0 not, or no such operation; 4 answers -1 when the disk refuses, which it tells. Stops the
+// program when the queue of keys is full.
 int IXLOCK(ICB* icb, int operatie);
+void IXGEEFTERUG(ICB* icb); // the reservations of this handle that were not ended; IXCLOSE leaves them
+extern int IXWEIGERINGEN;   // writes that the disk refused, and that were told, since the program began
 // IOLOCK, IOFLOCK and IXCOMMITHOOK: shared/files.h.
 
 // Rebuild, bulk, cache, temporary tables: store/rebuild.h, store/cache.h, store/tabel.h.

@@ -164,11 +164,11 @@ bool alles_terug() {
     return zet_terug(icb->idxfd, 0, kop, sizeof klad.oud);
 }
 
-void einde() {
+void einde(bool geschreven = false) {
     ICB* icb = klad.icb;
     klad.icb = nullptr;
     if (klad.rij)
-        IXRIJLOS(icb);
+        IXRIJLOS(icb, geschreven);
     IXGEZIEN(icb, icb->h);
     if (icb->mode != 1)
         IXLOCK(icb, 12);
@@ -239,7 +239,7 @@ int KLADSCHRIJF(ICB* icb) {
         IXKEUR(icb, blokken.data(), blokken.size());
     }
     if (schrijf_alles()) {
-        einde();
+        einde(true);
         return 1;
     }
     const int fout = errno;

@@ -30,12 +30,17 @@ void IXINCONSISTENT(const ICB* icb) {
 void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats, int lengte) {
     char naam[sizeof icb->h.name + 1] = {};
     memcpy(naam, icb->h.name, sizeof icb->h.name);
-    SCRFATAL(TXT(T_QUILLDB_SEEK), errno, naam, icb->idxfd, icb->datfd, fd, static_cast<long>(plaats),
+    const int fout = errno;
+    STOPREDEN(fout);
+    SCRFATAL(TXT(T_QUILLDB_SEEK), fout, naam, icb->idxfd, icb->datfd, fd, static_cast<long>(plaats),
              static_cast<unsigned>(lengte));
 }
 
-void IXGEWEIGERD(const ICB* icb, int fout) {
-    SCHRIJFFOUT(IXNAAM(icb->path).c_str(), fout, TXT(T_IX_NIET_OPGESLAGEN));
+int IXWEIGERINGEN;
+
+void IXGEWEIGERD(const ICB* icb, int fout, const char* gevolg) {
+    IXWEIGERINGEN++;
+    SCHRIJFFOUT(IXNAAM(icb->path).c_str(), fout, gevolg ? gevolg : TXT(T_IX_NIET_OPGESLAGEN));
 }
 
 void IXWAARSCHUW(const char* titel, const char* fmt, ...) {

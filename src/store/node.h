@@ -59,8 +59,9 @@ void IXEIS(const ICB* icb, const char* tag);            // null handle
 [[noreturn]] void IXINCONSISTENT(const ICB* icb);       // marked as being changed
 [[noreturn]] void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats,
                                int lengte); // seek or write, with errno
-// The disk refused a write, with this errno, and all is as it was: told in a box.
-void IXGEWEIGERD(const ICB* icb, int fout);
+// The disk refused a write, with this errno, and all is as it was: told in a box. `gevolg`: what that means, when it is
+// not that a change was not stored.
+void IXGEWEIGERD(const ICB* icb, int fout, const char* gevolg = nullptr);
 // Box with the title "Waarschuwing" and ENTER; a line on standard error without a screen.
 void IXWAARSCHUW(const char* titel, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
 int IXJANEE(const char* titel, const char* fmt, ...)
@@ -101,7 +102,8 @@ void IXEOFTOON(ICB* icb, int32_t blok);
 bool IXPROBEERSLOT(ICB* icb);
 bool IXVERGEET(ICB* icb);
 bool IXVERGEETMEE(ICB* icb);
-void IXRIJLOS(ICB* icb);
+void IXRIJLOS(ICB* icb, bool geschreven);
+void IXEIGENWEG(const ICB* icb); // the handle goes: what it has reserved is nobody's any more
 
 // Handles (pair.cpp): a fresh one around two descriptors of IXBESTANDOPEN, -1 for none; and its end without a write.
 ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd);

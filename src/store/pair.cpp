@@ -156,6 +156,7 @@ ICB* IXHANDVAT(const char* naam, int mode, int idxfd, int datfd) {
 void IXLAATLOS(ICB* icb) {
     if (icb->cached)
         IOCACHE('X', icb, 0);
+    IXEIGENWEG(icb);
     if (icb->datfd >= 0)
         IXBESTANDDICHT(icb->datfd);
     if (icb->idxfd >= 0)

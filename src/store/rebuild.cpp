@@ -192,14 +192,28 @@ bool Bouw::reserveer() const {
 
 void Bouw::zet_op_zijn_plaats() {
     ICB* icb = icb_;
+    uint8_t oud[IXBLOK]{};
+    const bool gelezen = IXBLOKLEES(icb->idxfd, 0, oud, sizeof oud) == IXBLOK;
     icb->h.nrecs = static_cast<int32_t>(records_);
     icb->h.freehead = freehead_;
     icb->h.version = IXVERSIE;
     icb->h.busy = 1;
-    IXWRIX(icb, 0);
-    keten_vrijen();
-    if (!blokken_->schrijf(icb->idxfd))
+    uint8_t kop[IXBLOK]{};
+    memcpy(kop, &icb->h, sizeof icb->h);
+    bool geschreven = IXBLOKSCHRIJF(icb->idxfd, 0, kop);
+    if (geschreven) {
+        IXCOMMITHOOK();
+        keten_vrijen();
+        geschreven = blokken_->schrijf(icb->idxfd);
+    }
+    if (!geschreven) {
+        const int fout = errno;
+        // Nothing but the header was touched yet: that as it was, and the index is what it was.
+        if (gelezen && keten_anders_ < 0 && !blokken_->begonnen())
+            IXBLOKSCHRIJF(icb->idxfd, 0, oud);
+        errno = fout;
         IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
+    }
     IXCOMMITHOOK();
     const int64_t lengte = int64_t{icb->h.nblocks} * IXBLOK;
     if (SYSOMVANG(icb->idxfd) != lengte && SYS.ftruncate(icb->idxfd, lengte) < 0)

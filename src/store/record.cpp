@@ -136,7 +136,10 @@ int IXREADL(ICB* icb, void* rec) {
         memcpy(icb->keybuf, gezocht, sizeof gezocht);
         icb->currec = IXSEARCH(icb, '=', def.keylen);
         if (icb->currec < 0) {
-            if (!IXLOCK(icb, 4))
+            const int vast = IXLOCK(icb, 4);
+            if (vast < 0)
+                return -1;
+            if (!vast)
                 continue;
             // Between the search and the reservation another may have entered the key and be done with it.
             if (icb->filelocked || (icb->currec = IXSEARCH(icb, '=', def.keylen)) < 0)

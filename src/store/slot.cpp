@@ -21,6 +21,7 @@
 #include "store/wachten.h"
 #include "store/wachtrij.h"
 #include "term/scherm.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
@@ -28,6 +29,20 @@
 
 namespace zg {
 namespace {
+
+// The keys that this program has reserved: the queue on disk names no owner.
+struct Eigen {
+    const ICB* icb;
+    uint8_t sleutel[IXSLEUTELMAX + 4];
+};
+std::vector<Eigen> eigen;
+
+void niet_meer_eigen(const ICB* icb) {
+    const IXKEYDEF& def = icb->h.keydef[0];
+    std::erase_if(eigen, [&](const Eigen& e) {
+        return e.icb == icb && IXVERGELIJK(def, e.sleutel, icb->keybuf, def.keylen) == 0;
+    });
+}
 
 void wacht_standaard(ICB* icb) {
     if (!SCHERM.bestaat || SCHERM.dicht || SCHERM.aantal >= VENSTERS) {
@@ -125,17 +140,25 @@ Rij reserveer(ICB* icb) {
     if (q.def.keylen * (q.k.count + 1) > KNOOPRUIMTE)
         SCRFATAL(TXT(T_IX_REGELPUNT), icb->h.name, icb->h.title, TXT(T_IX_LOCKQUEUE_VOL));
     memcpy(q.sleutel(q.k.count++), icb->keybuf, q.def.keylen);
-    return q.schrijf(was) ? RIJ_GEDAAN : RIJ_GEWEIGERD;
+    if (!q.schrijf(was))
+        return RIJ_GEWEIGERD;
+    Eigen& e = eigen.emplace_back();
+    e.icb = icb;
+    memcpy(e.sleutel, icb->keybuf, sizeof e.sleutel);
+    return RIJ_GEDAAN;
 }
 
 bool vergeet(ICB* icb) {
     Wachtrij q(icb);
     int i = q.vind();
     if (i < 0)
-        return true;
+        return niet_meer_eigen(icb), true;
     const IXKNOOP was = q.k;
     q.wis(i);
-    return q.schrijf(was);
+    if (!q.schrijf(was))
+        return false;
+    niet_meer_eigen(icb);
+    return true;
 }
 
 void exclusief(ICB* icb) {
@@ -188,8 +211,24 @@ bool IXVERGEETMEE(ICB* icb) {
     return true;
 }
 
-void IXRIJLOS(ICB* icb) {
+void IXRIJLOS(ICB* icb, bool geschreven) {
     rijslot('U', icb);
+    if (geschreven)
+        niet_meer_eigen(icb);
+}
+
+void IXEIGENWEG(const ICB* icb) {
+    std::erase_if(eigen, [icb](const Eigen& e) { return e.icb == icb; });
+}
+
+void IXGEEFTERUG(ICB* icb) {
+    IXEIS(icb, "IXGEEFTERUG");
+    const std::vector<Eigen> alle = eigen;
+    for (const Eigen& e : alle)
+        if (e.icb == icb) {
+            memcpy(icb->keybuf, e.sleutel, sizeof e.sleutel);
+            IXLOCK(icb, 14);
+        }
 }
 
 int IXLOCK(ICB* icb, int operatie) {
@@ -212,9 +251,9 @@ int IXLOCK(ICB* icb, int operatie) {
             IXWAITHOOK(icb);
             icb->wachtsleutel = 0;
             return 0;
-        case RIJ_GEWEIGERD: // the user is told, and goes on without: who writes the key first decides at the header
-            IXGEWEIGERD(icb, errno);
-            return 1;
+        case RIJ_GEWEIGERD:
+            IXGEWEIGERD(icb, errno, TXT(T_IX_NIET_GERESERVEERD));
+            return -1;
         default:
             return 1;
         }

@@ -185,10 +185,10 @@ bool relatie_scherm(uint16_t nummer, Relatiesoort soort, Relatiemodus modus) {
     const bool schrijven = modus == Relatiemodus::wijzigen && dtlev->mode != 0;
     IXSWITCH(dtlev, 1);
     r.lev.nummer = nummer;
-    bool er = schrijven ? IXREADL(dtlev, &r) == 1 : IXREAD(dtlev, &r) == 1;
+    const int gelezen = schrijven ? IXREADL(dtlev, &r) : IXREAD(dtlev, &r);
     bool anders = false;
-    if (!er) {
-        if (schrijven) {
+    if (gelezen != 1) {
+        if (schrijven && gelezen == 0) {
             memset(&r, 0, sizeof r);
             r.lev.nummer = nummer;
             IXUNLOCK(dtlev, &r);

@@ -56,14 +56,16 @@ std::string plan(const Paar& paar, bool woordenboek, Bouwplan* p) {
     return fout ? std::string("header: ") + fout + (nr ? "; --dictionary makes it anew" : "") : "";
 }
 
-// A user at work in the pair's directory: the process that holds a slot of DTSYS.TXT, 0 for none.
+// A user at work in the pair's directory: the process that holds a slot of DTSYS.TXT, 0 for none, and below 0 with errno
+// when that file is there and can't be looked into.
 int64_t wie_werkt(const std::string& naam) {
     const std::string map = naam.substr(0, naam.rfind('/') + 1);
     const int fd = SYS.open((map + "DTSYS.TXT").c_str(), O_RDONLY | O_CLOEXEC, 0);
+    if (fd < 0)
+        return errno == ENOENT ? 0 : -1;
     const int64_t pid =
-        fd < 0 ? 0 : IOLOCKPID(fd, SYS_GEBRUIKER.start, int64_t{SYS_GEBRUIKER.slots} * SYS_GEBRUIKER.grootte);
-    if (fd >= 0)
-        SYS.close(fd);
+        IOLOCKPID(fd, SYS_GEBRUIKER.start, int64_t{SYS_GEBRUIKER.slots} * SYS_GEBRUIKER.grootte);
+    SYS.close(fd);
     return pid;
 }
 
@@ -113,10 +115,12 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
         return klacht(naam, "in use: a program has it open"), IN_GEBRUIK;
     if (!p->gereserveerd.empty() && !o.dwing)
         if (const int64_t pid = wie_werkt(naam)) {
+            const std::string wie = pid < 0 ? std::string("DTSYS.TXT can't be opened (") + strerror(errno) +
+                                                  "), so a user may be at work"
+                                            : "a user is at work (process " + std::to_string(pid) + ")";
             for (const std::string& s : p->gereserveerd)
                 klacht(naam, "key reserved: " + CP850UTF8(s));
-            return klacht(naam, "not rebuilt: a user is at work (process " + std::to_string(pid) +
-                                    ") and these keys may be his; --force clears them"),
+            return klacht(naam, "not rebuilt: " + wie + " and these keys may be his; --force clears them"),
                    IN_GEBRUIK;
         }
     return rest ? kap_af(paar, p->kop.reclen) : GOED;

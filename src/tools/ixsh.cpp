@@ -21,8 +21,9 @@ struct Schelp {
     std::string naam;
     std::vector<Veld> velden;
     uint8_t rec[IXRECMAX] = {};
-    int wacht = 0;    // seconds for a lock
-    bool hex = false; // show records in hexadecimal
+    int wacht = 0;       // seconds for a lock
+    bool hex = false;    // show records in hexadecimal
+    int uitkomst = GOED; // of the line at work
 };
 
 using Woorden = std::vector<std::string>;
@@ -106,6 +107,13 @@ void stel_in(Schelp& s) {
     memset(s.rec, 0, sizeof s.rec);
 }
 
+// What is reserved here nobody would give up any more.
+void sluit(Schelp& s) {
+    IXGEEFTERUG(s.icb);
+    IXCLOSE(s.icb);
+    s.icb = nullptr;
+}
+
 // One operation on an open pair: its words are the name and then what `arg` says: 'n' an optional number, 'f'
 // fields.
 struct Operatie {
@@ -113,6 +121,7 @@ struct Operatie {
     char arg;
     bool toont;
     int (*doe)(Schelp& s, int getal);
+    int goed = -1; // a lower answer: nothing was written; at least 1 means that a read-only pair refuses it
 };
 
 const Operatie OPERATIES[] = {
@@ -153,13 +162,13 @@ const Operatie OPERATIES[] = {
     {"exists", "fields: does the full key exist", 'f', false,
      [](Schelp& s, int) { return IXEXISTS(s.icb, s.rec); }},
     {"write", "fields: write, key 1 decides, and release", 'f', false,
-     [](Schelp& s, int) { return IXWRITE(s.icb, s.rec); }},
+     [](Schelp& s, int) { return IXWRITE(s.icb, s.rec); }, 1},
     {"writek", "fields: write and keep the lock", 'f', false,
-     [](Schelp& s, int) { return IXWRITEK(s.icb, s.rec); }},
+     [](Schelp& s, int) { return IXWRITEK(s.icb, s.rec); }, 1},
     {"put", "fields: rewrite the record stood on, keys untouched", 'f', false,
-     [](Schelp& s, int) { return s.icb->mode == 0 || s.icb->currec < 0 ? 0 : IXPUTREC(s.icb, s.rec); }},
+     [](Schelp& s, int) { return s.icb->mode == 0 || s.icb->currec < 0 ? 0 : IXPUTREC(s.icb, s.rec); }, 1},
     {"delete", "delete the record stood on", '-', false,
-     [](Schelp& s, int) { return s.icb->mode == 0 || s.icb->currec < 0 ? -1 : IXDELETE(s.icb, s.rec); }},
+     [](Schelp& s, int) { return s.icb->mode == 0 || s.icb->currec < 0 ? -1 : IXDELETE(s.icb, s.rec); }, 0},
     {"unlock", "give up a lock or a reserved key", '-', false,
      [](Schelp& s, int) { return IXUNLOCK(s.icb, s.rec), 1; }},
     {"bulk", "O|W|C is 1|2|3: fill an emptied index", 'n', false,
@@ -168,8 +177,8 @@ const Operatie OPERATIES[] = {
      }},
     {"init", "empty the pair (exclusive mode)", '-', false,
      [](Schelp& s, int) { return s.icb->mode == 1 ? (IXINIT(s.icb), 1) : 0; }},
-    {"close", "close the pair", '-', false,
-     [](Schelp& s, int) { return IXCLOSE(s.icb), s.icb = nullptr, 1; }},
+    {"close", "give up what is reserved, and close the pair", '-', false,
+     [](Schelp& s, int) { return sluit(s), 1; }},
 };
 
 void hulp() {
@@ -185,10 +194,12 @@ void hulp() {
 }
 
 // The header is read under its lock: a pair in use is marked busy for moments.
-bool leesbaar(const std::string& naam, int seconden) {
+int leesbaar(const std::string& naam, int seconden) {
     Paar paar;
-    if (paar_open(naam, &paar) != GOED || paar_vast(&paar, seconden) != GOED)
-        return false;
+    if (int fout = paar_open(naam, &paar))
+        return fout;
+    if (int fout = paar_vast(&paar, seconden))
+        return fout;
     std::string kwaal = paar_kop(&paar);
     if (const char* fout = IXKOPFOUT(paar.kop); fout && kwaal.empty())
         kwaal = std::string("header: ") + fout;
@@ -196,7 +207,7 @@ bool leesbaar(const std::string& naam, int seconden) {
         kwaal = "marked busy: rebuild it first";
     if (!kwaal.empty())
         klacht(naam, kwaal);
-    return kwaal.empty();
+    return kwaal.empty() ? GOED : FOUT_GEVONDEN;
 }
 
 // The operations that need no open pair; false when the name is none of them. *fout is the answer's
@@ -220,7 +231,7 @@ bool zonder_paar(Schelp& s, const Woorden& w, std::string* fout) {
             *fout = "a record length of 6 to 512 and one to five keys";
         else if (op == "create" && (IOEXISTS((w[1] + ".INX").c_str()) || IOEXISTS((w[1] + ".TXT").c_str())))
             *fout = "exists already";
-        else if (op == "open" && !leesbaar(w[1], s.wacht))
+        else if (op == "open" && (s.uitkomst = leesbaar(w[1], s.wacht)) != GOED)
             *fout = "not opened";
         else {
             s.naam = w[1];
@@ -275,7 +286,11 @@ std::string voer_uit(Schelp& s, const Woorden& w) {
         if (op.arg == 'f')
             if (std::string kwaal = vul(s, w); !kwaal.empty())
                 return kwaal;
+        const int geweigerd = IXWEIGERINGEN;
+        const bool alleen_lezen = s.icb->mode == 0;
         int antwoord = op.doe(s, n);
+        if (antwoord < op.goed || (op.goed == 1 && alleen_lezen) || IXWEIGERINGEN > geweigerd)
+            s.uitkomst = FOUT_GEVONDEN;
         if (op.toont)
             toon(s, antwoord);
         else
@@ -290,12 +305,14 @@ std::string voer_uit(Schelp& s, const Woorden& w) {
 int ixsh(const Opdracht& o) {
     Schelp s;
     s.wacht = o.wacht;
-    int uitkomst = GOED;
+    int uitkomst = GOED; // the first that isn't good: the rest may follow from it
     auto doe = [&](const Woorden& w) {
+        s.uitkomst = GOED;
         if (std::string fout = voer_uit(s, w); !fout.empty()) {
             printf("? %s\n", fout.c_str());
-            uitkomst = FOUT_GEVONDEN;
+            s.uitkomst = s.uitkomst == GOED ? FOUT_GEVONDEN : s.uitkomst;
         }
+        uitkomst = uitkomst == GOED ? s.uitkomst : uitkomst;
         fflush(stdout);
     };
     if (!o.namen.empty())
@@ -309,7 +326,7 @@ int ixsh(const Opdracht& o) {
         doe(w);
     }
     if (s.icb)
-        IXCLOSE(s.icb);
+        sluit(s);
     return uitkomst;
 }
 

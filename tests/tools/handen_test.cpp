@@ -59,6 +59,10 @@ TEST_F(Handen, ReservedKeysAreSeenAndOnlyIxremakeClearsThem) {
     EXPECT_EQ(IXBLDIX("DTMERK"), 1);
     EXPECT_TRUE(sh("ixcheck DTMERK").zegt("reserved: 4711"));
     {
+        fs::create_symlink("DTSYS.TXT", "DTSYS.TXT"); // is there, and can't be opened
+        u = sh("ixremake DTMERK");
+        EXPECT_TRUE(u.status == 4 && u.zegt("DTSYS.TXT can't be opened") && u.zegt("--force")) << u.tekst;
+        IOUNLINK("DTSYS.TXT");
         schrijf_bestand("DTSYS.TXT", std::string(10'000, '\0'));
         Agent gebruiker([] {
             int fd = open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
@@ -118,11 +122,40 @@ TEST_F(Handen, IxshTellsInUseFromDamaged) {
         Uit u = sh("ixsh -w 0 < script");
         EXPECT_TRUE(u.zegt("in use by process " + std::to_string(schrijver.pid()))) << u.tekst;
         EXPECT_FALSE(u.zegt("rebuild")) << u.tekst;
+        EXPECT_EQ(u.status, 4);
     }
     EXPECT_TRUE(sh("ixsh < script").zegt("marked busy: rebuild it first"));
     std::string index = lees_bestand("DTMERK.INX");
     schrijf_bestand("DTMERK.INX", index.replace(45, 1, 1, '\0'));
     EXPECT_EQ(sh("ixsh < script").status, 0);
+}
+
+// A script's own reservations end with it, others' stay; what the disk refused is told in words and by the status, and
+// the pair is as it was.
+TEST_F(Handen, ToolsEndReservationsAndTellAFullDisk) {
+    merken(5);
+    Agent(std::function<bool()>([] { return reserveer(4711); })).dood();
+    for (const char* einde : {"", "quit\n", "close\n"}) {
+        schrijf_bestand("script", std::string("open DTMERK 2\nreadl clear merk=77\nreadl merk=78\n") + einde);
+        EXPECT_EQ(sh("ixsh < script").status, 0);
+        Uit u = sh("ixcheck DTMERK");
+        EXPECT_TRUE(u.zegt("4711") && !u.zegt("7: 77") && !u.zegt("reserved: 7")) << u.tekst;
+    }
+    const std::string voor = paar("DTMERK");
+    schrijf_bestand("dump", "merk,naam\n5,x\n");
+    for (const char* werk : {"write clear merk=90", "readl clear merk=90", "read clear merk=3\ndelete"}) {
+        schrijf_bestand("script", std::string("open DTMERK 2\n") + werk + "\n");
+        Uit u = sh("ulimit -f 0; ixsh < script");
+        EXPECT_TRUE(u.status == 1 && u.zegt("bestand te groot")) << werk << u.tekst;
+        EXPECT_TRUE(paar("DTMERK") == voor) << werk;
+    }
+    for (const char* werk :
+         {"ulimit -f 0; ixremake DTMERK", "ulimit -f 1; ixremake DTMERK",
+          "ulimit -f 0; ixload -d -i dump -r DTMERK"}) { // at the header, at the first block
+        Uit u = sh(werk);
+        EXPECT_TRUE(u.status == 1 && u.zegt("bestand te groot")) << werk << u.tekst;
+        EXPECT_TRUE(paar("DTMERK") == voor) << werk;
+    }
 }
 
 // The new pair stands whole, or the old one does; and the new one has the old one's rights.
@@ -248,7 +281,8 @@ TEST_F(Handen, OnlyAnOwnAndIdleDirectoryIsEmptied) {
     }
     // One that was broken off half-way is made anew.
     ASSERT_EQ(zgdemo("half").status, 0);
-    schrijf_bestand("half/ZGDEMO.MRK", "zgdemo is at work here, or was broken off: it begins anew next time.\n");
+    schrijf_bestand("half/ZGDEMO.MRK",
+                    "zgdemo is at work here, or was broken off: it begins anew next time.\n");
     IOUNLINK("half/DTLEV.INX");
     EXPECT_EQ(zgdemo("half").status, 0);
     EXPECT_TRUE(fs::exists("half/DTLEV.INX"));
