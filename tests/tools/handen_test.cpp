@@ -139,7 +139,7 @@ TEST_F(Handen, ToolsEndReservationsAndTellAFullDisk) {
         schrijf_bestand("script", std::string("open DTMERK 2\nreadl clear merk=77\nreadl merk=78\n") + einde);
         EXPECT_EQ(sh("ixsh < script").status, 0);
         Uit u = sh("ixcheck DTMERK");
-        EXPECT_TRUE(u.zegt("4711") && !u.zegt("7: 77") && !u.zegt("reserved: 7")) << u.tekst;
+        EXPECT_TRUE(u.zegt("4711") && !u.zegt("reserved: 7")) << u.tekst;
     }
     const std::string voor = paar("DTMERK");
     schrijf_bestand("dump", "merk,naam\n5,x\n");
