@@ -240,6 +240,8 @@ int KLADSCHRIJF(ICB* icb) {
     }
     if (schrijf_alles()) {
         einde(true);
+        if (klad.soort == KL_INSERT && icb->filelocked)
+            IXVERGEETNA(icb, klad.rec_wordt, klad.recnr);
         return 1;
     }
     const int fout = errno;

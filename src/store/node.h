@@ -102,6 +102,9 @@ void IXEOFTOON(ICB* icb, int32_t blok);
 bool IXPROBEERSLOT(ICB* icb);
 bool IXVERGEET(ICB* icb);
 bool IXVERGEETMEE(ICB* icb);
+// Behind an insert of an exclusive handle: somebody may have reserved the key before the pair was opened, or while it
+// was, and would leave it reserved for ever: he finds the record and gives up its lock instead.
+void IXVERGEETNA(ICB* icb, const void* rec, int32_t nr);
 void IXRIJLOS(ICB* icb, bool geschreven);
 void IXEIGENWEG(const ICB* icb); // the handle goes: what it has reserved is nobody's any more
 

@@ -211,6 +211,19 @@ bool IXVERGEETMEE(ICB* icb) {
     return true;
 }
 
+void IXVERGEETNA(ICB* icb, const void* rec, int32_t nr) {
+    IXKNOOP k;
+    if (IXBLOKLEES(icb->idxfd, WACHTRIJBLOK(icb), &k, sizeof k) != IXBLOK || k.count == 0)
+        return;
+    uint8_t bewaard[sizeof icb->keybuf];
+    memcpy(bewaard, icb->keybuf, sizeof bewaard);
+    memset(icb->keybuf, 0, sizeof icb->keybuf);
+    IXMAAKSLEUTEL(icb->h.keydef[0], rec, nr, icb->h.keydef[0].keylen, icb->keybuf);
+    if (!vergeet(icb))
+        IXGEWEIGERD(icb, errno);
+    memcpy(icb->keybuf, bewaard, sizeof bewaard);
+}
+
 void IXRIJLOS(ICB* icb, bool geschreven) {
     rijslot('U', icb);
     if (geschreven)

@@ -259,6 +259,19 @@ TEST_F(Slot, InvoegenTegenEenExclusieveOpener) {
 }
 
 // The queue's lock is another's, or can't be had at all: an insert waits, is killed or stops with the pair whole.
+// Who opens exclusively may enter a key that another has reserved: the reservation goes with it, or nobody would ever
+// get that key again.
+TEST_F(Slot, ReserveringVervuldDoorEenExclusieveHandle) {
+    open();
+    EXPECT_EQ("0", ik("readl 7"));
+    for (const char* opdracht : {"close", "open 1", "write 7", "close", "open 2"})
+        ander->vraag(opdracht);
+    ik("unlock 7");
+    EXPECT_EQ("1", ik("readl 7"));
+    ik("delete 7");
+    EXPECT_EQ("0", ander->vraag("readl 7"));
+}
+
 TEST_F(Slot, InvoegenTegenDeWachtrij) {
     open();
     for (int i = 1; i <= 3; i++)
