@@ -174,7 +174,7 @@ TEST(Toets, WindowTooSmall) {
     EXPECT_EQ(t.einde(), 1);
 }
 
-TEST(Toets, HangUpEndsWithinASecond) {
+TEST(Toets, HangUpEnds) {
     static const struct {
         const char* naam;
         void (*werk)();
@@ -200,7 +200,7 @@ TEST(Toets, HangUpEndsWithinASecond) {
                 t.sein(sein);
             else
                 t.hangop();
-            EXPECT_EQ(t.einde(1000), 1);
+            EXPECT_EQ(t.einde(10000), 1);
         }
     }
 }
@@ -212,7 +212,7 @@ TEST(Toets, HangUpWithoutASignalToo) {
     }));
     t.wacht("begint");
     t.hangop();
-    EXPECT_EQ(t.einde(1000), 1);
+    EXPECT_EQ(t.einde(10000), 1);
 }
 
 namespace {
