@@ -102,7 +102,7 @@ TEST(Samen, EenLeverancierTweeGebruikers) {
     een.t.reeks("WL");
     een.t.wacht("in gebruik door Piet");
     een.t.hangop();
-    EXPECT_EQ(een.t.einde(1000), 1);
+    EXPECT_EQ(een.t.einde(10000), 1);
     twee.t.toetsen("<Esc><Esc>");
     twee.uit();
 }
@@ -134,7 +134,7 @@ TEST(Samen, TerminalWeg) {
             Programma p(map);
             p.t.toetsen(g.toetsen);
             p.t.hangop();
-            EXPECT_EQ(p.t.einde(1000), 1);
+            EXPECT_EQ(p.t.einde(10000), 1);
         }
         Programma p(map); // the same session, and the journal, are free
         p.leverancier();
