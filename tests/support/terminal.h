@@ -48,10 +48,10 @@ public:
     // The same in one burst; only what is typed behind an Esc waits until that has been taken.
     void reeks(std::string_view tekst);
 
-    bool kalm(int ms = 5000);                          // until the program waits for a key
-    bool wacht(std::string_view tekst, int ms = 5000); // until the text stands anywhere
-    bool wacht_op(int rij, int kolom, std::string_view tekst, int ms = 5000);
-    bool weg(std::string_view tekst, int ms = 5000);   // until it is gone
+    bool kalm(int ms = 20000);                          // until the program waits for a key
+    bool wacht(std::string_view tekst, int ms = 20000); // until the text stands anywhere
+    bool wacht_op(int rij, int kolom, std::string_view tekst, int ms = 20000);
+    bool weg(std::string_view tekst, int ms = 20000);   // until it is gone
     std::string regel(int rij);                        // UTF-8, right-trimmed
     std::string stuk(int rij, int kolom, int breedte); // UTF-8, untrimmed
     std::string scherm();                              // all rows, trailing blanks cut
@@ -60,7 +60,7 @@ public:
     int cursor_kolom();
     int bellen(); // bells heard so far
 
-    int einde(int ms = 5000); // wait for the end: exit status, 128 + signal, -1 when it still runs
+    int einde(int ms = 20000); // wait for the end: exit status, 128 + signal, -1 when it still runs
     bool leeft();
     void sein(int signaal);
     void hangop(); // the terminal goes away
