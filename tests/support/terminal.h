@@ -51,7 +51,7 @@ public:
     bool kalm(int ms = 20000);                          // until the program waits for a key
     bool wacht(std::string_view tekst, int ms = 20000); // until the text stands anywhere
     bool wacht_op(int rij, int kolom, std::string_view tekst, int ms = 20000);
-    bool weg(std::string_view tekst, int ms = 20000);   // until it is gone
+    bool weg(std::string_view tekst, int ms = 20000);  // until it is gone
     std::string regel(int rij);                        // UTF-8, right-trimmed
     std::string stuk(int rij, int kolom, int breedte); // UTF-8, untrimmed
     std::string scherm();                              // all rows, trailing blanks cut
