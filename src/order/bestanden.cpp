@@ -9,8 +9,6 @@
 
 namespace zg {
 
-ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab;
-
 levrec leverancier;
 artrec regelgroep;
 merkrec regelmerk, rijmerk;
@@ -31,17 +29,28 @@ struct Bestand {
     const char* naam;
     int modus;
     ICB** icb;
+    bool mag_ontbreken = false;
 };
 const Bestand BESTANDEN[] = {
-    {"DTART", 2, &dtart},   {"DTLEV", 2, &dtlev},       {"DTMAAT", 2, &dtmaat},   {"DTMERK", 2, &dtmerk},
-    {"DTMTOM", 2, &dtmtom}, {"DTOMZGRP", 0, &dtomzgrp}, {"DTVVTAB", 2, &dtvvtab},
+    {"DTART", 2, &dtart},
+    {"DTLEV", 2, &dtlev},
+    {"DTMAAT", 2, &dtmaat},
+    {"DTMERK", 2, &dtmerk},
+    {"DTMTOM", 2, &dtmtom},
+    {"DTOMZGRP", 2, &dtomzgrp},
+    {"DTVVTAB", 2, &dtvvtab},
+    {"DTDOELGR", 2, &dtdoelgr, true},
+    {"DTLEVEXT", 2, &dtlevext, true},
 };
 
 } // namespace
 
 void bestanden_open() {
+    stam_houder(stam_vergeet);
     for (const Bestand& b : BESTANDEN) {
         if (!stam_aanwezig(b.naam)) {
+            if (b.mag_ontbreken)
+                continue;
             errno = ENOENT;
             OPENFAIL("zgbestel", b.naam);
         }

@@ -1,7 +1,7 @@
 // The shared master files that the order program keeps open while it runs, and the records of them that it keeps: DTLEV, DTMAAT, DTMTOM and the
 // rates have their handles in their own modules, the others here.
 #pragma once
-#include "shared/stamrec.h"
+#include "shared/leesstam.h"
 
 namespace zg {
 
@@ -15,8 +15,6 @@ extern merkrec rijmerk; // of the line that is being painted
 // those of the lines before whatever is done to a line.
 void stam_vergeet();
 void regelstam_vergeet();
-
-extern ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab;
 
 // Open them all, in the order and modes that the sibling programs know. A pair that isn't there stops the
 // program with "Open niet gelukt".

@@ -2,14 +2,12 @@
 // it is loaded again after whatever may have changed it. Inserting, totals and saving are done here, whatever
 // screen made the line.
 #include "order/regelscherm.h"
-#include "order/bestanden.h"
 #include "order/kop.h"
 #include "order/later.h"
 #include "order/programma.h"
+#include "order/regelstam.h"
 #include "order/teksten.h"
-#include "shared/filveld.h"
-#include "shared/iomaat.h"
-#include "shared/leesstam.h"
+#include "shared/maatbalk.h"
 #include "shared/teksten.h"
 #include "sub/omlev.h"
 #include "term/ingave.h"
@@ -160,30 +158,6 @@ struct Blad {
     }
 };
 
-// The sizes of the cursor's line, one cursor for the run of the program.
-mthandle* maten;
-
-// Weights of the branches for the cursor's line: the article group's number for each branch that the brand
-// doesn't exclude, their sum behind them.
-void gewichten() {
-    leesart(dtart, &regelgroep, regel_nu.model.artikelgroep);
-    unsigned som = 0;
-    for (int f = 0; f < firma.filialen; f++) {
-        bool uit = regelmerk.merk != 0 && fil_in(regelmerk.uitgesloten, f);
-        unsigned w = uit || regelgroep.artikelgroep == 0 ? 0 : regelgroep.perfiliaal[f];
-        regel_nu.gewichten[static_cast<size_t>(f)] = static_cast<uint16_t>(w);
-        som += w;
-    }
-    regel_nu.gewichten[firma.filialen] = static_cast<uint16_t>(som);
-}
-
-bool maatsoort_bekend() {
-    const uint8_t soort = regel_nu.model.maatsoort;
-    leesmaat(&maten, mtstelsel(regelmerk.maatstelsel), soort ? soort : uint8_t{1}, regel_nu.dessin.maten);
-    mtinfo info{};
-    return soort != 0 && maten && mtread(maten, 'F', &info, 1) == 1;
-}
-
 // The line under the cursor into regel_nu; its totals. regel_bereikbaar tells whether it may be worked on.
 void laad(const ors_ingang* ingang, ordertotalen* totaal) {
     *totaal = {};
@@ -193,10 +167,9 @@ void laad(const ors_ingang* ingang, ordertotalen* totaal) {
         regel_wis(&regel_nu);
         return;
     }
-    leesmerk(dtmerk, &regelmerk, regel_nu.model.merk);
-    gewichten();
+    regelstam_lees(&regel_nu);
     regel_bereikbaar =
-        maatsoort_bekend() && (!registermodus || serie_laad(*ingang, &regel_nu, false) == Serie::gelezen);
+        regel_balk(regel_nu) && (!registermodus || serie_laad(*ingang, &regel_nu, false) == Serie::gelezen);
     // A line that can't be worked on counts all the same, and comes off the totals when it is deleted.
     regel_totaal(regel_nu, totaal);
 }
@@ -362,9 +335,7 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
 } // namespace
 
 void order_scherm_los() {
-    if (maten)
-        mtclose(maten);
-    maten = nullptr;
+    balk_sluit();
     regel_nu = {};
 }
 

@@ -18,8 +18,8 @@ extern ordertotalen ordertotaal;
 extern bool regel_bereikbaar; // the cursor's line was loaded and may be worked on
 // Runs until ESC or cancel.
 void order_scherm();
-// Give up what the screen keeps between orders: the cursor on the size table, the line in hand. The table must
-// still be open.
+// Give up what the screen keeps between orders: the bar in force, the line in hand. The size table must still be
+// open.
 void order_scherm_los();
 
 // The frame (once per season) and the header's values; totals too.

@@ -37,5 +37,20 @@ void fmclear(aantalmatrix* m);
 // Add to a cell and to its row's total, its column's total and the total of totals; the caller keeps each
 // within 32 bits. A branch or size outside the firm, or a matrix of another size, stops with INTERNAL 0.
 void fmadd(aantalmatrix* m, int filiaal, int maat, int32_t aantal);
+// A cell to this amount, through fmadd with the difference.
+void fmset(aantalmatrix* m, int filiaal, int maat, int32_t aantal);
+// Every row's sum and the row of totals anew from the cells, kept within 32 bits. Another size stops with
+// INTERNAL 1.
+void fmtotals(aantalmatrix* m);
+// Digits that the totals need: the narrowest column of the installation (kept within 3 to 5), 4 when one is above
+// 999, 5 when one is above 9999. Of a row of MAATKOLOMMEN, or of a matrix' row of totals.
+int fmwidth(const int32_t* rij);
+int fmwidth(const aantalmatrix& m);
+// Index of the one branch that holds all; firma.filialen when there is none, or nothing to hold. 0 with one
+// branch.
+int een_filiaal(const aantalmatrix& m);
+inline bool fm_leeg(const aantalmatrix& m) {
+    return matrix_totalen(m)[0] == 0;
+}
 
 } // namespace zg

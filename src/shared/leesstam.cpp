@@ -6,11 +6,14 @@
 #include "shared/report.h"
 #include "term/strings.h"
 #include "term/vast.h"
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
 
 namespace zg {
+
+ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab, *dtdoelgr, *dtlevext;
 namespace {
 
 // IXREAD by one of the keys through a buffer that holds what any header may say; the key that was current is
@@ -211,6 +214,20 @@ int opean(eanrec* rec, const char* tekst) {
 int opeanmaat(eanrec* rec, const seriesleutel& serie, uint8_t maat) {
     Paar paar("DTEAN");
     return paar.icb ? leeseanmaat(paar.icb, rec, serie, maat) : 0;
+}
+
+namespace {
+std::vector<void (*)()> houders;
+}
+
+void stam_houder(void (*vergeet)()) {
+    if (std::find(houders.begin(), houders.end(), vergeet) == houders.end())
+        houders.push_back(vergeet);
+}
+
+void stam_gewijzigd() {
+    for (void (*vergeet)() : houders)
+        vergeet();
 }
 
 } // namespace zg

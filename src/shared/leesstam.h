@@ -11,6 +11,10 @@ namespace zg {
 
 struct mthandle;
 
+// The open master tables, null when closed; whoever opens the shared files sets them. DTDOELGR and DTLEVEXT may be
+// missing from a data directory: null then, and an empty table. DTLEV is sub/omlev.h's, the sizes iomaat.h's.
+extern ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab, *dtdoelgr, *dtlevext;
+
 int leesart(ICB* icb, artrec* rec, int32_t artikelgroep);
 int leeskleinart(ICB* icb, kleinartrec* rec, uint16_t nummer);
 int leesmerk(ICB* icb, merkrec* rec, uint16_t merk);
@@ -41,6 +45,11 @@ int oplev(levrec* rec, uint16_t nummer);
 int opklant(klantrec* rec, int32_t nummer);
 int opean(eanrec* rec, const char* tekst);
 int opeanmaat(eanrec* rec, const seriesleutel& serie, uint8_t maat);
+
+// Modules keep master records between reads; each says once how they are forgotten, and whoever changed, added or
+// deleted a master record calls stam_gewijzigd: everybody reads anew.
+void stam_houder(void (*vergeet)());
+void stam_gewijzigd();
 
 // Can the pair be opened? IXOPEN stops the program where it can't.
 bool stam_aanwezig(const char* naam);

@@ -1,0 +1,52 @@
+// The master data behind a line, see order/regelstam.h.
+#include "order/regelstam.h"
+#include "shared/filveld.h"
+#include "shared/iofil.h"
+#include "shared/maatbalk.h"
+#include "sub/omlev.h"
+#include <cstring>
+
+namespace zg {
+
+void regelstam_lees(orderregel* regel) {
+    leesmerk(dtmerk, &regelmerk, regel->model.merk);
+    leesart(dtart, &regelgroep, regel->model.artikelgroep);
+    regel->gewichten.assign(firma.filialen + size_t{1}, 0);
+    unsigned som = 0;
+    for (int f = 0; f < firma.filialen; f++) {
+        const bool uit = fil_in(regel_uitgesloten(), f);
+        const unsigned w = uit || regelgroep.artikelgroep == 0 ? 0 : regelgroep.perfiliaal[f];
+        regel->gewichten[static_cast<size_t>(f)] = static_cast<uint16_t>(w);
+        som += w;
+    }
+    regel->gewichten[firma.filialen] = static_cast<uint16_t>(som);
+}
+
+uint8_t model_stelsel(const ordmodel& m, const merkrec& merk) {
+    relatie_lees(kop.leverancier, &leverancier);
+    const uint8_t eigen =
+        merk.merk == m.merk && merk.maatstelsel ? merk.maatstelsel : leverancier.maatstelsel;
+    const uint8_t stelsel = mtstelsel(eigen), standaard = mtstelsel(0);
+    return stelsel == standaard || maatsoort_gevuld(stelsel, m.maatsoort) ? stelsel : standaard;
+}
+
+bool regel_balk(const orderregel& regel) {
+    balk_open(model_stelsel(regel.model, regelmerk), regel.model.maatsoort, regel.dessin.maten);
+    mtinfo info{};
+    return maatbalk && mtread(maatbalk, 'F', &info, 1) == 1;
+}
+
+int regel_magazijn() {
+    int index;
+    if (regelgroep.artikelgroep == 0 || regelgroep.magazijn == GEEN_MAGAZIJN ||
+        !iofil_index(regelgroep.magazijn, &index) || index >= firma.filialen)
+        return -1;
+    return index;
+}
+
+const uint8_t* regel_uitgesloten() {
+    static const uint8_t GEEN[sizeof regelmerk.uitgesloten] = {};
+    return regelmerk.merk ? regelmerk.uitgesloten : GEEN;
+}
+
+} // namespace zg

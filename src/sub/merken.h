@@ -1,0 +1,16 @@
+// Brands (DTMERK): the field with its list, and the screen on one brand. DTMERK is opened by the program.
+#pragma once
+#include "shared/lijstveld.h"
+#include "shared/stamrec.h"
+
+namespace zg {
+
+// The field at a place: digits are a brand's number, else a search name that begins the search name of one brand
+// alone. F5 lists, an unknown number may be added, F10 in the list opens the record. 0 is no brand.
+Lijstuit merk_veld(int rij, int kolom, const char* opties, uint16_t* merk);
+// The screen on one brand: added (asked), looked at, changed and deleted. True when something was written.
+bool merk_scherm(uint16_t merk);
+// The search name proposed for a name: "Van der Velde" gives "VNDR".
+std::string merk_zoeknaam(const char* naam);
+
+} // namespace zg
