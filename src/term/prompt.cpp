@@ -126,15 +126,4 @@ void WACHTBOX() {
     WINCLOSE();
 }
 
-void TELAF(int rij, int n) {
-    WINOPEN1(rij, 1, 1, SCHERM.cols);
-    for (int kolom = 1; kolom <= std::min(n, SCHERM.cols); kolom++)
-        SCRPUT(A_WAARDE, 1, kolom, ".");
-    for (int over = n; over > 0; over--) {
-        SCRFLUSH(1);
-        SCRPUT(A_WAARDE, 1, over, " ");
-    }
-    WINCLOSE();
-}
-
 } // namespace zg

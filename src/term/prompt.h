@@ -39,7 +39,6 @@ void TOPTITEL(const char* tekst);
 void TOPREGEL(char soort, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
 
 void WACHTBOX();
-void TELAF(int rij, int n);
 
 // Line editor outside the field machinery; tekst holds lengte + 1. Answers K_F2 (entered) or K_ESC.
 int32_t REGELEDIT(int rij, int kolom, char* tekst, int lengte);

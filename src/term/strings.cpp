@@ -29,16 +29,6 @@ const char* bouw_afgekapt(int w, bool links, const char* erachter) {
     return formaat;
 }
 
-int hexcijfer(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    return -1;
-}
-
 } // namespace
 
 void WISTEKENS(char* s, int pos, int n) {
@@ -67,11 +57,6 @@ int ZOEKTEKEN(char c, const char* s) {
     return p ? static_cast<int>(p - s) : -1;
 }
 
-int ZOEKTEKST(const char* t, const char* s) {
-    const char* p = strstr(s, t);
-    return p ? static_cast<int>(p - s) : -1;
-}
-
 void RTRIM(char* s) {
     size_t n = strlen(s);
     while (n > 0 && s[n - 1] == ' ')
@@ -85,39 +70,6 @@ void LTRIM(char* s) {
 void TRIM(char* s) {
     RTRIM(s);
     LTRIM(s);
-}
-
-int VERGELIJK(const void* a, const void* b, size_t n) {
-    auto p = static_cast<const uint8_t*>(a), q = static_cast<const uint8_t*>(b);
-    for (size_t i = 0; i < n; i++)
-        if (p[i] != q[i])
-            return p[i] - q[i];
-    return 0;
-}
-
-void HEXTEKST(char* s) {
-    char* uit = s;
-    while (*s) {
-        int hoog = s[0] == '\\' ? hexcijfer(s[1]) : -1;
-        int laag = hoog >= 0 ? hexcijfer(s[2]) : -1;
-        if (laag >= 0) {
-            *uit++ = static_cast<char>(hoog * 16 + laag);
-            s += 3;
-        } else {
-            *uit++ = *s++;
-        }
-    }
-    *uit = 0;
-}
-
-size_t ALLOCEER(void** p, size_t min, size_t max) {
-    for (size_t n = max; n > 0 && n >= min; n /= 2) {
-        *p = calloc(1, n);
-        if (*p)
-            return n;
-    }
-    *p = nullptr;
-    return 0;
 }
 
 const char* TXTC(int w) {

@@ -12,18 +12,10 @@ void VOEGIN(char* s, char c, int pos);
 void VOEGTEKST(char* s, const char* t, int pos);
 // Index of the first one, -1 when there is none.
 int ZOEKTEKEN(char c, const char* s);
-int ZOEKTEKST(const char* t, const char* s);
 // Blanks off the end, off the front, off both.
 void RTRIM(char* s);
 void LTRIM(char* s);
 void TRIM(char* s);
-// Difference of the first unequal bytes (unsigned) in n, 0 when equal.
-int VERGELIJK(const void* a, const void* b, size_t n);
-// "\xx" with two hexadecimal digits becomes that byte; any other "\" stays.
-void HEXTEKST(char* s);
-// Zeroed memory of max bytes, or half, or a quarter ... but at least min. Its size; 0 and *p null when there is
-// none. The caller frees it.
-size_t ALLOCEER(void** p, size_t min, size_t max);
 // A number in a picture of "9Z* .,", its sign behind it; "*" all over when it doesn't fit. uit holds
 // strlen(plaatje) + 2.
 void PICTURE(const char* plaatje, double waarde, char* uit);

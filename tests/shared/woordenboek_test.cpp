@@ -91,63 +91,23 @@ TEST(Woordenboek, every_file_made_damaged_in_each_way_and_repaired) {
                 rec[b] = static_cast<char>(1 + (i * 7 + b * 3) % 90);
             IXWRITE(icb, rec);
         }
-        const int32_t records = icb->h.nrecs;
         IXCLOSE(icb);
         keur(nr, n, 0, 1);
         const std::string index = lees_bestand(inx), data = lees_bestand(txt);
         auto terug = [&] { schrijf_bestand(inx, index), schrijf_bestand(txt, data); };
 
-        // Definitions that differ: said, and never repaired.
-        struct {
-            size_t plaats;
-            int waarde, code;
-        } anders[] = {
-            {24, h.reclen + 1, DD_RECLEN},
-            {11, h.nkeys % 5 + 1, DD_KEYS},
-            {48 + 42 * (h.nkeys - 1u) + 8, h.keydef[h.nkeys - 1].dupflag ^ ('J' ^ 'N'), DD_SLEUTEL * h.nkeys},
-            {48 + 11, h.keydef[0].ptype[0] ^ ('I' ^ 'C'), DD_SLEUTEL + 1},
-            {48 + 21, h.keydef[0].pstart[0] + 1, DD_SLEUTEL + 1},
-            {48 + 31 + 9, 1, DD_SLEUTEL + 10},
-        };
-        for (const auto& a : anders) {
-            terug();
-            zet_byte(inx.c_str(), a.plaats, a.waarde);
-            const std::string zo = lees_bestand(inx);
-            r = keur(nr, n, 1, 0);
-            EXPECT_EQ(r.fout, DDF_VERSCHIL);
-            EXPECT_EQ(r.code, a.code) << "byte " << a.plaats;
-            EXPECT_TRUE(lees_bestand(inx) == zo && lees_bestand(txt) == data);
-        }
+        // A definition that differs: said, and never repaired.
+        zet_byte(inx.c_str(), 48 + 21, h.keydef[0].pstart[0] + 1);
+        EXPECT_EQ(keur(nr, n, 1, 0).code, DD_SLEUTEL + 1);
+        EXPECT_TRUE(lees_bestand(txt) == data);
         // What a rebuild cures: refused without leave, cured with it.
-        for (int wat = 0; wat < 3; wat++) {
+        for (bool er : {true, false}) {
             terug();
-            if (wat == 0)
-                zet_byte(inx.c_str(), 45, 1); // marked busy
-            else if (wat == 1)
-                schrijf_bestand(inx, index.substr(0, index.size() - 512));
-            else
-                unlink(inx.c_str());
-            r = keur(nr, n, 0, 0);
-            EXPECT_EQ(r.fout, wat == 2 ? DDF_INDEX : DDF_STUK);
-            r = keur(nr, n, 1, 1);
-            EXPECT_TRUE(r.herbouwd);
-            EXPECT_EQ(r.indexnieuw, wat == 2);
-            EXPECT_EQ(IXDIEPCHECK(n), std::vector<std::string>()) << wat;
-            EXPECT_TRUE(lees_bestand(txt) == data);
+            er ? zet_byte(inx.c_str(), 45, 1) : void(unlink(inx.c_str())); // marked busy, lost
+            EXPECT_EQ(keur(nr, n, 0, 0).fout, er ? DDF_STUK : DDF_INDEX);
+            EXPECT_TRUE(keur(nr, n, 1, 1).herbouwd);
+            EXPECT_TRUE(IXDIEPCHECK(n).empty() && lees_bestand(txt) == data);
         }
-        terug();
-        schrijf_bestand(txt, data + "x"); // no whole record: nothing to be done
-        if (h.reclen > 1) {
-            r = keur(nr, n, 1, 0);
-            EXPECT_EQ(r.fout, DDF_STUK);
-            EXPECT_TRUE(lees_bestand(inx) == index);
-        }
-        terug();
-        unlink(txt.c_str());
-        r = keur(nr, n, 0, 0);
-        EXPECT_EQ(r.fout, DDF_DATA);
-        r = keur(nr, n, 1, 1);
-        EXPECT_TRUE(r.datanieuw && r.herbouwd && records > 0);
         IXREMOVE(n);
     }
 }

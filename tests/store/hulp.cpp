@@ -6,8 +6,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
-#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -106,44 +104,14 @@ std::string gezondheid(const std::string& naam) {
 }
 
 std::string stopt(const std::function<void()>& werk) {
-    int pijp[2];
-    if (pipe(pijp) < 0)
-        return "pipe";
-    fflush(stdout);
-    pid_t pid = fork();
-    if (pid == 0) {
-        dup2(pijp[1], 1);
-        close(pijp[0]);
-        int niets = open("/dev/null", O_RDONLY);
-        dup2(niets, 0);
-        werk();
-        _exit(0);
-    }
-    close(pijp[1]);
-    std::string uit;
-    char b[4096];
-    for (ssize_t n; (n = read(pijp[0], b, sizeof b)) > 0;)
-        uit.append(b, static_cast<size_t>(n));
-    close(pijp[0]);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
-        return "";
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 1)
-        return "status " + std::to_string(status);
-    return uit.empty() ? "stopped without a word" : uit;
+    const Afloop a = in_proces([&] { return werk(), 0; });
+    return a.status == 0   ? ""
+           : a.status != 1 ? "status " + std::to_string(a.status)
+                           : (a.uitvoer.empty() ? "stopped without a word" : a.uitvoer);
 }
 
 int in_kind(const std::function<void()>& werk) {
-    fflush(nullptr);
-    pid_t pid = fork();
-    if (pid == 0) {
-        werk();
-        _exit(0);
-    }
-    int status = 0;
-    waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return in_proces([&] { return werk(), 0; }, 600'000).status;
 }
 
 int processen(int n, const std::function<bool(int)>& werk) {
@@ -162,65 +130,6 @@ int processen(int n, const std::function<bool(int)>& werk) {
         mis += status != 0;
     }
     return mis;
-}
-
-Agent::Agent(std::function<std::string(const std::string&)> doe) {
-    int heen[2], terug[2];
-    if (pipe(heen) < 0 || pipe(terug) < 0)
-        abort();
-    fflush(nullptr);
-    pid_ = fork();
-    if (pid_ == 0) {
-        close(heen[1]);
-        close(terug[0]);
-        IXWAITHOOK = korte_wacht;
-        char b[256];
-        for (ssize_t n; (n = read(heen[0], b, sizeof b)) > 0;) {
-            std::string a = doe(std::string(b, static_cast<size_t>(n))) + "\n";
-            if (write(terug[1], a.data(), a.size()) < 0)
-                break;
-        }
-        _exit(0);
-    }
-    close(heen[0]);
-    close(terug[1]);
-    heen_ = heen[1];
-    terug_ = terug[0];
-}
-
-Agent::~Agent() {
-    dood();
-    close(heen_);
-    close(terug_);
-}
-
-void Agent::dood() {
-    if (pid_ > 0) {
-        kill(pid_, SIGKILL);
-        waitpid(pid_, nullptr, 0);
-    }
-    pid_ = 0;
-}
-
-std::string Agent::vraag(const std::string& opdracht) {
-    if (write(heen_, opdracht.data(), opdracht.size()) < 0)
-        return "dead";
-    return antwoord(250);
-}
-
-std::string Agent::antwoord(int ms) {
-    std::string uit;
-    for (;;) {
-        pollfd p{terug_, POLLIN, 0};
-        if (poll(&p, 1, ms) <= 0)
-            return geen_antwoord;
-        char c;
-        if (read(terug_, &c, 1) != 1)
-            return "dead";
-        if (c == '\n')
-            return uit;
-        uit += c;
-    }
 }
 
 } // namespace zg::test

@@ -1,7 +1,8 @@
-// Help for the tests of the store: pairs by definition text, a stop that is caught instead of ending the test, and
-// agents: second processes that do what they are told on a pipe and answer.
+// Help for the tests of the store: pairs by definition text, a stop that is caught instead of ending the test, calls
+// that fail in their turn.
 #pragma once
 #include "store/ix.h"
+#include "support/proces.h"
 #include "support/terminal.h"
 #include <functional>
 #include <gtest/gtest.h>
@@ -32,24 +33,6 @@ struct KorteWacht {
     KorteWacht();
     ~KorteWacht();
     static int teller;
-};
-
-// A second process. `doe` runs in it for each command and answers; geen_antwoord is given when it doesn't answer
-// within a quarter of a second, which means that it waits for a lock, and ook_dan waits for that answer.
-class Agent {
-public:
-    explicit Agent(std::function<std::string(const std::string&)> doe);
-    ~Agent();
-    Agent(const Agent&) = delete;
-    Agent& operator=(const Agent&) = delete;
-    std::string vraag(const std::string& opdracht);
-    std::string antwoord(int ms = 10'000);
-    void dood(); // SIGKILL, and gone
-    static constexpr const char* geen_antwoord = "...";
-
-private:
-    pid_t pid_;
-    int heen_, terug_;
 };
 
 // Child process that runs `werk`: exit status, or 128 + signal.

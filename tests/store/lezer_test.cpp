@@ -74,6 +74,7 @@ struct Houder {
 // not there yet. Programs of the package write in this order.
 TEST(Lezer, SchrijverStaatStilMiddenInEenSplitsing) {
     TijdelijkeMap map;
+    KorteWacht kort;
     ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2"}}, 2);
     int n = 0;
     for (; icb->h.nblocks < 8; n += 2)
@@ -127,6 +128,7 @@ TEST(Lezer, SchrijverStaatStilMiddenInEenSplitsing) {
 // The record is written and its keys are not yet: the walk waits instead of going by a key that has moved on.
 TEST(Lezer, SchrijverStaatStilTussenRecordEnSleutels) {
     TijdelijkeMap map;
+    KorteWacht kort;
     ICB* icb = maak_open("T", tabel, 2);
     for (int i = 0; i < 10; i++)
         zet(icb, i, i * 10);

@@ -47,25 +47,6 @@ TEST(StoreScherm, GeenToegangNogmaalsProberen) {
     EXPECT_EQ(1, nee.einde());
 }
 
-TEST(StoreScherm, WieInDeWegZit) {
-    TijdelijkeMap map;
-    ICB* icb = maak_open("T", tabel, 2);
-    char r[20] = {1};
-    IXWRITE(icb, r);
-    EXPECT_EQ(1, IXREADL(icb, r));
-    Gesprek g([] {
-        ICB* i = IXOPEN("T", 2);
-        char s[20] = {1};
-        IXREADL(i, s);
-        IXCLOSE(i);
-        return std::string("got it");
-    });
-    EXPECT_TRUE(g.wacht("T          : proef               --> Informatie in gebruik op ander scherm"));
-    IXUNLOCK(icb, r);
-    EXPECT_EQ("got it", g.antwoord());
-    IXCLOSE(icb);
-}
-
 TEST(StoreScherm, AlleenLezen) {
     TijdelijkeMap map;
     maak_paar("T", tabel);

@@ -1,6 +1,7 @@
 #include "support/proces.h"
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -58,47 +59,67 @@ void verwacht_stop(const std::function<void()>& doe, const std::string& tekst) {
     EXPECT_NE(afloop.uitvoer.find(tekst), std::string::npos) << tekst << " in " << afloop.uitvoer;
 }
 
-Agent::Agent(const std::function<bool()>& doe) {
+Agent::Agent(std::function<std::string(const std::string&)> doe) {
     int heen[2], terug[2];
-    if (pipe2(heen, O_CLOEXEC) != 0 || pipe2(terug, O_CLOEXEC) != 0) {
-        ADD_FAILURE() << "no pipe";
-        return;
-    }
+    if (pipe2(heen, O_CLOEXEC) != 0 || pipe2(terug, O_CLOEXEC) != 0)
+        abort();
     fflush(nullptr);
     pid_ = fork();
     if (pid_ == 0) {
         close(heen[1]);
         close(terug[0]);
-        char c = doe() ? 1 : 0;
-        if (write(terug[1], &c, 1) != 1 || read(heen[0], &c, 1) < 0)
-            _exit(1);
+        char b[256];
+        for (ssize_t n; (n = read(heen[0], b, sizeof b)) > 0;) {
+            const std::string a = doe(std::string(b, static_cast<size_t>(n))) + "\n";
+            if (write(terug[1], a.data(), a.size()) < 0)
+                break;
+        }
         _exit(0);
     }
     close(heen[0]);
     close(terug[1]);
-    draad_ = heen[1];
-    char c = 0;
-    ok_ = read(terug[0], &c, 1) == 1 && c == 1;
-    close(terug[0]);
+    heen_ = heen[1];
+    terug_ = terug[0];
 }
 
-void Agent::laat_los() {
-    // A byte, not only the end of the pipe: another child may have inherited its end.
-    if (draad_ >= 0) {
-        [[maybe_unused]] ssize_t n = write(draad_, "", 1);
-        close(draad_);
-    }
-    draad_ = -1;
-    if (pid_ > 0)
-        waitpid(pid_, nullptr, 0);
-    pid_ = -1;
+Agent::Agent(const std::function<bool()>& doe)
+    : Agent([doe](const std::string&) -> std::string { return doe() ? "yes" : "no"; }) {
+    ok_ = vraag("do it", 60'000) == "yes";
+}
+
+Agent::~Agent() {
+    dood();
+    close(heen_);
+    close(terug_);
 }
 
 void Agent::dood() {
-    if (pid_ > 0)
+    if (pid_ > 0) {
         kill(pid_, SIGKILL);
-    signal(SIGPIPE, SIG_IGN);
-    laat_los();
+        waitpid(pid_, nullptr, 0);
+    }
+    pid_ = -1;
+}
+
+std::string Agent::vraag(const std::string& opdracht, int ms) {
+    if (write(heen_, opdracht.data(), opdracht.size()) < 0)
+        return "dead";
+    return antwoord(ms);
+}
+
+std::string Agent::antwoord(int ms) {
+    std::string uit;
+    for (;;) {
+        pollfd p{terug_, POLLIN, 0};
+        if (poll(&p, 1, ms) <= 0)
+            return geen_antwoord;
+        char c;
+        if (read(terug_, &c, 1) != 1)
+            return "dead";
+        if (c == '\n')
+            return uit;
+        uit += c;
+    }
 }
 
 } // namespace zg::test

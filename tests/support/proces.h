@@ -1,5 +1,5 @@
 // Other processes for tests: a piece of code in a child whose end and output are looked at (fatal stops), and
-// an agent that does something, says so, and stays until it is let go (locks).
+// an agent that does what it is told and stays until it is let go (locks).
 #pragma once
 #include <functional>
 #include <string>
@@ -18,22 +18,26 @@ Afloop in_proces(const std::function<int()>& doe, int ms = 20000);
 // `doe` must stop the program: status 1 and a report that holds `tekst`.
 void verwacht_stop(const std::function<void()>& doe, const std::string& tekst);
 
+// A second process. With a plain piece of work: returns when the child has done it, ok() is its answer, and the child
+// then stays, with its locks. With commands: `doe` runs in it for each and answers; geen_antwoord is given when it
+// doesn't answer within a quarter of a second, which means that it waits for a lock, and antwoord() waits for that one.
 class Agent {
 public:
-    // Returns when the child has done `doe`; ok() is its answer. The child then waits for the end of the
-    // object.
     explicit Agent(const std::function<bool()>& doe);
-    ~Agent() { laat_los(); }
+    explicit Agent(std::function<std::string(const std::string&)> doe);
+    ~Agent();
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
     bool ok() const { return ok_; }
     pid_t pid() const { return pid_; }
-    void laat_los(); // the child ends; returns when it has
-    void dood();     // by SIGKILL
+    std::string vraag(const std::string& opdracht, int ms = 250);
+    std::string antwoord(int ms = 10'000); // "dead" when there is none to come
+    void dood();                           // SIGKILL, and gone
+    static constexpr const char* geen_antwoord = "...";
 
 private:
     pid_t pid_ = -1;
-    int draad_ = -1;
+    int heen_ = -1, terug_ = -1;
     bool ok_ = false;
 };
 

@@ -65,16 +65,13 @@ TEST(Items, WalkChoicesAndLooking) {
          "a<Enter><F6><Enter>b<Enter><Esc><Esc>",
          "344-8 1 0 a b "},
         {"F6 and yes", {Itemwijze::nieuw, VRAAG, true}, "a<Enter><F6>J<Enter>", "34 0 0 a  "},
-        {"F6 at the choices, no and yes",
-         {Itemwijze::nieuw, ALLEEN8, true},
-         "<Esc><F6><Enter><F6>J<Enter>",
-         "8 0 0   "},
+
         {"not to be broken off", {Itemwijze::nieuw, ALLEEN8, false}, "<F6><Esc><F6><Esc>", "8 1 0   "},
         {"a change begins at the choices",
          {Itemwijze::wijzigen, VRAAG, false},
          "Vb<Enter>T<Enter><Esc>",
          "41 1 1  b "},
-        {"nothing changed", {Itemwijze::wijzigen}, "V<Enter>V<Esc><Esc>", "44 1 0   "},
+
         {"what may not be chosen", {Itemwijze::wijzigen}, "D<Back>EFc<Enter><Esc>", "8 1 1   c"},
         {"looking", {Itemwijze::lezen, VRAAG, true}, "F<Back>T<Back>VV<F6><Esc>", "kijk kijk  1 0   "},
     };

@@ -63,30 +63,6 @@ TEST(Venster, KeepsItsBorder) {
                   {9, 5, "└──────────┘"}}}});
 }
 
-TEST(Venster, EdgesAndCounts) {
-    static const struct {
-        int rij, kolom;
-        const char* tekst;
-        int n;
-    } GEVALLEN[] = {
-        {1, 80, "drie", 1}, {25, 80, "laatste", 1}, {1, 0, "x", 0}, {0, 1, "x", 0},
-        {26, 1, "x", 0},    {1, 81, "x", 0},        {25, 1, "", 0}, {-1, -1, "x", 0},
-    };
-    OpScherm t([] {
-        for (const auto& g : GEVALLEN)
-            if (SCRPUT(A_WAARDE, g.rij, g.kolom, "%s", g.tekst) != g.n)
-                SCRPUT(A_WAARDE, 2, 1, "fout %s", g.tekst);
-        TOETS();
-        WINOPEN(20, 70, 99, 99, 1); // moved in and cut
-        SCRPUT(A_WAARDE, 3, 1, "%dx%d", WINHOOGTE(), WINBREEDTE());
-    });
-    EXPECT_EQ(t.regel(2), "");
-    EXPECT_EQ(t.stuk(1, 80, 1), "d");
-    EXPECT_EQ(t.stuk(25, 80, 1), "l");
-    t.toetsen("x");
-    EXPECT_EQ(t.regel(3), "25x80");
-}
-
 TEST(Scherm, AttributesAndColours) {
     static const struct {
         uint32_t attr;
