@@ -17,16 +17,12 @@ const char TOETSEN[] =
     "<Del> <Back> <F1> <F2> <F3> <F5> <F6> <F7> <F8> <F10> <F11> <F12> 12 10 J N O W V R T M 010316 1 5 a "
     "\xC3\xA9 \xE2\x82\xAC - + / , . \\ % & Z xyz";
 
-long getal(const char* naam, long anders) {
-    const char* w = getenv(naam);
-    return w ? atol(w) : anders;
-}
-
 } // namespace
 
 TEST(Apen, RandomKeysLeaveASoundDirectory) {
-    const long aantal = getal("ZG_KEYS", 4000);
-    const auto zaad = static_cast<unsigned>(getal("ZG_SEED", 20160301));
+    const char *keys = getenv("ZG_KEYS"), *seed = getenv("ZG_SEED");
+    const long aantal = keys ? atol(keys) : 4000;
+    const auto zaad = static_cast<unsigned>(seed ? atol(seed) : 20160301);
     SCOPED_TRACE("ZG_SEED=" + std::to_string(zaad));
     std::mt19937 rnd(zaad);
     std::istringstream in(TOETSEN);
@@ -51,18 +47,14 @@ TEST(Apen, RandomKeysLeaveASoundDirectory) {
                 t.kalm();
             }
         }
-        if (t.leeft()) {
+        if (t.leeft())
             t.sein(SIGHUP);
-            EXPECT_GE(t.einde(10000), 0) << "outlives a hang-up";
-        } else {
-            // The menu's own end, or a report that a key gave: never a signal.
-            int status = t.einde();
-            EXPECT_LT(status, 2) << "status " << status << " after " << laatste << "\n" << t.scherm();
-        }
-        EXPECT_EQ(t.uitvoer().find("Sanitizer"), std::string::npos)
-            << t.uitvoer().substr(t.uitvoer().find("Sanitizer"));
-        EXPECT_EQ(t.uitvoer().find("runtime error"), std::string::npos);
-        ASSERT_EQ(t.scherm().find("AFGEBROKEN"), std::string::npos) << laatste << "\n" << t.scherm();
+        const int status = t.einde(10000); // the menu's own end, or the hang-up's: never a signal
+        EXPECT_TRUE(status == 0 || status == 1) << "status " << status << " after " << laatste << "\n"
+                                                << t.scherm();
+        for (const char* fout : {"Sanitizer", "runtime error", "AFGEBROKEN"})
+            EXPECT_EQ(t.uitvoer().find(fout), std::string::npos) << fout << " after " << laatste << "\n"
+                                                                 << t.scherm();
     }
     const std::string bin = "\"" ZG_BINARY_DIR "/\"";
     const std::string check =

@@ -11,22 +11,6 @@
 
 using namespace zg::test;
 
-TEST(Omstandigheid, VerwerkingActief) {
-    Datamap map;
-    auto argv = map.overgave();
-    const int batch = open(map.bestand("DTSYS.TXT").c_str(), O_RDWR | O_CLOEXEC);
-    ASSERT_TRUE(zg::IOLOCK('E', batch, zg::SYS_BATCHSLOTEN + 5 * 99, 99));
-    Terminal t(argv, map.opties());
-    t.wacht("Verwerking is actief", 10000);
-    t.stuur("x");
-    t.wacht("Wilt u wachten", 10000);
-    t.kalm();
-    t.reeks("N<Enter>");
-    EXPECT_EQ(t.einde(10000), 0) << t.scherm();
-    EXPECT_NE(t.uitvoer().find("menu: zgbsmenu"), std::string::npos);
-    close(batch);
-}
-
 // The journal can't be written: told, the old one stands, and the change is kept.
 TEST(Omstandigheid, SchijfVolBijHetVastleggen) {
     Datamap map;

@@ -81,15 +81,12 @@ void zet_userprog(Datamap& map, std::string naam) {
 const Weigering WEIGERINGEN[] = {
     {"four arguments", [](Datamap&, auto& argv, Opties&) { argv.pop_back(); },
      "zgbestel foutief gestart, code 99"},
-    {"six arguments", [](Datamap&, auto& argv, Opties&) { argv.push_back("x"); },
-     "zgbestel foutief gestart, code 99"},
+
     {"no system tables", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTSYS.TXT").c_str()); },
      "DTSYS.TXT niet aanwezig in"},
     {"other release", [](Datamap& map, auto&, Opties&) { map.sys(9 * 64 + 58, "8.60 "); },
      "Foutieve release: bestanden van 8.60"},
-    {"session 0", [](Datamap&, auto& argv, Opties&) { argv[3] = "0"; }, "foutief gestart, code 2"},
-    {"session no number", [](Datamap&, auto& argv, Opties&) { argv[3] = "zeven"; },
-     "foutief gestart, code 2"},
+
     {"session beyond the table", [](Datamap&, auto& argv, Opties&) { argv[3] = "100"; },
      "foutief gestart, code 2"},
     {"session nobody has", [](Datamap&, auto& argv, Opties&) { argv[3] = "9"; }, "foutief gestart, code 2"},
@@ -104,13 +101,10 @@ const Weigering WEIGERINGEN[] = {
      "foutief gestart, code 13"},
     {"no order parameters", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("ORDPARM.SYS").c_str()); },
      "Open niet gelukt (file=ORDPARM.SYS"},
-    {"order parameters cut short",
-     [](Datamap& map, auto&, Opties&) { schrijf_bestand(map.bestand("ORDPARM.SYS"), std::string(50, 'x')); },
-     "Open niet gelukt (file=ORDPARM.SYS"},
+
     {"no branch table", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTFILGEG.TXT").c_str()); },
      "Open niet gelukt (file=DTFILGEG.TXT"},
-    {"no supplier file", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTLEV.INX").c_str()); },
-     "Open niet gelukt (file=DTLEV"},
+
     {"unknown terminal", [](Datamap&, auto&, Opties& o) { o.term = "raar"; }, "Onbekende terminfo (Raar)",
      10},
 };

@@ -154,21 +154,7 @@ const Daad MET[] = {
         int32_t nr = LASTIG[in.onder(std::size(LASTIG))];
         IXSKIP(w.icb, w.rec, enige(in), LASTIG[in.onder(std::size(LASTIG))], &nr);
     },
-    [](Werk& w, Bron& in) { IXUNIQK(w.icb, w.rec, enige(in)); },
-    [](Werk& w, Bron& in) { IXEXISTSP(w.icb, w.rec, enige(in)); },
     [](Werk& w, Bron& in) { STAPPEN[in.onder(4)](w.icb, w.rec, enige(in)); },
-    [](Werk& w, Bron& in) {
-        if (w.icb->mode != 1 || !w.icb->tempidx)
-            return;
-        IXINITIX(w.icb);
-        IXBULK('O', w.icb, w.rec);
-        for (int i = static_cast<int>(in.onder(60)); i > 0; i--) {
-            vul(w.rec, w.icb->h.reclen, in.byte());
-            w.icb->currec = i;
-            IXBULK('W', w.icb, w.rec);
-        }
-        IXBULK('C', w.icb, w.rec);
-    },
     [](Werk& w, Bron&) {
         if (w.icb->currec >= 0 && w.icb->currec < w.icb->h.nrecs)
             IXPUTREC(w.icb, w.rec);

@@ -259,29 +259,28 @@ TEST(Orddump, vindt_wat_niet_kan) {
         const char* opties = "";
     } const rijen[] = {
         {goed, "1 lines"},
-        {"", "0 orders"},
+
         {goed + "Q", "unknown tag, byte 51"},
         {goed.substr(0, goed.size() - 1), "ends inside this 'E'"},
-        {m + s, "does not begin with an order"},
+
         {o + s, "line without a model"},
         {o + m, "model without a line"},
         {goed + std::string(1, 'T') + std::string(61, '\1'), "wrong place"},
         {o + m + s.substr(0, 129), "size 5 has no prices"},
         {o + m + d + s.substr(129, 13), "size 5 has prices but is not"},
-        {o + m + d + s.substr(142), "extension without"},
+
         {o + m + d + std::string(1, 'F') + std::string(8, '\1'), "quantity outside"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {{0, 96, 1}}}}}), "size 96"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {{0, 1, -1}}}}}), "quantity -1"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {{3, 1, 1}}}}}), "branch index 3", "-b 3"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {}}, {0, 2, {}}}}), "same last date"},
         {goed, "of its five pieces", "-k work"},
-        {goed + goed, "second order", "-k work"},
+
     };
     for (const auto& rij : rijen) {
         zet("JRN", rij.b);
         Uit u = dump(std::string("-c ") + rij.opties + " " + pad("JRN"));
-        EXPECT_EQ(u.status, strstr(rij.zegt, "1 lines") || strstr(rij.zegt, "0 orders") ? 0 : 1)
-            << rij.zegt << u.tekst;
+        EXPECT_EQ(u.status, strstr(rij.zegt, "1 lines") ? 0 : 1) << rij.zegt << u.tekst;
         EXPECT_TRUE(u.zegt(rij.zegt)) << rij.zegt << "\n" << u.tekst;
     }
     EXPECT_EQ(dump("--version").status, 0);

@@ -5,14 +5,6 @@
 using namespace zg;
 using namespace zg::test;
 
-TEST(Korting, Stappen) {
-    EXPECT_DOUBLE_EQ(korting_stap('+', 10, 10), 20);
-    EXPECT_NEAR(korting_stap('*', 10, 10), 19, 1e-9);
-    EXPECT_NEAR(korting_stap('*', 50, -10), 45, 1e-9);
-    EXPECT_DOUBLE_EQ(korting_stap('C', 30, 5), 0);
-    EXPECT_DOUBLE_EQ(korting_stap('I', 30, 5), 5);
-}
-
 TEST(Korting, VeldEnBerekening) {
     struct {
         const char *wat, *toetsen;

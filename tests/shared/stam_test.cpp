@@ -155,25 +155,6 @@ TEST_F(Stam, ReadsOnlyWhenItMust) {
     verwacht_stop([&] { leesart(nullptr, &rec, 1); }, "leesstam: errno=1");
 }
 
-TEST_F(Stam, OpensForOneRead) {
-    levrec rec{};
-    EXPECT_EQ(oplev(&rec, 10), 0) << "no such file";
-    schrijf_bestand("DTLEV.TXT", "");
-    schrijf_bestand("DTLEV.INX", std::string(511, 'x'));
-    EXPECT_EQ(oplev(&rec, 10), 0) << "an index of 511 bytes can't be opened";
-    IOUNLINK("DTLEV.INX");
-    ICB* icb = nieuw_paar("DTLEV", {"leveranciers,332", "k1,NODUPS,I,1,2"});
-    levrec lev{};
-    lev.nummer = 13;
-    VASTIN(lev.naam, "M\x9Bller & S\x9Bn");
-    schrijf(icb, lev);
-    IXCLOSE(icb);
-    EXPECT_EQ(oplev(&rec, 13), 1);
-    EXPECT_TRUE(VASTGELIJK(rec.naam, "M\x9Bller & S\x9Bn"));
-    EXPECT_EQ(oplev(&rec, 14), 0);
-    EXPECT_EQ(rec.nummer, 0);
-}
-
 TEST_F(Stam, EanCodes) {
     ICB* icb = nieuw_paar("DTEAN", {"EAN-relaties,28", "k1,NODUPS,C,1,13",
                                     "k2,NODUPS,C,14,14,I,17,20,I,15,16,I,21,22,I,23,23"});
@@ -327,27 +308,6 @@ TEST_F(Maten, OtherSystemKeepsPositionsOnly) {
     leesmaat(&h, 1, 4, nullptr);
     EXPECT_EQ(loop(h, 2), "");
     mtclose(h);
-}
-
-TEST_F(Maten, FourthHandleIsToldAndServes) {
-    auto vier = [] {
-        mthandle* h[4];
-        for (int i = 0; i < 4; i++)
-            h[i] = mtopen(1, 4, i == 3 ? 2 : 0);
-        mtinfo s = info(1, "S");
-        int goed = mtinsert(h[3], &s) && mtpos(h[3], s.maatnr) == 1;
-        for (auto& deze : h)
-            mtclose(deze);
-        return goed;
-    };
-    test::Gesprek t([&] { return test::vorm("%d", vier()); });
-    EXPECT_TRUE(t.wacht("mtopen-fout") && t.wacht("Neem contact op met de Support-groep")) << t.scherm();
-    EXPECT_EQ(t.bellen(), 1);
-    t.toetsen("<Enter>");
-    t.wacht("mtclose-fout");
-    t.toetsen("<Enter>");
-    EXPECT_EQ(t.antwoord(), "1");
-    EXPECT_EQ(test::in_proces(vier).status, 1) << "nor does a tool without a screen stop on it";
 }
 
 // Any 404 bytes: walks end and stay inside the tables.

@@ -92,22 +92,5 @@ TEST(Cache, evicts_without_loss_or_end) {
     }
 }
 
-TEST(Cache, serves_one_handle_at_a_time) {
-    TijdelijkeMap map;
-    ICB* een = maak(1);
-    ICB* twee = IXCREATE("D", 1);
-    ASSERT_EQ(IOCACHE('I', een, 0), 1);
-    EXPECT_EQ(IOCACHE('I', twee, 0), 0);
-    EXPECT_EQ(twee->cached, 0);
-    EXPECT_EQ(IOCACHE('W', twee, 1), 0);
-    EXPECT_EQ(IOCACHE('R', een, -3), 0);
-    EXPECT_EQ(IOCACHE('R', een, 77), 0) << "past the end";
-    EXPECT_EQ(een->node[0], 0);
-    IXCLOSE(een); // gives the cache back
-    EXPECT_EQ(IOCACHE('I', twee, 0), 1);
-    IOCACHE('F', twee, 0);
-    IXLAATLOS(twee);
-}
-
 } // namespace
 } // namespace zg::test

@@ -47,22 +47,5 @@ TEST(StoreScherm, GeenToegangNogmaalsProberen) {
     EXPECT_EQ(1, nee.einde());
 }
 
-TEST(StoreScherm, AlleenLezen) {
-    TijdelijkeMap map;
-    maak_paar("T", tabel);
-    Gesprek g([] {
-        ICB* i = IXOPEN("T", 0);
-        char s[20] = {1};
-        int uit = IXWRITE(i, s);
-        IXCLOSE(i);
-        return vorm("%d", uit);
-    });
-    EXPECT_TRUE(g.wacht("IXWRITE op een bestand dat READ-ONLY geopend is"));
-    EXPECT_TRUE(g.wacht("Waarschuwing"));
-    g.toetsen("<Enter>");
-    EXPECT_EQ("1", g.antwoord());
-    EXPECT_EQ("", lees_bestand("T.TXT"));
-}
-
 } // namespace
 } // namespace zg::test
