@@ -19,6 +19,8 @@ struct Item {
     bool (*aanwezig)() = nullptr;
     // Look at it: the one function that is called where the record may only be looked at. It changes nothing.
     void (*bekijk)() = nullptr;
+    // What is asked, in a line; shown meanwhile where the screen has a row for it.
+    const Tekst* hulp = nullptr;
 };
 
 struct Itemscherm {
