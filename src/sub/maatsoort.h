@@ -12,8 +12,10 @@ extern const Lijsttabel MAATSOORTTABEL;
 // The screen of one size type, in a window of its own, in a size system: entered when it is new (asked first), else
 // looked at and changed under its lock. True when the type is there afterwards, with sizes in this system.
 bool maatsoort_onderhoud(int rij, int kolom, uint8_t stelsel, uint8_t soort);
-// The field; `moet_bestaan`: an unknown number is refused, otherwise it is left to the caller.
-Lijstuit maatsoort_veld(int rij, int kolom, const char* opties, uint8_t* soort, bool moet_bestaan);
+// The field; `moet_bestaan`: an unknown number is refused, otherwise it is left to the caller. F10 in its list opens the
+// type's screen in `stelsel`, 0 for the firm's size system.
+Lijstuit maatsoort_veld(int rij, int kolom, const char* opties, uint8_t* soort, bool moet_bestaan,
+                        uint8_t stelsel = 0);
 
 // The bars of the type in force: "STVW" or a part of it. Selecting adds the bar's sizes, those that the type has, to
 // the set. False when left without a selection.
