@@ -1,0 +1,263 @@
+// The memory and the rules of order/verdelen.h.
+#include "order/verdelen.h"
+#include "order/meld.h"
+#include "order/regelstam.h"
+#include "order/wrk.h"
+#include "shared/filveld.h"
+#include "shared/maatbalk.h"
+#include "shared/report.h"
+#include <algorithm>
+#include <cstring>
+
+namespace zg {
+
+namespace {
+
+constexpr uint8_t PER_MAAT = 4;             // of instel15.optie13: a memory for each size
+constexpr int64_t STUKKENGRENS = 1LL << 46; // times the sum of 250 weights stays within 64 bits
+
+struct Verdeling {
+    uint16_t merk;
+    uint8_t maatsoort;
+    char model[sizeof(ordmodel::model)];
+    std::vector<int64_t> stukken; // given, by column and branch; per column the sum behind them
+    std::vector<int32_t> gewicht; // by branch
+    int64_t som;                  // of the weights
+};
+Verdeling nu; // no model: `gewicht` is empty
+
+// The pieces of a size's column: firma.filialen cells and their sum.
+int64_t* kolom(int maat) {
+    const int k = instel15.optie13 & PER_MAAT ? maat : 0;
+    return nu.stukken.data() + static_cast<size_t>(k) * (nu.gewicht.size() + 1);
+}
+
+int64_t tekort(const int64_t* stukken, size_t filiaal) {
+    return stukken[nu.gewicht.size()] * nu.gewicht[filiaal] - stukken[filiaal] * nu.som;
+}
+
+void toets_start(int filiaal, int maat) {
+    if (nu.gewicht.empty() || filiaal < 0 || filiaal >= std::ssize(nu.gewicht) || maat < 1 || maat > MATEN)
+        INTERNAL("verdelen", 1);
+}
+
+bool zelfde_model(const ordmodel& a, const ordmodel& b) {
+    return a.merk == b.merk && a.maatsoort == b.maatsoort && memcmp(a.model, b.model, sizeof a.model) == 0;
+}
+
+// One size being divided: what is left of it, and what each branch gets on top of what it has.
+struct Maatdeling {
+    const aantalmatrix& matrix;
+    int maat;
+    int64_t over;
+    std::vector<int64_t> krijgt;
+
+    int64_t heeft(size_t f) const { return matrix_cel(matrix, static_cast<int>(f), maat) + krijgt[f]; }
+    void geef(size_t f, int64_t aantal) {
+        krijgt[f] += aantal;
+        over -= aantal;
+        verdeel_boek(static_cast<int>(f), maat, aantal);
+    }
+    // To the branch of the rest, which is not booked.
+    void geef_rest(int rest, int64_t aantal) {
+        krijgt[static_cast<size_t>(rest)] += aantal;
+        over -= aantal;
+    }
+};
+
+// By numbers: everyone his own, the rest to one branch, as long as there is enough for that.
+void ronde_aantal(Maatdeling& d, int rest) {
+    if (d.over < nu.som)
+        return;
+    const int zonder = regelgroep.vlaggen & ART_GEEN_VERKOOP ? regel_magazijn() : -1;
+    for (size_t f = 0; f < nu.gewicht.size(); f++)
+        if (static_cast<int>(f) != zonder)
+            d.geef(f, nu.gewicht[f]);
+    d.geef_rest(rest, d.over);
+}
+
+// By priority: everyone the minimum, the warehouse its percentage of what there was.
+void ronde_minimum(Maatdeling& d, int rest) {
+    const auto mee = std::count_if(nu.gewicht.begin(), nu.gewicht.end(), [](int32_t w) { return w > 0; });
+    if (d.over < int64_t{regelgroep.minimum} * mee)
+        return;
+    const int64_t deel = (int64_t{regelgroep.magazijnpct} * d.over + 50) / 100; // rounded
+    for (size_t f = 0; f < nu.gewicht.size(); f++)
+        if (nu.gewicht[f])
+            d.geef(f, regelgroep.minimum);
+    d.geef_rest(rest, std::min(deel, d.over));
+}
+
+// One piece for everyone below the minimum, as long as there is one for each.
+void rondes_bijvullen(Maatdeling& d) {
+    for (;;) {
+        std::vector<size_t> onder;
+        for (size_t f = 0; f < nu.gewicht.size(); f++)
+            if (nu.gewicht[f] && d.heeft(f) < regelgroep.minimum)
+                onder.push_back(f);
+        if (onder.empty() || d.over < std::ssize(onder))
+            return;
+        for (size_t f : onder)
+            d.geef(f, 1);
+    }
+}
+
+// Piece by piece to the greatest deficit: by priority among all, by numbers among those below theirs, which is compared
+// to the low byte of what they have. The deficits are followed here: those of a size that has many pieces are asked
+// often, as they were before the last piece was given.
+void stuk_voor_stuk(Maatdeling& d, bool tot_aantal) {
+    struct Mee {
+        int64_t tekort, ruimte;
+        int32_t gewicht, kreeg;
+        size_t filiaal;
+    };
+    std::vector<Mee> mee;
+    const int64_t* stukken = kolom(d.maat);
+    for (size_t f = 0; f < nu.gewicht.size(); f++) {
+        const int64_t ruimte = tot_aantal ? nu.gewicht[f] - static_cast<uint8_t>(d.heeft(f)) : d.over;
+        if (nu.gewicht[f] && ruimte > 0)
+            mee.push_back({tekort(stukken, f) - nu.gewicht[f], ruimte, nu.gewicht[f], 0, f});
+    }
+    int64_t in_ronde = 0;
+    while (d.over - in_ronde > 0 && !mee.empty()) {
+        auto beste = mee.begin();
+        for (auto m = mee.begin(); m != mee.end(); ++m) {
+            m->tekort += m->gewicht;
+            if (m->tekort > beste->tekort)
+                beste = m;
+        }
+        beste->tekort -= nu.som;
+        beste->kreeg++;
+        in_ronde++;
+        if (beste->kreeg >= beste->ruimte) {
+            in_ronde -= beste->kreeg;
+            d.geef(beste->filiaal, beste->kreeg);
+            mee.erase(beste);
+        }
+        if (in_ronde < nu.som)
+            continue;
+        // As many pieces as all weights together: when each got its weight the deficits are what they were, and what
+        // follows is this round again and again.
+        const bool rond =
+            std::all_of(mee.begin(), mee.end(), [](const Mee& m) { return m.kreeg == m.gewicht; });
+        const int64_t keren = rond ? d.over / nu.som : 1;
+        for (Mee& m : mee) {
+            d.geef(m.filiaal, m.kreeg * keren);
+            m.kreeg = 0;
+        }
+        in_ronde = 0;
+    }
+    for (const Mee& m : mee)
+        d.geef(m.filiaal, m.kreeg);
+}
+
+void verdeel_maat(Maatdeling& d, int rest) {
+    const bool aantal = regelgroep.verdeelsoort == 'A';
+    if (aantal)
+        ronde_aantal(d, rest);
+    else
+        ronde_minimum(d, rest);
+    rondes_bijvullen(d);
+    if (aantal || regelgroep.verdeelsoort == 'P')
+        stuk_voor_stuk(d, aantal);
+    d.geef_rest(rest, d.over);
+}
+
+} // namespace
+
+void verdeel_start(const ordmodel& m, const uint8_t* uitgesloten) {
+    if (std::ssize(nu.gewicht) == firma.filialen && nu.merk == m.merk && nu.maatsoort == m.maatsoort &&
+        memcmp(nu.model, m.model, sizeof nu.model) == 0)
+        return;
+    nu.merk = m.merk;
+    nu.maatsoort = m.maatsoort;
+    memcpy(nu.model, m.model, sizeof nu.model);
+    nu.gewicht.assign(firma.filialen, 0);
+    nu.som = 0;
+    for (int f = 0; f < firma.filialen && regelgroep.artikelgroep != 0; f++)
+        if (!fil_in(uitgesloten, f))
+            nu.som += nu.gewicht[static_cast<size_t>(f)] = regelgroep.perfiliaal[f];
+    nu.stukken.assign((firma.filialen + size_t{1}) * MAATKOLOMMEN, 0);
+}
+
+void verdeel_vrij() {
+    nu = {};
+}
+
+void verdeel_boek(int filiaal, int maat, int64_t aantal) {
+    toets_start(filiaal, maat);
+    int64_t* stukken = kolom(maat);
+    int64_t& som = stukken[nu.gewicht.size()];
+    if (som + aantal > STUKKENGRENS)
+        return; // only a damaged file holds so many
+    stukken[filiaal] += aantal;
+    som += aantal;
+}
+
+int verdeel_beste(int a, int b, int maat) {
+    if (a < 0 || b < 0)
+        return std::max(a, b);
+    toets_start(std::max(a, b), maat);
+    const int64_t* stukken = kolom(maat);
+    return tekort(stukken, static_cast<size_t>(a)) > tekort(stukken, static_cast<size_t>(b)) ? a : b;
+}
+
+void verdeel_herbouw(const orderregel& regel, const ors_ingang* eigen, uint16_t tot) {
+    verdeel_vrij();
+    verdeel_start(regel.model, regel_uitgesloten());
+    for (const levterm& term : regel.termen)
+        if (term.tot != tot)
+            for (const levcel& cel : term.cellen)
+                verdeel_boek(cel.filiaal, cel.maat, cel.aantal);
+    if (!werk)
+        return;
+    ordloop l;
+    ordrauw r;
+    ordloop_begin(&l, werk->fd, 0, INT64_MAX);
+    bool ons_model = false, telt = false;
+    while (ord_verder(werk, &l, &r, "verdelen", 2)) {
+        if (r.tag == 'F' && telt) {
+            ordfil f;
+            memcpy(&f, r.data + 1, sizeof f);
+            if (f.filiaal < firma.filialen && f.maat >= 1 && f.maat <= MATEN && f.aantal > 0)
+                verdeel_boek(f.filiaal, f.maat, f.aantal);
+        } else if (r.tag == 'M') {
+            ordmodel m;
+            memcpy(&m, r.data + 1, sizeof m);
+            ons_model = zelfde_model(m, regel.model);
+            telt = false;
+        } else if (r.tag == 'D') {
+            telt = ons_model && !(eigen && eigen->d == r.offset);
+        }
+    }
+}
+
+int bronrij(const aantalmatrix& matrix) {
+    const int een = een_filiaal(matrix), magazijn = regel_magazijn();
+    return een == firma.filialen && magazijn >= 0 ? magazijn : een;
+}
+
+int restrij(int bron) {
+    const int magazijn = regel_magazijn();
+    return magazijn >= 0 ? magazijn : bron == firma.filialen ? 0 : bron;
+}
+
+void auto_verdelen(aantalmatrix* matrix) {
+    const int bron = bronrij(*matrix), rest = restrij(bron);
+    if (bron == firma.filialen)
+        return;
+    verdeel_start(regel_nu.model, regel_uitgesloten());
+    for (int k = 1; k <= balk_kolommen(); k++) {
+        const int maat = balk_maat(k);
+        const int32_t stuks = matrix_cel(*matrix, bron, maat);
+        if (stuks <= 0)
+            continue;
+        fmset(matrix, bron, maat, 0);
+        Maatdeling d{*matrix, maat, stuks, std::vector<int64_t>(firma.filialen, 0)};
+        verdeel_maat(d, rest);
+        for (int f = 0; f < firma.filialen; f++)
+            fmadd(matrix, f, maat, static_cast<int32_t>(d.krijgt[static_cast<size_t>(f)]));
+    }
+}
+
+} // namespace zg
