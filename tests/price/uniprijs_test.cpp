@@ -1,0 +1,320 @@
+// The arithmetic of a series' prices, with numbers worked out by hand.
+#include "price/ing_val.h"
+#include "price/uniprijs.h"
+#include "shared/maatbalk.h"
+#include "support/paar.h"
+#include "support/proces.h"
+#include "support/systeem.h"
+#include <cmath>
+#include <limits>
+
+namespace zg {
+namespace {
+
+constexpr int32_t HOOGSTE = INT32_MAX - 1;
+constexpr double GEEN_GETAL = std::numeric_limits<double>::quiet_NaN();
+
+// Twenty sizes on the bar: size 10 comes first, then 1 to 9, then 11 to 20.
+struct Uniprijs : test::Systeem {
+    prijsrijen rijen{};
+    Uniprijs() {
+        VASTIN(instel15.valuta, "EUR");
+        valuta(3, "EUR", 2, "Euro");
+        valuta_vergeet();
+        up_context = {"EUR", 2, 1.0, 10000, 0, 0, 210, Calcmodus::geen, 0, 0, 0, 0};
+        firma = {};
+        firma.maatstelsel = 1;
+        firma.btw[0] = 60, firma.btw[1] = 210;
+        dtmaat = test::nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
+        maatrij rec{};
+        rec.stelsel = 1, rec.soort = 4;
+        for (int maat = 1; maat <= 20; maat++)
+            rec.entry[maat].link = static_cast<uint8_t>(maat == 10 ? 1 : maat < 10 ? maat + 1 : maat);
+        test::schrijf(dtmaat, rec);
+        balk_open(1, 4, set({3}).data()); // the choice is the grid's, not the walks'
+    }
+    ~Uniprijs() override {
+        balk_sluit();
+        IXCLOSE(dtmaat);
+        dtmaat = nullptr;
+        instel15 = {};
+        firma = {};
+    }
+    static std::array<uint8_t, MAATBYTES> set(std::initializer_list<int> maten) {
+        std::array<uint8_t, MAATBYTES> uit{};
+        for (int maat : maten)
+            maat_aan(uit.data(), maat);
+        return uit;
+    }
+    static std::string tekst(const uint8_t* maten) {
+        std::string uit;
+        for (int maat = 1; maat <= MATEN; maat++)
+            if (maat_in(maten, maat))
+                uit += std::to_string(maat) + " ";
+        return uit;
+    }
+};
+
+TEST_F(Uniprijs, discounts) {
+    struct {
+        double order, regel;
+        int32_t bruto, netto;
+    } const gevallen[] = {
+        {10, 10, 100, 81},
+        {99.99, 0, 10000, 1},
+        {99.991, 0, 10000, 10000}, // out of range: none
+        {100, 25, 10000, 7500},
+        {GEEN_GETAL, 25, 10000, 7500},
+        {-50, 0, 201, 302}, // 301.5
+        {60, 0, 1, 1},      // 0.4 would take the size out of the row
+        {-99.99, 0, HOOGSTE, HOOGSTE},
+        {10, 0, PRIJS_ONBEKEND, PRIJS_ONBEKEND},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(std::to_string(g.order) + " " + std::to_string(g.regel));
+        up_orderkorting(g.order);
+        up_regelkorting(g.regel);
+        rijen = {};
+        rijen.bruto[95] = g.bruto;
+        rijen.netto[94] = 5;
+        up_netto_alle(&rijen);
+        EXPECT_EQ(rijen.netto[95], g.netto);
+        EXPECT_EQ(rijen.netto[94], 0) << "without a gross price";
+        prijsgroep_info groep{};
+        maat_aan(groep.maten, 95);
+        rijen.netto[95] = 7;
+        up_netto_groep(&rijen, &groep, up_totaalkorting(g.order, g.regel));
+        EXPECT_EQ(rijen.netto[95], g.netto) << "by group";
+    }
+    EXPECT_DOUBLE_EQ(up_totaalkorting(10, 10), 19);
+    struct {
+        int32_t bruto, netto;
+        double korting;
+    } const terug[] = {{300, 200, 33.33}, {100, 250, -100},         {100, 150, -50},
+                       {0, 100, 0},       {100, PRIJS_ONBEKEND, 0}, {1, HOOGSTE, -100}};
+    for (const auto& g : terug) {
+        rijen.bruto[7] = g.bruto, rijen.netto[7] = g.netto;
+        prijsgroep_info groep{};
+        groep.eerste.maatnr = 7;
+        EXPECT_DOUBLE_EQ(up_korting_groep(rijen, groep), g.korting) << g.bruto << " " << g.netto;
+    }
+}
+
+TEST_F(Uniprijs, advice_prices) {
+    struct {
+        int32_t inkoop;
+        Calcmodus modus;
+        double waarde;
+        int32_t kaal, rond;
+    } const gevallen[] = {
+        {480, Calcmodus::factor, 2.5, 1200, 1250},
+        {500, Calcmodus::factor, 2.5, 1250, 1250},
+        {1251, Calcmodus::factor, 1, 1251, 1295},
+        {10000, Calcmodus::factor, 1, 10000, 10050},
+        {10001, Calcmodus::factor, 1, 10001, 10500},
+        {10501, Calcmodus::factor, 1, 10501, 10950},
+        {1000, Calcmodus::marge, 50, 2420, 2450}, // 1.21 x 2000
+        {1017, Calcmodus::marge, 50, 2461, 2495}, // 1.21 x 2034 = 2461.14
+        {1000, Calcmodus::geen, 2.5, 0, 0},
+        {0, Calcmodus::factor, 2.5, 0, 0},
+        {1000, Calcmodus::marge, 100, 0, 0},
+        {1000, Calcmodus::marge, 250, 0, 0},
+        {1000, Calcmodus::factor, -3, 0, 0},
+        {1000, Calcmodus::factor, GEEN_GETAL, 0, 0},
+        {HOOGSTE, Calcmodus::factor, 1, HOOGSTE, HOOGSTE},
+        {HOOGSTE, Calcmodus::marge, 99.99, HOOGSTE, HOOGSTE},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(std::to_string(g.inkoop) + " x " + std::to_string(g.waarde));
+        EXPECT_EQ(up_bereken_advies(g.inkoop, g.modus, g.waarde, false), g.kaal);
+        EXPECT_EQ(up_bereken_advies(g.inkoop, g.modus, g.waarde, true), g.rond);
+    }
+    VASTIN(instel15.valuta, "USD");
+    EXPECT_EQ(up_bereken_advies(480, Calcmodus::factor, 2.5, true), 1200) << "another home currency";
+
+    // Margin: 100 - 2 x 1000 x 100 / (2 x 2420 / 1.21).
+    prijsgroep_info groep{};
+    for (int maat : {4, 5}) {
+        maat_aan(groep.maten, maat);
+        rijen.inkoop[static_cast<size_t>(maat)] = 1000;
+        rijen.advies[static_cast<size_t>(maat)] = 2420;
+    }
+    EXPECT_DOUBLE_EQ(up_marge_groep(rijen, groep), 50);
+    rijen.advies = {};
+    EXPECT_EQ(up_marge_groep(rijen, groep), 0);
+}
+
+// Calculation factors of brands, stored without VAT; the highest rate is 21%.
+TEST_F(Uniprijs, calculation_factor) {
+    EXPECT_DOUBLE_EQ(calcfactor_btw('L', 2), 2.42);
+    EXPECT_DOUBLE_EQ(calcfactor_btw('L', 0.333), 0.403); // 0.40293
+    EXPECT_DOUBLE_EQ(calcfactor_btw('F', 2.42), 2);
+    EXPECT_EQ(calcfactor_btw('X', 2), 0);
+    struct {
+        int merk, factor;
+        double calc;
+    } const gevallen[] = {{12, 2000, 2.42}, {12, 2000, 3.5}, {12, 2100, 2.541},
+                          {13, 2000, 2.42}, {14, -5, 2.42},  {15, 32767, 2.42}};
+    for (const auto& g : gevallen) {
+        if (g.calc == 3.5)
+            up_calcfactor(3.5); // entered since: the same brand leaves it
+        up_calcfactor_merk(static_cast<uint16_t>(g.merk), static_cast<int16_t>(g.factor));
+        EXPECT_DOUBLE_EQ(up_context.calcfactor, g.calc) << g.merk << " " << g.factor;
+    }
+    EXPECT_EQ(up_context.calcmodus, Calcmodus::factor);
+    up_calcfactor(10);
+    up_calcfactor(GEEN_GETAL);
+    EXPECT_DOUBLE_EQ(up_context.calcfactor, 2.42);
+    for (auto [code, promille] : {std::pair{1, 60}, {2, 210}, {10, 0}, {0, 0}, {11, 0}, {255, 0}}) {
+        up_btw(static_cast<uint8_t>(code));
+        EXPECT_EQ(up_context.btw, promille) << code;
+    }
+}
+
+TEST_F(Uniprijs, groups_along_the_bar) {
+    // On the bar: 10 | 1 2 (3 absent) 4 | 5 | 6; advice 10 1 | 2 | 4 5 6, and of 9 alone.
+    for (auto [maat, bruto, advies] : {std::array{10, 500, 90},
+                                       {1, 600, 90},
+                                       {2, 600, 95},
+                                       {4, 600, 90},
+                                       {5, 500, 90},
+                                       {6, PRIJS_ONBEKEND, 90},
+                                       {9, 0, 90}}) {
+        const auto m = static_cast<size_t>(maat);
+        rijen.bruto[m] = bruto, rijen.netto[m] = bruto, rijen.advies[m] = advies;
+    }
+    struct {
+        prijszicht zicht;
+        const char* groepen;
+    } const gevallen[] = {
+        {ZICHT_INKOOP, "10 =500/0 1 2 4 =600/0 5 =500/0 6 =0/0 "},
+        {ZICHT_ADVIES, "1 10 =0/90 2 =0/95 4 5 6 9 =0/90 "},
+        {ZICHT_SAMEN, "10 =500/90 1 =600/90 2 =600/95 4 =600/90 5 =500/90 6 =0/90 "},
+        {{PK_MATEN, false}, "1 2 4 5 6 10 =0/0 "},
+    };
+    for (const auto& g : gevallen) {
+        std::string door, los;
+        prijsgroep_info groep{};
+        int n = 0;
+        for (; up_volgende_groep(rijen, g.zicht, &groep); n++) {
+            door += tekst(groep.maten) + "=" + std::to_string(groep.bruto) + "/" +
+                    std::to_string(groep.advies) + " ";
+            prijsgroep_info zelf;
+            EXPECT_TRUE(up_groep_nummer(rijen, g.zicht, n, &zelf));
+            los += tekst(zelf.maten) + "=" + std::to_string(zelf.bruto) + "/" + std::to_string(zelf.advies) +
+                   " ";
+        }
+        EXPECT_EQ(door, g.groepen);
+        EXPECT_EQ(los, g.groepen);
+        EXPECT_EQ(up_aantal_groepen(rijen, g.zicht), n);
+        EXPECT_FALSE(up_groep_nummer(rijen, g.zicht, n, &groep));
+        EXPECT_EQ(groep.aantal_maten, -1);
+        EXPECT_FALSE(up_volgende_groep(rijen, g.zicht, &groep)) << "over is over";
+    }
+    EXPECT_EQ(up_aantal_verkoopprijzen(rijen), 3) << "runs, not different prices";
+    EXPECT_FALSE(up_compleet(rijen)) << "size 9 has an advice price alone";
+    up_wis_advies_maat(&rijen, 9);
+    EXPECT_TRUE(up_compleet(rijen));
+
+    // Twenty groups of a size each: pages of six groups and eighteen sizes.
+    for (int maat = 1; maat <= 20; maat++)
+        up_zet_maat(&rijen, maat, maat, maat);
+    struct {
+        int pagina, eerste;
+        const char* maten;
+        bool er;
+    } const paginas[] = {{1, 0, "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 ", true},
+                         {2, 6, "19 20 ", true},
+                         {4, 18, "", true},
+                         {5, 18, "", false},
+                         {INT32_MAX, 18, "", false},
+                         {0, 0, "", false}};
+    for (const auto& p : paginas) {
+        int eerste;
+        uint8_t maten[MAATBYTES];
+        EXPECT_EQ(up_pagina(rijen, ZICHT_INKOOP, p.pagina, &eerste, maten), p.er) << p.pagina;
+        EXPECT_EQ(eerste, p.eerste) << p.pagina;
+        EXPECT_EQ(tekst(maten), p.maten) << p.pagina;
+    }
+    balk_sluit();
+    test::verwacht_stop([&] { up_aantal_groepen(rijen, ZICHT_SAMEN); }, "uniprijs: errno=7");
+    test::verwacht_stop([&] { up_maten_gewijzigd(&rijen, set({}).data(), set({}).data()); },
+                        "uniprijs: errno=7");
+}
+
+TEST_F(Uniprijs, stored_advice_prices) {
+    // Along the bar: 10 1 at 50, 2 at 60, 3 at 50.
+    for (auto [maat, prijs] : {std::pair{10, 50}, {1, 50}, {2, 60}, {3, 50}})
+        up_zet_advies(&rijen, maat, prijs);
+    uint8_t blok[ADVIESBLOK], wil[ADVIESBLOK] = {1, 2, 3};
+    wil[8] = 50, wil[12] = 60, wil[16] = 50;
+    EXPECT_TRUE(up_advies_bewaren(rijen, blok));
+    EXPECT_EQ(std::string(blok, blok + ADVIESBLOK), std::string(wil, wil + ADVIESBLOK));
+    prijsrijen terug{};
+    terug.advies[44] = 9;
+    up_advies_laden(&terug, set({10, 2, 3, 7}).data(), blok);
+    EXPECT_EQ(terug.advies[10], 50);
+    EXPECT_EQ(terug.advies[1], 0) << "not in the set";
+    EXPECT_EQ(terug.advies[2], 60);
+    EXPECT_EQ(terug.advies[7], 50) << "behind the last range";
+    EXPECT_EQ(terug.advies[44], 0);
+
+    // Nine prices: the eighth range goes on to the last size.
+    for (int maat = 1; maat <= 20; maat++)
+        up_zet_advies(&rijen, maat, maat == 10 ? 1 : maat > 9 ? 900 : maat * 100);
+    up_wis_advies_maat(&rijen, 10);
+    EXPECT_FALSE(up_advies_bewaren(rijen, blok)) << "1 to 9 at nine prices and 11 to 20 like 9";
+    EXPECT_EQ(blok[6], 7);
+    EXPECT_EQ(blok[7], 20);
+    up_advies_laden(&terug, set({7, 9, 20}).data(), blok);
+    EXPECT_EQ(terug.advies[7], 700);
+    EXPECT_EQ(terug.advies[9], 800);
+    EXPECT_EQ(terug.advies[20], 800);
+
+    // Damage: prices below 1 and the mark, ends that are no sizes of the bar.
+    struct {
+        uint8_t einde[2];
+        int32_t prijs[2], maat2, maat9;
+    } const schade[] = {{{0, 9}, {0, 70}, 1, 1},
+                        {{2, 9}, {-7, INT32_MAX}, 1, HOOGSTE},
+                        {{255, 9}, {60, 70}, 70, 70},
+                        {{90, 0}, {60, 70}, 60, 60}};
+    for (const auto& s : schade) {
+        memset(blok, 0, sizeof blok);
+        memcpy(blok, s.einde, sizeof s.einde);
+        memcpy(blok + 8, s.prijs, sizeof s.prijs);
+        up_advies_laden(&terug, set({2, 9}).data(), blok);
+        EXPECT_EQ(terug.advies[2], s.maat2) << int{s.einde[0]};
+        EXPECT_EQ(terug.advies[9], s.maat9) << int{s.einde[0]};
+        if (s.prijs[0] < 1) {
+            EXPECT_EQ(blok[8], 1) << "raised in the stored list too";
+        }
+    }
+}
+
+TEST_F(Uniprijs, another_set_of_sizes) {
+    for (int maat : {1, 2, 6}) {
+        up_zet_maat(&rijen, maat, maat * 10, maat * 10);
+        up_zet_advies(&rijen, maat, maat * 100);
+    }
+    up_zet_advies(&rijen, 4, 444); // kept from when it was there before
+    // 10 stands before 1; 4 and 5 before 6; 8 behind all; 77 is not on the bar. 2 goes.
+    up_maten_gewijzigd(&rijen, set({1, 2, 6}).data(), set({1, 4, 5, 6, 8, 10, 77}).data());
+    struct {
+        size_t maat;
+        int32_t bruto, advies;
+    } const wil[] = {{10, 10, 100}, {1, 10, 100}, {2, 0, 200}, {4, 60, 444},
+                     {5, 60, 600},  {8, 60, 600}, {77, 0, 0}};
+    for (const auto& w : wil) {
+        EXPECT_EQ(rijen.bruto[w.maat], w.bruto) << w.maat;
+        EXPECT_EQ(rijen.netto[w.maat], w.bruto) << w.maat;
+        EXPECT_EQ(rijen.advies[w.maat], w.advies) << w.maat;
+    }
+    EXPECT_EQ(balk_kolommen(), 1) << "the grid's choice stays";
+    const maatprijzen p = up_maatprijzen(rijen, 6), niets = up_maatprijzen(rijen, 33);
+    EXPECT_TRUE(p.netto == 60 && p.bruto == 60 && p.inkoop == 1 && p.advies == 600);
+    EXPECT_TRUE(niets.netto == 1 && niets.bruto == 1 && niets.inkoop == 1 && niets.advies == 0);
+}
+
+} // namespace
+} // namespace zg
