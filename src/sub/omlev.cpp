@@ -1,16 +1,11 @@
 #include "sub/omlev.h"
 #include "shared/leesstam.h"
-#include "shared/report.h"
-#include "shared/teksten.h"
+#include "sub/stamlijst.h"
 #include "sub/teksten.h"
-#include "term/ingave.h"
-#include "term/lijst.h"
-#include "term/prompt.h"
+#include "term/scherm.h"
 #include "term/vast.h"
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 
 namespace zg {
 
@@ -18,96 +13,43 @@ ICB* dtlev;
 
 namespace {
 
-constexpr int S_NUMMER = 1, S_NAAM = 2; // keys of the list
+// ---- the list: by number or name
 
-// The list that runs.
-Relatiesoort gezocht;
-LIJST* lijst;
-union {
-    levrec lev;
-    uint8_t ruimte[IXRECMAX];
-} rij;
-
-bool past() {
-    return (rij.lev.soort & gezocht) != 0;
+void zet_nummer(void* rec, const char* getypt) {
+    static_cast<levrec*>(rec)->nummer = static_cast<uint16_t>(atoi(getypt));
 }
 
-// Most steps of a walk: where records and index disagree a walk can come back to where it was.
-int stappen() {
-    return std::max(dtlev->h.nrecs, 0) + 1;
+void zet_naam(void* rec, const char* getypt) {
+    VASTIN(static_cast<levrec*>(rec)->naam, getypt);
 }
 
-// Step over the relations of another kind in the direction of the step; the place stays when there is none.
-int32_t haal(int32_t stap) {
-    int32_t recnr = static_cast<int32_t>(lijst->positie), goed = recnr;
-    int richting = stap < 0 ? -1 : 1, gedaan = 0;
-    if (stap == 0)
-        return IXSKIP(dtlev, &rij, 0, 0, &recnr) && past();
-    for (int over = abs(stap), rest = stappen() + over; over > 0 && rest > 0; rest--) {
-        if (!IXSKIP(dtlev, &rij, 0, richting, &recnr))
-            break;
-        if (past())
-            goed = recnr, gedaan++, over--;
-    }
-    lijst->positie = static_cast<uint32_t>(goed);
-    if (gedaan == 0)
-        return 0;
-    return IXGET(dtlev, &rij, goed) == 1;
-}
-
-// Stand on the first relation of the kind from the record's key on; else on the last one.
-bool sta() {
-    bool er = IXFIRSTR(dtlev, &rij, 0) == 1;
-    for (int rest = stappen(); er && !past(); rest--)
-        er = rest > 0 && IXNEXT(dtlev, &rij) == 1;
-    if (!er) {
-        memset(&rij, 0xFF, sizeof rij);
-        er = IXLAST(dtlev, &rij) == 1;
-        for (int rest = stappen(); er && !past(); rest--)
-            er = rest > 0 && IXPREVR(dtlev, &rij, 0) == 1;
-    }
-    if (er)
-        lijst->positie = static_cast<uint32_t>(dtlev->currec);
-    return er;
-}
-
-void toets() {
-    char tekst[21] = "";
-    bool nummer = IXSLEUTEL(dtlev) == S_NUMMER;
-    int veldrij = LIJSTVELDRIJ();
-    SCRCLREOL(veldrij, 2);
-    SCRPUT(A_LABEL, veldrij, 2, "%s ", TXT(nummer ? T_NUMMER : T_NAAM));
-    SCRPUT(A_LABEL, veldrij, 24, "%s", TXT(T_TAB_SORTERING));
-    INGAVE(veldrij, 10, nummer ? "4s[0123456789],I" : "10s,UI", &SCHERM.toets[key_cancel],
-           &SCHERM.toets[key_tab], &SCHERM.toets[key_f3], tekst);
-    if (SCHERM.laatste == K_F3)
-        SCHERM.vlag |= V_LEEG;
-    if (SCHERM.laatste == K_TAB) {
-        IXSWITCH(dtlev, nummer && dtlev->h.nkeys >= S_NAAM ? S_NAAM : S_NUMMER);
-        SCHERM.vlag |= V_LEEG;
-        return;
-    }
-    if ((SCHERM.vlag & V_LEEG) || TOETSWEG())
-        return;
-    memset(&rij, 0, sizeof rij);
-    if (nummer)
-        rij.lev.nummer = static_cast<uint16_t>(atoi(tekst));
-    else
-        VASTIN(rij.lev.naam, tekst);
-    sta();
-    lijst->modus = 2;
-}
-
-void kop() {
-    SCRPUT(A_LABEL, 1, 2, "%s", TXT(T_KOP_RELATIE));
-}
-
-const char* regel() {
-    static char tekst[64];
-    snprintf(tekst, sizeof tekst, "%-4u - %-20.20s, %-25.25s", rij.lev.nummer,
-             VASTTEKST(rij.lev.naam).c_str(), VASTTEKST(rij.lev.plaats).c_str());
+std::string regel(const void* rec) {
+    const levrec lev = stam_beeld<levrec>(rec);
+    char tekst[64];
+    snprintf(tekst, sizeof tekst, "%-4u - %-20.20s, %-25.25s", lev.nummer, VASTTEKST(lev.naam).c_str(),
+             VASTTEKST(lev.plaats).c_str());
     return tekst;
 }
+
+int32_t code(const void* rec) {
+    return stam_beeld<levrec>(rec).nummer;
+}
+
+void zet_code(void* rec, int32_t nummer) {
+    static_cast<levrec*>(rec)->nummer = static_cast<uint16_t>(nummer);
+}
+
+bool past(const void* rec, int welke) {
+    return (stam_beeld<levrec>(rec).soort & welke) != 0;
+}
+
+const Stamsleutel SLEUTELS[] = {
+    {1, &T_NUMMER, "4s[0123456789],I", zet_nummer},
+    {2, &T_NAAM, "10s,UI", zet_naam},
+};
+const Stamlijst LIJST_RELATIES{&dtlev, &T_KOP_RELATIE, 58, SLEUTELS, regel, code, zet_code, nullptr, past};
+
+// ---- the field
 
 bool lees(const Lijsttabel& tabel, const Lijstcode& code, std::string* naam) {
     levrec lev{};
@@ -125,28 +67,8 @@ void onbekend(const Lijsttabel& tabel, const Lijstcode& code) {
 }
 
 bool kies(const Lijsttabel& tabel, Lijstcode* code) {
-    const int bewaard = IXSLEUTEL(dtlev);
-    gezocht = static_cast<Relatiesoort>(tabel.welke);
-    IXSWITCH(dtlev, S_NUMMER);
-    lijst = LIJSTNEW(haal, toets, kop, regel);
-    if (!lijst)
-        NOMEM("omlev", 1);
-    memset(&rij, 0, sizeof rij);
-    rij.lev.nummer = static_cast<uint16_t>(code->nummer);
-    bool gekozen = false;
-    if (sta()) {
-        snprintf(lijst->titel, sizeof lijst->titel, " %s ", relatie_woord(gezocht));
-        lijst->breedte = 58;
-        gekozen = LIJSTRUN(lijst, 0) != 0;
-    } else {
-        MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
-    }
-    if (gekozen)
-        code->nummer = rij.lev.nummer;
-    LIJSTDEL(lijst);
-    lijst = nullptr;
-    IXSWITCH(dtlev, bewaard);
-    return gekozen;
+    return stamlijst(LIJST_RELATIES, relatie_woord(static_cast<Relatiesoort>(tabel.welke)), tabel.welke,
+                     &code->nummer);
 }
 
 } // namespace
@@ -160,6 +82,7 @@ const char* relatie_woord(Relatiesoort soort) {
 
 const Lijsttabel LEVERANCIERTABEL{"4u", REL_LEVERANCIER, lees, onbekend, kies};
 const Lijsttabel AGENTTABEL{"4u", REL_AGENT, lees, onbekend, kies};
+const Lijsttabel FABRIKANTTABEL{"4u", REL_FABRIKANT, lees, onbekend, kies};
 
 bool relatie_lees(uint16_t nummer, levrec* beeld) {
     if (leeslev(dtlev, beeld, nummer))

@@ -10,7 +10,7 @@ extern ICB* dtlev; // the open pair, null when closed
 
 // Relations by number, those of one kind: a number that isn't there, or lacks the kind, is refused. The list is
 // sorted by number or name (TAB).
-extern const Lijsttabel LEVERANCIERTABEL, AGENTTABEL;
+extern const Lijsttabel LEVERANCIERTABEL, AGENTTABEL, FABRIKANTTABEL;
 // Read a relation of any kind, unless *beeld holds that number already; false, and *beeld cleared, when it isn't
 // there.
 bool relatie_lees(uint16_t nummer, levrec* beeld);
