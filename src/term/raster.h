@@ -36,7 +36,7 @@ void RASTERKOL(RASTER* r, int kolvan, int koltot, int minbreedte);
 void RASTERRIJ(RASTER* r, int rijvan, int rijtot);
 void RASTERSTAP(RASTER* r, char richting); // one page
 int RASTERGA(RASTER* r, char richting);    // one cell; 0 at the end of the table
-// The cursor on a cell. rij above the last row: rows locked, row 0; kol 0: columns locked, column 1.
+// The cursor on a cell, nothing locked. rij above the last row: rows locked, row 0; kol 0: columns locked, column 1.
 void RASTERCEL(RASTER* r, int rij, int kol);
 // ENTER in a cell: with rows locked it goes right, with columns locked down, else the direction given. Only when
 // the last key was ENTER. 1 when the cursor moved.
@@ -57,18 +57,24 @@ inline int RASTERKOLNU(const RASTER* r) {
 void RASTERKOP(RASTER* r, uint32_t attr, int rij, const char* (*naam)(int kol));
 // A row of totals: the visible columns, before them and behind them the sum of what is off the screen. Blank for 0,
 // "*" for what does not fit. `waarde` gives the value of a column.
-void RASTERTOTAAL(const RASTER* r, uint32_t attr, int rij, const int32_t* (*waarde)(int kol));
+void RASTERTOTAAL(const RASTER* r, uint32_t attr, int rij, int64_t (*waarde)(int kol));
 // A number in a cell at a place of the window: right, blank for 0, a "*" at the right where it doesn't fit.
 void RASTERGETAL(const RASTER* r, uint32_t attr, int rij, int kolom, int64_t waarde);
 
-// One cell through INGAVE, with the keys that move the cursor or page; they are followed when the field is left. The
-// keys that the caller allowed before leave as in INGAVE; the answer is that of INGAVE.
+// One cell through INGAVE: the format's arguments are those of INGAVE, behind the grid. The keys that move the cursor
+// or page leave the field and are followed; others that the caller allows leave as in INGAVE, whose answer this is. The
+// table's slots key_btab and key_extra belong to the grid: they are 0 behind it.
 void RASTERINGAVEBEGIN(RASTER* r);
 void RASTERINGAVEEIND(RASTER* r);
-template <class... A> int RASTERINGAVE(int rij, int kol, const char* formaat, A... rest, RASTER* r);
+template <class... A> int RASTERINGAVE(RASTER* r, int rij, int kol, const char* formaat, A... rest) {
+    RASTERINGAVEBEGIN(r);
+    const int anders = INGAVE(rij, kol, formaat, rest...);
+    RASTERINGAVEEIND(r);
+    return anders;
+}
 
-// The key's column on the screen by HOTKEYS (`toetsen`: its n-th character is the n-th visible column): a column
-// number of the table; 0 when the key is none of those, which is told.
+// The key's column on the screen (`toetsen`: its n-th character, small or capital, is the n-th visible column): a
+// column of the table; 0 when the key is none of those, which is told.
 int RASTERLETTER(const RASTER* r, int32_t toets, const char* toetsen);
 
 } // namespace zg
