@@ -14,8 +14,10 @@ namespace {
 
 constexpr int SESSIES[] = {7, 8, 9};
 
-// A directory as docs/hands.md sets it up, with or without setgid; and a third user.
+// A directory as docs/hands.md sets it up, with or without setgid; and a third user. The terminal descriptions go along:
+// the build may stand where only its owner comes.
 void richt_in(Datamap& map, bool setgid) {
+    fs::copy(ZG_BINARY_DIR "/terminfo", map.bestand("terminfo"), fs::copy_options::recursive);
     std::string sys = lees_bestand(map.bestand("DTSYS.TXT"));
     map.sys(Datamap::slot(9), sys.substr(Datamap::slot(8), 64));
     auto geef = [](const fs::path& p, mode_t mode) {
@@ -42,6 +44,7 @@ struct Beurt : Programma {
     static Opties opties(Datamap& map) {
         Opties o = map.opties();
         o.klok.clear(); // what fixes it belongs to the user who came first
+        o.omgeving.emplace_back("TERMINFO", map.bestand("terminfo"));
         return o;
     }
 };
