@@ -16,6 +16,8 @@ namespace zg {
 ICB *dtart, *dtmerk, *dtomzgrp, *dtvvtab, *dtdoelgr, *dtlevext;
 namespace {
 
+doelgrrec laatste_doelgroep;
+
 // IXREAD by one of the keys through a buffer that holds what any header may say; the key that was current is
 // so again.
 template <class R> int lees(ICB* icb, R* rec, int sleutel) {
@@ -115,9 +117,8 @@ int leesklant(ICB* icb, klantrec* rec, int32_t nummer) {
 }
 
 int leesdoelgr(ICB* icb, doelgrrec* rec, char code) {
-    static doelgrrec laatste;
-    int gelezen = lees_nummer(icb, &laatste, code, 8);
-    *rec = gelezen ? laatste : doelgrrec{};
+    int gelezen = lees_nummer(icb, &laatste_doelgroep, code, 8);
+    *rec = gelezen ? laatste_doelgroep : doelgrrec{};
     return gelezen;
 }
 
@@ -226,6 +227,7 @@ void stam_houder(void (*vergeet)()) {
 }
 
 void stam_gewijzigd() {
+    laatste_doelgroep = {};
     for (void (*vergeet)() : houders)
         vergeet();
 }

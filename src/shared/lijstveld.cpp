@@ -2,6 +2,7 @@
 #include "shared/lijstveld.h"
 #include "shared/arraylijst.h"
 #include "shared/report.h"
+#include "shared/sysrec.h"
 #include "term/ingave.h"
 #include "term/prompt.h"
 #include "term/vast.h"
@@ -45,13 +46,17 @@ void toon(const Lijsttabel& tabel, int rij, int kolom, const Lijstcode& code) {
     SCRPUT(A_WAARDE, rij, kolom, "%-*.*s", breedte, breedte, tekst.c_str());
 }
 
+// The user wants it, and it was added.
+bool toegevoegd(const Lijsttabel& tabel, const Lijstcode& code) {
+    const std::string vraag = tabel.voeg_toe && mag_onderhoud() ? tabel.vraag(tabel, code) : "";
+    return !vraag.empty() && FFLASH(-2, 0, A_WAARDE, nullptr, "[-]%s", vraag.c_str()) &&
+           tabel.voeg_toe(tabel, code);
+}
+
 // Is the code there, perhaps because the user adds it now? Tells when not.
 bool er_is(const Lijsttabel& tabel, const Lijstcode& code) {
     std::string naam;
-    if (tabel.lees(tabel, code, &naam))
-        return true;
-    if (tabel.voeg_toe && FFLASH(-2, 0, A_WAARDE, nullptr, "[-]%s", tabel.vraag(tabel, code).c_str()) &&
-        tabel.voeg_toe(tabel, code) && tabel.lees(tabel, code, &naam))
+    if (tabel.lees(tabel, code, &naam) || (toegevoegd(tabel, code) && tabel.lees(tabel, code, &naam)))
         return true;
     tabel.onbekend(tabel, code);
     return false;

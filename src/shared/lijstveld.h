@@ -26,8 +26,8 @@ struct Lijsttabel {
     void (*onbekend)(const Lijsttabel& tabel, const Lijstcode& code);
     // The list, beginning on *code; false without a pick. Null: no F5.
     bool (*kies)(const Lijsttabel& tabel, Lijstcode* code);
-    // A code that isn't there may be added: the question ("Wilt u merk 12 toevoegen"), and what does it, true
-    // when the code is there now. Null: it may not.
+    // A code that isn't there may be added by who may change master data: the question ("Wilt u merk 12 toevoegen";
+    // empty: not this code), and what does it, true when the code is there now. Null: it may not.
     std::string (*vraag)(const Lijsttabel& tabel, const Lijstcode& code) = nullptr;
     bool (*voeg_toe)(const Lijsttabel& tabel, const Lijstcode& code) = nullptr;
 };

@@ -206,6 +206,10 @@ extern int32_t sessie;     // the user's slot number, 0 before the start
 extern gebruikerslot gebruiker;
 
 void sys_lees();
+// May the user change master data? Kind 'I' only looks.
+inline bool mag_onderhoud() {
+    return gebruiker.userkind != 'I';
+}
 // The user's slot from the one image: 'w' keeps the lock (changes of level), 'W' releases it (the hand-over).
 void gebruiker_schrijf(char letter);
 // The user's name in clear, static buffer. A slot's name may be given, too.

@@ -34,6 +34,8 @@ void toon(const Recordrijen& r) {
 void open(const Recordrijen& r, const char* titel) {
     WINOPEN1(r.rij, r.kolom, r.hoogte, r.breedte);
     WINBOX("%s", titel);
+    if (r.kop)
+        r.kop();
     for (const Item& i : r.items) {
         if (!geldt(i.aanwezig))
             continue;

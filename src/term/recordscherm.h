@@ -19,6 +19,8 @@ struct Recordrijen {
         int rij, kolom;
     };
     Plek (*plek)(int nummer) = nullptr;
+    // What stands in the window beside the rows, on row 1: which record it is. May be null.
+    void (*kop)() = nullptr;
 };
 
 // The record's image belongs to the caller; these fill and store it.
