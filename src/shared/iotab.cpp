@@ -181,6 +181,18 @@ int iotab_probeer(int32_t* nr, void* record, const Systabel& tabel) {
     return 0;
 }
 
+int32_t iotab_vrij(const Systabel& tabel) {
+    char record[512];
+    for (int32_t nr = 1; nr <= tabel.slots && sizeof record >= static_cast<size_t>(tabel.grootte); nr++) {
+        if (lees('R', nr, record, tabel) || !slot('S', nr, tabel))
+            continue;
+        if (!lees('X', nr, record, tabel)) // still empty, now that it is held
+            return nr;
+        slot('U', nr, tabel);
+    }
+    return 0;
+}
+
 void iotab_naam(const char* pad) {
     bestand = pad ? pad : "DTSYS.TXT";
 }

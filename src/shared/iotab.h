@@ -31,6 +31,9 @@ template <class R> int iotab(char letter, Slot<R>* slot, const Systabel& tabel) 
 // As 'X', but without waiting: 0 and no lock when another holds the slot, or it is empty.
 int iotab_probeer(int32_t* nr, void* record, const Systabel& tabel);
 
+// The first empty slot that nobody else holds, locked: its number, 0 when there is none.
+int32_t iotab_vrij(const Systabel& tabel);
+
 // A table that is small and read often: its filled slots in order, read whole at first use.
 template <class R> struct Tabelbeeld {
     const Systabel& tabel;

@@ -18,7 +18,7 @@ constexpr int OPNIEUW = -2, VERDER = -3;
 
 struct Rijstand {
     uint32_t masker = 0;
-    int vast = -1;
+    int vast = -1, leeg = -1;
     Keuzetekst tekst = nullptr;
     uint16_t* doel = nullptr;
     int minimum = 0, maximum = -1, getalkeuze = -1;
@@ -129,6 +129,10 @@ void KEUZEVAST(int n) {
     rs.vast = n;
 }
 
+void KEUZELEEG(int n) {
+    rs.leeg = n;
+}
+
 bool KEUZEENIG(int n) {
     return n >= 0 && n < KEUZES && rs.masker == 1u << n;
 }
@@ -160,6 +164,8 @@ int KEUZE(int rij, int kolom) {
             antwoord = getal.cijfer(teken - '0');
         else if (teken != '\0' && teken != ' ')
             antwoord = keuze_van(teken);
+        else if (getal.plaats == 0 && rs.leeg >= 0)
+            antwoord = rs.leeg;
         if (antwoord == VERDER) {
             antwoord = OPNIEUW; // the next column
         } else if (antwoord == OPNIEUW) {

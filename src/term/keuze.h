@@ -14,6 +14,7 @@ void KEUZEGETAL(int keuze, uint16_t* doel, int minimum, int maximum);
 void KEUZEAAN(int n);
 void KEUZEUIT(int n);
 void KEUZEVAST(int n); // the default choice, -1 for none
+void KEUZELEEG(int n); // ENTER alone answers n, which needs no label; -1 asks again
 bool KEUZEENIG(int n); // is exactly this choice enabled?
 // Ask on a row of the current window; keys allowed by TOETSAAN leave it. The choice, or -1 with the key in
 // SCHERM.laatste.
