@@ -279,6 +279,13 @@ bool tekst_venster(int rij, int kolom, int soort, char* blok) {
     return memcmp(oud, blok, BLOKLEN) != 0;
 }
 
+bool tekst_item(int rij, int kolom, int soort, char* blok) {
+    const bool anders = tekst_venster(rij, kolom, soort, blok);
+    if (SCHERM.laatste != K_F6)
+        SCHERM.laatste = K_ENTER;
+    return anders;
+}
+
 namespace {
 // A block of an order divided over its rows, to look at.
 struct Bladspiegel {

@@ -17,7 +17,9 @@ void tekst_dialoog(int rij, int kolom, int rijen, int breedte, char* tekst);
 // Window of 7 by 64 at a screen place, titled with the name of the text kind (1 to 4), around the editor.
 // Answers true when the text changed.
 bool tekst_venster(int rij, int kolom, int soort, char* blok);
-// The same, to be looked at only; waits for ENTER.
+// The same as an item of a screen: the key that ends a text means nothing to the screen, but for F6.
+bool tekst_item(int rij, int kolom, int soort, char* blok);
+// To be looked at only; waits for ENTER.
 void tekst_bekijk(int rij, int kolom, int soort, const char* blok);
 // First line of a text in the current window, "..." behind it when there is more.
 void tekst_regel(int rij, int kolom, int breedte, const char* blok);

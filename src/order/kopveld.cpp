@@ -243,18 +243,11 @@ bool veld_toeslag(int rij) {
     return kop.toeslag != oud;
 }
 
-// The last key of a text means nothing to the screen, but for F6.
-bool veld_tekst(int rij, int soort, char* blok) {
-    bool anders = tekst_venster(rij, 10, soort, blok);
-    if (SCHERM.laatste != K_F6)
-        SCHERM.laatste = K_ENTER;
-    return anders;
-}
 bool veld_levering(int rij) {
-    return veld_tekst(rij, 1, kop_levering);
+    return tekst_item(rij, 10, 1, kop_levering);
 }
 bool veld_betaling(int rij) {
-    return veld_tekst(rij, 2, kop_betaling);
+    return tekst_item(rij, 10, 2, kop_betaling);
 }
 void bekijk_levering() {
     tekst_bekijk(12, 10, 1, kop_levering);

@@ -1,5 +1,7 @@
 // What doesn't stand yet, see order/later.h. Each row goes when its module comes.
 #include "order/later.h"
+#include "order/aantallen.h"
+#include "order/matrix.h"
 #include "order/teksten.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
@@ -15,26 +17,18 @@ bool nog_niet() {
 
 } // namespace
 
-bool serie_toevoegen() {
+bool serie_register() {
     return nog_niet();
 }
 bool serie_bijbestellen() {
     return nog_niet();
 }
-bool serie_dupliceren(bool*) {
-    return nog_niet();
-}
-bool serie_model(bool) {
-    return nog_niet();
-}
-bool serie_dessin(bool) {
-    return nog_niet();
-}
-bool serie_prijzen(bool) {
-    return nog_niet();
-}
+
 bool aantal_scherm(bool) {
     return nog_niet();
+}
+void neem_over() {
+    regel_wis_aantallen(&regel_nu);
 }
 void order_matrix() {
     nog_niet();

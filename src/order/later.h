@@ -1,22 +1,13 @@
-// What the order program calls and what doesn't stand yet: screens for the content of a line, and the register
-// of series, labels and order numbers behind it. A screen tells "Nog niet beschikbaar" and answers that nothing
-// changed; the register's routines do nothing.
+// What the order program calls and what doesn't stand yet: the register of series, labels and order numbers. A screen
+// tells "Nog niet beschikbaar" and answers that nothing changed; the register's other routines do nothing.
 #pragma once
 #include "order/regel.h"
 
 namespace zg {
 
-// New content in regel_nu: true when it is to be inserted as a line, with a model of its own where the answer
-// says so.
-bool serie_toevoegen();
+// Adding and duplicating lines of the full registration: told, false.
+bool serie_register();
 bool serie_bijbestellen();
-bool serie_dupliceren(bool* model_veranderd);
-// On regel_nu: true when it changed. With `lezen` it is only looked at.
-bool serie_model(bool lezen);
-bool serie_dessin(bool lezen);
-bool serie_prijzen(bool lezen);
-bool aantal_scherm(bool lezen);
-void order_matrix();
 
 // The series of a line and its prices and quantities into the line. niet_beschikbaar: the line shows what the
 // journal knows and can't be worked on.

@@ -33,9 +33,12 @@ struct orderregel {
     std::vector<uint16_t> gewichten;                              // per branch index, behind them their sum
 };
 extern orderregel regel_nu;
+// regel_nu is being added or duplicated: `regelingang` (order/wrk.h) is the line that it comes behind, not its own.
+extern bool regel_is_nieuw;
 
 // Everything cleared, quantities and weights in the firm's size.
 void regel_wis(orderregel* regel);
+void regel_wis_aantallen(orderregel* regel); // terms and quantities only
 // The same content as a line that isn't on file yet: without E and B, sequence number and registration.
 void regel_dupliceer(orderregel* regel);
 

@@ -2,10 +2,13 @@
 // it is loaded again after whatever may have changed it. Inserting, totals and saving are done here, whatever
 // screen made the line.
 #include "order/regelscherm.h"
+#include "order/aantallen.h"
 #include "order/kop.h"
 #include "order/later.h"
+#include "order/matrix.h"
 #include "order/programma.h"
 #include "order/regelstam.h"
+#include "order/serie.h"
 #include "order/teksten.h"
 #include "shared/maatbalk.h"
 #include "shared/teksten.h"
@@ -158,10 +161,18 @@ struct Blad {
     }
 };
 
+// Advice prices of the line in hand, by the bar in force; a line without a range has none.
+void laad_advies() {
+    uint8_t blok[ADVIESBLOK];
+    memcpy(blok, regel_nu.dessin.adviesblok, sizeof blok);
+    if (regel_bereikbaar && blok[0])
+        up_advies_laden(&regel_nu.prijzen, regel_nu.dessin.maten, blok);
+}
+
 // The line under the cursor into regel_nu; its totals. regel_bereikbaar tells whether it may be worked on.
 void laad(const ors_ingang* ingang, ordertotalen* totaal) {
     *totaal = {};
-    regel_bereikbaar = false;
+    regel_bereikbaar = regel_is_nieuw = false;
     regelingang = ingang ? *ingang : ors_ingang{};
     if (!ingang || !regel_lees(*ingang, &regel_nu)) {
         regel_wis(&regel_nu);
@@ -170,6 +181,7 @@ void laad(const ors_ingang* ingang, ordertotalen* totaal) {
     regelstam_lees(&regel_nu);
     regel_bereikbaar =
         regel_balk(regel_nu) && (!registermodus || serie_laad(*ingang, &regel_nu, false) == Serie::gelezen);
+    laad_advies();
     // A line that can't be worked on counts all the same, and comes off the totals when it is deleted.
     regel_totaal(regel_nu, totaal);
 }
@@ -203,10 +215,28 @@ void item_menu() {
             KEUZEAAN(k);
 }
 
+// A screen on the line in hand; true when the line changed.
+bool doe_regel(int keus, bool lezen) {
+    switch (keus) {
+    case I_MODEL:
+        return serie_model(lezen);
+    case I_DESSIN:
+        return serie_dessin(lezen);
+    case I_PRIJSINFO:
+        return serie_prijzen(lezen);
+    default:
+        return aantal_scherm(lezen);
+    }
+}
+
 // What an item of the sub-menu does; true when the line changed.
 bool doe_item(int keus, bool lezen) {
-    if (keus >= I_MODEL && !toegankelijk())
-        return false;
+    if (keus >= I_MODEL) {
+        if (!toegankelijk())
+            return false;
+        const bool hersteld = !lezen && serie_maten_kloppend();
+        return doe_regel(keus, lezen) || hersteld;
+    }
     switch (keus) {
     case I_ORDER:
         if (order_kop(lezen ? Itemwijze::lezen : Itemwijze::wijzigen)) {
@@ -221,14 +251,6 @@ bool doe_item(int keus, bool lezen) {
                        lezen ? Relatiemodus::raadplegen : Relatiemodus::wijzigen);
         toon_leverancier();
         return false;
-    case I_MODEL:
-        return serie_model(lezen);
-    case I_DESSIN:
-        return serie_dessin(lezen);
-    case I_PRIJSINFO:
-        return serie_prijzen(lezen);
-    case I_AANTALLEN:
-        return aantal_scherm(lezen);
     }
     return false;
 }
@@ -280,6 +302,7 @@ void bewaar_wijziging(const ordertotalen& oud) {
 
 void dupliceer(Blad& blad) {
     bool model_veranderd = false;
+    serie_maten_kloppend();
     regel_dupliceer(&regel_nu);
     if (serie_dupliceren(&model_veranderd))
         voeg_in(blad, model_veranderd);

@@ -22,11 +22,13 @@ void regelstam_lees(orderregel* regel) {
     regel->gewichten[firma.filialen] = static_cast<uint16_t>(som);
 }
 
-uint8_t model_stelsel(const ordmodel& m, const merkrec& merk) {
+uint8_t eigen_stelsel(const ordmodel& m, const merkrec& merk) {
     relatie_lees(kop.leverancier, &leverancier);
-    const uint8_t eigen =
-        merk.merk == m.merk && merk.maatstelsel ? merk.maatstelsel : leverancier.maatstelsel;
-    const uint8_t stelsel = mtstelsel(eigen), standaard = mtstelsel(0);
+    return mtstelsel(merk.merk == m.merk && merk.maatstelsel ? merk.maatstelsel : leverancier.maatstelsel);
+}
+
+uint8_t model_stelsel(const ordmodel& m, const merkrec& merk) {
+    const uint8_t stelsel = eigen_stelsel(m, merk), standaard = mtstelsel(0);
     return stelsel == standaard || maatsoort_gevuld(stelsel, m.maatsoort) ? stelsel : standaard;
 }
 

@@ -10,8 +10,9 @@ namespace zg {
 // number for each branch that the brand doesn't exclude, 0 for the others, their sum behind them. An unknown group
 // gives no weights, an unknown brand excludes nothing.
 void regelstam_lees(orderregel* regel);
-// The size system of a model: the brand's, else the supplier's, else the firm's. Where the size type has no sizes in
-// that system: the firm's.
+// The size system of a brand's models: its own, else the supplier's, else the firm's.
+uint8_t eigen_stelsel(const ordmodel& m, const merkrec& merk);
+// That of a model: the same, but the firm's where the size type has no sizes in it.
 uint8_t model_stelsel(const ordmodel& m, const merkrec& merk);
 // Put the line's size type and set of sizes in force (shared/maatbalk.h). False when the type has no sizes.
 bool regel_balk(const orderregel& regel);

@@ -51,27 +51,47 @@ bool afbreken(const Itemscherm& s) {
     return ja;
 }
 
-bool eerste_gang(const Itemscherm& s, const Itemverloop& v) {
-    for (size_t n = 0; n < s.items.size(); n++) {
-        const Item& i = s.items[n];
-        if (i.nummer < s.eerste || !v.vraag[i.nummer] || !i.bewerk || !geldt(i.aanwezig))
-            continue;
+// Ask an item until it isn't left by F6; false when that broke the record off.
+bool vraag_item(const Itemscherm& s, const Itemverloop& v, const Item& i, bool* anders) {
+    for (;;) {
         if (v.afbreekbaar)
             TOETSAAN(K_F6);
-        bewerk(s, i);
-        if (SCHERM.laatste == K_F6 && v.afbreekbaar) {
-            if (afbreken(s))
-                return false;
-            n--;
-        } else if (TOETSWEG()) {
-            break;
-        }
+        *anders |= bewerk(s, i);
+        if (!v.afbreekbaar || SCHERM.laatste != K_F6)
+            return true;
+        if (afbreken(s))
+            return false;
+    }
+}
+
+bool mist(const Item& i) {
+    return i.ontbreekt && i.ontbreekt();
+}
+
+bool eerste_gang(const Itemscherm& s, const Itemverloop& v) {
+    bool anders = false;
+    for (const Item& i : s.items) {
+        if (i.nummer < s.eerste || (!v.vraag[i.nummer] && !mist(i)) || !i.bewerk || !geldt(i.aanwezig))
+            continue;
+        if (!vraag_item(s, v, i, &anders))
+            return false;
+        if (TOETSWEG())
+            return i.nummer > v.opgave;
     }
     return true;
 }
 
 bool aangeboden(const Item& i, bool lezen) {
     return geldt(i.aanwezig) && (lezen ? i.bekijk != nullptr : i.bewerk && geldt(i.te_kiezen));
+}
+
+// The first item that a new record still misses; null for none.
+const Item* gemist(const Itemscherm& s, const Itemverloop& v) {
+    if (v.wijze == Itemwijze::nieuw)
+        for (const Item& i : s.items)
+            if (mist(i) && i.bewerk && geldt(i.aanwezig))
+                return &i;
+    return nullptr;
 }
 
 // The choices until ESC; false when broken off.
@@ -86,14 +106,23 @@ bool keuzes(const Itemscherm& s, const Itemverloop& v, bool* anders) {
         TOETSAAN(K_CANCEL);
         if (v.afbreekbaar && !lezen)
             TOETSAAN(K_F6);
-        const Item* gekozen = item(KEUZE(s.keusrij, LABELKOLOM));
-        if (gekozen && lezen)
-            gekozen->bekijk();
-        else if (gekozen)
-            *anders |= bewerk(s, *gekozen);
-        else if (SCHERM.laatste != K_F6)
-            return true;
-        else if (afbreken(s))
+        const Item* te_vragen = item(KEUZE(s.keusrij, LABELKOLOM));
+        if (te_vragen && lezen) {
+            te_vragen->bekijk();
+            continue;
+        }
+        if (!te_vragen && SCHERM.laatste == K_F6) {
+            if (afbreken(s))
+                return false;
+            continue;
+        }
+        if (!te_vragen) {
+            te_vragen = gemist(s, v);
+            if (!te_vragen)
+                return true;
+            error("%s", TXT(T_VERPLICHT));
+        }
+        if (!vraag_item(s, v, *te_vragen, anders))
             return false;
     }
 }

@@ -21,6 +21,9 @@ struct Item {
     void (*bekijk)() = nullptr;
     // What is asked, in a line; shown meanwhile where the screen has a row for it.
     const Tekst* hulp = nullptr;
+    // A new record can't do without it: is it still missing? Asked in the walk whatever its byte, and again when the
+    // screen is left without it.
+    bool (*ontbreekt)() = nullptr;
 };
 
 struct Itemscherm {
@@ -35,15 +38,17 @@ struct Itemscherm {
 enum class Itemwijze { lezen, wijzigen, nieuw };
 
 // How a run of the screen goes. `vraag`: a new record's first walk asks the items whose byte isn't 0; ESC ends the
-// walk. `afbreekbaar`: F6 asks "Toevoegen afbreken" in the walk and at the choices.
+// walk. `afbreekbaar`: F6 asks "Toevoegen afbreken" in every field and at the choices. `opgave`: ESC at an item of the
+// walk up to this number breaks off.
 struct Itemverloop {
     Itemwijze wijze;
     const uint8_t* vraag = nullptr;
     bool afbreekbaar = false;
+    int opgave = -1;
 };
 
-// Open the window, run until ESC or cancel, close it. False when it was broken off by F6. *anders becomes true
-// when an item changed at the choices, and is never set back.
+// Open the window, run until ESC or cancel, close it. False when it was broken off. *anders becomes true when an
+// item changed at the choices, and is never set back.
 bool itemscherm(const Itemscherm& scherm, const Itemverloop& verloop, bool* anders);
 
 } // namespace zg
