@@ -31,7 +31,7 @@ constexpr int REGTYPE_ETIKET = 0, REGTYPE_MAAT = 1;
 
 bool nieuwe_regel;
 
-// TIJDELIJK
+// Plain fields until the tables of codes have their lists.
 bool lees_kleur(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
     Slot<tekst20> slot{code.nummer, {}};
     if (!iotab('R', &slot, SYS_KLEUR))
