@@ -1,130 +1,148 @@
-// The code tables: what a code stands for, the message for an unknown one, the list.
+// The fields of the code tables: what a code stands for, the message for an unknown one, the list, the questions.
 #include "codes/codeveld.h"
+#include "codes/codetabel.h"
 #include "codes/teksten.h"
 #include "shared/iotab.h"
+#include "shared/stamrec.h"
 #include "term/scherm.h"
 #include "term/vast.h"
-#include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 namespace zg {
 namespace {
 
 using Rijen = std::vector<Lijstblad::Rij>;
 
-template <class... A> std::string regel(const char* fmt, A... delen) {
+std::string regel(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+std::string regel(const char* fmt, ...) {
     char tekst[80];
-    snprintf(tekst, sizeof tekst, fmt, delen...);
+    va_list ap;
+    va_start(ap, fmt);
+    vsnprintf(tekst, sizeof tekst, fmt, ap);
+    va_end(ap);
     return tekst;
 }
 
-std::string kop() {
-    return regel("%-4.4s  %s", TXT(T_CODE), TXT(T_OMSCHRIJVING));
-}
-
-// ---- one-digit codes; `welke` is the kind of iotab_code
-
-constexpr int INKOOP = 3, DEELSEIZOEN = 4;
-
-bool code_lees(const Lijsttabel& tabel, const Lijstcode& code, std::string* naam) {
-    tekst30 rec;
-    int32_t nr = code.nummer;
-    if (nr < 1 || !iotab_code('R', tabel.welke, &nr, &rec))
+bool lees(const Lijsttabel& tabel, const Lijstcode& code, std::string* naam) {
+    const Codetabel& t = codetabel(tabel);
+    Coderecord rec;
+    if (code_lees(t, code, false, &rec) != 1)
         return false;
-    *naam = VASTTEKST(rec.tekst);
+    *naam = code_naam(t, rec);
     return true;
 }
 
-void code_onbekend(const Lijsttabel&, const Lijstcode& code) {
-    error("<%d> %s", code.nummer, TXT(T_ONBEKENDE_CODE));
+void onbekend(const Lijsttabel& tabel, const Lijstcode& code) {
+    const Codetabel& t = codetabel(tabel);
+    error("<%s> %s %s", codetekst(code).c_str(), TXT(t.het ? T_ONBEKEND : T_ONBEKENDE), TXT(*t.woord));
 }
 
-Rijen codes(const Lijsttabel& tabel) {
+std::string vraag(const Lijsttabel& tabel, const Lijstcode& code) {
+    const Codetabel& t = codetabel(tabel);
+    return code_mogelijk(t, code) ? code_vraag(t, code) : "";
+}
+
+bool voeg_toe(const Lijsttabel& tabel, const Lijstcode& code) {
+    return code_scherm(codetabel(tabel), code, true);
+}
+
+void record(const Lijsttabel& tabel, const Lijstcode& code) {
+    code_scherm(codetabel(tabel), code, false);
+}
+
+std::string lijstregel(const Codetabel& t, const std::string& code, const std::string& naam) {
+    return regel("%-*.*s%-*.*s", t.kolom, t.kolom, code.c_str(), t.tekstbreedte, t.tekstbreedte,
+                 naam.c_str());
+}
+
+Rijen rijen(const Lijsttabel& tabel) {
+    const Codetabel& t = codetabel(tabel);
     Rijen uit;
-    tekst30 rec;
-    for (int32_t nr = 0; iotab_code('N', tabel.welke, &nr, &rec);)
-        uit.push_back({{nr, ""}, regel("%-4d  %-30.30s", nr, VASTTEKST(rec.tekst).c_str())});
+    for (const Coderij& r : code_rijen(t))
+        uit.push_back({r.code, lijstregel(t, codetekst(r.code), r.naam)});
     return uit;
 }
 
-bool code_kies(const Lijsttabel& tabel, Lijstcode* code) {
-    tekst30 hoofd;
-    int32_t nr = 0;
-    const bool er = iotab_code('R', tabel.welke, &nr, &hoofd);
-    return lijstkies(
-        tabel,
-        {er ? VASTTEKST(hoofd.tekst) : TXT(T_CODEVRAAG), kop(), TXT(T_CODEVRAAG), "1s[123456789],I", codes},
-        code);
+std::string titel(const Codetabel& t) {
+    tekst30 hoofd{};
+    int32_t nr = 1;
+    if (t.kop && iotab('R', &nr, &hoofd, *t.kop))
+        return VASTTEKST(hoofd.tekst);
+    return regel("%s %s", TXT(T_SELECTEREN), TXT(*t.woord));
 }
 
-// ---- size systems
+bool kies(const Lijsttabel& tabel, Lijstcode* code) {
+    const Codetabel& t = codetabel(tabel);
+    const bool tekst = t.hoogste == 0;
+    const std::string zoekformaat = regel(t.plaats == Codetabel::ISO ? "%ds,IU"
+                                          : tekst                    ? "%ds[^.,],I"
+                                                                     : "%ds[0123456789],I",
+                                          t.codebreedte);
+    // The head's columns are those of the rows; a blank is left in front of the second.
+    const std::string kop =
+        regel("%-*.*s%s", t.kolom, t.kolom - 1, TXT(t.kolom < 5 ? T_NR : T_CODE), TXT(T_OMSCHRIJVING));
+    return lijstkies(tabel, {titel(t), kop, TXT(T_CODEVRAAG), zoekformaat.c_str(), rijen, record}, code);
+}
 
-bool stelsel_lees(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
-    Slot<tekst20> slot{code.nummer, {}};
-    if (!iotab('R', &slot, SYS_MAATSTELSEL))
+// ---- VAT: the firm's percentages by code
+
+constexpr int BTWCODES = 10;
+
+bool btw_lees(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
+    if (code.nummer < 1 || code.nummer > BTWCODES)
         return false;
-    *naam = VASTTEKST(slot.r.tekst);
+    *naam = regel("%4.1f %%", firma.btw[code.nummer - 1] / 10.0);
     return true;
 }
 
-void stelsel_onbekend(const Lijsttabel&, const Lijstcode& code) {
-    error("<%d> %s", code.nummer, TXT(T_ONBEKEND_STELSEL));
+void btw_onbekend(const Lijsttabel&, const Lijstcode& code) {
+    error("<%d> %s %s", code.nummer, TXT(T_ONBEKENDE), TXT(T_W_BTWCODE));
 }
 
-Rijen stelsels(const Lijsttabel&) {
+Rijen btw_rijen(const Lijsttabel& tabel) {
     Rijen uit;
-    Tabelbeeld<tekst20> beeld{SYS_MAATSTELSEL};
-    for (const auto& s : beeld.alle())
-        uit.push_back({{s.nr, ""}, regel("%-2d %-20.20s", s.nr, VASTTEKST(s.r.tekst).c_str())});
+    std::string naam;
+    for (int32_t nr = 1; btw_lees(tabel, {nr, ""}, &naam); nr++)
+        uit.push_back({{nr, ""}, regel("%-2d    %s", nr, naam.c_str())});
     return uit;
 }
 
-bool stelsel_kies(const Lijsttabel& tabel, Lijstcode* code) {
+bool btw_kies(const Lijsttabel& tabel, Lijstcode* code) {
     return lijstkies(tabel,
-                     {TXT(T_KIES_STELSEL), TXT(T_STELSELKOP), TXT(T_CODEVRAAG), "2s[0123456789],I", stelsels},
+                     {regel("%s %s", TXT(T_SELECTEREN), TXT(T_W_BTWCODE)),
+                      regel("%-6.4s%s", TXT(T_CODE), TXT(T_PERCENTAGE)), TXT(T_CODEVRAAG), "2s[0123456789],I",
+                      btw_rijen},
                      code);
 }
 
-// ---- countries, read once
-
-Tabelbeeld<landrec> landen{SYS_LAND};
-
-bool land_lees(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
-    const auto& alle = landen.alle();
-    auto rij = std::find_if(alle.begin(), alle.end(),
-                            [&](const Slot<landrec>& s) { return VASTGELIJK(s.r.iso3, code.tekst); });
-    if (rij == alle.end())
-        return false;
-    *naam = VASTTEKST(rij->r.naam);
-    return true;
-}
-
-void land_onbekend(const Lijsttabel&, const Lijstcode& code) {
-    error("<%s> %s", code.tekst.c_str(), TXT(T_ONBEKEND_LAND));
-}
-
-Rijen land_rijen(const Lijsttabel&) {
-    Rijen uit;
-    for (const auto& s : landen.alle()) {
-        const std::string code = VASTTEKST(s.r.iso3);
-        uit.push_back({{0, code}, regel("%-3.3s  %-20.20s", code.c_str(), VASTTEKST(s.r.naam).c_str())});
-    }
-    return uit;
-}
-
-bool land_kies(const Lijsttabel& tabel, Lijstcode* code) {
-    return lijstkies(tabel, {TXT(T_KIES_LAND), kop(), TXT(T_CODEVRAAG), "3s,IU", land_rijen}, code);
+constexpr Lijsttabel rij(const char* formaat, int welke) {
+    return {formaat, welke, lees, onbekend, kies, vraag, voeg_toe};
 }
 
 } // namespace
 
-const Lijsttabel INKOOPTABEL{"1U", INKOOP, code_lees, code_onbekend, code_kies};
-const Lijsttabel DEELSEIZOENTABEL{"1U", DEELSEIZOEN, code_lees, code_onbekend, code_kies};
-const Lijsttabel STELSELTABEL{"2U", 0, stelsel_lees, stelsel_onbekend, stelsel_kies};
-const Lijsttabel LANDTABEL{"3c", 0, land_lees, land_onbekend, land_kies};
+const Lijsttabel ACTIETABEL = rij("1U", C_ACTIE), CORRECTIETABEL = rij("1U", C_CORRECTIE),
+                 INKOOPTABEL = rij("1U", C_INKOOP), DEELSEIZOENTABEL = rij("1U", C_DEELSEIZOEN),
+                 KLEURTABEL = rij("3u", C_KLEUR), ETIKETSOORTTABEL = rij("2U", C_ETIKETSOORT),
+                 KENMERKSOORTTABEL = rij("1U", C_KENMERKSOORT), PRIJSKLASSETABEL = rij("1U", C_PRIJSKLASSE),
+                 STELSELTABEL = rij("2U", C_MAATSTELSEL), LANDTABEL = rij("3c", C_LAND),
+                 FILIAALREEKSTABEL = rij("2U", C_FILIAALREEKS), OMZETGROEPTABEL = rij("4u", C_OMZETGROEP),
+                 DOELGROEPTABEL = rij("1c[^.,]", C_DOELGROEP);
+const Lijsttabel BTWTABEL{"2U", 0, btw_lees, btw_onbekend, btw_kies};
 
-void landen_vergeet() {
-    landen.vergeet();
+uint8_t omzetgroep_btw(uint16_t nummer) {
+    Coderecord rec;
+    return code_lees(codetabel(OMZETGROEPTABEL), {nummer, ""}, false, &rec) == 1
+               ? rec[offsetof(omzgrprec, btwcode)]
+               : uint8_t{0};
+}
+
+bool filiaalreeks_lees(uint8_t nummer, uint8_t* filialen) {
+    Coderecord rec;
+    const bool er = code_lees(codetabel(FILIAALREEKSTABEL), {nummer, ""}, false, &rec) == 1;
+    memcpy(filialen, rec.data() + offsetof(filiaalreeksrec, filialen), sizeof filiaalreeksrec::filialen);
+    return er;
 }
 
 } // namespace zg

@@ -3,11 +3,13 @@
 #include "shared/iofil.h"
 #include "shared/sysrec.h"
 #include "shared/teksten.h"
+#include "term/ingave.h"
 #include "term/scherm.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace zg {
@@ -133,6 +135,34 @@ std::string filreeks_tekst(const uint8_t* bits) {
         i = j + 1;
     }
     return uit;
+}
+
+bool filreeks_veld(int rij, int kolom, int breedte, const char* opties, uint8_t* bits) {
+    constexpr int LANGST = 250;
+    const std::string was = filreeks_tekst(bits);
+    const bool te_lang = was.size() > LANGST;
+    char tekst[LANGST + 1] = "";
+    snprintf(tekst, sizeof tekst, "%s", te_lang ? "" : was.c_str());
+    std::unique_ptr<Instel, void (*)(Instel*)> toetsen(INSTELNEW(0), INSTELDEL);
+    char formaat[32];
+    snprintf(formaat, sizeof formaat, "%d.%dS,%.8s", LANGST, breedte, opties);
+    for (;;) {
+        if (toetsen)
+            INSTELSET(toetsen.get());
+        const bool getypt = INGAVE(rij, kolom, formaat, &SCHERM.toets[key_cancel], tekst) != 0;
+        if (TOETSWEG() || (te_lang && !getypt))
+            return false;
+        int nummer = 0;
+        switch (filreeks_lees(tekst, bits, &nummer)) {
+        case Filreeks::goed:
+            return filreeks_tekst(bits) != was;
+        case Filreeks::onbekend:
+            error("<%d> %s", nummer, TXT(T_ONBEKEND_FILIAAL));
+            break;
+        case Filreeks::fout:
+            error("<%s> %s", tekst, TXT(T_FILREEKS_FOUT));
+        }
+    }
 }
 
 } // namespace zg

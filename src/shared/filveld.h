@@ -17,6 +17,9 @@ int fil_veld(int rij, int kolom, int naam_kolom, const char* opties, uint8_t* nu
 enum class Filreeks { goed, fout, onbekend }; // fout: not such a text; onbekend: a number that no branch has
 Filreeks filreeks_lees(const char* tekst, uint8_t* bits, int* nummer = nullptr); // nummer: the unknown one
 std::string filreeks_tekst(const uint8_t* bits);
+// The text of a set as a field of `breedte` visible columns (250 characters at most), asked until it is one; what a
+// wrong one has is told. A set whose text is longer is replaced by what is typed. True when it changed.
+bool filreeks_veld(int rij, int kolom, int breedte, const char* opties, uint8_t* bits);
 inline bool fil_in(const uint8_t* bits, int index) {
     return bits[index / 8] >> (index % 8) & 1;
 }

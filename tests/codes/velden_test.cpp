@@ -85,8 +85,8 @@ TEST_F(Velden, Code) {
         lijstveld(INKOOPTABEL, 5, 10, "", &code);
         return vorm("%d %s", code, lijstnaam(INKOOPTABEL, {code, ""}).c_str());
     });
-    t.toetsen("7<Enter>");
-    t.wacht_op(25, 1, "<7> Onbekende code");
+    t.toetsen("7<Enter><Enter>");
+    t.wacht_op(25, 1, "<7> Onbekende inkoopcode");
     t.toetsen("<F5>");
     EXPECT_TRUE(t.wacht("Inkoopcode")) << "the head slot's text\n" << t.scherm();
     t.wacht("5     Jubileum");

@@ -148,7 +148,9 @@ TEST(Order, KopVeldVoorVeld) {
         tik("A12<Enter>");
         p.t.wacht("Deze relatie is geen agent");
         tik("<Esc>Z7<Enter>");
-        p.t.wacht("<7> Onbekende code");
+        p.t.wacht("Wilt u deelseizoen 7 toevoegen");
+        tik("<Enter>");
+        p.t.wacht("<7> Onbekend deelseizoen");
         tik("<Esc>");
         p.t.wacht_op(11, 42, "2  Hoogzomer");
         tik("L<End>, spoed<Enter>tweede regel<Esc>");
