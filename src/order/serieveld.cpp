@@ -31,35 +31,6 @@ constexpr int REGTYPE_ETIKET = 0, REGTYPE_MAAT = 1;
 
 bool nieuwe_regel;
 
-// Plain fields until the tables of codes have their lists.
-bool lees_kleur(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
-    Slot<tekst20> slot{code.nummer, {}};
-    if (!iotab('R', &slot, SYS_KLEUR))
-        return false;
-    *naam = VASTTEKST(slot.r.tekst);
-    return true;
-}
-bool lees_etiket(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
-    Slot<etiketsoortrec> slot{code.nummer, {}};
-    if (!iotab('R', &slot, SYS_ETIKETSOORT))
-        return false;
-    *naam = VASTTEKST(slot.r.tekst);
-    return true;
-}
-bool lees_doel(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
-    doelgrrec rec{};
-    if (!dtdoelgr || !leesdoelgr(dtdoelgr, &rec, code.tekst[0]))
-        return false;
-    *naam = VASTTEKST(rec.naam);
-    return true;
-}
-void onbekend(const Lijsttabel&, const Lijstcode& code) {
-    error("<%d%s> Onbekend", code.nummer, code.tekst.c_str());
-}
-const Lijsttabel KLEURTABEL{"3d", 0, lees_kleur, onbekend, nullptr},
-    ETIKETTABEL{"2n", 0, lees_etiket, onbekend, nullptr},
-    DOELGROEPTABEL{"1c[^.,]", 0, lees_doel, onbekend, nullptr};
-
 void waarde(int rij, const std::string& tekst) {
     SCRPUT(A_WAARDE, rij, WAARDE, "%-36.36s", tekst.c_str());
 }
@@ -87,8 +58,9 @@ char regtypeletter(int type) {
 // The group's label kind and size type for a new line, as far as they exist.
 void groep_standaard() {
     ordmodel& m = regel_nu.model;
-    m.etiketsoort =
-        lijstnaam(ETIKETTABEL, {regelgroep.etiketsoort, ""}).empty() ? uint8_t{0} : regelgroep.etiketsoort;
+    m.etiketsoort = lijstnaam(ETIKETSOORTTABEL, {regelgroep.etiketsoort, ""}).empty()
+                        ? uint8_t{0}
+                        : regelgroep.etiketsoort;
     m.maatsoort = regelgroep.maatsoort;
     if (mist_maatsoort())
         m.maatsoort = 0;
@@ -176,10 +148,10 @@ bool veld_artgroep(int rij) {
 
 void toon_etiketsoort(int rij) {
     const uint8_t soort = regel_nu.model.etiketsoort;
-    code_waarde(rij, soort, lijstnaam(ETIKETTABEL, {soort, ""}));
+    code_waarde(rij, soort, lijstnaam(ETIKETSOORTTABEL, {soort, ""}));
 }
 bool veld_etiketsoort(int rij) {
-    return lijstveld(ETIKETTABEL, rij, WAARDE, "EP", &regel_nu.model.etiketsoort) == Lijstuit::anders;
+    return lijstveld(ETIKETSOORTTABEL, rij, WAARDE, "EP", &regel_nu.model.etiketsoort) == Lijstuit::anders;
 }
 
 void toon_maatsoort(int rij) {
