@@ -21,7 +21,7 @@ namespace {
 enum Prijsitem { PRI_MATEN, PRI_BRUTO, PRI_KORTING, PRI_NETTO, PRI_INKOOP, PRI_ADVIES };
 
 constexpr int HOOGTE = 10, WAARDE = 21, BREED = 57;
-constexpr int MATENRIJ = 11; // window of the set, below the one of prices
+constexpr int MATENRIJ = SERIERIJ + HOOGTE; // window of the set, below that of the prices
 
 bool nieuw; // prices are those of a new line: no discount of its own yet, an advice price that follows
 
@@ -187,8 +187,13 @@ const Itemscherm PRIJSSCHERM{&T_P_TITEL, SERIERIJ,  SERIEKOLOM, HOOGTE, SERIEBRE
                              HOOGTE - 2, PRI_MATEN, prijs_rij,  ITEMS};
 const uint8_t VRAAG[] = {0, 1, 0, 0, 0, 0};
 
+// False when it was broken off, or the line's size type has lost its sizes.
 bool prijzen(const Itemverloop& verloop, bool* anders) {
     regelstam_lees(&regel_nu);
+    if (!regel_balk(regel_nu)) { // a screen in between may have closed it
+        MELDBOX(MELD_WAARSCHUWING, TXT(T_GEEN_MATEN), nullptr, nullptr);
+        return false;
+    }
     order_prijscontext();
     up_regelkorting(0);
     nieuw = verloop.wijze == Itemwijze::nieuw;
