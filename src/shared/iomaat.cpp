@@ -57,6 +57,11 @@ void registerfout(const char* routine) {
     FFLASH(-1, 2, A_WAARDE, "", "%s%s\n%s", routine, TXT(T_FOUT), TXT(T_SUPPORT));
 }
 
+// The table that is the record on file; the other one is made from it.
+maatrij* op_bestand(mthandle* h) {
+    return standaard(*h) ? &h->nummers : &h->posities;
+}
+
 // 1 read, 0 not there, and then a locked one is reserved; -1 not there and not reserved.
 int lees_rij(maatrij* rij, bool op_slot) {
     uint8_t buffer[IXRECMAX + 1] = {rij->stelsel, rij->soort};
@@ -71,17 +76,22 @@ void leid_posities_af(mthandle* h) {
     for (int n = 1; n <= MATEN; n++) {
         int p = h->nummers.entry[n].link;
         if (!geldig(p)) {
+            h->stuk |= p != 0;
             h->nummers.entry[n].link = 0;
             continue;
         }
+        h->stuk |= h->posities.entry[p].link != 0; // two sizes in one place
         memcpy(h->posities.entry[p].naam, h->nummers.entry[n].naam, 3);
         h->posities.entry[p].link = static_cast<uint8_t>(n);
     }
 }
 
 void leid_nummers_af(mthandle* h) {
-    for (int p = 1; p <= MATEN && geldig(h->posities.entry[p].link); p++)
-        h->nummers.entry[h->posities.entry[p].link].link = static_cast<uint8_t>(p);
+    for (int p = 1; p <= MATEN && geldig(h->posities.entry[p].link); p++) {
+        uint8_t* plaats = &h->nummers.entry[h->posities.entry[p].link].link;
+        h->stuk |= *plaats != 0;
+        *plaats = static_cast<uint8_t>(p);
+    }
 }
 
 int aantal(const mthandle& h) {
@@ -89,6 +99,14 @@ int aantal(const mthandle& h) {
     while (p < MATEN && geldig(h.posities.entry[p + 1].link))
         p++;
     return p;
+}
+
+// Are there sizes behind the end of the bar?
+bool gat(const mthandle& h) {
+    for (int p = aantal(h) + 1; p <= MATEN; p++)
+        if (h.posities.entry[p].link)
+            return true;
+    return false;
 }
 
 int rang_van(const mthandle& h, int positie) {
@@ -188,27 +206,32 @@ int zoek_rang(const mthandle& h, char letter, int rang) {
     return 0;
 }
 
-void schrijf_rij(mthandle* h, maatrij* rij, bool tel) {
-    if (h->gewijzigd) {
-        if (tel) {
-            sysmaat sys;
-            int32_t nr = 8;
-            iotab('R', &nr, &sys, SYS_RECORD);
-            rij->mtcount = sys.mtcount;
-        }
-        uint8_t buffer[IXRECMAX + 1] = {rij->stelsel, rij->soort};
-        bool bestaat = IXREAD(dtmaat, buffer); // what a longer record holds behind the sizes stays
-        if (aantal(*h) > 0) {
-            if (!bestaat)
-                memset(buffer, 0, sizeof buffer);
-            memcpy(buffer, rij, sizeof *rij);
-            IXWRITEK(dtmaat, buffer);
-        } else if (bestaat) {
-            IXDELETE(dtmaat, buffer);
-        }
+// The tables as they are on file; 0 when the disk refused.
+int schrijf_rij(mthandle* h) {
+    if (!h->gewijzigd)
+        return 1;
+    maatrij* rij = op_bestand(h);
+    if (rij == &h->nummers) {
+        sysmaat sys;
+        int32_t nr = 8;
+        iotab('R', &nr, &sys, SYS_RECORD);
+        rij->mtcount = sys.mtcount;
     }
-    uint8_t sleutel[IXRECMAX + 1] = {rij->stelsel, rij->soort};
-    IXUNLOCK(dtmaat, sleutel);
+    uint8_t buffer[IXRECMAX + 1] = {rij->stelsel, rij->soort};
+    const int weigeringen = IXWEIGERINGEN;
+    bool bestaat = IXREAD(dtmaat, buffer); // what a longer record holds behind the sizes stays
+    int goed = 1;
+    if (aantal(*h) > 0) {
+        if (!bestaat)
+            memset(buffer, 0, sizeof buffer);
+        memcpy(buffer, rij, sizeof *rij);
+        goed = IXWRITEK(dtmaat, buffer);
+    } else if (bestaat) {
+        IXDELETE(dtmaat, buffer);
+        goed = weigeringen == IXWEIGERINGEN;
+    }
+    h->gewijzigd = !goed;
+    return goed;
 }
 
 void schrijf_extra(mthandle* h, const mtinfo& info, bool weg) {
@@ -267,6 +290,7 @@ mthandle* mtopen(uint8_t stelsel, uint8_t soort, int vlaggen) {
         leid_nummers_af(h);
         memcpy(h->nummers.mtombits, h->posities.mtombits, MAATBYTES);
     }
+    h->stuk |= gat(*h);
     auto* plaats = std::find(std::begin(open_handles), std::end(open_handles), nullptr);
     if (plaats != std::end(open_handles))
         *plaats = h;
@@ -277,14 +301,27 @@ mthandle* mtopen(uint8_t stelsel, uint8_t soort, int vlaggen) {
 
 void mtclose(mthandle* h) {
     eis(h);
-    if (h->schrijven)
-        schrijf_rij(h, standaard(*h) ? &h->nummers : &h->posities, standaard(*h));
+    if (h->schrijven) {
+        schrijf_rij(h);
+        uint8_t sleutel[IXRECMAX + 1] = {h->stelsel, h->soort};
+        IXUNLOCK(dtmaat, sleutel);
+    }
     auto* plaats = std::find(std::begin(open_handles), std::end(open_handles), h);
     if (plaats != std::end(open_handles))
         *plaats = nullptr;
     else
         registerfout("mtclose-");
     delete h;
+}
+
+int mtbewaar(mthandle* h) {
+    if (!eis(h)->schrijven)
+        return !h->gewijzigd;
+    if (schrijf_rij(h))
+        return 1;
+    uint8_t sleutel[IXRECMAX + 1] = {h->stelsel, h->soort}; // a refused write has let go of it
+    h->schrijven = IXREADL(dtmaat, sleutel) >= 0;
+    return 0;
 }
 
 int mtread(mthandle* h, char letter, mtinfo* info, int sleutel) {

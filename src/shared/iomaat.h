@@ -35,6 +35,8 @@ static_assert(sizeof(mtinfo) == 15 && offsetof(mtinfo, naam) == 5 && offsetof(mt
 struct mthandle {
     uint8_t stelsel, soort;
     bool schrijven, gewijzigd;
+    bool
+        stuk; // the record on file contradicts itself: what it holds is shown as far as it goes, not to be changed
     bool mtom; // use DTMTOM; the size screens set and clear it
     uint8_t keuze[MAATBYTES];
     maatrij nummers, posities;
@@ -58,6 +60,8 @@ inline void maat_uit(uint8_t* masker, int maat) {
 // with both records locked until mtclose. A size type that isn't there opens without sizes.
 mthandle* mtopen(uint8_t stelsel, uint8_t soort, int vlaggen);
 void mtclose(mthandle* h); // writes what was changed, releases, frees
+// Write what was changed and keep the lock. 0 when the disk refused, which was told: the changes stay in the handle.
+int mtbewaar(mthandle* h);
 // Letters F R N P under key 1 number, 2 position, 3 name, 4 rank in the selection. 1 and the whole record
 // when there is a size, else 0 and the record as it came.
 int mtread(mthandle* h, char letter, mtinfo* info, int sleutel);

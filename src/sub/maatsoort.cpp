@@ -2,7 +2,6 @@
 #include "sub/maatsoort.h"
 #include "shared/iomaat.h"
 #include "shared/iotab.h"
-#include "shared/maatbalk.h"
 #include "shared/teksten.h"
 #include "sub/teksten.h"
 #include "term/scherm.h"
@@ -57,10 +56,6 @@ bool altijd(const Lijsttabel&, const Lijstcode&, std::string*) {
 } // namespace
 
 const Lijsttabel MAATSOORTTABEL{"2U", 0, lees, onbekend, kies};
-
-bool maatsoort_onderhoud(int, int, uint8_t stelsel, uint8_t soort) {
-    return maatsoort_gevuld(stelsel, soort);
-}
 
 Lijstuit maatsoort_veld(int rij, int kolom, const char* opties, uint8_t* soort, bool moet_bestaan,
                         uint8_t stelsel) {

@@ -143,5 +143,98 @@ TEST_F(Maten, SizesOfASeries) {
     EXPECT_EQ(leeg.antwoord(), "0 Maatsoort 9: geen maten gedefinieerd");
 }
 
+// The sizes of a type on file in bar order, "1:XS 2:S", and its description behind them.
+std::string op_bestand(uint8_t stelsel, uint8_t soort) {
+    std::string uit;
+    dtmaat = IXOPEN("DTMAAT", 2);
+    mthandle* h = mtopen(stelsel, soort, 0);
+    mtinfo info{};
+    for (int er = mtread(h, 'F', &info, 2); er; er = mtread(h, 'N', &info, 2))
+        uit += std::to_string(info.maatnr) + ":" + VASTTEKST(info.naam) + " ";
+    mtclose(h);
+    IXCLOSE(dtmaat);
+    dtmaat = nullptr;
+    return uit + lijstnaam(MAATSOORTTABEL, {soort, ""});
+}
+
+TEST_F(Maten, ScreenOfAType) {
+    type(2, "Heren", {"46", "~1", "48"});
+    std::vector<std::string> veel;
+    for (int i = 1; i < MATEN; i++)
+        veel.push_back(std::to_string(100 + i));
+    type(3, "Veel", veel);
+    struct {
+        uint8_t stelsel, soort;
+        const char *toetsen, *melding, *weg, *uit;
+    } const rijen[] = {
+        {1, 1, "12<Right><F8>XSM", "", "<Esc><Esc>", "1:XS 2:S 3:M 4:L 5:XL Confectie"}, // not entered
+        {1, 1, "12<Right><F8>XSM<Enter>", "", "<Esc><Esc>", "1:XS 6:XSM 2:S 3:M 4:L 5:XL Confectie"},
+        // Found on opening: label and number stay, whatever is tried.
+        {1, 1, "12Q<Enter>", "wijzigen niet toegestaan, maat mogelijk in gebruik", "<Esc><Esc>",
+         "1:XS 6:XSM 2:S 3:M 4:L 5:XL Confectie"},
+        {1, 1, "12<Right> <Enter>", "verwijderen niet toegestaan, maat mogelijk in gebruik", "<Esc><Esc>",
+         "1:XS 6:XSM 2:S 3:M 4:L 5:XL Confectie"},
+        // Added now: changed, taken out, its number used again; a blank that is left goes.
+        {1, 1, "12<F8>A<Enter><Left>B<Enter><F8>C<Enter><F8><Enter><Left><Left> <Enter>", "", "<Esc><Esc>",
+         "8:C 1:XS 6:XSM 2:S 3:M 4:L 5:XL Confectie"},
+        {1, 2, "12<Right>47<Enter><F8>48<Enter>", "<48 > komt reeds voor", "<Esc><Esc>",
+         "1:46 2:47 3:48 Heren"},
+        {2, 7, "j<Enter>Ander<Enter>A<Enter>B<Enter><Left><Left><F8>C<Enter>", "", "<Esc><Esc>",
+         "3:C 1:A 2:B Ander"},
+        {1, 7, "12<Left>", "Ongeldige toets", "<Esc><Esc>", "Ander"}, // in the other size system only
+        {1, 8, "j<Enter>Niets<Enter><Esc>", "Maatsoort moet minimaal 1 maat bevatten", "<Esc>", ""},
+        {1, 9, "j<Enter>Weg<Enter>A<Enter><Esc>V", "", "j<Enter>", ""},
+        {1, 9, "", "", "<Enter>", ""},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.toetsen);
+        Gesprek t([&] {
+            begin();
+            uint8_t twee[MAATBYTES] = {0x0C};
+            balk_open(1, 1, twee);
+            maatsoort_onderhoud(4, 1, r.stelsel, r.soort);
+            return vorm("%d %s", balk_kolommen(), balk_naam(1));
+        });
+        t.toetsen(r.toetsen);
+        EXPECT_EQ(t.regel(25), r.melding);
+        t.toetsen(r.weg);
+        EXPECT_EQ(t.antwoord(), "2 S") << "the bar that was in force is so again";
+        EXPECT_EQ(op_bestand(r.stelsel, r.soort), r.uit);
+    }
+}
+
+// A table that is full, and one that contradicts itself.
+TEST_F(Maten, FullAndDamaged) {
+    std::vector<std::string> veel;
+    for (int i = 1; i < MATEN; i++)
+        veel.push_back(std::to_string(100 + i));
+    type(3, "Veel", veel);
+    Gesprek t([] {
+        begin();
+        maatsoort_onderhoud(4, 1, 1, 3);
+        return std::string("klaar");
+    });
+    t.toetsen("12");
+    EXPECT_EQ(t.stuk(14, 3, 20), "F8 voor tussenvoegen");
+    t.toetsen("<F8>vol<Enter>");
+    EXPECT_EQ(t.stuk(14, 3, 20), "                    ") << "95 sizes";
+    t.toetsen("<F8><Esc><Esc>");
+    t.antwoord();
+    EXPECT_EQ(op_bestand(1, 3).substr(0, 19), "95:vol 1:101 2:102 ");
+
+    const std::string goed = test::lees_bestand("DTMAAT.TXT");
+    std::string stuk = goed;
+    stuk[14 + 2 * 4 + 3] = 1; // the second size of type 1 on the first one's place
+    test::schrijf_bestand("DTMAAT.TXT", stuk);
+    Gesprek d([] {
+        begin();
+        return vorm("%d", maatsoort_onderhoud(4, 1, 1, 1));
+    });
+    d.wacht("De maten van deze maatsoort zijn beschadigd");
+    d.toetsen("<Enter>");
+    EXPECT_EQ(d.antwoord(), "1");
+    EXPECT_EQ(test::lees_bestand("DTMAAT.TXT"), stuk);
+}
+
 } // namespace
 } // namespace zg
