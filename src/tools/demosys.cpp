@@ -67,6 +67,8 @@ struct Firma {
                 firma1->btw[i] = static_cast<uint16_t>(bron.getal(w[i], 0, 999));
         } else if (naam == "huisvaluta") {
             VASTIN(instel->valuta, w[0]);
+        } else if (naam == "set") {
+            set = static_cast<uint8_t>(bron.getal(w[0], 0, SET_MAX));
         } else if (naam == "werkdatum") {
             werkdatum = bron.datum(w[0]);
         } else if (naam == "seizoen") {
@@ -88,6 +90,7 @@ struct Firma {
     }
 
     uint16_t werkdatum = 0;
+    uint8_t set = 0; // of every user
 
 private:
     void vraag(uint8_t* velden, int aantal, const std::vector<std::string>& w) {
@@ -115,6 +118,7 @@ void demo_systeem(const std::string& pad, const std::vector<Demomaten>& maten, b
     Firma firma1{bron, beeld, parm};
     std::vector<std::pair<int, std::string>> fil;
     static const std::map<std::string, Systabel> TEKSTEN20 = {{"kleur", SYS_KLEUR},
+                                                              {"maatstelsel", SYS_MAATSTELSEL},
                                                               {"prijsklasse", SYS_PRIJSKLASSE}},
                                                  CODES = {{"deelseizoen", SYS_DEELSEIZOEN},
                                                           {"inkoopcode", SYS_INKOOP},
@@ -134,6 +138,7 @@ void demo_systeem(const std::string& pad, const std::vector<Demomaten>& maten, b
             scramble_in(g->username, sizeof g->username, bron.cp850(w.at(2)));
             g->userkind = w[1][0];
             g->werkdatum = firma1.werkdatum;
+            g->set = firma1.set;
         } else if (r.sectie == "valuta") {
             valutarec* v = beeld.slot<valutarec>(SYS_VALUTA, bron.getal(w[0], 1, 99));
             VASTIN(v->code, w.at(1));
@@ -147,8 +152,22 @@ void demo_systeem(const std::string& pad, const std::vector<Demomaten>& maten, b
             VASTIN(l->naam, bron.cp850(achter(w, 4)));
         } else if (r.sectie == "etiketsoort") {
             etiketsoortrec* e = beeld.slot<etiketsoortrec>(SYS_ETIKETSOORT, bron.getal(w[0], 1, 100));
-            VASTIN(e->tekst, bron.cp850(achter(w, 1)));
-            e->breedte = 40, e->hoogte = 8;
+            unsigned breedte, hoogte; // "30x10" in front of the text
+            const bool maat = sscanf(w.at(1).c_str(), "%3ux%3u", &breedte, &hoogte) == 2;
+            e->breedte = static_cast<uint8_t>(maat ? breedte : 40);
+            e->hoogte = static_cast<uint8_t>(maat ? hoogte : 8);
+            VASTIN(e->tekst, bron.cp850(achter(w, maat ? 2 : 1)));
+        } else if (r.sectie == "kenmerksoort") {
+            VASTIN(beeld.slot<tekst20>(SYS_SETCODE, firma1.set * 10 + bron.getal(w[0], 1, SET_MAX))->tekst,
+                   bron.cp850(achter(w, 1)));
+        } else if (r.sectie == "filiaalreeks") { // number, branches "1,3,20", name
+            filiaalreeksrec* f = beeld.slot<filiaalreeksrec>(SYS_FILIAALREEKS, bron.getal(w[0], 1, 99));
+            VASTIN(f->naam, bron.cp850(achter(w, 2)));
+            std::istringstream nummers(w.at(1));
+            for (std::string n; std::getline(nummers, n, ',');)
+                for (size_t i = 0; i < fil.size(); i++)
+                    if (fil[i].first == bron.getal(n, 1, 250))
+                        f->filialen[i / 8] |= static_cast<uint8_t>(1 << (i % 8));
         } else if (auto t = TEKSTEN20.find(r.sectie); t != TEKSTEN20.end()) {
             VASTIN(beeld.slot<tekst20>(t->second, bron.getal(w[0], 1, t->second.slots))->tekst,
                    bron.cp850(achter(w, 1)));
@@ -174,8 +193,6 @@ void demo_systeem(const std::string& pad, const std::vector<Demomaten>& maten, b
                              1);
         }
     }
-    VASTIN(beeld.slot<tekst20>(SYS_MAATSTELSEL, 1)->tekst, "Nederlands");
-    VASTIN(beeld.slot<tekst20>(SYS_MAATSTELSEL, 2)->tekst, "Internationaal");
     if (registermodus) {
         beeld.slot<sysetiket>(SYS_RECORD, 4)->vrijkop = 0;
         demobestand("DTETI.TXT", "", 0);
