@@ -47,13 +47,17 @@ int64_t totaalwaarde(int kol) {
     return totaalbeeld[balk_maat(kol)];
 }
 
-// The sum of a row, from a column up to the cells.
-void teken_som(const Matrixscherm* s, int rij, int kolom, int64_t som) {
-    const int breedte = s->raster.kolvan - kolom;
+// The sum of a row, from a column up to the cells; from the first on where it would touch what stands there and that
+// may go.
+void teken_som(const Matrixscherm* s, int rij, int kolom, bool ruim, int64_t som) {
     char getal[24] = "";
     if (som != 0)
         snprintf(getal, sizeof getal, "%" PRId64, som);
-    SCRPUT(A_WAARDE, rij, kolom, "%*s", breedte, static_cast<int>(strlen(getal)) <= breedte ? getal : "*");
+    const int lengte = static_cast<int>(strlen(getal));
+    if (ruim && lengte >= s->raster.kolvan - kolom)
+        kolom = 1;
+    const int breedte = s->raster.kolvan - kolom;
+    SCRPUT(A_WAARDE, rij, kolom, "%*s", breedte, lengte <= breedte ? getal : "*");
 }
 
 void teken_filiaal(const Matrixscherm* s, const aantalmatrix& m, int f, int rij) {
@@ -62,7 +66,7 @@ void teken_filiaal(const Matrixscherm* s, const aantalmatrix& m, int f, int rij)
     SCRPUT(A_LABEL, rij, 1, "%3d", s->nummers[static_cast<size_t>(f)]);
     if (uit)
         SCRPUT(A_LABEL, rij, MARKKOLOM, "*");
-    teken_som(s, rij, MARKKOLOM + uit, matrix_cel(m, f, 0));
+    teken_som(s, rij, MARKKOLOM + uit, false, matrix_cel(m, f, 0));
     for (int kol = r->eerstekol; kol <= r->laatstekol; kol++)
         RASTERGETAL(r, A_WAARDE, rij, RASTERKOLPLAATS(r, kol), matrix_cel(m, f, balk_maat(kol)));
 }
@@ -71,8 +75,7 @@ void teken_filiaal(const Matrixscherm* s, const aantalmatrix& m, int f, int rij)
 void teken_totaal(const Matrixscherm* s, int rij, const char* naam, const int32_t* waarden) {
     SCRCLREOL(rij, 1);
     SCRPUT(A_LABEL, rij, 1, "%s", naam);
-    const int32_t som = waarden[0];
-    teken_som(s, rij, som > 9999 || som < -999 ? 1 : MARKKOLOM, som);
+    teken_som(s, rij, MARKKOLOM, true, waarden[0]);
     totaalbeeld = waarden;
     RASTERTOTAAL(&s->raster, A_WAARDE, rij, totaalwaarde);
 }
