@@ -31,6 +31,10 @@ choose_build_dir() {
     echo "this checkout can't be written: the build goes to $build_root"
   fi
   build_dir=$build_root/$preset
+  # The terminal library takes a directory of descriptions for a list, parted by colons.
+  case $build_dir in
+    *:*) stop "A path with a colon can't be used: $build_dir" "Name another place for the build: BUILD=directory $command" ;;
+  esac
 }
 
 # lacking GROUP...: the packages of these lines of data/packages that aren't there, on one line.

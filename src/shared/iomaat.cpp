@@ -442,8 +442,7 @@ int mtremove(uint8_t soort) {
         IXUNLOCK(dtmaat, buffer);
     if (er != 1)
         return 0;
-    IXDELETE(dtmaat, buffer);
-    return 1;
+    return IXDELETE(dtmaat, buffer) == 0;
 }
 
 uint8_t mtstelsel(uint8_t eigen) {

@@ -139,15 +139,23 @@ int DDNUMMER(const char* naam) {
     return 0;
 }
 
-int DDRECLEN(int bestandnr, int64_t databytes) {
+std::vector<int> DDRECLENGTES(int bestandnr) {
     DDRIJ r;
-    if (!DDROW(bestandnr, 1, &r))
-        return 0;
-    if (databytes > 0 && databytes % r.reclen)
-        for (const auto& o : ook_goed)
-            if (o.nr == bestandnr && databytes % o.reclen == 0)
-                return o.reclen;
-    return r.reclen;
+    std::vector<int> uit;
+    if (DDROW(bestandnr, 1, &r))
+        uit.push_back(r.reclen);
+    for (const auto& o : ook_goed)
+        if (o.nr == bestandnr)
+            uit.push_back(o.reclen);
+    return uit;
+}
+
+int DDRECLEN(int bestandnr, int64_t databytes) {
+    const std::vector<int> lengtes = DDRECLENGTES(bestandnr);
+    for (int l : lengtes)
+        if (databytes % l == 0)
+            return l;
+    return lengtes.empty() ? 0 : lengtes[0];
 }
 
 int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam, int reclen) {
@@ -205,9 +213,8 @@ int DDCOMPARE(int bestandnr, const IXHEADER& h) {
     DDRIJ r;
     if (!DDROW(bestandnr, 1, &r))
         return DD_ONLEESBAAR;
-    if (h.reclen != r.reclen && std::ranges::none_of(ook_goed, [&](const auto& o) {
-            return o.nr == bestandnr && o.reclen == h.reclen;
-        }))
+    const std::vector<int> lengtes = DDRECLENGTES(bestandnr);
+    if (std::ranges::find(lengtes, h.reclen) == lengtes.end())
         return DD_RECLEN;
     if (h.nkeys != r.keys)
         return DD_KEYS;

@@ -3,6 +3,7 @@
 // shared/woordenboek.def. Failures are answers; showing them is the caller's.
 #pragma once
 #include <cstdint>
+#include <vector>
 
 namespace zg {
 
@@ -37,6 +38,8 @@ int DDNUMMER(const char* naam);
 // Record length that fits a data file of so many bytes: the dictionary's, or that of a former maker when only this
 // divides them. 0 for an unknown number.
 int DDRECLEN(int bestandnr, int64_t databytes);
+// All record lengths that serve for a file, the dictionary's first.
+std::vector<int> DDRECLENGTES(int bestandnr);
 
 // Give a fresh handle the title, record length (the dictionary's for 0) and keys of a file; `naam` serves for a title
 // that is missing. Answers the number of keys, 0 for an unknown number.

@@ -153,7 +153,9 @@ int IXEXISTSP(ICB* icb, const void* rec, int delen); // by the first parts
 // was, and lock and reservation are let go of all the same. In mode 0 a box, and 1.
 int IXWRITE(ICB* icb, const void* rec);
 int IXWRITEK(ICB* icb, const void* rec);
-int IXDELETE(ICB* icb, void* rec); // the record at `currec`, if key 1 agrees; always 0
+// The record at `currec`, if key 1 agrees: 0, also when there is nothing to delete. -1: the disk refused, which was told,
+// and the record stands.
+int IXDELETE(ICB* icb, void* rec);
 int IXPUTREC(ICB* icb,
              const void* rec); // over the one at `currec`, keys untouched, and let go; 0 refused by the disk
 int IXUPDATE(ICB* icb, const void* rec); // the halves of IXWRITE

@@ -246,6 +246,7 @@ int KLADSCHRIJF(ICB* icb) {
     }
     const int fout = errno;
     if (!alles_terug()) {
+        icb->h.busy = klad.kop_geraakt;
         errno = fout;
         IXSCHIJFFOUT(icb, icb->datfd, int64_t{klad.recnr} * icb->h.reclen, icb->h.reclen);
     }

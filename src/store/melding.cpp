@@ -32,6 +32,11 @@ void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats, int lengte) {
     memcpy(naam, icb->h.name, sizeof icb->h.name);
     const int fout = errno;
     STOPREDEN(fout);
+    if (icb->h.busy) { // the pair stays marked
+        char reden[120];
+        snprintf(reden, sizeof reden, TXT(T_IX_HERBOUW), SCRFATALREDEN());
+        SCRFATALREDEN(reden);
+    }
     SCRFATAL(TXT(T_QUILLDB_SEEK), fout, naam, icb->idxfd, icb->datfd, fd, static_cast<long>(plaats),
              static_cast<unsigned>(lengte));
 }

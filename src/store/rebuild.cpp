@@ -209,8 +209,10 @@ void Bouw::zet_op_zijn_plaats() {
     if (!geschreven) {
         const int fout = errno;
         // Nothing but the header was touched yet: that as it was, and the index is what it was.
-        if (gelezen && keten_anders_ < 0 && !blokken_->begonnen())
-            IXBLOKSCHRIJF(icb->idxfd, 0, oud);
+        if (gelezen && keten_anders_ < 0 && !blokken_->begonnen() &&
+            (IXBLOKSCHRIJF(icb->idxfd, 0, oud) ||
+             (IXBLOKLEES(icb->idxfd, 0, kop, sizeof kop) == IXBLOK && memcmp(kop, oud, sizeof kop) == 0)))
+            icb->h.busy = 0;
         errno = fout;
         IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
     }

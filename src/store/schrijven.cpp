@@ -261,7 +261,7 @@ int IXDELETE(ICB* icb, void* rec) {
     if (!uitslag)
         geweigerd(icb, false, fout);
     IXKIES(icb, bewaard);
-    return 0;
+    return fout ? -1 : 0;
 }
 
 } // namespace zg

@@ -35,7 +35,6 @@ std::vector<std::string> IXRESERVERINGEN(int idxfd, const IXHEADER& h, IXKNOOP* 
     if (IXBLOKLEES(idxfd, h.nkeys + 1, &k, sizeof k) != IXBLOK || k.keyno != 1 || k.level != 0 ||
         k.count * def.keylen > KNOOPRUIMTE) {
         k = {};
-        k.keyno = 1;
         return uit;
     }
     for (int i = 0; i < k.count; i++)

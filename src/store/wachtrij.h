@@ -11,7 +11,7 @@ namespace zg {
 std::string IXSLEUTELTEKST(const IXKEYDEF& def, const uint8_t* waarde);
 
 // The reserved keys in the queue of an index, in that form; none when the block is no queue of this header, whose
-// definitions must make sense (IXDEFFOUT). *blok: the block as it stands, when asked for and sound.
+// definitions must make sense (IXDEFFOUT). *blok: the block as it stands when asked for; zeros when it is no queue.
 std::vector<std::string> IXRESERVERINGEN(int idxfd, const IXHEADER& h, struct IXKNOOP* blok = nullptr);
 
 } // namespace zg

@@ -145,6 +145,12 @@ Reeks met_alt(const uint8_t* s, int n) {
     return lengte == 0 ? Reeks{n, K_ONBEKEND, true} : Reeks{1 + std::max(lengte, 1), K_ONBEKEND, false};
 }
 
+// A mouse that a program before this one left on: ESC [ M and three bytes, which may be letters.
+constexpr int MUIS = 6;
+bool muis(const uint8_t* s, int n) {
+    return n > 2 && s[1] == '[' && s[2] == 'M';
+}
+
 Reeks vorm(const uint8_t* s, int n) {
     if (n == 1)
         return {1, K_ESC, true};
@@ -170,7 +176,7 @@ Reeks REEKS(const uint8_t* s, int n) {
     Reeks tabel = bekend(s, n);
     if (s[0] != K_ESC)
         return tabel;
-    Reeks r = vorm(s, n);
+    Reeks r = tabel.lengte == 0 && muis(s, n) ? Reeks{std::min(n, MUIS), K_ONBEKEND, n < MUIS} : vorm(s, n);
     if (tabel.lengte >= r.lengte && tabel.lengte > 1)
         r = {tabel.lengte, tabel.key, false};
     r.meer = r.meer || tabel.meer;

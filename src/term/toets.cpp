@@ -267,8 +267,11 @@ void TOETSENOVERNEMEN() {
     char* p = nullptr;
     long pid = strtol(waarde, &p, 10), tijd = strtol(p, &p, 10), nu = static_cast<long>(time(nullptr));
     if (pid == getpid() && nu >= tijd && nu - tijd <= OVERGAVE_SECONDEN) {
-        while (*p == ' ') {
-            long key = strtol(p, &p, 10);
+        for (const char* voor; *p == ' ';) {
+            voor = p;
+            const long key = strtol(p, &p, 10);
+            if (p == voor) // a blank with no number behind it
+                break;
             if (key >= 0 && key <= K_ONBEKEND)
                 TOETSTERUG(static_cast<int32_t>(key));
         }

@@ -140,7 +140,8 @@ void INGAVEHELP() {
     const int n = SCRPUT(A_LABEL, 12, KOLOM, "%s _", TXT(T_ENTER_VERVOLG));
     for (;;) {
         WINAT(12, KOLOM + n - 1);
-        if (TOETS() == K_ENTER)
+        const int32_t key = TOETS();
+        if (key == K_ENTER || key == K_ESC || key == K_CANCEL)
             break;
         error("%s", TXT(T_ONGELDIGE_INGAVE));
     }

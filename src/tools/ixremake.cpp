@@ -22,38 +22,77 @@ struct Bouwplan {
     IXHEADER kop{};
     bool nieuw = false; // not the definition of the index, which is to be made anew by the dictionary
     std::vector<std::string> gereserveerd;
+    bool rij_onleesbaar = false; // nor can be told what was reserved
 };
 
-// Looks at the index and decides; empty when good, else what is wrong. The length of the records is never changed
-// under a header that makes sense: they would be cut at the wrong places.
-std::string plan(const Paar& paar, bool woordenboek, Bouwplan* p) {
+// The header has another record length than the dictionary: whose fits the data file? Empty when the index is to be
+// built by the one asked for, and then the header's counts (`kop_telt`) or doesn't. The length of the records is never
+// changed under a header that makes sense: they would be cut at the wrong places.
+std::string andere_lengte(const Paar& paar, int van_kop, int van_boek, bool woordenboek, bool* kop_telt) {
+    const std::string wat = "the header says " + std::to_string(van_kop) +
+                            " bytes a record, the dictionary " + std::to_string(van_boek);
+    *kop_telt = paar.datbytes % van_kop == 0;
+    if (*kop_telt)
+        return woordenboek ? wat + "; without --dictionary it is rebuilt by its header" : "";
+    if (paar.datbytes % van_boek)
+        return wat + ", and the data file ends inside a record of either";
+    return woordenboek ? "" : wat + ", which fits the data file; --dictionary makes the index anew";
+}
+
+// The record length of an index that is made anew without a header to go by.
+std::string kies_lengte(const Paar& paar, int nr, int gevraagd, IXHEADER* kop) {
+    std::string passend;
+    int aantal = 0;
+    for (int l : DDRECLENGTES(nr)) {
+        if (l == gevraagd)
+            return kop->reclen = static_cast<int16_t>(l), "";
+        if (paar.datbytes > 0 && paar.datbytes % l == 0)
+            passend += (aantal++ ? " and of " : "") + std::to_string(l);
+    }
+    if (gevraagd)
+        return "the dictionary has no records of " + std::to_string(gevraagd) + " bytes for it";
+    return aantal > 1 ? "the data file fits records of " + passend + " bytes; --record-length says which"
+                      : "";
+}
+
+// Looks at the index and decides; empty when good, else what is wrong.
+std::string plan(const Paar& paar, const Opdracht& o, Bouwplan* p) {
     const int nr = DDNUMMER(paar.naam.c_str());
     ICB icb{};
     const bool kop = paar.idx >= 0 && SYSLEES(paar.idx, &icb.h, sizeof icb.h, 0) == ssize_t{sizeof icb.h};
     if (kop)
         IXFIXHDR(&icb);
     const char* fout = kop ? IXDEFFOUT(icb.h) : nullptr;
-    if (kop && !fout)
-        p->gereserveerd = IXRESERVERINGEN(paar.idx, icb.h);
-    const int verschil = woordenboek && kop ? DDCOMPARE(nr, icb.h) : DD_GELIJK;
-    if (verschil == DD_RECLEN && !fout)
-        return "the header says " + std::to_string(icb.h.reclen) +
-               " bytes a record, the dictionary something else; without --dictionary it is rebuilt by its "
-               "header";
-    p->nieuw = !kop || verschil != DD_GELIJK;
-    if (p->nieuw && !woordenboek)
+    bool kop_telt = kop && !fout;
+    const int verschil = kop && nr ? DDCOMPARE(nr, icb.h) : DD_GELIJK;
+    if (kop_telt && verschil == DD_RECLEN)
+        if (std::string kwaal =
+                andere_lengte(paar, icb.h.reclen, DDRECLEN(nr, paar.datbytes), o.woordenboek, &kop_telt);
+            !kwaal.empty())
+            return kwaal;
+    if (kop_telt && o.reclen && o.reclen != icb.h.reclen)
+        return "the header says " + std::to_string(icb.h.reclen) + " bytes a record";
+    p->nieuw = !kop || (o.woordenboek && verschil != DD_GELIJK);
+    if (p->nieuw && !o.woordenboek)
         return std::string("no index to take the definition from") +
                (nr ? "; --dictionary makes it anew" : ", and not in the dictionary");
     p->kop = icb.h;
     if (p->nieuw) {
-        const int reclen = icb.h.reclen;
         if (!woordenboekkop(paar.naam, paar.datbytes, &p->kop))
             return "not in the dictionary";
-        if (kop && !fout)
-            p->kop.reclen = static_cast<int16_t>(reclen);
-        return {};
+        if (kop_telt)
+            p->kop.reclen = icb.h.reclen;
+        else if (std::string kwaal = kies_lengte(paar, nr, o.reclen, &p->kop); !kwaal.empty())
+            return kwaal;
+    } else if (fout) {
+        return std::string("header: ") + fout + (nr ? "; --dictionary makes it anew" : "");
     }
-    return fout ? std::string("header: ") + fout + (nr ? "; --dictionary makes it anew" : "") : "";
+    if (paar.idx >= 0 && SYSOMVANG(paar.idx) > IXBLOK) {
+        IXKNOOP rij;
+        p->gereserveerd = IXRESERVERINGEN(paar.idx, kop && !fout ? icb.h : p->kop, &rij);
+        p->rij_onleesbaar = rij.keyno == 0;
+    }
+    return {};
 }
 
 // A user at work in the pair's directory: the process that holds a slot of DTSYS.TXT, 0 for none, and below 0 with errno
@@ -103,7 +142,7 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
     if (int fout = paar_alleen(&paar, o.wacht))
         return fout;
     paar.datbytes = SYSOMVANG(paar.dat);
-    if (std::string kwaal = plan(paar, o.woordenboek, p); !kwaal.empty())
+    if (std::string kwaal = plan(paar, o, p); !kwaal.empty())
         return klacht(naam, kwaal), FOUT_GEVONDEN;
     const int64_t rest = paar.datbytes % p->kop.reclen;
     if (rest && !o.kap)
@@ -147,6 +186,8 @@ int maak(const std::string& naam, const Opdracht& o) {
         gewist = p.gereserveerd;
     for (const std::string& s : gewist)
         klacht(naam, "reserved key cleared: " + CP850UTF8(s));
+    if (p.rij_onleesbaar)
+        klacht(naam, "which keys were reserved can't be read; they are cleared");
     std::vector<std::string> bevindingen;
     {
         Werkbalk balk("check " + tabel);

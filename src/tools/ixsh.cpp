@@ -5,12 +5,15 @@
 #include "store/diepcheck.h"
 #include "store/node.h"
 #include "store/rebuild.h"
+#include "store/wachtrij.h"
+#include "term/natl.h"
 #include "term/vast.h"
 #include "tools/opdracht.h"
 #include <charconv>
 #include <cstring>
 #include <iostream>
 #include <sstream>
+#include <utility>
 
 namespace zg {
 
@@ -102,6 +105,8 @@ std::string vul(Schelp& s, const Woorden& w) {
     return {};
 }
 
+ICB* open_nu; // the pair that is open
+
 void stel_in(Schelp& s) {
     s.velden = indeling(tabelnaam(s.naam), s.icb->h);
     memset(s.rec, 0, sizeof s.rec);
@@ -111,7 +116,7 @@ void stel_in(Schelp& s) {
 void sluit(Schelp& s) {
     IXGEEFTERUG(s.icb);
     IXCLOSE(s.icb);
-    s.icb = nullptr;
+    s.icb = open_nu = nullptr;
 }
 
 // One operation on an open pair: its words are the name and then what `arg` says: 'n' an optional number, 'f'
@@ -176,7 +181,13 @@ const Operatie OPERATIES[] = {
          return n >= 1 && n <= 3 && s.icb->mode == 1 ? (IXBULK("OWC"[n - 1], s.icb, s.rec), 1) : 0;
      }},
     {"init", "empty the pair (exclusive mode)", '-', false,
-     [](Schelp& s, int) { return s.icb->mode == 1 ? (IXINIT(s.icb), 1) : 0; }},
+     [](Schelp& s, int) {
+         if (s.icb->mode != 1)
+             return 0;
+         for (const std::string& sleutel : IXRESERVERINGEN(s.icb->idxfd, s.icb->h))
+             klacht(s.naam, "reserved key cleared: " + CP850UTF8(sleutel));
+         return IXINIT(s.icb), 1;
+     }},
     {"close", "give up what is reserved, and close the pair", '-', false,
      [](Schelp& s, int) { return sluit(s), 1; }},
 };
@@ -245,6 +256,7 @@ bool zonder_paar(Schelp& s, const Woorden& w, std::string* fout) {
                 IXINIT(s.icb);
             }
             stel_in(s);
+            open_nu = s.icb;
             printf("1 keys=%d reclen=%d records=%d\n", s.icb->h.nkeys, s.icb->h.reclen, s.icb->h.nrecs);
         }
     } else if (op == "check" || op == "rebuild" || op == "deepcheck") {
@@ -302,7 +314,19 @@ std::string voer_uit(Schelp& s, const Woorden& w) {
 
 } // namespace
 
+volatile std::sig_atomic_t ixsh_sein;
+
+void ixsh_geef_terug() {
+    if (ICB* icb = std::exchange(open_nu, nullptr))
+        IXGEEFTERUG(icb);
+}
+
 int ixsh(const Opdracht& o) {
+    // A signal ends the wait for a line or a lock, and then the script: nobody else gives up what it has reserved.
+    struct sigaction stop {};
+    stop.sa_handler = [](int sein) { ixsh_sein = sein; };
+    for (int sein : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
+        sigaction(sein, &stop, nullptr);
     Schelp s;
     s.wacht = o.wacht;
     int uitkomst = GOED; // the first that isn't good: the rest may follow from it
@@ -317,7 +341,7 @@ int ixsh(const Opdracht& o) {
     };
     if (!o.namen.empty())
         doe({"open", o.namen[0], "2"});
-    for (std::string regel; std::getline(std::cin, regel);) {
+    for (std::string regel; !ixsh_sein && std::getline(std::cin, regel);) {
         Woorden w = woorden(regel);
         if (w.empty())
             continue;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <csignal>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -26,7 +27,7 @@ const Tool TOOLS[] = {
      "Every live record keeps its number. With --dictionary a lost index is made anew. Reserved keys are "
      "cleared, but "
      "not while users are at work.",
-     ixremake, "ndtfqw"},
+     ixremake, "ndltfqw"},
     {"ixstat", "show definitions, counts, tree depths and fill of pairs", "", ixstat, "njw"},
     {"ixdump", "write a pair as CSV or JSON lines, in UTF-8",
      "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump, "1djoHw"},
@@ -76,6 +77,10 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
         app.add_flag("-d,--dictionary", o.woordenboek,
                      "take the definition from the dictionary, not from the header");
         break;
+    case 'l':
+        app.add_option("-l,--record-length", o.reclen,
+                       "bytes a record, of an index made anew where the dictionary has more than one length");
+        break;
     case 'j':
         app.add_flag("-j,--json", o.json, "JSON lines");
         break;
@@ -111,13 +116,26 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
     }
 }
 
+// Out from wherever the store stands: what was made goes, and what was reserved. A second call is about the giving back.
+[[noreturn]] void ga_weg(int uitkomst) {
+    static bool bezig;
+    fflush(nullptr);
+    if (!std::exchange(bezig, true)) {
+        Werkmap::ruim_op();
+        ixsh_geef_terug();
+    }
+    if (ixsh_sein) {
+        signal(ixsh_sein, SIG_DFL);
+        raise(ixsh_sein);
+    }
+    _exit(uitkomst);
+}
+
 // A report of the store ends a tool in one line instead of the box of the screens.
 void rapport() {
     const char* reden = SCRFATALREDEN();
     fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST(), reden);
-    fflush(nullptr);
-    Werkmap::ruim_op();
-    _exit(FOUT_GEVONDEN);
+    ga_weg(FOUT_GEVONDEN);
 }
 
 int wachtseconden = 10;
@@ -125,14 +143,13 @@ int wachtseconden = 10;
 // The store's wait routine: give up as a tool instead of waiting for ever.
 void wacht(ICB* icb) {
     static int gewacht;
-    if (++gewacht > wachtseconden * 5) {
-        klacht(icb ? icb->path : "",
-               icb && icb->wachtsleutel
-                   ? "key reserved: " + CP850UTF8(IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf))
-                   : "in use");
-        fflush(nullptr);
-        Werkmap::ruim_op();
-        _exit(IN_GEBRUIK);
+    if (++gewacht > wachtseconden * 5 || ixsh_sein) {
+        if (!ixsh_sein)
+            klacht(icb ? icb->path : "",
+                   icb && icb->wachtsleutel
+                       ? "key reserved: " + CP850UTF8(IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf))
+                       : "in use");
+        ga_weg(IN_GEBRUIK);
     }
     usleep(200'000);
 }
@@ -169,6 +186,8 @@ int main(int argc, char** argv) {
     SCRFATALHAAK = rapport;
     IXWAITHOOK = wacht;
     int uitkomst = tool->doe(o);
+    if (ixsh_sein)
+        ga_weg(uitkomst);
     if (fflush(stdout) != 0) {
         klacht("", "standard output: write failed");
         return FOUT_GEVONDEN;

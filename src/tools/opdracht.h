@@ -1,6 +1,7 @@
 // What a tool was asked for, and the tools' entries: one a file, all answering an Uitkomst.
 #pragma once
 #include "tools/paar.h"
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct Opdracht {
     bool kap = false;    // half a record at the end of a data file may go to a file of its own
     bool dwing = false;  // clear reserved keys although users are at work
     int wacht = 10;      // seconds for a lock
+    int reclen = 0;      // bytes a record of an index made anew, 0 when that needs no saying
     std::string bestand; // input or output, empty for the standard stream
     std::string doel;    // target of a load or copy
 };
@@ -28,5 +30,9 @@ int ixdump(const Opdracht& o);
 int ixload(const Opdracht& o);
 int ixcopy(const Opdracht& o);
 int ixsh(const Opdracht& o);
+// For who ends the tool from within: the signal that asked ixsh to stop, 0 for none; and what its open pair has reserved,
+// given up.
+extern volatile std::sig_atomic_t ixsh_sein;
+void ixsh_geef_terug();
 
 } // namespace zg

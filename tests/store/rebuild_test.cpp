@@ -269,6 +269,8 @@ TEST(Rebuild, a_full_disk_or_a_failing_one_is_told_and_cured_by_a_second_run) {
                 gestopt++;
                 EXPECT_NE(melding.find("QUILLDB(" + std::to_string(fout)), std::string::npos) << n << melding;
                 EXPECT_EQ(IXCHECK("T"), -1) << n;
+                EXPECT_EQ(melding.find("ixremake") != std::string::npos, lees_bestand("T.INX") != goed)
+                    << n << melding;
             }
             ASSERT_EQ(IXBLDIX("T"), 1) << n;
             EXPECT_TRUE(lees_bestand("T.INX") == goed && lees_bestand("T.TXT") == goede_data) << n;

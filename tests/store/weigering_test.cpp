@@ -41,7 +41,7 @@ int zet(ICB* icb, uint32_t nr, int naam) {
 
 int wis(ICB* icb, uint32_t nr) {
     Rec r = rec(nr, 0);
-    return IXREAD(icb, &r) ? IXDELETE(icb, &r) : -9;
+    return IXREAD(icb, &r) ? IXDELETE(icb, &r) + 1 : -9;
 }
 
 struct Geval {

@@ -45,6 +45,7 @@ TEST(Klavier, Sequences) {
         {"\033]0;titel\007a\033]11;rgb:0/0/0\033\\b\033P1$r0m\033\\c", "600 97 600 98 600 99 ",
          "OSC and DCS"},
         {"\033_Gi=1;OK\033\\a\033^x y\033\\b\033Xz\033\\c", "600 97 600 98 600 99 ", "APC, PM and SOS"},
+        {"\033[Mabcx\033[M !", "600 120 600 ", "an old mouse, and one that is broken off"},
         {"\033]jan\r", "600 106 97 110 10 ", "Alt-] is no answer: what is typed behind it stays"},
         {"\033[1;2\033[A\033O\033[B\033[\r", "600 259 600 258 600 10 ", "broken off by the next key"},
         {"\033\033[A", "27 259 ", "Esc and a key behind it"},

@@ -102,7 +102,7 @@ TEST(Toets, KeysHandedOver) {
         {0, -60, " 97", "113"},        {0, 60, " 97", "113"},
         {1, 0, " 97", "113"},          {0, 0, " 355 27", "27 355 113"},
 
-        {0, 0, "x97", "113"},
+        {0, 0, "x97", "113"},          {0, 0, " 97 ", "97 113"},
     };
     for (const auto& g : GEVALLEN) {
         SCOPED_TRACE(std::to_string(g.pid) + " " + std::to_string(g.seconden) + g.keys);
@@ -130,7 +130,9 @@ TEST(Toets, WindowTooSmall) {
     } GEVALLEN[] = {{24, 80, "Venster: 80 kolommen, 24 rijen"},
                     {25, 79, "Venster: 79 kolommen, 25 rijen"},
                     {10, 24, "Venster: 24 kolommen, 1"},
-                    {2, 60, "Maak het venster groter om verder te gaan."}};
+                    {2, 60, "Maak het venster groter om verder te gaan."},
+                    {2, 10, "Maak het"},
+                    {1, 1, ""}};
     for (const auto& g : GEVALLEN) {
         SCOPED_TRACE(g.eerste);
         Terminal t(op_scherm([] {

@@ -12,6 +12,7 @@
 #include "tools/paar.h"
 #include "tools/shell.h"
 #include "tools/werkmap.h"
+#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -87,6 +88,17 @@ TEST_F(Handen, ReservedKeysAreSeenAndOnlyIxremakeClearsThem) {
     u = sh("ixremake DTMERK");
     EXPECT_TRUE(u.status == 0 && u.zegt("reserved key cleared: 5000")) << "nobody is at work: " << u.tekst;
     EXPECT_TRUE(Agent([] { return reserveer(5000); }).ok()) << "free again";
+    // A header that makes no sense, and then a queue that makes none: told as far as it can be.
+    const std::string index = lees_bestand("DTMERK.INX");
+    schrijf_bestand("DTMERK.INX", std::string(index).replace(11, 1, 1, '\0'));
+    u = sh("ixremake -d DTMERK");
+    EXPECT_TRUE(u.status == 0 && u.zegt("reserved key cleared: 5000")) << u.tekst;
+    schrijf_bestand("DTMERK.INX", std::string(index).replace(11, 1, 1, '\0').replace(4 * 512, 1, "x"));
+    u = sh("ixremake -d DTMERK");
+    EXPECT_TRUE(u.status == 0 && u.zegt("which keys were reserved can't be read")) << u.tekst;
+    Agent(std::function<bool()>([] { return reserveer(6000); })).dood();
+    schrijf_bestand("script", "open DTMERK 1\ninit\n");
+    EXPECT_TRUE(sh("ixsh < script").zegt("reserved key cleared: 6000"));
 }
 
 // A key that is reserved while the rebuild is at work is not lost.
@@ -141,6 +153,13 @@ TEST_F(Handen, ToolsEndReservationsAndTellAFullDisk) {
         Uit u = sh("ixcheck DTMERK");
         EXPECT_TRUE(u.zegt("4711") && !u.zegt("reserved: 7")) << u.tekst;
     }
+    // It gives up waiting for another's key, or is told to stop.
+    schrijf_bestand("script", "open DTMERK 2\nreadl clear merk=77\nreadl merk=4711\n");
+    EXPECT_EQ(sh("ixsh -w 0 < script").status, 4);
+    Uit weg = sh("mkfifo in; ixsh <in >uit & exec 3>in; printf 'open DTMERK 2\\nreadl clear merk=78\\n' >&3; "
+                 "until grep -q merk=78 uit; do sleep .02; done; kill -TERM $!; wait $!");
+    EXPECT_EQ(weg.status, 128 + SIGTERM) << weg.tekst;
+    EXPECT_TRUE(sh("ixcheck DTMERK").zegt("4711") && !sh("ixcheck DTMERK").zegt("reserved: 7"));
     const std::string voor = paar("DTMERK");
     schrijf_bestand("dump", "merk,naam\n5,x\n");
     for (const char* werk : {"write clear merk=90", "readl clear merk=90", "read clear merk=3\ndelete"}) {
@@ -250,6 +269,26 @@ TEST_F(Handen, RemakeByTheDictionaryLeavesRecordsAsLongAsTheyAre) {
         IXCLOSE(icb);
         EXPECT_TRUE(sh("ixdump -d DTSERPIC").zegt("\n6,,7,0,0,FOTO59.JPG")) << sh("ixdump -d DTSERPIC").tekst;
     }
+    // A length in the header that the data contradicts: nothing is cut by it, and the dictionary's is named.
+    fotos(56, goed);
+    const std::string heel = lees_bestand("DTSERPIC.TXT");
+    schrijf_bestand("DTSERPIC.INX", lees_bestand("DTSERPIC.INX").replace(24, 1, 1, 57));
+    for (const char* hoe : {"ixremake DTSERPIC", "ixremake -t DTSERPIC"}) {
+        Uit u = sh(hoe);
+        EXPECT_TRUE(u.status == 1 && u.zegt("--dictionary makes the index anew")) << u.tekst;
+        EXPECT_TRUE(lees_bestand("DTSERPIC.TXT") == heel && !IOEXISTS("DTSERPIC.CUT"));
+    }
+    EXPECT_EQ(sh("ixremake -dt DTSERPIC && ixcheck -q DTSERPIC").status, 0);
+    EXPECT_TRUE(lees_bestand("DTSERPIC.TXT") == heel);
+    // Without an index, and a size that both lengths divide.
+    schrijf_bestand("DTSERPIC.TXT", std::string(56 * 53, '\xFF'));
+    for (auto [lengte, status] : {std::pair{"", 1}, {"-l 60", 1}, {"-l 53", 0}}) {
+        IOUNLINK("DTSERPIC.INX");
+        Uit u = sh(std::string("ixremake -d DTSERPIC ") + lengte);
+        EXPECT_EQ(u.status, status) << u.tekst;
+        EXPECT_EQ(u.zegt("records of 56 and of 53 bytes; --record-length says which"), !*lengte) << u.tekst;
+    }
+    EXPECT_EQ(lees_bestand("DTSERPIC.INX").substr(24, 1), "\x35");
     IXREMOVE("DTSERPIC");
     ASSERT_TRUE(DDNEW(DDNUMMER("DTSERPIC"), "DTSERPIC"));
     EXPECT_EQ(lees_bestand("DTSERPIC.INX").substr(24, 2), std::string("\x38\0", 2));
