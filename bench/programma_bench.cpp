@@ -1,5 +1,5 @@
-// The program as the buyer feels it: from start to the season prompt, a key to its echo, the commit of an order of
-// 1,000 lines into a journal of 10 MB; beside them the system calls. Prints medians. usage: bench_programma
+// The program as the buyer feels it: from start to the season prompt, a key to its echo, a hang-up to its end, the commit
+// of an order of 1,000 lines into a journal of 10 MB; beside them the system calls. Prints medians. usage: bench_programma
 #include "order/programma.h"
 #include "order/wrk.h"
 #include "shared/sysrec.h"
@@ -76,6 +76,26 @@ void start() {
         echo.push_back(ms_sinds(t0));
     }
     printf("%-52s %8.2f ms\n", "a key to its echo", mediaan(echo));
+}
+
+// A terminal that goes away: until the program has ended and let go of everything. Wherever it stands: a field, a list,
+// an order that is being changed.
+void ophangen() {
+    std::vector<double> ms;
+    DemoMap map;
+    Opties o = demo_opties(map);
+    o.klok.clear();
+    for (int i = 0; i < 21; i++) {
+        Terminal t(overgave(map), o);
+        t.kalm();
+        t.toetsen(i % 3 == 0 ? "" : i % 3 == 1 ? "<Enter><Enter><F5>" : "<Enter><Enter>12<Enter><Enter>WOO");
+        auto t0 = klok::now();
+        t.hangop();
+        t.einde();
+        ms.push_back(ms_sinds(t0));
+    }
+    printf("%-52s %8.2f ms, at most %.2f\n", "hang-up to the program's end", mediaan(ms),
+           *std::max_element(ms.begin(), ms.end()));
 }
 
 // A journal of about `bytes` with an order of `regels` lines in its middle.
@@ -171,6 +191,7 @@ int main(int argc, char** argv) {
         return 0;
     }
     start();
+    ophangen();
     commit(ALLES, true);
     const std::string zelf = std::filesystem::read_symlink("/proc/self/exe");
     const long maak = telsys(zelf + " make"), open = telsys(zelf + " open"), alles = telsys(zelf + " all");

@@ -86,8 +86,9 @@ TEST_F(Handen, FilesKeepTheirRightsWhoeversTurnItIs) {
         ASSERT_TRUE(kies(0));
         for (const char* ext : {"WRK", "ORS", "ACT"})
             EXPECT_EQ(rechten(pad(ext)), "0660" + g) << ext << masker;
+        ASSERT_EQ(chmod(pad("WRK").c_str(), 0664), 0);
         ASSERT_TRUE(voeg_regel_in());
-        EXPECT_EQ(rechten(pad("WRK")), "0660" + g) << masker;
+        EXPECT_EQ(rechten(pad("WRK")), "0664" + g) << masker;
         ASSERT_TRUE(sluit());
         EXPECT_EQ(rechten(pad("JRN")), "0664" + g) << masker;
         // A supplier's first order, and the journal that its commit makes.

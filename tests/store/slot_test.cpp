@@ -128,6 +128,9 @@ TEST_F(Slot, ReserverenVanEenNieuweSleutel) {
     EXPECT_EQ("1", ik("write 5 1"));
     EXPECT_EQ("1", ander->antwoord()) << "it exists now";
     EXPECT_EQ("1", ander->vraag("write 5 2"));
+    ander->vraag("delete 5");
+    EXPECT_EQ("0", ander->vraag("readl 5")) << "nothing of the reservation has stayed";
+    ander->vraag("unlock 5");
     EXPECT_EQ("0", ander->vraag("readl 6"));
     ander->vraag("unlock 6"); // gives up
     EXPECT_EQ("0", ik("readl 6"));
@@ -258,7 +261,6 @@ TEST_F(Slot, InvoegenTegenEenExclusieveOpener) {
     EXPECT_GEZOND("T");
 }
 
-// The queue's lock is another's, or can't be had at all: an insert waits, is killed or stops with the pair whole.
 // Who opens exclusively may enter a key that another has reserved: the reservation goes with it, or nobody would ever
 // get that key again.
 TEST_F(Slot, ReserveringVervuldDoorEenExclusieveHandle) {
@@ -272,6 +274,7 @@ TEST_F(Slot, ReserveringVervuldDoorEenExclusieveHandle) {
     EXPECT_EQ("0", ander->vraag("readl 7"));
 }
 
+// The queue's lock is another's, or can't be had at all: an insert waits, is killed or stops with the pair whole.
 TEST_F(Slot, InvoegenTegenDeWachtrij) {
     open();
     for (int i = 1; i <= 3; i++)

@@ -6,6 +6,7 @@
 #include "store/node.h"
 #include "store/rebuild.h"
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <map>
 #include <tuple>
@@ -188,25 +189,56 @@ TEST(Weigering, SplitsingenVanElkeDiepte) {
     }
 }
 
-// A key that was reserved is free again when its record could not be written; and a reservation itself may be refused.
+// The header of a finished change stands there although the disk has refused it; and then the program is killed at the
+// second write of the putting back. The first one is the mark.
+TEST(Weigering, LaatsteKopStaatErToch) {
+    TijdelijkeMap map;
+    maak(60, 0);
+    EXPECT_EQ(128 + SIGKILL, in_kind([] {
+                  static ICB* icb;
+                  static int sinds;
+                  icb = IXOPEN("T", 2);
+                  SYS.pwrite = [](int fd, const void* p, size_t n, off_t plaats) -> ssize_t {
+                      const bool kop = fd == icb->idxfd && plaats == 0;
+                      if (sinds == 0 && !(kop && static_cast<const char*>(p)[offsetof(IXHEADER, busy)] == 0))
+                          return pwrite(fd, p, n, plaats);
+                      if (++sinds == 3)
+                          kill(getpid(), SIGKILL);
+                      const ssize_t uit = pwrite(fd, p, n, plaats);
+                      return sinds == 1 ? (errno = EIO, -1) : uit;
+                  };
+                  zet(icb, 7, 90000);
+              }));
+    EXPECT_EQ(-1, IXCHECK("T"));
+}
+
+// A key that was reserved is free again when its record could not be written, but for who keeps it; and a reservation
+// itself may be refused.
 TEST(Weigering, Reserveringen) {
     TijdelijkeMap map;
     maak(10, 0);
     const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
-    for (int n = 1; n < 12; n++) {
+    for (int n = 1; n < 24; n++) {
+        const bool houdt = n % 2;
         schrijf_bestand("T.INX", idx);
         schrijf_bestand("T.TXT", data);
-        const int status = in_kind([n] {
+        const int status = in_kind([n, houdt] {
             ICB* icb = IXOPEN("T", 2);
             const SYSCALLS echt = SYS;
-            stoor(n, ENOSPC, NIETS, EENMAAL);
+            stoor(1 + n / 2, ENOSPC, NIETS, EENMAAL);
             Rec r = rec(50, 50);
             const int er = IXREADL(icb, &r);
-            if (n == 1)
+            if (n < 2)
                 _exit(er == -1 ? GEWEIGERD : TOCH); // not his: nothing to write, nothing to give up
-            const int uit = er ? -1 : IXWRITE(icb, (r = rec(50, 50), &r));
+            r = rec(50, 50);
+            const int uit = er ? -1 : (houdt ? IXWRITEK : IXWRITE)(icb, &r);
             const bool mis = gestoord();
             SYS = echt;
+            IXKNOOP rij;
+            SYSLEES(icb->idxfd, &rij, sizeof rij, 4 * IXBLOK);
+            if (mis && houdt && rij.count != 1)
+                _exit(WAARDE);
+            IXUNLOCK(icb, &r);
             IXCLOSE(icb);
             _exit(er ? WAARDE : !mis ? GEDAAN : uit ? TOCH : GEWEIGERD);
         });
