@@ -1,7 +1,6 @@
 // What doesn't stand yet, see order/later.h. Each row goes when its module comes.
 #include "order/later.h"
 #include "order/aantallen.h"
-#include "order/matrix.h"
 #include "order/teksten.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
@@ -29,9 +28,6 @@ bool aantal_scherm(bool) {
 }
 void neem_over() {
     regel_wis_aantallen(&regel_nu);
-}
-void order_matrix() {
-    nog_niet();
 }
 
 Serie serie_laad(const ors_ingang&, orderregel*, bool) {

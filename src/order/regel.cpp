@@ -109,7 +109,8 @@ void orden_termen(orderregel* regel, int32_t regelplaats) {
             totaal += cel.aantal;
         if (!past || totaal > INT32_MAX)
             ord_inconsistent(werk, regelplaats, 'D');
-        lt_erbij(term, &regel->nota_aantallen);
+        if (!regel->nota_aantallen.empty())
+            lt_erbij(term, &regel->nota_aantallen);
     }
     regel->termen = std::move(uit);
     regel->order_aantallen = regel->nota_aantallen; // nothing is delivered while the journal holds it all
@@ -182,10 +183,14 @@ void regel_dupliceer(orderregel* regel) {
 void regelloop_begin(regelloop* loop) {
     ordloop_begin(&loop->loop, werk->fd, 0, INT64_MAX, REGELBLOK);
     loop->m = -1;
+    loop->zonder_matrices = false;
 }
 
 bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel) {
-    regel_wis(regel);
+    if (loop->zonder_matrices)
+        *regel = {};
+    else
+        regel_wis(regel);
     if (!lees_model(loop, ingang.m) || !kop_record(loop, ingang.d, 'D', &regel->dessin)) {
         regel->dessin = {};
         return false;

@@ -48,6 +48,9 @@ struct regelloop {
     int32_t m; // offset of the model below, -1 none
     ordmodel model;
     char tekst[BLOKLEN];
+    // Lines without their matrices and weights, which stay empty: the terms hold the same quantities, and a walk over a
+    // long order doesn't clear a firm of branches for each line. regelloop_begin puts it off.
+    bool zonder_matrices;
 };
 void regelloop_begin(regelloop* loop);
 // Load the line at an entry of the index; weights and the term in hand stay cleared. Net prices get the order

@@ -26,6 +26,9 @@ void order_scherm_los();
 void order_frame();
 void order_kopregels();
 
+// A number right in its column, asterisks when it doesn't fit; an amount likewise, without its decimals before it goes.
+std::string regel_getal(int64_t waarde, size_t breedte);
+std::string regel_bedrag(const std::string& valuta, int64_t waarde, size_t breedte);
 // Text of a line on the screen, 78 characters from column 2, whatever the amounts: `herhaald` when the row above
 // shows the same model.
 const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang);

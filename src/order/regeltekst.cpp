@@ -45,23 +45,21 @@ std::string verwijderd(const orderregel& r, bool andere) {
     return tekst;
 }
 
-// A number right in its column; what does not fit shows as asterisks, so that no column moves.
-std::string getal(int64_t waarde, size_t breedte) {
+} // namespace
+
+std::string regel_getal(int64_t waarde, size_t breedte) {
     std::string tekst = std::to_string(waarde);
     return tekst.size() > breedte ? std::string(breedte, '*')
                                   : std::string(breedte - tekst.size(), ' ') + tekst;
 }
 
-// An amount likewise; without its decimals before it goes.
-std::string bedrag(const std::string& valuta, int64_t waarde, size_t breedte) {
+std::string regel_bedrag(const std::string& valuta, int64_t waarde, size_t breedte) {
     std::string tekst = bedrag_tekst(valuta.c_str(), waarde);
     if (tekst.size() <= breedte)
         return std::string(breedte - tekst.size(), ' ') + tekst;
-    return getal(valuta_decimalen(valuta.c_str()) ? (waarde + (waarde < 0 ? -50 : 50)) / 100 : waarde,
-                 breedte);
+    return regel_getal(valuta_decimalen(valuta.c_str()) ? (waarde + (waarde < 0 ? -50 : 50)) / 100 : waarde,
+                       breedte);
 }
-
-} // namespace
 
 const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang) {
     static char tekst[256];
@@ -86,8 +84,8 @@ const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang
              naam && rijmerk.merk ? VASTTEKST(rijmerk.zoeknaam).c_str() : "",
              naam ? VASTTEKST(r.model.model).c_str() : "", VASTTEKST(r.dessin.materiaal).c_str(),
              VASTTEKST(r.dessin.dessin).c_str(), VASTTEKST(r.dessin.kenmerk).c_str(),
-             getal(r.model.artikelgroep, 5).c_str(), getal(r.dessin.kleur, 3).c_str(), doel,
-             getal(t.stuks, 5).c_str(), bedrag(ordervaluta(), t.stuks ? t.netto : 0, 10).c_str());
+             regel_getal(r.model.artikelgroep, 5).c_str(), regel_getal(r.dessin.kleur, 3).c_str(), doel,
+             regel_getal(t.stuks, 5).c_str(), regel_bedrag(ordervaluta(), t.stuks ? t.netto : 0, 10).c_str());
     return tekst;
 }
 
@@ -114,9 +112,9 @@ void order_kopregels() {
     SCRPUT(A_WAARDE, 4, 50, "%9lld", static_cast<long long>(ordertotaal.regels));
     if (ordertotaal.stuks > 0) {
         SCRPUT(A_WAARDE, 3, 50, "%9lld", static_cast<long long>(ordertotaal.stuks));
-        SCRPUT(A_WAARDE, 3, 69, "%s", bedrag(valuta, ordertotaal.bruto, 11).c_str());
-        SCRPUT(A_WAARDE, 4, 69, "%s", bedrag(valuta, ordertotaal.netto, 11).c_str());
-        SCRPUT(A_WAARDE, 5, 69, "%s", bedrag(valuta_of_thuis(""), ordertotaal.inkoop, 11).c_str());
+        SCRPUT(A_WAARDE, 3, 69, "%s", regel_bedrag(valuta, ordertotaal.bruto, 11).c_str());
+        SCRPUT(A_WAARDE, 4, 69, "%s", regel_bedrag(valuta, ordertotaal.netto, 11).c_str());
+        SCRPUT(A_WAARDE, 5, 69, "%s", regel_bedrag(valuta_of_thuis(""), ordertotaal.inkoop, 11).c_str());
     } else {
         SCRPUT(A_WAARDE, 3, 50, "%9s", "");
         for (int rij = 3; rij <= 5; rij++)
