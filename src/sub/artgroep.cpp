@@ -38,7 +38,11 @@ const Stamsleutel SLEUTELS[] = {
     {1, &T_NUMMER, "5s[0123456789],I", zet_nummer},
     {2, &T_NAAM, "10s,UI", zet_naam},
 };
-const Stamlijst LIJST_GROEPEN{&dtart, &T_AG_KOP, 50, SLEUTELS, regel, code, zet_code};
+void record(int32_t artikelgroep, int) {
+    artgroep_scherm(artikelgroep);
+}
+
+const Stamlijst LIJST_GROEPEN{&dtart, &T_AG_KOP, 50, SLEUTELS, regel, code, zet_code, record};
 
 bool lees(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
     artrec art{};
@@ -56,8 +60,16 @@ bool kies(const Lijsttabel&, Lijstcode* code) {
     return stamlijst(LIJST_GROEPEN, TXT(T_AG_LIJST), 0, &code->nummer);
 }
 
+std::string vraag(const Lijsttabel&, const Lijstcode& code) {
+    return code.nummer > 0 ? artgroep_vraag(code.nummer) : "";
+}
+
+bool voeg_toe(const Lijsttabel&, const Lijstcode& code) {
+    return artgroep_onderhoud(code.nummer, false) == Recorduit::geschreven;
+}
+
 } // namespace
 
-const Lijsttabel ARTGROEPTABEL{"5l", 0, lees, onbekend, kies};
+const Lijsttabel ARTGROEPTABEL{"5l", 0, lees, onbekend, kies, vraag, voeg_toe};
 
 } // namespace zg

@@ -1,225 +1,315 @@
-// The screen on one relation: two columns of fields, looked at or changed one by one under the record's lock.
+// The screen on one relation: name and address, with the goods address and a supplier's other data in windows of their
+// own. E-mail address and website stand in DTLEVEXT.
 #include "codes/codeveld.h"
-#include "codes/valveld.h"
-#include "price/ing_val.h"
-#include "price/koers.h"
+#include "shared/files.h"
+#include "shared/koppel.h"
 #include "shared/leesstam.h"
-#include "shared/sysrec.h"
-#include "store/ix.h"
+#include "shared/mutatie.h"
+#include "shared/woordenboek.h"
+#include "sub/levbeeld.h"
 #include "sub/omlev.h"
+#include "sub/rijveld.h"
 #include "sub/teksten.h"
-#include "term/ingave.h"
 #include "term/prompt.h"
-#include "term/vast.h"
+#include "term/recordscherm.h"
+#include "term/teksten.h"
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <cstring>
 
 namespace zg {
 
+levrec relatie_nu;
+Relatiesoort relatie_als;
+
 namespace {
 
-constexpr int RIJEN = 20, EERSTE = 2, LABEL = 2, WAARDE = 41, BREEDTE = 76;
+constexpr int WAARDE = 43, ZICHT = 34;
+constexpr uint8_t SOORTEN = REL_LEVERANCIER | REL_AGENT | REL_FABRIKANT;
 
-enum Bijzonder { GEWOON, LAND, VALUTA, KOERS, TOESLAG, STELSEL };
+Stampost post{&dtlev}, extra{&dtlevext};
+levrec& nu = relatie_nu;
+levextrec nu_extra;
 
-// A field of the screen: label, format (the option letters of a field with a list) and its place in the record.
-struct Veldrij {
-    const Tekst* label;
-    const char* formaat;
-    size_t plaats;
-    int breedte;
-    Bijzonder wat;
-};
+bool is_leverancier() {
+    return relatie_als == REL_LEVERANCIER;
+}
 
-#define TEKSTVELD(label, formaat, lid)                                                                       \
-    { &label, formaat, offsetof(levrec, lid), sizeof(levrec::lid), GEWOON }
+template <auto LID> constexpr auto toon = rij_toon<relatie_nu, LID, WAARDE>;
+template <auto LID, char... LETTERS> constexpr auto vraag = rij_vraag<relatie_nu, LID, WAARDE, LETTERS...>;
 
-const Veldrij VELDEN[] = {
-    TEKSTVELD(T_L_NAAM, "20c,E", naam),
-    TEKSTVELD(T_L_ADRES, "30c,", adres),
-    TEKSTVELD(T_L_POSTCODE, "7c,U", postcode),
-    TEKSTVELD(T_L_PLAATS, "25c,U", plaats),
-    {&T_L_LAND, "UE", offsetof(levrec, land), 3, LAND},
-    TEKSTVELD(T_L_TELEFOON, "20c,", telefoon),
-    TEKSTVELD(T_L_FAX, "20c,", fax),
-    TEKSTVELD(T_L_MOBIEL, "20c,", mobiel),
-    TEKSTVELD(T_L_ADRESCODE, "13c,", adrescode),
-    {&T_L_OPMERKING, "24c,", offsetof(levrec, opmerking), 24, GEWOON},
-    {nullptr, "24c,", offsetof(levrec, opmerking) + 24, 24, GEWOON},
-    TEKSTVELD(T_G_ADRES, "30c", goed_adres),
-    TEKSTVELD(T_G_POSTCODE, "7c,U", goed_postcode),
-    TEKSTVELD(T_G_PLAATS, "25c,U", goed_plaats),
-    {&T_G_LAND, "U", offsetof(levrec, goed_land), 3, LAND},
-    TEKSTVELD(T_G_VERVOERDER, "15c", goed_vervoerder),
-    // From here on for a supplier only.
-    TEKSTVELD(T_O_BTW, "12c", btwnummer),
-    TEKSTVELD(T_O_DEBITEUR, "10c", debiteurnr),
-    TEKSTVELD(T_O_CREDITEUR, "6c", crediteurnr),
-    {&T_O_VALUTA, "U", offsetof(levrec, valuta), 3, VALUTA},
-    {&T_O_KOERS, "", 0, 0, KOERS},
-    {&T_O_TOESLAG, "8.4f,EP", 0, 0, TOESLAG},
-    {&T_O_MAATSTELSEL, "", 0, 0, STELSEL},
-};
-constexpr int ALLE = static_cast<int>(std::size(VELDEN)), ALGEMEEN = 16;
+void toon_land(int rij) {
+    const std::string land = VASTTEKST(nu.land);
+    SCRPUT(A_WAARDE, rij, WAARDE, "%-3.3s  %-20.20s", land.c_str(), lijstnaam(LANDTABEL, {0, land}).c_str());
+}
+bool vraag_land(int rij) {
+    return lijstveld(LANDTABEL, rij, WAARDE, "UE", nu.land, sizeof nu.land) == Lijstuit::anders;
+}
 
-#undef TEKSTVELD
+// ---- e-mail and website
 
-struct Beeld {
-    levrec rec;
-    Relatiesoort soort;
-    int velden; // shown
-    int top = 0;
+template <auto LID> void toon_extra(int rij) {
+    SCRPUT(A_WAARDE, rij, WAARDE, "%-*.*s", ZICHT, ZICHT, VASTTEKST(nu_extra.*LID).c_str());
+}
+template <auto LID> bool vraag_extra(int rij) {
+    return INGAVE(rij, WAARDE, "80.60C,", &SCHERM.toets[key_cancel], nu_extra.*LID) != 0;
+}
 
-    char* tekst(const Veldrij& v) { return reinterpret_cast<char*>(&rec) + v.plaats; }
-    bool vreemd() const { return thuisvaluta_anders(std::string(VASTUIT(rec.valuta)).c_str()); }
-    // As shown and asked; 0 is the rate of the day.
-    double koers() const {
-        return koers_dubbel(static_cast<int32_t>(rec.koers),
-                            rec.koerseenheid ? rec.koerseenheid : uint16_t{1});
-    }
-    double toeslag() const { return (rec.toeslag ? rec.toeslag : 10000u) / 10000.0; }
-};
+// One "@" with something on both sides, and no blanks.
+bool adres_goed(const std::string& adres) {
+    const size_t apen = static_cast<size_t>(std::count(adres.begin(), adres.end(), '@'));
+    return adres.empty() ||
+           (apen == 1 && adres.front() != '@' && adres.back() != '@' && adres.find(' ') == std::string::npos);
+}
 
-std::string waarde(Beeld& b, const Veldrij& v) {
-    char t[64] = "";
-    switch (v.wat) {
-    case KOERS:
-        if (b.rec.koers == 0)
-            return b.vreemd() ? TXT(T_DAGKOERS) : "";
-        snprintf(t, sizeof t, "%.5f", b.koers());
-        return t;
-    case TOESLAG:
-        snprintf(t, sizeof t, "%5.4f", b.toeslag());
-        return t;
-    case STELSEL:
-        snprintf(t, sizeof t, "%-2u %.20s", b.rec.maatstelsel,
-                 lijstnaam(STELSELTABEL, {b.rec.maatstelsel, ""}).c_str());
-        return t;
-    default:
-        return std::string(
-            VASTTRIM(std::string_view(b.tekst(v), strnlen(b.tekst(v), static_cast<size_t>(v.breedte)))));
+bool vraag_email(int rij) {
+    levextrec was = nu_extra;
+    for (;;) {
+        const bool anders = vraag_extra<&levextrec::email>(rij);
+        if (TOETSWEG() || adres_goed(VASTTEKST(nu_extra.email)))
+            return anders || memcmp(was.email, nu_extra.email, sizeof was.email) != 0;
+        error("%s", TXT(T_L_FOUT_EMAIL));
     }
 }
 
-void toon(Beeld& b, int gekozen) {
-    for (int i = 0; i < RIJEN - 4; i++) {
-        int nr = b.top + i, rij = EERSTE + i;
-        SCRCLREOL(rij, LABEL);
-        if (nr >= b.velden)
-            continue;
-        const Veldrij& v = VELDEN[nr];
-        if (v.label) {
-            bool van_de = nr < 10;
-            SCRPUT(nr == gekozen ? A_KEUS : A_LABEL, rij, LABEL, "%s%s%s", TXT(*v.label), van_de ? " " : "",
-                   van_de ? relatie_woord(b.soort) : "");
-        }
-        SCRPUT(A_WAARDE, rij, WAARDE, "%s", waarde(b, v).c_str());
-    }
+// ---- goods address
+
+void toon_goedland(int rij) {
+    const std::string land = VASTTEKST(nu.goed_land);
+    SCRPUT(A_WAARDE, rij, 26, "%-3.3s  %-20.20s", land.c_str(), lijstnaam(LANDTABEL, {0, land}).c_str());
+}
+bool vraag_goedland(int rij) {
+    return lijstveld(LANDTABEL, rij, 26, "UE", nu.goed_land, sizeof nu.goed_land) == Lijstuit::anders;
 }
 
-// Ask one field; true when it changed. The key is in SCHERM.laatste.
-bool vraag(Beeld& b, int nr) {
-    const Veldrij& v = VELDEN[nr];
-    const int rij = EERSTE + nr - b.top;
-    for (int32_t k : {K_UP, K_DOWN})
-        TOETSAAN(k);
-    switch (v.wat) {
-    case VALUTA:
-        return lijstveld(VALUTATABEL, rij, WAARDE, v.formaat, b.rec.valuta, VALUTACODE) == Lijstuit::anders;
-    case LAND:
-        return lijstveld(LANDTABEL, rij, WAARDE, v.formaat, b.tekst(v), sizeof b.rec.land) ==
-               Lijstuit::anders;
-    case STELSEL:
-        return lijstveld(STELSELTABEL, rij, WAARDE, v.formaat, &b.rec.maatstelsel) == Lijstuit::anders;
-    case KOERS: {
-        if (!b.vreemd())
-            return SCHERM.laatste = K_ENTER, false;
-        double koers = b.koers();
-        if (!koers_veld(rij, WAARDE, "", b.rec.valuta, &koers))
-            return false;
-        int32_t geheel = 0;
-        uint16_t eenheid = 1;
-        koers_integer(koers, &geheel, &eenheid);
-        b.rec.koers = static_cast<uint32_t>(geheel);
-        b.rec.koerseenheid = eenheid;
+template <auto LID> constexpr auto toon_goed = rij_toon<relatie_nu, LID, 26>;
+template <auto LID, char... LETTERS> constexpr auto vraag_goed = rij_vraag<relatie_nu, LID, 26, LETTERS...>;
+
+const Item GOEDRIJEN[] = {
+    {11, &T_G_ADRES, toon_goed<&levrec::goed_adres>, vraag_goed<&levrec::goed_adres>},
+    {12, &T_G_POSTCODE, toon_goed<&levrec::goed_postcode>, vraag_goed<&levrec::goed_postcode, 'U'>},
+    {13, &T_G_PLAATS, toon_goed<&levrec::goed_plaats>, vraag_goed<&levrec::goed_plaats, 'U'>},
+    {14, &T_G_LAND, toon_goedland, vraag_goedland},
+    {15, &T_G_VERVOERDER, toon_goed<&levrec::goed_vervoerder>, vraag_goed<&levrec::goed_vervoerder>},
+};
+const Recordrijen GOEDSCHERM{
+    .rij = 9, .kolom = 10, .hoogte = 11, .breedte = 66, .keusrij = 8, .items = GOEDRIJEN};
+
+bool vraag_goederen(int) {
+    return recorddeel(GOEDSCHERM, TXT(T_G_TITEL));
+}
+void bekijk_goederen() {
+    recorddeel(GOEDSCHERM, TXT(T_G_TITEL));
+}
+
+// ---- the screen
+
+template <int NR> void toon_opmerking(int rij) {
+    SCRPUT(A_WAARDE, rij, WAARDE, "%-24.24s", VASTTEKST(nu.opmerking[NR]).c_str());
+}
+template <int NR> bool vraag_opmerking(int rij) {
+    return INGAVE(rij, WAARDE, "24c,", &SCHERM.toets[key_cancel], nu.opmerking[NR]) != 0;
+}
+
+const Item RIJEN[] = {
+    {11, &T_L_NAAM, toon<&levrec::naam>, vraag<&levrec::naam, 'E'>},
+    {12, &T_L_ADRES, toon<&levrec::adres>, vraag<&levrec::adres>},
+    {13, &T_L_POSTCODE, toon<&levrec::postcode>, vraag<&levrec::postcode, 'U'>},
+    {14, &T_L_PLAATS, toon<&levrec::plaats>, vraag<&levrec::plaats, 'U'>},
+    {15, &T_L_LAND, toon_land, vraag_land},
+    {16, &T_L_TELEFOON, toon<&levrec::telefoon>, vraag<&levrec::telefoon>},
+    {17, &T_L_FAX, toon<&levrec::fax>, vraag<&levrec::fax>},
+    {18, &T_L_MOBIEL, toon<&levrec::mobiel>, vraag<&levrec::mobiel>},
+    {19, &T_L_EMAIL, toon_extra<&levextrec::email>, vraag_email},
+    {20, &T_L_WEBSITE, toon_extra<&levextrec::website>, vraag_extra<&levextrec::website>},
+    {21, &T_L_ADRESCODE, toon<&levrec::adrescode>, vraag<&levrec::adrescode>},
+    {22, &T_L_OPMERKING, toon_opmerking<0>, vraag_opmerking<0>},
+    {23, nullptr, toon_opmerking<1>, vraag_opmerking<1>},
+    {.nummer = 24,
+     .label = &T_L_GOEDEREN,
+     .toon = nullptr,
+     .bewerk = vraag_goederen,
+     .bekijk = bekijk_goederen},
+    {.nummer = 25,
+     .label = &T_L_OVERIGE,
+     .toon = nullptr,
+     .bewerk = levoverig_vraag,
+     .aanwezig = is_leverancier,
+     .bekijk = levoverig_bekijk},
+};
+
+// Number, and the word of the kind behind the labels.
+void kop() {
+    SCRPUT(A_WAARDE, 1, WAARDE, "%u", nu.nummer);
+    for (const Item& i : RIJEN)
+        if (i.label && i.nummer < 24)
+            SCRPUT(A_LABEL, i.nummer - 9, 6 + static_cast<int>(strlen(TXT(*i.label))), "%s",
+                   relatie_woord(relatie_als));
+}
+
+int lees(bool slot) {
+    const int gelezen = post_lees(&post, &nu, sizeof nu, sizeof nu.nummer, slot);
+    nu_extra.nummer = nu.nummer;
+    if (gelezen < 0)
+        return gelezen;
+    if (post_lees(&extra, &nu_extra, sizeof nu_extra, sizeof nu_extra.nummer, slot) >= 0)
+        return gelezen;
+    post_vrij(&post);
+    return -1;
+}
+
+void vrij() {
+    post_vrij(&extra);
+    post_vrij(&post);
+}
+
+// DTLEVEXT may be missing: it is made for its first record, unless one half of it is there.
+bool maak_extra() {
+    constexpr char NAAM[] = "DTLEVEXT";
+    if (dtlevext)
+        return true;
+    if (IOEXISTS("DTLEVEXT.INX") || IOEXISTS("DTLEVEXT.TXT") || !DDNEW(DDNUMMER(NAAM), NAAM)) {
+        error("%s: %s", NAAM, TXT(T_NIET_VASTGELEGD));
+        return false;
+    }
+    dtlevext = IXOPEN(NAAM, 2);
+    return true;
+}
+
+bool schrijf_extra() {
+    if (!extra.er && VASTLEEG(nu_extra.email) && VASTLEEG(nu_extra.website)) {
+        post_vrij(&extra);
         return true;
     }
-    case TOESLAG: {
-        double factor = b.toeslag();
-        bool anders = INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], &factor) != 0;
-        if (anders)
-            b.rec.toeslag = static_cast<uint32_t>(std::lround(factor * 10000));
-        return anders;
-    }
-    case GEWOON:
-        break;
-    }
-    return INGAVE(rij, WAARDE, v.formaat, &SCHERM.toets[key_cancel], b.tekst(v)) != 0;
+    return maak_extra() && post_schrijf(&extra, &nu_extra, sizeof nu_extra);
 }
 
-// Field by field, up and down; ENTER goes to the next, cancel ends.
-bool wijzig(Beeld& b) {
-    bool anders = false;
-    for (int nr = 0; nr >= 0 && nr < b.velden;) {
-        if (nr < b.top || nr >= b.top + RIJEN - 4)
-            b.top = nr < b.top ? nr : nr - (RIJEN - 5);
-        toon(b, nr);
-        anders |= vraag(b, nr);
-        if (TOETSWEG())
-            break;
-        nr += SCHERM.laatste == K_UP ? (nr > 0 ? -1 : 0) : 1;
+void meld_kassa() {
+    if (kassakoppeling())
+        mutatie('C', std::to_string(nu.nummer));
+}
+
+bool schrijf() {
+    if (!post_schrijf(&post, &nu, sizeof nu) || !schrijf_extra())
+        return false;
+    meld_kassa();
+    return true;
+}
+
+// Of a relation of more kinds only this one goes.
+bool wis() {
+    const auto over = static_cast<uint8_t>(nu.soort & SOORTEN & ~relatie_als);
+    if (over) {
+        nu.soort = over;
+        const bool goed = post_schrijf(&post, &nu, sizeof nu);
+        if (goed) {
+            post_vrij(&extra);
+            meld_kassa();
+        }
+        return goed;
     }
-    return anders;
+    if (!post_wis(&post))
+        return false;
+    if (extra.er)
+        post_wis(&extra);
+    else
+        post_vrij(&extra);
+    MELDBOX(MELD_INFO, TXT(T_L_EDI_WEG), nullptr, nullptr);
+    constexpr Koppeling PARTNER[] = {{"DTRCLPAR.TXT", 0, 2, Koppeling::WIS}};
+    for (const char* soort : {"DTAG", "DTKL"}) {
+        char bestanden[16];
+        snprintf(bestanden, sizeof bestanden, "%s%04hu.*", soort, nu.nummer);
+        koppel_bestanden_weg(bestanden);
+    }
+    koppel_wis(PARTNER, nu.nummer, "mutlev");
+    return true;
+}
+
+// The kinds of a new relation: at least one.
+bool vraag_soorten() {
+    static constexpr Relatiesoort ALLE[] = {REL_LEVERANCIER, REL_AGENT, REL_FABRIKANT};
+    nu.soort = relatie_als;
+    WINOPEN1(9, 24, 7, 34);
+    WINBOX("%s", TXT(T_L_NIEUW));
+    bool door = true, klaar = false;
+    for (int i = 0; i < 3; i++) {
+        SCRPUT(A_LABEL, 2 + i, 4, "%s", relatie_woord(ALLE[i]));
+        SCRPUT(A_WAARDE, 2 + i, 20, "%s", TXT(nu.soort & ALLE[i] ? T_JA : T_NEE));
+    }
+    while (door && !klaar) {
+        for (int i = 0; door && i < 3; i++) {
+            uint8_t ja = (nu.soort & ALLE[i]) != 0;
+            INGAVE(2 + i, 20, "b,E", &SCHERM.toets[key_cancel], &ja);
+            door = !TOETSWEG();
+            nu.soort = static_cast<uint8_t>(ja ? nu.soort | ALLE[i] : nu.soort & ~ALLE[i]);
+        }
+        klaar = nu.soort != 0;
+        if (door && !klaar)
+            error("%s", TXT(T_L_MINIMAAL));
+    }
+    WINCLOSE();
+    return door;
+}
+
+const Recordscherm SCHERM_RELATIE{
+    {.rij = 2, .kolom = 1, .hoogte = 21, .breedte = 80, .keusrij = 18, .items = RIJEN, .kop = kop},
+    lees,
+    schrijf,
+    wis,
+    vrij,
+    vraag_soorten};
+
+std::string titel(const Tekst& wat) {
+    return std::string(" ") + TXT(wat) + " " + relatie_woord(relatie_als) + " ";
+}
+
+Recorduit onderhoud(uint16_t nummer, Relatiesoort soort, bool mag, const std::string& vraag_toe) {
+    relatie_als = soort;
+    nu.nummer = nummer;
+    return recordscherm(SCHERM_RELATIE,
+                        {vraag_toe, titel(T_TOEVOEGEN), titel(T_RAADPLEGEN), titel(T_WIJZIGEN),
+                         std::string(TXT(T_L_DEZE)) + " " + relatie_woord(soort) + " " + TXT(T_L_VERWIJDERD)},
+                        mag);
 }
 
 } // namespace
 
-bool relatie_scherm(uint16_t nummer, Relatiesoort soort, Relatiemodus modus) {
-    union {
-        levrec lev;
-        uint8_t ruimte[IXRECMAX];
-    } r{};
-    const int sleutel = IXSLEUTEL(dtlev);
-    const bool schrijven = modus == Relatiemodus::wijzigen && dtlev->mode != 0;
-    IXSWITCH(dtlev, 1);
-    r.lev.nummer = nummer;
-    const int gelezen = schrijven ? IXREADL(dtlev, &r) : IXREAD(dtlev, &r);
-    bool anders = false;
-    if (gelezen != 1) {
-        if (schrijven && gelezen == 0) {
-            memset(&r, 0, sizeof r);
-            r.lev.nummer = nummer;
-            IXUNLOCK(dtlev, &r);
-        }
-        error("<%u> %s %s", nummer, TXT(T_ONBEKENDE), relatie_woord(soort));
-    } else {
-        Beeld b{r.lev, soort, soort == REL_LEVERANCIER ? ALLE : ALGEMEEN};
-        WINOPEN1(3, 2, RIJEN, BREEDTE);
-        WINBOX(" %s %s %u ", TXT(schrijven ? T_WIJZIGEN : T_RAADPLEGEN), relatie_woord(soort), nummer);
-        toon(b, -1);
-        if (schrijven) {
-            anders = wijzig(b);
-        } else {
-            // Two pages at most: ENTER shows the rest, then leaves.
-            for (;; b.top += RIJEN - 4, toon(b, -1)) {
-                TOETSAAN(K_CANCEL); // ESC leaves at once
-                ENTERWACHT(RIJEN - 2, LABEL);
-                if (SCHERM.laatste != K_ENTER || b.top + RIJEN - 4 >= b.velden)
-                    break;
-            }
-        }
-        WINCLOSE();
-        if (anders) {
-            r.lev = b.rec;
-            IXWRITE(dtlev, &r);
-        } else if (schrijven) {
-            IXUNLOCK(dtlev, &r);
-        }
+std::string relatie_vraag(uint16_t nummer, Relatiesoort soort) {
+    levrec lev{};
+    char tekst[120];
+    if (relatie_lees(nummer, &lev))
+        snprintf(tekst, sizeof tekst, "%s %s, %s %s", TXT(T_RELATIE_IS_GEEN), relatie_woord(soort),
+                 TXT(T_L_TOEVOEGEN_ALS), relatie_woord(soort));
+    else
+        snprintf(tekst, sizeof tekst, TXT(T_L_VRAAG), relatie_woord(soort), nummer);
+    return post_mag(post) ? tekst : "";
+}
+
+bool relatie_voeg_toe(uint16_t nummer, Relatiesoort soort) {
+    levrec lev{};
+    if (!relatie_lees(nummer, &lev))
+        return onderhoud(nummer, soort, post_mag(post), "") == Recorduit::geschreven;
+    nu.nummer = nummer;
+    const int gelezen = post_lees(&post, &nu, sizeof nu, sizeof nu.nummer, true);
+    if (gelezen != 1) { // it went meanwhile
+        post_vrij(&post);
+        return false;
     }
-    IXSWITCH(dtlev, sleutel);
-    return anders;
+    nu.soort = static_cast<uint8_t>(nu.soort | soort);
+    const bool goed = post_schrijf(&post, &nu, sizeof nu);
+    if (goed)
+        meld_kassa();
+    else
+        post_vrij(&post);
+    return goed;
+}
+
+bool relatie_scherm(uint16_t nummer, Relatiesoort soort, Relatiemodus modus) {
+    levrec lev{};
+    const bool mag = modus == Relatiemodus::wijzigen && post_mag(post);
+    if (!mag && !relatie_lees(nummer, &lev)) {
+        error("<%u> %s %s", nummer, TXT(T_ONBEKENDE), relatie_woord(soort));
+        return false;
+    }
+    return onderhoud(nummer, soort, mag, relatie_vraag(nummer, soort)) != Recorduit::zelfde;
 }
 
 } // namespace zg

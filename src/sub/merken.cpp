@@ -47,7 +47,11 @@ const Stamsleutel SLEUTELS[] = {
     {1, &T_NUMMER, "4s[0123456789],I", zet_nummer},
     {S_ZOEKNAAM, &T_MK_ZOEKNAAM, "4s,UI", zet_zoeknaam},
 };
-const Stamlijst LIJST_MERKEN{&dtmerk, &T_MK_KOP, 50, SLEUTELS, regel, code, zet_code};
+void record(int32_t merk, int) {
+    merk_scherm(static_cast<uint16_t>(merk));
+}
+
+const Stamlijst LIJST_MERKEN{&dtmerk, &T_MK_KOP, 50, SLEUTELS, regel, code, zet_code, record};
 
 // ---- the field: a text of four
 
@@ -60,8 +64,8 @@ bool cijfers(const std::string& tekst) {
     return tekst.find_first_not_of("0123456789") == std::string::npos;
 }
 
-// Brands whose search name begins so, two of them at most; the first one's number.
-int met_zoeknaam(const std::string& begin, uint16_t* merk) {
+// Brands whose search name begins so, two of them at most; the first one's number. `heel`: is it.
+int met_zoeknaam(const std::string& begin, bool heel, uint16_t* merk) {
     const int oude = IXSLEUTEL(dtmerk);
     const bool sleutel = dtmerk->h.nkeys >= S_ZOEKNAAM; // else all of them are looked at
     uint8_t buffer[IXRECMAX] = {};
@@ -77,7 +81,8 @@ int met_zoeknaam(const std::string& begin, uint16_t* merk) {
         const merkrec rec = stam_beeld<merkrec>(buffer);
         if (sleutel && IXCOLLATE(rec.zoeknaam, laatste, sizeof laatste) > 0)
             break;
-        if (groot(VASTTEKST(rec.zoeknaam)).compare(0, begin.size(), begin) == 0 && aantal++ == 0)
+        const std::string naam = groot(VASTTEKST(rec.zoeknaam));
+        if ((heel ? naam == begin : naam.compare(0, begin.size(), begin) == 0) && aantal++ == 0)
             *merk = rec.merk;
         er = IXNEXT(dtmerk, buffer);
     }
@@ -94,7 +99,7 @@ uint16_t zoek(const std::string& tekst, int* aantal) {
         nummer = static_cast<uint16_t>(atoi(tekst.c_str()));
         *aantal = nummer != 0 && leesmerk(dtmerk, &rec, nummer);
     } else {
-        *aantal = met_zoeknaam(tekst, &nummer);
+        *aantal = met_zoeknaam(tekst, false, &nummer);
     }
     return *aantal == 1 ? nummer : 0;
 }
@@ -123,7 +128,17 @@ bool kies(const Lijsttabel&, Lijstcode* code) {
     return true;
 }
 
-const Lijsttabel MERKTABEL{"4c", 0, lees, onbekend, kies};
+// A number may be added, a search name not.
+std::string vraag(const Lijsttabel&, const Lijstcode& code) {
+    const int nummer = cijfers(code.tekst) ? atoi(code.tekst.c_str()) : 0;
+    return nummer > 0 ? merk_vraag(static_cast<uint16_t>(nummer)) : "";
+}
+
+bool voeg_toe(const Lijsttabel&, const Lijstcode& code) {
+    return merk_onderhoud(static_cast<uint16_t>(atoi(code.tekst.c_str())), false) == Recorduit::geschreven;
+}
+
+const Lijsttabel MERKTABEL{"4c", 0, lees, onbekend, kies, vraag, voeg_toe};
 
 } // namespace
 
@@ -140,6 +155,12 @@ Lijstuit merk_veld(int rij, int kolom, const char* opties, uint16_t* merk) {
     *merk = nummer;
     SCRPUT(A_WAARDE, rij, kolom, "%-4.0u", nummer);
     return anders ? Lijstuit::anders : Lijstuit::zelfde;
+}
+
+uint16_t merk_met_zoeknaam(const char (&zoeknaam)[4]) {
+    uint16_t merk = 0;
+    met_zoeknaam(groot(VASTTEKST(zoeknaam)), true, &merk);
+    return merk;
 }
 
 std::string merk_zoeknaam(const char* naam) {

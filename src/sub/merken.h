@@ -2,6 +2,7 @@
 #pragma once
 #include "shared/lijstveld.h"
 #include "shared/stamrec.h"
+#include "term/recordscherm.h"
 
 namespace zg {
 
@@ -10,6 +11,12 @@ namespace zg {
 Lijstuit merk_veld(int rij, int kolom, const char* opties, uint16_t* merk);
 // The screen on one brand: added (asked), looked at, changed and deleted. True when something was written.
 bool merk_scherm(uint16_t merk);
+// The same, and what became of the record; `vragen`: an unknown one is asked about first.
+Recorduit merk_onderhoud(uint16_t merk, bool vragen);
+// "Wilt u merk 12 toevoegen"; empty when this user may not.
+std::string merk_vraag(uint16_t merk);
+// The brand with this search name, 0 for none.
+uint16_t merk_met_zoeknaam(const char (&zoeknaam)[4]);
 // The search name proposed for a name: "Van der Velde" gives "VNDR".
 std::string merk_zoeknaam(const char* naam);
 

@@ -47,7 +47,11 @@ const Stamsleutel SLEUTELS[] = {
     {1, &T_NUMMER, "4s[0123456789],I", zet_nummer},
     {2, &T_NAAM, "10s,UI", zet_naam},
 };
-const Stamlijst LIJST_RELATIES{&dtlev, &T_KOP_RELATIE, 58, SLEUTELS, regel, code, zet_code, nullptr, past};
+void record(int32_t nummer, int welke) {
+    relatie_scherm(static_cast<uint16_t>(nummer), static_cast<Relatiesoort>(welke), Relatiemodus::wijzigen);
+}
+
+const Stamlijst LIJST_RELATIES{&dtlev, &T_KOP_RELATIE, 58, SLEUTELS, regel, code, zet_code, record, past};
 
 // ---- the field
 
@@ -71,6 +75,14 @@ bool kies(const Lijsttabel& tabel, Lijstcode* code) {
                      &code->nummer);
 }
 
+std::string vraag(const Lijsttabel& tabel, const Lijstcode& code) {
+    return relatie_vraag(static_cast<uint16_t>(code.nummer), static_cast<Relatiesoort>(tabel.welke));
+}
+
+bool voeg_toe(const Lijsttabel& tabel, const Lijstcode& code) {
+    return relatie_voeg_toe(static_cast<uint16_t>(code.nummer), static_cast<Relatiesoort>(tabel.welke));
+}
+
 } // namespace
 
 const char* relatie_woord(Relatiesoort soort) {
@@ -80,9 +92,9 @@ const char* relatie_woord(Relatiesoort soort) {
                                         : T_RELATIE);
 }
 
-const Lijsttabel LEVERANCIERTABEL{"4u", REL_LEVERANCIER, lees, onbekend, kies};
-const Lijsttabel AGENTTABEL{"4u", REL_AGENT, lees, onbekend, kies};
-const Lijsttabel FABRIKANTTABEL{"4u", REL_FABRIKANT, lees, onbekend, kies};
+const Lijsttabel LEVERANCIERTABEL{"4u", REL_LEVERANCIER, lees, onbekend, kies, vraag, voeg_toe};
+const Lijsttabel AGENTTABEL{"4u", REL_AGENT, lees, onbekend, kies, vraag, voeg_toe};
+const Lijsttabel FABRIKANTTABEL{"4u", REL_FABRIKANT, lees, onbekend, kies, vraag, voeg_toe};
 
 bool relatie_lees(uint16_t nummer, levrec* beeld) {
     if (leeslev(dtlev, beeld, nummer))

@@ -63,9 +63,13 @@ TEST(Keuze, LeverancierOpNummerEnUitDeLijst) {
     Datamap map;
     Programma p(map);
     p.t.toetsen("<Enter><Enter>999<Enter>");
-    p.t.wacht("Onbekende leverancier");
+    p.t.wacht("Wilt u leverancier 999 toevoegen");
+    p.t.toetsen("<Enter>");
+    p.t.wacht("<999> Onbekende leverancier");
     p.t.toetsen("40<Enter>");
-    p.t.wacht("Deze relatie is geen leverancier");
+    p.t.wacht("Deze relatie is geen leverancier, toevoegen als leverancier");
+    p.t.toetsen("<Enter>");
+    p.t.wacht("<40> Deze relatie is geen leverancier");
     p.t.toetsen("31<Enter>");
     p.t.wacht_op(3, 19, "Møller & Søn");
     p.t.toetsen("<Esc>");

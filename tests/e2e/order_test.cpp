@@ -145,8 +145,8 @@ TEST(Order, KopVeldVoorVeld) {
         p.t.wacht_op(11, 42, "2  Hoogzomer");
         EXPECT_EQ(p.t.stuk(14, 42, 7), "2.50   ") << p.t.scherm();
         // An agent that isn't one, a code that isn't there: told, and the field stays open.
-        tik("A12<Enter>");
-        p.t.wacht("Deze relatie is geen agent");
+        tik("A12<Enter><Enter>");
+        p.t.wacht("<12> Deze relatie is geen agent");
         tik("<Esc>Z7<Enter>");
         p.t.wacht("Wilt u deelseizoen 7 toevoegen");
         tik("<Enter>");
@@ -182,7 +182,7 @@ TEST(Order, GeweigerdeAgent) {
     map.journaal(maak_order(maak_kop("Agent"), {Regel{}}));
     Programma p(map);
     p.eerste_order();
-    p.t.toetsen("WOA27<Enter>");
+    p.t.toetsen("WOA27<Enter><Enter>");
     p.t.wacht("<27> Deze relatie is geen agent");
     EXPECT_EQ(p.t.cursor_rij(), 10) << "the field stays open";
     p.t.toetsen("<Esc>");
