@@ -1,0 +1,264 @@
+// Quantities in a grid, as a buyer enters them: totals, branches, dividing, key by key.
+#include "shared/maatbalk.h"
+#include "sub/matrixinvoer.h"
+#include "support/systeem.h"
+#include "term/gesprek.h"
+
+namespace zg {
+namespace {
+using namespace test;
+
+struct Matrix : Systeem {
+    struct Stuks {
+        int filiaal, maat, aantal;
+    };
+    mthandle balk;
+    aantalmatrix m;
+    Matrixscherm s;
+
+    // Branches with numbers from 1, sizes "31" and up on the bar.
+    void begin(int filialen, int maten, const std::vector<Stuks>& stuks) {
+        firma = {};
+        firma.filialen = static_cast<uint8_t>(filialen);
+        schrijf_bestand("DTFILGEG.TXT", "");
+        iofil('O', 0, nullptr);
+        for (int f = 0; f < filialen; f++) {
+            filiaalrec rec{};
+            rec.nummer = static_cast<uint8_t>(f + 1);
+            iofil('W', f, &rec);
+        }
+        balk = {}, s = {};
+        for (int n = 1; n <= maten; n++)
+            for (maatrij* rij : {&balk.posities, &balk.nummers}) {
+                rij->entry[n].link = static_cast<uint8_t>(n);
+                VASTIN(rij->entry[n].naam, std::to_string(30 + n));
+            }
+        maatbalk = &balk;
+        balk_kies(nullptr);
+        fmclear(&m);
+        for (const Stuks& st : stuks)
+            fmadd(&m, st.filiaal, st.maat, st.aantal);
+    }
+    ~Matrix() override {
+        maatbalk = nullptr;
+        iofil('C', 0, nullptr);
+        firma = {};
+    }
+    // 'T' totals, 'H' by hand, 'V' divided from the first branch; small letters key by key. Then each row's sum
+    // and sizes.
+    std::string werk(char hoe) {
+        const int hoogte = firma.filialen == 1 ? 8 : std::min(firma.filialen + 9, SCHERM.lines - 9);
+        WINOPEN1(6, 1, hoogte, 80);
+        WINBOX("AANTALLEN");
+        s.sneltoetsen = islower(hoe) ? "QWERTY" : nullptr;
+        matrix_begin(&s, 2, hoogte - 7, m);
+        matrix_teken(&s, m);
+        if (toupper(hoe) == 'T')
+            matrix_totalen(&s, &m);
+        else if (toupper(hoe) == 'H')
+            matrix_hand(&s, &m);
+        else
+            matrix_verdeel(&s, &m, 0, firma.filialen - 1);
+        const int laatste = SCHERM.laatste;
+        WINCLOSE();
+        std::string t;
+        for (int f = 0; f <= firma.filialen; f++)
+            for (int maat = 0; maat <= std::min(balk_kolommen(), 3); maat++)
+                t += vorm(maat ? "%d " : "%d:", matrix_cel(m, f, maat));
+        return t + vorm("%d", laatste);
+    }
+};
+
+// Keys of which the last leaves the screen, with what must stand somewhere before it; then the matrix and that key.
+TEST_F(Matrix, InvoerZoalsEenInkoper) {
+    struct Rij {
+        const char* waarom;
+        char hoe;
+        int filialen;
+        std::vector<Stuks> begin;
+        const char *toetsen, *gezien, *slot, *uit;
+    };
+    const Rij RIJEN[] = {
+        {"a number is proposed for the next size; the last one ends",
+         'T',
+         2,
+         {},
+         "12<Enter><Enter>",
+         "24",
+         "7<Enter>",
+         "31:12 12 7 0:0 0 0 31:12 12 7 10"},
+        {"what is only passed is not entered",
+         'T',
+         2,
+         {},
+         "5<Enter><Right>",
+         "5",
+         "<Enter>",
+         "10:5 0 5 0:0 0 0 10:5 0 5 10"},
+        {"no cell below 0",
+         'T',
+         2,
+         {{0, 1, 4}, {1, 1, 3}},
+         "2<Enter>",
+         "<2> Minimaal 3",
+         "3<Enter><Esc>",
+         "0:0 0 0 3:3 0 0 3:3 0 0 27"},
+        {"one branch: no rows",
+         'T',
+         1,
+         {{0, 1, 4}},
+         "5<Enter>",
+         "5    5 ____",
+         "<Esc>",
+         "5:5 0 0 5:5 0 0 27"},
+        {"ESC takes nothing", 'T', 2, {}, "1<Enter>44", "44", "<Esc>", "1:1 0 0 0:0 0 0 1:1 0 0 27"},
+        {"ENTER goes along the row",
+         'H',
+         2,
+         {},
+         "1<Enter>2<Enter>3<Enter>4<Enter>",
+         "<TAB> voor totalen",
+         "<Esc>",
+         "6:1 2 3 4:4 0 0 10:5 2 3 27"},
+        {"the totals and back",
+         'H',
+         2,
+         {},
+         "<Down><Tab>6<Enter>",
+         "6",
+         "<Tab>2<Tab><Esc>",
+         "6:6 0 0 2:0 2 0 8:6 2 0 27"},
+        {"the last cell ends",
+         'H',
+         2,
+         {},
+         "<Down><Right><Right>",
+         "tot",
+         "9<Enter>",
+         "0:0 0 0 9:0 0 9 9:0 0 9 10"},
+        {"an entry refused with TAB stays",
+         'H',
+         2,
+         {{1, 1, 3}},
+         "<Tab>1<Tab>",
+         "<1> Minimaal 3",
+         "5<Enter><Esc>",
+         "2:2 0 0 3:3 0 0 5:5 0 0 27"},
+        {"too much, and what is left to the rest",
+         'V',
+         2,
+         {{0, 1, 10}, {0, 2, 4}},
+         "8<Enter>5<Enter><Esc>",
+         "Meer stuks in filialen dan totaal aanwezig van deze maat",
+         "<Down>2<Enter><Esc>",
+         "8:8 0 0 6:2 4 0 14:10 4 0 27"},
+        {"more than there is",
+         'V',
+         2,
+         {{0, 1, 10}},
+         "12<Enter>",
+         "<12> Maximaal 10 beschikbaar",
+         "<Esc>",
+         "0:0 0 0 10:10 0 0 10:10 0 0 27"},
+        {"a size without pieces; one that isn't on the bar stays",
+         'V',
+         2,
+         {{0, 5, 7}},
+         "1<Enter>",
+         "Maat zonder aantallen",
+         "<Esc>",
+         "7:0 0 0 0:0 0 0 7:0 0 0 27"},
+        {"a branch takes all",
+         'V',
+         2,
+         {{0, 1, 10}, {0, 2, 4}},
+         "10<Enter>10<Enter>",
+         "+-     4         4",
+         "<Esc>",
+         "0:0 0 0 14:10 4 0 14:10 4 0 27"},
+        {"step and letters",
+         't',
+         2,
+         {},
+         "5qq-w",
+         "<-5> Minimaal 0",
+         "=w999e<Esc>",
+         "1010:10 1 999 0:0 0 0 1010:10 1 999 27"},
+        {"the most of a total",
+         't',
+         2,
+         {{0, 1, 1}},
+         "999q",
+         "Maximaal 999",
+         "<Esc>",
+         "1:1 0 0 0:0 0 0 1:1 0 0 27"},
+        {"F5 while empty", 't', 2, {}, "", "<F5> voor voorverdeling", "<F5>", "0:0 0 0 0:0 0 0 0:0 0 0 269"},
+        {"a step of three digits",
+         'h',
+         2,
+         {},
+         "<Down>12q1234",
+         "<4> Alleen -, =, 1-9",
+         "e<Esc>",
+         "0:0 0 0 135:12 0 123 135:12 0 123 27"},
+        {"letters of what is on the screen",
+         'h',
+         2,
+         {},
+         "r",
+         "<r> Alleen -, =, 1-9 of Q-E",
+         "<Esc>",
+         "0:0 0 0 0:0 0 0 0:0 0 0 27"},
+        {"from the source, and back",
+         'v',
+         2,
+         {{0, 1, 3}},
+         "<Down>2qq",
+         "Maat reeds verdeeld",
+         "-q=q<Esc>",
+         "2:2 0 0 1:1 0 0 3:3 0 0 27"},
+        {"the source itself",
+         'v',
+         2,
+         {{0, 1, 3}},
+         "q<Down>w",
+         "Maat zonder aantallen",
+         "<Esc>",
+         "4:4 0 0 0:0 0 0 4:4 0 0 27"},
+    };
+    for (const Rij& rij : RIJEN) {
+        SCOPED_TRACE(rij.waarom);
+        begin(rij.filialen, 3, rij.begin);
+        Gesprek t([&] { return werk(rij.hoe); });
+        t.toetsen(rij.toetsen);
+        EXPECT_TRUE(t.wacht(rij.gezien));
+        t.toetsen(rij.slot);
+        EXPECT_EQ(t.antwoord(), rij.uit);
+    }
+}
+
+// 250 branches: the page of rows, marks, and columns that follow the totals over 1,000 and 10,000.
+TEST_F(Matrix, KolommenWordenBreder) {
+    begin(250, 15, {{0, 1, 999}, {200, 2, 9990}});
+    matrix_cel(m, 1, 3) = matrix_cel(m, 1, 0) = 1'000'000; // rows that don't fit their column
+    const uint8_t uit[32] = {4};
+    s.uitgesloten = uit;
+    s.meest = 12'000;
+    Gesprek t([&] { return werk('H'); });
+    stappen(t, {{"",
+                 {{8, 2, "fil  tot   31   32"},
+                  {9, 4, "1  999 "},
+                  {10, 4, "2    *              *"},
+
+                  {11, 4, "3*"},
+                  {16, 2, "   10989  999 9990"}}},
+                {"<PgDn><Up><Right>11<Enter>",
+                 {{8, 2, "fil  tot    31    32"}, {15, 4, "7   11"}, {16, 13, "999 10001"}}},
+                {"12000<Enter>", {{25, 1, "<12000> Maximaal 1000"}}},
+                {"1000<Enter><F8>", {{8, 14, "<<    41"}, {16, 5, "12000 12000"}}}});
+    t.toetsen("<Esc>");
+    t.antwoord();
+}
+
+} // namespace
+} // namespace zg
