@@ -1,6 +1,5 @@
 // What doesn't stand yet, see order/later.h. Each row goes when its module comes.
 #include "order/later.h"
-#include "order/aantallen.h"
 #include "order/teksten.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
@@ -21,13 +20,6 @@ bool serie_register() {
 }
 bool serie_bijbestellen() {
     return nog_niet();
-}
-
-bool aantal_scherm(bool) {
-    return nog_niet();
-}
-void neem_over() {
-    regel_wis_aantallen(&regel_nu);
 }
 
 Serie serie_laad(const ors_ingang&, orderregel*, bool) {

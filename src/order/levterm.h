@@ -11,10 +11,12 @@ namespace zg {
 struct levcel {
     uint8_t filiaal, maat; // branch index, size index
     int32_t aantal;        // above 0
+    bool operator==(const levcel&) const = default;
 };
 struct levterm {
     uint16_t van, tot;          // first and last delivery date
     std::vector<levcel> cellen; // by branch, then size
+    bool operator==(const levterm&) const = default;
 };
 using levtermen = std::vector<levterm>; // by tot, each tot once
 

@@ -1,0 +1,275 @@
+// The screen of a line's quantities: one term at a time in the grid, its menu, and what each item does. A term is read
+// from the line, changed in hand, and booked into the line by its difference. See order/aantallen.h.
+#include "order/aantallen.h"
+#include "order/aantalbeeld.h"
+#include "order/programma.h"
+#include "order/regelstam.h"
+#include "order/verdelen.h"
+#include "order/wrk.h"
+#include "shared/maatbalk.h"
+#include "sub/reeksen.h"
+#include "sub/voorverd.h"
+#include "term/keuze.h"
+#include "term/prompt.h"
+#include <algorithm>
+
+namespace zg {
+
+namespace {
+
+enum Aantalkeuze {
+    A_FILIAAL_INGAVE,
+    A_VERDELEN,
+    A_AUTOMATISCH,
+    A_WIJZIGEN, // known, never offered
+    A_VOORVERDELING,
+    A_REEKS_ERBIJ,
+    A_REEKS_VERDELEN,
+    A_AANTAL_INGAVE,
+    A_TERMIJN,
+    A_DEELORDER,
+    A_NOTA = 11,
+    A_VORIGE = 13,
+    A_VOLGENDE,
+    A_AANTAL
+};
+
+const char* keuzetekst(int k) {
+    static const Tekst* const T[A_AANTAL] = {&T_A_FILIAAL_INGAVE,
+                                             &T_A_KEUS_VERDELEN,
+                                             &T_A_AUTOMATISCH,
+                                             &T_A_KEUS_WIJZIGEN,
+                                             &T_A_VOORVERDELING,
+                                             &T_A_REEKS_ERBIJ,
+                                             &T_A_REEKS_VERDELEN,
+                                             &T_A_AANTAL_INGAVE,
+                                             &T_A_TERMIJN_WIJZIGEN,
+                                             &T_A_DEELORDER,
+                                             nullptr,
+                                             &T_A_KEUS_NOTA,
+                                             nullptr,
+                                             &T_A_VORIGE,
+                                             &T_A_VOLGENDE};
+    return k >= 0 && k < A_AANTAL && T[k] ? TXT(*T[k]) : nullptr;
+}
+
+// The term in hand.
+struct Termijn {
+    uint16_t van = 0, tot = 0;
+    int nr = 0;
+    aantalmatrix werk;
+};
+
+int aantal_termen() {
+    return static_cast<int>(regel_nu.termen.size());
+}
+
+// Its matrix anew from the line; the window for it.
+void lees(Termijn& t) {
+    lt_nr(regel_nu.termen, t.nr, &t.van, &t.tot, &t.werk);
+    beeld_begin(t.werk);
+}
+
+void teken(const Termijn& t) {
+    beeld_teken(aantal_termen() > 1 ? T_A_LEVERTERMIJN : T_A_AANTALLEN,
+                beeld_termijn(t.van, t.tot, t.nr, aantal_termen()), t.werk);
+}
+
+void menu(const Termijn& t) {
+    const bool leeg = fm_leeg(t.werk);
+    KEUZESTART(keuzetekst);
+    KEUZEAAN(A_TERMIJN);
+    KEUZEAAN(A_DEELORDER);
+    if (firma.filialen == 1) {
+        KEUZEAAN(A_AANTAL_INGAVE);
+        if (leeg)
+            KEUZEAAN(A_VOORVERDELING);
+    } else {
+        KEUZEAAN(A_FILIAAL_INGAVE);
+        if (leeg) {
+            KEUZEAAN(A_VOORVERDELING);
+            KEUZEAAN(A_REEKS_ERBIJ);
+        } else {
+            KEUZEAAN(A_REEKS_VERDELEN);
+            // Key by key the pieces come from a branch.
+            if (!aantalgrid.sneltoetsen || bronrij(t.werk) < firma.filialen)
+                KEUZEAAN(A_VERDELEN);
+            if (een_filiaal(t.werk) < firma.filialen) {
+                KEUZEAAN(A_VOORVERDELING);
+                if (regel_nu.gewichten[firma.filialen] > 0)
+                    KEUZEAAN(A_AUTOMATISCH);
+            }
+        }
+    }
+    if (aantal_termen() > 1) {
+        KEUZEAAN(A_NOTA);
+        if (t.nr > 1)
+            KEUZEAAN(A_VORIGE);
+        if (t.nr < aantal_termen())
+            KEUZEAAN(A_VOLGENDE);
+        TOETSAAN(K_F5);
+    }
+    beeld_toetsen_aan();
+}
+
+void voorverdeling(aantalmatrix* werk) {
+    const uint8_t soort = regel_nu.model.maatsoort;
+    if (firma.filialen == 1) {
+        reeksrij rij;
+        if (!reeks_kiezen(soort, "SWTV", regel_nu.dessin.maten, &rij))
+            return;
+        fmclear(werk);
+        for (int maat = 1; maat <= MATEN; maat++)
+            fmadd(werk, 0, maat, rij[static_cast<size_t>(maat)]);
+    } else if (fm_leeg(*werk)) {
+        vv_kiezen(soort, "SWTVR", regel_uitgesloten(), werk);
+    } else {
+        vv_verdelen(soort, "SWTVR", regel_uitgesloten(), restrij(bronrij(*werk)), werk);
+    }
+}
+
+// Size runs over the totals that stand: what the source has is free, and what is left free goes to the rest.
+void verdeel_reeks(aantalmatrix* werk) {
+    const int bron = bronrij(*werk), rest = restrij(bron);
+    if (bron < firma.filialen)
+        for (int maat = 0; maat <= MATEN; maat++)
+            matrix_cel(*werk, bron, maat) = 0;
+    for (;;) {
+        reeks_scherm(regel_nu.model.maatsoort, werk, true, regel_uitgesloten());
+        reeksrij vrij;
+        reeks_over(*werk, &vrij);
+        if (verdeel_sluit(werk, vrij.data(), rest))
+            return;
+        MELDBOX(MELD_ALARM, TXT(T_A_MEER_PER_MAAT), nullptr, nullptr);
+    }
+}
+
+// What an item does to the matrix in hand.
+void doe(int keus, Termijn& t) {
+    const int bron = bronrij(t.werk);
+    switch (keus) {
+    case A_FILIAAL_INGAVE:
+        beeld_titel(T_A_WIJZIGEN);
+        matrix_hand(&aantalgrid, &t.werk);
+        break;
+    case A_VERDELEN:
+        beeld_titel(T_A_VERDELEN);
+        matrix_verdeel(&aantalgrid, &t.werk, bron, restrij(bron));
+        break;
+    case A_AUTOMATISCH:
+        verdeel_herbouw(regel_nu, regel_is_nieuw ? nullptr : &regelingang, t.tot);
+        auto_verdelen(&t.werk);
+        break;
+    case A_VOORVERDELING:
+        voorverdeling(&t.werk);
+        break;
+    case A_REEKS_ERBIJ:
+        reeks_scherm(regel_nu.model.maatsoort, &t.werk, false, regel_uitgesloten());
+        break;
+    case A_REEKS_VERDELEN:
+        verdeel_reeks(&t.werk);
+        break;
+    case A_AANTAL_INGAVE:
+        matrix_totalen(&aantalgrid, &t.werk);
+        break;
+    }
+}
+
+// The sum of the terms, until a key that isn't of the grid.
+void kijk_nota() {
+    beeld_begin(regel_nu.nota_aantallen);
+    do {
+        char hoeveel[48];
+        snprintf(hoeveel, sizeof hoeveel, "%d %s", aantal_termen(), TXT(T_A_TERMIJNEN));
+        beeld_teken(T_A_NOTA, "", regel_nu.nota_aantallen, hoeveel);
+        beeld_toetsen_aan();
+        ENTERWACHT(beeld_keusrij(), 2);
+        beeld_blader(SCHERM.laatste);
+    } while (SCHERM.laatste != K_ENTER && !TOETSWEG());
+}
+
+// The items that leave the matrix alone and go to a term.
+void ga(int keus, Termijn& t) {
+    switch (keus) {
+    case A_TERMIJN:
+    case A_DEELORDER:
+        if (keus == A_TERMIJN)
+            levt_wijzig(&t.van, &t.tot);
+        else
+            levt_nieuw(&t.van, &t.tot, t.werk);
+        t.nr = lt_volgnr(regel_nu.termen, t.tot);
+        break;
+    case A_NOTA:
+        kijk_nota();
+        break;
+    case A_VORIGE:
+        t.nr--;
+        break;
+    case A_VOLGENDE:
+        t.nr++;
+        break;
+    }
+}
+
+void kies_termijn(Termijn& t) {
+    if (levt_kies(&t.tot))
+        t.nr = lt_volgnr(regel_nu.termen, t.tot);
+}
+
+void termen_lus() {
+    Termijn t;
+    fmclear(&t.werk);
+    if (aantal_termen() == 0) {
+        beeld_begin(t.werk);
+        beeld_teken(T_A_AANTALLEN, "", t.werk);
+        if (!levt_nieuw(&t.van, &t.tot, t.werk))
+            return;
+    }
+    t.nr = 1;
+    lees(t);
+    for (;;) {
+        teken(t);
+        menu(t);
+        const int keus = KEUZE(beeld_keusrij(), 2);
+        const int32_t toets = SCHERM.laatste;
+        if (keus < 0 && TOETSWEG())
+            return;
+        if (keus < 0 && toets != K_F5) {
+            beeld_blader(toets);
+            continue;
+        }
+        if (keus < 0) {
+            kies_termijn(t);
+        } else if (keus >= A_TERMIJN) {
+            ga(keus, t);
+        } else {
+            const aantalmatrix oud = t.werk;
+            doe(keus, t);
+            if (t.werk != oud)
+                termijn_boek(t.van, t.tot, oud, t.werk);
+        }
+        beeld_ververs();
+        lees(t);
+    }
+}
+
+} // namespace
+
+bool aantal_scherm(bool lezen) {
+    if (lezen) {
+        levt_bekijk();
+        return false;
+    }
+    if (fm_leeg(regel_nu.nota_aantallen) && !fm_leeg(regel_nu.order_aantallen)) {
+        MELDBOX(MELD_ALARM, TXT(T_A_REEDS_GELEVERD), nullptr, nullptr);
+        return false;
+    }
+    if (!beeld_open())
+        return false;
+    const levtermen oud = regel_nu.termen;
+    termen_lus();
+    beeld_sluit();
+    return regel_nu.termen != oud;
+}
+
+} // namespace zg
