@@ -27,6 +27,8 @@ int beeld_keusrij();
 void beeld_toetsen_aan();
 void beeld_blader(int32_t toets);
 
+// Quantities per size into the row of totals; a stored distribution in place of it, where that is asked by its key.
+void aantal_ingave(aantalmatrix* matrix);
 // Apply the difference of a term to the line's quantities and write the term. False, told and nothing changed, when the
 // line's sum would not fit.
 bool termijn_boek(uint16_t van, uint16_t tot, const aantalmatrix& oud, const aantalmatrix& werk);

@@ -170,7 +170,7 @@ void doe(int keus, Termijn& t) {
         verdeel_reeks(&t.werk);
         break;
     case A_AANTAL_INGAVE:
-        matrix_totalen(&aantalgrid, &t.werk);
+        aantal_ingave(&t.werk);
         break;
     }
 }
@@ -254,6 +254,14 @@ void termen_lus() {
 }
 
 } // namespace
+
+void aantal_ingave(aantalmatrix* matrix) {
+    matrix_totalen(&aantalgrid, matrix);
+    if (SCHERM.laatste == K_F5 && fm_leeg(*matrix)) {
+        voorverdeling(matrix);
+        beeld_ververs();
+    }
+}
 
 bool aantal_scherm(bool lezen) {
     if (lezen) {

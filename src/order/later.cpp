@@ -1,6 +1,8 @@
 // What doesn't stand yet, see order/later.h. Each row goes when its module comes.
 #include "order/later.h"
 #include "order/teksten.h"
+#include "sub/reeksen.h"
+#include "sub/voorverd.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 
@@ -19,6 +21,24 @@ bool serie_register() {
     return nog_niet();
 }
 bool serie_bijbestellen() {
+    return nog_niet();
+}
+
+// Size runs and stored distributions; weak, so that the modules come when they are ready.
+#define LATER [[gnu::weak]]
+LATER bool reeks_kiezen(uint8_t, const char*, const uint8_t*, reeksrij*) {
+    return nog_niet();
+}
+LATER void reeks_over(const aantalmatrix&, reeksrij* over) {
+    *over = {};
+}
+LATER bool reeks_scherm(uint8_t, aantalmatrix*, bool, const uint8_t*) {
+    return nog_niet();
+}
+LATER bool vv_kiezen(uint8_t, const char*, const uint8_t*, aantalmatrix*) {
+    return nog_niet();
+}
+LATER bool vv_verdelen(uint8_t, const char*, const uint8_t*, int, aantalmatrix*) {
     return nog_niet();
 }
 

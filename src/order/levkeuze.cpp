@@ -114,7 +114,7 @@ bool levt_nieuw(uint16_t* van, uint16_t* tot, const aantalmatrix& werk) {
         nieuw = leeg;
         beeld_begin(nieuw);
         beeld_teken(T_A_AANTALLEN, beeld_termijn(nieuw_van, nieuw_tot, 1, 1), nieuw);
-        matrix_totalen(&aantalgrid, &nieuw);
+        aantal_ingave(&nieuw);
         if (firma.filialen > 1 && fm_leeg(nieuw))
             matrix_hand(&aantalgrid, &nieuw);
     }
