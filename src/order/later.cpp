@@ -29,8 +29,12 @@ bool serie_bijbestellen() {
 LATER bool reeks_kiezen(uint8_t, const char*, const uint8_t*, reeksrij*) {
     return nog_niet();
 }
-LATER void reeks_over(const aantalmatrix&, reeksrij* over) {
-    *over = {};
+LATER void reeks_over(const aantalmatrix& matrix, reeksrij* over) {
+    for (int maat = 0; maat <= MATEN; maat++) {
+        int32_t& rest = (*over)[static_cast<size_t>(maat)] = matrix_totalen(matrix)[maat];
+        for (int f = 0; f < firma.filialen; f++)
+            rest -= matrix_cel(matrix, f, maat);
+    }
 }
 LATER bool reeks_scherm(uint8_t, aantalmatrix*, bool, const uint8_t*) {
     return nog_niet();
