@@ -162,6 +162,11 @@ struct [[gnu::packed]] maatbalkrec {
     uint8_t maten[12];
     char vrij13[3];
 };
+struct [[gnu::packed]] maatreeksrec {
+    uint8_t maatsoort;
+    char vrij1[7];
+    int32_t aantal[96]; // by size index; 0 their sum
+};
 struct [[gnu::packed]] landrec {
     uint16_t nummer;
     char iso2[2], iso3[3], naam[20];
@@ -195,8 +200,8 @@ static_assert(sizeof(gebruikerslot) == 64 && offsetof(gebruikerslot, usertty) ==
               offsetof(gebruikerslot, usertime) == 40 && offsetof(gebruikerslot, userprog) == 48 &&
               offsetof(gebruikerslot, werkdatum) == 58 && offsetof(gebruikerslot, set) == 62);
 static_assert(sizeof(valutarec) == 36 && sizeof(tekst20) == 20 && sizeof(tekst30) == 30 &&
-              sizeof(prijsklasserec) == 40 && sizeof(maatbalkrec) == 16 && sizeof(landrec) == 28 &&
-              sizeof(etiketsoortrec) == 68 && sizeof(filiaalreeksrec) == 52);
+              sizeof(prijsklasserec) == 40 && sizeof(maatbalkrec) == 16 && sizeof(maatreeksrec) == 392 &&
+              sizeof(landrec) == 28 && sizeof(etiketsoortrec) == 68 && sizeof(filiaalreeksrec) == 52);
 
 // The images of the running program. sys_lees fills the first three (zeros for a record that isn't there).
 extern sysfirma firma;     // system record 1

@@ -16,6 +16,7 @@ bool reeks_kiezen(uint8_t maatsoort, const char* acties, const uint8_t* maten, r
 std::vector<reeksrij> reeks_gebruikt(const aantalmatrix& matrix);
 // The branches whose row equals the row, 32 bytes by branch index.
 void reeks_branches(const aantalmatrix& matrix, const reeksrij& rij, uint8_t* filialen);
+// The row to each branch of the set, or their rows emptied. The row of totals is the caller's.
 void reeks_toekennen(aantalmatrix* matrix, const reeksrij& rij, const uint8_t* filialen);
 void reeks_wissen(aantalmatrix* matrix, const uint8_t* filialen);
 // Per size the totals less the sum of the branches.
