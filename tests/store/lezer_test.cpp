@@ -160,9 +160,12 @@ int ontbreekt(ICB* icb, int van, int tot, int stap) {
     for (int ok = IXPREVR(icb, &r, 0); ok; ok = IXPREVR(icb, &r, 0))
         terug.push_back(r.nr);
     const int aantal = (tot - van) / stap;
-    for (int i = 0; i < aantal; i++) { // far from each other, so that each is looked for from the root
-        const int nr = van + i * 37 % aantal * stap;
-        r = Rec{};
+    for (int i = 0; i < aantal;
+         i++) { // out of the other end's leaf, so that each is looked for from the root
+        const int nr = van + i * stap;
+        r.nr = static_cast<uint16_t>(i * 4 < aantal * 3 ? tot - stap : van);
+        if (!IXREAD(icb, &r))
+            return r.nr;
         r.nr = static_cast<uint16_t>(nr);
         if (std::count(heen.begin(), heen.end(), nr) != 1 ||
             std::count(terug.begin(), terug.end(), nr) != 1 || !IXREAD(icb, &r))
@@ -265,7 +268,7 @@ ssize_t gescheurd(int fd, void* p, size_t n, off_t plaats) {
     if (n != IXBLOK || plaats < 3 * IXBLOK || plaats + IXBLOK > static_cast<off_t>(scheur.oud.size()) ||
         ++scheur.beurt != scheur.tot)
         return uit;
-    // Where the two differ, the middle of the difference is the seam.
+    // Where the two differ, a quarter of the difference is before the seam.
     uint8_t* nu = static_cast<uint8_t*>(p);
     const char* oud = &scheur.oud[static_cast<size_t>(plaats)];
     size_t eerste = 0, laatste = n;
@@ -273,7 +276,7 @@ ssize_t gescheurd(int fd, void* p, size_t n, off_t plaats) {
         eerste++;
     while (laatste > eerste && nu[laatste - 1] == static_cast<uint8_t>(oud[laatste - 1]))
         laatste--;
-    const size_t naad = 5 + ((eerste + laatste) / 2 - 5) / 6 * 6;
+    const size_t naad = 5 + ((3 * eerste + laatste) / 4 - 5) / 6 * 6;
     for (size_t i = eerste; i < laatste; i++)
         if ((i < naad) != scheur.nieuw_eerst)
             nu[i] = static_cast<uint8_t>(oud[i]);

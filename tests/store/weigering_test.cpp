@@ -129,7 +129,8 @@ void elke_schrijfopdracht(const Geval& g) {
                 status = poging(g, mode, n, fout, deel, duur);
                 if (status == GEDAAN)
                     break;
-                if (duur == VOORTAAN && status == 1) {    // what stood could not be put back
+                if (duur == VOORTAAN && status == 1) { // what stood could not be put back
+                    ASSERT_FALSE(n == 1 && deel == NIETS) << "nothing was changed: no reason to stop";
                     if (mode == 2 && IXCHECK("T") >= 0) { // the last write was the refused one, and all in it
                         ASSERT_EQ("", gezondheid("T"));
                     }
