@@ -62,20 +62,42 @@ void vul_tabel(const std::string& map, const char* naam) {
     fclose(f);
 }
 
+Demomaten* maattype(std::vector<Demomaten>& alle, const Demobron& bron, const Demoregel& r) {
+    const int soort = bron.getal(r.woorden[0], 1, 99);
+    auto type = std::find_if(alle.begin(), alle.end(), [&](const Demomaten& m) { return m.soort == soort; });
+    if (type == alle.end())
+        bron.fout(r.sectie + ": no such size type");
+    return &*type;
+}
+
+// A bar: sizes by name; a run: sizes with their pieces, "38=2".
+void lees_maatregel(Demomaten* type, const Demobron& bron, const Demoregel& r) {
+    std::vector<std::pair<std::string, int>> cellen;
+    for (size_t i = 1; i < r.woorden.size(); i++) {
+        const size_t is = r.woorden[i].find('=');
+        const std::string maat = r.woorden[i].substr(0, is);
+        if (!type->nummer(maat))
+            bron.fout("no such size: " + maat);
+        cellen.emplace_back(maat,
+                            is == std::string::npos ? 1 : bron.getal(r.woorden[i].substr(is + 1), 1, 999));
+    }
+    if (r.sectie == "reeksen") {
+        type->reeksen.push_back(cellen);
+        return;
+    }
+    type->balken.emplace_back();
+    for (const auto& [maat, n] : cellen)
+        type->balken.back().push_back(maat);
+}
+
 std::vector<Demomaten> maten(const std::string& pad) {
     Demobron bron(pad);
     std::vector<Demomaten> alle;
     for (Demoregel r; bron.volgende(&r);) {
-        if (r.sectie == "balken") {
-            int soort = bron.getal(r.woorden[0], 1, 99);
-            auto type =
-                std::find_if(alle.begin(), alle.end(), [&](const Demomaten& m) { return m.soort == soort; });
-            if (type == alle.end())
-                bron.fout("a bar of a size type that isn't there");
-            type->balken.emplace_back(r.woorden.begin() + 1, r.woorden.end());
-            for (const std::string& maat : type->balken.back())
-                if (std::find(type->maten.begin(), type->maten.end(), maat) == type->maten.end())
-                    bron.fout("no such size: " + maat);
+        if (!r.sectie.empty()) {
+            if (r.sectie != "balken" && r.sectie != "reeksen")
+                bron.fout("unknown section: " + r.sectie);
+            lees_maatregel(maattype(alle, bron, r), bron, r);
             continue;
         }
         Demomaten m;
@@ -103,7 +125,7 @@ void vul_maten(const std::vector<Demomaten>& alle) {
             rij.stelsel = stelsel;
             rij.soort = static_cast<uint8_t>(m.soort);
             for (size_t i = 0; i < m.maten.size(); i++) {
-                VASTIN(rij.entry[i + 1].naam, m.maten[i]);
+                VASTIN(rij.entry[i + 1].naam, (m.maten[i] + "  ").substr(0, 3));
                 rij.entry[i + 1].link = static_cast<uint8_t>(i + 1);
             }
             schrijf(icb, &rij);

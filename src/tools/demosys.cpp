@@ -17,6 +17,12 @@ namespace zg {
 
 std::vector<int> demo_filialen;
 
+// A size's number is its position.
+int Demomaten::nummer(const std::string& maat) const {
+    const auto plaats = std::find(maten.begin(), maten.end(), maat);
+    return plaats == maten.end() ? 0 : static_cast<int>(plaats - maten.begin()) + 1;
+}
+
 namespace {
 
 constexpr size_t SYSBYTES = 122952; // behind the last table
@@ -181,16 +187,21 @@ void demo_systeem(const std::string& pad, const std::vector<Demomaten>& maten, b
     beeld.slot<sysfirma>(SYS_RECORD, 1)->filialen = static_cast<uint8_t>(fil.size());
     memcpy(beeld.slot<sysstatus>(SYS_RECORD, 10)->release, RELEASE, 5);
     beeld.slot<sysinstel>(SYS_RECORD, 15)->artikelcijfers = 5;
-    int balknr = 0;
+    int balknr = 0, reeksnr = 0;
     for (const Demomaten& m : maten) {
         VASTIN(beeld.slot<tekst20>(SYS_MAATSOORT, m.soort)->tekst, m.naam);
         for (const auto& balk : m.balken) {
             maatbalkrec* b = beeld.slot<maatbalkrec>(SYS_MAATBALK, ++balknr);
             b->maatsoort = static_cast<uint8_t>(m.soort);
-            for (const std::string& maat : balk) // the size's number is its position
-                maat_aan(b->maten,
-                         static_cast<int>(std::find(m.maten.begin(), m.maten.end(), maat) - m.maten.begin()) +
-                             1);
+            for (const std::string& maat : balk)
+                maat_aan(b->maten, m.nummer(maat));
+        }
+        for (const auto& reeks : m.reeksen) {
+            maatreeksrec* rec = beeld.slot<maatreeksrec>(SYS_MAATREEKS, ++reeksnr);
+            rec->maatsoort = static_cast<uint8_t>(m.soort);
+            for (const auto& [maat, aantal] : reeks)
+                for (int cel : {m.nummer(maat), 0})
+                    rec->aantal[cel] += aantal;
         }
     }
     if (registermodus) {

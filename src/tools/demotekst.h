@@ -41,6 +41,9 @@ struct Demomaten {
     std::string naam;
     std::vector<std::string> maten;
     std::vector<std::vector<std::string>> balken; // bars: some of the sizes, by name
+    // Runs: pieces of sizes by name, each with its own number.
+    std::vector<std::vector<std::pair<std::string, int>>> reeksen = {};
+    int nummer(const std::string& maat) const; // 0 for no such size
 };
 
 void demo_systeem(const std::string& bron, const std::vector<Demomaten>& maten, bool registermodus);
