@@ -112,28 +112,31 @@ void menu(const Termijn& t) {
     beeld_toetsen_aan();
 }
 
-void voorverdeling(aantalmatrix* werk) {
+// True when one was taken.
+bool voorverdeling(aantalmatrix* werk) {
     const uint8_t soort = regel_nu.model.maatsoort;
     if (firma.filialen == 1) {
         reeksrij rij;
         if (!reeks_kiezen(soort, "SWTV", regel_nu.dessin.maten, &rij))
-            return;
+            return false;
         fmclear(werk);
         for (int maat = 1; maat <= MATEN; maat++)
             fmadd(werk, 0, maat, rij[static_cast<size_t>(maat)]);
-    } else if (fm_leeg(*werk)) {
-        vv_kiezen(soort, "SWTVR", regel_uitgesloten(), werk);
-    } else {
-        vv_verdelen(soort, "SWTVR", regel_uitgesloten(), restrij(bronrij(*werk)), werk);
+        return true;
     }
+    if (fm_leeg(*werk))
+        return vv_kiezen(soort, "SWTVR", regel_uitgesloten(), werk);
+    return vv_verdelen(soort, "SWTVR", regel_uitgesloten(), restrij(bronrij(*werk)), werk);
 }
 
 // Size runs over the totals that stand: what the source has is free, and what is left free goes to the rest.
 void verdeel_reeks(aantalmatrix* werk) {
     const int bron = bronrij(*werk), rest = restrij(bron);
-    if (bron < firma.filialen)
-        for (int maat = 0; maat <= MATEN; maat++)
-            matrix_cel(*werk, bron, maat) = 0;
+    for (int k = 1; bron < firma.filialen && k <= balk_kolommen(); k++) {
+        int32_t& cel = matrix_cel(*werk, bron, balk_maat(k));
+        matrix_cel(*werk, bron, 0) -= cel;
+        cel = 0;
+    }
     for (;;) {
         reeks_scherm(regel_nu.model.maatsoort, werk, true, regel_uitgesloten());
         reeksrij vrij;
@@ -256,10 +259,15 @@ void termen_lus() {
 } // namespace
 
 void aantal_ingave(aantalmatrix* matrix) {
-    matrix_totalen(&aantalgrid, matrix);
-    if (SCHERM.laatste == K_F5 && fm_leeg(*matrix)) {
-        voorverdeling(matrix);
+    for (;;) {
+        matrix_totalen(&aantalgrid, matrix);
+        if (SCHERM.laatste != K_F5 || !fm_leeg(*matrix))
+            return;
+        const bool genomen = voorverdeling(matrix);
         beeld_ververs();
+        beeld_begin(*matrix);
+        if (genomen)
+            return;
     }
 }
 

@@ -1,7 +1,6 @@
 // What doesn't stand yet, see order/later.h. Each row goes when its module comes.
 #include "order/later.h"
 #include "order/teksten.h"
-#include "sub/reeksen.h"
 #include "sub/voorverd.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
@@ -24,21 +23,8 @@ bool serie_bijbestellen() {
     return nog_niet();
 }
 
-// Size runs and stored distributions; weak, so that the modules come when they are ready.
+// Stored distributions; weak, so that the module comes when it is ready.
 #define LATER [[gnu::weak]]
-LATER bool reeks_kiezen(uint8_t, const char*, const uint8_t*, reeksrij*) {
-    return nog_niet();
-}
-LATER void reeks_over(const aantalmatrix& matrix, reeksrij* over) {
-    for (int maat = 0; maat <= MATEN; maat++) {
-        int32_t& rest = (*over)[static_cast<size_t>(maat)] = matrix_totalen(matrix)[maat];
-        for (int f = 0; f < firma.filialen; f++)
-            rest -= matrix_cel(matrix, f, maat);
-    }
-}
-LATER bool reeks_scherm(uint8_t, aantalmatrix*, bool, const uint8_t*) {
-    return nog_niet();
-}
 LATER bool vv_kiezen(uint8_t, const char*, const uint8_t*, aantalmatrix*) {
     return nog_niet();
 }
