@@ -37,7 +37,7 @@ template <size_t PLAATS, int BREED, char... OPTIES> bool vraag_tekst(int rij) {
 }
 
 template <size_t PLAATS> void toon_getal(int rij) {
-    SCRPUT(A_WAARDE, rij, WAARDE, "%-3u", rec[PLAATS]);
+    SCRPUT(A_WAARDE, rij, WAARDE, "%-3.0u", rec[PLAATS]);
 }
 template <size_t PLAATS> bool vraag_getal(int rij) {
     return INGAVE(rij, WAARDE, "3U,EP", &SCHERM.toets[key_cancel], veld(PLAATS)) != 0;
@@ -188,7 +188,7 @@ bool code_scherm(const Codetabel& t, const Lijstcode& welke, bool gevraagd) {
     const std::string woord = TXT(*t.woord), hoofd = groot(woord);
     const int rijen = static_cast<int>(t.items.size());
     const Recordscherm scherm{
-        {9, 6, rijen + 6, BREEDTE, rijen + 3, t.items, nullptr, kop}, lees, schrijf, wis, vrij};
+        {9, 6, rijen + 5, BREEDTE, rijen + 3, t.items, nullptr, kop}, lees, schrijf, wis, vrij};
     const Recordteksten teksten{gevraagd ? "" : code_vraag(t, code),
                                 gevuld(t.het ? T_R_NIEUW : T_R_NIEUWE, hoofd), gevuld(T_R_RAADPLEGEN, hoofd),
                                 gevuld(T_R_WIJZIGEN, hoofd), gevuld(t.het ? T_DIT_WEG : T_DEZE_WEG, woord)};

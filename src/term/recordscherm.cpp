@@ -53,7 +53,6 @@ bool bewerk(const Recordrijen& r, const Item& i) {
         SCRPUT(A_WAARDE, r.keusrij, KOLOM, "%s", TXT(*i.hulp));
     SCHERM.laatste = 0;
     const bool anders = i.bewerk(plek(r, i.nummer).rij);
-    INSTELLEEG(); // a row that opened no field leaves its keys behind
     const int32_t toets = SCHERM.laatste;
     toon(r);
     SCHERM.laatste = toets;
