@@ -72,6 +72,7 @@ TEST_F(Koppelingen, GoWithTheNumber) {
 
 TEST_F(Koppelingen, RefusedAndBroken) {
     tabel("DTKL0012", 80, 36, {5, 6, 5});
+    tabel("DTBC01", 80, 40, {5});
     static decltype(SYS.pwrite) echt;
     echt = SYS.pwrite;
     SYS.pwrite = [](int fd, const void* buf, size_t n, off_t plaats) -> ssize_t {
@@ -80,6 +81,7 @@ TEST_F(Koppelingen, RefusedAndBroken) {
     };
     testing::internal::CaptureStderr();
     EXPECT_FALSE(koppel_wis(KLEUREN, 5, "mutkl"));
+    EXPECT_FALSE(koppel_wis(GROEPEN, 5, "mutart"));
     SYS.pwrite = echt;
     EXPECT_NE(testing::internal::GetCapturedStderr(), "") << "told";
     EXPECT_EQ(nummers("DTKL0012", 36), "5 6 5 ");
