@@ -57,8 +57,9 @@ std::string regel_bedrag(const std::string& valuta, int64_t waarde, size_t breed
     std::string tekst = bedrag_tekst(valuta.c_str(), waarde);
     if (tekst.size() <= breedte)
         return std::string(breedte - tekst.size(), ' ') + tekst;
-    return regel_getal(valuta_decimalen(valuta.c_str()) ? (waarde + (waarde < 0 ? -50 : 50)) / 100 : waarde,
-                       breedte);
+    if (valuta_decimalen(valuta.c_str()))
+        waarde = waarde / 100 + (waarde % 100 >= 50) - (waarde % 100 <= -50);
+    return regel_getal(waarde, breedte);
 }
 
 const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang) {

@@ -32,12 +32,16 @@ void regel_totaal(const orderregel& regel, ordertotalen* totaal) {
 }
 
 void order_totaal_bij(char teken, const ordertotalen& totaal) {
-    const int64_t t = teken == '-' ? -1 : 1;
-    ordertotaal.regels += t;
-    ordertotaal.stuks += t * totaal.stuks;
-    ordertotaal.bruto += t * totaal.bruto;
-    ordertotaal.netto += t * totaal.netto;
-    ordertotaal.inkoop += t * totaal.inkoop;
+    // Without a sign: sums of a damaged order may go round, and come back when its lines go.
+    auto bij = [teken](int64_t* som, int64_t deel) {
+        const auto s = static_cast<uint64_t>(*som), d = static_cast<uint64_t>(deel);
+        *som = static_cast<int64_t>(teken == '-' ? s - d : s + d);
+    };
+    bij(&ordertotaal.regels, 1);
+    bij(&ordertotaal.stuks, totaal.stuks);
+    bij(&ordertotaal.bruto, totaal.bruto);
+    bij(&ordertotaal.netto, totaal.netto);
+    bij(&ordertotaal.inkoop, totaal.inkoop);
 }
 
 void order_totalen(bool label_aanpassen) {
