@@ -1,0 +1,313 @@
+// A line on the order at its largest, a firm of 250 branches and a size type of 95 sizes: the grid under the buyer's
+// keys, spreading over the branches, the walks over an order of 1,000 lines, a line into a work file of 10 MB. Prints
+// medians and system calls on files, counted at the table that all files go through. Status 1 when a step takes
+// longer than it may. usage: bench_regel
+#include "order/bestanden.h"
+#include "order/matrix.h"
+#include "order/programma.h"
+#include "order/regelscherm.h"
+#include "order/regelstam.h"
+#include "order/verdelen.h"
+#include "order/wrk.h"
+#include "price/ing_val.h"
+#include "shared/files.h"
+#include "shared/iofil.h"
+#include "shared/iotab.h"
+#include "shared/maatbalk.h"
+#include "shared/syscalls.h"
+#include "sub/matrixinvoer.h"
+#include "support/demomap.h"
+#include "support/ordbytes.h"
+#include "term/toets.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <unistd.h>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+using klok = std::chrono::steady_clock;
+
+constexpr int RONDEN = 9;
+constexpr int FILIALEN = 250;
+constexpr uint8_t SOORT = 60; // its size type
+constexpr double BEELD_MS = 16, VERDEEL_MS = 100, KOPIE_X = 2;
+
+bool te_traag;
+long aanroepen;
+SYSCALLS echt;
+
+// Every row of the table counts, and calls what stood there.
+template <auto RIJ, class R, class... A> void tel_rij(R (*SYSCALLS::*)(A...)) {
+    SYS.*RIJ = [](A... a) -> R {
+        aanroepen++;
+        return (echt.*RIJ)(a...);
+    };
+}
+#define TEL(rij) tel_rij<&SYSCALLS::rij>(&SYSCALLS::rij)
+void tel_aanroepen() {
+    echt = SYS;
+    TEL(open), TEL(close), TEL(read), TEL(write), TEL(pread), TEL(pwrite), TEL(ftruncate), TEL(fsync),
+        TEL(fstat);
+    TEL(fchmod), TEL(fchown), TEL(rename), TEL(link), TEL(unlink), TEL(mkdir), TEL(slot);
+}
+
+double ms_sinds(klok::time_point t) {
+    return std::chrono::duration<double, std::milli>(klok::now() - t).count();
+}
+
+double mediaan(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.empty() ? 0 : v[v.size() / 2];
+}
+
+void toon(const char* naam, double ms, double grens, long calls) {
+    printf("%-56s %8.2f ms  %s%6ld calls\n", naam, ms, ms > grens ? "SLOW " : "     ", calls);
+    te_traag |= ms > grens;
+}
+
+// The median of a step, and its calls in one round; `voor` makes ready without being counted.
+template <class V, class F> double meet(V voor, F stap, long* calls) {
+    std::vector<double> ms;
+    for (int i = 0; i < RONDEN; i++) {
+        voor();
+        aanroepen = 0;
+        auto t0 = klok::now();
+        stap();
+        ms.push_back(ms_sinds(t0));
+        *calls = aanroepen;
+    }
+    return mediaan(ms);
+}
+
+// ---- the firm
+
+void maak_firma() {
+    int32_t nr = 7;
+    iotab('O', &nr, nullptr, SYS_RECORD);
+    bestanden_open();
+    firma.filialen = FILIALEN;
+    schrijf_bestand("DTFILGEG.TXT", "");
+    iofil('O', 0, nullptr);
+    for (int f = 0; f < FILIALEN; f++) {
+        filiaalrec rec{};
+        rec.nummer = static_cast<uint8_t>(f + 1);
+        iofil('W', f, &rec);
+    }
+    mthandle* h = mtopen(mtstelsel(0), SOORT, 2);
+    for (int p = 1; p <= MATEN; p++) {
+        mtinfo info{};
+        info.positie = static_cast<uint8_t>(p);
+        VASTIN(info.naam, std::to_string(p));
+        mtinsert(h, &info);
+    }
+    mtclose(h);
+    regelgroep = {};
+    regelgroep.artikelgroep = 2100;
+    regelgroep.verdeelsoort = 'P';
+    regelgroep.magazijn = 1;
+    regelgroep.minimum = 2;
+    regelgroep.magazijnpct = 10;
+    for (int f = 0; f < FILIALEN; f++)
+        regelgroep.perfiliaal[f] = static_cast<uint8_t>(1 + f % 7);
+}
+
+ordmodel model_nr(int nr) {
+    ordmodel m{};
+    m.merk = 103, m.maatsoort = SOORT, m.artikelgroep = 2100;
+    VASTIN(m.model, nr == 0 ? std::string("ONS") : "M" + std::to_string(nr));
+    return m;
+}
+
+// One line: twelve sizes in ten branches.
+std::string regel_bytes(int nr) {
+    orddessin d{};
+    d.kleur = static_cast<uint16_t>(1 + nr % 500);
+    std::string prijzen, uit = record('L', ordlevt{42050, 42080});
+    for (uint8_t s = 1; s <= 12; s++) {
+        const auto maat = static_cast<uint8_t>(s + nr % 80);
+        maat_aan(d.maten, maat);
+        prijzen += record('S', ordmaat{maat, {}, 1000, 950});
+        for (int f = 0; f < 10; f++)
+            uit += record('F', ordfil{static_cast<uint8_t>((f * 25 + nr) % FILIALEN), maat, 0, 3});
+    }
+    return record('D', d) + prijzen + uit;
+}
+
+// An order of so many lines of one model, open in its work file.
+void open_order(int regels) {
+    seizoensmap = "2016Z", gekozen_leverancier = 12, gekozen_jaar = 2016, gekozen_letter = 'Z';
+    ordkop k = kop_op(42000);
+    k.toeslag = 10000;
+    std::string jrn = record('O', k) + record('M', model_nr(0));
+    for (int r = 0; r < regels; r++)
+        jrn += regel_bytes(r);
+    schrijf_bestand("2016Z/ORD0012.JRN", jrn);
+    journaal = ord_open_jrn("2016Z", 12, O_RDWR);
+    ord_eerste_order(journaal);
+    wrk_open();
+    order_prijscontext();
+    ors_ingang in{};
+    ors_lees('F', &in);
+    regel_lees(in, &regel_nu);
+}
+
+void sluit_order() {
+    ord_sluit(werk);
+    ord_sluit(journaal);
+    werk = journaal = nullptr;
+    wrk_ruim_op();
+}
+
+// ---- the steps
+
+// A screen under keys: the median of an answer, and what it does to files.
+void onder_toetsen(const std::function<void()>& scherm, const char* vooraf, const char* toetsen,
+                   const char* naam, int rondes, long verwacht = 0) {
+    Terminal t(
+        [&] {
+            SCRINIT();
+            WINOPEN1(1, 1, SCHERM.lines - 1, 80);
+            WINBOX(nullptr);
+            aanroepen = 0;
+            scherm();
+            const long calls = aanroepen;
+            SCREXIT();
+            return static_cast<int>(std::min(calls, 100L));
+        },
+        Opties{});
+    t.kalm();
+    t.toetsen(vooraf);
+    std::vector<double> ms;
+    for (int i = 0; i < rondes; i++) {
+        auto t0 = klok::now();
+        t.reeks(toetsen);
+        t.kalm();
+        ms.push_back(ms_sinds(t0));
+    }
+    t.toetsen("<Esc><Esc>");
+    const long calls = t.einde();
+    toon(naam, mediaan(ms), BEELD_MS, calls);
+    te_traag |= calls > verwacht;
+}
+
+void raster() {
+    balk_open(mtstelsel(0), SOORT, nullptr);
+    aantalmatrix m;
+    fmclear(&m);
+    for (int f = 0; f < FILIALEN; f++)
+        for (int maat = 1; maat <= MATEN; maat++)
+            fmadd(&m, f, maat, 1 + (f * maat) % 400);
+    Matrixscherm s{};
+    auto hand = [&](const char* sneltoetsen) {
+        return [&, sneltoetsen] {
+            s.sneltoetsen = sneltoetsen;
+            matrix_begin(&s, 2, SCHERM.lines - 6, m);
+            matrix_teken(&s, m);
+            aanroepen = 0; // the branch numbers are read where the grid begins
+            matrix_hand(&s, &m);
+        };
+    };
+    onder_toetsen(hand(nullptr), "", "<PgDn>", "grid: a page down", 12);
+    onder_toetsen(hand(nullptr), "", "7<Enter>", "grid: a cell booked, the next one open", 200);
+    onder_toetsen(hand("qwertyuiopasdf"), "", "w", "grid, key by key: a piece booked", 200);
+}
+
+void verdelen() {
+    balk_open(mtstelsel(0), SOORT, nullptr);
+    regel_nu.model = model_nr(0);
+    aantalmatrix m;
+    for (char soort : {'P', 'A'})
+        for (bool per_maat : {false, true}) {
+            regelgroep.verdeelsoort = soort;
+            instel15.optie13 = per_maat ? 4 : 0;
+            long calls;
+            const double ms = meet(
+                [&] {
+                    verdeel_vrij();
+                    fmclear(&m);
+                    for (int maat = 1; maat <= MATEN; maat++)
+                        fmadd(&m, 0, maat, 999);
+                },
+                [&] { auto_verdelen(&m); }, &calls);
+            const std::string naam = std::string("spread 95 x 999 pieces, '") + soort + "', memory " +
+                                     (per_maat ? "per size" : "of all sizes");
+            toon(naam.c_str(), ms, VERDEEL_MS, calls);
+        }
+}
+
+void lange_order() {
+    open_order(1000);
+    long calls;
+    ors_ingang in{};
+    ors_lees('F', &in);
+    double ms = meet([] { verdeel_vrij(); }, [&] { verdeel_herbouw(regel_nu, &in, 0); }, &calls);
+    toon("the memory of a model from 1,000 lines", ms, BEELD_MS, calls);
+    size_t rijen = 0;
+    ms =
+        meet([] {}, [&] { rijen = matrix_bouw(Matrixkeuze::op_model, regel_nu.model).rijen.size(); }, &calls);
+    toon("the order matrix of 1,000 lines", ms, BEELD_MS, calls);
+    if (rijen != 501)
+        printf("the matrix has %zu rows\n", rijen), te_traag = true;
+    sluit_order();
+}
+
+// A copy of the work file as it is made when nothing else is to be done.
+void kopieer(const std::string& van, const std::string& naar) {
+    static std::vector<char> blok(256 * 1024);
+    const int in = open(van.c_str(), O_RDONLY | O_CLOEXEC);
+    const int uit = open(naar.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
+    for (ssize_t n; (n = read(in, blok.data(), blok.size())) > 0;)
+        if (write(uit, blok.data(), static_cast<size_t>(n)) != n)
+            te_traag = true;
+    close(in);
+    close(uit);
+    rename(naar.c_str(), (van + ".2").c_str());
+    unlink((van + ".2").c_str());
+}
+
+void regel_erbij() {
+    open_order(5800);
+    const std::string wrk = wrk_naam("WRK");
+    std::vector<double> kopie, regel;
+    long calls = 0;
+    for (int i = 0; i < RONDEN; i++) {
+        auto t0 = klok::now();
+        kopieer(wrk, wrk + ".kopie");
+        kopie.push_back(ms_sinds(t0));
+        ors_ingang in{};
+        ors_lees('F', &in);
+        aanroepen = 0;
+        t0 = klok::now();
+        wrk_regel_in(&in, true, &regel_nu);
+        regel.push_back(ms_sinds(t0));
+        calls = aanroepen;
+    }
+    printf("%-56s %8.2f ms\n", "a copy of the work file", mediaan(kopie));
+    const std::string naam = "a line into it, " + std::to_string(std::filesystem::file_size(wrk) >> 20) +
+                             " MB, " + std::to_string(aantal_regels) + " lines";
+    toon(naam.c_str(), mediaan(regel), KOPIE_X * mediaan(kopie), calls);
+    sluit_order();
+}
+
+} // namespace
+
+int main() {
+    DemoMap map;
+    std::filesystem::current_path(map.pad());
+    maak_firma();
+    tel_aanroepen();
+    raster();
+    verdelen();
+    lange_order();
+    regel_erbij();
+    bestanden_sluit();
+    return te_traag;
+}
