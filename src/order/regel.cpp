@@ -159,18 +159,16 @@ void laad_onderdelen(regelloop* loop, orderregel* regel, int32_t regelplaats) {
 void regel_wis(orderregel* regel) {
     // Matrices keep their memory: a walk clears the same value for each line.
     regel_wis_aantallen(regel);
-    aantalmatrix nota = std::move(regel->nota_aantallen), order = std::move(regel->order_aantallen),
-                 in_hand = std::move(regel->werk_aantallen);
+    aantalmatrix nota = std::move(regel->nota_aantallen), order = std::move(regel->order_aantallen);
     *regel = {};
     regel->nota_aantallen = std::move(nota);
     regel->order_aantallen = std::move(order);
-    regel->werk_aantallen = std::move(in_hand);
     regel->gewichten.assign(firma.filialen + size_t{1}, 0);
 }
 
 void regel_wis_aantallen(orderregel* regel) {
     regel->termen.clear();
-    for (aantalmatrix* m : {&regel->nota_aantallen, &regel->order_aantallen, &regel->werk_aantallen})
+    for (aantalmatrix* m : {&regel->nota_aantallen, &regel->order_aantallen})
         fmclear(m);
 }
 

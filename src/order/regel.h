@@ -29,8 +29,8 @@ struct orderregel {
     prijsrijen prijzen;                             // net with the order's discount
     regelopslag opslag;
     levtermen termen;
-    aantalmatrix nota_aantallen, order_aantallen, werk_aantallen; // open, ever ordered, the term in hand
-    std::vector<uint16_t> gewichten;                              // per branch index, behind them their sum
+    aantalmatrix nota_aantallen, order_aantallen; // open, ever ordered: sums of the terms
+    std::vector<uint16_t> gewichten;              // per branch index, behind them their sum
 };
 extern orderregel regel_nu;
 // regel_nu is being added or duplicated: `regelingang` (order/wrk.h) is the line that it comes behind, not its own.
