@@ -75,6 +75,14 @@ struct [[gnu::packed]] doelgrrec { // DTDOELGR
     char naam[20];
     char vrij22[2];
 };
+struct [[gnu::packed]] vvrec { // DTVVTAB, key 1 maatsoort, nummer, volgnummer
+    uint8_t maatsoort;
+    char vrij1;
+    uint16_t nummer, volgnummer; // 1 to 99; the records of one number from 1
+    char vrij6[2];
+    uint8_t filialen[32]; // branches with this row, bit by branch index
+    int32_t aantal[96];   // by size index; 0 is the sum
+};
 struct [[gnu::packed]] koersrec { // DTKOERS, key 1 code and date
     char code[3];
     char vrij3;
@@ -118,6 +126,8 @@ static_assert(sizeof(levrec) == 332 && offsetof(levrec, land) == 84 && offsetof(
 static_assert(sizeof(levextrec) == 164 && offsetof(levextrec, website) == 82 && sizeof(omzgrprec) == 24 &&
               offsetof(omzgrprec, btwcode) == 22 && sizeof(doelgrrec) == 24 &&
               offsetof(doelgrrec, naam) == 2);
+static_assert(sizeof(vvrec) == 424 && offsetof(vvrec, nummer) == 2 && offsetof(vvrec, volgnummer) == 4 &&
+              offsetof(vvrec, filialen) == 8 && offsetof(vvrec, aantal) == 40);
 static_assert(sizeof(eanrec) == 28 && offsetof(eanrec, artikelgroep) == 16 && offsetof(eanrec, maat) == 22 &&
               sizeof(seriesleutel) == 8);
 static_assert(sizeof(koersrec) == 12 && offsetof(koersrec, datum) == 10);

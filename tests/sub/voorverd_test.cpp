@@ -1,0 +1,209 @@
+// Pre-distributions: the records of a number, what fits, free numbers, refused writes, and a buyer at the list.
+#include "shared/leesstam.h"
+#include "shared/maatbalk.h"
+#include "shared/syscalls.h"
+#include "sub/voorverd.h"
+#include "sub/vvdeel.h"
+#include "support/paar.h"
+#include "support/proces.h"
+#include "support/systeem.h"
+#include "term/gesprek.h"
+#include <cerrno>
+
+namespace zg {
+namespace {
+using namespace test;
+
+using Getallen = std::vector<int>;
+
+struct Voorverd : Systeem {
+    mthandle balk{};
+    aantalmatrix m;
+
+    // Five branches, sizes 1 to 3 of type 4.
+    Voorverd() {
+        maak_filialen({1, 2, 3, 14, 20});
+        for (int n = 1; n <= 3; n++)
+            for (maatrij* rij : {&balk.posities, &balk.nummers}) {
+                rij->entry[n].link = static_cast<uint8_t>(n);
+                VASTIN(rij->entry[n].naam, std::to_string(40 + n));
+            }
+        maatbalk = &balk;
+        balk_kies(nullptr);
+        tekst20 naam{};
+        VASTIN(naam.tekst, "Jeans");
+        zet(4, naam, SYS_MAATSOORT);
+        paar({"k1,NODUPS,I,1,1,I,3,4,I,5,6"});
+    }
+    ~Voorverd() override {
+        IXCLOSE(dtvvtab);
+        dtvvtab = nullptr, maatbalk = nullptr;
+        iofil('C', 0, nullptr);
+        firma = {};
+    }
+    void paar(std::vector<std::string> sleutels) {
+        if (dtvvtab)
+            IXCLOSE(dtvvtab);
+        sleutels.insert(sleutels.begin(), "voorverdeling,424");
+        dtvvtab = nieuw_paar("DTVVTAB", sleutels, 2);
+    }
+    // Rows of a table by branch, sizes 1 to 3.
+    static aantalmatrix tabel(const std::vector<Getallen>& rijen) {
+        aantalmatrix t;
+        fmclear(&t);
+        for (size_t f = 0; f < rijen.size(); f++)
+            for (size_t i = 0; i < rijen[f].size(); i++)
+                fmset(&t, static_cast<int>(f), static_cast<int>(i) + 1, rijen[f][i]);
+        return t;
+    }
+    static vvrec rec(uint16_t nummer, uint16_t volgnummer, uint8_t filialen, const Getallen& rij) {
+        vvrec r{};
+        r.maatsoort = 4, r.nummer = nummer, r.volgnummer = volgnummer;
+        r.filialen[0] = filialen;
+        for (size_t i = 0; i < rij.size(); i++)
+            r.aantal[i + 1] = rij[i], r.aantal[0] += rij[i];
+        return r;
+    }
+    // What the file holds: "number.sequence:branches=row".
+    static std::string op_schijf() {
+        std::string uit;
+        vvrec r{};
+        uint8_t buf[IXRECMAX] = {};
+        for (int er = IXFIRST(dtvvtab, buf); er; er = IXNEXT(dtvvtab, buf)) {
+            stam_uit(buf, dtvvtab->h.reclen, &r);
+            uit += vorm("%d.%d:%x=%d,%d,%d,%d ", r.nummer, r.volgnummer, r.filialen[0], r.aantal[0],
+                        r.aantal[1], r.aantal[2], r.aantal[3]);
+        }
+        return uit;
+    }
+};
+
+TEST_F(Voorverd, GelijkeFilialenDelenEenRecord) {
+    for (const char* tweede : {"", "k2,I,1,1,I,3,4"}) {
+        std::vector<std::string> sleutels{"k1,NODUPS,I,1,1,I,3,4,I,5,6"};
+        if (*tweede)
+            sleutels.push_back(tweede);
+        paar(sleutels);
+        const std::vector<Getallen> rijen{{1, 2}, {0, 0, 3}, {1, 2}, {}, {1, 2}};
+        EXPECT_TRUE(vv_bewaren(4, 7, tabel(rijen)));
+        EXPECT_TRUE(vv_bewaren(4, 9, tabel({{9}})));
+        EXPECT_EQ(op_schijf(), "7.1:15=3,1,2,0 7.2:2=3,0,0,3 9.1:1=9,9,0,0 ");
+        EXPECT_TRUE(vv_laden(4, 7, &m, nullptr));
+        EXPECT_EQ(m, tabel(rijen));
+        EXPECT_TRUE(vv_bewaren(4, 7, tabel({{1, 2}, {}, {1, 3}, {}, {1, 2}}))) << "one branch apart";
+        EXPECT_EQ(op_schijf(), "7.1:11=3,1,2,0 7.2:4=4,1,3,0 9.1:1=9,9,0,0 ");
+        EXPECT_TRUE(vv_bewaren(4, 7, tabel({})));
+        EXPECT_EQ(op_schijf(), "9.1:1=9,9,0,0 ");
+        const uint8_t maat1[MAATBYTES] = {2}, maat2[MAATBYTES] = {4};
+        EXPECT_EQ(vv_bestaat(4, maat1) * 10 + vv_bestaat(4, maat2) + vv_bestaat(5, maat1), 10);
+    }
+}
+
+TEST_F(Voorverd, WatPast) {
+    vv_bewaren(4, 1, tabel({{2, 2}, {2, 2}, {5, 0, 1}}));
+    const struct {
+        const char* waarom;
+        std::vector<Getallen> order;
+        uint8_t uitgesloten;
+        int rest;
+        bool past;
+    } rijen[] = {
+        {"just enough", {{9, 4, 1}}, 0, 4, true},
+        {"one short of size 1", {{8, 4, 1}}, 0, 4, false},
+        {"a size without an order", {{9, 0, 0}}, 0, 4, true},
+        {"the rest takes what there is", {{4, 4}}, 0, 2, true},
+        {"without the excluded", {{7, 2, 1}}, 1, 4, true},
+    };
+    for (const auto& [waarom, order, uitgesloten, rest, past] : rijen)
+        EXPECT_EQ(vv_passend(4, &uitgesloten, rest, tabel(order)), past) << waarom;
+    EXPECT_FALSE(vv_passend(3, nullptr, 0, tabel({{99, 99, 99}}))) << "no such type";
+}
+
+// Whatever stands in the file, a table comes out whose sums are right.
+TEST_F(Voorverd, BeschadigdeRecords) {
+    schrijf(dtvvtab, rec(3, 2, 0x3, {4, -7, 100'000}));
+    schrijf(dtvvtab, rec(3, 5, 0xE2, {1, 1, 1})); // branch 1 again, and three beyond the firm
+    schrijf(dtvvtab, rec(0, 1, 1, {1}));
+    schrijf(dtvvtab, rec(500, 1, 1, {1}));
+    EXPECT_EQ(vv_nummers(4), std::vector<uint16_t>{3});
+    EXPECT_TRUE(vv_laden(4, 3, &m, nullptr));
+    EXPECT_EQ(m, tabel({{4}, {1, 1, 1}}));
+    EXPECT_TRUE(vv_bewaren(4, 3, m)) << "the gaps go";
+    EXPECT_EQ(op_schijf(), "0.1:1=1,1,0,0 3.1:1=4,4,0,0 3.2:2=3,1,1,1 500.1:1=1,1,0,0 ");
+}
+
+TEST_F(Voorverd, EenNummerDatEenAnderHeeftIsNietVrij) {
+    vv_bewaren(4, 1, tabel({{1}}));
+    Agent ander([] {
+        dtvvtab = IXOPEN("DTVVTAB", 2);
+        return vv_grijp_vrije(4) == 2;
+    });
+    ASSERT_TRUE(ander.ok());
+    EXPECT_EQ(vv_grijp_vrije(4), 3);
+    vv_laatlos(4, 3);
+    ander.dood();
+}
+
+// Each write of a change refused in turn: told, and the number stands as it did. No lock is left.
+TEST_F(Voorverd, EenGeweigerdeSchrijfactie) {
+    const std::string oud = (vv_bewaren(4, 1, tabel({{1}, {2}, {3}})), op_schijf());
+    static int nog;
+    const SYSCALLS echt = SYS;
+    static ssize_t (*pwrite)(int, const void*, size_t, off_t);
+    pwrite = SYS.pwrite;
+    int pogingen = 0;
+    for (bool goed = false; !goed && pogingen < 200; pogingen++) {
+        nog = pogingen;
+        SYS.pwrite = [](int fd, const void* buf, size_t n, off_t plaats) -> ssize_t {
+            return nog-- != 0 ? pwrite(fd, buf, n, plaats) : (errno = ENOSPC, -1);
+        };
+        goed = vv_bewaren(4, 1, tabel({{9}, {8}, {7}, {6}}));
+        SYS = echt;
+        ASSERT_EQ(op_schijf() == oud, !goed) << pogingen << op_schijf();
+    }
+    EXPECT_GT(pogingen, 8);
+    EXPECT_EQ(op_schijf(), "1.1:1=9,9,0,0 1.2:2=8,8,0,0 1.3:4=7,7,0,0 1.4:8=6,6,0,0 ");
+}
+
+// On an empty table and on totals, from nothing on.
+TEST_F(Voorverd, EenInkoperBijDeLijst) {
+    uint8_t uit[32] = {2};
+    const aantalmatrix leeg = tabel({}), vol = tabel({{}, {5, 5}, {5, 0, 1}});
+    auto lijst = [&](const aantalmatrix& begin, bool totalen) {
+        return [&, totalen] {
+            open();
+            IXCLOSE(dtvvtab);
+            dtvvtab = IXOPEN("DTVVTAB", 2);
+            aantalmatrix t = begin;
+            const bool ja = totalen ? vv_verdelen(4, "SWTV", uit, 3, &t) : vv_kiezen(4, "SWTV", uit, &t);
+            std::string tekst = ja ? "ja " : "nee ";
+            for (int f = 0; f <= 5; f++)
+                tekst += vorm("%d:%d,%d,%d ", matrix_cel(t, f, 0), matrix_cel(t, f, 1), matrix_cel(t, f, 2),
+                              matrix_cel(t, f, 3));
+            return tekst + op_schijf();
+        };
+    };
+    Gesprek nieuw(lijst(leeg, false));
+    EXPECT_TRUE(nieuw.wacht("toevoegen filiaalverdeling  1, maatsoort 4 Jeans"));
+    nieuw.toetsen("1<Enter>1<Enter>1<Enter>2<Enter><Esc>T3<Enter><Esc>");
+    EXPECT_TRUE(nieuw.wacht(" filiaalverdelingen, maatsoort 4 Jeans "));
+    EXPECT_TRUE(nieuw.wacht("  2    3    3"));
+    nieuw.toetsen("1<Enter><Enter>");
+    EXPECT_EQ(nieuw.antwoord().substr(0, 66),
+              "ja 3:1,1,1 0:0,0,0 0:0,0,0 0:0,0,0 0:0,0,0 3:1,1,1 1.1:1=3,1,1,1 1");
+    EXPECT_EQ(op_schijf(), "1.1:1=3,1,1,1 1.2:2=2,2,0,0 2.1:1=3,3,0,0 ");
+
+    Gesprek totalen(
+        lijst(vol, true)); // 10, 5 and 1: both fit; changed to too much, the second is listed no more
+    totalen.toetsen("<Down>W20<Enter><Esc>");
+    EXPECT_TRUE(totalen.weg("  2    3    3"));
+    totalen.toetsen("R<Esc><Enter>");
+    EXPECT_EQ(totalen.antwoord().substr(0, 51), "ja 3:1,1,1 0:0,0,0 0:0,0,0 13:9,4,0 0:0,0,0 16:10,5");
+
+    Gesprek weg(lijst(leeg, false));
+    weg.toetsen("2<Enter>VN<Enter>VJ<Enter>VJ<Enter>");
+    EXPECT_EQ(weg.antwoord(), "nee 0:0,0,0 0:0,0,0 0:0,0,0 0:0,0,0 0:0,0,0 0:0,0,0");
+}
+
+} // namespace
+} // namespace zg
