@@ -4,6 +4,7 @@
 #include "shared/files.h"
 #include "shared/iomaat.h"
 #include "shared/iotab.h"
+#include "shared/stamrec.h"
 #include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/ix.h"
@@ -29,7 +30,7 @@ namespace fs = std::filesystem;
 
 const char* const TABELLEN[] = {"DTLEV",    "DTLEVEXT", "DTMERK", "DTOMZGRP",
                                 "DTDOELGR", "DTART",    "DTKOERS"}; // each a .csv
-const char* const LEEG[] = {"DTMTOM", "DTVVTAB"};
+const char* const LEEG[] = {"DTMTOM"};
 const char* const REGISTER[] = {"DTSER", "DTORDNR", "DTEAN", "DTSERPIC", "DTIPA"};
 
 ICB* nieuw_paar(const char* naam) {
@@ -130,6 +131,48 @@ void vul_maten(const std::vector<Demomaten>& alle) {
             }
             schrijf(icb, &rij);
         }
+    IXCLOSE(icb);
+}
+
+// Pre-distributions: "type number branches: size=pieces", a record a line. A firm's texts may have none.
+void vul_verdelingen(const std::string& pad, std::vector<Demomaten>& alle) {
+    ICB* icb = nieuw_paar("DTVVTAB");
+    std::error_code geen;
+    if (!fs::exists(pad, geen))
+        return IXCLOSE(icb);
+    Demobron bron(pad);
+    vvrec vorige{};
+    for (Demoregel r; bron.volgende(&r);) {
+        if (r.woorden.size() < 4)
+            bron.fout("type number branches: size=pieces");
+        const Demomaten* type = maattype(alle, bron, r);
+        vvrec rec{};
+        rec.maatsoort = static_cast<uint8_t>(type->soort);
+        rec.nummer = static_cast<uint16_t>(bron.getal(r.woorden[1], 1, 99));
+        const bool zelfde = rec.maatsoort == vorige.maatsoort && rec.nummer == vorige.nummer;
+        rec.volgnummer = static_cast<uint16_t>(zelfde ? vorige.volgnummer + 1 : 1);
+        std::istringstream filialen(r.woorden[2].substr(0, r.woorden[2].find(':')));
+        for (std::string woord; std::getline(filialen, woord, ',');) {
+            const auto plek =
+                std::find(demo_filialen.begin(), demo_filialen.end(), bron.getal(woord, 0, 255));
+            if (plek == demo_filialen.end())
+                bron.fout("no such branch: " + woord);
+            const auto f = static_cast<size_t>(plek - demo_filialen.begin());
+            rec.filialen[f / 8] |= static_cast<uint8_t>(1 << (f % 8));
+        }
+        for (size_t i = 3; i < r.woorden.size(); i++) {
+            const size_t is = r.woorden[i].find('=');
+            const int maat = type->nummer(r.woorden[i].substr(0, is));
+            if (!maat || is == std::string::npos)
+                bron.fout("no such size: " + r.woorden[i]);
+            rec.aantal[maat] = bron.getal(r.woorden[i].substr(is + 1), 1, 999);
+            rec.aantal[0] += rec.aantal[maat];
+        }
+        uint8_t ruimte[IXRECMAX] = {};
+        memcpy(ruimte, &rec, sizeof rec);
+        schrijf(icb, ruimte);
+        vorige = rec;
+    }
     IXCLOSE(icb);
 }
 
@@ -250,6 +293,7 @@ int main(int argc, char** argv) {
     for (const char* naam : TABELLEN)
         vul_tabel(bron, naam);
     vul_maten(m);
+    vul_verdelingen(bron + "/verdelingen.txt", m);
     for (const char* naam : LEEG)
         IXCLOSE(nieuw_paar(naam));
     if (registermodus)
