@@ -1,5 +1,5 @@
 // Lines on an order as a buyer makes them: from nothing, duplicated, changed; the keys, and the bytes of the journal
-// then. Quantities in their grid are of other cases.
+// then.
 #include "e2e/loop.h"
 #include "order/ioord.h"
 #include "support/ordbytes.h"
@@ -16,6 +16,7 @@ struct Lijn {
     zg::orddessin d{};
     std::string modeltekst, dessintekst;
     int32_t bruto = 0, netto = 0; // of each size
+    std::string termen;
 
     std::string model() const { return record('M', m) + tekst(3, modeltekst); }
     std::string dessin() const {
@@ -23,7 +24,7 @@ struct Lijn {
         for (int maat = 1; maat <= 95; maat++)
             if (d.maten[maat / 8] >> maat % 8 & 1)
                 uit += record('S', zg::ordmaat{static_cast<uint8_t>(maat), {}, bruto, netto});
-        return uit;
+        return uit + termen;
     }
     // One gross price and one advice price for these sizes.
     void prijs(int32_t per_stuk, int32_t advies, std::initializer_list<uint8_t> maten) {
@@ -37,6 +38,15 @@ struct Lijn {
         memcpy(d.adviesblok + 8, &advies, sizeof advies);
     }
 };
+
+// A term with pieces of the sizes from 1 on, in the first branch.
+std::string termijn(int van, int tot, std::initializer_list<int32_t> aantallen) {
+    std::string uit = record('L', zg::ordlevt{static_cast<uint16_t>(van), static_cast<uint16_t>(tot)});
+    uint8_t maat = 0;
+    for (int32_t n : aantallen)
+        uit += record('F', zg::ordfil{0, ++maat, 0, n});
+    return uit;
+}
 
 // A journal without the moments at which its lines were added.
 std::string zonder_tijd(std::string jrn) {
@@ -78,14 +88,18 @@ TEST(Regel, VanNietsEnGedupliceerd) {
     p.t.wacht("alle maten van deze maatsoort");
     p.t.toetsen("<Down>S<Enter>20<Enter>");
     EXPECT_TRUE(p.t.wacht_op(12, 22, "60.50 ")) << "two and a half times, with VAT\n" << p.t.scherm();
-    p.t.toetsen("<Esc><Enter>");
-    EXPECT_TRUE(p.t.wacht_op(9, 2, "BROU NIEUW           Katoen       Streep           1120  14 D"))
+    p.t.toetsen("<Esc>");
+    p.t.wacht("Levertermijn");
+    p.t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter>");
+    p.t.toetsen("D010416<Enter>300416<Enter>A<Esc>"); // a second term with the same pieces
+    EXPECT_TRUE(
+        p.t.wacht_op(9, 2, "BROU NIEUW           Katoen       Streep           1120  14 D    36     720.00"))
         << p.t.scherm();
-    p.t.toetsen("D<Enter>20<Enter><Esc><Esc><Enter>"); // joins the model
-    p.t.toetsen("D<Enter><Enter>Mander<Enter><Esc>B25<Enter><Esc><Enter>");
-    p.t.toetsen("D<Enter><Enter>S2<Enter><Esc>");
+    p.t.toetsen("D<Enter>20<Enter><Esc><Esc>A<Esc>");                      // joins the model, quantities too
+    p.t.toetsen("D<Enter><Enter>Mander<Enter><Esc>B25<Enter><Esc>N<Esc>"); // another name, no quantities
+    p.t.toetsen("D<Enter><Enter>S2<Enter><Esc>");                          // another size type
     p.t.wacht(" Damesmaten ");
-    p.t.toetsen("S<Enter>30<Enter><Esc><Enter>");
+    p.t.toetsen("S<Enter>30<Enter><Esc><Enter><Enter>1<Enter><Esc><Esc>");
     EXPECT_TRUE(p.t.wacht_op(4, 58, "5")) << p.t.scherm();
     p.t.toetsen("<Esc><Esc>"); // the menu is next
     p.uit();
@@ -104,14 +118,18 @@ TEST(Regel, VanNietsEnGedupliceerd) {
     l.d.regtype = 1;
     l.d.consprijs = 4995;
     l.prijs(2000, 6050, {1, 2, 3, 4, 5});
+    const uint16_t maart = WERKDATUM, april = WERKDATUM + 31;
+    l.termen = termijn(maart, maart + 30, {3, 3, 4, 4, 4}) + termijn(april, april + 29, {3, 3, 4, 4, 4});
     std::string verwacht = voor + l.model() + l.dessin();
     l.d.kleur = 20;
     verwacht += l.dessin();
     VASTIN(l.m.model, "ANDER");
+    l.termen = "";
     l.prijs(2500, 6050, {1, 2, 3, 4, 5}); // what it is sold for is as it was
     verwacht += l.model() + l.dessin();
     l.m.maatsoort = 2;
     l.prijs(3000, 9075, {1, 2, 3, 4, 5, 6, 7, 8});
+    l.termen = termijn(maart, maart + 30, {1}); // the dates of the first line of this run
     verwacht += l.model() + l.dessin();
     EXPECT_TRUE(zonder_tijd(lees_bestand(jrn)) == verwacht);
 }

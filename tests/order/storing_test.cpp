@@ -57,7 +57,7 @@ int sessie(const Sessie& s, const std::function<void()>& gezien) {
     } else if (werk->tag == 'O' && inhoud("WRK").size()) {
         for (int i = 0; i < 2; i++) {
             neem_regel(m, maak_regel(70 + i));
-            wrk_regel_in(&cursor, true, &regel_nu);
+            wrk_regel_in(&cursor, i == 0, &regel_nu); // the other one joins its model, as a duplicate does
             gezien();
         }
         if (cursor.regel) {
