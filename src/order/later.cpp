@@ -1,7 +1,6 @@
 // What doesn't stand yet, see order/later.h. Each row goes when its module comes.
 #include "order/later.h"
 #include "order/teksten.h"
-#include "sub/voorverd.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 
@@ -20,15 +19,6 @@ bool serie_register() {
     return nog_niet();
 }
 bool serie_bijbestellen() {
-    return nog_niet();
-}
-
-// Stored distributions; weak, so that the module comes when it is ready.
-#define LATER [[gnu::weak]]
-LATER bool vv_kiezen(uint8_t, const char*, const uint8_t*, aantalmatrix*) {
-    return nog_niet();
-}
-LATER bool vv_verdelen(uint8_t, const char*, const uint8_t*, int, aantalmatrix*) {
     return nog_niet();
 }
 
