@@ -96,6 +96,7 @@ void toon_kenmerk(int rij) {
         SCRPUT(A_WAARDE, rij, WAARDE, "%-36s", TXT(T_AG_GEEN_KENMERK));
 }
 bool vraag_kenmerk(int rij) {
+    SCRCLREOL(rij, WAARDE);
     return lijstveld(KENMERKSOORTTABEL, rij, WAARDE, "", &nu.kenmerksoort) == Lijstuit::anders;
 }
 
@@ -108,6 +109,7 @@ void toon_etiket(int rij) {
         SCRPUT(A_WAARDE, rij, WAARDE, "%-36s", TXT(T_AG_GEEN));
 }
 bool vraag_etiket(int rij) {
+    SCRCLREOL(rij, WAARDE);
     return lijstveld(ETIKETSOORTTABEL, rij, WAARDE, "P", &nu.etiketsoort) == Lijstuit::anders;
 }
 
@@ -145,10 +147,10 @@ const Recordrijen STANDAARDSCHERM{
     .rij = 10, .kolom = 8, .hoogte = 9, .breedte = 66, .keusrij = 6, .items = STANDAARDRIJEN};
 
 bool vraag_standaard(int) {
-    return recorddeel(STANDAARDSCHERM, TXT(T_AG_TITEL_STANDAARD));
+    return recorddeel(STANDAARDSCHERM, venstertitel(T_AG_TITEL_STANDAARD).c_str());
 }
 void bekijk_standaard() {
-    recorddeel(STANDAARDSCHERM, TXT(T_AG_TITEL_STANDAARD));
+    recorddeel(STANDAARDSCHERM, venstertitel(T_AG_TITEL_STANDAARD).c_str());
 }
 
 // ---- the screen
@@ -267,8 +269,8 @@ std::string artgroep_vraag(int32_t artikelgroep) {
 Recorduit artgroep_onderhoud(int32_t artikelgroep, bool vragen) {
     nu.artikelgroep = artikelgroep;
     return recordscherm(SCHERM_GROEP,
-                        {vragen ? artgroep_vraag(artikelgroep) : "", TXT(T_AG_NIEUW), TXT(T_AG_RAADPLEGEN),
-                         TXT(T_AG_WIJZIGEN), TXT(T_AG_VERWIJDEREN)},
+                        {vragen ? artgroep_vraag(artikelgroep) : "", venstertitel(T_AG_NIEUW),
+                         venstertitel(T_AG_RAADPLEGEN), venstertitel(T_AG_WIJZIGEN), TXT(T_AG_VERWIJDEREN)},
                         post_mag(post));
 }
 

@@ -3,6 +3,7 @@
 #include "shared/iofil.h"
 #include "shared/sysrec.h"
 #include "sub/artbeeld.h"
+#include "sub/rijveld.h"
 #include "sub/teksten.h"
 #include "term/ingave.h"
 #include "term/prompt.h"
@@ -281,11 +282,11 @@ const Recordrijen VERDEELSCHERM{
 } // namespace
 
 bool artverdeling_vraag(int) {
-    return recorddeel(VERDEELSCHERM, TXT(T_AG_TITEL_VERDELING));
+    return recorddeel(VERDEELSCHERM, venstertitel(T_AG_TITEL_VERDELING).c_str());
 }
 
 void artverdeling_bekijk() {
-    recorddeel(VERDEELSCHERM, TXT(T_AG_TITEL_VERDELING));
+    recorddeel(VERDEELSCHERM, venstertitel(T_AG_TITEL_VERDELING).c_str());
 }
 
 void artverdeling_minimum() {

@@ -138,6 +138,7 @@ const Item RIJEN[] = {
 
 // Number, and the word of the kind behind the labels.
 void kop() {
+    SCRPUT(A_LABEL, 1, 5, "%s", TXT(T_NUMMER));
     SCRPUT(A_WAARDE, 1, WAARDE, "%u", nu.nummer);
     for (const Item& i : RIJEN)
         if (i.label && i.nummer < 24)

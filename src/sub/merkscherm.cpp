@@ -51,13 +51,15 @@ bool vraag_zoeknaam(int rij) {
         if (bezet(nieuw))
             VASTIN(nieuw, "");
     }
+    char begin[4];
+    memcpy(begin, nieuw, sizeof begin);
     for (;;) {
         INGAVE(rij, WAARDE, "4c[^,;$],EU", &SCHERM.toets[key_cancel], nieuw);
         if (TOETSWEG())
             return false;
         if (zoeknaam_goed(nieuw))
             break;
-        memcpy(nieuw, nu.zoeknaam, sizeof nieuw);
+        memcpy(nieuw, begin, sizeof nieuw);
     }
     const bool anders = memcmp(nu.zoeknaam, nieuw, sizeof nieuw) != 0;
     memcpy(nu.zoeknaam, nieuw, sizeof nieuw);
@@ -302,8 +304,8 @@ std::string merk_vraag(uint16_t merk) {
 Recorduit merk_onderhoud(uint16_t merk, bool vragen) {
     nu.merk = merk;
     return recordscherm(SCHERM_MERK,
-                        {vragen ? merk_vraag(merk) : "", TXT(T_MK_NIEUW), TXT(T_MK_RAADPLEGEN),
-                         TXT(T_MK_WIJZIGEN), TXT(T_MK_VERWIJDEREN)},
+                        {vragen ? merk_vraag(merk) : "", venstertitel(T_MK_NIEUW),
+                         venstertitel(T_MK_RAADPLEGEN), venstertitel(T_MK_WIJZIGEN), TXT(T_MK_VERWIJDEREN)},
                         post_mag(post));
 }
 
