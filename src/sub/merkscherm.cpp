@@ -252,11 +252,11 @@ int lees(bool slot) {
     return gelezen;
 }
 
+// The table itself takes two brands of one search name: who entered it last is told.
 bool schrijf() {
-    if (!post_schrijf(&post, &nu, sizeof nu)) {
-        zoeknaam_goed(nu.zoeknaam); // another brand may have taken it meanwhile: told then
+    const bool nieuwe_naam = !post.er || !VASTGELIJK(oud.zoeknaam, VASTUIT(nu.zoeknaam));
+    if ((nieuwe_naam && !zoeknaam_goed(nu.zoeknaam)) || !post_schrijf(&post, &nu, sizeof nu))
         return false;
-    }
     if (!VASTGELIJK(oud.naam, VASTUIT(nu.naam)) && kassakoppeling()) {
         char nummer[8];
         snprintf(nummer, sizeof nummer, "%04d", nu.merk);

@@ -1,0 +1,468 @@
+// Brands, article groups and relations: the brand's field, and a conversation on each screen with what stands in the
+// file afterwards.
+#include "shared/leesstam.h"
+#include "shared/woordenboek.h"
+#include "store/wachtrij.h"
+#include "sub/artgroep.h"
+#include "sub/merken.h"
+#include "sub/omlev.h"
+#include "support/paar.h"
+#include "support/systeem.h"
+#include "term/gesprek.h"
+#include "term/ingave.h"
+#include <sys/stat.h>
+
+namespace zg {
+namespace {
+
+using test::Gesprek;
+using test::vorm;
+
+struct Pair {
+    const char* naam;
+    ICB** icb;
+};
+const Pair PAREN[] = {{"DTART", &dtart},   {"DTLEV", &dtlev},       {"DTLEVEXT", &dtlevext},
+                      {"DTMERK", &dtmerk}, {"DTOMZGRP", &dtomzgrp}, {"DTDOELGR", &dtdoelgr}};
+
+int vergeten; // times that the keepers of master records were told to read anew
+
+struct Stam : test::Systeem {
+    Stam() {
+        filialen({1, 2, 3, 14, 20});
+        zet(1, tekst20{"Nederlands"}, SYS_MAATSTELSEL);
+        landrec land{};
+        VASTIN(land.iso3, "NLD");
+        zet(1, land, SYS_LAND);
+        valuta(1, "EUR", 2, "Euro");
+        VASTIN(instel15.valuta, "EUR");
+        for (const Pair& p : PAREN)
+            EXPECT_NE(DDNEW(DDNUMMER(p.naam), p.naam), 0) << p.naam;
+        relatie(12, REL_LEVERANCIER, "Mode Centrale");
+        relatie(40, REL_AGENT, "Agentuur Smit");
+        merk(104, "Nordlys", "NORD");
+        merk(109, "Kroontje", "KROO");
+        merk(110, "Kroon Junior", "KRJU");
+        bewaar("DTOMZGRP", omzgrprec{7, "Truien", 2, 0});
+        bewaar("DTOMZGRP", omzgrprec{8, "Jassen", 1, 0});
+    }
+    ~Stam() override {
+        iofil('C', 0, nullptr);
+        firma = {};
+        instel15 = {};
+        gebruiker = {};
+    }
+    static void filialen(std::initializer_list<int> nummers) {
+        test::maak_filialen(nummers);
+        firma.maatstelsel = 1;
+        firma.btw[0] = 210, firma.btw[1] = 90;
+    }
+    template <class R> static void bewaar(const char* naam, const R& rec) {
+        ICB* icb = IXOPEN(naam, 2);
+        test::schrijf(icb, rec);
+        IXCLOSE(icb);
+    }
+    static void relatie(uint16_t nummer, int soort, const char* naam) {
+        levrec rec{};
+        rec.nummer = nummer;
+        rec.soort = static_cast<uint8_t>(soort);
+        VASTIN(rec.naam, naam);
+        VASTIN(rec.land, "NLD");
+        VASTIN(rec.crediteurnr, "C77");
+        bewaar("DTLEV", rec);
+    }
+    static void merk(uint16_t nummer, const char* naam, const char* zoeknaam) {
+        merkrec rec{};
+        rec.merk = nummer;
+        VASTIN(rec.naam, naam);
+        VASTIN(rec.zoeknaam, zoeknaam);
+        bewaar("DTMERK", rec);
+    }
+    // The record with a number; all zero when it isn't there. Nothing is reserved in its table.
+    template <class R, class N> static R rec(const char* naam, N nummer) {
+        uint8_t buffer[IXRECMAX] = {};
+        memcpy(buffer, &nummer, sizeof nummer);
+        ICB* icb = IXOPEN(naam, 0);
+        EXPECT_EQ(IXRESERVERINGEN(icb->idxfd, icb->h).size(), 0u) << naam;
+        R uit{};
+        if (IXREAD(icb, buffer))
+            stam_uit(buffer, icb->h.reclen, &uit);
+        IXCLOSE(icb);
+        EXPECT_GE(IXCHECK(naam), 0) << naam;
+        return uit;
+    }
+    static void begin() {
+        open();
+        for (const Pair& p : PAREN)
+            *p.icb = IXOPEN(p.naam, 2);
+        stam_houder([] { vergeten++; });
+    }
+    static int merk_zoekt(const char* zoeknaam) {
+        dtmerk = IXOPEN("DTMERK", 0);
+        char tekst[4];
+        VASTIN(tekst, zoeknaam);
+        const int merk = merk_met_zoeknaam(tekst);
+        IXCLOSE(dtmerk);
+        dtmerk = nullptr;
+        return merk;
+    }
+    // Does another hold this record?
+    static bool bezet(const char* naam, uint16_t nummer) {
+        uint8_t buffer[IXRECMAX] = {};
+        memcpy(buffer, &nummer, sizeof nummer);
+        ICB* icb = IXOPEN(naam, 2);
+        IXREAD(icb, buffer);
+        const bool vrij = IOLOCK('T', icb->datfd, int64_t{icb->currec} * icb->h.reclen, icb->h.reclen) != 0;
+        IXCLOSE(icb);
+        return !vrij;
+    }
+};
+
+TEST_F(Stam, ProposedSearchNames) {
+    const std::pair<const char*, const char*> rijen[] = {
+        {"Van der Velde", "VNDR"},
+        {"Nike", "NIKE"},
+        {"Abc", "ABC"},
+        {"O'Neill", "ONLL"},
+        {"Aaaaa", "AAAA"},
+        {"H&M Kids B", "HMKD"},
+        {"", ""},
+        {"A,B", "A,B"},
+        {"Twintig tekens samen", "TWNT"},
+    };
+    for (auto [naam, zoeknaam] : rijen)
+        EXPECT_EQ(merk_zoeknaam(naam), zoeknaam) << naam;
+}
+
+TEST_F(Stam, BrandByNumberNameAndList) {
+    merk(300, "Noa",
+         "N\xE3"
+         "AA"); // sorts before NORD, and doesn't begin with NO
+    test::gesprekken(
+        [] {
+            begin();
+            uint16_t merk = 104;
+            const bool anders = merk_veld(5, 10, "E", &merk) == Lijstuit::anders;
+            return vorm("%u %d", merk, anders);
+        },
+        {
+            {"<Enter>", "104 0"},
+            {"110<Enter>", "110 1"},
+            {"kro<Enter>", "109 1"},
+            {"kr<Enter><Esc>", "104 0"},              // two begin so
+            {"xx<Enter>no<Enter>", "104 0"},          // none does; its own
+            {"0<Enter>00<Enter>109<Enter>", "109 1"}, // no brand, and can't be added
+            {"7<Enter><Enter>kroo<Enter>", "109 1"},  // not added
+            {"<F5><Tab>KRO<Enter><Enter>", "109 1"},  // by name
+            {"<F5>110<Enter><Up><Enter>", "109 1"},   // by number
+            {"<F5><Tab><Tab>109<Enter><Esc>9<Esc>", "104 0"},
+        });
+    Gesprek t([] {
+        begin();
+        gebruiker.userkind = 'I';
+        uint16_t merk = 0;
+        merk_veld(5, 10, "E", &merk);
+        return vorm("%u", merk);
+    });
+    t.toetsen("7<Enter>");
+    t.wacht_op(25, 1, "<7> Onbekend merk");
+    t.toetsen("<F5>109<Enter><F10>");
+    t.wacht("RAADPLEGEN MERK");
+    EXPECT_EQ(t.scherm().find("Wijzigen"), std::string::npos) << "who only looks";
+    t.toetsen("<Enter><Esc><Esc>");
+    EXPECT_EQ(t.antwoord(), "0");
+}
+
+// Added where its number was typed, changed, deleted; what is refused on the way.
+TEST_F(Stam, Brand) {
+    Gesprek t([] {
+        begin();
+        uint16_t merk = 0;
+        merk_veld(5, 10, "E", &merk);
+        const bool anders = merk_scherm(250);
+        return vorm("%u %d %d", merk, anders, vergeten);
+    });
+    t.toetsen("250<Enter>");
+    t.wacht("Wilt u merk 250 toevoegen");
+    t.toetsen("J<Enter>Van der Velde<Enter>");
+    t.wacht("VNDR");
+    t.toetsen("kroo<Enter>");
+    t.wacht_op(25, 1, "KROO: Zoeknaam bestaat reeds");
+    t.toetsen("<Enter>12<Enter>J<Enter>"); // a supplier becomes the manufacturer
+    t.toetsen("40<Enter>12<Enter>2,42<Enter><Enter><Enter>1-20<Enter>");
+    t.wacht_op(25, 1, "Alle filialen zijn uitgesloten");
+    t.toetsen("<Home><Home>2, 14-20<Enter>");
+    EXPECT_TRUE(t.wacht("250   ")) << t.scherm();
+    merkrec m = rec<merkrec>("DTMERK", uint16_t{250});
+    EXPECT_EQ(vorm("%.20s %.4s %d %d %d %d %d", m.naam, VASTTEKST(m.zoeknaam).c_str(), m.fabrikant, m.agent,
+                   m.leverancier, m.calcfactor, m.uitgesloten[0]),
+              "Van der Velde VNDR 12 40 12 2000 26");
+    EXPECT_EQ(rec<levrec>("DTLEV", uint16_t{12}).soort, REL_LEVERANCIER | REL_FABRIKANT);
+    // A name that another brand has taken by the time it is written: told, and the record is held as before.
+    EXPECT_TRUE(t.wacht("RAADPLEGEN MERK"));
+    EXPECT_TRUE(bezet("DTMERK", 250));
+    t.toetsen("W12VELD<Enter>");
+    merk(400, "Veldman", "VELD");
+    relatie(12, REL_LEVERANCIER, "Mode Centrale"); // no manufacturer any more
+    t.toetsen("13");
+    t.wacht_op(25, 1, "Type gewijzigd, nummer 12 is geen fabrikant meer");
+    t.toetsen("<Enter><Esc>");
+    t.wacht_op(25, 1, "VELD: Zoeknaam bestaat reeds");
+    t.wacht("Verlaten zonder vast te leggen");
+    t.toetsen("<Enter>");
+    EXPECT_TRUE(bezet("DTMERK", 250));
+    t.toetsen("12VELE<Enter><Esc>");
+    EXPECT_EQ(t.antwoord(), "250 1 3") << "the brand added, a relation and the brand changed";
+    m = rec<merkrec>("DTMERK", uint16_t{250});
+    EXPECT_EQ(vorm("%.4s %d %d %d", m.zoeknaam, m.fabrikant, m.agent, m.calcfactor), "VELE 0 40 2000");
+    EXPECT_EQ(merk_zoekt("VELD"), 400);
+}
+
+// What ties to a number goes with it, and a damaged record is shown and mended.
+TEST_F(Stam, BrandDeletedAndMended) {
+    merkrec gek{};
+    gek.merk = 7;
+    VASTIN(gek.zoeknaam, "GEK");
+    gek.calcfactor = -5000;
+    gek.doelgroep = 'X';
+    gek.maatstelsel = 200;
+    memset(gek.uitgesloten, 0xFF, sizeof gek.uitgesloten);
+    bewaar("DTMERK", gek);
+    mkdir("edistam", 0777);
+    ICB* icb = test::nieuw_paar("edistam/DTMRKMS", {"koppel,10", "een,NODUPS,I,1,2,I,5,8"}, 2);
+    for (uint16_t nr : {uint16_t{7}, uint16_t{8}}) {
+        std::array<uint8_t, IXRECMAX> los{};
+        memcpy(los.data(), &nr, 2);
+        test::schrijf(icb, los);
+    }
+    IXCLOSE(icb);
+    auto kind = [] {
+        begin();
+        const bool anders = merk_scherm(7);
+        return vorm("%d", anders);
+    };
+    Gesprek t(kind);
+    EXPECT_TRUE(t.wacht("-6.050")) << t.scherm();
+    t.toetsen("W162,42<Enter>17<Del><Enter>18<Del><Del><Del><Enter>193<Enter><Esc>");
+    EXPECT_EQ(t.antwoord(), "1") << t.scherm();
+    const merkrec m = rec<merkrec>("DTMERK", uint16_t{7});
+    EXPECT_EQ(
+        vorm("%d %d %d %d %d", m.calcfactor, m.doelgroep, m.maatstelsel, m.uitgesloten[0], m.uitgesloten[1]),
+        "2000 0 0 4 0");
+    Gesprek weg(kind);
+    weg.toetsen("VJ<Enter>");
+    EXPECT_EQ(weg.antwoord(), "1");
+    EXPECT_EQ(rec<merkrec>("DTMERK", uint16_t{7}).merk, 0);
+    EXPECT_EQ(test::lees_bestand("edistam/DTMRKMS.TXT").substr(10, 2), std::string("\x08\0", 2));
+    EXPECT_EQ(test::lees_bestand("edistam/DTMRKMS.TXT").substr(0, 1), "\xFF");
+}
+
+// ---- article groups
+
+std::string groeptekst(const artrec& a) {
+    return vorm("%d %d %d %.20s | %d %d %d %c %d %d %d %d %x %d | %d %d %d %d %d %d", a.prijsklasse,
+                a.kenmerksoort, a.omzetgroep, a.omschrijving, a.etiketsoort, a.maatsoort, a.magazijn,
+                a.verdeelsoort, a.minimum, a.btwcode, a.magazijnpct, a.branchecode, a.vlaggen, a.regtype,
+                a.perfiliaal[0], a.perfiliaal[1], a.perfiliaal[2], a.perfiliaal[3], a.perfiliaal[4],
+                a.perfiliaal[249]);
+}
+
+TEST_F(Stam, Group) {
+    Gesprek t([] {
+        begin();
+        int32_t groep = 0;
+        lijstveld(ARTGROEPTABEL, 5, 10, "EP", &groep);
+        return vorm("%d %d", groep, vergeten);
+    });
+    t.toetsen("1999<Enter>");
+    t.wacht("Wilt u artikelgroep 1999 toevoegen");
+    t.toetsen("J<Enter>7<Enter>Mutsen<Enter>");
+    t.toetsen("<Enter><Enter>2<Enter>123<Enter><Enter>"); // VAT as the turnover group brought it
+    t.toetsen("<Enter><Enter>M<Enter>");                  // values for new series
+    t.toetsen("99<Enter>");                               // no such branch
+    t.wacht_op(25, 1, "<99> Onbekend filiaal");
+    t.toetsen("<Del><Del>20<Enter>N<Enter>J<Enter>A<Enter><Enter>101");
+    t.wacht_op(25, 1, "<101> Moet kleiner zijn dan 101");
+    t.toetsen("25<Enter>");
+    t.wacht("filiaal   0 -   4");
+    t.toetsen("1<Enter>");
+    t.wacht_op(25, 1, "Mag niet lager zijn dan 2 (minimum voorraad)");
+    t.toetsen("2<Enter>251<Enter>");
+    t.wacht_op(25, 1, "<251> Maximaal 250");
+    t.toetsen("250<Enter><Enter>4<Down>4<Enter>");
+    t.wacht_op(25, 1, "<4> Moet ongelijk zijn aan 4"); // the warehouse's own
+    t.toetsen("6<Enter>");
+    EXPECT_EQ(t.antwoord(), "1999 1");
+    EXPECT_EQ(groeptekst(rec<artrec>("DTART", 1999)),
+              "0 0 7 Mutsen | 0 0 20 A 2 2 25 123 3 1 | 2 250 0 4 6 0");
+}
+
+// Damaged settings are shown and mended; who may look finds his way through the parts.
+TEST_F(Stam, GroupMended) {
+    artrec gek{};
+    gek.artikelgroep = 5;
+    VASTIN(gek.omschrijving, "Gek");
+    gek.magazijn = 77;
+    gek.verdeelsoort = 'X';
+    gek.magazijnpct = 200;
+    gek.minimum = 3;
+    gek.perfiliaal[1] = 2;
+    bewaar("DTART", gek);
+    auto kind = [] {
+        begin();
+        return vorm("%d", artgroep_scherm(5));
+    };
+    {
+        Gesprek t([&] {
+            gebruiker.userkind = 'I';
+            return kind();
+        });
+        t.toetsen("19");
+        EXPECT_TRUE(t.wacht("Filiaal 77")) << t.scherm();
+        t.toetsen("17");
+        t.wacht("Prioriteit per filiaal");
+        t.toetsen("<Enter><Esc><Esc>");
+        EXPECT_EQ(t.antwoord(), "0");
+    }
+    Gesprek t(kind);
+    t.toetsen("W131<Enter>1911<Del><Del><Enter>14<Enter>");
+    t.wacht_op(25, 1, "<X> Foutieve ingave");
+    t.toetsen("A<Enter>");
+    t.wacht_op(25, 1, "Aantal in filiaal 2 is lager dan ingegeven minimum voorraad");
+    t.toetsen("160<Enter>");
+    t.toetsen("<Esc>118<Enter><Esc>");
+    EXPECT_EQ(t.antwoord(), "1") << t.scherm();
+    EXPECT_EQ(groeptekst(rec<artrec>("DTART", 5)), "0 0 8 Gek | 0 0 255 A 3 1 0 0 0 0 | 0 2 0 0 0 0");
+}
+
+// The table of a large firm has two pages; a firm of one branch has none, and other words.
+TEST_F(Stam, GroupByFirm) {
+    artrec groep{};
+    groep.artikelgroep = 5;
+    groep.magazijn = GEEN_MAGAZIJN;
+    groep.verdeelsoort = 'P';
+    bewaar("DTART", groep);
+    test::schrijf_bestand("DTFILGEG.TXT", "");
+    firma.filialen = 250;
+    filiaalrec rec_fil{};
+    for (int i = 0; i < 250; i++) {
+        rec_fil.nummer = static_cast<uint8_t>(i + 1);
+        iofil('W', i, &rec_fil);
+    }
+    auto kind = [] {
+        begin();
+        return vorm("%d", artgroep_scherm(5));
+    };
+    Gesprek groot(kind);
+    groot.toetsen("W1917");
+    groot.wacht("filiaal   0 - 179");
+    groot.toetsen("<PgDn>");
+    groot.wacht("filiaal 180 - 249");
+    groot.toetsen("<PgDn>7<Enter><Esc><Esc>");
+    EXPECT_EQ(groot.antwoord(), "1");
+    EXPECT_EQ(groeptekst(rec<artrec>("DTART", 5)), "0 0 0  | 0 0 255 P 0 0 0 0 0 0 | 0 0 0 0 0 7");
+    filialen({4});
+    Gesprek klein(kind);
+    EXPECT_EQ(klein.scherm().find("Filiaalverdeling"), std::string::npos);
+    klein.toetsen("W15");
+    klein.wacht("Minimum voorraad in winkel");
+    klein.toetsen("<Esc><Esc>");
+    EXPECT_EQ(klein.antwoord(), "0");
+}
+
+// ---- relations
+
+TEST_F(Stam, Relation) {
+    auto agent = [] {
+        begin();
+        uint16_t nummer = 0;
+        lijstveld(AGENTTABEL, 5, 10, "P", &nummer);
+        return vorm("%d %d", nummer, vergeten);
+    };
+    {
+        Gesprek t(agent);
+        t.toetsen("12<Enter>");
+        t.wacht("Deze relatie is geen agent, toevoegen als agent");
+        t.toetsen("J<Enter>");
+        EXPECT_EQ(t.antwoord(), "12 1");
+    }
+    levrec lev = rec<levrec>("DTLEV", uint16_t{12});
+    EXPECT_EQ(vorm("%d %.20s %.6s", lev.soort, lev.naam, lev.crediteurnr), "3 Mode Centrale C77");
+    // A new one, with a kind that must be set, a wrong e-mail address, the parts.
+    {
+        Gesprek t([] {
+            begin();
+            uint16_t nummer = 0;
+            lijstveld(LEVERANCIERTABEL, 5, 10, "P", &nummer);
+            return vorm("%d", nummer);
+        });
+        t.toetsen("77<Enter>");
+        t.wacht("Wilt u leverancier 77 toevoegen");
+        t.toetsen("J<Enter>N<Enter><Enter><Enter>");
+        t.wacht_op(25, 1, "minimaal 1 type markeren");
+        t.toetsen("J<Enter><Enter>J<Enter>Nieuw<Enter><Enter><Enter>odense<Enter>nld<Enter><Enter><Enter><"
+                  "Enter>a@<Enter>");
+        t.wacht_op(25, 1, "Ongeldig e-mailadres");
+        t.toetsen("a@b.dk<Enter><Enter>ADR<Enter>een<Enter>twee<Enter>");
+        t.wacht("Relatie goederenadres");
+        t.toetsen("Kade<Enter><Esc>DK1<Enter>12<Enter>C1<Enter>eur<Enter>1,05<Enter>1<Enter>");
+        EXPECT_EQ(t.antwoord(), "77") << t.scherm();
+    }
+    lev = rec<levrec>("DTLEV", uint16_t{77});
+    EXPECT_EQ(vorm("%d %.5s %.6s %.3s %.3s %.4s %.4s %.4s", lev.soort, lev.naam, lev.plaats, lev.land,
+                   lev.adrescode, lev.opmerking[0], lev.opmerking[1], lev.goed_adres),
+              "5 Nieuw ODENSE NLD ADR een twee Kade");
+    EXPECT_EQ(vorm("%.3s %.2s %.2s %.3s %d %u", lev.btwnummer, lev.debiteurnr, lev.crediteurnr, lev.valuta,
+                   lev.maatstelsel, lev.toeslag),
+              "DK1 12 C1 EUR 1 10500");
+    EXPECT_STREQ(rec<levextrec>("DTLEVEXT", uint16_t{77}).email, "a@b.dk");
+}
+
+// Of two kinds one goes and the record stays; with the last goes all that hangs from it.
+TEST_F(Stam, RelationDeleted) {
+    relatie(12, REL_LEVERANCIER | REL_AGENT, "Mode Centrale");
+    bewaar("DTLEVEXT", levextrec{12, "a@b", "", ""});
+    bewaar("DTLEVEXT", levextrec{13, "c@d", "", ""});
+    mkdir("edistam", 0777);
+    for (const char* naam : {"DTAG0012.TXT", "DTKL0012.INX", "DTAG0013.TXT"})
+        test::schrijf_bestand(std::string("edistam/") + naam, "x");
+    ICB* icb = test::nieuw_paar("edistam/DTRCLPAR", {"p,164", "een,NODUPS,I,1,2"}, 2);
+    for (uint16_t nr : {uint16_t{12}, uint16_t{13}}) {
+        std::array<uint8_t, IXRECMAX> los{};
+        memcpy(los.data(), &nr, 2);
+        test::schrijf(icb, los);
+    }
+    IXCLOSE(icb);
+    auto wis = [](Relatiesoort soort) {
+        return [soort] {
+            begin();
+            return vorm("%d", relatie_scherm(12, soort, Relatiemodus::wijzigen));
+        };
+    };
+    {
+        Gesprek t(wis(REL_AGENT));
+        t.toetsen("V");
+        t.wacht("Deze agent wordt verwijderd. Akkoord");
+        t.toetsen("J<Enter>");
+        EXPECT_EQ(t.antwoord(), "1");
+    }
+    EXPECT_EQ(rec<levrec>("DTLEV", uint16_t{12}).soort, REL_LEVERANCIER);
+    EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{12}).nummer, 12);
+    EXPECT_EQ(test::lees_bestand("edistam/DTAG0012.TXT"), "x");
+    Gesprek t(wis(REL_LEVERANCIER));
+    t.toetsen("VJ<Enter>");
+    t.wacht("Eventuele voorkeursinstellingen voor EDI-berichten worden verwijderd");
+    t.toetsen("<Enter>");
+    EXPECT_EQ(t.antwoord(), "1");
+    EXPECT_EQ(rec<levrec>("DTLEV", uint16_t{12}).nummer, 0);
+    EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{12}).nummer, 0);
+    EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{13}).nummer, 13);
+    EXPECT_EQ(test::lees_bestand("edistam/DTAG0012.TXT") + test::lees_bestand("edistam/DTKL0012.INX"), "");
+    EXPECT_EQ(test::lees_bestand("edistam/DTAG0013.TXT"), "x");
+    using Partner = std::array<uint8_t, 164>;
+    EXPECT_EQ(rec<Partner>("edistam/DTRCLPAR", uint16_t{12})[0], 0);
+    EXPECT_EQ(rec<Partner>("edistam/DTRCLPAR", uint16_t{13})[0], 13);
+}
+
+} // namespace
+} // namespace zg
