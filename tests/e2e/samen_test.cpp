@@ -61,11 +61,11 @@ TEST(Samen, LeverancierElders) {
     een.t.wacht_op(3, 19, "Mode Centrale");
     een.t.toetsen("<Esc><Esc>");
     winterorder(twee);
-    // Name; a country that isn't there, then one that is; the goods' country out of the list; currency, surcharge.
-    std::string toetsen = "WLAnders BV<Enter>";
-    for (int veld = 1; veld < 19; veld++)
-        toetsen += veld == 4 ? "xxx<Enter>nld<Enter>" : veld == 14 ? "<F5><Enter>" : "<Enter>";
-    twee.t.toetsen(toetsen + "gbp<Enter><Enter>1,5<Enter><Esc><Esc>");
+    // Name; a country that isn't there and isn't to be, then one that is; the goods' country out of the list; currency,
+    // surcharge.
+    twee.t.toetsen("WLW11Anders "
+                   "BV<Enter>15xxx<Enter><Enter>nld<Enter>2414<F5><Enter><Esc>2514gbp<Enter>161,5<Enter><Esc>"
+                   "<Esc><Esc><Esc>");
     een.leverancier();
     een.t.wacht_op(3, 19, "Anders BV");
     een.t.toetsen("/<Enter><Esc>");
