@@ -96,7 +96,7 @@ bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel) {
     regel->dessin.tijdstempel = static_cast<uint16_t>(NUSECONDEN() / 2);
     int32_t nr = 0;
     auto schrijf = [&] {
-        if (met_model)
+        if (met_model || !aantal_regels) // the first line has no other to join
             schrijf_model(*regel);
         schrijf_dessin(*regel);
         nr = aantal_regels;
