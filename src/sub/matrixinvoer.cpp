@@ -47,26 +47,32 @@ int64_t totaalwaarde(int kol) {
     return totaalbeeld[balk_maat(kol)];
 }
 
-// The sum of a row, from a column up to the cells; from the first on where it would touch what stands there and that
-// may go.
-void teken_som(const Matrixscherm* s, int rij, int kolom, bool ruim, int64_t som) {
+// Digits of the sum of a row.
+int cijfers(int64_t som) {
+    return snprintf(nullptr, 0, "%" PRId64, som);
+}
+
+// The sum of a row, from a column up to the cells.
+void teken_som(const Matrixscherm* s, int rij, int kolom, int64_t som) {
+    const int breedte = s->raster.kolvan - kolom;
     char getal[24] = "";
     if (som != 0)
         snprintf(getal, sizeof getal, "%" PRId64, som);
-    const int lengte = static_cast<int>(strlen(getal));
-    if (ruim && lengte >= s->raster.kolvan - kolom)
-        kolom = 1;
-    const int breedte = s->raster.kolvan - kolom;
-    SCRPUT(A_WAARDE, rij, kolom, "%*s", breedte, lengte <= breedte ? getal : "*");
+    SCRPUT(A_WAARDE, rij, kolom, "%*s", breedte, static_cast<int>(strlen(getal)) <= breedte ? getal : "*");
 }
 
+// Number and sum of a branch never read as one: a sum that needs the column between them has it where the number can
+// move to the left.
 void teken_filiaal(const Matrixscherm* s, const aantalmatrix& m, int f, int rij) {
     const RASTER* r = &s->raster;
+    const int nummer = s->nummers[static_cast<size_t>(f)];
+    const int32_t som = matrix_cel(m, f, 0);
     const bool uit = s->uitgesloten && (s->uitgesloten[f / 8] >> (f % 8) & 1);
-    SCRPUT(A_LABEL, rij, 1, "%3d", s->nummers[static_cast<size_t>(f)]);
+    const bool wijkt = !uit && nummer < 100 && cijfers(som) == r->kolvan - MARKKOLOM;
+    SCRPUT(A_LABEL, rij, 1, "%*d", wijkt ? 2 : 3, nummer);
     if (uit)
         SCRPUT(A_LABEL, rij, MARKKOLOM, "*");
-    teken_som(s, rij, MARKKOLOM + uit, false, matrix_cel(m, f, 0));
+    teken_som(s, rij, wijkt ? MARKKOLOM : MARKKOLOM + 1, som);
     for (int kol = r->eerstekol; kol <= r->laatstekol; kol++)
         RASTERGETAL(r, A_WAARDE, rij, RASTERKOLPLAATS(r, kol), matrix_cel(m, f, balk_maat(kol)));
 }
@@ -75,7 +81,7 @@ void teken_filiaal(const Matrixscherm* s, const aantalmatrix& m, int f, int rij)
 void teken_totaal(const Matrixscherm* s, int rij, const char* naam, const int32_t* waarden) {
     SCRCLREOL(rij, 1);
     SCRPUT(A_LABEL, rij, 1, "%s", naam);
-    teken_som(s, rij, MARKKOLOM, true, waarden[0]);
+    teken_som(s, rij, cijfers(waarden[0]) < s->raster.kolvan - MARKKOLOM ? MARKKOLOM : 1, waarden[0]);
     totaalbeeld = waarden;
     RASTERTOTAAL(&s->raster, A_WAARDE, rij, totaalwaarde);
 }
@@ -220,6 +226,7 @@ void matrix_totalen(Matrixscherm* s, aantalmatrix* m) {
     if (s->sneltoetsen)
         return matrixtoets_totalen(s, m);
     const bool leeg = fm_leeg(*m);
+    hint("");
     int32_t vorige = 0; // an empty matrix: the number for this size is proposed for the next
     RASTERCEL(&s->raster, firma.filialen, 1);
     matrix_beeld(s, *m, nullptr);
@@ -245,8 +252,7 @@ void matrix_hand(Matrixscherm* s, aantalmatrix* m) {
     const bool meer = firma.filialen > 1;
     int terug = RASTERRIJNU(r); // the row that TAB comes back to from the totals
     RASTERCEL(r, meer ? terug : int{firma.filialen}, RASTERKOLNU(r));
-    if (meer)
-        hint(TXT(T_TAB_TOTALEN));
+    hint(meer ? TXT(T_TAB_TOTALEN) : "");
     matrix_beeld(s, *m, nullptr);
     for (bool door = true; door;) {
         if (meer)
@@ -283,6 +289,7 @@ void matrix_verdeel(Matrixscherm* s, aantalmatrix* m, int bron, int rest) {
     }
     RASTER* r = &s->raster;
     RASTERCEL(r, RASTERRIJNU(r), RASTERKOLNU(r));
+    hint("");
     for (;;) {
         matrix_beeld(s, *m, vrij);
         while (vraag_cel(

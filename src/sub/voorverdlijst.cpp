@@ -244,11 +244,13 @@ void naar_nummer(int rij, uint16_t cijfer) {
 
 // An action on the row under the cursor; then the list as it has become.
 void doe(Keus wat) {
-    v->begin = v->regels[v->rij()].nummer;
+    const uint16_t nummer = v->begin = v->regels[v->rij()].nummer;
     if (wat == RAADPLEGEN)
-        bekeken[v->maatsoort] = v->begin;
-    scherm(wat, v->begin);
+        bekeken[v->maatsoort] = nummer;
+    scherm(wat, nummer);
     verzamel();
+    if (wat == TOEVOEGEN && !v->regels.empty() && v->regels[rij_van(v->begin)].nummer != v->begin)
+        v->begin = nummer; // nothing came of it
     v->opnieuw = true;
     SCHERM.laatste = K_CANCEL;
 }
