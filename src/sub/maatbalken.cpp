@@ -139,7 +139,9 @@ void verwijder() {
 void toon() {
     schakel_open(TXT(T_BALK_W_OPVRAGEN), balk().maten);
     SCRPUT(A_LABEL, schakel_vraagrij(), KOLOM, "%s", TXT(T_ENTER_VERVOLG));
+    BEZIGWIS();
     TOETS();
+    BEZIGTOON();
     WINCLOSE();
 }
 

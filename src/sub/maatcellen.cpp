@@ -103,7 +103,9 @@ bool is_pijl(int32_t toets) {
 bool wacht(Raster& r) {
     for (;;) {
         WINAT(celrij(r.p), celkolom(r.p));
+        BEZIGWIS();
         const int32_t toets = TOETS();
+        BEZIGTOON();
         error("%s", "");
         if (!is_pijl(toets)) {
             TOETSDRUK(toets);

@@ -1,0 +1,169 @@
+// Random keys in the screens of size types, bars and runs, on tables of which some contradict themselves: nothing
+// crashes, hangs or stays open, and what must hold of sizes and rows does hold afterwards.
+#include "shared/iotab.h"
+#include "shared/maatbalk.h"
+#include "sub/maatsoort.h"
+#include "sub/reeksen.h"
+#include "support/paar.h"
+#include "support/systeem.h"
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <cstdlib>
+#include <map>
+#include <random>
+
+namespace zg {
+namespace {
+
+std::mt19937 rng;
+
+int dobbel(int tot) {
+    return static_cast<int>(rng() % static_cast<unsigned>(tot));
+}
+
+void druk_toetsen() {
+    static const int32_t BIJZONDER[] = {K_ENTER, K_ENTER, K_LEFT, K_RIGHT, K_UP,  K_DOWN, K_F3,
+                                        K_F5,    K_F6,    K_F7,   K_F8,    K_F10, K_PGUP, K_PGDN,
+                                        K_DC,    K_BACK,  K_HOME, K_ESC,   K_TAB};
+    static const char TEKENS[] = "11112222349jjnnsttwwvvkxABM~- ,";
+    for (int i = 0; i < 400; i++) // the last of the stack ends whatever is open
+        TOETSTERUG(dobbel(3) ? K_ESC : K_ENTER);
+    for (int i = dobbel(80); i > 0; i--)
+        TOETSTERUG(dobbel(2) ? BIJZONDER[dobbel(std::size(BIJZONDER))] : TEKENS[dobbel(sizeof TEKENS - 1)]);
+}
+
+std::map<int, std::string> maten_van(uint8_t stelsel, uint8_t soort, bool* stuk) {
+    std::map<int, std::string> uit;
+    mthandle* h = mtopen(stelsel, soort, 0);
+    mtinfo info{};
+    for (int er = mtread(h, 'F', &info, 2); er; er = mtread(h, 'N', &info, 2))
+        uit[info.maatnr] = VASTTEKST(info.naam);
+    *stuk = h->stuk;
+    mtclose(h);
+    return uit;
+}
+
+std::string onderhoud() {
+    const auto stelsel = static_cast<uint8_t>(1 + dobbel(2)), soort = static_cast<uint8_t>(1 + dobbel(9));
+    bool stuk = false, na_stuk = false;
+    const auto voor = maten_van(stelsel, soort, &stuk);
+    const std::string bytes = test::lees_bestand("DTMAAT.TXT");
+    const bool er = maatsoort_onderhoud(dobbel(25), dobbel(80), stelsel, soort);
+    const auto na = maten_van(stelsel, soort, &na_stuk);
+    if (stuk)
+        return bytes == test::lees_bestand("DTMAAT.TXT") ? "" : "a damaged table was written";
+    if (na_stuk)
+        return "damaged a table";
+    for (const auto& [nr, naam] : voor)
+        if (!na.contains(nr) || (naam[0] != '~' && na.at(nr) != naam))
+            return "lost size " + naam;
+    for (const auto& [nr, naam] : na)
+        for (const auto& [ander, zelfde] : na)
+            if (naam.empty() || (nr != ander && naam == zelfde))
+                return "label \"" + naam + "\"";
+    return er && na.empty() ? "there, without sizes" : "";
+}
+
+std::string van_serie() {
+    uint8_t maten[MAATBYTES], vast[MAATBYTES] = {}, oud[MAATBYTES];
+    for (uint8_t& b : maten)
+        b = static_cast<uint8_t>(rng() & rng() & rng());
+    for (int i = 0; i < MAATBYTES; i++)
+        vast[i] = static_cast<uint8_t>(maten[i] & rng());
+    memcpy(oud, maten, sizeof oud);
+    const bool er = serie_maten(dobbel(25), 1, maten, vast, nullptr);
+    if (er != (balk_heeft(maten) && balk_kolommen() > 0) && er)
+        return "taken without a size";
+    for (int m = 1; m <= MATEN; m++)
+        if (maat_in(vast, m) && !maat_in(maten, m))
+            return "took a size with quantities";
+    return er || memcmp(oud, maten, sizeof oud) == 0 ? "" : "given up, and changed";
+}
+
+std::string reeksen() {
+    reeksrij rij{};
+    int64_t som = 0;
+    if (dobbel(2)) {
+        if (!reeks_kiezen(maatbalk->soort, dobbel(4) ? "SWTV" : "S", nullptr, &rij))
+            return "";
+        for (int m = 1; m <= MATEN; m++) {
+            if (rij[static_cast<size_t>(m)] < 0 || (rij[static_cast<size_t>(m)] && !balk_kolom(m)))
+                return "a run beside the bar";
+            som += rij[static_cast<size_t>(m)];
+        }
+        return som == rij[0] && som > 0 ? "" : "a run's sum";
+    }
+    aantalmatrix m;
+    fmclear(&m);
+    for (int i = dobbel(12); i > 0 && balk_kolommen(); i--)
+        fmadd(&m, dobbel(firma.filialen), balk_maat(1 + dobbel(balk_kolommen())), dobbel(3000));
+    const aantalmatrix was = m;
+    const bool behoud = dobbel(2) != 0;
+    const bool anders = reeks_scherm(maatbalk->soort, &m, behoud, nullptr);
+    aantalmatrix geteld = m;
+    fmtotals(&geteld);
+    for (size_t i = 0; i < m.size(); i++) {
+        const bool totaal = i >= matrix_plaats(firma.filialen, 0);
+        if (m[i] < 0 || m[i] != (totaal && behoud ? was[i] : geteld[i]))
+            return "cell " + std::to_string(i);
+    }
+    return anders == (m != was) ? "" : "change not told";
+}
+
+// Now and then a record that no program wrote.
+void beschadig() {
+    std::string alles = test::lees_bestand("DTMAAT.TXT");
+    if (const int regels = static_cast<int>(alles.size() / sizeof(maatrij))) {
+        const int plaats = dobbel(regels) * static_cast<int>(sizeof(maatrij)) + 14 + dobbel(4 * 40);
+        alles[static_cast<size_t>(plaats)] = static_cast<char>(rng());
+        test::schrijf_bestand("DTMAAT.TXT", alles);
+    }
+    int32_t nr = 1 + dobbel(9);
+    maatreeksrec rec{static_cast<uint8_t>(1 + dobbel(9)), {}, {}};
+    for (int i = 0; i < 20; i++)
+        rec.aantal[dobbel(20)] = static_cast<int32_t>(dobbel(3) ? dobbel(50) : static_cast<int>(rng()));
+    iotab('W', &nr, &rec, SYS_MAATREEKS);
+}
+
+TEST(SubWild, Keys) {
+    test::TijdelijkeMap map;
+    test::schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
+    const char* aantal = getenv("ZG_WILD");
+    const int beurten = aantal ? atoi(aantal) : 400;
+    const char* vast = getenv("ZG_SEED");
+    const unsigned zaad = vast ? static_cast<unsigned>(atol(vast)) : std::random_device{}();
+    test::Terminal t([&] {
+        SCRINIT();
+        rng.seed(zaad);
+        test::Systeem::open();
+        test::maak_filialen({1, 2, 3, 14, 20});
+        firma.maatstelsel = 1;
+        dtmaat = test::nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
+        dtmtom = test::nieuw_paar("DTMTOM", {"maatomschr.,10", "k1,NODUPS,I,1,1,I,2,2,I,3,3"}, 2);
+        const int32_t vensters = SCHERM.aantal;
+        std::string fout;
+        for (int i = 0; i < beurten && fout.empty(); i++) {
+            druk_toetsen();
+            const int wat = dobbel(3);
+            if (wat > 0)
+                balk_open(static_cast<uint8_t>(1 + dobbel(2)), static_cast<uint8_t>(1 + dobbel(9)), nullptr);
+            fout = wat == 0 ? onderhoud() : wat == 1 ? van_serie() : reeksen();
+            TOETSLEEG();
+            if (SCHERM.aantal != vensters)
+                fout += " a window stays";
+            if (dobbel(20) == 0) {
+                balk_sluit();
+                beschadig();
+            }
+            if (!fout.empty())
+                fout = "turn " + std::to_string(i) + ": " + fout;
+        }
+        SCREXIT();
+        puts(fout.c_str());
+        return fout.empty() ? 0 : 3;
+    });
+    EXPECT_EQ(t.einde(60000), 0) << "seed " << zaad << "\n" << t.scherm();
+}
+
+} // namespace
+} // namespace zg
