@@ -97,7 +97,7 @@ void beeld_teken(const Tekst& titel, const char* dagen, const aantalmatrix& matr
     beeld_titel(titel);
     if (*dagen)
         SCRPUT(A_LABEL, 1, LABELKOLOM, "%s", TXT(T_A_TERMIJN));
-    SCRPUT(A_WAARDE, 1, DATUMKOLOM, "%s", *dagen ? dagen : hoeveel);
+    SCRPUT(A_WAARDE, 1, *dagen ? DATUMKOLOM : LABELKOLOM, "%s", *dagen ? dagen : hoeveel);
     const std::string serie = serietekst();
     SCRPUT(A_LABEL, 1, WINBREEDTE() - static_cast<int>(serie.size()), "%s", serie.c_str());
     SCRPUT(A_WAARDE, WINHOOGTE() - (een() ? 1 : 2), LABELKOLOM, "%-4.4s %-15.15s %-12.12s %-12.12s %-2.2s",
