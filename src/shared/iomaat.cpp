@@ -421,9 +421,7 @@ const char* mtname(mthandle* h, int maatnr) {
 }
 
 int mtpos(mthandle* h, int maatnr) {
-    eis(h);
-    int positie = geldig(maatnr) ? h->nummers.entry[maatnr].link : 0;
-    return geldig(positie) ? positie : 0;
+    return positie_van(*eis(h), maatnr);
 }
 
 int mtranks(mthandle* h) {

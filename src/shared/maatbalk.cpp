@@ -92,8 +92,9 @@ void balk_maten(uint8_t* maten) {
 }
 
 bool balk_heeft(const uint8_t* maten) {
-    for (int maat = 1; maatbalk && maat <= MATEN; maat++)
-        if (maat_in(maten, maat) && mtpos(maatbalk, maat) > 0)
+    mtinfo info{};
+    for (int er = maatbalk ? mtread(maatbalk, 'F', &info, 2) : 0; er; er = mtread(maatbalk, 'N', &info, 2))
+        if (maat_in(maten, info.maatnr))
             return true;
     return false;
 }
