@@ -182,6 +182,8 @@ TEST_F(Stam, Brand) {
         const bool anders = merk_scherm(250);
         return vorm("%u %d %d", merk, anders, vergeten);
     });
+    t.toetsen("251<Enter>J<Enter>Toch niet<Enter><Esc>"); // given up: nothing stays reserved
+    t.wacht_op(25, 1, "<251> Onbekend merk");
     t.toetsen("250<Enter>");
     t.wacht("Wilt u merk 250 toevoegen");
     t.toetsen("J<Enter>Van der Velde<Enter>");
@@ -396,6 +398,8 @@ TEST_F(Stam, Relation) {
             lijstveld(LEVERANCIERTABEL, 5, 10, "P", &nummer);
             return vorm("%d", nummer);
         });
+        t.toetsen("78<Enter>J<Enter><Enter><Enter><Enter><Esc>"); // given up
+        t.wacht_op(25, 1, "<78> Onbekende leverancier");
         t.toetsen("77<Enter>");
         t.wacht("Wilt u leverancier 77 toevoegen");
         t.toetsen("J<Enter>N<Enter><Enter><Enter>");
