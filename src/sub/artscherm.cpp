@@ -239,11 +239,9 @@ constexpr Koppeling KOPPELINGEN[] = {
     {"DTMRKMS.TXT", 4, 4, Koppeling::WIS},
 };
 
+// What ties to it goes first: broken off between the two, it stands and can be deleted again.
 bool wis() {
-    if (!post_wis(&post))
-        return false;
-    koppel_wis(KOPPELINGEN, nu.artikelgroep, "mutart");
-    return true;
+    return koppel_wis(KOPPELINGEN, nu.artikelgroep, "mutart") && post_wis(&post);
 }
 
 void kop() {

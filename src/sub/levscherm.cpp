@@ -195,32 +195,34 @@ bool schrijf() {
     return true;
 }
 
-// Of a relation of more kinds only this one goes.
-bool wis() {
-    const auto over = static_cast<uint8_t>(nu.soort & SOORTEN & ~relatie_als);
-    if (over) {
-        nu.soort = over;
-        const bool goed = post_schrijf(&post, &nu, sizeof nu);
-        if (goed) {
-            post_vrij(&extra);
-            meld_kassa();
-        }
-        return goed;
-    }
-    if (!post_wis(&post))
-        return false;
-    if (extra.er)
-        post_wis(&extra);
-    else
-        post_vrij(&extra);
-    MELDBOX(MELD_INFO, TXT(T_L_EDI_WEG), nullptr, nullptr);
+// What ties to the relation as a partner.
+bool wis_koppelingen() {
     constexpr Koppeling PARTNER[] = {{"DTRCLPAR.TXT", 0, 2, Koppeling::WIS}};
+    MELDBOX(MELD_INFO, TXT(T_L_EDI_WEG), nullptr, nullptr);
+    bool goed = true;
     for (const char* soort : {"DTAG", "DTKL"}) {
         char bestanden[16];
         snprintf(bestanden, sizeof bestanden, "%s%04hu.*", soort, nu.nummer);
-        koppel_bestanden_weg(bestanden);
+        goed = koppel_bestanden_weg(bestanden) && goed;
     }
-    koppel_wis(PARTNER, nu.nummer, "mutlev");
+    return koppel_wis(PARTNER, nu.nummer, "mutlev") && goed;
+}
+
+// Of a relation of more kinds only this one goes. Else the record goes last: broken off before, it stands and can be
+// deleted again.
+bool wis() {
+    const auto over = static_cast<uint8_t>(nu.soort & SOORTEN & ~relatie_als);
+    if (!over) {
+        if (!wis_koppelingen() || (extra.er && !post_wis(&extra)) || !post_wis(&post))
+            return false;
+        post_vrij(&extra);
+        return true;
+    }
+    nu.soort = over;
+    if (!post_schrijf(&post, &nu, sizeof nu))
+        return false;
+    post_vrij(&extra);
+    meld_kassa();
     return true;
 }
 

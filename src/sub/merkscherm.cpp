@@ -270,11 +270,9 @@ constexpr Koppeling KOPPELINGEN[] = {
     {"DTMMCDS.TXT", 0, 2, Koppeling::WIS},
 };
 
+// What ties to it goes first: broken off between the two, it stands and can be deleted again.
 bool wis() {
-    if (!post_wis(&post))
-        return false;
-    koppel_wis(KOPPELINGEN, nu.merk, "mutmerk");
-    return true;
+    return koppel_wis(KOPPELINGEN, nu.merk, "mutmerk") && post_wis(&post);
 }
 
 const Recordscherm SCHERM_MERK{{.rij = 5,

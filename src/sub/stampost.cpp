@@ -78,11 +78,10 @@ bool post_schrijf(Stampost* post, const void* rec, size_t lengte) {
 
 bool post_wis(Stampost* post) {
     Eerste k1(*post->icb);
-    const int geweigerd = IXWEIGERINGEN;
-    if (IXREAD(k1.icb, post->ruimte)) // to stand on it: its table was used for other records meanwhile
-        IXDELETE(k1.icb, post->ruimte);
+    const bool er =
+        IXREAD(k1.icb, post->ruimte) == 1; // to stand on it: its table served for others meanwhile
     post->slot = false;
-    if (IXWEIGERINGEN != geweigerd) {
+    if (er && IXDELETE(k1.icb, post->ruimte) < 0) {
         herneem(post);
         return false;
     }
