@@ -36,36 +36,6 @@ ordfil filrec;
 
 namespace {
 
-struct tagrij {
-    int lengte;
-    void* beeld;
-};
-
-tagrij tag_rij(char tag) {
-    switch (tag) {
-    case 'O':
-        return {sizeof kop, &kop};
-    case 'M':
-        return {sizeof model, &model};
-    case 'D':
-        return {sizeof dessin, &dessin};
-    case 'T':
-        return {sizeof tekstrec, &tekstrec};
-    case 'S':
-        return {sizeof maatrec, &maatrec};
-    case 'E':
-        return {sizeof extra_e, &extra_e};
-    case 'B':
-        return {sizeof extra_b, &extra_b};
-    case 'L':
-        return {sizeof levtrec, &levtrec};
-    case 'F':
-        return {sizeof filrec, &filrec};
-    default:
-        return {-1, nullptr};
-    }
-}
-
 inline constexpr int32_t BUFFER_MAX = 16384, BUFFER_MIN = 1024;
 // An opener that keeps finding another file under its path gives up after so many turns.
 inline constexpr int OPENPOGINGEN = 50;
@@ -192,8 +162,7 @@ bool neem(ordhandle* h, char tag) {
     h->tag = tag;
     if (tag == 'X')
         return false;
-    const tagrij rij = tag_rij(tag);
-    memcpy(rij.beeld, h->buffer + (h->offset - h->bufstart) + 1, static_cast<size_t>(rij.lengte));
+    memcpy(ord_beeld(tag), h->buffer + (h->offset - h->bufstart) + 1, static_cast<size_t>(ord_lengte(tag)));
     if (tag == 'O')
         h->laatste_o = h->offset;
     else if (tag == 'M')
@@ -205,12 +174,29 @@ bool neem(ordhandle* h, char tag) {
 
 } // namespace
 
-int ord_lengte(char tag) {
-    return tag_rij(tag).lengte;
-}
-
 void* ord_beeld(char tag) {
-    return tag_rij(tag).beeld;
+    switch (tag) {
+    case 'O':
+        return &kop;
+    case 'M':
+        return &model;
+    case 'D':
+        return &dessin;
+    case 'T':
+        return &tekstrec;
+    case 'S':
+        return &maatrec;
+    case 'E':
+        return &extra_e;
+    case 'B':
+        return &extra_b;
+    case 'L':
+        return &levtrec;
+    case 'F':
+        return &filrec;
+    default:
+        return nullptr;
+    }
 }
 
 ordhandle* ord_open_jrn(const char* map, int leverancier, int vlaggen) {
@@ -383,14 +369,14 @@ bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n) {
 }
 
 bool ord_schrijf(ordhandle* h) {
-    const tagrij rij = tag_rij(h->tag);
-    if (rij.lengte < 0 || h->offset < 0)
+    const int lengte = ord_lengte(h->tag);
+    if (lengte < 0 || h->offset < 0)
         return false;
     uint8_t bytes[1 + sizeof(orddessin)];
     static_assert(sizeof(orddessin) >= sizeof(ordkop));
     bytes[0] = static_cast<uint8_t>(h->tag);
-    memcpy(bytes + 1, rij.beeld, static_cast<size_t>(rij.lengte));
-    return ord_schrijf_op(h, h->offset, bytes, 1 + static_cast<size_t>(rij.lengte));
+    memcpy(bytes + 1, ord_beeld(h->tag), static_cast<size_t>(lengte));
+    return ord_schrijf_op(h, h->offset, bytes, 1 + static_cast<size_t>(lengte));
 }
 
 } // namespace zg

@@ -35,8 +35,7 @@ struct ordhandle {
     bool gewijzigd; // written to since it was opened
 };
 
-// Body length of a tag, -1 for an unknown one. The image of a tag.
-int ord_lengte(char tag);
+// The image of a tag, null for an unknown one.
 void* ord_beeld(char tag);
 
 // Open by season directory and supplier; flags of open(2). Null when it can't be opened, with errno set (told in a

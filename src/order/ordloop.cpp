@@ -1,6 +1,6 @@
 // The walk of order/ordloop.h.
 #include "order/ordloop.h"
-#include "order/ioord.h"
+#include "order/ordrec.h"
 #include "shared/syscalls.h"
 #include <cstring>
 
@@ -68,6 +68,15 @@ loopstand ordloop_volgende(ordloop* l, ordrauw* uit) {
         if (!vul_aan(l))
             return LOOP_FOUT;
     }
+}
+
+size_t ordloop_reeks(ordloop* l, char tag) {
+    const size_t lengte = static_cast<size_t>(ord_lengte(tag) + 1), begin = l->plaats;
+    size_t plaats = begin;
+    while (lengte && plaats + lengte <= l->geldig && l->blok[plaats] == static_cast<uint8_t>(tag))
+        plaats += lengte;
+    l->plaats = plaats;
+    return plaats - begin;
 }
 
 } // namespace zg

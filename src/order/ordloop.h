@@ -41,4 +41,7 @@ void ordloop_naar(ordloop* l, int64_t plaats);
 // At LOOP_TAG and LOOP_KORT tag and offset are filled.
 loopstand ordloop_volgende(ordloop* l, ordrauw* uit);
 
+// Pass over the records of a tag that come next, as far as the block in hand has them whole: their bytes.
+size_t ordloop_reeks(ordloop* l, char tag);
+
 } // namespace zg

@@ -62,6 +62,31 @@ struct [[gnu::packed]] ordfil { // 'F'
     uint16_t vrij2;
     int32_t aantal;
 };
+// Body length of a tag, -1 for an unknown one.
+constexpr int ord_lengte(char tag) {
+    switch (tag) {
+    case 'O':
+        return sizeof(ordkop);
+    case 'M':
+        return sizeof(ordmodel);
+    case 'D':
+        return sizeof(orddessin);
+    case 'T':
+        return sizeof(ordtekst);
+    case 'S':
+        return sizeof(ordmaat);
+    case 'E':
+    case 'B':
+        return sizeof(ordextra);
+    case 'L':
+        return sizeof(ordlevt);
+    case 'F':
+        return sizeof(ordfil);
+    default:
+        return -1;
+    }
+}
+
 struct [[gnu::packed]] ors_ingang { // entry of the ORS file
     uint16_t regel, vrij2;
     int32_t m, d; // offsets in the work file

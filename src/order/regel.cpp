@@ -70,9 +70,11 @@ uint8_t laad_maat(const ordrauw& r, orderregel* regel) {
 
 // Sum cells of one branch and size, in order; false when one does not fit.
 bool orden_cellen(std::vector<levcel>* cellen) {
-    std::stable_sort(cellen->begin(), cellen->end(), [](const levcel& a, const levcel& b) {
+    auto eerder = [](const levcel& a, const levcel& b) {
         return a.filiaal != b.filiaal ? a.filiaal < b.filiaal : a.maat < b.maat;
-    });
+    };
+    if (!std::is_sorted(cellen->begin(), cellen->end(), eerder)) // as the program writes them they are
+        std::stable_sort(cellen->begin(), cellen->end(), eerder);
     size_t uit = 0;
     for (const levcel& cel : *cellen) {
         if (uit && (*cellen)[uit - 1].filiaal == cel.filiaal && (*cellen)[uit - 1].maat == cel.maat) {

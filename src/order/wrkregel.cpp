@@ -54,15 +54,41 @@ void schrijf_dessin(const orderregel& regel) {
     schrijf_termen(regel);
 }
 
-// Walk WRK into TMP. `plaats` looks at each record first and answers whether it is copied. A record that
-// can't be read stops: WRK stands as it was.
+// Walk WRK into TMP. `plaats` looks at each record first and answers whether it is copied; at an O, M or D it may write
+// something in front of it. What goes along between those is taken over in one piece, as far as a block of the walk holds
+// it. A record that can't be read stops: WRK stands as it was.
 template <class F> void loop_wrk(F plaats) {
+    constexpr size_t GROOTSTE = 1 + sizeof(orddessin); // a walk reads on when no more than a record is left
     ordloop l;
     ordrauw r;
+    const uint8_t* rij = nullptr;
+    size_t lengte = 0;
+    auto af = [&] {
+        if (lengte)
+            tmp_rauw(rij, lengte, false);
+        lengte = 0;
+    };
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
-    while (ord_verder(werk, &l, &r, "wrkregel", 2))
-        if (plaats(r))
-            tmp_rauw(r.data, r.lengte, true);
+    while (ord_verder(werk, &l, &r, "wrkregel", 2)) {
+        const bool kop_van = r.tag == 'O' || r.tag == 'M' || r.tag == 'D';
+        if (kop_van)
+            af();
+        const bool mee = plaats(r);
+        const size_t bytes =
+            r.lengte + (kop_van ? 0 : ordloop_reeks(&l, r.tag)); // with what goes the same way
+        if (!mee) {
+            af();
+        } else if (kop_van) {
+            tmp_rauw(r.data, bytes, true);
+        } else {
+            if (!lengte)
+                rij = r.data;
+            lengte += bytes;
+        }
+        if (l.geldig - l.plaats < GROOTSTE)
+            af();
+    }
+    af();
 }
 
 // The file must still hold what the index says before anything is left out at those offsets.

@@ -115,12 +115,17 @@ int32_t naar_thuis(int32_t bedrag, const char* code, double koers) {
     return naar_thuis_factor(bedrag, code, koers, 10000);
 }
 
+omrekening naar_thuis_met(const char* code, double koers, int32_t factor) {
+    const int thuis = valuta_decimalen(""), vreemd = valuta_decimalen(code);
+    return {koers_of_vandaag(code, koers), factor / 10000.0, thuis == vreemd ? 1 : thuis == 0 ? 0.01 : 100};
+}
+
+int32_t naar_thuis_factor(int32_t bedrag, const omrekening& o) {
+    return als_bedrag(bedrag * o.koers * o.factor * o.schaal);
+}
+
 int32_t naar_thuis_factor(int32_t bedrag, const char* code, double koers, int32_t factor) {
-    int thuis = valuta_decimalen(""), vreemd = valuta_decimalen(code);
-    double v = bedrag * koers_of_vandaag(code, koers) * (factor / 10000.0);
-    if (thuis != vreemd)
-        v *= thuis == 0 ? 0.01 : 100;
-    return als_bedrag(v);
+    return naar_thuis_factor(bedrag, naar_thuis_met(code, koers, factor));
 }
 
 double koers_vernauwen(const char* code, int32_t vreemd, int32_t thuis, int32_t factor) {

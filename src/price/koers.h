@@ -24,6 +24,12 @@ void koers_integer(double koers, int32_t* geheel, uint16_t* eenheid);
 int32_t naar_valuta(int32_t bedrag, const char* code, double koers, int32_t factor);
 int32_t naar_thuis(int32_t bedrag, const char* code, double koers);
 int32_t naar_thuis_factor(int32_t bedrag, const char* code, double koers, int32_t factor);
+// The last for many amounts: currencies and rate of the day looked up once.
+struct omrekening {
+    double koers, factor, schaal;
+};
+omrekening naar_thuis_met(const char* code, double koers, int32_t factor);
+int32_t naar_thuis_factor(int32_t bedrag, const omrekening& o);
 // The rate with the fewest digits that turns the foreign amount into the home amount.
 double koers_vernauwen(const char* code, int32_t vreemd, int32_t thuis, int32_t factor);
 

@@ -158,16 +158,14 @@ void up_netto_groep(prijsrijen* rijen, prijsgroep_info* groep, double korting) {
 }
 
 void up_inkoop_alle(prijsrijen* rijen) {
+    const omrekening thuis = naar_thuis_met(up_context.valuta, up_context.koers, up_context.koersfactor);
     up_wis_rij(&rijen->inkoop);
     for (int maat = 1; maat <= MATEN; maat++) {
         if (!up_aanwezig(rijen->netto, maat))
             continue;
-        int32_t netto = up_lees(rijen->netto, maat);
+        const int32_t netto = up_lees(rijen->netto, maat);
         up_zet(&rijen->inkoop, maat,
-               netto ? std::clamp(naar_thuis_factor(netto, up_context.valuta, up_context.koers,
-                                                    up_context.koersfactor),
-                                  1, PRIJS_ONBEKEND - 1)
-                     : PRIJS_ONBEKEND);
+               netto ? std::clamp(naar_thuis_factor(netto, thuis), 1, PRIJS_ONBEKEND - 1) : PRIJS_ONBEKEND);
     }
 }
 
