@@ -92,9 +92,10 @@ void menu(const Termijn& t) {
         } else {
             KEUZEAAN(A_REEKS_VERDELEN);
             // Key by key the pieces come from a branch.
-            if (!aantalgrid.sneltoetsen || bronrij(t.werk) < firma.filialen)
+            const bool bij_een = een_filiaal(t.werk) < firma.filialen;
+            if (!aantalgrid.sneltoetsen || bij_een || aantalgrid.magazijn >= 0)
                 KEUZEAAN(A_VERDELEN);
-            if (een_filiaal(t.werk) < firma.filialen) {
+            if (bij_een) {
                 KEUZEAAN(A_VOORVERDELING);
                 if (regel_nu.gewichten[firma.filialen] > 0)
                     KEUZEAAN(A_AUTOMATISCH);

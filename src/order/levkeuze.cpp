@@ -85,7 +85,11 @@ bool levt_wijzig(uint16_t* van, uint16_t* tot) {
     const uint16_t oud_van = *van, oud_tot = *tot;
     if (!levt_invoer(TERMIJNRIJ, TERMIJNKOLOM, van, tot, false) || (*van == oud_van && *tot == oud_tot))
         return false;
-    return lt_verzet(&regel_nu.termen, oud_tot, *van, *tot);
+    if (lt_verzet(&regel_nu.termen, oud_tot, *van, *tot))
+        return true;
+    *van = oud_van;
+    *tot = oud_tot;
+    return false;
 }
 
 bool levt_nieuw(uint16_t* van, uint16_t* tot, const aantalmatrix& werk) {

@@ -48,7 +48,7 @@ bool zelfde_model(const ordmodel& a, const ordmodel& b) {
 // One size being divided: what is left of it, and what each branch gets on top of what it has.
 struct Maatdeling {
     const aantalmatrix& matrix;
-    int maat;
+    int maat, rest, magazijn; // branches: of what nobody gets, the group's warehouse or -1
     int64_t over;
     std::vector<int64_t> krijgt;
 
@@ -59,25 +59,25 @@ struct Maatdeling {
         verdeel_boek(static_cast<int>(f), maat, aantal);
     }
     // To the branch of the rest, which is not booked.
-    void geef_rest(int rest, int64_t aantal) {
+    void geef_rest(int64_t aantal) {
         krijgt[static_cast<size_t>(rest)] += aantal;
         over -= aantal;
     }
 };
 
 // By numbers: everyone his own, the rest to one branch, as long as there is enough for that.
-void ronde_aantal(Maatdeling& d, int rest) {
+void ronde_aantal(Maatdeling& d) {
     if (d.over < nu.som)
         return;
-    const int zonder = regelgroep.vlaggen & ART_GEEN_VERKOOP ? regel_magazijn() : -1;
+    const int zonder = regelgroep.vlaggen & ART_GEEN_VERKOOP ? d.magazijn : -1;
     for (size_t f = 0; f < nu.gewicht.size(); f++)
         if (static_cast<int>(f) != zonder)
             d.geef(f, nu.gewicht[f]);
-    d.geef_rest(rest, d.over);
+    d.geef_rest(d.over);
 }
 
 // By priority: everyone the minimum, the warehouse its percentage of what there was.
-void ronde_minimum(Maatdeling& d, int rest) {
+void ronde_minimum(Maatdeling& d) {
     const auto mee = std::count_if(nu.gewicht.begin(), nu.gewicht.end(), [](int32_t w) { return w > 0; });
     if (d.over < int64_t{regelgroep.minimum} * mee)
         return;
@@ -85,7 +85,7 @@ void ronde_minimum(Maatdeling& d, int rest) {
     for (size_t f = 0; f < nu.gewicht.size(); f++)
         if (nu.gewicht[f])
             d.geef(f, regelgroep.minimum);
-    d.geef_rest(rest, std::min(deel, d.over));
+    d.geef_rest(std::min(deel, d.over));
 }
 
 // One piece for everyone below the minimum, as long as there is one for each.
@@ -151,16 +151,16 @@ void stuk_voor_stuk(Maatdeling& d, bool tot_aantal) {
         d.geef(m.filiaal, m.kreeg);
 }
 
-void verdeel_maat(Maatdeling& d, int rest) {
+void verdeel_maat(Maatdeling& d) {
     const bool aantal = regelgroep.verdeelsoort == 'A';
     if (aantal)
-        ronde_aantal(d, rest);
+        ronde_aantal(d);
     else
-        ronde_minimum(d, rest);
+        ronde_minimum(d);
     rondes_bijvullen(d);
     if (aantal || regelgroep.verdeelsoort == 'P')
         stuk_voor_stuk(d, aantal);
-    d.geef_rest(rest, d.over);
+    d.geef_rest(d.over);
 }
 
 } // namespace
@@ -243,7 +243,7 @@ int restrij(int bron) {
 }
 
 void auto_verdelen(aantalmatrix* matrix) {
-    const int bron = bronrij(*matrix), rest = restrij(bron);
+    const int bron = bronrij(*matrix), rest = restrij(bron), magazijn = regel_magazijn();
     if (bron == firma.filialen)
         return;
     verdeel_start(regel_nu.model, regel_uitgesloten());
@@ -253,8 +253,8 @@ void auto_verdelen(aantalmatrix* matrix) {
         if (stuks <= 0)
             continue;
         fmset(matrix, bron, maat, 0);
-        Maatdeling d{*matrix, maat, stuks, std::vector<int64_t>(firma.filialen, 0)};
-        verdeel_maat(d, rest);
+        Maatdeling d{*matrix, maat, rest, magazijn, stuks, std::vector<int64_t>(firma.filialen, 0)};
+        verdeel_maat(d);
         for (int f = 0; f < firma.filialen; f++)
             fmadd(matrix, f, maat, static_cast<int32_t>(d.krijgt[static_cast<size_t>(f)]));
     }

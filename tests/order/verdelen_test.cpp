@@ -224,12 +224,11 @@ TEST(Verdelen, veel_stuks_als_stuk_voor_stuk) {
         ASSERT_EQ(v.verdeel({stuks}), (std::vector<Getallen>{wil})) << keer;
     }
     Verdeelmap v({3, 2, 1});
-    verdeel_start(regel_nu.model, regel_uitgesloten());
-    for (int f = 0; f < 3; f++)
-        verdeel_boek(f, 1,
-                     int64_t{1'000'000'000} *
-                         (3 - f)); // three thousand million pieces: 6 times does not fit in 32
     EXPECT_EQ(v.verdeel({2'000'000'000}), (std::vector<Getallen>{{1'000'000'000, 666'666'667, 333'333'333}}));
+    verdeel_vrij();
+    verdeel_start(regel_nu.model, regel_uitgesloten());
+    verdeel_boek(2, 1, 1'000'000'000); // the deficits of the others are 3 and 2 thousand million
+    EXPECT_EQ(v.verdeel({7}), (std::vector<Getallen>{{7, 0, 0}}));
 }
 
 } // namespace
