@@ -32,6 +32,10 @@ void bekijk() {
 bool nee() {
     return false;
 }
+bool verplicht8;
+bool mist8() {
+    return verplicht8 && !waarde[8][0];
+}
 int itemrij(int nummer) {
     return nummer + 1;
 }
@@ -43,11 +47,11 @@ const Item ITEMS[] = {
     {4, &VIER, toon<4>, bewerk<4>, nullptr, nullptr, bekijk},
     {5, &EEN, toon<5>, bewerk<5>, nullptr, nee}, // not on the screen
     {6, &TWEE, toon<6>, niet_gevraagd, nee},     // opens no field
-    {8, &VIJF, toon<8>, bewerk<8>},
+    {8, &VIJF, toon<8>, bewerk<8>, nullptr, nullptr, nullptr, nullptr, mist8},
 };
 const Itemscherm SCHERMPJE{&TITEL, 4, 10, 14, 60, 12, 3, itemrij, ITEMS};
 const uint8_t VRAAG[32] = {1, 1, 1, 1, 1, 1, 1, 1, 1};
-const uint8_t ALLEEN8[32] = {0, 0, 0, 0, 0, 0, 0, 0, 1};
+const uint8_t ALLEEN8[32] = {0, 0, 0, 0, 0, 0, 0, 0, 1}, NIETS[32] = {};
 
 TEST(Items, WalkChoicesAndLooking) {
     struct {
@@ -66,6 +70,19 @@ TEST(Items, WalkChoicesAndLooking) {
          "344-8 1 0 a b "},
         {"F6 and yes", {Itemwijze::nieuw, VRAAG, true}, "a<Enter><F6>J<Enter>", "34 0 0 a  "},
 
+        {"F6 in a chosen field, no and yes",
+         {Itemwijze::nieuw, ALLEEN8, true},
+         "<Esc>V<F6><Enter><F6>J<Enter>",
+         "844 0 0   "},
+        {"what is needed is asked, and asked again by ESC",
+         {Itemwijze::nieuw, NIETS, true},
+         "<Enter><Esc><Esc><Esc>c<Enter><Esc>",
+         "888 1 1   c"},
+        {"ESC breaks off up to an item of the walk",
+         {Itemwijze::nieuw, VRAAG, true, 4},
+         "a<Enter><Esc>",
+         "34 0 0 a  "},
+        {"and not behind it", {Itemwijze::nieuw, VRAAG, true, 3}, "a<Enter><Esc><Esc>", "34 1 0 a  "},
         {"not to be broken off", {Itemwijze::nieuw, ALLEEN8, false}, "<F6><Esc><F6><Esc>", "8 1 0   "},
         {"a change begins at the choices",
          {Itemwijze::wijzigen, VRAAG, false},
@@ -79,6 +96,7 @@ TEST(Items, WalkChoicesAndLooking) {
         SCOPED_TRACE(g.wat);
         Gesprek t([&] {
             bool anders = false;
+            verplicht8 = g.hoe.vraag == NIETS;
             const bool goed = itemscherm(SCHERMPJE, g.hoe, &anders);
             return vorm("%s %d %d %s %s %s", verloop.c_str(), goed, anders, waarde[3], waarde[4], waarde[8]);
         });
