@@ -251,6 +251,8 @@ void lange_order() {
     ors_lees('F', &in);
     double ms = meet([] { verdeel_vrij(); }, [&] { verdeel_herbouw(regel_nu, &in, 0); }, &calls);
     toon("the memory of a model from 1,000 lines", ms, BEELD_MS, calls);
+    ms = meet([] {}, [] { order_totalen(false); }, &calls);
+    toon("the totals of 1,000 lines", ms, BEELD_MS, calls);
     size_t rijen = 0;
     ms =
         meet([] {}, [&] { rijen = matrix_bouw(Matrixkeuze::op_model, regel_nu.model).rijen.size(); }, &calls);

@@ -1,5 +1,6 @@
 // Totals of lines and order. Every line is read into a value of its own, so the cursor's line stays as it is.
 #include "order/later.h"
+#include "order/programma.h"
 #include "order/regelscherm.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
@@ -19,16 +20,23 @@ void order_prijscontext() {
 
 void regel_totaal(const orderregel& regel, ordertotalen* totaal) {
     *totaal = {};
-    const int32_t* rij = matrix_totalen(regel.order_aantallen);
-    for (int maat = 1; maat <= MATEN; maat++) {
-        const int64_t aantal = rij[maat];
+    auto tel = [&](int maat, int64_t aantal) {
         if (aantal <= 0)
-            continue;
+            return;
         totaal->stuks += aantal;
         totaal->bruto += aantal * up_lees(regel.prijzen.bruto, maat);
         totaal->netto += aantal * up_lees(regel.prijzen.netto, maat);
         totaal->inkoop += aantal * up_lees(regel.prijzen.inkoop, maat);
+    };
+    if (regel.order_aantallen.empty()) { // read without matrices: nothing is delivered, the terms hold it all
+        for (const levterm& term : regel.termen)
+            for (const levcel& cel : term.cellen)
+                tel(cel.maat, cel.aantal);
+        return;
     }
+    const int32_t* rij = matrix_totalen(regel.order_aantallen);
+    for (int maat = 1; maat <= MATEN; maat++)
+        tel(maat, rij[maat]);
 }
 
 void order_totaal_bij(char teken, const ordertotalen& totaal) {
@@ -49,6 +57,7 @@ void order_totalen(bool label_aanpassen) {
     ordertotaal = {};
     regelloop loop;
     regelloop_begin(&loop);
+    loop.zonder_matrices = !registermodus;
     orderregel regel;
     ors_ingang ingang{};
     for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang)) {
