@@ -16,6 +16,10 @@ inline int matrix_magazijn(const Matrixscherm* s) {
 bool matrix_boek(const Matrixscherm* s, aantalmatrix* matrix, int rij, int maat, int64_t aantal);
 // Everything painted, with the row "+-" of what is free (MAATKOLOMMEN cells, null: none).
 void matrix_beeld(Matrixscherm* s, const aantalmatrix& matrix, const int32_t* vrij);
+// A branch's number in front of its row, as it stands there.
+void matrix_nummer(const Matrixscherm* s, const aantalmatrix& matrix, uint32_t attr, int filiaal, int rij);
+// The window's last row: a hint, or "" for none.
+void matrix_hint(const char* tekst);
 
 void matrixtoets_totalen(Matrixscherm* s, aantalmatrix* matrix);
 void matrixtoets_hand(Matrixscherm* s, aantalmatrix* matrix);

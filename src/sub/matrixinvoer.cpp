@@ -61,18 +61,24 @@ void teken_som(const Matrixscherm* s, int rij, int kolom, int64_t som) {
     SCRPUT(A_WAARDE, rij, kolom, "%*s", breedte, static_cast<int>(strlen(getal)) <= breedte ? getal : "*");
 }
 
-// Number and sum of a branch never read as one: a sum that needs the column between them has it where the number can
-// move to the left.
+bool uitgesloten(const Matrixscherm* s, int f) {
+    return s->uitgesloten && (s->uitgesloten[f / 8] >> (f % 8) & 1);
+}
+
+// Number and sum of a branch never read as one: where the sum needs the column between them, the number moves to the
+// left if it can, else the sum is too large.
+bool wijkt(const Matrixscherm* s, int f, int64_t som) {
+    return !uitgesloten(s, f) && s->nummers[static_cast<size_t>(f)] < 100 &&
+           cijfers(som) == s->raster.kolvan - MARKKOLOM;
+}
+
 void teken_filiaal(const Matrixscherm* s, const aantalmatrix& m, int f, int rij) {
     const RASTER* r = &s->raster;
-    const int nummer = s->nummers[static_cast<size_t>(f)];
     const int32_t som = matrix_cel(m, f, 0);
-    const bool uit = s->uitgesloten && (s->uitgesloten[f / 8] >> (f % 8) & 1);
-    const bool wijkt = !uit && nummer < 100 && cijfers(som) == r->kolvan - MARKKOLOM;
-    SCRPUT(A_LABEL, rij, 1, "%*d", wijkt ? 2 : 3, nummer);
-    if (uit)
+    matrix_nummer(s, m, A_LABEL, f, rij);
+    if (uitgesloten(s, f))
         SCRPUT(A_LABEL, rij, MARKKOLOM, "*");
-    teken_som(s, rij, wijkt ? MARKKOLOM : MARKKOLOM + 1, som);
+    teken_som(s, rij, wijkt(s, f, som) ? MARKKOLOM : MARKKOLOM + 1, som);
     for (int kol = r->eerstekol; kol <= r->laatstekol; kol++)
         RASTERGETAL(r, A_WAARDE, rij, RASTERKOLPLAATS(r, kol), matrix_cel(m, f, balk_maat(kol)));
 }
@@ -90,11 +96,6 @@ void teken_totaal(const Matrixscherm* s, int rij, const char* naam, const int32_
 
 int rij_nu(const Matrixscherm* s) {
     return s->raster.vast & RASTER_RIJVAST ? int{firma.filialen} : RASTERRIJNU(&s->raster);
-}
-
-void hint(const char* tekst) {
-    SCRCLREOL(WINHOOGTE(), 1);
-    SCRPUT(A_LABEL, WINHOOGTE(), 2, "%s", tekst);
 }
 
 // The cell under the cursor as a field that shows `waarde`. What was entered goes to `neem`; what that refuses (and
@@ -204,6 +205,15 @@ void matrix_beeld(Matrixscherm* s, const aantalmatrix& m, const int32_t* vrij) {
         SCRCLREOL(s->vrijrij, 1);
 }
 
+void matrix_nummer(const Matrixscherm* s, const aantalmatrix& m, uint32_t attr, int f, int rij) {
+    SCRPUT(attr, rij, 1, "%*d", wijkt(s, f, matrix_cel(m, f, 0)) ? 2 : 3, s->nummers[static_cast<size_t>(f)]);
+}
+
+void matrix_hint(const char* tekst) {
+    SCRCLREOL(WINHOOGTE(), 1);
+    SCRPUT(A_LABEL, WINHOOGTE(), 2, "%s", tekst);
+}
+
 bool matrix_boek(const Matrixscherm* s, aantalmatrix* m, int rij, int maat, int64_t aantal) {
     const bool totaal = rij == firma.filialen;
     const int f = totaal ? matrix_magazijn(s) : rij;
@@ -226,7 +236,7 @@ void matrix_totalen(Matrixscherm* s, aantalmatrix* m) {
     if (s->sneltoetsen)
         return matrixtoets_totalen(s, m);
     const bool leeg = fm_leeg(*m);
-    hint("");
+    matrix_hint("");
     int32_t vorige = 0; // an empty matrix: the number for this size is proposed for the next
     RASTERCEL(&s->raster, firma.filialen, 1);
     matrix_beeld(s, *m, nullptr);
@@ -252,7 +262,7 @@ void matrix_hand(Matrixscherm* s, aantalmatrix* m) {
     const bool meer = firma.filialen > 1;
     int terug = RASTERRIJNU(r); // the row that TAB comes back to from the totals
     RASTERCEL(r, meer ? terug : int{firma.filialen}, RASTERKOLNU(r));
-    hint(meer ? TXT(T_TAB_TOTALEN) : "");
+    matrix_hint(meer ? TXT(T_TAB_TOTALEN) : "");
     matrix_beeld(s, *m, nullptr);
     for (bool door = true; door;) {
         if (meer)
@@ -271,7 +281,7 @@ void matrix_hand(Matrixscherm* s, aantalmatrix* m) {
         matrix_beeld(s, *m, nullptr);
     }
     r->vast = 0;
-    hint("");
+    matrix_hint("");
 }
 
 void matrix_verdeel(Matrixscherm* s, aantalmatrix* m, int bron, int rest) {
@@ -289,7 +299,7 @@ void matrix_verdeel(Matrixscherm* s, aantalmatrix* m, int bron, int rest) {
     }
     RASTER* r = &s->raster;
     RASTERCEL(r, RASTERRIJNU(r), RASTERKOLNU(r));
-    hint("");
+    matrix_hint("");
     for (;;) {
         matrix_beeld(s, *m, vrij);
         while (vraag_cel(

@@ -38,7 +38,7 @@ void teken(Matrixscherm* s, const aantalmatrix& m, bool totalen, bool met_f5) {
         SCRPUT(A_LABEL, VRAAGRIJ, 17, "%s", TXT(T_F5_VOORVERDELING));
     const int rij = totalen ? s->totaalrij : RASTERSCHERMRIJ(r);
     if (!totalen)
-        SCRPUT(A_WAARDE_KEUS, rij, 1, "%3d", s->nummers[static_cast<size_t>(RASTERRIJNU(r))]);
+        matrix_nummer(s, m, A_WAARDE_KEUS, RASTERRIJNU(r), rij);
     WINAT(rij, std::max(1, r->kolvan - 1));
 }
 
@@ -93,6 +93,7 @@ template <class N> void lus(Matrixscherm* s, aantalmatrix* m, bool totalen, bool
     RASTER* r = &s->raster;
     RASTERCEL(r, totalen ? int{firma.filialen} : RASTERRIJNU(r), 0);
     vers = true;
+    matrix_hint("");
     BEZIGWIS();
     for (;;) {
         const bool met_f5 = f5 && fm_leeg(*m);

@@ -1,5 +1,6 @@
 // Pre-distributions on the screen: the list of those that fit, one of them looked at, changed or added in the grid,
 // and the one that was picked laid on a table.
+#include "shared/leesstam.h"
 #include "shared/maatbalk.h"
 #include "shared/report.h"
 #include "shared/sysrec.h"
@@ -132,6 +133,10 @@ void scherm(Keus wat, uint16_t nummer) {
     v->begin = nummer;
     aantalmatrix tabel;
     vv_laden(v->maatsoort, nummer, &tabel, nullptr);
+    if (vast && wat != TOEVOEGEN && fm_leeg(tabel)) { // deleted by another since it was listed
+        error("%s", TXT(T_VV_GEWIJZIGD));
+        return vv_laatlos(v->maatsoort, nummer);
+    }
     Matrixscherm s;
     open_scherm(&s, wat, nummer, tabel);
     if (vast)
@@ -315,8 +320,9 @@ bool onderhoud(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten
     }
     Vvlijst hier{};
     hier.maatsoort = maatsoort;
+    const bool mag_wijzigen = mag_onderhoud() && dtvvtab && dtvvtab->mode != 0;
     for (const char* a = acties; *a; a++)
-        if (mag_onderhoud() || *a == 'S')
+        if (mag_wijzigen || *a == 'S')
             hier.acties += *a;
     hier.acties += 'R';
     hier.soortnaam = lijstnaam(MAATSOORTTABEL, {maatsoort, ""});
