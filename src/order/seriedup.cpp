@@ -9,7 +9,7 @@
 #include "order/teksten.h"
 #include "shared/iotab.h"
 #include "term/itemscherm.h"
-#include <cstring>
+#include "term/vast.h"
 
 namespace zg {
 namespace {
@@ -87,7 +87,7 @@ bool serie_dupliceren(bool* model_veranderd) {
     const ordmodel& m = regel_nu.model;
     const bool andere_maten = m.maatsoort != oud.maatsoort;
     *model_veranderd =
-        andere_maten || m.artikelgroep != oud.artikelgroep || memcmp(m.model, oud.model, sizeof m.model) != 0;
+        andere_maten || m.artikelgroep != oud.artikelgroep || VASTTEKST(m.model) != VASTTEKST(oud.model);
     if (andere_maten)
         return serie_vul_nieuw();
     if (!serie_prijzen_dup())

@@ -9,6 +9,7 @@
 #include "price/koers.h"
 #include "shared/maatbalk.h"
 #include "sub/maatsoort.h"
+#include "sub/teksten.h"
 #include "term/ingave.h"
 #include "term/itemscherm.h"
 #include "term/prompt.h"
@@ -191,7 +192,7 @@ const uint8_t VRAAG[] = {0, 1, 0, 0, 0, 0};
 bool prijzen(const Itemverloop& verloop, bool* anders) {
     regelstam_lees(&regel_nu);
     if (!regel_balk(regel_nu)) { // a screen in between may have closed it
-        MELDBOX(MELD_WAARSCHUWING, TXT(T_GEEN_MATEN), nullptr, nullptr);
+        MELDBOX(MELD_WAARSCHUWING, TXT(T_MAAT_GEEN_MATEN), nullptr, nullptr);
         return false;
     }
     order_prijscontext();
@@ -232,7 +233,7 @@ bool serie_vul_nieuw() {
     const ordmodel& m = regel_nu.model;
     balk_open(model_stelsel(m, regelmerk), m.maatsoort, nullptr);
     if (balk_kolommen() == 0) {
-        MELDBOX(MELD_WAARSCHUWING, TXT(T_GEEN_MATEN), nullptr, nullptr);
+        MELDBOX(MELD_WAARSCHUWING, TXT(T_MAAT_GEEN_MATEN), nullptr, nullptr);
         return false;
     }
     if (!serie_maten(SERIERIJ, SERIEKOLOM, maten(), nullptr, nullptr))

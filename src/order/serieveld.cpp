@@ -225,7 +225,8 @@ bool veld_omschrijving(int rij) {
 }
 
 void toon_doelgroep(int rij) {
-    const std::string code(VASTTRIM({&regel_nu.dessin.doelgroep, 1}));
+    const char doelgroep = regel_nu.dessin.doelgroep;
+    const std::string code(doelgroep && doelgroep != ' ' ? 1 : 0, doelgroep);
     SCRPUT(A_WAARDE, rij, WAARDE, "%-5.5s %-30.30s", code.c_str(),
            lijstnaam(DOELGROEPTABEL, {0, code}).c_str());
 }
@@ -245,11 +246,13 @@ bool veld_inkoopplan(int rij) {
     DMREC* menu = DMNEW(TXT(T_PLAN_TITEL));
     DMITEM(menu, TXT(T_PLAN_1_WEL), 1, 1);
     DMITEM(menu, TXT(T_PLAN_2_GEEN), 2, 1);
-    const uint8_t oud = regel_nu.dessin.inkoopplan;
+    const bool oud = regel_nu.dessin.inkoopplan != 0;
     int schermrij, schermkolom;
     WINNAARSCHERM(rij, WAARDE, &schermrij, &schermkolom);
-    regel_nu.dessin.inkoopplan = DMRUN(menu, schermrij, oud ? 1 : 2) == 1 ? 1 : 0;
-    return regel_nu.dessin.inkoopplan != oud;
+    const bool nieuw = DMRUN(menu, schermrij, oud ? 1 : 2) == 1;
+    if (nieuw != oud)
+        regel_nu.dessin.inkoopplan = nieuw ? 1 : 0;
+    return nieuw != oud;
 }
 
 void toon_dessintekst(int rij) {
