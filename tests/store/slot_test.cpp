@@ -272,6 +272,7 @@ TEST_F(Slot, ReserveringVervuldDoorEenExclusieveHandle) {
     EXPECT_EQ("1", ik("readl 7"));
     ik("delete 7");
     EXPECT_EQ("0", ander->vraag("readl 7"));
+    IXCLOSE(ik.icb);
 }
 
 // The queue's lock is another's, or can't be had at all: an insert waits, is killed or stops with the pair whole.
