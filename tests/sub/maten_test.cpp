@@ -1,10 +1,13 @@
 // Size types, bars, the sizes of a series: what a user does, and what the files hold afterwards.
 #include "shared/iotab.h"
 #include "shared/maatbalk.h"
+#include "shared/syscalls.h"
 #include "sub/maatsoort.h"
 #include "support/paar.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
+#include <cerrno>
+#include <unistd.h>
 
 namespace zg {
 namespace {
@@ -234,6 +237,45 @@ TEST_F(Maten, FullAndDamaged) {
     d.toetsen("<Enter>");
     EXPECT_EQ(d.antwoord(), "1");
     EXPECT_EQ(test::lees_bestand("DTMAAT.TXT"), stuk);
+}
+
+// A write that the disk refuses is told, and the screen keeps what was entered until it can be written, or is left
+// without.
+TEST_F(Maten, RefusedWrites) {
+    static bool maten; // of the sizes, else of the description
+    static int weiger;
+    struct {
+        bool maten;
+        uint8_t soort;
+        const char *toetsen, *weg, *uit;
+    } const rijen[] = {
+        {true, 1, "12<Right><F8>XSM<Enter><Esc><Esc>", "<Enter><Enter><Esc>",
+         "1:XS 6:XSM 2:S 3:M 4:L 5:XL Confectie"},
+        {true, 1, "12<F8>A<Enter><Esc><Esc>", "<Enter>j<Enter>", "1:XS 6:XSM 2:S 3:M 4:L 5:XL Confectie"},
+        {false, 1, "11Dames<Enter><Esc>", "<Enter><Enter><Esc>", "1:XS 6:XSM 2:S 3:M 4:L 5:XL Dames"},
+        // A new type whose description can't be written has no sizes either.
+        {false, 7, "j<Enter>Nieuw<Enter>A<Enter><Esc>", "<Enter>j<Enter>", ""},
+        {false, 7, "j<Enter>Nieuw<Enter>A<Enter><Esc>", "<Enter><Enter><Esc>", "1:A Nieuw"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(vorm("%s %s", r.toetsen, r.weg));
+        Gesprek t([&] {
+            begin();
+            maten = r.maten, weiger = 1;
+            SYS.pwrite = [](int fd, const void* p, size_t n, off_t plaats) -> ssize_t {
+                if (weiger && fd == (maten ? dtmaat->datfd : iotab_fd()))
+                    return weiger = 0, errno = ENOSPC, -1;
+                return pwrite(fd, p, n, plaats);
+            };
+            maatsoort_onderhoud(4, 1, 1, r.soort);
+            return vorm("%d", weiger);
+        });
+        t.toetsen(r.toetsen);
+        EXPECT_TRUE(t.wacht("schijf vol")) << t.scherm();
+        t.toetsen(r.weg);
+        EXPECT_EQ(t.antwoord(), "0");
+        EXPECT_EQ(op_bestand(1, r.soort), r.uit);
+    }
 }
 
 } // namespace
