@@ -5,6 +5,7 @@
 #include "sub/maatsoort.h"
 #include "sub/reeksen.h"
 #include "support/paar.h"
+#include "support/slotboek.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
 #include "term/toets.h"
@@ -151,6 +152,8 @@ TEST(SubWild, Keys) {
             TOETSLEEG();
             if (SCHERM.aantal != vensters)
                 fout += " a window stays";
+            if (const std::string sloten = test::slotboek(); !sloten.empty())
+                fout += " a lock stays: " + sloten;
             if (dobbel(20) == 0) {
                 balk_sluit();
                 beschadig();
