@@ -370,6 +370,13 @@ TEST_F(Stam, GroupByFirm) {
     klein.wacht("Minimum voorraad in winkel");
     klein.toetsen("<Esc><Esc>");
     EXPECT_EQ(klein.antwoord(), "0");
+    Gesprek merk([] {
+        begin();
+        return vorm("%d", merk_scherm(104));
+    });
+    EXPECT_EQ(merk.scherm().find("Filiaal uitsl"), std::string::npos);
+    merk.toetsen("<Esc>");
+    EXPECT_EQ(merk.antwoord(), "0");
 }
 
 // ---- relations
