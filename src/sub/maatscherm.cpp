@@ -135,8 +135,10 @@ bool verwijder(Type* t) {
     if (!JNVRAAG(KEUSRIJ, KOLOM, "[-]%s", TXT(T_MS_VERWIJDEREN_VRAAG)))
         return false;
     t->geschreven = true;
-    if (wis_maten(t))
-        t->bestaat = !iotab('D', &t->nr, &t->rec, SYS_MAATSOORT);
+    tekst20 geen{};
+    t->bestaat = !iotab('w', &t->nr, &geen, SYS_MAATSOORT); // the name first: never one without sizes
+    if (!t->bestaat)
+        wis_maten(t);
     return true;
 }
 
