@@ -1,12 +1,16 @@
 // Brands, article groups and relations: the brand's field, and a conversation on each screen with what stands in the
 // file afterwards.
 #include "shared/leesstam.h"
+#include "shared/syscalls.h"
 #include "shared/woordenboek.h"
+#include "store/rebuild.h"
 #include "store/wachtrij.h"
 #include "sub/artgroep.h"
 #include "sub/merken.h"
 #include "sub/omlev.h"
+#include "sub/stampost.h"
 #include "support/paar.h"
+#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
@@ -473,6 +477,77 @@ TEST_F(Stam, RelationDeleted) {
     using Partner = std::array<uint8_t, 164>;
     EXPECT_EQ(rec<Partner>("edistam/DTRCLPAR", uint16_t{12})[0], 0);
     EXPECT_EQ(rec<Partner>("edistam/DTRCLPAR", uint16_t{13})[0], 13);
+}
+
+// ---- a record in hand, refused or killed at each write
+
+decltype(SYS.pwrite) echt;
+int over; // writes that go well
+bool doodgaan;
+
+ssize_t stoor(int fd, const void* buf, size_t n, off_t plaats) {
+    if (over-- != 0)
+        return echt(fd, buf, n, plaats);
+    if (doodgaan)
+        raise(SIGKILL);
+    errno = ENOSPC;
+    return -1;
+}
+
+enum Werk { VOEG_TOE, WIJZIG, WIS };
+
+// Refused, the record is ours as before, until it is let go.
+bool doe(Werk werk) {
+    Stampost post{&dtmerk};
+    merkrec m{};
+    m.merk = werk == VOEG_TOE ? 9 : 104;
+    if (post_lees(&post, &m, sizeof m, sizeof m.merk, true) < 0)
+        return false;
+    VASTIN(m.naam, "Z");
+    VASTIN(m.zoeknaam, "Z");
+    if (werk == WIS ? post_wis(&post) : post_schrijf(&post, &m, sizeof m))
+        return true;
+    EXPECT_TRUE(post.slot);
+    EXPECT_EQ(IXRESERVERINGEN(dtmerk->idxfd, dtmerk->h).size(), werk == VOEG_TOE ? 1u : 0u);
+    post_vrij(&post);
+    EXPECT_EQ(IXRESERVERINGEN(dtmerk->idxfd, dtmerk->h).size(), 0u);
+    return false;
+}
+
+TEST_F(Stam, RefusedAndKilledAtEachWrite) {
+    echt = SYS.pwrite;
+    auto stand = [] {
+        return VASTTEKST(rec<merkrec>("DTMERK", uint16_t{104}).naam) + "|" +
+               VASTTEKST(rec<merkrec>("DTMERK", uint16_t{9}).naam);
+    };
+    const std::string oud = stand(), index = test::lees_bestand("DTMERK.INX"),
+                      data = test::lees_bestand("DTMERK.TXT");
+    const char* const daarna[] = {"Nordlys|Z", "Z|", "|"};
+    for (Werk werk : {VOEG_TOE, WIJZIG, WIS}) {
+        int status = 1;
+        for (int n = 0; status != 0; n++)
+            for (bool dood : {false, true}) {
+                SCOPED_TRACE(vorm("%d, write %d, %d", werk, n, dood));
+                ASSERT_LT(n, 40);
+                const test::Afloop a = test::in_proces([&] {
+                    begin();
+                    over = n, doodgaan = dood;
+                    SYS.pwrite = stoor;
+                    const bool goed = doe(werk);
+                    return goed ? 0 : testing::Test::HasFailure() ? 8 : 7;
+                });
+                status = a.status;
+                EXPECT_TRUE(status == 0 || status == (dood ? 128 + SIGKILL : 7)) << status << a.uitvoer;
+                if (status == 128 + SIGKILL) {
+                    std::vector<std::string> gewist; // what was reserved
+                    EXPECT_EQ(IXBLDIX("DTMERK", &gewist), 1);
+                }
+                const std::string nu = stand();
+                EXPECT_TRUE(nu == daarna[werk] || (nu == oud && status != 0)) << status << nu;
+                test::schrijf_bestand("DTMERK.INX", index);
+                test::schrijf_bestand("DTMERK.TXT", data);
+            }
+    }
 }
 
 } // namespace
