@@ -168,6 +168,7 @@ bool veld_maatsoort(int rij) {
     while (maatsoort_veld(rij, WAARDE, "EP", &m.maatsoort, false, stelsel) != Lijstuit::weg &&
            SCHERM.laatste != K_F6 && mist_maatsoort()) {
         maatsoort_onderhoud(STELSELRIJ, STELSELKOLOM, stelsel, m.maatsoort);
+        toon_maatsoort(rij);
         if (toetsen)
             INSTELSET(toetsen.get());
     }
