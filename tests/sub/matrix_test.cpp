@@ -72,175 +72,75 @@ struct Matrix : Systeem {
 // Keys of which the last leaves the screen, with what must stand somewhere before it; then the matrix and that key.
 TEST_F(Matrix, InvoerZoalsEenInkoper) {
     struct Rij {
-        const char* waarom;
-        char hoe;
-        int filialen;
+        const char* hoe; // and branches
         std::vector<Stuks> begin;
-        const char *toetsen, *gezien, *slot, *uit;
+        std::string stappen; // keys | what is seen then | keys
+        const char* uit;
     };
     const Rij RIJEN[] = {
-        {"a number is proposed for the next size; the last one ends",
-         'T',
-         2,
+        // a number is proposed for the next size; the last one ends
+        {"T2", {}, "12<Enter><Enter>|24|7<Enter>", "31:12 12 7 0:0 0 0 31:12 12 7 10"},
+        // what is only passed is not entered
+        {"T2", {}, "5<Enter><Right>|5|<Enter>", "10:5 0 5 0:0 0 0 10:5 0 5 10"},
+        // no cell below 0
+        {"T2", {{0, 1, 4}, {1, 1, 3}}, "2<Enter>|<2> Minimaal 3|3<Enter><Esc>", "0:0 0 0 3:3 0 0 3:3 0 0 27"},
+        // one branch: no rows
+        {"T1", {{0, 1, 4}}, "5<Enter>|5    5 ____|<Esc>", "5:5 0 0 5:5 0 0 27"},
+        // ESC takes nothing
+        {"T2", {}, "1<Enter>44|44|<Esc>", "1:1 0 0 0:0 0 0 1:1 0 0 27"},
+        // ENTER goes along the row
+        {"H2",
          {},
-         "12<Enter><Enter>",
-         "24",
-         "7<Enter>",
-         "31:12 12 7 0:0 0 0 31:12 12 7 10"},
-        {"what is only passed is not entered",
-         'T',
-         2,
-         {},
-         "5<Enter><Right>",
-         "5",
-         "<Enter>",
-         "10:5 0 5 0:0 0 0 10:5 0 5 10"},
-        {"no cell below 0",
-         'T',
-         2,
-         {{0, 1, 4}, {1, 1, 3}},
-         "2<Enter>",
-         "<2> Minimaal 3",
-         "3<Enter><Esc>",
-         "0:0 0 0 3:3 0 0 3:3 0 0 27"},
-        {"one branch: no rows",
-         'T',
-         1,
-         {{0, 1, 4}},
-         "5<Enter>",
-         "5    5 ____",
-         "<Esc>",
-         "5:5 0 0 5:5 0 0 27"},
-        {"ESC takes nothing", 'T', 2, {}, "1<Enter>44", "44", "<Esc>", "1:1 0 0 0:0 0 0 1:1 0 0 27"},
-        {"ENTER goes along the row",
-         'H',
-         2,
-         {},
-         "1<Enter>2<Enter>3<Enter>4<Enter>",
-         "<TAB> voor totalen",
-         "<Esc>",
+         "1<Enter>2<Enter>3<Enter>4<Enter>|<TAB> voor totalen|<Esc>",
          "6:1 2 3 4:4 0 0 10:5 2 3 27"},
-        {"the totals and back",
-         'H',
-         2,
-         {},
-         "<Down><Tab>6<Enter>",
-         "6",
-         "<Tab>2<Tab><Esc>",
-         "6:6 0 0 2:0 2 0 8:6 2 0 27"},
-        {"the last cell ends",
-         'H',
-         2,
-         {},
-         "<Down><Right><Right>",
-         "tot",
-         "9<Enter>",
-         "0:0 0 0 9:0 0 9 9:0 0 9 10"},
-        {"an entry refused with TAB stays",
-         'H',
-         2,
-         {{1, 1, 3}},
-         "<Tab>1<Tab>",
-         "<1> Minimaal 3",
-         "5<Enter><Esc>",
-         "2:2 0 0 3:3 0 0 5:5 0 0 27"},
-        {"too much",
-         'V',
-         2,
+        // the totals and back
+        {"H2", {}, "<Down><Tab>6<Enter>|6|<Tab>2<Tab><Esc>", "6:6 0 0 2:0 2 0 8:6 2 0 27"},
+        // the last cell ends
+        {"H2", {}, "<Down><Right><Right>|tot|9<Enter>", "0:0 0 0 9:0 0 9 9:0 0 9 10"},
+        // an entry refused with TAB stays
+        {"H2", {{1, 1, 3}}, "<Tab>1<Tab>|<1> Minimaal 3|5<Enter><Esc>", "2:2 0 0 3:3 0 0 5:5 0 0 27"},
+        // too much
+        {"V2",
          {{0, 1, 10}},
-         "8<Enter>5<Enter><Esc>",
-         "Meer stuks in filialen dan totaal aanwezig van deze maat",
-         "<Down>2<Enter><Esc>",
+         "8<Enter>5<Enter><Esc>|Meer stuks in filialen dan|<Down>2<Enter><Esc>",
          "8:8 0 0 2:2 0 0 10:10 0 0 27"},
-        {"more than there is",
-         'V',
-         2,
+        // more than there is
+        {"V2",
          {{0, 1, 10}},
-         "12<Enter>",
-         "<12> Maximaal 10 beschikbaar",
-         "<Esc>",
+         "12<Enter>|<12> Maximaal 10 beschikbaar|<Esc>",
          "0:0 0 0 10:10 0 0 10:10 0 0 27"},
-        {"a size without pieces; one that isn't on the bar stays",
-         'V',
-         2,
-         {{0, 5, 7}},
-         "1<Enter>",
-         "Maat zonder aantallen",
-         "<Esc>",
-         "7:0 0 0 0:0 0 0 7:0 0 0 27"},
-        {"a branch takes all, and what is left to the rest",
-         'V',
-         2,
+        // a size without pieces; one that isn't on the bar stays
+        {"V2", {{0, 5, 7}}, "1<Enter>|Maat zonder aantallen|<Esc>", "7:0 0 0 0:0 0 0 7:0 0 0 27"},
+        // a branch takes all, and what is left to the rest
+        {"V2",
          {{0, 1, 10}, {0, 2, 4}},
-         "10<Enter>10<Enter>",
-         "+-     4         4",
-         "<Esc>",
+         "10<Enter>10<Enter>|+-     4         4|<Esc>",
          "0:0 0 0 14:10 4 0 14:10 4 0 27"},
-        {"step and letters",
-         't',
-         2,
-         {},
-         "5qq-w",
-         "<-5> Minimaal 0",
-         "=w999e<Esc>",
-         "1010:10 1 999 0:0 0 0 1010:10 1 999 27"},
-        {"the most of a total",
-         't',
-         2,
-         {{0, 1, 1}},
-         "999q",
-         "Maximaal 999",
-         "<Esc>",
-         "1:1 0 0 0:0 0 0 1:1 0 0 27"},
-        {"no F5 over quantities",
-         't',
-         2,
-         {{0, 1, 1}},
-         "<F5>",
-         "Ongeldige toets",
-         "<Esc>",
-         "1:1 0 0 0:0 0 0 1:1 0 0 27"},
-        {"F5 while empty", 't', 2, {}, "", "<F5> voor voorverdeling", "<F5>", "0:0 0 0 0:0 0 0 0:0 0 0 269"},
-        {"a step of three digits",
-         'h',
-         2,
-         {},
-         "<Down>12q1234",
-         "<4> Alleen -, =, 1-9",
-         "e<Esc>",
-         "0:0 0 0 135:12 0 123 135:12 0 123 27"},
-        {"letters of what is on the screen",
-         'h',
-         2,
-         {},
-         "r",
-         "<r> Alleen -, =, 1-9 of Q-E",
-         "<Esc>",
-         "0:0 0 0 0:0 0 0 0:0 0 0 27"},
-        {"from the source, and back",
-         'v',
-         2,
-         {{0, 1, 3}},
-         "<Down>2qq",
-         "Maat reeds verdeeld",
-         "-q=q<Esc>",
-         "2:2 0 0 1:1 0 0 3:3 0 0 27"},
-        {"the source itself",
-         'v',
-         2,
-         {{0, 1, 3}},
-         "q<Down>w",
-         "Maat zonder aantallen",
-         "<Esc>",
-         "4:4 0 0 0:0 0 0 4:4 0 0 27"},
+        // step and letters
+        {"t2", {}, "5qq-w|<-5> Minimaal 0|=w999e<Esc>", "1010:10 1 999 0:0 0 0 1010:10 1 999 27"},
+        // the most of a total
+        {"t2", {{0, 1, 1}}, "999q|Maximaal 999|<Esc>", "1:1 0 0 0:0 0 0 1:1 0 0 27"},
+        // no F5 over quantities
+        {"t2", {{0, 1, 1}}, "<F5>|Ongeldige toets|<Esc>", "1:1 0 0 0:0 0 0 1:1 0 0 27"},
+        // F5 while empty
+        {"t2", {}, "|<F5> voor voorverdeling|<F5>", "0:0 0 0 0:0 0 0 0:0 0 0 269"},
+        // a step of three digits
+        {"h2", {}, "<Down>12q1234|<4> Alleen -, =, 1-9|e<Esc>", "0:0 0 0 135:12 0 123 135:12 0 123 27"},
+        // letters of what is on the screen
+        {"h2", {}, "r|<r> Alleen -, =, 1-9 of Q-E|<Esc>", "0:0 0 0 0:0 0 0 0:0 0 0 27"},
+        // from the source, and back
+        {"v2", {{0, 1, 3}}, "<Down>2qq|Maat reeds verdeeld|-q=q<Esc>", "2:2 0 0 1:1 0 0 3:3 0 0 27"},
+        // the source itself
+        {"v2", {{0, 1, 3}}, "q<Down>w|Maat zonder aantallen|<Esc>", "4:4 0 0 0:0 0 0 4:4 0 0 27"},
     };
     for (const Rij& rij : RIJEN) {
-        SCOPED_TRACE(rij.waarom);
-        begin(rij.filialen, 3, rij.begin);
-        Gesprek t([&] { return werk(rij.hoe); });
-        t.toetsen(rij.toetsen);
-        EXPECT_TRUE(t.wacht(rij.gezien));
-        t.toetsen(rij.slot);
+        SCOPED_TRACE(rij.stappen);
+        begin(rij.hoe[1] - '0', 3, rij.begin);
+        Gesprek t([&] { return werk(rij.hoe[0]); });
+        const size_t een = rij.stappen.find('|'), twee = rij.stappen.rfind('|');
+        t.toetsen(rij.stappen.substr(0, een));
+        EXPECT_TRUE(t.wacht(rij.stappen.substr(een + 1, twee - een - 1)));
+        t.toetsen(rij.stappen.substr(twee + 1));
         EXPECT_EQ(t.antwoord(), rij.uit);
     }
 }
