@@ -84,41 +84,22 @@ TEST(Verdelen, regels_van_de_artikelgroep) {
         Getallen stuks;
         std::vector<Getallen> uit;
     };
+    // clang-format off
     const Rij rijen[] = {
-        {"weights, the next size goes on",
-         {3, 2, 1},
-         'P',
-         0,
-         0,
-         -1,
-         0,
-         false,
-         0,
-         {7, 1},
-         {{4, 2, 1}, {0, 1, 0}}},
+        {"weights, the next size goes on", {3, 2, 1}, 'P', 0, 0, -1, 0, false, 0, {7, 1}, {{4, 2, 1}, {0, 1, 0}}},
         {"each size its own memory", {3, 2, 1}, 'P', 0, 0, -1, 0, true, 0, {7, 1}, {{4, 2, 1}, {1, 0, 0}}},
         {"minimum, percentage", {3, 2, 1}, 'P', 2, 25, 2, 0, false, 0, {20}, {{7, 5, 8}}},
         {"per cent rounds half up: 2.5 of 10", {1, 1, 1}, 'P', 0, 25, 2, 0, false, 0, {10}, {{3, 2, 5}}},
         {"more than all goes to the warehouse", {1, 1, 0}, 'P', 1, 200, 2, 0, false, 0, {9}, {{1, 1, 7}}},
-        {"too few for the minimum: one each, then by weight",
-         {3, 2, 1},
-         'P',
-         2,
-         50,
-         2,
-         0,
-         false,
-         0,
-         {5},
-         {{2, 2, 1}}},
+        {"too few for the minimum: one each, then by weight", {3, 2, 1}, 'P', 2, 50, 2, 0, false, 0, {5}, {{2, 2, 1}}},
         {"numbers, the rest", {2, 2, 1}, 'A', 0, 0, 2, 0, false, 0, {9}, {{2, 2, 5}}},
-        {"numbers, none for the warehouse itself", {2, 2, 1}, 'A', 0, 0, 2, 1, false, 0, {9}, {{2, 2, 5}}},
         {"fewer than the numbers", {2, 2, 1}, 'A', 0, 0, 2, 0, false, 0, {4}, {{2, 1, 1}}},
         {"excluded: nothing of its own", {3, 2, 1}, 'P', 1, 0, -1, 0, false, 2, {8}, {{6, 0, 2}}},
         {"excluded source keeps the rest", {3, 2, 1}, 'A', 0, 0, -1, 0, false, 1, {8}, {{5, 2, 1}}},
         {"another kind: all to the rest", {3, 2, 1}, 'X', 0, 0, 1, 0, false, 0, {8}, {{0, 8, 0}}},
         {"no such warehouse: the source", {2, 2, 1}, 'A', 0, 0, 90, 0, false, 0, {9}, {{6, 2, 1}}},
     };
+    // clang-format on
     for (const Rij& r : rijen) {
         SCOPED_TRACE(r.waarom);
         Verdeelmap v(r.gewichten);
