@@ -75,14 +75,17 @@ std::string titel(const Codetabel& t) {
 bool kies(const Lijsttabel& tabel, Lijstcode* code) {
     const Codetabel& t = codetabel(tabel);
     const bool tekst = t.hoogste == 0;
+    constexpr int ZOEKBREEDTE = 12; // of a number or a name
     const std::string zoekformaat = regel(t.plaats == Codetabel::ISO ? "%ds,IU"
                                           : tekst                    ? "%ds[^.,],I"
-                                                                     : "%ds[0123456789],I",
-                                          t.codebreedte);
+                                                                     : "%ds,I",
+                                          tekst ? t.codebreedte : ZOEKBREEDTE);
     // The head's columns are those of the rows; a blank is left in front of the second.
     const std::string kop =
         regel("%-*.*s%s", t.kolom, t.kolom - 1, TXT(t.kolom < 5 ? T_NR : T_CODE), TXT(T_OMSCHRIJVING));
-    return lijstkies(tabel, {titel(t), kop, TXT(T_CODEVRAAG), zoekformaat.c_str(), rijen, record}, code);
+    return lijstkies(
+        tabel, {titel(t), kop, TXT(T_CODEVRAAG), zoekformaat.c_str(), rijen, record, tekst ? 0 : t.kolom},
+        code);
 }
 
 // ---- VAT: the firm's percentages by code

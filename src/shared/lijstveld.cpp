@@ -3,7 +3,9 @@
 #include "shared/arraylijst.h"
 #include "shared/report.h"
 #include "shared/sysrec.h"
+#include "shared/teksten.h"
 #include "term/ingave.h"
+#include "term/natl.h"
 #include "term/prompt.h"
 #include "term/vast.h"
 #include <algorithm>
@@ -123,6 +125,30 @@ std::string lijstnaam(const Lijsttabel& tabel, const Lijstcode& code) {
     return !code.leeg() && tabel.lees(tabel, code, &naam) ? naam : std::string();
 }
 
+namespace {
+
+std::string groot(std::string tekst) {
+    GROOT(tekst.data());
+    return tekst;
+}
+
+// The first row whose name begins with a text, else the first that holds it; -1, told, when there is none.
+int met_naam(const std::vector<Lijstblad::Rij>& rijen, size_t kolom, const std::string& tekst) {
+    int met = -1;
+    for (size_t i = 0; i < rijen.size(); i++) {
+        const size_t plaats = groot(rijen[i].regel).find(groot(tekst), kolom);
+        if (plaats == kolom)
+            return static_cast<int>(i);
+        if (plaats != std::string::npos && met < 0)
+            met = static_cast<int>(i);
+    }
+    if (met < 0)
+        error("<%s> %s", tekst.c_str(), TXT(T_NIET_GEVONDEN));
+    return met;
+}
+
+} // namespace
+
 bool lijstkies(const Lijsttabel& tabel, const Lijstblad& blad, Lijstcode* code) {
     std::vector<Lijstblad::Rij> rijen;
     ArrayLijst lijst{};
@@ -144,10 +170,13 @@ bool lijstkies(const Lijsttabel& tabel, const Lijstblad& blad, Lijstcode* code) 
     lijst.begin = std::max(plaats(*code), 0);
     lijst.zoek = [&](const char* getypt) {
         Lijstcode gezocht;
+        const std::string tekst(VASTTRIM(getypt));
+        if (blad.naamkolom > 0 && tekst.find_first_not_of("0123456789") != std::string::npos)
+            return met_naam(rijen, static_cast<size_t>(blad.naamkolom), tekst);
         if (rijen.empty() || rijen[0].code.tekst.empty())
             gezocht.nummer = atoi(getypt);
         else
-            gezocht.tekst = VASTTRIM(getypt);
+            gezocht.tekst = tekst;
         const int rij = plaats(gezocht);
         if (rij < 0)
             tabel.onbekend(tabel, gezocht);

@@ -64,6 +64,9 @@ struct Lijstblad {
     };
     std::vector<Rij> (*rijen)(const Lijsttabel& tabel);
     void (*record)(const Lijsttabel& tabel, const Lijstcode& code) = nullptr;
+    // Column of the name in a row, from 0: what is typed and isn't a number finds the first name that begins so, or
+    // has it in it. 0: codes only.
+    int naamkolom = 0;
 };
 bool lijstkies(const Lijsttabel& tabel, const Lijstblad& blad, Lijstcode* code);
 

@@ -162,8 +162,12 @@ TEST_F(Codes, RecordOfARow) {
         t.toetsen("<F5><F10>WV");
         EXPECT_TRUE(t.wacht(" RAADPLEGEN KLEUR ")) << t.scherm();
         EXPECT_EQ(t.scherm().find("Wijzigen"), std::string::npos) << t.scherm();
-        t.toetsen("<Enter><Enter>");
-        EXPECT_EQ(t.antwoord(), "5 Rood");
+        t.toetsen("<Enter>art<Enter>"); // part of a name
+        EXPECT_TRUE(t.wacht("9     Zwart")) << t.scherm();
+        t.toetsen("x<Enter>");
+        EXPECT_TRUE(t.wacht_op(25, 1, "<x> niet gevonden")) << t.scherm();
+        t.toetsen("<Enter>");
+        EXPECT_EQ(t.antwoord(), "9 Zwart");
         EXPECT_EQ(lees_bestand("DTSYS.TXT"), vooraf);
     }
     Gesprek t([] { return veld(KLEURTABEL); });
