@@ -8,8 +8,15 @@
 
 namespace zg {
 
+namespace {
+// The brand's excluded branches as they were read last. A copy: a screen that holds them may have a maintenance screen
+// above it, after which the brand is read anew.
+uint8_t uitgesloten[sizeof regelmerk.uitgesloten];
+} // namespace
+
 void regelstam_lees(orderregel* regel) {
     leesmerk(dtmerk, &regelmerk, regel->model.merk);
+    memset(uitgesloten, 0, sizeof uitgesloten);
     leesart(dtart, &regelgroep, regel->model.artikelgroep);
     regel->gewichten.assign(firma.filialen + size_t{1}, 0);
     unsigned som = 0;
@@ -47,8 +54,9 @@ int regel_magazijn() {
 }
 
 const uint8_t* regel_uitgesloten() {
-    static const uint8_t GEEN[sizeof regelmerk.uitgesloten] = {};
-    return regelmerk.merk ? regelmerk.uitgesloten : GEEN;
+    if (regelmerk.merk)
+        memcpy(uitgesloten, regelmerk.uitgesloten, sizeof uitgesloten);
+    return uitgesloten;
 }
 
 } // namespace zg

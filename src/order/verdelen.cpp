@@ -8,6 +8,8 @@
 #include "shared/report.h"
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <numeric>
 
 namespace zg {
 
@@ -102,52 +104,117 @@ void rondes_bijvullen(Maatdeling& d) {
     }
 }
 
-// Piece by piece to the greatest deficit: by priority among all, by numbers among those below theirs, which is compared
-// to the low byte of what they have. The deficits are followed here: those of a size that has many pieces are asked
-// often, as they were before the last piece was given.
-void stuk_voor_stuk(Maatdeling& d, bool tot_aantal) {
-    struct Mee {
-        int64_t tekort, ruimte;
-        int32_t gewicht, kreeg;
-        size_t filiaal;
-    };
+// The branches that still get pieces of one size, in heaps by weight: with every piece the deficits of one weight rise
+// alike, so their order within a heap stays, and only the tops are compared.
+struct Mee {
+    int64_t tekort; // without what the pieces given meanwhile brought: its weight times Rij::gegeven
+    int64_t ruimte; // pieces that it may still get
+    int64_t kreeg, kreeg_ronde;
+    int64_t begin; // deficit at the begin of the round
+    int32_t gewicht;
+    size_t filiaal;
+};
+struct Rij {
     std::vector<Mee> mee;
+    std::vector<std::vector<size_t>> hopen; // places in `mee`, each a heap of one weight
+    int64_t gegeven = 0;
+
+    int64_t tekort(const Mee& m) const { return m.tekort + m.gewicht * gegeven; }
+    auto lager() const {
+        return [this](size_t a, size_t b) { // ties keep the lower branch
+            return mee[a].tekort != mee[b].tekort ? mee[a].tekort < mee[b].tekort : a > b;
+        };
+    }
+    void maak_hopen() {
+        for (auto& hoop : hopen)
+            std::make_heap(hoop.begin(), hoop.end(), lager());
+    }
+    // The heap with the greatest deficit on top; null when nobody gets any more.
+    std::vector<size_t>* beste() {
+        std::vector<size_t>* uit = nullptr;
+        for (auto& hoop : hopen) {
+            if (hoop.empty())
+                continue;
+            const size_t i = hoop[0], j = uit ? (*uit)[0] : i;
+            const int64_t ti = tekort(mee[i]), tj = tekort(mee[j]);
+            if (!uit || ti > tj || (ti == tj && i < j))
+                uit = &hoop;
+        }
+        return uit;
+    }
+};
+
+// A round is over in which some branches got pieces and others none. When the deficits of those went down alike, what
+// follows is the same round again, until the pieces are out or another one's deficit may reach theirs, whose lowest
+// winner was `laagste`: so many times, at once. Answers the length at which a round can repeat itself.
+int64_t herhaal_ronde(Rij& rij, int64_t lengte, int64_t over, int64_t laagste) {
+    int64_t daling = 0, som = 0, aantal = 0, deler = 0;
+    bool gelijk = true;
+    for (const Mee& m : rij.mee)
+        if (m.kreeg_ronde) {
+            const int64_t d = rij.tekort(m) - m.begin;
+            gelijk = gelijk && (aantal == 0 || d == daling);
+            daling = d, som += m.gewicht, aantal++;
+        }
+    int64_t keren = over / lengte;
+    for (const Mee& m : rij.mee) {
+        if (m.kreeg_ronde)
+            deler = std::gcd(deler, m.gewicht * aantal + nu.som - som);
+        else if (gelijk) // then it isn't above 0
+            keren = std::min(keren, (laagste - rij.tekort(m) - 1) / (lengte * m.gewicht - daling));
+    }
+    if (gelijk && keren > 0) {
+        for (Mee& m : rij.mee) {
+            m.kreeg += keren * m.kreeg_ronde;
+            m.tekort -= keren * m.kreeg_ronde * nu.som;
+        }
+        rij.gegeven += keren * lengte;
+        rij.maak_hopen();
+    }
+    for (Mee& m : rij.mee)
+        m.kreeg_ronde = 0, m.begin = rij.tekort(m);
+    const int64_t kortst = nu.som * aantal / std::gcd(deler, nu.som * aantal);
+    return (nu.som + kortst - 1) / kortst * kortst; // long enough for everybody in turn to be seen
+}
+
+// Piece by piece to the greatest deficit: by priority among all, by numbers among those below theirs, which is compared
+// to the low byte of what they have.
+void stuk_voor_stuk(Maatdeling& d, bool tot_aantal) {
+    Rij rij;
     const int64_t* stukken = kolom(d.maat);
+    std::map<int32_t, std::vector<size_t>> per_gewicht;
     for (size_t f = 0; f < nu.gewicht.size(); f++) {
         const int64_t ruimte = tot_aantal ? nu.gewicht[f] - static_cast<uint8_t>(d.heeft(f)) : d.over;
-        if (nu.gewicht[f] && ruimte > 0)
-            mee.push_back({tekort(stukken, f) - nu.gewicht[f], ruimte, nu.gewicht[f], 0, f});
-    }
-    int64_t in_ronde = 0;
-    while (d.over - in_ronde > 0 && !mee.empty()) {
-        auto beste = mee.begin();
-        for (auto m = mee.begin(); m != mee.end(); ++m) {
-            m->tekort += m->gewicht;
-            if (m->tekort > beste->tekort)
-                beste = m;
-        }
-        beste->tekort -= nu.som;
-        beste->kreeg++;
-        in_ronde++;
-        if (beste->kreeg >= beste->ruimte) {
-            in_ronde -= beste->kreeg;
-            d.geef(beste->filiaal, beste->kreeg);
-            mee.erase(beste);
-        }
-        if (in_ronde < nu.som)
+        if (!nu.gewicht[f] || ruimte <= 0)
             continue;
-        // As many pieces as all weights together: when each got its weight the deficits are what they were, and what
-        // follows is this round again and again.
-        const bool rond =
-            std::all_of(mee.begin(), mee.end(), [](const Mee& m) { return m.kreeg == m.gewicht; });
-        const int64_t keren = rond ? d.over / nu.som : 1;
-        for (Mee& m : mee) {
-            d.geef(m.filiaal, m.kreeg * keren);
-            m.kreeg = 0;
-        }
-        in_ronde = 0;
+        per_gewicht[nu.gewicht[f]].push_back(rij.mee.size());
+        const int64_t t = tekort(stukken, f);
+        rij.mee.push_back({t, ruimte, 0, 0, t, nu.gewicht[f], f});
     }
-    for (const Mee& m : mee)
+    for (auto& [gewicht, plaatsen] : per_gewicht)
+        rij.hopen.push_back(std::move(plaatsen));
+    rij.maak_hopen();
+    int64_t lengte = nu.som, in_ronde = 0, laagste = INT64_MAX;
+    while (rij.gegeven < d.over) {
+        auto* hoop = rij.beste();
+        if (!hoop)
+            break;
+        std::pop_heap(hoop->begin(), hoop->end(), rij.lager());
+        Mee& m = rij.mee[hoop->back()];
+        laagste = std::min(laagste, rij.tekort(m));
+        m.tekort -= nu.som;
+        m.kreeg++, m.kreeg_ronde++;
+        rij.gegeven++;
+        if (m.kreeg < m.ruimte)
+            std::push_heap(hoop->begin(), hoop->end(), rij.lager());
+        else
+            hoop->pop_back();
+        if (!tot_aantal && ++in_ronde == lengte) {
+            lengte = herhaal_ronde(rij, lengte, d.over - rij.gegeven, laagste);
+            in_ronde = 0, laagste = INT64_MAX;
+        }
+    }
+    for (const Mee& m : rij.mee)
         d.geef(m.filiaal, m.kreeg);
 }
 

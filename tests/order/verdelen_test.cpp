@@ -188,7 +188,7 @@ TEST(Verdelen, veel_stuks_als_stuk_voor_stuk) {
                 tekort[g] += n * w[g];
         };
         for (size_t f = 0; f < w.size(); f++) {
-            const int had = tot(keer % 3 ? 40 : 3'000);
+            const int had = tot(keer % 5 == 1 ? 30'000 : keer % 3 ? 40 : 3'000);
             verdeel_boek(static_cast<int>(f), 1, had);
             boek(f, had);
         }
@@ -206,6 +206,9 @@ TEST(Verdelen, veel_stuks_als_stuk_voor_stuk) {
     }
     Verdeelmap v({3, 2, 1});
     EXPECT_EQ(v.verdeel({2'000'000'000}), (std::vector<Getallen>{{1'000'000'000, 666'666'667, 333'333'333}}));
+    // A memory far out of balance: two share until the first one is in turn again.
+    verdeel_boek(0, 1, 1'500'000'000);
+    EXPECT_EQ(v.verdeel({2'000'000'000})[0][0], 250'000'000);
     verdeel_vrij();
     verdeel_start(regel_nu.model, regel_uitgesloten());
     verdeel_boek(2, 1, 1'000'000'000); // the deficits of the others are 3 and 2 thousand million
