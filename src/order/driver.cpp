@@ -348,7 +348,7 @@ void herstel_venster() {
 void order_lus() {
     bestanden_open();
     const char* omgeving = getenv("HOTKEYS");
-    sneltoetsen = omgeving ? omgeving : STANDAARDTOETSEN;
+    sneltoetsen = omgeving && *omgeving ? omgeving : STANDAARDTOETSEN;
     if (user_claim(BATCH_ORDERS, true)) {
         for (schoon_scherm(); kies_seizoen() && ronde(); schoon_scherm())
             ;

@@ -281,6 +281,7 @@ bool veld_regtype(int rij) {
     const char maat = regtypeletter(REGTYPE_MAAT), etiket = regtypeletter(REGTYPE_ETIKET);
     char formaat[16], letter = oud == REGTYPE_ETIKET ? etiket : maat;
     snprintf(formaat, sizeof formaat, "c[%c%c],UE", maat, etiket);
+    waarde(rij, ""); // the letter stands alone while it is asked
     if (!INGAVE(rij, WAARDE, formaat, &SCHERM.toets[key_cancel], &letter))
         return false;
     regel_nu.dessin.regtype = letter == etiket ? REGTYPE_ETIKET : REGTYPE_MAAT;

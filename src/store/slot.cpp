@@ -32,10 +32,13 @@ namespace {
 
 // The keys that this program has reserved: the queue on disk names no owner.
 struct Eigen {
-    const ICB* icb;
+    ICB* icb;
     uint8_t sleutel[IXSLEUTELMAX + 4];
 };
 std::vector<Eigen> eigen;
+pid_t eigenaar; // a process that was forked off has nothing reserved
+
+void geef_alles_terug();
 
 void niet_meer_eigen(const ICB* icb) {
     const IXKEYDEF& def = icb->h.keydef[0];
@@ -142,6 +145,9 @@ Rij reserveer(ICB* icb) {
     memcpy(q.sleutel(q.k.count++), icb->keybuf, q.def.keylen);
     if (!q.schrijf(was))
         return RIJ_GEWEIGERD;
+    static const bool aan_het_eind = atexit(geef_alles_terug) == 0;
+    static_cast<void>(aan_het_eind);
+    eigenaar = getpid();
     Eigen& e = eigen.emplace_back();
     e.icb = icb;
     memcpy(e.sleutel, icb->keybuf, sizeof e.sleutel);
@@ -159,6 +165,19 @@ bool vergeet(ICB* icb) {
         return false;
     niet_meer_eigen(icb);
     return true;
+}
+
+// The program's end in the middle of a screen, when its terminal has gone: what it had reserved would keep everybody else
+// waiting for ever. There is no wait here: a key that can't be given up now is left to a rebuild.
+void geef_alles_terug() {
+    IXWAITHOOK = [](ICB*) { _exit(1); };
+    while (!eigen.empty() && eigenaar == getpid()) {
+        const Eigen e = eigen.back();
+        eigen.pop_back();
+        memcpy(e.icb->keybuf, e.sleutel, sizeof e.sleutel);
+        if (!e.icb->filelocked)
+            vergeet(e.icb);
+    }
 }
 
 void exclusief(ICB* icb) {

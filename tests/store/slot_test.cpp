@@ -149,6 +149,18 @@ TEST_F(Slot, ReserverenVanEenNieuweSleutel) {
     IXLOCK(ik.icb, 14); // not there: no failure
     EXPECT_EQ(1, IXLOCK(ik.icb, 4));
     IXCLOSE(ik.icb);
+    // The program's end, when its terminal has gone in the middle of a screen, gives up what it has reserved.
+    EXPECT_EXIT(
+        {
+            Gebruiker weg;
+            weg("open 2");
+            weg("readl 8");
+            exit(1);
+        },
+        testing::ExitedWithCode(1), "");
+    ander = std::make_unique<Agent>(Gebruiker{});
+    ander->vraag("open 2");
+    EXPECT_EQ("0", ander->vraag("readl 8"));
 }
 
 TEST_F(Slot, WachtrijVol) {
