@@ -19,6 +19,7 @@ mkdir -p "$out.new"
 #   rep@    not every terminal that says it is an xterm can repeat
 #   ncv#2   underline on a colour terminal is a colour
 #   smkx    cursor keys only: in application mode many send function keys for - + * / of the numeric keypad
+#   dim     screen underlines what should be dim where the terminal around it has no dim
 #   cnorm   shows the cursor, and leaves its blinking as the user has it
 # The init strings don't move the cursor, nor what the terminal has kept of its place: no soft reset, no origin
 # mode. Else the shell's prompt would land on the old screen.
@@ -39,8 +40,15 @@ entry() {
     *'[?1h'*) keys='smkx=\E[?1h, rmkx=\E[?1l' ;;
     *) keys='smkx@, rmkx@' ;;
   esac
+  dim=
+  case $1 in
+    screen*)
+      sgr=$(printf '%s\n' "$description" | sed -n 's/^\tsgr=\(.*\),$/\1/p' | sed 's/%?%p5%t;2%;//')
+      dim="dim@, ${sgr:+sgr=$sgr,}"
+      ;;
+  esac
   # Control-X cancels, Control-] ends the program, Control-G helps; Esc, Control-\ and F1 do so as well
-  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys, $cursor"
+  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys, $cursor $dim"
   cat <<END
 $capital|$1 with 25 lines of 80 columns,
 	lines#25, cols#80, is2=$init, rs2=$init, $common use=$2,

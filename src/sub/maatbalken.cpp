@@ -56,8 +56,9 @@ void vul() {
     st->langst = 0;
     Slot<maatbalkrec> slot{};
     while (iotab('N', &slot, SYS_MAATBALK)) {
-        if (slot.r.maatsoort != st->soort)
-            continue;
+        static const uint8_t GEEN[MAATBYTES] = {};
+        if (slot.r.maatsoort != st->soort || memcmp(slot.r.maten, GEEN, sizeof GEEN) == 0)
+            continue; // an empty bar is no bar
         Balk b{slot.nr, {}, {}};
         for (const mtinfo& m : maten) {
             if (!maat_in(slot.r.maten, m.maatnr))
