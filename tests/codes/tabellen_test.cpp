@@ -8,6 +8,7 @@
 #include "store/rebuild.h"
 #include "support/paar.h"
 #include "support/proces.h"
+#include "support/schrijfstoring.h"
 #include "support/slotboek.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
@@ -189,18 +190,6 @@ TEST_F(Codes, RecordOfARow) {
 
 // Every write of an addition, a change and a delete is refused, or the last thing that the process does: the table has
 // the record old, new or not at all, and nothing beside it moves.
-int over;      // writes until then
-bool doodgaan; // killed, else refused
-decltype(SYS.pwrite) echt;
-
-ssize_t stoor(int fd, const void* buf, size_t n, off_t plaats) {
-    if (over-- != 0)
-        return echt(fd, buf, n, plaats);
-    if (doodgaan)
-        raise(SIGKILL);
-    errno = ENOSPC;
-    return -1;
-}
 
 std::string stand(const Codetabel& t) {
     std::string uit;
@@ -230,7 +219,7 @@ bool doe(const Codetabel& t, const Lijstcode& code, Werk werk) {
 
 TEST_F(Codes, RefusedAndKilledAtEachWrite) {
     pair("DTDOELGR", &dtdoelgr);
-    echt = SYS.pwrite;
+    test::echt = SYS.pwrite;
     struct {
         const Lijsttabel* tabel;
         Lijstcode staat, nieuw;
@@ -257,8 +246,8 @@ TEST_F(Codes, RefusedAndKilledAtEachWrite) {
                     ASSERT_LT(n, 40);
                     const test::Afloop a = test::in_proces([&] {
                         opnieuw();
-                        over = n, doodgaan = dood;
-                        SYS.pwrite = stoor;
+                        test::over = n, test::doodgaan = dood;
+                        SYS.pwrite = test::stoor;
                         const bool goed = doe(t, werk == VOEG_TOE ? g.nieuw : g.staat, werk);
                         return goed ? 0 : testing::Test::HasFailure() ? 8 : 7;
                     });

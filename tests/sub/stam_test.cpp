@@ -11,6 +11,7 @@
 #include "sub/stampost.h"
 #include "support/paar.h"
 #include "support/proces.h"
+#include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
@@ -481,19 +482,6 @@ TEST_F(Stam, RelationDeleted) {
 
 // ---- a record in hand, refused or killed at each write
 
-decltype(SYS.pwrite) echt;
-int over; // writes that go well
-bool doodgaan;
-
-ssize_t stoor(int fd, const void* buf, size_t n, off_t plaats) {
-    if (over-- != 0)
-        return echt(fd, buf, n, plaats);
-    if (doodgaan)
-        raise(SIGKILL);
-    errno = ENOSPC;
-    return -1;
-}
-
 enum Werk { VOEG_TOE, WIJZIG, WIS };
 
 // Refused, the record is ours as before, until it is let go.
@@ -515,7 +503,7 @@ bool doe(Werk werk) {
 }
 
 TEST_F(Stam, RefusedAndKilledAtEachWrite) {
-    echt = SYS.pwrite;
+    test::echt = SYS.pwrite;
     auto stand = [] {
         return VASTTEKST(rec<merkrec>("DTMERK", uint16_t{104}).naam) + "|" +
                VASTTEKST(rec<merkrec>("DTMERK", uint16_t{9}).naam);
@@ -531,8 +519,8 @@ TEST_F(Stam, RefusedAndKilledAtEachWrite) {
                 ASSERT_LT(n, 40);
                 const test::Afloop a = test::in_proces([&] {
                     begin();
-                    over = n, doodgaan = dood;
-                    SYS.pwrite = stoor;
+                    test::over = n, test::doodgaan = dood;
+                    SYS.pwrite = test::stoor;
                     const bool goed = doe(werk);
                     return goed ? 0 : testing::Test::HasFailure() ? 8 : 7;
                 });
