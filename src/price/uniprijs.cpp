@@ -9,7 +9,8 @@
 
 namespace zg {
 
-prijscontext up_context = {"", 2, 1.0, 10000, 0, 0, 0, Calcmodus::geen, 0, 0, 0, 0};
+prijscontext up_context = {"", 2, 1.0, 10000, 0, 0, 0, Kortingsmethode::automatisch, 0, Calcmodus::geen,
+                           0,  0, 0,   0};
 
 namespace {
 

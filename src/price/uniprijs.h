@@ -23,6 +23,8 @@ struct prijsrijen {
 
 // How an advice price comes out of a purchase price.
 enum class Calcmodus { geen, factor, marge };
+// How a new price group gets its net prices.
+enum class Kortingsmethode { automatisch = 1, korting, netto };
 
 struct prijscontext {
     char valuta[4];                    // of gross and net
@@ -30,7 +32,9 @@ struct prijscontext {
     double koers;                      // home units for one foreign unit, never 0
     int32_t koersfactor;               // surcharge times 10000
     double orderkorting, regelkorting; // per cent
-    int btw;                           // VAT of the article group, per mille
+    double nieuwe_korting;             // last entered in "Nieuwe korting"
+    Kortingsmethode methode;
+    int btw; // VAT of the article group, per mille
     Calcmodus calcmodus;
     double calcfactor; // with VAT
     double calcmarge;  // per cent
