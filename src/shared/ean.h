@@ -1,0 +1,18 @@
+// Bar codes: EAN-13 and EAN-8 texts, those of labels and those that the firm makes itself. Nothing here reads a file but
+// the settings in instel15.
+#pragma once
+#include <cstdint>
+#include <string>
+
+namespace zg {
+
+int ean_som(const char* cijfers);   // weighted sum from the last digit on: times 1, 3, 1, 3 ...
+bool ean_geldig(const char* tekst); // 8, 12 or 13 digits with a right sum; no label number of 8 digits
+bool ean_prefix(const char* tekst); // begins with one of the prefixes that are not internal codes
+std::string ean_etiket(char letter, int32_t nummer);      // 13 digits; letter 'A' to 'Z', 0 for none
+std::string ean_etiket_kort(int32_t nummer, int cijfers); // 13 or 8
+int32_t ean_lees_etiket(const char* tekst);               // label number, -1 when it is none
+bool ean_lees_letter(const char* tekst, char* letter, int32_t* nummer);
+std::string ean_toon(const char* code, int ruimte); // as lists show it: a bad one is marked
+
+} // namespace zg

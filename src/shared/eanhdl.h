@@ -1,0 +1,21 @@
+// Module eanhdl: the codes of a series' sizes in DTEAN. The record of code "0" is a mutex, held while codes are made or
+// deleted; it is written when the file hasn't got it.
+#pragma once
+#include "shared/registerrec.h"
+
+namespace zg {
+
+struct ICB;
+struct mthandle;
+
+// 'W': a code for each size of `maten` (12 bytes) that has none; a code in use is passed over. 'D': delete those of the
+// sizes; 'B': and their entries in DTBARC. False when a write was refused or no number is left (told). A null handle stops with
+// eanhdl INTERNAL 1. `bron` goes into new records.
+bool eanhdl(char letter, ICB* dtean, const seriesleutel& serie, const uint8_t* maten, uint8_t bron = 0);
+// How many sizes of the set have no code yet, and how many numbers are left.
+int ean_nodig(ICB* dtean, const seriesleutel& serie, const uint8_t* maten);
+int64_t ean_over();
+// Entry of a code by hand. True when it changed.
+bool ean_veld(int rij, int kolom, ICB* dtean, const seriesleutel& serie, uint8_t maat);
+
+} // namespace zg
