@@ -1,10 +1,10 @@
 // The discount field with its calculation window.
 #include "price/kortingveld.h"
+#include "price/prijsvenster.h"
 #include "price/teksten.h"
 #include "term/ingave.h"
 #include "term/natl.h"
-#include "term/prompt.h"
-#include <cstdio>
+#include <cmath>
 
 namespace zg {
 namespace {
@@ -21,10 +21,7 @@ bool bereken(double* procent) {
     double totaal = *procent, term = *procent;
     char bewerking = 'I';
     WINOPEN1(10, SCHERM.cols - 30, 6, 30);
-    char titel[40];
-    snprintf(titel, sizeof titel, "%s", TXT(T_BEREKENEN_KORTING));
-    GROOT(titel);
-    WINBOX(" %s ", titel);
+    WINBOX(" %s ", GROOTKOPIE(TXT(T_BEREKENEN_KORTING)));
     SCRPUT(A_LABEL, 1, 2, "%-10.10s:", TXT(T_KORTING));
     SCRPUT(A_LABEL, 2, 2, "%-10.10s:", "+, *, C");
     SCRPUT(A_LABEL, 3, 2, "%-10.10s:", TXT(T_TOTAAL));
@@ -52,9 +49,8 @@ bool bereken(double* procent) {
         totaal = korting_stap(bewerking, totaal, term);
     }
     grenzen();
-    if (totaal > GRENS || totaal < -GRENS)
-        totaal = totaal > 0 ? GRENS : -GRENS;
-    INGAVE(3, 14, "6.2f,EJNPZ", &SCHERM.toets[key_cancel], &totaal);
+    // One that the field doesn't hold has to be typed anew.
+    INGAVE(3, 14, fabs(totaal) < 100 ? "6.2f,EJNPZ" : "6.2f,EJNPZI", &SCHERM.toets[key_cancel], &totaal);
     bool goed = !TOETSWEG();
     WINCLOSE();
     if (goed)
@@ -80,13 +76,14 @@ double korting_stap(char bewerking, double totaal, double term) {
 bool korting_veld(int rij, int kolom, double* procent) {
     double oud = *procent;
     Instel* instel = INSTELNEW(0);
+    const prijshint hint;
     for (;;) {
         INSTELSET(instel);
         grenzen();
         TOETSAAN(K_HELP);
         INGAVE(rij, kolom, "6.2f,ZPN", &SCHERM.toets[key_cancel], &SCHERM.toets[key_f10], procent);
         if (SCHERM.laatste == K_HELP || SCHERM.laatste == K_F1) {
-            MELDBOX(MELD_INFO, TXT(T_F10_KORTING), nullptr, nullptr);
+            up_toetshulp("<F10>", TXT(T_BEREKENEN_KORTING));
             continue;
         }
         if (SCHERM.laatste == K_F10) {

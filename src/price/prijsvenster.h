@@ -24,6 +24,17 @@ std::string kortingsmethode_tekst();
 // `groep` counts from 0, `inkoop` is the group's purchase price.
 bool bereken_advies_venster(int groep, int32_t inkoop, int32_t* advies);
 
+// A field that has a key of its own says so: "<F1> HELP" stands on the screen's top row as long as this lives.
+class prijshint {
+public:
+    prijshint();
+    ~prijshint();
+    prijshint(const prijshint&) = delete;
+    prijshint& operator=(const prijshint&) = delete;
+
+private:
+    bool was_; // a window over a field that has one leaves it standing
+};
 // The help of a field on F1: a box with the key and its meaning, "<F10>  Kortingsmethode".
 void up_toetshulp(const char* toets, const char* tekst);
 

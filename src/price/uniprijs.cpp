@@ -21,8 +21,10 @@ int32_t als_prijs(double waarde) {
     return std::min(round(waarde), PRIJS_ONBEKEND - 1);
 }
 
+// With room for what computing a total loses: 100 and -99.99 of it are -99.99.
 bool geldige_korting(double procent) {
-    return procent >= -99.99 && procent <= 99.99;
+    constexpr double GRENS = 99.99 + 1e-9;
+    return procent >= -GRENS && procent <= GRENS;
 }
 
 double deel(double korting) {
@@ -50,6 +52,10 @@ void up_orderkorting(double procent) {
 
 void up_regelkorting(double procent) {
     up_context.regelkorting = geldige_korting(procent) ? procent : 0;
+}
+
+bool up_korting_past(double regel) {
+    return geldige_korting(up_totaalkorting(up_context.orderkorting, regel));
 }
 
 void up_btw(uint8_t btwcode) {

@@ -50,6 +50,8 @@ void up_valuta(const char* code, double koers, int32_t koersfactor);
 // A discount outside -99.99 to 99.99 is none.
 void up_orderkorting(double procent);
 void up_regelkorting(double procent);
+// Does this line discount keep the total with the order's in range? One that doesn't would count as no discount.
+bool up_korting_past(double regel);
 // VAT by the code of an article group, 1 to 10; none for another code.
 void up_btw(uint8_t btwcode);
 // Calculate with this factor from now on; one outside 0 to 9.999 changes nothing.

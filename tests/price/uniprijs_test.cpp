@@ -20,7 +20,9 @@ struct Uniprijs : test::Systeem {
         VASTIN(instel15.valuta, "EUR");
         valuta(3, "EUR", 2, "Euro");
         valuta_vergeet();
-        up_context = {"EUR", 2, 1.0, 10000, 0, 0, 210, Calcmodus::geen, 0, 0, 0, 0};
+        up_context = {};
+        up_valuta("EUR", 1, 0);
+        up_context.btw = 210;
         firma = {};
         firma.maatstelsel = 1;
         firma.btw[0] = 60, firma.btw[1] = 210;
