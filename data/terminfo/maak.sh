@@ -21,6 +21,8 @@ mkdir -p "$out.new"
 #   smkx    cursor keys only: in application mode many send function keys for - + * / of the numeric keypad
 #   dim     screen underlines what should be dim where the terminal around it has no dim
 #   cnorm   shows the cursor, and leaves its blinking as the user has it
+#   smcup   an xterm sends another letter for Alt with a letter (a gives á), which would be typed text: here it is ESC
+#           and the letter, and outside the program what the user had
 # The init strings don't move the cursor, nor what the terminal has kept of its place: no soft reset, no origin
 # mode. Else the shell's prompt would land on the old screen.
 # The size of vt terminals is switched by their own command, which an emulator may have to be allowed first;
@@ -47,8 +49,15 @@ entry() {
       dim="dim@, ${sgr:+sgr=$sgr,}"
       ;;
   esac
+  meta=
+  case $1 in
+    xterm | xterm-256color | xterm-color | xterm-direct)
+      own_screen() { printf '%s\n' "$description" | sed -n "s/^\t$1=\(.*\),\$/\1/p"; }
+      meta="smcup=$(own_screen smcup)\E[?1036s\E[?1036h, rmcup=\E[?1036r$(own_screen rmcup),"
+      ;;
+  esac
   # Control-X cancels, Control-] ends the program, Control-G helps; Esc, Control-\ and F1 do so as well
-  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys, $cursor $dim"
+  common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys, $cursor $dim $meta"
   cat <<END
 $capital|$1 with 25 lines of 80 columns,
 	lines#25, cols#80, is2=$init, rs2=$init, $common use=$2,

@@ -43,6 +43,18 @@ Venster& VENSTERNU();
 void TOONVANAF(int index); // touch and stage every window from here to the top
 extern bool LIJNTEKENS;    // the present attribute draws lines
 
+// tekenset.cpp
+std::string
+ACHTBITSSET();          // the set of one byte a character that the locale names; empty when it names another
+void TEKENSETNEEMAAN(); // UTF-8 it is, for this program and those after it, and the user is told
+
+// taalvraag.cpp: before the screen opens, ask the terminal what the environment doesn't say, for this program and
+// those after it: whether a letter of two bytes moves its cursor by one column. Where neither locale nor character
+// set is named, LC_CTYPE becomes C.UTF-8 when it does, else (no answer within 200 ms) C. Where the locale has a set
+// of one byte a character but tmux or screen stands between, which has its own, ZGTEKENSET becomes UTF-8 or the
+// locale's set; without an answer UTF-8. Keys that come meanwhile are kept.
+void TEKENSETVRAAG();
+
 // reeksen.cpp
 struct Reeks {
     int lengte;  // bytes that the key takes, 0: no key, an ordinary character begins here

@@ -155,6 +155,7 @@ void TERMHERSTEL() {
 void SCRINIT() {
     SCHERM = Scherm{};
     SCHERM.huidig = SCHERM.termnu = -1;
+    TEKENSETVRAAG();
     TEKENSET();
     ESCWACHT();
     TERMBEWAAR();

@@ -1,4 +1,4 @@
-// The question to a terminal of which the environment says nothing: does it take UTF-8?
+// The question to a terminal of which the environment says nothing, or nothing that counts: does it take UTF-8?
 #include "term/binnen.h"
 #include "term/tekenset.h"
 #include <cerrno>
@@ -69,25 +69,39 @@ int vraag(std::string* rest) {
     return kolom;
 }
 
-} // namespace
-
-void TEKENSETVRAAG() {
-    for (const char* naam : {"ZGTEKENSET", "LC_ALL", "LC_CTYPE", "LANG"})
-        if (gezet(naam))
-            return;
+// Asks with the keyboard silent; 0 also where nobody can be asked.
+int stil_gevraagd() {
     termios oud;
     if (!isatty(STDOUT_FILENO) || tcgetattr(STDIN_FILENO, &oud) != 0)
-        return;
+        return 0;
     termios stil = oud;
     stil.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON);
     stil.c_cc[VMIN] = 1;
     stil.c_cc[VTIME] = 0;
     tcsetattr(STDIN_FILENO, TCSADRAIN, &stil);
     std::string rest;
-    int kolom = vraag(&rest);
+    const int kolom = vraag(&rest);
     tcsetattr(STDIN_FILENO, TCSADRAIN, &oud);
     KLAVIERTERUG(rest);
-    setenv("LC_CTYPE", kolom == 2 ? "C.UTF-8" : "C", 1);
+    return kolom;
+}
+
+} // namespace
+
+void TEKENSETVRAAG() {
+    if (gezet("ZGTEKENSET"))
+        return;
+    if (!gezet("LC_ALL") && !gezet("LC_CTYPE") && !gezet("LANG")) {
+        setenv("LC_CTYPE", stil_gevraagd() == 2 ? "C.UTF-8" : "C", 1);
+        return;
+    }
+    const std::string plaatselijk = gezet("TMUX") || gezet("STY") ? ACHTBITSSET() : "";
+    if (plaatselijk.empty())
+        return;
+    if (const int kolom = stil_gevraagd(); kolom == 0)
+        TEKENSETNEEMAAN();
+    else
+        setenv("ZGTEKENSET", kolom == 2 ? "UTF-8" : plaatselijk.c_str(), 1);
 }
 
 } // namespace zg

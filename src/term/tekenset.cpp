@@ -80,11 +80,14 @@ std::string set_van_naam() {
     return at != std::string::npos && naam.substr(at) == "@euro" ? "ISO-8859-15" : "";
 }
 
+std::string set_van_locale() {
+    return setlocale(LC_CTYPE, "") ? nl_langinfo(CODESET) : set_van_naam();
+}
+
 void kies() {
     soort = Soort::ASCII;
-    melding.clear();
     const char* wens = getenv("ZGTEKENSET");
-    const bool plaatselijk = setlocale(LC_CTYPE, "") != nullptr;
+    const std::string plaatselijk = set_van_locale();
     if (wens && *wens) {
         if (neem(wens))
             return;
@@ -92,7 +95,7 @@ void kies() {
         snprintf(tekst, sizeof tekst, TXT(T_TEKENSET_ONBEKEND), wens);
         melding = tekst;
     }
-    const bool goed = neem(plaatselijk ? nl_langinfo(CODESET) : set_van_naam());
+    const bool goed = neem(plaatselijk);
     if ((!goed || soort == Soort::ASCII) && melding.empty())
         melding = TXT(T_TEKENSET_GEEN);
 }
@@ -120,6 +123,16 @@ void TEKENSET() {
         setlocale(LC_CTYPE, "C.UTF-8");
     for (unsigned c = 0; c < 256; c++)
         cellen[c] = cel_van(static_cast<uint8_t>(c));
+}
+
+std::string ACHTBITSSET() {
+    const std::string naam = set_van_locale();
+    return neem(naam) && soort == Soort::TABEL ? naam : "";
+}
+
+void TEKENSETNEEMAAN() {
+    setenv("ZGTEKENSET", "UTF-8", 1);
+    melding = TXT(T_TEKENSET_TUSSEN);
 }
 
 std::string TEKENSETMELDING() {

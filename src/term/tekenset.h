@@ -24,9 +24,4 @@ struct TekenCel {
 };
 TekenCel TEKENSETUIT(uint8_t c);
 
-// Before the screen opens, where the environment names neither locale nor character set: ask the terminal whether
-// a letter of two bytes moves its cursor by one column, and set LC_CTYPE to C.UTF-8 when it does, else (no answer
-// within 200 ms) to C, for this program and those after it. Keys that come meanwhile are kept.
-void TEKENSETVRAAG();
-
 } // namespace zg

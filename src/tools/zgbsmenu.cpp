@@ -11,7 +11,6 @@
 #include "term/ingave.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
-#include "term/tekenset.h"
 #include "term/tekst.h"
 #include "term/vast.h"
 #include "tools/teksten.h"
@@ -174,7 +173,6 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: zgbsmenu, in a data directory\n");
         return 2;
     }
-    TEKENSETVRAAG();
     SCRINIT();
     CATOPEN();
     IXWAITHOOK = houder_wacht;

@@ -71,7 +71,7 @@ void kind_omgeving(const Opties& o) {
     setenv("TZ", "Europe/Amsterdam", 1);
     setenv("TERMINFO_DIRS", ZG_BINARY_DIR "/terminfo:/etc/terminfo:/lib/terminfo:/usr/share/terminfo", 1);
     for (const char* weg : {"TERMINFO", "LINES", "COLUMNS", "KPOS", "HOTKEYS", "MACRO", "BIN", "TSTBIN",
-                            "TMUX", "LANG", "LC_CTYPE", "ZGTEKENSET", "ESCDELAY"})
+                            "TMUX", "STY", "LANG", "LC_CTYPE", "ZGTEKENSET", "ESCDELAY"})
         unsetenv(weg);
     if (!o.klok.empty()) {
         setenv("LD_PRELOAD", "/usr/$LIB/faketime/libfaketime.so.1", 1); // which the loader fills in

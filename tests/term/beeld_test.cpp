@@ -289,8 +289,8 @@ TEST(Overgave, PictureStaysUntilTheNextOne) {
             EXPECT_EQ(t.uitvoer().find(weg, was), std::string::npos) << weg + 1;
         t.stuur("\r");
         EXPECT_EQ(t.einde(), g.status);
-        EXPECT_EQ(tel(t.uitvoer(), "\033[?1049h"), 1);
-        EXPECT_EQ(tel(t.uitvoer(), "\033[?1049l"), 1);
+        for (const char* eens : {"\033[?1049h", "\033[?1049l", "\033[?1036s\033[?1036h", "\033[?1036r"})
+            EXPECT_EQ(tel(t.uitvoer(), eens), 1) << eens + 1;
     }
 }
 
@@ -308,6 +308,7 @@ TEST(Overgave, PromptOnAnEmptyScreen) {
         EXPECT_EQ(t.einde(), 0);
         EXPECT_EQ(t.scherm(), "prompt" + std::string(25, '\n')) << term;
         EXPECT_EQ(t.cel(10, 10).achter, -1);
+        EXPECT_EQ(t.uitvoer().find("1036"), std::string::npos) << "no mode that only an xterm has";
     }
 }
 

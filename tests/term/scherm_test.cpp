@@ -289,7 +289,8 @@ TEST(Scherm, TerminalIsGivenBackAsFound) {
         t.stuur(g.toets);
         t.wacht(vorm("status %d modes goed", g.status));
         EXPECT_EQ(t.einde(), 0);
-        EXPECT_NE(t.uitvoer().find("\x1b[?1049l"), std::string::npos);
+        for (const char* terug : {"\x1b[?1049l", "\x1b[?1036r"})
+            EXPECT_GT(t.uitvoer().rfind(terug) + 1, t.uitvoer().rfind("\x1b[?1036s\x1b[?1036h")) << terug + 1;
         EXPECT_GT(t.uitvoer().rfind("\x1b[?25h") + 1, t.uitvoer().rfind("\x1b[?25l") + 1) << "no cursor";
     }
 }

@@ -138,49 +138,49 @@ TEST(Tekenset, Keys) {
 
 namespace {
 
-// Asks, then shows what came of it and the keys that were typed meanwhile.
-int vraag() {
-    TEKENSETVRAAG();
-    return op_scherm([] {
-        const char* taal = getenv("LC_CTYPE");
-        SCRPUT(A_WAARDE, 3, 1, "(%s)", taal ? taal : "");
-        toon_toetsen();
-    })();
+// Shows what came of the question, for the programs after this one, and the keys that were typed meanwhile.
+void vraag() {
+    auto gezet = [](const char* naam) { return getenv(naam) ? getenv(naam) : ""; };
+    SCRPUT(A_WAARDE, 3, 1, "(%s %s)", gezet("LC_CTYPE"), gezet("ZGTEKENSET"));
+    toon_toetsen();
 }
 
 } // namespace
 
-// Where the environment says nothing, the terminal is asked.
+// Where the environment says nothing, or a multiplexer stands between the locale and the terminal, that is asked.
 TEST(Tekenset, Asked) {
     static const struct {
         Soort soort;
-        const char* taal;
+        const char *tussen, *uitkomst, *getypt;
         bool gevraagd;
+        const char* vooruit = ""; // typed ahead, at a terminal that doesn't answer by itself
     } GEVALLEN[] = {
-        {{"", nullptr, "UTF-8"}, "(C.UTF-8)", true},  {{"", nullptr, "ISO-8859-1"}, "(C)", true},
-        {{"", "CP850", "CP850"}, "()", false},        {{"C", nullptr, "UTF-8"}, "()", false},
-        {{"C.UTF-8", nullptr, "UTF-8"}, "()", false},
+        {{"", nullptr, "UTF-8"}, nullptr, "(C.UTF-8 )", "\xC3\xA9", true},
+        {{"", nullptr, "ISO-8859-1"}, nullptr, "(C )", "", true},
+        {{"", nullptr, "ISO-8859-1"}, nullptr, "(C )", "", true, "a\033[B\033[7;3R"},
+        {{"", "CP850", "CP850"}, nullptr, "( CP850)", "\x82", false},
+        {{"C", nullptr, "UTF-8"}, "TMUX", "( )", "", false},
+        {{"C.UTF-8", nullptr, "UTF-8"}, "TMUX", "( )", "\xC3\xA9", false},
+        {LATIJN9_NAAM, nullptr, "( )", "\xE9", false},
+        {LATIJN9_NAAM, "STY", "( ISO8859-15)", "\xE9", true},
+        {{"nl_XX.ISO8859-15", nullptr, "UTF-8"}, "TMUX", "( UTF-8)", "\xC3\xA9", true},
+        {{"nl_XX.ISO8859-15", nullptr, "UTF-8"}, "TMUX", "( UTF-8)", "\xC3\xA9", true, "a\033[B"},
     };
     for (const auto& g : GEVALLEN) {
-        SCOPED_TRACE(std::string(g.soort.locale) + " " + g.soort.emulator);
-        Terminal t(vraag, opties(g.soort));
-        t.wacht(g.taal);
+        SCOPED_TRACE(std::string(g.soort.locale) + " " + g.soort.emulator + " " + (g.tussen ? g.tussen : ""));
+        Opties o = opties(g.soort);
+        o.antwoordt = !*g.vooruit;
+        if (g.tussen)
+            o.omgeving.push_back({g.tussen, "iets"});
+        Terminal t(op_scherm(vraag), o);
+        t.stuur(g.vooruit);
+        t.wacht(g.uitkomst);
         t.toetsen("");
-        EXPECT_EQ(t.regel(1), "") << "nothing of the answer is a key";
-        EXPECT_EQ(t.uitvoer().starts_with("\r\xC3\xB8\033[6n"), g.gevraagd);
+        EXPECT_EQ(t.regel(1), o.antwoordt ? "" : "97 258") << "nothing of the answer is a key";
+        EXPECT_EQ(t.regel(25).starts_with("Tekenset UTF-8"), g.tussen && !o.antwoordt);
+        EXPECT_EQ(t.uitvoer().find("\r\xC3\xB8\033[6n") != std::string::npos, g.gevraagd);
+        t.stuur(g.getypt);
         t.toetsen("q");
-        EXPECT_EQ(t.regel(1), "113");
+        EXPECT_EQ(t.regel(1), std::string(o.antwoordt ? "" : "97 258 ") + (*g.getypt ? "130 113" : "113"));
     }
-    // Keys that were typed ahead of the answer; a terminal that says nothing.
-    Opties o{.locale = "", .tekenset = "ISO-8859-1", .antwoordt = false};
-    Terminal t(vraag, o);
-    t.stuur("a\033[B\033[7");
-    t.stuur(";3R");
-    t.wacht("(C)");
-    t.toetsen("");
-    EXPECT_EQ(t.regel(1), "97 258");
-    Terminal u(vraag, o);
-    u.wacht("(C)");
-    u.toetsen("q");
-    EXPECT_EQ(u.regel(1), "113");
 }
