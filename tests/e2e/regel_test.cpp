@@ -1,8 +1,12 @@
 // Lines on an order as a buyer makes them: from nothing, duplicated, changed; the keys, and the bytes of the journal
 // then.
 #include "e2e/loop.h"
+#include "order/driver.h"
 #include "order/ioord.h"
+#include "order/start.h"
+#include "shared/maatbalk.h"
 #include "support/ordbytes.h"
+#include "term/scherm.h"
 #include "term/vast.h"
 
 using namespace zg::test;
@@ -235,4 +239,29 @@ TEST(Regel, Gewijzigd) {
         p.uit();
         EXPECT_TRUE(zonder_tijd(map.journaal()) == zonder_tijd(r.na));
     }
+}
+
+// The bar of the last line goes with the program; it is the size table's memory, and that is closed behind it.
+TEST(Regel, BalkWegAanHetEinde) {
+    Datamap map;
+    map.journaal(maak_order(maak_kop("Basis"), {Regel{}}));
+    std::vector<std::string> argv = map.overgave();
+    Terminal t(
+        [&argv] {
+            std::vector<char*> a;
+            for (std::string& s : argv)
+                a.push_back(s.data());
+            zg::prog_start("zgbestel", "01-11-2026", static_cast<int>(a.size()), a.data());
+            zg::ordparm_lees();
+            zg::order_lus();
+            zg::SCREXIT();
+            return zg::maatbalk ? 1 : 0;
+        },
+        map.opties());
+    t.wacht_op(1, 46, "2016");
+    t.toetsen("<Enter><Enter>12<Enter><Enter>");
+    t.wacht_op(24, 1, "Uw keuze");
+    t.toetsen("<Esc>");
+    t.stuur("\033");
+    EXPECT_EQ(t.einde(), 0) << t.scherm();
 }
