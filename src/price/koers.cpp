@@ -9,11 +9,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 
 namespace zg {
-
-int bedragdecimalen = 2;
 
 namespace {
 
@@ -69,7 +68,8 @@ double koers_record(const char* code, uint16_t datum, koersrec* rec) {
         *rec = koersrec{};
         return 1.0;
     }
-    return koers_dubbel(rec->koers, rec->eenheid);
+    const double koers = koers_dubbel(rec->koers, rec->eenheid);
+    return koers > 0 ? koers : 1.0;
 }
 
 double koers_datum(const char* code, uint16_t datum) {
@@ -129,28 +129,26 @@ int32_t naar_thuis_factor(int32_t bedrag, const char* code, double koers, int32_
 }
 
 double koers_vernauwen(const char* code, int32_t vreemd, int32_t thuis, int32_t factor) {
-    double f = vreemd, h = thuis;
-    if (valuta_decimalen(code) == 0)
-        f *= 100;
-    if (bedragdecimalen == 0)
-        h *= 100;
-    double m = f * (factor / 10000.0);
-    if (m == 0.0)
+    const double f = valuta_decimalen(code) == 0 ? vreemd * 100.0 : vreemd;
+    const double h = valuta_decimalen("") == 0 ? thuis * 100.0 : thuis;
+    const double m = f * (factor / 10000.0);
+    if (!(m > 0) || thuis < 1)
         return 1.0;
-    char lo[352], hi[352], uit[352];
-    snprintf(lo, sizeof lo, "%015.10lf", (h - 0.5) / m);
-    snprintf(hi, sizeof hi, "%015.10lf", (h + 0.5) / m);
-    size_t n = 0;
-    while (lo[n] && lo[n] == hi[n]) {
-        uit[n] = lo[n];
-        n++;
-    }
-    if (lo[n] && hi[n])
-        uit[n] = static_cast<char>('0' + (lo[n] - '0' + hi[n] - '0' + 1) / 2), n++;
-    while (n < 4)
-        uit[n++] = '0';
-    uit[n] = 0;
-    return strtod(uit, nullptr);
+    // Both bounds line up digit for digit, however many stand before the point.
+    char lo[352], hi[352];
+    const int breed = snprintf(hi, sizeof hi, "%015.10lf", (h + 0.5) / m);
+    snprintf(lo, sizeof lo, "%0*.10lf", breed, (h - 0.5) / m);
+    std::string uit;
+    const char *a = lo, *b = hi;
+    for (; *a && *a == *b; a++, b++)
+        uit += *a;
+    if (*a)
+        uit += static_cast<char>('0' + (*a - '0' + *b - '0' + 1) / 2);
+    const auto punt = static_cast<size_t>(strchr(hi, '.') - hi);
+    uit.resize(std::max(uit.size(), punt), '0');
+    const double koers = strtod(uit.c_str(), nullptr);
+    // A bound itself, or more digits than stand there: as it is then.
+    return koers > 0 && naar_thuis_factor(vreemd, code, koers, factor) == thuis ? koers : h / m;
 }
 
 std::string bedrag_tekst(const char* code, int64_t bedrag) {

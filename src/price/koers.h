@@ -11,7 +11,8 @@ namespace zg {
 void koers_open();
 void koers_sluit();
 
-// Rate that holds at a date: the newest record of the code not later than it; 1.0 when there is none.
+// Rate that holds at a date: the newest record of the code not later than it; 1.0 when there is none, or when that
+// record's isn't above 0.
 double koers_datum(const char* code, uint16_t datum);
 double koers_vandaag(const char* code);
 double koers_record(const char* code, uint16_t datum, koersrec* rec); // and the record, zeros when none
@@ -30,11 +31,9 @@ struct omrekening {
 };
 omrekening naar_thuis_met(const char* code, double koers, int32_t factor);
 int32_t naar_thuis_factor(int32_t bedrag, const omrekening& o);
-// The rate with the fewest digits that turns the foreign amount into the home amount.
+// The rate with the fewest digits that turns the foreign amount into the home amount; 1.0 for amounts below 1.
 double koers_vernauwen(const char* code, int32_t vreemd, int32_t thuis, int32_t factor);
 
-// Decimals of the amount fields: those of the home currency, or of the currency in hand.
-extern int bedragdecimalen;
 std::string bedrag_tekst(const char* code, int64_t bedrag); // plain digits, or two decimals
 std::string koers_tekst(const char* code, double koers);    // the order's line of rate text
 double tien_macht(int n);

@@ -20,7 +20,7 @@ bool volgende_maat(mtinfo* maat) {
 }
 
 bool aanwezig(const prijsrijen& rijen, prijszicht zicht, int maat) {
-    return up_aanwezig(zicht.op_advies ? rijen.advies : rijen.bruto, maat);
+    return up_aanwezig(rijen.bruto, maat) && (!zicht.op_advies || up_aanwezig(rijen.advies, maat));
 }
 
 bool kijkt_inkoop(prijszicht zicht) {
@@ -161,15 +161,19 @@ void up_maten_gewijzigd(prijsrijen* rijen, const uint8_t* oud, const uint8_t* ni
     for (int maat = 1; maat <= MATEN; maat++) {
         if (!maat_in(nieuw, maat) || maat_in(lopend, maat))
             continue;
-        const int buur = buurmaat(lopend, mtpos(maatbalk, maat));
+        const int positie = mtpos(maatbalk, maat);
+        if (!positie)
+            continue; // not of this bar
+        const int buur = buurmaat(lopend, positie);
         maat_aan(lopend, maat); // a next new size may take it as its neighbour
-        if (!buur)
-            continue;
-        const auto naar = static_cast<size_t>(maat), van = static_cast<size_t>(buur);
+        auto neem = [=](prijsrij* rij) {
+            up_zet(rij, maat,
+                   buur && up_aanwezig(*rij, buur) ? (*rij)[static_cast<size_t>(buur)] : PRIJS_ONBEKEND);
+        };
         for (prijsrij* rij : {&rijen->bruto, &rijen->netto, &rijen->inkoop})
-            (*rij)[naar] = (*rij)[van];
+            neem(rij);
         if (!up_aanwezig(rijen->advies, maat))
-            rijen->advies[naar] = rijen->advies[van];
+            neem(&rijen->advies);
     }
     for (int maat = 1; maat <= MATEN; maat++)
         if (maat_in(oud, maat) && !maat_in(nieuw, maat))
@@ -183,9 +187,9 @@ bool up_advies_bewaren(const prijsrijen& rijen, uint8_t* blok) {
     int32_t vorige = 0;
     bool past = true;
     for (mtinfo maat{}; volgende_maat(&maat);) {
-        const int32_t ruw = rijen.advies[maat.maatnr];
-        if (ruw <= 0)
+        if (!aanwezig(rijen, ZICHT_ADVIES, maat.maatnr))
             continue;
+        const int32_t ruw = rijen.advies[maat.maatnr];
         if (ruw != vorige && vorige != 0) {
             if (rang == ADVIESRANGEN - 1)
                 past = false;

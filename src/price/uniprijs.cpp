@@ -74,6 +74,9 @@ void up_calcfactor_merk(uint16_t merk, int16_t factor) {
         return;
     up_context.calcmerk = merk;
     up_context.merkfactor = factor;
+    // A factor that can't be used leaves none, not the last brand's.
+    up_context.calcmodus = Calcmodus::geen;
+    up_context.calcfactor = 0;
     up_calcfactor(calcfactor_btw('L', factor / 1000.0));
 }
 
@@ -135,7 +138,8 @@ maatprijzen up_maatprijzen(const prijsrijen& rijen, int maat) {
 
 bool up_compleet(const prijsrijen& rijen) {
     for (int maat = 1; maat <= MATEN; maat++)
-        if (up_aanwezig(rijen.netto, maat) != up_aanwezig(rijen.advies, maat))
+        if (up_aanwezig(rijen.bruto, maat) &&
+            up_aanwezig(rijen.netto, maat) != up_aanwezig(rijen.advies, maat))
             return false;
     return true;
 }
@@ -216,12 +220,12 @@ int32_t up_afronden(int32_t prijs) {
 }
 
 int32_t toeslag_erbij(int32_t prijs, int16_t korting) {
-    return std::max(als_prijs(prijs + double{1} * prijs * korting / 10000), 1);
+    return std::max(als_prijs(prijs + prijs * (korting / 10000.0)), 1);
 }
 
 int32_t toeslag_eraf(int32_t prijs, int16_t korting) {
-    const double over = 100 + korting / 100.0;
-    return korting == -10000 ? prijs : std::max(als_prijs(prijs * 100.0 / over), 0);
+    const double over = korting * 100.0 / 10000 + 100;
+    return korting == -10000 ? prijs : std::max(als_prijs(prijs * 100.0 / over), 1);
 }
 
 } // namespace zg

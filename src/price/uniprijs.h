@@ -1,7 +1,9 @@
 // Module uniprijs: the prices of one series, a row of each kind by size index, and the context in which they
 // count: currency, rate, surcharge, discounts, VAT, calculation. Nothing here knows an order. Prices are in the
 // smallest unit of their currency: gross and net in that of the context, purchase and advice in the home currency.
-// Where a price is computed it stays within 1 and 2147483646, whatever numbers a file holds. Rows are values: to
+// Where a price is computed it stays within 1 and 2147483646, whatever numbers a file holds. A size is in the series
+// when it has a gross price, known or not: an advice price alone is that of a size that went, kept for its return and
+// seen by nobody. Rows are values: to
 // keep them, to put them back and to compare them are assignment and ==. The walks over groups of sizes are
 // prijsgroep.cpp's and go over the bar in force (shared/maatbalk.h), all of its sizes, chosen or not; without one
 // they stop with INTERNAL 7.
@@ -57,7 +59,7 @@ void up_btw(uint8_t btwcode);
 // Calculate with this factor from now on; one outside 0 to 9.999 changes nothing.
 void up_calcfactor(double factor);
 // The same with a brand's stored factor (without VAT, thousandths), once per change of brand: what was entered since
-// stays while brand and factor are the same.
+// stays while brand and factor are the same. A factor that can't be used leaves none to calculate with.
 void up_calcfactor_merk(uint16_t merk, int16_t factor);
 // A calculation factor without VAT to one with it ('L': to the screen, three decimals) and back ('F': to the file), by
 // the firm's highest rate. 0 for another direction.
@@ -87,7 +89,7 @@ struct maatprijzen {
     int32_t netto, bruto, inkoop, advies;
 };
 maatprijzen up_maatprijzen(const prijsrijen& rijen, int maat);
-// Has every size with a net price its advice price, and the other way round?
+// Has every size of the series with a net price its advice price, and the other way round?
 bool up_compleet(const prijsrijen& rijen);
 
 // Two discounts compounded, per cent: 10 and 10 give 19. One out of range counts as none.
@@ -102,8 +104,7 @@ int32_t up_bereken_advies(int32_t inkoop, Calcmodus modus, double waarde, bool a
 int32_t up_afronden(int32_t prijs);
 
 // A net price that an order's discount went off (korting in hundredths of a per cent, negative: -250 is 2.50%
-// off), and back. A result of 0 with the discount is 1. At -10000 nothing can be computed back: the price as
-// it is.
+// off), and back. A result of 0 is 1. At -10000 nothing can be computed back: the price as it is.
 int32_t toeslag_erbij(int32_t prijs, int16_t korting);
 int32_t toeslag_eraf(int32_t prijs, int16_t korting);
 
@@ -119,7 +120,7 @@ enum Prijskolom : uint8_t {
     PK_ADVIES = 64,
     PK_MARGE = 128
 };
-// How a walk looks at the rows: what it compares, and whether a size is there by its advice or by its gross price.
+// How a walk looks at the rows: what it compares, and whether a size must have an advice price, too, to be there.
 struct prijszicht {
     uint8_t kolommen;
     bool op_advies;
@@ -157,7 +158,8 @@ double up_marge_groep(const prijsrijen& rijen, const prijsgroep_info& groep);
 bool up_pagina(const prijsrijen& rijen, prijszicht zicht, int pagina, int* eerste, uint8_t* maten);
 
 // The set of sizes has changed: a new size takes the prices of its neighbour on the bar (the next, else the one
-// before), its advice price only when it has none; a size that went loses all but its advice price.
+// before), its advice price only when it has none, and is unknown where that one has none either; a size that went
+// loses all but its advice price.
 void up_maten_gewijzigd(prijsrijen* rijen, const uint8_t* oud, const uint8_t* nieuw);
 
 // The advice prices as an order line or a series stores them, 40 bytes: eight sizes that each end a range of equal

@@ -7,6 +7,7 @@
 #include "support/proces.h"
 #include "support/systeem.h"
 #include "term/datum.h"
+#include <random>
 #include <unistd.h>
 
 namespace zg {
@@ -24,7 +25,6 @@ struct Koersen : test::Systeem {
     ~Koersen() override {
         koers_sluit();
         instel15 = {};
-        bedragdecimalen = 2;
     }
     static void maak(const char* sleutel) {
         koers_sluit();
@@ -34,7 +34,8 @@ struct Koersen : test::Systeem {
                                     {{'U', 'S', 'D'}, 0, 8990, 1, 42420},
                                     {{'J', 'P', 'Y'}, 0, 7900, 100, 41000},
                                     {{'U', 'S', 'C'}, 0, 1, 1, 1},
-                                    {{'A', 'A', 'A'}, 0, 5000, 0, 100}})
+                                    {{'A', 'A', 'A'}, 0, 5000, 0, 100},
+                                    {{'N', 'U', 'L'}, 0, 0, 1, 100}})
             test::schrijf(icb, rec);
         IXCLOSE(icb);
         koers_open();
@@ -47,9 +48,10 @@ TEST_F(Koersen, ByDate) {
         uint16_t datum;
         double koers;
     } const rijen[] = {
-        {"USD", 42000, 0.9150}, {"USD", 41999, 0.8800}, {"USD", 42420, 0.8990}, {"USD", 65535, 0.8990},
-        {"USD", 39999, 1.0}, // none that early; not that of USC
-        {"JPY", 42000, 0.0079}, {"JPY", 40999, 1.0},    {"GBP", 42000, 1.0},    {"EUR", 42000, 1.0},
+        {"USD", 42000, 0.9150}, {"USD", 41999, 0.8800}, {"USD", 42420, 0.8990},
+        {"USD", 65535, 0.8990}, {"USD", 39999, 1.0}, // none that early; not that of USC
+        {"JPY", 42000, 0.0079}, {"JPY", 40999, 1.0},    {"GBP", 42000, 1.0},
+        {"EUR", 42000, 1.0},    {"NUL", 42000, 1.0}, // no rate can be 0
     };
     for (const auto& r : rijen)
         EXPECT_DOUBLE_EQ(koers_datum(r.code, r.datum), r.koers) << r.code << r.datum;
@@ -140,15 +142,38 @@ TEST_F(Koersen, Conversion) {
 
 TEST_F(Koersen, ShortestRate) {
     struct {
-        int32_t vreemd, thuis;
-    } const rijen[] = {{10000, 9150}, {795, 795}, {1, 12345}, {700, 3}};
+        const char* code;
+        int32_t vreemd, thuis, factor;
+        double koers;
+    } const rijen[] = {
+        {"USD", 10000, 9150, 10000, 0.915},
+        {"USD", 1667, 2058, 10000, 1.2345}, // 1.2343 to 1.2348: the first digit that differs, halfway
+        {"USD", 1, 3703, 300, 123430},      // 123416.67 to 123450: zeros up to the point, wherever that is
+        {"USD", 1, 100000, 10000, 100000},  // 99999.5 to 100000.5: bounds of another length
+        {"USD", 15, 1, 10000, 1 / 15.0},    // 0.1 is the upper bound: 1.5 would be 2
+        {"JPY", 100, 7900, 10500, 0},
+        {"USD", INT32_MAX - 1, INT32_MAX - 1, 30000, 0},
+        {"USD", 0, 100, 10000, 1}, // nothing to divide by
+        {"USD", 100, 0, 10000, 1},
+    };
     for (const auto& r : rijen) {
-        double koers = koers_vernauwen("USD", r.vreemd, r.thuis, 10000);
-        EXPECT_EQ(naar_thuis(r.vreemd, "USD", koers), r.thuis) << r.vreemd << " " << koers;
+        SCOPED_TRACE(std::to_string(r.vreemd) + " " + std::to_string(r.thuis));
+        const double koers = koers_vernauwen(r.code, r.vreemd, r.thuis, r.factor);
+        if (r.koers != 0) {
+            EXPECT_DOUBLE_EQ(koers, r.koers);
+        }
+        if (r.vreemd && r.thuis) {
+            EXPECT_EQ(naar_thuis_factor(r.vreemd, r.code, koers, r.factor), r.thuis) << koers;
+        }
     }
-    // Bounds of 1.2345 and 1.2351: the first digit that differs, halfway.
-    EXPECT_DOUBLE_EQ(koers_vernauwen("USD", 1667, 2058, 10000), 1.2345);
-    EXPECT_DOUBLE_EQ(koers_vernauwen("USD", 0, 100, 10000), 1.0) << "no price to divide by";
+    std::mt19937 toeval(63);
+    for (int i = 0; i < 20000; i++) {
+        const char* code = i % 2 ? "USD" : "JPY";
+        const auto vreemd = static_cast<int32_t>(1 + toeval() % (1U << toeval() % 31)),
+                   thuis = static_cast<int32_t>(1 + toeval() % (1U << toeval() % 31));
+        const double koers = koers_vernauwen(code, vreemd, thuis, 10500);
+        ASSERT_EQ(naar_thuis_factor(vreemd, code, koers, 10500), thuis) << vreemd << " at " << koers;
+    }
 }
 
 // Order discount on and off a stored net price; `terug` is what a price that was set anew is stored as.
@@ -158,11 +183,13 @@ TEST(Prijzen, orderkorting_erbij_en_eraf) {
         int korting;
         int32_t netto, terug;
     } const rijen[] = {
-        {1000, 0, 1000, 1000},    {1000, -250, 975, 1000}, {100, -250, 98, 101},
+        {1000, 0, 1000, 1000},    {1000, -250, 975, 1000},  {100, -250, 98, 101},
         {1, -5000, 1, 2},
 
-        {100, 1000, 110, 100},    {999, -10000, 1, 1},     {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
-        {2000, -500, 1900, 2000},
+        {100, 1000, 110, 100},    {999, -10000, 1, 1},      {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
+        {2000, -500, 1900, 2000}, {2105, -500, 2000, 2105}, // 20.00 is stored as 21.05
+        {625, -5016, 311, 624},                             // 311.5 but for the last bit
+        {100, 32767, 428, 100},   {100, -32768, 1, 1},
     };
     for (const auto& r : rijen) {
         const auto k = static_cast<int16_t>(r.korting);

@@ -5,7 +5,10 @@
 #include "support/paar.h"
 #include "support/proces.h"
 #include "support/systeem.h"
+#include <algorithm>
 #include <limits>
+#include <random>
+#include <sstream>
 
 namespace zg {
 namespace {
@@ -62,7 +65,12 @@ TEST_F(Uniprijs, discounts) {
         int32_t bruto, netto; // out of range is none; 0.4 would take the size out of the row
     } const gevallen[] = {{10, 10, 100, 81},
                           {99.99, 0, 10000, 1},
+                          {50, 99.98, 10000, 1}, // 99.99 and a little more in doubles
+                          {0, -99.99, 10000, 19999},
                           {99.991, 25, 10000, 7500},
+                          {100, 0, 10000, 10000},
+                          {18, 0, 75, 61},      // 61.5 but for the last bit: every program gets 61
+                          {-50, -50, 100, 100}, // -125 is out of range
                           {GEEN_GETAL, 0, 100, 100},
                           {-50, 0, 201, 302},
                           {60, 0, 1, 1},
@@ -85,7 +93,8 @@ TEST_F(Uniprijs, discounts) {
     struct {
         int32_t bruto, netto;
         double korting;
-    } const terug[] = {{300, 200, 33.33}, {100, 150, -50}, {100, PRIJS_ONBEKEND, 0}, {1, HOOGSTE, -100}};
+    } const terug[] = {
+        {300, 200, 33.33}, {100, 150, -50}, {100, 200, -100}, {100, PRIJS_ONBEKEND, 0}, {1, HOOGSTE, -100}};
     for (const auto& g : terug) {
         rijen.bruto[7] = g.bruto, rijen.netto[7] = g.netto;
         prijsgroep_info groep{};
@@ -105,6 +114,9 @@ TEST_F(Uniprijs, advice_prices) {
                           {1251, F, 1, 1251, 1295},
                           {10000, F, 1, 10000, 10050},
                           {10001, F, 1, 10001, 10500},
+                          {10501, F, 1, 10501, 10950},
+                          {412, F, 2.42, 997, 995}, // 997.04
+                          {1000, M, 50, 2420, 2450},
                           {1017, M, 50, 2461, 2495},
                           {1000, Calcmodus::geen, 2.5, 0, 0},
                           {1000, M, 100, 0, 0},
@@ -134,18 +146,19 @@ TEST_F(Uniprijs, calculation_factor) {
     EXPECT_DOUBLE_EQ(calcfactor_btw('L', 2), 2.42);
     EXPECT_DOUBLE_EQ(calcfactor_btw('L', 0.333), 0.403); // 0.40293
     EXPECT_DOUBLE_EQ(calcfactor_btw('F', 2.42), 2);
+    EXPECT_DOUBLE_EQ(calcfactor_btw('F', calcfactor_btw('L', 1.999)), 2.419 / 1.21) << "not 1.999 again";
     struct {
         int merk, factor;
-        double calc;
-    } const gevallen[] = {{12, 2000, 2.42}, {12, 2000, 3.5}, {12, 2100, 2.541},
-                          {13, 2000, 2.42}, {14, -5, 2.42},  {15, 32767, 2.42}};
+        double calc; // 0: not calculated
+    } const gevallen[] = {{12, 2000, 2.42}, {12, 2000, 3.5}, {12, 2100, 2.541}, {14, -5, 0},
+                          {13, 2000, 2.42}, {15, 32767, 0},  {15, 2000, 2.42}};
     for (const auto& g : gevallen) {
         if (g.calc == 3.5)
             up_calcfactor(3.5); // entered since: the same brand leaves it
         up_calcfactor_merk(static_cast<uint16_t>(g.merk), static_cast<int16_t>(g.factor));
         EXPECT_DOUBLE_EQ(up_context.calcfactor, g.calc) << g.merk << " " << g.factor;
+        EXPECT_EQ(up_context.calcmodus, g.calc == 0 ? Calcmodus::geen : Calcmodus::factor) << g.merk;
     }
-    EXPECT_EQ(up_context.calcmodus, Calcmodus::factor);
     up_calcfactor(GEEN_GETAL);
     EXPECT_DOUBLE_EQ(up_context.calcfactor, 2.42);
     for (auto [code, promille] : {std::pair{2, 210}, {0, 0}, {11, 0}}) {
@@ -155,7 +168,7 @@ TEST_F(Uniprijs, calculation_factor) {
 }
 
 TEST_F(Uniprijs, groups_along_the_bar) {
-    // Size 3 is absent, 6 has no price yet, 9 an advice price alone.
+    // Size 3 is absent, 6 has no price yet, 9 went and left its advice price.
     const int gegeven[][3] = {{10, 500, 90},           {1, 600, 90}, {2, 600, 95}, {4, 600, 90}, {5, 500, 90},
                               {6, PRIJS_ONBEKEND, 90}, {9, 0, 90}};
     for (auto [maat, bruto, advies] : gegeven) {
@@ -167,7 +180,7 @@ TEST_F(Uniprijs, groups_along_the_bar) {
         const char* groepen;
     } const gevallen[] = {
         {ZICHT_INKOOP, "10 =500/0 1 2 4 =600/0 5 =500/0 6 =0/0 "},
-        {ZICHT_ADVIES, "1 10 =0/90 2 =0/95 4 5 6 9 =0/90 "},
+        {ZICHT_ADVIES, "1 10 =0/90 2 =0/95 4 5 6 =0/90 "},
         {ZICHT_SAMEN, "10 =500/90 1 =600/90 2 =600/95 4 =600/90 5 =500/90 6 =0/90 "},
         {{PK_MATEN, false}, "1 2 4 5 6 10 =0/0 "},
     };
@@ -187,9 +200,9 @@ TEST_F(Uniprijs, groups_along_the_bar) {
         EXPECT_FALSE(up_volgende_groep(rijen, g.zicht, &groep)) << "over is over";
     }
     EXPECT_EQ(up_aantal_verkoopprijzen(rijen), 3) << "runs, not different prices";
-    EXPECT_FALSE(up_compleet(rijen)) << "size 9 has an advice price alone";
-    up_wis_advies_maat(&rijen, 9);
     EXPECT_TRUE(up_compleet(rijen));
+    up_wis_advies_maat(&rijen, 5);
+    EXPECT_FALSE(up_compleet(rijen));
 
     // Twenty groups of a size each: pages of six groups and eighteen sizes.
     for (int maat = 1; maat <= 20; maat++)
@@ -215,45 +228,122 @@ TEST_F(Uniprijs, groups_along_the_bar) {
 }
 
 TEST_F(Uniprijs, stored_advice_prices) {
-    // Along the bar: 10 1 at 50, 2 at 60, 3 at 50.
-    for (auto [maat, prijs] : {std::pair{10, 50}, {1, 50}, {2, 60}, {3, 50}})
-        up_zet_advies(&rijen, maat, prijs);
-    uint8_t blok[ADVIESBLOK], wil[ADVIESBLOK] = {1, 2, 3};
-    wil[8] = 50, wil[12] = 60, wil[16] = 50;
-    EXPECT_TRUE(up_advies_bewaren(rijen, blok));
-    EXPECT_EQ(std::string(blok, blok + ADVIESBLOK), std::string(wil, wil + ADVIESBLOK));
-    prijsrijen terug{};
-    up_advies_laden(&terug, set({10, 2, 3, 7}).data(), blok);
-    EXPECT_EQ(terug.advies[10], 50);
-    EXPECT_EQ(terug.advies[1], 0) << "not in the set";
-    EXPECT_EQ(terug.advies[2], 60);
-    EXPECT_EQ(terug.advies[7], 50) << "behind the last range";
-
-    // Nine prices: the eighth range goes on to the last size.
-    for (int maat = 1; maat <= 20; maat++)
-        up_zet_advies(&rijen, maat, maat == 10 ? 1 : maat > 9 ? 900 : maat * 100);
-    up_wis_advies_maat(&rijen, 10);
-    EXPECT_FALSE(up_advies_bewaren(rijen, blok)) << "1 to 9 at nine prices and 11 to 20 like 9";
-    EXPECT_EQ(blok[6], 7);
-    EXPECT_EQ(blok[7], 20);
-    up_advies_laden(&terug, set({7, 9, 20}).data(), blok);
-    EXPECT_EQ(terug.advies[7], 700);
-    EXPECT_EQ(terug.advies[9], 800);
-
-    // Damage: prices below 1 and the mark, ends that are no sizes of the bar.
+    // Advice prices along the bar, and of each range the last size and its price. Blank: not of the line.
     struct {
-        uint8_t einde[2];
-        int32_t prijs[2], maat2, maat9;
-    } const schade[] = {
-        {{0, 9}, {0, 70}, 1, 1}, {{2, 9}, {-7, INT32_MAX}, 1, HOOGSTE}, {{255, 9}, {60, 70}, 70, 70}};
-    for (const auto& s : schade) {
-        memset(blok, 0, sizeof blok);
-        memcpy(blok, s.einde, sizeof s.einde);
-        memcpy(blok + 8, s.prijs, sizeof s.prijs);
-        up_advies_laden(&terug, set({2, 9}).data(), blok);
-        EXPECT_EQ(terug.advies[2], s.maat2) << int{s.einde[0]};
-        EXPECT_EQ(terug.advies[9], s.maat9) << int{s.einde[0]};
-        EXPECT_GT(blok[8], 0) << "raised in the stored list too";
+        const char *wat, *prijzen, *rangen;
+        bool past;
+    } const gevallen[] = {
+        {"runs, not different prices", "10=50 1=50 2=60 3=50", "1=50 2=60 3=50", true},
+        {"eight", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 8=8 9=8", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 9=8", true},
+        {"nine", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 8=8 9=9 11=1", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 11=8", false},
+        {"no price yet", "1=2147483647 2=60", "1=0 2=60", true},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        rijen = {};
+        std::string uit;
+        for (std::stringstream in(g.prijzen); in >> uit;) {
+            const int maat = stoi(uit);
+            up_zet_maat(&rijen, maat, 1, 1);
+            up_zet_advies(&rijen, maat, stoi(uit.substr(uit.find('=') + 1)));
+        }
+        up_zet_advies(&rijen, 4 + 8, 77); // kept of a size that went
+        uint8_t blok[ADVIESBLOK];
+        EXPECT_EQ(up_advies_bewaren(rijen, blok), g.past);
+        uit.clear();
+        for (size_t r = 0; r < ADVIESRANGEN && blok[r]; r++) {
+            int32_t prijs;
+            memcpy(&prijs, blok + ADVIESRANGEN + 4 * r, sizeof prijs);
+            uit += (r ? " " : "") + std::to_string(blok[r]) + "=" + std::to_string(prijs);
+        }
+        EXPECT_EQ(uit, g.rangen);
+    }
+
+    // What is on file, and the prices of sizes 2, 7 and 9 by it. Size 77 is not on the bar (any more).
+    struct {
+        const char* wat;
+        uint8_t einde[3];
+        int32_t prijs[3], maat2, maat7, maat9;
+    } const blokken[] = {{"a size put in between, one behind all", {2, 8}, {60, 70}, 60, 70, 70},
+                         {"no ranges", {}, {60}, 60, 60, 60},
+                         {"none, nor a price", {}, {}, 1, 1, 1},
+                         {"a price of 0, one below it", {2, 7, 9}, {0, -7, 50}, 1, 1, 50},
+                         {"the mark of an unknown price", {9}, {INT32_MAX}, HOOGSTE, HOOGSTE, HOOGSTE},
+                         {"an end that left the bar", {77, 7, 9}, {60, 70, 80}, 70, 70, 80},
+                         {"no size at all, twice the same", {255, 7, 7}, {60, 70, 80}, 70, 70, 80},
+                         {"out of order", {9, 2, 7}, {60, 70, 80}, 60, 60, 60}};
+    for (const auto& b : blokken) {
+        SCOPED_TRACE(b.wat);
+        uint8_t blok[ADVIESBLOK] = {};
+        memcpy(blok, b.einde, sizeof b.einde);
+        memcpy(blok + ADVIESRANGEN, b.prijs, sizeof b.prijs);
+        up_advies_laden(&rijen, set({2, 7, 9}).data(), blok);
+        EXPECT_EQ(rijen.advies[2], b.maat2);
+        EXPECT_EQ(rijen.advies[7], b.maat7);
+        EXPECT_EQ(rijen.advies[9], b.maat9);
+        EXPECT_EQ(rijen.advies[1], 0) << "not in the set";
+    }
+}
+
+// Random lines: groups hold the sizes that are there, each once and in bar order; what is packed comes back.
+TEST_F(Uniprijs, random_lines) {
+    std::mt19937 toeval(61);
+    auto kies = [&](int n) { return static_cast<int32_t>(toeval() % static_cast<unsigned>(n)); };
+    for (int ronde = 0; ronde < 2000; ronde++) {
+        SCOPED_TRACE(ronde);
+        rijen = {};
+        uint8_t aanwezig[MAATBYTES] = {};
+        const int prijzen = 1 + kies(4);
+        for (int maat = 1; maat <= 20; maat++) {
+            if (kies(4) == 0) {
+                rijen.advies[static_cast<size_t>(maat)] = kies(2) * 5; // gone, perhaps with a kept price
+                continue;
+            }
+            const int32_t bruto = kies(9) ? 1 + kies(prijzen) * 100 : PRIJS_ONBEKEND;
+            up_zet_maat(&rijen, maat, bruto, bruto);
+            up_zet_advies(&rijen, maat, kies(9) ? 1 + kies(prijzen) : PRIJS_ONBEKEND);
+            maat_aan(aanwezig, maat);
+        }
+        up_orderkorting(kies(200) - 100);
+        up_regelkorting(kies(200) - 100);
+        up_netto_alle(&rijen);
+        up_valuta("EUR", (1 + kies(30000)) / 1000.0, 1 + kies(30000));
+        up_inkoop_alle(&rijen);
+        for (prijszicht zicht : {ZICHT_INKOOP, ZICHT_ADVIES, ZICHT_SAMEN}) {
+            uint8_t gezien[MAATBYTES] = {};
+            int vorige = 0, geteld = 0;
+            for (prijsgroep_info g{}; up_volgende_groep(rijen, zicht, &g);) {
+                EXPECT_GT(mtpos(maatbalk, g.eerste.maatnr), vorige);
+                vorige = mtpos(maatbalk, g.laatste.maatnr);
+                geteld += g.aantal_maten;
+                for (size_t i = 0; i < MAATBYTES; i++)
+                    gezien[i] |= g.maten[i];
+            }
+            EXPECT_EQ(tekst(gezien), tekst(aanwezig));
+            EXPECT_EQ(geteld,
+                      static_cast<int>(std::count(rijen.bruto.begin(), rijen.bruto.end(), 0) * -1 + 96));
+        }
+        for (size_t maat = 1; maat <= 20; maat++) {
+            const bool er = maat_in(aanwezig, static_cast<int>(maat)),
+                       prijs = up_lees(rijen.bruto, static_cast<int>(maat));
+            for (const prijsrij* rij : {&rijen.netto, &rijen.inkoop})
+                EXPECT_TRUE(!er     ? (*rij)[maat] == 0
+                            : prijs ? (*rij)[maat] >= 1 && (*rij)[maat] < PRIJS_ONBEKEND
+                                    : (*rij)[maat] == PRIJS_ONBEKEND);
+        }
+        uint8_t blok[ADVIESBLOK];
+        if (up_advies_bewaren(rijen, blok)) {
+            EXPECT_LE(up_aantal_verkoopprijzen(rijen), ADVIESRANGEN);
+            prijsrijen terug{};
+            up_advies_laden(&terug, aanwezig, blok);
+            for (int maat = 1; maat <= 20; maat++)
+                if (maat_in(aanwezig, maat)) {
+                    EXPECT_EQ(terug.advies[static_cast<size_t>(maat)],
+                              std::max(up_lees(rijen.advies, maat), 1));
+                }
+        } else {
+            EXPECT_GT(up_aantal_verkoopprijzen(rijen), ADVIESRANGEN);
+        }
     }
 }
 
@@ -263,7 +353,7 @@ TEST_F(Uniprijs, another_set_of_sizes) {
         up_zet_advies(&rijen, maat, maat * 100);
     }
     up_zet_advies(&rijen, 4, 444); // kept from when it was there before
-    // 10 stands before 1; 4 and 5 before 6; 8 behind all; 77 is not on the bar. 2 goes.
+    // 10 stands before 1; 4 and 5 before 6; 8 behind all; 77 is not on the bar. 2 goes, and comes back.
     up_maten_gewijzigd(&rijen, set({1, 2, 6}).data(), set({1, 4, 5, 6, 8, 10, 77}).data());
     struct {
         size_t maat;
@@ -276,6 +366,15 @@ TEST_F(Uniprijs, another_set_of_sizes) {
         EXPECT_EQ(rijen.advies[w.maat], w.advies) << w.maat;
     }
     EXPECT_EQ(balk_kolommen(), 1) << "the grid's choice stays";
+    up_maten_gewijzigd(&rijen, set({1, 4}).data(), set({1, 2, 4}).data());
+    EXPECT_EQ(rijen.bruto[2], 60) << "of its neighbour";
+    EXPECT_EQ(rijen.advies[2], 200) << "its own again";
+
+    // No neighbour that has prices: unknown, so that it belongs to a group and can be priced.
+    rijen = {};
+    up_maten_gewijzigd(&rijen, set({6}).data(), set({6, 7}).data());
+    for (const prijsrij* rij : {&rijen.bruto, &rijen.netto, &rijen.inkoop, &rijen.advies})
+        EXPECT_EQ((*rij)[7], PRIJS_ONBEKEND);
 }
 
 } // namespace
