@@ -21,6 +21,11 @@ constexpr int CALCBREED = 50, CALCHOOG = 6, CALCVALUTA = 14, CALCWAARDE = 18, CA
 
 bool hint_staat;
 
+// What was entered last in "Nieuwe korting", below an order's discount and without one.
+struct {
+    double bij_order, eronder, zonder;
+} nieuw;
+
 void toon_hint(bool aan) {
     const std::string help = GROOTKOPIE(TXT(T_HELP));
     TOPHINT(aan ? ("<F1> " + help).c_str() : "");
@@ -49,27 +54,27 @@ bool kortingvenster(const char* titel, int kolom, double* korting) {
     WINOPEN1(vensterrij(hoogte), std::clamp(kolom - 13, 1, SCHERM.cols - KORTINGBREED + 1), hoogte,
              KORTINGBREED);
     titel_of_rand(titel);
-    auto toon = [](int r, const Tekst& label, double procent) {
+    auto toon = [](int r, const Tekst& label, double waarde) {
         SCRPUT(A_LABEL, r, 2, "%-14.14s", TXT(label));
-        SCRPUT(A_WAARDE, r, KORTINGVELD, "%6.2lf%%", procent);
+        SCRPUT(A_WAARDE, r, KORTINGVELD, "%6.2lf%%", waarde);
     };
-    double nieuw = *korting;
+    double procent = *korting;
     bool goed;
     for (;;) {
         if (order > 0) {
             toon(1, T_ORDERKORTING, order);
-            toon(3, T_TOTAALKORTING, up_totaalkorting(order, nieuw));
+            toon(3, T_TOTAALKORTING, up_totaalkorting(order, procent));
         }
-        toon(rij, order > 0 ? T_REGELKORTING : T_KORTING, nieuw);
-        korting_veld(rij, KORTINGVELD, &nieuw);
+        toon(rij, order > 0 ? T_REGELKORTING : T_KORTING, procent);
+        korting_veld(rij, KORTINGVELD, &procent);
         goed = !TOETSWEG();
-        if (!goed || up_korting_past(nieuw))
+        if (!goed || up_korting_past(procent))
             break;
-        error("<%.2lf%%> %s", nieuw, TXT(T_TOTAAL_PAST_NIET));
+        error("<%.2lf%%> %s", procent, TXT(T_TOTAAL_PAST_NIET));
     }
     WINCLOSE();
     if (goed)
-        *korting = nieuw;
+        *korting = procent;
     return goed;
 }
 
@@ -116,12 +121,9 @@ bool regelkorting_venster(const char* titel, int kolom) {
 }
 
 bool nieuwe_korting_venster(const char* titel, int kolom) {
-    // What was entered last, below an order's discount and without one.
-    static double bij_order, onder, zonder;
-    if (bij_order != up_context.orderkorting)
-        onder = zonder = 0;
-    bij_order = up_context.orderkorting;
-    double* bewaard = bij_order > 0 ? &onder : &zonder;
+    if (nieuw.bij_order != up_context.orderkorting)
+        nieuw = {up_context.orderkorting, 0, 0};
+    double* bewaard = nieuw.bij_order > 0 ? &nieuw.eronder : &nieuw.zonder;
     if (!kortingvenster(titel, kolom, bewaard))
         return false;
     up_context.nieuwe_korting = *bewaard;
@@ -129,8 +131,6 @@ bool nieuwe_korting_venster(const char* titel, int kolom) {
 }
 
 void kortingsmethode_kiezen(int kolom) {
-    int rij, links;
-    WINNAARSCHERM(1, 1, &rij, &links);
     auto keus = static_cast<int>(up_context.methode);
     do {
         DMREC* menu = DMNEW(GROOTKOPIE(TXT(T_KORTINGSMETHODE)));
