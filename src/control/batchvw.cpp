@@ -159,8 +159,8 @@ void user_vrij(int groep) {
     IOLOCK('U', iotab_fd(), begin(groep) + sessie - 1, 1);
 }
 
-int32_t order_nummer() {
-    return iotab_teller(5, HOOGSTE_ORDER);
+int32_t order_nummer(bool (*bezet)(int32_t)) {
+    return iotab_teller(5, HOOGSTE_ORDER, bezet);
 }
 
 } // namespace zg

@@ -17,8 +17,8 @@ void batch_vrij(int groep);
 // user won't wait.
 bool user_claim(int groep, bool mag_vragen);
 void user_vrij(int groep);
-// 1000 to 9999999, then 1000 again; 0 when it could not be written (told).
-int32_t order_nummer();
+// 1000 to 9999999, then 1000 again, those in use passed over; 0 when it could not be written (told).
+int32_t order_nummer(bool (*bezet)(int32_t) = nullptr);
 
 extern void (*BATCHTERUG)(); // back to the menu, for a fault in an unattended run; null: INTERNAL
 

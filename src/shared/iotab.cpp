@@ -246,14 +246,20 @@ int iotab_code(char letter, int soort, int32_t* nr, tekst30* record) {
     return iotab(letter, nr, record, tabellen[soort - 1][1]);
 }
 
-int32_t iotab_teller(int sysrecord, int32_t hoogste) {
+int32_t iotab_teller(int sysrecord, int32_t hoogste, bool (*bezet)(int32_t)) {
+    constexpr int32_t EERSTE = 1000;
     systeller teller;
     int32_t nr = sysrecord;
     iotab('X', &nr, &teller, SYS_RECORD);
-    if (teller.laatste < 1 || teller.laatste >= hoogste)
-        teller.laatste = 999;
-    teller.laatste++;
-    return iotab('W', &nr, &teller, SYS_RECORD) ? teller.laatste : 0;
+    for (int32_t over = hoogste - EERSTE + 1; over > 0; over--) {
+        if (teller.laatste < 1 || teller.laatste >= hoogste)
+            teller.laatste = EERSTE - 1;
+        teller.laatste++;
+        if (!bezet || !bezet(teller.laatste))
+            return iotab('W', &nr, &teller, SYS_RECORD) ? teller.laatste : 0;
+    }
+    iotab('U', &nr, &teller, SYS_RECORD);
+    return 0;
 }
 
 void sys_lees() {

@@ -67,8 +67,9 @@ int iotab_setcode2(int32_t* nr, setcode2rec* record);
 // slot, whose number becomes 1.
 int iotab_code(char letter, int soort, int32_t* nr, tekst30* record);
 
-// Draw the next number of a counter record (2 series, 5 orders): from 1000 to `hoogste`, then 1000 again.
-// 0 when it couldn't be written (told): nobody has that number then.
-int32_t iotab_teller(int sysrecord, int32_t hoogste);
+// Draw the next number of a counter record (2 series, 5 orders): from 1000 to `hoogste`, then 1000 again; numbers that
+// are in use (`bezet`) are passed over. 0 when it couldn't be written (told), nobody has that number then, or when all are
+// in use.
+int32_t iotab_teller(int sysrecord, int32_t hoogste, bool (*bezet)(int32_t) = nullptr);
 
 } // namespace zg

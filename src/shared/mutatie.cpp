@@ -4,10 +4,14 @@
 
 namespace zg {
 
+bool (*MUTATIEHAAK)(char letter, const std::string& inhoud);
+
 bool kassakoppeling() {
     return (firma.vlag30 & 4) != 0;
 }
 
-void mutatie(char, const std::string&) {}
+bool mutatie(char letter, const std::string& inhoud) {
+    return !kassakoppeling() || !MUTATIEHAAK || MUTATIEHAAK(letter, inhoud);
+}
 
 } // namespace zg

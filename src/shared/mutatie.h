@@ -1,12 +1,14 @@
-// What the tills must hear of. Master data modules tell it here; the files that carry it don't stand yet, so nothing
-// is written.
+// What the tills and the back office must hear of: each change as the letter of its kind and its data. Nothing goes out
+// unless tills are linked. The files that carry it are a module of their own, which hangs itself in.
 #pragma once
 #include <string>
 
 namespace zg {
 
 bool kassakoppeling(); // are tills linked? (system record 1)
-// A mutation for all tills: the letter of its kind ('G', 'W', code 73 is 'I') and its data.
-void mutatie(char letter, const std::string& inhoud);
+// A mutation for all tills ('G', 'W', code 73 is 'I'). False when its line could not be written, which was told.
+bool mutatie(char letter, const std::string& inhoud);
+// Who writes it; null while nobody does. Answers as mutatie.
+extern bool (*MUTATIEHAAK)(char letter, const std::string& inhoud);
 
 } // namespace zg

@@ -145,6 +145,8 @@ int IXREAD(ICB* icb, void* rec);               // by the whole key, no lock
 // The same and lock it, waiting as long as it takes. 0: no such key, which is now reserved. Ended by a write, a
 // delete or IXUNLOCK. -1: no such key, and the disk refused the reservation, which was told: nothing is the caller's.
 int IXREADL(ICB* icb, void* rec);
+// IXREADL that waits for nobody: -1 also when another has the record or the key at this moment, untold.
+int IXREADT(ICB* icb, void* rec);
 void IXUNLOCK(ICB* icb, const void* rec);
 int IXEXISTS(ICB* icb, const void* rec);
 int IXEXISTSP(ICB* icb, const void* rec, int delen); // by the first parts

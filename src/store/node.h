@@ -100,6 +100,7 @@ void IXEOFTOON(ICB* icb, int32_t blok);
 // (false with errno when the disk refuses); the same as part of the change in hand (store/klad.h), whose end lets go of
 // the queue's lock: false, and nothing done, when that can't be had at once.
 bool IXPROBEERSLOT(ICB* icb);
+int IXPROBEERSLEUTEL(ICB* icb); // IXLOCK 4 without the wait
 bool IXVERGEET(ICB* icb);
 bool IXVERGEETMEE(ICB* icb);
 // Behind an insert of an exclusive handle: somebody may have reserved the key before the pair was opened, or while it

@@ -162,6 +162,37 @@ int IXREADL(ICB* icb, void* rec) {
     }
 }
 
+int IXREADT(ICB* icb, void* rec) {
+    IXEIS(icb, "IXREADT");
+    if (icb->mode == 0)
+        return IXREAD(icb, rec);
+    const IXKEYDEF& def = IXDEF(icb);
+    uint8_t gezocht[IXSLEUTELMAX + 4], gevonden[IXSLEUTELMAX + 4], inhoud[IXRECMAX];
+    memset(icb->keybuf, 0, sizeof icb->keybuf);
+    IXBLDKEY(icb, rec, def.keylen);
+    memcpy(gezocht, icb->keybuf, sizeof gezocht);
+    icb->currec = IXSEARCH(icb, '=', def.keylen);
+    if (icb->currec < 0) {
+        if (IXPROBEERSLEUTEL(icb) != 1)
+            return -1;
+        if (icb->filelocked || (icb->currec = IXSEARCH(icb, '=', def.keylen)) < 0)
+            return 0;
+        IXLOCK(icb, 14); // entered between the search and the reservation
+        return -1;
+    }
+    if (!IXPROBEERSLOT(icb))
+        return -1;
+    const bool levend = IXLEESLEVEND(icb, inhoud);
+    IXMAAKSLEUTEL(def, inhoud, icb->currec, def.keylen, gevonden);
+    if (levend && IXVERGELIJK(def, gezocht, gevonden, def.keylen) == 0) {
+        memcpy(rec, inhoud, static_cast<size_t>(icb->h.reclen));
+        IXGEGEVEN(icb, rec);
+        return 1;
+    }
+    IXLOCK(icb, 13);
+    return -1;
+}
+
 void IXUNLOCK(ICB* icb, const void* rec) {
     IXEIS(icb, "IXUNLOCK");
     if (icb->mode == 0)

@@ -211,6 +211,18 @@ bool IXPROBEERSLOT(ICB* icb) {
     return icb->filelocked || icb->tempidx || IOLOCK('S', icb->datfd, recordplaats(icb), icb->h.reclen);
 }
 
+int IXPROBEERSLEUTEL(ICB* icb) {
+    switch (icb->filelocked ? RIJ_GEDAAN : reserveer(icb)) {
+    case RIJ_AL:
+        return 0;
+    case RIJ_GEWEIGERD:
+        IXGEWEIGERD(icb, errno, TXT(T_IX_NIET_GERESERVEERD));
+        return -1;
+    default:
+        return 1;
+    }
+}
+
 bool IXVERGEET(ICB* icb) {
     return vergeet(icb);
 }
@@ -276,19 +288,15 @@ int IXLOCK(ICB* icb, int operatie) {
     case 3:
         // The data file of a temporary index belongs to the normal pair, and so do its locks.
         return icb->tempidx ? 1 : IXLOCKRGN('S', icb, icb->datfd, recordplaats(icb), icb->h.reclen);
-    case 4:
-        switch (icb->filelocked ? RIJ_GEDAAN : reserveer(icb)) {
-        case RIJ_AL:
+    case 4: {
+        const int vast = IXPROBEERSLEUTEL(icb);
+        if (vast == 0) {
             icb->wachtsleutel = 1;
             IXWAITHOOK(icb);
             icb->wachtsleutel = 0;
-            return 0;
-        case RIJ_GEWEIGERD:
-            IXGEWEIGERD(icb, errno, TXT(T_IX_NIET_GERESERVEERD));
-            return -1;
-        default:
-            return 1;
         }
+        return vast;
+    }
     case 11:
         icb->filelocked = 0;
         icb->koplock = 0;

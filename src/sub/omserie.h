@@ -8,12 +8,16 @@ namespace zg {
 
 struct ICB;
 
-extern ICB *dtser, *dtserpic, *dtean, *dtordnr; // open in the full registration, else null
-// Open and close all files of the registration, label and price file too. A pair that isn't there, and DTSER.TXT without
-// its index, stops the program.
+extern ICB *dtser, *dtserpic, *dtean,
+    *dtordnr; // open in the full registration, else null; no DTSERPIC, no pictures
+// Is the data directory that of a full registration? DTSER.TXT without its index stops the program: it would go on
+// without the register, and write orders that have no labels.
+bool register_aanwezig();
+// Open and close all files of the registration, label and price file too. A pair that isn't there stops the program. What
+// this user's slot left reserved is given up.
 void register_open();
 void register_sluit();
-// Behind an action: labels, series and codes reopened, so that other terminals see the result.
+// Behind an action: what was written is on disk, so that other terminals see the result. No lock is held then.
 void register_ververs();
 
 // By key, without a lock. False when there is none.
@@ -21,29 +25,41 @@ bool serie_lees(const seriesleutel& sleutel, serrec* rec);
 // The same under the lock, waiting for it; the lock in hand before is given up first. False, and no lock or reservation,
 // when there is none.
 bool serie_neem(const seriesleutel& sleutel, serrec* rec);
-void serie_los();                             // give the lock in hand up; nothing to do without
+// Give the lock in hand up, with the mutations that were collected under it; nothing to do without.
+void serie_los();
 bool serie_vast(const seriesleutel& sleutel); // is it the one in hand?
-// Write the record, a new one too; the lock stays. False: refused, told.
-bool serie_schrijf(serrec* rec);
+// Write the record of the series in hand, or the new one of the number that is reserved, which is then in hand. The lock
+// stays. False: refused, told; lock or reservation stay. Neither in hand nor reserved: omserie INTERNAL 1.
+bool serie_schrijf(const serrec& rec);
 
 // Seconds from 01-01-1980 to an order's date, plus twice its line's number of the day.
 int32_t serie_stempel(uint16_t orderdatum, uint16_t tijdstempel);
 // May a series take data from an order with that stamp? Its own isn't later.
 bool serie_mag(const serrec& rec, int32_t stempel);
 std::string serie_tekst(const seriesleutel& sleutel); // "groep.kleur.volgnummer"
+// A box: the label chain of a series is damaged, with file, series, block and what is wrong (ioeti_schade).
+void serie_meld_etiketten(const seriesleutel& sleutel);
 
+inline constexpr uint16_t VOLGNUMMER_MAX = 9999;
 // The lowest free sequence number of a group and colour from `vanaf` on, reserved for this program until serie_nummer_los
-// or the record's write; noted in a file of the user's slot first, so that a reservation whose program died is given up
-// when the slot is used again. 0 when there is none up to 9999. `volgnummer_vrij` asks for one number.
+// or the record's write. One that another has in hand is passed over without a wait. 0 when there is none up to 9999, or
+// the disk refused (told).
 uint16_t serie_volgnummer_vrij(int32_t artikelgroep, uint16_t kleur, uint16_t vanaf = 1);
+// The same for one number; false when it isn't free. The reservation before it is given up, unless it is the same.
 bool serie_volgnummer_neem(const seriesleutel& sleutel);
 void serie_nummer_los();
-void serie_nummers_opruimen(); // at the start: what this slot left reserved
-// The next running number, from 1000; numbers in use are passed over. 0 when none could be written (told).
+// A reservation outlives its program. So each is noted first in a file of the user's slot (SERNRnn.RES, a list of keys),
+// and what that file names is given up at the slot's next start: but no number that the file of a living slot names, which
+// is that slot's.
+void serie_nummers_opruimen();
+// Is a number named by the file of another slot whose user is in? Who clears reservations leaves these.
+bool serie_nummer_levend(const seriesleutel& sleutel);
+// The next running number, from 1000; numbers in use are passed over. 0 when none could be written (told) or is left.
 int32_t serie_nummer_nieuw();
 
-// The mutation of a series: 'G' created or changed, 'W' prices, 'd' labels added, 'g' labels deleted; collected while a lock
-// is held and queued when it is given up.
+// The mutation of a series: 'G' created or changed, 'W' prices, 'd' labels added, 'g' labels deleted; each once.
+// `oud_merk`: the brand that a changed one had, 0 for a new series. Collected while a lock is held and queued when it is
+// given up.
 void serie_mutatie(char letter, const serrec& rec, uint16_t oud_merk = 0);
 
 } // namespace zg

@@ -2,6 +2,7 @@
 #include "sub/stampost.h"
 #include "shared/leesstam.h"
 #include "shared/sysrec.h"
+#include "sub/sleutelstand.h"
 #include "sub/teksten.h"
 #include "term/scherm.h"
 #include <algorithm>
@@ -9,16 +10,6 @@
 
 namespace zg {
 namespace {
-
-// Key 1 current for as long as it lives.
-struct Eerste {
-    explicit Eerste(ICB* pair) : icb(pair), oude(IXSLEUTEL(pair)) { IXSWITCH(icb, 1); }
-    ~Eerste() { IXSWITCH(icb, oude); }
-    Eerste(const Eerste&) = delete;
-    Eerste& operator=(const Eerste&) = delete;
-    ICB* icb;
-    int oude;
-};
 
 // The record is ours again behind a refused write. False when another has made or deleted it since: told.
 bool herneem(Stampost* post) {
@@ -49,7 +40,7 @@ int post_lees(Stampost* post, void* rec, size_t lengte, size_t sleutel, bool slo
     post->slot = post->er = false;
     if (!*post->icb)
         return 0;
-    Eerste k1(*post->icb);
+    Sleutelstand k1(*post->icb);
     const int gelezen = slot ? IXREADL(k1.icb, post->ruimte) : IXREAD(k1.icb, post->ruimte);
     if (gelezen == 1)
         memcpy(beeld, post->ruimte, lengte);
@@ -59,7 +50,7 @@ int post_lees(Stampost* post, void* rec, size_t lengte, size_t sleutel, bool slo
 }
 
 bool post_schrijf(Stampost* post, const void* rec, size_t lengte) {
-    Eerste k1(*post->icb);
+    Sleutelstand k1(*post->icb);
     memcpy(post->ruimte, rec, lengte);
     if (!post->slot && !herneem(post))
         return false;
@@ -77,7 +68,7 @@ bool post_schrijf(Stampost* post, const void* rec, size_t lengte) {
 }
 
 bool post_wis(Stampost* post) {
-    Eerste k1(*post->icb);
+    Sleutelstand k1(*post->icb);
     const bool er =
         IXREAD(k1.icb, post->ruimte) == 1; // to stand on it: its table served for others meanwhile
     post->slot = false;
@@ -91,7 +82,7 @@ bool post_wis(Stampost* post) {
 
 void post_vrij(Stampost* post) {
     if (post->slot) {
-        Eerste k1(*post->icb);
+        Sleutelstand k1(*post->icb);
         IXUNLOCK(k1.icb, post->ruimte);
     }
     post->slot = false;

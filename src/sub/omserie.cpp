@@ -1,0 +1,225 @@
+// The files of the registration, and the record of a series: read, held, written; its mutations. Its numbers:
+// sub/serienummer.cpp.
+#include "sub/omserie.h"
+#include "shared/files.h"
+#include "shared/ioeti.h"
+#include "shared/ioink.h"
+#include "shared/leesstam.h"
+#include "shared/mutatie.h"
+#include "shared/report.h"
+#include "sub/serienummer.h"
+#include "sub/sleutelstand.h"
+#include "sub/teksten.h"
+#include "term/datum.h"
+#include "term/prompt.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <vector>
+
+namespace zg {
+
+ICB *dtser, *dtserpic, *dtean, *dtordnr;
+
+namespace {
+
+constexpr int SHARED = 2;
+
+struct Bestand {
+    const char* naam;
+    ICB** icb;
+    bool mag_ontbreken = false;
+};
+const Bestand BESTANDEN[] = {
+    {"DTEAN", &dtean},
+    {"DTSER", &dtser},
+    {"DTSERPIC", &dtserpic, true},
+    {"DTORDNR", &dtordnr},
+};
+
+// The series in hand. What its record has beyond the struct stays as it is.
+struct {
+    bool vast;
+    seriesleutel sleutel;
+    uint8_t ruimte[IXRECMAX];
+} hand;
+
+struct Mutatie {
+    char letter;
+    std::string inhoud;
+    bool operator==(const Mutatie&) const = default;
+};
+std::vector<Mutatie> mutaties;
+
+void stuur_mutaties() {
+    std::vector<Mutatie> weg;
+    weg.swap(mutaties);
+    for (const Mutatie& m : weg)
+        mutatie(m.letter, m.inhoud);
+}
+
+void in_hand(const seriesleutel& sleutel) {
+    hand.vast = true;
+    hand.sleutel = sleutel;
+    ioeti_vergeet();
+}
+
+} // namespace
+
+bool register_aanwezig() {
+    if (IOEXISTS("DTSER.INX"))
+        return true;
+    if (IOEXISTS("DTSER.TXT")) {
+        errno = ENOENT;
+        OPENFAIL("omserie", "DTSER.INX");
+    }
+    return false;
+}
+
+void register_open() {
+    for (const Bestand& b : BESTANDEN) {
+        if (!stam_aanwezig(b.naam)) {
+            if (b.mag_ontbreken)
+                continue;
+            errno = ENOENT;
+            OPENFAIL("omserie", b.naam);
+        }
+        *b.icb = IXOPEN(b.naam, SHARED);
+    }
+    int32_t geen = 0;
+    etiket label{};
+    ioeti('O', &geen, &label);
+    ioink_open(SHARED);
+    serie_nummers_opruimen();
+}
+
+void register_sluit() {
+    if (!dtser)
+        return;
+    serie_los();
+    serie_nummer_los();
+    int32_t geen = 0;
+    etiket label{};
+    ioink_close();
+    ioeti('C', &geen, &label);
+    for (size_t i = std::size(BESTANDEN); i-- > 0;) {
+        if (*BESTANDEN[i].icb)
+            IXCLOSE(*BESTANDEN[i].icb);
+        *BESTANDEN[i].icb = nullptr;
+    }
+}
+
+void register_ververs() {
+    ioeti_heropen(); // pairs have written all they have as soon as a call returns
+}
+
+bool serie_lees(const seriesleutel& sleutel, serrec* rec) {
+    Seriebuffer buffer(sleutel);
+    const Sleutelstand k1(dtser);
+    if (IXREAD(dtser, buffer.rec) != 1)
+        return false;
+    stam_uit(buffer.rec, dtser->h.reclen, rec);
+    return true;
+}
+
+bool serie_neem(const seriesleutel& sleutel, serrec* rec) {
+    const seriesleutel deze = sleutel; // may be part of *rec
+    serie_los();
+    // An absent series is not asked for with its lock: that would reserve its number.
+    if (!serie_lees(deze, rec))
+        return false;
+    memcpy(hand.ruimte, Seriebuffer(deze).rec, sizeof hand.ruimte);
+    const Sleutelstand k1(dtser);
+    const int gelezen = IXREADL(dtser, hand.ruimte);
+    if (gelezen != 1) { // deleted meanwhile
+        if (gelezen == 0)
+            IXUNLOCK(dtser, Seriebuffer(deze).rec);
+        return false;
+    }
+    stam_uit(hand.ruimte, dtser->h.reclen, rec);
+    in_hand(deze);
+    return true;
+}
+
+void serie_los() {
+    if (hand.vast) {
+        hand.vast = false;
+        ioeti_vergeet();
+        const Sleutelstand k1(dtser);
+        if (IXEXISTS(dtser, Seriebuffer(hand.sleutel).rec)) // a deleted one took its lock along
+            IXLOCK(dtser, 13);
+    }
+    stuur_mutaties();
+}
+
+bool serie_vast(const seriesleutel& sleutel) {
+    return hand.vast && zelfde_serie(hand.sleutel, sleutel);
+}
+
+bool serie_schrijf(const serrec& rec) {
+    const seriesleutel sleutel = rec.serie;
+    const bool nieuw = serie_gereserveerd(sleutel);
+    if (!nieuw && !serie_vast(sleutel))
+        INTERNAL("omserie", 1);
+    uint8_t ruimte[IXRECMAX] = {};
+    if (!nieuw)
+        memcpy(ruimte, hand.ruimte, sizeof ruimte);
+    memcpy(ruimte, &rec, sizeof rec);
+    {
+        const Sleutelstand k1(dtser);
+        const int geweigerd = IXWEIGERINGEN;
+        if (!IXWRITEK(dtser, ruimte)) {
+            if (IXWEIGERINGEN == geweigerd)
+                error("%s", TXT(T_NIET_VASTGELEGD));
+            return false;
+        }
+    }
+    memcpy(hand.ruimte, ruimte, sizeof ruimte);
+    if (nieuw) {
+        in_hand(sleutel);
+        serie_nummer_gebruikt();
+    }
+    return true;
+}
+
+int32_t serie_stempel(uint16_t orderdatum, uint16_t tijdstempel) {
+    static const uint16_t begin = DATUMNR("01011980");
+    constexpr int64_t DAG = 24 * 60 * 60;
+    return static_cast<int32_t>(
+        std::clamp<int64_t>((orderdatum - begin) * DAG + 2 * int64_t{tijdstempel}, INT32_MIN, INT32_MAX));
+}
+
+bool serie_mag(const serrec& rec, int32_t stempel) {
+    return rec.stempel <= stempel;
+}
+
+std::string serie_tekst(const seriesleutel& sleutel) {
+    char tekst[32];
+    snprintf(tekst, sizeof tekst, "%d.%u.%u", sleutel.artikelgroep, sleutel.kleur, sleutel.volgnummer);
+    return tekst;
+}
+
+void serie_meld_etiketten(const seriesleutel& sleutel) {
+    const etischade& schade = ioeti_schade();
+    char waar[64];
+    snprintf(waar, sizeof waar, TXT(T_SER_SCHADE), serie_tekst(sleutel).c_str(), schade.blok);
+    MELDBOX(MELD_WAARSCHUWING, waar, schade.reden, nullptr);
+}
+
+void serie_mutatie(char letter, const serrec& rec, uint16_t oud_merk) {
+    if (!instel15.overdracht)
+        return;
+    char tekst[64];
+    if (letter == 'G')
+        snprintf(tekst, sizeof tekst, "%07d%04u%05d%-15.15s*%c", rec.nummer, oud_merk, rec.serie.artikelgroep,
+                 std::string(VASTUIT(rec.model)).c_str(), rec.regtype ? 'M' : 'E');
+    else
+        snprintf(tekst, sizeof tekst, "%05d%03u%04u", rec.serie.artikelgroep, rec.serie.kleur,
+                 rec.serie.volgnummer);
+    const Mutatie m{letter, tekst};
+    if (std::find(mutaties.begin(), mutaties.end(), m) == mutaties.end())
+        mutaties.push_back(m);
+}
+
+} // namespace zg

@@ -1,0 +1,16 @@
+// Between the files of omserie.
+#pragma once
+#include "shared/registerrec.h"
+
+namespace zg {
+
+// A buffer as long as any record, with a series' key in front: for what looks up by key 1 of its file.
+struct Seriebuffer {
+    explicit Seriebuffer(const seriesleutel& sleutel) { memcpy(rec, &sleutel, sizeof sleutel); }
+    uint8_t rec[IXRECMAX] = {};
+};
+
+bool serie_gereserveerd(const seriesleutel& sleutel); // is its number reserved by this program?
+void serie_nummer_gebruikt();                         // its record has been written: the note goes
+
+} // namespace zg
