@@ -157,6 +157,10 @@ Lijstuit merk_veld(int rij, int kolom, const char* opties, uint16_t* merk) {
     return anders ? Lijstuit::anders : Lijstuit::zelfde;
 }
 
+uint16_t merk_van_tekst(const std::string& tekst, int* aantal) {
+    return zoek(groot(std::string(VASTTRIM(tekst))), aantal);
+}
+
 uint16_t merk_met_zoeknaam(const char (&zoeknaam)[4]) {
     uint16_t merk = 0;
     met_zoeknaam(groot(VASTTEKST(zoeknaam)), true, &merk);

@@ -15,6 +15,8 @@ bool merk_scherm(uint16_t merk);
 Recorduit merk_onderhoud(uint16_t merk, bool vragen);
 // "Wilt u merk 12 toevoegen"; empty when this user may not.
 std::string merk_vraag(uint16_t merk);
+// The brand that a text stands for, as in the field: 0 for none; *aantal how many brands (two at most) begin so.
+uint16_t merk_van_tekst(const std::string& tekst, int* aantal);
 // The brand with this search name, 0 for none.
 uint16_t merk_met_zoeknaam(const char (&zoeknaam)[4]);
 // The search name proposed for a name: "Van der Velde" gives "VNDR".

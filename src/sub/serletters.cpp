@@ -1,0 +1,103 @@
+// The letters of a series' fields, see sub/serletters.h.
+#include "sub/serletters.h"
+#include "shared/leesstam.h"
+#include "sub/teksten.h"
+#include "term/vast.h"
+
+namespace zg {
+namespace {
+
+// clang-format off
+const Serieletter LETTERS[] = {
+    {'A', &T_SL_ARTIKELGROEP, "5l,P",  'I', offsetof(serrec, serie),       4, 5},
+    {'K', &T_SL_KLEUR,        "3u,P",  'I', offsetof(serrec, serie) + 4,   2, 3},
+    {'V', &T_SL_VOLGNUMMER,   "4u,P",  'I', offsetof(serrec, serie) + 6,   2, 4},
+    {'R', &T_SL_MERK,         "4s,U",  'I', offsetof(serrec, merk),        2, 4},
+    {'M', &T_SL_MODEL,        "15s,U", 'C', offsetof(serrec, model),      15, 15},
+    {'D', &T_SL_DOELGROEP,    "1s,",   'I', offsetof(serrec, doelgroep),   1, 1},
+    {'J', &T_SL_JAAR,         "4u,P",  'I', offsetof(serrec, jaar),        2, 4},
+    {'S', &T_SL_SEIZOEN,      "1s[%s],U", 'C', offsetof(serrec, seizoen),  1, 1},
+    {'E', &T_SL_DESSIN,       "12s,",  'C', offsetof(serrec, dessin),     12, 12},
+    {'N', &T_SL_KENMERK,      "2s,",   'C', offsetof(serrec, kenmerk),     2, 2},
+    {'Z', &T_SL_DEELSEIZOEN,  "1u,P",  'I', offsetof(serrec, deelseizoen), 1, 1},
+    {'I', &T_SL_INKOOPCODE},
+    {'B', &T_SL_MAATSOORT,    "2u,P",  'I', offsetof(serrec, maatsoort),   1, 2},
+    {'L', &T_SL_LEVERANCIER,  "4u,P",  'I', offsetof(serrec, leverancier), 4, 4},
+    {'C', &T_SL_COLLECTIE},
+    {'F', &T_SL_FILIAAL},
+    {'T', &T_SL_MAAT},
+    {'U', &T_SL_NUMMER},
+    {'m', &T_SL_MATERIAAL,    "12s,",  'C', offsetof(serrec, materiaal),  12, 12},
+};
+// clang-format on
+
+uint32_t getal(const serrec& rec, const Serieletter& l) {
+    uint32_t uit = 0;
+    memcpy(&uit, reinterpret_cast<const char*>(&rec) + l.plaats, l.breedte); // little-endian
+    return uit;
+}
+
+const char* tekst(const serrec& rec, const Serieletter& l) {
+    return reinterpret_cast<const char*>(&rec) + l.plaats;
+}
+
+} // namespace
+
+const std::span<const Serieletter> SERIELETTERS = LETTERS;
+
+const Serieletter* serieletter(char letter) {
+    for (const Serieletter& l : LETTERS)
+        if (l.letter == letter)
+            return &l;
+    return nullptr;
+}
+
+int serie_vergelijk(const serrec& a, const serrec& b, const std::string& letters, size_t aantal) {
+    for (size_t i = 0; i < aantal && i < letters.size(); i++) {
+        const Serieletter* l = serieletter(letters[i]);
+        if (!l || !l->type)
+            continue;
+        int v = 0;
+        if (l->type == 'C')
+            v = IXCOLLATE(tekst(a, *l), tekst(b, *l), l->breedte);
+        else if (const uint32_t x = getal(a, *l), y = getal(b, *l); x != y)
+            v = x < y ? -1 : 1;
+        if (v)
+            return v;
+    }
+    return 0;
+}
+
+size_t serie_sleuteldelen(const ICB* icb, int sleutel, const std::string& letters) {
+    const IXKEYDEF& def = icb->h.keydef[sleutel - 1];
+    size_t n = 0;
+    for (; n < letters.size() && n < IXDELEN; n++) {
+        const Serieletter* l = serieletter(letters[n]);
+        if (!l || def.ptype[n] != l->type || !l->type || def.pstart[n] != l->plaats + 1 ||
+            def.pend[n] != l->plaats + l->breedte)
+            break;
+    }
+    return n;
+}
+
+std::string serie_waarde(const serrec& rec, char letter) {
+    const Serieletter* l = serieletter(letter);
+    if (!l || !l->type)
+        return {};
+    char uit[32];
+    if (letter == 'R') {
+        merkrec merk{};
+        if (dtmerk && leesmerk(dtmerk, &merk, rec.merk) && !VASTLEEG(merk.zoeknaam))
+            return VASTTEKST(merk.zoeknaam);
+    }
+    if (letter == 'J' && rec.jaar == 0)
+        return TXT(T_SL_STD);
+    if (letter == 'D')
+        return rec.doelgroep ? std::string(1, rec.doelgroep) : "";
+    if (l->type == 'C')
+        return std::string(VASTTRIM({tekst(rec, *l), strnlen(tekst(rec, *l), l->breedte)}));
+    snprintf(uit, sizeof uit, "%u", getal(rec, *l));
+    return uit;
+}
+
+} // namespace zg
