@@ -2,6 +2,7 @@
 // keys, spreading over the branches, the walks over an order of 1,000 lines, a line into a work file of 10 MB. Prints
 // medians and system calls on files, counted at the table that all files go through. Status 1 when a step takes
 // longer than it may. usage: bench_regel
+#include "bench/meting.h"
 #include "order/bestanden.h"
 #include "order/matrix.h"
 #include "order/programma.h"
@@ -10,19 +11,16 @@
 #include "order/verdelen.h"
 #include "order/wrk.h"
 #include "price/ing_val.h"
+#include "price/koers.h"
 #include "shared/files.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
 #include "shared/maatbalk.h"
-#include "shared/syscalls.h"
 #include "sub/matrixinvoer.h"
 #include "support/demomap.h"
 #include "support/ordbytes.h"
 #include "term/toets.h"
 #include "term/vast.h"
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
@@ -30,62 +28,13 @@
 
 using namespace zg;
 using namespace zg::test;
+using namespace meting;
 
 namespace {
 
-using klok = std::chrono::steady_clock;
-
-constexpr int RONDEN = 9;
 constexpr int FILIALEN = 250;
 constexpr uint8_t SOORT = 60; // its size type
 constexpr double BEELD_MS = 16, VERDEEL_MS = 100, KOPIE_X = 2;
-
-bool te_traag;
-long aanroepen;
-SYSCALLS echt;
-
-// Every row of the table counts, and calls what stood there.
-template <auto RIJ, class R, class... A> void tel_rij(R (*SYSCALLS::*)(A...)) {
-    SYS.*RIJ = [](A... a) -> R {
-        aanroepen++;
-        return (echt.*RIJ)(a...);
-    };
-}
-#define TEL(rij) tel_rij<&SYSCALLS::rij>(&SYSCALLS::rij)
-void tel_aanroepen() {
-    echt = SYS;
-    TEL(open), TEL(close), TEL(read), TEL(write), TEL(pread), TEL(pwrite), TEL(ftruncate), TEL(fsync),
-        TEL(fstat);
-    TEL(fchmod), TEL(fchown), TEL(rename), TEL(link), TEL(unlink), TEL(mkdir), TEL(slot);
-}
-
-double ms_sinds(klok::time_point t) {
-    return std::chrono::duration<double, std::milli>(klok::now() - t).count();
-}
-
-double mediaan(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.empty() ? 0 : v[v.size() / 2];
-}
-
-void toon(const char* naam, double ms, double grens, long calls) {
-    printf("%-56s %8.2f ms  %s%6ld calls\n", naam, ms, ms > grens ? "SLOW " : "     ", calls);
-    te_traag |= ms > grens;
-}
-
-// The median of a step, and its calls in one round; `voor` makes ready without being counted.
-template <class V, class F> double meet(V voor, F stap, long* calls) {
-    std::vector<double> ms;
-    for (int i = 0; i < RONDEN; i++) {
-        voor();
-        aanroepen = 0;
-        auto t0 = klok::now();
-        stap();
-        ms.push_back(ms_sinds(t0));
-        *calls = aanroepen;
-    }
-    return mediaan(ms);
-}
 
 // ---- the firm
 
@@ -142,14 +91,30 @@ std::string regel_bytes(int nr) {
     return record('D', d) + prijzen + uit;
 }
 
-// An order of so many lines of one model, open in its work file.
-void open_order(int regels) {
+// One line of all sizes, each at a price of its own, in one branch.
+std::string lange_regel(int nr) {
+    orddessin d{};
+    d.kleur = static_cast<uint16_t>(1 + nr % 500);
+    std::string prijzen, uit = record('L', ordlevt{42050, 42080});
+    for (int maat = 1; maat <= MATEN; maat++) {
+        maat_aan(d.maten, maat);
+        prijzen += record('S', ordmaat{static_cast<uint8_t>(maat), {}, 1000 + maat, 950 + maat});
+        uit += record('F', ordfil{static_cast<uint8_t>(nr % FILIALEN), static_cast<uint8_t>(maat), 0, 3});
+    }
+    return record('D', d) + prijzen + uit;
+}
+
+// An order of so many lines of one model, open in its work file. Rate 0 is the rate of the day.
+void open_order(int regels, std::string (*regel)(int) = regel_bytes, const char* valuta = "",
+                uint32_t koers = 10000) {
     seizoensmap = "2016Z", gekozen_leverancier = 12, gekozen_jaar = 2016, gekozen_letter = 'Z';
     ordkop k = kop_op(42000);
-    k.toeslag = 10000;
+    k.toeslag = 10500;
+    k.koers = koers;
+    VASTIN(k.valuta, valuta);
     std::string jrn = record('O', k) + record('M', model_nr(0));
     for (int r = 0; r < regels; r++)
-        jrn += regel_bytes(r);
+        jrn += regel(r);
     schrijf_bestand("2016Z/ORD0012.JRN", jrn);
     journaal = ord_open_jrn("2016Z", 12, O_RDWR);
     ord_eerste_order(journaal);
@@ -262,6 +227,44 @@ void lange_order() {
     sluit_order();
 }
 
+// Prices at their most: all sizes, in a currency that isn't the firm's own.
+void prijzen() {
+    const double TOTAAL_MS = 50, STAP_MS = 1;
+    long calls, vast, koers;
+    open_order(1000, lange_regel, "GBP", 13000);
+    meet([] {}, [] { order_totalen(false); }, &vast);
+    sluit_order();
+    open_order(1000, lange_regel, "GBP", 0);
+    meet([] {}, [] { koers_vandaag("GBP"); }, &koers);
+    std::vector<char> blok(256 * 1024);
+    const double lezen = meet([] { lseek(werk->fd, 0, SEEK_SET); },
+                              [&] {
+                                  while (read(werk->fd, blok.data(), blok.size()) > 0) {
+                                  }
+                              },
+                              &calls);
+    printf("%-56s %8.2f ms\n", "the work file read by itself", lezen);
+    double ms = meet([] {}, [] { order_totalen(false); }, &calls);
+    toon("the totals of 1,000 lines of 95 sizes, rate of the day", ms, TOTAAL_MS + lezen, calls);
+    if (calls > vast + koers)
+        printf("the rate is looked up more than once: %ld calls for one\n", koers), te_traag = true;
+    balk_open(mtstelsel(0), SOORT, nullptr);
+    ordertotalen totaal;
+    ms = meet([] {}, [&] { regel_totaal(regel_nu, &totaal); }, &calls);
+    toon("the totals of such a line", ms, STAP_MS, calls);
+    prijsgroep_info groep{};
+    up_volgende_groep(regel_nu.prijzen, {PK_MATEN, false}, &groep);
+    ms = meet([] {},
+              [&] {
+                  up_vul(&regel_nu.prijzen.bruto, groep.maten, 12345);
+                  up_netto_groep(&regel_nu.prijzen, &groep, 2.5);
+                  up_inkoop_alle(&regel_nu.prijzen);
+              },
+              &calls);
+    toon("a gross price for 95 sizes", ms, STAP_MS, calls);
+    sluit_order();
+}
+
 // A copy of the work file that takes the place of the copy before it: what a changed file costs when nothing else is
 // to be done. The system frees the old one when its last descriptor is closed.
 void kopieer(const std::string& van, const std::string& naar) {
@@ -313,6 +316,7 @@ int main() {
     raster();
     verdelen();
     lange_order();
+    prijzen();
     regel_erbij();
     bestanden_sluit();
     return te_traag;
