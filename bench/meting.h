@@ -43,7 +43,7 @@ inline double mediaan(std::vector<double> v) {
 }
 
 inline void toon(const char* naam, double ms, double grens, long calls) {
-    printf("%-56s %8.2f ms  %s%6ld calls\n", naam, ms, ms > grens ? "SLOW " : "     ", calls);
+    printf("%-56s %9.3f ms  %s%6ld calls\n", naam, ms, ms > grens ? "SLOW " : "     ", calls);
     te_traag |= ms > grens;
 }
 

@@ -12,6 +12,7 @@
 #include "order/wrk.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
+#include "price/prijsscherm.h"
 #include "shared/files.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
@@ -227,6 +228,26 @@ void lange_order() {
     sluit_order();
 }
 
+// The groups of the line in hand from one on, painted in a terminal's window: what the program itself does for it.
+double schilder_ms(int eerste, long* calls) {
+    Terminal t(
+        [&] {
+            SCRINIT();
+            WINOPEN1(12, 1, 13, 80);
+            WINBOX(nullptr);
+            up_scherm(1, 2, 14, false, false, 255, &regel_nu.prijzen);
+            const double ms = meet([] { SCRCLREOW(1, 1); }, [&] { up_toon_pagina(eerste); }, calls);
+            SCREXIT();
+            schrijf_bestand("schilder", std::to_string(ms) + " " + std::to_string(*calls));
+            return 0;
+        },
+        Opties{});
+    double ms = 1e9;
+    if (t.einde() != 0 || sscanf(lees_bestand("schilder").c_str(), "%lf %ld", &ms, calls) != 2)
+        te_traag = true;
+    return ms;
+}
+
 // Prices at their most: all sizes, in a currency that isn't the firm's own.
 void prijzen() {
     const double TOTAAL_MS = 50, STAP_MS = 1;
@@ -243,7 +264,7 @@ void prijzen() {
                                   }
                               },
                               &calls);
-    printf("%-56s %8.2f ms\n", "the work file read by itself", lezen);
+    printf("%-56s %9.3f ms\n", "the work file read by itself", lezen);
     double ms = meet([] {}, [] { order_totalen(false); }, &calls);
     toon("the totals of 1,000 lines of 95 sizes, rate of the day", ms, TOTAAL_MS + lezen, calls);
     if (calls > vast + koers)
@@ -262,6 +283,12 @@ void prijzen() {
               },
               &calls);
     toon("a gross price for 95 sizes", ms, STAP_MS, calls);
+    for (int maat = 1; maat <= MATEN; maat++)
+        up_zet_maat(&regel_nu.prijzen, maat, 1000 + maat, 900 + maat);
+    up_inkoop_alle(&regel_nu.prijzen);
+    for (auto [eerste, naam] : {std::pair{0, "first"}, {90, "last"}})
+        toon(("a page of 95 groups painted, the " + std::string(naam)).c_str(), schilder_ms(eerste, &calls),
+             STAP_MS, calls);
     sluit_order();
 }
 
@@ -299,7 +326,7 @@ void regel_erbij() {
         regel.push_back(ms_sinds(t0));
         calls = aanroepen;
     }
-    printf("%-56s %8.2f ms\n", "a copy of the work file in its place", mediaan(kopie));
+    printf("%-56s %9.3f ms\n", "a copy of the work file in its place", mediaan(kopie));
     const std::string naam = "a line into it, " + std::to_string(std::filesystem::file_size(wrk) >> 20) +
                              " MB, " + std::to_string(aantal_regels) + " lines";
     toon(naam.c_str(), mediaan(regel), KOPIE_X * mediaan(kopie), calls);
