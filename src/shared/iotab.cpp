@@ -273,6 +273,13 @@ void gebruiker_schrijf(char letter) {
     iotab(letter, &nr, &gebruiker, SYS_GEBRUIKER);
 }
 
+void gebruiker_stand(uint8_t userstate) {
+    if (gebruiker.userstate == userstate)
+        return;
+    gebruiker.userstate = userstate;
+    gebruiker_schrijf('w');
+}
+
 const char* gebruiker_naam() {
     return gebruiker_naam(gebruiker);
 }

@@ -50,16 +50,20 @@ void STOPREDEN(int fout) {
     SCRFATALREDEN(IOREDEN(fout));
 }
 
+void ALARMBOX(const char* regel1, const char* regel2, const char* regel3) {
+    if (SCHERM.bestaat) {
+        MELDBOX(MELD_ALARM, regel1, regel2, regel3);
+        return;
+    }
+    for (const char* r : {regel1, regel2, regel3})
+        if (r)
+            fprintf(stderr, "%s\n", r);
+}
+
 void SCHRIJFFOUT(const char* bestand, int fout, const char* regel2, const char* regel3) {
     char regel[120];
     snprintf(regel, sizeof regel, TXT(T_NIET_GESCHREVEN), bestand, IOREDEN(fout));
-    if (SCHERM.bestaat) {
-        MELDBOX(MELD_ALARM, regel, regel2, regel3);
-        return;
-    }
-    for (const char* r : {static_cast<const char*>(regel), regel2, regel3})
-        if (r)
-            fprintf(stderr, "%s\n", r);
+    ALARMBOX(regel, regel2, regel3);
 }
 
 void NOMEM(const char* tag, int nr) {

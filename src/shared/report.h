@@ -11,8 +11,9 @@ struct ICB;
 const char* IOREDEN(int fout);
 // Why a file can't be had: a line of its own under the report that follows.
 void STOPREDEN(int fout);
-// Box: "NAME kan niet worden geschreven: schijf vol", and up to two lines about what stays. Null lines are left
-// out. Without a screen the same lines on the error output.
+// Box of up to three lines that waits for a key; null lines are left out. Without a screen on the error output.
+void ALARMBOX(const char* regel1, const char* regel2 = nullptr, const char* regel3 = nullptr);
+// The same: "NAME kan niet worden geschreven: schijf vol", and up to two lines about what stays.
 void SCHRIJFFOUT(const char* bestand, int fout, const char* regel2 = nullptr, const char* regel3 = nullptr);
 
 // Tags are file names: directory and extension are dropped, capitals folded.

@@ -1,0 +1,259 @@
+// Bar codes as texts, and the codes of sizes in their file.
+#include "shared/ean.h"
+#include "shared/eanhdl.h"
+#include "shared/leesstam.h"
+#include "support/paar.h"
+#include "support/proces.h"
+#include "support/schrijfstoring.h"
+#include "support/systeem.h"
+#include "term/datum.h"
+#include "term/vast.h"
+
+namespace zg {
+namespace {
+
+using test::in_proces;
+using test::nieuw_paar;
+
+struct Cijfers {
+    explicit Cijfers(int labels, const char* prefix = "") {
+        instel15 = {};
+        instel15.etiketcijfers = static_cast<uint8_t>(labels);
+        instel15.prefix_aan = *prefix != 0;
+        VASTIN(instel15.prefix[8], prefix);
+    }
+    ~Cijfers() { instel15 = {}; }
+};
+
+TEST(Ean, ValidAndLabelCodes) {
+    const struct {
+        const char* tekst;
+        int labels;
+        bool geldig;
+        int32_t etiket;
+        const char* letter; // letter and number, null for none
+    } rijen[] = {
+        {"8711253001202", 7, true, -1, "E0"},
+        {"8711253001203", 7, false, -1, nullptr},
+        {"036000291452", 7, true, -1, "E0"}, // 12 digits
+        {"73513537", 7, true, -1, "E0"},
+        {"03513538", 7, false, 3513538, "3513538"}, // 8 digits from a 0 on
+        {"17654326", 7, true, -1, "E0"},
+        {"17654326", 8, false, 17654326, "17654326"}, // 8 digits are a label number
+        {"2000000001234", 7, true, 1234, "1234"},
+        {"2200001234567", 7, true, 1234567, "1234567"},
+        {"2200001234567", 8, true, 1234567, "1234567"},
+        {"2200001234567", 6, true, -1, nullptr}, // too high for six digits
+        {"2801000000002", 7, false, -1, nullptr},
+        {"2801000000001", 7, true, -1, "A1"},
+        {"2827000000001", 7, true, -1, nullptr},
+        {"24000123", 7, true, 123, "E0"},
+        {"1234567", 7, false, 1234567, "1234567"},
+        {"01234567", 7, false, 1234567, "1234567"},
+        {"12345678", 7, false, -1, nullptr},
+        {" 77 ", 7, false, 77, "77"},
+        {"-1", 7, false, -1, nullptr},
+        {"M12", 7, false, -1, "M12"},
+        {"E999999999", 7, false, -1, "E999999999"},
+        {"A1000000000", 7, false, -1, nullptr},
+        {"X12", 7, false, -1, nullptr},
+        {"m12", 7, false, -1, nullptr},
+        {"M", 7, false, -1, nullptr},
+        {"M 1", 7, false, -1, nullptr},
+        {"", 7, false, -1, nullptr},
+    };
+    for (const auto& r : rijen) {
+        const Cijfers c(r.labels);
+        const std::string waar = std::string(r.tekst) + ", " + std::to_string(r.labels) + " digits";
+        EXPECT_EQ(ean_geldig(r.tekst), r.geldig) << waar;
+        EXPECT_EQ(ean_lees_etiket(r.tekst), r.etiket) << waar;
+        char letter = '?';
+        int32_t nummer = -1;
+        const bool is = ean_lees_letter(r.tekst, &letter, &nummer);
+        EXPECT_EQ(is, r.letter != nullptr) << waar;
+        if (is && r.letter) {
+            EXPECT_EQ((letter ? std::string(1, letter) : "") + std::to_string(nummer), r.letter) << waar;
+        }
+    }
+    const Cijfers c(7, "2801");
+    char letter;
+    int32_t nummer;
+    EXPECT_TRUE(ean_lees_letter("2801000000001", &letter, &nummer));
+    EXPECT_EQ(letter, 'E') << "a listed prefix isn't ours";
+    EXPECT_EQ(ean_toon("8711253001202", 13), "8711253001202");
+    EXPECT_EQ(ean_toon("8711253001203", 20), "8711253001203*");
+    EXPECT_EQ(ean_toon("8711253001203", 34), "8711253001203 (ongeldige EAN-code)");
+}
+
+TEST(Ean, CodesMadeReadBack) {
+    const Cijfers c(7);
+    for (int32_t nummer : {0, 1, 9, 1234567, 9'999'999, 999'999'999})
+        for (char letter : {'\0', 'A', 'M', 'Z'}) {
+            const std::string code = ean_etiket(letter, nummer);
+            char terug;
+            int32_t n;
+            EXPECT_TRUE(ean_geldig(code.c_str())) << code;
+            ASSERT_EQ(ean_lees_letter(code.c_str(), &terug, &n), letter || nummer < 10'000'000) << code;
+            if (letter) {
+                EXPECT_EQ(terug, letter) << code;
+                EXPECT_EQ(n, nummer) << code;
+            }
+        }
+    EXPECT_EQ(ean_etiket('A', 1).substr(2, 2), "01");
+    for (int32_t nummer = 1; nummer < 1'000'000; nummer += 7919) {
+        EXPECT_EQ(ean_lees_etiket(ean_etiket_kort(nummer, 13).c_str()), nummer);
+        EXPECT_EQ(ean_lees_etiket(ean_etiket_kort(nummer, 8).c_str()), nummer);
+        EXPECT_TRUE(ean_geldig(ean_maat(nummer).c_str()));
+    }
+    EXPECT_EQ(ean_maat(1), "2013000000015");
+}
+
+constexpr seriesleutel S{110, 5, 1}, ANDER{110, 5, 2};
+
+struct Codes : test::Systeem {
+    ICB* ean = nullptr;
+    Codes() {
+        instel15 = {};
+        ean = nieuw_paar(
+            "DTEAN", {"ean,28", "1,NODUPS,C,1,13", "2,NODUPS,C,14,14,I,17,20,I,15,16,I,21,22,I,23,23"}, 2);
+    }
+    ~Codes() override { IXCLOSE(ean); }
+    // Sizes and their codes of a series.
+    std::string codes(const seriesleutel& s) {
+        std::string uit;
+        eanrec rec;
+        for (uint8_t maat = 1; maat <= 95; maat++)
+            if (leeseanmaat(ean, &rec, s, maat))
+                uit += std::to_string(maat) + ":" + VASTTEKST(rec.code).substr(4, 8) + " ";
+        return uit;
+    }
+    static void teller(uint32_t n) { zet(14, systeller{static_cast<int32_t>(n), {}}, SYS_RECORD); }
+    bool mutex_vrij() {
+        eanrec nul{};
+        VASTIN(nul.code, "0");
+        uint8_t buffer[IXRECMAX] = {};
+        memcpy(buffer, &nul, sizeof nul);
+        const bool staat = IXREAD(ean, buffer) == 1;
+        return in_proces([&] {
+                   ICB* icb = IXOPEN("DTEAN", 2);
+                   IXREADL(icb, buffer);
+                   return 0;
+               }).status == 0 &&
+               staat;
+    }
+};
+
+constexpr uint8_t MATEN_1_3_17[12] = {0b1010, 0, 0b10}, MAAT_3[12] = {0b1000};
+
+TEST_F(Codes, MadePassedOverAndDeleted) {
+    teller(41);
+    eanrec bezet{};
+    VASTIN(bezet.code, ean_maat(43)); // by another hand
+    bezet.soort = 'A';
+    test::schrijf(ean, bezet);
+    EXPECT_TRUE(eanhdl('W', ean, S, MATEN_1_3_17, 7));
+    EXPECT_EQ(codes(S), "1:00000042 3:00000044 17:00000045 ");
+    EXPECT_TRUE(eanhdl('W', ean, S, MATEN_1_3_17)) << "they have theirs";
+    EXPECT_EQ(ean_over(), 99'999'999 - 45);
+    EXPECT_TRUE(eanhdl('W', ean, ANDER, MAAT_3));
+    eanrec rec;
+    leeseanmaat(ean, &rec, S, 17);
+    EXPECT_EQ(rec.bron * 100'000 + rec.datum, 700'000 + VANDAAG());
+    EXPECT_TRUE(mutex_vrij());
+    // DTBARC has the size one byte further, and several codes a size.
+    ICB* barc = nieuw_paar("DTBARC", {"barc,32", "1,NODUPS,C,1,13", "2,I,17,20,I,15,16,I,21,22,I,24,24"}, 2);
+    for (int i = 0; i < 6; i++) {
+        uint8_t b[IXRECMAX] = {};
+        eanrec r{};
+        VASTIN(r.code, "barc" + std::to_string(i));
+        r.artikelgroep = 110;
+        r.kleur = 5;
+        r.volgnummer = i < 5 ? 1 : 2;
+        memcpy(b, &r, sizeof r);
+        b[23] = i < 3 ? 3 : 4;
+        EXPECT_EQ(IXWRITE(barc, b), 1);
+    }
+    EXPECT_TRUE(eanhdl('D', ean, ANDER, MAAT_3));
+    EXPECT_TRUE(eanhdl('B', ean, S, MAAT_3));
+    EXPECT_EQ(codes(S) + codes(ANDER), "1:00000042 17:00000045 ");
+    int staan = 0;
+    uint8_t b[IXRECMAX];
+    for (int32_t nr = 0; nr < 6; nr++)
+        staan = staan * 2 + (IXGET(barc, b, nr) == 1);
+    EXPECT_EQ(staan, 0b000111) << "those of size 3 and this series";
+    IXCLOSE(barc);
+    teller(99'999'998);
+    EXPECT_FALSE(eanhdl('W', ean, ANDER, MATEN_1_3_17)) << "one number left";
+    EXPECT_EQ(codes(ANDER), "1:99999999 ");
+    EXPECT_EQ(ean_nodig(ean, ANDER, MATEN_1_3_17), 2);
+    EXPECT_EQ(ean_over(), 0);
+    teller(4'000'000'000);
+    EXPECT_EQ(ean_over(), 0);
+    EXPECT_TRUE(mutex_vrij());
+}
+
+TEST_F(Codes, EveryWriteRefusedOrTheLast) {
+    teller(9);
+    EXPECT_TRUE(eanhdl('W', ean, ANDER, MAAT_3));
+    IXCLOSE(ean);
+    const std::string inx = test::lees_bestand("DTEAN.INX"), txt = test::lees_bestand("DTEAN.TXT"),
+                      sys = test::lees_bestand("DTSYS.TXT");
+    for (bool dood : {false, true})
+        for (int n = 0, klaar = 0; !klaar; n++) {
+            ASSERT_LT(n, 60);
+            test::schrijf_bestand("DTEAN.INX", inx);
+            test::schrijf_bestand("DTEAN.TXT", txt);
+            test::schrijf_bestand("DTSYS.TXT", sys);
+            const test::Afloop uit = in_proces([&] {
+                open();
+                ean = IXOPEN("DTEAN", 2);
+                test::echt = SYS.pwrite;
+                test::over = n;
+                test::doodgaan = dood;
+                SYS.pwrite = test::stoor;
+                const bool gelukt = eanhdl('W', ean, S, MATEN_1_3_17) && eanhdl('B', ean, S, MAAT_3);
+                SYS.pwrite = test::echt;
+                return (test::over >= 0) == gelukt ? gelukt : 9;
+            });
+            klaar = uit.status == 1;
+            ASSERT_TRUE(klaar || uit.status == (dood ? 128 + SIGKILL : 0)) << n << uit.uitvoer;
+            if (IXCHECK("DTEAN") < 0)
+                continue; // left busy by the kill: ixremake's
+            ean = IXOPEN("DTEAN", 2);
+            EXPECT_EQ(codes(ANDER), "3:00000010 ") << n;
+            if (!klaar) {
+                EXPECT_TRUE(in_proces([&] {
+                                ICB* icb = IXOPEN("DTEAN", 2);
+                                open();
+                                return eanhdl('W', icb, S, MATEN_1_3_17) ? 0 : 1;
+                            }).status == 0)
+                    << n << ": no code stays reserved";
+                EXPECT_EQ(ean_nodig(ean, S, MATEN_1_3_17), 0) << n;
+            }
+            IXCLOSE(ean);
+        }
+    ean = IXOPEN("DTEAN", 2);
+}
+
+// Two programs that draw codes at once get different ones, and nobody draws for the same size twice.
+TEST_F(Codes, TwoAtOnce) {
+    auto trek = [](int eerste) {
+        return [eerste] {
+            open();
+            ICB* icb = IXOPEN("DTEAN", 2);
+            bool goed = true;
+            for (int i = 0; i < 20; i++) {
+                const seriesleutel s{eerste, 5, static_cast<uint16_t>(i + 1)}, zelfde{1, 1, 1};
+                goed = eanhdl('W', icb, s, MATEN_1_3_17) && eanhdl('W', icb, zelfde, MAAT_3) && goed;
+            }
+            return goed;
+        };
+    };
+    test::Agent een(trek(1000));
+    const test::Afloop twee = in_proces([&] { return trek(2000)() ? 0 : 1; }, 60'000);
+    EXPECT_TRUE(een.ok() && twee.status == 0) << twee.uitvoer;
+    EXPECT_EQ(ean_over(), 99'999'999 - 121);
+}
+
+} // namespace
+} // namespace zg
