@@ -134,7 +134,7 @@ void laad_onderdelen(regelloop* loop, orderregel* regel, int32_t regelplaats) {
     while (ord_verder(werk, &loop->loop, &r, "regel", 1) && !strchr("OMD", r.tag)) {
         if (r.tag == 'T')
             tekst_erbij(r, 4, regel->dessintekst, &stukken);
-        else if (registermodus)
+        else if (registermodus && regel->dessin.geregistreerd)
             continue;
         else if (r.tag == 'S')
             maat = laad_maat(r, regel);

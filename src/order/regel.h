@@ -6,6 +6,7 @@
 #include "order/levterm.h"
 #include "order/ordloop.h"
 #include "price/uniprijs.h"
+#include "shared/registerrec.h"
 #include <vector>
 
 namespace zg {
@@ -31,6 +32,15 @@ struct orderregel {
     levtermen termen;
     aantalmatrix nota_aantallen, order_aantallen; // open, ever ordered: sums of the terms
     std::vector<uint16_t> gewichten;              // per branch index, behind them their sum
+    // In the full registration: the series as it was loaded (its running number is 0 before it is on file), what the
+    // prices count in, and the pieces that had a label on order.
+    serrec serie;
+    struct {
+        char valuta[4];
+        double koers;
+        int32_t koersfactor;
+    } aankoop;
+    int32_t op_bestand;
 };
 extern orderregel regel_nu;
 // regel_nu is being added or duplicated: `regelingang` (order/wrk.h) is the line that it comes behind, not its own.
@@ -56,8 +66,8 @@ void regelloop_begin(regelloop* loop);
 // Load the line at an entry of the index; weights and the term in hand stay cleared. Net prices get the order
 // discount of `kop`, purchase prices are those of up_context. False, with the line cleared, when the work file
 // holds no line there. A branch or size outside the firm, a quantity below 0 or a sum that does not fit stops
-// with the "inconsistent, pos." report. In registermodus prices and quantities are not read: price file and
-// labels hold the truth.
+// with the "inconsistent, pos." report. In registermodus prices and quantities of a registered line are not read: price
+// file and labels hold the truth (order/register.h).
 bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
 bool regel_lees(const ors_ingang& ingang, orderregel* regel);
 

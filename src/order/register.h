@@ -11,11 +11,23 @@ namespace zg {
 bool label_van_order(const etiket& label); // supplier, date and order number
 bool label_van_datum(const etiket& label); // supplier and date
 
-// registerlaad.cpp: a series into the line. `vergrendel` takes its lock. The line's texts and codes, prices at the order's supplier
-// and date, terms and quantities of its labels, the rate of its first purchase as context (up_context) when `context`.
-// stuk: told, the line can't be worked on.
-enum class Serie { gelezen, weg, andere, stuk };
+inline seriesleutel regel_serie(const orderregel& regel) {
+    return {regel.model.artikelgroep, regel.dessin.kleur, regel.dessin.volgnummer};
+}
+
+// registerlaad.cpp: the series of a line that regel_lees has read, into it: its record (`serie`), texts and codes, prices
+// at the order's supplier and date, terms and quantities of its labels, the rate of its first purchase (`aankoop`), which
+// becomes the context (up_context) when `context`. `vergrendel` takes the lock, after which all of it is loaded again.
+// journaal: a line that isn't registered, which the journal holds; it may be looked at. stuk: told, the line can't be
+// worked on. Only gelezen leaves a lock.
+enum class Serie { gelezen, weg, andere, stuk, journaal };
 Serie serie_laad(orderregel* regel, bool vergrendel, bool context);
+// regel_lees and serie_laad, without lock and context, for walks over the lines in either mode. False when the line can't
+// be loaded; what the work file has of it stands in *regel then.
+bool regel_volledig(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
+// Currency, rate and surcharge at which the line's prices count, as context: in the full registration those that it was
+// bought at, else the order's.
+void regel_prijscontext(const orderregel& regel);
 // registerbewaar.cpp: the line into its series: record, price set, labels, codes. The lock is held, or for a new one its
 // number reserved. What can be refused (room for labels, amounts, numbers, codes) is refused before anything is
 // written. False: told, nothing that stands was lost.
@@ -34,17 +46,22 @@ bool order_korting(int16_t was);
 bool korting_herstel();
 
 // registeretiket.cpp
-bool labels_bij(orderregel* regel, serrec* serie); // labels as the terms tell: kept, moved, deleted, made
-bool label_wis(orderregel* regel, int* over);      // a line's labels on order go; how many its series keeps
-void label_bijwerk(int soort);                     // 1 purchase code, 2 receiving location, of all lines
-void label_los(const orddessin& regel);            // an order number out of the labels of its last line
-bool labels_lees(orderregel* regel,
-                 const serrec& serie); // quantities and terms from the chain; false: damaged
+// Labels as the terms tell: kept, moved, deleted, made; counters and term bounds of *serie. The head of a new chain is
+// written (serie_schrijf) behind the first label; *serie is written by the caller in the end.
+bool labels_bij(orderregel* regel, serrec* serie);
+bool label_wis(orderregel* regel, int* over); // a line's labels on order go; how many its series keeps
+void label_bijwerk(int soort);                // 1 purchase code, 2 receiving location, of all lines
+void label_los(const seriesleutel& serie);    // the number of `kop` out of the labels of its last line
+// Quantities and terms of regel->serie from its chain; false: damaged (ioeti_schade), nothing is told. *koers is the label
+// that tells the rate of the first purchase: the first on order of this order, else the one with the highest term; status
+// 0 when it has none.
+bool labels_lees(orderregel* regel, etiket* koers);
 void levering_verzet(const orderregel& regel, uint16_t oud_tot, uint16_t van, uint16_t tot); // a term's dates
 
-// registernummer.cpp
-bool ordnr_schrijf();
-void ordnr_wis(int32_t ordernummer);
-void ordnr_locatie();
+// registernummer.cpp: the record of an order number. A number of 0 has none; one that another order has is left alone.
+bool ordnr_bezet(int32_t ordernummer); // for order_nummer: in use
+bool ordnr_schrijf();                  // of `kop`; false: refused, told
+void ordnr_wis();
+void ordnr_locatie(); // the receiving location alone
 
 } // namespace zg
