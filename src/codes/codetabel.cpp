@@ -5,6 +5,7 @@
 #include "shared/files.h"
 #include "shared/iotab.h"
 #include "shared/leesstam.h"
+#include "shared/sleutelstand.h"
 #include "shared/woordenboek.h"
 #include "term/prompt.h"
 #include "term/vast.h"
@@ -91,16 +92,6 @@ int neem_slot(const Codetabel& t, const Lijstcode& code, Coderecord* rec) {
 
 // ---- pairs
 
-// Key 1 while it lives; the key that was current is so again.
-struct Sleutel1 {
-    ICB* icb;
-    int oude;
-    explicit Sleutel1(ICB* i) : icb(i), oude(IXSLEUTEL(i)) { IXSWITCH(icb, 1); }
-    ~Sleutel1() { IXSWITCH(icb, oude); }
-    Sleutel1(const Sleutel1&) = delete;
-    Sleutel1& operator=(const Sleutel1&) = delete;
-};
-
 Coderecord sleutel(const Codetabel& t, const Lijstcode& code) {
     Coderecord rec{};
     const auto nummer = static_cast<uint16_t>(code.nummer);
@@ -167,7 +158,7 @@ int code_lees(const Codetabel& t, const Lijstcode& code, bool slot, Coderecord* 
         return slot ? -1 : 0;
     if (!*t.paar)
         return 0;
-    Sleutel1 sleutel1(*t.paar);
+    const Sleutelstand k1(*t.paar);
     const int gelezen = slot ? IXREADL(*t.paar, rec->data()) : IXREAD(*t.paar, rec->data());
     if (gelezen != 1)
         *rec = sleutel(t, code);
@@ -178,7 +169,7 @@ bool code_schrijf(const Codetabel& t, const Lijstcode& code, const Coderecord& r
     Coderecord kopie = rec;
     bool goed;
     if (t.plaats == Codetabel::PAAR) {
-        Sleutel1 sleutel1(*t.paar);
+        const Sleutelstand k1(*t.paar);
         goed = IXWRITE(*t.paar, kopie.data()) == 1;
         if (!goed)
             IXREADL(*t.paar, kopie.data()); // the write let go
@@ -199,7 +190,7 @@ bool code_wis(const Codetabel& t, const Lijstcode& code) {
     Coderecord rec{};
     bool goed = !t.hangt || t.hangt(code.nummer);
     if (goed && t.plaats == Codetabel::PAAR) {
-        Sleutel1 sleutel1(*t.paar);
+        const Sleutelstand k1(*t.paar);
         goed = paar_wis(*t.paar, sleutel(t, code));
     } else if (goed) {
         goed = iotab('D', &vast, rec.data(), t.slots) == 1;
@@ -211,7 +202,7 @@ bool code_wis(const Codetabel& t, const Lijstcode& code) {
 
 void code_vrij(const Codetabel& t, const Lijstcode& code) {
     if (t.plaats == Codetabel::PAAR) {
-        Sleutel1 sleutel1(*t.paar);
+        const Sleutelstand k1(*t.paar);
         IXUNLOCK(*t.paar, sleutel(t, code).data());
     } else {
         iotab('U', &vast, nullptr, t.slots);
@@ -234,7 +225,7 @@ std::vector<Coderij> code_rijen(const Codetabel& t) {
     if (t.plaats == Codetabel::PAAR) {
         if (!*t.paar)
             return uit;
-        Sleutel1 sleutel1(*t.paar);
+        const Sleutelstand k1(*t.paar);
         int rest = std::max((*t.paar)->h.nrecs, 0) + 1; // a damaged index may lead round
         for (int er = IXFIRSTR(*t.paar, rec.data(), 0); er == 1 && rest > 0;
              er = IXNEXT(*t.paar, rec.data()), rest--)

@@ -7,7 +7,9 @@
 #include "shared/maatbalk.h"
 #include "sub/teksten.h"
 #include "term/datum.h"
+#include "term/keuze.h"
 #include "term/prompt.h"
+#include "term/teksten.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cstring>
@@ -21,8 +23,16 @@ namespace {
 constexpr int WINRIJ_AANTALLEN = 6, KOPRIJ = 2, LABELKOLOM = 2, DATUMKOLOM = 16;
 constexpr uint8_t PER_TOETS = 1; // of orderparameters.invoerstijl
 
+bool opgeefbaar, opgegeven; // by F6
+
 bool een() {
     return firma.filialen == 1;
+}
+
+template <bool MEER> const char* overnametekst(int k) {
+    static const Tekst* const T[] = {&T_A_NIEUWE_INGAVE, &T_A_AANTALLEN_OVER, &T_A_TOTALEN_OVER,
+                                     MEER ? &T_A_VERDELINGEN_OVER : &T_A_VERDELING_OVER};
+    return k >= 0 && k <= OVER_VERDELING ? TXT(*T[k]) : nullptr;
 }
 
 // A text with its runs of '_' replaced by numbers, each right in its run.
@@ -53,6 +63,7 @@ std::string serietekst() {
 } // namespace
 
 bool beeld_open() {
+    opgegeven = false;
     if (firma.filialen == 0) {
         MELDBOX(MELD_INFO, TXT(T_A_GEEN_FILIALEN), nullptr, nullptr);
         return false;
@@ -84,6 +95,7 @@ void beeld_begin(const aantalmatrix& matrix) {
     aantalgrid.meest = static_cast<int32_t>(std::clamp<int64_t>(
         int64_t{INT32_MAX} - matrix_totalen(regel_nu.order_aantallen)[0] + matrix_totalen(matrix)[0], 0,
         INT32_MAX));
+    aantalgrid.opgeefbaar = opgeefbaar;
     aantalgrid.sneltoetsen = orderparameters.invoerstijl == PER_TOETS ? sneltoetsen.c_str() : nullptr;
     matrix_begin(&aantalgrid, KOPRIJ, een() ? KOPRIJ : WINHOOGTE() - 5, matrix);
 }
@@ -105,6 +117,15 @@ void beeld_teken(const Tekst& titel, const char* dagen, const aantalmatrix& matr
            VASTTEKST(regel_nu.model.model).c_str(), VASTTEKST(regel_nu.dessin.materiaal).c_str(),
            VASTTEKST(regel_nu.dessin.dessin).c_str(), VASTTEKST(regel_nu.dessin.kenmerk).c_str());
     matrix_teken(&aantalgrid, matrix);
+}
+
+void beeld_som(const Tekst& titel, const aantalmatrix& matrix) {
+    const levtermen& termen = regel_nu.termen;
+    char hoeveel[48] = "";
+    if (termen.size() > 1)
+        snprintf(hoeveel, sizeof hoeveel, "%zu %s", termen.size(), TXT(T_A_TERMIJNEN));
+    beeld_teken(titel, termen.size() == 1 ? beeld_termijn(termen[0].van, termen[0].tot, 1, 1) : "", matrix,
+                hoeveel);
 }
 
 const char* beeld_termijn(uint16_t van, uint16_t tot, int nr, int aantal) {
@@ -147,6 +168,41 @@ void beeld_blader(int32_t toets) {
         stappen('U', r->eersterij > 0);
     else if (toets == K_PGDN)
         stappen('D', r->zichttot < r->laatsterij);
+}
+
+void beeld_opgeefbaar(bool ja) {
+    opgeefbaar = ja;
+    if (ja)
+        opgegeven = false;
+}
+
+void beeld_f6_aan() {
+    if (opgeefbaar)
+        TOETSAAN(K_F6);
+}
+
+bool beeld_opgegeven() {
+    if (!opgeefbaar || SCHERM.laatste != K_F6)
+        return false;
+    opgegeven = JNVRAAG(beeld_keusrij(), LABELKOLOM, "[-]%s", TXT(T_TOEVOEGEN_AFBREKEN)) != 0;
+    SCRCLREOL(beeld_keusrij(), 1);
+    return opgegeven;
+}
+
+bool beeld_is_opgegeven() {
+    return opgegeven;
+}
+
+void beeld_overname(const aantalmatrix& matrix, bool meer_termen) {
+    KEUZESTART(meer_termen ? overnametekst<true> : overnametekst<false>);
+    KEUZEAAN(OVER_NIEUW);
+    if (een_filiaal(matrix) == firma.filialen) {
+        KEUZEAAN(OVER_TOTALEN);
+        KEUZEAAN(OVER_VERDELING);
+    } else {
+        KEUZEAAN(OVER_AANTALLEN);
+    }
+    beeld_f6_aan();
 }
 
 bool termijn_boek(uint16_t van, uint16_t tot, const aantalmatrix& oud, const aantalmatrix& werk) {

@@ -20,12 +20,26 @@ void beeld_begin(const aantalmatrix& matrix);
 // there then).
 void beeld_teken(const Tekst& titel, const char* dagen, const aantalmatrix& matrix, const char* hoeveel = "");
 void beeld_titel(const Tekst& titel);
+// The same for a sum of the line's terms: the dates of the one, or how many there are.
+void beeld_som(const Tekst& titel, const aantalmatrix& matrix);
 // "%s - %s" of a term's dates, and its number among how many, when there are more: static.
 const char* beeld_termijn(uint16_t van, uint16_t tot, int nr, int aantal);
 int beeld_keusrij();
 // The keys that scroll the grid, where there is something to scroll; then the one that was given, round at the ends.
 void beeld_toetsen_aan();
 void beeld_blader(int32_t toets);
+
+// F6 while a new line is made: whether it is offered; the key for the field or choice that comes; was it the last key,
+// and is the line to be given up (asked here); has it been so.
+void beeld_opgeefbaar(bool ja);
+void beeld_f6_aan();
+bool beeld_opgegeven();
+bool beeld_is_opgegeven();
+
+// What a new term, or a duplicate, takes of quantities that stand: the choices begun, one branch or several. The labels
+// are those of one term, or of more.
+enum Overname { OVER_NIEUW, OVER_AANTALLEN, OVER_TOTALEN, OVER_VERDELING };
+void beeld_overname(const aantalmatrix& matrix, bool meer_termen);
 
 // Quantities per size into the row of totals; a stored distribution in place of it, where that is asked by its key.
 void aantal_ingave(aantalmatrix* matrix);

@@ -16,33 +16,6 @@ const char* kijktekst(int k) {
     return k == KIJK_ORDER ? TXT(T_A_KEUS_ORDER) : k == KIJK_NOTA ? TXT(T_A_KEUS_NOTA) : nullptr;
 }
 
-// What of them a duplicate takes.
-enum Neem { N_NIEUW, N_AANTALLEN, N_TOTALEN, N_VERDELING };
-
-const char* neemtekst(int k) {
-    switch (k) {
-    case N_NIEUW:
-        return TXT(T_A_NIEUWE_INGAVE);
-    case N_AANTALLEN:
-        return TXT(T_A_AANTALLEN_OVER);
-    case N_TOTALEN:
-        return TXT(T_A_TOTALEN_OVER);
-    case N_VERDELING:
-        return TXT(regel_nu.termen.size() < 2 ? T_A_VERDELING_OVER : T_A_VERDELINGEN_OVER);
-    }
-    return nullptr;
-}
-
-// The sum of the terms, with the dates of the one or their number.
-void teken_som(const Tekst& titel, const aantalmatrix& matrix) {
-    const levtermen& termen = regel_nu.termen;
-    char hoeveel[48] = "";
-    if (termen.size() > 1)
-        snprintf(hoeveel, sizeof hoeveel, "%zu %s", termen.size(), TXT(T_A_TERMIJNEN));
-    beeld_teken(titel, termen.size() == 1 ? beeld_termijn(termen[0].van, termen[0].tot, 1, 1) : "", matrix,
-                hoeveel);
-}
-
 void totalen_naar_een() {
     naar_een_filiaal(&regel_nu.nota_aantallen);
     naar_een_filiaal(&regel_nu.order_aantallen);
@@ -90,7 +63,7 @@ void levt_bekijk() {
         if (wat == KIJK_TERMIJN)
             beeld_teken(T_A_LEVERTERMIJN, beeld_termijn(van, tot, nr, static_cast<int>(termen.size())), term);
         else
-            teken_som(wat == KIJK_ORDER ? T_A_ORDER : T_A_NOTA, matrix());
+            beeld_som(wat == KIJK_ORDER ? T_A_ORDER : T_A_NOTA, matrix());
         KEUZESTART(kijktekst);
         if (registermodus) {
             KEUZEAAN(KIJK_ORDER);
@@ -117,31 +90,26 @@ void levt_bekijk() {
     beeld_sluit();
 }
 
-void neem_over() {
+bool neem_over() {
     if (!geleverd_telt_mee() || fm_leeg(regel_nu.order_aantallen) || !beeld_open())
-        return;
-    const bool verspreid = een_filiaal(regel_nu.order_aantallen) == firma.filialen;
+        return true;
+    beeld_opgeefbaar(true);
     beeld_begin(regel_nu.order_aantallen);
     int keus;
     do {
-        teken_som(T_A_AANTALLEN, regel_nu.order_aantallen);
-        KEUZESTART(neemtekst);
-        KEUZEAAN(N_NIEUW);
-        if (verspreid) {
-            KEUZEAAN(N_TOTALEN);
-            KEUZEAAN(N_VERDELING);
-        } else {
-            KEUZEAAN(N_AANTALLEN);
-        }
+        beeld_som(T_A_AANTALLEN, regel_nu.order_aantallen);
+        beeld_overname(regel_nu.order_aantallen, regel_nu.termen.size() > 1);
         beeld_toetsen_aan();
         keus = KEUZE(beeld_keusrij(), 2);
         beeld_blader(SCHERM.laatste);
-    } while (keus < 0 && !TOETSWEG());
+    } while (keus < 0 && !TOETSWEG() && !beeld_opgegeven());
     beeld_sluit();
-    if (keus == N_NIEUW)
+    beeld_opgeefbaar(false);
+    if (keus == OVER_NIEUW)
         regel_wis_aantallen(&regel_nu);
-    else if (keus == N_TOTALEN)
+    else if (keus == OVER_TOTALEN)
         totalen_naar_een();
+    return !beeld_is_opgegeven();
 }
 
 } // namespace zg

@@ -34,23 +34,29 @@ enum Aantalkeuze {
     A_AANTAL
 };
 
-const char* keuzetekst(int k) {
-    static const Tekst* const T[A_AANTAL] = {&T_A_FILIAAL_INGAVE,
-                                             &T_A_KEUS_VERDELEN,
-                                             &T_A_AUTOMATISCH,
-                                             &T_A_KEUS_WIJZIGEN,
-                                             &T_A_VOORVERDELING,
-                                             &T_A_REEKS_ERBIJ,
-                                             &T_A_REEKS_VERDELEN,
-                                             &T_A_AANTAL_INGAVE,
-                                             &T_A_TERMIJN_WIJZIGEN,
-                                             &T_A_DEELORDER,
-                                             nullptr,
-                                             &T_A_KEUS_NOTA,
-                                             nullptr,
-                                             &T_A_VORIGE,
-                                             &T_A_VOLGENDE};
-    return k >= 0 && k < A_AANTAL && T[k] ? TXT(*T[k]) : nullptr;
+// Each item's label, and the shorter one for a row that the labels don't fit on.
+struct Label {
+    const Tekst *lang, *kort;
+};
+const Label LABELS[A_AANTAL] = {{&T_A_FILIAAL_INGAVE, &T_A_K_FILIAAL},
+                                {&T_A_KEUS_VERDELEN, &T_A_K_VERDELEN},
+                                {&T_A_AUTOMATISCH, &T_A_K_AUTOMATISCH},
+                                {&T_A_KEUS_WIJZIGEN, nullptr},
+                                {&T_A_VOORVERDELING, &T_A_K_SELECTEREN},
+                                {&T_A_REEKS_ERBIJ, &T_A_K_REEKSEN},
+                                {&T_A_REEKS_VERDELEN, &T_A_K_REEKSEN},
+                                {&T_A_AANTAL_INGAVE, &T_A_K_AANTAL},
+                                {&T_A_TERMIJN_WIJZIGEN, &T_A_K_TERMIJN},
+                                {&T_A_DEELORDER, &T_A_K_DEELORDER},
+                                {},
+                                {&T_A_KEUS_NOTA, &T_A_K_NOTA},
+                                {},
+                                {&T_A_VORIGE, &T_A_K_VORIGE},
+                                {&T_A_VOLGENDE, &T_A_K_VOLGENDE}};
+
+template <const Tekst* Label::*WELKE> const char* keuzetekst(int k) {
+    const Tekst* t = k >= 0 && k < A_AANTAL ? LABELS[k].*WELKE : nullptr;
+    return t ? TXT(*t) : nullptr;
 }
 
 // The term in hand.
@@ -77,7 +83,8 @@ void teken(const Termijn& t) {
 
 void menu(const Termijn& t) {
     const bool leeg = fm_leeg(t.werk);
-    KEUZESTART(keuzetekst);
+    KEUZESTART(keuzetekst<&Label::lang>);
+    KEUZEKORT(keuzetekst<&Label::kort>);
     KEUZEAAN(A_TERMIJN);
     KEUZEAAN(A_DEELORDER);
     if (firma.filialen == 1) {
@@ -111,6 +118,7 @@ void menu(const Termijn& t) {
         TOETSAAN(K_F5);
     }
     beeld_toetsen_aan();
+    beeld_f6_aan();
 }
 
 // True when one was taken.
@@ -133,14 +141,10 @@ bool voorverdeling(aantalmatrix* werk) {
 // Size runs over the totals that stand: what the source has is free, and what is left free goes to the rest.
 void verdeel_reeks(aantalmatrix* werk) {
     const int bron = bronrij(*werk), rest = restrij(bron);
-    for (int k = 1; bron < firma.filialen && k <= balk_kolommen(); k++) {
-        int32_t& cel = matrix_cel(*werk, bron, balk_maat(k));
-        matrix_cel(*werk, bron, 0) -= cel;
-        cel = 0;
-    }
+    reeksrij vrij{};
+    matrix_maak_vrij(werk, bron, vrij.data());
     for (;;) {
         reeks_scherm(regel_nu.model.maatsoort, werk, true, regel_uitgesloten());
-        reeksrij vrij;
         reeks_over(*werk, &vrij);
         if (verdeel_sluit(werk, vrij.data(), rest))
             return;
@@ -183,9 +187,7 @@ void doe(int keus, Termijn& t) {
 void kijk_nota() {
     beeld_begin(regel_nu.nota_aantallen);
     do {
-        char hoeveel[48];
-        snprintf(hoeveel, sizeof hoeveel, "%d %s", aantal_termen(), TXT(T_A_TERMIJNEN));
-        beeld_teken(T_A_NOTA, "", regel_nu.nota_aantallen, hoeveel);
+        beeld_som(T_A_NOTA, regel_nu.nota_aantallen);
         beeld_toetsen_aan();
         ENTERWACHT(beeld_keusrij(), 2);
         beeld_blader(SCHERM.laatste);
@@ -236,7 +238,7 @@ void termen_lus() {
         menu(t);
         const int keus = KEUZE(beeld_keusrij(), 2);
         const int32_t toets = SCHERM.laatste;
-        if (keus < 0 && TOETSWEG())
+        if ((keus < 0 && TOETSWEG()) || beeld_opgegeven())
             return;
         if (keus < 0 && toets != K_F5) {
             beeld_blader(toets);
@@ -246,9 +248,13 @@ void termen_lus() {
             kies_termijn(t);
         } else if (keus >= A_TERMIJN) {
             ga(keus, t);
+            if (beeld_is_opgegeven())
+                return;
         } else {
             const aantalmatrix oud = t.werk;
             doe(keus, t);
+            if (beeld_opgegeven())
+                return;
             if (t.werk != oud)
                 termijn_boek(t.van, t.tot, oud, t.werk);
         }
@@ -287,6 +293,13 @@ bool aantal_scherm(bool lezen) {
     termen_lus();
     beeld_sluit();
     return regel_nu.termen != oud;
+}
+
+bool aantal_nieuw() {
+    beeld_opgeefbaar(true);
+    aantal_scherm(false);
+    beeld_opgeefbaar(false);
+    return !beeld_is_opgegeven();
 }
 
 } // namespace zg

@@ -8,8 +8,10 @@ namespace zg {
 
 // The screen; true when quantities or terms of regel_nu changed. With `lezen` it is only looked at.
 bool aantal_scherm(bool lezen);
-// Behind a duplicate with the same size type: what of the old quantities goes along.
-void neem_over();
+// The same for a line that is being added or duplicated, and, before it for a duplicate with the same size type, what of
+// the old quantities goes along. F6 asks whether the line is to be given up: false then.
+bool aantal_nieuw();
+bool neem_over();
 // The view of the quantities and terms.
 void levt_bekijk();
 

@@ -19,26 +19,28 @@ constexpr int TERMIJNRIJ = 1, TERMIJNKOLOM = 2;
 // Dates of the last line's first term: the proposal for the next one's, as long as the program runs.
 uint16_t laatste_van, laatste_tot;
 
-enum Overname { O_NIEUW, O_AANTALLEN, O_TOTALEN, O_VERDELING, O_AANTAL };
-
-const char* overnametekst(int k) {
-    static const Tekst* const T[O_AANTAL] = {&T_A_NIEUWE_INGAVE, &T_A_AANTALLEN_OVER, &T_A_TOTALEN_OVER,
-                                             &T_A_VERDELING_OVER};
-    return k >= 0 && k < O_AANTAL ? TXT(*T[k]) : nullptr;
-}
-
 // What a new term takes of the one in hand; -1 when it was left.
 int vraag_overname(const aantalmatrix& werk) {
-    KEUZESTART(overnametekst);
-    KEUZEAAN(O_NIEUW);
-    if (een_filiaal(werk) == firma.filialen) {
-        KEUZEAAN(O_TOTALEN);
-        KEUZEAAN(O_VERDELING);
-    } else {
-        KEUZEAAN(O_AANTALLEN);
+    int keus;
+    do {
+        beeld_overname(werk, false);
+        TOETSAAN(K_CANCEL);
+        keus = KEUZE(beeld_keusrij(), TERMIJNKOLOM);
+    } while (keus < 0 && !TOETSWEG() && !beeld_opgegeven());
+    return keus;
+}
+
+// One date; false when it was left, or the line given up.
+bool vraag_datum(int rij, int kolom, bool leeg, uint16_t minst, uint16_t* dag) {
+    for (;;) {
+        INSTEL.minimum = minst;
+        beeld_f6_aan();
+        INGAVE(rij, kolom, leeg ? "D,EI" : "D,E", &SCHERM.toets[key_cancel], dag);
+        if (TOETSWEG() || beeld_opgegeven())
+            return false;
+        if (SCHERM.laatste != K_F6)
+            return true;
     }
-    TOETSAAN(K_CANCEL);
-    return KEUZE(beeld_keusrij(), TERMIJNKOLOM);
 }
 
 void toon_datums(int rij, int kolom, uint16_t van, uint16_t tot) {
@@ -60,9 +62,7 @@ bool levt_invoer(int rij, int kolom, uint16_t* van, uint16_t* tot, bool nieuw) {
     if (!leeg)
         toon_datums(rij, kolom, *van, *tot);
     for (;;) {
-        INGAVE(rij, kolom + VANPLAATS, leeg || *van < kop.orderdatum ? "D,EI" : "D,E",
-               &SCHERM.toets[key_cancel], van);
-        if (TOETSWEG())
+        if (!vraag_datum(rij, kolom + VANPLAATS, leeg || *van < kop.orderdatum, 0, van))
             return terug();
         if (*van >= kop.orderdatum)
             break;
@@ -71,9 +71,7 @@ bool levt_invoer(int rij, int kolom, uint16_t* van, uint16_t* tot, bool nieuw) {
     *tot = std::max(*tot, *van);
     for (;;) {
         // A day that the field can hold, whatever a journal had.
-        INSTEL.minimum = std::min(*van, DATUMNR("311250"));
-        INGAVE(rij, kolom + TOTPLAATS, leeg ? "D,EI" : "D,E", &SCHERM.toets[key_cancel], tot);
-        if (TOETSWEG())
+        if (!vraag_datum(rij, kolom + TOTPLAATS, leeg, std::min(*van, DATUMNR("311250")), tot))
             return terug();
         if ((!nieuw && *tot == oud_tot) || (*tot >= *van && !lt_bestaat(regel_nu.termen, *tot)))
             return true;
@@ -107,20 +105,24 @@ bool levt_nieuw(uint16_t* van, uint16_t* tot, const aantalmatrix& werk) {
         laatste_van = nieuw_van;
         laatste_tot = nieuw_tot;
     }
-    const int keus = fm_leeg(werk) ? O_NIEUW : vraag_overname(werk);
+    const int keus = fm_leeg(werk) ? OVER_NIEUW : vraag_overname(werk);
     if (keus < 0)
         return false;
     aantalmatrix leeg, nieuw = werk;
     fmclear(&leeg);
-    if (keus == O_TOTALEN)
+    if (keus == OVER_TOTALEN)
         naar_een_filiaal(&nieuw);
-    if (keus == O_NIEUW) {
+    if (keus == OVER_NIEUW) {
         nieuw = leeg;
         beeld_begin(nieuw);
         beeld_teken(T_A_AANTALLEN, beeld_termijn(nieuw_van, nieuw_tot, 1, 1), nieuw);
         aantal_ingave(&nieuw);
+        if (beeld_opgegeven())
+            return false;
         if (firma.filialen > 1 && fm_leeg(nieuw))
             matrix_hand(&aantalgrid, &nieuw);
+        if (beeld_opgegeven())
+            return false;
     }
     if (!termijn_boek(nieuw_van, nieuw_tot, leeg, nieuw))
         return false;

@@ -1,5 +1,7 @@
 // The master data behind a line, see order/regelstam.h.
 #include "order/regelstam.h"
+#include "order/meld.h"
+#include "order/wrk.h"
 #include "shared/filveld.h"
 #include "shared/iofil.h"
 #include "shared/maatbalk.h"
@@ -37,6 +39,25 @@ uint8_t eigen_stelsel(const ordmodel& m, const merkrec& merk) {
 uint8_t model_stelsel(const ordmodel& m, const merkrec& merk) {
     const uint8_t stelsel = eigen_stelsel(m, merk), standaard = mtstelsel(0);
     return stelsel == standaard || maatsoort_gevuld(stelsel, m.maatsoort) ? stelsel : standaard;
+}
+
+bool stelsel_in_gebruik(uint16_t merk, uint16_t nummer) {
+    if (!werk || aantal_regels == 0)
+        return false;
+    if (merk == 0)
+        return nummer == kop.leverancier;
+    ordloop l;
+    ordrauw r;
+    ordloop_begin(&l, werk->fd, 0, INT64_MAX);
+    while (ord_verder(werk, &l, &r, "regelstam", 1)) {
+        ordmodel m;
+        if (r.tag != 'M')
+            continue;
+        memcpy(&m, r.data + 1, sizeof m);
+        if (m.merk == merk)
+            return true;
+    }
+    return false;
 }
 
 bool regel_balk(const orderregel& regel) {

@@ -14,6 +14,9 @@ void regelstam_lees(orderregel* regel);
 uint8_t eigen_stelsel(const ordmodel& m, const merkrec& merk);
 // That of a model: the same, but the firm's where the size type has no sizes in it.
 uint8_t model_stelsel(const ordmodel& m, const merkrec& merk);
+// Has the open order lines of a brand, or (merk 0) is it that supplier's and has lines at all? Their sizes are those of
+// the size system as it is (STELSELHAAK, sub/maatsoort.h).
+bool stelsel_in_gebruik(uint16_t merk, uint16_t nummer);
 // Put the line's size type and set of sizes in force (shared/maatbalk.h). False when the type has no sizes.
 bool regel_balk(const orderregel& regel);
 // Branch index of the group's warehouse; -1 when there is none, or no such branch.

@@ -90,11 +90,7 @@ bool serie_dupliceren(bool* model_veranderd) {
         andere_maten || m.artikelgroep != oud.artikelgroep || VASTTEKST(m.model) != VASTTEKST(oud.model);
     if (andere_maten)
         return serie_vul_nieuw();
-    if (!serie_prijzen_dup())
-        return false;
-    neem_over();
-    aantal_scherm(false);
-    return true;
+    return serie_prijzen_dup() && neem_over() && aantal_nieuw();
 }
 
 } // namespace zg

@@ -236,7 +236,7 @@ bool serie_vul_nieuw() {
         MELDBOX(MELD_WAARSCHUWING, TXT(T_MAAT_GEEN_MATEN), nullptr, nullptr);
         return false;
     }
-    if (!serie_maten(SERIERIJ, SERIEKOLOM, maten(), nullptr, nullptr))
+    if (!serie_maten(SERIERIJ, SERIEKOLOM, maten(), nullptr, nullptr, true))
         return false;
     up_vul(&regel_nu.prijzen.bruto, maten(), PRIJS_ONBEKEND);
     up_vul(&regel_nu.prijzen.netto, maten(), PRIJS_ONBEKEND);
@@ -244,8 +244,7 @@ bool serie_vul_nieuw() {
     if (!prijzen({Itemwijze::nieuw, VRAAG, true}, &anders))
         return false;
     pak_in();
-    aantal_scherm(false);
-    return true;
+    return aantal_nieuw();
 }
 
 } // namespace zg

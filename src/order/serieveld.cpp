@@ -159,7 +159,8 @@ void toon_maatsoort(int rij) {
     code_waarde(rij, soort, lijstnaam(MAATSOORTTABEL, {soort, ""}));
 }
 
-// One that isn't there, or has no sizes in the line's size system, can be made on the spot; then it is asked again.
+// One that isn't there, or has no sizes in the line's size system, can be made on the spot: then it is the line's, else
+// it is asked again.
 bool veld_maatsoort(int rij) {
     ordmodel& m = regel_nu.model;
     const uint8_t oud = m.maatsoort;
@@ -167,8 +168,11 @@ bool veld_maatsoort(int rij) {
     const uint8_t stelsel = eigen_stelsel(m, regelmerk);
     while (maatsoort_veld(rij, WAARDE, "EP", &m.maatsoort, false, stelsel) != Lijstuit::weg &&
            SCHERM.laatste != K_F6 && mist_maatsoort()) {
-        maatsoort_onderhoud(STELSELRIJ, STELSELKOLOM, stelsel, m.maatsoort);
+        const bool gemaakt = maatsoort_onderhoud(STELSELRIJ, STELSELKOLOM, stelsel, m.maatsoort);
         toon_maatsoort(rij);
+        SCHERM.laatste = K_ENTER; // whatever left that screen
+        if (gemaakt && !mist_maatsoort())
+            break;
         if (toetsen)
             INSTELSET(toetsen.get());
     }

@@ -2,6 +2,7 @@
 #include "order/start.h"
 #include "control/batchvw.h"
 #include "order/programma.h"
+#include "order/regelstam.h"
 #include "order/teksten.h"
 #include "shared/houder.h"
 #include "shared/iofil.h"
@@ -9,6 +10,7 @@
 #include "shared/sysrec.h"
 #include "shared/teksten.h"
 #include "store/ix.h"
+#include "sub/maatsoort.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 #include "term/tekst.h"
@@ -115,6 +117,7 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     gebruikersrecht = gebruiker.userkind;
     IXWAITHOOK = houder_wacht;
     BATCHTERUG = terug_naar_menu;
+    STELSELHAAK = stelsel_in_gebruik;
     BEZIGAAN();
 }
 

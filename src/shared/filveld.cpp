@@ -97,7 +97,7 @@ Filreeks filreeks_lees(const char* tekst, uint8_t* bits, int* onbekend) {
         bool er = false;
         for (int i = 0; i < firma.filialen && i < FILIALEN; i++)
             if (nummers[i] >= van && nummers[i] <= tot) {
-                uit[i / 8] |= static_cast<uint8_t>(1 << (i % 8));
+                fil_erbij(uit, i);
                 er = true;
             }
         if (!er && !bereik) {

@@ -20,8 +20,11 @@ std::string filreeks_tekst(const uint8_t* bits);
 // The text of a set as a field of `breedte` visible columns (250 characters at most), asked until it is one; what a
 // wrong one has is told. A set whose text is longer is replaced by what is typed. True when it changed.
 bool filreeks_veld(int rij, int kolom, int breedte, const char* opties, uint8_t* bits);
-inline bool fil_in(const uint8_t* bits, int index) {
-    return bits[index / 8] >> (index % 8) & 1;
+inline bool fil_in(const uint8_t* bits, int index) { // null: an empty set
+    return bits && bits[index / 8] >> (index % 8) & 1;
+}
+inline void fil_erbij(uint8_t* bits, int index) {
+    bits[index / 8] |= static_cast<uint8_t>(1 << (index % 8));
 }
 
 } // namespace zg

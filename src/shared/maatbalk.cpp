@@ -74,13 +74,6 @@ int balk_maat(int kolom) {
     return kolom >= 1 && kolom <= aantal ? kolommen[kolom].maat : 0;
 }
 
-int balk_kolom(int maat) {
-    for (int k = 1; k <= aantal; k++)
-        if (kolommen[k].maat == maat)
-            return k;
-    return 0;
-}
-
 const char* balk_naam(int kolom) {
     return kolom >= 1 && kolom <= aantal ? kolommen[kolom].naam : "   ";
 }
@@ -97,6 +90,15 @@ bool balk_heeft(const uint8_t* maten) {
         if (maat_in(maten, info.maatnr))
             return true;
     return false;
+}
+
+Balkkeuze::Balkkeuze(const uint8_t* maten) {
+    balk_maten(was);
+    balk_kies(maten);
+}
+
+Balkkeuze::~Balkkeuze() {
+    balk_kies(was);
 }
 
 } // namespace zg

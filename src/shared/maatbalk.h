@@ -21,9 +21,17 @@ bool maatsoort_gevuld(uint8_t stelsel, uint8_t soort);
 // 0 for all of these when no bar is open.
 int balk_kolommen();                   // sizes shown
 int balk_maat(int kolom);              // size index in a column, 0 outside
-int balk_kolom(int maat);              // column of a size index, 0 when it isn't shown
 const char* balk_naam(int kolom);      // 3 characters, static; blanks outside
 void balk_maten(uint8_t* maten);       // the sizes shown as a set of 12 bytes: those that the type has
 bool balk_heeft(const uint8_t* maten); // has the type one of these sizes at least?
+
+// Other sizes of the bar (null: all of the type) for as long as it lives, then those that were shown.
+struct Balkkeuze {
+    explicit Balkkeuze(const uint8_t* maten);
+    ~Balkkeuze();
+    Balkkeuze(const Balkkeuze&) = delete;
+    Balkkeuze& operator=(const Balkkeuze&) = delete;
+    uint8_t was[MAATBYTES];
+};
 
 } // namespace zg

@@ -4,6 +4,7 @@
 #include "price/ing_val.h"
 #include "price/koers.h"
 #include "sub/levbeeld.h"
+#include "sub/maatsoort.h"
 #include "sub/omlev.h"
 #include "sub/rijveld.h"
 #include "sub/teksten.h"
@@ -103,7 +104,7 @@ void toon_stelsel(int rij) {
            lijstnaam(STELSELTABEL, {nu.maatstelsel, ""}).c_str());
 }
 bool vraag_stelsel(int rij) {
-    return lijstveld(STELSELTABEL, rij, WAARDE, "", &nu.maatstelsel) == Lijstuit::anders;
+    return stelsel_veld(rij, WAARDE, "", 0, nu.nummer, &nu.maatstelsel);
 }
 
 const Item RIJEN[] = {

@@ -37,8 +37,9 @@ struct Lijststand {
     LIJST* lijst;
     std::vector<Balk> balken;
     uint8_t soort;
-    size_t van;    // first size of each line that is shown, from 0
-    size_t langst; // sizes of the longest help bar
+    size_t van;      // first size of each line that is shown, from 0
+    size_t langst;   // sizes of the longest help bar
+    bool f6, met_f6; // may that key leave the list; it did
 };
 Lijststand* st;
 
@@ -79,14 +80,9 @@ const Balk& balk() {
 
 // ---- the actions
 
-// Has the type a size of the set?
-bool gevuld(const maatbalkrec& rec) {
-    return balk_heeft(rec.maten);
-}
-
 // What was made of a bar, whose slot is held: a bar without sizes is gone.
 void bewaar(int32_t nr, maatbalkrec* rec) {
-    iotab(gevuld(*rec) ? 'W' : 'D', &nr, rec, SYS_MAATBALK);
+    iotab(balk_heeft(rec->maten) ? 'W' : 'D', &nr, rec, SYS_MAATBALK);
 }
 
 void voeg_toe() {
@@ -202,6 +198,8 @@ void toets() {
         TOETSAAN(K_F7);
     if (st->van < LAATSTE && st->van + PAGINA < st->langst)
         TOETSAAN(K_F8);
+    if (st->f6)
+        TOETSAAN(K_F6);
     int keus = KEUZE(LIJSTVELDRIJ(), KOLOM);
     const int32_t toets = SCHERM.laatste;
     if (keus < 0 && toets == K_F3)
@@ -224,6 +222,9 @@ void toets() {
         toon();
         break;
     default:
+        st->met_f6 = toets == K_F6;
+        if (st->met_f6)
+            SCHERM.laatste = K_CANCEL;
         if (toets != K_F7 && toets != K_F8) {
             SCHERM.vlag |= V_LEEG;
             return;
@@ -241,10 +242,10 @@ void toets() {
 
 } // namespace
 
-bool maatbalk_kiezen(const char* acties, uint8_t* maten) {
+bool maatbalk_kiezen(const char* acties, uint8_t* maten, bool f6) {
     if (!maatbalk)
         return false;
-    Lijststand stand{gebruiker.userkind == 'I' ? "S" : acties, nullptr, {}, maatbalk->soort, 0, 0};
+    Lijststand stand{gebruiker.userkind == 'I' ? "S" : acties, nullptr, {}, maatbalk->soort, 0, 0, f6, false};
     Lijststand* buiten = st;
     st = &stand;
     vul();
@@ -262,6 +263,8 @@ bool maatbalk_kiezen(const char* acties, uint8_t* maten) {
         for (int i = 0; i < MAATBYTES; i++)
             maten[i] |= balk().maten[i];
     LIJSTDEL(stand.lijst);
+    if (stand.met_f6)
+        SCHERM.laatste = K_F6;
     st = buiten;
     return gekozen;
 }

@@ -1,5 +1,6 @@
-// Size types: the field with its list. The screen of one type: sub/maatscherm.cpp.
+// Size types: the field with its list, and that of size systems. The screen of one type: sub/maatscherm.cpp.
 #include "sub/maatsoort.h"
+#include "codes/codeveld.h"
 #include "shared/iomaat.h"
 #include "shared/iotab.h"
 #include "shared/teksten.h"
@@ -54,6 +55,21 @@ bool altijd(const Lijsttabel&, const Lijstcode&, std::string*) {
 }
 
 } // namespace
+
+bool (*STELSELHAAK)(uint16_t merk, uint16_t leverancier);
+
+bool stelsel_veld(int rij, int kolom, const char* opties, uint16_t merk, uint16_t leverancier,
+                  uint8_t* stelsel) {
+    uint8_t nieuw = *stelsel;
+    if (lijstveld(STELSELTABEL, rij, kolom, opties, &nieuw) != Lijstuit::anders)
+        return false;
+    if (STELSELHAAK && STELSELHAAK(merk, leverancier)) {
+        error("%s", TXT(T_MAAT_STELSEL_VAST));
+        return false;
+    }
+    *stelsel = nieuw;
+    return true;
+}
 
 const Lijsttabel MAATSOORTTABEL{"2U", 0, lees, onbekend, kies};
 

@@ -1,5 +1,6 @@
 // A matrix on the screen and entered cell by cell, see sub/matrixinvoer.h.
 #include "sub/matrixinvoer.h"
+#include "shared/filveld.h"
 #include "shared/iofil.h"
 #include "shared/maatbalk.h"
 #include "sub/matrixdeel.h"
@@ -61,14 +62,10 @@ void teken_som(const Matrixscherm* s, int rij, int kolom, int64_t som) {
     SCRPUT(A_WAARDE, rij, kolom, "%*s", breedte, static_cast<int>(strlen(getal)) <= breedte ? getal : "*");
 }
 
-bool uitgesloten(const Matrixscherm* s, int f) {
-    return s->uitgesloten && (s->uitgesloten[f / 8] >> (f % 8) & 1);
-}
-
 // Number and sum of a branch never read as one: where the sum needs the column between them, the number moves to the
 // left if it can, else the sum is too large.
 bool wijkt(const Matrixscherm* s, int f, int64_t som) {
-    return !uitgesloten(s, f) && s->nummers[static_cast<size_t>(f)] < 100 &&
+    return !fil_in(s->uitgesloten, f) && s->nummers[static_cast<size_t>(f)] < 100 &&
            cijfers(som) == s->raster.kolvan - MARKKOLOM;
 }
 
@@ -76,7 +73,7 @@ void teken_filiaal(const Matrixscherm* s, const aantalmatrix& m, int f, int rij)
     const RASTER* r = &s->raster;
     const int32_t som = matrix_cel(m, f, 0);
     matrix_nummer(s, m, A_LABEL, f, rij);
-    if (uitgesloten(s, f))
+    if (fil_in(s->uitgesloten, f))
         SCRPUT(A_LABEL, rij, MARKKOLOM, "*");
     teken_som(s, rij, wijkt(s, f, som) ? MARKKOLOM : MARKKOLOM + 1, som);
     for (int kol = r->eerstekol; kol <= r->laatstekol; kol++)
@@ -108,9 +105,11 @@ bool vraag_cel(Matrixscherm* s, const aantalmatrix& m, const int32_t* vrij, int3
     const int rij = rij_nu(s), kol = RASTERKOLNU(r);
     char formaat[24];
     snprintf(formaat, sizeof formaat, "%dl,JZP", r->celbreedte - 1);
+    if (s->opgeefbaar)
+        TOETSAAN(K_F6);
     RASTERINGAVE(r, rij == firma.filialen ? s->totaalrij : RASTERSCHERMRIJ(r), RASTERSCHERMKOL(r), formaat,
                  &SCHERM.toets[key_cancel], &waarde);
-    const bool weg = TOETSWEG();
+    const bool weg = TOETSWEG() || SCHERM.laatste == K_F6;
     bool door = !weg;
     if (!weg && (SCHERM.laatste == K_ENTER || (SCHERM.vlag & V_GEWIJZIGD))) {
         const bool genomen = neem(rij, balk_maat(kol), waarde);
@@ -289,14 +288,9 @@ void matrix_verdeel(Matrixscherm* s, aantalmatrix* m, int bron, int rest) {
         return;
     if (s->sneltoetsen)
         return matrixtoets_verdeel(s, m, bron);
+    const aantalmatrix was = *m;
     int32_t vrij[MAATKOLOMMEN] = {};
-    for (int kol = 1; bron < firma.filialen && kol <= balk_kolommen(); kol++) {
-        int32_t& cel = matrix_cel(*m, bron, balk_maat(kol));
-        vrij[balk_maat(kol)] = cel;
-        vrij[0] += cel;
-        matrix_cel(*m, bron, 0) -= cel;
-        cel = 0;
-    }
+    matrix_maak_vrij(m, bron, vrij);
     RASTER* r = &s->raster;
     RASTERCEL(r, RASTERRIJNU(r), RASTERKOLNU(r));
     matrix_hint("");
@@ -308,10 +302,24 @@ void matrix_verdeel(Matrixscherm* s, aantalmatrix* m, int bron, int rest) {
         }
         if (verdeel_sluit(m, vrij, rest))
             break;
+        if (SCHERM.laatste == K_F6) {
+            *m = was;
+            break;
+        }
         naar_tekort(s, vrij);
         error("%s", TXT(T_MEER_DAN_TOTAAL));
     }
     matrix_beeld(s, *m, nullptr);
+}
+
+void matrix_maak_vrij(aantalmatrix* m, int bron, int32_t* vrij) {
+    for (int kol = 1; bron < firma.filialen && kol <= balk_kolommen(); kol++) {
+        int32_t& cel = matrix_cel(*m, bron, balk_maat(kol));
+        vrij[balk_maat(kol)] = cel;
+        vrij[0] += cel;
+        matrix_cel(*m, bron, 0) -= cel;
+        cel = 0;
+    }
 }
 
 bool verdeel_sluit(aantalmatrix* matrix, int32_t* vrij, int rest) {

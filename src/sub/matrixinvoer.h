@@ -19,7 +19,9 @@ struct Matrixscherm {
     const uint8_t* uitgesloten = nullptr; // 32 bytes by branch index, marked '*'; null: none
     int magazijn = -1;                    // branch index that the row of totals is entered into; -1: index 0
     const char* sneltoetsen =
-        nullptr;               // key by key: its n-th character is the n-th visible size; null: cell by cell
+        nullptr; // key by key: its n-th character is the n-th visible size; null: cell by cell
+    bool opgeefbaar =
+        false; // F6 leaves the ways to enter, as ESC does; a division that can't be left as it stands is undone
     int32_t meest = INT32_MAX; // sum that the matrix may reach, so that the line's stays in 32 bits
 
     int breedte = 0;              // digits that the columns were made for
@@ -47,6 +49,8 @@ void matrix_hand(Matrixscherm* s, aantalmatrix* matrix);
 // is left goes to branch `rest`. `bron` or `rest` firma.filialen: none. It ends when nothing is taken too much and
 // nothing is left. Key by key pieces go straight from `bron` to a branch; without `bron` that does nothing.
 void matrix_verdeel(Matrixscherm* s, aantalmatrix* matrix, int bron, int rest);
+// The source's pieces of the bar's sizes out of its row, into what is free (zeros before); the totals stay.
+void matrix_maak_vrij(aantalmatrix* matrix, int bron, int32_t* vrij);
 // What is free goes to `rest`, as far as nothing is taken too much: true when nothing is left to divide.
 // vrij: MAATKOLOMMEN cells, of which cell 0 isn't looked at.
 bool verdeel_sluit(aantalmatrix* matrix, int32_t* vrij, int rest);

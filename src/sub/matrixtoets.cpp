@@ -100,7 +100,7 @@ template <class N> void lus(Matrixscherm* s, aantalmatrix* m, bool totalen, bool
         teken(s, *m, totalen, met_f5);
         const int32_t key = TOETS();
         error("%s", "");
-        if (key == K_CANCEL || key == K_ESC || (key == K_F5 && met_f5)) {
+        if (key == K_CANCEL || key == K_ESC || (key == K_F5 && met_f5) || (key == K_F6 && s->opgeefbaar)) {
             SCHERM.laatste = key;
             break;
         }

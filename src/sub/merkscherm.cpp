@@ -6,6 +6,7 @@
 #include "shared/leesstam.h"
 #include "shared/mutatie.h"
 #include "shared/sysrec.h"
+#include "sub/maatsoort.h"
 #include "sub/merken.h"
 #include "sub/omlev.h"
 #include "sub/rijveld.h"
@@ -146,7 +147,7 @@ void toon_stelsel(int rij) {
            lijstnaam(STELSELTABEL, {nu.maatstelsel, ""}).c_str());
 }
 bool vraag_stelsel(int rij) {
-    return lijstveld(STELSELTABEL, rij, WAARDE, "P", &nu.maatstelsel) == Lijstuit::anders;
+    return stelsel_veld(rij, WAARDE, "P", nu.merk, 0, &nu.maatstelsel);
 }
 
 // ---- excluded branches

@@ -54,13 +54,4 @@ std::string reeks_soortnaam(uint8_t maatsoort);           // "maatsoort 3 Herenm
 bool reeks_geen_maten(uint8_t maatsoort);                 // has the bar in force no sizes? told
 void reeks_op_bestand(uint8_t maatsoort, uint8_t* maten); // the sizes that a stored run of the type has
 
-// The bar as it was, at the end of a block that shows other sizes of it.
-struct Balkkeuze {
-    Balkkeuze();
-    ~Balkkeuze();
-    Balkkeuze(const Balkkeuze&) = delete;
-    Balkkeuze& operator=(const Balkkeuze&) = delete;
-    uint8_t keuze[MAATBYTES];
-};
-
 } // namespace zg

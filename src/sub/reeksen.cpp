@@ -46,7 +46,7 @@ void reeks_branches(const aantalmatrix& matrix, const reeksrij& rij, uint8_t* fi
     memset(filialen, 0, 32);
     for (int f = 0; f < firma.filialen; f++)
         if (rij_van(matrix, f) == rij)
-            filialen[f / 8] |= static_cast<uint8_t>(1 << (f % 8));
+            fil_erbij(filialen, f);
 }
 
 void reeks_toekennen(aantalmatrix* matrix, const reeksrij& rij, const uint8_t* filialen) {
@@ -84,17 +84,6 @@ bool reeks_geen_maten(uint8_t maatsoort) {
         return false;
     error("%s %hu: %s", TXT(T_MAAT_NUMMER), maatsoort, TXT(T_MAAT_GEEN_MATEN));
     return true;
-}
-
-Balkkeuze::Balkkeuze() {
-    if (maatbalk)
-        memcpy(keuze, maatbalk->keuze, sizeof keuze);
-    else
-        memset(keuze, 0, sizeof keuze);
-}
-
-Balkkeuze::~Balkkeuze() {
-    balk_kies(keuze);
 }
 
 } // namespace zg

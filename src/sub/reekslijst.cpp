@@ -68,8 +68,7 @@ bool bewaar(int32_t nr, maatreeksrec* rec, uint8_t maatsoort, const reeksrij& ri
 
 // A new run, entered; its number, 0 for none.
 int32_t voeg_toe(uint8_t maatsoort) {
-    const Balkkeuze keuze;
-    balk_kies(nullptr);
+    const Balkkeuze alle(nullptr);
     maatreeksrec rec{};
     int32_t nr = iotab_vrij(SYS_MAATREEKS);
     if (nr == 0) {
@@ -100,8 +99,7 @@ void wijzig(int32_t nr, uint8_t maatsoort) {
     maatreeksrec rec;
     if (!neem(&nr, &rec, maatsoort))
         return;
-    const Balkkeuze keuze;
-    balk_kies(nullptr);
+    const Balkkeuze alle(nullptr);
     reeksrij rij = rij_van(rec);
     const Reeksinvoer in{titel(T_REEKS_WIJZIGEN, maatsoort)};
     reeks_venster(in, rij);
@@ -119,8 +117,7 @@ void verwijder(int32_t nr, uint8_t maatsoort) {
     maatreeksrec rec;
     if (!neem(&nr, &rec, maatsoort))
         return;
-    const Balkkeuze keuze;
-    balk_kies(nullptr);
+    const Balkkeuze alle(nullptr);
     reeks_venster({titel(T_REEKS_VERWIJDEREN, maatsoort)}, rij_van(rec));
     const bool weg = JNVRAAG(REEKSVRAAGRIJ, REEKSKOLOM, "[-]%s", TXT(T_REEKS_VERWIJDEREN_VRAAG)) != 0;
     WINCLOSE();
@@ -196,13 +193,11 @@ void reeks_op_bestand(uint8_t maatsoort, uint8_t* maten) {
 }
 
 bool reeks_kiezen(uint8_t maatsoort, const char* toegestaan, const uint8_t* maten, reeksrij* rij) {
-    const Balkkeuze keuze;
-    if (maten) {
-        uint8_t beide[MAATBYTES];
-        for (int i = 0; i < MAATBYTES; i++)
-            beide[i] = keuze.keuze[i] & maten[i];
-        balk_kies(beide);
-    }
+    uint8_t getoond[MAATBYTES];
+    balk_maten(getoond);
+    for (int i = 0; maten && i < MAATBYTES; i++)
+        getoond[i] &= maten[i];
+    const Balkkeuze keuze(getoond);
     if (reeks_geen_maten(maatsoort))
         return false;
     const char* buiten = acties;

@@ -8,7 +8,7 @@ namespace zg {
 void schakel_open(const char* titel, const uint8_t* maten);
 int schakel_vraagrij();
 // Size by size, until behind the last one or cancel. Sizes in `vast` (null: none) can't be taken out. Bits of sizes
-// that the type doesn't have stay as they are.
-void schakel_bewerk(uint8_t* maten, const uint8_t* vast);
+// that the type doesn't have stay as they are. With `f6` that key ends it as well.
+void schakel_bewerk(uint8_t* maten, const uint8_t* vast, bool f6 = false);
 
 } // namespace zg

@@ -55,33 +55,50 @@ void toon_maten(int van) {
         SCRPUT(A_LABEL, 1, KOLOM + 2 + PAGINA * CEL, " >");
 }
 
-enum class Antwoord { ja, nee, lijst };
+// Choosing the sizes: the list of bars, the set with its question, the toggle grid; done, or given up.
+enum class Stap { lijst, vraag, schakel, klaar, weg };
 
 // Show the set and ask; it pages by itself.
-Antwoord akkoord(int rij, int kolom) {
+Stap akkoord(int rij, int kolom, const uint8_t* maten, bool f6) {
+    balk_kies(maten);
+    if (balk_kolommen() == 0) {
+        error("%s", TXT(T_MAAT_MINSTENS));
+        return Stap::schakel;
+    }
     WINOPEN1(std::min(rij, SCHERM.lines - HOOGTE), std::min(kolom, SCHERM.cols - BREEDTE + 1), HOOGTE,
              BREEDTE);
     WINBOX(nullptr);
     int van = 1;
-    Antwoord uit;
-    for (;;) {
-        const bool eerder = van > 1, verder = van + PAGINA <= balk_kolommen();
+    bool ja;
+    do {
+        if (SCHERM.laatste == K_F7 || SCHERM.laatste == K_F8)
+            van += SCHERM.laatste == K_F8 ? PAGINA : -PAGINA;
         toon_maten(van);
         TOETSAAN(K_F5);
-        if (eerder)
+        if (f6)
+            TOETSAAN(K_F6);
+        if (van > 1)
             TOETSAAN(K_F7);
-        if (verder)
+        if (van + PAGINA <= balk_kolommen())
             TOETSAAN(K_F8);
-        const bool ja = JNVRAAG(3, KOLOM, "[+]") != 0;
-        if (SCHERM.laatste == K_F7 || SCHERM.laatste == K_F8) {
-            van += SCHERM.laatste == K_F8 ? PAGINA : -PAGINA;
-            continue;
-        }
-        uit = SCHERM.laatste == K_F5 ? Antwoord::lijst : ja ? Antwoord::ja : Antwoord::nee;
-        break;
-    }
+        ja = JNVRAAG(3, KOLOM, "[+]") != 0;
+    } while (SCHERM.laatste == K_F7 || SCHERM.laatste == K_F8);
     WINCLOSE();
-    return uit;
+    return SCHERM.laatste == K_F5 ? Stap::lijst : ja ? Stap::klaar : Stap::schakel;
+}
+
+// The set size by size; it can't be left empty, but for being given up.
+Stap schakel(uint8_t* maten, const uint8_t* vast, bool f6) {
+    schakel_open(TXT(T_MAAT_WIJZIGEN), maten);
+    schakel_bewerk(maten, vast, f6);
+    WINCLOSE();
+    if (balk_heeft(maten))
+        return Stap::vraag;
+    if (TOETSWEG())
+        return Stap::weg;
+    if (SCHERM.laatste != K_F6)
+        error("%s", TXT(T_MAAT_MINSTENS));
+    return Stap::schakel;
 }
 
 void meld_nieuwe(const uint8_t* oud, const uint8_t* maten, const seriesleutel& s) {
@@ -112,17 +129,19 @@ int schakel_vraagrij() {
     return schakelrij(n > 0 ? n - 1 : 0) + RIJAFSTAND;
 }
 
-void schakel_bewerk(uint8_t* maten, const uint8_t* vast) {
+void schakel_bewerk(uint8_t* maten, const uint8_t* vast, bool f6) {
     const auto alle = type_maten();
     for (size_t i = 0; i < alle.size();) {
         const int maat = alle[i].maatnr;
         const bool was = maat_in(maten, maat);
         uint8_t aan = was;
         SCHERM.toets[key_btab] = K_LEFT, SCHERM.toets[key_extra] = K_RIGHT;
+        if (f6)
+            TOETSAAN(K_F6);
         INGAVE(schakelrij(i) + 1, schakelkolom(i) + 2, "b,EA", &SCHERM.toets[key_cancel],
                &SCHERM.toets[key_btab], &SCHERM.toets[key_extra], &aan);
         SCHERM.toets[key_btab] = SCHERM.toets[key_extra] = 0;
-        if (TOETSWEG())
+        if (TOETSWEG() || SCHERM.laatste == K_F6)
             break;
         const bool links = SCHERM.laatste == K_LEFT;
         if (links || SCHERM.laatste == K_RIGHT) {
@@ -141,8 +160,8 @@ void schakel_bewerk(uint8_t* maten, const uint8_t* vast) {
     }
 }
 
-bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantallen,
-                 const seriesleutel* serie) {
+bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantallen, const seriesleutel* serie,
+                 bool opgeefbaar) {
     if (!maatbalk || type_maten().empty()) {
         error("%s %hu: %s", TXT(T_MAAT_NUMMER), maatbalk ? maatbalk->soort : uint8_t{0},
               TXT(T_MAAT_GEEN_MATEN));
@@ -151,34 +170,25 @@ bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantalle
     static const uint8_t GEEN[MAATBYTES] = {};
     uint8_t oud[MAATBYTES];
     memcpy(oud, maten, sizeof oud);
-    if (memcmp(maten, GEEN, sizeof GEEN) == 0)
-        maatbalk_kiezen("STVW", maten);
-    for (;;) {
-        balk_kies(maten);
-        Antwoord antwoord = Antwoord::nee;
-        if (balk_kolommen() == 0)
-            error("%s", TXT(T_MAAT_MINSTENS));
-        else
-            antwoord = akkoord(rij, kolom);
-        if (antwoord == Antwoord::ja)
-            break;
-        if (antwoord == Antwoord::lijst) {
-            maatbalk_kiezen("STVW", maten);
-            continue;
+    Stap stap = memcmp(maten, GEEN, sizeof GEEN) == 0 ? Stap::lijst : Stap::vraag;
+    while (stap != Stap::klaar && stap != Stap::weg) {
+        const Stap nu = stap;
+        SCHERM.laatste = 0;
+        if (nu == Stap::lijst) {
+            maatbalk_kiezen("STVW", maten, opgeefbaar);
+            stap = Stap::vraag;
+        } else if (nu == Stap::vraag) {
+            stap = akkoord(rij, kolom, maten, opgeefbaar);
+        } else {
+            stap = schakel(maten, met_aantallen, opgeefbaar);
         }
-        do {
-            schakel_open(TXT(T_MAAT_WIJZIGEN), maten);
-            schakel_bewerk(maten, met_aantallen);
-            WINCLOSE();
-            if (balk_heeft(maten))
-                break;
-            if (TOETSWEG()) { // given up without a size
-                memcpy(maten, oud, sizeof oud);
-                balk_kies(oud);
-                return false;
-            }
-            error("%s", TXT(T_MAAT_MINSTENS));
-        } while (true);
+        if (opgeefbaar && SCHERM.laatste == K_F6)
+            stap = FFLASH(-2, 0, A_WAARDE, nullptr, "[-]%s", TXT(T_TOEVOEGEN_AFBREKEN)) ? Stap::weg : nu;
+    }
+    if (stap == Stap::weg) {
+        memcpy(maten, oud, sizeof oud);
+        balk_kies(oud);
+        return false;
     }
     if (serie && kassakoppeling())
         meld_nieuwe(oud, maten, *serie);

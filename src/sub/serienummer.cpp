@@ -9,9 +9,9 @@
 #include "sub/serienummer.h"
 #include "shared/iotab.h"
 #include "shared/report.h"
+#include "shared/sleutelstand.h"
 #include "shared/syscalls.h"
 #include "sub/omserie.h"
-#include "sub/sleutelstand.h"
 #include <algorithm>
 #include <cerrno>
 #include <vector>

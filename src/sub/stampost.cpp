@@ -1,8 +1,8 @@
 // One record of an indexed master table in hand.
 #include "sub/stampost.h"
 #include "shared/leesstam.h"
+#include "shared/sleutelstand.h"
 #include "shared/sysrec.h"
-#include "sub/sleutelstand.h"
 #include "sub/teksten.h"
 #include "term/scherm.h"
 #include <algorithm>

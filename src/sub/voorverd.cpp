@@ -1,8 +1,10 @@
 // Module voorverd: the records of pre-distributions, see sub/voorverd.h. Everything goes by key 1 (size type, number,
 // sequence), which every maker's file has. Whoever changes a number has its first record in hand, there or not.
 #include "sub/voorverd.h"
+#include "shared/filveld.h"
 #include "shared/leesstam.h"
 #include "shared/maatbalk.h"
+#include "shared/sleutelstand.h"
 #include "store/ix.h"
 #include "sub/teksten.h"
 #include "sub/vvdeel.h"
@@ -14,16 +16,6 @@ namespace zg {
 namespace {
 
 constexpr int32_t CELMEEST = 99999; // what a cell of the grid takes: more than that on file is damage
-
-// Key 1 current for as long as it lives.
-struct Eerste {
-    ICB* icb = dtvvtab;
-    int oude = IXSLEUTEL(dtvvtab);
-    Eerste() { IXSWITCH(icb, 1); }
-    ~Eerste() { IXSWITCH(icb, oude); }
-    Eerste(const Eerste&) = delete;
-    Eerste& operator=(const Eerste&) = delete;
-};
 
 // A record as the store has it; what lies behind the struct stays zero.
 struct Ruimte {
@@ -41,15 +33,11 @@ std::vector<vvrec> lees(uint8_t maatsoort, uint16_t nummer, int delen) {
     std::vector<vvrec> uit;
     if (!dtvvtab)
         return uit;
-    Eerste k1;
+    const Sleutelstand k1(dtvvtab);
     Ruimte r(maatsoort, nummer, 0);
     for (int er = IXFIRSTR(k1.icb, r.bytes, delen); er; er = IXNEXTR(k1.icb, r.bytes, delen))
         stam_uit(r.bytes, k1.icb->h.reclen, &uit.emplace_back());
     return uit;
-}
-
-bool in_filialen(const uint8_t* filialen, int f) {
-    return filialen && (filialen[f / 8] >> (f % 8) & 1);
 }
 
 // The table as records: a row for every branch with pieces, branches with equal rows together.
@@ -69,7 +57,7 @@ std::vector<vvrec> als_records(uint8_t maatsoort, uint16_t nummer, const aantalm
             memcpy(&rec.aantal, rij, sizeof rec.aantal);
             zelfde = uit.insert(uit.end(), rec);
         }
-        zelfde->filialen[f / 8] |= static_cast<uint8_t>(1 << (f % 8));
+        fil_erbij(zelfde->filialen, f);
     }
     return uit;
 }
@@ -129,7 +117,7 @@ bool vv_laden(uint8_t maatsoort, uint16_t nummer, aantalmatrix* tabel, const Vvp
     int64_t alles = 0;
     for (const vvrec& rec : lees(maatsoort, nummer, 2))
         for (int f = 0; f < firma.filialen; f++) {
-            if (!in_filialen(rec.filialen, f) || (passing && in_filialen(passing->uitgesloten, f)))
+            if (!fil_in(rec.filialen, f) || (passing && fil_in(passing->uitgesloten, f)))
                 continue;
             for (int kol = 1; kol <= balk_kolommen(); kol++) {
                 const int32_t n = rec.aantal[balk_maat(kol)];
@@ -153,7 +141,7 @@ bool vv_laden(uint8_t maatsoort, uint16_t nummer, aantalmatrix* tabel, const Vvp
 }
 
 bool vv_vervang(uint8_t maatsoort, uint16_t nummer, const aantalmatrix& tabel) {
-    Eerste k1;
+    const Sleutelstand k1(dtvvtab);
     const std::vector<vvrec> oud = lees(maatsoort, nummer, 2);
     const std::vector<vvrec> nieuw = als_records(maatsoort, nummer, tabel);
     bool goed = vervang_rest(k1.icb, oud, nieuw), vast = true;
@@ -174,17 +162,17 @@ bool vv_bewaren(uint8_t maatsoort, uint16_t nummer, const aantalmatrix& tabel) {
 }
 
 bool vv_grijp(uint8_t maatsoort, uint16_t nummer) {
-    Eerste k1;
+    const Sleutelstand k1(dtvvtab);
     return IXREADL(k1.icb, Ruimte(maatsoort, nummer, 1).bytes) >= 0;
 }
 
 void vv_laatlos(uint8_t maatsoort, uint16_t nummer) {
-    Eerste k1;
+    const Sleutelstand k1(dtvvtab);
     IXUNLOCK(k1.icb, Ruimte(maatsoort, nummer, 1).bytes);
 }
 
 uint16_t vv_grijp_vrije(uint8_t maatsoort) {
-    Eerste k1;
+    const Sleutelstand k1(dtvvtab);
     const std::vector<uint16_t> bezet = vv_nummers(maatsoort);
     auto wachten = IXWAITHOOK;
     int vast = 0;

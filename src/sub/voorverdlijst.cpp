@@ -1,17 +1,18 @@
-// Pre-distributions on the screen: the list of those that fit, one of them looked at, changed or added in the grid,
-// and the one that was picked laid on a table.
+// Pre-distributions in a list, those that fit, and the one that was picked laid on a table.
+#include "shared/filveld.h"
 #include "shared/leesstam.h"
 #include "shared/maatbalk.h"
 #include "shared/report.h"
 #include "shared/sysrec.h"
 #include "shared/teksten.h"
 #include "sub/maatsoort.h"
-#include "sub/matrixinvoer.h"
 #include "sub/teksten.h"
 #include "sub/vvdeel.h"
+#include "term/ingave.h"
 #include "term/keuze.h"
 #include "term/lijst.h"
 #include "term/prompt.h"
+#include "term/raster.h"
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
@@ -23,19 +24,18 @@ namespace zg {
 namespace {
 
 constexpr size_t LIJSTMEEST = 100;
-constexpr int RIJ = 4; // of both windows
 constexpr int NUMMERVELD = 11;
 
-enum Keus { SELECTEREN, WIJZIGEN, TOEVOEGEN, VERWIJDEREN, RAADPLEGEN, NUMMER };
+// The choices of the row, in their order; behind them the number.
 constexpr struct {
     char letter;
     const Tekst& label;
-    const Tekst& woord; // in the title of the screen
 } KEUZEN[] = {
-    {'S', T_VV_SELECTEREN, T_VV_W_RAADPLEGEN}, {'W', T_VV_WIJZIGEN, T_VV_W_WIJZIGEN},
-    {'T', T_VV_TOEVOEGEN, T_VV_W_TOEVOEGEN},   {'V', T_VV_VERWIJDEREN, T_VV_W_VERWIJDEREN},
-    {'R', T_VV_RAADPLEGEN, T_VV_W_RAADPLEGEN},
+    {'S', T_VV_SELECTEREN},  {'W', T_VV_WIJZIGEN},   {'T', T_VV_TOEVOEGEN},
+    {'V', T_VV_VERWIJDEREN}, {'R', T_VV_RAADPLEGEN},
 };
+constexpr int KEUZES = std::ssize(KEUZEN), NUMMER = KEUZES;
+constexpr int SELECTEREN = static_cast<int>(Vvkeus::selecteren);
 
 // A number with its totals.
 struct Regel {
@@ -45,9 +45,8 @@ struct Regel {
 
 // The list that runs.
 struct Vvlijst {
-    uint8_t maatsoort;
-    std::string acties, soortnaam;
-    const uint8_t* uitgesloten;
+    Vvsoort soort;
+    std::string acties;
     const Vvpassing* passing;
     std::vector<Regel> regels;
     RASTER raster;
@@ -60,104 +59,16 @@ struct Vvlijst {
 Vvlijst* v;
 uint16_t bekeken[256]; // by size type: the one that was looked at last
 
-// ---- one on the screen
-
-// All sizes of the type as long as it lives, then those that were shown.
-struct Hele_balk {
-    uint8_t maten[MAATBYTES];
-    Hele_balk() {
-        balk_maten(maten);
-        balk_kies(nullptr);
-    }
-    ~Hele_balk() { balk_kies(maten); }
-    Hele_balk(const Hele_balk&) = delete;
-    Hele_balk& operator=(const Hele_balk&) = delete;
-};
-
-void open_scherm(Matrixscherm* s, Keus wat, uint16_t nummer, const aantalmatrix& tabel) {
-    WINOPEN1(RIJ, 1, 21, 80);
-    WINBOX("%s %s %2d, %s %ld %-.20s", TXT(KEUZEN[wat].woord), TXT(T_VV_VERDELING), nummer,
-           TXT(T_VV_MAATSOORT), long{v->maatsoort}, v->soortnaam.c_str());
-    const int laatste = WINHOOGTE() - 4;
-    s->uitgesloten = v->uitgesloten;
-    matrix_begin(s, 1, laatste, tabel);
-    s->totaalrij = laatste + 2; // below a line
-    s->vrijrij = laatste + 3;
-    SCRLIJN(A_LIJN_LABEL, laatste + 1, 1, L_HORIZONTAAL, WINBREEDTE());
-    matrix_teken(s, tabel);
-}
-
-void bekijk(Matrixscherm* s, const aantalmatrix& tabel) {
-    do {
-        for (int32_t key : {K_LEFT, K_RIGHT, K_ENTER})
-            TOETSAAN(key);
-        TOETSKIES(&SCHERM.toets[key_cancel], &SCHERM.toets[key_up], &SCHERM.toets[key_down],
-                  &SCHERM.toets[key_pgup], &SCHERM.toets[key_pgdn], &SCHERM.toets[key_f7],
-                  &SCHERM.toets[key_f8], "");
-        const int32_t key = SCHERM.laatste;
-        RASTERSTAP(&s->raster, key == K_UP || key == K_PGUP     ? 'U'
-                               : key == K_DOWN || key == K_PGDN ? 'D'
-                               : key == K_LEFT || key == K_F7   ? 'L'
-                               : key == K_RIGHT || key == K_F8  ? 'R'
-                                                                : ' ');
-        matrix_teken(s, tabel);
-    } while (!TOETSWEG() && SCHERM.laatste != K_ENTER);
-}
-
-// Changed in the grid or deleted; the number is in hand, and let go here. Where saving was refused, and told, the
-// screen stays: it may be tried again, or left without another change.
-void bewerk(Matrixscherm* s, Keus wat, uint16_t nummer, aantalmatrix* tabel) {
-    for (aantalmatrix was = *tabel;;) {
-        if (wat != VERWIJDEREN)
-            matrix_hand(s, tabel);
-        else if (JNVRAAG(WINHOOGTE(), 2, "[-]%s", TXT(T_VV_VRAAG_VERWIJDEREN)))
-            fmclear(tabel);
-        if (*tabel == was)
-            return vv_laatlos(v->maatsoort, nummer);
-        if (vv_vervang(v->maatsoort, nummer, *tabel) || !vv_grijp(v->maatsoort, nummer))
-            return;
-        was = *tabel;
-    }
-}
-
-// Look at, change, add or delete one.
-void scherm(Keus wat, uint16_t nummer) {
-    Hele_balk balk;
-    const bool vast = wat != RAADPLEGEN;
-    if (wat == TOEVOEGEN)
-        nummer = vv_grijp_vrije(v->maatsoort);
-    else if (vast && !vv_grijp(v->maatsoort, nummer))
-        nummer = 0;
-    if (nummer == 0)
-        return;
-    v->begin = nummer;
-    aantalmatrix tabel;
-    vv_laden(v->maatsoort, nummer, &tabel, nullptr);
-    if (vast && wat != TOEVOEGEN && fm_leeg(tabel)) { // deleted by another since it was listed
-        error("%s", TXT(T_VV_GEWIJZIGD));
-        return vv_laatlos(v->maatsoort, nummer);
-    }
-    Matrixscherm s;
-    open_scherm(&s, wat, nummer, tabel);
-    if (vast)
-        bewerk(&s, wat, nummer, &tabel);
-    else
-        bekijk(&s, tabel);
-    WINCLOSE();
-}
-
-// ---- the list
-
-bool mag(Keus wat) {
-    return v->acties.find(KEUZEN[wat].letter) != std::string::npos;
+bool mag(int keus) {
+    return v->acties.find(KEUZEN[keus].letter) != std::string::npos;
 }
 
 void verzamel() {
     v->regels.clear();
     aantalmatrix tabel;
     int breedte = 0;
-    for (uint16_t nummer : vv_nummers(v->maatsoort)) {
-        if (v->regels.size() == LIJSTMEEST || !vv_laden(v->maatsoort, nummer, &tabel, v->passing))
+    for (uint16_t nummer : vv_nummers(v->soort.maatsoort)) {
+        if (v->regels.size() == LIJSTMEEST || !vv_laden(v->soort.maatsoort, nummer, &tabel, v->passing))
             continue;
         Regel& r = v->regels.emplace_back();
         r.nummer = nummer;
@@ -222,15 +133,14 @@ const char* regel() {
 }
 
 const char* label(int keuze) {
-    return keuze <= RAADPLEGEN ? TXT(KEUZEN[keuze].label) : "";
+    return keuze < KEUZES ? TXT(KEUZEN[keuze].label) : "";
 }
 
-Keus eerste_keus() {
-    Keus wat = RAADPLEGEN;
-    for (int i = RAADPLEGEN; i >= SELECTEREN; i--)
-        if (mag(static_cast<Keus>(i)))
-            wat = static_cast<Keus>(i);
-    return wat;
+int eerste_keus() {
+    int keus = 0;
+    while (!mag(keus)) // looking is always there
+        keus++;
+    return keus;
 }
 
 // A number begun with a digit: the cursor goes to it.
@@ -248,14 +158,16 @@ void naar_nummer(int rij, uint16_t cijfer) {
 }
 
 // An action on the row under the cursor; then the list as it has become.
-void doe(Keus wat) {
-    const uint16_t nummer = v->begin = v->regels[v->rij()].nummer;
-    if (wat == RAADPLEGEN)
-        bekeken[v->maatsoort] = nummer;
-    scherm(wat, nummer);
+void doe(Vvkeus wat) {
+    const uint16_t nummer = v->regels[v->rij()].nummer;
+    if (wat == Vvkeus::raadplegen)
+        bekeken[v->soort.maatsoort] = nummer;
+    const uint16_t gedaan = vv_scherm(v->soort, wat, nummer);
     verzamel();
-    if (wat == TOEVOEGEN && !v->regels.empty() && v->regels[rij_van(v->begin)].nummer != v->begin)
-        v->begin = nummer; // nothing came of it
+    // One that was added and is listed, else where the cursor stood.
+    const bool erbij =
+        wat == Vvkeus::toevoegen && !v->regels.empty() && v->regels[rij_van(gedaan)].nummer == gedaan;
+    v->begin = erbij ? gedaan : nummer;
     v->opnieuw = true;
     SCHERM.laatste = K_CANCEL;
 }
@@ -263,8 +175,8 @@ void doe(Keus wat) {
 void toets() {
     const int rij = LIJSTVELDRIJ();
     KEUZESTART(label);
-    for (int i = SELECTEREN; i <= RAADPLEGEN; i++)
-        if (mag(static_cast<Keus>(i)))
+    for (int i = 0; i < KEUZES; i++)
+        if (mag(i))
             KEUZEAAN(i);
     KEUZEVAST(eerste_keus());
     uint16_t cijfer = 0;
@@ -278,7 +190,7 @@ void toets() {
     if (keus == SELECTEREN)
         SCHERM.laatste = K_F3;
     else if (keus >= 0 && keus != NUMMER)
-        return doe(static_cast<Keus>(keus));
+        return doe(static_cast<Vvkeus>(keus));
     if (keus != NUMMER && key != K_F7 && key != K_F8)
         return; // moves and ESC are the list's
     if (keus == NUMMER) {
@@ -299,9 +211,9 @@ uint16_t toon_lijst() {
         NOMEM("voorverd", 3);
     v->lijst = lijst.get();
     lijst->vast = 1;
-    lijst->rij = RIJ, lijst->kolom = 1, lijst->breedte = SCHERM.cols, lijst->hoogte = SCHERM.lines - 7;
+    lijst->rij = VVRIJ, lijst->kolom = 1, lijst->breedte = SCHERM.cols, lijst->hoogte = SCHERM.lines - 7;
     snprintf(lijst->titel, sizeof lijst->titel, " %s, %s %ld %-.20s ", TXT(T_VV_VERDELINGEN),
-             TXT(T_VV_MAATSOORT), long{v->maatsoort}, v->soortnaam.c_str());
+             TXT(T_VV_MAATSOORT), long{v->soort.maatsoort}, v->soort.naam.c_str());
     // A short list whole, and the cursor on its row.
     const uint32_t waar = rij_van(v->begin);
     const auto pagina = static_cast<uint32_t>(lijst->hoogte - 5);
@@ -319,21 +231,20 @@ bool onderhoud(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten
         return false;
     }
     Vvlijst hier{};
-    hier.maatsoort = maatsoort;
+    hier.soort = {maatsoort, lijstnaam(MAATSOORTTABEL, {maatsoort, ""}), uitgesloten};
     const bool mag_wijzigen = mag_onderhoud() && dtvvtab && dtvvtab->mode != 0;
     for (const char* a = acties; *a; a++)
         if (mag_wijzigen || *a == 'S')
             hier.acties += *a;
     hier.acties += 'R';
-    hier.soortnaam = lijstnaam(MAATSOORTTABEL, {maatsoort, ""});
-    hier.uitgesloten = uitgesloten;
     hier.passing = passing;
     hier.begin = bekeken[maatsoort];
     Vvlijst* buiten = v;
     v = &hier;
     verzamel();
-    if (hier.regels.empty() && mag(TOEVOEGEN)) {
-        scherm(TOEVOEGEN, 0);
+    if (hier.regels.empty() && hier.acties.find('T') != std::string::npos) {
+        if (const uint16_t nieuw = vv_scherm(hier.soort, Vvkeus::toevoegen, 0))
+            hier.begin = nieuw;
         verzamel();
     } else if (hier.regels.empty()) {
         MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
@@ -356,10 +267,6 @@ bool onderhoud(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten
     return goed;
 }
 
-bool blijft(const uint8_t* uitgesloten, int f) {
-    return uitgesloten && (uitgesloten[f / 8] >> (f % 8) & 1);
-}
-
 } // namespace
 
 bool vv_kiezen(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten, aantalmatrix* tabel) {
@@ -367,7 +274,7 @@ bool vv_kiezen(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten
     if (!onderhoud(maatsoort, acties, uitgesloten, nullptr, &keus))
         return false;
     for (int f = 0; f < firma.filialen; f++)
-        for (int kol = 1; !blijft(uitgesloten, f) && kol <= balk_kolommen(); kol++)
+        for (int kol = 1; !fil_in(uitgesloten, f) && kol <= balk_kolommen(); kol++)
             fmset(tabel, f, balk_maat(kol), matrix_cel(keus, f, balk_maat(kol)));
     return true;
 }

@@ -1,6 +1,8 @@
-// The inside of pre-distributions, shared by their records (voorverd.cpp) and their screens (voorverdlijst.cpp).
+// The inside of pre-distributions, shared by their records (voorverd.cpp), the screen of one (voorverdscherm.cpp) and
+// the list (voorverdlijst.cpp).
 #pragma once
 #include "sub/voorverd.h"
+#include <string>
 #include <vector>
 
 namespace zg {
@@ -17,5 +19,18 @@ void vv_laatlos(uint8_t maatsoort, uint16_t nummer);
 uint16_t vv_grijp_vrije(uint8_t maatsoort);
 // vv_bewaren for the number in hand, which is let go.
 bool vv_vervang(uint8_t maatsoort, uint16_t nummer, const aantalmatrix& tabel);
+
+// Of the list: what can be done, and whose they are.
+enum class Vvkeus { selecteren, wijzigen, toevoegen, verwijderen, raadplegen };
+struct Vvsoort {
+    uint8_t maatsoort;
+    std::string naam;           // of the type
+    const uint8_t* uitgesloten; // branches that are marked; null: none
+};
+inline constexpr int VVRIJ = 4; // of both windows
+
+// One in the grid, on all sizes of the type: looked at, changed, deleted, or added under a free number. The number that
+// it was; 0, which was told, when it could not be had.
+uint16_t vv_scherm(const Vvsoort& soort, Vvkeus wat, uint16_t nummer);
 
 } // namespace zg

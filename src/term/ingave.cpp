@@ -49,13 +49,19 @@ int zichtbreedte() {
     return SCHERM.scroll ? SCHERM.zichtbaar : SCHERM.breedte;
 }
 
+// The text to show: never the first digits of a number that is wider than its field.
+const char* zichttekst() {
+    return SCHERM.numeriek && strlen(ingavetekst) > static_cast<size_t>(SCHERM.breedte) ? "*" : ingavetekst;
+}
+
 // The field as it stands: the text, or nothing of it for a hidden field, and "_" to the width.
 void toon(const Veld& v) {
     char beeld[INGAVEMAX];
     const int w = SCHERM.breedte;
     memset(beeld, '_', sizeof beeld);
     if (!SCHERM.verborgen) {
-        memcpy(beeld, ingavetekst, std::min(strlen(ingavetekst), sizeof beeld));
+        const char* tekst = zichttekst();
+        memcpy(beeld, tekst, std::min(strlen(tekst), sizeof beeld));
         if (VELDSTREEPJES())
             beeld[2] = beeld[5] = '-';
     }
@@ -221,7 +227,7 @@ void vul_rechts() {
 void toon_einde() {
     const int z = zichtbreedte();
     const char* tekst =
-        SCHERM.type == 'D' ? VELDDATUM(static_cast<uint16_t>(round(ingavewaarde))) : ingavetekst;
+        SCHERM.type == 'D' ? VELDDATUM(static_cast<uint16_t>(round(ingavewaarde))) : zichttekst();
     SCRPUT(A_WAARDE, SCHERM.rij, SCHERM.kolom, "%-*.*s", z, z, SCHERM.verborgen ? "" : tekst);
 }
 

@@ -19,7 +19,7 @@ constexpr int OPNIEUW = -2, VERDER = -3;
 struct Rijstand {
     uint32_t masker = 0;
     int vast = -1, leeg = -1;
-    Keuzetekst tekst = nullptr;
+    Keuzetekst tekst = nullptr, kort = nullptr;
     uint16_t* doel = nullptr;
     int minimum = 0, maximum = -1, getalkeuze = -1;
 } rs;
@@ -70,8 +70,12 @@ struct Getal {
 };
 
 struct Rijtekst {
-    std::string letters, lang, kort; // the letters alone; the labels; "&A, &B"
+    std::string letters, lang, kort, kortst; // the letters alone; the labels; the shorter ones; "&A, &B"
 };
+
+void hang_aan(std::string& rij, const std::string& wat) {
+    rij += (rij.empty() ? "" : ", ") + wat;
+}
 
 Rijtekst rijtekst() {
     Rijtekst t;
@@ -79,10 +83,12 @@ Rijtekst rijtekst() {
         const char* l = label(n);
         if (!l)
             continue;
-        t.lang += (t.lang.empty() ? "" : ", ") + std::string(l);
+        const char* k = rs.kort ? rs.kort(n) : nullptr;
+        hang_aan(t.lang, l);
+        hang_aan(t.kort, k ? k : l);
         if (char c = letter(n)) {
             t.letters += c;
-            t.kort += (t.kort.empty() ? "&" : ", &") + std::string(1, c);
+            hang_aan(t.kortst, std::string{'&', c});
         }
     }
     return t;
@@ -106,6 +112,10 @@ int menu(int rij) {
 void KEUZESTART(Keuzetekst tekst) {
     rs = Rijstand{};
     rs.tekst = tekst;
+}
+
+void KEUZEKORT(Keuzetekst tekst) {
+    rs.kort = tekst;
 }
 
 void KEUZEGETAL(int keuze, uint16_t* doel, int minimum, int maximum) {
@@ -142,10 +152,13 @@ int KEUZE(int rij, int kolom) {
     SCRCLREOL(rij, kolom);
     SCRPUT(A_LABEL, rij, kolom, "%s", TXT(T_UW_KEUZE));
     const int veld = kolom + static_cast<int>(strlen(TXT(T_UW_KEUZE))) + 1;
-    const bool past = veld + 1 + static_cast<int>(t.lang.size() - t.letters.size()) < WINBREEDTE();
-    if (!past)
+    auto past = [&](const std::string& labels) {
+        return veld + 1 + static_cast<int>(labels.size() - t.letters.size()) < WINBREEDTE();
+    };
+    const bool lang = past(t.lang);
+    if (!lang)
         TOETSAAN(K_HELP);
-    AMPTEKST(rij, veld + 3, past ? t.lang.c_str() : t.kort.c_str());
+    AMPTEKST(rij, veld + 3, (lang ? t.lang : rs.kort && past(t.kort) ? t.kort : t.kortst).c_str());
 
     const std::string formaat = "1c[" + t.letters + (met_getal() ? "0123456789" : "") + "],UA";
     std::unique_ptr<Instel, void (*)(Instel*)> toetsen(INSTELNEW(0), INSTELDEL);

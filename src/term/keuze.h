@@ -9,6 +9,8 @@ using Keuzetekst = const char* (*)(int keuze);
 
 // Begin a row: nothing enabled, no default, no number range.
 void KEUZESTART(Keuzetekst tekst);
+// Shorter labels, for a row that is too short for the others; where these don't fit either, the letters stand alone.
+void KEUZEKORT(Keuzetekst tekst);
 // A number typed in the row from minimum to maximum is stored in *doel and answers `keuze`.
 void KEUZEGETAL(int keuze, uint16_t* doel, int minimum, int maximum);
 void KEUZEAAN(int n);

@@ -157,7 +157,9 @@ TEST(Regel, NieuweOpgegeven) {
     EXPECT_EQ(p.t.cursor_rij(), 9) << "0 is none\n" << p.t.scherm();
     p.t.toetsen("<Back>10001<Enter>");
     EXPECT_TRUE(p.t.wacht_op(11, 22, "1     Maten")) << "the group's\n" << p.t.scherm();
-    p.t.toetsen("OTekst<Esc><Esc>");
+    p.t.toetsen("S9<Enter>J<Enter>Nieuw<Enter>A<Enter><Esc><Esc>");
+    EXPECT_TRUE(p.t.wacht_op(11, 22, "9     Nieuw")) << "made, and taken\n" << p.t.scherm();
+    p.t.toetsen("S1<Enter>OTekst<Esc><Esc>");
     p.t.wacht(" DESSIN ");
     EXPECT_EQ(p.t.cursor_rij(), 9) << "the colour\n" << p.t.scherm();
     p.t.toetsen("2<Enter>MKATOEN<Enter>C9<Enter><Esc>");
@@ -165,6 +167,16 @@ TEST(Regel, NieuweOpgegeven) {
     p.t.wacht(" PRIJSINFORMATIE ");
     p.t.toetsen("<F6><Enter>33<Enter><F6>J<Enter>");
     EXPECT_EQ(p.t.stuk(4, 58, 1), "2") << p.t.scherm();
+    // At the bars, the toggles and their question; at a date, in a cell, at the choices.
+    for (const char* tot : {"", "SN", "S", "S<Enter>33<Enter><Esc>", "S<Enter>33<Enter><Esc><Enter><Enter>3",
+                            "S<Enter>33<Enter><Esc><Enter><Enter>3<Enter><Esc>"}) {
+        SCOPED_TRACE(tot);
+        p.t.toetsen("T<Esc><Esc>X<Enter><Esc>10001<Enter><Esc><Esc><Esc>2<Enter><Esc>");
+        p.t.wacht("alle maten van deze maatsoort");
+        p.t.toetsen(std::string(tot) + "<F6><Enter><F6>J<Enter>");
+        EXPECT_TRUE(p.t.wacht_op(24, 1, "Uw keuze _  Toevoegen")) << p.t.scherm();
+        EXPECT_EQ(p.t.stuk(4, 58, 1), "2") << p.t.scherm();
+    }
     p.t.toetsen("WDDANDERS<Enter><Esc><Esc>");
     p.uit();
     zg::orddessin oud{}, nieuw{};
@@ -209,6 +221,10 @@ TEST(Regel, Gewijzigd) {
         {"a name holds for all lines of the model", "WMMnaam<Enter><Esc>", "", begin, met(begin, 'M', a, b)},
         {"another size system than the sizes of the lines", "WMR6<Enter><Esc>", "ander maatstelsel", begin,
          begin},
+        {"the size system of its brand", "WMR<F5><F10>W182<Enter>", "Orderregels met maten", begin, begin,
+         "<Esc><Esc><Esc><Esc><Esc>"},
+        {"and of its supplier", "WLW25172<Enter>", "Orderregels met maten", begin, begin,
+         "<Esc><Esc><Esc>"},
         {"colour and price to the consumer", "WDK1<Enter>C12,50<Enter><Esc>", "", begin,
          met_lijn(begin, record('D', zonder) + record('S', s))},
         {"a price keeps its discount", "WPB20<Enter><Esc>", "",

@@ -84,11 +84,13 @@ std::string van_serie() {
 std::string reeksen() {
     reeksrij rij{};
     int64_t som = 0;
+    uint8_t getoond[MAATBYTES];
+    balk_maten(getoond);
     if (dobbel(2)) {
         if (!reeks_kiezen(maatbalk->soort, dobbel(4) ? "SWTV" : "S", nullptr, &rij))
             return "";
         for (int m = 1; m <= MATEN; m++) {
-            if (rij[static_cast<size_t>(m)] < 0 || (rij[static_cast<size_t>(m)] && !balk_kolom(m)))
+            if (rij[static_cast<size_t>(m)] < 0 || (rij[static_cast<size_t>(m)] && !maat_in(getoond, m)))
                 return "a run beside the bar";
             som += rij[static_cast<size_t>(m)];
         }

@@ -178,12 +178,21 @@ const char* keuzelabel(int n) {
 }
 } // namespace
 
-// Five labels fit; all of them don't: letters only, and a list on F1.
+const char* korte_keuze(int n) {
+    static char kort[8];
+    const char* lang = keuzelabel(n);
+    snprintf(kort, sizeof kort, "%.4s", lang ? strchr(lang, '&') : "");
+    return lang ? kort : nullptr;
+}
+
+// Five labels fit; all of them don't: shorter ones, else letters only, and a list on F1.
 TEST(Keuze, Rij) {
     struct {
         uint32_t masker;
         const char *keys, *uit;
+        bool kort = false;
     } const gevallen[] = {
+        {0x4F, "w", "3 10", true},    {~0u, "<F1><Enter>", "2 10", true},
         {0x4F, "<Enter>", "2 10"}, // the default
         {0x4F, "w", "3 10"},       // small letters will do, and no ENTER is needed
         {0x4F, "xqbv", "6 10"},    // letters that are not there or disabled are refused
@@ -200,15 +209,19 @@ TEST(Keuze, Rij) {
                 if (g.masker >> n & 1)
                     KEUZEAAN(n);
             KEUZEVAST(2);
+            if (g.kort)
+                KEUZEKORT(korte_keuze);
             TOETSAAN(K_PGDN);
             TOETSAAN(K_CANCEL);
             int n = KEUZE(24, 2);
             return vorm("%d %d", n, SCHERM.laatste);
         });
-        const bool kort = g.masker == ~0u;
-        EXPECT_EQ(t.regel(24), kort ? " Uw keuze M  T, R, M, W, B, D, V, X, Z, A, Q"
-                                    : " Uw keuze M  Toevoegen, Raadplegen, Matrix, Wijzigen, Verwijderen");
-        EXPECT_TRUE(kort ? t.cel(24, 14).vet : t.cel(24, 14).voor != t.cel(24, 15).voor);
+        const bool alle = g.masker == ~0u;
+        EXPECT_EQ(t.regel(24), alle && g.kort
+                                   ? " Uw keuze M  Toe, Raa, Mat, Wij, Bij, Dup, Ver, Xpo, Zoe, All, Qua"
+                               : alle ? " Uw keuze M  T, R, M, W, B, D, V, X, Z, A, Q"
+                                      : " Uw keuze M  Toevoegen, Raadplegen, Matrix, Wijzigen, Verwijderen");
+        EXPECT_TRUE(alle && !g.kort ? t.cel(24, 14).vet : t.cel(24, 14).voor != t.cel(24, 15).voor);
         t.toetsen(g.keys);
         EXPECT_EQ(t.antwoord(), g.uit);
     }

@@ -169,7 +169,7 @@ TEST(VeldIngave, Getallen) {
         weigert("2d", "5", "7<Enter>", "<7> Alleen 10 t/m 20 mogelijk", "7_", 10, 20),
         weigert("5.2f", "0", "1.5<Enter>", "<1.5> Alleen 2.00 t/m 3.50 mogelijk", nullptr, 2, 3.5),
         weigert("4u", "0", "<F11>", "Ongeldige toets", "____"), // composes text only
-        weigert("2u", "65535", "<Enter>", "<65535> Alleen 0 t/m 99 mogelijk", "65"),
+        weigert("2u", "65535", "<Enter>", "<65535> Alleen 0 t/m 99 mogelijk", "*_"),
 
         {"1d", "5", "-", "<Enter>", "5", VERS, K_ENTER, "5", "5",
          "<-> Ongeldige ingave!!  (HELP voor toelichting)"},
