@@ -1,0 +1,393 @@
+// The price file: what stands in both files after a write, periods cut around each other, prices of every day wherever a
+// write is killed or refused, and damage that is told and never written over.
+#include "shared/ioink.h"
+#include "shared/iotab.h"
+#include "shared/woordenboek.h"
+#include "store/ix.h"
+#include "store/rebuild.h"
+#include "support/proces.h"
+#include "support/schrijfstoring.h"
+#include "support/systeem.h"
+#include <set>
+#include <span>
+
+namespace zg {
+namespace {
+
+using test::lees_bestand;
+using test::schrijf_bestand;
+
+constexpr seriesleutel SERIE = {305, 12, 3};
+constexpr uint16_t LEV = 77;
+
+prijsgroepen groepen(int32_t prijs, int aantal = 2) {
+    prijsgroepen uit;
+    for (int i = 0; i < aantal; i++) {
+        prijsgroep g{{}, prijs * 100 + i, prijs * 90 + i};
+        g.maten[i] = 6; // two sizes
+        uit.push_back(g);
+    }
+    return uit;
+}
+
+struct Prijzen : test::Systeem {
+    Prijzen() {
+        DDNEW(20, "DTIPA");
+        schrijf_bestand("DTIPG.TXT", "");
+        ioink_open(2);
+    }
+    ~Prijzen() override { ioink_close(); }
+
+    static prijsset set(int van, int tot) {
+        prijsset s{};
+        s.serie = SERIE;
+        s.setnr = LEV;
+        s.van = static_cast<uint16_t>(van);
+        s.tot = static_cast<uint16_t>(tot);
+        s.koersfactor = 10500;
+        s.soort = 2;
+        VASTIN(s.valuta, "GBP");
+        s.groep = -1;
+        return s;
+    }
+    static bool zet(int van, int tot, int prijs, int aantal = 2) {
+        prijsset s = set(van, tot);
+        return ioink_write(&s, groepen(prijs, aantal));
+    }
+    static void opnieuw() {
+        ioink_close();
+        IXREMOVE("DTIPA");
+        DDNEW(20, "DTIPA");
+        schrijf_bestand("DTIPG.TXT", "");
+        int32_t nr = 9;
+        sysprijs leeg{};
+        iotab('D', &nr, &leeg, SYS_RECORD);
+        ioink_open(2);
+    }
+    static constexpr int EERSTE = 90, LAATSTE = 210;
+    // The price of each day; as runs.
+    static std::vector<int> dagen() {
+        std::vector<int> uit;
+        for (int dag = EERSTE; dag <= LAATSTE; dag++) {
+            prijsset s;
+            prijsgroepen g;
+            const bool gelezen =
+                ioink_find(SERIE, LEV, static_cast<uint16_t>(dag), &s, &g) == Prijsset::gelezen;
+            uit.push_back(gelezen ? g.at(0).bruto / 100 : 0);
+        }
+        return uit;
+    }
+    static std::string tekst(const std::vector<int>& dagen) {
+        std::string uit;
+        for (size_t i = 0; i < dagen.size(); i++)
+            if (i == 0 || dagen[i] != dagen[i - 1])
+                uit += std::to_string(EERSTE + static_cast<int>(i)) + "=" + std::to_string(dagen[i]) + " ";
+        return uit;
+    }
+    // Each record of the groups is in one chain at most, free ones too; the number that nobody has.
+    static int verloren() {
+        std::set<int32_t> gezien;
+        std::string inhoud = lees_bestand("DTIPG.TXT");
+        const auto records = static_cast<int32_t>(inhoud.size() / 40);
+        auto keten = [&](int32_t nr, int32_t einde) {
+            for (; nr != einde && nr != records; memcpy(&nr, inhoud.data() + nr * 40 + 36, 4))
+                if (nr < 0 || nr > records || !gezien.insert(nr).second) {
+                    ADD_FAILURE() << "record " << nr << " twice or outside";
+                    return;
+                }
+        };
+        prijsset s{};
+        s.serie = SERIE;
+        for (char letter = 'F'; ioink_move(letter, &s, 3, 1); letter = 'N')
+            keten(s.groep, -1);
+        sysprijs vrij{};
+        int32_t nr = 9;
+        iotab('R', &nr, &vrij, SYS_RECORD);
+        keten(vrij.vrijkop, vrij.hoogste);
+        return records - static_cast<int>(gezien.size());
+    }
+};
+
+TEST_F(Prijzen, Bytes) {
+    prijsset s = set(100, 65534);
+    ASSERT_TRUE(ioink_write(&s, groepen(10)));
+    const std::string kop("\x31\x01\0\0\x0c\0\x03\0\x4d\0\xfe\xff", 12);
+    EXPECT_EQ(lees_bestand("DTIPA.TXT"),
+              kop + std::string("\x04\x29\0\0\x02\x06\x06\0\0\0\0\0\0\0\0\0\0GBP\x64\0\0\0\0\0\0\0", 28));
+    EXPECT_EQ(
+        lees_bestand("DTIPG.TXT"),
+        kop + std::string("\x06\0\0\0\0\0\0\0\0\0\0\0GBP\x02\x84\x03\0\0\xe8\x03\0\0\x01\0\0\0", 28) + kop +
+            std::string("\0\x06\0\0\0\0\0\0\0\0\0\0GBP\x02\x85\x03\0\0\xe9\x03\0\0\xff\xff\xff\xff", 28));
+    // Three groups in place of the two: those that were free serve last, and go first when a set is deleted.
+    ASSERT_TRUE(ioink_write(&s, groepen(20, 3)));
+    EXPECT_EQ(s.groep, 2);
+    ASSERT_TRUE(ioink_delete(s));
+    EXPECT_EQ(lees_bestand("DTIPG.TXT").substr(3 * 40, 40),
+              std::string(36, '\0') + std::string("\x02\0\0\0", 4));
+    EXPECT_EQ(lees_bestand("DTSYS.TXT").substr(8 * 64, 8), std::string("\x04\0\0\0\x05\0\0\0", 8));
+    EXPECT_EQ(verloren(), 0);
+    EXPECT_FALSE(ioink_write(&s, {})) << "without groups";
+    EXPECT_EQ(tekst(dagen()), "90=0 ");
+}
+
+struct Snede {
+    const char* wat;
+    std::vector<std::array<int, 2>> staan; // prices 1, 2, ...
+    std::array<int, 2> nieuw;              // price 9
+    int vervangt;                          // of those that stand, from 0; -1 new
+    const char* dagen;
+};
+const Snede SNEDEN[] = {
+    {"inside", {{100, 200}}, {120, 150}, -1, "90=0 100=1 120=9 151=1 201=0 "},
+    {"over the ends of two, one whole between",
+     {{100, 130}, {131, 140}, {141, 200}},
+     {120, 150},
+     -1,
+     "90=0 100=1 120=9 151=3 201=0 "},
+    {"in its place, over the next", {{100, 119}, {130, 200}}, {110, 150}, 0, "90=0 110=9 151=2 201=0 "},
+    // From here on they are not disturbed.
+    {"to its end", {{100, 200}}, {150, 200}, -1, "90=0 100=1 150=9 201=0 "},
+    {"from its start", {{100, 200}}, {100, 150}, -1, "90=0 100=9 151=1 201=0 "},
+    {"all of it", {{100, 200}}, {100, 200}, -1, "90=0 100=9 201=0 "},
+    {"over an end", {{100, 130}}, {120, 150}, -1, "90=0 100=1 120=9 151=0 "},
+    {"beside", {{100, 119}, {151, 160}}, {120, 150}, -1, "90=0 100=1 120=9 151=2 161=0 "},
+    {"in place", {{100, 119}, {120, 150}}, {120, 150}, 1, "90=0 100=1 120=9 151=0 "},
+    {"in its place, shorter", {{100, 200}}, {120, 150}, 0, "90=0 120=9 151=0 "},
+    {"one day", {{100, 200}}, {100, 100}, -1, "90=0 100=9 101=1 201=0 "},
+};
+
+// The sets that stand, and the one to write.
+prijsset klaar(const Snede& g) {
+    Prijzen::opnieuw();
+    prijsset uit = Prijzen::set(g.nieuw[0], g.nieuw[1]);
+    for (size_t i = 0; i < g.staan.size(); i++) {
+        prijsset s = Prijzen::set(g.staan[i][0], g.staan[i][1]);
+        EXPECT_TRUE(ioink_write(&s, groepen(static_cast<int>(i) + 1)));
+        if (static_cast<int>(i) == g.vervangt)
+            uit.groep = s.groep;
+    }
+    return uit;
+}
+
+TEST_F(Prijzen, Cut) {
+    for (const Snede& g : SNEDEN) {
+        SCOPED_TRACE(g.wat);
+        prijsset s = klaar(g);
+        EXPECT_TRUE(ioink_write(&s, groepen(9, 3)));
+        EXPECT_EQ(tekst(dagen()), g.dagen);
+        EXPECT_EQ(verloren(), 0);
+    }
+}
+
+TEST_F(Prijzen, Disturbed) {
+    for (const Snede& g : std::span(SNEDEN, 3))
+        for (const bool dood : {false, true})
+            for (int n = 0, klaar_mee = 0; !klaar_mee; n++) {
+                SCOPED_TRACE(std::string(g.wat) + (dood ? ", killed at " : ", refused at ") +
+                             std::to_string(n));
+                ASSERT_LT(n, 200);
+                prijsset s = klaar(g);
+                ASSERT_TRUE(ioink_write(&s, groepen(9, 3)));
+                const auto straks = dagen();
+                s = klaar(g);
+                const auto eerst = dagen();
+                ioink_close();
+                const auto afloop = test::in_proces([&] {
+                    open();
+                    ioink_open(2);
+                    test::echt = SYS.pwrite;
+                    test::over = n;
+                    test::doodgaan = dood;
+                    SYS.pwrite = test::stoor;
+                    const bool goed = ioink_write(&s, groepen(9, 3));
+                    return (goed ? 1 : 0) + (test::over >= 0 ? 2 : 0);
+                });
+                klaar_mee = afloop.status == 3;
+                EXPECT_EQ(afloop.uitvoer.empty(), klaar_mee || dood) << afloop.uitvoer;
+                if (IXCHECK("DTIPA") < 0)
+                    IXBLDIX("DTIPA");
+                ioink_open(2);
+                const auto nu = dagen();
+                for (size_t i = 0; i < nu.size(); i++)
+                    EXPECT_TRUE((nu[i] == eerst[i] && afloop.status != 1 && afloop.status != 3) ||
+                                (nu[i] == straks[i] && afloop.status != 0))
+                        << "day " << EERSTE + static_cast<int>(i) << ": " << nu[i];
+                verloren();
+                // What a kill left is cut like anything else.
+                EXPECT_TRUE(zet(g.nieuw[0], g.nieuw[1], 9));
+                EXPECT_EQ(dagen()[static_cast<size_t>(g.nieuw[0] - EERSTE)], 9);
+                verloren();
+            }
+}
+
+TEST_F(Prijzen, Damage) {
+    struct Schade {
+        const char* wat;
+        int32_t nr, plaats; // 4 bytes of a record of the groups; nr -1: of the set itself
+        int32_t waarde;
+        const char* gemeld;
+    };
+    const Schade schades[] = {
+        {"another series", 1, 0, 306, "uitvoeren (3)\nDTIPG.TXT 1: 305.12.3  77"},
+        {"another set number", 0, 8, 78 + (200 << 16), "uitvoeren (3)\nDTIPG.TXT 0:"},
+        {"in a circle", 1, 36, 0, "uitvoeren (3)\nDTIPG.TXT 1:"},
+        {"past the end", 1, 36, 4000, "uitvoeren (2)\nDTIPG.TXT 4000:"},
+        {"before the start", 0, 36, -7, "uitvoeren (1)\nDTIPG.TXT -7:"},
+        {"into a free record", 1, 36, 2, "uitvoeren (3)\nDTIPG.TXT 2:"},
+        {"too short", 0, 36, -1, "maatbitmaps kloppen niet\nDTIPG.TXT 0:"},
+        {"sizes", 0, 12, 30, "maatbitmaps kloppen niet"},
+        {"no chain", -1, 36, -1, "maatbitmaps kloppen niet"},
+        {"first record", -1, 36, 1 << 30, "uitvoeren (2)"},
+    };
+    for (const auto& s : schades) {
+        SCOPED_TRACE(s.wat);
+        opnieuw();
+        EXPECT_TRUE(zet(100, 200, 5));
+        EXPECT_TRUE(zet(201, 210, 6));
+        prijsset weg = set(300, 300);
+        EXPECT_TRUE(ioink_write(&weg, groepen(7)));
+        EXPECT_TRUE(ioink_delete(weg));
+        ioink_close();
+        const char* bestand = s.nr < 0 ? "DTIPA.TXT" : "DTIPG.TXT";
+        std::string inhoud = lees_bestand(bestand);
+        memcpy(inhoud.data() + std::max(s.nr, 0) * 40 + s.plaats, &s.waarde, 4);
+        schrijf_bestand(bestand, inhoud);
+        const std::string eerst = lees_bestand("DTIPG.TXT") + lees_bestand("DTIPA.TXT");
+        const auto afloop = test::in_proces([&] { // its own process: a set is told of once
+            open();
+            ioink_open(2);
+            prijsset p;
+            prijsgroepen g;
+            int goed = ioink_find(SERIE, LEV, 150, &p, &g) == Prijsset::stuk;
+            const prijsset stuk = p;
+            goed += ioink_find(SERIE, LEV, 150, &p, &g) == Prijsset::stuk;
+            goed += !zet(120, 130, 9);
+            p = set(50, 60);
+            p.groep = stuk.groep;
+            goed += stuk.groep == -1 || !ioink_write(&p, g);
+            goed += !ioink_delete(stuk) && !ioink_deleteall(SERIE);
+            ioink_close();
+            return goed;
+        });
+        EXPECT_EQ(afloop.status, 5) << afloop.uitvoer;
+        EXPECT_NE(afloop.uitvoer.find(s.gemeld), std::string::npos) << afloop.uitvoer;
+        EXPECT_EQ(lees_bestand("DTIPG.TXT") + lees_bestand("DTIPA.TXT"), eerst);
+        ioink_open(2);
+        EXPECT_TRUE(zet(205, 207, 9)) << "beside it";
+        EXPECT_EQ(tekst(dagen()).substr(0, 6), "90=0 2");
+    }
+}
+
+TEST_F(Prijzen, FreeRecordsAndCounters) {
+    struct Stand {
+        const char* wat;
+        int32_t kop, hoogste; // 2, 4 as they are: records 2 and 3 free
+        int32_t nr, volgende; // a record's link made other; -1 none
+        const char* stop;     // null: written behind the end, or in the free ones
+    };
+    const Stand standen[] = {
+        {"zeroed", 0, 0, -1, 0, nullptr},
+        {"behind the file", 1, 1, -1, 0, nullptr},
+        {"far ahead", 1 << 30, 1 << 30, -1, 0, nullptr},
+        {"end far ahead", 3, 1 << 30, -1, 0, nullptr},
+        {"below 0", -5, 4, -1, 0, "a=R,f=%d,r=-5) -> Buiten bestand"},
+        {"outside", 900, 4, -1, 0, "r=900) -> Buiten bestand"},
+        {"a record in use", 1, 4, -1, 0, "r=1) -> Prijzenbestand inconsistent"},
+        {"goes round", 3, 4, 2, 3, "r=3) -> Prijzenbestand inconsistent"},
+        {"goes astray", 3, 4, 2, 0, "r=0) -> Prijzenbestand inconsistent"},
+    };
+    for (const auto& s : standen) {
+        SCOPED_TRACE(s.wat);
+        opnieuw();
+        EXPECT_TRUE(zet(100, 200, 5));
+        prijsset weg = set(300, 300);
+        EXPECT_TRUE(ioink_write(&weg, groepen(7)));
+        EXPECT_TRUE(ioink_delete(weg));
+        ioink_close();
+        int32_t nr = 9;
+        sysprijs vrij{};
+        vrij.vrijkop = s.kop;
+        vrij.hoogste = s.hoogste;
+        iotab('W', &nr, &vrij, SYS_RECORD);
+        std::string inhoud = lees_bestand("DTIPG.TXT");
+        if (s.nr >= 0)
+            memcpy(inhoud.data() + s.nr * 40 + 36, &s.volgende, 4);
+        schrijf_bestand("DTIPG.TXT", inhoud);
+        const auto afloop = test::in_proces([&] {
+            open();
+            ioink_open(2);
+            const bool goed = zet(201, 210, 6, 4);
+            ioink_close();
+            return goed ? 7 : 8;
+        });
+        ioink_open(2);
+        EXPECT_EQ(tekst(dagen()).substr(0, 18), s.stop ? "90=0 100=5 201=0 " : "90=0 100=5 201=6 ")
+            << afloop.uitvoer;
+        if (s.stop) {
+            EXPECT_EQ(afloop.status, 1);
+            EXPECT_NE(afloop.uitvoer.find(strchr(s.stop, 'r')), std::string::npos) << afloop.uitvoer;
+            EXPECT_EQ(lees_bestand("DTIPG.TXT"), inhoud);
+        } else {
+            verloren();
+        }
+    }
+}
+
+TEST_F(Prijzen, TwoPrograms) {
+    EXPECT_TRUE(zet(100, 200, 5));
+    // One that writes keeps others from writing, and readers see old or new prices and no warning meanwhile.
+    test::Agent schrijver([](const std::string& opdracht) {
+        static bool geopend = false;
+        if (!geopend) {
+            open();
+            ioink_close();
+            ioink_open(2);
+            geopend = true;
+        }
+        bool goed = true;
+        for (int i = 0; i < 1000; i++)
+            goed = goed && zet(100 + i % 3, 200, 6 + i % 2, 1 + i % 4);
+        return opdracht + (goed ? " good" : " refused");
+    });
+    testing::internal::CaptureStderr();
+    std::string antwoord = schrijver.vraag("write", 1);
+    bool anders = false;
+    for (int i = 0; i < 4000; i++) {
+        prijsset s;
+        prijsgroepen g;
+        anders = anders || ioink_find(SERIE, LEV, 150, &s, &g) != Prijsset::gelezen;
+        if (i % 400 == 0) {
+            EXPECT_TRUE(zet(180, 181 + i % 3, 8));
+        }
+    }
+    EXPECT_FALSE(anders);
+    if (antwoord == test::Agent::geen_antwoord)
+        antwoord = schrijver.antwoord(60'000);
+    EXPECT_EQ(antwoord, "write good");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(verloren(), 0);
+}
+
+TEST_F(Prijzen, Misuse) {
+    test::verwacht_stop([] { ioink_open(2); }, "ioink: errno=1");
+    test::verwacht_stop(
+        [] {
+            ioink_close();
+            prijsset s{};
+            prijsgroepen g;
+            ioink_read(&s, &g);
+        },
+        "ioink: errno=3");
+    test::verwacht_stop(
+        [] {
+            ioink_close();
+            ioink_open(0);
+            zet(1, 2, 3);
+        },
+        "ioink: errno=6");
+    test::verwacht_stop([] { ioink_ontbreekt("omserie", SERIE, LEV, 42461); },
+                        "omserie: 305.12.3  77  01-04-16 prijsset niet aanwezig");
+}
+
+} // namespace
+} // namespace zg
