@@ -1,0 +1,266 @@
+// The check of labels and codes, see shared/etikeur.h.
+#include "shared/etikeur.h"
+#include "shared/ean.h"
+#include "shared/etibinnen.h"
+#include "shared/iomaat.h"
+#include "shared/iotab.h"
+#include "shared/report.h"
+#include "shared/syscalls.h"
+#include "shared/teksten.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace zg {
+namespace {
+
+constexpr int32_t TELLERS = 4, EANTELLER = 14;
+constexpr char EIGEN[] = "2013"; // codes of the firm's own begin with it
+
+std::string regel(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+std::string regel(const char* fmt, ...) {
+    char tekst[160];
+    va_list lijst;
+    va_start(lijst, fmt);
+    vsnprintf(tekst, sizeof tekst, fmt, lijst);
+    va_end(lijst);
+    return tekst;
+}
+
+std::string naam(const seriesleutel& s) {
+    return regel("%d.%d.%d", s.artikelgroep, s.kleur, s.volgnummer);
+}
+
+void fout(etikeuring* k, const keurmelding& meld, const std::string& tekst) {
+    k->fouten++;
+    meld(tekst);
+}
+
+bool binnen(const etikeuring& k, int32_t nr) {
+    return nr >= 0 && static_cast<size_t>(nr) < k.blokken.size();
+}
+
+etikeuring::blok& bij(etikeuring* k, int32_t nr) {
+    return k->blokken[static_cast<size_t>(nr)];
+}
+
+etikeuring::blok lees_uit(const etiblok& b) {
+    etikeuring::blok uit{};
+    uit.serie = b.serie;
+    uit.volgende = b.volgende;
+    etiket label;
+    for (const auto& plaats : b.plaats) {
+        const uint8_t status = eti_status(plaats);
+        if (status > ETI_CORRECTIE) {
+            uit.slecht++;
+            continue;
+        }
+        uit.per[status]++;
+        eti_uit(plaats, b.serie, 0, &label);
+        uit.buiten +=
+            status != ETI_VRIJ && (label.maat < 1 || label.maat > MATEN || label.filiaal >= firma.filialen);
+    }
+    return uit;
+}
+
+// Free blocks in their order; the chain is whole when it ends at the first block that the file hasn't got.
+std::string loop_vrije(etikeuring* k) {
+    const sysetiket& t = k->tellers;
+    if (t.vrijkop < 0 || t.vrijkop > t.hoogste || t.hoogste > ioeti_hoogste_blok() + 1 ||
+        static_cast<size_t>(t.hoogste) < k->blokken.size())
+        return TXT(T_ETI_TELLERS);
+    for (int32_t nr = t.vrijkop; nr != t.hoogste;) {
+        if (!binnen(*k, nr) || bij(k, nr).waar != Etiblok::los || !zelfde_serie(bij(k, nr).serie, {}))
+            return regel("%s (blok %d)", TXT(T_ETI_VRIJKETEN), nr);
+        bij(k, nr).waar = Etiblok::vrij;
+        nr = bij(k, nr).volgende;
+    }
+    return "";
+}
+
+int32_t tel(const etikeuring& k, Etiblok waar) {
+    return static_cast<int32_t>(
+        std::count_if(k.blokken.begin(), k.blokken.end(), [waar](const auto& b) { return b.waar == waar; }));
+}
+
+uint64_t sleutel(const seriesleutel& s) {
+    uint64_t uit;
+    memcpy(&uit, &s, sizeof uit);
+    return uit;
+}
+
+// A lost block that may still be a series': its chain is damaged, or the block has labels that aren't on order.
+bool hoort_bij(const etikeuring& k, const etikeuring::blok& b) {
+    const auto keten = k.ketens.find(sleutel(b.serie));
+    return b.waar == Etiblok::los &&
+           (b.slecht || (keten != k.ketens.end() && (!keten->second || b.per[ETI_VOORRAAD] ||
+                                                     b.per[ETI_VERKOCHT] || b.per[ETI_CORRECTIE])));
+}
+
+} // namespace
+
+bool etikeur_begin(etikeuring* k) {
+    *k = {};
+    int32_t nr = TELLERS;
+    iotab('R', &nr, &k->tellers, SYS_RECORD);
+    constexpr size_t STUK = 2048;
+    std::vector<etiblok> stuk(STUK);
+    for (int64_t plaats = 0;;) {
+        const ssize_t n = SYSLEES(eti::fd, stuk.data(), STUK * sizeof(etiblok), plaats);
+        if (n < 0)
+            return false;
+        const size_t hele = static_cast<size_t>(n) / sizeof(etiblok);
+        for (size_t i = 0; i < hele; i++)
+            k->blokken.push_back(lees_uit(stuk[i]));
+        if (hele < STUK)
+            return true;
+        plaats += n;
+    }
+}
+
+bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const keurmelding& meld) {
+    *telling = {};
+    std::string reden;
+    int32_t nr = rec.etiketkop;
+    for (; nr != -1 && reden.empty(); nr = bij(k, nr).volgende) {
+        const char* wat = !binnen(*k, nr)                              ? TXT(T_ETI_BUITEN)
+                          : !zelfde_serie(bij(k, nr).serie, rec.serie) ? TXT(T_ETI_NIET_VAN)
+                          : bij(k, nr).waar != Etiblok::los            ? TXT(T_ETI_ROND)
+                                                                       : nullptr;
+        if (wat) {
+            reden = regel("serie %s, blok %d: %s", naam(rec.serie).c_str(), nr, wat);
+            break;
+        }
+        auto& b = bij(k, nr);
+        b.waar = Etiblok::keten;
+        telling->in_nota += b.per[ETI_ORDER];
+        telling->voorraad += b.per[ETI_VOORRAAD];
+        telling->verkopen += b.per[ETI_VERKOCHT];
+        telling->correcties += b.per[ETI_CORRECTIE];
+        if (b.slecht)
+            reden = regel("serie %s, blok %d: %s", naam(rec.serie).c_str(), nr, TXT(T_ETI_STATUS));
+        if (b.buiten)
+            fout(k, meld, regel("serie %s, blok %d: %s", naam(rec.serie).c_str(), nr, TXT(T_ETI_CEL)));
+    }
+    k->labels += telling->in_nota + telling->voorraad + telling->verkopen + telling->correcties;
+    if (!reden.empty())
+        fout(k, meld, reden);
+    if (rec.etiketkop != -1)
+        k->ketens[sleutel(rec.serie)] = reden.empty();
+    return reden.empty();
+}
+
+void etikeur_einde(etikeuring* k, const keurmelding& meld) {
+    const std::string reden = loop_vrije(k);
+    k->vrijketen_heel = reden.empty();
+    if (!reden.empty())
+        fout(k, meld, reden);
+    else if (tel(*k, Etiblok::vrij) != k->tellers.vrij)
+        fout(k, meld, regel(TXT(T_ETI_AANTAL_VRIJ), tel(*k, Etiblok::vrij), k->tellers.vrij));
+    for (size_t nr = 0; nr < k->blokken.size(); nr++) {
+        const auto& b = k->blokken[nr];
+        if (b.waar != Etiblok::los || (!k->vrijketen_heel && zelfde_serie(b.serie, {})))
+            continue; // in its place, or one of the free ones that can't be walked
+        k->verloren++;
+        fout(k, meld, regel(TXT(T_ETI_VERLOREN), static_cast<int>(nr), naam(b.serie).c_str()));
+    }
+}
+
+bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
+    sysetiket t = k->tellers;
+    if (!k->vrijketen_heel) {
+        if (std::any_of(k->blokken.begin(), k->blokken.end(),
+                        [k](const auto& b) { return hoort_bij(*k, b); })) {
+            meld(TXT(T_ETI_NIET_HERSTELD));
+            return false;
+        }
+        // Blocks that were given out and never written lie behind the file: their numbers are left.
+        const auto in_bestand = static_cast<int32_t>(eti::blokken());
+        if (t.hoogste < in_bestand || t.hoogste > ioeti_hoogste_blok() + 1)
+            t.hoogste = in_bestand;
+        t.vrijkop = t.hoogste;
+        for (auto& b : k->blokken)
+            b.waar = b.waar == Etiblok::keten ? b.waar : Etiblok::los;
+    }
+    t.vrij = tel(*k, Etiblok::vrij);
+    int32_t nr = TELLERS;
+    iotab('X', &nr, &k->tellers, SYS_RECORD);
+    bool gelukt = true;
+    for (size_t i = k->blokken.size(); i-- > 0 && gelukt;) {
+        auto& b = k->blokken[i];
+        if (b.waar != Etiblok::los)
+            continue;
+        if (hoort_bij(*k, b)) {
+            meld(regel(TXT(T_ETI_BLIJFT), static_cast<int>(i), naam(b.serie).c_str()));
+            continue;
+        }
+        etiblok leeg{};
+        leeg.volgende = t.vrijkop;
+        gelukt = SYSVERVANG(eti::fd, &leeg, sizeof leeg, eti::begin(static_cast<int32_t>(i)));
+        if (gelukt) {
+            t.vrijkop = static_cast<int32_t>(i);
+            t.vrij++;
+            b.waar = Etiblok::vrij;
+        }
+    }
+    const int errnr = errno;
+    ioeti_vergeet();
+    const bool geteld = iotab('W', &nr, &t, SYS_RECORD) != 0;
+    k->tellers = t;
+    if (!gelukt)
+        SCHRIJFFOUT(eti::BESTAND, errnr);
+    return gelukt && geteld;
+}
+
+int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld) {
+    int64_t fouten = 0;
+    uint32_t hoogste = 0;
+    uint8_t buffer[IXRECMAX + 1] = {};
+    eanrec rec;
+    int er;
+    for (int32_t nr = 0; (er = IXGET(dtean, buffer, nr)) >= 0; nr++) {
+        if (!er)
+            continue;
+        stam_uit(buffer, dtean->h.reclen, &rec);
+        const std::string code = VASTTEKST(rec.code);
+        if (code == "0")
+            continue;
+        const seriesleutel serie = {rec.artikelgroep, rec.kleur, rec.volgnummer};
+        const int staat = rec.soort == 'M' ? heeft(serie, rec.maat) : 1;
+        if (!ean_geldig(code.c_str())) {
+            fouten++;
+            meld(regel("<%s> %s", code.c_str(), TXT(T_EAN_ONGELDIG)));
+        } else if (!code.compare(0, 4, EIGEN)) {
+            hoogste = std::max(hoogste, static_cast<uint32_t>(std::stoul(code.substr(4, 8))));
+        }
+        if (staat > 0)
+            continue;
+        fouten++;
+        meld(regel(staat < 0 ? TXT(T_EAN_SERIE_WEG) : TXT(T_EAN_MAAT_WEG), code.c_str(), naam(serie).c_str(),
+                   rec.maat));
+        if (!herstel || staat >= 0)
+            continue;
+        const int vast = IXREADL(dtean, buffer);
+        if (vast == 1)
+            IXDELETE(dtean, buffer);
+        else if (!vast)
+            IXUNLOCK(dtean, buffer);
+    }
+    systeller teller;
+    int32_t nr = EANTELLER;
+    iotab('R', &nr, &teller, SYS_RECORD);
+    if (static_cast<uint32_t>(teller.laatste) >= hoogste)
+        return fouten;
+    meld(regel(TXT(T_EAN_TELLER), static_cast<uint32_t>(teller.laatste), hoogste));
+    if (herstel) {
+        iotab('X', &nr, &teller, SYS_RECORD);
+        teller.laatste = static_cast<int32_t>(hoogste);
+        iotab('W', &nr, &teller, SYS_RECORD);
+    }
+    return fouten + 1;
+}
+
+} // namespace zg

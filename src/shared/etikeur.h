@@ -1,0 +1,56 @@
+// The check of labels and codes: every block of DTETI.TXT in one place, chain or free, and what the series say of them;
+// codes against their series. It reads only; the repair gives back what nobody has and recounts. Called by the operators'
+// check, which walks the series.
+#pragma once
+#include "shared/ioeti.h"
+#include "shared/sysrec.h"
+#include <functional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace zg {
+
+struct ICB;
+
+using keurmelding = std::function<void(const std::string& regel)>; // one finding, Dutch, with block or series
+
+struct etitelling { // labels of a series by status
+    int32_t in_nota, voorraad, verkopen, correcties;
+};
+
+enum class Etiblok : uint8_t { los, keten, vrij };
+struct etikeuring {
+    struct blok {
+        seriesleutel serie;
+        int32_t volgende;
+        Etiblok waar;
+        uint8_t slecht; // places with a status above 4
+        uint8_t per[5]; // places by status
+        uint8_t buiten; // labels of a size or branch that there isn't
+    };
+    std::vector<blok> blokken;
+    std::unordered_map<uint64_t, bool> ketens; // of the series with one: is it whole?
+    sysetiket tellers;
+    bool vrijketen_heel; // the free chain and its counters agree, but for the count of blocks
+    int64_t labels, fouten, verloren;
+};
+
+// Read file and counters; DTETI.TXT is open. False: it can't be read.
+bool etikeur_begin(etikeuring* k);
+// The chain of a series; *telling are its labels. False: damaged, told.
+bool etikeur_serie(etikeuring* k, const serrec& serie, etitelling* telling, const keurmelding& meld);
+// Behind all series: the free chain, and the blocks that nobody has.
+void etikeur_einde(etikeuring* k, const keurmelding& meld);
+// Give blocks back that nobody has, and count the free ones: only with counters and free chain whole, or else, when no
+// series' chain is damaged, the free chain made anew. The caller keeps everybody out. False: refused or not to be
+// repaired, told.
+bool etikeur_herstel(etikeuring* k, const keurmelding& meld);
+
+// All codes of DTEAN: valid, unique by size, of a series that has the size (`heeft`), below the counter. How many aren't.
+// With `herstel` those of series that are gone are deleted, and a counter that lies behind is moved.
+using keurserie =
+    std::function<int(const seriesleutel& serie, uint8_t maat)>; // 1 has the size, 0 not, -1 no series
+int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld);
+
+} // namespace zg
