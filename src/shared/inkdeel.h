@@ -9,6 +9,7 @@ namespace zg {
 
 inline constexpr int INK_SYSRECORD = 9;
 inline constexpr char INK_GROEPEN[] = "DTIPG.TXT";
+inline constexpr auto INK_RECORD = static_cast<int64_t>(sizeof(prijsgroeprec));
 
 // The two files as they are open.
 struct inkbestand {
@@ -35,6 +36,8 @@ struct inkset {
 };
 // The chain of a set, whole and its own; else what came before the fault, and the record with it.
 Inkfout ink_keten(const prijsset& set, std::vector<inkrecord>* keten, int32_t* waar);
+bool ink_van_set(const prijsgroeprec& rec, const prijsset& set);
+bool ink_leeg(prijsgroeprec rec); // zeros but for its link: a free one
 // A box about a damaged set; not `steeds`: once a set while the program runs.
 void ink_meld(const prijsset& set, Inkfout fout, int32_t waar, bool steeds);
 int64_t ink_records(); // that the file of groups has room for, a cut one too
@@ -56,6 +59,9 @@ public:
     bool schrijf(std::vector<std::vector<inkrecord>*> ketens);
     void terug();                                        // schrijf() never was
     bool geef_vrij(const std::vector<int32_t>& nummers); // in this order to the head of the free chain
+
+    bool opnieuw(const std::vector<int32_t>& nummers); // these, and no others, are the free chain
+    const sysprijs& vrij() const { return vrij_; }
 
 private:
     sysprijs vrij_;

@@ -18,21 +18,10 @@
 namespace zg {
 namespace {
 
-constexpr auto RECORD = static_cast<int64_t>(sizeof(prijsgroeprec));
 constexpr int HALF_WERK = 12; // userstate of a program that met a broken free chain
 
 bool lees(int32_t nr, prijsgroeprec* rec) {
-    return nr >= 0 && SYSLEES(ink.fd, rec, sizeof *rec, nr * RECORD) == RECORD;
-}
-
-bool van_set(const prijsgroeprec& rec, const prijsset& set) {
-    return zelfde_serie(rec.serie, set.serie) && rec.setnr == set.setnr && rec.tot == set.tot;
-}
-
-bool is_vrij(prijsgroeprec rec) {
-    rec.volgende = 0;
-    const auto* bytes = reinterpret_cast<const char*>(&rec);
-    return std::all_of(bytes, bytes + sizeof rec, [](char c) { return c == 0; });
+    return nr >= 0 && SYSLEES(ink.fd, rec, sizeof *rec, nr * INK_RECORD) == INK_RECORD;
 }
 
 void zet_staat(uint8_t staat) {
@@ -49,9 +38,19 @@ void zet_staat(uint8_t staat) {
 
 } // namespace
 
+bool ink_van_set(const prijsgroeprec& rec, const prijsset& set) {
+    return zelfde_serie(rec.serie, set.serie) && rec.setnr == set.setnr && rec.tot == set.tot;
+}
+
+bool ink_leeg(prijsgroeprec rec) {
+    rec.volgende = 0;
+    const auto* bytes = reinterpret_cast<const char*>(&rec);
+    return std::all_of(bytes, bytes + sizeof rec, [](char c) { return c == 0; });
+}
+
 int64_t ink_records() {
     const int64_t bytes = SYSOMVANG(ink.fd);
-    return bytes < 0 ? 0 : (bytes + RECORD - 1) / RECORD;
+    return bytes < 0 ? 0 : (bytes + INK_RECORD - 1) / INK_RECORD;
 }
 
 Inkfout ink_keten(const prijsset& set, std::vector<inkrecord>* keten, int32_t* waar) {
@@ -64,7 +63,7 @@ Inkfout ink_keten(const prijsset& set, std::vector<inkrecord>* keten, int32_t* w
         if (!lees(r.nr, &r.rec))
             return Inkfout::lezen;
         // As many groups as there are sizes at most: a longer walk goes round.
-        if (!van_set(r.rec, set) || keten->size() >= MATEN)
+        if (!ink_van_set(r.rec, set) || keten->size() >= MATEN)
             return Inkfout::andere;
         for (size_t i = 0; i < sizeof maten; i++)
             maten[i] |= r.rec.maten[i];
@@ -113,7 +112,7 @@ bool inkslot::bewaar() {
 }
 
 bool inkslot::zet(int32_t nr, const prijsgroeprec* rec, size_t aantal) {
-    if (SYSVERVANG(ink.fd, rec, aantal * sizeof *rec, nr * RECORD))
+    if (SYSVERVANG(ink.fd, rec, aantal * sizeof *rec, nr * INK_RECORD))
         return true;
     SCHRIJFFOUT(INK_GROEPEN, errno);
     return false;
@@ -134,7 +133,7 @@ bool inkslot::schrijf(std::vector<std::vector<inkrecord>*> ketens) {
             inkrecord oud{vrij_.vrijkop, {}};
             if (oud.nr < 0 || oud.nr >= records || !lees(oud.nr, &oud.rec))
                 stop(oud.nr, TXT(T_INK_BUITEN));
-            if (!is_vrij(oud.rec) || std::ranges::find(genomen_, oud.nr, &inkrecord::nr) != genomen_.end())
+            if (!ink_leeg(oud.rec) || std::ranges::find(genomen_, oud.nr, &inkrecord::nr) != genomen_.end())
                 stop(oud.nr, TXT(T_INK_BESTAND));
             genomen_.push_back(oud);
             r->nr = oud.nr;
@@ -173,7 +172,7 @@ void inkslot::terug() {
     // What can't be put back is lost to the free chain, and nobody has it.
     bool goed = true;
     for (const inkrecord& r : genomen_)
-        goed = SYSSCHRIJFOP(ink.fd, &r.rec, sizeof r.rec, r.nr * RECORD) && goed;
+        goed = SYSSCHRIJFOP(ink.fd, &r.rec, sizeof r.rec, r.nr * INK_RECORD) && goed;
     if (!goed)
         return;
     vrij_ = was_;
@@ -187,14 +186,21 @@ bool inkslot::geef_vrij(const std::vector<int32_t>& nummers) {
     const int64_t records = ink_records();
     if (vrij_.vrijkop == vrij_.hoogste || vrij_.vrijkop == records)
         vrij_.vrijkop = vrij_.hoogste = static_cast<int32_t>(std::min<int64_t>(records, INT32_MAX));
-    for (int32_t nr : nummers) {
+    bool goed = true;
+    for (size_t i = 0; goed && i < nummers.size(); i++) {
         prijsgroeprec leeg{};
         leeg.volgende = vrij_.vrijkop;
-        if (!zet(nr, &leeg, 1))
-            break;
-        vrij_.vrijkop = nr;
+        goed = zet(nummers[i], &leeg, 1);
+        if (goed)
+            vrij_.vrijkop = nummers[i];
     }
-    return bewaar();
+    return bewaar() && goed;
+}
+
+// The chain is out of use while its records change: a kill loses free records, and no set's.
+bool inkslot::opnieuw(const std::vector<int32_t>& nummers) {
+    vrij_.vrijkop = vrij_.hoogste = static_cast<int32_t>(std::min<int64_t>(ink_records(), INT32_MAX));
+    return bewaar() && geef_vrij(nummers);
 }
 
 } // namespace zg

@@ -1,0 +1,150 @@
+// Module ioink: its files held against each other.
+#include "shared/inkcheck.h"
+#include "shared/inkdeel.h"
+#include "shared/iotab.h"
+#include "shared/syscalls.h"
+#include <algorithm>
+
+namespace zg {
+namespace {
+
+enum Bezit : char { NIEMAND, SET, VRIJ };
+
+std::string in_record(int32_t nr, const std::string& wat) {
+    return std::string(INK_GROEPEN) + " record " + std::to_string(nr) + ": " + wat;
+}
+
+std::string naam(const prijsset& s) {
+    return "DTIPA " + std::to_string(s.serie.artikelgroep) + "." + std::to_string(s.serie.kleur) + "." +
+           std::to_string(s.serie.volgnummer) + " set " + std::to_string(s.setnr) + " until " +
+           std::to_string(s.tot) + ": ";
+}
+
+std::string woorden(Inkfout fout, int32_t waar) {
+    switch (fout) {
+    case Inkfout::plaats:
+    case Inkfout::lezen:
+        return "the chain leads to record " + std::to_string(waar) + ", outside " + INK_GROEPEN;
+    case Inkfout::andere:
+        return in_record(waar, "not a group of this set");
+    case Inkfout::maten:
+        return "its sizes aren't those of its groups";
+    case Inkfout::geen:
+        break;
+    }
+    return {};
+}
+
+struct Stand {
+    std::vector<inkkwaal> kwalen;
+    std::vector<Bezit> bezit; // by record
+    inktelling telling = {};
+    std::vector<std::pair<prijsset, int32_t>> stuk; // sets whose chain is damaged, and where
+};
+
+void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
+    prijsset set{}, vorige{};
+    std::vector<inkrecord> keten;
+    for (char letter = 'F'; ioink_move(letter, &set, 0, 1); letter = 'N') {
+        auto kwaal = [&](const std::string& wat) { stand->kwalen.push_back({set.serie, naam(set) + wat}); };
+        int32_t waar;
+        const Inkfout fout = ink_keten(set, &keten, &waar);
+        if (fout != Inkfout::geen) {
+            kwaal(woorden(fout, waar));
+            stand->stuk.push_back({set, waar});
+        }
+        for (const inkrecord& r : keten) {
+            Bezit& b = stand->bezit[static_cast<size_t>(r.nr)];
+            if (b != NIEMAND)
+                kwaal(in_record(r.nr, "is in a second chain"));
+            b = SET;
+        }
+        stand->telling.sets++;
+        stand->telling.groepen += static_cast<int64_t>(keten.size());
+        if (set.van > set.tot)
+            kwaal("begins after its last day");
+        else if (stand->telling.sets > 1 && zelfde_serie(set.serie, vorige.serie) &&
+                 set.setnr == vorige.setnr && set.van <= vorige.tot)
+            kwaal("overlaps the one until " + std::to_string(vorige.tot));
+        if (bij)
+            bij(set);
+        vorige = set;
+    }
+}
+
+void toets_vrij(Stand* stand, const sysprijs& vrij) {
+    const auto records = static_cast<int32_t>(stand->bezit.size());
+    auto kwaal = [&](int32_t nr, const char* wat) {
+        stand->kwalen.push_back({{}, in_record(nr, std::string("free chain ") + wat)});
+    };
+    // Behind the file it may be, after a broken-off write, but not in front of a set's groups.
+    const int32_t laatste = static_cast<int32_t>(
+        std::find(stand->bezit.rbegin(), stand->bezit.rend(), SET).base() - stand->bezit.begin());
+    if (vrij.hoogste > records || vrij.hoogste < laatste)
+        stand->kwalen.push_back({{},
+                                 "DTSYS.TXT system record 9: the end is " + std::to_string(vrij.hoogste) +
+                                     ", " + INK_GROEPEN + " has " + std::to_string(records) + " records"});
+    for (int32_t nr = vrij.vrijkop; nr != vrij.hoogste && nr != records;) {
+        if (nr < 0 || nr > records)
+            return kwaal(nr, "leads outside the file");
+        Bezit& b = stand->bezit[static_cast<size_t>(nr)];
+        if (b != NIEMAND)
+            return kwaal(nr, b == VRIJ ? "goes round" : "leads to a set's group");
+        prijsgroeprec rec{};
+        if (SYSLEES(ink.fd, &rec, sizeof rec, int64_t{nr} * INK_RECORD) != INK_RECORD)
+            return kwaal(nr, "leads to half a record");
+        b = VRIJ;
+        stand->telling.vrij++;
+        if (!ink_leeg(rec))
+            return kwaal(nr, "leads to a record that isn't empty");
+        nr = rec.volgende;
+    }
+}
+
+// Could a record be of a set whose chain is damaged? It bears its name, or the chain breaks there.
+bool van_stukke_set(const Stand& stand, int32_t nr) {
+    prijsgroeprec rec{};
+    if (stand.stuk.empty() || SYSLEES(ink.fd, &rec, sizeof rec, nr * INK_RECORD) <= 0 || ink_leeg(rec))
+        return false;
+    return std::ranges::any_of(stand.stuk,
+                               [&](const auto& s) { return s.second == nr || ink_van_set(rec, s.first); });
+}
+
+Stand neem_op(const std::function<void(const prijsset&)>& bij) {
+    Stand stand;
+    stand.bezit.assign(static_cast<size_t>(std::min<int64_t>(ink_records(), INT32_MAX)), NIEMAND);
+    toets_sets(&stand, bij);
+    return stand;
+}
+
+} // namespace
+
+std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij) {
+    int32_t nr = INK_SYSRECORD;
+    sysprijs vrij{};
+    iotab('X', &nr, &vrij, SYS_RECORD);
+    Stand stand = neem_op(bij);
+    toets_vrij(&stand, vrij);
+    iotab('U', &nr, nullptr, SYS_RECORD);
+    stand.telling.verloren = std::ranges::count(stand.bezit, NIEMAND);
+    *telling = stand.telling;
+    return stand.kwalen;
+}
+
+int64_t ink_herstel() {
+    inkslot slot;
+    Stand stand = neem_op({});
+    toets_vrij(&stand, slot.vrij());
+    std::vector<int32_t> nummers;
+    int64_t terug = 0;
+    for (size_t i = stand.bezit.size(); i-- > 0;) {
+        const auto nr = static_cast<int32_t>(i);
+        if (stand.bezit[i] == SET || van_stukke_set(stand, nr))
+            continue;
+        nummers.push_back(nr);
+        terug += stand.bezit[i] == NIEMAND;
+    }
+    return slot.opnieuw(nummers) ? terug : -1;
+}
+
+} // namespace zg

@@ -1,0 +1,27 @@
+// The check of the price file: every set with its chain, periods that overlap, groups that nobody has, the free chain. It
+// reads only, under the lock of those who write; the repair gives lost groups back. For the operators' check and tests;
+// the price file and DTSYS.TXT are open.
+#pragma once
+#include "shared/registerrec.h"
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zg {
+
+struct inkkwaal {
+    seriesleutel serie; // zeros: of no set
+    std::string tekst;  // "DTIPG.TXT record 12: ..."
+};
+struct inktelling {
+    int64_t sets, groepen, vrij, verloren;
+};
+
+// Empty when sound; groups that nobody has are only counted, since a broken-off write may leave them. `bij` is called with
+// each set in key order, sound or not; may be empty.
+std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij = {});
+// Make the free chain again of all groups that no set has; those that bear the name of a damaged set stay. How many came
+// back that nobody had; -1 when the disk refused, which was told.
+int64_t ink_herstel();
+
+} // namespace zg
