@@ -1,5 +1,5 @@
-// The shared master files that the order program keeps open while it runs, and the records of them that it keeps: DTLEV, DTMAAT, DTMTOM and the
-// rates have their handles in their own modules, the others here.
+// The shared master files that the order program keeps open while it runs, and the records of them that it keeps.
+// DTLEV, DTMAAT, DTMTOM and the rates have their handles in their own modules, the others here.
 #pragma once
 #include "shared/leesstam.h"
 

@@ -19,9 +19,7 @@ constexpr uint8_t PER_MAAT = 4;             // of instel15.optie13: a memory for
 constexpr int64_t STUKKENGRENS = 1LL << 46; // times the sum of 250 weights stays within 64 bits
 
 struct Verdeling {
-    uint16_t merk;
-    uint8_t maatsoort;
-    char model[sizeof(ordmodel::model)];
+    ordmodel model;
     std::vector<int64_t> stukken; // given, by column and branch; per column the sum behind them
     std::vector<int32_t> gewicht; // by branch
     int64_t som;                  // of the weights
@@ -233,12 +231,9 @@ void verdeel_maat(Maatdeling& d) {
 } // namespace
 
 void verdeel_start(const ordmodel& m, const uint8_t* uitgesloten) {
-    if (std::ssize(nu.gewicht) == firma.filialen && nu.merk == m.merk && nu.maatsoort == m.maatsoort &&
-        memcmp(nu.model, m.model, sizeof nu.model) == 0)
+    if (std::ssize(nu.gewicht) == firma.filialen && zelfde_model(nu.model, m))
         return;
-    nu.merk = m.merk;
-    nu.maatsoort = m.maatsoort;
-    memcpy(nu.model, m.model, sizeof nu.model);
+    nu.model = m;
     nu.gewicht.assign(firma.filialen, 0);
     nu.som = 0;
     for (int f = 0; f < firma.filialen && regelgroep.artikelgroep != 0; f++)
@@ -259,14 +254,6 @@ void verdeel_boek(int filiaal, int maat, int64_t aantal) {
         return; // only a damaged file holds so many
     stukken[filiaal] += aantal;
     som += aantal;
-}
-
-int verdeel_beste(int a, int b, int maat) {
-    if (a < 0 || b < 0)
-        return std::max(a, b);
-    toets_start(std::max(a, b), maat);
-    const int64_t* stukken = kolom(maat);
-    return tekort(stukken, static_cast<size_t>(a)) > tekort(stukken, static_cast<size_t>(b)) ? a : b;
 }
 
 void verdeel_herbouw(const orderregel& regel, const ors_ingang* eigen, uint16_t tot) {

@@ -15,8 +15,6 @@ void verdeel_start(const ordmodel& m, const uint8_t* uitgesloten);
 void verdeel_vrij();
 // Book pieces (negative: back) of a size index for a branch. Before a start: INTERNAL 1.
 void verdeel_boek(int filiaal, int maat, int64_t aantal);
-// The one with the greater deficit, b when they are equal. -1 is none, the other is the answer then.
-int verdeel_beste(int a, int b, int maat);
 // The memory of a line's model anew, from what stands: the other lines of the order with its brand, name and size
 // type, and the line's own terms but `tot` (0: all of them count). `eigen` is the line in the work file, null for one
 // that isn't there yet.

@@ -80,9 +80,17 @@ const Balk& balk() {
 
 // ---- the actions
 
-// What was made of a bar, whose slot is held: a bar without sizes is gone.
-void bewaar(int32_t nr, maatbalkrec* rec) {
-    iotab(balk_heeft(rec->maten) ? 'W' : 'D', &nr, rec, SYS_MAATBALK);
+// A bar, whose slot is held, in the toggle grid until it is written, or left behind a refused write: without sizes it
+// is gone. Then it is let go.
+void bewerk(int32_t nr, const Tekst& titel, maatbalkrec* rec) {
+    static maatbalkrec geen;
+    schakel_open(TXT(titel), rec->maten);
+    do
+        schakel_bewerk(rec->maten, nullptr);
+    while (!iotab('w', &nr, balk_heeft(rec->maten) ? rec : &geen, SYS_MAATBALK) &&
+           !JNVRAAG(schakel_vraagrij(), KOLOM, "[-]%s", TXT(T_REC_NIET_VASTLEGGEN)));
+    WINCLOSE();
+    iotab('U', &nr, rec, SYS_MAATBALK);
 }
 
 void voeg_toe() {
@@ -97,10 +105,7 @@ void voeg_toe() {
         iotab('U', &nr, &rec, SYS_MAATBALK);
         return;
     }
-    schakel_open(TXT(T_BALK_W_TOEVOEGEN), rec.maten);
-    schakel_bewerk(rec.maten, nullptr);
-    WINCLOSE();
-    bewaar(nr, &rec);
+    bewerk(nr, T_BALK_W_TOEVOEGEN, &rec);
 }
 
 // The bar under the cursor, held and as it is now; false when it is another's by now.
@@ -114,12 +119,8 @@ bool neem(int32_t* nr, maatbalkrec* rec) {
 void wijzig() {
     int32_t nr = balk().nr;
     maatbalkrec rec;
-    if (!neem(&nr, &rec))
-        return;
-    schakel_open(TXT(T_BALK_W_WIJZIGEN), rec.maten);
-    schakel_bewerk(rec.maten, nullptr);
-    WINCLOSE();
-    bewaar(nr, &rec);
+    if (neem(&nr, &rec))
+        bewerk(nr, T_BALK_W_WIJZIGEN, &rec);
 }
 
 void verwijder() {

@@ -196,21 +196,4 @@ uint16_t vv_grijp_vrije(uint8_t maatsoort) {
     return vast == 1 ? nummer : uint16_t{0};
 }
 
-bool vv_bestaat(uint8_t maatsoort, const uint8_t* maten) {
-    for (const vvrec& rec : lees(maatsoort, 0, 1))
-        for (int maat = 1; maat <= MATEN; maat++)
-            if (rec.aantal[maat] > 0 && maat_in(maten, maat))
-                return true;
-    return false;
-}
-
-bool vv_passend(uint8_t maatsoort, const uint8_t* uitgesloten, int rest, const aantalmatrix& tabel) {
-    const Vvpassing passing{matrix_totalen(tabel), uitgesloten, rest};
-    aantalmatrix proef;
-    for (uint16_t nummer : vv_nummers(maatsoort))
-        if (vv_laden(maatsoort, nummer, &proef, &passing))
-            return true;
-    return false;
-}
-
 } // namespace zg

@@ -21,7 +21,6 @@ bool vv_laden(uint8_t maatsoort, uint16_t nummer, aantalmatrix* tabel, const Vvp
 // The records of that number replaced by the table's: branches with equal rows share one. False when a write was
 // refused (told); the old ones stand then as far as the store can tell.
 bool vv_bewaren(uint8_t maatsoort, uint16_t nummer, const aantalmatrix& tabel);
-bool vv_bestaat(uint8_t maatsoort, const uint8_t* maten);
 
 // Pick one and apply it; acties a part of "SWTVR". False when none was taken. vv_kiezen: to an empty table, with the
 // template's own numbers. vv_verdelen: over the totals that the table has, which stay: what a branch doesn't get goes
@@ -29,7 +28,5 @@ bool vv_bestaat(uint8_t maatsoort, const uint8_t* maten);
 bool vv_kiezen(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten, aantalmatrix* tabel);
 bool vv_verdelen(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten, int rest,
                  aantalmatrix* tabel);
-// Is there one that fits?
-bool vv_passend(uint8_t maatsoort, const uint8_t* uitgesloten, int rest, const aantalmatrix& tabel);
 
 } // namespace zg

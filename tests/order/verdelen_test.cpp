@@ -164,7 +164,7 @@ TEST(Verdelen, tweede_kleur_gaat_verder) {
         EXPECT_EQ(v.verdeel({7}), (std::vector<Getallen>{r.uit}));
         // A further term of the line: the nine of the first count.
         verdeel_herbouw(regel_nu, &eigen, 42020);
-        EXPECT_EQ(verdeel_beste(0, 1, 1), 1);
+        EXPECT_EQ(v.verdeel({1}), (std::vector<Getallen>{{0, 1, 0}}));
         sluit();
     }
 }

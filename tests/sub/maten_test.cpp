@@ -5,6 +5,7 @@
 #include "store/rebuild.h"
 #include "sub/maatsoort.h"
 #include "support/paar.h"
+#include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include <cerrno>
@@ -104,6 +105,34 @@ TEST_F(Maten, Bars) {
         EXPECT_EQ(t.antwoord(), r.uit);
         EXPECT_EQ(balken(), r.na);
     }
+}
+
+// A refused bar can be written again, or left.
+TEST_F(Maten, BarsAtEachWrite) {
+    zet(4, maatbalkrec{1, {0x0A}, {}}, SYS_MAATBALK);
+    auto lijst = [] {
+        begin();
+        balk_open(1, 1, nullptr);
+        uint8_t maten[MAATBYTES] = {};
+        maatbalk_kiezen("STVW", maten);
+    };
+    auto stand = [] {
+        open();
+        return balken();
+    };
+    test::bij_elke_schrijfactie(lijst, "tj\nj\033\033", {}, stand, {"4:1,3 ", "1:1 4:1,3 "});
+    zet(1, maatbalkrec{1, {0x1E}, {}}, SYS_MAATBALK);
+    Gesprek t([&] {
+        begin();
+        test::echt = SYS.pwrite, test::over = 0;
+        SYS.pwrite = test::stoor;
+        lijst();
+        return balken();
+    });
+    t.toetsen("<Down>wn<Esc>");
+    EXPECT_TRUE(t.wacht("schijf vol")) << t.scherm();
+    t.toetsen("<Enter><Enter><Right>n<Esc><Esc>");
+    EXPECT_EQ(t.antwoord(), "1:3,4 4:1,3");
 }
 
 TEST_F(Maten, SizesOfASeries) {

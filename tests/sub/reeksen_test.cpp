@@ -3,6 +3,7 @@
 #include "shared/maatbalk.h"
 #include "sub/reeksen.h"
 #include "support/paar.h"
+#include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 
@@ -128,6 +129,25 @@ TEST_F(Reeksen, StoredRuns) {
         t.toetsen(toetsen);
         EXPECT_EQ(t.antwoord(), uit);
     }
+}
+
+TEST_F(Reeksen, AtEachWrite) {
+    zet_reeks(1, 3, {{1, 1}});
+    auto stand = [] {
+        open();
+        return bewaard(1) + " " + bewaard(2);
+    };
+    struct {
+        const char *toetsen, *na;
+    } const rijen[] = {{"w9\n\033j\n\033", "1=9 -"}, {"t5\n\033\033", "1=1 1=5"}, {"vj\n\033", "- -"}};
+    for (const auto& r : rijen)
+        test::bij_elke_schrijfactie(
+            [] {
+                begin(8);
+                reeksrij rij{};
+                reeks_kiezen(3, "SWTV", nullptr, &rij);
+            },
+            r.toetsen, {}, stand, {"1=1 -", r.na});
 }
 
 TEST_F(Reeksen, OnBranches) {

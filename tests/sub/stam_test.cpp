@@ -434,6 +434,22 @@ TEST_F(Stam, Relation) {
     EXPECT_STREQ(rec<levextrec>("DTLEVEXT", uint16_t{77}).email, "a@b.dk");
 }
 
+// The relation goes before its e-mail address and site: killed in between, these are as they were.
+TEST_F(Stam, RelationAtEachWrite) {
+    bewaar("DTLEVEXT", levextrec{12, "a@b", "", ""});
+    auto stand = [] {
+        return VASTTEKST(rec<levrec>("DTLEV", uint16_t{12}).naam) + " " +
+               VASTTEKST(rec<levextrec>("DTLEVEXT", uint16_t{12}).email);
+    };
+    test::bij_elke_schrijfactie(
+        [] {
+            begin();
+            relatie_scherm(12, REL_LEVERANCIER, Relatiemodus::wijzigen);
+        },
+        "W11Anders\n19c@d\n\033\033", {"DTLEV", "DTLEVEXT"}, stand,
+        {"Mode Centrale a@b", "Anders a@b", "Anders c@d"});
+}
+
 // Of two kinds one goes and the record stays; with the last goes all that hangs from it.
 TEST_F(Stam, RelationDeleted) {
     relatie(12, REL_LEVERANCIER | REL_AGENT, "Mode Centrale");

@@ -2,8 +2,14 @@
 // set, and `over` the writes that go well before it.
 #pragma once
 #include "shared/syscalls.h"
+#include "store/rebuild.h"
+#include "support/terminal.h"
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <gtest/gtest.h>
 
 namespace zg::test {
 
@@ -18,6 +24,53 @@ inline ssize_t stoor(int fd, const void* buf, size_t n, off_t plaats) {
         raise(SIGKILL);
     errno = ENOSPC;
     return -1;
+}
+
+// A screen with its keys typed ahead (ENTER '\n', ESC '\033'), killed at each of its writes in turn and refused each:
+// what `stand` tells of the files is one of `goed` then, the last of them when nothing was disturbed. Pairs are rebuilt
+// where that is needed; every round begins with the files as they are now.
+inline void bij_elke_schrijfactie(const std::function<void()>& scherm, const std::string& toetsen,
+                                  const std::vector<std::string>& paren,
+                                  const std::function<std::string()>& stand,
+                                  const std::vector<std::string>& goed) {
+    std::vector<std::string> bestanden{"DTSYS.TXT"}, inhoud;
+    for (const std::string& p : paren)
+        bestanden.insert(bestanden.end(), {p + ".INX", p + ".TXT"});
+    for (const std::string& b : bestanden)
+        inhoud.push_back(lees_bestand(b));
+    ASSERT_EQ(stand(), goed.front());
+    int gestoord = 0;
+    for (bool dood : {true, false})
+        for (int n = 0, status = 1; status != 0; n++) {
+            SCOPED_TRACE((dood ? "killed at write " : "refused write ") + std::to_string(n));
+            ASSERT_LT(n, 60);
+            Terminal t([&] {
+                SCRINIT();
+                for (size_t i = toetsen.size(); i-- > 0;)
+                    TOETSTERUG(toetsen[i]);
+                echt = SYS.pwrite, over = n, doodgaan = dood;
+                SYS.pwrite = stoor;
+                scherm();
+                SCREXIT();
+                return over < 0 ? 7 : 0;
+            });
+            t.kalm(); // told, and it waits
+            if (t.leeft())
+                t.sein(SIGKILL);
+            status = t.einde();
+            gestoord += status != 0;
+            for (const std::string& p : paren)
+                if (std::vector<std::string> gewist; IXCHECK(p.c_str()) < 0 || dood) {
+                    EXPECT_EQ(IXBLDIX(p.c_str(), &gewist), 1);
+                }
+            const std::string nu = stand();
+            EXPECT_TRUE(status == 0 ? nu == goed.back()
+                                    : std::find(goed.begin(), goed.end(), nu) != goed.end())
+                << status << " " << nu;
+            for (size_t i = 0; i < bestanden.size(); i++)
+                schrijf_bestand(bestanden[i], inhoud[i]);
+        }
+    EXPECT_GE(gestoord, 2);
 }
 
 } // namespace zg::test
