@@ -2,6 +2,7 @@
 #include "price/bedragveld.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
+#include "price/teksten.h"
 #include "term/ingave.h"
 #include <cstdlib>
 #include <string>
@@ -26,9 +27,14 @@ private:
 bool bedrag_veld(int rij, int kolom, const char* formaat, const char* code, int32_t* bedrag) {
     const Decimalen guard(valuta_decimalen(code));
     const size_t breedte = strtoul(formaat, nullptr, 10);
-    std::string f = formaat;
-    if (bedrag_tekst(code, *bedrag).size() > breedte)
+    std::string f = formaat, tekst = bedrag_tekst(code, *bedrag);
+    if (tekst.size() > breedte) {
+        const int uit =
+            static_cast<int>(tekst.size() - breedte); // sticks out of the field, which is at its right
+        SCRPUT(A_WAARDE, rij, kolom - uit, "%*s", uit, "");
+        error("<%s> %s", tekst.c_str(), TXT(T_BEDRAG_PAST_NIET));
         f += "I";
+    }
     const int32_t oud = *bedrag;
     INGAVE(rij, kolom, f.c_str(), bedrag);
     if (TOETSWEG())

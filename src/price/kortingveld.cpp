@@ -4,7 +4,6 @@
 #include "price/teksten.h"
 #include "term/ingave.h"
 #include "term/natl.h"
-#include <cmath>
 
 namespace zg {
 namespace {
@@ -49,8 +48,7 @@ bool bereken(double* procent) {
         totaal = korting_stap(bewerking, totaal, term);
     }
     grenzen();
-    // One that the field doesn't hold has to be typed anew.
-    INGAVE(3, 14, fabs(totaal) < 100 ? "6.2f,EJNPZ" : "6.2f,EJNPZI", &SCHERM.toets[key_cancel], &totaal);
+    INGAVE(3, 14, "6.2f,EJNPZ", &SCHERM.toets[key_cancel], &totaal);
     bool goed = !TOETSWEG();
     WINCLOSE();
     if (goed)

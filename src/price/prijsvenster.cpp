@@ -21,9 +21,9 @@ constexpr int CALCBREED = 50, CALCHOOG = 6, CALCVALUTA = 14, CALCWAARDE = 18, CA
 
 bool hint_staat;
 
-// What was entered last in "Nieuwe korting", below an order's discount and without one.
+// What was entered last in "Nieuwe korting", and the order's discount at that time.
 struct {
-    double bij_order, eronder, zonder;
+    double bij_order, korting;
 } nieuw;
 
 void toon_hint(bool aan) {
@@ -51,8 +51,7 @@ int vensterrij(int hoogte) {
 bool kortingvenster(const char* titel, int kolom, double* korting) {
     const double order = up_context.orderkorting;
     const int hoogte = order > 0 ? 5 : 3, rij = order > 0 ? 2 : 1;
-    WINOPEN1(vensterrij(hoogte), std::clamp(kolom - 13, 1, SCHERM.cols - KORTINGBREED + 1), hoogte,
-             KORTINGBREED);
+    WINOPEN1(vensterrij(hoogte), kolom - 13, hoogte, KORTINGBREED); // moved in where the screen ends
     titel_of_rand(titel);
     auto toon = [](int r, const Tekst& label, double waarde) {
         SCRPUT(A_LABEL, r, 2, "%-14.14s", TXT(label));
@@ -122,11 +121,10 @@ bool regelkorting_venster(const char* titel, int kolom) {
 
 bool nieuwe_korting_venster(const char* titel, int kolom) {
     if (nieuw.bij_order != up_context.orderkorting)
-        nieuw = {up_context.orderkorting, 0, 0};
-    double* bewaard = nieuw.bij_order > 0 ? &nieuw.eronder : &nieuw.zonder;
-    if (!kortingvenster(titel, kolom, bewaard))
+        nieuw = {up_context.orderkorting, 0};
+    if (!kortingvenster(titel, kolom, &nieuw.korting))
         return false;
-    up_context.nieuwe_korting = *bewaard;
+    up_context.nieuwe_korting = nieuw.korting;
     return true;
 }
 

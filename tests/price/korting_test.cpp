@@ -19,6 +19,7 @@ TEST(Korting, VeldEnBerekening) {
         {"10 * 10", "<F10>*10<Enter><Esc><Enter>", 19, " BEREKENEN KORTING "},
         {"10 + 5 * 10", "<F10>+5<Enter>*10<Enter><Esc><Enter>", 23.5, nullptr},
         {"cleared, then 8", "<F10>C8<Enter><Esc><Enter>", 8, nullptr},
+        {"a total out of range is refused", "<F10>+95<Enter><Esc><Enter>50<Enter>", 50, nullptr},
         {"calculation left without taking it", "<F10>+5<Enter><Esc><Esc><Enter>", 10, nullptr},
     };
     for (auto& g : gevallen) {

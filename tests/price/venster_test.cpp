@@ -13,6 +13,7 @@ struct Prijsvenster : test::Systeem {
     Prijsvenster() {
         VASTIN(instel15.valuta, "EUR");
         valuta(3, "EUR", 2, "Euro");
+        valuta(4, "JPY", 0, "Japanse yen");
         valuta_vergeet();
         valuta_decimalen(""); // into memory before the child is made
         up_context = {};
@@ -98,6 +99,7 @@ TEST_F(Prijsvenster, calculation_of_an_advice_price) {
         int32_t inkoop;
         const char *toetsen, *uit; // accepted, price; mode, factor and margin from then on
         const char* beeld;         // on the way
+        const char* thuis = "EUR";
     } const gevallen[] = {
         {Calcmodus::factor, 412, "2,42<Enter>|<Enter>", "1 995; 1 2.42 40", "Calc.pr     EUR      9.97"},
         {Calcmodus::geen, 1000, "50<Enter>24,20<Enter>", "1 2420; 2 1.5 50", nullptr},
@@ -108,7 +110,11 @@ TEST_F(Prijsvenster, calculation_of_an_advice_price) {
          "<TAB>  Calc.marge"},
         // No price comes of it, or one that the field can't hold: neither is taken by ENTER alone.
         {Calcmodus::factor, 1000, "0<Enter><Enter>|9<Enter>", "1 900; 1 0 40", "Ingave verplicht"},
-        {Calcmodus::factor, 9000000, "2<Enter>|<Enter>99999,99<Enter>", "1 9999999; 1 2 40", "180000.00"},
+        {Calcmodus::factor, 9000000, "2<Enter>|<Enter>99999,99<Enter>", "1 9999999; 1 2 40",
+         "<180500.00> Bedrag te groot"},
+        // Without decimals, nor rounding; the next field has two again.
+        {Calcmodus::factor, 412, "2,42<Enter><Esc>|<Enter>998<Enter>", "1 998; 1 2.42 40",
+         "Adv.pr      JPY       997", "JPY"},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.toetsen);
@@ -116,7 +122,8 @@ TEST_F(Prijsvenster, calculation_of_an_advice_price) {
             return in_venster([&] {
                 up_context.calcmodus = g.modus, up_context.calcfactor = 1.5, up_context.calcmarge = 40;
                 int32_t advies = 7;
-                const bool goed = bereken_advies_venster(2, g.inkoop, &advies);
+                VASTIN(instel15.valuta, g.thuis);
+                const bool goed = bereken_advies_venster(2, g.inkoop, &advies) && SCHERM.kpos == 2;
                 return test::vorm("%d %d; %d %g %g", goed, advies, static_cast<int>(up_context.calcmodus),
                                   up_context.calcfactor, up_context.calcmarge);
             });
