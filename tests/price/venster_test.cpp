@@ -111,7 +111,7 @@ TEST_F(Prijsvenster, calculation_of_an_advice_price) {
         // No price comes of it, or one that the field can't hold: neither is taken by ENTER alone.
         {Calcmodus::factor, 1000, "0<Enter><Enter>|9<Enter>", "1 900; 1 0 40", "Ingave verplicht"},
         {Calcmodus::factor, 9000000, "2<Enter>|<Enter>99999,99<Enter>", "1 9999999; 1 2 40",
-         "<180500.00> Bedrag te groot"},
+         "<180005.00> Bedrag te groot"},
         // Without decimals, nor rounding; the next field has two again.
         {Calcmodus::factor, 412, "2,42<Enter><Esc>|<Enter>998<Enter>", "1 998; 1 2.42 40",
          "Adv.pr      JPY       997", "JPY"},
