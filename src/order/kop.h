@@ -15,6 +15,9 @@ bool order_kop(Itemwijze wijze);
 // The rate of the order's currency at the order date into `kop`; 1 for the home currency and without any rate.
 void kop_koers_van_datum();
 
+// Is the receiving location in use, by the firm and the order's kind of message?
+bool kop_met_locatie();
+
 // Between kop.cpp and kopveld.cpp.
 //
 // The items. Their numbers are places in ORDPARM.SYS (kopveld + number) and stand on the screen in this order.

@@ -259,7 +259,7 @@ void bekijk_betaling() {
 // ---- when: which of them there are, and which may be chosen
 
 bool er_is_locatie() {
-    return firma.filialen > 1 && edi_aan() && (kop.edi_soort == EDI_ADMORD || kop.edi_soort == EDI_EANCOM);
+    return firma.filialen > 1 && kop_met_locatie();
 }
 bool er_is_lev_ordernr() {
     return !VASTLEEG(kop.lev_ordernr) && edi_aan() && kop.edi_soort == EDI_ADMORD;
@@ -308,6 +308,10 @@ const Item ITEMS[] = {
 // clang-format on
 
 } // namespace
+
+bool kop_met_locatie() {
+    return edi_aan() && (kop.edi_soort == EDI_ADMORD || kop.edi_soort == EDI_EANCOM);
+}
 
 const Itemscherm KOPSCHERM{&T_KOP_TITEL, 4, 21, 19, 60, 17, KOP_OMSCHRIJVING, kop_rij, ITEMS};
 

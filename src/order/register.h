@@ -46,17 +46,29 @@ bool order_korting(int16_t was);
 bool korting_herstel();
 
 // registeretiket.cpp
+// Under the lock of the series. Is there room for what labels_bij would make, and does each fit? False: told why.
+bool labels_passen(const orderregel& regel, const serrec& serie);
 // Labels as the terms tell: kept, moved, deleted, made; counters and term bounds of *serie. The head of a new chain is
-// written (serie_schrijf) behind the first label; *serie is written by the caller in the end.
+// written (serie_schrijf) behind the first label; *serie is written by the caller in the end. False: damaged or refused,
+// told; the labels are as they were as far as the disk allows, the counters what they are.
 bool labels_bij(orderregel* regel, serrec* serie);
-bool label_wis(orderregel* regel, int* over); // a line's labels on order go; how many its series keeps
-void label_bijwerk(int soort);                // 1 purchase code, 2 receiving location, of all lines
-void label_los(const seriesleutel& serie);    // the number of `kop` out of the labels of its last line
+// A line's labels on order go, under the lock of its series, whose counters in regel->serie the caller writes; how many
+// labels it keeps. False: told, all stand.
+bool label_wis(orderregel* regel, int* over);
+// 1 the header's purchase code, 2 its receiving location into the labels of all lines, behind the write of the header.
+// Takes the lock of each series in turn: none is held behind it. Lines that were skipped are named.
+void label_bijwerk(int soort);
+void label_los(
+    const seriesleutel& serie); // the number of `kop` out of the labels of its last line; takes the lock
+// The header's receiving location for labels of an article group, a branch number; 255 when locations aren't in use.
+uint8_t label_locatie(int32_t artikelgroep);
+void label_zet_locatie(etiket* label, uint8_t locatie);
 // Quantities and terms of regel->serie from its chain; false: damaged (ioeti_schade), nothing is told. *koers is the label
 // that tells the rate of the first purchase: the first on order of this order, else the one with the highest term; status
 // 0 when it has none.
 bool labels_lees(orderregel* regel, etiket* koers);
-void levering_verzet(const orderregel& regel, uint16_t oud_tot, uint16_t van, uint16_t tot); // a term's dates
+// A term's dates in the labels of a line that is registered, under the lock of its series. False: told, all stand.
+bool levering_verzet(const orderregel& regel, uint16_t oud_tot, uint16_t van, uint16_t tot);
 
 // registernummer.cpp: the record of an order number. A number of 0 has none; one that another order has is left alone.
 bool ordnr_bezet(int32_t ordernummer); // for order_nummer: in use

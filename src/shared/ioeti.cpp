@@ -451,6 +451,10 @@ const etischade& ioeti_schade() {
     return schade;
 }
 
+void ioeti_keur_af(int32_t nummer, const char* reden) {
+    beschadigd((nummer - 1) / ETIPLAATSEN, "%s", reden);
+}
+
 void ioeti_schademeld(const seriesleutel& van) {
     char regel[80];
     snprintf(regel, sizeof regel, TXT(T_ETI_SCHADE), BESTAND, van.artikelgroep, van.kleur, van.volgnummer,

@@ -44,12 +44,12 @@ int ioeti_status(char letter, int32_t* nummer, etiket* label, uint8_t status);
 // Null disarms.
 void ioeti_keten(const seriesleutel* serie, int32_t* kop);
 // The same for the length of a block of the program.
-class etiketen {
+class etiketketen {
 public:
-    etiketen(const seriesleutel& serie, int32_t* kop) { ioeti_keten(&serie, kop); }
-    ~etiketen() { ioeti_keten(nullptr, nullptr); }
-    etiketen(const etiketen&) = delete;
-    etiketen& operator=(const etiketen&) = delete;
+    etiketketen(const seriesleutel& serie, int32_t* kop) { ioeti_keten(&serie, kop); }
+    ~etiketketen() { ioeti_keten(nullptr, nullptr); }
+    etiketketen(const etiketketen&) = delete;
+    etiketketen& operator=(const etiketketen&) = delete;
 };
 void ioeti_vergeet(); // forget the block in memory
 void ioeti_heropen(); // the file anew, as others have left it
@@ -68,6 +68,7 @@ struct etischade {
     int32_t blok;
 };
 const etischade& ioeti_schade();
+void ioeti_keur_af(int32_t nummer, const char* reden); // a label that can't be, found by its reader
 void ioeti_schademeld(const seriesleutel& serie); // a box with file, series, block and reason
 
 // All blocks of a series, from its first, to the free ones; *kop becomes -1. False when the walk ended at a block that

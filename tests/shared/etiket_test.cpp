@@ -52,7 +52,7 @@ struct Etiketten : test::Systeem {
 
     // Labels of sizes van..tot behind each other; how many were written.
     int maak(const seriesleutel& s, int van, int tot) {
-        const etiketen keten(s, kop(s));
+        const etiketketen keten(s, kop(s));
         int gelukt = 0;
         for (int maat = van; maat <= tot; maat++) {
             etiket l = order_label(s, maat);
@@ -63,7 +63,7 @@ struct Etiketten : test::Systeem {
     }
     // "number:size ..." along the chain, "!" and the reason when it is damaged.
     std::string keten(const seriesleutel& s) {
-        const etiketen in_hand(s, kop(s));
+        const etiketketen in_hand(s, kop(s));
         std::string uit;
         etiket l;
         int32_t nr = *kop(s);
@@ -73,7 +73,7 @@ struct Etiketten : test::Systeem {
         return er < 0 ? uit + "!" + ioeti_schade().reden : uit;
     }
     void wis(const seriesleutel& s, int32_t weg) {
-        const etiketen in_hand(s, kop(s));
+        const etiketketen in_hand(s, kop(s));
         etiket l;
         int32_t nr = *kop(s);
         for (int er = ioeti('F', &nr, &l); er > 0 && nr != weg; er = ioeti('N', &nr, &l))
@@ -316,7 +316,7 @@ TEST_F(Etiketten, EveryWriteRefusedOrTheLast) {
         {"a free place", [&] { maak(B, 2, 2); }},
         {"a label away",
          [&] {
-             const etiketen in_hand(B, &b);
+             const etiketketen in_hand(B, &b);
              etiket l;
              int32_t nr = b;
              ioeti('F', &nr, &l);
