@@ -32,10 +32,11 @@ const char* balktekst(int kolom) {
 }
 
 void zoek_keus(const prijsgroep_info& groep) {
-    const prijsrij& rij = up_lay.advies_telt ? up_lay.rijen->advies : up_lay.rijen->bruto;
+    const prijsrijen& rijen = *up_lay.rijen;
     keus = {groep.eerste};
     for (mtinfo maat = groep.eerste; mtread(maatbalk, 'N', &maat, 2) == 1;)
-        if (up_aanwezig(rij, maat.maatnr))
+        if (up_aanwezig(rijen.bruto, maat.maatnr) &&
+            (!up_lay.advies_telt || up_aanwezig(rijen.advies, maat.maatnr)))
             keus.push_back(maat);
 }
 

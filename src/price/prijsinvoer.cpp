@@ -134,8 +134,7 @@ void begin_nieuw(prijsrijen* rijen, const uint8_t* maten, bool verkoop) {
     }
     if (!up_korting_past(up_context.regelkorting))
         up_context.regelkorting = 0;
-    if (!up_korting_past(up_context.nieuwe_korting))
-        up_context.nieuwe_korting = 0;
+    up_context.nieuwe_korting = 0; // counts when it has been entered on this screen
 }
 
 // A question that is cancelled is that question's end; the next one follows.
