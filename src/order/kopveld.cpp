@@ -29,6 +29,7 @@ constexpr int NAAMKOLOM = 26;    // currency
 constexpr int TEKSTKOLOM = 24;   // one-digit codes
 constexpr int TEKSTVELD = 35;    // width of the texts' first line
 constexpr uint16_t VLAG_EDI = 4; // of the firm's flags word
+constexpr int16_t KORTING_GEHEEL = -10000;
 enum Edi : uint8_t { EDI_UOBORD = 1, EDI_ADMORD = 2, EDI_EANCOM = 3 };
 
 bool edi_aan() {
@@ -41,11 +42,6 @@ std::string valutacode() {
 
 bool vreemde_valuta() {
     return !VASTLEEG(kop.valuta) && thuisvaluta_anders(valutacode().c_str());
-}
-
-double koers() {
-    uint16_t eenheid = kop.koerseenheid ? kop.koerseenheid : uint16_t{1};
-    return koers_dubbel(static_cast<int32_t>(kop.koers), eenheid);
 }
 
 void zet_koers(double waarde) {
@@ -132,7 +128,7 @@ void toon_valuta(int rij) {
     code_waarde(rij, VALUTATABEL, {0, VASTTEKST(kop.valuta)}, NAAMKOLOM);
 }
 void toon_koers(int rij) {
-    waarde(rij, koers_tekst(valuta_of_thuis(kop.valuta).c_str(), koers()));
+    waarde(rij, koers_tekst(valuta_of_thuis(kop.valuta).c_str(), order_koers()));
 }
 void toon_toeslag(int rij) {
     waarde(rij, opgemaakt("%5.4f", kop.toeslag / 10000.0));
@@ -225,7 +221,7 @@ bool veld_valuta(int rij) {
 bool veld_koers(int rij) {
     if (!vreemde_valuta())
         return false;
-    double oud = koers(), nieuw = oud;
+    double nieuw = order_koers();
     if (!koers_veld(rij, KOPWAARDE, "", valutacode().c_str(), &nieuw))
         return false;
     if (nieuw == 0)
@@ -276,7 +272,8 @@ bool datum_vrij() {
     return vrij();
 }
 bool korting_vrij() {
-    return zonder_regels() || kop.korting == 0;
+    // With 100 % off, stored by others, no price can be computed back.
+    return kop.korting == 0 || (zonder_regels() && kop.korting != KORTING_GEHEEL);
 }
 bool koers_vrij() {
     return vreemde_valuta() && vrij();

@@ -26,7 +26,7 @@ Serie serie_laad(const ors_ingang&, orderregel*, bool) {
     return Serie::niet_beschikbaar;
 }
 void serie_los() {}
-bool serie_bewaar(const orderregel&) {
+bool serie_bewaar(const orderregel&, const prijsrijen&) {
     return true;
 }
 void label_korting(const orderregel&) {}

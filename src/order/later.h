@@ -14,7 +14,8 @@ bool serie_bijbestellen();
 enum class Serie { gelezen, weg, andere, niet_beschikbaar };
 Serie serie_laad(const ors_ingang& ingang, orderregel* regel, bool vergrendel);
 void serie_los(); // give the lock on the series up
-bool serie_bewaar(const orderregel& regel);
+// With the prices that the line had before the change, for its labels.
+bool serie_bewaar(const orderregel& regel, const prijsrijen& oude_prijzen);
 // Can a line go with its labels? Tells why not.
 bool label_kan_weg(const orderregel& regel);
 void label_korting(const orderregel& regel); // a changed order discount into a line's labels

@@ -57,14 +57,20 @@ bool lees_model(regelloop* loop, int32_t plaats) {
     return true;
 }
 
+// What a stored net price reads as.
+int32_t netto_gelezen(int32_t opslag) {
+    return opslag == PRIJS_ONBEKEND ? PRIJS_ONBEKEND : toeslag_erbij(opslag, kop.korting);
+}
+
 uint8_t laad_maat(const ordrauw& r, orderregel* regel) {
     ordmaat s;
     memcpy(&s, r.data + 1, sizeof s);
     if (s.maat < 1 || s.maat > MATEN)
         ord_inconsistent(werk, r.offset, r.tag);
+    maat_aan(regel->opslag.maten, s.maat);
     regel->opslag.bruto[s.maat] = s.bruto;
     regel->opslag.netto[s.maat] = s.netto;
-    up_zet_maat(&regel->prijzen, s.maat, s.bruto, toeslag_erbij(s.netto, kop.korting));
+    up_zet_maat(&regel->prijzen, s.maat, s.bruto, netto_gelezen(s.netto));
     return s.maat;
 }
 
@@ -208,14 +214,19 @@ bool regel_lees(const ors_ingang& ingang, orderregel* regel) {
 }
 
 int32_t regel_bruto_opslag(const orderregel& regel, int maat) {
-    const int32_t was = regel.opslag.bruto[static_cast<size_t>(maat)], p = up_lees(regel.prijzen.bruto, maat);
-    return p == std::max(was, 1) ? was : p;
+    const auto m = static_cast<size_t>(maat);
+    const int32_t was = regel.opslag.bruto[m];
+    if (maat_in(regel.opslag.maten, maat) && regel.prijzen.bruto[m] == std::max(was, 1))
+        return was;
+    return up_lees(regel.prijzen.bruto, maat);
 }
 
 int32_t regel_netto_opslag(const orderregel& regel, int maat) {
-    const int32_t was = regel.opslag.netto[static_cast<size_t>(maat)], p = up_lees(regel.prijzen.netto, maat);
-    if (p == std::max(toeslag_erbij(was, kop.korting), 1))
+    const auto m = static_cast<size_t>(maat);
+    const int32_t was = regel.opslag.netto[m];
+    if (maat_in(regel.opslag.maten, maat) && regel.prijzen.netto[m] == netto_gelezen(was))
         return was;
+    const int32_t p = up_lees(regel.prijzen.netto, maat);
     return p ? toeslag_eraf(p, kop.korting) : 0;
 }
 

@@ -19,6 +19,7 @@ struct regelextra { // an E or B record, kept behind the S of its size
 
 // What the work file holds of the prices, by size index. A price that nobody changed goes back as it was.
 struct regelopslag {
+    uint8_t maten[MAATBYTES];      // sizes that have an S
     prijsrij bruto, netto;         // net without the order's discount
     std::vector<regelextra> extra; // in file order
 };
@@ -64,14 +65,14 @@ struct regelloop {
 };
 void regelloop_begin(regelloop* loop);
 // Load the line at an entry of the index; weights and the term in hand stay cleared. Net prices get the order
-// discount of `kop`, purchase prices are those of up_context. False, with the line cleared, when the work file
+// discount of `kop`, purchase prices are those of up_context; advice prices need the line's bar (order/regelstam.h). False, with the line cleared, when the work file
 // holds no line there. A branch or size outside the firm, a quantity below 0 or a sum that does not fit stops
 // with the "inconsistent, pos." report. In registermodus prices and quantities of a registered line are not read: price
 // file and labels hold the truth (order/register.h).
 bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
 bool regel_lees(const ors_ingang& ingang, orderregel* regel);
 
-// What the S record of a size gets.
+// What the S record of a size gets: as it was stored while nobody changed it, 0 for an unknown price.
 int32_t regel_bruto_opslag(const orderregel& regel, int maat);
 int32_t regel_netto_opslag(const orderregel& regel, int maat);
 

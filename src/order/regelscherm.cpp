@@ -161,14 +161,6 @@ struct Blad {
     }
 };
 
-// Advice prices of the line in hand, by the bar in force; a line without a range has none.
-void laad_advies() {
-    uint8_t blok[ADVIESBLOK];
-    memcpy(blok, regel_nu.dessin.adviesblok, sizeof blok);
-    if (regel_bereikbaar && blok[0])
-        up_advies_laden(&regel_nu.prijzen, regel_nu.dessin.maten, blok);
-}
-
 // The line under the cursor into regel_nu; its totals. regel_bereikbaar tells whether it may be worked on.
 void laad(const ors_ingang* ingang, ordertotalen* totaal) {
     *totaal = {};
@@ -181,7 +173,8 @@ void laad(const ors_ingang* ingang, ordertotalen* totaal) {
     regelstam_lees(&regel_nu);
     regel_bereikbaar =
         regel_balk(regel_nu) && (!registermodus || serie_laad(*ingang, &regel_nu, false) == Serie::gelezen);
-    laad_advies();
+    if (regel_bereikbaar)
+        regel_advies(&regel_nu);
     // A line that can't be worked on counts all the same, and comes off the totals when it is deleted.
     regel_totaal(regel_nu, totaal);
 }
@@ -194,9 +187,12 @@ void toon_leverancier() {
 }
 
 // An order without a currency counts in the supplier's while it is on the screen; its header keeps what is stored.
-void vul_valuta() {
-    if (VASTLEEG(kop.valuta))
-        memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
+// True when it has just got one.
+bool vul_valuta() {
+    if (!VASTLEEG(kop.valuta))
+        return false;
+    memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
+    return !VASTLEEG(kop.valuta);
 }
 
 // May the cursor's line be worked on? Tells when not.
@@ -285,11 +281,11 @@ void voeg_in(Blad& blad, bool met_model) {
     order_totaal_bij('+', totaal);
     blad.cursor = regelingang.regel;
     if (registermodus)
-        serie_bewaar(regel_nu);
+        serie_bewaar(regel_nu, {});
 }
 
 // The changed line likewise, and its totals over the old ones.
-void bewaar_wijziging(const ordertotalen& oud) {
+void bewaar_wijziging(const ordertotalen& oud, const prijsrijen& oude_prijzen) {
     if (!wrk_regel_vervang(&regelingang, &regel_nu))
         return;
     ordertotalen nieuw;
@@ -297,7 +293,7 @@ void bewaar_wijziging(const ordertotalen& oud) {
     order_totaal_bij('-', oud);
     order_totaal_bij('+', nieuw);
     if (registermodus)
-        serie_bewaar(regel_nu);
+        serie_bewaar(regel_nu, oude_prijzen);
 }
 
 void dupliceer(Blad& blad) {
@@ -337,10 +333,12 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
     case H_RAADPLEGEN:
         order_item(true);
         break;
-    case H_WIJZIGEN:
+    case H_WIJZIGEN: {
+        const prijsrijen oude_prijzen = regel_nu.prijzen;
         if (order_item(false) && regel_bereikbaar)
-            bewaar_wijziging(totaal);
+            bewaar_wijziging(totaal, oude_prijzen);
         break;
+    }
     case H_MATRIX:
         if (aantal_regels > 0)
             order_matrix();
@@ -364,6 +362,7 @@ void order_scherm_los() {
 
 void order_scherm() {
     vul_valuta();
+    up_regelkorting(0); // a line's discount is kept for the next line, not for the next order
     order_totalen(false);
     Blad blad;
     ordertotalen totaal{};
@@ -388,6 +387,11 @@ void order_scherm() {
             continue;
         }
         regelstam_vergeet();
+        // The rate of the day for this action. Another one than that of the screen counts for all lines.
+        if (order_prijscontext()) {
+            order_totalen(false);
+            laad(blad.ingang(), &totaal);
+        }
         if (order_alleen_lezen) {
             doe_item(keus, true);
         } else {
@@ -398,8 +402,8 @@ void order_scherm() {
         }
         blad.vernieuw = true;
         geladen = -1;
-        vul_valuta();
-        order_prijscontext();
+        if (vul_valuta())
+            order_totalen(false);
         order_kopregels();
     }
     SCRCLREOL(MENURIJ, 1);

@@ -32,9 +32,11 @@ std::string regel_bedrag(const std::string& valuta, int64_t waarde, size_t breed
 // Text of a line on the screen, 78 characters from column 2, whatever the amounts: `herhaald` when the row above
 // shows the same model.
 const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang);
+// The rate that `kop` holds; 0 is the rate of the day. A unit of 0, stored by others, counts as 1.
+double order_koers();
 // Currency, rate, surcharge and discount of `kop` as the context of prices; a rate of the day is looked up here
-// and nowhere else.
-void order_prijscontext();
+// and nowhere else. True when the rate is another one than it was: lines and totals in hand are to be read again.
+bool order_prijscontext();
 // A line's totals from what was ordered, at its prices; `regels` stays 0.
 void regel_totaal(const orderregel& regel, ordertotalen* totaal);
 void order_totaal_bij(char teken, const ordertotalen& totaal);

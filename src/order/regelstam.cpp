@@ -66,6 +66,12 @@ bool regel_balk(const orderregel& regel) {
     return maatbalk && mtread(maatbalk, 'F', &info, 1) == 1;
 }
 
+void regel_advies(orderregel* regel) {
+    uint8_t blok[ADVIESBLOK]; // loading raises prices in it; what is stored stays
+    memcpy(blok, regel->dessin.adviesblok, sizeof blok);
+    up_advies_laden(&regel->prijzen, regel->dessin.maten, blok);
+}
+
 int regel_magazijn() {
     int index;
     if (regelgroep.artikelgroep == 0 || regelgroep.magazijn == GEEN_MAGAZIJN ||

@@ -19,6 +19,8 @@ uint8_t model_stelsel(const ordmodel& m, const merkrec& merk);
 bool stelsel_in_gebruik(uint16_t merk, uint16_t nummer);
 // Put the line's size type and set of sizes in force (shared/maatbalk.h). False when the type has no sizes.
 bool regel_balk(const orderregel& regel);
+// The line's advice prices from its block, by the bar in force. One without ranges has the least price for every size.
+void regel_advies(orderregel* regel);
 // Branch index of the group's warehouse; -1 when there is none, or no such branch.
 int regel_magazijn();
 // The set of branches that the brand excludes: 32 bytes by branch index.

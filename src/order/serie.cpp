@@ -54,7 +54,13 @@ bool serie_maten_kloppend() {
         memcmp(maten, regel_nu.dessin.maten, MAATBYTES) == 0)
         return false;
     memcpy(regel_nu.dessin.maten, maten, MAATBYTES);
-    regel_balk(regel_nu);
+    prijsrijen& prijzen = regel_nu.prijzen;
+    for (int maat = 1; maat <= MATEN; maat++) // pieces without a price: to be priced
+        if (maat_in(maten, maat) && !up_aanwezig(prijzen.bruto, maat))
+            for (prijsrij* rij : {&prijzen.bruto, &prijzen.netto, &prijzen.inkoop})
+                up_zet(rij, maat, PRIJS_ONBEKEND);
+    if (regel_balk(regel_nu))
+        regel_advies(&regel_nu);
     MELDBOX(MELD_WAARSCHUWING, TXT(T_MATEN_NIET_CORRECT), nullptr, nullptr);
     return true;
 }

@@ -1,140 +1,48 @@
-// The screen PRIJSINFORMATIE: sizes of a line and one gross price for all of them. Net follows by the discount,
-// purchase by currency and rate, the advice price of a new line by the brand's factor.
+// The screen PRIJSINFORMATIE: the sizes of a line, their pieces and their prices by groups of sizes, a page at a time.
+// Prices are entered on the screens of price/prijsinvoer.h, sizes on those of sub/maatsoort.h; what changed is packed
+// into the line here.
 #include "order/aantallen.h"
-#include "order/bestanden.h"
 #include "order/regelscherm.h"
 #include "order/regelstam.h"
 #include "order/serie.h"
 #include "order/teksten.h"
-#include "price/koers.h"
+#include "price/prijsinvoer.h"
+#include "price/prijsscherm.h"
+#include "price/teksten.h"
 #include "shared/maatbalk.h"
 #include "sub/maatsoort.h"
 #include "sub/teksten.h"
 #include "term/ingave.h"
-#include "term/itemscherm.h"
+#include "term/keuze.h"
 #include "term/prompt.h"
-#include <algorithm>
+#include "term/teksten.h"
+#include "term/vast.h"
 #include <cstring>
 
 namespace zg {
 namespace {
 
-enum Prijsitem { PRI_MATEN, PRI_BRUTO, PRI_KORTING, PRI_NETTO, PRI_INKOOP, PRI_ADVIES };
+// What the window is opened for.
+enum class Prijsmodus { nieuw, wijzigen, lezen, duplicaat };
 
-constexpr int HOOGTE = 10, WAARDE = 21, BREED = 57;
-constexpr int MATENRIJ = SERIERIJ + HOOGTE; // window of the set, below that of the prices
+enum Prijskeuze { P_INKOOP, P_ADVIES, P_PRIJZEN, P_MATEN, P_AANTAL };
 
-bool nieuw; // prices are those of a new line: no discount of its own yet, an advice price that follows
+const char* keuzetekst(int k) {
+    static const Tekst* const T[P_AANTAL] = {&T_P_INKOOPPRIJZEN, &T_P_ADVIESPRIJZEN, &T_P_PRIJZEN,
+                                             &T_P_MATEN};
+    return k >= 0 && k < P_AANTAL ? TXT(*T[k]) : nullptr;
+}
+
+constexpr int HOOGTE = 16, HOOGTE_NIEUW = 7; // of a new line the screens of definition stand below it
+constexpr int NAAMRIJ = 1, MAATRIJ = 2, STUKSRIJ = 3, PRIJSRIJ = 4, KEUSRIJ = 14;
+constexpr int KOLOM = 2, MAATKOLOM = 4, CEL = 4, CELLEN = 18;
+constexpr int GROEPKOLOM = 14;
+constexpr int WIJZIGRIJ =
+    SERIERIJ + PRIJSRIJ - 1;                    // screens of change have their labels where this one has them
+constexpr int MATENRIJ = SERIERIJ + HOOGTE - 2; // window of the set
 
 uint8_t* maten() {
     return regel_nu.dessin.maten;
-}
-
-void waarde(int rij, const std::string& tekst) {
-    SCRPUT(A_WAARDE, rij, WAARDE, "%-*.*s", BREED, BREED, tekst.c_str());
-}
-
-// The lowest and highest price of the line's sizes; sizes without one don't count. False: there is none.
-bool grenzen(const prijsrij& rij, int32_t* laagste, int32_t* hoogste) {
-    *laagste = PRIJS_ONBEKEND, *hoogste = 0;
-    for (int maat = 1; maat <= MATEN; maat++) {
-        const int32_t p = maat_in(maten(), maat) ? up_lees(rij, maat) : 0;
-        if (p > 0)
-            *laagste = std::min(*laagste, p), *hoogste = std::max(*hoogste, p);
-    }
-    return *hoogste > 0;
-}
-
-void toon_prijs(int schermrij, const prijsrij& rij, const char* valuta) {
-    int32_t laagste, hoogste;
-    std::string tekst;
-    if (grenzen(rij, &laagste, &hoogste)) {
-        tekst = bedrag_tekst(valuta, laagste);
-        if (hoogste != laagste)
-            tekst += " - " + bedrag_tekst(valuta, hoogste);
-    }
-    waarde(schermrij, tekst);
-}
-
-void toon_bruto(int rij) {
-    toon_prijs(rij, regel_nu.prijzen.bruto, up_context.valuta);
-}
-void toon_netto(int rij) {
-    toon_prijs(rij, regel_nu.prijzen.netto, up_context.valuta);
-}
-void toon_inkoop(int rij) {
-    toon_prijs(rij, regel_nu.prijzen.inkoop, "");
-}
-void toon_advies(int rij) {
-    toon_prijs(rij, regel_nu.prijzen.advies, "");
-}
-
-// The discount of the first price group.
-void toon_korting(int rij) {
-    prijsgroep_info groep{};
-    char tekst[32] = "";
-    if (up_volgende_groep(regel_nu.prijzen, ZICHT_INKOOP, &groep))
-        if (const double korting = up_korting_groep(regel_nu.prijzen, groep); korting != 0)
-            snprintf(tekst, sizeof tekst, "%.2lf%%", korting);
-    waarde(rij, tekst);
-}
-
-void toon_maten(int rij) {
-    std::string tekst;
-    for (int k = 1; k <= balk_kolommen(); k++) {
-        std::string naam = balk_naam(k);
-        naam.erase(naam.find_last_not_of(' ') + 1);
-        if (tekst.size() + naam.size() + 4 > size_t{BREED}) {
-            tekst += " ...";
-            break;
-        }
-        tekst += (k > 1 ? " " : "") + naam;
-    }
-    waarde(rij, tekst);
-}
-
-// What the brand's factor makes of the purchase prices; a factor of 0 leaves a size without an advice price.
-void vul_advies(prijsrijen* prijzen) {
-    up_wis_advies(prijzen);
-    up_btw(regelgroep.btwcode);
-    up_calcfactor_merk(regelmerk.merk, regelmerk.calcfactor);
-    const double factor =
-        up_context.calcmodus == Calcmodus::marge ? up_context.calcmarge : up_context.calcfactor;
-    for (int maat = 1; maat <= MATEN; maat++) {
-        const int32_t inkoop = up_lees(prijzen->inkoop, maat);
-        const int32_t advies = inkoop ? up_bereken_advies(inkoop, up_context.calcmodus, factor, false) : 0;
-        if (advies)
-            up_zet_advies(prijzen, maat, advies);
-    }
-}
-
-// One gross price for all sizes. A size that had prices keeps its discount.
-void vul_bruto(prijsrijen* prijzen, int32_t bruto) {
-    const double orderkorting = up_totaalkorting(up_context.orderkorting, up_context.regelkorting);
-    const prijsrijen oud = *prijzen;
-    up_vul(&prijzen->bruto, maten(), bruto);
-    up_netto_alle(prijzen);
-    prijsgroep_info groep{};
-    while (!nieuw && up_volgende_groep(oud, ZICHT_INKOOP, &groep))
-        // A size that is on file without a price reads as 1.
-        up_netto_groep(prijzen, &groep, groep.bruto > 1 ? up_korting_groep(oud, groep) : orderkorting);
-    up_inkoop_alle(prijzen);
-    if (nieuw)
-        vul_advies(prijzen);
-}
-
-bool veld_bruto(int rij) {
-    int32_t laagste, hoogste;
-    const bool er = grenzen(regel_nu.prijzen.bruto, &laagste, &hoogste), gelijk = er && laagste == hoogste;
-    int32_t prijs = gelijk ? laagste : 0;
-    const int32_t kpos = SCHERM.kpos;
-    SCHERM.kpos = up_context.decimalen; // the amount is in the order's currency
-    const bool anders =
-        INGAVE(rij, WAARDE, gelijk ? "8B,JEP" : "8B,JEPI", &SCHERM.toets[key_cancel], &prijs) != 0;
-    SCHERM.kpos = kpos;
-    if (anders && prijs > 0)
-        vul_bruto(&regel_nu.prijzen, prijs);
-    return anders && prijs > 0;
 }
 
 void met_aantallen(uint8_t* uit) {
@@ -148,102 +56,216 @@ void met_aantallen(uint8_t* uit) {
             maat_aan(uit, maat);
 }
 
-// A size that went, and what is on file for it.
-void vergeet_maat(orderregel* regel, int maat) {
-    regel->opslag.bruto[static_cast<size_t>(maat)] = regel->opslag.netto[static_cast<size_t>(maat)] = 0;
-    std::erase_if(regel->opslag.extra, [&](const regelextra& e) { return e.maat == maat; });
+// ---- the window
+
+void open_venster(int hoogte) {
+    WINOPEN1(SERIERIJ, SERIEKOLOM, hoogte, SERIEBREEDTE);
+    WINBOX(" %s ", TXT(T_P_TITEL));
+    const orddessin& d = regel_nu.dessin;
+    SCRPUT(A_WAARDE, NAAMRIJ, KOLOM, "%-15.15s %-12.12s %-12.12s %s", VASTTEKST(regel_nu.model.model).c_str(),
+           VASTTEKST(d.materiaal).c_str(), VASTTEKST(d.dessin).c_str(), regel_getal(d.kleur, 3).c_str());
 }
 
-bool veld_maten(int) {
+// Sizes of the page with what is ordered of them; signs of more on both sides.
+void toon_maten(const uint8_t* blad) {
+    const int32_t* stuks = matrix_totalen(regel_nu.order_aantallen);
+    SCRCLREOL(MAATRIJ, 1);
+    SCRCLREOL(STUKSRIJ, 1);
+    int cel = 0;
+    bool eerder = false, later = false;
+    for (int k = 1; k <= balk_kolommen(); k++) {
+        const int maat = balk_maat(k);
+        if (!maat_in(blad, maat)) {
+            (cel ? later : eerder) = true;
+            continue;
+        }
+        const int kolom = MAATKOLOM + cel++ * CEL;
+        SCRPUT(A_LABEL, MAATRIJ, kolom, "%*.3s", CEL, balk_naam(k));
+        if (stuks[maat])
+            SCRPUT(A_WAARDE, STUKSRIJ, kolom, "%s", regel_getal(stuks[maat], CEL).c_str());
+    }
+    if (cel && eerder)
+        SCRPUT(A_LABEL, MAATRIJ, KOLOM, "<");
+    if (cel && later)
+        SCRPUT(A_LABEL, MAATRIJ, MAATKOLOM + CELLEN * CEL, ">");
+}
+
+prijszicht zicht() {
+    up_scherm(PRIJSRIJ, KOLOM, GROEPKOLOM, false, false, 0xFF, &regel_nu.prijzen);
+    return up_zicht();
+}
+
+bool er_is_pagina(int pagina) {
+    int eerste;
+    uint8_t blad[MAATBYTES];
+    return up_pagina(regel_nu.prijzen, zicht(), pagina, &eerste, blad);
+}
+
+void toon_pagina(int pagina) {
+    int eerste;
+    uint8_t blad[MAATBYTES];
+    up_pagina(regel_nu.prijzen, zicht(), pagina, &eerste, blad);
+    toon_maten(blad);
+    up_toon_pagina(eerste);
+}
+
+// ---- changes
+
+// A size that went, and what is on file for it.
+void vergeet_maat(regelopslag* opslag, int maat) {
+    maat_uit(opslag->maten, maat);
+    std::erase_if(opslag->extra, [&](const regelextra& e) { return e.maat == maat; });
+}
+
+void wijzig_maten() {
     uint8_t oud[MAATBYTES], vast[MAATBYTES];
     memcpy(oud, maten(), MAATBYTES);
     met_aantallen(vast);
     serie_maten(MATENRIJ, SERIEKOLOM, maten(), vast, nullptr);
-    SCHERM.laatste = K_ENTER;
     if (memcmp(oud, maten(), MAATBYTES) == 0)
-        return false;
+        return;
     up_maten_gewijzigd(&regel_nu.prijzen, oud, maten());
     for (int maat = 1; maat <= MATEN; maat++)
         if (maat_in(oud, maat) && !maat_in(maten(), maat))
-            vergeet_maat(&regel_nu, maat);
-    return true;
+            vergeet_maat(&regel_nu.opslag, maat);
+    // Sizes that came back brought their advice prices.
+    if (up_aantal_verkoopprijzen(regel_nu.prijzen) > MAX_VERKOOPPRIJZEN) {
+        error("%s", TXT(T_MAX_VERKOOPPRIJZEN));
+        up_wijzigen_prijzen(&regel_nu.prijzen, WIJZIGRIJ);
+    }
 }
 
-int prijs_rij(int item) {
-    return item + 1;
+void doe_keuze(int keus) {
+    switch (keus) {
+    case P_INKOOP:
+        return up_wijzigen_inkoop(&regel_nu.prijzen, WIJZIGRIJ);
+    case P_ADVIES:
+        return up_wijzigen_advies(&regel_nu.prijzen, WIJZIGRIJ);
+    case P_PRIJZEN:
+        return up_wijzigen_prijzen(&regel_nu.prijzen, WIJZIGRIJ);
+    default:
+        return wijzig_maten();
+    }
 }
 
-// clang-format off
-const Item ITEMS[] = {
-    {PRI_MATEN,   &T_P_MATEN,   toon_maten,   veld_maten},
-    {PRI_BRUTO,   &T_P_BRUTO,   toon_bruto,   veld_bruto},
-    {PRI_KORTING, &T_P_KORTING, toon_korting},
-    {PRI_NETTO,   &T_P_NETTO,   toon_netto},
-    {PRI_INKOOP,  &T_P_INKOOP,  toon_inkoop},
-    {PRI_ADVIES,  &T_P_ADVIES,  toon_advies},
-};
-// clang-format on
+// The choices until ESC; false when a duplicate was given up.
+bool keuzes(Prijsmodus modus) {
+    for (int pagina = 1;;) {
+        while (pagina > 1 && !er_is_pagina(pagina))
+            pagina--;
+        toon_pagina(pagina);
+        KEUZESTART(keuzetekst);
+        if (modus != Prijsmodus::lezen)
+            for (int k = 0; k < P_AANTAL; k++)
+                KEUZEAAN(k);
+        TOETSAAN(K_CANCEL);
+        if (pagina > 1)
+            TOETSAAN(K_F7);
+        if (er_is_pagina(pagina + 1))
+            TOETSAAN(K_F8);
+        if (modus == Prijsmodus::duplicaat)
+            TOETSAAN(K_F6);
+        const int keus = KEUZE(KEUSRIJ, KOLOM);
+        const int32_t toets = SCHERM.laatste;
+        SCRCLREOL(KEUSRIJ, 1);
+        if (keus >= 0)
+            doe_keuze(keus);
+        else if (toets == K_F7 || toets == K_F8)
+            pagina += toets == K_F8 ? 1 : -1;
+        else if (toets != K_F6)
+            return true;
+        else if (JNVRAAG(KEUSRIJ, KOLOM, "[-]%s", TXT(T_TOEVOEGEN_AFBREKEN)))
+            return false;
+    }
+}
 
-const Itemscherm PRIJSSCHERM{&T_P_TITEL, SERIERIJ,  SERIEKOLOM, HOOGTE, SERIEBREEDTE,
-                             HOOGTE - 2, PRI_MATEN, prijs_rij,  ITEMS};
-const uint8_t VRAAG[] = {0, 1, 0, 0, 0, 0};
-
-// False when it was broken off, or the line's size type has lost its sizes.
-bool prijzen(const Itemverloop& verloop, bool* anders) {
+// The bar of the line, and what its prices are computed with beside the order's. False: its size type has no sizes.
+bool open_prijzen() {
     regelstam_lees(&regel_nu);
     if (!regel_balk(regel_nu)) { // a screen in between may have closed it
         MELDBOX(MELD_WAARSCHUWING, TXT(T_MAAT_GEEN_MATEN), nullptr, nullptr);
         return false;
     }
-    order_prijscontext();
-    up_regelkorting(0);
-    nieuw = verloop.wijze == Itemwijze::nieuw;
-    return itemscherm(PRIJSSCHERM, verloop, anders);
+    up_btw(regelgroep.btwcode);
+    up_calcfactor_merk(regelmerk.merk, regelmerk.calcfactor);
+    return true;
 }
 
-void pak_in() {
-    up_advies_bewaren(regel_nu.prijzen, regel_nu.dessin.adviesblok);
+// Sizes and prices as they are before a change.
+struct Stand {
+    uint8_t maten[MAATBYTES];
+    prijsrijen prijzen;
+};
+Stand stand() {
+    Stand uit{};
+    memcpy(uit.maten, maten(), MAATBYTES);
+    uit.prijzen = regel_nu.prijzen;
+    return uit;
+}
+
+// The advice prices into the line, when one of its sizes has another or its set of sizes is another than in `oud`.
+void pak_in(const Stand& oud) {
+    bool anders = memcmp(oud.maten, maten(), MAATBYTES) != 0;
+    for (int maat = 1; maat <= MATEN; maat++)
+        anders |= maat_in(maten(), maat) && regel_nu.prijzen.advies[static_cast<size_t>(maat)] !=
+                                                oud.prijzen.advies[static_cast<size_t>(maat)];
+    if (anders)
+        up_advies_bewaren(regel_nu.prijzen, regel_nu.dessin.adviesblok);
+}
+
+bool is_anders(const Stand& oud) {
+    const prijsrijen &a = regel_nu.prijzen, &b = oud.prijzen;
+    return a.bruto != b.bruto || a.netto != b.netto || a.advies != b.advies ||
+           memcmp(oud.maten, maten(), MAATBYTES) != 0;
+}
+
+// False when it was given up, or can't be shown. *anders: the line changed.
+bool prijzen(Prijsmodus modus, bool* anders) {
+    if (!open_prijzen())
+        return false;
+    const Stand oud = stand();
+    const prijslay was; // the layout of the screen below
+    open_venster(HOOGTE);
+    const bool goed = keuzes(modus);
+    WINCLOSE();
+    SCHERM.laatste = K_ENTER;
+    *anders = goed && is_anders(oud);
+    if (*anders)
+        pak_in(oud);
+    return goed;
 }
 
 } // namespace
 
 bool serie_prijzen(bool lezen) {
     bool anders = false;
-    prijzen({lezen ? Itemwijze::lezen : Itemwijze::wijzigen}, &anders);
-    if (anders)
-        pak_in();
+    prijzen(lezen ? Prijsmodus::lezen : Prijsmodus::wijzigen, &anders);
     return anders;
 }
 
 bool serie_prijzen_dup() {
     bool anders = false;
-    if (!prijzen({Itemwijze::wijzigen, nullptr, true}, &anders))
-        return false;
-    if (anders)
-        pak_in();
-    return true;
+    return prijzen(Prijsmodus::duplicaat, &anders);
 }
 
 bool serie_vul_nieuw() {
     regelstam_lees(&regel_nu);
     memset(maten(), 0, MAATBYTES);
+    memset(regel_nu.dessin.adviesblok, 0, ADVIESBLOK);
     regel_nu.prijzen = {};
     regel_nu.opslag = {};
     regel_wis_aantallen(&regel_nu);
-    const ordmodel& m = regel_nu.model;
-    balk_open(model_stelsel(m, regelmerk), m.maatsoort, nullptr);
-    if (balk_kolommen() == 0) {
-        MELDBOX(MELD_WAARSCHUWING, TXT(T_MAAT_GEEN_MATEN), nullptr, nullptr);
+    if (!open_prijzen())
         return false;
-    }
+    balk_kies(nullptr);
     if (!serie_maten(SERIERIJ, SERIEKOLOM, maten(), nullptr, nullptr, true))
         return false;
-    up_vul(&regel_nu.prijzen.bruto, maten(), PRIJS_ONBEKEND);
-    up_vul(&regel_nu.prijzen.netto, maten(), PRIJS_ONBEKEND);
-    bool anders = false;
-    if (!prijzen({Itemwijze::nieuw, VRAAG, true}, &anders))
-        return false;
-    pak_in();
+    const Stand leeg = stand();
+    open_venster(HOOGTE_NIEUW);
+    toon_maten(maten());
+    up_definieren_prijzen(&regel_nu.prijzen, maten());
+    WINCLOSE();
+    pak_in(leeg);
     return aantal_nieuw();
 }
 

@@ -3,19 +3,22 @@
 #include "order/programma.h"
 #include "order/regelscherm.h"
 #include "price/ing_val.h"
-#include "price/koers.h"
+#include <algorithm>
 
 namespace zg {
 
 ordertotalen ordertotaal;
 
-void order_prijscontext() {
+double order_koers() {
+    return kop.koers / (std::max<uint16_t>(kop.koerseenheid, 1) * 10000.0);
+}
+
+bool order_prijscontext() {
+    const double was = up_context.koers;
     const std::string code(kop.valuta, sizeof kop.valuta);
-    up_valuta(
-        code.c_str(),
-        koers_dubbel(static_cast<int32_t>(kop.koers), kop.koerseenheid ? kop.koerseenheid : uint16_t{1}),
-        static_cast<int32_t>(kop.toeslag));
+    up_valuta(code.c_str(), order_koers(), static_cast<int32_t>(std::min<uint32_t>(kop.toeslag, INT32_MAX)));
     up_orderkorting(kop.korting / -100.0);
+    return up_context.koers != was;
 }
 
 void regel_totaal(const orderregel& regel, ordertotalen* totaal) {
