@@ -130,7 +130,7 @@ void wijzig_maten() {
             vergeet_maat(&regel_nu.opslag, maat);
     // Sizes that came back brought their advice prices.
     if (up_aantal_verkoopprijzen(regel_nu.prijzen) > MAX_VERKOOPPRIJZEN) {
-        error("%s", TXT(T_MAX_VERKOOPPRIJZEN));
+        error("%s", TXT(T_UP_TEVEEL_PRIJZEN));
         up_wijzigen_prijzen(&regel_nu.prijzen, WIJZIGRIJ);
     }
 }
