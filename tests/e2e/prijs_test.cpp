@@ -1,0 +1,214 @@
+// Prices of an order in the real program: what its screens show beside sums of the journal's records, what a change
+// leaves in the journal, and what screens make of a journal and of tables that hold anything.
+#include "e2e/handsom.h"
+#include "e2e/loop.h"
+#include "shared/sysrec.h"
+#include "term/gesprek.h"
+#include "term/vast.h"
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+constexpr size_t VALUTA5 = SYS_VALUTA.start + 4 * sizeof(valutarec); // the first free slot
+
+ordkop prijskop(const char* naam, const char* valuta, uint32_t koers, uint16_t eenheid, uint32_t toeslag,
+                int16_t korting) {
+    ordkop k = maak_kop(naam);
+    VASTIN(k.valuta, valuta);
+    k.koers = koers, k.koerseenheid = eenheid, k.toeslag = toeslag, k.korting = korting;
+    return k;
+}
+
+// A model of the first size type with a line for each colour: four sizes at odd prices, with E and B behind them, and
+// pieces in two terms and two branches. `blok` is the line's advice prices.
+std::string regels(int kleuren, const std::string& blok = "", uint16_t merk = 5, int32_t groep = 10001) {
+    ordmodel m{};
+    m.merk = merk;
+    VASTIN(m.model, "JURK");
+    m.maatsoort = 1;
+    m.artikelgroep = groep;
+    std::string uit = record('M', m);
+    for (int kleur = 1; kleur <= kleuren; kleur++) {
+        orddessin d{};
+        VASTIN(d.dessin, "UNI");
+        d.kleur = static_cast<uint16_t>(kleur);
+        d.maten[0] = 0x1E;
+        memcpy(d.adviesblok, blok.data(), blok.size());
+        uit += record('D', d);
+        for (uint8_t maat = 1; maat <= 4; maat++) {
+            uit += record('S', ordmaat{maat, {}, 1999 + 37 * maat * kleur, 1733 + 31 * maat * kleur});
+            if (maat == 2)
+                uit += record('E', ordextra{"extra"}) + record('B', ordextra{"bij"});
+        }
+        for (uint16_t t = 0; t < 2; t++) {
+            uit += record('L', ordlevt{static_cast<uint16_t>(WERKDATUM + t),
+                                       static_cast<uint16_t>(WERKDATUM + 30 + t)});
+            for (uint8_t maat = 1; maat <= 4; maat++)
+                uit += record('F', ordfil{static_cast<uint8_t>(t * 2), maat, 0, maat + 7 * kleur + t});
+        }
+    }
+    return uit;
+}
+
+// Ranges of advice prices as a line has them.
+std::string advies(std::initializer_list<std::pair<int, int32_t>> rangen) {
+    std::string uit(40, '\0');
+    size_t n = 0;
+    for (const auto& [einde, prijs] : rangen) {
+        uit[n] = static_cast<char>(einde);
+        memcpy(&uit[8 + 4 * n++], &prijs, sizeof prijs);
+    }
+    return uit;
+}
+
+std::string bedrag(int64_t b, int decimalen, int breedte) {
+    return decimalen ? vorm("%*ld.%02ld", breedte - 3, static_cast<long>(b / 100), static_cast<long>(b % 100))
+                     : vorm("%*ld", breedte, static_cast<long>(b));
+}
+
+// What stands on the order screen and in the matrix of the cursor's model, and what should.
+std::string op_scherm(Terminal& t, size_t n) {
+    std::string uit = t.stuk(3, 50, 9) + t.stuk(3, 69, 11) + t.stuk(4, 69, 11) + t.stuk(5, 69, 11);
+    for (size_t i = 0; i < n; i++)
+        uit += "\n" + t.stuk(8 + static_cast<int>(i), 64, 5) + t.stuk(8 + static_cast<int>(i), 70, 10);
+    t.toetsen("M1");
+    uit += "\n" + t.stuk(23, 42, 11) + t.stuk(23, 68, 11);
+    t.toetsen("<Esc>");
+    return uit;
+}
+std::string volgens(const Handsom& h, int dec) {
+    std::string uit = vorm("%9ld", static_cast<long>(h.order.stuks)) + bedrag(h.order.bruto, dec, 11) +
+                      bedrag(h.order.netto, dec, 11) + bedrag(h.order.inkoop, 2, 11);
+    for (const Som& s : h.regels)
+        uit += "\n" + vorm("%5ld", static_cast<long>(s.stuks)) + bedrag(s.netto, dec, 10);
+    return uit + "\n" + bedrag(h.order.netto, dec, 11) + bedrag(h.order.inkoop, 2, 11);
+}
+
+} // namespace
+
+// Rate of the day, fixed, typed; surcharge; discount; a currency without decimals: lines, order and matrix add up to the
+// cent, at once and when the order is opened again. What the header changes changes nothing but the header.
+TEST(Prijs, TotalenZijnDieVanHetJournaal) {
+    const struct {
+        const char *wat, *toetsen;
+        ordkop kop;
+        int decimalen;
+    } gevallen[] = {
+        {"pounds at the rate of the day, with surcharge and discount", "",
+         prijskop("a", "GBP", 0, 1, 10500, -250), 2},
+        {"at a fixed rate", "", prijskop("b", "GBP", 13507, 1, 10500, 0), 2},
+        {"typed", "WOK1,36789<Enter><Esc>", prijskop("c", "GBP", 13500, 1, 10500, 0), 2},
+        {"a small one typed", "WOK0,0078913<Enter>T1,0625<Enter><Esc>",
+         prijskop("d", "USD", 9150, 1, 10000, -3333), 2},
+        {"yen", "", prijskop("e", "JPY", 7913, 100, 10500, 0), 0},
+        {"yen with a discount entered", "WOG12,5<Enter><Esc>", prijskop("f", "JPY", 7913, 100, 10500, 0), 0},
+        {"home", "WOG33,33<Enter><Esc>", prijskop("g", "", 10000, 1, 10000, 0), 2},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        Datamap map;
+        const std::string inhoud = regels(3);
+        map.journaal(record('O', g.kop) + inhoud);
+        Programma p(map);
+        p.eerste_order();
+        p.t.toetsen(g.toetsen);
+        const std::string gezien = op_scherm(p.t, 3);
+        p.t.toetsen("<Esc><Enter><Enter>12<Enter><Enter>");
+        const std::string weer = op_scherm(p.t, 3);
+        if (g.toetsen[0] && lichaam<ordkop>(map.journaal(), 0).korting != 0) {
+            const int bellen = p.t.bellen();
+            p.t.toetsen("WOG<Esc>"); // with lines it stays
+            EXPECT_GT(p.t.bellen(), bellen) << p.t.scherm();
+        }
+        p.t.toetsen("<Esc>");
+        p.uit();
+        const std::string jrn = map.journaal();
+        EXPECT_EQ(jrn.substr(121), inhoud);
+        EXPECT_EQ(jrn.substr(0, 121) == record('O', g.kop), !g.toetsen[0]);
+        const std::string hoort = volgens(handsom(jrn, 0, g.decimalen, 12500), g.decimalen);
+        EXPECT_EQ(gezien, hoort);
+        EXPECT_EQ(weer, hoort);
+    }
+}
+
+// Whatever stands in journal and tables: its prices can be looked at in every screen without a change of anything, and a
+// change of a text changes that text alone.
+TEST(Prijs, WatNiemandWijzigdeBlijft) {
+    const ordkop goed = prijskop("goed", "", 10000, 1, 10000, 0);
+    auto met_kop = [&](void (*maak)(ordkop*), const std::string& rest) {
+        ordkop k = goed;
+        maak(&k);
+        return record('O', k) + rest;
+    };
+    auto met_prijs = [&](int32_t bruto, int32_t netto) {
+        std::string uit = regels(1);
+        const size_t s = uit.find(record('S', ordmaat{3, {}, 2110, 1826}));
+        return record('O', goed) + uit.replace(s, 13, record('S', ordmaat{3, {}, bruto, netto}));
+    };
+    const std::string r = regels(1, advies({{2, 4995}, {4, 5995}}));
+    const struct {
+        const char* wat;
+        std::string order;
+    } gevallen[] = {
+        {"discount 2.5", met_kop([](ordkop* k) { k->korting = -250; }, r)},
+        {"discount 33.33, no advice prices", met_kop([](ordkop* k) { k->korting = -3333; }, regels(1))},
+        {"discount of the whole", met_kop([](ordkop* k) { k->korting = -10000; }, r)},
+        {"100 % on top", met_kop([](ordkop* k) { k->korting = 10000; }, r)},
+        {"as much as fits", met_kop([](ordkop* k) { k->korting = 32767; }, r)},
+        {"currency of 1 decimal", met_kop([](ordkop* k) { memcpy(k->valuta, "EEN", 3); }, r)},
+        {"of 7", met_kop([](ordkop* k) { memcpy(k->valuta, "ZEV", 3); }, r)},
+        {"not in the table", met_kop([](ordkop* k) { memcpy(k->valuta, "XXX", 3); }, r)},
+        {"no rate, unit, surcharge", met_kop(
+                                         [](ordkop* k) {
+                                             memcpy(k->valuta, "GBP", 3), k->koers = 0, k->koerseenheid = 0,
+                                                                          k->toeslag = 0;
+                                         },
+                                         r)},
+        {"largest rate and surcharge", met_kop(
+                                           [](ordkop* k) {
+                                               memcpy(k->valuta, "GBP", 3),
+                                                   k->koers = k->toeslag = UINT32_MAX, k->koerseenheid = 1;
+                                           },
+                                           r)},
+        {"unit 0", met_kop([](ordkop* k) { memcpy(k->valuta, "GBP", 3), k->koerseenheid = 0; }, r)},
+        {"VAT code 11 at 6553.5 %, factor below 0", record('O', goed) + regels(1, "", 7, 10002)},
+        {"VAT code 1, factor above 9.999", record('O', goed) + regels(1, "", 8, 10003)},
+        {"ends beyond the bar", record('O', goed) + regels(1, advies({{200, 1}, {96, 2}, {255, 3}}))},
+        {"an end twice", record('O', goed) + regels(1, advies({{2, 100}, {2, 200}, {4, 300}}))},
+        {"out of order, below 0",
+         record('O', goed) + regels(1, advies({{4, -5}, {1, INT32_MIN}, {3, INT32_MAX}}))},
+        {"no end at all", record('O', goed) + regels(1, advies({{0, 100}, {3, 200}}))},
+        {"the mark of an unknown price", met_prijs(INT32_MAX, INT32_MAX)},
+        {"net alone", met_prijs(100, INT32_MAX)},
+        {"0", met_prijs(0, 0)},
+        {"below 0", met_prijs(INT32_MIN, -1)},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        Datamap map;
+        map.sys(VALUTA5, std::string("EEN\1Een", 7));
+        map.sys(VALUTA5 + 36, std::string("ZEV\7Zeven", 9));
+        map.sys(offsetof(sysfirma, btw), std::string("\xFF\xFF", 2));
+        map.journaal(g.order);
+        Programma p(map);
+        p.eerste_order();
+        const std::string regel = p.t.regel(8);
+        p.t.toetsen("WP");
+        p.t.wacht(" PRIJSINFORMATIE ");
+        p.t.toetsen("P<Esc><Esc>I<Esc><Esc>A<Esc><Esc><Esc>");
+        p.t.wacht_op(24, 1, "Uw keuze");
+        EXPECT_EQ(p.t.regel(8), regel) << p.t.scherm();
+        p.t.toetsen("<Esc><Enter><Enter>12<Enter>");
+        EXPECT_TRUE(map.journaal() == g.order) << "looked at";
+        p.t.toetsen("<Enter>WDDANDERS<Enter><Esc>");
+        EXPECT_TRUE(p.t.wacht_op(8, 36, "ANDERS")) << p.t.scherm();
+        p.t.toetsen("<Esc>");
+        p.uit();
+        std::string anders = g.order;
+        const size_t d = anders.find("UNI");
+        anders.replace(d, 6, "ANDERS");
+        EXPECT_TRUE(map.journaal() == anders) << "a text";
+    }
+}
