@@ -8,7 +8,6 @@
 #include "order/teksten.h"
 #include "price/prijsinvoer.h"
 #include "price/prijsscherm.h"
-#include "price/teksten.h"
 #include "shared/maatbalk.h"
 #include "sub/maatsoort.h"
 #include "sub/teksten.h"
@@ -128,11 +127,9 @@ void wijzig_maten() {
     for (int maat = 1; maat <= MATEN; maat++)
         if (maat_in(oud, maat) && !maat_in(maten(), maat))
             vergeet_maat(&regel_nu.opslag, maat);
-    // Sizes that came back brought their advice prices.
-    if (up_aantal_verkoopprijzen(regel_nu.prijzen) > MAX_VERKOOPPRIJZEN) {
-        error("%s", TXT(T_UP_TEVEEL_PRIJZEN));
+    // Sizes that came back brought their advice prices. That screen is only left with as many as a line can have.
+    if (up_aantal_verkoopprijzen(regel_nu.prijzen) > MAX_VERKOOPPRIJZEN)
         up_wijzigen_prijzen(&regel_nu.prijzen, WIJZIGRIJ);
-    }
 }
 
 void doe_keuze(int keus) {
