@@ -28,7 +28,7 @@ struct {
 
 void toon_hint(bool aan) {
     const std::string help = GROOTKOPIE(TXT(T_HELP));
-    TOPHINT(aan ? ("<F1> " + help).c_str() : "");
+    SCRHINT(aan ? ("<F1> " + help).c_str() : "");
     hint_staat = aan;
 }
 

@@ -9,7 +9,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <string>
 
 namespace zg {
 
@@ -17,7 +16,6 @@ namespace {
 
 constexpr int TITELMAX = 40;
 char toptitel[TITELMAX + 1];
-std::string topregel; // what stands on the top row, empty before the first
 
 bool is_sleutel(const void* p) {
     auto* s = static_cast<const int32_t*>(p);
@@ -114,18 +112,8 @@ void TOPREGEL(char soort, const char* fmt, ...) {
         SCRCLREOW(1, 1);
     else
         SCRCLREOL(1, 1);
-    topregel = regel;
     int w = SCHERM.cols - 2;
     SCRPUT(A_KEUS, 1, 1, " %-*.*s ", w, w, regel);
-}
-
-void TOPHINT(const char* tekst) {
-    const int w = SCHERM.cols - 2;
-    std::string rij = topregel;
-    rij.resize(static_cast<size_t>(w), ' ');
-    const size_t n = std::min(strlen(tekst), rij.size());
-    rij.replace(rij.size() - n, n, tekst, n);
-    SCRBASE(topregel.empty() ? A_LABEL : A_KEUS, 1, 1, " %s ", rij.c_str());
 }
 
 void WACHTBOX() {

@@ -37,8 +37,6 @@ void MELDBOX(Meldsoort soort, const char* regel1, const char* regel2, const char
 // Top row of a screen: the title (40 characters, upper case) and behind it a text.
 void TOPTITEL(const char* tekst);
 void TOPREGEL(char soort, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
-// A hint at the right end of the top row, whatever windows are open; an empty text takes it away.
-void TOPHINT(const char* tekst);
 
 void WACHTBOX();
 

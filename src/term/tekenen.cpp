@@ -10,6 +10,7 @@
 #include <ctime>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace zg {
 namespace {
@@ -143,6 +144,22 @@ int SCRBASE(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
     int n = opmaak(fmt, ap);
     va_end(ap);
     return op_basis(attr, rij, kolom, n);
+}
+
+void SCRHINT(const char* hint) {
+    static std::vector<cchar_t> eronder; // with an end
+    if (!SCHERM.bestaat || SCHERM.dicht)
+        return;
+    WINDOW* basis = SCHERM.venster[SCHERM.basis].win;
+    if (!eronder.empty())
+        mvwadd_wchnstr(basis, 0, SCHERM.cols - static_cast<int>(eronder.size()), eronder.data(), -1);
+    const int n = std::min(static_cast<int>(strlen(hint)), SCHERM.cols - 1);
+    eronder.assign(n > 0 ? static_cast<size_t>(n) + 1 : 0, cchar_t{});
+    if (n > 0) {
+        mvwin_wchnstr(basis, 0, SCHERM.cols - 1 - n, eronder.data(), n);
+        SCRBASE(A_KEUS, 1, SCHERM.cols - n, "%.*s", n, hint);
+    }
+    TOONVANAF(SCHERM.basis);
 }
 
 void SCRLIJN(uint32_t attr, int rij, int kolom, Lijnteken teken, int aantal) {
