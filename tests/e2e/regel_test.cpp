@@ -90,20 +90,21 @@ TEST(Regel, VanNietsEnGedupliceerd) {
     p.t.toetsen(
         "Katoen<Enter>Streep<Enter>14<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter>49,95<Enter><Esc>");
     p.t.wacht("alle maten van deze maatsoort");
-    p.t.toetsen("<Down>S<Enter>20<Enter>");
-    EXPECT_TRUE(p.t.wacht_op(12, 22, "60.50 ")) << "two and a half times, with VAT\n" << p.t.scherm();
-    p.t.toetsen("<Esc>");
+    p.t.toetsen("<Down>S<Enter><Enter>20<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(19, 16, "60.50___")) << "two and a half times, with VAT\n" << p.t.scherm();
+    p.t.toetsen("<Enter><Esc>");
     p.t.wacht("Levertermijn");
     p.t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter>");
     p.t.toetsen("D010416<Enter>300416<Enter>A<Esc>"); // a second term with the same pieces
     EXPECT_TRUE(
         p.t.wacht_op(9, 2, "BROU NIEUW           Katoen       Streep           1120  14 D    36     720.00"))
         << p.t.scherm();
-    p.t.toetsen("D<Enter>20<Enter><Esc><Esc>A<Esc>");                      // joins the model, quantities too
-    p.t.toetsen("D<Enter><Enter>Mander<Enter><Esc>B25<Enter><Esc>N<Esc>"); // another name, no quantities
-    p.t.toetsen("D<Enter><Enter>S2<Enter><Esc>");                          // another size type
+    p.t.toetsen("D<Enter>20<Enter><Esc><Esc>A<Esc>"); // joins the model, quantities too
+    p.t.toetsen(
+        "D<Enter><Enter>Mander<Enter><Esc>P<Enter>25<Enter><Enter><Enter><Esc><Esc>N<Esc>"); // another name, no quantities
+    p.t.toetsen("D<Enter><Enter>S2<Enter><Esc>"); // another size type
     p.t.wacht(" Damesmaten ");
-    p.t.toetsen("S<Enter>30<Enter><Esc><Enter><Enter>1<Enter><Esc><Esc>");
+    p.t.toetsen("S<Enter><Enter>30<Enter><Enter><Esc><Enter><Enter>1<Enter><Esc><Esc>");
     EXPECT_TRUE(p.t.wacht_op(4, 58, "5")) << p.t.scherm();
     p.t.toetsen("<Esc><Esc>"); // the menu is next
     p.uit();
@@ -163,13 +164,12 @@ TEST(Regel, NieuweOpgegeven) {
     p.t.wacht(" DESSIN ");
     EXPECT_EQ(p.t.cursor_rij(), 9) << "the colour\n" << p.t.scherm();
     p.t.toetsen("2<Enter>MKATOEN<Enter>C9<Enter><Esc>");
-    p.t.toetsen("S<Enter>");
-    p.t.wacht(" PRIJSINFORMATIE ");
-    p.t.toetsen("<F6><Enter>33<Enter><F6>J<Enter>");
+    p.t.toetsen("<F6>J<Enter>");
     EXPECT_EQ(p.t.stuk(4, 58, 1), "2") << p.t.scherm();
     // At the bars, the toggles and their question; at a date, in a cell, at the choices.
-    for (const char* tot : {"", "SN", "S", "S<Enter>33<Enter><Esc>", "S<Enter>33<Enter><Esc><Enter><Enter>3",
-                            "S<Enter>33<Enter><Esc><Enter><Enter>3<Enter><Esc>"}) {
+    for (const char* tot : {"", "SN", "S", "S<Enter><Enter>33<Enter><Esc><Esc>",
+                            "S<Enter><Enter>33<Enter><Esc><Esc><Enter><Enter>3",
+                            "S<Enter><Enter>33<Enter><Esc><Esc><Enter><Enter>3<Enter><Esc>"}) {
         SCOPED_TRACE(tot);
         p.t.toetsen("T<Esc><Esc>X<Enter><Esc>10001<Enter><Esc><Esc><Esc>2<Enter><Esc>");
         p.t.wacht("alle maten van deze maatsoort");
@@ -205,7 +205,10 @@ TEST(Regel, Gewijzigd) {
     b = a, ander = d2;
     VASTIN(b.model, "NAAM");
     ander.maten[0] = 6;
-    zg::orddessin zonder = d2;
+    zg::orddessin zonder = d2, minder = d2,
+                  meer = ander; // another set of sizes packs the advice prices: the least
+    minder.adviesblok[0] = 1, meer.adviesblok[0] = 2;
+    minder.adviesblok[8] = meer.adviesblok[8] = 1;
     zonder.kleur = 1, zonder.consprijs = 1250;
     const std::string los = met_lijn(begin, record('D', ander) + record('S', s)),
                       kaal = met_lijn(begin, record('D', d2) + record('S', prijs(1, 0, 0)));
@@ -223,18 +226,18 @@ TEST(Regel, Gewijzigd) {
          begin},
         {"the size system of its brand", "WMR<F5><F10>W182<Enter>", "Orderregels met maten", begin, begin,
          "<Esc><Esc><Esc><Esc><Esc>"},
-        {"and of its supplier", "WLW25172<Enter>", "Orderregels met maten", begin, begin,
-         "<Esc><Esc><Esc>"},
+        {"and of its supplier", "WLW25172<Enter>", "Orderregels met maten", begin, begin, "<Esc><Esc><Esc>"},
         {"colour and price to the consumer", "WDK1<Enter>C12,50<Enter><Esc>", "", begin,
          met_lijn(begin, record('D', zonder) + record('S', s))},
-        {"a price keeps its discount", "WPB20<Enter><Esc>", "",
+        {"a price keeps its discount", "WPP<Enter>20<Enter><Enter><Enter><Esc><Esc>", "",
          met_lijn(begin, record('D', d2) + record('S', prijs(1, 1000, 800))),
          met_lijn(begin, record('D', d2) + record('S', prijs(1, 2000, 1600)))},
-        {"a first price gets the order's", "WPB20<Enter><Esc>", "", kaal,
-         met_lijn(begin, record('D', d2) + record('S', prijs(1, 2000, 2000)))},
+        {"a price that was nothing has none", "WPP<Enter>20<Enter><Enter><Enter><Esc><Esc>", "", kaal,
+         met_lijn(begin, record('D', d2) + record('S', prijs(1, 2000, 2222)))},
         {"a new size has its neighbour's price", "WPMN<Enter><Right>J<Esc><Enter><Esc>", "", begin,
-         met_lijn(begin, record('D', ander) + record('S', s) + record('S', prijs(2, 1000, 1000)))},
-        {"a size that went has none", "WPMN<Enter><Right>N<Esc><Enter><Esc>", "", twee, begin},
+         met_lijn(begin, record('D', meer) + record('S', s) + record('S', prijs(2, 1000, 1000)))},
+        {"a size that went has none", "WPMN<Enter><Right>N<Esc><Enter><Esc>", "", twee,
+         met_lijn(begin, record('D', minder) + record('S', s))},
         {"a size with quantities stays", "WPMN<Enter>N<Esc><Enter><Esc>", "", twee, twee},
         {"sizes are those with prices", "WM", "Maten niet correct!", los, begin, "<Enter><Esc><Esc>"},
         {"and those with quantities", "WM", "Maten niet correct!", verdwaald,
