@@ -16,7 +16,7 @@ TEST(Storing, GeweigerdDoorVolleSchijf) {
         {"the header", "WOOZomer<Enter>G5<Enter><Esc>", "pwrite64:error=ENOSPC:when=2", 5, 14, "0 / Mijn",
          "0 / Zomer"},
         {"a change", "WDDANDERS<Enter><Esc>", "write:error=ENOSPC:when=3", 8, 36, "D1 ", "ANDERS"},
-        {"a line", "TX<Enter>10001<Enter><Esc>2<Enter><Esc>S<Enter>9<Enter><Esc><Esc>",
+        {"a line", "TX<Enter>10001<Enter><Esc>2<Enter><Esc>S<Enter><Enter>9<Enter><Esc><Esc><Esc>",
          "write:error=ENOSPC:when=3", 4, 58, "3", "4"},
         {"a duplicate", "D<Enter>2<Enter><Esc><Esc>A<Esc>", "write:error=ENOSPC:when=3", 4, 58, "3", "4"},
     };
