@@ -19,6 +19,7 @@ struct Koersen : test::Systeem {
         valuta(3, "EUR", 2, "Euro");
         valuta(1, "USD", 2, "Amerikaanse dollar");
         valuta(99, "JPY", 0, "Japanse yen");
+        valuta(50, "ODD", 7, "");
         valuta_vergeet();
         maak("k1,NODUPS,C,1,3,I,11,12");
     }
@@ -101,7 +102,7 @@ TEST_F(Koersen, CurrencyTable) {
     std::string volgorde;
     for (const auto& v : valuta_tabel())
         volgorde += std::to_string(v.nr) + " ";
-    EXPECT_EQ(volgorde, "1 3 99 ");
+    EXPECT_EQ(volgorde, "1 3 50 99 ");
 }
 
 TEST(Koers, IntegerForm) {
@@ -212,6 +213,10 @@ TEST_F(Koersen, purchase_row_in_its_context) {
     } const gevallen[] = {
         {"USD", 0.915, 10850, 9928, 2131968077},
         {"USD", 2, 0, 20000, INT32_MAX - 1}, // never the mark
+        {"USD", -2, 10000, 1, 1},            // bits of a damaged header
+        {"USD", 214748.3647, INT32_MIN, 1, 1},
+        {"USD", 214748.3647, INT32_MAX, INT32_MAX - 1, INT32_MAX - 1},
+        {"ODD", 2, 10000, 20000, INT32_MAX - 1}, // seven decimals count as two
         {"JPY", 1, 10000, 1000000, INT32_MAX - 1},
         {"", 1, 10000, 10000, INT32_MAX - 1},
     };
@@ -223,7 +228,8 @@ TEST_F(Koersen, purchase_row_in_its_context) {
         EXPECT_EQ(rijen.inkoop[40], g.inkoop40);
         EXPECT_EQ(rijen.inkoop[2], PRIJS_ONBEKEND);
         EXPECT_EQ(rijen.inkoop[3], 0);
-        EXPECT_EQ(rijen.inkoop[95], naar_thuis_factor(1, g.code, g.koers, up_context.koersfactor));
+        EXPECT_EQ(rijen.inkoop[95],
+                  std::min(naar_thuis_factor(1, g.code, g.koers, up_context.koersfactor), INT32_MAX - 1));
     }
     // A rate of the day is looked up once, not for each price.
     up_valuta("USD", 0, 10000);
