@@ -428,7 +428,7 @@ bool ioeti_past(int64_t labels) {
         ioeti_schademeld(serie);
         return false;
     }
-    if (ruimte >= nodig)
+    if (labels <= vrij || labels - vrij < ruimte * ETIPLAATSEN) // the highest block has a place less
         return true;
     char regel[80];
     snprintf(regel, sizeof regel, TXT(T_ETI_GEEN_RUIMTE), static_cast<long>(labels));
