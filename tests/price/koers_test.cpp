@@ -228,8 +228,8 @@ TEST_F(Koersen, purchase_row_in_its_context) {
         EXPECT_EQ(rijen.inkoop[40], g.inkoop40);
         EXPECT_EQ(rijen.inkoop[2], PRIJS_ONBEKEND);
         EXPECT_EQ(rijen.inkoop[3], 0);
-        EXPECT_EQ(rijen.inkoop[95],
-                  std::min(naar_thuis_factor(1, g.code, g.koers, up_context.koersfactor), INT32_MAX - 1));
+        EXPECT_EQ(rijen.inkoop[95], std::clamp(naar_thuis_factor(1, g.code, g.koers, up_context.koersfactor),
+                                               1, INT32_MAX - 1));
     }
     // A rate of the day is looked up once, not for each price.
     up_valuta("USD", 0, 10000);
