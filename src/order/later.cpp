@@ -25,7 +25,6 @@ bool serie_bijbestellen() {
 Serie serie_laad(const ors_ingang&, orderregel*, bool) {
     return Serie::niet_beschikbaar;
 }
-void serie_los() {}
 bool serie_bewaar(const orderregel&, const prijsrijen&) {
     return true;
 }

@@ -2,6 +2,7 @@
 // tells "Nog niet beschikbaar" and answers that nothing changed; the register's other routines do nothing.
 #pragma once
 #include "order/regel.h"
+#include "sub/omserie.h"
 
 namespace zg {
 
@@ -13,7 +14,6 @@ bool serie_bijbestellen();
 // journal knows and can't be worked on.
 enum class Serie { gelezen, weg, andere, niet_beschikbaar };
 Serie serie_laad(const ors_ingang& ingang, orderregel* regel, bool vergrendel);
-void serie_los(); // give the lock on the series up
 // With the prices that the line had before the change, for its labels.
 bool serie_bewaar(const orderregel& regel, const prijsrijen& oude_prijzen);
 // Can a line go with its labels? Tells why not.
