@@ -1,6 +1,8 @@
 // The dialogues of delivery terms: their dates, a new one, new dates for one, the list. See order/aantallen.h.
 #include "order/aantalbeeld.h"
 #include "order/aantallen.h"
+#include "order/programma.h"
+#include "order/register.h"
 #include "order/verdelen.h"
 #include "shared/arraylijst.h"
 #include "term/datum.h"
@@ -83,7 +85,11 @@ bool levt_wijzig(uint16_t* van, uint16_t* tot) {
     const uint16_t oud_van = *van, oud_tot = *tot;
     if (!levt_invoer(TERMIJNRIJ, TERMIJNKOLOM, van, tot, false) || (*van == oud_van && *tot == oud_tot))
         return false;
-    if (lt_verzet(&regel_nu.termen, oud_tot, *van, *tot))
+    // The labels of a line that is registered go along at once.
+    const bool op_etiketten = registermodus && !regel_is_nieuw && regel_nu.dessin.geregistreerd;
+    if ((*tot == oud_tot || !lt_bestaat(regel_nu.termen, *tot)) &&
+        (!op_etiketten || levering_verzet(regel_nu, oud_tot, *van, *tot)) &&
+        lt_verzet(&regel_nu.termen, oud_tot, *van, *tot))
         return true;
     *van = oud_van;
     *tot = oud_tot;
