@@ -188,8 +188,8 @@ int SCRPUT(uint32_t attr, int rij, int kolom, const char* fmt, ...) __attribute_
 int SCRADD(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 // Text on the base window of the current variant, whatever lies on top.
 int SCRBASE(uint32_t attr, int rij, int kolom, const char* fmt, ...) __attribute__((format(printf, 4, 5)));
-// A hint at the right end of the top row, whatever windows are open; an empty text takes it away, and what stood there
-// comes back.
+// A hint on the top row, whatever windows are open, at the right where nothing stands, else over the row's end; an empty
+// text takes it away, and what stood there comes back.
 void SCRHINT(const char* tekst);
 // `aantal` line-drawing cells, L_VERTICAAL downwards and the others to the right.
 enum Lijnteken : char { L_LINKS = ',', L_RECHTS = '+', L_HORIZONTAAL = 'q', L_VERTICAAL = 'x' };

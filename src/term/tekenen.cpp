@@ -107,6 +107,20 @@ int op_basis(uint32_t attr, int rij, int kolom, int lengte) {
     return n;
 }
 
+// Where a hint of n characters covers nothing on the top row, as far to the right as can be, with a blank on either
+// side; the row's end when there is no such place.
+int hintplaats(WINDOW* basis, int n) {
+    std::vector<cchar_t> rij(static_cast<size_t>(SCHERM.cols) + 1);
+    mvwin_wchnstr(basis, 0, 0, rij.data(), SCHERM.cols);
+    int vrij = 0;
+    for (int k = SCHERM.cols - 1; k >= 0; k--) {
+        vrij = rij[static_cast<size_t>(k)].chars[0] == L' ' ? vrij + 1 : 0;
+        if (vrij == n + 2)
+            return k + 1;
+    }
+    return SCHERM.cols - 1 - n;
+}
+
 } // namespace
 
 void TEKENUIT(std::string& uit, wchar_t teken) {
@@ -148,16 +162,18 @@ int SCRBASE(uint32_t attr, int rij, int kolom, const char* fmt, ...) {
 
 void SCRHINT(const char* hint) {
     static std::vector<cchar_t> eronder; // with an end
+    static int plaats;
     if (!SCHERM.bestaat || SCHERM.dicht)
         return;
     WINDOW* basis = SCHERM.venster[SCHERM.basis].win;
     if (!eronder.empty())
-        mvwadd_wchnstr(basis, 0, SCHERM.cols - static_cast<int>(eronder.size()), eronder.data(), -1);
+        mvwadd_wchnstr(basis, 0, plaats, eronder.data(), -1);
     const int n = std::min(static_cast<int>(strlen(hint)), SCHERM.cols - 1);
     eronder.assign(n > 0 ? static_cast<size_t>(n) + 1 : 0, cchar_t{});
     if (n > 0) {
-        mvwin_wchnstr(basis, 0, SCHERM.cols - 1 - n, eronder.data(), n);
-        SCRBASE(A_KEUS, 1, SCHERM.cols - n, "%.*s", n, hint);
+        plaats = hintplaats(basis, n);
+        mvwin_wchnstr(basis, 0, plaats, eronder.data(), n);
+        SCRBASE(A_KEUS, 1, plaats + 1, "%.*s", n, hint);
     }
     TOONVANAF(SCHERM.basis);
 }
