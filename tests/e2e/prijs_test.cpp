@@ -212,3 +212,94 @@ TEST(Prijs, WatNiemandWijzigdeBlijft) {
         EXPECT_TRUE(map.journaal() == anders) << "a text";
     }
 }
+
+namespace {
+
+// Sizes and prices of a journal's lines as text: colour: size gross/net ...; end of range=advice price ...
+std::string prijzen_van(const std::string& jrn) {
+    std::string uit;
+    orddessin d{};
+    auto blok = [&] {
+        for (int i = 0; i < 8 && d.adviesblok[i]; i++) {
+            int32_t prijs;
+            memcpy(&prijs, &d.adviesblok[8 + 4 * i], sizeof prijs);
+            uit += vorm(" %d=%d", d.adviesblok[i], prijs);
+        }
+    };
+    for (size_t p = 0; p < jrn.size(); p = volgend_record(jrn, p)) {
+        if (jrn[p] == 'D') {
+            blok();
+            d = lichaam<orddessin>(jrn, p);
+            uit += vorm("\n%d:", d.kleur);
+        } else if (jrn[p] == 'S') {
+            const auto s = lichaam<ordmaat>(jrn, p);
+            uit += vorm(" %d %d/%d", s.maat, s.bruto, s.netto);
+        }
+    }
+    blok();
+    return uit;
+}
+
+} // namespace
+
+// A new order with a discount, a line with one of its own in two groups of sizes; looked at, sizes out and in, and the
+// same in another colour. The journal holds net prices without the order's discount.
+TEST(Prijs, VanBeginTotJournaal) {
+    Datamap map;
+    Programma p(map);
+    Terminal& t = p.t;
+    p.leverancier();
+    t.toetsen("<Enter><Esc>G10<Enter><Esc>");
+    t.toetsen("T9<Enter>X<Enter>10003<Enter><Esc>2<Enter><Esc>S<Enter>");
+    t.wacht(" DEFINIEREN PRIJZEN ");
+    stappen(
+        t, {{"37<Enter><F10>110<Enter>", {{23, 3, "Kortingsmethode Automatisch  19.00%"}}},
+            {"10<Enter>", {{17, 18, "  8.10"}, {19, 16, "19.60"}}},
+            {"<F10><Enter><Enter><Enter>12<Enter>", {{17, 27, "  9.72"}, {19, 25, "23.52"}}},
+            {"<F10><Enter><Enter>", {{12, 32, " WIJZIGEN PRIJZEN "}, {19, 18, " 19.95"}, {19, 27, " 23.95"}}},
+            {"<Esc><Enter><Enter>2<Enter><Esc><Esc>", {{8, 64, "    2      16.20"}, {4, 74, " 16.20"}}},
+            {"RP", {{8, 5, " 35  36  37  38 "}, {9, 5, "   2 "}, {14, 18, "  8.10"}, {16, 27, " 23.95"}}}});
+    const int bellen = t.bellen();
+    t.toetsen("P<Esc>"); // only to be looked at
+    EXPECT_GT(t.bellen(), bellen);
+    // Two advice prices within the first group, then the second size goes, and comes back with its own.
+    stappen(t, {{"WPA35<Enter>18<Enter>36<Enter>21<Enter><Enter><Enter><Enter><Enter><Esc>",
+                 {{16, 18, " 18.00    21.00    19.95    23.95"}}},
+                {"MN<Enter>N", {{25, 1, "Maat met aantallen"}}}});
+    t.toetsen("<Esc>MN<Enter><Right>N<Esc>");
+    stappen(t, {{"<Enter>", {{8, 5, " 35  37  38     "}, {16, 18, " 18.00    19.95    23.95    "}}},
+                {"MN<Enter><Right>J<Esc><Enter>", {{16, 18, " 18.00    21.00    19.95    23.95"}}}});
+    t.toetsen("MN<Enter><Enter><Enter><Enter>N<Enter><Esc>"); // the last one goes for good
+    t.toetsen("D<Enter>1<Enter><Esc>");
+    t.wacht(" PRIJSINFORMATIE ");
+    t.toetsen("I<Enter>20<Enter><Enter><Esc><Esc>A<Esc>");
+    t.wacht_op(4, 58, "2");
+    t.toetsen("<Esc>");
+    p.uit();
+    EXPECT_EQ(prijzen_van(map.journaal()), "\n2: 1 1000/900 2 1000/900 3 1000/900 1=1800 2=2100 3=1995"
+                                           "\n1: 1 2000/1800 2 2000/1800 3 2000/1800 1=1800 2=2100 3=1995");
+}
+
+// More groups and sizes than a page has, both ways; what is shown is as it was.
+TEST(Prijs, Bladeren) {
+    Datamap map;
+    ordmodel m{};
+    m.merk = 5, m.maatsoort = 3, m.artikelgroep = 10001;
+    orddessin d{};
+    std::string blok, maten;
+    for (uint8_t maat = 1; maat <= 25; maat++) {
+        d.maten[maat / 8] = static_cast<uint8_t>(d.maten[maat / 8] | 1 << maat % 8);
+        maten += record('S', ordmaat{maat, {}, 1000 + maat / 4, 1000 + maat / 4});
+    }
+    const std::string order = record('O', maak_kop("Veel")) + record('M', m) + record('D', d) + maten;
+    map.journaal(order);
+    Programma p(map);
+    p.eerste_order();
+    stappen(p.t,
+            {{"WP", {{8, 5, " 50  51  52 "}, {8, 77, ">"}, {10, 20, "1  "}, {12, 18, " 10.00    10.01"}}},
+             {"<F8>", {{8, 3, "<  68  69  70  71  72  73  74 "}, {12, 18, " 10.06"}}},
+             {"<F7>", {{8, 5, " 50  51  52 "}, {12, 18, " 10.00    10.01"}}}});
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(map.journaal(), order);
+}
