@@ -1,9 +1,11 @@
 #include "order/bestanden.h"
+#include "order/programma.h"
 #include "price/koers.h"
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
 #include "shared/report.h"
 #include "sub/omlev.h"
+#include "sub/omserie.h"
 #include <cerrno>
 #include <iterator>
 
@@ -57,9 +59,12 @@ void bestanden_open() {
         *b.icb = IXOPEN(b.naam, b.modus);
     }
     koers_open();
+    if (registermodus)
+        register_open();
 }
 
 void bestanden_sluit() {
+    register_sluit();
     koers_sluit();
     for (size_t i = std::size(BESTANDEN); i-- > 0;) {
         if (*BESTANDEN[i].icb)

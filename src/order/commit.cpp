@@ -4,9 +4,9 @@
 //    while the old journal is still locked. There is never a moment without a whole journal.
 // 2. WRK is deleted only behind that. Killed before it, the repair commits again; killed behind it, the
 //    repair finds that the journal holds the order.
-#include "order/later.h"
 #include "order/meld.h"
 #include "order/programma.h"
+#include "order/register.h"
 #include "order/wrk.h"
 #include "order/wrkbinnen.h"
 #include "shared/files.h"
@@ -67,6 +67,9 @@ bool bouw_journaal(int32_t regels, int64_t* totaal) {
     return SYS.fsync(tmp_fd()) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
+// The order's number record, in front of the journal's change: killed in between, the repair commits again. `kop` is the
+// order's header, and so is it behind the copies of other orders, which go by in raw bytes. Without a line that was taken
+// out (a repair) no label can have the number left.
 void werk_register_bij(int32_t regels) {
     if (!registermodus)
         return;
@@ -74,7 +77,8 @@ void werk_register_bij(int32_t regels) {
         ordnr_schrijf();
     } else if (!order_nieuw) {
         ordnr_wis();
-        label_los();
+        if (regel_uit.artikelgroep)
+            label_los(regel_uit);
     }
 }
 

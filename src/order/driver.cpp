@@ -6,6 +6,7 @@
 #include "order/kop.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
+#include "order/register.h"
 #include "order/start.h"
 #include "order/teksten.h"
 #include "order/wrk.h"
@@ -129,7 +130,7 @@ bool zet_map(bool zonder_toets) {
 }
 
 bool order_mag_nieuw() {
-    return aantal_regels == 0 && (kop.status == 0 || (registermodus && gebruikersrecht != 'I'));
+    return aantal_regels == 0 && !order_alleen_lezen;
 }
 
 // Rate and currency of a new order, from the supplier. A fixed rate holds for one without a currency.
@@ -158,7 +159,7 @@ bool begin_nieuwe_order(uint16_t datum) {
     kop.orderdatum = datum;
     kop.toeslag = leverancier.toeslag ? leverancier.toeslag : 10000;
     nieuwe_koers();
-    if (registermodus && (kop.ordernummer = order_nummer()) == 0)
+    if (registermodus && (kop.ordernummer = order_nummer(ordnr_bezet)) == 0)
         return false;
     order_kopregels();
     return true;

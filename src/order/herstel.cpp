@@ -7,6 +7,7 @@
 #include "order/wrk.h"
 #include "order/wrkbinnen.h"
 #include "shared/files.h"
+#include "shared/registerrec.h"
 #include "shared/syscalls.h"
 #include <cerrno>
 #include <cstring>
@@ -30,12 +31,14 @@ bool lees_act(act_record* act) {
            (act->volgende == -1 || (act->volgende > act->start && act->volgende < act->omvang));
 }
 
-// One order, from its header to the end of the file; counts its lines.
-bool toets_werk(int32_t* regels) {
+// One order, from its header to the end of the file; counts its lines. *zonder_register: the full registration has nothing
+// of it.
+bool toets_werk(int32_t* regels, bool* zonder_register) {
     ordloop l;
     ordrauw r;
     bool eerste = true;
     *regels = 0;
+    *zonder_register = false;
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
     for (;; eerste = false) {
         loopstand stand = ordloop_volgende(&l, &r);
@@ -43,8 +46,15 @@ bool toets_werk(int32_t* regels) {
             return !eerste;
         if (stand != LOOP_RECORD || (r.tag == 'O') != eerste)
             return false;
-        if (r.tag == 'D')
+        if (r.tag == 'O') {
+            ordkop o;
+            memcpy(&o, r.data + 1, sizeof o);
+            *zonder_register = o.ordernummer == 0;
+        } else if (r.tag == 'D') {
             ++*regels;
+            if (!r.data[1 + offsetof(orddessin, geregistreerd)])
+                *zonder_register = true;
+        }
     }
 }
 
@@ -123,12 +133,13 @@ herstelstand onbereikbaar(const char* ext) {
 herstelstand onderzoek() {
     act_record act;
     uint8_t status;
+    bool zonder_register;
     werk = ord_open_wrk(seizoensmap.c_str(), gekozen_leverancier, O_RDWR);
     if (!werk)
         return errno == ENOENT ? HERSTEL_NIET : onbereikbaar("WRK");
     if (!lees_act(&act))
         return errno == 0 || errno == ENOENT ? HERSTEL_NIET : onbereikbaar("ACT");
-    if (!toets_werk(&aantal_regels))
+    if (!toets_werk(&aantal_regels, &zonder_register))
         return HERSTEL_NIET;
     if (SYSOMVANG(journaal->fd) != act.omvang)
         return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
@@ -138,7 +149,10 @@ herstelstand onderzoek() {
     order_start = act.start;
     order_volgende = act.volgende;
     order_nieuw = act.start == act.omvang;
-    order_alleen_lezen = !order_nieuw && status != 0 && (!registermodus || gebruikersrecht == 'I');
+    order_alleen_lezen =
+        !order_nieuw &&
+        (registermodus ? zonder_register || (status != 0 && gebruikersrecht == 'I') : status != 0);
+    regel_uit = {};
     return HERSTEL_DOEN;
 }
 

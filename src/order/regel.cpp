@@ -184,6 +184,9 @@ void regel_dupliceer(orderregel* regel) {
     regel->opslag.extra.clear();
     regel->dessin.volgnummer = 0;
     regel->dessin.geregistreerd = 0;
+    regel->serie = {};
+    regel->aankoop = {};
+    regel->op_bestand = 0;
 }
 
 void regelloop_begin(regelloop* loop) {

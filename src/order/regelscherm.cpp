@@ -4,15 +4,16 @@
 #include "order/regelscherm.h"
 #include "order/aantallen.h"
 #include "order/kop.h"
-#include "order/later.h"
 #include "order/matrix.h"
 #include "order/programma.h"
 #include "order/regelstam.h"
+#include "order/register.h"
 #include "order/serie.h"
 #include "order/teksten.h"
 #include "shared/maatbalk.h"
 #include "shared/teksten.h"
 #include "sub/omlev.h"
+#include "sub/omserie.h"
 #include "term/ingave.h"
 #include "term/keuze.h"
 #include "term/prompt.h"
@@ -161,6 +162,22 @@ struct Blad {
     }
 };
 
+// Master data, bar and advice prices of what has been loaded into regel_nu.
+void neem_in_hand(bool geladen) {
+    regelstam_lees(&regel_nu);
+    regel_bereikbaar = regel_balk(regel_nu) && geladen;
+    if (regel_bereikbaar)
+        regel_advies(&regel_nu);
+}
+
+// For a change in the full registration the whole line is loaded again, now under the lock of its series. False: it can't
+// be worked on (any more).
+bool vergrendel() {
+    if (registermodus)
+        neem_in_hand(serie_laad(&regel_nu, true, true) == Serie::gelezen);
+    return regel_bereikbaar;
+}
+
 // The line under the cursor into regel_nu; its totals. regel_bereikbaar tells whether it may be worked on.
 void laad(const ors_ingang* ingang, ordertotalen* totaal) {
     *totaal = {};
@@ -170,11 +187,8 @@ void laad(const ors_ingang* ingang, ordertotalen* totaal) {
         regel_wis(&regel_nu);
         return;
     }
-    regelstam_lees(&regel_nu);
-    regel_bereikbaar =
-        regel_balk(regel_nu) && (!registermodus || serie_laad(*ingang, &regel_nu, false) == Serie::gelezen);
-    if (regel_bereikbaar)
-        regel_advies(&regel_nu);
+    const Serie serie = registermodus ? serie_laad(&regel_nu, false, true) : Serie::in_journaal;
+    neem_in_hand(serie == Serie::gelezen || serie == Serie::in_journaal);
     // A line that can't be worked on counts all the same, and comes off the totals when it is deleted.
     regel_totaal(regel_nu, totaal);
 }
@@ -225,11 +239,14 @@ bool doe_regel(int keus, bool lezen) {
     }
 }
 
-// What an item of the sub-menu does; true when the line changed.
-bool doe_item(int keus, bool lezen) {
+// What an item of the sub-menu does; true when the line changed: *prijzen are those that it had.
+bool doe_item(int keus, bool lezen, prijsrijen* prijzen) {
     if (keus >= I_MODEL) {
+        if (!lezen && regel_bereikbaar)
+            vergrendel();
         if (!toegankelijk())
             return false;
+        *prijzen = regel_nu.prijzen;
         const bool hersteld = !lezen && serie_maten_kloppend();
         return doe_regel(keus, lezen) || hersteld;
     }
@@ -238,7 +255,9 @@ bool doe_item(int keus, bool lezen) {
         if (order_kop(lezen ? Itemwijze::lezen : Itemwijze::wijzigen)) {
             bool korting = registermodus && kop.korting != korting_bij_opening;
             vul_valuta();
-            order_totalen(korting);
+            if (korting)
+                order_korting(korting_bij_opening);
+            order_totalen();
             korting_bij_opening = kop.korting;
         }
         return false;
@@ -251,12 +270,12 @@ bool doe_item(int keus, bool lezen) {
     return false;
 }
 
-// "&Raadplegen" and "&Wijzigen": one choice of the sub-menu. True when the line changed.
-bool order_item(bool lezen) {
+// "&Raadplegen" and "&Wijzigen": one choice of the sub-menu. As doe_item.
+bool order_item(bool lezen, prijsrijen* prijzen) {
     item_menu();
     TOETSAAN(K_CANCEL);
     int keus = KEUZE(MENURIJ, 1);
-    return keus >= 0 && doe_item(keus, lezen);
+    return keus >= 0 && doe_item(keus, lezen, prijzen);
 }
 
 void hoofd_menu() {
@@ -271,42 +290,48 @@ void hoofd_menu() {
     }
 }
 
-// The line in hand into the work file, behind the cursor's model: the cursor goes there. A write that fails is
-// told by the routine that wrote, and nothing came.
-void voeg_in(Blad& blad, bool met_model) {
+// The line in hand into the work file, behind the cursor's model, and its series into the register: the cursor goes
+// there. What is refused is told by the routine that refused. `oud`: the series is on file, with these prices.
+void voeg_in(Blad& blad, bool met_model, const prijsrijen* oud = nullptr) {
+    if (registermodus && !serie_past(regel_nu))
+        return;
     if (!wrk_regel_in(&regelingang, met_model, &regel_nu))
         return;
+    blad.cursor = regelingang.regel;
+    const bool bewaard = !registermodus || serie_bewaar(&regel_nu, !oud, oud ? *oud : regel_nu.prijzen);
+    // Without a series the line would be one whose series has gone.
+    if (!bewaard && !serie_vast(regel_serie(regel_nu)) && wrk_regel_uit(&regelingang))
+        blad.cursor = regelingang.regel;
+    if (!bewaard)
+        return order_totalen();
     ordertotalen totaal;
     regel_totaal(regel_nu, &totaal);
     order_totaal_bij('+', totaal);
-    blad.cursor = regelingang.regel;
-    if (registermodus)
-        serie_bewaar(regel_nu, {});
 }
 
 // The changed line likewise, and its totals over the old ones.
-void bewaar_wijziging(const ordertotalen& oud, const prijsrijen& oude_prijzen) {
-    if (!wrk_regel_vervang(&regelingang, &regel_nu))
+void bewaar_wijziging(const ordertotalen& oud, const prijsrijen& prijzen) {
+    if ((registermodus && !serie_past(regel_nu)) || !wrk_regel_vervang(&regelingang, &regel_nu))
         return;
+    if (registermodus && !serie_bewaar(&regel_nu, false, prijzen))
+        return order_totalen();
     ordertotalen nieuw;
     regel_totaal(regel_nu, &nieuw);
     order_totaal_bij('-', oud);
     order_totaal_bij('+', nieuw);
-    if (registermodus)
-        serie_bewaar(regel_nu, oude_prijzen);
 }
 
 void dupliceer(Blad& blad) {
     bool model_veranderd = false;
     serie_maten_kloppend();
     regel_dupliceer(&regel_nu);
+    if (registermodus)
+        up_inkoop_alle(&regel_nu.prijzen); // at the order's rate, whatever the line was bought at
     if (serie_dupliceren(&model_veranderd))
         voeg_in(blad, model_veranderd);
 }
 
 void verwijder(Blad& blad, const ordertotalen& totaal) {
-    if (registermodus && !label_kan_weg(regel_nu))
-        return;
     if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
         return;
     if (!wrk_regel_uit(&regelingang))
@@ -317,28 +342,27 @@ void verwijder(Blad& blad, const ordertotalen& totaal) {
 
 // One choice of the main menu.
 void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
+    prijsrijen prijzen{};
     switch (keus) {
     case H_TOEVOEGEN:
         if (serie_toevoegen())
             voeg_in(blad, true);
         break;
     case H_BIJBESTELLEN:
-        if (serie_bijbestellen())
-            voeg_in(blad, true);
+        if (serie_bijbestellen(&prijzen))
+            voeg_in(blad, true, &prijzen);
         break;
     case H_DUPLICEREN:
         if (toegankelijk())
             dupliceer(blad);
         break;
     case H_RAADPLEGEN:
-        order_item(true);
+        order_item(true, &prijzen);
         break;
-    case H_WIJZIGEN: {
-        const prijsrijen oude_prijzen = regel_nu.prijzen;
-        if (order_item(false) && regel_bereikbaar)
-            bewaar_wijziging(totaal, oude_prijzen);
+    case H_WIJZIGEN:
+        if (order_item(false, &prijzen) && regel_bereikbaar)
+            bewaar_wijziging(totaal, prijzen);
         break;
-    }
     case H_MATRIX:
         if (aantal_regels > 0)
             order_matrix();
@@ -349,8 +373,11 @@ void doe_hoofd(Blad& blad, int keus, const ordertotalen& totaal) {
         verwijder(blad, totaal);
         break;
     }
-    if (registermodus)
+    if (registermodus) {
         serie_los();
+        serie_nummer_los();
+        register_ververs();
+    }
 }
 
 } // namespace
@@ -363,7 +390,7 @@ void order_scherm_los() {
 void order_scherm() {
     vul_valuta();
     up_regelkorting(0); // a line's discount is kept for the next line, not for the next order
-    order_totalen(false);
+    order_totalen();
     Blad blad;
     ordertotalen totaal{};
     order_kopregels();
@@ -387,23 +414,22 @@ void order_scherm() {
             continue;
         }
         regelstam_vergeet();
-        // The rate of the day for this action. Another one than that of the screen counts for all lines.
-        if (order_prijscontext()) {
-            order_totalen(false);
+        // The rate of the day for this action. Another one than that of the screen counts for all lines; those of the full
+        // registration each have the rate that they were bought at.
+        if (order_prijscontext() && !registermodus) {
+            order_totalen();
             laad(blad.ingang(), &totaal);
         }
         if (order_alleen_lezen) {
-            doe_item(keus, true);
+            prijsrijen prijzen;
+            doe_item(keus, true, &prijzen);
         } else {
-            // The series is read again for the action, now under its lock.
-            if (registermodus && regel_bereikbaar)
-                regel_bereikbaar = serie_laad(regelingang, &regel_nu, true) == Serie::gelezen;
             doe_hoofd(blad, keus, totaal);
         }
         blad.vernieuw = true;
         geladen = -1;
         if (vul_valuta())
-            order_totalen(false);
+            order_totalen();
         order_kopregels();
     }
     SCRCLREOL(MENURIJ, 1);

@@ -41,6 +41,6 @@ bool order_prijscontext();
 void regel_totaal(const orderregel& regel, ordertotalen* totaal);
 void order_totaal_bij(char teken, const ordertotalen& totaal);
 // Rebuild ordertotaal, in the context of `kop`, by reading every line; the cursor's line isn't touched.
-void order_totalen(bool label_aanpassen);
+void order_totalen();
 
 } // namespace zg

@@ -1,9 +1,9 @@
 // The text of one order line, the frame of the screen and the header's values. Columns are those of the
 // frame.
 #include "order/bestanden.h"
-#include "order/later.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
+#include "order/register.h"
 #include "order/teksten.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
@@ -69,7 +69,7 @@ const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang
     if (!regel_lees(loop, ingang, &r))
         return tekst;
     if (registermodus) {
-        const Serie serie = serie_laad(ingang, &r, false);
+        const Serie serie = serie_laad(&r, false, false);
         if (serie == Serie::weg || serie == Serie::andere) {
             snprintf(tekst, sizeof tekst, "%-*.*s", REGELBREEDTE, REGELBREEDTE,
                      verwijderd(r, serie == Serie::andere).c_str());

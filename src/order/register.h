@@ -18,10 +18,13 @@ inline seriesleutel regel_serie(const orderregel& regel) {
 // registerlaad.cpp: the series of a line that regel_lees has read, into it: its record (`serie`), texts and codes, prices
 // at the order's supplier and date, terms and quantities of its labels, the rate of its first purchase (`aankoop`), which
 // becomes the context (up_context) when `context`. `vergrendel` takes the lock, after which all of it is loaded again.
-// journaal: a line that isn't registered, which the journal holds; it may be looked at. stuk: told, the line can't be
+// in_journaal: a line that isn't registered, which the journal holds; it may be looked at. stuk: told, the line can't be
 // worked on. Only gelezen leaves a lock.
-enum class Serie { gelezen, weg, andere, stuk, journaal };
+enum class Serie { gelezen, weg, andere, stuk, in_journaal };
 Serie serie_laad(orderregel* regel, bool vergrendel, bool context);
+// The same for a series that the caller has read into regel->serie, under its lock: the line's key fields are those of the
+// series. False: damaged, told.
+bool serie_in_regel(orderregel* regel);
 // regel_lees and serie_laad, without lock and context, for walks over the lines in either mode. False when the line can't
 // be loaded; what the work file has of it stands in *regel then.
 bool regel_volledig(regelloop* loop, const ors_ingang& ingang, orderregel* regel);

@@ -1,7 +1,6 @@
 // A new line from nothing, see order/serie.h.
 #include "order/serie.h"
 #include "order/bestanden.h"
-#include "order/later.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
 #include "order/regelstam.h"
@@ -35,8 +34,6 @@ void maten_op_bestand(const orderregel& regel, uint8_t* maten) {
 } // namespace
 
 bool serie_toevoegen() {
-    if (registermodus)
-        return serie_register();
     const uint16_t vorige = regel_bereikbaar ? regel_nu.model.merk : uint16_t{0};
     regel_wis(&regel_nu);
     regel_is_nieuw = true;

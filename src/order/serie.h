@@ -10,6 +10,9 @@ bool serie_toevoegen();
 // The same from the line in hand (regel_dupliceer has been over it). *model_veranderd: it needs a model of its own, or
 // else joins the one it came from.
 bool serie_dupliceren(bool* model_veranderd);
+// A series of the register, chosen by number or by brand and model, as content to be inserted as a line with a model of
+// its own in front. Its lock is held when the answer is true; *oud: its prices as they are on file.
+bool serie_bijbestellen(prijsrijen* oud);
 // True when the line changed. With `lezen` it is only looked at.
 bool serie_model(bool lezen);
 bool serie_dessin(bool lezen);

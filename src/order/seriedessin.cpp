@@ -6,6 +6,7 @@
 #include "order/serieveld.h"
 #include "order/teksten.h"
 #include "term/itemscherm.h"
+#include "term/scherm.h"
 
 namespace zg {
 namespace {
@@ -53,6 +54,22 @@ const Item ITEMS[] = {
 };
 // clang-format on
 
+// The number of a new series of the full registration, on the third row of the window.
+bool met_volgnummer() {
+    constexpr int RIJ = 3, KOLOM = 56;
+    const std::string label = TXT(T_A_SERIENUMMER);
+    char groep_kleur[16];
+    const int breed = snprintf(groep_kleur, sizeof groep_kleur, "%5d.%3d.", regel_nu.model.artikelgroep,
+                               regel_nu.dessin.kleur);
+    const int veld = KOLOM + static_cast<int>(label.size());
+    SCRPUT(A_LABEL, RIJ, KOLOM, "%s", label.c_str());
+    SCRPUT(A_WAARDE, RIJ, veld, "%s", groep_kleur);
+    const bool goed = vraag_volgnummer(RIJ, veld + breed);
+    if (!goed)
+        SCRCLREOL(RIJ, KOLOM);
+    return goed;
+}
+
 bool scherm(const Itemverloop& verloop, bool* anders) {
     nieuw = verloop.wijze == Itemwijze::nieuw;
     serieveld_begin(nieuw);
@@ -78,7 +95,9 @@ bool serie_dessin_nieuw() {
     d.inkoopplan = gekozen_letter == TXT(T_LETTER_DOORLOPEND)[0] ? 0 : 1;
     d.regtype = regelgroep.regtype ? 1 : 0;
     bool anders = false;
-    return scherm({Itemwijze::nieuw, orderparameters.dessinvraag, true}, &anders);
+    return scherm(
+        {Itemwijze::nieuw, orderparameters.dessinvraag, true, -1, registermodus ? met_volgnummer : nullptr},
+        &anders);
 }
 
 } // namespace zg

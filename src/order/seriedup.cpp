@@ -1,7 +1,6 @@
 // The screen DUPLICEREN MODEL: a line made from the line in hand, in another colour, under another name, in another
 // size type.
 #include "order/aantallen.h"
-#include "order/later.h"
 #include "order/programma.h"
 #include "order/regelstam.h"
 #include "order/serie.h"
@@ -45,7 +44,7 @@ bool nooit() {
 const Item ITEMS[] = {
     {DUP_ARTGROEP,   &T_DUP_ARTGROEP,   toon_artgroep,   veld_artgroep,  nooit,         nullptr, nullptr, nullptr, mist_artgroep},
     {DUP_KLEUR,      &T_DUP_KLEUR,      toon_kleur,      veld_kleur,     nooit,         nullptr, nullptr, nullptr, mist_kleur},
-    {DUP_VOLGNUMMER, &T_DUP_VOLGNUMMER, toon_volgnummer},
+    {DUP_VOLGNUMMER, &T_DUP_VOLGNUMMER, toon_volgnummer, veld_volgnummer, nooit,        nullptr, nullptr, nullptr, mist_volgnummer},
     {DUP_MAATSOORT,  &T_DUP_MAATSOORT,  toon_maatsoort,  veld_maatsoort, nullptr,       nullptr, nullptr, nullptr, mist_maatsoort},
     {DUP_MERK,       &T_DUP_MERK,       toon_merk},
     {DUP_MODEL,      &T_DUP_MODEL,      toon_model,      veld_model,     nullptr,       nullptr, nullptr, nullptr, mist_model},
@@ -75,8 +74,6 @@ bool vraag_wat() {
 } // namespace
 
 bool serie_dupliceren(bool* model_veranderd) {
-    if (registermodus)
-        return serie_register();
     const ordmodel oud = regel_nu.model;
     regel_is_nieuw = true;
     regelstam_lees(&regel_nu);

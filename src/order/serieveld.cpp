@@ -13,6 +13,7 @@
 #include "sub/artgroep.h"
 #include "sub/maatsoort.h"
 #include "sub/merken.h"
+#include "sub/omserie.h"
 #include "term/dm_hdl.h"
 #include "term/ingave.h"
 #include "term/vast.h"
@@ -96,6 +97,33 @@ bool mist_maatsoort() {
 }
 bool mist_kleur() {
     return regel_nu.dessin.kleur == 0;
+}
+
+bool mist_volgnummer() {
+    return registermodus && regel_nu.dessin.volgnummer == 0;
+}
+
+bool vraag_volgnummer(int rij, int kolom) {
+    orddessin& d = regel_nu.dessin;
+    const int geweigerd = IXWEIGERINGEN;
+    d.volgnummer = serie_volgnummer_vrij(regel_nu.model.artikelgroep, d.kleur);
+    uint16_t getypt = d.volgnummer;
+    if (getypt == 0 && IXWEIGERINGEN == geweigerd)
+        error("%s", TXT(T_SERIE_GEEN_VOLGNUMMER));
+    bool vast = false;
+    while (getypt != 0 && !vast) {
+        INGAVE(rij, kolom, "4u,PE", &SCHERM.toets[key_cancel], &getypt);
+        if (TOETSWEG())
+            break;
+        const seriesleutel sleutel{regel_nu.model.artikelgroep, d.kleur, getypt};
+        vast = serie_volgnummer_neem(sleutel);
+        if (!vast)
+            error("%s %s %s", TXT(T_SERIE), serie_tekst(sleutel).c_str(), TXT(T_SERIE_AANWEZIG));
+    }
+    if (!vast)
+        serie_nummer_los();
+    d.volgnummer = vast ? getypt : uint16_t{0};
+    return vast;
 }
 
 // ---- model
@@ -220,6 +248,9 @@ bool veld_kleur(int rij) {
 
 void toon_volgnummer(int rij) {
     code_waarde(rij, regel_nu.dessin.volgnummer, "");
+}
+bool veld_volgnummer(int rij) {
+    return vraag_volgnummer(rij, WAARDE);
 }
 
 void toon_omschrijving(int rij) {

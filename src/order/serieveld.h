@@ -44,6 +44,7 @@ bool veld_dessintekst(int rij);
 bool veld_kenmerk(int rij);
 bool veld_regtype(int rij);
 bool veld_consprijs(int rij);
+bool veld_volgnummer(int rij);
 void bekijk_modeltekst();
 void bekijk_dessintekst();
 
@@ -53,6 +54,10 @@ bool mist_model();
 bool mist_artgroep();
 bool mist_maatsoort(); // also one without sizes in the line's size system
 bool mist_kleur();
+bool mist_volgnummer(); // of a new series in the full registration
+// The sequence number of a new series of the full registration: the lowest free one proposed, and the one that was taken
+// reserved. False, and nothing reserved, when it was left, or none is free (told).
+bool vraag_volgnummer(int rij, int kolom);
 // Has the line's group feature codes?
 bool heeft_kenmerk();
 // Does the brand exist? Then regelmerk is it.

@@ -1,7 +1,7 @@
 // Totals of lines and order. Every line is read into a value of its own, so the cursor's line stays as it is.
-#include "order/later.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
+#include "order/register.h"
 #include "price/ing_val.h"
 #include <algorithm>
 
@@ -55,7 +55,7 @@ void order_totaal_bij(char teken, const ordertotalen& totaal) {
     bij(&ordertotaal.inkoop, totaal.inkoop);
 }
 
-void order_totalen(bool label_aanpassen) {
+void order_totalen() {
     order_prijscontext();
     ordertotaal = {};
     regelloop loop;
@@ -65,11 +65,8 @@ void order_totalen(bool label_aanpassen) {
     ors_ingang ingang{};
     for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang)) {
         ordertotalen totaal{};
-        if (regel_lees(&loop, ingang, &regel)) {
+        if (regel_volledig(&loop, ingang, &regel))
             regel_totaal(regel, &totaal);
-            if (label_aanpassen)
-                label_korting(regel);
-        }
         order_totaal_bij('+', totaal); // a line that can't be loaded counts as a line
     }
 }

@@ -5,6 +5,7 @@
 #include "order/programma.h"
 #include "order/wrkbinnen.h"
 #include "shared/files.h"
+#include "shared/registerrec.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include <cerrno>
@@ -24,6 +25,7 @@ int32_t order_start, order_volgende;
 bool order_nieuw;
 bool order_alleen_lezen;
 ors_ingang regelingang;
+seriesleutel regel_uit;
 
 namespace {
 
@@ -325,11 +327,14 @@ bool open_mislukt(const char* ext, bool niet_te_openen) {
 }
 
 // The order under the journal's handle into TMP, each text as five records again; ends behind the order.
-void kopieer_order() {
+void kopieer_order(bool* zonder_register) {
     char blok[BLOKLEN];
+    *zonder_register = kop.ordernummer == 0;
     do {
         if (journaal->tag == 'T')
             continue;
+        if (journaal->tag == 'D' && !dessin.geregistreerd)
+            *zonder_register = true;
         tmp_schrijf(journaal->tag, ord_beeld(journaal->tag), true);
         for (int soort = 1; soort <= 4; soort++) {
             if (journaal->tag != (soort <= 2 ? 'O' : soort == 3 ? 'M' : 'D'))
@@ -353,10 +358,13 @@ bool wrk_open() {
         return open_mislukt("TMP", true);
     order_start = journaal->offset;
     order_alleen_lezen = false;
+    regel_uit = {};
     ord_lees(journaal, 'R');
     if (journaal->tag == 'O') {
-        kopieer_order();
-        order_alleen_lezen = kop.status != 0 && (!registermodus || gebruikersrecht == 'I');
+        bool zonder_register;
+        kopieer_order(&zonder_register);
+        order_alleen_lezen =
+            registermodus ? zonder_register || (kop.status != 0 && gebruikersrecht == 'I') : kop.status != 0;
     } else if (journaal->tag != 'X') {
         INTERNAL("ioord", 4);
     }

@@ -8,15 +8,19 @@
 namespace zg {
 
 struct orderregel;
+struct seriesleutel;
 
 extern int32_t aantal_regels;               // lines of the open order
 extern ordhandle* journaal;                 // the open journal, null when none
 extern ordhandle* werk;                     // the open work file, null when none
 extern int32_t order_start, order_volgende; // the order's place in the journal; volgende -1 for none
 extern bool order_nieuw;                    // a new order is being entered
-// The order may only be looked at: set by wrk_open and the repair from the status that the journal holds.
+// The order may only be looked at: set by wrk_open and the repair from the status that the journal holds; in the full
+// registration also one without a number, or with a line that isn't registered: its pieces have no labels.
 extern bool order_alleen_lezen;
 extern ors_ingang regelingang; // the cursor's entry
+extern seriesleutel
+    regel_uit; // of the line that was taken out last; group 0: none since the order was opened
 
 // Names of the five files of the chosen supplier, empty outside an order; ext is "JRN", "WRK" ...
 void wrk_namen();

@@ -99,6 +99,15 @@ void toets_ingang(const ors_ingang& ingang) {
             ord_inconsistent(werk, plaats, tag);
 }
 
+seriesleutel serie_van(const ors_ingang& ingang) {
+    ordmodel m;
+    orddessin d;
+    if (SYSLEES(werk->fd, &m, sizeof m, int64_t{ingang.m} + 1) != ssize_t{sizeof m} ||
+        SYSLEES(werk->fd, &d, sizeof d, int64_t{ingang.d} + 1) != ssize_t{sizeof d})
+        ord_inconsistent(werk, ingang.d, 'D');
+    return {m.artikelgroep, d.kleur, d.volgnummer};
+}
+
 } // namespace
 
 bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel) {
@@ -143,6 +152,7 @@ bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel) {
 bool wrk_regel_uit(ors_ingang* ingang) {
     ors_ingang vorige = *ingang, volgende = *ingang;
     toets_ingang(*ingang);
+    const seriesleutel serie = serie_van(*ingang);
     bool model_ook = !(ors_lees('P', &vorige) && vorige.m == ingang->m) &&
                      !(ors_lees('N', &volgende) && volgende.m == ingang->m);
     if (!tmp_begin_wrk())
@@ -155,6 +165,7 @@ bool wrk_regel_uit(ors_ingang* ingang) {
     });
     if (!tmp_naar_wrk())
         return false;
+    regel_uit = serie;
     if (ingang->regel > aantal_regels)
         ingang->regel = static_cast<uint16_t>(aantal_regels);
     if (!ors_lees('R', ingang))

@@ -4,8 +4,8 @@
 #include "order/programma.h"
 #include "order/start.h"
 #include "order/teksten.h"
-#include "shared/files.h"
 #include "shared/report.h"
+#include "sub/omserie.h"
 #include "term/prompt.h"
 #include <csignal>
 #include <new>
@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
     prog_bouw(__DATE__, __TIME__);
     prog_start(PROGRAMMA, RELEASEDATUM, argc, argv);
     TOPTITEL(TXT(T_ORDERS));
-    registermodus = IOEXISTS("DTSER.INX") != 0;
+    registermodus = register_aanwezig();
     ordparm_lees();
     order_lus();
     signal(SIGXFSZ, SIG_DFL);

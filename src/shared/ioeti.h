@@ -46,7 +46,7 @@ void ioeti_keten(const seriesleutel* serie, int32_t* kop);
 // The same for the length of a block of the program.
 class etiketketen {
 public:
-    etiketketen(const seriesleutel& serie, int32_t* kop) { ioeti_keten(&serie, kop); }
+    etiketketen(const seriesleutel& serie, int32_t* eerste) { ioeti_keten(&serie, eerste); }
     ~etiketketen() { ioeti_keten(nullptr, nullptr); }
     etiketketen(const etiketketen&) = delete;
     etiketketen& operator=(const etiketketen&) = delete;

@@ -87,9 +87,7 @@ void register_open() {
         }
         *b.icb = IXOPEN(b.naam, SHARED);
     }
-    int32_t geen = 0;
-    etiket label{};
-    ioeti('O', &geen, &label);
+    ioeti('O', nullptr, nullptr);
     ioink_open(SHARED);
     serie_nummers_opruimen();
 }
@@ -99,10 +97,8 @@ void register_sluit() {
         return;
     serie_los();
     serie_nummer_los();
-    int32_t geen = 0;
-    etiket label{};
     ioink_close();
-    ioeti('C', &geen, &label);
+    ioeti('C', nullptr, nullptr);
     for (size_t i = std::size(BESTANDEN); i-- > 0;) {
         if (*BESTANDEN[i].icb)
             IXCLOSE(*BESTANDEN[i].icb);
@@ -198,13 +194,6 @@ std::string serie_tekst(const seriesleutel& sleutel) {
     char tekst[32];
     snprintf(tekst, sizeof tekst, "%d.%u.%u", sleutel.artikelgroep, sleutel.kleur, sleutel.volgnummer);
     return tekst;
-}
-
-void serie_meld_etiketten(const seriesleutel& sleutel) {
-    const etischade& schade = ioeti_schade();
-    char waar[64];
-    snprintf(waar, sizeof waar, TXT(T_SER_SCHADE), serie_tekst(sleutel).c_str(), schade.blok);
-    MELDBOX(MELD_WAARSCHUWING, waar, schade.reden, nullptr);
 }
 
 void serie_mutatie(char letter, const serrec& rec, uint16_t oud_merk) {

@@ -37,8 +37,6 @@ int32_t serie_stempel(uint16_t orderdatum, uint16_t tijdstempel);
 // May a series take data from an order with that stamp? Its own isn't later.
 bool serie_mag(const serrec& rec, int32_t stempel);
 std::string serie_tekst(const seriesleutel& sleutel); // "groep.kleur.volgnummer"
-// A box: the label chain of a series is damaged, with file, series, block and what is wrong (ioeti_schade).
-void serie_meld_etiketten(const seriesleutel& sleutel);
 
 inline constexpr uint16_t VOLGNUMMER_MAX = 9999;
 // The lowest free sequence number of a group and colour from `vanaf` on, reserved for this program until serie_nummer_los

@@ -128,11 +128,11 @@ struct Etiketten {
 
 // The chain from end to end. False: damaged, told.
 bool loop_keten(serrec* serie, Etiketten* uit) {
-    seriesleutel sleutel = serie->serie;
+    const seriesleutel sleutel = serie->serie;
     int32_t kop = serie->etiketkop, nummer = kop;
     if (kop < 0)
         return true;
-    ioeti_keten(&sleutel, &kop);
+    const etiketketen keten(sleutel, &kop);
     etiket label{};
     int er;
     for (er = ioeti('F', &nummer, &label); er == 1; er = ioeti('N', &nummer, &label)) {
@@ -146,9 +146,8 @@ bool loop_keten(serrec* serie, Etiketten* uit) {
         else if (leeseanmaat(dtean, &ean, sleutel, label.maat))
             uit->codes.push_back(VASTTEKST(ean.code));
     }
-    ioeti_keten(nullptr, nullptr);
     if (er < 0)
-        serie_meld_etiketten(sleutel);
+        ioeti_schademeld(sleutel);
     return er == 0;
 }
 

@@ -118,6 +118,8 @@ bool keuzes(const Itemscherm& s, const Itemverloop& v, bool* anders) {
         }
         if (!te_vragen) {
             te_vragen = gemist(s, v);
+            if (!te_vragen && v.verlaten && !v.verlaten())
+                continue;
             if (!te_vragen)
                 return true;
             error("%s", TXT(T_VERPLICHT));

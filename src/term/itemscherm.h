@@ -45,6 +45,8 @@ struct Itemverloop {
     const uint8_t* vraag = nullptr;
     bool afbreekbaar = false;
     int opgave = -1;
+    // Asked in the open window when the screen is left from the choices; false: it isn't.
+    bool (*verlaten)() = nullptr;
 };
 
 // Open the window, run until ESC or cancel, close it. False when it was broken off. *anders becomes true when an

@@ -24,6 +24,7 @@ ordkop kop_van(const Order& o) {
     ordkop k = kop_op(o.datum);
     k.status = static_cast<uint8_t>(o.status);
     k.korting = static_cast<int16_t>(o.korting);
+    k.ordernummer = o.nummer;
     return k;
 }
 
@@ -34,8 +35,9 @@ ordmodel model_van(const Model& m) {
     return r;
 }
 
-orddessin dessin_van(const Regel& l) {
+orddessin dessin_van(const Regel& l, bool geregistreerd = false) {
     orddessin d{};
+    d.geregistreerd = geregistreerd;
     d.kleur = static_cast<uint16_t>(l.kleur);
     d.tijdstempel = static_cast<uint16_t>(l.tijd);
     for (const Maat& m : l.maten)
@@ -47,8 +49,8 @@ std::string extra_van(int maat, char tag) {
     return std::string(1, tag) + "extra" + std::string(6, static_cast<char>(maat)) + "!";
 }
 
-void regel_bytes(std::string* uit, const Regel& l, bool alle) {
-    *uit += record('D', dessin_van(l));
+void regel_bytes(std::string* uit, const Regel& l, bool alle, bool geregistreerd = false) {
+    *uit += record('D', dessin_van(l, geregistreerd));
     *uit += tekst(4, l.tekst, alle);
     for (const Maat& m : l.maten) {
         *uit += record('S', ordmaat{static_cast<uint8_t>(m.maat), {}, m.bruto, m.netto});
@@ -74,7 +76,7 @@ std::string bytes(const Order& o, bool werkbestand) {
         uit += record('M', model_van(m));
         uit += tekst(3, m.tekst, werkbestand);
         for (const Regel& l : m.regels)
-            regel_bytes(&uit, l, werkbestand);
+            regel_bytes(&uit, l, werkbestand, o.nummer != 0);
     }
     return uit;
 }
@@ -84,6 +86,12 @@ std::string bytes(const std::vector<Order>& orders) {
     for (const Order& o : orders)
         uit += bytes(o);
     return uit;
+}
+
+std::vector<Order> genummerd(std::vector<Order> orders) {
+    for (size_t i = 0; i < orders.size(); i++)
+        orders[i].nummer = 1000 + static_cast<int>(i);
+    return orders;
 }
 
 std::vector<ors_ingang> index_van(const Order& o) {

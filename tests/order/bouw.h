@@ -43,11 +43,13 @@ struct Order {
     std::string levering, betaling;
     std::vector<Model> modellen;
     int status = 0, korting = 0;
+    int nummer = 0; // its lines are registered when it has one
 };
 
 // The bytes of an order: as committed, or with the full layout of a work file.
 std::string bytes(const Order& order, bool werkbestand = false);
 std::string bytes(const std::vector<Order>& orders);
+std::vector<Order> genummerd(std::vector<Order> orders); // as the full registration has them
 std::vector<ors_ingang> index_van(const Order& order); // of its work file
 
 // An order with lines per model as given, with texts, prices, terms and extensions that depend on the number.

@@ -169,12 +169,13 @@ TEST(Journaal, alleen_bekeken_verandert_niets) {
         bool register_;
         char recht;
         int status;
-        bool alleen_lezen;
-    } const rijen[] = {{false, 'A', 0, false}, {false, 'I', 0, false}, {false, 'A', 7, true},
-                       {true, 'I', 4, true},   {true, 'I', 0, false},  {true, 'A', 4, false}};
+        bool alleen_lezen, genummerd = true;
+    } const rijen[] = {{false, 'A', 0, false},      {false, 'I', 0, false}, {false, 'A', 7, true},
+                       {true, 'I', 4, true},        {true, 'I', 0, false},  {true, 'A', 4, false},
+                       {true, 'A', 0, true, false}, {true, 'A', 4, true, false}};
     for (const auto& rij : rijen) {
         SCOPED_TRACE(std::to_string(rij.register_) + rij.recht + std::to_string(rij.status));
-        std::vector<Order> orders = DRIE;
+        std::vector<Order> orders = rij.genummerd ? genummerd(DRIE) : DRIE;
         orders[1].status = rij.status;
         zet("JRN", bytes(orders));
         registermodus = rij.register_;

@@ -64,6 +64,7 @@ TEST(Regel, dubbel_zonder_wat_bij_het_origineel_hoort) {
 TEST(Regel, registermodus_wijzigt_de_teksten_en_niets_anders) {
     OrderMap map;
     Order o = maak_order(2, {1, 2});
+    o.nummer = 1000;
     zet("JRN", bytes(o));
     registermodus = true;
     ASSERT_TRUE(kies(0));
