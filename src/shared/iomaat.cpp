@@ -319,8 +319,10 @@ int mtbewaar(mthandle* h) {
         return !h->gewijzigd;
     if (schrijf_rij(h))
         return 1;
-    uint8_t sleutel[IXRECMAX + 1] = {h->stelsel, h->soort}; // a refused write has let go of it
-    h->schrijven = IXREADL(dtmaat, sleutel) >= 0;
+    if (aantal(*h) == 0) { // a refused delete has let go of the record, a write has not
+        uint8_t sleutel[IXRECMAX + 1] = {h->stelsel, h->soort};
+        h->schrijven = IXREADL(dtmaat, sleutel) >= 0;
+    }
     return 0;
 }
 

@@ -152,7 +152,7 @@ int IXEXISTS(ICB* icb, const void* rec);
 int IXEXISTSP(ICB* icb, const void* rec, int delen); // by the first parts
 // Insert, or update when key 1 exists, and let go of the record; the ..K kind keeps its lock. 0: nothing written, the
 // index is full, the record would read as free, or the disk refused, which is told in a box: the pair is then as it
-// was, and lock and reservation are let go of all the same. In mode 0 a box, and 1.
+// was, and lock and reservation are let go of all the same; the ..K kind keeps them. In mode 0 a box, and 1.
 int IXWRITE(ICB* icb, const void* rec);
 int IXWRITEK(ICB* icb, const void* rec);
 // The record at `currec`, if key 1 agrees: 0, also when there is nothing to delete. -1: the disk refused, which was told,

@@ -94,25 +94,6 @@ TEST_F(Velden, Code) {
     EXPECT_EQ(t.antwoord(), "5 Jubileum");
 }
 
-// Read once: what changes in the table is seen when it is forgotten.
-TEST_F(Velden, Countries) {
-    auto land = [](int slot, const char* iso3, const char* naam) {
-        landrec rec{};
-        VASTIN(rec.iso3, iso3);
-        VASTIN(rec.naam, naam);
-        zet(slot, rec, SYS_LAND);
-    };
-    land(2, "NLD", "Nederland");
-    land(99, "DEU", "Duitsland");
-    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "DEU"}), "Duitsland");
-    land(2, "BEL", "Belgie");
-    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "NLD"}), "Nederland");
-    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "BEL"}), "");
-    landen_vergeet();
-    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "NLD"}), "");
-    EXPECT_EQ(lijstnaam(LANDTABEL, {0, "BEL"}), "Belgie");
-}
-
 TEST_F(Velden, Seasons) {
     for (const char* seizoen : {"0000Z", "2015W", "2015Z", "2016Z", "1998K", "2016X", "20161"})
         mkdir(seizoen, 0777);

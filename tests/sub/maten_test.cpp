@@ -287,6 +287,8 @@ TEST_F(Maten, RefusedWrites) {
         // A new type whose description can't be written has no sizes either.
         {false, 7, "j<Enter>Nieuw<Enter>A<Enter><Esc>", "<Enter>j<Enter>", ""},
         {false, 7, "j<Enter>Nieuw<Enter>A<Enter><Esc>", "<Enter><Enter><Esc>", "1:A Nieuw"},
+        // The key of a new type's sizes is still its own when they are refused.
+        {true, 8, "j<Enter>Nieuw<Enter>A<Enter><Esc>", "<Enter><Enter><Esc>", "1:A Nieuw"},
     };
     for (const auto& r : rijen) {
         SCOPED_TRACE(vorm("%s %s", r.toetsen, r.weg));
@@ -309,60 +311,31 @@ TEST_F(Maten, RefusedWrites) {
     }
 }
 
-// Killed at each write in turn: behind a rebuild, where one is needed, the sizes are old or new, and no type has a
-// description without sizes.
-TEST_F(Maten, KilledAtWork) {
-    static int over;
-    const std::string idx = test::lees_bestand("DTMAAT.INX"), data = test::lees_bestand("DTMAAT.TXT"),
-                      sys = test::lees_bestand("DTSYS.TXT");
+// The sizes are old or new, and no type has a description without sizes.
+TEST_F(Maten, TypeAtEachWrite) {
     struct {
         uint8_t soort;
-        std::string tekst; // ENTER '\n', ESC '\033', F8 '\001'
-        const char *oud, *nieuw;
-        int minstens; // writes
+        const char* toetsen;
+        std::vector<std::string> goed;
     } const rijen[] = {
-        {1, "12\001XXS\n\033\033", "1:XS 2:S 3:M 4:L 5:XL Confectie", "6:XXS 1:XS 2:S 3:M 4:L 5:XL Confectie",
-         1},
-        {7, "j\nNieuw\nA\nB\n\033\033", "", "1:A 2:B Nieuw", 5},
-        {7, "j\nNieuw\nA\n\033Vj\n", "", "1:A Nieuw", 8},
+        {1,
+         "12\001XXS\n\033\033",
+         {"1:XS 2:S 3:M 4:L 5:XL Confectie", "6:XXS 1:XS 2:S 3:M 4:L 5:XL Confectie"}},
+        {7, "j\nNieuw\nA\nB\n\033\033", {"", "1:A ", "1:A 2:B ", "1:A 2:B Nieuw"}},
+        {7, "j\nNieuw\nA\n\033Vj\n", {"", "1:A ", "1:A Nieuw", ""}},
     };
-    for (const auto& r : rijen) {
-        int n = 1;
-        for (bool gedood = true; gedood; n++) {
-            SCOPED_TRACE(vorm("%d: write %d", r.soort, n));
-            test::schrijf_bestand("DTMAAT.INX", idx);
-            test::schrijf_bestand("DTMAAT.TXT", data);
-            test::schrijf_bestand("DTSYS.TXT", sys);
-            test::Terminal t([&] {
-                SCRINIT();
+    for (const auto& r : rijen)
+        test::bij_elke_schrijfactie(
+            [&] {
                 begin();
-                for (size_t i = r.tekst.size(); i-- > 0;)
-                    TOETSTERUG(r.tekst[i] == '\001' ? int32_t{K_F8} : r.tekst[i]);
-                over = n;
-                SYS.pwrite = [](int fd, const void* p, size_t lengte, off_t plaats) -> ssize_t {
-                    if (--over == 0)
-                        kill(getpid(), SIGKILL);
-                    return pwrite(fd, p, lengte, plaats);
-                };
                 maatsoort_onderhoud(4, 1, 1, r.soort);
-                SCREXIT();
-                return 0;
-            });
-            const int status = t.einde();
-            gedood = status == 128 + SIGKILL;
-            ASSERT_TRUE(gedood || status == 0) << t.scherm();
-            std::vector<std::string> gewist;
-            if (IXCHECK("DTMAAT") < 0) {
-                ASSERT_EQ(IXBLDIX("DTMAAT", &gewist), 1);
-            }
-            open(); // the file of this round
-            const std::string na = op_bestand(1, r.soort), naam = lijstnaam(MAATSOORTTABEL, {r.soort, ""});
-            EXPECT_TRUE(na == r.oud || na == r.nieuw ||
-                        (naam.empty() && std::string(r.nieuw).starts_with(na)))
-                << na;
-        }
-        EXPECT_GT(n, r.minstens);
-    }
+            },
+            r.toetsen, {"DTMAAT"},
+            [&] {
+                open();
+                return op_bestand(1, r.soort);
+            },
+            r.goed);
 }
 
 } // namespace

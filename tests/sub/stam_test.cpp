@@ -496,61 +496,24 @@ TEST_F(Stam, RelationDeleted) {
     EXPECT_EQ(rec<Partner>("edistam/DTRCLPAR", uint16_t{13})[0], 13);
 }
 
-// ---- a record in hand, refused or killed at each write
-
-enum Werk { VOEG_TOE, WIJZIG, WIS };
-
-// Refused, the record is ours as before, until it is let go.
-bool doe(Werk werk) {
-    Stampost post{&dtmerk};
-    merkrec m{};
-    m.merk = werk == VOEG_TOE ? 9 : 104;
-    if (post_lees(&post, &m, sizeof m, sizeof m.merk, true) < 0)
-        return false;
-    VASTIN(m.naam, "Z");
-    VASTIN(m.zoeknaam, "Z");
-    if (werk == WIS ? post_wis(&post) : post_schrijf(&post, &m, sizeof m))
-        return true;
-    EXPECT_TRUE(post.slot);
-    EXPECT_EQ(IXRESERVERINGEN(dtmerk->idxfd, dtmerk->h).size(), werk == VOEG_TOE ? 1u : 0u);
-    post_vrij(&post);
-    EXPECT_EQ(IXRESERVERINGEN(dtmerk->idxfd, dtmerk->h).size(), 0u);
-    return false;
-}
-
-TEST_F(Stam, RefusedAndKilledAtEachWrite) {
-    test::echt = SYS.pwrite;
+TEST_F(Stam, BrandAtEachWrite) {
     auto stand = [] {
         return VASTTEKST(rec<merkrec>("DTMERK", uint16_t{104}).naam) + "|" +
                VASTTEKST(rec<merkrec>("DTMERK", uint16_t{9}).naam);
     };
-    const std::string oud = stand(), index = test::lees_bestand("DTMERK.INX"),
-                      data = test::lees_bestand("DTMERK.TXT");
-    const char* const daarna[] = {"Nordlys|Z", "Z|", "|"};
-    for (Werk werk : {VOEG_TOE, WIJZIG, WIS}) {
-        int status = 1;
-        for (int n = 0; status != 0; n++)
-            for (bool dood : {false, true}) {
-                SCOPED_TRACE(vorm("%d, write %d, %d", werk, n, dood));
-                ASSERT_LT(n, 40);
-                const test::Afloop a = test::in_proces([&] {
-                    begin();
-                    test::over = n, test::doodgaan = dood;
-                    SYS.pwrite = test::stoor;
-                    const bool goed = doe(werk);
-                    return goed ? 0 : testing::Test::HasFailure() ? 8 : 7;
-                });
-                status = a.status;
-                EXPECT_TRUE(status == 0 || status == (dood ? 128 + SIGKILL : 7)) << status << a.uitvoer;
-                if (status == 128 + SIGKILL) {
-                    std::vector<std::string> gewist; // what was reserved
-                    EXPECT_EQ(IXBLDIX("DTMERK", &gewist), 1);
-                }
-                const std::string nu = stand();
-                EXPECT_TRUE(nu == daarna[werk] || (nu == oud && status != 0)) << status << nu;
-                test::schrijf_bestand("DTMERK.INX", index);
-                test::schrijf_bestand("DTMERK.TXT", data);
-            }
+    struct {
+        uint16_t merk;
+        const char *toetsen, *na;
+    } const rijen[] = {
+        {9, "j\nZ\nZZ\n\n\n\n\n\n\n\n", "Nordlys|Z"}, {104, "W11Z\n\033", "Z|"}, {104, "VJ\n", "|"}};
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.na);
+        test::bij_elke_schrijfactie(
+            [&] {
+                begin();
+                merk_scherm(r.merk);
+            },
+            r.toetsen, {"DTMERK"}, stand, {"Nordlys|", r.na});
     }
 }
 
