@@ -36,8 +36,6 @@ void voorbij_einde(ICB* icb, int32_t blok) {
 bool daal(const Zoeker& z, int32_t blok, int niveau) {
     ICB* icb = z.icb;
     int8_t sleutel = KNOOP(icb).keyno;
-    if (blok < icb->h.nkeys + 2)
-        return false;
     Leesuitslag uitslag = IXLEESKNOOP(icb, blok);
     if (uitslag == L_EINDE && !ALLEEN(icb))
         voorbij_einde(icb, blok);
@@ -88,13 +86,13 @@ bool is_sluitstuk(const Zoeker& z, int i) {
 }
 
 // Could the leaf in hand have been read while it was written? What shifts its entries by one hides an entry only when
-// the last one is of zeros, or else the last itself; and what cuts it down leaves its old lowest behind the new ones.
+// the last one is of zeros, or else the last itself. What cuts it down leaves old entries behind the new, higher ones:
+// what these hide is looked for at the leaf's edge, and in doubt there.
 bool gaaf(const Zoeker& z) {
     if (ALLEEN(z.icb) || z.aantal() < 2)
         return true;
     const uint8_t* laatste = z.entry(z.aantal() - 1);
-    return IXVERGELIJK(*z.def, z.entry(0), laatste, z.def->keylen) <= 0 &&
-           std::any_of(laatste, laatste + z.stap(), [](uint8_t b) { return b != 0; });
+    return std::any_of(laatste, laatste + z.stap(), [](uint8_t b) { return b != 0; });
 }
 
 // The search from the node in hand, which is a root or, when `zeker`, a leaf that surely holds the answer.
