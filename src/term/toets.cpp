@@ -270,7 +270,7 @@ void TOETSENOVERNEMEN() {
         for (const char* voor; *p == ' ';) {
             voor = p;
             const long key = strtol(p, &p, 10);
-            if (p == voor && getenv("ZGNIET")) // a blank with no number behind it
+            if (p == voor) // a blank with no number behind it
                 break;
             if (key >= 0 && key <= K_ONBEKEND)
                 TOETSTERUG(static_cast<int32_t>(key));
