@@ -4,6 +4,8 @@
 #pragma once
 #include "order/regel.h"
 #include "shared/registerrec.h"
+#include "term/tekst.h"
+#include <string>
 
 namespace zg {
 
@@ -37,16 +39,22 @@ void regel_prijscontext(const orderregel& regel);
 bool serie_past(const orderregel& regel);
 bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen);
 
-// registerprijs.cpp
-// The line's rows into the price set of the order's supplier and date, split around other dates. *veranderd: prices are others.
-bool prijsset_bij(const orderregel& regel, bool* veranderd);
-// A changed net price of the line into its labels, each at its own rate.
-bool label_prijzen(const orderregel& regel, const prijsrijen& oude_prijzen);
-// The order's discount from `was` to `kop.korting` into sets and labels of all lines: worked out first, noted in a scratch
-// file beside the supplier's work file, then written; korting_herstel finishes it behind a kill. The header with the new
-// discount is written in between. Lines that were skipped are named. False: nothing changed.
+// registerprijs.cpp: the line's prices into the register, under the lock of its series (a new one has its record): the price
+// set of the order's supplier and date, split around other dates, and with `oud`, the line's rows of before, the labels
+// that count in them, each at its own rate. *veranderd: a set that stood has other prices. False: told, and nothing was
+// written, or what was refused waits to be finished (order/prijswerk.h).
+bool prijzen_bij(const orderregel& regel, const prijsrijen* oud, bool* veranderd);
+// Before prices of a line change that stands on another order of this supplier and date, too: is the user sure?
+bool prijzen_vraag(const orderregel& regel);
+
+// registerkorting.cpp: the order's discount from `was` to `kop.korting` into sets and labels of all lines; the header with it
+// is written in between. No lock is held afterwards. Lines that were skipped are named. False: told, nothing changed.
 bool order_korting(int16_t was);
-bool korting_herstel();
+// May the order have another discount? Not (told) when a series of it is on another order of this supplier and date.
+bool orderkorting_toegestaan();
+
+// Lines that something could not be done to: a box with their numbers and series, under a text; none without lines.
+void regels_overgeslagen(const Tekst& boven, const std::vector<std::string>& regels);
 
 // registeretiket.cpp
 // Under the lock of the series. Is there room for what labels_bij would make, and does each fit? False: told why.

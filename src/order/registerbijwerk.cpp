@@ -64,7 +64,9 @@ Uitslag bijwerk_regel(const orderregel& regel, int soort) {
     return wijzig_labels(serie, [locatie](etiket* label) { return zet_locatie(label, locatie); });
 }
 
-void meld_overgeslagen(const std::vector<std::string>& regels) {
+} // namespace
+
+void regels_overgeslagen(const Tekst& boven, const std::vector<std::string>& regels) {
     constexpr size_t REGEL = 60;
     if (regels.empty())
         return;
@@ -77,10 +79,8 @@ void meld_overgeslagen(const std::vector<std::string>& regels) {
         }
         namen[nr] += (namen[nr].empty() ? "" : ", ") + r;
     }
-    ALARMBOX(TXT(T_REG_OVERGESLAGEN), namen[0].c_str(), namen[1].empty() ? nullptr : namen[1].c_str());
+    ALARMBOX(TXT(boven), namen[0].c_str(), namen[1].empty() ? nullptr : namen[1].c_str());
 }
-
-} // namespace
 
 void label_bijwerk(int soort) {
     constexpr int BREEDTE = 50;
@@ -111,7 +111,7 @@ void label_bijwerk(int soort) {
     }
     serie_los();
     WINCLOSE();
-    meld_overgeslagen(overgeslagen);
+    regels_overgeslagen(T_REG_OVERGESLAGEN, overgeslagen);
 }
 
 void label_los(const seriesleutel& sleutel) {

@@ -10,7 +10,7 @@ bool eti_intern;
 
 namespace {
 
-constexpr int64_t BEDRAG_MAX = 214748363, MILJARD = 1'000'000'000, MILJOEN = 1'000'000, ORDER = 10'000'000;
+constexpr int64_t MILJARD = 1'000'000'000, MILJOEN = 1'000'000, ORDER = 10'000'000;
 
 struct woorden {
     int32_t w[ETIPLAATS / 4];
@@ -35,7 +35,7 @@ bool zet(int32_t* woord, int64_t waarde) {
 }
 
 bool zet_bedrag(int32_t* woord, int32_t bedrag, uint8_t cijfer) {
-    return bedrag <= BEDRAG_MAX && bedrag >= -BEDRAG_MAX && cijfer <= 9 &&
+    return bedrag <= ETIBEDRAG_MAX && bedrag >= -ETIBEDRAG_MAX && cijfer <= 9 &&
            zet(woord, int64_t{bedrag} * 10 + cijfer);
 }
 

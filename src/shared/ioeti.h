@@ -13,6 +13,7 @@
 namespace zg {
 
 inline constexpr int ETIPLAATS = 36, ETIPLAATSEN = 10;
+inline constexpr int32_t ETIBEDRAG_MAX = 214748363; // of an amount on a label
 
 struct [[gnu::packed]] etiblok { // DTETI.TXT, block b at b x 376; a free one is zeros but for `volgende`
     seriesleutel serie;
