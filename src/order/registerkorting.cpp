@@ -131,7 +131,7 @@ bool orderkorting_toegestaan() {
         return true;
     constexpr int BREEDTE = 56;
     WINOPEN1(9, (SCHERM.cols - BREEDTE) / 2 + 1, 9, BREEDTE);
-    WINBOX("%s", TXT(T_REG_KORTING_TITEL));
+    WINBOX(" %s ", TXT(T_REG_KORTING_TITEL));
     int rij = 1;
     for (const Tekst* t : {&T_REG_KORTING_1, &T_REG_KORTING_2, &T_REG_KORTING_3, &T_REG_KORTING_4})
         SCRPUT(A_WAARDE, rij++, 2, "%s", TXT(*t));

@@ -5,9 +5,11 @@
 #include "order/programma.h"
 #include "order/register.h"
 #include "order/teksten.h"
+#include "order/wrk.h"
 #include "price/ing_val.h"
 #include "price/koers.h"
 #include "shared/maatbalk.h"
+#include "shared/report.h"
 #include "sub/omserie.h"
 #include "term/datum.h"
 #include "term/prompt.h"
@@ -232,7 +234,7 @@ bool prijzen_vraag(const orderregel& regel) {
         return true;
     constexpr int BREEDTE = 60;
     WINOPEN1(9, (SCHERM.cols - BREEDTE) / 2 + 1, 8, BREEDTE);
-    WINBOX("%s", TXT(T_REG_PRIJZEN_TITEL));
+    WINBOX(" %s ", TXT(T_REG_PRIJZEN_TITEL));
     int rij = 1;
     for (const Tekst* t : {&T_REG_PRIJZEN_1, &T_REG_PRIJZEN_2, &T_REG_PRIJZEN_3, &T_REG_PRIJZEN_4})
         SCRPUT(A_WAARDE, rij++, 2, "%s", TXT(*t));
