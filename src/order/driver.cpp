@@ -4,6 +4,7 @@
 #include "control/batchvw.h"
 #include "order/bestanden.h"
 #include "order/kop.h"
+#include "order/prijswerk.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
 #include "order/register.h"
@@ -214,6 +215,11 @@ bool ronde() {
         herstel_venster();
     else
         wrk_ruim_op(); // killed before WRK was there, or behind the commit: what is left means nothing
+    wrk_namen();
+    if (registermodus && journaal && !prijswerk_afmaken()) {
+        sluit_journaal(); // the disk refused: nobody may go on to an order whose prices are half changed
+        return true;
+    }
     if (journaal && ord_kies_order())
         verder = bewerk_order();
     sluit_journaal();

@@ -1,6 +1,7 @@
 // The header's screen and the work file.
 #include "order/kop.h"
 #include "order/programma.h"
+#include "order/register.h"
 #include "order/wrk.h"
 #include <cstring>
 
@@ -21,6 +22,16 @@ void lees_teksten(bool nieuw) {
     ord_tekst_lees(werk, 2, kop_betaling);
 }
 
+// The accepted header; another discount of an order with lines goes into the register with it.
+bool bewaar(bool nieuw) {
+    if (nieuw || !registermodus || aantal_regels == 0 || kop.korting == korting_bij_opening)
+        return ord_kop_schrijf(werk, kop_levering, kop_betaling);
+    if (!order_korting(korting_bij_opening))
+        return false;
+    korting_bij_opening = kop.korting; // it must not be taken twice
+    return true;
+}
+
 } // namespace
 
 bool order_kop(Itemwijze wijze) {
@@ -35,7 +46,7 @@ bool order_kop(Itemwijze wijze) {
         korting_bij_opening = kop.korting;
     if (wijze == Itemwijze::lezen)
         return false;
-    if (goed && !ord_kop_schrijf(werk, kop_levering, kop_betaling)) {
+    if (goed && !bewaar(nieuw)) {
         // Told: the file holds the old header, so the screen does too.
         kop = oud;
         return false;

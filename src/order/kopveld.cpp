@@ -4,9 +4,9 @@
 #include "order/bestanden.h"
 #include "order/dialog.h"
 #include "order/kop.h"
-#include "order/later.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
+#include "order/register.h"
 #include "order/teksten.h"
 #include "order/wrk.h"
 #include "price/ing_val.h"
@@ -202,7 +202,7 @@ bool veld_inkoopcode(int rij) {
 }
 
 bool veld_korting(int rij) {
-    if (etiketten_volgen_niet(T_KOP_GEEN_KORTING))
+    if (!orderkorting_toegestaan())
         return false;
     int16_t oud = kop.korting;
     double procent = kop.korting / -100.0;

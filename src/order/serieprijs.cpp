@@ -4,6 +4,7 @@
 #include "order/aantallen.h"
 #include "order/regelscherm.h"
 #include "order/regelstam.h"
+#include "order/register.h"
 #include "order/serie.h"
 #include "order/teksten.h"
 #include "price/prijsinvoer.h"
@@ -147,6 +148,7 @@ void doe_keuze(int keus) {
 
 // The choices until ESC; false when a duplicate was given up.
 bool keuzes(Prijsmodus modus) {
+    bool zeker = false; // of prices that are another order's too
     for (int pagina = 1;;) {
         while (pagina > 1 && !er_is_pagina(pagina))
             pagina--;
@@ -165,9 +167,12 @@ bool keuzes(Prijsmodus modus) {
         const int keus = KEUZE(KEUSRIJ, KOLOM);
         const int32_t toets = SCHERM.laatste;
         SCRCLREOL(KEUSRIJ, 1);
-        if (keus >= 0)
-            doe_keuze(keus);
-        else if (toets == K_F7 || toets == K_F8)
+        if (keus >= 0) {
+            if (modus == Prijsmodus::wijzigen && keus != P_MATEN)
+                zeker = zeker || prijzen_vraag(regel_nu);
+            if (zeker || modus != Prijsmodus::wijzigen || keus == P_MATEN)
+                doe_keuze(keus);
+        } else if (toets == K_F7 || toets == K_F8)
             pagina += toets == K_F8 ? 1 : -1;
         else if (toets != K_F6)
             return true;
