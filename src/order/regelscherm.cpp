@@ -5,6 +5,7 @@
 #include "order/aantallen.h"
 #include "order/kop.h"
 #include "order/matrix.h"
+#include "order/prijswerk.h"
 #include "order/programma.h"
 #include "order/regelstam.h"
 #include "order/register.h"
@@ -253,10 +254,7 @@ bool doe_item(int keus, bool lezen, prijsrijen* prijzen) {
     switch (keus) {
     case I_ORDER:
         if (order_kop(lezen ? Itemwijze::lezen : Itemwijze::wijzigen)) {
-            bool korting = registermodus && kop.korting != korting_bij_opening;
             vul_valuta();
-            if (korting)
-                order_korting(korting_bij_opening);
             order_totalen();
             korting_bij_opening = kop.korting;
         }
@@ -311,7 +309,9 @@ void voeg_in(Blad& blad, bool met_model, const prijsrijen* oud = nullptr) {
 
 // The changed line likewise, and its totals over the old ones.
 void bewaar_wijziging(const ordertotalen& oud, const prijsrijen& prijzen) {
-    if ((registermodus && !serie_past(regel_nu)) || !wrk_regel_vervang(&regelingang, &regel_nu))
+    if (registermodus && (!serie_past(regel_nu) || !prijzen_kunnen(regel_nu, prijzen)))
+        return;
+    if (!wrk_regel_vervang(&regelingang, &regel_nu))
         return;
     if (registermodus && !serie_bewaar(&regel_nu, false, prijzen))
         return order_totalen();
@@ -414,6 +414,8 @@ void order_scherm() {
             continue;
         }
         regelstam_vergeet();
+        if (registermodus && !prijswerk_afmaken())
+            continue; // prices that are half changed come first
         // The rate of the day for this action. Another one than that of the screen counts for all lines; those of the full
         // registration each have the rate that they were bought at.
         if (order_prijscontext() && !registermodus) {

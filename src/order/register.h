@@ -41,9 +41,11 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
 
 // registerprijs.cpp: the line's prices into the register, under the lock of its series (a new one has its record): the price
 // set of the order's supplier and date, split around other dates, and with `oud`, the line's rows of before, the labels
-// that count in them, each at its own rate. *veranderd: a set that stood has other prices. False: told, and nothing was
-// written, or what was refused waits to be finished (order/prijswerk.h).
-bool prijzen_bij(const orderregel& regel, const prijsrijen* oud, bool* veranderd);
+// that count in them, each at its own rate. False: told, and nothing was written, or what was refused waits to be finished
+// (order/prijswerk.h).
+bool prijzen_bij(const orderregel& regel, const prijsrijen* oud);
+// Does what the labels would become fit? False: told.
+bool prijzen_kunnen(const orderregel& regel, const prijsrijen& oud);
 // Before prices of a line change that stands on another order of this supplier and date, too: is the user sure?
 bool prijzen_vraag(const orderregel& regel);
 

@@ -134,12 +134,7 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
         if (s.merk != oud_merk || memcmp(s.model, oud_model, sizeof oud_model) != 0)
             serie_mutatie('G', s, oud_merk);
     }
-    bool veranderd = false;
-    if (!prijsset_bij(*regel, &veranderd))
-        return false;
-    if (veranderd && !nieuw)
-        serie_mutatie('W', s);
-    if ((!nieuw && !label_prijzen(*regel, oude_prijzen)) || !labels_bij(regel, &s) ||
+    if (!prijzen_bij(*regel, nieuw ? nullptr : &oude_prijzen) || !labels_bij(regel, &s) ||
         !schrijf_codes(*regel, s) || !serie_schrijf(s))
         return false;
     regel->serie = s;

@@ -185,7 +185,13 @@ bool prijs_periode(const serrec& serie, prijsset* set) {
     return heel;
 }
 
-bool prijzen_bij(const orderregel& regel, const prijsrijen* oud, bool* veranderd) {
+bool prijzen_kunnen(const orderregel& regel, const prijsrijen& oud) {
+    prijsserie p{};
+    p.serie = regel_serie(regel);
+    return bereken_etiketten(regel, serie_van(regel), oud, &p) && prijzen_passen(p);
+}
+
+bool prijzen_bij(const orderregel& regel, const prijsrijen* oud) {
     const serrec serie = serie_van(regel);
     prijswerk noot{kop.leverancier, kop.orderdatum, kop.ordernummer, kop.korting, {}};
     prijsserie& p = noot.series.emplace_back();
@@ -194,26 +200,19 @@ bool prijzen_bij(const orderregel& regel, const prijsrijen* oud, bool* veranderd
     p.regel = regelingang.regel;
     if (!bereken_set(regel, serie, &p) || (oud && !bereken_etiketten(regel, serie, *oud, &p)))
         return false;
-    if (!prijzen_passen(p))
-        return false;
-    *veranderd = p.stond && p.zet;
-    if (!p.zet && p.etiketten.empty())
-        return true;
-    // A set alone is one write, old or new.
+    // A set alone is old or new; with labels it is noted first.
     const bool noteren = !p.etiketten.empty();
+    if (!p.zet && !noteren)
+        return true;
     if (noteren && !prijswerk_noteer(noot))
         return false;
-    switch (prijswerk_serie(noot, p, serie)) {
-    case Prijsuit::geweigerd:
+    const Prijsuit uit = prijswerk_serie(noot, p, serie);
+    if (uit == Prijsuit::geweigerd)
         return false;
-    case Prijsuit::anders:
-        regels_overgeslagen(T_REG_PRIJS_OVER, {prijswerk_naam(p)});
-        break;
-    case Prijsuit::goed:
-        break;
-    }
     if (noteren)
         prijswerk_wis();
+    if (uit == Prijsuit::anders)
+        regels_overgeslagen(T_REG_PRIJS_OVER, {prijswerk_naam(p)});
     return true;
 }
 
