@@ -103,36 +103,6 @@ TEST(VeldFormaat, Bereik) {
     lees("255f", d);
     EXPECT_EQ(INSTEL.maximum, 1e255);
 }
-
-TEST(VeldFormaat, Laden) {
-    struct {
-        const char* formaat;
-        Doel doel;
-        const char* tekst;
-        double waarde;
-    } const gevallen[] = {
-        {"8B", getal<int32_t>(-123456), "-1234.56", -1234.56},
-        {"6d", getal<int16_t>(-32768), "-32768", -32768},
-        {"4n", getal<int8_t>(-100), "-100", -100},
-
-        {"6.2f", getal<double>(-DBL_MAX / 0.5), "0.00", 0},
-        {"8D", getal<uint16_t>(42490), "30-04-16", 42490},
-        {"9b", getal<uint8_t>(0), "N", 0},
-        {"8D,I", getal<uint16_t>(42490), "", 0},
-        {"4c", tekst("abcdefgh"), "abcd", 0},
-        {"4s", tekst("abcd"), "abcd", 0},
-
-    };
-    for (auto g : gevallen) {
-        SCOPED_TRACE(g.formaat);
-        lees(g.formaat, g.doel);
-        EXPECT_STREQ(ingavetekst, g.tekst);
-        EXPECT_EQ(ingavewaarde, g.waarde);
-        for (size_t i = strlen(ingavetekst); i < INGAVEMAX; i++)
-            ASSERT_EQ(ingavetekst[i], 0);
-    }
-}
-
 // What the program may not do wrong, with the report that stops it.
 TEST(VeldFormaatDeathTest, Fouten) {
     struct {
@@ -163,31 +133,5 @@ TEST(VeldFormaatDeathTest, Fouten) {
             testing::ExitedWithCode(1), g.melding);
     }
 }
-
-TEST(Instel, Toetsen) {
-    INSTELLEEG();
-    for (int32_t key : {0, -1, -2, 512, 1 << 30})
-        TOETSAAN(key);
-    EXPECT_TRUE(INSTEL.toe.none());
-    memset(SCHERM.toets, 0, sizeof SCHERM.toets);
-    SCHERM.toets[key_cancel] = K_CANCEL;
-    SCHERM.toets[key_up] = K_UP;
-    for (int32_t key : {int32_t{K_CANCEL}, int32_t{K_HELP}, int32_t{'a'}, int32_t{K_UP}})
-        TOETSAAN(key);
-    TOETSUIT(K_CANCEL); // only the named key is taken away
-    EXPECT_TRUE(TOETSTOE(K_ESC) && TOETSTOE(K_F1) && !TOETSTOE(K_CANCEL));
-    EXPECT_TRUE(TOETSNAMED(K_UP) && !TOETSNAMED('a') && !TOETSCHECK(K_UP));
-    TOETSCHECKAAN(K_UP);
-    TOETSCHECKAAN(0); // the empty slots have no bit
-    EXPECT_EQ(INSTEL.check, 1u << key_up);
-    EXPECT_TRUE(TOETSCHECK(K_UP));
-    TOETSCHECKAAN(K_CANCEL);
-    TOETSCHECKUIT(K_CANCEL);
-    TOETSUIT(K_UP);
-    EXPECT_FALSE(TOETSCHECK(K_UP));
-    INSTELLEEG();
-    EXPECT_TRUE(!TOETSTOE('a') && INSTEL.maximum == -1.0);
-}
-
 } // namespace
 } // namespace zg

@@ -161,6 +161,12 @@ TEST(VeldIngave, Getallen) {
 
         {"8B,ZP", "0", "12,34", "<Enter>", "1234", ANDERS, K_ENTER, "12,34___", "12.34   "},
 
+        // negative ones out of each width
+        {"9B", "-123456", "", "<Enter>", "-123456", VERS, K_ENTER, "-1234.56_", "-1234.56 "},
+        {"6d", "-321", "", "<Enter>", "-321", VERS, K_ENTER, "-321__"},
+        {"4n", "-100", "", "<Enter>", "-100", VERS, K_ENTER, "-100"},
+        {"9l", "-3000000", "", "<Enter>", "-3000000", VERS, K_ENTER, "-3000000_"},
+
         // ranges, in words and with the caller's bounds; what doesn't fit stays whole
         {"4u,PE", "3", "<Back>12345", "<Enter>", "1234", ANDERS, K_ENTER, "1234", "1234",
          "Tik <ENTER> toets"},
