@@ -89,6 +89,7 @@ int32_t berekend(int32_t inkoop, bool afronden) {
 }
 
 void toon_bedrag(int rij, int32_t bedrag) {
+    SCRCLREOL(rij, CALCWAARDE); // one before it may have been wider
     SCRPUT(A_WAARDE, rij, CALCWAARDE, "%*s", CALCBREEDTE, bedrag > 0 ? bedrag_tekst("", bedrag).c_str() : "");
 }
 
