@@ -2,6 +2,7 @@
 #include "shared/iotab.h"
 #include "shared/files.h"
 #include "shared/houder.h"
+#include "shared/iofil.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "shared/teksten.h"
@@ -264,6 +265,8 @@ int32_t iotab_teller(int sysrecord, int32_t hoogste, bool (*bezet)(int32_t)) {
 
 void sys_lees() {
     lees_image(1, &firma);
+    if (firma.filialen > FILIALEN) // records by branch have no more places, whatever stands there
+        firma.filialen = FILIALEN;
     lees_image(10, &status10);
     lees_image(15, &instel15);
 }

@@ -87,6 +87,9 @@ TEST_F(Tabellen, ShortFileReadsAsEmpty) {
     EXPECT_EQ(loop('N', 1), "(6)");
     Slot<tekst20> slot{3, {}};
     EXPECT_EQ(iotab('R', &slot, SYS_KLEUR), 0);
+    schrijf_bestand("DTSYS.TXT", std::string(64, '\xFF'));
+    sys_lees();
+    EXPECT_EQ(firma.filialen, FILIALEN);
     schrijf_bestand("DTSYS.TXT", "");
     sys_lees();
     EXPECT_EQ(firma.filialen, 0);
