@@ -32,6 +32,16 @@ bool bewaar(bool nieuw) {
     return true;
 }
 
+// What the labels of the lines hold of the header, changed.
+void naar_etiketten(const ordkop& oud) {
+    if (kop.inkoopcode != oud.inkoopcode)
+        label_bijwerk(1);
+    if (kop.ontvangstlocatie != oud.ontvangstlocatie) {
+        label_bijwerk(2);
+        ordnr_locatie();
+    }
+}
+
 } // namespace
 
 bool order_kop(Itemwijze wijze) {
@@ -51,6 +61,8 @@ bool order_kop(Itemwijze wijze) {
         kop = oud;
         return false;
     }
+    if (goed && registermodus && !nieuw && aantal_regels > 0)
+        naar_etiketten(oud);
     return nieuw ? goed : anders;
 }
 

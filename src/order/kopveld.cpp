@@ -78,14 +78,6 @@ void code_waarde(int rij, const Lijsttabel& tabel, const Lijstcode& code, int ko
     waarde(rij, tekst + lijstnaam(tabel, code));
 }
 
-// What labels would have to follow: not before the full registration can. Tells why.
-bool etiketten_volgen_niet(const Tekst& waarom) {
-    if (!registermodus || aantal_regels == 0)
-        return false;
-    error("%s", TXT(waarom));
-    return true;
-}
-
 // ---- values
 
 void toon_leverancier(int rij) {
@@ -150,8 +142,6 @@ bool veld_datum(int rij) {
 }
 
 bool veld_locatie(int rij) {
-    if (etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN))
-        return false;
     DMREC* menu = DMNEW(TXT(T_KOP_LOCATIE_TITEL));
     DMITEM(menu, TXT(T_KOP_1_MAGAZIJN), 1, 1);
     DMITEM(menu, TXT(T_KOP_2_FILIAAL), 2, 1);
@@ -197,8 +187,7 @@ bool veld_collectie(int rij) {
 }
 
 bool veld_inkoopcode(int rij) {
-    return !etiketten_volgen_niet(T_KOP_HEEFT_ETIKETTEN) &&
-           lijstveld(INKOOPTABEL, rij, KOPWAARDE, "", &kop.inkoopcode) == Lijstuit::anders;
+    return lijstveld(INKOOPTABEL, rij, KOPWAARDE, "", &kop.inkoopcode) == Lijstuit::anders;
 }
 
 bool veld_korting(int rij) {

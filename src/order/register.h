@@ -68,6 +68,10 @@ bool labels_bij(orderregel* regel, serrec* serie);
 // A line's labels on order go, under the lock of its series, whose counters in regel->serie the caller writes; how many
 // labels it keeps. False: told, all stand.
 bool label_wis(orderregel* regel, int* over);
+// registerweg.cpp: a line's part in the register before the line itself is deleted, under the lock of its series: labels,
+// and behind a question on a row the series that has none left. False: told, the line must stay.
+bool serie_regel_weg(orderregel* regel, int vraagrij);
+// registerbijwerk.cpp
 // 1 the header's purchase code, 2 its receiving location into the labels of all lines, behind the write of the header.
 // Takes the lock of each series in turn: none is held behind it. Lines that were skipped are named.
 void label_bijwerk(int soort);

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <unordered_map>
 
 namespace zg {
 namespace eti {
@@ -39,29 +40,23 @@ int64_t stappen; // blocks of the walk
 int32_t zoek_blok = -1;
 int zoek_plek;
 
-artrec groep; // of the last label's article group
-bool groep_gevraagd;
+std::unordered_map<int32_t, uint16_t> btw; // by article group, until the file is opened anew
 
-void vergeet_groep() {
-    groep = {};
-    groep_gevraagd = false;
+void vergeet_btw() {
+    btw.clear();
 }
 
 // VAT of a label that doesn't hold it, tenths of a per cent.
 uint16_t btw_van(int32_t artikelgroep) {
     constexpr int BTWCODES = 10;
-    if (!groep_gevraagd || groep.artikelgroep != artikelgroep) {
-        stam_houder(vergeet_groep);
-        artrec rec{};
-        const bool gelezen =
-            artikelgroep && (dtart ? leesart(dtart, &rec, artikelgroep) : opart(&rec, artikelgroep));
-        groep = rec;
-        groep.artikelgroep = artikelgroep;
-        if (!gelezen)
-            groep.btwcode = 1;
-        groep_gevraagd = true;
-    }
-    return groep.btwcode >= 1 && groep.btwcode <= BTWCODES ? firma.btw[groep.btwcode - 1] : uint16_t{0};
+    if (const auto bekend = btw.find(artikelgroep); bekend != btw.end())
+        return bekend->second;
+    stam_houder(vergeet_btw);
+    artrec groep{};
+    const bool er =
+        artikelgroep && (dtart ? leesart(dtart, &groep, artikelgroep) : opart(&groep, artikelgroep));
+    const int code = er ? groep.btwcode : 1;
+    return btw[artikelgroep] = code >= 1 && code <= BTWCODES ? firma.btw[code - 1] : uint16_t{0};
 }
 
 void pak_uit(const uint8_t* plaats, const seriesleutel& van, uint16_t etiketsoort, etiket* label) {
@@ -143,13 +138,15 @@ int lees_label(int32_t nummer, etiket* label) {
 
 // Over a place of the block in memory.
 bool schrijf_plaats(int plaats, const uint8_t* bytes) {
-    if (!memcmp(blok.plaats[plaats], bytes, ETIPLAATS))
+    uint8_t* oud = blok.plaats[plaats];
+    if (!memcmp(oud, bytes, ETIPLAATS))
         return true;
-    if (SYSVERVANG(fd, bytes, ETIPLAATS, plaats_van(blok_nr, plaats))) {
-        memcpy(blok.plaats[plaats], bytes, ETIPLAATS);
+    if (SYSSCHRIJFOP(fd, bytes, ETIPLAATS, plaats_van(blok_nr, plaats))) {
+        memcpy(oud, bytes, ETIPLAATS);
         return true;
     }
     const int fout = errno;
+    SYSSCHRIJFOP(fd, oud, ETIPLAATS, plaats_van(blok_nr, plaats)); // it was half written, perhaps
     ioeti_vergeet();
     SCHRIJFFOUT(BESTAND, fout);
     return false;
@@ -274,6 +271,7 @@ void open_bestand() {
     if (fd < 0)
         OPENFAIL("ioeti", BESTAND);
     ioeti_vergeet();
+    vergeet_btw();
     sysgetal getal;
     int32_t nr = 20;
     iotab('R', &nr, &getal, SYS_RECORD);
