@@ -331,8 +331,24 @@ void dupliceer(Blad& blad) {
         voeg_in(blad, model_veranderd);
 }
 
+// The line's labels go first; a series that has gone has none. False: the line must stay, since labels would be left
+// without it.
+bool uit_register() {
+    switch (serie_laad(&regel_nu, true, true)) {
+    case Serie::gelezen:
+        return serie_regel_weg(&regel_nu, MENURIJ);
+    case Serie::stuk:
+        error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
+        return false;
+    default:
+        return true;
+    }
+}
+
 void verwijder(Blad& blad, const ordertotalen& totaal) {
     if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
+        return;
+    if (registermodus && !uit_register())
         return;
     if (!wrk_regel_uit(&regelingang))
         return;
