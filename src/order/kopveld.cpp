@@ -136,6 +136,8 @@ void toon_betaling(int rij) {
 
 bool veld_datum(int rij) {
     uint16_t datum = kop.orderdatum;
+    if (registermodus && aantal_regels > 0)
+        INSTEL.minimum = datum; // the series of the lines are as old as the order
     bool anders = INGAVE(rij, KOPWAARDE, "D,E", &SCHERM.toets[key_cancel], &datum) != 0;
     kop.orderdatum = datum;
     return anders;
@@ -257,8 +259,7 @@ bool vrij() {
     return eerste_kop || !registermodus || zonder_regels();
 }
 bool datum_vrij() {
-    // The pieces of the full registration are labels; as long as they can't be counted there are some.
-    return vrij();
+    return vrij() || ordertotaal.stuks == 0; // labels have the date of their order
 }
 bool korting_vrij() {
     // With 100 % off, stored by others, no price can be computed back.

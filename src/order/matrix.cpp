@@ -1,8 +1,10 @@
 // The order matrix, see order/matrix.h. Rows and columns are those of its window, 21 by 78 inside the border.
 #include "order/matrix.h"
 #include "order/bestanden.h"
+#include "order/programma.h"
 #include "order/regelscherm.h"
 #include "order/regelstam.h"
+#include "order/register.h"
 #include "order/teksten.h"
 #include "price/ing_val.h"
 #include "shared/maatbalk.h"
@@ -227,9 +229,10 @@ ordermatrix matrix_bouw(Matrixkeuze keuze, const ordmodel& als) {
     orderregel regel;
     ors_ingang in{};
     for (bool er = ors_lees('F', &in); er; er = ors_lees('N', &in)) {
-        if (in.m == loop.m && !past(keuze, loop.model, als))
+        if (!registermodus && in.m == loop.m && !past(keuze, loop.model, als))
             continue; // another line of a model that isn't ours
-        if (!regel_lees(&loop, in, &regel) || !past(keuze, regel.model, als))
+        // In the full registration a line that can't be loaded has its row, without pieces.
+        if ((!regel_volledig(&loop, in, &regel) && !registermodus) || !past(keuze, regel.model, als))
             continue;
         matrixsleutel sleutel{
             regel.model.maatsoort, stelsels.van(regel.model), false, regel.dessin.kleur, {}};
@@ -242,14 +245,12 @@ ordermatrix matrix_bouw(Matrixkeuze keuze, const ordmodel& als) {
         matrixrij& totaal = uit.rijen[sleutel];
         tel_maten(regel.dessin.maten, &rij);
         tel_maten(regel.dessin.maten, &totaal);
-        for (const levterm& term : regel.termen)
-            for (const levcel& cel : term.cellen) {
-                for (matrixrij* r : {&rij, &totaal})
-                    r->aantal[0] += cel.aantal, r->aantal[cel.maat] += cel.aantal,
-                        maat_aan(r->maten, cel.maat);
-                tel_op(&uit.netto, int64_t{cel.aantal} * up_lees(regel.prijzen.netto, cel.maat));
-                tel_op(&uit.inkoop, int64_t{cel.aantal} * up_lees(regel.prijzen.inkoop, cel.maat));
-            }
+        regel_besteld(regel, [&](const levcel& cel) {
+            for (matrixrij* r : {&rij, &totaal})
+                r->aantal[0] += cel.aantal, r->aantal[cel.maat] += cel.aantal, maat_aan(r->maten, cel.maat);
+            tel_op(&uit.netto, int64_t{cel.aantal} * up_lees(regel.prijzen.netto, cel.maat));
+            tel_op(&uit.inkoop, int64_t{cel.aantal} * up_lees(regel.prijzen.inkoop, cel.maat));
+        });
     }
     return uit;
 }

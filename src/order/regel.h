@@ -72,6 +72,21 @@ void regelloop_begin(regelloop* loop);
 bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
 bool regel_lees(const ors_ingang& ingang, orderregel* regel);
 
+// What was ever ordered on a line, as cells above 0: its matrix; of a line without matrices its terms, since nothing is
+// delivered then.
+template <class F> void regel_besteld(const orderregel& regel, F doe) {
+    if (regel.order_aantallen.empty()) {
+        for (const levterm& term : regel.termen)
+            for (const levcel& cel : term.cellen)
+                doe(cel);
+        return;
+    }
+    for (int filiaal = 0; filiaal < firma.filialen; filiaal++)
+        for (int maat = 1; matrix_cel(regel.order_aantallen, filiaal, 0) && maat <= MATEN; maat++)
+            if (const int32_t aantal = matrix_cel(regel.order_aantallen, filiaal, maat); aantal > 0)
+                doe(levcel{static_cast<uint8_t>(filiaal), static_cast<uint8_t>(maat), aantal});
+}
+
 // What the S record of a size gets: as it was stored while nobody changed it, 0 for an unknown price.
 int32_t regel_bruto_opslag(const orderregel& regel, int maat);
 int32_t regel_netto_opslag(const orderregel& regel, int maat);

@@ -1,7 +1,9 @@
 // The memory and the rules of order/verdelen.h.
 #include "order/verdelen.h"
 #include "order/meld.h"
+#include "order/programma.h"
 #include "order/regelstam.h"
+#include "order/register.h"
 #include "order/wrk.h"
 #include "shared/filveld.h"
 #include "shared/maatbalk.h"
@@ -228,6 +230,18 @@ void verdeel_maat(Maatdeling& d) {
     d.geef_rest(d.over);
 }
 
+// The pieces of the other lines of the model where the register holds them.
+void herbouw_register(const orderregel& regel, const ors_ingang* eigen) {
+    regelloop loop;
+    regelloop_begin(&loop);
+    orderregel ander;
+    ors_ingang in{};
+    for (bool er = ors_lees('F', &in); er; er = ors_lees('N', &in))
+        if (!(eigen && eigen->d == in.d) && regel_volledig(&loop, in, &ander) &&
+            zelfde_model(ander.model, regel.model))
+            regel_besteld(ander, [](const levcel& cel) { verdeel_boek(cel.filiaal, cel.maat, cel.aantal); });
+}
+
 } // namespace
 
 void verdeel_start(const ordmodel& m, const uint8_t* uitgesloten) {
@@ -265,6 +279,8 @@ void verdeel_herbouw(const orderregel& regel, const ors_ingang* eigen, uint16_t 
                 verdeel_boek(cel.filiaal, cel.maat, cel.aantal);
     if (!werk)
         return;
+    if (registermodus)
+        return herbouw_register(regel, eigen);
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
