@@ -62,7 +62,8 @@ std::string tekst(const prijsrijen& rijen) {
     return uit;
 }
 
-// Groups along the bar, each to a size: gross, net, advice; 0 is a price that isn't known yet.
+// Groups along the bar, each to a size: gross, net, advice; 0 is a price that isn't known yet. Sizes without a gross price
+// (-1) aren't there, their advice price is kept.
 struct Groep {
     int tot, bruto, netto, advies;
 };
@@ -73,7 +74,9 @@ prijsrijen rijen_van(const std::vector<Groep>& groepen) {
     for (const Groep& g : groepen)
         for (; maat <= g.tot - 39; maat++) {
             const auto m = static_cast<size_t>(maat);
-            rijen.bruto[m] = of(g.bruto), rijen.netto[m] = of(g.netto), rijen.advies[m] = of(g.advies);
+            rijen.advies[m] = of(g.advies);
+            if (g.bruto >= 0)
+                rijen.bruto[m] = of(g.bruto), rijen.netto[m] = of(g.netto);
         }
     up_inkoop_alle(&rijen);
     return rijen;
@@ -162,7 +165,7 @@ TEST_F(Prijsinvoer, new_prices) {
 }
 
 TEST_F(Prijsinvoer, changed_prices) {
-    const std::vector<Groep> drie = {{41, 10000, 8000, 20000}, {43, 5000, 5000, 9000}, {44, 0, 0, 0}};
+    const std::vector<Groep> drie = {{41, 10000, 8000, 20000}, {43, 5000, 5000, 9000}, {44, 0, 0, 0}, {45, -1, 0, 9000}};
     std::vector<Groep> zeven, negen;
     for (int i = 1; i <= 7; i++)
         zeven.push_back({39 + i, i, i, 10});
@@ -207,7 +210,8 @@ TEST_F(Prijsinvoer, changed_prices) {
          {"Maximaal 8 verschillende verkoopprijzen", "Maximaal 8"},
          "40-41 100 100 100 2, 42-42 100 100 100 3, 43-43 100 100 100 4, 44-44 100 100 100 5, 45-45 100 100 100 6, "
          "46-46 100 100 100 7, 47-47 100 100 100 8, 48-48 100 100 100 9"},
-        {"advice prices by their own groups", up_wijzigen_advies, drie, "42<Enter>150<Enter><Enter><Enter><Esc><Esc>", {},
+        {"advice prices by their own groups; nothing to calculate from two purchase prices", up_wijzigen_advies, drie,
+         "45<Enter>|42<Enter><F10>|150<Enter><Enter><Enter><Esc><Esc>", {"<45> Onbekende/foutieve maat", "Ongeldige toets"},
          "40-41 10000 8000 8000 15000, 42-42 5000 5000 5000 15000, 43-43 5000 5000 5000 9000, 44-44 ? ? ? ?"},
         {"calculated; the eighth advice group runs to the end", up_wijzigen_advies, negen,
          "<Enter><F10><Tab>|2<Enter><Enter><Enter><Enter><Enter><Enter><Enter><Enter><Enter><Enter><Enter>"
