@@ -271,33 +271,28 @@ void wijzigen(const Soort& soort, prijsrijen* rijen, int rij, bool doorlopen) {
     }
 }
 
-void wijzigen_inkoop_bij(const Soort& soort, prijsrijen* rijen, int rij, bool doorlopen) {
-    wijzigen(soort, rijen, rij, doorlopen);
-    up_inkoop_alle(rijen);
-}
-
 } // namespace
 
 void up_definieren_prijzen(prijsrijen* rijen, const uint8_t* maten) {
     definieren(PRIJZEN, rijen, maten);
-    wijzigen_inkoop_bij(PRIJZEN, rijen, 0, false);
+    wijzigen(PRIJZEN, rijen, 0, false);
 }
 
 void up_definieren_inkoop(prijsrijen* rijen, const uint8_t* maten) {
     definieren(INKOOP, rijen, maten);
-    wijzigen_inkoop_bij(INKOOP, rijen, 0, false);
+    wijzigen(INKOOP, rijen, 0, false);
 }
 
 void up_wijzigen_prijzen(prijsrijen* rijen, int rij) {
-    wijzigen_inkoop_bij(PRIJZEN, rijen, rij, true);
+    wijzigen(PRIJZEN, rijen, rij, true);
 }
 
 void up_wijzigen_inkoop(prijsrijen* rijen, int rij) {
-    wijzigen_inkoop_bij(INKOOP, rijen, rij, true);
+    wijzigen(INKOOP, rijen, rij, true);
 }
 
 void up_wijzigen_advies(prijsrijen* rijen, int rij) {
-    wijzigen_inkoop_bij(ADVIES, rijen, rij, true);
+    wijzigen(ADVIES, rijen, rij, true);
 }
 
 } // namespace zg

@@ -97,8 +97,11 @@ bool vraag_bruto(prijsgroep_info* groep, Prijsverloop verloop) {
 }
 
 bool vraag_netto(prijsgroep_info* groep, Prijsverloop verloop) {
-    if (groep->bruto < 1 && (!vraag_bruto(groep, verloop) || groep->bruto < 1))
-        return false;
+    if (groep->bruto < 1) {
+        if (!vraag_bruto(groep, verloop) || groep->bruto < 1)
+            return false;
+        up_netto_groep(up_lay.rijen, groep, 0); // what is proposed, and stays on cancel
+    }
     const bool wijzigen = verloop == Prijsverloop::wijzigen;
     const Bedragvraag v{PK_NETTO, up_context.valuta, wijzigen, wijzigen ? &T_KORTINGSMETHODE : nullptr,
                         netto_grens(groep->bruto)};

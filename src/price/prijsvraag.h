@@ -14,7 +14,8 @@ enum class Prijsverloop { definieren, wijzigen };
 bool vraag_maatbereik(prijsgroep_info* groep, int nummer, int laatste_nr);
 // While prices are defined it is asked until there is one; F10 chooses the method of discount there.
 bool vraag_bruto(prijsgroep_info* groep, Prijsverloop verloop);
-// Of a group without a gross price that one is asked first. F10 takes off a new discount instead, in the change flow.
+// Of a group without a gross price that one is asked first, and is its net price until another is given. F10 takes off a new
+// discount instead, in the change flow.
 bool vraag_netto(prijsgroep_info* groep, Prijsverloop verloop);
 // F10 calculates it, where all sizes of the group have one purchase price. `nummer` of the group, from 0.
 bool vraag_advies(prijsgroep_info* groep, int nummer);
