@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 #include <string>
 #include <unordered_map>
 
@@ -454,11 +455,13 @@ void ioeti_keur_af(int32_t nummer, const char* reden) {
 }
 
 void ioeti_schademeld(const seriesleutel& van) {
+    static std::set<std::string> verteld; // each once a run: a line is read at every repaint
     char regel[80];
     snprintf(regel, sizeof regel, TXT(T_ETI_SCHADE), BESTAND, van.artikelgroep, van.kleur, van.volgnummer,
              schade.blok);
-    const std::string reden = schade.reden; // the box may be waited at while another is noted
-    ALARMBOX(regel, reden.c_str());
+    const std::string reden = schade.reden;
+    if (verteld.insert(regel + reden).second)
+        ALARMBOX(regel, reden.c_str());
 }
 
 } // namespace zg

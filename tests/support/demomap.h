@@ -9,8 +9,8 @@ namespace zg::test {
 
 class DemoMap {
 public:
-    // The firm of these texts; its data is made once a test program, and copied.
-    explicit DemoMap(const std::string& teksten = "data/demo");
+    // The firm of these texts, in the full registration when asked; its data is made once a test program, and copied.
+    explicit DemoMap(const std::string& teksten = "data/demo", bool registermodus = false);
     const std::string& pad() const { return map_.pad(); }
     std::string bestand(const std::string& naam) const { return pad() + "/" + naam; }
     // Every plain file's content by name, season directories included.

@@ -1,0 +1,225 @@
+// A buyer's lines in the full registration, and the labels on file behind them: quantities, terms, the header's code and
+// location, deletion, a damaged chain.
+#include "e2e/loop.h"
+#include "order/ordrec.h"
+#include "shared/ioeti.h"
+
+using namespace zg::test;
+
+namespace {
+
+// A supplier without orders; the data directory between two runs of the program.
+struct Etiketmap : DemoMap {
+    Etiketmap() : DemoMap("data/demo", true) {}
+    Opties opties() const { return demo_opties(*this); }
+
+    std::string pad_van(const char* naam) const { return bestand(naam); }
+    zg::etiket label(int nummer) const {
+        const std::string eti = lees_bestand(pad_van("DTETI.TXT"));
+        zg::etiblok b;
+        memcpy(&b, &eti.at(static_cast<size_t>((nummer - 1) / 10) * sizeof b), sizeof b);
+        zg::etiket uit;
+        zg::eti_uit(b.plaats[(nummer - 1) % 10], b.serie, 0, &uit);
+        return uit;
+    }
+    // All labels of the file by number: what `toon` makes of each; those that are free as "-".
+    template <class F> std::string labels(F toon) const {
+        std::string uit;
+        const int aantal =
+            static_cast<int>(lees_bestand(pad_van("DTETI.TXT")).size() / sizeof(zg::etiblok)) * 10;
+        for (int nr = 1; nr <= aantal; nr++)
+            uit += (label(nr).status ? toon(label(nr)) : "-") + " ";
+        return uit;
+    }
+    std::string
+    cellen() const { // status when it isn't on order, size, branch, days of the term behind the order
+        return labels([](const zg::etiket& l) {
+            return (l.status == 1 ? "" : std::to_string(l.status) + "*") + std::to_string(l.maat) + "/" +
+                   std::to_string(l.filiaal) + "+" + std::to_string(l.levering_tot - l.orderdatum);
+        });
+    }
+    void zet_label(int nummer, const zg::etiket& l) const {
+        std::string eti = lees_bestand(pad_van("DTETI.TXT"));
+        const auto plaats = static_cast<size_t>((nummer - 1) / 10) * sizeof(zg::etiblok) +
+                            offsetof(zg::etiblok, plaats) +
+                            static_cast<size_t>((nummer - 1) % 10) * zg::ETIPLAATS;
+        EXPECT_TRUE(zg::eti_pak(l, nullptr, reinterpret_cast<uint8_t*>(&eti[plaats])));
+        schrijf_bestand(pad_van("DTETI.TXT"), eti);
+    }
+    zg::serrec serie(int nr = 0) const {
+        zg::serrec uit{};
+        const std::string ser = lees_bestand(pad_van("DTSER.TXT"));
+        memcpy(static_cast<void*>(&uit), &ser.at(static_cast<size_t>(nr) * sizeof uit), sizeof uit);
+        return uit;
+    }
+    size_t leven(const char* naam, size_t reclen) const { // live records of a pair
+        const std::string txt = lees_bestand(pad_van(naam));
+        size_t n = 0;
+        for (size_t p = 0; p < txt.size(); p += reclen)
+            n += zg::IXRECLIVE(&txt[p], static_cast<int>(reclen)) ? 1 : 0;
+        return n;
+    }
+    // The order gets a kind of message that has receiving locations, as the EDI programs do it.
+    void met_locatie() const {
+        std::string sys = lees_bestand(pad_van("DTSYS.TXT"));
+        sys[32] = static_cast<char>(sys[32] | 4);
+        schrijf_bestand(pad_van("DTSYS.TXT"), sys);
+        std::string jrn = lees_bestand(pad_van("2016Z/ORD0099.JRN"));
+        jrn.at(1 + offsetof(zg::ordkop, edi_soort)) = 3;
+        schrijf_bestand(pad_van("2016Z/ORD0099.JRN"), jrn);
+    }
+};
+
+struct Buyer : Programma {
+    explicit Buyer(const Etiketmap& map) : Programma(overgave(map), map.opties()) {}
+    void nieuwe_order() {
+        t.toetsen("<Enter><Enter>99<Enter><Enter><Esc><Esc>");
+        t.wacht("Uw keuze _  Toevoegen");
+    }
+    // 18 pieces of five sizes at the first branch, by the end of March.
+    void nieuwe_regel(const char* kleur) {
+        t.toetsen("TBROU<Enter>nieuw<Enter>1120<Enter><Enter><Enter>Let op<Esc><Esc>");
+        t.wacht(" DESSIN ");
+        t.toetsen(std::string("Katoen<Enter>Streep<Enter>") + kleur +
+                  "<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter><Enter><Esc><Enter>");
+        t.wacht("alle maten van deze maatsoort");
+        t.toetsen("<Down>S<Enter><Enter>20<Enter><Enter><Esc>");
+        t.wacht("Levertermijn");
+        t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>");
+        t.wacht("Uw keuze _  T");
+    }
+    void einde_order() {
+        t.toetsen("<Esc><Esc>");
+        uit();
+    }
+};
+
+TEST(Etiket, QuantitiesTermsAndHeader) {
+    Etiketmap map;
+    {
+        Buyer p(map);
+        p.nieuwe_order();
+        p.nieuwe_regel("14");
+        p.einde_order();
+    }
+    EXPECT_EQ(map.cellen(), "1/0+30 1/0+30 1/0+30 2/0+30 2/0+30 2/0+30 3/0+30 3/0+30 3/0+30 3/0+30 "
+                            "4/0+30 4/0+30 4/0+30 4/0+30 5/0+30 5/0+30 5/0+30 5/0+30 - - ");
+    const zg::etiket l = map.label(1);
+    EXPECT_EQ(l.inkoop * 10 + l.inkoopcode, 20000);
+    EXPECT_EQ(l.prijs * 10000 + l.netto, 60502000);
+    EXPECT_EQ(l.leverancier * 10000 + l.ordernummer, 991000);
+    EXPECT_EQ(l.maatsoort * 1000 + l.locatie, 1255);
+    EXPECT_EQ(map.serie().in_nota, 18);
+    map.met_locatie();
+    // Others in the chain: one of another order on that day, one that has come in.
+    zg::etiket ander = l, binnen = l;
+    ander.ordernummer = 77;
+    binnen.status = zg::ETI_VOORRAAD;
+    map.zet_label(19, ander);
+    map.zet_label(20, binnen);
+    {
+        Buyer p(map);
+        p.eerste_order(99);
+        const auto voor = map.inhoud();
+        p.t.toetsen("WA<Esc>"); // looked at
+        p.t.wacht("Uw keuze _  T");
+        EXPECT_EQ(lees_bestand(map.bestand("DTETI.TXT")), voor.at("DTETI.TXT"));
+        p.t.toetsen("WAF1<Enter>2<Enter><Down>"); // the first branch 1 and 2, what is over away
+        p.t.toetsen("<Esc>");
+        p.t.toetsen("D010416<Enter>300416<Enter>A<Esc>"); // a term with the same pieces
+        p.t.wacht("Uw keuze _  T");
+        EXPECT_EQ(map.cellen().substr(0, 70),
+                  "1/0+30 1/0+60 2/0+60 2/0+30 2/0+30 2/0+60 3/0+30 3/0+30 3/0+30 3/0+30 ")
+            << p.t.scherm();
+        p.t.toetsen("WAL020316<Enter>100416<Enter><Esc>"); // new dates for the first term
+        p.t.wacht("Uw keuze _  T");
+        EXPECT_EQ(map.cellen().substr(0, 20), "1/0+40 1/0+60 2/0+60") << p.t.scherm();
+        EXPECT_EQ(map.cellen().find("+30"), map.cellen().rfind("+30") - 9) << "those of the others";
+        p.t.toetsen("WOI2<Enter>N2");
+        p.t.toetsen("14<Enter><Esc>");
+        p.t.wacht("Uw keuze _  T");
+        p.einde_order();
+    }
+    const std::string wie = map.labels([](const zg::etiket& e) {
+        return std::to_string(e.status) + ":" + std::to_string(e.inkoopcode) + ":" +
+               std::to_string(e.locatie);
+    });
+    std::string verwacht;
+    for (int nr = 1; nr <= 40; nr++)
+        verwacht += nr == 19 ? "1:2:255 " : nr == 20 ? "2:2:255 " : map.label(nr).status ? "1:2:14 " : "- ";
+    EXPECT_EQ(wie, verwacht) << "the code goes to all of that day, the location to the order's own";
+    EXPECT_EQ(map.serie().in_nota * 10 + map.serie().voorraad, 311) << map.cellen();
+    EXPECT_EQ(lees_bestand(map.bestand("DTORDNR.TXT"))[39], 14);
+    { // deleted: what has come in stays, without the number; the other order's label has its own
+        Buyer p(map);
+        p.eerste_order(99);
+        p.t.toetsen("VJ<Enter>");
+        p.t.wacht("Uw keuze _  Toevoegen");
+        p.einde_order();
+    }
+    EXPECT_EQ(map.labels([](const zg::etiket& e) {
+        return std::to_string(e.status) + ":" + std::to_string(e.ordernummer);
+    }),
+              "- - - - - - - - - - - - - - - - - - 1:77 2:0 - - - - - - - - - - - - - - - - - - - - ");
+    EXPECT_EQ(map.leven("DTORDNR.TXT", 48) * 10 + map.leven("DTSER.TXT", 200), 1U);
+    EXPECT_EQ(map.serie().in_nota * 10 + map.serie().voorraad, 11);
+}
+
+TEST(Etiket, SeriesDeletedAndItsPlacesUsedAgain) {
+    Etiketmap map;
+    Buyer p(map);
+    p.nieuwe_order();
+    p.nieuwe_regel("14");
+    const std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
+    EXPECT_EQ(map.leven("DTEAN.TXT", 28), 6U) << "five sizes and the lock";
+    p.t.toetsen("VJ<Enter>");
+    p.t.wacht("Serie ook verwijderen");
+    p.t.toetsen("J<Enter>");
+    p.t.wacht("Serie heeft geen etiketten");
+    p.t.toetsen("J<Enter>");
+    p.t.wacht("Uw keuze _  Toevoegen");
+    EXPECT_EQ(map.leven("DTSER.TXT", 200) + map.leven("DTIPA.TXT", 40), 0U);
+    EXPECT_EQ(map.leven("DTEAN.TXT", 28), 1U);
+    EXPECT_EQ(map.cellen(), "- - - - - - - - - - - - - - - - - - - - ");
+    p.nieuwe_regel("20");
+    EXPECT_EQ(lees_bestand(map.bestand("DTETI.TXT")).size(), eti.size());
+    EXPECT_EQ(lees_bestand(map.bestand("DTSER.TXT")).size(), 200U);
+    EXPECT_EQ(map.serie().etiketkop, 1) << "the block freed last";
+    p.t.toetsen("VJ<Enter>N<Enter>"); // this one keeps its series
+    p.t.wacht("Uw keuze _  Toevoegen");
+    EXPECT_EQ(map.serie().in_nota, 0);
+    p.einde_order();
+}
+
+TEST(Etiket, DamagedChain) {
+    Etiketmap map;
+    {
+        Buyer p(map);
+        p.nieuwe_order();
+        p.nieuwe_regel("14");
+        p.nieuwe_regel("20");
+        p.einde_order();
+    }
+    std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
+    eti[offsetof(zg::etiblok, volgende)] = 3; // into the chain of the other line
+    schrijf_bestand(map.bestand("DTETI.TXT"), eti);
+    Buyer p(map);
+    p.leverancier(99);
+    p.t.wacht("</> voor nieuwe order");
+    p.t.toetsen("<Enter>");
+    EXPECT_TRUE(p.t.wacht("DTETI.TXT: serie 1120.14.1, blok 3")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht("Etiket niet van 1120.14.1")) << p.t.scherm();
+    p.t.toetsen("<Enter>");
+    EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << "told once\n" << p.t.scherm();
+    for (const char* keus : {"WA", "WM", "VJ<Enter>"}) {
+        p.t.toetsen(keus);
+        EXPECT_TRUE(p.t.wacht("Regel niet toegankelijk")) << keus << p.t.scherm();
+    }
+    EXPECT_EQ(lees_bestand(map.bestand("DTETI.TXT")), eti);
+    p.t.toetsen("<Down>WAF1<Enter><Esc><Esc>"); // the other one works
+    EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << p.t.scherm();
+    EXPECT_EQ(map.serie(1).in_nota, 16);
+    p.einde_order();
+}
+
+} // namespace
