@@ -217,7 +217,7 @@ void lange_order() {
     ors_lees('F', &in);
     double ms = meet([] { verdeel_vrij(); }, [&] { verdeel_herbouw(regel_nu, &in, 0); }, &calls);
     toon("the memory of a model from 1,000 lines", ms, BEELD_MS, calls);
-    ms = meet([] {}, [] { order_totalen(false); }, &calls);
+    ms = meet([] {}, [] { order_totalen(); }, &calls);
     toon("the totals of 1,000 lines", ms, BEELD_MS, calls);
     size_t rijen = 0;
     ms =
@@ -253,7 +253,7 @@ void prijzen() {
     const double TOTAAL_MS = 50, STAP_MS = 1;
     long calls, vast, koers;
     open_order(1000, lange_regel, "GBP", 13000);
-    meet([] {}, [] { order_totalen(false); }, &vast);
+    meet([] {}, [] { order_totalen(); }, &vast);
     sluit_order();
     open_order(1000, lange_regel, "GBP", 0);
     meet([] {}, [] { koers_vandaag("GBP"); }, &koers);
@@ -265,7 +265,7 @@ void prijzen() {
                               },
                               &calls);
     printf("%-56s %9.3f ms\n", "the work file read by itself", lezen);
-    double ms = meet([] {}, [] { order_totalen(false); }, &calls);
+    double ms = meet([] {}, [] { order_totalen(); }, &calls);
     toon("the totals of 1,000 lines of 95 sizes, rate of the day", ms, TOTAAL_MS + lezen, calls);
     if (calls > vast + koers)
         printf("the rate is looked up more than once: %ld calls for one\n", koers), te_traag = true;
