@@ -3,6 +3,7 @@
 #pragma once
 #include "e2e/datamap.h"
 #include "order/ioord.h"
+#include "term/gesprek.h"
 #include <algorithm>
 #include <cstring>
 #include <map>
@@ -63,6 +64,21 @@ inline Handsom handsom(const std::string& jrn, size_t p = 0, int decimalen = 2, 
         }
     }
     return uit;
+}
+
+// The sums in the header of the order screen, and what should stand there.
+inline std::string kopsom(Terminal& t) {
+    return t.stuk(3, 50, 9) + t.stuk(3, 69, 11) + t.stuk(4, 69, 11) + t.stuk(5, 69, 11);
+}
+inline std::string bedrag(int64_t b, int decimalen, int breedte) {
+    const auto heel = static_cast<long>(decimalen ? b / 100 : b), deel = static_cast<long>(b % 100);
+    return decimalen ? vorm("%*ld.%02ld", breedte - 3, heel, deel) : vorm("%*ld", breedte, heel);
+}
+inline std::string kopsom(const Som& s, int decimalen) {
+    if (s.stuks == 0)
+        return std::string(9 + 3 * 11, ' ');
+    return vorm("%9ld", static_cast<long>(s.stuks)) + bedrag(s.bruto, decimalen, 11) +
+           bedrag(s.netto, decimalen, 11) + bedrag(s.inkoop, 2, 11);
 }
 
 } // namespace zg::test

@@ -63,14 +63,9 @@ std::string advies(std::initializer_list<std::pair<int, int32_t>> rangen) {
     return uit;
 }
 
-std::string bedrag(int64_t b, int decimalen, int breedte) {
-    return decimalen ? vorm("%*ld.%02ld", breedte - 3, static_cast<long>(b / 100), static_cast<long>(b % 100))
-                     : vorm("%*ld", breedte, static_cast<long>(b));
-}
-
 // What stands on the order screen and in the matrix of the cursor's model, and what should.
 std::string op_scherm(Terminal& t, size_t n) {
-    std::string uit = t.stuk(3, 50, 9) + t.stuk(3, 69, 11) + t.stuk(4, 69, 11) + t.stuk(5, 69, 11);
+    std::string uit = kopsom(t);
     for (size_t i = 0; i < n; i++)
         uit += "\n" + t.stuk(8 + static_cast<int>(i), 64, 5) + t.stuk(8 + static_cast<int>(i), 70, 10);
     t.toetsen("M1");
@@ -79,8 +74,7 @@ std::string op_scherm(Terminal& t, size_t n) {
     return uit;
 }
 std::string volgens(const Handsom& h, int dec) {
-    std::string uit = vorm("%9ld", static_cast<long>(h.order.stuks)) + bedrag(h.order.bruto, dec, 11) +
-                      bedrag(h.order.netto, dec, 11) + bedrag(h.order.inkoop, 2, 11);
+    std::string uit = kopsom(h.order, dec);
     for (const Som& s : h.regels)
         uit += "\n" + vorm("%5ld", static_cast<long>(s.stuks)) + bedrag(s.netto, dec, 10);
     return uit + "\n" + bedrag(h.order.netto, dec, 11) + bedrag(h.order.inkoop, 2, 11);
