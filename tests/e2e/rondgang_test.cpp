@@ -1,5 +1,6 @@
 // The README's first steps, word for word: every key of its table, every text that it promises, and its picture.
 #include "support/demomap.h"
+#include "tools/shell.h"
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -36,37 +37,54 @@ std::string zonder_lege_rijen(const std::string& beeld) {
 
 TEST(Rondgang, AsTheReadmeTells) {
     const std::string readme = lees_bestand(ZG_SOURCE_DIR "/README.md");
-    const size_t beeld = readme.find("```\n") + 4;
+    std::vector<std::string> beelden; // its pictures of screens
+    for (size_t p = 0; (p = readme.find("\n```\n ORDERS", p)) != std::string::npos; p += 5)
+        beelden.push_back(readme.substr(p + 5, readme.find("```", p + 5) - p - 5));
     DemoMap map;
     Opties o = demo_opties(map);
     o.klok = ""; // today
-    Terminal t({programma("zgbsmenu")}, o);
-    std::istringstream in(readme.substr(readme.find("\n| Keys |")));
-    std::string rij;
-    for (int kop = 0; kop < 3; kop++)
-        getline(in, rij);
-    int stappen = 0;
-    for (; getline(in, rij) && rij.starts_with("| "); stappen++) {
-        SCOPED_TRACE(rij);
-        const size_t midden = rij.find(" | ");
-        ASSERT_TRUE(t.kalm());
-        ASSERT_TRUE(t.leeft()) << "the tour ends too early";
-        for (const std::string& w : woorden(rij.substr(0, midden)))
-            if (w != "./run")
-                t.toetsen(toetsnaam(w) ? "<" + w + ">" : w);
-        for (const std::string& w : woorden(rij.substr(midden)))
-            ASSERT_TRUE(t.wacht(w));
-        if (rij.find("picture above") != std::string::npos) {
-            EXPECT_EQ(zonder_lege_rijen(t.scherm()),
-                      zonder_lege_rijen(readme.substr(beeld, readme.find("```", beeld) - beeld)));
+    size_t beeld = 0, tafel = 0;
+    int tochten = 0;
+    for (; (tafel = readme.find("\n| Keys |", tafel)) != std::string::npos; tafel++, tochten++) {
+        Terminal t({programma("zgbsmenu")}, o);
+        std::istringstream in(readme.substr(tafel));
+        std::string rij;
+        for (int kop = 0; kop < 3; kop++)
+            getline(in, rij);
+        int stappen = 0;
+        for (; getline(in, rij) && rij.starts_with("| "); stappen++) {
+            SCOPED_TRACE(rij);
+            const size_t midden = rij.find(" | ");
+            ASSERT_TRUE(t.kalm());
+            ASSERT_TRUE(t.leeft()) << "the tour ends too early";
+            for (const std::string& w : woorden(rij.substr(0, midden)))
+                if (w != "./run")
+                    t.toetsen(toetsnaam(w) ? "<" + w + ">" : w);
+            for (const std::string& w : woorden(rij.substr(midden)))
+                ASSERT_TRUE(t.wacht(w));
+            if (rij.find(" picture") != std::string::npos) {
+                ASSERT_LT(beeld, beelden.size());
+                EXPECT_EQ(zonder_lege_rijen(t.scherm()), zonder_lege_rijen(beelden[beeld++]));
+            }
         }
+        EXPECT_GT(stappen, 20);
+        EXPECT_EQ(t.einde(), 0) << t.scherm();
+        // Menu, program and menu: the shell's screen was left once, and came back once.
+        const std::string uit = t.uitvoer();
+        for (const char* wissel : {"\033[?1049h", "\033[?1049l"})
+            EXPECT_EQ(uit.find(wissel), uit.rfind(wissel));
     }
-    EXPECT_GT(stappen, 20);
-    EXPECT_EQ(t.einde(), 0) << t.scherm();
-    // Menu, program and menu: the shell's screen was left once, and came back once.
-    const std::string uit = t.uitvoer();
-    for (const char* wissel : {"\033[?1049h", "\033[?1049l"})
-        EXPECT_EQ(uit.find(wissel), uit.rfind(wissel));
+    EXPECT_EQ(tochten, 2);
+    EXPECT_EQ(beeld, beelden.size());
+    // What the shell says then.
+    const size_t opdracht = readme.find("\n    $ ") + 7, eind = readme.find('\n', opdracht) + 1;
+    std::string zegt =
+        sh("cd " + map.pad() + " && ln -s . demo && " + readme.substr(opdracht, eind - opdracht)).tekst;
+    std::istringstream in(zegt);
+    std::string gezegd;
+    for (std::string rij; getline(in, rij);)
+        gezegd += "    " + rij + "\n";
+    EXPECT_EQ(gezegd, readme.substr(eind, readme.find("\n\n", eind) + 1 - eind));
 }
 
 // What the commands look at before anything is built.
