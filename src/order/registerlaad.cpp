@@ -138,7 +138,7 @@ Serie serie_laad(orderregel* regel, bool vergrendel, bool context) {
             !laad_inhoud(regel, &keten_stuk))
             uit = Serie::stuk;
         if (uit == Serie::stuk && keten_stuk)
-            ioeti_schademeld(regel->serie.serie);
+            ioeti_schademeld(regel->serie.serie, true);
     }
     if (uit != Serie::gelezen) {
         leeg(regel);

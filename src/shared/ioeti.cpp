@@ -421,13 +421,15 @@ bool ioeti_past(int64_t labels) {
     for (; verder > 0 && vrij < labels; verder = volgend_blok(&gelopen))
         for (int i = 0; i < ETIPLAATSEN; i++)
             vrij += eti_status(blok.plaats[i]) == ETI_VRIJ && te_nummeren(blok_nr, i);
-    const int64_t nodig = vrij < labels ? (labels - vrij + ETIPLAATSEN - 1) / ETIPLAATSEN : 0;
+    if (vrij >= labels)
+        return true;
+    const int64_t nodig = (labels - vrij + ETIPLAATSEN - 1) / ETIPLAATSEN;
     const int64_t ruimte = verder < 0 ? -1 : ioeti_ruimte(nodig);
     if (ruimte < 0) {
         ioeti_schademeld(serie);
         return false;
     }
-    if (labels <= vrij || labels - vrij < ruimte * ETIPLAATSEN) // the highest block has a place less
+    if (labels - vrij < ruimte * ETIPLAATSEN) // the highest block has a place less
         return true;
     char regel[80];
     snprintf(regel, sizeof regel, TXT(T_ETI_GEEN_RUIMTE), static_cast<long>(labels));
@@ -454,13 +456,14 @@ void ioeti_keur_af(int32_t nummer, const char* reden) {
     beschadigd((nummer - 1) / ETIPLAATSEN, "%s", reden);
 }
 
-void ioeti_schademeld(const seriesleutel& van) {
-    static std::set<std::string> verteld; // each once a run: a line is read at every repaint
+void ioeti_schademeld(const seriesleutel& van, bool eens) {
+    static std::set<std::string> verteld;
     char regel[80];
     snprintf(regel, sizeof regel, TXT(T_ETI_SCHADE), BESTAND, van.artikelgroep, van.kleur, van.volgnummer,
              schade.blok);
     const std::string reden = schade.reden;
-    if (verteld.insert(regel + reden).second)
+    const bool nieuw = verteld.insert(regel + reden).second;
+    if (nieuw || !eens)
         ALARMBOX(regel, reden.c_str());
 }
 

@@ -70,7 +70,9 @@ struct etischade {
 };
 const etischade& ioeti_schade();
 void ioeti_keur_af(int32_t nummer, const char* reden); // a label that can't be, found by its reader
-void ioeti_schademeld(const seriesleutel& serie); // a box with file, series, block and reason; each once a run
+// A box with file, series, block and reason. `eens`: what was told before in this run isn't told again, for reading, which
+// comes back at every repaint.
+void ioeti_schademeld(const seriesleutel& serie, bool eens = false);
 
 // All blocks of a series, from its first, to the free ones; *kop becomes -1. False when the walk ended at a block that
 // isn't the series': what came before it is free. Refused by the disk: false, told, and *kop is what isn't free yet.

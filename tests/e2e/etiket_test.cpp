@@ -220,6 +220,20 @@ TEST(Etiket, DamagedChain) {
     EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << p.t.scherm();
     EXPECT_EQ(map.serie(1).in_nota, 16);
     p.einde_order();
+
+    // A series whose record leads to no chain has no pieces, and gets one with its first.
+    std::string ser = lees_bestand(map.bestand("DTSER.TXT"));
+    ser.replace(200 + offsetof(zg::serrec, etiketkop), 4, "\xFF\xFF\xFF\xFF");
+    schrijf_bestand(map.bestand("DTSER.TXT"), ser);
+    Buyer q(map);
+    q.leverancier(99);
+    q.t.wacht("</> voor nieuwe order");
+    q.t.toetsen("<Enter><Enter><Down>WA");
+    q.t.wacht("Levertermijn");
+    q.t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>");
+    q.t.wacht("Uw keuze _  T");
+    EXPECT_EQ(map.serie(1).etiketkop * 100 + map.serie(1).in_nota, 418) << q.t.scherm();
+    q.einde_order();
 }
 
 } // namespace

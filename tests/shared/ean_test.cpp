@@ -7,7 +7,9 @@
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/datum.h"
+#include "term/gesprek.h"
 #include "term/vast.h"
+#include <tuple>
 
 namespace zg {
 namespace {
@@ -240,6 +242,47 @@ TEST_F(Codes, EveryWriteRefusedOrTheLast) {
             IXCLOSE(ean);
         }
     ean = IXOPEN("DTEAN", 2);
+}
+
+// A code typed for size 3 of a series that has one: what is refused is told and the field stays, the record moves along.
+TEST_F(Codes, EnteredByHand) {
+    teller(41);
+    EXPECT_TRUE(eanhdl('W', ean, S, MAAT_3));
+    eanrec van{}; // of an article, of a series' size, of a size that the other series has no more
+    for (const auto& [code, soort, maat] :
+         {std::tuple{"8711253001202", 'A', 0}, {"8711253001219", 'M', 3}, {"8711253001226", 'M', 17}}) {
+        VASTIN(van.code, code);
+        van.soort = soort;
+        van.artikelgroep = ANDER.artikelgroep;
+        van.kleur = ANDER.kleur;
+        van.volgnummer = ANDER.volgnummer;
+        van.maat = static_cast<uint8_t>(maat);
+        test::schrijf(ean, van);
+    }
+    test::Gesprek t([] {
+        ICB* icb = IXOPEN("DTEAN", 2);
+        open();
+        const bool anders =
+            ean_veld(5, 10, icb, S, 3, [](const seriesleutel&, uint8_t maat) { return maat == 3; });
+        IXCLOSE(icb);
+        return std::string(anders ? "ja" : "nee");
+    });
+    const std::pair<const char*, const char*> geweigerd[] = {
+        {"8711253001203", "<8711253001203> Ongeldige EAN-code"},
+        {"2801000000001", "EAN-code niet toegestaan"},
+        {"8711253001202", "<8711253001202> gedefineerd bij artikel 110"},
+        {"8711253001219", "<8711253001219> gedefineerd bij serie 110.5.2!"},
+    };
+    for (const auto& [code, melding] : geweigerd) {
+        t.toetsen("<Home>" + std::string(code) + "<Enter>");
+        EXPECT_TRUE(t.wacht(melding)) << t.scherm();
+    }
+    t.toetsen("<Home>8711253001226<Enter>");
+    EXPECT_EQ(t.antwoord(), "ja");
+    IXCLOSE(ean);
+    ean = IXOPEN("DTEAN", 2);
+    EXPECT_EQ(codes(S) + codes(ANDER), "3:25300122 3:25300121 ");
+    EXPECT_EQ(ean_nodig(ean, ANDER, MATEN_1_3_17), 2) << "17 has lost its code to it";
 }
 
 // Two programs that draw codes at once get different ones, and nobody draws for the same size twice.
