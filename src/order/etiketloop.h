@@ -21,11 +21,11 @@ bool etiketten_zoek(const serrec& serie, const std::function<bool(const etiket&)
 // Size and branch of a label of this order; a wrong one is noted as damage of its block.
 bool etiket_past(int32_t nummer, const etiket& label);
 
-// Changes of labels of a series whose lock is held: *kop is its first block, which a first label fills in. A call that
+// Changes of labels of a series whose lock is held: *eerste is its first block, which a first label fills in. A call that
 // answers false was refused, told: what was done before it is taken back, as far as the disk allows.
 class etiketwijziging {
 public:
-    etiketwijziging(const seriesleutel& serie, int32_t* kop) : keten_(serie, kop) {}
+    etiketwijziging(const seriesleutel& serie, int32_t* eerste) : keten_(serie, eerste) {}
     bool schrijf(const genummerd& oud, const etiket& nieuw);
     bool wis(const genummerd& oud);
     bool nieuw(const etiket& label);

@@ -38,8 +38,9 @@ Prijsuit zet_prijzen(const prijswerk& noot, const prijsserie& p, const serrec& r
     prijsgroepen groepen;
     const Prijsset stand = ioink_find(p.serie, noot.leverancier, noot.orderdatum, &nu, &groepen);
     const bool gelezen = stand == Prijsset::gelezen;
-    if (gelezen && gelijk(nu, p.wordt) && gelijk(groepen, p.groepen))
-        return Prijsuit::goed;
+    if (gelezen && gelijk(nu, p.wordt) &&
+        gelijk(groepen, p.groepen)) // written again it cuts what a kill left beside it
+        return ioink_writeheld(&nu, groepen) ? Prijsuit::goed : Prijsuit::geweigerd;
     if (p.stond ? !gelezen || !gelijk(nu, p.was) || !gelijk(groepen, p.groepen_was) : stand != Prijsset::geen)
         return Prijsuit::anders;
     prijsset wordt = p.wordt;

@@ -15,7 +15,7 @@ struct prijsstand { // of a label
 };
 struct prijsetiket {
     int32_t nummer; // of the label
-    uint8_t maat;
+    int32_t maat;
     prijsstand was, wordt;
 };
 struct prijsserie {

@@ -44,14 +44,14 @@ template <class F> Prijsset lees(F haal, prijsset* set, prijsgroepen* groepen) {
     int rust = 0;
     for (int poging = 0;; poging++) {
         int32_t nr = INK_SYSRECORD;
-        const bool niemand = iotab_fd() < 0 || iotab('T', &nr, nullptr, SYS_RECORD);
+        const bool niemand = poging > 0 && (iotab_fd() < 0 || iotab('T', &nr, nullptr, SYS_RECORD));
         groepen->clear();
         if (!haal(set))
             return Prijsset::geen;
         fout = ink_keten(*set, &keten, &waar);
         if (fout == Inkfout::geen || (niemand && ++rust == 2) || poging == GEDULD)
             break;
-        if (!niemand)
+        if (poging > 0 && !niemand)
             usleep(PAUZE);
     }
     for (const inkrecord& r : keten) {

@@ -1,0 +1,67 @@
+// An order's discount in the full registration, as a buyer gives it: once, whatever he looks at afterwards.
+#include "shared/ioeti.h"
+#include "support/demomap.h"
+#include "term/vast.h"
+#include <cstring>
+#include <gtest/gtest.h>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+std::vector<int32_t> waarden(const DemoMap& map, int32_t ordernummer) {
+    std::vector<int32_t> uit;
+    const std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
+    for (size_t b = 0; b + sizeof(etiblok) <= eti.size(); b += sizeof(etiblok)) {
+        etiblok blok;
+        memcpy(static_cast<void*>(&blok), eti.data() + b, sizeof blok);
+        for (const auto& plaats : blok.plaats) {
+            etiket l{};
+            eti_uit(plaats, blok.serie, 0, &l);
+            if (l.status && l.ordernummer == ordernummer)
+                uit.push_back(l.inkoop);
+        }
+    }
+    return uit;
+}
+
+TEST(RegisterPrijs, DiscountOnceFromTheHeader) {
+    DemoMap map("data/demo", true);
+    Terminal t({programma("zgbsmenu")}, demo_opties(map));
+    naar_seizoen(t);
+    t.toetsen("<Enter><Enter>15<Enter>");
+    t.wacht("</> voor nieuwe order");
+    t.toetsen("/<Enter>");
+    t.wacht("Orderomschrijving");
+    const std::string nummer = t.stuk(5, 14, 5);
+    t.toetsen("<Enter><Enter><Enter><Enter><Enter><Enter><Enter><Enter><Enter><Esc><Esc><Esc>");
+    t.wacht_op(24, 1, "Uw keuze");
+    // A line of 14 pieces at 100.00 pounds.
+    t.toetsen("T106<Enter>Shirt<Enter>1110<Enter><Enter><Enter><Esc><Esc>");
+    t.wacht("DESSIN");
+    t.toetsen("<Esc>K14<Enter><Esc>");
+    t.wacht("Sernr.");
+    t.toetsen("<Enter><Down>S<Enter><Enter>100<Enter><Enter><Esc>");
+    t.wacht("Levertermijn");
+    t.toetsen("<Enter><Enter>2<Enter>3<Enter><Enter><Enter><Enter><Esc>");
+    ASSERT_TRUE(t.wacht_op(3, 57, "14")) << t.scherm();
+    const int32_t order = atoi(nummer.c_str());
+    const auto eerst = waarden(map, order);
+    ASSERT_EQ(eerst.size(), 14U) << t.scherm();
+    for (int keer = 0; keer < 2; keer++) { // the second time the header is only looked through
+        t.toetsen(keer ? "WOO<Enter><Esc>" : "WOG5<Enter><Esc>");
+        t.wacht_op(5, 55, "5.00%");
+        const auto nu = waarden(map, order);
+        ASSERT_EQ(nu.size(), 14U);
+        EXPECT_NEAR(nu[0], eerst[0] * 0.95, 1) << keer;
+        EXPECT_EQ(nu, std::vector<int32_t>(14, nu[0]));
+        EXPECT_TRUE(t.regel(4).find("1330.00") != std::string::npos) << t.scherm();
+    }
+    t.toetsen("<Esc><Esc><Esc><Esc>");
+    EXPECT_EQ(t.einde(), 0) << t.scherm();
+    const std::string jrn = lees_bestand(map.bestand("2016Z/ORD0015.JRN"));
+    EXPECT_NE(jrn.find(std::string("\x0c\xfe\x04", 3)), std::string::npos) << "-500, status 4";
+}
+
+} // namespace
