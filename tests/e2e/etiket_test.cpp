@@ -77,7 +77,7 @@ struct Buyer : Programma {
         t.wacht("Uw keuze _  Toevoegen");
     }
     // 18 pieces of five sizes at the first branch, by the end of March.
-    void nieuwe_regel(const char* kleur) {
+    void nieuwe_regel(const char* kleur, const char* dan = "Uw keuze _  T") {
         t.toetsen("TBROU<Enter>nieuw<Enter>1120<Enter><Enter><Enter>Let op<Esc><Esc>");
         t.wacht(" DESSIN ");
         t.toetsen(std::string("Katoen<Enter>Streep<Enter>") + kleur +
@@ -86,7 +86,7 @@ struct Buyer : Programma {
         t.toetsen("<Down>S<Enter><Enter>20<Enter><Enter><Esc>");
         t.wacht("Levertermijn");
         t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>");
-        t.wacht("Uw keuze _  T");
+        EXPECT_TRUE(t.wacht(dan)) << t.scherm();
     }
     void einde_order() {
         t.toetsen("<Esc><Esc>");
@@ -189,6 +189,41 @@ TEST(Etiket, SeriesDeletedAndItsPlacesUsedAgain) {
     p.t.wacht("Uw keuze _  Toevoegen");
     EXPECT_EQ(map.serie().in_nota, 0);
     p.einde_order();
+}
+
+// What there is no room for is said before anything of the line is written.
+TEST(Etiket, RefusedBeforeAnythingIsWritten) {
+    const struct {
+        std::vector<std::pair<size_t, std::string>> systeem; // places of DTSYS.TXT
+        const char* melding;
+    } rijen[] = {
+        {{{14 * 64 + 6, "\6"}, {3 * 64, std::string("\x9F\x86\1\0\x9F\x86\1\0", 8)}},
+         "Geen ruimte voor 18 nieuwe etiketten"},
+        {{{13 * 64, std::string("\xFC\xE0\xF5\5", 4)}}, "EAN"}, // three codes left
+        {{{3 * 64, std::string("\0\0\0\0\xFF\xFF\xFF\xFF", 8)}}, "Tellers van de etiketten kloppen niet"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.melding);
+        Etiketmap map;
+        std::string sys = lees_bestand(map.bestand("DTSYS.TXT"));
+        for (const auto& [plaats, bytes] : r.systeem)
+            sys.replace(plaats, bytes.size(), bytes);
+        schrijf_bestand(map.bestand("DTSYS.TXT"), sys);
+        Buyer p(map);
+        p.nieuwe_order();
+        const auto voor = map.inhoud();
+        p.nieuwe_regel("14", r.melding);
+        p.t.toetsen("<Enter>");
+        EXPECT_TRUE(p.t.wacht("Uw keuze _  Toevoegen")) << p.t.scherm();
+        // The number was noted before it was reserved; the codes' lock and the queue of numbers are as they were.
+        std::string anders;
+        for (const auto& [naam, inhoud] : map.inhoud())
+            if (naam.starts_with("DT") && (!voor.contains(naam) || voor.at(naam) != inhoud))
+                anders += naam + " ";
+        EXPECT_EQ(anders, "");
+        p.einde_order();
+        EXPECT_EQ(lees_bestand(map.bestand("2016Z/ORD0099.JRN")), "");
+    }
 }
 
 TEST(Etiket, DamagedChain) {
