@@ -1,5 +1,5 @@
-// zgdemo DIRECTORY [--fresh] [--register] [--from TEXTS]: a demo data directory out of the text under data/demo,
-// or of another firm's. Without --fresh an existing one is kept as it is; with it a directory is emptied that this
+// zgdemo DIRECTORY [--fresh] [--register | --empty-register] [--from TEXTS]: a demo data directory out of the text under
+// data/demo, or of another firm's. Without --fresh an existing one is kept as it is; with it a directory is emptied that this
 // program made (its mark is there) and that nobody is at work in. Pairs are made by the dictionary's definitions.
 #include "shared/files.h"
 #include "shared/iomaat.h"
@@ -253,7 +253,7 @@ void maak_leeg(std::string doel) {
 }
 
 int gebruik() {
-    fprintf(stderr, "usage: zgdemo DIRECTORY [--fresh] [--register] [--from TEXTS]\n");
+    fprintf(stderr, "usage: zgdemo DIRECTORY [--fresh] [--register | --empty-register] [--from TEXTS]\n");
     return 2;
 }
 
@@ -261,13 +261,15 @@ int gebruik() {
 
 int main(int argc, char** argv) {
     std::string doel, teksten = ZG_DEMO_DIR;
-    bool vers = false, registermodus = false;
+    bool vers = false, met_register = false, leeg_register = false;
     for (int i = 1; i < argc; i++) {
         std::string a = argv[i];
         if (a == "--fresh")
             vers = true;
         else if (a == "--register")
-            registermodus = true;
+            met_register = true;
+        else if (a == "--empty-register") // files without a series in them
+            leeg_register = true;
         else if (a == "--from" && i + 1 < argc)
             teksten = argv[++i];
         else if (doel.empty() && a[0] != '-')
@@ -289,17 +291,19 @@ int main(int argc, char** argv) {
     demobestand(MERK, HALFTEKST, sizeof HALFTEKST - 1);
 
     std::vector<Demomaten> m = maten(bron + "/maten.txt");
-    demo_systeem(bron + "/systeem.txt", m, registermodus);
+    demo_systeem(bron + "/systeem.txt", m, met_register || leeg_register);
     for (const char* naam : TABELLEN)
         vul_tabel(bron, naam);
     vul_maten(m);
     vul_verdelingen(bron + "/verdelingen.txt", m);
     for (const char* naam : LEEG)
         IXCLOSE(nieuw_paar(naam));
-    if (registermodus)
+    if (met_register || leeg_register)
         for (const char* naam : REGISTER)
             IXCLOSE(nieuw_paar(naam));
     demo_orders(bron + "/orders.txt", m);
+    if (met_register)
+        demo_register();
     demobestand(MERK, MERKTEKST, sizeof MERKTEKST - 1);
     return 0;
 }

@@ -19,7 +19,7 @@ const std::string& bron(const std::string& teksten, bool registermodus) {
     if (pad.empty()) {
         pad = map.pad() + "/" + std::to_string(gemaakt.size());
         std::string opdracht = "\"" + programma("zgdemo") + "\" " + pad + " --from \"" ZG_SOURCE_DIR "/" +
-                               teksten + "\"" + (registermodus ? " --register" : "");
+                               teksten + "\"" + (registermodus ? " --empty-register" : "");
         EXPECT_EQ(system(opdracht.c_str()), 0);
     }
     return pad;
