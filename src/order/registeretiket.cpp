@@ -64,21 +64,15 @@ bool lees_eigen(const serrec& serie, std::vector<genummerd>* eigen, Statustellin
         eigen);
 }
 
-// Sizes in the order of the bar in force; those that it lacks behind them.
-std::vector<uint8_t> maten_op_balk() {
-    std::vector<uint8_t> uit;
-    for (uint8_t maat = 1; maat <= MATEN; maat++)
-        uit.push_back(maat);
-    auto plaats = [](uint8_t maat) {
-        const int positie = maatbalk ? mtpos(maatbalk, maat) : 0;
-        return positie ? positie : MATEN + maat;
-    };
-    std::stable_sort(uit.begin(), uit.end(), [&](uint8_t a, uint8_t b) { return plaats(a) < plaats(b); });
-    return uit;
+// Place of a size on the bar in force; those that it lacks come behind it.
+int balkplaats(uint8_t maat) {
+    const int positie = maatbalk ? mtpos(maatbalk, maat) : 0;
+    return positie ? positie : MATEN + maat;
 }
 
 // A label of a size, its branch apart.
-etiket nieuw_etiket(const orderregel& regel, const serrec& serie, const levterm& term, uint8_t maat) {
+etiket nieuw_etiket(const orderregel& regel, const serrec& serie, const levterm& term, uint8_t maat,
+                    uint8_t locatie) {
     const maatprijzen p = up_maatprijzen(regel.prijzen, maat);
     etiket l{};
     l.serie = serie.serie;
@@ -95,7 +89,7 @@ etiket nieuw_etiket(const orderregel& regel, const serrec& serie, const levterm&
     l.maatsoort = regel.model.maatsoort;
     l.inkoopcode = kop.inkoopcode;
     l.ordernummer = kop.ordernummer;
-    label_zet_locatie(&l, label_locatie(serie.serie.artikelgroep));
+    label_zet_locatie(&l, locatie);
     return l;
 }
 
@@ -132,10 +126,12 @@ Termwerk verdeel(const std::vector<const genummerd*>& labels, const levterm& ter
             uit.weg.push_back(*l);
         }
     }
-    for (uint8_t maat : maten_op_balk())
-        for (uint8_t filiaal = 0; filiaal < firma.filialen; filiaal++)
-            if (const int32_t over = tel(gepland, {filiaal, maat}); over > 0)
-                uit.erbij.push_back({{filiaal, maat}, over});
+    for (const auto& [cel, over] : gepland)
+        if (over > 0)
+            uit.erbij.push_back({cel, over});
+    std::stable_sort(uit.erbij.begin(), uit.erbij.end(), [](const auto& a, const auto& b) {
+        return balkplaats(a.first.second) < balkplaats(b.first.second); // and by branch, as they came
+    });
     return uit;
 }
 
@@ -192,11 +188,13 @@ void rek_termen(const orderregel& regel, serrec* serie) {
 // Labels that a line needs more than it has, at most at one moment; and whether each fits its place.
 bool past(const orderregel& regel, const serrec& serie, const std::vector<Termwerk>& werken, int64_t* erbij) {
     *erbij = 0;
+    const uint8_t locatie = label_locatie(serie.serie.artikelgroep);
     for (size_t i = 1; i < werken.size(); i++)
         for (const auto& [cel, aantal] : werken[i].erbij) {
             uint8_t plaats[ETIPLAATS];
             *erbij += aantal;
-            if (eti_pak(nieuw_etiket(regel, serie, regel.termen[i - 1], cel.second), nullptr, plaats))
+            if (eti_pak(nieuw_etiket(regel, serie, regel.termen[i - 1], cel.second, locatie), nullptr,
+                        plaats))
                 continue;
             char tekst[80];
             snprintf(tekst, sizeof tekst, TXT(T_REG_BEDRAG), serie_tekst(serie.serie).c_str(),
@@ -280,6 +278,7 @@ bool labels_bij(orderregel* regel, serrec* serie) {
     if (!lees_eigen(*serie, &eigen, &telling))
         return false;
     const std::vector<Termwerk> werken = werk_van(*regel, eigen);
+    const uint8_t locatie = label_locatie(serie->serie.artikelgroep);
     int32_t eerste = serie->etiketkop;
     bool gelukt = true, weg = false, erbij = false;
     // The first label of a series makes its chain: its record says where before there is a second.
@@ -293,7 +292,7 @@ bool labels_bij(orderregel* regel, serrec* serie) {
         etiketwijziging wijziging(serie->serie, &eerste);
         for (size_t i = 0; gelukt && i < werken.size(); i++) {
             auto proef = [&](uint8_t maat) {
-                return nieuw_etiket(*regel, *serie, regel->termen[i - 1], maat);
+                return nieuw_etiket(*regel, *serie, regel->termen[i - 1], maat, locatie);
             };
             gelukt = doe_term(werken[i], proef, &wijziging, &telling, begonnen);
             weg = weg || !werken[i].weg.empty();
