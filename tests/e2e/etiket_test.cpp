@@ -254,6 +254,14 @@ TEST(Etiket, DamagedChain) {
     p.t.toetsen("<Down>WAF1<Enter><Esc><Esc>"); // the other one works
     EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << p.t.scherm();
     EXPECT_EQ(map.serie(1).in_nota, 16);
+    p.t.toetsen("WOI2<Enter><Esc>"); // so does the header, but for that line
+    EXPECT_TRUE(p.t.wacht("Etiket niet van 1120.14.1")) << p.t.scherm();
+    p.t.toetsen("<Enter>");
+    EXPECT_TRUE(p.t.wacht("De etiketten van deze orderregels zijn niet gewijzigd:")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht("1: 1120.14.1")) << p.t.scherm();
+    p.t.toetsen("<Enter>");
+    p.t.wacht("Uw keuze _  T");
+    EXPECT_EQ(map.label(1).inkoopcode * 10 + map.label(21).inkoopcode, 2);
     p.einde_order();
 
     // A series whose record leads to no chain has no pieces, and gets one with its first.

@@ -119,7 +119,12 @@ struct Codes : test::Systeem {
         ean = nieuw_paar(
             "DTEAN", {"ean,28", "1,NODUPS,C,1,13", "2,NODUPS,C,14,14,I,17,20,I,15,16,I,21,22,I,23,23"}, 2);
     }
-    ~Codes() override { IXCLOSE(ean); }
+    ~Codes() override { dicht(); }
+    void dicht() {
+        if (ean)
+            IXCLOSE(ean);
+        ean = nullptr;
+    }
     // Sizes and their codes of a series.
     std::string codes(const seriesleutel& s) {
         std::string uit;
@@ -204,7 +209,7 @@ TEST_F(Codes, EveryWriteRefusedOrTheLast) {
     ander.volgnummer = ANDER.volgnummer;
     ander.maat = 3;
     test::schrijf(ean, ander);
-    IXCLOSE(ean);
+    dicht();
     const std::string inx = test::lees_bestand("DTEAN.INX"), txt = test::lees_bestand("DTEAN.TXT"),
                       sys = test::lees_bestand("DTSYS.TXT");
     for (bool dood : {false, true})
@@ -239,7 +244,7 @@ TEST_F(Codes, EveryWriteRefusedOrTheLast) {
                     << n << ": no code stays reserved";
                 EXPECT_EQ(ean_nodig(ean, S, MATEN_1_3_17), 0) << n;
             }
-            IXCLOSE(ean);
+            dicht();
         }
     ean = IXOPEN("DTEAN", 2);
 }
@@ -279,7 +284,7 @@ TEST_F(Codes, EnteredByHand) {
     }
     t.toetsen("<Home>8711253001226<Enter>");
     EXPECT_EQ(t.antwoord(), "ja");
-    IXCLOSE(ean);
+    dicht();
     ean = IXOPEN("DTEAN", 2);
     EXPECT_EQ(codes(S) + codes(ANDER), "3:25300122 3:25300121 ");
     EXPECT_EQ(ean_nodig(ean, ANDER, MATEN_1_3_17), 2) << "17 has lost its code to it";

@@ -374,7 +374,8 @@ TEST_F(Etiketten, EveryWriteRefusedOrTheLast) {
                 if (strcmp(w.wat, "a label away")) {
                     EXPECT_EQ(keten(B).substr(0, bl.size()), bl) << waar;
                 }
-                EXPECT_LE(verloren, 2) << waar;
+                const bool heel = uit.uitvoer.starts_with("DTETI") && strcmp(w.wat, "a chain freed") != 0;
+                EXPECT_LE(verloren, heel ? 0 : 2) << waar;
                 keur(true);
                 EXPECT_EQ(maak(C, 1, 25), 25) << waar;
                 EXPECT_EQ(keur(), "") << waar;
