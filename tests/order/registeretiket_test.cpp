@@ -155,14 +155,19 @@ TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
         EXPECT_EQ(matrix_totalen(regel.nota_aantallen)[0], serie.in_nota);
         EXPECT_EQ(koers.status * 100000 + koers.netto, 100000 + (koers.maat + 900)) << r.wat;
     }
-    EXPECT_EQ(serie.levering_van * 1000 + serie.levering_tot, 90'130) << "bounds only widen";
+    zet({{100, 0, 3, 1}, {130, 0, 3, 1}});
+    regel.termen[0].van = 80;
+    EXPECT_TRUE(labels_bij(&regel, &serie));
+    zet({{120, 0, 3, 1}});
+    EXPECT_TRUE(labels_bij(&regel, &serie));
+    EXPECT_EQ(serie.levering_van * 1000 + serie.levering_tot, 80'130) << "bounds only widen";
     int32_t nr = 1;
     etiket l;
     ioeti('R', &nr, &l);
     EXPECT_EQ(l.inkoop * 10 + l.inkoopcode, 7774);
     EXPECT_EQ(l.prijs * 1000 + l.netto, 1'995'903);
     EXPECT_EQ(l.maatsoort * 1000 + l.locatie, 12'255) << "receiving locations aren't in use";
-    EXPECT_EQ(l.etiketsoort * 1000 + l.levering_van, 120);
+    EXPECT_EQ(l.etiketsoort * 1000 + l.levering_van, 110) << "the block's kind stays";
 }
 
 TEST_F(Regeletiketten, OthersStay) {
