@@ -12,14 +12,14 @@ namespace fs = std::filesystem;
 namespace {
 
 // The data directory of a firm's text, made once a test program and removed with it.
-const std::string& bron(const std::string& teksten, bool registermodus) {
+const std::string& bron(const std::string& teksten, const std::string& optie) {
     static TijdelijkeMap map(false);
     static std::map<std::string, std::string> gemaakt;
-    std::string& pad = gemaakt[teksten + (registermodus ? "+" : "")];
+    std::string& pad = gemaakt[teksten + optie];
     if (pad.empty()) {
         pad = map.pad() + "/" + std::to_string(gemaakt.size());
         std::string opdracht = "\"" + programma("zgdemo") + "\" " + pad + " --from \"" ZG_SOURCE_DIR "/" +
-                               teksten + "\"" + (registermodus ? " --empty-register" : "");
+                               teksten + "\" " + optie;
         EXPECT_EQ(system(opdracht.c_str()), 0);
     }
     return pad;
@@ -31,8 +31,11 @@ std::string programma(const char* naam) {
     return std::string(ZG_BINARY_DIR "/") + naam;
 }
 
-DemoMap::DemoMap(const std::string& teksten, bool registermodus) {
-    fs::copy(bron(teksten, registermodus), map_.pad(),
+DemoMap::DemoMap(const std::string& teksten, bool registermodus)
+    : DemoMap(teksten, std::string(registermodus ? "--empty-register" : "")) {}
+
+DemoMap::DemoMap(const std::string& teksten, const std::string& optie) {
+    fs::copy(bron(teksten, optie), map_.pad(),
              fs::copy_options::recursive | fs::copy_options::overwrite_existing);
 }
 

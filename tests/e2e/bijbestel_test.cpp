@@ -1,0 +1,215 @@
+// Series in the full registration as a buyer meets them: the demo firm's register, ordering again with each refusal,
+// a duplicate, two who add at once; and what stands in the files then.
+#include "e2e/loop.h"
+#include "order/ordrec.h"
+#include "shared/ioeti.h"
+#include "shared/registerrec.h"
+
+using namespace zg::test;
+
+namespace {
+
+struct Registermap : DemoMap {
+    Registermap() : DemoMap("data/demo", std::string("--register")) {}
+    template <class R> std::vector<R> alle(const char* naam) const {
+        const std::string bytes = lees_bestand(bestand(naam));
+        std::vector<R> uit(bytes.size() / sizeof(R));
+        memcpy(static_cast<void*>(uit.data()), bytes.data(), uit.size() * sizeof(R));
+        return uit;
+    }
+    // A series of the file by its text; its place in the file.
+    size_t plaats(int groep, int kleur, int volg) const {
+        const auto series = alle<zg::serrec>("DTSER.TXT");
+        for (size_t i = 0; i < series.size(); i++)
+            if (series[i].serie.artikelgroep == groep && series[i].serie.kleur == kleur &&
+                series[i].serie.volgnummer == volg)
+                return i;
+        return SIZE_MAX;
+    }
+    zg::serrec serie(int groep, int kleur, int volg) const {
+        const size_t p = plaats(groep, kleur, volg);
+        return p == SIZE_MAX ? zg::serrec{} : alle<zg::serrec>("DTSER.TXT")[p];
+    }
+    void zet(int groep, int kleur, int volg, size_t waar, const std::string& bytes) const {
+        std::string ser = lees_bestand(bestand("DTSER.TXT"));
+        ser.replace(plaats(groep, kleur, volg) * sizeof(zg::serrec) + waar, bytes.size(), bytes);
+        schrijf_bestand(bestand("DTSER.TXT"), ser);
+    }
+    // Labels of an order: size x pieces, in one text.
+    std::string labels(int order) const {
+        std::map<int, int> per;
+        for (const auto& b : alle<zg::etiblok>("DTETI.TXT"))
+            for (const auto& p : b.plaats) {
+                zg::etiket l;
+                zg::eti_uit(p, b.serie, 0, &l);
+                if (l.status == 1 && l.ordernummer == order)
+                    per[l.maat]++;
+            }
+        std::string uit;
+        for (auto [maat, n] : per)
+            uit += std::to_string(maat) + "x" + std::to_string(n) + " ";
+        return uit;
+    }
+};
+
+struct Koper : Programma {
+    explicit Koper(const Registermap& map, int slot = 1, const char* naam = "Joke")
+        : Programma(overgave(map, slot, naam), demo_opties(map)) {}
+    // A new order, on its line screen; `datum` typed over the one proposed, `kop` typed in the header.
+    void nieuwe_order(const char* lev, const std::string& datum = "", const std::string& kop = "") {
+        t.toetsen(std::string("<Enter><Enter>") + lev + "<Enter>");
+        if (t.scherm().find("</> voor nieuwe order") != std::string::npos)
+            t.toetsen("/");
+        t.toetsen(datum + "<Enter><Esc>" + kop + "<Esc>");
+        EXPECT_TRUE(t.wacht("Uw keuze _  Toevoegen")) << t.scherm();
+    }
+    void geweigerd(const char* sleutel, const char* waarom) {
+        t.toetsen(std::string("Bs") + sleutel);
+        EXPECT_TRUE(t.wacht(waarom)) << t.scherm();
+        t.toetsen("<Enter><Esc>");
+        EXPECT_TRUE(t.wacht("Uw keuze _  T")) << t.scherm();
+    }
+    void klaar() {
+        t.toetsen("<Esc><Esc>");
+        uit();
+    }
+};
+
+// The orders of the demo firm look as they do without a register, and looking changes no byte.
+TEST(Bijbestel, TheDemoFirmsRegister) {
+    Registermap map;
+    const auto voor = map.inhoud();
+    for (const auto& s : map.alle<zg::serrec>("DTSER.TXT"))
+        EXPECT_TRUE(s.nummer >= 1000 && s.etiketkop >= 0 && s.in_nota > 0) << s.nummer;
+    EXPECT_EQ(map.alle<zg::serrec>("DTSER.TXT").size(), map.alle<zg::prijsset>("DTIPA.TXT").size());
+    Koper p(map);
+    p.eerste_order(13);
+    EXPECT_TRUE(p.t.wacht("Inkoop      395.77")) << p.t.scherm();
+    EXPECT_EQ(p.t.regel(8),
+              " NORD Kjole Søs       Bomuld       Prikket          1110  36       7    1323.00");
+    EXPECT_EQ(p.t.stuk(5, 14, 10), "1008 / Vår");
+    p.t.toetsen("RA<Esc>");
+    p.klaar();
+    EXPECT_EQ(DemoMap::verschil(voor, map.inhoud()), "DTSYS.TXT ");
+}
+
+TEST(Bijbestel, ByNumberWithEachRefusal) {
+    Registermap map;
+    const zg::serrec was = map.serie(1110, 14, 1);
+    ASSERT_EQ(was.leverancier, 13);
+    {
+        Koper p(map);
+        p.nieuwe_order("13");
+        p.geweigerd("1100<Enter><Enter><Enter>", "Geen prijzen bekend bij deze leverancier dd. 01-03-16");
+        p.t.toetsen("Bs1110<Enter>14<Enter><Enter>"); // without quantities it doesn't come
+        EXPECT_TRUE(p.t.wacht("Levertermijn")) << p.t.scherm();
+        p.t.toetsen("010416<Enter>300416<Enter><Esc><Esc><Esc>");
+        EXPECT_TRUE(p.t.wacht("Bijbestelling zonder aantallen, wordt niet toegevoegd")) << p.t.scherm();
+        p.t.toetsen("<Enter>");
+        p.t.toetsen("Bs1110<Enter>14<Enter><Enter>");
+        EXPECT_TRUE(p.t.wacht("Levertermijn")) << p.t.scherm();
+        p.t.toetsen("010416<Enter>300416<Enter>2<Enter>3<Enter><Esc><Esc>");
+        EXPECT_TRUE(p.t.wacht(" 14       5 ")) << p.t.scherm();
+        p.geweigerd("1110<Enter>14<Enter><Enter>",
+                    "Er bestaat al een order met dezelfde orderdatum 01-03-16");
+        p.klaar();
+    }
+    zg::serrec nu = map.serie(1110, 14, 1);
+    EXPECT_EQ(nu.in_nota, was.in_nota + 5);
+    EXPECT_EQ(nu.nummer, was.nummer);
+    EXPECT_EQ(nu.levering_tot - nu.laatste_order, 60);
+    EXPECT_EQ(map.labels(1013), "2x2 3x3 ") << "the sizes of its price set, from the first on";
+    EXPECT_EQ(map.alle<zg::prijsset>("DTIPA.TXT").size(), map.alle<zg::serrec>("DTSER.TXT").size() + 1)
+        << "this order has another surcharge: its own prices from its day on";
+    {
+        Koper p(map);
+        p.nieuwe_order("13", "<Home>191015");
+        p.geweigerd("1110<Enter>14<Enter><Enter>",
+                    "Op de orderdatum was deze serie nog niet gedefinieerd (19-10-15)");
+        map.zet(1110, 14, 1, offsetof(zg::serrec, stempel_mag),
+                "\1"); // now it may be moved back: the next test says no
+        p.geweigerd("1110<Enter>14<Enter><Enter>",
+                    "Er bestaat al een order met dezelfde orderdatum 19-10-15");
+        p.klaar();
+    }
+    EXPECT_EQ(map.serie(1110, 14, 1).stempel, was.stempel) << "only with a line";
+    {
+        Koper p(map);
+        p.nieuwe_order("13", "<Home>181015");
+        p.t.toetsen("Bs1110<Enter>14<Enter><Enter>");
+        EXPECT_TRUE(p.t.wacht("Levertermijn")) << p.t.scherm();
+        p.t.toetsen("010416<Enter>300416<Enter>1<Enter><Esc><Esc>");
+        EXPECT_TRUE(p.t.wacht(" 14       1 ")) << p.t.scherm();
+        p.klaar();
+    }
+    EXPECT_EQ(map.serie(1110, 14, 1).stempel % 86400, 0) << "the first second of the order's day";
+    EXPECT_LT(map.serie(1110, 14, 1).stempel, was.stempel);
+    Koper p(map);
+    p.nieuwe_order("13", "<Home>050316", "VEUR<Enter>");
+    p.geweigerd("1110<Enter>14<Enter><Enter>", "Afwijkende valutacode");
+    p.klaar();
+}
+
+// By brand and model; and a duplicate, which is a series of its own with the next free number.
+TEST(Bijbestel, ByModelAndDuplicated) {
+    Registermap map;
+    const size_t series = map.alle<zg::serrec>("DTSER.TXT").size();
+    Koper p(map);
+    p.nieuwe_order("13");
+    p.t.toetsen("Bmnord<Enter>"); // the first model of the brand is proposed
+    EXPECT_TRUE(p.t.wacht("Model Bluse")) << p.t.scherm();
+    p.t.toetsen("Kjole<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(25, 1, "<KJOLE> Onbekende serie. Eerstvolgende genomen")) << p.t.scherm();
+    p.t.toetsen("<Enter><Enter><Enter>");
+    EXPECT_TRUE(p.t.wacht("Levertermijn")) << p.t.scherm();
+    p.t.toetsen("010416<Enter>300416<Enter>2<Enter><Esc><Esc>");
+    EXPECT_TRUE(p.t.wacht(" 14       2 ")) << p.t.scherm();
+    p.t.toetsen("D<Enter>14<Enter>");
+    EXPECT_TRUE(p.t.wacht("Volgnummer         2")) << p.t.scherm();
+    p.t.toetsen("1<Enter>");
+    EXPECT_TRUE(p.t.wacht_op(25, 1, "Serie 1110.14.1 reeds aanwezig")) << p.t.scherm();
+    p.t.toetsen("7<Enter><Esc><Esc>");
+    EXPECT_TRUE(p.t.wacht("AANTALLEN")) << p.t.scherm();
+    p.t.toetsen("A<Esc>");
+    EXPECT_TRUE(p.t.wacht("Regels          2")) << p.t.scherm();
+    p.klaar();
+    EXPECT_EQ(map.alle<zg::serrec>("DTSER.TXT").size(), series + 1);
+    const zg::serrec nieuw = map.serie(1110, 14, 7);
+    EXPECT_EQ(nieuw.in_nota * 10 + (nieuw.etiketkop >= 0), 21);
+    EXPECT_EQ(nieuw.nummer, 1000 + static_cast<int>(series));
+    EXPECT_EQ(map.labels(1013).substr(1), "x4 ") << "both lines";
+}
+
+// Two at work on one group and colour get two numbers, and who gives up leaves none behind.
+TEST(Bijbestel, TwoAddAtOnce) {
+    Registermap map;
+    Koper een(map), twee(map, 2, "Pieter");
+    auto tot_het_nummer = [](Koper& p, const char* lev, const char* nummer) {
+        p.nieuwe_order(lev);
+        p.t.toetsen("T104<Enter>Testjurk<Enter>1110<Enter><Enter><Enter><Esc><Esc><Esc>K14<Enter><Esc>");
+        EXPECT_TRUE(p.t.wacht(std::string("Sernr.  1110. 14.") + nummer)) << p.t.scherm();
+    };
+    tot_het_nummer(een, "13", "2");
+    tot_het_nummer(twee, "11", "3");
+    twee.t.toetsen("<Home>2<Enter>");
+    EXPECT_TRUE(twee.t.wacht_op(25, 1, "Serie 1110.14.2 reeds aanwezig")) << twee.t.scherm();
+    een.t.toetsen("<Esc>"); // back in the screen, its number is free again
+    EXPECT_TRUE(een.t.wacht("Uw keuze _  M, D")) << een.t.scherm();
+    twee.t.toetsen("<Home>2<Enter><Enter>");
+    EXPECT_TRUE(twee.t.wacht("34  36  38")) << twee.t.scherm();
+    een.t.toetsen("<Esc>");
+    EXPECT_TRUE(een.t.wacht("Sernr.  1110. 14.3")) << een.t.scherm();
+    twee.t.sein(9);
+    EXPECT_EQ(twee.t.einde(), 137);
+    EXPECT_NE(lees_bestand(map.bestand("SERNR02.RES")), "");
+    Koper weer(map, 2, "Pieter");
+    EXPECT_EQ(lees_bestand(map.bestand("SERNR02.RES")), "") << "its number was given up";
+    weer.t.toetsen("<Esc>");
+    weer.uit();
+    een.t.toetsen("<Esc><F6>J<Enter>");
+    EXPECT_TRUE(een.t.wacht("Uw keuze _  Toevoegen")) << een.t.scherm();
+    een.klaar();
+    EXPECT_EQ(lees_bestand(map.bestand("SERNR01.RES")), "");
+}
+
+} // namespace
