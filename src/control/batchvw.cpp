@@ -76,22 +76,12 @@ struct Wachtvenster {
     bool er;
 };
 
-// Users of the group, and the last of them.
-int tel(int groep, int32_t* laatste) {
-    int aantal = 0;
-    for (int u = 1; u <= BYTES; u++)
-        if (!IOLOCK('T', iotab_fd(), begin(groep) + u - 1, 1)) {
-            aantal++;
-            *laatste = u;
-        }
-    return aantal;
-}
-
 void toon_gebruikers(int groep) {
-    int32_t nr = 0;
-    int aantal = tel(groep, &nr);
+    const std::vector<int32_t> wie = batch_gebruikers(groep);
+    const auto aantal = static_cast<int>(wie.size());
     SCRCLREOL(1, 2);
     if (aantal == 1) {
+        int32_t nr = wie.front();
         gebruikerslot slot;
         iotab('R', &nr, &slot, SYS_GEBRUIKER);
         std::string tty(VASTUIT(slot.usertty));
@@ -106,6 +96,14 @@ void toon_gebruikers(int groep) {
 }
 
 } // namespace
+
+std::vector<int32_t> batch_gebruikers(int groep) {
+    std::vector<int32_t> uit;
+    for (int32_t u = 1; u <= BYTES; u++)
+        if (!IOLOCK('T', iotab_fd(), begin(groep) + u - 1, 1))
+            uit.push_back(u);
+    return uit;
+}
 
 bool batch_claim(int groep) {
     controleer(groep, 1);

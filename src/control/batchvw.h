@@ -3,6 +3,7 @@
 // end with the process, so nothing is left to clean. User 99 is an unattended run: it never waits or asks.
 #pragma once
 #include <cstdint>
+#include <vector>
 
 namespace zg {
 
@@ -13,6 +14,7 @@ enum Batchgroep : int { BATCH_KASSA = 1, BATCH_ORDERS = 5 };
 // BATCHTERUG.
 bool batch_claim(int groep);
 void batch_vrij(int groep);
+std::vector<int32_t> batch_gebruikers(int groep); // who is in, by slot; all 99 for a batch run
 // The user's own byte (slot `sessie`), waiting while processing is active. False when `mag_vragen` and the
 // user won't wait.
 bool user_claim(int groep, bool mag_vragen);

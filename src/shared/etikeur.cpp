@@ -47,7 +47,7 @@ etikeuring::blok& bij(etikeuring* k, int32_t nr) {
     return k->blokken[static_cast<size_t>(nr)];
 }
 
-etikeuring::blok lees_uit(const etiblok& b) {
+etikeuring::blok lees_uit(const etiblok& b, int32_t nr, const etiketbezoek& bezoek) {
     etikeuring::blok uit{};
     uit.serie = b.serie;
     uit.volgende = b.volgende;
@@ -60,6 +60,8 @@ etikeuring::blok lees_uit(const etiblok& b) {
         }
         uit.per[status]++;
         eti_uit(plaats, b.serie, 0, &label);
+        if (bezoek && status != ETI_VRIJ)
+            bezoek(nr, label);
         uit.buiten +=
             status != ETI_VRIJ && (label.maat < 1 || label.maat > MATEN || label.filiaal >= firma.filialen);
     }
@@ -102,7 +104,7 @@ bool hoort_bij(const etikeuring& k, const etikeuring::blok& b) {
 
 } // namespace
 
-bool etikeur_begin(etikeuring* k) {
+bool etikeur_begin(etikeuring* k, const etiketbezoek& bezoek) {
     *k = {};
     int32_t nr = TELLERS;
     iotab('R', &nr, &k->tellers, SYS_RECORD);
@@ -114,7 +116,7 @@ bool etikeur_begin(etikeuring* k) {
             return false;
         const size_t hele = static_cast<size_t>(n) / sizeof(etiblok);
         for (size_t i = 0; i < hele; i++)
-            k->blokken.push_back(lees_uit(stuk[i]));
+            k->blokken.push_back(lees_uit(stuk[i], static_cast<int32_t>(k->blokken.size()), bezoek));
         if (hele < STUK)
             return true;
         plaats += n;

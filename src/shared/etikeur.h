@@ -36,8 +36,10 @@ struct etikeuring {
     int64_t labels, fouten, verloren;
 };
 
-// Read file and counters; DTETI.TXT is open. False: it can't be read.
-bool etikeur_begin(etikeuring* k);
+// Read file and counters; DTETI.TXT is open. False: it can't be read. `bij` is called with each label, VAT apart, and its
+// block.
+using etiketbezoek = std::function<void(int32_t blok, const etiket& label)>;
+bool etikeur_begin(etikeuring* k, const etiketbezoek& bij = {});
 // The chain of a series; *telling are its labels. False: damaged, told.
 bool etikeur_serie(etikeuring* k, const serrec& serie, etitelling* telling, const keurmelding& meld);
 // Behind all series: the free chain, and the blocks that nobody has.

@@ -54,6 +54,8 @@ void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
             stand->stuk.push_back({set, waar});
         }
         for (const inkrecord& r : keten) {
+            if (static_cast<size_t>(r.nr) >= stand->bezit.size()) // written since the file was measured
+                stand->bezit.resize(static_cast<size_t>(r.nr) + 1, NIEMAND);
             Bezit& b = stand->bezit[static_cast<size_t>(r.nr)];
             if (b != NIEMAND)
                 kwaal(in_record(r.nr, "is in a second chain"));
@@ -122,10 +124,9 @@ Stand neem_op(const std::function<void(const prijsset&)>& bij) {
 std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij) {
     int32_t nr = INK_SYSRECORD;
     sysprijs vrij{};
-    iotab('X', &nr, &vrij, SYS_RECORD);
     Stand stand = neem_op(bij);
+    iotab('R', &nr, &vrij, SYS_RECORD);
     toets_vrij(&stand, vrij);
-    iotab('U', &nr, nullptr, SYS_RECORD);
     stand.telling.verloren = std::ranges::count(stand.bezit, NIEMAND);
     *telling = stand.telling;
     return stand.kwalen;

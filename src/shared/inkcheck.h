@@ -1,5 +1,5 @@
 // The check of the price file: every set with its chain, periods that overlap, groups that nobody has, the free chain. It
-// reads only, under the lock of those who write; the repair gives lost groups back. For the operators' check and tests;
+// reads only and takes no lock: beside a writer it may meet a change half done. The repair gives lost groups back. For the operators' check and tests;
 // the price file and DTSYS.TXT are open.
 #pragma once
 #include "shared/registerrec.h"

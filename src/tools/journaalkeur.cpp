@@ -1,0 +1,135 @@
+// The journals of all seasons, see tools/journaalkeur.h. Descriptors are opened for reading only, so no lock of anybody's is
+// touched.
+#include "tools/journaalkeur.h"
+#include "order/ordcheck.h"
+#include "order/ordloop.h"
+#include "order/ordrec.h"
+#include "shared/files.h"
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool cijfers(const std::string& s, size_t van, size_t n) {
+    return s.size() >= van + n &&
+           std::all_of(s.begin() + static_cast<ptrdiff_t>(van), s.begin() + static_cast<ptrdiff_t>(van + n),
+                       [](unsigned char c) { return isdigit(c) != 0; });
+}
+
+// "2016Z" and "ORD0012.JRN"
+bool is_seizoen(const std::string& naam) {
+    return naam.size() == 5 && cijfers(naam, 0, 4) && isupper(static_cast<unsigned char>(naam[4]));
+}
+bool is_journaal(const std::string& naam) {
+    return naam.starts_with("ORD") && naam.ends_with(".JRN") && naam.size() > 7 &&
+           cijfers(naam, 3, naam.size() - 7);
+}
+
+std::vector<std::string> namen_in(const std::string& map, bool (*soort)(const std::string&)) {
+    std::vector<std::string> uit;
+    std::error_code fout;
+    for (const auto& e : fs::directory_iterator(map, fout))
+        if (soort(e.path().filename()))
+            uit.push_back(e.path().filename());
+    std::sort(uit.begin(), uit.end());
+    return uit;
+}
+
+struct Bestand {
+    explicit Bestand(const std::string& pad) : fd(open(pad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
+    ~Bestand() {
+        if (fd >= 0)
+            close(fd);
+    }
+    Bestand(const Bestand&) = delete;
+    Bestand& operator=(const Bestand&) = delete;
+    int fd;
+};
+
+void orders_van(int fd, const std::string& pad, bool in_hand, journalen* j) {
+    ordloop l;
+    ordrauw r;
+    ordmodel m{};
+    ordloop_begin(&l, fd, 0, INT64_MAX);
+    while (ordloop_volgende(&l, &r) == LOOP_RECORD) {
+        if (r.tag == 'O') {
+            ordkop k;
+            memcpy(&k, r.data + 1, sizeof k);
+            j->orders.push_back({pad + " at " + std::to_string(r.offset),
+                                 k.leverancier,
+                                 k.jaar,
+                                 k.orderdatum,
+                                 k.seizoen,
+                                 k.ordernummer,
+                                 {},
+                                 in_hand});
+        } else if (r.tag == 'M') {
+            memcpy(&m, r.data + 1, sizeof m);
+        } else if (r.tag == 'D' && !j->orders.empty()) {
+            orddessin d;
+            memcpy(&d, r.data + 1, sizeof d);
+            j->regels++;
+            if (d.geregistreerd)
+                j->orders.back().series.insert(sleutel_van({m.artikelgroep, d.kleur, d.volgnummer}));
+        }
+    }
+}
+
+void lees_journaal(const std::string& map, const std::string& naam, int filialen, journalen* j) {
+    const std::string pad = map + "/" + naam, wrk = pad.substr(0, pad.size() - 3) + "WRK";
+    const Bestand b(pad);
+    if (b.fd < 0) {
+        if (errno != ENOENT) // an emptied one went meanwhile
+            j->kwalen.push_back(pad + ": " + strerror(errno));
+        return;
+    }
+    bool in_hand = !IOLOCK('T', b.fd, 0, 1);
+    if (in_hand)
+        j->noten.push_back(pad + ": in use");
+    else if (IOSIZE(wrk.c_str()) > 0) {
+        in_hand = true;
+        j->noten.push_back(wrk + ": a broken-off order, restored when the supplier is chosen again");
+    }
+    ordtelling telling;
+    for (const ordkwaal& k : ord_controle(b.fd, ORD_JOURNAAL, filialen, &telling))
+        (in_hand ? j->noten : j->kwalen).push_back(pad + " at " + std::to_string(k.pos) + ": " + k.wat);
+    j->bestanden++;
+    orders_van(b.fd, pad, in_hand, j);
+    if (in_hand)
+        j->leveranciers_in_hand.insert(static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10)));
+}
+
+} // namespace
+
+sleutelwaarde sleutel_van(const seriesleutel& serie) {
+    sleutelwaarde uit;
+    static_assert(sizeof uit == sizeof serie);
+    memcpy(&uit, &serie, sizeof uit);
+    return uit;
+}
+
+journalen journalen_lees(int filialen) {
+    journalen j;
+    for (const std::string& map : namen_in(".", is_seizoen)) {
+        j.seizoenen.insert({static_cast<uint16_t>(strtoul(map.c_str(), nullptr, 10)), map[4]});
+        for (const std::string& naam : namen_in(map, is_journaal))
+            lees_journaal(map, naam, filialen, &j);
+        // A new order of a supplier without a journal has a work file alone until its commit.
+        for (const std::string& naam :
+             namen_in(map, [](const std::string& n) { return n.ends_with(".WRK"); }))
+            if (IOSIZE((map + "/" + naam).c_str()) > 0 && naam.starts_with("ORD"))
+                j.leveranciers_in_hand.insert(static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10)));
+    }
+    return j;
+}
+
+} // namespace zg

@@ -1,0 +1,32 @@
+// All order journals of a data directory, read for the operators' check: their records, and the orders and lines that the
+// registration knows of.
+#pragma once
+#include "shared/registerrec.h"
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zg {
+
+using sleutelwaarde = uint64_t; // the bytes of a seriesleutel
+sleutelwaarde sleutel_van(const seriesleutel& serie);
+
+struct journaalorder {
+    std::string waar; // "2016Z/ORD0012.JRN at 0"
+    uint16_t leverancier, jaar, orderdatum;
+    char seizoen;
+    int32_t nummer;
+    std::set<sleutelwaarde> series; // of its registered lines
+    bool in_hand;                   // a program has the journal, or broke off in it
+};
+struct journalen {
+    std::vector<journaalorder> orders;
+    std::set<std::pair<uint16_t, char>> seizoenen; // season directories
+    std::set<uint16_t> leveranciers_in_hand;
+    int64_t bestanden = 0, regels = 0;
+    std::vector<std::string> kwalen, noten;
+};
+journalen journalen_lees(int filialen);
+
+} // namespace zg

@@ -1,0 +1,163 @@
+// zgcheck: is the full registration of a data directory sound? One line a file and a total. The check reads beside the
+// programs at work; the repair wants nobody in.
+#include "control/batchvw.h"
+#include "shared/houder.h"
+#include "shared/iotab.h"
+#include "store/ix.h"
+#include "term/natl.h"
+#include "term/scherm.h"
+#include "tools/paar.h"
+#include "tools/registerkeur.h"
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <unistd.h>
+
+namespace {
+
+using namespace zg;
+using json = nlohmann::ordered_json;
+
+struct Wens {
+    std::string map;
+    bool herstel = false, json = false, stil = false;
+    int wacht = 10;
+};
+Wens wens;
+
+// A report ends the tool in one line instead of the box of the screens.
+void rapport() {
+    const char* reden = SCRFATALREDEN();
+    fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST(), reden);
+    fflush(nullptr);
+    _exit(NIET_TE_OPENEN);
+}
+
+// The store's wait routine: who is in the way is told, and it ends.
+void wacht(ICB* icb) {
+    static int gewacht;
+    if (++gewacht > wens.wacht * 5) {
+        klacht(icb ? icb->path : "", "in use; nothing was changed");
+        fflush(nullptr);
+        _exit(IN_GEBRUIK);
+    }
+    usleep(200'000);
+}
+
+void als_json(const keurbestand& b) {
+    json j;
+    j["file"] = b.naam;
+    j["counts"] = b.telling;
+    j["lost"] = b.verloren;
+    j["wrong"] = b.kwalen;
+    j["notes"] = b.noten;
+    puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
+}
+
+int toon(const std::vector<keurbestand>& bestanden) {
+    size_t kwalen = 0, noten = 0;
+    for (const keurbestand& b : bestanden) {
+        kwalen += b.kwalen.size();
+        noten += b.noten.size();
+        if (wens.json) {
+            als_json(b);
+            continue;
+        }
+        for (const std::string& k : b.kwalen)
+            printf("%s: %s\n", b.naam.c_str(), CP850UTF8(k).c_str());
+        for (const std::string& n : b.noten)
+            if (!wens.stil)
+                printf("%s: note: %s\n", b.naam.c_str(), CP850UTF8(n).c_str());
+        if (!wens.stil || !b.kwalen.empty())
+            printf("%s: %s, %s\n", b.naam.c_str(),
+                   b.kwalen.empty() ? "good" : (std::to_string(b.kwalen.size()) + " wrong").c_str(),
+                   b.telling.c_str());
+    }
+    if (!wens.json && (!wens.stil || kwalen))
+        printf("%zu wrong, %zu notes\n", kwalen, noten);
+    return kwalen ? FOUT_GEVONDEN : GOED;
+}
+
+// Users of the orders, by name, while group 5 can't be had.
+int wie_er_in_is() {
+    for (const int32_t nr : batch_gebruikers(BATCH_ORDERS)) {
+        int32_t slot = nr;
+        gebruikerslot g;
+        iotab('R', &slot, &g, SYS_GEBRUIKER);
+        klacht("", "in use: user " + std::to_string(nr) + " " + CP850UTF8(gebruiker_naam(g)));
+    }
+    klacht("", "nothing was changed");
+    return IN_GEBRUIK;
+}
+
+int herstel() {
+    sessie = BATCHGEBRUIKER; // one try, no question
+    const bool alleen = batch_claim(BATCH_ORDERS);
+    sessie = 0;
+    if (!alleen)
+        return wie_er_in_is();
+    {
+        Paar dtser;
+        if (paar_open("DTSER", &dtser) != GOED)
+            return NIET_TE_OPENEN;
+        if (paar_alleen(&dtser, wens.wacht) != GOED)
+            return klacht("", "nothing was changed"), IN_GEBRUIK;
+    }
+    if (const std::string mist = keur_open(true); !mist.empty())
+        return klacht(mist, strerror(ENOENT)), NIET_TE_OPENEN;
+    bool gelukt;
+    for (const std::string& r : register_herstel(&gelukt))
+        if (!wens.stil && !wens.json)
+            printf("repair: %s\n", CP850UTF8(r).c_str());
+    const int uitkomst = toon(register_keur(1));
+    keur_sluit();
+    return gelukt ? uitkomst : FOUT_GEVONDEN;
+}
+
+int keur() {
+    constexpr int POGINGEN = 5;
+    if (const std::string mist = keur_open(false); !mist.empty())
+        return klacht(mist, strerror(ENOENT)), NIET_TE_OPENEN;
+    const int uitkomst = toon(register_keur(POGINGEN));
+    keur_sluit();
+    return uitkomst;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    toolnaam = "zgcheck";
+    signal(SIGPIPE, SIG_DFL);
+    signal(SIGXFSZ, SIG_IGN);
+    CLI::App app{"check the full registration of a data directory: series, prices, labels, codes, orders.\n"
+                 "It reads beside programs at work and takes no lock.",
+                 "zgcheck"};
+    app.set_version_flag("--version", "zgcheck 8.70");
+    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    app.add_option("DIR", wens.map, "data directory")->required();
+    app.add_flag("-r,--repair", wens.herstel,
+                 "give back what nobody has and count again, when nobody is in; then check");
+    app.add_flag("-j,--json", wens.json, "JSON lines, one a file");
+    app.add_flag("-q,--quiet", wens.stil, "say only what is wrong");
+    app.add_option("-w,--wait", wens.wacht, "seconds that a repair waits for DTSER")
+        ->check(CLI::Range(0, 86400));
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
+    }
+    if (chdir(wens.map.c_str()) != 0 || access("DTSYS.TXT", F_OK) != 0)
+        return klacht(wens.map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
+    SCRFATALHAAK = rapport;
+    IXWAITHOOK = wacht;
+    int32_t nr = 0;
+    iotab('O', &nr, nullptr, SYS_RECORD);
+    const int uitkomst = wens.herstel ? herstel() : keur();
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+        klacht("", "standard output: write failed");
+        return FOUT_GEVONDEN;
+    }
+    return uitkomst;
+}

@@ -1,0 +1,204 @@
+// The operators' check of the full registration: each kind of damage is told at its file, a repair gives back what can be
+// given back and leaves the rest as it stands; who is in keeps a repair out.
+#include "order/ordrec.h"
+#include "shared/files.h"
+#include "shared/ioeti.h"
+#include "shared/iotab.h"
+#include "shared/registerrec.h"
+#include "support/demomap.h"
+#include "support/proces.h"
+#include "tools/shell.h"
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+template <class T> void zet(const DemoMap& map, const char* naam, size_t plaats, T waarde) {
+    std::string b = lees_bestand(map.bestand(naam));
+    if (b.size() < plaats + sizeof waarde)
+        b.resize(plaats + sizeof waarde);
+    memcpy(&b[plaats], &waarde, sizeof waarde);
+    schrijf_bestand(map.bestand(naam), b);
+}
+
+template <class T> T haal(const DemoMap& map, const char* naam, size_t plaats) {
+    T uit;
+    memcpy(&uit, &lees_bestand(map.bestand(naam)).at(plaats), sizeof uit);
+    return uit;
+}
+
+// A record of a pair by its place, deleted through the store.
+void wis(const DemoMap& map, const char* naam, int32_t nr) {
+    const Afloop a = in_proces([&] {
+        if (chdir(map.pad().c_str()) != 0)
+            return 1;
+        ICB* icb = IXOPEN(naam, 2);
+        uint8_t rec[IXRECMAX];
+        const int er = IXGET(icb, rec, nr);
+        IXDELETE(icb, rec);
+        IXCLOSE(icb);
+        return er == 1 ? 0 : 2;
+    });
+    EXPECT_EQ(a.status, 0) << naam << a.uitvoer;
+}
+
+constexpr size_t SYS4 = 3 * 64, SYS9 = 8 * 64, BLOK = sizeof(etiblok), SER = sizeof(serrec);
+
+struct Schade {
+    const char* wat;
+    std::function<void(const DemoMap&)> doe;
+    std::vector<const char*> gezegd;
+    bool te_herstellen;
+};
+
+const Schade SCHADES[] = {
+    {"counts of a series",
+     [](const DemoMap& m) { zet(m, "DTSER.TXT", SER + offsetof(serrec, voorraad), int32_t{7}); },
+     {"DTSER: series 1100.15.1: counts "},
+     true},
+    {"a chain into another series",
+     [](const DemoMap& m) { zet(m, "DTETI.TXT", 2 * BLOK + offsetof(etiblok, volgende), int32_t{100}); },
+     {"DTETI: serie ", "blok 100: Etiket niet van"},
+     false},
+    {"a chain past the end",
+     [](const DemoMap& m) { zet(m, "DTSER.TXT", offsetof(serrec, etiketkop), int32_t{99999}); },
+     {"DTETI: serie ", "blok 99999: Buiten bestand"},
+     false},
+    {"a block that nobody has",
+     [](const DemoMap& m) {
+         const auto t = haal<sysetiket>(m, "DTSYS.TXT", SYS4);
+         etiblok b{};
+         b.serie = {1100, 15, 1};
+         b.volgende = -1;
+         sysetiket na = t;
+         na.vrijkop = na.hoogste = t.hoogste + 1;
+         zet(m, "DTETI.TXT", static_cast<size_t>(t.hoogste) * BLOK, b);
+         zet(m, "DTSYS.TXT", SYS4, na);
+     },
+     {"DTETI: ", "1100.15.1"},
+     true},
+    {"wild counters of labels",
+     [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS4, int32_t{-5}); },
+     {"DTETI: "},
+     true},
+    {"labels cut off",
+     [](const DemoMap& m) { std::filesystem::resize_file(m.bestand("DTETI.TXT"), 200 * BLOK + 5); },
+     {"DTETI: serie ", "Buiten bestand"},
+     false},
+    {"a status that there isn't",
+     [](const DemoMap& m) {
+         for (size_t i = 0; i < ETIPLAATS; i++)
+             zet(m, "DTETI.TXT", offsetof(etiblok, plaats) + i, uint8_t{0xFF});
+     },
+     {"DTETI: serie ", "blok 0"},
+     false},
+    {"a group that disagrees",
+     [](const DemoMap& m) { zet(m, "DTIPG.TXT", offsetof(prijsgroeprec, setnr), uint16_t{999}); },
+     {"DTIPA: DTIPA ", "record 0: not a group of this set"},
+     false},
+    {"a price record that nobody has",
+     [](const DemoMap& m) {
+         const auto einde = haal<int32_t>(m, "DTSYS.TXT", SYS9 + 4);
+         zet(m, "DTIPG.TXT", static_cast<size_t>(einde) * sizeof(prijsgroeprec), prijsgroeprec{});
+         zet(m, "DTSYS.TXT", SYS9, std::pair{einde + 1, einde + 1});
+     },
+     {"DTIPA: DTIPG.TXT: 1 records that no set has"},
+     true},
+    {"a series without its record",
+     [](const DemoMap& m) { wis(m, "DTSER", 1); },
+     {"DTIPA: sets of 1100.15.1", "DTEAN: ", "DTETI: ", "journals: note: 0000Z/ORD0010.JRN"},
+     true},
+    {"an order without its number",
+     [](const DemoMap& m) { wis(m, "DTORDNR", 0); },
+     {"has no number record"},
+     false},
+    {"two orders of one number",
+     [](const DemoMap& m) {
+         const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
+         schrijf_bestand(jrn, lees_bestand(jrn) + lees_bestand(jrn));
+     },
+     {"journals: ", "has the number of 2016Z/ORD0010.JRN at 0"},
+     false},
+    {"a journal that goes",
+     [](const DemoMap& m) { std::filesystem::remove(m.bestand("2016Z/ORD0010.JRN")); },
+     {"DTORDNR: number ", "of an order that isn't there"},
+     false},
+    {"a journal cut off",
+     [](const DemoMap& m) {
+         const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
+         std::filesystem::resize_file(jrn, std::filesystem::file_size(jrn) - 1);
+     },
+     {"journals: 2016Z/ORD0010.JRN at "},
+     false},
+};
+
+TEST(Zgcheck, EachDamageAndItsRepair) {
+    for (const Schade& s : SCHADES) {
+        SCOPED_TRACE(s.wat);
+        const DemoMap map("data/demo", std::string("--register"));
+        const std::string hier = " " + map.pad();
+        ASSERT_EQ(sh("zgcheck -q" + hier).tekst, "");
+        s.doe(map);
+        const auto stuk = map.inhoud();
+        const Uit uit = sh("zgcheck" + hier);
+        EXPECT_EQ(uit.status, 1);
+        for (const char* tekst : s.gezegd)
+            EXPECT_TRUE(uit.zegt(tekst)) << tekst << "\n" << uit.tekst;
+        EXPECT_EQ(DemoMap::verschil(stuk, map.inhoud()), "") << "a check only reads";
+        const Uit na = sh("zgcheck --repair" + hier);
+        EXPECT_EQ(na.status, s.te_herstellen ? 0 : 1) << na.tekst;
+        EXPECT_EQ(sh("ixcheck -q" + hier).tekst, "");
+        if (!s.te_herstellen) { // what can't be known stays: no series, group or label goes
+            for (const char* naam : {"DTSER.TXT", "DTIPA.TXT", "DTIPG.TXT", "DTETI.TXT", "DTEAN.TXT"})
+                EXPECT_TRUE(lees_bestand(map.bestand(naam)) == stuk.at(naam)) << naam;
+        }
+    }
+}
+
+TEST(Zgcheck, BesidePeople) {
+    const DemoMap map("data/demo", std::string("--register"));
+    const std::string hier = " " + map.pad();
+    zet(map, "DTSER.TXT", SER + offsetof(serrec, voorraad), int32_t{7});
+    const auto voor = map.inhoud();
+    { // a buyer at his season prompt
+        Terminal t(overgave(map), demo_opties(map));
+        t.wacht_op(1, 46, "2016");
+        t.kalm();
+        const auto bezig = map.inhoud();
+        const Uit uit = sh("zgcheck --repair" + hier);
+        EXPECT_EQ(uit.status, 4);
+        EXPECT_TRUE(uit.zegt("user 1 Joke") && uit.zegt("nothing was changed")) << uit.tekst;
+        EXPECT_EQ(sh("zgcheck" + hier).status, 1);
+        EXPECT_EQ(DemoMap::verschil(bezig, map.inhoud()), "");
+        t.sein(SIGHUP);
+        t.einde();
+    }
+    { // somebody has that series in hand: it may be he who is changing it
+        Agent houder([&] {
+            if (chdir(map.pad().c_str()) != 0)
+                return false;
+            ICB* icb = IXOPEN("DTSER", 2);
+            uint8_t rec[IXRECMAX];
+            return IXGET(icb, rec, 1) == 1 && IXREADL(icb, rec) == 1;
+        });
+        ASSERT_TRUE(houder.ok());
+        const Uit uit = sh("zgcheck" + hier);
+        EXPECT_EQ(uit.status, 0);
+        EXPECT_TRUE(uit.zegt("(in use)")) << uit.tekst;
+        EXPECT_EQ(sh("zgcheck --repair --wait 0" + hier).status, 4);
+    }
+    EXPECT_EQ(lees_bestand(map.bestand("DTSER.TXT")), voor.at("DTSER.TXT"));
+    EXPECT_EQ(sh("zgcheck -r" + hier).status, 0);
+    EXPECT_EQ(sh("zgcheck").status, 2);
+    EXPECT_EQ(sh("zgcheck --nonsense" + hier).status, 2);
+    EXPECT_EQ(sh("zgcheck /").status, 3);
+    std::filesystem::remove(map.bestand("DTIPG.TXT"));
+    EXPECT_EQ(sh("zgcheck" + hier).status, 3);
+}
+
+} // namespace
