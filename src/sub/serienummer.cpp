@@ -95,6 +95,21 @@ bool nummer_bezet(int32_t nr) {
     }
 }
 
+// A picture that is tied to a number without a series is of one that was deleted half.
+void wis_afbeelding(const seriesleutel& sleutel) {
+    if (!dtserpic)
+        return;
+    Seriebuffer buffer(sleutel);
+    const Sleutelstand k1(dtserpic);
+    if (!IXEXISTS(dtserpic, buffer.rec))
+        return;
+    const int gelezen = IXREADT(dtserpic, buffer.rec);
+    if (gelezen == 1)
+        IXDELETE(dtserpic, buffer.rec);
+    else if (gelezen == 0)
+        IXUNLOCK(dtserpic, Seriebuffer(sleutel).rec);
+}
+
 } // namespace
 
 bool serie_gereserveerd(const seriesleutel& sleutel) {
@@ -122,11 +137,13 @@ bool serie_volgnummer_neem(const seriesleutel& sleutel) {
     if (gelezen == 1)
         IXUNLOCK(dtser, zoek.rec);
     gereserveerd = gelezen == 0;
-    if (gereserveerd)
-        nummer = sleutel;
-    else
+    if (!gereserveerd) {
         noteer(rest);
-    return gereserveerd;
+        return false;
+    }
+    nummer = sleutel;
+    wis_afbeelding(sleutel);
+    return true;
 }
 
 uint16_t serie_volgnummer_vrij(int32_t artikelgroep, uint16_t kleur, uint16_t vanaf) {

@@ -322,7 +322,12 @@ TEST_F(Verwijder, AllOfOneAndNothingOfAnother) {
     EXPECT_EQ(IXNEXT(index, r), 0) << "B alone";
     IXCLOSE(index);
     // Its blocks are the next that are given out, its record's slot is used again, and with it its number.
+    serpicrec oud{};
+    oud.serie = A;
+    test::schrijf(dtserpic, oud); // a link that was left
     EXPECT_EQ(serie_volgnummer_vrij(A.artikelgroep, A.kleur), 1);
+    EXPECT_EQ(
+        IXEXISTS(dtserpic, std::string(reinterpret_cast<char*>(&oud), sizeof oud).append(512, 0).data()), 0);
     serie_nummer_los();
     const int64_t omvang = IOSIZE("DTETI.TXT");
     vol(A);
