@@ -117,6 +117,9 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
     binnen.status = zg::ETI_VOORRAAD;
     map.zet_label(19, ander);
     map.zet_label(20, binnen);
+    zg::etiket met_de_hand = l; // a price by hand stays with its piece
+    met_de_hand.met_de_hand = 1;
+    map.zet_label(1, met_de_hand);
     {
         Buyer p(map);
         p.eerste_order(99);
@@ -150,6 +153,7 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
     EXPECT_EQ(wie, verwacht) << "the code goes to all of that day, the location to the order's own";
     EXPECT_EQ(map.serie().in_nota * 10 + map.serie().voorraad, 311) << map.cellen();
     EXPECT_EQ(lees_bestand(map.bestand("DTORDNR.TXT"))[39], 14);
+    EXPECT_EQ(map.label(1).met_de_hand, 1);
     { // deleted: what has come in stays, without the number; the other order's label has its own
         Buyer p(map);
         p.eerste_order(99);

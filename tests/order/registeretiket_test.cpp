@@ -18,12 +18,6 @@ using test::schrijf_bestand;
 
 constexpr seriesleutel A{110, 5, 1};
 
-struct Stuk { // pieces of a term
-    uint16_t tot;
-    uint8_t filiaal, maat;
-    int32_t aantal;
-};
-
 struct Regeletiketten : test::Systeem {
     orderregel regel;
     serrec serie{};
@@ -59,16 +53,18 @@ struct Regeletiketten : test::Systeem {
         kop = {};
         firma = {};
     }
-    void zet(const std::vector<Stuk>& stukken) {
+    // Pieces as "term/branch/size x number", terms in their order.
+    void zet(const char* stukken) {
         regel.termen.clear();
         aantalmatrix m;
-        uint16_t tot = 0;
-        for (const Stuk& s : stukken) {
-            if (s.tot != tot)
+        int tot = 0, was = 0, filiaal, maat, aantal, lengte;
+        for (; sscanf(stukken, "%d/%d/%dx%d %n", &tot, &filiaal, &maat, &aantal, &lengte) == 4;
+             stukken += lengte) {
+            if (tot != was)
                 fmclear(&m);
-            tot = s.tot;
-            fmadd(&m, s.filiaal, s.maat, s.aantal);
-            lt_schrijf(&regel.termen, static_cast<uint16_t>(tot - 10), tot, m);
+            was = tot;
+            fmadd(&m, filiaal, maat, aantal);
+            lt_schrijf(&regel.termen, static_cast<uint16_t>(tot - 10), static_cast<uint16_t>(tot), m);
         }
     }
     // "number:term/branch/size" of all labels.
@@ -105,31 +101,22 @@ ssize_t tel(int fd, const void* buf, size_t n, off_t plaats) {
 TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
     const struct {
         const char* wat;
-        std::vector<Stuk> stukken;
+        const char* stukken;
         const char* keten;
     } rijen[] = {
-        {"made, in the order of the sizes",
-         {{100, 0, 5, 1}, {100, 0, 3, 2}, {100, 1, 3, 1}},
+        {"made, in the order of the sizes", "100/0/5x1 100/0/3x2 100/1/3x1",
          "1:100/0/3 2:100/0/3 3:100/1/3 4:100/0/5 "},
-        {"as it was",
-         {{100, 0, 5, 1}, {100, 0, 3, 2}, {100, 1, 3, 1}},
-         "1:100/0/3 2:100/0/3 3:100/1/3 4:100/0/5 "},
-        {"moved to the branch that has more",
-         {{100, 0, 5, 1}, {100, 0, 3, 1}, {100, 1, 3, 1}, {100, 4, 3, 1}},
+        {"as it was", "100/0/5x1 100/0/3x2 100/1/3x1", "1:100/0/3 2:100/0/3 3:100/1/3 4:100/0/5 "},
+        {"moved to the branch that has more", "100/0/5x1 100/0/3x1 100/1/3x1 100/4/3x1",
          "1:100/0/3 2:100/4/3 3:100/1/3 4:100/0/5 "},
-        {"lowered, the last ones go", {{100, 0, 5, 1}, {100, 4, 3, 1}}, "2:100/4/3 4:100/0/5 "},
-        {"raised, and a term: places are used again",
-         {{100, 0, 5, 2}, {100, 4, 3, 1}, {120, 2, 17, 2}},
+        {"lowered, the last ones go", "100/0/5x1 100/4/3x1", "2:100/4/3 4:100/0/5 "},
+        {"raised, and a term: places are used again", "100/0/5x2 100/4/3x1 120/2/17x2",
          "1:100/0/5 2:100/4/3 3:120/2/17 4:100/0/5 5:120/2/17 "},
-        {"a size is no other size",
-         {{100, 0, 5, 2}, {100, 4, 17, 1}, {120, 2, 17, 2}},
+        {"a size is no other size", "100/0/5x2 100/4/17x1 120/2/17x2",
          "1:100/0/5 2:100/4/17 3:120/2/17 4:100/0/5 5:120/2/17 "},
-        {"from term to term",
-         {{100, 0, 5, 1}, {120, 0, 5, 1}, {120, 2, 17, 2}},
-         "1:100/0/5 2:120/0/5 3:120/2/17 5:120/2/17 "},
-        {"a term that is gone", {{120, 0, 5, 1}, {120, 2, 17, 2}}, "2:120/0/5 3:120/2/17 5:120/2/17 "},
-        {"eleven pieces",
-         {{120, 0, 5, 1}, {120, 2, 17, 2}, {130, 0, 3, 8}},
+        {"from term to term", "100/0/5x1 120/0/5x1 120/2/17x2", "1:100/0/5 2:120/0/5 3:120/2/17 5:120/2/17 "},
+        {"a term that is gone", "120/0/5x1 120/2/17x2", "2:120/0/5 3:120/2/17 5:120/2/17 "},
+        {"eleven pieces", "120/0/5x1 120/2/17x2 130/0/3x8",
          "1:130/0/3 2:120/0/5 3:120/2/17 4:130/0/3 5:120/2/17 6:130/0/3 7:130/0/3 8:130/0/3 9:130/0/3 "
          "10:130/0/3 11:130/0/3 "},
     };
@@ -155,10 +142,10 @@ TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
         EXPECT_EQ(matrix_totalen(regel.nota_aantallen)[0], serie.in_nota);
         EXPECT_EQ(koers.status * 100000 + koers.netto, 100000 + (koers.maat + 900)) << r.wat;
     }
-    zet({{100, 0, 3, 1}, {130, 0, 3, 1}});
+    zet("100/0/3x1 130/0/3x1");
     regel.termen[0].van = 80;
     EXPECT_TRUE(labels_bij(&regel, &serie));
-    zet({{120, 0, 3, 1}});
+    zet("120/0/3x1");
     EXPECT_TRUE(labels_bij(&regel, &serie));
     EXPECT_EQ(serie.levering_van * 1000 + serie.levering_tot, 80'130) << "bounds only widen";
     int32_t nr = 1;
@@ -171,7 +158,7 @@ TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
 }
 
 TEST_F(Regeletiketten, OthersStay) {
-    zet({{100, 0, 3, 2}});
+    zet("100/0/3x2");
     EXPECT_TRUE(labels_bij(&regel, &serie));
     const std::function<void(etiket*)> anderen[] = {
         [](etiket* l) { l->ordernummer = 1001; },
@@ -190,7 +177,7 @@ TEST_F(Regeletiketten, OthersStay) {
     EXPECT_TRUE(labels_lees(&regel, &koers));
     EXPECT_EQ(matrix_totalen(regel.nota_aantallen)[0], 2);
     EXPECT_EQ(matrix_totalen(regel.order_aantallen)[0], 4) << "delivered ones were ordered, too";
-    zet({});
+    zet("");
     EXPECT_TRUE(labels_bij(&regel, &serie));
     EXPECT_EQ(keten(), vreemde);
     EXPECT_EQ(serie.in_nota * 100 + serie.voorraad * 10 + serie.verkopen, 511)
@@ -201,7 +188,7 @@ TEST_F(Regeletiketten, OthersStay) {
     EXPECT_TRUE(labels_lees(&regel, &koers));
     EXPECT_EQ(matrix_totalen(regel.order_aantallen)[0] + koers.status, 0);
     kop.ordernummer = 1000;
-    zet({{100, 1, 3, 3}});
+    zet("100/1/3x3");
     EXPECT_TRUE(labels_bij(&regel, &serie));
     regel.serie = serie;
     int over = 0;
@@ -209,7 +196,7 @@ TEST_F(Regeletiketten, OthersStay) {
     EXPECT_EQ(over * 10 + regel.serie.in_nota, 75);
     EXPECT_EQ(keten(), vreemde);
     // A term's dates: this order's, nothing else in the label.
-    zet({{100, 1, 3, 1}});
+    zet("100/1/3x1");
     EXPECT_TRUE(labels_bij(&regel, &serie));
     EXPECT_TRUE(levering_verzet(regel, 100, 130, 140));
     EXPECT_EQ(keten(), "1:140/1/3 " + vreemde);
@@ -245,12 +232,12 @@ TEST_F(Regeletiketten, ReceivingLocation) {
 
 // Refused at any write the labels are as they were; killed there the file is sound, and other labels stand.
 TEST_F(Regeletiketten, EveryWriteRefusedOrTheLast) {
-    zet({{100, 0, 3, 4}, {100, 1, 5, 4}});
+    zet("100/0/3x4 100/1/5x4");
     EXPECT_TRUE(labels_bij(&regel, &serie));
     vreemd([](etiket* l) { l->ordernummer = 1001; });
     EXPECT_TRUE(labels_bij(&regel, &serie)); // which counts it
     const std::string eti = lees_bestand("DTETI.TXT"), sys = lees_bestand("DTSYS.TXT"), was = keten();
-    zet({{100, 2, 3, 2}, {100, 1, 5, 2}, {120, 0, 17, 9}}); // moved, deleted, made in a new block
+    zet("100/2/3x2 100/1/5x2 120/0/17x9"); // moved, deleted, made in a new block
     for (bool dood : {false, true})
         for (int n = 0, klaar = 0; !klaar; n++) {
             ASSERT_LT(n, 80);
@@ -293,16 +280,16 @@ TEST_F(Regeletiketten, EveryWriteRefusedOrTheLast) {
 }
 
 TEST_F(Regeletiketten, RefusedBeforeAnythingIsWritten) {
-    zet({{100, 0, 3, 2}});
+    zet("100/0/3x2");
     EXPECT_TRUE(labels_bij(&regel, &serie));
     const std::string eti = lees_bestand("DTETI.TXT");
     regel.prijzen.inkoop[5] = 214748364;
-    zet({{100, 0, 3, 2}, {100, 0, 5, 1}});
+    zet("100/0/3x2 100/0/5x1");
     EXPECT_FALSE(labels_passen(regel, serie)) << "an amount";
     regel.prijzen.inkoop[5] = 214748363;
     EXPECT_TRUE(labels_passen(regel, serie));
     instel15.etiketcijfers = 6;
-    zet({{100, 0, 3, 1'000'000}});
+    zet("100/0/3x1000000");
     EXPECT_FALSE(labels_passen(regel, serie)) << "more pieces than there are numbers";
     // A label of this order with a branch that there isn't: the line can't be read, and isn't written over.
     vreemd([](etiket* l) { l->filiaal = 5; });

@@ -135,39 +135,12 @@ struct Etiketten : test::Systeem {
 };
 
 TEST_F(Etiketten, WordsOfAPlace) {
-    etiket besteld = order_label(A, 5), verkocht{}, terug;
-    besteld.inkoop = 2999;
-    besteld.inkoopcode = 3;
-    besteld.prijs = 5995;
-    besteld.netto = 3250;
-    besteld.maatsoort = 12;
-    besteld.filiaal = 2;
-    besteld.locatie = 3;
-    besteld.locatie_aan = 1;
-    besteld.leverancier = 117;
-    besteld.orderdatum = 42000;
-    besteld.levering_van = 42050;
-    besteld.levering_tot = 42100;
-    verkocht.status = ETI_VERKOCHT;
-    verkocht.inkoop = 1;
-    verkocht.inkoopcode = 9;
-    verkocht.prijs = 214748363;
-    verkocht.actiecode = 9;
-    verkocht.netto = -250;
-    verkocht.met_de_hand = 2;
-    verkocht.kassa = 147;
-    verkocht.ontvangst = 483647;
-    verkocht.klant = 70000;
-    verkocht.maat = 95;
-    verkocht.maatsoort = 99;
-    verkocht.filiaal = 249;
-    verkocht.leverancier = 65535;
-    verkocht.orderdatum = 1;
-    verkocht.levering_tot = 42000;
-    verkocht.datum = 42001;
-    verkocht.btw = 210;
-    verkocht.ordernummer = 9999999;
-    verkocht.locatie = 255;
+    const etiket besteld{A, ETI_ORDER, 0,  5, 2, 117, 42000, 42050, 42100, 0,    0, 2999, 5995, 3250,
+                         0, 0,         12, 3, 0, 0,   0,     0,     0,     1000, 3, 1,    {}};
+    const etiket verkocht{{},     ETI_VERKOCHT, 0,   95,        249,  65535,   1,   0,  42000,
+                          42001,  210,          1,   214748363, -250, 2,       9,   99, 9,
+                          483647, 70000,        147, 0,         0,    9999999, 255, 0,  {}};
+    etiket terug;
     const std::pair<etiket, const char*> rijen[] = {
         {besteld, "29750000 2EEA0000 F57E0000 00000000 00000000 00020204 750010A4 74A442A4 E8030000 "},
         {verkocht, "13000000 F7FFFF7F 3FF6FFFF FFFFFF7F 70110100 7F25F900 FFFF0100 10A411A4 7F0BC47D "},
@@ -277,6 +250,12 @@ TEST_F(Etiketten, ChainsAndNumbers) {
     EXPECT_TRUE(in_proces([&] { return maak(A, 50, 50) - 1; }).status == 0);
     l.inkoopcode = 5;
     EXPECT_EQ(ioeti('W', &nr, &l), 1);
+    test::echt = SYS.pwrite;
+    over = 0;
+    doodgaan = false;
+    SYS.pwrite = test::stoor;
+    EXPECT_EQ(ioeti('W', &nr, &l), 1) << "what stands so isn't written";
+    SYS.pwrite = test::echt;
     EXPECT_EQ(maak(A, 51, 51), 1);
     EXPECT_EQ(keten(A), "41:1 42:2 43:50 44:51 ");
 }
@@ -392,40 +371,41 @@ TEST_F(Etiketten, Damage) {
     maak(C, 1, 20); // 5, 6
     ioeti_vrij(C, &c);
     const std::string eti = lees_bestand("DTETI.TXT"), sys = lees_bestand("DTSYS.TXT");
+    // A block and the link that it gets; or the counters, which are 6 and 7.
+    constexpr int STATUS = -1, KORT = -2, GEEN = -3;
     const struct {
         const char* wat;
-        std::function<void()> doe;
-        const char* reden; // of the walk; null: that goes well
-        bool erbij;        // a block behind A stops
+        int32_t blok, volgende, vrijkop, hoogste;
+        const char* reden; // of the walk along A; null: that goes well
     } rijen[] = {
-        {"into another series", [] { zet_blok(1, [](etiblok* x) { x->volgende = 4; }); },
-         "Etiket niet van 110.5.1", true},
-        {"in a circle", [] { zet_blok(2, [](etiblok* x) { x->volgende = 0; }); },
-         "Etiketketting zonder einde", true},
-        {"past the end", [] { zet_blok(2, [](etiblok* x) { x->volgende = 99; }); }, "Buiten bestand", true},
-        {"past the limit", [] { zet_blok(2, [](etiblok* x) { x->volgende = 1000000; }); },
-         "Ongeldige etiketketting", true},
-        {"below 0", [] { zet_blok(0, [](etiblok* x) { x->volgende = -7; }); }, "Ongeldige etiketketting",
-         true},
-        {"a free block", [] { zet_blok(2, [](etiblok* x) { x->volgende = 6; }); }, "Etiket niet van 110.5.1",
-         true},
-        {"status 7", [] { zet_blok(1, [](etiblok* x) { x->plaats[4][8] = 7, x->plaats[4][9] = 0; }); },
-         "Ongeldige etiketstatus", false},
-        {"cut file", [&] { schrijf_bestand("DTETI.TXT", eti.substr(0, 900)); }, "Buiten bestand", true},
-        {"free chain into A", [] { zet_tellers(1, 7); }, nullptr, true},
-        {"free chain in a circle", [] { zet_blok(6, [](etiblok* x) { x->volgende = 6; }); }, nullptr, true},
-        {"free chain past the end", [] { zet_blok(6, [](etiblok* x) { x->volgende = 8; }); }, nullptr, true},
-        {"counters below the file", [] { zet_tellers(4, 4); }, nullptr, true},
-        {"counters the wrong way", [] { zet_tellers(9, 7); }, nullptr, true},
-        {"counters past the limit", [] { zet_tellers(1000002, 1000002); }, nullptr, true},
-        {"counters below 0", [] { zet_tellers(-1, 7); }, nullptr, true},
+        {"into another series", 1, 4, 6, 7, "Etiket niet van 110.5.1"},
+        {"in a circle", 2, 0, 6, 7, "Etiketketting zonder einde"},
+        {"past the end", 2, 99, 6, 7, "Buiten bestand"},
+        {"past the limit", 2, 1000000, 6, 7, "Ongeldige etiketketting"},
+        {"below 0", 0, -7, 6, 7, "Ongeldige etiketketting"},
+        {"a free block", 2, 6, 6, 7, "Etiket niet van 110.5.1"},
+        {"status 7", STATUS, 0, 6, 7, "Ongeldige etiketstatus"},
+        {"cut file", KORT, 0, 6, 7, "Buiten bestand"},
+        {"free chain into A", GEEN, 0, 1, 7, nullptr},
+        {"free chain in a circle", 6, 6, 6, 7, nullptr},
+        {"free chain past the end", 6, 8, 6, 7, nullptr},
+        {"counters below the file", GEEN, 0, 4, 4, nullptr},
+        {"counters the wrong way", GEEN, 0, 9, 7, nullptr},
+        {"counters past the limit", GEEN, 0, 1000002, 1000002, nullptr},
+        {"counters below 0", GEEN, 0, -1, 7, nullptr},
     };
     for (const auto& r : rijen) {
         SCOPED_TRACE(r.wat);
         schrijf_bestand("DTETI.TXT", eti);
         schrijf_bestand("DTSYS.TXT", sys);
         open();
-        r.doe();
+        zet_tellers(r.vrijkop, r.hoogste);
+        if (r.blok >= 0)
+            zet_blok(r.blok, [&](etiblok* x) { x->volgende = r.volgende; });
+        else if (r.blok == STATUS)
+            zet_blok(1, [](etiblok* x) { x->plaats[4][8] = 7, x->plaats[4][9] = 0; });
+        else if (r.blok == KORT)
+            schrijf_bestand("DTETI.TXT", eti.substr(0, 900));
         ioeti_heropen();
         const std::string beeld = keten(A);
         EXPECT_EQ(beeld.find('!') == std::string::npos, r.reden == nullptr) << beeld;
@@ -434,7 +414,7 @@ TEST_F(Etiketten, Damage) {
         }
         EXPECT_NE(keur(), "");
         const std::string nu = lees_bestand("DTETI.TXT"), tellers_nu = lees_bestand("DTSYS.TXT");
-        if (r.erbij) {
+        if (r.blok != STATUS) { // its place comes behind a free one
             verwacht_stop([&] { maak(A, 31, 31); }, "ioeti(");
             ioeti_keten(&A, &a);
             EXPECT_FALSE(ioeti_past(1)) << "it is said before anything is written";
