@@ -124,6 +124,16 @@ TEST_F(Serie, StampsAndRunningNumbers) {
     EXPECT_EQ(serie_nummer_nieuw(), 1001);
 }
 
+// Else orders would be written that have no labels.
+TEST_F(Serie, RegisterThatLostItsIndexStops) {
+    EXPECT_TRUE(register_aanwezig());
+    uit();
+    IOUNLINK("DTSER.INX");
+    test::verwacht_stop([] { register_aanwezig(); }, "DTSER.INX");
+    IOUNLINK("DTSER.TXT");
+    EXPECT_FALSE(register_aanwezig());
+}
+
 // Two at once get two numbers, without a wait; what a dead program had is given up at its slot's next start, what a living
 // one has is not, also where both name it.
 TEST_F(Serie, ReservedNumbers) {
