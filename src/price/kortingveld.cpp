@@ -25,6 +25,8 @@ bool bereken(double* procent) {
     SCRPUT(A_LABEL, 2, 2, "%-10.10s:", "+, *, C");
     SCRPUT(A_LABEL, 3, 2, "%-10.10s:", TXT(T_TOTAAL));
     bool term_eerst = term == 0;
+    if (!term_eerst)
+        SCRPUT(A_WAARDE, 1, 14, "%6.2f", term);
     for (;;) {
         SCRPUT(A_WAARDE, 3, 14, "%6.2f", totaal);
         if (!term_eerst) {

@@ -83,30 +83,3 @@ TEST(Omstandigheid, EdiOrder) {
     p.uit();
     EXPECT_EQ(kop_van(map.journaal()).ontvangstlocatie, 3);
 }
-
-// With the full registration's files there: lines show, and nothing that labels depend on can be changed.
-TEST(Omstandigheid, Registermodus) {
-    Datamap map;
-    schrijf_bestand(map.bestand("DTSER.INX"), "");
-    map.sys(32, std::string("\x04\0", 2));
-    zg::ordkop kop = maak_kop("Vol");
-    kop.edi_soort = 3; // has a receiving location
-    map.journaal(maak_order(kop, {{5, "A", "D1"}, {5, "B", "D2"}}));
-    Programma p(map);
-    p.eerste_order();
-    EXPECT_EQ(p.t.stuk(8, 36, 3), "D1 ") << p.t.scherm();
-    p.t.toetsen("V");
-    p.t.wacht("Regel heeft etiketten, verwijderen niet mogelijk");
-    p.t.toetsen("WOD");
-    EXPECT_TRUE(p.t.wacht("<D> Ongeldige ingave")) << "pieces that aren't known count as pieces";
-    for (auto [toets, melding] : {std::pair{"G", "Het toekennen van orderkorting is niet toegestaan."},
-                                  {"I", "Order heeft etiketten, wijzigen niet mogelijk"},
-                                  {"N", "Order heeft etiketten, wijzigen niet mogelijk"}}) {
-        p.t.toetsen(toets);
-        p.t.wacht_op(25, 1, melding);
-        p.t.toetsen("AX<Esc>");
-    }
-    p.t.toetsen("<Esc><Esc>");
-    p.uit();
-    EXPECT_EQ(map.journaal(), maak_order(kop, {{5, "A", "D1"}, {5, "B", "D2"}}));
-}

@@ -104,6 +104,12 @@ const Weigering WEIGERINGEN[] = {
 
     {"no branch table", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTFILGEG.TXT").c_str()); },
      "Open niet gelukt (file=DTFILGEG.TXT"},
+    {"series without their index: no order without labels",
+     [](Datamap& map, auto&, Opties&) { schrijf_bestand(map.bestand("DTSER.TXT"), ""); },
+     "Open niet gelukt (file=DTSER.INX"},
+    {"an index of series, and nothing else of the register",
+     [](Datamap& map, auto&, Opties&) { schrijf_bestand(map.bestand("DTSER.INX"), ""); },
+     "Open niet gelukt (file="},
 
     {"unknown terminal", [](Datamap&, auto&, Opties& o) { o.term = "raar"; }, "Onbekende terminfo (Raar)",
      10},
