@@ -49,6 +49,19 @@ TEST(RegisterPrijs, DiscountOnceFromTheHeader) {
     const int32_t order = atoi(nummer.c_str());
     const auto eerst = waarden(map, order);
     ASSERT_EQ(eerst.size(), 14U) << t.scherm();
+    // With a piece on another order of that day no discount, and a question before prices.
+    auto eerste_label_op = [&](int32_t ander) {
+        std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
+        memcpy(eti.data() + offsetof(etiblok, plaats) + 32, &ander, 4);
+        schrijf_bestand(map.bestand("DTETI.TXT"), eti);
+    };
+    eerste_label_op(order + 1);
+    t.toetsen("WOG");
+    EXPECT_TRUE(t.wacht("Het toekennen van orderkorting is niet toegestaan.")) << t.scherm();
+    t.toetsen("<Enter><Esc>WPA");
+    EXPECT_TRUE(t.wacht("Wilt u doorgaan? (J/N)")) << t.scherm();
+    t.toetsen("<Enter><Esc>");
+    eerste_label_op(order);
     for (int keer = 0; keer < 2; keer++) { // the second time the header is only looked through
         t.toetsen(keer ? "WOO<Enter><Esc>" : "WOG5<Enter><Esc>");
         t.wacht_op(5, 55, "5.00%");

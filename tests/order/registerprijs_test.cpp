@@ -214,6 +214,52 @@ TEST_F(Registerprijs, Refused) {
     EXPECT_TRUE(sluit());
 }
 
+// A note of before: what others have changed since stays, and is named; a damaged one does nothing.
+TEST_F(Registerprijs, WhatIsAnothersStays) {
+    for (int i = 0; i < 3; i++)
+        label(1, 3, 1180);
+    label(2, 3, 1180);
+    prijswerk noot{LEV, DATUM, NUMMER, -500, {}};
+    for (int kleur : {1, 2}) {
+        prijsserie p{};
+        p.serie = serie(kleur);
+        p.nummer = 2001; // that of the first
+        p.regel = kleur;
+        p.stond = p.zet = true;
+        EXPECT_EQ(ioink_find(p.serie, LEV, DATUM, &p.was, &p.groepen_was), Prijsset::gelezen);
+        p.wordt = p.was;
+        p.groepen = p.groepen_was;
+        p.groepen[0].netto = 950;
+        p.groepen_was[0].netto = kleur == 1 ? 999 : 1000;
+        const prijsstand was = {1180, 2995}, anders = {1179, 2995}, wordt = {1121, 2995};
+        p.etiketten = {{1, 3, was, wordt},
+                       {2, 3, anders, wordt},
+                       {3, 4, was, wordt},
+                       {11, 3, was, wordt},
+                       {999, 3, was, wordt}};
+        noot.series.push_back(p);
+    }
+    const std::string oud = stand(1) + stand(2);
+    wrk_namen();
+    ASSERT_TRUE(prijswerk_noteer(noot));
+    const std::string heel = inhoud("PRS");
+    testing::internal::CaptureStderr();
+    for (size_t n = 0; n < heel.size(); n += 7) { // cut, and one bit another
+        std::string stuk = heel;
+        stuk[n] = static_cast<char>(stuk[n] ^ 4);
+        zet("PRS", n % 2 ? stuk : heel.substr(0, n));
+        EXPECT_TRUE(prijswerk_afmaken());
+        EXPECT_EQ(IOEXISTS(pad("PRS").c_str()), 0);
+    }
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(stand(1) + stand(2), oud);
+    zet("PRS", heel);
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(prijswerk_afmaken());
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("1: 0.1.0, 2: 0.2.0"), std::string::npos);
+    EXPECT_EQ(stand(1) + stand(2), "0-65534:1000/12000/ 1121 1180 1180 0-65534:1000/12000/ 1180 ");
+}
+
 // A line in somebody's hand is waited for, and one whose holder dies goes on.
 TEST_F(Registerprijs, WaitsForALockedLine) {
     label(2, 3, 1180);
@@ -293,6 +339,7 @@ void elke_storing(const std::function<bool()>& doe, const std::string& oud, cons
             }
             if (in_journaal) {
                 EXPECT_EQ(in_journaal(), alles);
+                EXPECT_FALSE(alles && status == 0) << "told that nothing changed";
             }
             if (status == 1 || status == 9) {
                 EXPECT_TRUE(alles);
