@@ -1,7 +1,7 @@
 // The open job of the print layer, and its way out. Between the files of this folder.
 #pragma once
 #include "print/xprt.h"
-#include <cstdio>
+#include <ctime>
 #include <string>
 
 namespace zg {
@@ -12,20 +12,50 @@ struct printjob {
     bool open;
     bool voorbeeld; // preview first
     Printweg weg;
-    int rijen, kolommen; // a page; 0 or 9999 rows: no pages
-    int blad;            // pages started
-    int regel;           // on the page; 10000 behind the opening
-    int64_t begin;       // place in the spool file behind the init text
-    std::string init, exit;
-    std::string apparaat; // queue, path, or directory
-    std::string tekens;   // how it leaves: "cp850", "utf-8", "latin1", "ascii", "pdf"
+    uint16_t code;       // printer, 0 for none
+    uint8_t config;      // its configuration
+    int rijen, kolommen; // a page; 0 or PRT_ZONDER_BLADEN rows: no pages
     bool staand;
-    std::string spool; // name of the spool file
+    int blad;               // pages started
+    int regel;              // on the page; PRT_REGEL_VOOR behind the opening
+    int boven, links;       // margins
+    std::string init, exit; // bytes, NUL among them
+    std::string apparaat;   // queue, path, or directory
+    std::string tekens;     // how it leaves: "cp850", "utf-8", "latin1", "ascii", "pdf"
     std::string titel;
-    FILE* bestand;
     int kopieen;
+    time_t geopend;
+    // The spool file: its path, and what has been written. Behind the first refused write (errno in `fout`) nothing
+    // more is.
+    std::string spool;
+    int fd;
+    std::string buffer;
+    int64_t plaats, begin; // bytes written; of those the init text
+    int fout;
 };
 extern printjob printopdracht;
+
+inline constexpr int PRT_REGEL_VOOR = 10000; // so that the first line finds the page full
+inline bool prt_bladen(const printjob& job) {
+    return job.rijen > 0 && job.rijen != 9999;
+}
+
+// The two halves of a job without its destination. Open one on a new file, its record filled in but for the state: zigzag
+// on, init text written. False with errno, nothing is open then; EEXIST when the file is there.
+bool prt_job_open(const printjob& job, const std::string& pad);
+enum class Jobeind { klaar, leeg, fout };
+// Flush, last form feed, exit text, file closed; the job is no longer open, its record stays. `leeg`: nothing was printed
+// and the file is gone. `fout`: a write was refused, errno in printopdracht.fout, the file stays for the caller.
+Jobeind prt_job_sluit(bool onderbroken);
+
+// The zigzag line. Starting twice or stopping twice is the report (1, 199) or (1, 200); sizes come from the environment.
+void zigzag_start();
+void zigzag_stop();
+void zigzag_leeg(); // drop the line
+// Bytes on the spool file. Formatting and pages know nothing of its buffer.
+void prt_schrijf(const char* bytes, size_t n);
+// In place: control bytes become blanks.
+void prt_blank(char* tekst, size_t n);
 
 // Is the destination there, so far as can be seen without opening it? A queue that lpstat doesn't know within 5 s, a device
 // that isn't one, a path into the data directory: false.
