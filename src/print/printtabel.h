@@ -1,8 +1,12 @@
 // The print destinations: four tables in the print directory (ZEBPRT), made with the screen as their first printer when
 // they aren't there. Record layouts, reading, and what a control text means.
+//
+// They are read off their data files, all of it at once: a few hundred records, and a directory in which nobody may write,
+// or an index that is broken, is no reason for a print job to end the program. Who changes them opens them as pairs.
 #pragma once
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace zg {
 
@@ -40,17 +44,26 @@ struct [[gnu::packed]] prtcode { // TR_PTRCA, key 1 code, configuration, capabil
 static_assert(sizeof(prtrec) == 16 && sizeof(prtverbinding) == 64 && sizeof(prtconfig) == 284 &&
               sizeof(prtcode) == 126);
 
-// Open tables, null when closed.
+enum Prttabel { PRT_PRINTERS, PRT_VERBINDINGEN, PRT_CONFIGS, PRT_CODES, PRT_TABELLEN };
+
+// All records, in the order of key 1.
 struct printtabellen {
-    ICB *printers, *verbindingen, *configs, *codes;
+    std::vector<prtrec> printers;
+    std::vector<prtverbinding> verbindingen;
+    std::vector<prtconfig> configs;
+    std::vector<prtcode> codes;
 };
-// Open them for reading (0) or writing (2), made or rebuilt where they are missing. False: told in a box, none is open.
-bool prt_open(printtabellen* t, int modus);
-void prt_sluit(printtabellen* t);
+// Make or repair the four where that is needed and possible, and read them. False: there is no printer to be read.
+bool prt_lees(printtabellen* t);
+// One of them as a pair, shared (2) or exclusive (1), made and repaired first; null when that isn't possible, untold.
+ICB* prt_open(Prttabel tabel, int modus);
 // The path of a file in the print directory; the box about ZEBPRT comes once a run.
 std::string XPRT_PAD(const char* naam);
 
-// A control text with its escapes ("\1B", two hex digits; "\\") as bytes; its length counts, NUL bytes are bytes.
+// A control text as bytes: a "\" and two hex digits is that byte, NUL among them, "\\" a backslash, all else itself.
 std::string prt_bytes(const char* tekst, size_t n);
+
+// A box that waits for ENTER; lines on the error output without a screen.
+void prt_box(const char* titel, const std::string& tekst);
 
 } // namespace zg
