@@ -1,0 +1,296 @@
+// Opening a job: which printer, through what, set up how; and whether that can be printed to at all.
+#include "print/bestemlijst.h"
+#include "print/printjob.h"
+#include "print/printtabel.h"
+#include "print/teksten.h"
+#include "shared/files.h"
+#include "shared/syscalls.h"
+#include "shared/sysrec.h"
+#include "term/prompt.h"
+#include "term/scherm.h"
+#include "term/uitvoer.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int SCHERMRIJEN = 64;
+constexpr size_t BESTANDMAX = 39;
+constexpr char UITMAP[] = "uit"; // files without a directory
+constexpr int NAMEN = 20;        // tries of a spool file's name
+constexpr std::chrono::seconds LPSTAT_WACHT{5};
+constexpr std::chrono::milliseconds LPSTAT_STAP{10};
+constexpr int CAP_TEKENS = 17, CAP_INIT = 18, CAP_EXIT = 19;
+
+std::vector<prtcode> jobcodes; // of the job's configuration
+
+// A program with these arguments, without a shell, input or output: its status is 0 within the time.
+bool slaagt(std::vector<std::string> argv) {
+    std::vector<char*> args;
+    for (std::string& a : argv)
+        args.push_back(a.data());
+    args.push_back(nullptr);
+    const pid_t pid = fork();
+    if (pid < 0)
+        return false;
+    if (pid == 0) {
+        const int nul = open("/dev/null", O_RDWR);
+        for (int fd = 0; fd < 3; fd++)
+            dup2(nul, fd);
+        execvp(args[0], args.data());
+        _exit(127);
+    }
+    const auto grens = std::chrono::steady_clock::now() + LPSTAT_WACHT;
+    for (int status = 0;;) {
+        const pid_t klaar = waitpid(pid, &status, WNOHANG);
+        if (klaar == pid)
+            return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+        if ((klaar < 0 && errno != EINTR) || std::chrono::steady_clock::now() > grens) {
+            kill(pid, SIGKILL);
+            waitpid(pid, nullptr, 0);
+            return false;
+        }
+        std::this_thread::sleep_for(LPSTAT_STAP);
+    }
+}
+
+// Is it the data directory, or that of a season? Nothing is printed into those.
+bool datamap(const std::string& map) {
+    std::error_code fout;
+    const fs::path hier = fs::canonical(".", fout), daar = fs::canonical(map.empty() ? "." : map, fout);
+    if (fout)
+        return true;
+    const fs::path langs = daar.lexically_relative(hier);
+    if (langs.empty() || *langs.begin() == "..")
+        return false;
+    const std::string eerste = langs.begin()->string();
+    return eerste == "." || (eerste.size() > 1 && strchr("ZWK", eerste.back()) &&
+                             eerste.find_first_not_of("0123456789") == eerste.size() - 1);
+}
+
+bool schrijfbare_map(const std::string& map) {
+    return IOISDIR(map.c_str()) && access(map.c_str(), W_OK | X_OK) == 0 && !datamap(map);
+}
+
+void weigering(const std::string& apparaat) {
+    std::string naam = apparaat;
+    prt_blank(naam.data(), naam.size());
+    prt_box(TXT(T_PRT_PRINTEN),
+            std::string(TXT(T_PRT_UITVOERMEDIUM)) + " <" + naam + ">\n" + TXT(T_PRT_NIET_OPEN));
+}
+
+bool bestandfout(const Tekst& tekst) {
+    prt_box(TXT(T_PRT_NAAR_BESTAND), TXT(tekst));
+    return false;
+}
+
+// A report to a file: 64 rows, the width by the mask or the menu.
+bool naar_bestand(const char* bestand, uint16_t masker, printjob* job) {
+    if (!bestand || !*bestand)
+        return bestandfout(T_PRT_GEEN_BESTAND);
+    const std::string pad = bestand;
+    if (pad.size() > BESTANDMAX || pad.back() == '/' ||
+        std::any_of(pad.begin(), pad.end(), [](unsigned char c) { return c < ' '; }))
+        return bestandfout(T_PRT_FOUT_PAD);
+    const bool kaal = pad.find('/') == std::string::npos;
+    if (kaal && !IOISDIR(UITMAP))
+        SYSNIEUWEMAP(UITMAP);
+    job->apparaat = kaal ? UITMAP + ("/" + pad) : pad;
+    const std::string map = job->apparaat.substr(0, job->apparaat.rfind('/') + 1);
+    struct stat st;
+    const bool staat = stat(job->apparaat.c_str(), &st) == 0;
+    if (!schrijfbare_map(map) || (staat && !S_ISREG(st.st_mode)))
+        return bestandfout(T_PRT_FOUT_PAD);
+    if (staat && !(SCHERM.bestaat && FFLASH(-2, 2, A_WAARDE, TXT(T_PRT_NAAR_BESTAND), "%s\n[-]%s",
+                                            job->apparaat.c_str(), TXT(T_PRT_OVERSCHRIJVEN))))
+        return false;
+    job->weg = Printweg::bestand;
+    job->rijen = SCHERMRIJEN;
+    switch (masker & (PRT_40 | PRT_80 | PRT_132)) {
+    case PRT_40:
+    case PRT_80:
+    case PRT_132:
+        job->kolommen = prt_breedste(masker);
+        break;
+    default:
+        job->kolommen = SCHERM.bestaat ? XPRT_BREEDTE(masker) : prt_breedste(masker);
+    }
+    return true;
+}
+
+void neem(const Bestemming& b, printjob* job) {
+    job->code = b.printer.code;
+    job->config = b.config.nummer;
+    job->rijen = b.config.rijen;
+    job->kolommen = b.config.kolommen;
+    job->staand = b.config.staand != 0;
+    auto bytes = [](const auto& tekst) { return prt_bytes(tekst, VASTUIT(tekst).size()); };
+    job->init = bytes(b.config.init);
+    job->exit = bytes(b.config.exit);
+    if (b.printer.code == PRT_SCHERM) {
+        job->voorbeeld = true;
+        return;
+    }
+    job->apparaat = VASTTEKST(b.verbinding.apparaat);
+    job->weg = job->apparaat.empty()         ? Printweg::geen
+               : job->apparaat == "TERMINAL" ? Printweg::terminal
+               : job->apparaat == "AUX"      ? Printweg::aux
+               : b.verbinding.map            ? Printweg::map
+               : job->apparaat[0] == '/'     ? Printweg::apparaat
+                                             : Printweg::wachtrij;
+}
+
+bool alleen_kijken(uint16_t masker, printjob* job) {
+    job->voorbeeld = true;
+    job->rijen = SCHERMRIJEN;
+    job->kolommen = prt_breedste(masker);
+    return true;
+}
+
+// Find the destination of a wish, or let the user choose it. False: there is none.
+bool zoek(const printwens& wens, uint16_t masker, const printtabellen& t, printjob* job) {
+    std::vector<Bestemming> alle = prt_bestemmingen(t, masker);
+    if (wens.code) {
+        auto past = [&](const Bestemming& b) {
+            return b.printer.code == wens.code &&
+                   (!wens.verbinding || b.verbinding.nummer == wens.verbinding);
+        };
+        const auto eerste = std::find_if(alle.begin(), alle.end(), past);
+        const auto configs = std::count_if(t.configs.begin(), t.configs.end(), [&](const prtconfig& c) {
+            return c.code == wens.code && prt_past(c, masker);
+        });
+        if (configs == 1 && eerste != alle.end()) {
+            neem(*eerste, job);
+            return true;
+        }
+        if (configs == 0 && job->voorbeeld)
+            return alleen_kijken(masker, job);
+    } else if (std::all_of(alle.begin(), alle.end(),
+                           [](const Bestemming& b) { return b.printer.code == PRT_SCHERM; }))
+        return alleen_kijken(masker, job);
+    if (alle.empty())
+        return false;
+    const int gekozen = alle.size() == 1 ? 0 : SCHERM.bestaat ? XPRT_KIES(alle) : -1;
+    if (gekozen < 0)
+        return job->voorbeeld && alleen_kijken(masker, job);
+    neem(alle[static_cast<size_t>(gekozen)], job);
+    return true;
+}
+
+std::string tekens_van(const printjob& job) {
+    std::string naam = XPRT_CODE(CAP_TEKENS);
+    for (const char* bekend : {"cp850", "utf-8", "latin1", "ascii", "pdf"})
+        if (naam == bekend)
+            return naam;
+    return job.weg == Printweg::wachtrij && job.init.empty() ? "utf-8" : "cp850";
+}
+
+} // namespace
+
+bool prt_bestaat(Printweg weg, const std::string& apparaat) {
+    struct stat st;
+    switch (weg) {
+    case Printweg::wachtrij: // an option isn't a queue
+        return !apparaat.empty() && apparaat[0] != '-' && slaagt({"lpstat", "-v", apparaat});
+    case Printweg::apparaat: // never opened to see: a fifo would wait, a tape would wind
+        return stat(apparaat.c_str(), &st) == 0 && (S_ISCHR(st.st_mode) || S_ISFIFO(st.st_mode)) &&
+               access(apparaat.c_str(), W_OK) == 0 && !datamap(fs::path(apparaat).parent_path().string());
+    case Printweg::map:
+        return schrijfbare_map(apparaat);
+    case Printweg::aux:
+        return SCHERM.bestaat && ttyname(0) && !CAPACITEIT("mc5").empty() && !CAPACITEIT("mc4").empty();
+    case Printweg::terminal:
+        return SCHERM.bestaat && ttyname(0);
+    case Printweg::geen:
+    case Printweg::bestand:
+        break;
+    }
+    return true;
+}
+
+int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const char* titel) {
+    if (printopdracht.open)
+        zigzag_start(); // which stops
+    printjob job{};
+    job.fd = -1;
+    job.kopieen = 1;
+    job.titel = titel ? titel : "";
+    const bool naar = wens.vlaggen & PRT_BESTAND;
+    job.voorbeeld = (wens.vlaggen & PRT_VOORBEELD) || (wens.code == 0 && !naar);
+    jobcodes.clear();
+    if (naar) {
+        if (!naar_bestand(bestand, masker, &job))
+            return 0;
+    } else {
+        printtabellen t;
+        if (!prt_lees(&t) || !zoek(wens, masker, t, &job)) {
+            prt_box(TXT(T_PRT_PRINTEN), TXT(T_PRT_GEEN_MEDIUM));
+            return 0;
+        }
+        std::copy_if(t.codes.begin(), t.codes.end(), std::back_inserter(jobcodes), [&](const prtcode& c) {
+            return job.code && c.code == job.code && c.config == job.config;
+        });
+    }
+    if (!prt_bestaat(job.weg, job.apparaat)) {
+        weigering(job.apparaat);
+        return 0;
+    }
+    job.tekens = tekens_van(job);
+    // A file for the user is written beside its place, to be there whole or not at all.
+    const std::string map = naar ? job.apparaat.substr(0, job.apparaat.rfind('/')) : "";
+    bool open = false;
+    errno = EEXIST;
+    for (int i = 0; i < NAMEN && !open && errno == EEXIST; i++) {
+        const std::string pad = IOTMPNAM(map.empty() && naar ? "/" : map.c_str(), "PR");
+        if (pad.empty())
+            break;
+        open = prt_job_open(job, pad);
+    }
+    if (!open) {
+        weigering(job.apparaat);
+        return 0;
+    }
+    if (job.weg == Printweg::aux && !job.voorbeeld)
+        ONDERBREKUIT();
+    else
+        ONDERBREKRESET();
+    return 1;
+}
+
+std::string XPRT_CODE(int n) {
+    if (n == CAP_INIT)
+        return printopdracht.init;
+    if (n == CAP_EXIT)
+        return printopdracht.exit;
+    for (const prtcode& c : jobcodes)
+        if (n > 0 && c.nummer == n)
+            return prt_bytes(c.tekst, VASTUIT(c.tekst).size());
+    return "";
+}
+
+printwens XPRT_WENS() {
+    printwens wens;
+    static_assert(sizeof wens == sizeof gebruiker.vrij18);
+    memcpy(&wens, gebruiker.vrij18, sizeof wens);
+    if (wens.code == 0)
+        wens.vlaggen |= PRT_VOORBEELD;
+    return wens;
+}
+
+uint16_t XPRT_MASKER() {
+    return gebruiker.opties ? gebruiker.opties : uint16_t{PRT_ALLES};
+}
+
+} // namespace zg

@@ -1,0 +1,244 @@
+// Which destination a wish finds, what is asked, and what is refused before a job begins.
+#include "print/bestemlijst.h"
+#include "print/printjob.h"
+#include "shared/files.h"
+#include "shared/syscalls.h"
+#include "shared/sysrec.h"
+#include "support/paar.h"
+#include "support/proces.h"
+#include "support/terminal.h"
+#include "term/scherm.h"
+#include "term/vast.h"
+#include <cerrno>
+#include <gtest/gtest.h>
+
+namespace zg {
+namespace {
+
+template <class R> void zet(Prttabel tabel, const R& rec) {
+    ICB* icb = prt_open(tabel, 2);
+    ASSERT_TRUE(icb);
+    test::schrijf(icb, rec);
+    IXCLOSE(icb);
+}
+void printer(uint16_t code, const char* naam) {
+    prtrec r{};
+    r.code = code;
+    VASTIN(r.naam, naam);
+    zet(PRT_PRINTERS, r);
+}
+void verbinding(uint16_t code, uint8_t nr, const char* apparaat, bool map = false) {
+    prtverbinding r{};
+    r.code = code, r.nummer = nr, r.map = map;
+    VASTIN(r.apparaat, apparaat);
+    VASTIN(r.naam, "via " + std::to_string(nr));
+    zet(PRT_VERBINDINGEN, r);
+}
+void config(uint16_t code, uint8_t nr, uint16_t kolommen, uint16_t rijen, const char* init = "") {
+    prtconfig r{};
+    r.code = code, r.nummer = nr, r.kolommen = kolommen, r.rijen = rijen, r.staand = 1;
+    VASTIN(r.omschrijving, "config " + std::to_string(nr));
+    VASTIN(r.init, init);
+    zet(PRT_CONFIGS, r);
+}
+
+// Printer 2: a queue, 80 columns short and 132 long; 3: a fifo, one configuration; 4: a directory, two ways to nothing.
+struct Bestemmingen : testing::Test {
+    test::TijdelijkeMap tijdelijk;
+    std::string pad = getenv("PATH");
+    Bestemmingen() {
+        for (const char* m : {"prt", "bin", "2016Z", "spool", "elders"})
+            SYS.mkdir(m, 0777);
+        setenv("ZEBPRT", "prt", 1);
+        printtabellen t;
+        prt_lees(&t);
+        printer(2, "Laser"), verbinding(2, 1, "laser/duplex"), config(2, 1, 80, 60),
+            config(2, 2, 132, 72, "\\1BE");
+        printer(3, "Matrix"), verbinding(3, 1, "weg"),
+            verbinding(3, 4, (tijdelijk.pad() + "/elders/fifo").c_str());
+        config(3, 9, 132, 66, "\\1B\\00");
+        EXPECT_EQ(mkfifo("elders/fifo", 0600), 0);
+        test::schrijf_bestand("bin/lpstat", "#!/bin/sh\n[ \"$1 $2\" = \"-v laser/duplex\" ] && [ $# = 2 ]\n");
+        chmod("bin/lpstat", 0755);
+        setenv("PATH", (tijdelijk.pad() + "/bin:" + pad).c_str(), 1);
+    }
+    ~Bestemmingen() override {
+        unsetenv("ZEBPRT");
+        setenv("PATH", pad.c_str(), 1);
+    }
+    // What becomes of a wish: "way device columns x rows, preview, character set", or the box.
+    static std::string wens(uint16_t code, uint8_t vlaggen, uint8_t nr, uint16_t masker,
+                            const char* bestand = nullptr) {
+        if (!XPRT_OPEN({code, vlaggen, nr}, masker, bestand, "t"))
+            return "no";
+        const printjob& j = printopdracht;
+        std::string uit = std::to_string(static_cast<int>(j.weg)) + " " +
+                          j.apparaat.substr(j.apparaat.rfind('/') + 1) + " " + std::to_string(j.kolommen) +
+                          "x" + std::to_string(j.rijen) + (j.voorbeeld ? " kijk" : "") + " " + j.tekens;
+        XPRT_STAAK();
+        return uit;
+    }
+};
+
+TEST_F(Bestemmingen, Wishes) {
+    const struct {
+        uint16_t code;
+        uint8_t vlaggen, nr;
+        uint16_t masker;
+        const char* uit;
+    } rijen[] = {
+        {2, 0, 0, PRT_80, "1 duplex 80x60 utf-8"},
+        {2, 1, 1, PRT_80 | PRT_KORT, "1 duplex 80x60 kijk utf-8"},
+        {2, 0, 0, PRT_132 | PRT_LANG, "1 duplex 132x72 cp850"}, // an init text: raw bytes
+        {2, 1, 0, PRT_132, "0  132x64 kijk cp850"},             // long pages only when they are asked for
+        {2, 1, 0, PRT_40, "0  40x64 kijk cp850"},
+        {3, 0, 4, PRT_132, "2 fifo 132x66 cp850"},
+        {3, 0, 0, PRT_ALLES, "no"}, // its first connection, a queue that nobody knows
+        {3, 1, 0, PRT_80, "0  80x64 kijk cp850"},
+        {1, 0, 0, PRT_80, "0  80x64 kijk cp850"}, // the screen is looked at
+        {1, 0, 0, PRT_40 | PRT_LANG, "0  40x9999 kijk cp850"},
+    };
+    for (const auto& r : rijen)
+        EXPECT_EQ(wens(r.code, r.vlaggen, r.nr, r.masker), r.uit) << r.code << " " << r.masker;
+    // No printer named, and none but the screen.
+    IOUNLINK("prt/TR_PTRG.TXT");
+    EXPECT_EQ(wens(0, 0, 0, PRT_ALLES), "0  132x64 kijk cp850");
+    EXPECT_EQ(wens(0, 0, 0, PRT_40 | PRT_80), "0  80x64 kijk cp850");
+    // Nothing left behind; and a refusal leaves room for the next job.
+    EXPECT_EQ(FILES_PRESENT("PR*"), 0);
+}
+
+TEST_F(Bestemmingen, Refused) {
+    test::schrijf_bestand("DTSYS.TXT", "gegevens");
+    const std::string hier = tijdelijk.pad();
+    const struct {
+        std::string apparaat;
+        bool map, goed;
+    } rijen[] = {
+        {"laser/duplex", false, true},
+        {"-o", false, false},
+        {"laser; touch pwn", false, false},
+        {"$(touch pwn)", false, false},
+        {hier + "/DTSYS.TXT", false, false},
+        {"/dev/null", false, true},
+        {"/dev/bestaatniet", false, false},
+        {hier + "/elders", false, false},
+        {"spool", true, true},
+        {"elders/../spool/", true, true},
+        {".", true, false},
+        {"2016Z", true, false},
+        {"elders/../2016Z", true, false},
+        {"geenmap", true, false},
+        {"AUX", false, false},
+        {"TERMINAL", true, false}, // a directory flag doesn't make it one
+    };
+    for (const auto& r : rijen) {
+        verbinding(3, 1, r.apparaat.c_str(), r.map);
+        if (r.apparaat.size() <= sizeof(prtverbinding::apparaat)) {
+            EXPECT_EQ(wens(3, 0, 1, PRT_132) != "no", r.goed) << r.apparaat;
+        }
+        EXPECT_EQ(prt_bestaat(r.map && r.apparaat != "TERMINAL" ? Printweg::map
+                              : r.apparaat == "AUX"             ? Printweg::aux
+                              : r.apparaat == "TERMINAL"        ? Printweg::terminal
+                              : r.apparaat[0] == '/'            ? Printweg::apparaat
+                                                                : Printweg::wachtrij,
+                              r.apparaat),
+                  r.goed)
+            << r.apparaat;
+    }
+    EXPECT_FALSE(IOEXISTS("pwn"));
+    EXPECT_FALSE(IOEXISTS("/dev/bestaatniet"));
+    // A scheduler that doesn't answer holds nobody up.
+    test::schrijf_bestand("bin/lpstat", "#!/bin/sh\nexec sleep 60\n");
+    const time_t begin = time(nullptr);
+    EXPECT_EQ(wens(2, 0, 0, PRT_80), "no");
+    EXPECT_LT(time(nullptr) - begin, 30);
+    EXPECT_EQ(test::lees_bestand("DTSYS.TXT"), "gegevens");
+}
+
+TEST_F(Bestemmingen, ToFile) {
+    const struct {
+        const char* bestand;
+        uint16_t masker;
+        const char* uit;
+    } rijen[] = {
+        {"lijst.txt", PRT_80, "6 lijst.txt 80x64 cp850"},
+        {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 cp850"},
+        {"elders/lijst.txt", PRT_40, "6 lijst.txt 40x64 cp850"},
+        {nullptr, PRT_80, "no"},
+        {"", PRT_80, "no"},
+        {"0123456789012345678901234567890123456789", PRT_80, "no"},
+        {"./DTSYS.TXT", PRT_80, "no"},
+        {"2016Z/ORD0012.JRN", PRT_80, "no"},
+        {"uit/../DTSYS.TXT", PRT_80, "no"},
+        {"elders/fifo", PRT_80, "no"},
+        {"geen/lijst.txt", PRT_80, "no"},
+        {"elders/", PRT_80, "no"},
+        {"a\nb", PRT_80, "no"},
+    };
+    for (const auto& r : rijen)
+        EXPECT_EQ(wens(0, PRT_BESTAND, 0, r.masker, r.bestand), r.uit) << (r.bestand ? r.bestand : "null");
+    EXPECT_TRUE(IOISDIR("uit"));
+    test::schrijf_bestand("uit/lijst.txt", "oud"); // nobody to ask
+    EXPECT_EQ(wens(0, PRT_BESTAND, 0, PRT_80, "lijst.txt"), "no");
+    EXPECT_EQ(test::lees_bestand("uit/lijst.txt"), "oud");
+}
+
+// The list: what stands in it for each bit of the mask, its rows, and that it can't be left when it may not.
+TEST_F(Bestemmingen, List) {
+    for (uint16_t i = 0; i < 20; i++) {
+        printer(static_cast<uint16_t>(100 + i), ("Rij " + std::to_string(i)).c_str());
+        verbinding(static_cast<uint16_t>(100 + i), 1, "spool", i % 2 != 0);
+        config(static_cast<uint16_t>(100 + i), 1, 80, i % 2 ? 72 : 0);
+        config(static_cast<uint16_t>(100 + i), 2, 96, PRT_ZONDER_BLADEN);
+    }
+    printtabellen t;
+    ASSERT_TRUE(prt_lees(&t));
+    const std::pair<int, size_t> aantallen[] = {
+        {PRT_40, 1},
+        {PRT_80, 12},
+        {PRT_80 | PRT_LANG, 21},
+        {PRT_80 | PRT_LANG | PRT_KORT, 22},
+        {PRT_132, 3},
+        {PRT_132 | PRT_LANG, 2},
+        {PRT_KORT, 0},
+        {PRT_ALLES, 47},
+    };
+    for (const auto& [masker, n] : aantallen)
+        EXPECT_EQ(prt_bestemmingen(t, static_cast<uint16_t>(masker)).size(), n) << masker;
+    EXPECT_EQ(prt_lijstregel(prt_bestemmingen(t, PRT_80 | PRT_LANG)[2]),
+              "Rij 1        via 1                config 1                       80   72 P J");
+    EXPECT_EQ(prt_lijstregel(prt_bestemmingen(t, PRT_ALLES)[0]),
+              "SCR          SCR                  SCR-40                         40 9999 L N");
+
+    auto kies = [](bool uit) {
+        return [uit] {
+            SCRINIT();
+            XPRT_LIJSTUIT(uit);
+            gebruiker = {};
+            const printwens w{0, PRT_BESTAND, 3};
+            memcpy(gebruiker.vrij18, &w, sizeof w);
+            if (XPRT_WENS().vlaggen != 3 || XPRT_WENS().verbinding != 3 || XPRT_MASKER() != PRT_ALLES)
+                return 1;
+            const std::string gevonden = wens(0, 1, 0, PRT_80);
+            SCREXIT();
+            return gevonden == "3 spool 80x0 kijk cp850" ? 3 : gevonden == "0  80x64 kijk cp850" ? 4 : 5;
+        };
+    };
+    verbinding(102, 1, "spool", true);
+    test::Terminal vast(kies(false));
+    EXPECT_TRUE(vast.wacht("Printer      Device               Configuratie                  Kol  Rij O W"))
+        << vast.scherm();
+    vast.toetsen("<Esc>");
+    EXPECT_TRUE(vast.wacht("U dient een printbestemming te selecteren")) << vast.scherm();
+    vast.toetsen("rij 2<Enter>");
+    vast.toetsen("<Enter>");
+    EXPECT_EQ(vast.einde(), 3) << vast.scherm();
+    test::Terminal los(kies(true));
+    EXPECT_TRUE(los.wacht("Rij 2"));
+    los.toetsen("<Esc>");
+    EXPECT_EQ(los.einde(), 4);
+}
+
+} // namespace
+} // namespace zg
