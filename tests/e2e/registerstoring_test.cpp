@@ -189,6 +189,56 @@ TEST_P(Registerstoring, KilledOrRefusedAtEachWrite) {
         }
 }
 
+// Damage met through the screens: it is told, its line can't be worked on, and nothing is written over.
+TEST(Registerschade, ToldAndLeftAlone) {
+    Storingsmap map;
+    ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG), 0);
+    map.begin = map.inhoud();
+    const size_t laatste = map.begin.at("DTSER.TXT").size() - sizeof(zg::serrec);
+    int32_t kop;
+    memcpy(&kop, &map.begin.at("DTSER.TXT")[laatste + offsetof(zg::serrec, etiketkop)], sizeof kop);
+    const size_t blok = static_cast<size_t>(kop) * sizeof(zg::etiblok);
+    const size_t link = blok + offsetof(zg::etiblok, volgende);
+    const size_t groep = map.begin.at("DTIPG.TXT").size() - sizeof(zg::prijsgroeprec);
+    auto getal = [](int32_t n) { return std::string(reinterpret_cast<const char*>(&n), sizeof n); };
+    static constexpr char BEKIJK[] = "<Enter>WA<Enter><Esc>VJ<Enter><Enter><Esc>";
+    const struct {
+        const char *wat, *bestand;
+        size_t plaats;
+        std::string bytes; // empty: cut off there
+        const char *toetsen, *gezegd;
+    } rijen[] = {
+        {"a chain into another series", "DTETI.TXT", link, getal(0), BEKIJK, "Etiket niet van 1120.20."},
+        {"a circle", "DTETI.TXT", link, getal(kop), BEKIJK, "DTETI.TXT: serie 1120.20."},
+        {"a chain past the end", "DTETI.TXT", link, getal(500'000), BEKIJK, "Buiten bestand"},
+        {"a chain to a number that is none", "DTETI.TXT", link, getal(-7), BEKIJK,
+         "DTETI.TXT: serie 1120.20."},
+        {"a status that there isn't", "DTETI.TXT", link + 4, std::string(zg::ETIPLAATS, '\xFF'), BEKIJK,
+         "DTETI.TXT: serie 1120.20."},
+        {"a cut file", "DTETI.TXT", blok + 100, "", BEKIJK, "Buiten bestand"},
+        {"a group that disagrees", "DTIPG.TXT", groep + offsetof(zg::prijsgroeprec, setnr), getal(7), BEKIJK,
+         "NIET consistent"},
+        {"a cut file of groups", "DTIPG.TXT", groep + 3, "", BEKIJK, "NIET consistent"},
+        {"wild counters", "DTSYS.TXT", 3 * 64, getal(-5), NIEUW, "Tellers van de etiketten"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.wat);
+        map.zet_terug();
+        std::string b = map.begin.at(r.bestand);
+        b = r.bytes.empty() ? b.substr(0, r.plaats) : b.replace(r.plaats, r.bytes.size(), r.bytes);
+        schrijf_bestand(map.bestand(r.bestand), b);
+        const auto voor = map.inhoud();
+        const auto t = map.start(overgave(map), KIES);
+        if (r.toetsen != BEKIJK) // met only where something is written
+            t->toetsen(r.toetsen);
+        EXPECT_TRUE(t->wacht(r.gezegd, 5000)) << t->scherm();
+        t->toetsen(r.toetsen == BEKIJK ? BEKIJK : "<Enter>");
+        EXPECT_LE(Storingsmap::klaar(*t), 1) << t->scherm();
+        for (const char* naam : {"DTETI.TXT", "DTIPG.TXT", "DTIPA.TXT", "DTSER.TXT"})
+            EXPECT_TRUE(lees_bestand(map.bestand(naam)) == voor.at(naam)) << naam;
+    }
+}
+
 // Two who add lines of one colour at once draw numbers, codes and blocks beside each other; one is killed anywhere in it.
 TEST(Registersamen, OneKilledWhileTheOtherWorks) {
     Storingsmap map;
