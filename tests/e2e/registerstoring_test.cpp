@@ -271,6 +271,22 @@ TEST(Registersamen, OneKilledWhileTheOtherWorks) {
     }
 }
 
+// A change half done is no damage.
+TEST(Registersamen, TheCheckBesideAProgramAtWork) {
+    const Storingsmap map;
+    std::string toetsen = "<Enter><Enter>99<Enter><Enter><Esc><Esc>";
+    for (int i = 0; i < 30; i++)
+        toetsen += std::string(NIEUW) + "VJ<Enter>J<Enter>J<Enter>";
+    const auto t = map.start(overgave(map), toetsen + WEG);
+    int keer = 0;
+    for (; t->leeft() && keer < 500; keer++) {
+        const Uit uit = sh("zgcheck -q \"" + map.pad() + "\"");
+        EXPECT_EQ(uit.status, 0) << uit.tekst;
+    }
+    EXPECT_GT(keer, 2);
+    EXPECT_EQ(Storingsmap::klaar(*t), 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Each, Registerstoring,
     testing::Values(std::pair{"line", ""},
