@@ -314,12 +314,25 @@ void Terminal::stuur(std::string_view bytes) {
     }
 }
 
+// ZG_BEELDEN=file: what was typed and the screen behind it, for who wants to see what a test sees.
+static void noteer(std::string_view toetsen, const std::string& scherm) {
+    static const char* pad = getenv("ZG_BEELDEN");
+    FILE* f = pad ? fopen(pad, "a") : nullptr;
+    if (!f)
+        return;
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    fprintf(f, "== %s.%s: %.*s\n%s\n", test ? test->test_suite_name() : "", test ? test->name() : "",
+            static_cast<int>(toetsen.size()), toetsen.data(), scherm.c_str());
+    fclose(f);
+}
+
 void Terminal::toetsen(std::string_view reeks) {
     for (const std::string& toets : toetsreeksen(b_->opties.term, reeks)) {
         EXPECT_TRUE(kalm()) << "the program does not wait for a key\n" << scherm();
         stuur(toets);
     }
     EXPECT_TRUE(kalm()) << "the program does not wait for a key after " << reeks << "\n" << scherm();
+    noteer(reeks, scherm());
 }
 
 void Terminal::reeks(std::string_view tekst) {
