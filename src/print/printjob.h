@@ -68,10 +68,12 @@ void prt_meld_mislukt();
 // The preview of the closed spool file: copies to be printed, 0 for none.
 int PRT_SCR(const printjob& job);
 
-// Lines of code page 850 in a file, with form feeds, as a PDF: A4, exactly so many rows and columns. False with errno.
+// Lines of code page 850 in a file, with form feeds, as a PDF: A4, exactly so many rows (0 or PRT_ZONDER_BLADEN: as many as
+// fit) and columns. `naar` is a new file, EEXIST when it is there; it is whole and on disk, or gone again. False with errno.
 bool prt_pdf(const char* van, const char* naar, int rijen, int kolommen, bool staand,
              const std::string& titel);
-// Bytes of code page 850 in another character set; what it hasn't got is its base letter or "?".
+// Bytes of code page 850 in the character set of a job; what it hasn't got is its base letter or the nearest sign. Control
+// bytes stay, and every character is one column. "cp850", "pdf" and what nobody knows: as they are.
 std::string prt_omzet(const std::string& bytes, const std::string& tekens);
 
 } // namespace zg

@@ -1,0 +1,184 @@
+// What leaves in another form: PDFs read back by other programs, and character sets.
+#include "print/printjob.h"
+#include "print/printtabel.h"
+#include "shared/files.h"
+#include "shared/syscalls.h"
+#include "support/terminal.h"
+#include "term/natl.h"
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+namespace zg {
+namespace {
+
+std::string uitvoer(const std::string& opdracht) {
+    std::string uit;
+    FILE* f = popen(opdracht.c_str(), "r");
+    for (int c; f && (c = fgetc(f)) != EOF;)
+        uit += static_cast<char>(c);
+    if (f && pclose(f) != 0)
+        uit += "\n(failed: " + opdracht + ")";
+    return uit;
+}
+
+size_t aantal(const std::string& in, const std::string& wat) {
+    size_t n = 0;
+    for (size_t p = in.find(wat); p != std::string::npos; p = in.find(wat, p + wat.size()))
+        n++;
+    return n;
+}
+
+// Letters, signs and lines: all that code page 850 can print.
+std::string alle_tekens() {
+    std::string uit;
+    for (unsigned c = '!'; c < 255; c++)
+        if (c != 127)
+            uit += static_cast<char>(c);
+    return uit;
+}
+
+// Full pages of every shape come back to the letter, each row on its own line, all of it on the paper.
+TEST(Pdf, RowsAndColumns) {
+    test::TijdelijkeMap map;
+    const struct {
+        int rijen, kolommen;
+        bool staand;
+        int regels; // printed
+        size_t bladen;
+        const char* maat;
+    } rijen[] = {
+        {64, 80, true, 64, 1, "595.276 x 841.89"},
+        {64, 132, false, 64, 1, "841.89 x 595.276"},
+        {72, 132, true, 72, 1, "595.276 x 841.89"},
+        {66, 40, true, 66, 1, "595.276 x 841.89"},
+        {20, 233, false, 41, 3, "841.89 x 595.276"}, // more rows than were said
+        {0, 80, true, 100, 2, "595.276 x 841.89"},
+        {PRT_ZONDER_BLADEN, 132, false, 60, 2, "841.89 x 595.276"},
+    };
+    const std::string tekens = alle_tekens() + alle_tekens();
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(std::to_string(r.rijen) + " x " + std::to_string(r.kolommen));
+        std::string tekst, verwacht;
+        for (int i = 0; i < r.regels; i++) {
+            const std::string regel =
+                tekens.substr(static_cast<size_t>(i * 7 % 200), static_cast<size_t>(r.kolommen));
+            tekst += regel + "\n";
+            verwacht += CP850UTF8(regel) + "\n";
+        }
+        test::schrijf_bestand("in", tekst + "\f");
+        ASSERT_TRUE(prt_pdf("in", "uit.pdf", r.rijen, r.kolommen, r.staand, "M\x9Bller & S\x9Bn"));
+        EXPECT_EQ(uitvoer("qpdf --check uit.pdf >/dev/null 2>&1 && echo goed"), "goed\n");
+        const std::string feiten = uitvoer("pdfinfo uit.pdf");
+        EXPECT_NE(feiten.find("Title:           Møller & Søn\n"), std::string::npos) << feiten;
+        EXPECT_NE(feiten.find(r.maat), std::string::npos) << feiten;
+        EXPECT_NE(feiten.find("Pages:           " + std::to_string(r.bladen) + "\n"), std::string::npos)
+            << feiten;
+        std::string terug = uitvoer("pdftotext -raw uit.pdf -");
+        std::erase(terug, '\f');
+        EXPECT_EQ(terug, verwacht);
+        // Words off the paper would still be in its text.
+        const std::string kader = uitvoer("pdftotext -bbox uit.pdf -");
+        double w = 0, h = 0;
+        for (size_t p = kader.find("<page"); p != std::string::npos; p = kader.find("<page", p + 1))
+            ASSERT_EQ(sscanf(kader.c_str() + p, "<page width=\"%lf\" height=\"%lf\"", &w, &h), 2);
+        for (size_t p = kader.find("<word"); p != std::string::npos; p = kader.find("<word", p + 1)) {
+            double x, y, x2, y2;
+            ASSERT_EQ(sscanf(kader.c_str() + p, "<word xMin=\"%lf\" yMin=\"%lf\" xMax=\"%lf\" yMax=\"%lf\"",
+                             &x, &y, &x2, &y2),
+                      4);
+            EXPECT_TRUE(x > 25 && y > 20 && x2 < w - 25 && y2 < h - 20) << kader.substr(p, 120);
+        }
+        IOUNLINK("uit.pdf");
+    }
+}
+
+TEST(Pdf, PagesAndOddFiles) {
+    test::TijdelijkeMap map;
+    const struct {
+        const char* in;
+        const char* uit;
+        int rijen, kolommen;
+    } rijen[] = {
+        {"een\n\ftwee\n\f", "een\n\ftwee\n\f", 64, 80},
+        {"een\n\f\n\fdrie", "een\n\f\fdrie\n\f", 64, 80}, // an empty page is a page
+        {"\fx\n", "\fx\n\f", 64, 80},
+        {"", "\f", 64, 80},
+        {"a\tb\x1B"
+         "c\r\nd\n",
+         "a b c\nd\n\f", 64, 80},
+        {"12345678\n", "1234\n\f", 64, 4},
+        {"x\n", "x\n\f", 65535, 65535},
+        {"x\n", "x\n\f", -5, -5},
+    };
+    for (const auto& r : rijen) {
+        test::schrijf_bestand("in", r.in);
+        ASSERT_TRUE(prt_pdf("in", "uit.pdf", r.rijen, r.kolommen, true, "t\nu")) << r.in;
+        EXPECT_EQ(uitvoer("pdftotext -raw uit.pdf -"), r.uit) << r.in;
+        EXPECT_EQ(uitvoer("qpdf --check uit.pdf >/dev/null 2>&1 && echo goed"), "goed\n") << r.in;
+        IOUNLINK("uit.pdf");
+    }
+    // Bytes that are no text at all, and a line without end.
+    std::string ruis;
+    uint32_t zaad = 1;
+    for (int i = 0; i < 300'000; i++)
+        ruis += i < 100'000 ? 'x' : static_cast<char>((zaad = zaad * 1664525 + 1013904223) >> 24);
+    test::schrijf_bestand("in", ruis);
+    EXPECT_TRUE(prt_pdf("in", "uit.pdf", 64, 132, false, ""));
+    EXPECT_EQ(uitvoer("qpdf --check uit.pdf >/dev/null 2>&1 && echo goed"), "goed\n");
+}
+
+decltype(SYS.write) echte_write;
+int nog;
+
+// Over a file that stands, and refused at each write in turn: nothing half is left, and the reason is told.
+TEST(Pdf, RefusedWrites) {
+    test::TijdelijkeMap map;
+    test::schrijf_bestand("in", "x\n");
+    test::schrijf_bestand("oud.pdf", "oud");
+    EXPECT_FALSE(prt_pdf("in", "oud.pdf", 64, 80, true, ""));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(test::lees_bestand("oud.pdf"), "oud");
+    EXPECT_FALSE(prt_pdf("geen", "uit.pdf", 64, 80, true, ""));
+    EXPECT_EQ(errno, ENOENT);
+    echte_write = SYS.write;
+    int geweigerd = 0;
+    for (bool goed = false; !goed && geweigerd < 200; geweigerd += !goed) {
+        nog = geweigerd;
+        SYS.write = [](int fd, const void* buf, size_t n) -> ssize_t {
+            if (nog-- > 0)
+                return echte_write(fd, buf, n);
+            errno = ENOSPC;
+            return -1;
+        };
+        goed = prt_pdf("in", "uit.pdf", 64, 80, true, "");
+        const int fout = errno;
+        SYS.write = echte_write;
+        EXPECT_TRUE(goed || fout == ENOSPC) << fout;
+        EXPECT_EQ(IOEXISTS("uit.pdf") != 0, goed);
+    }
+    EXPECT_GE(geweigerd, 2);
+}
+
+TEST(Omzet, Sets) {
+    const struct {
+        const char *tekens, *in, *uit;
+    } rijen[] = {
+        {"cp850", "M\x9Bller \xDB", "M\x9Bller \xDB"},
+        {"pdf", "\x9B", "\x9B"},
+        {"wat", "\x9B", "\x9B"},
+        {"utf-8", "M\x9Bller\x1B\n\xC4\xF0.", "Møller\x1B\n─-."},
+        {"latin1", "M\x9Bller \x9F\xD5\xC4\xF0\xDB", "M\xF8ller fi--#"},
+        {"ascii", "M\x9Bller \x9F\xD5\xC4\xF0\xDB\f", "Moller fi--#\f"},
+    };
+    for (const auto& r : rijen)
+        EXPECT_EQ(prt_omzet(r.in, r.tekens), r.uit) << r.tekens;
+    EXPECT_EQ(prt_omzet(std::string("a\0b", 3), "utf-8"), std::string("a\0b", 3));
+    for (const char* set : {"latin1", "ascii"}) // one column each
+        EXPECT_EQ(prt_omzet(alle_tekens(), set).size(), alle_tekens().size());
+    EXPECT_EQ(aantal(prt_omzet(alle_tekens(), "ascii"), "?"), 2u); // itself, and the inverted one
+}
+
+} // namespace
+} // namespace zg
