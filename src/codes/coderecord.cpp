@@ -133,11 +133,6 @@ const Codetabel TABELLEN[] = {
 
 // ---- the screen
 
-std::string groot(std::string tekst) {
-    GROOT(tekst.data());
-    return tekst;
-}
-
 void kop() {
     std::string woord = TXT(*tabel->woord);
     woord[0] = static_cast<char>(NGROOT(static_cast<uint8_t>(woord[0])));
@@ -185,7 +180,7 @@ std::string code_vraag(const Codetabel& t, const Lijstcode& nieuw) {
 
 bool code_scherm(const Codetabel& t, const Lijstcode& welke, bool gevraagd) {
     tabel = &t, code = welke;
-    const std::string woord = TXT(*t.woord), hoofd = groot(woord);
+    const std::string woord = TXT(*t.woord), hoofd = GROOTKOPIE(woord);
     const int rijen = static_cast<int>(t.items.size());
     const Recordscherm scherm{
         {9, 6, rijen + 5, BREEDTE, rijen + 3, t.items, nullptr, kop}, lees, schrijf, wis, vrij};

@@ -20,7 +20,7 @@ bool bereken(double* procent) {
     double totaal = *procent, term = *procent;
     char bewerking = 'I';
     WINOPEN1(10, SCHERM.cols - 30, 6, 30);
-    WINBOX(" %s ", GROOTKOPIE(TXT(T_BEREKENEN_KORTING)));
+    WINBOX(" %s ", GROOTKOPIE(TXT(T_BEREKENEN_KORTING)).c_str());
     SCRPUT(A_LABEL, 1, 2, "%-10.10s:", TXT(T_KORTING));
     SCRPUT(A_LABEL, 2, 2, "%-10.10s:", "+, *, C");
     SCRPUT(A_LABEL, 3, 2, "%-10.10s:", TXT(T_TOTAAL));

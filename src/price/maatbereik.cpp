@@ -40,11 +40,6 @@ void zoek_keus(const prijsgroep_info& groep) {
             keus.push_back(maat);
 }
 
-std::string groot(std::string tekst) {
-    GROOT(tekst.data());
-    return tekst;
-}
-
 // Index in `keus` of what was typed, as it stands or else in the other case; -1, told, when there is none.
 int zoek(const char* getypt) {
     char veld[3];
@@ -52,7 +47,7 @@ int zoek(const char* getypt) {
     const std::string tekst = naam(veld);
     for (bool precies : {true, false})
         for (size_t i = 0; i < keus.size(); i++)
-            if (precies ? naam(keus[i].naam) == tekst : groot(naam(keus[i].naam)) == groot(tekst))
+            if (precies ? naam(keus[i].naam) == tekst : GROOTKOPIE(naam(keus[i].naam)) == GROOTKOPIE(tekst))
                 return static_cast<int>(i);
     error("<%.3s> %s", getypt, TXT(T_UP_FOUTE_MAAT));
     return -1;

@@ -34,7 +34,7 @@ void toon_hint(bool aan) {
 
 void titel_of_rand(const char* titel) {
     if (titel)
-        WINBOX(" %s ", GROOTKOPIE(titel));
+        WINBOX(" %s ", GROOTKOPIE(titel).c_str());
     else
         WINBOX(nullptr);
 }
@@ -132,7 +132,7 @@ bool nieuwe_korting_venster(const char* titel, int kolom) {
 void kortingsmethode_kiezen(int kolom) {
     auto keus = static_cast<int>(up_context.methode);
     do {
-        DMREC* menu = DMNEW(GROOTKOPIE(TXT(T_KORTINGSMETHODE)));
+        DMREC* menu = DMNEW(GROOTKOPIE(TXT(T_KORTINGSMETHODE)).c_str());
         for (int i = 0; i < 3; i++) {
             char tekst[64];
             snprintf(tekst, sizeof tekst, "&%d %s", i + 1, TXT(*METHODEN[i]));
@@ -163,7 +163,7 @@ bool bereken_advies_venster(int groep, int32_t inkoop, int32_t* advies) {
     if (modus == Calcmodus::geen)
         up_context.calcmodus = Calcmodus::marge;
     WINOPEN1(SCHERM.lines - CALCHOOG, 1, CALCHOOG, CALCBREED);
-    WINBOX(" %s (%d) ", GROOTKOPIE(TXT(T_BEREKENEN_ADVIES)), groep + 1);
+    WINBOX(" %s (%d) ", GROOTKOPIE(TXT(T_BEREKENEN_ADVIES)).c_str(), groep + 1);
     SCRPUT(A_LABEL, 1, 2, "%-11.11s", TXT(T_INKPRIJS));
     for (int rij : {3, 4}) {
         SCRPUT(A_LABEL, rij, 2, "%-11.11s", TXT(rij == 3 ? T_CALCPR : T_ADVPR));

@@ -127,16 +127,11 @@ std::string lijstnaam(const Lijsttabel& tabel, const Lijstcode& code) {
 
 namespace {
 
-std::string groot(std::string tekst) {
-    GROOT(tekst.data());
-    return tekst;
-}
-
 // The first row whose name begins with a text, else the first that holds it; -1, told, when there is none.
 int met_naam(const std::vector<Lijstblad::Rij>& rijen, size_t kolom, const std::string& tekst) {
     int met = -1;
     for (size_t i = 0; i < rijen.size(); i++) {
-        const size_t plaats = groot(rijen[i].regel).find(groot(tekst), kolom);
+        const size_t plaats = GROOTKOPIE(rijen[i].regel).find(GROOTKOPIE(tekst), kolom);
         if (plaats == kolom)
             return static_cast<int>(i);
         if (plaats != std::string::npos && met < 0)

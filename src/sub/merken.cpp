@@ -55,11 +55,6 @@ const Stamlijst LIJST_MERKEN{&dtmerk, &T_MK_KOP, 50, SLEUTELS, regel, code, zet_
 
 // ---- the field: a text of four
 
-std::string groot(std::string tekst) {
-    GROOT(tekst.data());
-    return tekst;
-}
-
 bool cijfers(const std::string& tekst) {
     return tekst.find_first_not_of("0123456789") == std::string::npos;
 }
@@ -81,7 +76,7 @@ int met_zoeknaam(const std::string& begin, bool heel, uint16_t* merk) {
         const merkrec rec = stam_beeld<merkrec>(buffer);
         if (sleutel && IXCOLLATE(rec.zoeknaam, laatste, sizeof laatste) > 0)
             break;
-        const std::string naam = groot(VASTTEKST(rec.zoeknaam));
+        const std::string naam = GROOTKOPIE(VASTTEKST(rec.zoeknaam));
         if ((heel ? naam == begin : naam.compare(0, begin.size(), begin) == 0) && aantal++ == 0)
             *merk = rec.merk;
         er = IXNEXT(dtmerk, buffer);
@@ -158,17 +153,17 @@ Lijstuit merk_veld(int rij, int kolom, const char* opties, uint16_t* merk) {
 }
 
 uint16_t merk_van_tekst(const std::string& tekst, int* aantal) {
-    return zoek(groot(std::string(VASTTRIM(tekst))), aantal);
+    return zoek(GROOTKOPIE(std::string(VASTTRIM(tekst))), aantal);
 }
 
 uint16_t merk_met_zoeknaam(const char (&zoeknaam)[4]) {
     uint16_t merk = 0;
-    met_zoeknaam(groot(VASTTEKST(zoeknaam)), true, &merk);
+    met_zoeknaam(GROOTKOPIE(VASTTEKST(zoeknaam)), true, &merk);
     return merk;
 }
 
 std::string merk_zoeknaam(const char* naam) {
-    std::string uit = groot(std::string(VASTTRIM({naam, strnlen(naam, sizeof merkrec::naam)})));
+    std::string uit = GROOTKOPIE(std::string(VASTTRIM({naam, strnlen(naam, sizeof merkrec::naam)})));
     constexpr size_t BREED = sizeof merkrec::zoeknaam;
     for (size_t i = 1; uit.size() > BREED && i < BREED;) {
         if ((NKLASSE[static_cast<uint8_t>(uit[i])] & N_LEESTEKEN) || strchr("AEIOUY ", uit[i]))

@@ -109,13 +109,9 @@ void GROOT(char* s) {
         *s = static_cast<char>(NGROOT(static_cast<uint8_t>(*s)));
 }
 
-const char* GROOTKOPIE(const char* s) {
-    static char kopie[256];
-    size_t n = strnlen(s, sizeof kopie - 1);
-    memmove(kopie, s, n);
-    kopie[n] = 0;
-    GROOT(kopie);
-    return kopie;
+std::string GROOTKOPIE(std::string s) {
+    GROOT(s.data());
+    return s;
 }
 
 void BEGINGROOT(char* s) {

@@ -47,7 +47,7 @@ bool CP850NAAR(std::string_view utf8, std::string* uit);
 int UTF8TEKEN(const uint8_t* s, int n, char32_t* u);
 
 void GROOT(char* s);                   // fold to upper case in place
-const char* GROOTKOPIE(const char* s); // folded copy, static buffer of 256 bytes
+std::string GROOTKOPIE(std::string s); // folded, up to a NUL in it
 void BEGINGROOT(char* s);              // first non-blank character to upper case
 
 } // namespace zg
