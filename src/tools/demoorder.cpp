@@ -1,5 +1,6 @@
 // The order journals of the demo firm, built record by record from orders.txt.
 #include "order/ordrec.h"
+#include "price/uniprijs.h"
 #include "shared/files.h"
 #include "term/vast.h"
 #include "tools/demotekst.h"
@@ -209,6 +210,11 @@ struct Bouw {
         if (!demowaarde(w, "maten", &v))
             bron.fout("maten is missing");
         maatreeks(v);
+        if (demowaarde(w, "advies", &v)) { // one range of advice prices, that ends at the last size
+            const int32_t advies = bron.getal(v, 1, INT32_MAX);
+            d.adviesblok[0] = static_cast<uint8_t>(regel.maten.back());
+            memcpy(d.adviesblok + ADVIESRANGEN, &advies, sizeof advies);
+        }
     }
 
     void aantal(const std::vector<std::string>& w) {

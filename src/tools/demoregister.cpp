@@ -54,18 +54,6 @@ void lees_inhoud(Plek plek, orderregel* regel) {
     regel->order_aantallen = regel->nota_aantallen;
 }
 
-// Advice prices as the screens propose them for a new line.
-void vul_advies(orderregel* regel) {
-    up_btw(regelgroep.btwcode);
-    up_calcfactor_merk(regelmerk.merk, regelmerk.calcfactor);
-    for (int maat = 1; maat <= MATEN; maat++)
-        if (const int32_t inkoop = up_lees(regel->prijzen.inkoop, maat))
-            if (const int32_t advies =
-                    up_bereken_advies(inkoop, up_context.calcmodus, up_context.calcfactor, true))
-                up_zet_advies(&regel->prijzen, maat, advies);
-    up_advies_bewaren(regel->prijzen, regel->dessin.adviesblok);
-}
-
 void registreer(Plek* plek, const ordmodel& m, uint16_t nr) {
     orderregel regel;
     regel_wis(&regel);
@@ -76,7 +64,7 @@ void registreer(Plek* plek, const ordmodel& m, uint16_t nr) {
     regel_balk(regel);
     order_prijscontext();
     up_inkoop_alle(&regel.prijzen);
-    vul_advies(&regel);
+    up_advies_laden(&regel.prijzen, regel.dessin.maten, regel.dessin.adviesblok);
     regel.dessin.geregistreerd = 1;
     regel.dessin.tijdstempel = nr;
     regel.dessin.volgnummer = serie_volgnummer_vrij(m.artikelgroep, regel.dessin.kleur);
