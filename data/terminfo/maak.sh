@@ -34,9 +34,11 @@ entry() {
     vt100 | vt102) init='\E<\E>\E[?4;5l\E[4l\E[?7h' ;;
     *) init='\E[4l\E[?7h' ;;
   esac
+  description=$(infocmp -1 "$2")
+  # A program that was killed while it printed through the terminal has left it printing.
+  case $description in *"$(printf '\n\tmc4=\\E[4i,')"*) printer='\E[4i' ;; *) printer= ;; esac
   wide= back=
   case $1 in vt*0 | vt102) wide='\E[?40h\E[?3h' back='\E[?3l' ;; esac
-  description=$(infocmp -1 "$2")
   case $description in *'cnorm=\E[?12l\E[?25h,'*) cursor='cnorm=\E[?25h,' ;; *) cursor= ;; esac
   case $(printf '%s\n' "$description" | sed -n 's/^\tsmkx=//p') in
     *'[?1h'*) keys='smkx=\E[?1h, rmkx=\E[?1l' ;;
@@ -60,11 +62,11 @@ entry() {
   common="am, it#8, bce@, csr@, rep@, ncv#2, is1@, is3@, if@, iprog@, rs1@, rs3@, rf@, kcan=^X, kext=^], khlp=^G, $keys, $cursor $dim $meta"
   cat <<END
 $capital|$1 with 25 lines of 80 columns,
-	lines#25, cols#80, is2=$init, rs2=$init, $common use=$2,
+	lines#25, cols#80, is2=$init$printer, rs2=$init, $common use=$2,
 $capital-w|$1 with 25 lines of 132 columns,
-	lines#25, cols#132, is2=$init$wide, rs2=$init$back, $common use=$2,
+	lines#25, cols#132, is2=$init$printer$wide, rs2=$init$back, $common use=$2,
 $capital-l|$1 with 43 lines of 80 columns,
-	lines#43, cols#80, is2=$init, rs2=$init, $common use=$2,
+	lines#43, cols#80, is2=$init$printer, rs2=$init, $common use=$2,
 END
 }
 

@@ -17,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <strings.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -116,6 +117,7 @@ bool naar_bestand(const char* bestand, uint16_t masker, printjob* job) {
     if (staat && !(SCHERM.bestaat && FFLASH(-2, 2, A_WAARDE, TXT(T_PRT_NAAR_BESTAND), "%s\n[-]%s",
                                             job->apparaat.c_str(), TXT(T_PRT_OVERSCHRIJVEN))))
         return false;
+    job->over = staat;
     job->weg = Printweg::bestand;
     job->rijen = SCHERMRIJEN;
     switch (masker & (PRT_40 | PRT_80 | PRT_132)) {
@@ -194,6 +196,10 @@ std::string tekens_van(const printjob& job) {
     for (const char* bekend : {"cp850", "utf-8", "latin1", "ascii", "pdf"})
         if (naam == bekend)
             return naam;
+    const std::string& pad = job.apparaat;
+    if (job.weg == Printweg::bestand && pad.size() > 4 &&
+        strcasecmp(pad.c_str() + pad.size() - 4, ".pdf") == 0)
+        return "pdf";
     return job.weg == Printweg::wachtrij && job.init.empty() ? "utf-8" : "cp850";
 }
 

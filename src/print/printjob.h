@@ -21,6 +21,7 @@ struct printjob {
     int boven, links;       // margins
     std::string init, exit; // bytes, NUL among them
     std::string apparaat;   // queue, path, or directory
+    bool over;              // a file that is there may go: the user said so
     std::string tekens;     // how it leaves: "cp850", "utf-8", "latin1", "ascii", "pdf"
     std::string titel;
     int kopieen;

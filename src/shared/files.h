@@ -46,6 +46,9 @@ extern int64_t (*SCRAMBLEKLOK)(); // seconds; tests replace it
 int IOLOCK(char letter, int fd, int64_t start, int64_t lengte);
 // Process that keeps a write lock off the region, 0 when none does.
 int64_t IOLOCKPID(int fd, int64_t start, int64_t lengte);
+// A write lock on the whole file that belongs to the open file and not to the process: who inherits the descriptor has it
+// too, and it goes with the last of them. 1, or 0 with errno, EAGAIN when another has it.
+int IOLOCKERF(int fd);
 // lockf from the present position: 3 takes, waiting as long as it must, 13 releases; 4 and 14 the same from
 // the end of the file. 0 when the length is below 1 or the descriptor can't be locked.
 int IOFLOCK(int fd, int commando, int64_t lengte);

@@ -92,6 +92,17 @@ int64_t IOLOCKPID(int fd, int64_t start, int64_t lengte) {
     return doe(fd, F_GETLK, &slot) && slot.l_type != F_UNLCK ? slot.l_pid : 0;
 }
 
+int IOLOCKERF(int fd) {
+    struct flock slot = gebied(F_WRLCK, 0, 0);
+    while (SYS.slot(fd, F_OFD_SETLK, &slot) < 0) {
+        if (errno == EACCES)
+            errno = EAGAIN;
+        if (errno != EINTR)
+            return 0;
+    }
+    return 1;
+}
+
 int IOFLOCK(int fd, int commando, int64_t lengte) {
     if (lengte < 1 || (commando != 3 && commando != 4 && commando != 13 && commando != 14))
         return 0;

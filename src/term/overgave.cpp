@@ -20,7 +20,7 @@ char nood[256]; // what gives the terminal back from a signal handler
 size_t nood_n;
 
 void onthoud_nood() {
-    std::string s = CAPACITEIT("sgr0") + CAPACITEIT("op");
+    std::string s = CAPACITEIT("mc4") + CAPACITEIT("sgr0") + CAPACITEIT("op");
     if (SCHERM.termnu > 0)
         s += CAPACITEIT("rs2");
     s += CAPACITEIT("rmkx") + CAPACITEIT("cnorm") + TERUGREEKS();
@@ -62,8 +62,10 @@ void TERMINALAAN() {
     if (!genomen && OVERGAVEWACHT()) {
         BEELDOVER();
     } else {
-        if (!genomen)
+        if (!genomen) {
+            ZEND("mc4"); // a program that was killed while it printed through the terminal left it so
             ZEND("smcup");
+        }
         BEELDNIEUW();
     }
     genomen = true;

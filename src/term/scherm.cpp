@@ -138,6 +138,7 @@ void TERMBEWAAR() {
     if (!modes_bewaard && tcgetattr(STDIN_FILENO, &modes) != 0)
         return;
     modes_bewaard = true;
+    modes.c_oflag |= OPOST; // off: left so by a program that was killed while it printed through the terminal
     termios stil = modes;
     stil.c_lflag &= ~static_cast<tcflag_t>(ECHO | ICANON);
     stil.c_lflag |= ISIG | NOFLSH;                        // the interrupt key must not throw typed keys away

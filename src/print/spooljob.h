@@ -1,0 +1,66 @@
+// What is known of a job that has been handed over: a text file beside its spool file, from the hand-over until all of it is
+// out. What is left of a job that failed, or whose sender died, is found and sent again by it. docs/formats.md has the
+// layout.
+//
+// 1. Who sends a job has its description locked; the lock goes over from the program to zgspoel with the open file.
+//    A description that nobody has locked is of a job that is left behind.
+// 2. The state is one line of fixed length, written over in place, so that a full disk can't keep a reason off it.
+// 3. The spool file goes before its description: a description without one is of a job that is out.
+#pragma once
+#include "print/printjob.h"
+#include <vector>
+
+namespace zg {
+
+enum class Spoolstand { wacht, bezig, fout }; // nothing is out; begun; refused
+
+struct spooljob {
+    std::string spool; // path of the spool file
+    Printweg weg;
+    std::string apparaat, titel, tekens;
+    int kopieen, rijen, kolommen;
+    bool staand, over; // over: the user said that a file that is there may go
+    int64_t begin,
+        eind;       // the report lies between these places of the spool file, init and exit text around it
+    int32_t sessie; // slot of the user, 0 outside a session
+    int64_t tijd;   // of the hand-over, seconds since 1970
+    Spoolstand stand;
+    int gedaan;        // copies that are out
+    bool gemeld;       // the user has been told
+    std::string reden; // why not, at most SPOOLREDEN bytes
+};
+inline constexpr size_t SPOOLREDEN = 120;
+
+// Path of the description of a spool file, and the other way round (empty when it is none).
+std::string spool_beschrijving(const std::string& spool);
+std::string spool_bestand(const std::string& beschrijving);
+
+// Write the description of a job, which must not have one, and lock it: the descriptor, or -1 with errno and nothing there.
+int spool_maak(const spooljob& job);
+// Open a description and lock it. -1 with errno: EAGAIN when its job is being sent, EINVAL when it is none.
+int spool_neem(const std::string& beschrijving, spooljob* job);
+// Read it off an open descriptor; false when it isn't one.
+bool spool_lees(int fd, const std::string& beschrijving, spooljob* job);
+// The state of the job, in place.
+bool spool_schrijf_stand(int fd, const spooljob& job);
+// All that is there of the job, its description last.
+void spool_weg(const spooljob& job);
+// Path of a file of the job's own that goes with it: the report as it is sent.
+std::string spool_naast(const spooljob& job, const char* soort);
+
+// Give a finished file its final name, over one that is there or not. It is on disk then, and whole; else false with errno,
+// and it still has its own name.
+bool spool_plaats(const std::string& van, const std::string& naar, bool over);
+
+// The jobs of a directory that nobody sends, oldest first; what is there of one that is out goes on the way. `map` is
+// empty or ends in a '/'.
+std::vector<spooljob> spool_achtergebleven(const std::string& map);
+enum class Spoolpad { weg, bezig, blijft };
+// How is it with the job of a description? `blijft`: left behind, and read.
+Spoolpad spool_kijk(const std::string& beschrijving, spooljob* job);
+
+// Run zgspoel on a description; `fd` is its lock, which stays open here. False with errno when it can't be run, or,
+// where the end is waited for, when the job isn't out (errno 0, the reason is in the description).
+bool spool_start(int fd, const spooljob& job, bool wacht);
+
+} // namespace zg
