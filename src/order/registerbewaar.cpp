@@ -9,8 +9,10 @@
 #include "shared/eanhdl.h"
 #include "shared/ioeti.h"
 #include "shared/ioink.h"
+#include "shared/maatbalk.h"
 #include "shared/sysrec.h"
 #include "sub/omserie.h"
+#include "sub/serdel.h"
 #include "term/datum.h"
 #include "term/prompt.h"
 #include <algorithm>
@@ -99,8 +101,15 @@ bool maak_record(const orderregel& regel, serrec* s) {
     return true;
 }
 
+// Has one of the fields changed by which others may have sorted the series?
+bool zoekvelden_anders(const serrec& a, const serrec& b) {
+    constexpr size_t VAN = offsetof(serrec, merk), TOT = offsetof(serrec, maten);
+    auto begin = [](const serrec& s) { return reinterpret_cast<const uint8_t*>(&s) + VAN; };
+    return memcmp(begin(a), begin(b), TOT - VAN) != 0;
+}
+
 bool schrijf_codes(const orderregel& regel, const serrec& s) {
-    return !met_codes(regel) || eanhdl('W', dtean, s.serie, s.maten, s.stempel_mag);
+    return !met_codes(regel) || eanhdl('W', dtean, s.serie, s.maten, s.stempel_mag, maatbalk);
 }
 
 } // namespace
@@ -137,6 +146,8 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
     if (!prijzen_bij(*regel, nieuw ? nullptr : &oude_prijzen) || !labels_bij(regel, &s) ||
         !schrijf_codes(*regel, s) || !serie_schrijf(s))
         return false;
+    if (!nieuw && zoekvelden_anders(regel->serie, s))
+        serie_index_bij(regel->serie, &s);
     regel->serie = s;
     return true;
 }

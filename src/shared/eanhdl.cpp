@@ -79,7 +79,7 @@ bool van_maat(const eanrec& rec, const seriesleutel& serie, uint8_t maat) {
 std::vector<uint8_t> maten_van(const uint8_t* masker, mthandle* balk) {
     std::vector<uint8_t> uit;
     for (uint8_t maat = 1; maat <= MATEN; maat++)
-        if (maat_in(masker, maat))
+        if (maat_in(masker, maat) && (!balk || mtpos(balk, maat)))
             uit.push_back(maat);
     if (balk)
         std::stable_sort(uit.begin(), uit.end(),

@@ -8,8 +8,8 @@ namespace zg {
 struct ICB;
 struct mthandle;
 
-// 'W': a code for each size of `maten` (12 bytes) that has none, in the order of the bar `balk` or else by size number;
-// a code in use is passed over. 'D': delete those of the sizes; 'B': and their entries in DTBARC. False when a write was
+// 'W': a code for each size of `maten` (12 bytes) that has none, in the order of the bar `balk` (sizes that it lacks get
+// none) or else by size number; a code in use is passed over. 'D': delete those of the sizes; 'B': and their entries in DTBARC. False when a write was
 // refused, or no number is left (told). A null handle stops with eanhdl INTERNAL 1. `bron` goes into new records.
 bool eanhdl(char letter, ICB* dtean, const seriesleutel& serie, const uint8_t* maten, uint8_t bron = 0,
             mthandle* balk = nullptr);

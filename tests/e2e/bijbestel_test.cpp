@@ -4,6 +4,11 @@
 #include "order/ordrec.h"
 #include "shared/ioeti.h"
 #include "shared/registerrec.h"
+#include "sub/omserie.h"
+#include "sub/serzoek.h"
+#include "term/scherm.h"
+#include "tools/shell.h"
+#include <memory>
 
 using namespace zg::test;
 
@@ -210,6 +215,80 @@ TEST(Bijbestel, TwoAddAtOnce) {
     EXPECT_TRUE(een.t.wacht("Uw keuze _  Toevoegen")) << een.t.scherm();
     een.klaar();
     EXPECT_EQ(lees_bestand(map.bestand("SERNR01.RES")), "");
+}
+
+// A list that a sibling has sorted by model follows a model that is changed on an order.
+TEST(Bijbestel, AnothersSortIndexFollowsTheModel) {
+    Registermap map;
+    const std::string index = map.bestand("DTSER.MAKV");
+    Terminal maker(
+        [] {
+            zg::SCRINIT();
+            zg::dtser = zg::IXOPEN("DTSER", 2);
+            zg::IXCLOSE(zg::sort_index("MAKV", "DTSER.MAKV"));
+            zg::SCREXIT();
+            return 0;
+        },
+        demo_opties(map));
+    ASSERT_EQ(maker.einde(), 0) << maker.scherm();
+    Koper p(map);
+    p.eerste_order(13);
+    p.t.toetsen("WMMOmega<Enter><Esc>");
+    EXPECT_TRUE(p.t.wacht(" NORD OMEGA ")) << p.t.scherm();
+    p.klaar();
+    const zg::serrec serie = map.serie(1110, 36, 1);
+    zg::ICB* icb = zg::IXOPEN(index.c_str(), 0);
+    uint8_t rec[zg::IXRECMAX] = {};
+    memcpy(rec, &serie, sizeof serie);
+    EXPECT_TRUE(zg::IXEXISTS(icb, rec));
+    zg::IXCLOSE(icb);
+}
+
+// Two orders of one series in two terminals: a walk over the lines waits for the one that another has in hand, also when
+// he dies with it; two walks that meet the series in opposite order don't wait for each other.
+TEST(Bijbestel, OneSeriesInTwoOrders) {
+    Registermap map;
+    auto een = std::make_unique<Koper>(map);
+    Koper twee(map, 2, "Pieter");
+    een->eerste_order(13); // Kjole 36, Kjole 14, Bluse 31
+    twee.t.toetsen("2016<Enter>W<Enter>13<Enter><Home>020316<Enter><Esc><Esc>");
+    for (const char* kleur : {"14", "36"}) { // the other way round
+        EXPECT_TRUE(twee.t.wacht("Uw keuze _  T")) << twee.t.scherm();
+        twee.t.toetsen("Bs1110<Enter>" + std::string(kleur) + "<Enter><Enter>");
+        EXPECT_TRUE(twee.t.wacht("Levertermijn")) << twee.t.scherm();
+        twee.t.toetsen("010816<Enter>310816<Enter>2<Enter>3<Enter><Esc><Esc>");
+    }
+    EXPECT_TRUE(twee.t.wacht(" 1790.00")) << twee.t.scherm();
+    for (bool sterft : {false, true}) {
+        een->t.toetsen("<Down>WA");
+        EXPECT_TRUE(een->t.wacht("AANTALLEN")) << een->t.scherm();
+        twee.t.reeks(sterft ? "WOI2<Enter><Esc>" : "WOG10<Enter><Esc>");
+        EXPECT_TRUE(twee.t.wacht("DTSER: series --> Informatie in gebruik door Joke")) << twee.t.scherm();
+        if (sterft) {
+            een->t.sein(9);
+            EXPECT_EQ(een->t.einde(), 137);
+            een = std::make_unique<Koper>(map);
+            een->leverancier(13);
+            een->t.wacht("hersteld");
+            een->t.toetsen("<Enter><Enter>");
+        } else {
+            een->t.toetsen("<Esc><Up>");
+        }
+        EXPECT_TRUE(twee.t.wacht(" 1611.00") && twee.t.kalm()) << twee.t.scherm();
+        EXPECT_TRUE(een->t.wacht(" 2953.00")) << een->t.scherm();
+    }
+    std::string heen; // their labels' purchase code, through all lines
+    for (int ronde = 0; ronde < 8; ronde++)
+        heen += "WOI1<Enter><Esc>WOI2<Enter><Esc>";
+    een->t.reeks(heen);
+    twee.t.reeks(heen);
+    EXPECT_TRUE(een->t.kalm(120'000) && twee.t.kalm(120'000)) << een->t.scherm() << twee.t.scherm();
+    EXPECT_TRUE(twee.t.wacht(" 1611.00")) << twee.t.scherm();
+    EXPECT_TRUE(een->t.wacht(" 2953.00")) << een->t.scherm();
+    een->klaar();
+    twee.klaar();
+    EXPECT_EQ(map.labels(1013), "2x4 3x6 ");
+    EXPECT_EQ(sh("zgcheck -q \"" + map.pad() + "\"").tekst, "");
 }
 
 } // namespace
