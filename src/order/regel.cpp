@@ -216,6 +216,21 @@ bool regel_lees(const ors_ingang& ingang, orderregel* regel) {
     return regel_lees(&loop, ingang, regel);
 }
 
+void regels_loop(const std::function<void(int32_t nr, const orderregel* regel)>& doe) {
+    regelloop loop;
+    regelloop_begin(&loop);
+    loop.zonder_matrices = true;
+    for (int32_t nr = 1; nr <= aantal_regels; nr++) {
+        ors_ingang in{};
+        in.regel = static_cast<uint16_t>(nr);
+        orderregel regel;
+        if (!ors_lees('R', &in) || !regel_lees(&loop, in, &regel))
+            doe(nr, nullptr);
+        else if (regel.dessin.geregistreerd)
+            doe(nr, &regel);
+    }
+}
+
 int32_t regel_bruto_opslag(const orderregel& regel, int maat) {
     const auto m = static_cast<size_t>(maat);
     const int32_t was = regel.opslag.bruto[m];

@@ -7,6 +7,7 @@
 #include "order/ordloop.h"
 #include "price/uniprijs.h"
 #include "shared/registerrec.h"
+#include <functional>
 #include <vector>
 
 namespace zg {
@@ -71,6 +72,9 @@ void regelloop_begin(regelloop* loop);
 // file and labels hold the truth (order/register.h).
 bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
 bool regel_lees(const ors_ingang& ingang, orderregel* regel);
+// The registered lines of the order one by one, without their matrices, and null for a line that can't be read: the
+// others are still gone through, and it is for the caller to name it.
+void regels_loop(const std::function<void(int32_t nr, const orderregel* regel)>& doe);
 
 // What was ever ordered on a line, as cells above 0: its matrix; of a line without matrices its terms, since nothing is
 // delivered then.

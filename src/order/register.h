@@ -55,7 +55,9 @@ bool order_korting(int16_t was);
 // May the order have another discount? Not (told) when a series of it is on another order of this supplier and date.
 bool orderkorting_toegestaan();
 
-// Lines that something could not be done to: a box with their numbers and series, under a text; none without lines.
+// A line of the order as it is named: its number and series, a null one by its number.
+std::string regel_naam(int32_t nr, const orderregel* regel);
+// Lines that something could not be done to, by name: a box with them under a text; none without lines.
 void regels_overgeslagen(const Tekst& boven, const std::vector<std::string>& regels);
 
 // registeretiket.cpp

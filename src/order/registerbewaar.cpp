@@ -12,7 +12,7 @@
 #include "shared/maatbalk.h"
 #include "shared/sysrec.h"
 #include "sub/omserie.h"
-#include "sub/serdel.h"
+#include "sub/serzoek.h"
 #include "term/datum.h"
 #include "term/prompt.h"
 #include <algorithm>

@@ -66,6 +66,10 @@ Uitslag bijwerk_regel(const orderregel& regel, int soort) {
 
 } // namespace
 
+std::string regel_naam(int32_t nr, const orderregel* regel) {
+    return std::to_string(nr) + (regel ? ": " + serie_tekst(regel_serie(*regel)) : "");
+}
+
 void regels_overgeslagen(const Tekst& boven, const std::vector<std::string>& regels) {
     constexpr size_t REGEL = 60;
     if (regels.empty())
@@ -90,25 +94,15 @@ void label_bijwerk(int soort) {
     SCRPUT(A_LABEL, 2, 2, "%s", TXT(T_REG_ORDERREGEL));
     std::vector<std::string> overgeslagen;
     Uitslag uitslag = Uitslag::goed;
-    regelloop loop;
-    regelloop_begin(&loop);
-    loop.zonder_matrices = true;
-    for (int32_t nr = 1; nr <= aantal_regels; nr++) {
-        ors_ingang in{};
-        in.regel = static_cast<uint16_t>(nr);
-        orderregel regel;
-        if (!ors_lees('R', &in) || !regel_lees(&loop, in, &regel))
-            break;
+    regels_loop([&](int32_t nr, const orderregel* regel) {
         SCRPUT(A_WAARDE, 2, 14, "%5d", nr);
         SCRFLUSH(0);
-        if (!regel.dessin.geregistreerd)
-            continue;
         if (uitslag != Uitslag::geweigerd) // a disk that refuses is not asked again for each line
-            uitslag = bijwerk_regel(regel, soort);
+            uitslag = regel ? bijwerk_regel(*regel, soort) : Uitslag::overgeslagen;
         if (uitslag != Uitslag::goed)
-            overgeslagen.push_back(std::to_string(nr) + ": " + serie_tekst(regel_serie(regel)));
+            overgeslagen.push_back(regel_naam(nr, regel));
         serie_los();
-    }
+    });
     serie_los();
     WINCLOSE();
     regels_overgeslagen(T_REG_OVERGESLAGEN, overgeslagen);

@@ -13,24 +13,9 @@
 #include "term/prompt.h"
 #include <algorithm>
 #include <cstring>
-#include <functional>
 
 namespace zg {
 namespace {
-
-// The registered lines of the order, one after the other.
-void regels_loop(const std::function<void(int32_t nr, const orderregel& regel)>& doe) {
-    regelloop loop;
-    regelloop_begin(&loop);
-    loop.zonder_matrices = true;
-    for (int32_t nr = 1; nr <= aantal_regels; nr++) {
-        ors_ingang in{};
-        in.regel = static_cast<uint16_t>(nr);
-        orderregel regel;
-        if (ors_lees('R', &in) && regel_lees(&loop, in, &regel) && regel.dessin.geregistreerd)
-            doe(nr, regel);
-    }
-}
 
 bool van_regel(const serrec& serie, const orderregel& regel) {
     return serie_mag(serie, serie_stempel(kop.orderdatum, regel.dessin.tijdstempel));
@@ -73,16 +58,20 @@ bool bereken(const serrec& serie, double verhouding, prijsserie* p) {
 bool bereken_order(int16_t was, prijswerk* noot, std::vector<std::string>* anders) {
     const double verhouding = (kop.korting + 10000.0) / (was + 10000.0);
     bool past = true;
-    regels_loop([&](int32_t nr, const orderregel& regel) {
+    regels_loop([&](int32_t nr, const orderregel* regel) {
+        if (!regel) {
+            anders->push_back(regel_naam(nr, regel));
+            return;
+        }
         prijsserie p{};
-        p.serie = regel_serie(regel);
+        p.serie = regel_serie(*regel);
         p.regel = nr;
         serrec serie;
         const bool al = std::ranges::any_of(
             noot->series, [&](const prijsserie& x) { return zelfde_serie(x.serie, p.serie); });
         if (al || !past)
             return;
-        if (!serie_neem(p.serie, &serie) || !van_regel(serie, regel) || !bereken(serie, verhouding, &p)) {
+        if (!serie_neem(p.serie, &serie) || !van_regel(serie, *regel) || !bereken(serie, verhouding, &p)) {
             anders->push_back(prijswerk_naam(p));
             return;
         }
@@ -122,9 +111,9 @@ bool order_korting(int16_t was) {
 bool orderkorting_toegestaan() {
     bool ander = false;
     if (registermodus)
-        regels_loop([&](int32_t, const orderregel& regel) {
+        regels_loop([&](int32_t, const orderregel* regel) {
             serrec serie;
-            ander = ander || (serie_lees(regel_serie(regel), &serie) && van_regel(serie, regel) &&
+            ander = ander || (regel && serie_lees(regel_serie(*regel), &serie) && van_regel(serie, *regel) &&
                               op_andere_order(serie));
         });
     if (!ander)

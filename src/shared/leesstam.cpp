@@ -82,18 +82,6 @@ int loop_eanmaat(ICB* icb, eanrec* rec) {
     return 0;
 }
 
-// A pair opened for one read.
-struct Paar {
-    explicit Paar(const char* naam) : icb(stam_aanwezig(naam) ? IXOPEN(naam, 0) : nullptr) {}
-    ~Paar() {
-        if (icb)
-            IXCLOSE(icb);
-    }
-    Paar(const Paar&) = delete;
-    Paar& operator=(const Paar&) = delete;
-    ICB* icb;
-};
-
 } // namespace
 
 int leesart(ICB* icb, artrec* rec, int32_t artikelgroep) {
@@ -182,38 +170,47 @@ int leeseanmaat(ICB* icb, eanrec* rec, const seriesleutel& serie, uint8_t maat) 
     return icb->h.nkeys >= 2 ? lees(icb, rec, 2) : loop_eanmaat(icb, rec);
 }
 
+Stampaar::Stampaar(const char* naam, int modus)
+    : icb(stam_aanwezig(naam) && IOSIZE((std::string(naam) + ".TXT").c_str()) > 0 ? IXOPEN(naam, modus)
+                                                                                  : nullptr) {}
+
+Stampaar::~Stampaar() {
+    if (icb)
+        IXCLOSE(icb);
+}
+
 bool stam_aanwezig(const char* naam) {
     std::string pad = naam;
     return IOSIZE((pad + ".INX").c_str()) >= IXBLOK && IOSIZE((pad + ".TXT").c_str()) >= 0;
 }
 
 int opart(artrec* rec, int32_t artikelgroep) {
-    Paar paar("DTART");
+    Stampaar paar("DTART", 0);
     return paar.icb ? leesart(paar.icb, rec, artikelgroep) : 0;
 }
 
 int opmerk(merkrec* rec, uint16_t merk) {
-    Paar paar("DTMERK");
+    Stampaar paar("DTMERK", 0);
     return paar.icb ? leesmerk(paar.icb, rec, merk) : 0;
 }
 
 int oplev(levrec* rec, uint16_t nummer) {
-    Paar paar("DTLEV");
+    Stampaar paar("DTLEV", 0);
     return paar.icb ? leeslev(paar.icb, rec, nummer) : 0;
 }
 
 int opklant(klantrec* rec, int32_t nummer) {
-    Paar paar("DTKLT");
+    Stampaar paar("DTKLT", 0);
     return paar.icb ? leesklant(paar.icb, rec, nummer) : 0;
 }
 
 int opean(eanrec* rec, const char* tekst) {
-    Paar paar("DTEAN");
+    Stampaar paar("DTEAN", 0);
     return paar.icb ? leesean(paar.icb, rec, tekst) : 0;
 }
 
 int opeanmaat(eanrec* rec, const seriesleutel& serie, uint8_t maat) {
-    Paar paar("DTEAN");
+    Stampaar paar("DTEAN", 0);
     return paar.icb ? leeseanmaat(paar.icb, rec, serie, maat) : 0;
 }
 

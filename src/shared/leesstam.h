@@ -53,5 +53,13 @@ void stam_gewijzigd();
 
 // Can the pair be opened? IXOPEN stops the program where it can't.
 bool stam_aanwezig(const char* naam);
+// A pair that is open as long as this lives; null when it isn't there or holds nothing.
+struct Stampaar {
+    Stampaar(const char* naam, int modus);
+    ~Stampaar();
+    Stampaar(const Stampaar&) = delete;
+    Stampaar& operator=(const Stampaar&) = delete;
+    ICB* icb;
+};
 
 } // namespace zg

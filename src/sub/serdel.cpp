@@ -14,110 +14,21 @@
 #include "shared/leesstam.h"
 #include "shared/report.h"
 #include "shared/sleutelstand.h"
-#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "sub/omserie.h"
+#include "sub/serelders.h"
 #include "sub/serienummer.h"
+#include "sub/serzoek.h"
 #include "sub/teksten.h"
 #include "term/prompt.h"
 #include "term/vast.h"
-#include <array>
-#include <cerrno>
-#include <climits>
-#include <span>
 #include <vector>
 
 namespace zg {
 namespace {
 
-constexpr char MODULE[] = "../sub/serdel";
 constexpr uint8_t OPTIE_ZICHT = 4; // of instel15.optie12
 constexpr int BREEDTE = 60, HOOGTE = 5;
-
-using Record = std::array<uint8_t, IXRECMAX>;
-
-// A pair that may be missing, or hold nothing, opened for as long as it lives.
-struct Paar {
-    Paar(const char* naam, int modus)
-        : icb(stam_aanwezig(naam) && IOSIZE((std::string(naam) + ".TXT").c_str()) > 0 ? IXOPEN(naam, modus)
-                                                                                      : nullptr) {}
-    ~Paar() {
-        if (icb)
-            IXCLOSE(icb);
-    }
-    Paar(const Paar&) = delete;
-    Paar& operator=(const Paar&) = delete;
-    ICB* icb;
-};
-
-// Is part n (from 0) of a key an integer of so many bytes?
-bool geheel(const ICB* icb, int sleutel, int n, int bytes) {
-    if (sleutel < 1 || sleutel > icb->h.nkeys || n >= IXDELEN)
-        return false;
-    const IXKEYDEF& def = icb->h.keydef[sleutel - 1];
-    return def.ptype[n] == 'I' && def.pend[n] - def.pstart[n] + 1 == bytes;
-}
-
-bool serie_vooraan(const ICB* icb, int sleutel) {
-    return geheel(icb, sleutel, 0, 4) && geheel(icb, sleutel, 1, 2) && geheel(icb, sleutel, 2, 2);
-}
-
-size_t plaats(const ICB* icb, int sleutel, int n) {
-    return icb->h.keydef[sleutel - 1].pstart[n] - size_t{1};
-}
-
-template <class T> void zet(Record& rec, size_t waar, T waarde) {
-    memcpy(rec.data() + waar, &waarde, sizeof waarde);
-}
-
-// The records under the first parts of a key, as `zoek` has them, deleted. Collected first: a walk over what goes would
-// lose its place. One that another has in hand is left. False: refused, told.
-bool wis_onder(ICB* icb, int sleutel, int delen, const Record& zoek) {
-    std::vector<Record> gevonden;
-    auto dezelfde = [&](const Record& rec) {
-        for (int n = 0; n < delen; n++) {
-            const IXKEYDEF& def = icb->h.keydef[sleutel - 1];
-            if (memcmp(rec.data() + plaats(icb, sleutel, n), zoek.data() + plaats(icb, sleutel, n),
-                       static_cast<size_t>(def.pend[n] - def.pstart[n] + 1)) != 0)
-                return false;
-        }
-        return true;
-    };
-    {
-        const Sleutelstand k(icb, sleutel);
-        Record rec = zoek;
-        int rest = icb->h.nrecs + 1;
-        for (int er = IXFIRSTR(icb, rec.data(), delen); er == 1 && rest > 0; rest--) {
-            if (dezelfde(rec))
-                gevonden.push_back(rec);
-            er = IXNEXTR(icb, rec.data(), delen);
-        }
-    }
-    const Sleutelstand k1(icb);
-    for (Record& rec : gevonden) {
-        const int gelezen = IXREADT(icb, rec.data());
-        if (gelezen == 1 && dezelfde(rec)) {
-            if (IXDELETE(icb, rec.data()) < 0)
-                return false;
-        } else if (gelezen >= 0) {
-            IXUNLOCK(icb, rec.data());
-        }
-    }
-    return true;
-}
-
-Record seriezoek(const ICB* icb, int sleutel, const seriesleutel& serie) {
-    Record zoek{};
-    zet(zoek, plaats(icb, sleutel, 0), serie.artikelgroep);
-    zet(zoek, plaats(icb, sleutel, 1), serie.kleur);
-    zet(zoek, plaats(icb, sleutel, 2), serie.volgnummer);
-    return zoek;
-}
-
-// All records of a series by a key that begins with it.
-bool wis_van_serie(ICB* icb, int sleutel, const seriesleutel& serie) {
-    return !icb || !serie_vooraan(icb, sleutel) || wis_onder(icb, sleutel, 3, seriezoek(icb, sleutel, serie));
-}
 
 // ---- labels
 
@@ -149,69 +60,6 @@ bool loop_keten(serrec* serie, Etiketten* uit) {
     if (er < 0)
         ioeti_schademeld(sleutel);
     return er == 0;
-}
-
-// The key of a mutation file that begins with a label's number: the one that it has by its definition, else the only one
-// that can be. 0: none.
-int nummersleutel(const ICB* icb, int volgens_boek) {
-    if (volgens_boek)
-        return geheel(icb, volgens_boek, 0, 4) && !serie_vooraan(icb, volgens_boek) ? volgens_boek : 0;
-    int uit = 0;
-    for (int k = 1; k <= icb->h.nkeys; k++)
-        if (geheel(icb, k, 0, 4) && !serie_vooraan(icb, k)) {
-            if (uit)
-                return 0;
-            uit = k;
-        }
-    return uit;
-}
-
-bool wis_mutaties(const serrec& serie, const std::vector<int32_t>& nummers) {
-    static const struct {
-        const char* naam;
-        int sleutel; // 0: not in the dictionary
-    } BESTANDEN[] = {{"DTIO", 0}, {"DTFIN", 2}, {"DTONTV", 1}, {"DTGO", 1}};
-    if (nummers.empty())
-        return true;
-    for (const auto& b : BESTANDEN) {
-        if (strcmp(b.naam, "DTONTV") == 0 && !serie.voorraad && !serie.verkopen && !serie.correcties)
-            continue;
-        const Paar paar(b.naam, 2);
-        const int sleutel = paar.icb ? nummersleutel(paar.icb, b.sleutel) : 0;
-        if (!sleutel)
-            continue;
-        for (const int32_t nummer : nummers) {
-            Record zoek{};
-            zet(zoek, plaats(paar.icb, sleutel, 0), nummer);
-            if (!wis_onder(paar.icb, sleutel, 1, zoek))
-                return false;
-        }
-    }
-    return true;
-}
-
-// Is one of these codes among the till sales that are still open? Where that can't be asked it may be.
-bool staat_op_zicht(const std::vector<std::string>& codes) {
-    constexpr int CODE = 13;
-    if (codes.empty())
-        return false;
-    const Paar paar("KSZI", 0);
-    if (!paar.icb)
-        return false;
-    for (int k = 1; k <= paar.icb->h.nkeys; k++) {
-        const IXKEYDEF& def = paar.icb->h.keydef[k - 1];
-        if (def.ptype[0] != 'C' || def.pend[0] - def.pstart[0] + 1 != CODE)
-            continue;
-        const Sleutelstand stand(paar.icb, k);
-        for (const std::string& code : codes) {
-            Record zoek{};
-            memcpy(zoek.data() + def.pstart[0] - 1, code.data(), std::min(code.size(), size_t{CODE}));
-            if (IXEXISTSP(paar.icb, zoek.data(), 1))
-                return true;
-        }
-        return false;
-    }
-    return true;
 }
 
 // ---- the question
@@ -253,51 +101,6 @@ bool akkoord(const serrec& serie, const Etiketten& etiketten) {
 
 // ---- the rest
 
-// What is kept of advice orders: zeros over each of the series' records in the parameter file.
-bool wis_parameters(const seriesleutel& serie) {
-    constexpr char NAAM[] = "DTBAPAR.TXT";
-    constexpr size_t LENGTE = 432, KEER = 128;
-    const int fd = SYS.open(NAAM, O_RDWR | O_CLOEXEC, 0);
-    if (fd < 0) {
-        if (errno == ENOENT)
-            return true;
-        SCHRIJFFOUT(NAAM, errno);
-        return false;
-    }
-    std::vector<uint8_t> blok(LENGTE * KEER);
-    const uint8_t nul[LENGTE] = {};
-    bool goed = true;
-    ssize_t n = 0;
-    for (int64_t waar = 0; goed && (n = SYSLEES(fd, blok.data(), blok.size(), waar)) > 0; waar += n)
-        for (size_t i = 0; goed && i + sizeof serie <= static_cast<size_t>(n); i += LENGTE)
-            if (memcmp(blok.data() + i, &serie, sizeof serie) == 0)
-                goed = SYSVERVANG(fd, nul, std::min(LENGTE, static_cast<size_t>(n) - i),
-                                  waar + static_cast<int64_t>(i));
-    goed = goed && n >= 0;
-    if (!goed)
-        SCHRIJFFOUT(NAAM, errno);
-    SYS.close(fd);
-    return goed;
-}
-
-bool wis_adviesorders(const seriesleutel& serie) {
-    const Paar series("DTBASER", 2);
-    const bool er = series.icb && serie_vooraan(series.icb, 1) &&
-                    IXEXISTSP(series.icb, seriezoek(series.icb, 1, serie).data(), 3);
-    if (!wis_parameters(serie))
-        return false;
-    if (!er)
-        return true;
-    const Paar orders("DTBAORD", 2);
-    // The entry last: it is what leads here a second time.
-    return wis_van_serie(orders.icb, 1, serie) && wis_van_serie(series.icb, 1, serie);
-}
-
-bool wis_barcodes(const seriesleutel& serie) {
-    const Paar codes("DTBARC", 2);
-    return wis_van_serie(codes.icb, 2, serie);
-}
-
 bool wis_codes(const seriesleutel& serie) {
     uint8_t alle[MAATBYTES];
     memset(alle, 0xFF, sizeof alle);
@@ -334,87 +137,7 @@ bool wis_alles(ICB* icb, serrec* serie, const Etiketten& etiketten) {
     return true;
 }
 
-// ---- sort indexes
-
-// The names of the sort indexes over DTSER, of this moment.
-std::vector<std::string> sorteerindexen() {
-    std::vector<std::string> uit;
-    char naam[DIRNAAM] = "DTSER.*";
-    if (!DIRECTORY('O', naam, 0))
-        return uit;
-    while (DIRECTORY('N', naam, 0)) {
-        const std::string ext = strrchr(naam, '.') ? strrchr(naam, '.') + 1 : "";
-        if (strncmp(naam, "DTSER.", 6) == 0 && ext != "INX" && ext != "TXT")
-            uit.push_back(naam);
-    }
-    DIRECTORY('C', naam, 0);
-    return uit;
-}
-
-// Is it an index with entries, of that name? Nobody may have it in hand; false with *bezet when somebody has.
-bool is_index(const std::string& naam, bool* bezet) {
-    constexpr int64_t MET_INGANGEN = 3 * IXBLOK;
-    const int fd = SYS.open(naam.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK, 0);
-    if (fd < 0)
-        OPENFAIL(MODULE, naam.c_str());
-    char kop[sizeof IXHEADER::name] = {};
-    const int64_t omvang = SYSOMVANG(fd);
-    const bool er = omvang >= MET_INGANGEN && omvang % IXBLOK == 0 &&
-                    SYSLEES(fd, kop, sizeof kop, 0) == ssize_t{sizeof kop} && VASTGELIJK(kop, naam);
-    *bezet = er && !IOLOCK('T', fd, 0, IXBLOK);
-    SYS.close(fd);
-    return er && !*bezet;
-}
-
-// The key of a record under each of an index' keys: out where `eruit`, else in.
-void index_bij(ICB* icb, int32_t recnr, const Record& rec, bool eruit) {
-    for (int k = 1; k <= icb->h.nkeys; k++) {
-        IXSWITCH(icb, k);
-        icb->currec = icb->insptr = recnr;
-        const int lengte = IXKEYLEN(icb, 0);
-        IXBLDKEY(icb, rec.data(), lengte);
-        const bool er = IXSEARCH(icb, '=', lengte) == recnr;
-        icb->insptr = recnr;
-        if (er && eruit)
-            IXDELENTRY(icb);
-        else if (!er && !eruit)
-            IXINSKEY(icb);
-    }
-}
-
 } // namespace
-
-void serie_index_bij(const serrec& oud, const serrec* nieuw) {
-    const std::vector<std::string> namen = sorteerindexen();
-    if (namen.empty())
-        return;
-    Record was{}, wordt{};
-    memcpy(was.data(), &oud, sizeof oud);
-    if (nieuw)
-        memcpy(wordt.data(), nieuw, sizeof *nieuw);
-    int32_t recnr = -1;
-    {
-        const Sleutelstand k1(dtser);
-        for (const Record* rec : {&was, &wordt})
-            if (recnr < 0 && IXEXISTS(dtser, rec->data()))
-                recnr = dtser->currec;
-    }
-    for (const std::string& naam : namen) {
-        bool bezet = false;
-        if (!is_index(naam, &bezet) && !bezet)
-            continue;
-        // Its user goes on with what he has; whoever sorts next makes it anew.
-        if (bezet || IXCHECK(naam.c_str()) < 0) {
-            IOUNLINK(naam.c_str());
-            continue;
-        }
-        ICB* icb = IXOPEN(naam.c_str(), 1);
-        index_bij(icb, recnr, was, true);
-        if (nieuw)
-            index_bij(icb, recnr, wordt, false);
-        IXCLOSE(icb);
-    }
-}
 
 bool serie_verwijderen(ICB* icb, serrec* serie, bool vraag) {
     if (!icb)

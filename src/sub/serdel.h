@@ -10,7 +10,5 @@ struct ICB;
 // the series is gone. DTSER null: serdel INTERNAL 1; codes not open: 2; picture links that can't be opened: 3. What a kill
 // leaves can be deleted again: the record itself goes near the end.
 bool serie_verwijderen(ICB* dtser, serrec* serie, bool vraag);
-// The sort indexes DTSER.* after a changed key; a null new key: it is gone.
-void serie_index_bij(const serrec& oud, const serrec* nieuw);
 
 } // namespace zg

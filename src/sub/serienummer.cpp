@@ -19,36 +19,17 @@
 namespace zg {
 namespace {
 
-using Sleutels = std::vector<seriesleutel>;
-
 constexpr int SYS_SERIE = 2;
 constexpr int32_t HOOGSTE_NUMMER = 9999999; // seven digits in a mutation
 constexpr int SLEUTEL_NUMMER = 3;
-constexpr size_t MEEST = 64; // keys that are read of a file; the queue holds 63
 
 bool gereserveerd;
 seriesleutel nummer; // the one in hand
 Sleutels rest;       // of earlier runs of this slot, others' for now
 
-std::string notitie(int32_t slot) {
-    char naam[20];
-    snprintf(naam, sizeof naam, "SERNR%02d.RES", slot % 100);
-    return naam;
-}
-
-Sleutels lees(int32_t slot) {
-    Sleutels uit(MEEST);
-    const int fd = SYS.open(notitie(slot).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
-    const ssize_t n = fd < 0 ? 0 : SYSLEES(fd, uit.data(), uit.size() * sizeof uit[0], 0);
-    if (fd >= 0)
-        SYS.close(fd);
-    uit.resize(n > 0 ? static_cast<size_t>(n) / sizeof uit[0] : 0);
-    return uit;
-}
-
 // The file of this slot anew. In place: what it names must not be unnamed for a moment.
 bool noteer(const Sleutels& sleutels) {
-    const std::string naam = notitie(sessie);
+    const std::string naam = serie_notitie(sessie);
     if (sleutels.empty()) {
         SYS.unlink(naam.c_str());
         return true;
@@ -63,16 +44,6 @@ bool noteer(const Sleutels& sleutels) {
     if (!goed)
         SCHRIJFFOUT(naam.c_str(), fout);
     return goed;
-}
-
-bool staat_in(const Sleutels& sleutels, const seriesleutel& sleutel) {
-    return std::any_of(sleutels.begin(), sleutels.end(),
-                       [&](const seriesleutel& s) { return zelfde_serie(s, sleutel); });
-}
-
-bool slot_bezet(int32_t slot) {
-    gebruikerslot ongelezen;
-    return !iotab('T', &slot, &ongelezen, SYS_GEBRUIKER);
 }
 
 bool nummer_bezet(int32_t nr) {
@@ -173,17 +144,10 @@ void serie_nummer_los() {
     noteer(rest);
 }
 
-bool serie_nummer_levend(const seriesleutel& sleutel) {
-    for (int32_t slot = 1; slot <= SYS_GEBRUIKER.slots; slot++)
-        if (slot != sessie && staat_in(lees(slot), sleutel) && slot_bezet(slot))
-            return true;
-    return false;
-}
-
 void serie_nummers_opruimen() {
     gereserveerd = false;
     rest.clear();
-    const Sleutels oud = lees(sessie);
+    const Sleutels oud = serie_genoteerd(sessie);
     const Sleutelstand k1(dtser);
     for (const seriesleutel& sleutel : oud) {
         const int geweigerd = IXWEIGERINGEN;

@@ -1,6 +1,8 @@
-// Between the files of omserie.
+// Between the files of omserie: sernoten.cpp, serienummer.cpp, omserie.cpp.
 #pragma once
 #include "shared/registerrec.h"
+#include <string>
+#include <vector>
 
 namespace zg {
 
@@ -10,6 +12,10 @@ struct Seriebuffer {
     uint8_t rec[IXRECMAX] = {};
 };
 
+using Sleutels = std::vector<seriesleutel>;
+
+std::string serie_notitie(int32_t slot);              // name of a slot's notes
+Sleutels serie_genoteerd(int32_t slot);               // what stands in them
 bool serie_gereserveerd(const seriesleutel& sleutel); // is its number reserved by this program?
 void serie_nummer_gebruikt();                         // its record has been written: the note goes
 

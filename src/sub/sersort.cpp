@@ -1,4 +1,8 @@
-// Sort orders of series: their letters as the user knows them, the dialogue, the work index.
+// Sort orders of series: their letters as the user knows them, the dialogue, the work index; those that stand, when a
+// series changes.
+#include "shared/files.h"
+#include "shared/report.h"
+#include "shared/sleutelstand.h"
 #include "shared/syscalls.h"
 #include "store/rebuild.h"
 #include "store/tabel.h"
@@ -10,6 +14,8 @@
 #include "term/prompt.h"
 #include "term/vast.h"
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 namespace zg {
 namespace {
@@ -17,6 +23,9 @@ namespace {
 constexpr size_t VELDEN = 10; // of a key
 constexpr char ALTIJD[] = "AKV", ZONDER = '~', NUMMER = 'U';
 constexpr int BREEDTE = 40;
+constexpr char MODULE[] = "../sub/serdel";
+
+using Record = std::array<uint8_t, IXRECMAX>;
 
 std::string ontbrekend(const std::string& volgorde) {
     std::string uit;
@@ -40,6 +49,54 @@ std::string vraag(int rij, const std::string& toegestaan, const std::string& voo
     snprintf(tekst, sizeof tekst, "%s", sort_letters(voorstel, true).c_str());
     INGAVE(rij, veld, formaat, &SCHERM.toets[key_cancel], tekst);
     return TOETSWEG() ? "" : sort_letters(tekst, false);
+}
+
+// ---- the indexes that stand
+
+// The names of the sort indexes over DTSER, of this moment.
+std::vector<std::string> sorteerindexen() {
+    std::vector<std::string> uit;
+    char naam[DIRNAAM] = "DTSER.*";
+    if (!DIRECTORY('O', naam, 0))
+        return uit;
+    while (DIRECTORY('N', naam, 0)) {
+        const std::string ext = strrchr(naam, '.') ? strrchr(naam, '.') + 1 : "";
+        if (strncmp(naam, "DTSER.", 6) == 0 && ext != "INX" && ext != "TXT")
+            uit.push_back(naam);
+    }
+    DIRECTORY('C', naam, 0);
+    return uit;
+}
+
+// Is it an index with entries, of that name? Nobody may have it in hand; false with *bezet when somebody has.
+bool is_index(const std::string& naam, bool* bezet) {
+    constexpr int64_t MET_INGANGEN = 3 * IXBLOK;
+    const int fd = SYS.open(naam.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK, 0);
+    if (fd < 0)
+        OPENFAIL(MODULE, naam.c_str());
+    char kop[sizeof IXHEADER::name] = {};
+    const int64_t omvang = SYSOMVANG(fd);
+    const bool er = omvang >= MET_INGANGEN && omvang % IXBLOK == 0 &&
+                    SYSLEES(fd, kop, sizeof kop, 0) == ssize_t{sizeof kop} && VASTGELIJK(kop, naam);
+    *bezet = er && !IOLOCK('T', fd, 0, IXBLOK);
+    SYS.close(fd);
+    return er && !*bezet;
+}
+
+// The key of a record under each of an index' keys: out where `eruit`, else in.
+void index_bij(ICB* icb, int32_t recnr, const Record& rec, bool eruit) {
+    for (int k = 1; k <= icb->h.nkeys; k++) {
+        IXSWITCH(icb, k);
+        icb->currec = icb->insptr = recnr;
+        const int lengte = IXKEYLEN(icb, 0);
+        IXBLDKEY(icb, rec.data(), lengte);
+        const bool er = IXSEARCH(icb, '=', lengte) == recnr;
+        icb->insptr = recnr;
+        if (er && eruit)
+            IXDELENTRY(icb);
+        else if (!er && !eruit)
+            IXINSKEY(icb);
+    }
 }
 
 } // namespace
@@ -128,6 +185,38 @@ std::string sort_titel(const char* bestand) {
     if (fd >= 0)
         SYS.close(fd);
     return er ? VASTTEKST(h.title) : "";
+}
+
+void serie_index_bij(const serrec& oud, const serrec* nieuw) {
+    const std::vector<std::string> namen = sorteerindexen();
+    if (namen.empty())
+        return;
+    Record was{}, wordt{};
+    memcpy(was.data(), &oud, sizeof oud);
+    if (nieuw)
+        memcpy(wordt.data(), nieuw, sizeof *nieuw);
+    int32_t recnr = -1;
+    {
+        const Sleutelstand k1(dtser);
+        for (const Record* rec : {&was, &wordt})
+            if (recnr < 0 && IXEXISTS(dtser, rec->data()))
+                recnr = dtser->currec;
+    }
+    for (const std::string& naam : namen) {
+        bool bezet = false;
+        if (!is_index(naam, &bezet) && !bezet)
+            continue;
+        // Its user goes on with what he has; whoever sorts next makes it anew.
+        if (bezet || IXCHECK(naam.c_str()) < 0) {
+            IOUNLINK(naam.c_str());
+            continue;
+        }
+        ICB* icb = IXOPEN(naam.c_str(), 1);
+        index_bij(icb, recnr, was, true);
+        if (nieuw)
+            index_bij(icb, recnr, wordt, false);
+        IXCLOSE(icb);
+    }
 }
 
 } // namespace zg

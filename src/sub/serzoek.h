@@ -19,5 +19,7 @@ bool sort_volgorde(int rij, int kolom, const char* letters, std::string* volgord
 ICB* sort_index(const char* letters, const char* bestand);
 std::string sort_letters(const std::string& tekst, bool naar_gebruiker);
 std::string sort_titel(const char* bestand);
+// The indexes DTSER.* that stand, after a changed key of a series; null: it is gone. One that is in use, or damaged, goes.
+void serie_index_bij(const serrec& oud, const serrec* nieuw);
 
 } // namespace zg

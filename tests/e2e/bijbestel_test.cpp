@@ -15,7 +15,7 @@ using namespace zg::test;
 namespace {
 
 struct Registermap : DemoMap {
-    Registermap() : DemoMap("data/demo", std::string("--register")) {}
+    Registermap() : DemoMap("data/demo", "--register") {}
     template <class R> std::vector<R> alle(const char* naam) const {
         const std::string bytes = lees_bestand(bestand(naam));
         std::vector<R> uit(bytes.size() / sizeof(R));

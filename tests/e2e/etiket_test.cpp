@@ -10,7 +10,7 @@ namespace {
 
 // A supplier without orders; the data directory between two runs of the program.
 struct Etiketmap : DemoMap {
-    Etiketmap() : DemoMap("data/demo", true) {}
+    Etiketmap() : DemoMap("data/demo", "--empty-register") {}
     Opties opties() const { return demo_opties(*this); }
 
     std::string pad_van(const char* naam) const { return bestand(naam); }

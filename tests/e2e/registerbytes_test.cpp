@@ -66,7 +66,7 @@ std::string blokken(const std::string& serie, int eerste, const std::vector<Stuk
 }
 
 TEST(Registerbytes, TwoOrdersInANewRegister) {
-    DemoMap map("data/demo", true);
+    DemoMap map("data/demo", "--empty-register");
     // Trousers: 54 has come between 46 and 50, and 48 behind 52.
     std::string dtmaat = lees_bestand(map.bestand("DTMAAT.TXT"));
     const size_t heren = dtmaat.find("46 \1") - 18;

@@ -27,7 +27,7 @@ std::vector<int32_t> waarden(const DemoMap& map, int32_t ordernummer) {
 }
 
 TEST(RegisterPrijs, DiscountOnceFromTheHeader) {
-    DemoMap map("data/demo", true);
+    DemoMap map("data/demo", "--empty-register");
     Terminal t({programma("zgbsmenu")}, demo_opties(map));
     naar_seizoen(t);
     t.toetsen("<Enter><Enter>15<Enter>");

