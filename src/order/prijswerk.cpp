@@ -273,6 +273,11 @@ void prijswerk_wis() {
     SYS.unlink(wrk_naam(EXTENSIE_NIEUW).c_str());
 }
 
+bool prijswerk_lees(const std::string& pad, prijswerk* noot) {
+    std::vector<uint8_t> bytes;
+    return lees_bestand(pad, &bytes) && pak_uit(bytes, noot);
+}
+
 bool prijswerk_afmaken() {
     const std::string naam = wrk_naam(EXTENSIE);
     if (!IOEXISTS(naam.c_str())) {

@@ -45,6 +45,8 @@ bool prijswerk_doe(const prijswerk& noot, std::vector<std::string>* anders);
 // The scratch file of the chosen supplier: whole or not there. False: refused, told.
 bool prijswerk_noteer(const prijswerk& noot);
 void prijswerk_wis();
+// Such a file for who only looks; false when it can't be read or isn't whole.
+bool prijswerk_lees(const std::string& pad, prijswerk* noot);
 // Finish what stands in it. True when there is nothing left to do; refused: told, false.
 bool prijswerk_afmaken();
 

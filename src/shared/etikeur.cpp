@@ -6,13 +6,13 @@
 #include "shared/iotab.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
-#include "shared/teksten.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <map>
 
 namespace zg {
 namespace {
@@ -72,11 +72,12 @@ etikeuring::blok lees_uit(const etiblok& b, int32_t nr, const etiketbezoek& bezo
 std::string loop_vrije(etikeuring* k) {
     const sysetiket& t = k->tellers;
     if (t.vrijkop < 0 || t.vrijkop > t.hoogste || t.hoogste > ioeti_hoogste_blok() + 1 ||
-        static_cast<size_t>(t.hoogste) < k->blokken.size())
-        return TXT(T_ETI_TELLERS);
+        static_cast<size_t>(t.hoogste) < k->blokken.size() + k->half)
+        return regel("DTSYS.TXT system record 4: free from block %d, end %d; the file has %zu blocks%s",
+                     t.vrijkop, t.hoogste, k->blokken.size(), k->half ? " and a half" : "");
     for (int32_t nr = t.vrijkop; nr != t.hoogste;) {
         if (!binnen(*k, nr) || bij(k, nr).waar != Etiblok::los || !zelfde_serie(bij(k, nr).serie, {}))
-            return regel("%s (blok %d)", TXT(T_ETI_VRIJKETEN), nr);
+            return regel("free chain: leads to block %d, which isn't a free one", nr);
         bij(k, nr).waar = Etiblok::vrij;
         nr = bij(k, nr).volgende;
     }
@@ -98,8 +99,28 @@ uint64_t sleutel(const seriesleutel& s) {
 bool hoort_bij(const etikeuring& k, const etikeuring::blok& b) {
     const auto keten = k.ketens.find(sleutel(b.serie));
     return b.waar == Etiblok::los &&
-           (b.slecht || (keten != k.ketens.end() && (!keten->second || b.per[ETI_VOORRAAD] ||
-                                                     b.per[ETI_VERKOCHT] || b.per[ETI_CORRECTIE])));
+           (b.slecht || b.breuk ||
+            (keten != k.ketens.end() &&
+             (!keten->second || b.per[ETI_VOORRAAD] || b.per[ETI_VERKOCHT] || b.per[ETI_CORRECTIE])));
+}
+
+// Blocks in no chain, a line a series.
+void meld_verloren(etikeuring* k, const keurmelding& meld) {
+    std::map<uint64_t, std::pair<size_t, int>> per_serie; // first block, how many
+    for (size_t nr = 0; nr < k->blokken.size(); nr++) {
+        const auto& b = k->blokken[nr];
+        if (b.waar != Etiblok::los || (!k->vrijketen_heel && zelfde_serie(b.serie, {})))
+            continue; // in its place, or one of the free ones that can't be walked
+        k->verloren++;
+        per_serie.try_emplace(sleutel(b.serie), nr, 0).first->second.second++;
+    }
+    for (const auto& [serie, waar] : per_serie) {
+        const auto& [nr, aantal] = waar;
+        const std::string meer = aantal > 1 ? regel(" and %d more", aantal - 1) : "";
+        fout(k, meld,
+             regel("block %zu%s: in no chain, of series %s", nr, meer.c_str(),
+                   naam(k->blokken[nr].serie).c_str()));
+    }
 }
 
 } // namespace
@@ -117,6 +138,7 @@ bool etikeur_begin(etikeuring* k, const etiketbezoek& bezoek) {
         const size_t hele = static_cast<size_t>(n) / sizeof(etiblok);
         for (size_t i = 0; i < hele; i++)
             k->blokken.push_back(lees_uit(stuk[i], static_cast<int32_t>(k->blokken.size()), bezoek));
+        k->half = static_cast<size_t>(n) % sizeof(etiblok) != 0;
         if (hele < STUK)
             return true;
         plaats += n;
@@ -125,17 +147,21 @@ bool etikeur_begin(etikeuring* k, const etiketbezoek& bezoek) {
 
 bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const keurmelding& meld) {
     *telling = {};
+    const auto waar = [&rec](int32_t nr) {
+        return regel("series %s, block %d: ", naam(rec.serie).c_str(), nr);
+    };
     std::string reden;
+    bool heel = true;
     int32_t nr = rec.etiketkop;
-    for (; nr != -1 && reden.empty(); nr = bij(k, nr).volgende) {
-        const char* wat = !binnen(*k, nr)                              ? TXT(T_ETI_BUITEN)
-                          : !zelfde_serie(bij(k, nr).serie, rec.serie) ? TXT(T_ETI_NIET_VAN)
-                          : bij(k, nr).waar != Etiblok::los            ? TXT(T_ETI_ROND)
-                                                                       : nullptr;
-        if (wat) {
-            reden = regel("serie %s, blok %d: %s", naam(rec.serie).c_str(), nr, wat);
+    for (; nr != -1; nr = bij(k, nr).volgende) {
+        if (!binnen(*k, nr))
+            reden = "outside the file";
+        else if (!zelfde_serie(bij(k, nr).serie, rec.serie))
+            reden = "is of series " + naam(bij(k, nr).serie);
+        else if (bij(k, nr).waar != Etiblok::los)
+            reden = "the chain goes round";
+        if (!reden.empty())
             break;
-        }
         auto& b = bij(k, nr);
         b.waar = Etiblok::keten;
         telling->in_nota += b.per[ETI_ORDER];
@@ -143,16 +169,21 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
         telling->verkopen += b.per[ETI_VERKOCHT];
         telling->correcties += b.per[ETI_CORRECTIE];
         if (b.slecht)
-            reden = regel("serie %s, blok %d: %s", naam(rec.serie).c_str(), nr, TXT(T_ETI_STATUS));
+            fout(k, meld, waar(nr) + "a label of a status that there isn't");
         if (b.buiten)
-            fout(k, meld, regel("serie %s, blok %d: %s", naam(rec.serie).c_str(), nr, TXT(T_ETI_CEL)));
+            fout(k, meld, waar(nr) + "a label of a size or branch that there isn't");
+        heel = heel && !b.slecht;
     }
     k->labels += telling->in_nota + telling->voorraad + telling->verkopen + telling->correcties;
-    if (!reden.empty())
-        fout(k, meld, reden);
+    if (!reden.empty()) {
+        fout(k, meld, waar(nr) + reden);
+        heel = false;
+        if (binnen(*k, nr) && !zelfde_serie(bij(k, nr).serie, {}))
+            bij(k, nr).breuk = true;
+    }
     if (rec.etiketkop != -1)
-        k->ketens[sleutel(rec.serie)] = reden.empty();
-    return reden.empty();
+        k->ketens[sleutel(rec.serie)] = heel;
+    return heel;
 }
 
 void etikeur_einde(etikeuring* k, const keurmelding& meld) {
@@ -161,14 +192,10 @@ void etikeur_einde(etikeuring* k, const keurmelding& meld) {
     if (!reden.empty())
         fout(k, meld, reden);
     else if (tel(*k, Etiblok::vrij) != k->tellers.vrij)
-        fout(k, meld, regel(TXT(T_ETI_AANTAL_VRIJ), tel(*k, Etiblok::vrij), k->tellers.vrij));
-    for (size_t nr = 0; nr < k->blokken.size(); nr++) {
-        const auto& b = k->blokken[nr];
-        if (b.waar != Etiblok::los || (!k->vrijketen_heel && zelfde_serie(b.serie, {})))
-            continue; // in its place, or one of the free ones that can't be walked
-        k->verloren++;
-        fout(k, meld, regel(TXT(T_ETI_VERLOREN), static_cast<int>(nr), naam(b.serie).c_str()));
-    }
+        fout(k, meld,
+             regel("DTSYS.TXT system record 4: %d free blocks, counted are %d", tel(*k, Etiblok::vrij),
+                   k->tellers.vrij));
+    meld_verloren(k, meld);
 }
 
 bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
@@ -176,9 +203,10 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     if (!k->vrijketen_heel) {
         if (std::any_of(k->blokken.begin(), k->blokken.end(),
                         [k](const auto& b) { return hoort_bij(*k, b); })) {
-            meld(TXT(T_ETI_NIET_HERSTELD));
+            meld("DTETI: free blocks are not given back before the chains of the series are whole");
             return false;
         }
+        meld("DTETI: the free chain was made anew");
         // Blocks that were given out and never written lie behind the file: their numbers are left.
         const auto in_bestand = static_cast<int32_t>(eti::blokken());
         if (t.hoogste < in_bestand || t.hoogste > ioeti_hoogste_blok() + 1)
@@ -196,7 +224,8 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
         if (b.waar != Etiblok::los)
             continue;
         if (hoort_bij(*k, b)) {
-            meld(regel(TXT(T_ETI_BLIJFT), static_cast<int>(i), naam(b.serie).c_str()));
+            meld(regel("DTETI: block %zu of series %s stays: there are labels in it", i,
+                       naam(b.serie).c_str()));
             continue;
         }
         etiblok leeg{};
@@ -219,6 +248,11 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
 
 int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld) {
     int64_t fouten = 0;
+    const auto kwaal = [&](const std::string& tekst) {
+        fouten++;
+        if (!herstel)
+            meld(tekst);
+    };
     uint32_t hoogste = 0;
     uint8_t buffer[IXRECMAX + 1] = {};
     eanrec rec;
@@ -233,36 +267,39 @@ int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmeld
         const seriesleutel serie = {rec.artikelgroep, rec.kleur, rec.volgnummer};
         const int staat = rec.soort == 'M' ? heeft(serie, rec.maat) : 1;
         if (!ean_geldig(code.c_str())) {
-            fouten++;
-            meld(regel("<%s> %s", code.c_str(), TXT(T_EAN_ONGELDIG)));
+            kwaal("code " + code + ": not a valid one");
         } else if (!code.compare(0, 4, EIGEN)) {
             hoogste = std::max(hoogste, static_cast<uint32_t>(std::stoul(code.substr(4, 8))));
         }
         if (staat > 0)
             continue;
-        fouten++;
-        meld(regel(staat < 0 ? TXT(T_EAN_SERIE_WEG) : TXT(T_EAN_MAAT_WEG), code.c_str(), naam(serie).c_str(),
-                   rec.maat));
+        kwaal(regel(staat < 0 ? "code %s: of series %s, which isn't there (size %d)"
+                              : "code %s: series %s doesn't have size %d",
+                    code.c_str(), naam(serie).c_str(), rec.maat));
         if (!herstel || staat >= 0)
             continue;
         const int vast = IXREADL(dtean, buffer);
-        if (vast == 1)
-            IXDELETE(dtean, buffer);
-        else if (!vast)
+        if (vast < 0 || (vast == 1 && IXDELETE(dtean, buffer) != 0))
+            return -1;
+        if (!vast)
             IXUNLOCK(dtean, buffer);
+        meld("DTEAN: code " + code + " deleted, its series isn't there");
     }
     systeller teller;
     int32_t nr = EANTELLER;
     iotab('R', &nr, &teller, SYS_RECORD);
     if (static_cast<uint32_t>(teller.laatste) >= hoogste)
         return fouten;
-    meld(regel(TXT(T_EAN_TELLER), static_cast<uint32_t>(teller.laatste), hoogste));
+    kwaal(regel("DTSYS.TXT system record 14: the last code is %u, there is one of %u",
+                static_cast<uint32_t>(teller.laatste), hoogste));
     if (herstel) {
         iotab('X', &nr, &teller, SYS_RECORD);
         teller.laatste = static_cast<int32_t>(hoogste);
-        iotab('W', &nr, &teller, SYS_RECORD);
+        if (!iotab('W', &nr, &teller, SYS_RECORD))
+            return -1;
+        meld(regel("DTEAN: the last code is %u", hoogste));
     }
-    return fouten + 1;
+    return fouten;
 }
 
 } // namespace zg

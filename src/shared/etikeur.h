@@ -13,7 +13,8 @@ namespace zg {
 
 struct ICB;
 
-using keurmelding = std::function<void(const std::string& regel)>; // one finding, Dutch, with block or series
+using keurmelding =
+    std::function<void(const std::string& regel)>; // one finding, in English, with block or series
 
 struct etitelling { // labels of a series by status
     int32_t in_nota, voorraad, verkopen, correcties;
@@ -28,8 +29,10 @@ struct etikeuring {
         uint8_t slecht; // places with a status above 4
         uint8_t per[5]; // places by status
         uint8_t buiten; // labels of a size or branch that there isn't
+        bool breuk;     // a series' chain breaks here
     };
     std::vector<blok> blokken;
+    bool half;                                 // the file ends inside one more
     std::unordered_map<uint64_t, bool> ketens; // of the series with one: is it whole?
     sysetiket tellers;
     bool vrijketen_heel; // the free chain and its counters agree, but for the count of blocks
@@ -50,7 +53,8 @@ void etikeur_einde(etikeuring* k, const keurmelding& meld);
 bool etikeur_herstel(etikeuring* k, const keurmelding& meld);
 
 // All codes of DTEAN: valid, unique by size, of a series that has the size (`heeft`), below the counter. How many aren't.
-// With `herstel` those of series that are gone are deleted, and a counter that lies behind is moved.
+// With `herstel` those of series that are gone are deleted, and a counter that lies behind is moved; `meld` gets what was
+// done then, and -1 is the answer where the disk refused, which was told.
 using keurserie =
     std::function<int(const seriesleutel& serie, uint8_t maat)>; // 1 has the size, 0 not, -1 no series
 int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld);

@@ -15,8 +15,8 @@ std::string in_record(int32_t nr, const std::string& wat) {
 }
 
 std::string naam(const prijsset& s) {
-    return "DTIPA " + std::to_string(s.serie.artikelgroep) + "." + std::to_string(s.serie.kleur) + "." +
-           std::to_string(s.serie.volgnummer) + " set " + std::to_string(s.setnr) + " until " +
+    return "series " + std::to_string(s.serie.artikelgroep) + "." + std::to_string(s.serie.kleur) + "." +
+           std::to_string(s.serie.volgnummer) + ", set " + std::to_string(s.setnr) + " until " +
            std::to_string(s.tot) + ": ";
 }
 
@@ -57,12 +57,15 @@ void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
             if (static_cast<size_t>(r.nr) >= stand->bezit.size()) // written since the file was measured
                 stand->bezit.resize(static_cast<size_t>(r.nr) + 1, NIEMAND);
             Bezit& b = stand->bezit[static_cast<size_t>(r.nr)];
-            if (b != NIEMAND)
-                kwaal(in_record(r.nr, "is in a second chain"));
+            if (b != NIEMAND) { // told already when the chain goes round
+                if (fout == Inkfout::geen)
+                    kwaal(in_record(r.nr, "is in a second chain"));
+                break;
+            }
             b = SET;
+            stand->telling.groepen++;
         }
         stand->telling.sets++;
-        stand->telling.groepen += static_cast<int64_t>(keten.size());
         if (set.van > set.tot)
             kwaal("begins after its last day");
         else if (stand->telling.sets > 1 && zelfde_serie(set.serie, vorige.serie) &&

@@ -1,5 +1,6 @@
 // ixremake: the index of pairs rebuilt from their data files, in exclusive use.
 #include "shared/files.h"
+#include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "shared/woordenboek.h"
@@ -7,11 +8,13 @@
 #include "store/node.h"
 #include "store/rebuild.h"
 #include "store/wachtrij.h"
+#include "sub/omserie.h"
 #include "term/natl.h"
 #include "tools/opdracht.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 
 namespace zg {
 
@@ -108,6 +111,31 @@ int64_t wie_werkt(const std::string& naam) {
     return pid;
 }
 
+// Of the reserved keys of a series file the first that the notes of a user at work name: the series that he is making.
+// Empty when there is none.
+std::string levend_nummer(const std::string& naam, const std::vector<std::string>& gereserveerd) {
+    std::error_code fout;
+    const auto hier = std::filesystem::current_path(fout);
+    const std::string map = naam.substr(0, naam.rfind('/') + 1);
+    if (tabelnaam(naam) != "DTSER" || !IOEXISTS((map + "DTSYS.TXT").c_str()) || fout)
+        return {};
+    if (!map.empty())
+        std::filesystem::current_path(map, fout);
+    int32_t nr = 0;
+    iotab('O', &nr, nullptr, SYS_RECORD);
+    std::string uit;
+    for (const std::string& s : gereserveerd) {
+        int32_t groep;
+        uint16_t kleur, volg;
+        if (sscanf(s.c_str(), "%d %hu %hu", &groep, &kleur, &volg) == 3 &&
+            serie_nummer_levend({groep, kleur, volg}))
+            uit = s;
+    }
+    iotab('C', &nr, nullptr, SYS_RECORD);
+    std::filesystem::current_path(hier, fout);
+    return uit;
+}
+
 // The bytes behind the last whole record into a file beside, and off: what a program left that was killed inside a
 // write. Nobody else may be in the pair meanwhile.
 int kap_af(const Paar& paar, int reclen) {
@@ -162,6 +190,10 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
             return klacht(naam, "not rebuilt: " + wie + " and these keys may be his; --force clears them"),
                    IN_GEBRUIK;
         }
+    if (const std::string s = levend_nummer(naam, p->gereserveerd); !s.empty())
+        return klacht(naam,
+                      "not rebuilt: key " + s + " is reserved by a user at work, who is making that series"),
+               IN_GEBRUIK;
     return rest ? kap_af(paar, p->kop.reclen) : GOED;
 }
 

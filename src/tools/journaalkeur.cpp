@@ -4,6 +4,7 @@
 #include "order/ordcheck.h"
 #include "order/ordloop.h"
 #include "order/ordrec.h"
+#include "order/prijswerk.h"
 #include "shared/files.h"
 #include <algorithm>
 #include <cctype>
@@ -29,9 +30,16 @@ bool cijfers(const std::string& s, size_t van, size_t n) {
 bool is_seizoen(const std::string& naam) {
     return naam.size() == 5 && cijfers(naam, 0, 4) && isupper(static_cast<unsigned char>(naam[4]));
 }
-bool is_journaal(const std::string& naam) {
-    return naam.starts_with("ORD") && naam.ends_with(".JRN") && naam.size() > 7 &&
+// Of a supplier, with that extension.
+bool is_van(const std::string& naam, const char* ext) {
+    return naam.starts_with("ORD") && naam.ends_with(ext) && naam.size() > 7 &&
            cijfers(naam, 3, naam.size() - 7);
+}
+bool is_journaal(const std::string& naam) {
+    return is_van(naam, ".JRN");
+}
+uint16_t leverancier_van(const std::string& naam) {
+    return static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10));
 }
 
 std::vector<std::string> namen_in(const std::string& map, bool (*soort)(const std::string&)) {
@@ -88,8 +96,10 @@ void lees_journaal(const std::string& map, const std::string& naam, int filialen
     const std::string pad = map + "/" + naam, wrk = pad.substr(0, pad.size() - 3) + "WRK";
     const Bestand b(pad);
     if (b.fd < 0) {
-        if (errno != ENOENT) // an emptied one went meanwhile
-            j->kwalen.push_back(pad + ": " + strerror(errno));
+        if (errno == ENOENT) // an emptied one went meanwhile
+            return;
+        j->kwalen.push_back(pad + ": " + strerror(errno));
+        j->leveranciers_stuk.insert(leverancier_van(naam));
         return;
     }
     bool in_hand = !IOLOCK('T', b.fd, 0, 1);
@@ -100,12 +110,27 @@ void lees_journaal(const std::string& map, const std::string& naam, int filialen
         j->noten.push_back(wrk + ": a broken-off order, restored when the supplier is chosen again");
     }
     ordtelling telling;
-    for (const ordkwaal& k : ord_controle(b.fd, ORD_JOURNAAL, filialen, &telling))
+    for (const ordkwaal& k : ord_controle(b.fd, ORD_JOURNAAL, filialen, &telling)) {
         (in_hand ? j->noten : j->kwalen).push_back(pad + " at " + std::to_string(k.pos) + ": " + k.wat);
+        j->leveranciers_stuk.insert(leverancier_van(naam));
+    }
     j->bestanden++;
     orders_van(b.fd, pad, in_hand, j);
     if (in_hand)
-        j->leveranciers_in_hand.insert(static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10)));
+        j->leveranciers_in_hand.insert(leverancier_van(naam));
+}
+
+// A change of prices that was noted and isn't finished.
+void lees_prijswerk(const std::string& map, const std::string& naam, journalen* j) {
+    const std::string pad = map + "/" + naam;
+    prijswerk noot;
+    if (!prijswerk_lees(pad, &noot)) {
+        if (IOEXISTS(pad.c_str())) // else it was finished meanwhile
+            j->kwalen.push_back(pad + ": damaged: which prices were to change can't be told");
+        return;
+    }
+    j->noten.push_back(pad + ": prices of " + std::to_string(noot.series.size()) +
+                       " series half changed, finished when the supplier is chosen again");
 }
 
 } // namespace
@@ -124,10 +149,11 @@ journalen journalen_lees(int filialen) {
         for (const std::string& naam : namen_in(map, is_journaal))
             lees_journaal(map, naam, filialen, &j);
         // A new order of a supplier without a journal has a work file alone until its commit.
-        for (const std::string& naam :
-             namen_in(map, [](const std::string& n) { return n.ends_with(".WRK"); }))
-            if (IOSIZE((map + "/" + naam).c_str()) > 0 && naam.starts_with("ORD"))
-                j.leveranciers_in_hand.insert(static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10)));
+        for (const std::string& naam : namen_in(map, [](const std::string& n) { return is_van(n, ".WRK"); }))
+            if (IOSIZE((map + "/" + naam).c_str()) > 0)
+                j.leveranciers_in_hand.insert(leverancier_van(naam));
+        for (const std::string& naam : namen_in(map, [](const std::string& n) { return is_van(n, ".PRS"); }))
+            lees_prijswerk(map, naam, &j);
     }
     return j;
 }

@@ -24,6 +24,7 @@ struct journalen {
     std::vector<journaalorder> orders;
     std::set<std::pair<uint16_t, char>> seizoenen; // season directories
     std::set<uint16_t> leveranciers_in_hand;
+    std::set<uint16_t> leveranciers_stuk; // a journal is damaged, and may hold more orders than were found
     int64_t bestanden = 0, regels = 0;
     std::vector<std::string> kwalen, noten;
 };

