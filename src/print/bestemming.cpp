@@ -2,6 +2,7 @@
 #include "print/bestemlijst.h"
 #include "print/printjob.h"
 #include "print/printtabel.h"
+#include "print/spooljob.h"
 #include "print/teksten.h"
 #include "shared/files.h"
 #include "shared/syscalls.h"
@@ -262,7 +263,8 @@ int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const
         const std::string pad = IOTMPNAM(map.empty() && naar ? "/" : map.c_str(), "PR");
         if (pad.empty())
             break;
-        open = prt_job_open(job, pad);
+        errno = EEXIST;
+        open = spool_vrij(pad) && prt_job_open(job, pad);
     }
     if (!open) {
         weigering(job.apparaat);

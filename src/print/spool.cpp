@@ -5,7 +5,6 @@
 #include "print/spooljob.h"
 #include "print/teksten.h"
 #include "shared/files.h"
-#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "term/prompt.h"
@@ -66,12 +65,12 @@ bool geef_af(const printjob& job, bool wacht) {
     spooljob s = beschrijf(job);
     const int fd = spool_maak(s);
     if (fd < 0)
-        return mislukt(job, IOREDEN(errno), job.spool);
+        return mislukt(job, spool_reden(errno), job.spool);
     bool goed = spool_start(fd, s, wacht);
     if (!goed) {
         if (errno) {
             s.stand = Spoolstand::fout;
-            s.reden = std::string(TXT(T_PRT_GEEN_ZENDER)) + " (" + IOREDEN(errno) + ")";
+            s.reden = std::string(TXT(T_PRT_GEEN_ZENDER)) + " (" + spool_reden(errno) + ")";
         } else
             spool_lees(fd, spool_beschrijving(s.spool), &s);
         s.gemeld = true;
@@ -88,13 +87,13 @@ bool geef_door(const printjob& job) {
     spooljob s = beschrijf(job);
     const int fd = spool_maak(s);
     if (fd < 0)
-        return mislukt(job, IOREDEN(errno), job.spool);
+        return mislukt(job, spool_reden(errno), job.spool);
     const bool goed = prt_doorgeef(fd, &s);
     if (goed)
         spool_weg(s);
     else {
         s.stand = Spoolstand::fout;
-        s.reden = IOREDEN(errno);
+        s.reden = spool_reden(errno);
         s.gemeld = true;
         spool_schrijf_stand(fd, s);
         mislukt(job, s.reden, s.spool);
@@ -113,7 +112,7 @@ bool prt_verzend(const printjob& job) {
     case Printweg::bestand:
         if (job.tekens != "cp850")
             return geef_af(job, true);
-        return spool_plaats(job.spool, job.apparaat, job.over) || mislukt(job, IOREDEN(errno), job.spool);
+        return spool_plaats(job.spool, job.apparaat, job.over) || mislukt(job, spool_reden(errno), job.spool);
     case Printweg::wachtrij:
     case Printweg::apparaat:
     case Printweg::map:
@@ -137,7 +136,7 @@ int XPRT_CLOSE() {
         break;
     case Jobeind::fout:
         IOUNLINK(job.spool.c_str()); // half a report is no use, and the disk may need the room
-        mislukt(job, IOREDEN(job.fout), "");
+        mislukt(job, spool_reden(job.fout), "");
         antwoord = 0;
         break;
     case Jobeind::klaar:
@@ -159,9 +158,11 @@ int XPRT_CLOSE() {
 
 void prt_meld_mislukt() {
     if (!gezocht && sessie) {
-        for (const spooljob& job : spool_achtergebleven(""))
-            if (job.sessie == sessie && !job.gemeld)
-                onderweg.push_back(spool_beschrijving(job.spool));
+        onderweg.clear(); // they are among these
+        for (const std::string& beschrijving : spool_beschrijvingen(""))
+            if (spooljob job;
+                spool_kijk(beschrijving, &job) != Spoolpad::weg && job.sessie == sessie && !job.gemeld)
+                onderweg.push_back(beschrijving);
         gezocht = true;
     }
     for (const std::string& beschrijving : std::exchange(onderweg, {})) {

@@ -1,7 +1,9 @@
 // The description of a job that has been handed over, what is left behind, and the start of the program that sends it.
 #include "print/spooljob.h"
 #include "print/printtabel.h"
+#include "print/teksten.h"
 #include "shared/files.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include <algorithm>
 #include <cerrno>
@@ -202,10 +204,8 @@ int spool_neem(const std::string& beschrijving, spooljob* job) {
     const int fd = SYS.open(beschrijving.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
     if (fd < 0)
         return -1;
-    int fout = 0;
-    if (!IOLOCKERF(fd))
-        fout = errno;
-    else if (!spool_lees(fd, beschrijving, job))
+    int fout = IOLOCKERF(fd) ? 0 : errno;
+    if (!spool_lees(fd, beschrijving, job))
         fout = EINVAL;
     if (!fout)
         return fd;
@@ -258,24 +258,42 @@ Spoolpad spool_kijk(const std::string& beschrijving, spooljob* job) {
     return uit ? Spoolpad::weg : Spoolpad::blijft;
 }
 
-std::vector<spooljob> spool_achtergebleven(const std::string& map) {
-    std::vector<spooljob> uit;
+bool spool_vrij(const std::string& spool) {
+    const std::string beschrijving = spool_beschrijving(spool);
+    spooljob job;
+    if (IOEXISTS(beschrijving.c_str()))
+        spool_kijk(beschrijving, &job); // of one that is out it goes
+    return !IOEXISTS(beschrijving.c_str());
+}
+
+std::vector<std::string> spool_beschrijvingen(const std::string& map) {
+    std::vector<std::string> uit;
     char naam[DIRNAAM];
     snprintf(naam, sizeof naam, "%sPR????%s", map.c_str(), STAART);
     if (!DIRECTORY('O', naam, 0))
         return uit;
-    std::vector<std::string> namen;
     while (DIRECTORY('N', naam, 0))
-        namen.push_back(naam);
+        uit.push_back(naam);
     DIRECTORY('C', naam, 0);
-    for (const std::string& n : namen) {
-        spooljob job;
-        if (spool_kijk(n, &job) == Spoolpad::blijft)
+    return uit;
+}
+
+std::vector<spooljob> spool_achtergebleven(const std::string& map) {
+    std::vector<spooljob> uit;
+    for (const std::string& n : spool_beschrijvingen(map))
+        if (spooljob job; spool_kijk(n, &job) == Spoolpad::blijft)
             uit.push_back(job);
-    }
     std::stable_sort(uit.begin(), uit.end(),
                      [](const spooljob& a, const spooljob& b) { return a.tijd < b.tijd; });
     return uit;
+}
+
+const char* spool_reden(int fout) {
+    return fout == EEXIST   ? TXT(T_PRT_BESTAAT_AL)
+           : fout == ENODEV ? TXT(T_PRT_GEEN_APPARAAT)
+           : fout == EPIPE  ? TXT(T_PRT_ONTVANGER_WEG)
+           : fout           ? IOREDEN(fout)
+                            : "";
 }
 
 bool spool_start(int fd, const spooljob& job, bool wacht) {

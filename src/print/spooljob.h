@@ -37,12 +37,15 @@ std::string spool_bestand(const std::string& beschrijving);
 
 // Write the description of a job, which must not have one, and lock it: the descriptor, or -1 with errno and nothing there.
 int spool_maak(const spooljob& job);
-// Open a description and lock it. -1 with errno: EAGAIN when its job is being sent, EINVAL when it is none.
+// Open a description and lock it. -1 with errno: EAGAIN when its job is being sent (it is read all the same), EINVAL when it
+// is none.
 int spool_neem(const std::string& beschrijving, spooljob* job);
 // Read it off an open descriptor; false when it isn't one.
 bool spool_lees(int fd, const std::string& beschrijving, spooljob* job);
 // The state of the job, in place.
 bool spool_schrijf_stand(int fd, const spooljob& job);
+// May a new spool file have this name? Not while there is a description of that name, which would count as its own.
+bool spool_vrij(const std::string& spool);
 // All that is there of the job, its description last.
 void spool_weg(const spooljob& job);
 // Path of a file of the job's own that goes with it: the report as it is sent.
@@ -52,12 +55,16 @@ std::string spool_naast(const spooljob& job, const char* soort);
 // and it still has its own name.
 bool spool_plaats(const std::string& van, const std::string& naar, bool over);
 
-// The jobs of a directory that nobody sends, oldest first; what is there of one that is out goes on the way. `map` is
-// empty or ends in a '/'.
+// The descriptions in a directory; `map` is empty or ends in a '/'.
+std::vector<std::string> spool_beschrijvingen(const std::string& map);
+// The jobs that nobody sends, oldest first; what is there of one that is out goes on the way.
 std::vector<spooljob> spool_achtergebleven(const std::string& map);
 enum class Spoolpad { weg, bezig, blijft };
-// How is it with the job of a description? `blijft`: left behind, and read.
+// How is it with the job of a description? `bezig` and `blijft` (left behind) are read; `weg`: it is out, or no description.
 Spoolpad spool_kijk(const std::string& beschrijving, spooljob* job);
+
+// Why a call failed, for people.
+const char* spool_reden(int fout);
 
 // Run zgspoel on a description; `fd` is its lock, which stays open here. False with errno when it can't be run, or,
 // where the end is waited for, when the job isn't out (errno 0, the reason is in the description).

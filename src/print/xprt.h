@@ -33,9 +33,9 @@ enum Printmasker : uint16_t {
 // `titel` names the job in a queue; `bestand` is the file for PRT_BESTAND, else null. A second job stops with the
 // report (1, 199). A code of 0 without PRT_BESTAND is a preview.
 int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const char* titel);
-// Close it: what is left is flushed, and the report goes where it should, or nowhere when it is empty. 1: sent, printed to
-// its file, or refused in the preview; 0: something went wrong, which was told; the report is kept then. Without an open
-// job the report (1, 200).
+// Close it: what is left is flushed, and the report goes where it should, or nowhere when it is empty. 1: handed over,
+// printed to its file, or refused in the preview; 0: something went wrong, which was told; the report is kept then, if it is
+// whole. What goes wrong behind a hand-over is told by prt_meld_mislukt. Without an open job the report (1, 200).
 int XPRT_CLOSE();
 void XPRT_STAAK(); // give the job up: nothing is sent, nothing is left
 
