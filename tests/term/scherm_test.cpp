@@ -126,7 +126,7 @@ TEST(Scherm, LockedWhilePrinting) {
     std::string u = t.uitvoer();
     size_t van = u.find("<<");
     EXPECT_EQ(u.substr(van, u.find(">>") - van), "<<") << "went to the printer";
-    EXPECT_EQ(u.find("\x1b[4i"), u.find(">>") + 2) << "the printer port is closed first";
+    EXPECT_EQ(u.find("\x1b[4i", van), u.find(">>") + 2) << "the printer port is closed first";
     t.stuur("\r");
     EXPECT_EQ(t.einde(), 1);
 }
