@@ -3,7 +3,6 @@
 #include "print/doorgeef.h"
 #include "shared/syscalls.h"
 #include "term/poort.h"
-#include "term/prompt.h"
 #include "term/uitvoer.h"
 #include <algorithm>
 #include <cerrno>
@@ -32,19 +31,32 @@ template <class F> Einde blokken(int fd, int64_t van, int64_t tot, F naar) {
     return Einde::klaar;
 }
 
+// In blocks of bytes as they go out, whatever they were before; a keyboard that is looked at too soon would take keys that
+// are for the screen behind a short report.
 Einde naar_poort(const spooljob& job, int fd) {
-    auto schrijf = [](const std::string& bytes) {
+    std::string uit;
+    auto stuur = [&](size_t n) {
         XLPR(true);
-        SCHRIJFUIT(bytes.data(), bytes.size());
+        SCHRIJFUIT(uit.data(), n);
         XLPR(false);
-        return !ONDERBREKEN();
+        uit.erase(0, n);
+        return !XPRT_STOP();
     };
-    auto zo = [&](const char* b, size_t n) { return schrijf({b, n}); };
-    auto om = [&](const char* b, size_t n) { return schrijf(prt_omzet({b, n}, job.tekens)); };
+    auto voeg = [&](const std::string& bytes) {
+        uit += bytes;
+        bool door = true;
+        while (door && uit.size() >= BLOK)
+            door = stuur(BLOK);
+        return door;
+    };
+    auto zo = [&](const char* b, size_t n) { return voeg({b, n}); };
+    auto om = [&](const char* b, size_t n) { return voeg(prt_omzet({b, n}, job.tekens)); };
     Einde e = blokken(fd, 0, job.begin, zo);
     if (e == Einde::klaar)
         e = blokken(fd, job.begin, job.eind, om);
-    return e == Einde::klaar ? blokken(fd, job.eind, SYSOMVANG(fd), zo) : e;
+    if (e == Einde::klaar)
+        e = blokken(fd, job.eind, SYSOMVANG(fd), zo);
+    return e == Einde::klaar && !uit.empty() && !stuur(uit.size()) ? Einde::gestopt : e;
 }
 
 } // namespace
