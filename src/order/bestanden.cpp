@@ -47,7 +47,7 @@ const Bestand BESTANDEN[] = {
 
 } // namespace
 
-void bestanden_open() {
+void bestanden_open(bool lezen) {
     stam_houder(stam_vergeet);
     for (const Bestand& b : BESTANDEN) {
         if (!stam_aanwezig(b.naam)) {
@@ -56,11 +56,11 @@ void bestanden_open() {
             errno = ENOENT;
             OPENFAIL("zgbestel", b.naam);
         }
-        *b.icb = IXOPEN(b.naam, b.modus);
+        *b.icb = IXOPEN(b.naam, lezen ? 0 : b.modus);
     }
     koers_open();
     if (registermodus)
-        register_open();
+        register_open(lezen);
 }
 
 void bestanden_sluit() {

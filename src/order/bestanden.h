@@ -17,8 +17,8 @@ void stam_vergeet();
 void regelstam_vergeet();
 
 // Open them all, in the order and modes that the sibling programs know. A pair that isn't there stops the
-// program with "Open niet gelukt".
-void bestanden_open();
+// program with "Open niet gelukt". `lezen`: who only reads, and cleans nothing up.
+void bestanden_open(bool lezen = false);
 void bestanden_sluit();
 
 } // namespace zg

@@ -6,6 +6,7 @@
 #include "order/kop.h"
 #include "order/matrix.h"
 #include "order/prijswerk.h"
+#include "order/printorder.h"
 #include "order/programma.h"
 #include "order/regelstam.h"
 #include "order/register.h"
@@ -42,7 +43,16 @@ enum Hoofdkeuze {
     H_VERWIJDEREN,
     H_AANTAL
 };
-enum Itemkeuze { I_ORDER, I_LEVERANCIER, I_MODEL, I_DESSIN, I_PRIJSINFO, I_AANTALLEN, I_AANTAL };
+enum Itemkeuze {
+    I_ORDER,
+    I_LEVERANCIER,
+    I_MODEL,
+    I_DESSIN,
+    I_PRIJSINFO,
+    I_AANTALLEN,
+    I_AFDRUKKEN, // of what is looked at
+    I_AANTAL
+};
 
 const char* hoofdtekst(int k) {
     static const Tekst* const T[H_AANTAL] = {&T_H_TOEVOEGEN,  &T_H_RAADPLEGEN,   &T_H_MATRIX,
@@ -52,8 +62,8 @@ const char* hoofdtekst(int k) {
 }
 
 const char* itemtekst(int k) {
-    static const Tekst* const T[I_AANTAL] = {&T_I_ORDER,  &T_I_LEVERANCIER, &T_I_MODEL,
-                                             &T_I_DESSIN, &T_I_PRIJSINFO,   &T_I_AANTALLEN};
+    static const Tekst* const T[I_AANTAL] = {&T_I_ORDER,     &T_I_LEVERANCIER, &T_I_MODEL,    &T_I_DESSIN,
+                                             &T_I_PRIJSINFO, &T_I_AANTALLEN,   &T_I_AFDRUKKEN};
     return k >= 0 && k < I_AANTAL ? TXT(*T[k]) : nullptr;
 }
 
@@ -217,12 +227,12 @@ bool toegankelijk() {
     return regel_bereikbaar;
 }
 
-void item_menu() {
+void item_menu(bool lezen) {
     KEUZESTART(itemtekst);
     KEUZEAAN(I_ORDER);
     KEUZEAAN(I_LEVERANCIER);
     if (aantal_regels > 0)
-        for (int k = I_MODEL; k < I_AANTAL; k++)
+        for (int k = I_MODEL; k < (lezen ? I_AANTAL : I_AFDRUKKEN); k++)
             KEUZEAAN(k);
 }
 
@@ -242,6 +252,10 @@ bool doe_regel(int keus, bool lezen) {
 
 // What an item of the sub-menu does; true when the line changed: *prijzen are those that it had.
 bool doe_item(int keus, bool lezen, prijsrijen* prijzen) {
+    if (keus == I_AFDRUKKEN) {
+        order_afdrukken(MENURIJ);
+        return false;
+    }
     if (keus >= I_MODEL) {
         if (!lezen && regel_bereikbaar)
             vergrendel();
@@ -270,7 +284,7 @@ bool doe_item(int keus, bool lezen, prijsrijen* prijzen) {
 
 // "&Raadplegen" and "&Wijzigen": one choice of the sub-menu. As doe_item.
 bool order_item(bool lezen, prijsrijen* prijzen) {
-    item_menu();
+    item_menu(lezen);
     TOETSAAN(K_CANCEL);
     int keus = KEUZE(MENURIJ, 1);
     return keus >= 0 && doe_item(keus, lezen, prijzen);
@@ -418,7 +432,7 @@ void order_scherm() {
             laad(blad.ingang(), &totaal);
         geladen = blad.cursor;
         if (order_alleen_lezen)
-            item_menu();
+            item_menu(true);
         else
             hoofd_menu();
         blad.toetsen_aan();

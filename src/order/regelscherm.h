@@ -32,6 +32,8 @@ std::string regel_bedrag(const std::string& valuta, int64_t waarde, size_t breed
 // Text of a line on the screen, 78 characters from column 2, whatever the amounts: `herhaald` when the row above
 // shows the same model.
 const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang);
+// What stands for a line whose series has gone; `andere`: its number is another's by now.
+std::string regel_verwijderd(const orderregel& regel, bool andere);
 // The rate that `kop` holds; 0 is the rate of the day. A unit of 0, stored by others, counts as 1.
 double order_koers();
 // Currency, rate, surcharge and discount of `kop` as the context of prices; a rate of the day is looked up here

@@ -36,16 +36,15 @@ std::string ordervaluta() {
     return valuta_of_thuis(std::string(kop.valuta, sizeof kop.valuta).c_str());
 }
 
-// What stands for a line whose series has gone.
-std::string verwijderd(const orderregel& r, bool andere) {
+} // namespace
+
+std::string regel_verwijderd(const orderregel& r, bool andere) {
     char nummer[32], tekst[96];
     snprintf(nummer, sizeof nummer, "%d.%u.%u", r.model.artikelgroep, r.dessin.kleur, r.dessin.volgnummer);
     snprintf(tekst, sizeof tekst, " *%-27.27s %s%s*", nummer, andere ? TXT(T_ORIGINELE) : " ",
              TXT(T_SERIE_VERWIJDERD));
     return tekst;
 }
-
-} // namespace
 
 std::string regel_getal(int64_t waarde, size_t breedte) {
     std::string tekst = std::to_string(waarde);
@@ -72,7 +71,7 @@ const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang
         const Serie serie = serie_laad(&r, false, false);
         if (serie == Serie::weg || serie == Serie::andere) {
             snprintf(tekst, sizeof tekst, "%-*.*s", REGELBREEDTE, REGELBREEDTE,
-                     verwijderd(r, serie == Serie::andere).c_str());
+                     regel_verwijderd(r, serie == Serie::andere).c_str());
             return tekst;
         }
     }

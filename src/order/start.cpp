@@ -4,6 +4,7 @@
 #include "order/programma.h"
 #include "order/regelstam.h"
 #include "order/teksten.h"
+#include "print/xprt.h"
 #include "shared/houder.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
@@ -118,6 +119,7 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     IXWAITHOOK = houder_wacht;
     BATCHTERUG = terug_naar_menu;
     STELSELHAAK = stelsel_in_gebruik;
+    XPRT_LIJSTUIT(false); // a report that was asked for gets a destination
     BEZIGAAN();
 }
 

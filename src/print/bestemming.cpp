@@ -29,6 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int SCHERMRIJEN = 64;
+constexpr int STAANDBREEDTE = 80; // a file that is a PDF: wider ones lie
 constexpr size_t BESTANDMAX = 39;
 constexpr char UITMAP[] = "uit"; // files without a directory
 constexpr int NAMEN = 20;        // tries of a spool file's name
@@ -130,6 +131,7 @@ bool naar_bestand(const char* bestand, uint16_t masker, printjob* job) {
     default:
         job->kolommen = SCHERM.bestaat ? XPRT_BREEDTE(masker) : prt_breedste(masker);
     }
+    job->staand = job->kolommen <= STAANDBREEDTE;
     return true;
 }
 
@@ -192,7 +194,13 @@ bool zoek(const printwens& wens, uint16_t masker, const printtabellen& t, printj
     return true;
 }
 
+bool pdf_naam(const std::string& naam) {
+    return naam.size() > 4 && strcasecmp(naam.c_str() + naam.size() - 4, ".pdf") == 0;
+}
+
 std::string tekens_van(const printjob& job) {
+    if (job.weg == Printweg::bestand)
+        return pdf_naam(job.apparaat) ? "pdf" : "cp850";
     std::string naam = XPRT_CODE(CAP_TEKENS);
     for (const char* bekend : {"cp850", "utf-8", "latin1", "ascii", "pdf"})
         if (naam == bekend)

@@ -228,10 +228,10 @@ bool XPRT_STOP() {
     return time(nullptr) > printopdracht.geopend && ONDERBREKEN();
 }
 
-bool XPRT_VOL() {
+bool XPRT_VOL(int regels) {
     const printjob& job = printopdracht;
     // A line may take two rows, and its feed goes one further.
-    return job.blad == 0 || (prt_bladen(job) && job.regel + 2 > job.rijen);
+    return job.blad == 0 || (prt_bladen(job) && job.regel + regels + 1 > job.rijen);
 }
 
 int XPRT_KOLOMMEN() {

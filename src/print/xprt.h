@@ -30,7 +30,7 @@ enum Printmasker : uint16_t {
 };
 
 // Open a job: find or ask the destination, make the spool file, send the init text. 1: open. 0: a box has said why.
-// `titel` names the job in a queue; `bestand` is the file for PRT_BESTAND, else null. A second job stops with the
+// `titel` names the job in a queue; `bestand` is the file for PRT_BESTAND (a PDF when it ends in ".pdf"), else null. A second job stops with the
 // report (1, 199). A code of 0 without PRT_BESTAND is a preview.
 int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const char* titel);
 // Close it: what is left is flushed, and the report goes where it should, or nowhere when it is empty. 1: handed over,
@@ -58,7 +58,7 @@ std::string XPRT_CODE(int n);
 void XPRT_BYTES(const std::string& bytes);
 // The user wants out (ESC): the report stops where it is. Poll it in the loop over lines.
 bool XPRT_STOP();
-bool XPRT_VOL(); // the page is full, or none has begun: time for a head
+bool XPRT_VOL(int regels = 1); // no room for so many lines on the page, or none has begun: time for a head
 int XPRT_KOLOMMEN();
 int XPRT_RIJEN(); // lines a page, 0 for no pages
 

@@ -24,7 +24,7 @@ ICB *dtser, *dtserpic, *dtean, *dtordnr;
 
 namespace {
 
-constexpr int SHARED = 2;
+constexpr int LEZEN = 0, SHARED = 2;
 
 struct Bestand {
     const char* naam;
@@ -77,7 +77,7 @@ bool register_aanwezig() {
     return false;
 }
 
-void register_open() {
+void register_open(bool lezen) {
     for (const Bestand& b : BESTANDEN) {
         if (!stam_aanwezig(b.naam)) {
             if (b.mag_ontbreken)
@@ -85,11 +85,12 @@ void register_open() {
             errno = ENOENT;
             OPENFAIL("omserie", b.naam);
         }
-        *b.icb = IXOPEN(b.naam, SHARED);
+        *b.icb = IXOPEN(b.naam, lezen ? LEZEN : SHARED);
     }
     ioeti('O', nullptr, nullptr);
-    ioink_open(SHARED);
-    serie_nummers_opruimen();
+    ioink_open(lezen ? LEZEN : SHARED);
+    if (!lezen)
+        serie_nummers_opruimen();
 }
 
 void register_sluit() {

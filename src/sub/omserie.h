@@ -14,8 +14,8 @@ extern ICB *dtser, *dtserpic, *dtean,
 // without the register, and write orders that have no labels.
 bool register_aanwezig();
 // Open and close all files of the registration, label and price file too. A pair that isn't there stops the program. What
-// this user's slot left reserved is given up.
-void register_open();
+// this user's slot left reserved is given up; not by who only reads (`lezen`).
+void register_open(bool lezen = false);
 void register_sluit();
 // Behind an action: what was written is on disk, so that other terminals see the result. No lock is held then.
 void register_ververs();

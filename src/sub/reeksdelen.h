@@ -49,6 +49,8 @@ bool reeks_invoer(const Reeksinvoer& in, reeksrij* rij);        // in that windo
 // The first size of the row that is above its total, 0 for none; told.
 int reeks_boven_totaal(const reeksrij& rij, const int32_t* totalen);
 
+// The stored runs of a type that have pieces on the bar in force, by number.
+std::vector<Reeksregel> reeks_regels(uint8_t maatsoort);
 void reeks_tel(reeksrij* rij);                            // cell 0 from the others
 std::string reeks_soortnaam(uint8_t maatsoort);           // "maatsoort 3 Herenmaten"
 bool reeks_geen_maten(uint8_t maatsoort);                 // has the bar in force no sizes? told

@@ -1,6 +1,7 @@
 // The stored runs of a size type: their list, and how one is made, changed and deleted.
 #include "shared/iotab.h"
 #include "shared/maatbalk.h"
+#include "sub/lijstprint.h"
 #include "sub/reeksdelen.h"
 #include "sub/teksten.h"
 #include "term/prompt.h"
@@ -11,8 +12,8 @@
 namespace zg {
 namespace {
 
-enum Keus { SELECTEREN, WIJZIGEN, TOEVOEGEN, VERWIJDEREN, KEUZES };
-constexpr char LETTERS[] = "SWTV";
+enum Keus { SELECTEREN, WIJZIGEN, TOEVOEGEN, VERWIJDEREN, PRINTEN, KEUZES };
+constexpr char LETTERS[] = "SWTV"; // printing is always there
 
 const char* acties; // of the list that runs
 
@@ -36,19 +37,6 @@ reeksrij op_balk(const reeksrij& van) {
     }
     reeks_tel(&rij);
     return rij;
-}
-
-std::vector<Reeksregel> regels(uint8_t maatsoort) {
-    std::vector<Reeksregel> uit;
-    Slot<maatreeksrec> slot{};
-    while (iotab('N', &slot, SYS_MAATREEKS)) {
-        if (slot.r.maatsoort != maatsoort)
-            continue;
-        const reeksrij rij = op_balk(rij_van(slot.r));
-        if (rij[0] > 0)
-            uit.push_back({slot.nr, rij});
-    }
-    return uit;
 }
 
 std::string titel(const Tekst& wat, uint8_t maatsoort) {
@@ -125,6 +113,8 @@ void verwijder(int32_t nr, uint8_t maatsoort) {
 }
 
 const char* keuzetekst(int keus) {
+    if (keus == PRINTEN)
+        return TXT(T_LIJST_PRINTEN);
     if (keus < 0 || keus >= KEUZES || !strchr(acties, LETTERS[keus]))
         return nullptr;
     return TXT(keus == SELECTEREN  ? T_BALK_SELECTEREN
@@ -141,9 +131,9 @@ size_t plaats_van(const std::vector<Reeksregel>& van, int32_t nr, size_t anders)
 // The list until a row is selected or it is left.
 bool kies(uint8_t maatsoort, reeksrij* rij) {
     const bool mag_toevoegen = strchr(acties, 'T') != nullptr;
-    std::vector<Reeksregel> lijst = regels(maatsoort);
+    std::vector<Reeksregel> lijst = reeks_regels(maatsoort);
     if (lijst.empty() && mag_toevoegen && voeg_toe(maatsoort))
-        lijst = regels(maatsoort);
+        lijst = reeks_regels(maatsoort);
     if (lijst.empty())
         return false;
     Reekslijst l{" " + std::string(TXT(T_REEKS_MAATREEKSEN)) + ", " + reeks_soortnaam(maatsoort) + " ",
@@ -170,8 +160,11 @@ bool kies(uint8_t maatsoort, reeksrij* rij) {
         case VERWIJDEREN:
             verwijder(nr, maatsoort);
             break;
+        case PRINTEN:
+            reeks_printen(REEKSKEUSRIJ, maatsoort);
+            break;
         }
-        lijst = regels(maatsoort);
+        lijst = reeks_regels(maatsoort);
         cursor =
             plaats_van(lijst, nieuw ? nieuw : nr, lijst.empty() ? 0 : std::min(cursor, lijst.size() - 1));
     }
@@ -180,6 +173,19 @@ bool kies(uint8_t maatsoort, reeksrij* rij) {
 }
 
 } // namespace
+
+std::vector<Reeksregel> reeks_regels(uint8_t maatsoort) {
+    std::vector<Reeksregel> uit;
+    Slot<maatreeksrec> slot{};
+    while (iotab('N', &slot, SYS_MAATREEKS)) {
+        if (slot.r.maatsoort != maatsoort)
+            continue;
+        const reeksrij rij = op_balk(rij_van(slot.r));
+        if (rij[0] > 0)
+            uit.push_back({slot.nr, rij});
+    }
+    return uit;
+}
 
 void reeks_op_bestand(uint8_t maatsoort, uint8_t* maten) {
     Slot<maatreeksrec> slot{};

@@ -5,6 +5,7 @@
 #include "shared/report.h"
 #include "shared/sysrec.h"
 #include "shared/teksten.h"
+#include "sub/lijstprint.h"
 #include "sub/maatsoort.h"
 #include "sub/teksten.h"
 #include "sub/vvdeel.h"
@@ -32,9 +33,9 @@ constexpr struct {
     const Tekst& label;
 } KEUZEN[] = {
     {'S', T_VV_SELECTEREN},  {'W', T_VV_WIJZIGEN},   {'T', T_VV_TOEVOEGEN},
-    {'V', T_VV_VERWIJDEREN}, {'R', T_VV_RAADPLEGEN},
+    {'V', T_VV_VERWIJDEREN}, {'R', T_VV_RAADPLEGEN}, {'P', T_LIJST_PRINTEN},
 };
-constexpr int KEUZES = std::ssize(KEUZEN), NUMMER = KEUZES;
+constexpr int KEUZES = std::ssize(KEUZEN), NUMMER = KEUZES, PRINTEN = KEUZES - 1;
 constexpr int SELECTEREN = static_cast<int>(Vvkeus::selecteren);
 
 // A number with its totals.
@@ -172,6 +173,13 @@ void doe(Vvkeus wat) {
     SCHERM.laatste = K_CANCEL;
 }
 
+void print(int rij) {
+    vv_printen(rij, v->soort.maatsoort);
+    v->begin = v->regels[v->rij()].nummer;
+    v->opnieuw = true;
+    SCHERM.laatste = K_CANCEL;
+}
+
 void toets() {
     const int rij = LIJSTVELDRIJ();
     KEUZESTART(label);
@@ -189,6 +197,8 @@ void toets() {
     SCHERM.vlag |= V_LEEG;
     if (keus == SELECTEREN)
         SCHERM.laatste = K_F3;
+    else if (keus == PRINTEN)
+        return print(rij);
     else if (keus >= 0 && keus != NUMMER)
         return doe(static_cast<Vvkeus>(keus));
     if (keus != NUMMER && key != K_F7 && key != K_F8)
@@ -236,7 +246,7 @@ bool onderhoud(uint8_t maatsoort, const char* acties, const uint8_t* uitgesloten
     for (const char* a = acties; *a; a++)
         if (mag_wijzigen || *a == 'S')
             hier.acties += *a;
-    hier.acties += 'R';
+    hier.acties += "RP";
     hier.passing = passing;
     hier.begin = bekeken[maatsoort];
     Vvlijst* buiten = v;

@@ -1,0 +1,239 @@
+// ordprint: orders of a journal on paper, from the shell: to a printer, into a file, or on the standard output. It opens
+// everything for reading and takes no lock, so that it prints beside the programs at work: an order as it was committed.
+#include "order/bestanden.h"
+#include "order/printorder.h"
+#include "order/programma.h"
+#include "order/start.h"
+#include "order/wrk.h"
+#include "print/printjob.h"
+#include "print/printtabel.h"
+#include "shared/files.h"
+#include "shared/iofil.h"
+#include "shared/iotab.h"
+#include "shared/maatbalk.h"
+#include "sub/omserie.h"
+#include "term/natl.h"
+#include "term/scherm.h"
+#include "term/tekst.h"
+#include "term/vast.h"
+#include "tools/paar.h"
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <new>
+#include <unistd.h>
+
+namespace {
+
+using namespace zg;
+namespace fs = std::filesystem;
+
+struct Wens {
+    std::string journaal, printer, uit, blad = "short";
+    int nummer = 0, breedte = 0, kopieen = 1;
+    bool zonder_prijzen = false;
+};
+Wens wens;
+
+constexpr int BREEDTE = 80, BLADRIJEN = 64;
+
+// A report ends the tool in one line instead of the box of the screens.
+void rapport() {
+    const char* reden = SCRFATALREDEN();
+    fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(),
+            CP850UTF8(SCRFATALTEKST()).c_str(), reden);
+    if (printopdracht.open)
+        IOUNLINK(printopdracht.spool.c_str());
+    fflush(nullptr);
+    _exit(NIET_TE_OPENEN);
+}
+
+// DIR/2016Z/ORD0012.JRN: its data directory, season and supplier. False when it isn't called so.
+bool ontleed(const std::string& pad, std::string* map, std::string* seizoen, int* leverancier) {
+    const fs::path p = fs::absolute(pad).lexically_normal();
+    const std::string naam = p.filename().string();
+    int eind = 0;
+    if (sscanf(naam.c_str(), "ORD%5d.JRN%n", leverancier, &eind) != 1 ||
+        static_cast<size_t>(eind) != naam.size() || *leverancier < 1)
+        return false;
+    *seizoen = p.parent_path().filename().string();
+    *map = p.parent_path().parent_path().string();
+    return true;
+}
+
+// The open journal's orders that are meant, each onto the open job; how many.
+int druk_orders(ordhandle* jrn) {
+    static const std::map<std::string, Orderblad> BLADEN = {
+        {"short", Orderblad::kort}, {"full", Orderblad::volledig}, {"branch", Orderblad::filialen}};
+    const orderafdruk hoe{BLADEN.at(wens.blad), !wens.zonder_prijzen};
+    int aantal = 0;
+    for (bool er = ord_eerste_order(jrn); er; er = ord_volgende_order(jrn)) {
+        if (wens.nummer && kop.ordernummer != wens.nummer)
+            continue;
+        const int32_t plaats = jrn->offset;
+        const ordkop eigen = kop;
+        std::vector<ors_ingang> regels;
+        while (ord_kind(jrn, 'O'))
+            if (jrn->tag == 'D')
+                regels.push_back({static_cast<uint16_t>(regels.size() + 1), 0, jrn->laatste_m, jrn->offset});
+        kop = eigen;
+        if (!registermodus) {
+            jrn->offset = plaats;
+            ord_keur_order(jrn);
+        }
+        aantal += print_order(hoe, regels, plaats) ? 1 : 0;
+        ord_lees_op(jrn, plaats);
+    }
+    return aantal;
+}
+
+uint16_t masker() {
+    return wens.breedte == 40    ? uint16_t{PRT_40}
+           : wens.breedte == 80  ? uint16_t{PRT_80}
+           : wens.breedte == 132 ? uint16_t{PRT_132}
+                                 : uint16_t{PRT_ALLES};
+}
+
+// "Laser" or "Laser/2": the printer of that name, and a connection of it. False when there is none; told.
+bool zoek_printer(printwens* uit) {
+    const size_t streep = wens.printer.rfind('/');
+    const std::string naam = wens.printer.substr(0, streep);
+    printtabellen t;
+    if (!prt_lees(&t))
+        return klacht("", "the print directory can't be read"), false;
+    if (streep != std::string::npos)
+        uit->verbinding = static_cast<uint8_t>(std::clamp(atoi(wens.printer.c_str() + streep + 1), 0, 255));
+    for (const prtrec& p : t.printers)
+        if (p.code != PRT_SCHERM && strcasecmp(CP850UTF8(VASTTEKST(p.naam)).c_str(), naam.c_str()) == 0) {
+            uit->code = p.code;
+            return true;
+        }
+    return klacht(wens.printer, "no such printer"), false;
+}
+
+// A job of our own: into `uit`, or (empty) only onto its spool file.
+bool open_job(const std::string& titel) {
+    printjob job{};
+    job.kolommen = wens.breedte ? wens.breedte : BREEDTE;
+    job.staand = job.kolommen <= BREEDTE;
+    job.kopieen = 1;
+    job.titel = titel;
+    job.fd = -1;
+    job.weg = Printweg::geen;
+    std::string map;
+    if (!wens.uit.empty()) {
+        const fs::path doel = wens.uit;
+        if (fs::exists(doel))
+            return klacht(wens.uit, strerror(EEXIST)), false;
+        map = doel.parent_path().string();
+        if (!prt_bestaat(Printweg::map, map))
+            return klacht(wens.uit, "nothing is printed there"), false;
+        job.weg = Printweg::bestand;
+        job.apparaat = wens.uit;
+        job.rijen = BLADRIJEN;
+        job.tekens = doel.extension() == ".pdf" ? "pdf" : "utf-8";
+    } else {
+        map = fs::temp_directory_path().string();
+    }
+    const std::string pad = IOTMPNAM(map.c_str(), "PR");
+    return !pad.empty() && prt_job_open(job, pad) ? true : (klacht(map, strerror(errno)), false);
+}
+
+// What stands on the spool file, in UTF-8.
+int naar_uitvoer() {
+    const Jobeind eind = prt_job_sluit(false);
+    int uitkomst = GOED;
+    if (eind == Jobeind::fout)
+        uitkomst = (klacht(printopdracht.spool, strerror(printopdracht.fout)), NIET_TE_OPENEN);
+    std::ifstream in(printopdracht.spool, std::ios::binary);
+    for (std::string regel; uitkomst == GOED && std::getline(in, regel);)
+        puts(CP850UTF8(VASTTRIM(regel)).c_str());
+    IOUNLINK(printopdracht.spool.c_str());
+    if (fflush(stdout) != 0 || ferror(stdout))
+        uitkomst = (klacht("", "standard output: write failed"), FOUT_GEVONDEN);
+    return uitkomst;
+}
+
+int print(ordhandle* jrn) {
+    const std::string titel = fs::path(wens.journaal).filename().string();
+    printwens waarheen{};
+    const bool printer = !wens.printer.empty();
+    if (printer && !zoek_printer(&waarheen))
+        return FOUT_GEBRUIKT;
+    if (printer ? !XPRT_OPEN(waarheen, masker(), nullptr, titel.c_str()) : !open_job(titel))
+        return NIET_TE_OPENEN;
+    printopdracht.kopieen = wens.kopieen;
+    const int aantal = druk_orders(jrn);
+    if (aantal == 0) {
+        XPRT_STAAK();
+        return klacht(wens.journaal, "no such order"), FOUT_GEVONDEN;
+    }
+    if (printer || !wens.uit.empty())
+        return XPRT_CLOSE() ? GOED : NIET_TE_OPENEN;
+    return naar_uitvoer();
+}
+
+int doe() {
+    std::string map;
+    int leverancier = 0;
+    if (!ontleed(wens.journaal, &map, &seizoensmap, &leverancier))
+        return klacht(wens.journaal, "not called SEASON/ORDnnnn.JRN"), FOUT_GEBRUIKT;
+    if (!wens.uit.empty())
+        wens.uit = fs::absolute(wens.uit).string();
+    if (chdir(map.c_str()) != 0 || access("DTSYS.TXT", R_OK) != 0)
+        return klacht(map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
+    CATOPEN();
+    int32_t nr = 0;
+    iotab('O', &nr, nullptr, SYS_RECORD);
+    sys_lees();
+    iofil('O', 0, nullptr);
+    registermodus = register_aanwezig();
+    gekozen_leverancier = static_cast<uint16_t>(leverancier);
+    bestanden_open(true);
+    werk = ord_open_jrn(seizoensmap.c_str(), leverancier, O_RDONLY);
+    if (!werk)
+        return klacht(wens.journaal, strerror(errno)), NIET_TE_OPENEN;
+    const int uitkomst = print(werk);
+    ord_sluit(werk);
+    werk = nullptr;
+    balk_sluit();
+    bestanden_sluit();
+    return uitkomst;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    toolnaam = "ordprint";
+    signal(SIGPIPE, SIG_DFL);
+    signal(SIGXFSZ, SIG_IGN);
+    CLI::App app{"print orders of a journal.\nIt reads beside programs at work and takes no lock.",
+                 "ordprint"};
+    app.set_version_flag("--version", "ordprint 8.70");
+    app.footer("Exit status: 0 good, 1 no such order, 2 used wrong, 3 cannot open or print.");
+    app.add_option("JOURNAL", wens.journaal, "SEASON/ORDnnnn.JRN of a data directory")->required();
+    app.add_option("-n,--number", wens.nummer, "only the order with this number")
+        ->check(CLI::Range(1, INT_MAX));
+    app.add_option("-f,--form", wens.blad, "short, full, or branch: a sheet for each")
+        ->check(CLI::IsMember({"short", "full", "branch"}));
+    app.add_flag("-x,--without-prices", wens.zonder_prijzen, "without prices and amounts");
+    auto* printer = app.add_option("-p,--printer", wens.printer, "name of a printer, or name/connection");
+    app.add_option("-o,--output", wens.uit, "a new file; a PDF when it ends in .pdf")->excludes(printer);
+    app.add_option("-w,--width", wens.breedte, "columns")->check(CLI::IsMember({40, 80, 132}));
+    app.add_option("-c,--copies", wens.kopieen, "copies, on a printer")->check(CLI::Range(1, 20));
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
+    }
+    SCRFATALHAAK = rapport;
+    return doe();
+}
