@@ -12,6 +12,7 @@
 #include "order/teksten.h"
 #include "order/wrk.h"
 #include "order/zoek_ord.h"
+#include "print/xprt.h"
 #include "shared/files.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
@@ -247,6 +248,7 @@ bool kies_seizoen() {
     if (!gekozen_letter || !strchr(SEIZOENLETTERS, gekozen_letter))
         gekozen_letter = SEIZOENLETTERS[0];
     for (;;) {
+        prt_meld_mislukt();
         SCRPUT(A_LABEL, 1, 37, "%-7.7s: ", TXT(T_F_SEIZOEN));
         SCRPUT(A_WAARDE, 1, SEIZOENKOLOM, "%-7.7s",
                gekozen_jaar ? seizoen_map(gekozen_jaar, gekozen_letter).c_str() : "");
@@ -296,6 +298,7 @@ bool ord_kies_leverancier() {
     SCRPUT(A_LABEL, 3, 1, "%-11.11s: ", TXT(T_F_LEVERANCIER));
     uint16_t nummer = gekozen_leverancier;
     stam_vergeet();
+    prt_meld_mislukt();
     if (lijstveld(LEVERANCIERTABEL, 3, LEVKOLOM, "P", &nummer) == Lijstuit::weg)
         return false;
     if (!relatie_lees(nummer, &leverancier)) {

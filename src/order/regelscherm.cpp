@@ -12,6 +12,7 @@
 #include "order/register.h"
 #include "order/serie.h"
 #include "order/teksten.h"
+#include "print/xprt.h"
 #include "shared/maatbalk.h"
 #include "shared/teksten.h"
 #include "sub/omlev.h"
@@ -431,6 +432,7 @@ void order_scherm() {
         if (geladen != blad.cursor)
             laad(blad.ingang(), &totaal);
         geladen = blad.cursor;
+        prt_meld_mislukt();
         if (order_alleen_lezen)
             item_menu(true);
         else

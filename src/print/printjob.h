@@ -63,8 +63,6 @@ void prt_blank(char* tekst, size_t n);
 bool prt_bestaat(Printweg weg, const std::string& apparaat);
 // Hand the closed spool file to zgspoel, or to the terminal itself. False: told, the file stays with its reason.
 bool prt_verzend(const printjob& job);
-// Jobs that couldn't be sent since the last call: told, once. For the prompts of a program.
-void prt_meld_mislukt();
 
 // The preview of the closed spool file: copies to be printed, 0 for none.
 int PRT_SCR(const printjob& job);

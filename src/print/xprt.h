@@ -38,6 +38,8 @@ int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const
 // whole. What goes wrong behind a hand-over is told by prt_meld_mislukt. Without an open job the report (1, 200).
 int XPRT_CLOSE();
 void XPRT_STAAK(); // give the job up: nothing is sent, nothing is left
+// Jobs that couldn't be sent since the last call: told, once. For the prompts of a program.
+void prt_meld_mislukt();
 
 void XPRT_PRINT(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 void XPRT_REGEL();                    // the line now; nothing on an empty one
