@@ -26,7 +26,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <new>
 #include <unistd.h>
@@ -119,6 +118,8 @@ bool zoek_printer(printwens* uit) {
     return klacht(wens.printer, "no such printer"), false;
 }
 
+std::ifstream spool; // of a job for the standard output
+
 // A job of our own: into `uit`, or (empty) only onto its spool file.
 bool open_job(const std::string& titel) {
     printjob job{};
@@ -144,7 +145,13 @@ bool open_job(const std::string& titel) {
         map = fs::temp_directory_path().string();
     }
     const std::string pad = IOTMPNAM(map.c_str(), "PR");
-    return !pad.empty() && prt_job_open(job, pad) ? true : (klacht(map, strerror(errno)), false);
+    if (pad.empty() || !prt_job_open(job, pad))
+        return klacht(map, strerror(errno)), false;
+    if (job.weg == Printweg::geen) { // without a name it can't be left behind
+        spool.open(pad, std::ios::binary);
+        IOUNLINK(pad.c_str());
+    }
+    return true;
 }
 
 // What stands on the spool file, in UTF-8.
@@ -153,10 +160,8 @@ int naar_uitvoer() {
     int uitkomst = GOED;
     if (eind == Jobeind::fout)
         uitkomst = (klacht(printopdracht.spool, strerror(printopdracht.fout)), NIET_TE_OPENEN);
-    std::ifstream in(printopdracht.spool, std::ios::binary);
-    for (std::string regel; uitkomst == GOED && std::getline(in, regel);)
+    for (std::string regel; uitkomst == GOED && std::getline(spool, regel);)
         puts(CP850UTF8(VASTTRIM(regel)).c_str());
-    IOUNLINK(printopdracht.spool.c_str());
     if (fflush(stdout) != 0 || ferror(stdout))
         uitkomst = (klacht("", "standard output: write failed"), FOUT_GEVONDEN);
     return uitkomst;
