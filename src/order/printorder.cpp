@@ -21,6 +21,7 @@
 #include "term/vast.h"
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 namespace zg {
 namespace {
@@ -121,7 +122,6 @@ void prijswaarden() {
 // The order's values, each where it has one.
 void orderwaarden() {
     levrec agent{};
-    relatie_lees(kop.leverancier, &leverancier);
     if (kop.agent)
         relatie_lees(kop.agent, &agent);
     const std::string letter(1, kop.seizoen ? kop.seizoen : ' ');
@@ -163,12 +163,12 @@ void begin_vel(int32_t plaats) {
     blad();
     orderwaarden();
     if (v->hoe.blad == Orderblad::volledig) {
-        const ordkop eigen = kop; // reading the texts reads the header
+        const ordkop nu = kop; // reading the texts reads the header
         if (ord_lees_op(werk, plaats)) {
             ordertekst(T_LEVERINGSCONDITIES, 1);
             ordertekst(T_BETALINGSCONDITIES, 2);
         }
-        kop = eigen;
+        kop = nu;
         print_nieuwe_rij();
     }
     ruimte_op_blad(6);
@@ -278,7 +278,18 @@ void voortgang(size_t regel) {
     }
 }
 
-// Every line that can be loaded: doe(line, marker of one whose series has gone, same model as the one before). False when
+// What is printed for a line that the register hasn't got: its series has gone, or is damaged (told).
+std::string in_plaats(const orderregel& regel, Serie serie) {
+    if (serie == Serie::weg || serie == Serie::andere)
+        return regel_verwijderd(regel, serie == Serie::andere);
+    if (serie != Serie::stuk)
+        return "";
+    const seriesleutel s = regel_serie(regel);
+    return " *" + std::to_string(s.artikelgroep) + "." + std::to_string(s.kleur) + "." +
+           std::to_string(s.volgnummer) + " " + TXT(T_REGEL_ONTOEGANKELIJK) + "*";
+}
+
+// Every line that can be loaded: doe(line, what stands for one without a series, same model as the one before). False when
 // the user wanted out.
 template <class F> bool elke_regel(const std::vector<ors_ingang>& regels, F doe) {
     regelloop loop;
@@ -290,11 +301,11 @@ template <class F> bool elke_regel(const std::vector<ors_ingang>& regels, F doe)
         voortgang(i);
         if (XPRT_STOP())
             return false;
-        if (!regel_lees(&loop, regels[i], &regel))
+        if (!regel_lees(&loop, regels[i], &regel)) {
+            v->regels++;
             continue;
-        const Serie serie = registermodus ? serie_laad(&regel, false, false) : Serie::in_journaal;
-        const bool andere = serie == Serie::andere;
-        doe(regel, andere || serie == Serie::weg ? regel_verwijderd(regel, andere) : "",
+        }
+        doe(regel, registermodus ? in_plaats(regel, serie_laad(&regel, false, false)) : "",
             model == regels[i].m);
         model = regels[i].m;
     }
@@ -351,6 +362,10 @@ bool print_filialen(const std::vector<ors_ingang>& ingangen, int32_t plaats) {
 bool print_order(const orderafdruk& hoe, const std::vector<ors_ingang>& regels, int32_t plaats) {
     if (regels.empty())
         return false;
+    const ordkop eigen = kop;
+    relatie_lees(kop.leverancier, &leverancier);
+    if (VASTLEEG(kop.valuta)) // as on the screen
+        memcpy(kop.valuta, leverancier.valuta, sizeof kop.valuta);
     order_prijscontext();
     Verslag verslag{hoe, valuta_of_thuis(std::string(VASTUIT(kop.valuta)).c_str())};
     v = &verslag;
@@ -365,6 +380,7 @@ bool print_order(const orderafdruk& hoe, const std::vector<ors_ingang>& regels, 
     if (SCHERM.bestaat)
         SCRCLREOL(VOORTGANGRIJ, 1);
     v = nullptr;
+    kop = eigen;
     return iets;
 }
 

@@ -107,7 +107,16 @@ void print_label(const char* tekst, const std::string& waarde) {
         print_nieuwe_rij();
     const int breedte = (nodig / WAARDE + 1) * WAARDE; // a long one takes the places of two
     kolom += breedte;
-    XPRT_PRINT("%-*.*s: %-*s", LABEL, LABEL, naam.c_str(), breedte - LABEL - 2, waarde.c_str());
+    XPRT_PRINT("%-*.*s: ", LABEL, LABEL, naam.c_str());
+    if (nodig <= XPRT_KOLOMMEN()) {
+        XPRT_PRINT("%-*s", breedte - LABEL - 2, waarde.c_str());
+        return;
+    }
+    const auto ruimte = static_cast<size_t>(std::max(XPRT_KOLOMMEN() - LABEL - 2, 1));
+    for (size_t p = 0; p < waarde.size(); p += ruimte) {
+        XPRT_PRINT("%*s%s", p ? LABEL + 2 : 0, "", waarde.substr(p, ruimte).c_str());
+        print_nieuwe_rij();
+    }
 }
 
 void print_regelkop(bool prijzen, const std::string& valuta) {
@@ -128,7 +137,11 @@ void print_regelkop(bool prijzen, const std::string& valuta) {
 void print_regelrij(const printregel& r, bool herhaald, bool prijzen, const std::string& valuta,
                     const printsom& som) {
     if (!r.weg.empty()) {
-        XPRT_PRINT("%s", r.weg.c_str());
+        std::string tekst = r.weg;
+        for (size_t p;
+             static_cast<int>(tekst.size()) > XPRT_KOLOMMEN() && (p = tekst.find("  ")) != tekst.npos;)
+            tekst.erase(p, 1);
+        XPRT_PRINT("%s", tekst.c_str());
         return print_nieuwe_rij();
     }
     print_plaats(21);
