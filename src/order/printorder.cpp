@@ -95,12 +95,10 @@ void waarde(const Tekst& naam, const std::string& tekst) {
 }
 
 std::string adres(const levrec& lev) {
-    std::string uit;
-    for (const std::string& deel :
-         {VASTTEKST(lev.adres), VASTTEKST(lev.postcode) + "  " + VASTTEKST(lev.plaats)})
-        if (!VASTTRIM(deel).empty())
-            uit += (uit.empty() ? "" : ", ") + deel;
-    return uit;
+    const std::string straat = VASTTEKST(lev.adres), code = VASTTEKST(lev.postcode),
+                      plaats = VASTTEKST(lev.plaats);
+    return straat + (straat.empty() || (code + plaats).empty() ? "" : ", ") + code +
+           (code.empty() ? "" : "  ") + plaats;
 }
 
 // The currency, its rate, what is added and what goes off.
