@@ -13,9 +13,7 @@ int ixcheck(const Opdracht& o) {
     int goed = 0, fout = 0, dicht = 0;
     for (const std::string& naam : namen) {
         Paar paar;
-        int uitkomst = paar_open(naam, &paar);
-        if (uitkomst == GOED)
-            uitkomst = paar_vast(&paar, o.wacht);
+        int uitkomst = paar_neem(naam, o.wacht, &paar);
         if (uitkomst != GOED) {
             dicht++;
             slechtst = slechtst == GOED ? uitkomst : slechtst;

@@ -44,16 +44,14 @@ bool leeg_wachtrij(const std::string& index, const IXHEADER& h) {
 } // namespace
 
 int ixcopy(const Opdracht& o) {
-    std::vector<std::string> namen;
-    if (!paren(o.namen, &namen) || namen.size() != 1)
-        return klacht(o.namen[0], "one pair, please"), FOUT_GEBRUIKT;
-    std::string doel = IOISDIR(o.doel.c_str()) ? o.doel + "/" + tabelnaam(namen[0]) : o.doel;
+    const std::string naam = een_paar(o.namen);
+    if (naam.empty())
+        return FOUT_GEBRUIKT;
+    std::string doel = IOISDIR(o.doel.c_str()) ? o.doel + "/" + tabelnaam(naam) : o.doel;
     if (IOEXISTS((doel + ".INX").c_str()) && !o.vervang)
         return klacht(doel, "exists already; --replace lets it go"), FOUT_GEBRUIKT;
     Paar paar;
-    if (int fout = paar_open(namen[0], &paar))
-        return fout;
-    if (int fout = paar_vast(&paar, o.wacht))
+    if (int fout = paar_neem(naam, o.wacht, &paar))
         return fout;
     std::string kwaal = paar_kop(&paar);
     if (!kwaal.empty())

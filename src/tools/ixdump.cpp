@@ -56,13 +56,11 @@ int schrijf(const Opdracht& o, Paar& paar, FILE* uit) {
 } // namespace
 
 int ixdump(const Opdracht& o) {
-    std::vector<std::string> namen;
-    if (!paren(o.namen, &namen) || namen.size() != 1)
-        return klacht(o.namen[0], "one pair, please"), FOUT_GEBRUIKT;
+    const std::string naam = een_paar(o.namen);
+    if (naam.empty())
+        return FOUT_GEBRUIKT;
     Paar paar;
-    if (int fout = paar_open(namen[0], &paar))
-        return fout;
-    if (int fout = paar_vast(&paar, o.wacht))
+    if (int fout = paar_neem(naam, o.wacht, &paar))
         return fout;
     std::string kwaal = paar_kop(&paar);
     if (o.woordenboek && !woordenboekkop(paar.naam, paar.datbytes, &paar.kop))

@@ -207,9 +207,7 @@ void hulp() {
 // The header is read under its lock: a pair in use is marked busy for moments.
 int leesbaar(const std::string& naam, int seconden) {
     Paar paar;
-    if (int fout = paar_open(naam, &paar))
-        return fout;
-    if (int fout = paar_vast(&paar, seconden))
+    if (int fout = paar_neem(naam, seconden, &paar))
         return fout;
     std::string kwaal = paar_kop(&paar);
     if (const char* fout = IXKOPFOUT(paar.kop); fout && kwaal.empty())

@@ -125,9 +125,7 @@ void als_tekst(const Paar& paar, const Stat& s) {
 
 int een(const std::string& naam, const Opdracht& o) {
     Paar paar;
-    if (int fout = paar_open(naam, &paar))
-        return fout;
-    if (int fout = paar_vast(&paar, o.wacht))
+    if (int fout = paar_neem(naam, o.wacht, &paar))
         return fout;
     if (std::string kwaal = paar_kop(&paar); !kwaal.empty())
         return klacht(naam, kwaal), FOUT_GEVONDEN;

@@ -129,6 +129,11 @@ void paar_los(Paar* paar) {
     paar->vast = false;
 }
 
+int paar_neem(const std::string& naam, int seconden, Paar* paar) {
+    const int fout = paar_open(naam, paar);
+    return fout ? fout : paar_vast(paar, seconden);
+}
+
 bool woordenboekkop(const std::string& naam, int64_t databytes, IXHEADER* kop) {
     ICB icb{};
     const int nr = DDNUMMER(naam.c_str());
@@ -168,6 +173,16 @@ bool paren(const std::vector<std::string>& argumenten, std::vector<std::string>*
         namen->push_back(a);
     }
     return goed;
+}
+
+std::string een_paar(const std::vector<std::string>& argumenten) {
+    std::vector<std::string> namen;
+    if (!paren(argumenten, &namen))
+        return "";
+    if (namen.size() == 1)
+        return namen[0];
+    klacht(argumenten[0], "one pair, please");
+    return "";
 }
 
 Balk::Balk(std::string titel, int64_t totaal)

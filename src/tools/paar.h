@@ -37,6 +37,8 @@ std::string paar_kop(Paar* paar);
 // IN_GEBRUIK, with the holder's process on standard error. Who may only read looks without a lock, and is told.
 int paar_vast(Paar* paar, int seconden);
 void paar_los(Paar* paar);
+// Open it and take the header lock; answers as the two of them.
+int paar_neem(const std::string& naam, int seconden, Paar* paar);
 // Take the whole pair, no record locked by others, at most `seconden` long; answers as paar_vast. The data file comes
 // first and goes again while the header can't be had: who holds that may be waiting for a record.
 int paar_alleen(Paar* paar, int seconden);
@@ -50,6 +52,8 @@ bool woordenboekkop(const std::string& naam, int64_t databytes, IXHEADER* kop);
 // The pairs meant by the arguments: names (an extension .INX or .TXT is taken off), or all the pairs of a
 // directory, sorted. False with a message when an argument means none.
 bool paren(const std::vector<std::string>& argumenten, std::vector<std::string>* namen);
+// The same for a tool that takes one; empty with a message when they mean none or several.
+std::string een_paar(const std::vector<std::string>& argumenten);
 
 // Progress on a terminal's standard error, nothing elsewhere: at most ten times a second.
 class Balk {
