@@ -2,7 +2,9 @@
 // leaves in the journal, and what screens make of a journal and of tables that hold anything.
 #include "e2e/handsom.h"
 #include "e2e/loop.h"
+#include "price/koers.h"
 #include "shared/sysrec.h"
+#include "support/paar.h"
 #include "term/gesprek.h"
 #include "term/vast.h"
 
@@ -296,4 +298,43 @@ TEST(Prijs, Bladeren) {
     p.t.toetsen("<Esc><Esc>");
     p.uit();
     EXPECT_EQ(map.journaal(), order);
+}
+
+// Another rate of the day counts from the next action on, for the lines and all sums; an action keeps the one that it
+// began with.
+TEST(Prijs, DagkoersVerandertOnderDeOrder) {
+    Datamap map;
+    auto dagkoers = [&](uint32_t koers, uint16_t datum) {
+        ICB* icb = IXOPEN(map.bestand("DTKOERS").c_str(), 2);
+        schrijf(icb, koersrec{{'G', 'B', 'P'}, 0, static_cast<int32_t>(koers), 1, datum});
+        IXCLOSE(icb);
+    };
+    const std::string order = record('O', prijskop("a", "GBP", 0, 1, 10000, 0)) + regels(2);
+    auto hoort = [&](int64_t koers) { return volgens(handsom(order, 0, 2, koers), 2); };
+    map.journaal(order);
+    Programma p(map);
+    p.eerste_order();
+    EXPECT_EQ(op_scherm(p.t, 2), hoort(12500));
+    dagkoers(15000, WERKDATUM - 1);
+    stappen(p.t, {{"WP", {{15, 18, " 26.46"}}}}); // 17.64 in pounds
+    dagkoers(20000, WERKDATUM);
+    stappen(p.t, {{"I<Esc><Esc>", {{15, 18, " 26.46"}}}, {"<Esc>", {{24, 1, "Uw keuze"}}}});
+    EXPECT_EQ(kopsom(p.t), kopsom(handsom(order, 0, 2, 15000).order, 2));
+    p.t.toetsen("M1<Esc>");
+    EXPECT_EQ(op_scherm(p.t, 2), hoort(20000));
+    p.t.toetsen("<Esc>");
+    p.uit();
+    EXPECT_EQ(map.journaal(), order);
+}
+
+// A brand maintained from under the line: its factor counts from then on, not the one that the line was begun with.
+TEST(Prijs, FactorVanHetMerkVerandertOnderDeOrder) {
+    Datamap map;
+    map.journaal(maak_order(maak_kop("a"), {{9}})); // of one size
+    Programma p(map);
+    p.eerste_order();
+    stappen(p.t, {{"WPA<Enter><F10>", {{21, 3, "Calc.factor         2.420"}}}});
+    p.t.toetsen("<Esc><Esc><Esc><Esc>WMR<F5><F10>W163<Enter><Esc><Esc><Esc><Esc>");
+    p.t.wacht_op(24, 1, "Uw keuze");
+    stappen(p.t, {{"WPA<Enter><F10>", {{21, 3, "Calc.factor         3.000"}}}});
 }

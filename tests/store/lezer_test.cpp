@@ -289,6 +289,49 @@ TEST(Lezer, HerbouwOnderDeWandelaar) {
     }
 }
 
+// The leaf in hand is a node of a higher level when it is read a second time: what stands in it then are ways, no
+// records.
+TEST(Lezer, BladWordtTak) {
+    const SYSCALLS echt = SYS;
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2"}}, 2);
+    for (int nr = 0; nr < 1000; nr += 2)
+        zet(icb, nr, nr);
+    std::string index = lees_bestand("T.INX");
+    auto knoop = [&](int32_t blok) {
+        return reinterpret_cast<IXKNOOP*>(&index[static_cast<size_t>(blok) * IXBLOK]);
+    };
+    auto wijzer = [](IXKNOOP* k, int i) { return k->entries + i * 6 + 2; };
+    const int32_t tweede = LEES32(wijzer(knoop(1), 1));
+    ASSERT_TRUE(knoop(1)->level == 2 && knoop(tweede)->level == 1);
+    // A way may stand above the last entry behind it, as when that was one higher and has gone.
+    IXCLOSE(icb);
+    const int hoort = knoop(1)->entries[6] * 256 + knoop(1)->entries[7];
+    knoop(1)->entries[7]++;
+    schrijf_bestand("T.INX", index);
+    // A third level: the leaf moves behind the last block, the root into its place.
+    const auto nieuw = static_cast<int32_t>(index.size() / IXBLOK);
+    index.append(index, static_cast<size_t>(tweede) * IXBLOK, IXBLOK);
+    memcpy(knoop(tweede), knoop(1), IXBLOK);
+    memcpy(wijzer(knoop(tweede), 1), &nieuw, sizeof nieuw);
+    knoop(1)->level = 3;
+    knoop(1)->count = 1;
+    memset(knoop(1)->entries, 0xFF, 2);
+    memcpy(wijzer(knoop(1), 0), &tweede, sizeof tweede);
+    const int32_t blokken = nieuw + 1;
+    memcpy(&index[offsetof(IXHEADER, nblocks)], &blokken, sizeof blokken);
+    herbouw = {std::move(index), -1, 0, 1};
+    ICB* lezer = IXOPEN("T", 0);
+    SYS.pread = herbouwd;
+    Rec r{};
+    r.nr = static_cast<uint16_t>(hoort + 1);
+    EXPECT_EQ(1, IXPREVK(lezer, &r, 0));
+    SYS = echt;
+    EXPECT_EQ(hoort, r.nr);
+    EXPECT_GE(herbouw.beurt, 1);
+    IXCLOSE(lezer);
+}
+
 // A read may show a block half written: its first bytes new and the others old, or the reverse. Each read of a leaf
 // shows that once, in turn. Of the root it would show itself by the header, which is written behind it.
 struct {
