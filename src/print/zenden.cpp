@@ -76,7 +76,6 @@ bool maak(const spooljob& job, const std::string& naar) {
         return false;
     const bool pdf = job.tekens == "pdf";
     const std::string tekst = pdf ? spool_naast(job, "TMP") : naar;
-    IOUNLINK(tekst.c_str());
     const int fd = SYSNIEUW(tekst.c_str(), O_WRONLY | O_EXCL);
     if (fd < 0)
         return false;
@@ -88,8 +87,6 @@ bool maak(const spooljob& job, const std::string& naar) {
     const int fout = errno;
     if (pdf || !goed)
         IOUNLINK(tekst.c_str());
-    if (!goed)
-        IOUNLINK(naar.c_str());
     errno = fout;
     return goed;
 }
@@ -251,8 +248,11 @@ bool naar_map(spooljob* job) {
         klaar[klaar.rfind('/') + 1] = 'T';
         if (IOEXISTS(klaar.c_str()))
             continue;
-        if (!maak(*job, naam))
+        if (!maak(*job, naam)) {
+            if (errno == EEXIST) // another was before us
+                continue;
             break;
+        }
         if (spool_plaats(naam, klaar, false))
             return true;
         const int fout = errno;
@@ -273,6 +273,11 @@ bool naar_bestand(spooljob* job) {
     return false;
 }
 
+void weg_ernaast(const spooljob& job) {
+    for (const char* soort : {"UIT", "TMP"})
+        IOUNLINK(spool_naast(job, soort).c_str());
+}
+
 } // namespace
 
 bool spool_verstuur(int slot, spooljob* job) {
@@ -280,6 +285,7 @@ bool spool_verstuur(int slot, spooljob* job) {
     job->reden.clear();
     job->gemeld = false;
     spool_schrijf_stand(slot, *job);
+    weg_ernaast(*job); // of a sender that was killed
     bool uit = false;
     switch (job->weg) {
     case Printweg::wachtrij:
@@ -304,8 +310,7 @@ bool spool_verstuur(int slot, spooljob* job) {
         spool_weg(*job);
         return true;
     }
-    for (const char* soort : {"UIT", "TMP"})
-        IOUNLINK(spool_naast(*job, soort).c_str());
+    weg_ernaast(*job);
     job->stand = Spoolstand::fout;
     spool_schrijf_stand(slot, *job);
     return false;

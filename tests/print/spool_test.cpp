@@ -118,6 +118,34 @@ TEST_F(Spool, Directory) {
     EXPECT_EQ(FILES_PRESENT("uit/*"), 25 * 100 + 1);
 }
 
+// A file, as text and as a PDF: over one that is there only when the user said so, and else the report is kept and told.
+TEST_F(Spool, File) {
+    for (const char* tekens : {"cp850", "pdf"})
+        for (const bool over : {false, true}) {
+            SCOPED_TRACE(tekens + std::string(over ? " over" : ""));
+            const std::string uit = std::string("uit/lijst.") + tekens;
+            for (bool staat : {false, true}) {
+                ASSERT_TRUE(begin(Printweg::bestand, uit, 1, tekens));
+                printopdracht.over = over;
+                regels("regel", 3);
+                testing::internal::CaptureStderr();
+                EXPECT_EQ(XPRT_CLOSE(), over || !staat);
+                const std::string gehoord = testing::internal::GetCapturedStderr();
+                EXPECT_EQ(gehoord.find("al een bestand") != std::string::npos, staat && !over) << gehoord;
+                EXPECT_EQ(FILES_PRESENT("PR????"), staat && !over);
+                const std::string inhoud = lees_bestand(uit);
+                if (*tekens == 'p')
+                    EXPECT_EQ(inhoud.compare(0, 5, "%PDF-"), 0);
+                else
+                    EXPECT_EQ(inhoud, verwacht("regel", 3));
+                spooljob job{};
+                job.spool = printopdracht.spool;
+                spool_weg(job);
+            }
+            IOUNLINK(uit.c_str());
+        }
+}
+
 // A disk that is full at a call, or the last thing that the process does, counted over all calls that change a file.
 SYSCALLS echt;
 int nog;
