@@ -259,6 +259,7 @@ TEST_F(Spool, AtEachCall) {
             if (status == WEIGERT) {
                 EXPECT_NE(gemeld.find("schijf vol"), std::string::npos) << gemeld;
                 EXPECT_EQ(FILES_PRESENT("uit/PR*"), 0);
+                EXPECT_EQ(FILES_PRESENT("PR????"), gemeld.find("bewaard") != std::string::npos);
                 EXPECT_TRUE(!programma || er == 0);
             }
             EXPECT_TRUE(programma || er == 1 || achter.size() == 1) << "lost";
