@@ -106,7 +106,7 @@ int XPRT_BREEDTE(uint16_t masker) {
     if (!menu)
         return prt_breedste(masker);
     for (const auto& b : BREEDTES)
-        TR_ADD(menu, 0, TXT(b.tekst), b.kolommen, masker & b.bit ? 1 : 0, 0, nullptr);
+        TR_ADD(menu, -1, TXT(b.tekst), b.kolommen, masker & b.bit ? 1 : 0, 0, nullptr);
     const int gekozen = TR_RUN(menu, 0);
     TR_FREE(menu);
     return gekozen == 40 || gekozen == 80 ? gekozen : 132;
