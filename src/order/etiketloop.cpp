@@ -3,8 +3,28 @@
 #include "order/teksten.h"
 #include "shared/iomaat.h"
 #include "shared/sysrec.h"
+#include "shared/teksten.h"
 
 namespace zg {
+
+namespace {
+
+// Blocks leave a chain all at once, with the counts: a series that counts more than its chain has places has lost a part of
+// it. Less is what a kill leaves.
+bool telling_past(const serrec& s, int64_t plaatsen) {
+    int64_t som = 0;
+    bool past = true;
+    for (const int32_t n : {s.in_nota, s.voorraad, s.verkopen, s.correcties}) {
+        past = past && n >= 0;
+        som += n;
+    }
+    if (past && som <= plaatsen)
+        return true;
+    ioeti_keur_af(s.etiketkop == -1 ? -ETIPLAATSEN : s.etiketkop * ETIPLAATSEN + 1, TXT(T_ETI_GETELD));
+    return false;
+}
+
+} // namespace
 
 bool etiketten_loop(const serrec& serie, const std::function<void(int32_t, const etiket&)>& doe) {
     int32_t kop = serie.etiketkop, nummer = kop;
@@ -13,7 +33,7 @@ bool etiketten_loop(const serrec& serie, const std::function<void(int32_t, const
     int er = kop == -1 ? 0 : ioeti('F', &nummer, &label);
     for (; er > 0; er = ioeti('N', &nummer, &label))
         doe(nummer, label);
-    return er == 0;
+    return er == 0 && telling_past(serie, kop == -1 ? 0 : ioeti_plaatsen());
 }
 
 bool etiket_past(int32_t nummer, const etiket& label) {

@@ -29,9 +29,9 @@ public:
     bool schrijf(const genummerd& oud, const etiket& nieuw);
     bool wis(const genummerd& oud);
     bool nieuw(const etiket& label);
+    bool terug(); // none of it: always false
 
 private:
-    bool terug();
     etiketketen keten_;
     std::vector<genummerd> was_; // status 0: there was none
 };

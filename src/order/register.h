@@ -5,6 +5,7 @@
 #include "order/regel.h"
 #include "shared/registerrec.h"
 #include "term/tekst.h"
+#include <functional>
 #include <string>
 
 namespace zg {
@@ -44,6 +45,8 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
 // that count in them, each at its own rate. False: told, and nothing was written, or what was refused waits to be finished
 // (order/prijswerk.h).
 bool prijzen_bij(const orderregel& regel, const prijsrijen* oud);
+// Can the set that the line is to have be written? False: it or the free groups are damaged, told.
+bool prijzen_schrijfbaar(const orderregel& regel);
 // Does what the labels would become fit? False: told.
 bool prijzen_kunnen(const orderregel& regel, const prijsrijen& oud);
 // Before prices of a line change that stands on another order of this supplier and date, too: is the user sure?
@@ -64,12 +67,12 @@ void regels_overgeslagen(const Tekst& boven, const std::vector<std::string>& reg
 // Under the lock of the series. Is there room for what labels_bij would make, and does each fit? False: told why.
 bool labels_passen(const orderregel& regel, const serrec& serie);
 // Labels as the terms tell: kept, moved, deleted, made; counters and term bounds of *serie. The head of a new chain is
-// written (serie_schrijf) behind the first label; *serie is written by the caller in the end. False: damaged or refused,
-// told; the labels are as they were as far as the disk allows, the counters what they are.
-bool labels_bij(orderregel* regel, serrec* serie);
-// A line's labels on order go, under the lock of its series, whose counters in regel->serie the caller writes; how many
-// labels it keeps. False: told, all stand.
-bool label_wis(orderregel* regel, int* over);
+// written (serie_schrijf) behind the first label; `vastleggen` writes *serie in the end. False: damaged or refused (by
+// vastleggen, too), told; the labels are as they were as far as the disk allows, the counters what they are.
+bool labels_bij(orderregel* regel, serrec* serie, const std::function<bool()>& vastleggen = {});
+// A line's labels on order go, under the lock of its series, whose record `vastleggen` writes; how many it keeps. False:
+// told, all stand as far as the disk allows.
+bool label_wis(orderregel* regel, int* over, const std::function<bool()>& vastleggen = {});
 // registerweg.cpp: a line's part in the register before the line itself is deleted, under the lock of its series: labels,
 // and behind a question on a row the series that has none left. False: told, the line must stay.
 bool serie_regel_weg(orderregel* regel, int vraagrij);

@@ -121,7 +121,7 @@ bool serie_past(const orderregel& regel) {
         s.serie = regel_serie(regel);
         s.etiketkop = -1;
     }
-    if (!labels_passen(regel, s))
+    if (!labels_passen(regel, s) || !prijzen_schrijfbaar(regel))
         return false;
     uint8_t maten[MAATBYTES];
     alle_maten(regel, maten);
@@ -143,13 +143,18 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
         if (s.merk != oud_merk || memcmp(s.model, oud_model, sizeof oud_model) != 0)
             serie_mutatie('G', s, oud_merk);
     }
-    if (!prijzen_bij(*regel, nieuw ? nullptr : &oude_prijzen) || !labels_bij(regel, &s) ||
-        !schrijf_codes(*regel, s) || !serie_schrijf(s))
+    // Codes that are refused are made by the next save; what the series says of its labels stands all the same.
+    bool codes = true;
+    auto vastleggen = [&] {
+        codes = schrijf_codes(*regel, s);
+        return serie_schrijf(s);
+    };
+    if (!prijzen_bij(*regel, nieuw ? nullptr : &oude_prijzen) || !labels_bij(regel, &s, vastleggen))
         return false;
     if (!nieuw && zoekvelden_anders(regel->serie, s))
         serie_index_bij(regel->serie, &s);
     regel->serie = s;
-    return true;
+    return codes;
 }
 
 } // namespace zg

@@ -272,7 +272,7 @@ bool labels_passen(const orderregel& regel, const serrec& serie) {
     return ioeti_past(erbij);
 }
 
-bool labels_bij(orderregel* regel, serrec* serie) {
+bool labels_bij(orderregel* regel, serrec* serie, const std::function<bool()>& vastleggen) {
     Statustelling telling;
     std::vector<genummerd> eigen;
     if (!lees_eigen(*serie, &eigen, &telling))
@@ -298,6 +298,11 @@ bool labels_bij(orderregel* regel, serrec* serie) {
             weg = weg || !werken[i].weg.empty();
             erbij = erbij || !werken[i].erbij.empty();
         }
+        if (gelukt) {
+            telling.naar(serie);
+            rek_termen(*regel, serie);
+            gelukt = !vastleggen || vastleggen() || wijziging.terug();
+        }
     }
     if (!gelukt) {
         eigen.clear();
@@ -306,8 +311,6 @@ bool labels_bij(orderregel* regel, serrec* serie) {
             telling.naar(serie);
         return false;
     }
-    telling.naar(serie);
-    rek_termen(*regel, serie);
     regel->op_bestand = 0;
     for (const levterm& t : regel->termen)
         for (const levcel& c : t.cellen)
@@ -319,7 +322,7 @@ bool labels_bij(orderregel* regel, serrec* serie) {
     return true;
 }
 
-bool label_wis(orderregel* regel, int* over) {
+bool label_wis(orderregel* regel, int* over, const std::function<bool()>& vastleggen) {
     Statustelling telling;
     std::vector<genummerd> eigen;
     if (!lees_eigen(regel->serie, &eigen, &telling))
@@ -330,9 +333,14 @@ bool label_wis(orderregel* regel, int* over) {
         for (const genummerd& l : eigen)
             if (!wijziging.wis(l))
                 return false;
+        telling.per[ETI_ORDER] -= static_cast<int32_t>(eigen.size());
+        const serrec was = regel->serie;
+        telling.naar(&regel->serie);
+        if (vastleggen && !vastleggen()) {
+            regel->serie = was;
+            return wijziging.terug();
+        }
     }
-    telling.per[ETI_ORDER] -= static_cast<int32_t>(eigen.size());
-    telling.naar(&regel->serie);
     *over = telling.som();
     if (!eigen.empty())
         serie_mutatie('g', regel->serie);

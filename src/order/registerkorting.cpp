@@ -91,7 +91,8 @@ bool order_korting(int16_t was) {
     prijswerk noot{kop.leverancier, kop.orderdatum, kop.ordernummer, kop.korting, {}};
     std::vector<std::string> anders;
     BEZIGTOON();
-    if (!bereken_order(was, &noot, &anders) || !prijswerk_noteer(noot)) {
+    if (!bereken_order(was, &noot, &anders) || (!noot.series.empty() && !ioink_past(MATEN)) ||
+        !prijswerk_noteer(noot)) {
         BEZIGWIS();
         return false;
     }

@@ -185,6 +185,12 @@ bool prijs_periode(const serrec& serie, prijsset* set) {
     return heel;
 }
 
+bool prijzen_schrijfbaar(const orderregel& regel) {
+    prijsserie p{};
+    p.serie = regel_serie(regel);
+    return bereken_set(regel, serie_van(regel), &p) && (!p.zet || ioink_past(MATEN));
+}
+
 bool prijzen_kunnen(const orderregel& regel, const prijsrijen& oud) {
     prijsserie p{};
     p.serie = regel_serie(regel);

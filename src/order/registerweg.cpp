@@ -10,16 +10,15 @@ namespace zg {
 
 bool serie_regel_weg(orderregel* regel, int vraagrij) {
     int over = 0;
-    if (!label_wis(regel, &over))
+    bool geweigerd = false;
+    if (!label_wis(regel, &over, [&] { return serie_schrijf(regel->serie); }))
         return false;
     regel_wis_aantallen(regel);
     regel->op_bestand = 0;
     if (over == 0 && JNVRAAG(vraagrij, 1, "[-]%s", TXT(T_REG_SERIE_OOK)) &&
-        serie_verwijderen(dtser, &regel->serie, true)) {
+        serie_verwijderen(dtser, &regel->serie, true, &geweigerd))
         regel->serie = {};
-        return true;
-    }
-    return serie_schrijf(regel->serie);
+    return !geweigerd; // with its line the series can be deleted again
 }
 
 } // namespace zg

@@ -17,6 +17,9 @@ extern char letter; // of the call at work, for the report
 inline int64_t begin(int32_t nr) {
     return int64_t{nr} * static_cast<int64_t>(sizeof(etiblok));
 }
+// A program that dies or is refused between counters and block leaves them one ahead of the file; others than ours don't
+// hold them meanwhile, so as many as there are terminals may be under way.
+inline constexpr int64_t VOORUIT = 99;
 int64_t blokken(); // in the file; a block begun counts
 bool beschadigd(int32_t nr, const char* fmt, ...) __attribute__((format(printf, 2, 3))); // notes it: false
 // Into memory unless it is there; ownership is looked at when a chain is in hand. False: damaged.

@@ -72,7 +72,8 @@ etikeuring::blok lees_uit(const etiblok& b, int32_t nr, const etiketbezoek& bezo
 std::string loop_vrije(etikeuring* k) {
     const sysetiket& t = k->tellers;
     if (t.vrijkop < 0 || t.vrijkop > t.hoogste || t.hoogste > ioeti_hoogste_blok() + 1 ||
-        static_cast<size_t>(t.hoogste) < k->blokken.size() + k->half)
+        static_cast<size_t>(t.hoogste) < k->blokken.size() + k->half ||
+        t.hoogste > static_cast<int64_t>(k->blokken.size()) + eti::VOORUIT)
         return regel("DTSYS.TXT system record 4: free from block %d, end %d; the file has %zu blocks%s",
                      t.vrijkop, t.hoogste, k->blokken.size(), k->half ? " and a half" : "");
     for (int32_t nr = t.vrijkop; nr != t.hoogste;) {
@@ -174,6 +175,14 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
             fout(k, meld, waar(nr) + "a label of a size or branch that there isn't");
         heel = heel && !b.slecht;
     }
+    // Counted, and in blocks of the series outside its chain: a part of it is cut off.
+    const int64_t geteld = int64_t{rec.in_nota} + rec.voorraad + rec.verkopen + rec.correcties;
+    if (reden.empty() &&
+        geteld > int64_t{telling->in_nota} + telling->voorraad + telling->verkopen + telling->correcties &&
+        std::any_of(k->blokken.begin(), k->blokken.end(), [&](const auto& b) {
+            return b.waar == Etiblok::los && zelfde_serie(b.serie, rec.serie);
+        }))
+        reden = "counts more labels than its chain has, and others are in no chain: a part is cut off";
     k->labels += telling->in_nota + telling->voorraad + telling->verkopen + telling->correcties;
     if (!reden.empty()) {
         fout(k, meld, waar(nr) + reden);
@@ -181,7 +190,7 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
         if (binnen(*k, nr) && !zelfde_serie(bij(k, nr).serie, {}))
             bij(k, nr).breuk = true;
     }
-    if (rec.etiketkop != -1)
+    if (rec.etiketkop != -1 || !heel)
         k->ketens[sleutel(rec.serie)] = heel;
     return heel;
 }
@@ -209,7 +218,8 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
         meld("DTETI: the free chain was made anew");
         // Blocks that were given out and never written lie behind the file: their numbers are left.
         const auto in_bestand = static_cast<int32_t>(eti::blokken());
-        if (t.hoogste < in_bestand || t.hoogste > ioeti_hoogste_blok() + 1)
+        if (t.hoogste < in_bestand || t.hoogste > in_bestand + eti::VOORUIT ||
+            t.hoogste > ioeti_hoogste_blok() + 1)
             t.hoogste = in_bestand;
         t.vrijkop = t.hoogste;
         for (auto& b : k->blokken)

@@ -34,8 +34,9 @@ bool is_vrij(const etiblok& b) {
 bool tellers_kloppen(const sysetiket& t) {
     if (t.vrijkop < 0 || t.vrijkop > t.hoogste || t.hoogste > ioeti_hoogste_blok() + 1)
         return beschadigd(t.vrijkop, "%s", TXT(T_ETI_TELLERS));
-    // A block at the end that the counters don't know is somebody's.
-    return SYSOMVANG(fd) <= begin(t.hoogste) || beschadigd(t.hoogste, "%s", TXT(T_ETI_TELLERS));
+    // A block at the end that the counters don't know is somebody's; an end far behind the file is of another file.
+    return (SYSOMVANG(fd) <= begin(t.hoogste) && t.hoogste <= blokken() + VOORUIT) ||
+           beschadigd(t.hoogste, "%s", TXT(T_ETI_TELLERS));
 }
 
 // Link of a free block, which must look free; -1 when it is damaged.

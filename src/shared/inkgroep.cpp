@@ -94,6 +94,24 @@ void ink_meld(const prijsset& set, Inkfout fout, int32_t waar, bool steeds) {
         fprintf(stderr, "%s\n%s\n", wat, plek);
 }
 
+bool ioink_past(int groepen) {
+    sysprijs vrij;
+    int32_t slot = INK_SYSRECORD;
+    iotab('X', &slot, &vrij, SYS_RECORD);
+    const int64_t records = ink_records();
+    int32_t nr = vrij.vrijkop;
+    prijsgroeprec rec{};
+    for (; groepen > 0 && nr != vrij.hoogste && nr != records; groepen--, nr = rec.volgende)
+        if (nr >= records || !lees(nr, &rec) || !ink_leeg(rec) || rec.volgende == nr)
+            break;
+    iotab('U', &slot, nullptr, SYS_RECORD);
+    if (groepen == 0 || nr == vrij.hoogste || nr == records)
+        return true;
+    FFLASH(-1, 2, A_WAARDE, TXT(T_INK_WAARSCHUWING), "%s\n%s %ld", TXT(T_INK_VRIJKETEN), INK_GROEPEN,
+           static_cast<long>(nr));
+    return false;
+}
+
 inkslot::inkslot() {
     zet_staat(10);
     int32_t nr = INK_SYSRECORD;

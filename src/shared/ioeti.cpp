@@ -341,6 +341,10 @@ void stop(int32_t nr) {
 
 using namespace eti;
 
+int64_t ioeti_plaatsen() {
+    return eti::stappen * ETIPLAATSEN;
+}
+
 int ioeti(char actie, int32_t* nummer, etiket* label) {
     letter = actie;
     if (actie == 'O') {

@@ -52,8 +52,9 @@ public:
     etiketketen(const etiketketen&) = delete;
     etiketketen& operator=(const etiketketen&) = delete;
 };
-void ioeti_vergeet(); // forget the block in memory
-void ioeti_heropen(); // the file anew, as others have left it
+int64_t ioeti_plaatsen(); // of the blocks that the last walk has met
+void ioeti_vergeet();     // forget the block in memory
+void ioeti_heropen();     // the file anew, as others have left it
 
 int32_t ioeti_hoogste_blok(); // by the digits of a label number; its last place is never used
 // Blocks that can still be given out, free ones and those up to the limit; of the free ones no more than `nodig` are

@@ -44,6 +44,8 @@ bool ioink_move(char letter, prijsset* set, int delen, int sleutel);
 // Not open, or not in mode 2: INTERNAL 3 to 7.
 bool ioink_write(prijsset* set, const prijsgroepen& groepen);
 bool ioink_writeheld(prijsset* set, const prijsgroepen& groepen);
+// Before anything of a line is written: does the free chain make sense for so many groups? False: told.
+bool ioink_past(int groepen);
 bool ioink_delete(const prijsset& set);          // with its groups
 bool ioink_deleteall(const seriesleutel& serie); // all sets of a series
 // A set that must be there: stops with "<tag>: <series>  <set> <date> prijsset niet aanwezig".

@@ -139,7 +139,7 @@ bool wis_alles(ICB* icb, serrec* serie, const Etiketten& etiketten) {
 
 } // namespace
 
-bool serie_verwijderen(ICB* icb, serrec* serie, bool vraag) {
+bool serie_verwijderen(ICB* icb, serrec* serie, bool vraag, bool* geweigerd) {
     if (!icb)
         INTERNAL("serdel", 1);
     if (!dtean)
@@ -149,8 +149,12 @@ bool serie_verwijderen(ICB* icb, serrec* serie, bool vraag) {
     if (!dtserpic && (IOEXISTS("DTSERPIC.INX") || IOEXISTS("DTSERPIC.TXT")))
         INTERNAL("serdel", 3);
     Etiketten etiketten;
-    return loop_keten(serie, &etiketten) && (!vraag || akkoord(*serie, etiketten)) &&
-           wis_alles(icb, serie, etiketten);
+    if (!loop_keten(serie, &etiketten) || (vraag && !akkoord(*serie, etiketten)))
+        return false;
+    const bool weg = wis_alles(icb, serie, etiketten);
+    if (geweigerd)
+        *geweigerd = !weg;
+    return weg;
 }
 
 } // namespace zg

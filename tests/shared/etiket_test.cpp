@@ -263,6 +263,7 @@ TEST_F(Etiketten, ChainsAndNumbers) {
 TEST_F(Etiketten, FullFile) {
     instel15.etiketcijfers = 6;
     schrijf_bestand("DTETI.TXT", "");
+    ASSERT_EQ(truncate("DTETI.TXT", 99'999 * 376), 0);
     zet_tellers(99'999, 99'999);
     EXPECT_EQ(ioeti_ruimte(1), 1);
     EXPECT_EQ(maak(A, 1, 10), 9) << "number 1000000 has seven digits";
@@ -393,6 +394,7 @@ TEST_F(Etiketten, Damage) {
         {"counters the wrong way", GEEN, 0, 9, 7, nullptr},
         {"counters past the limit", GEEN, 0, 1000002, 1000002, nullptr},
         {"counters below 0", GEEN, 0, -1, 7, nullptr},
+        {"counters far behind the file", GEEN, 0, 500, 500, nullptr},
     };
     for (const auto& r : rijen) {
         SCOPED_TRACE(r.wat);

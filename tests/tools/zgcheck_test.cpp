@@ -86,6 +86,16 @@ const Schade SCHADES[] = {
      [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS4, int32_t{-5}); },
      {"DTETI: "},
      true},
+    {"counters of labels far behind the file",
+     [](const DemoMap& m) {
+         zet(m, "DTSYS.TXT", SYS4, std::pair{500'000, 500'000});
+     },
+     {"DTETI: DTSYS.TXT system record 4"},
+     true},
+    {"a series that has lost its chain",
+     [](const DemoMap& m) { zet(m, "DTSER.TXT", SER + offsetof(serrec, etiketkop), int32_t{-1}); },
+     {"DTETI: series 1100.15.1", "a part is cut off"},
+     false},
     {"labels cut off",
      [](const DemoMap& m) { std::filesystem::resize_file(m.bestand("DTETI.TXT"), 200 * BLOK + 5); },
      {"DTETI: series ", "outside the file"},
