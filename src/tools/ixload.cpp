@@ -141,7 +141,8 @@ int ixload(const Opdracht& o) {
     if (kwaal.empty())
         IXINITIX(icb);
     IXCLOSE(icb);
-    if (kwaal.empty() && !lezer.indeling(indeling(naam, kop), kop.reclen))
+    if (kwaal.empty() &&
+        !lezer.indeling(indeling(uit_dump ? dump.naam : naam, kop), kop.reclen)) // as it was dumped
         kwaal = lezer.fout();
     if (!kwaal.empty())
         return klacht(doel, kwaal), FOUT_GEVONDEN;

@@ -66,8 +66,9 @@ TEST_F(Tools, DumpAndLoadGiveTheSameDataFile) {
             SCOPED_TRACE(std::string(s.naam) + " " + vorm);
             maak(s, 200);
             std::string n = s.naam;
-            Uit u = sh("mkdir -p weer && ixdump " + n + " " + vorm +
-                       " -o uit && ixload --replace -i uit weer/" + n);
+            Uit u =
+                sh("mkdir -p weer && ixdump " + n + " " + vorm + " -o uit && ixload --replace -i uit weer/" +
+                   n + " && ixload --replace -i uit weer/ANDER && cmp weer/ANDER.TXT weer/" + n + ".TXT");
             ASSERT_EQ(u.status, 0) << u.tekst;
             EXPECT_TRUE(lees_bestand(n + ".TXT") == lees_bestand("weer/" + n + ".TXT"));
             std::string a = lees_bestand(n + ".INX"), b = lees_bestand("weer/" + n + ".INX");
