@@ -20,6 +20,9 @@ int prt_breedste(uint16_t masker); // 132, 80 or 40; 132 when it names none
 std::vector<Bestemming> prt_bestemmingen(const printtabellen& t, uint16_t masker);
 std::string prt_lijstregel(const Bestemming& b);
 
+// Open a job on this one: nothing is searched, asked or looked at first. Answers as XPRT_OPEN.
+int prt_open_op(const Bestemming& b, const printtabellen& t, int kopieen, const char* titel);
+
 // Let the user choose: index, -1 when the list was left without. CANCEL and ESC leave it while XPRT_LIJSTUIT says so.
 int XPRT_KIES(const std::vector<Bestemming>& rijen);
 // The menu of widths: 40, 80 or 132.

@@ -235,16 +235,60 @@ bool prt_bestaat(Printweg weg, const std::string& apparaat) {
     return true;
 }
 
-int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const char* titel) {
+namespace {
+
+printjob nieuw(const char* titel) {
     if (printopdracht.open)
         zigzag_start(); // which stops
     printjob job{};
     job.fd = -1;
     job.kopieen = 1;
     job.titel = titel ? titel : "";
+    jobcodes.clear();
+    return job;
+}
+
+void neem_codes(const printtabellen& t, const printjob& job) {
+    std::copy_if(t.codes.begin(), t.codes.end(), std::back_inserter(jobcodes),
+                 [&](const prtcode& c) { return job.code && c.code == job.code && c.config == job.config; });
+}
+
+// The job on its spool file, when its destination can be printed to.
+int open_job(printjob* job) {
+    if (!prt_bestaat(job->weg, job->apparaat)) {
+        weigering(job->apparaat);
+        return 0;
+    }
+    job->tekens = tekens_van(*job);
+    // A file for the user is written beside its place, to be there whole or not at all.
+    const bool naar = job->weg == Printweg::bestand;
+    const std::string map = naar ? job->apparaat.substr(0, job->apparaat.rfind('/')) : "";
+    bool open = false;
+    errno = EEXIST;
+    for (int i = 0; i < NAMEN && !open && errno == EEXIST; i++) {
+        const std::string pad = IOTMPNAM(map.empty() && naar ? "/" : map.c_str(), "PR");
+        if (pad.empty())
+            break;
+        errno = EEXIST;
+        open = spool_vrij(pad) && prt_job_open(*job, pad);
+    }
+    if (!open) {
+        weigering(job->apparaat);
+        return 0;
+    }
+    if (job->weg == Printweg::aux && !job->voorbeeld)
+        ONDERBREKUIT();
+    else
+        ONDERBREKRESET();
+    return 1;
+}
+
+} // namespace
+
+int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const char* titel) {
+    printjob job = nieuw(titel);
     const bool naar = wens.vlaggen & PRT_BESTAND;
     job.voorbeeld = (wens.vlaggen & PRT_VOORBEELD) || (wens.code == 0 && !naar);
-    jobcodes.clear();
     if (naar) {
         if (!naar_bestand(bestand, masker, &job))
             return 0;
@@ -254,35 +298,18 @@ int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const
             prt_box(TXT(T_PRT_PRINTEN), TXT(T_PRT_GEEN_MEDIUM));
             return 0;
         }
-        std::copy_if(t.codes.begin(), t.codes.end(), std::back_inserter(jobcodes), [&](const prtcode& c) {
-            return job.code && c.code == job.code && c.config == job.config;
-        });
+        neem_codes(t, job);
     }
-    if (!prt_bestaat(job.weg, job.apparaat)) {
-        weigering(job.apparaat);
-        return 0;
-    }
-    job.tekens = tekens_van(job);
-    // A file for the user is written beside its place, to be there whole or not at all.
-    const std::string map = naar ? job.apparaat.substr(0, job.apparaat.rfind('/')) : "";
-    bool open = false;
-    errno = EEXIST;
-    for (int i = 0; i < NAMEN && !open && errno == EEXIST; i++) {
-        const std::string pad = IOTMPNAM(map.empty() && naar ? "/" : map.c_str(), "PR");
-        if (pad.empty())
-            break;
-        errno = EEXIST;
-        open = spool_vrij(pad) && prt_job_open(job, pad);
-    }
-    if (!open) {
-        weigering(job.apparaat);
-        return 0;
-    }
-    if (job.weg == Printweg::aux && !job.voorbeeld)
-        ONDERBREKUIT();
-    else
-        ONDERBREKRESET();
-    return 1;
+    return open_job(&job);
+}
+
+int prt_open_op(const Bestemming& b, const printtabellen& t, int kopieen, const char* titel) {
+    printjob job = nieuw(titel);
+    job.kopieen = kopieen;
+    neem(b, &job);
+    job.voorbeeld = false;
+    neem_codes(t, job);
+    return open_job(&job);
 }
 
 std::string XPRT_CODE(int n) {

@@ -10,10 +10,12 @@
 #include "store/ix.h"
 #include "term/vast.h"
 #include "tools/demotekst.h"
+#include "tools/druktekst.h"
 #include "tools/dump.h"
 #include "tools/paar.h"
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <sstream>
@@ -176,6 +178,18 @@ void vul_verdelingen(const std::string& pad, std::vector<Demomaten>& alle) {
     IXCLOSE(icb);
 }
 
+// The print directory, and the one that its printers put files in. A firm's texts may have no printers.
+void vul_printers(const std::string& pad) {
+    for (const char* map : {"print", "uit"})
+        if (!SYSNIEUWEMAP(map))
+            demofout(std::string(map) + ": " + strerror(errno));
+    setenv("ZEBPRT", "print", 1);
+    std::error_code geen;
+    std::string fout;
+    if (fs::exists(pad, geen) && druk_laad(pad, &fout) != GOED)
+        demofout(fout);
+}
+
 // The mark comes first in a directory and goes last, so that what stands beside it is ours, half made or whole.
 constexpr char MERK[] = "ZGDEMO.MRK";
 constexpr char MERKTEKST[] =
@@ -304,6 +318,7 @@ int main(int argc, char** argv) {
     demo_orders(bron + "/orders.txt", m);
     if (met_register)
         demo_register();
+    vul_printers(bron + "/printers.txt");
     demobestand(MERK, MERKTEKST, sizeof MERKTEKST - 1);
     return 0;
 }
