@@ -252,9 +252,9 @@ int32_t zoek_gebruiker(const std::string& wie) {
 Uitkomst gebruikers(bool zetten) {
     if (!IOEXISTS("DTSYS.TXT"))
         return meld(NIET_TE_OPENEN, std::string("DTSYS.TXT: ") + strerror(ENOENT));
-    int32_t nr = 0;
+    int32_t eerste = 0, nr = 0;
     gebruikerslot g;
-    iotab('O', &nr, nullptr, SYS_RECORD);
+    iotab('O', &eerste, nullptr, SYS_RECORD);
     if (!wens.gebruiker.empty() && (nr = zoek_gebruiker(wens.gebruiker)) == 0)
         return meld(FOUT_GEVONDEN, "no such user: " + wens.gebruiker);
     if (!zetten) {
