@@ -1,0 +1,247 @@
+// The order on paper: what stands on it, the same from the shell and from the line screen; the printed lists of
+// distributions and runs.
+#include "e2e/loop.h"
+#include "order/ioord.h"
+#include "shared/ioeti.h"
+#include "term/gesprek.h"
+#include "term/natl.h"
+#include "term/vast.h"
+#include "tools/shell.h"
+#include <filesystem>
+
+using namespace zg;
+using namespace zg::test;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Lines without what depends on the moment (the first of each page) and without pages.
+std::string zonder_blad(const std::string& tekst) {
+    std::string uit;
+    for (size_t p = 0; p < tekst.size();) {
+        const size_t e = std::min(tekst.find('\n', p), tekst.size());
+        std::string regel(VASTTRIM(std::string_view(tekst).substr(p, e - p)));
+        p = e + 1;
+        regel.erase(0, regel.find_first_not_of('\f'));
+        if (regel.find(" blad:") == std::string::npos && !(regel.empty() && uit.ends_with("\n\n")))
+            uit += regel + "\n";
+    }
+    while (uit.ends_with("\n\n"))
+        uit.pop_back();
+    return uit.substr(std::min(uit.find_first_not_of('\n'), uit.size()));
+}
+
+std::string ordprint(const DemoMap& map, const std::string& wat) {
+    const Uit uit = sh("cd '" + map.pad() + "' && ordprint " + wat);
+    EXPECT_EQ(uit.status, 0) << wat << "\n" << uit.tekst;
+    return zonder_blad(uit.tekst);
+}
+
+// Two models in dollars: prices by size and two terms; one price, a remark; more sizes than a row holds.
+std::string order_van_drie() {
+    ordkop k = maak_kop("Voorjaar");
+    VASTIN(k.valuta, "USD");
+    k.koers = 9000, k.koerseenheid = 1;
+    k.korting = -1000;
+    ordmodel m{};
+    m.merk = 5, m.maatsoort = 1, m.artikelgroep = 10001;
+    VASTIN(m.model, "JURK");
+    std::string uit =
+        record('O', k) + tekst(1, "Franco huis\nper collo") + record('M', m) + tekst(3, "Zie monster 14");
+    auto dessin = [&](const char* naam, uint16_t kleur, uint32_t maten, const char* opmerking = "") {
+        orddessin d{};
+        VASTIN(d.dessin, naam);
+        VASTIN(d.materiaal, "KATOEN");
+        VASTIN(d.omschrijving, "Jurk kort");
+        d.kleur = kleur, d.volgnummer = 1;
+        memcpy(d.maten, &maten, sizeof maten);
+        uit += record('D', d) + tekst(4, opmerking);
+    };
+    auto prijs = [&](int maat, int32_t bruto) {
+        uit += record('S', ordmaat{static_cast<uint8_t>(maat), {}, bruto, bruto});
+    };
+    auto termijn = [&](int van, int tot) {
+        uit += record('L', ordlevt{static_cast<uint16_t>(van), static_cast<uint16_t>(tot)});
+    };
+    auto cel = [&](int filiaal, int maat, int n) {
+        uit += record('F', ordfil{static_cast<uint8_t>(filiaal), static_cast<uint8_t>(maat), 0, n});
+    };
+    dessin("UNI", 1, 0x1E);
+    for (int maat = 1; maat <= 4; maat++)
+        prijs(maat, maat <= 2 ? 1000 : 123456);
+    termijn(42440, 42470), cel(0, 1, 4), cel(0, 2, 5), cel(2, 4, 3);
+    termijn(42500, 42520), cel(2, 1, 2);
+    dessin("RUIT", 2, 0x6, "Let op: gevoerd");
+    prijs(1, 2000), prijs(2, 2000);
+    termijn(42440, 42470), cel(1, 2, 7);
+    m.maatsoort = 3;
+    VASTIN(m.model, "TRUI");
+    uit += record('M', m);
+    dessin("KABEL", 1, 0x3FFFFFE);
+    for (int maat = 1; maat <= 25; maat++)
+        prijs(maat, 500);
+    termijn(42440, 42470);
+    for (int maat = 1; maat <= 25; maat++)
+        cel(maat % 2, maat, maat);
+    return uit;
+}
+
+} // namespace
+
+TEST(Afdruk, WhatStandsOnIt) {
+    Datamap map;
+    map.journaal(order_van_drie());
+    EXPECT_EQ(ordprint(map, "-f full 2016Z/ORD0012.JRN"),
+              R"(Leverancier      : 12 Mode Centrale     Adres            : Utrecht
+Seizoen          : 2016Z                Orderdatum       : 01-03-2016
+Orderomschrijving: Voorjaar             Collectie        : ZOMER
+Korting          : 10.00%               Valutacode       : USD
+Valutakoers      : 90.00000  (per 100)
+
+Leveringscondities:
+    Franco huis
+    per collo
+
+merk model           materiaal    dessin       km artgr  kl d stuks netto(USD)
+------------------------------------------------------------------------------
+VIJF JURK            KATOEN       UNI             10001   1      14    3432.30
+    Vijf Sterren  Serie 10001.1.1  Jurk kort  maatsoort 1 Maten
+    maat              tot      35      36      37      38
+    110316-100416      12       4       5               3
+    100516-300516       2       2
+    besteld            14       6       5               3
+    bruto                   10.00   10.00 1234.56 1234.56
+    netto                    9.00    9.00 1111.10 1111.10
+Model Opmerking:
+    Zie monster 14
+
+                     KATOEN       RUIT            10001   2       7     126.00
+    Vijf Sterren  Serie 10001.2.1  Jurk kort  maatsoort 1 Maten
+    bruto 20.00  netto 18.00
+    maat              tot   35   36
+    110316-100416       7         7
+Dessin Opmerking:
+    Let op: gevoerd
+
+VIJF TRUI            KATOEN       KABEL           10001   1     325    1462.50
+    Vijf Sterren  Serie 10001.1.1  Jurk kort  maatsoort 3 Vijfentwintig
+    bruto 5.00  netto 4.50
+    maat              tot   50   51   52   53   54   55   56   57   58   59   60
+    110316-100416     325    1    2    3    4    5    6    7    8    9   10   11
+    maat              tot   61   62   63   64   65   66   67   68   69   70   71
+    110316-100416     325   12   13   14   15   16   17   18   19   20   21   22
+    maat              tot   72   73   74
+    110316-100416     325   23   24   25
+
+------------------------------------------------------------------------------
+Regels           : 3                    Stuks            : 346
+Bruto            : USD 5578.68          Netto            : USD 5020.80
+Inkoop           : EUR 4518.72
+)");
+    // A branch without prices: what it has of the lines that it has; each piece is in one sheet.
+    const std::string vellen = ordprint(map, "-f branch -x 2016Z/ORD0012.JRN");
+    EXPECT_NE(vellen.find(R"(
+VIJF JURK            KATOEN       UNI             10001   1       5
+    maat              tot   35   36   37   38
+    stuks               5    2              3
+------------------------------------------------------------------------------
+Regels           : 1                    Stuks            : 5
+)"),
+              vellen.npos)
+        << vellen;
+    for (const char* som : {"Stuks            : 165\n", "Stuks            : 176\n"})
+        EXPECT_NE(vellen.find(som), vellen.npos) << vellen;
+    // As a PDF, with every letter; nothing over what is there.
+    const std::string pdf = "cd '" + map.pad() + "' && ordprint -f full -o o.pdf 2016Z/ORD0012.JRN";
+    EXPECT_TRUE(sh("mkdir '" + map.pad() + "/uit'; " + pdf).zegt("nothing is printed there"));
+    const std::string uit = "cd '" + map.pad() + "' && ordprint -w 132 -o uit/o.pdf 2016Z/ORD0012.JRN";
+    EXPECT_EQ(sh(uit).status, 0);
+    EXPECT_EQ(sh(uit).status, 3);
+    EXPECT_TRUE(sh("pdftotext -layout '" + map.bestand("uit/o.pdf") + "' -").zegt("EUR 4518.72"));
+    EXPECT_EQ(map.restjes(), "");
+}
+
+// The same on the line screen; its line is in hand as before.
+TEST(Afdruk, FromTheLineScreen) {
+    Datamap map;
+    map.journaal(order_van_drie());
+    fs::create_directory(map.bestand("prt"));
+    Opties opties = map.opties();
+    opties.omgeving.push_back({"ZEBPRT", map.bestand("prt")});
+    Programma p(map.overgave(), opties);
+    p.eerste_order();
+    for (const char* keus : {"RFKMT", "RFVZT", "RFFMT"}) {
+        p.t.toetsen(std::string(keus) + "<Enter>");
+        EXPECT_TRUE(p.t.wacht("Printbreedte")) << p.t.scherm();
+        p.t.toetsen("8");
+        EXPECT_TRUE(p.t.wacht("Vastgelegd in")) << p.t.scherm();
+        p.t.toetsen("<Enter>");
+        const std::string naam = map.bestand("uit/order12-010316.txt");
+        const std::string wat = keus[2] == 'K' ? "-f short " : keus[2] == 'V' ? "-x -f full " : "-f branch ";
+        EXPECT_EQ(zonder_blad(CP850UTF8(lees_bestand(naam))), ordprint(map, wat + "2016Z/ORD0012.JRN"));
+        fs::remove(naam);
+    }
+    p.t.toetsen("RFKMS");
+    EXPECT_TRUE(p.t.wacht("Einde overzicht")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht("Orderomschrijving: Voorjaar")) << p.t.scherm();
+    p.t.toetsen("<Esc>RA");
+    EXPECT_TRUE(p.t.wacht("35   36   37   38")) << p.t.scherm();
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+    EXPECT_EQ(map.restjes(), "");
+}
+
+// A piece of the first series of supplier 10's first order comes in, its second series goes.
+void lever_en_verwijder(const DemoMap& map) {
+    std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
+    bool geleverd = false;
+    for (size_t p = 0; p + sizeof(etiblok) <= eti.size() && !geleverd; p += sizeof(etiblok)) {
+        etiblok b;
+        memcpy(&b, &eti[p], sizeof b);
+        if (b.serie.artikelgroep != 1100 || b.serie.kleur != 1)
+            continue;
+        etiket l;
+        eti_uit(b.plaats[0], b.serie, 0, &l);
+        l.status = ETI_VOORRAAD;
+        geleverd = eti_pak(l, nullptr, b.plaats[0]);
+        memcpy(&eti[p], &b, sizeof b);
+    }
+    EXPECT_TRUE(geleverd);
+    schrijf_bestand(map.bestand("DTETI.TXT"), eti);
+    const Uit weg =
+        sh("cd '" + map.pad() +
+           "' && printf 'set artikelgroep=1100 kleur=49 volgnummer=1\nread\ndelete\n' | ixsh DTSER");
+    EXPECT_TRUE(weg.zegt("0 rec=")) << weg.tekst;
+}
+
+// Out of series, sets and labels, as on the screen: its rows, its totals, what came in, a series that has gone. Nothing on
+// file changes.
+TEST(Afdruk, FullRegistration) {
+    DemoMap map("data/demo", "--register");
+    lever_en_verwijder(map);
+    const auto voor = map.inhoud();
+    const std::string kort = ordprint(map, "-n 1002 2016Z/ORD0010.JRN"),
+                      vol = ordprint(map, "-n 1002 -f full 2016Z/ORD0010.JRN");
+    EXPECT_EQ(DemoMap::verschil(voor, map.inhoud()), "");
+    EXPECT_NE(vol.find("    010216-140216      35 "), vol.npos) << vol;
+    EXPECT_NE(vol.find("    besteld            46    9   14   14    9\n"), vol.npos) << vol;
+    EXPECT_NE(kort.find("serie verwijderd*\n"), kort.npos) << kort;
+    Programma p(overgave(map), demo_opties(map));
+    p.leverancier(10);
+    p.t.wacht("</> voor nieuwe order");
+    p.t.toetsen("<Down><Enter>");
+    p.t.wacht_op(24, 1, "Uw keuze");
+    auto deel = [&](int rij, int kolom, int breedte) {
+        const std::string tekst = p.t.stuk(rij, kolom, breedte);
+        return std::string(VASTTRIM(tekst)).substr(tekst.find_first_not_of(' '));
+    };
+    for (const std::string& tekst :
+         {deel(8, 2, 78) + "\n", deel(9, 2, 78) + "\n", "Stuks            : " + deel(3, 50, 9) + "\n",
+          "Bruto            : EUR " + deel(3, 69, 11) + " ",
+          "Netto            : EUR " + deel(4, 69, 11) + "\n",
+          "Inkoop           : EUR " + deel(5, 69, 11) + "\n"})
+        EXPECT_NE(kort.find(tekst), kort.npos) << tekst << p.t.scherm() << kort;
+    p.t.toetsen("<Esc>");
+    p.t.kalm();
+}
