@@ -12,6 +12,7 @@
 #include "shared/files.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
+#include "sub/omserie.h"
 #include <cerrno>
 #include <unistd.h>
 
@@ -104,7 +105,8 @@ bool wrk_sluit() {
     bool niets =
         (!werk->gewijzigd && regels) || (order_nieuw && !regels && order_start == SYSOMVANG(journaal->fd));
     if (!order_alleen_lezen && !niets) {
-        goed = !registermodus || zet_status();
+        goed = !registermodus ||
+               (register_heel(dtordnr, TXT(T_JRN_ORDER_BLIJFT), TXT(T_JRN_ORDER_BEWAARD)) && zet_status());
         if (goed) {
             ors_wis();
             errno = 0;

@@ -217,8 +217,8 @@ bool ronde() {
     else
         wrk_ruim_op(); // killed before WRK was there, or behind the commit: what is left means nothing
     wrk_namen();
-    if (registermodus && journaal && !prijswerk_afmaken()) {
-        sluit_journaal(); // the disk refused: nobody may go on to an order whose prices are half changed
+    if (registermodus && journaal && (!prijswerk_afmaken() || !label_afmaken())) {
+        sluit_journaal(); // the disk refused: nobody may go on to an order whose prices or labels are half changed
         return true;
     }
     if (journaal && ord_kies_order())

@@ -32,14 +32,10 @@ bool bewaar(bool nieuw) {
     return true;
 }
 
-// What the labels of the lines hold of the header, changed.
-void naar_etiketten(const ordkop& oud) {
-    if (kop.inkoopcode != oud.inkoopcode)
-        label_bijwerk(1);
-    if (kop.ontvangstlocatie != oud.ontvangstlocatie) {
-        label_bijwerk(2);
-        ordnr_locatie();
-    }
+// What the labels of the lines hold of the header and has changed.
+int voor_etiketten(const ordkop& oud) {
+    return (kop.inkoopcode != oud.inkoopcode ? BIJ_CODE : 0) |
+           (kop.ontvangstlocatie != oud.ontvangstlocatie ? BIJ_LOCATIE : 0);
 }
 
 } // namespace
@@ -56,13 +52,16 @@ bool order_kop(Itemwijze wijze) {
         korting_bij_opening = kop.korting;
     if (wijze == Itemwijze::lezen)
         return false;
-    if (goed && !bewaar(nieuw)) {
+    int soorten = goed && registermodus && !nieuw && aantal_regels > 0 ? voor_etiketten(oud) : 0;
+    if (goed && ((soorten && !label_noteer(&soorten)) || !bewaar(nieuw))) {
         // Told: the file holds the old header, so the screen does too.
         kop = oud;
         return false;
     }
-    if (goed && registermodus && !nieuw && aantal_regels > 0)
-        naar_etiketten(oud);
+    if (soorten)
+        label_bijwerk(soorten);
+    if (soorten & BIJ_LOCATIE)
+        ordnr_locatie();
     return nieuw ? goed : anders;
 }
 

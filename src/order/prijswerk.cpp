@@ -1,7 +1,7 @@
 // A noted change of prices, see order/prijswerk.h: written into the register, and its scratch file.
 #include "order/prijswerk.h"
 #include "order/etiketloop.h"
-#include "order/meld.h"
+#include "order/noot.h"
 #include "order/register.h"
 #include "order/teksten.h"
 #include "order/wrk.h"
@@ -91,7 +91,7 @@ Prijsuit zet_etiketten(const prijswerk& noot, const prijsserie& p, const serrec&
 // ---- the scratch file: a head, then the series, each with its groups and labels
 
 constexpr char MERK[8] = {'Z', 'G', 'P', 'R', 'I', 'J', 'S', '1'};
-constexpr char EXTENSIE[] = "PRS", EXTENSIE_NIEUW[] = "PRN";
+constexpr Noot NOOT = {"PRS", "PRN"};
 
 struct [[gnu::packed]] koprec {
     char merk[8];
@@ -190,20 +190,6 @@ bool pak_uit(const std::vector<uint8_t>& in, prijswerk* noot) {
     return plaats == in.size();
 }
 
-// The file's bytes; false with errno set when they can't be had.
-bool lees_bestand(const std::string& naam, std::vector<uint8_t>* uit) {
-    const int fd = SYS.open(naam.c_str(), O_RDONLY | O_CLOEXEC, 0);
-    if (fd < 0)
-        return false;
-    const int64_t omvang = SYSOMVANG(fd);
-    uit->resize(omvang > 0 ? static_cast<size_t>(omvang) : 0);
-    const ssize_t n = SYSLEES(fd, uit->data(), uit->size(), 0);
-    const int fout = errno;
-    SYS.close(fd);
-    errno = fout;
-    return omvang >= 0 && n == omvang;
-}
-
 // The order's discount in the journal, where a kill came before its header.
 bool zet_kop(const prijswerk& noot) {
     const ordkop bewaard = kop;
@@ -248,52 +234,33 @@ bool prijswerk_doe(const prijswerk& noot, std::vector<std::string>* anders) {
 }
 
 bool prijswerk_noteer(const prijswerk& noot) {
-    const std::string nieuw = wrk_naam(EXTENSIE_NIEUW), naam = wrk_naam(EXTENSIE);
-    const std::vector<uint8_t> bytes = pak(noot);
-    const int fd = SYSNIEUW(nieuw.c_str(), O_WRONLY | O_TRUNC);
-    bool goed = fd >= 0 && SYSSCHRIJF(fd, bytes.data(), bytes.size()) && SYS.fsync(fd) == 0;
-    int fout = errno;
-    if (fd >= 0 && SYS.close(fd) != 0 && goed) {
-        goed = false;
-        fout = errno;
-    }
-    if (goed && SYS.rename(nieuw.c_str(), naam.c_str()) != 0) {
-        goed = false;
-        fout = errno;
-    }
-    if (!goed) {
-        SYS.unlink(nieuw.c_str());
-        SCHRIJFFOUT(IOBASENAME(naam.c_str()), fout);
-    }
-    return goed;
+    return noot_schrijf(NOOT, pak(noot));
 }
 
 void prijswerk_wis() {
-    SYS.unlink(wrk_naam(EXTENSIE).c_str());
-    SYS.unlink(wrk_naam(EXTENSIE_NIEUW).c_str());
+    noot_wis(NOOT);
 }
 
 bool prijswerk_lees(const std::string& pad, prijswerk* noot) {
     std::vector<uint8_t> bytes;
-    return lees_bestand(pad, &bytes) && pak_uit(bytes, noot);
+    return noot_lees(pad, &bytes) && pak_uit(bytes, noot);
 }
 
 bool prijswerk_afmaken() {
-    const std::string naam = wrk_naam(EXTENSIE);
-    if (!IOEXISTS(naam.c_str())) {
-        SYS.unlink(wrk_naam(EXTENSIE_NIEUW).c_str()); // killed while it was written: nothing has changed
-        return true;
-    }
     std::vector<uint8_t> bytes;
-    if (!lees_bestand(naam, &bytes)) {
-        ord_meld_geen_toegang(IOBASENAME(naam.c_str()), errno);
+    switch (noot_open(NOOT, &bytes)) {
+    case Nootstand::geen:
+        return true;
+    case Nootstand::onbereikbaar:
         return false;
+    case Nootstand::gelezen:
+        break;
     }
     prijswerk noot;
     std::vector<std::string> anders;
     if (!pak_uit(bytes, &noot))
-        ALARMBOX(TXT(T_REG_PRIJSWERK_STUK), IOBASENAME(naam.c_str()));
-    else if (!zet_kop(noot) || !prijswerk_doe(noot, &anders))
+        ALARMBOX(TXT(T_REG_PRIJSWERK_STUK), IOBASENAME(wrk_naam(NOOT.ext).c_str()));
+    else if (!register_heel() || !zet_kop(noot) || !prijswerk_doe(noot, &anders))
         return false;
     prijswerk_wis();
     regels_overgeslagen(T_REG_PRIJS_OVER, anders);

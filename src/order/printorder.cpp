@@ -280,7 +280,7 @@ void voortgang(size_t regel) {
 std::string in_plaats(const orderregel& regel, Serie serie) {
     if (serie == Serie::weg || serie == Serie::andere)
         return regel_verwijderd(regel, serie == Serie::andere);
-    if (serie != Serie::stuk)
+    if (serie != Serie::stuk && serie != Serie::zonder_prijs)
         return "";
     const seriesleutel s = regel_serie(regel);
     return " *" + std::to_string(s.artikelgroep) + "." + std::to_string(s.kleur) + "." +

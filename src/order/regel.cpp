@@ -62,16 +62,25 @@ int32_t netto_gelezen(int32_t opslag) {
     return opslag == PRIJS_ONBEKEND ? PRIJS_ONBEKEND : toeslag_erbij(opslag, kop.korting);
 }
 
-uint8_t laad_maat(const ordrauw& r, orderregel* regel) {
+// False: no such size.
+bool in_opslag(const ordrauw& r, regelopslag* opslag, uint8_t* maat) {
     ordmaat s;
     memcpy(&s, r.data + 1, sizeof s);
+    *maat = s.maat;
     if (s.maat < 1 || s.maat > MATEN)
+        return false;
+    maat_aan(opslag->maten, s.maat);
+    opslag->bruto[s.maat] = s.bruto;
+    opslag->netto[s.maat] = s.netto;
+    return true;
+}
+
+uint8_t laad_maat(const ordrauw& r, orderregel* regel) {
+    uint8_t maat;
+    if (!in_opslag(r, &regel->opslag, &maat))
         ord_inconsistent(werk, r.offset, r.tag);
-    maat_aan(regel->opslag.maten, s.maat);
-    regel->opslag.bruto[s.maat] = s.bruto;
-    regel->opslag.netto[s.maat] = s.netto;
-    up_zet_maat(&regel->prijzen, s.maat, s.bruto, netto_gelezen(s.netto));
-    return s.maat;
+    up_zet_maat(&regel->prijzen, maat, regel->opslag.bruto[maat], netto_gelezen(regel->opslag.netto[maat]));
+    return maat;
 }
 
 // Sum cells of one branch and size, in order; false when one does not fit.
@@ -140,9 +149,10 @@ void laad_onderdelen(regelloop* loop, orderregel* regel, int32_t regelplaats) {
     while (ord_verder(werk, &loop->loop, &r, "regel", 1) && !strchr("OMD", r.tag)) {
         if (r.tag == 'T')
             tekst_erbij(r, 4, regel->dessintekst, &stukken);
-        else if (registermodus && regel->dessin.geregistreerd)
-            continue;
-        else if (r.tag == 'S')
+        else if (registermodus && regel->dessin.geregistreerd) {
+            if (r.tag == 'S')
+                in_opslag(r, &regel->opslag, &maat);
+        } else if (r.tag == 'S')
             maat = laad_maat(r, regel);
         else if (r.tag == 'L') {
             ordlevt l;
@@ -229,6 +239,19 @@ void regels_loop(const std::function<void(int32_t nr, const orderregel* regel)>&
         else if (regel.dessin.geregistreerd)
             doe(nr, &regel);
     }
+}
+
+bool regel_prijzen_uit_opslag(orderregel* regel) {
+    bool er = false;
+    regel->prijzen = {};
+    memcpy(regel->dessin.maten, regel->opslag.maten, sizeof regel->dessin.maten);
+    for (int maat = 1; maat <= MATEN; maat++)
+        if (maat_in(regel->opslag.maten, maat)) {
+            const auto m = static_cast<size_t>(maat);
+            up_zet_maat(&regel->prijzen, maat, regel->opslag.bruto[m], netto_gelezen(regel->opslag.netto[m]));
+            er = true;
+        }
+    return er;
 }
 
 int32_t regel_bruto_opslag(const orderregel& regel, int maat) {

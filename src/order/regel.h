@@ -68,13 +68,16 @@ void regelloop_begin(regelloop* loop);
 // Load the line at an entry of the index; weights and the term in hand stay cleared. Net prices get the order
 // discount of `kop`, purchase prices are those of up_context; advice prices need the line's bar (order/regelstam.h). False, with the line cleared, when the work file
 // holds no line there. A branch or size outside the firm, a quantity below 0 or a sum that does not fit stops
-// with the "inconsistent, pos." report. In registermodus prices and quantities of a registered line are not read: price
-// file and labels hold the truth (order/register.h).
+// with the "inconsistent, pos." report. In registermodus quantities of a registered line are not read, and its
+// prices into `opslag` alone: price file and labels hold the truth (order/register.h).
 bool regel_lees(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
 bool regel_lees(const ors_ingang& ingang, orderregel* regel);
 // The registered lines of the order one by one, without their matrices, and null for a line that can't be read: the
 // others are still gone through, and it is for the caller to name it.
 void regels_loop(const std::function<void(int32_t nr, const orderregel* regel)>& doe);
+
+// The prices that the work file has for the line, for one that has none on file; its sizes are theirs then. False: it has none.
+bool regel_prijzen_uit_opslag(orderregel* regel);
 
 // What was ever ordered on a line, as cells above 0: its matrix; of a line without matrices its terms, since nothing is
 // delivered then.

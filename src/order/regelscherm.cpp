@@ -349,8 +349,11 @@ void dupliceer(Blad& blad) {
 // The line's labels go first; a series that has gone has none. False: the line must stay, since labels would be left
 // without it.
 bool uit_register() {
+    if (!register_heel())
+        return false;
     switch (serie_laad(&regel_nu, true, true)) {
     case Serie::gelezen:
+    case Serie::zonder_prijs:
         return serie_regel_weg(&regel_nu, MENURIJ);
     case Serie::stuk:
         error("%s", TXT(T_REGEL_ONTOEGANKELIJK));

@@ -22,8 +22,9 @@ inline seriesleutel regel_serie(const orderregel& regel) {
 // at the order's supplier and date, terms and quantities of its labels, the rate of its first purchase (`aankoop`), which
 // becomes the context (up_context) when `context`. `vergrendel` takes the lock, after which all of it is loaded again.
 // in_journaal: a line that isn't registered, which the journal holds; it may be looked at. stuk: told, the line can't be
-// worked on. Only gelezen leaves a lock.
-enum class Serie { gelezen, weg, andere, stuk, in_journaal };
+// worked on. zonder_prijs: its price set is gone, told; its pieces are known, and it may only be deleted. A set that never
+// came is no damage: told, and the line has the prices of the work file. Only gelezen and zonder_prijs leave a lock.
+enum class Serie { gelezen, weg, andere, stuk, zonder_prijs, in_journaal };
 Serie serie_laad(orderregel* regel, bool vergrendel, bool context);
 // The same for a series that the caller has read into regel->serie, under its lock: the line's key fields are those of the
 // series. False: damaged, told.
@@ -77,9 +78,15 @@ bool label_wis(orderregel* regel, int* over, const std::function<bool()>& vastle
 // and behind a question on a row the series that has none left. False: told, the line must stay.
 bool serie_regel_weg(orderregel* regel, int vraagrij);
 // registerbijwerk.cpp
-// 1 the header's purchase code, 2 its receiving location into the labels of all lines, behind the write of the header.
-// Takes the lock of each series in turn: none is held behind it. Lines that were skipped are named.
-void label_bijwerk(int soort);
+// The header's purchase code, its receiving location (bits) into the labels of all lines. It is noted in front of the write
+// of the header, which label_bijwerk comes behind; *soorten gets what an earlier one was refused. False: refused, told.
+// label_bijwerk takes the lock of each series in turn: none is held behind it. Lines that were skipped are named; what the
+// disk refused waits in the note.
+enum Bijwerksoort { BIJ_CODE = 1, BIJ_LOCATIE = 2 };
+bool label_noteer(int* soorten);
+void label_bijwerk(int soorten);
+// Finish what stands in the note, with the journal open: its order's header into its labels. False: refused, told.
+bool label_afmaken();
 void label_los(
     const seriesleutel& serie); // the number of `kop` out of the labels of its last line; takes the lock
 // The header's receiving location for labels of an article group, a branch number; 255 when locations aren't in use.

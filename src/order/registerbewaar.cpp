@@ -121,7 +121,7 @@ bool serie_past(const orderregel& regel) {
         s.serie = regel_serie(regel);
         s.etiketkop = -1;
     }
-    if (!labels_passen(regel, s) || !prijzen_schrijfbaar(regel))
+    if (!register_heel() || !labels_passen(regel, s) || !prijzen_schrijfbaar(regel))
         return false;
     uint8_t maten[MAATBYTES];
     alle_maten(regel, maten);

@@ -86,7 +86,7 @@ bool bereken_order(int16_t was, prijswerk* noot, std::vector<std::string>* ander
 } // namespace
 
 bool order_korting(int16_t was) {
-    if (was <= -10000 || kop.korting <= -10000 || !prijswerk_afmaken())
+    if (was <= -10000 || kop.korting <= -10000 || !prijswerk_afmaken() || !register_heel())
         return false;
     prijswerk noot{kop.leverancier, kop.orderdatum, kop.ordernummer, kop.korting, {}};
     std::vector<std::string> anders;

@@ -1,7 +1,9 @@
 // A line of the full registration out of the register: its series, prices and labels, see order/register.h.
+#include "order/etiketloop.h"
 #include "order/programma.h"
 #include "order/regelscherm.h"
 #include "order/register.h"
+#include "order/teksten.h"
 #include "price/koers.h"
 #include "shared/ioeti.h"
 #include "shared/ioink.h"
@@ -37,23 +39,18 @@ void zet_valuta(orderregel* regel, const char (&valuta)[VALUTACODE]) {
     memcpy(regel->aankoop.valuta, valuta, sizeof valuta);
 }
 
-// Prices of the set that holds for the order; its sizes are the line's then. False: damaged, told.
-bool laad_prijzen(orderregel* regel) {
+// Prices of the set that holds for the order; its sizes are the line's then. Damage is told.
+Prijsset laad_prijzen(orderregel* regel) {
     prijsset set{};
     prijsgroepen groepen;
     regel->prijzen = {};
-    regel->opslag = {};
     zet_valuta(regel, kop.valuta);
     regel->aankoop.koers = order_koers();
     regel->aankoop.koersfactor = static_cast<int32_t>(std::min<uint32_t>(kop.toeslag, INT32_MAX));
-    switch (ioink_find(regel->serie.serie, kop.leverancier, kop.orderdatum, &set, &groepen)) {
-    case Prijsset::stuk:
-        return false;
-    case Prijsset::geen:
-        return true;
-    case Prijsset::gelezen:
-        break;
-    }
+    const Prijsset uit = ioink_find(regel->serie.serie, kop.leverancier, kop.orderdatum, &set, &groepen);
+    if (uit != Prijsset::gelezen)
+        return uit;
+    regel->opslag = {};
     memcpy(regel->dessin.maten, set.maten, sizeof set.maten);
     for (const prijsgroep& groep : groepen)
         up_vul_groep(&regel->prijzen, groep.maten, groep.bruto, groep.netto);
@@ -63,7 +60,7 @@ bool laad_prijzen(orderregel* regel) {
             0; // not the order's currency: the rate of the day, without a label that tells it
     }
     regel->aankoop.koersfactor = set.koersfactor;
-    return true;
+    return uit;
 }
 
 // The rate at which a label was bought.
@@ -74,26 +71,42 @@ void laad_koers(orderregel* regel, const etiket& label) {
             koers_vernauwen(regel->aankoop.valuta, netto, label.inkoop, regel->aankoop.koersfactor);
 }
 
-// Everything that hangs from the record in `serie`.
-bool laad_inhoud(orderregel* regel, bool* keten_stuk) {
+// What hangs from the record in `serie`.
+enum class Inhoud { heel, prijzen_stuk, keten_stuk, zonder_set };
+
+Inhoud laad_inhoud(orderregel* regel) {
     neem_velden(regel);
     regel_wis_aantallen(regel);
     etiket koers{};
-    *keten_stuk = false;
-    if (!laad_prijzen(regel))
-        return false;
-    *keten_stuk = !labels_lees(regel, &koers);
-    if (*keten_stuk)
-        return false;
+    const Prijsset prijzen = laad_prijzen(regel);
+    if (prijzen == Prijsset::stuk)
+        return Inhoud::prijzen_stuk;
+    if (!labels_lees(regel, &koers))
+        return Inhoud::keten_stuk;
+    const auto is_nul = [](uint8_t b) { return b == 0; };
+    if (prijzen == Prijsset::geen && !std::ranges::all_of(regel->serie.maten, is_nul))
+        return Inhoud::zonder_set;
     laad_koers(regel, koers);
-    return true;
+    return Inhoud::heel;
+}
+
+// A series without the set of its order. A kill leaves it so in front of its labels, and the line has the prices that it
+// was to get; with labels of that supplier and date the set was lost, with what has changed since. Told.
+Serie zonder_set(orderregel* regel) {
+    bool besteld = false;
+    const bool heel = etiketten_loop(
+        regel->serie, [&](int32_t, const etiket& label) { besteld = besteld || label_van_datum(label); });
+    const bool eigen = heel && !besteld && regel_prijzen_uit_opslag(regel);
+    ioink_ontbreekt("omserie", regel->serie.serie, kop.leverancier, kop.orderdatum,
+                    TXT(eigen ? T_REG_PRIJS_ORDER : T_REGEL_ONTOEGANKELIJK));
+    return eigen ? Serie::gelezen : Serie::zonder_prijs;
 }
 
 // The record alone: is there a series, and is it this line's?
 Serie laad_record(orderregel* regel, bool vergrendel) {
     const seriesleutel sleutel = regel_serie(*regel);
     if (!(vergrendel ? serie_neem(sleutel, &regel->serie) : serie_lees(sleutel, &regel->serie)))
-        return Serie::weg;
+        return serie_kwijt(sleutel) ? Serie::stuk : Serie::weg;
     if (!serie_mag(regel->serie, serie_stempel(kop.orderdatum, regel->dessin.tijdstempel)))
         return Serie::andere;
     return Serie::gelezen;
@@ -114,33 +127,40 @@ void leeg(orderregel* regel) {
 } // namespace
 
 bool serie_in_regel(orderregel* regel) {
-    bool keten_stuk = false;
-    const bool goed = laad_inhoud(regel, &keten_stuk);
-    if (keten_stuk)
+    const Inhoud inhoud = laad_inhoud(regel);
+    if (inhoud == Inhoud::keten_stuk)
         ioeti_schademeld(regel->serie.serie);
-    if (!goed)
+    if (inhoud != Inhoud::heel)
         leeg(regel);
     else
         reken_inkoop(regel);
-    return goed;
+    return inhoud == Inhoud::heel;
 }
 
 Serie serie_laad(orderregel* regel, bool vergrendel, bool context) {
     if (!regel->dessin.geregistreerd)
         return Serie::in_journaal;
     const prijscontext was = up_context;
-    Serie uit = laad_record(regel, vergrendel);
-    bool keten_stuk = false;
-    if (uit == Serie::gelezen && !laad_inhoud(regel, &keten_stuk)) {
-        // Without the lock the series may have gone, or got another chain, in the middle of the walk: once more then.
+    Inhoud inhoud = Inhoud::heel;
+    auto lees = [&] {
+        const Serie uit = laad_record(regel, vergrendel);
+        if (uit == Serie::gelezen)
+            inhoud = laad_inhoud(regel);
+        return uit;
+    };
+    Serie uit = lees();
+    // Without the lock the series may have gone, or got another chain, in the middle of the walk: once more then.
+    if (uit == Serie::gelezen && !vergrendel &&
+        (inhoud == Inhoud::keten_stuk || inhoud == Inhoud::zonder_set))
+        uit = lees();
+    if (uit == Serie::gelezen && inhoud == Inhoud::zonder_set) {
+        uit = zonder_set(regel);
+    } else if (uit == Serie::gelezen && inhoud != Inhoud::heel) {
         uit = Serie::stuk;
-        if (keten_stuk && !vergrendel && (uit = laad_record(regel, false)) == Serie::gelezen &&
-            !laad_inhoud(regel, &keten_stuk))
-            uit = Serie::stuk;
-        if (uit == Serie::stuk && keten_stuk)
+        if (inhoud == Inhoud::keten_stuk)
             ioeti_schademeld(regel->serie.serie, true);
     }
-    if (uit != Serie::gelezen) {
+    if (uit != Serie::gelezen && uit != Serie::zonder_prijs) {
         leeg(regel);
         if (vergrendel)
             serie_los();
@@ -160,7 +180,7 @@ bool regel_volledig(regelloop* loop, const ors_ingang& ingang, orderregel* regel
     if (!registermodus)
         return true;
     const Serie serie = serie_laad(regel, false, false);
-    return serie == Serie::gelezen || serie == Serie::in_journaal;
+    return serie == Serie::gelezen || serie == Serie::in_journaal || serie == Serie::zonder_prijs;
 }
 
 void regel_prijscontext(const orderregel& regel) {

@@ -79,7 +79,7 @@ void ordnr_wis() {
 }
 
 void ordnr_locatie() {
-    if (zonder_nummer())
+    if (zonder_nummer() || !IXHEEL(dtordnr)) // the commit writes it again, and tells
         return;
     const Sleutelstand k1(dtordnr);
     Ordnr nr(kop.ordernummer);

@@ -6,6 +6,8 @@
 #include "shared/syscalls.h"
 #include "shared/teksten.h"
 #include "term/datum.h"
+#include <set>
+#include <string>
 #include <unistd.h>
 
 namespace zg {
@@ -157,9 +159,14 @@ bool ink_heel(const inkset& s) {
     return s.fout == Inkfout::geen;
 }
 
-void ioink_ontbreekt(const char* tag, const seriesleutel& serie, uint16_t setnr, uint16_t datum) {
-    SCRFATAL("%s: %ld.%hu.%hu  %hu  %s %s", tag, static_cast<long>(serie.artikelgroep), serie.kleur,
-             serie.volgnummer, setnr, DATUM8(datum), TXT(T_INK_GEEN_SET));
+void ioink_ontbreekt(const char* tag, const seriesleutel& serie, uint16_t setnr, uint16_t datum,
+                     const char* gevolg) {
+    static std::set<std::string> verteld;
+    char regel[120];
+    snprintf(regel, sizeof regel, "%s: %ld.%hu.%hu  %hu  %s %s", tag, static_cast<long>(serie.artikelgroep),
+             serie.kleur, serie.volgnummer, setnr, DATUM8(datum), TXT(T_INK_GEEN_SET));
+    if (verteld.insert(regel).second)
+        ALARMBOX(regel, gevolg);
 }
 
 } // namespace zg

@@ -48,7 +48,9 @@ bool ioink_writeheld(prijsset* set, const prijsgroepen& groepen);
 bool ioink_past(int groepen);
 bool ioink_delete(const prijsset& set);          // with its groups
 bool ioink_deleteall(const seriesleutel& serie); // all sets of a series
-// A set that must be there: stops with "<tag>: <series>  <set> <date> prijsset niet aanwezig".
-[[noreturn]] void ioink_ontbreekt(const char* tag, const seriesleutel& serie, uint16_t setnr, uint16_t datum);
+// A set that must be there isn't: a box, once a set, "<tag>: <series>  <set> <date> prijsset niet aanwezig" and under it what
+// comes of it.
+void ioink_ontbreekt(const char* tag, const seriesleutel& serie, uint16_t setnr, uint16_t datum,
+                     const char* gevolg);
 
 } // namespace zg

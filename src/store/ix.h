@@ -162,6 +162,9 @@ int IXPUTREC(ICB* icb,
              const void* rec); // over the one at `currec`, keys untouched, and let go; 0 refused by the disk
 int IXUPDATE(ICB* icb, const void* rec); // the halves of IXWRITE
 int IXINSERT(ICB* icb, const void* rec);
+// Would a change go through: is the pair not marked by a program that died in one, and its data file not cut? 1 or 0; waits
+// for a change under way. Whoever changes several pairs at once asks before the first.
+int IXHEEL(ICB* icb);
 int64_t IXSEEKDAT(ICB* icb);       // place of `currec` in the data file
 void IXRDREC(ICB* icb, void* rec); // 0xFF for what lies past the end
 void IXWRREC(ICB* icb, const void* rec);

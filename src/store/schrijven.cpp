@@ -264,4 +264,19 @@ int IXDELETE(ICB* icb, void* rec) {
     return fout ? -1 : 0;
 }
 
+int IXHEEL(ICB* icb) {
+    IXEIS(icb, "IXHEEL");
+    auto heel = [icb] {
+        IXHEADER h;
+        return IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h) && !h.busy &&
+               SYSOMVANG(icb->datfd) >= int64_t{h.nrecs} * h.reclen;
+    };
+    if (icb->mode != 2 || icb->koplock || heel())
+        return 1;
+    IXLOCK(icb, 2); // with the lock in hand nobody is at work any more
+    const bool uit = heel();
+    IXLOCK(icb, 12);
+    return uit;
+}
+
 } // namespace zg

@@ -15,7 +15,9 @@
 #include "term/vast.h"
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <iterator>
+#include <set>
 #include <vector>
 
 namespace zg {
@@ -57,6 +59,10 @@ void stuur_mutaties() {
     weg.swap(mutaties);
     for (const Mutatie& m : weg)
         mutatie(m.letter, m.inhoud);
+}
+
+bool van_serie(const uint8_t* rec, const seriesleutel& sleutel) {
+    return memcmp(rec, &sleutel, sizeof sleutel) == 0;
 }
 
 void in_hand(const seriesleutel& sleutel) {
@@ -111,12 +117,42 @@ void register_ververs() {
     ioeti_heropen(); // pairs have written all they have as soon as a call returns
 }
 
+bool register_heel(ICB* paar, const char* gevolg, const char* gevolg2) {
+    for (ICB* icb : {dtser, ioink_icb(), dtean, dtserpic, dtordnr}) {
+        if (!icb || (paar && icb != paar) || IXHEEL(icb))
+            continue;
+        char regel[80];
+        snprintf(regel, sizeof regel, TXT(T_REG_NIET_HEEL), icb->path);
+        ALARMBOX(regel, gevolg ? gevolg : TXT(T_REG_NIETS_VAST), gevolg2);
+        return false;
+    }
+    return true;
+}
+
 bool serie_lees(const seriesleutel& sleutel, serrec* rec) {
     Seriebuffer buffer(sleutel);
     const Sleutelstand k1(dtser);
-    if (IXREAD(dtser, buffer.rec) != 1)
+    if (IXREAD(dtser, buffer.rec) != 1 || !van_serie(buffer.rec, sleutel))
         return false;
     stam_uit(buffer.rec, dtser->h.reclen, rec);
+    return true;
+}
+
+bool serie_kwijt(const seriesleutel& sleutel) {
+    constexpr int KEREN = 3; // a series may go between index and record, and comes record first
+    static std::set<std::string> verteld;
+    const Sleutelstand k1(dtser);
+    for (int keer = 0; keer < KEREN; keer++) {
+        Seriebuffer buffer(sleutel);
+        if (!IXEXISTS(dtser, buffer.rec) ||
+            (IXREAD(dtser, buffer.rec) == 1 && van_serie(buffer.rec, sleutel)))
+            return false;
+    }
+    char regel[80];
+    snprintf(regel, sizeof regel, TXT(T_SER_SCHADE), "DTSER.TXT", serie_tekst(sleutel).c_str(),
+             dtser->currec);
+    if (verteld.insert(regel).second)
+        ALARMBOX(regel, TXT(T_SER_INCONSISTENT));
     return true;
 }
 
@@ -132,6 +168,10 @@ bool serie_neem(const seriesleutel& sleutel, serrec* rec) {
     if (gelezen != 1) { // deleted meanwhile
         if (gelezen == 0)
             IXUNLOCK(dtser, Seriebuffer(deze).rec);
+        return false;
+    }
+    if (!van_serie(hand.ruimte, deze)) {
+        IXLOCK(dtser, 13);
         return false;
     }
     stam_uit(hand.ruimte, dtser->h.reclen, rec);

@@ -20,8 +20,16 @@ void register_sluit();
 // Behind an action: what was written is on disk, so that other terminals see the result. No lock is held then.
 void register_ververs();
 
-// By key, without a lock. False when there is none.
+// Before the first write of a change: can all pairs of the register be written, or the one that is asked about? One that a
+// program left marked by its death, or that was cut, would stop this one half-way. False: told, and under it what comes of
+// it.
+bool register_heel(ICB* paar = nullptr, const char* gevolg = nullptr, const char* gevolg2 = nullptr);
+
+// By key, without a lock. False when there is none, or another's record where the index leads to.
 bool serie_lees(const seriesleutel& sleutel, serrec* rec);
+// For who got none: does the index lead to a record that DTSER.TXT hasn't got, cut off or written over? That is damage, and
+// told, once a series: the series didn't go.
+bool serie_kwijt(const seriesleutel& sleutel);
 // The same under the lock, waiting for it; the lock in hand before is given up first. False, and no lock or reservation,
 // when there is none.
 bool serie_neem(const seriesleutel& sleutel, serrec* rec);

@@ -3,6 +3,7 @@
 // of another series has changed, no key is reserved, and the check finds what its repair gives back.
 #include "e2e/loop.h"
 #include "order/driver.h"
+#include "order/ordrec.h"
 #include "order/programma.h"
 #include "order/start.h"
 #include "shared/ioeti.h"
@@ -133,6 +134,29 @@ struct Storingsmap : DemoMap {
     }
 };
 
+// Of the first order of the journal: its header, and its labels with another purchase code.
+zg::ordkop kop_van(const std::string& journaal) {
+    zg::ordkop uit{};
+    if (journaal.size() > sizeof uit)
+        memcpy(static_cast<void*>(&uit), &journaal[1], sizeof uit);
+    return uit;
+}
+std::vector<zg::etiket> labels_van(const DemoMap& map, int32_t ordernummer) {
+    const std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
+    std::vector<zg::etiket> uit;
+    for (size_t p = 0; p + sizeof(zg::etiblok) <= eti.size(); p += sizeof(zg::etiblok)) {
+        zg::etiblok b;
+        memcpy(&b, &eti[p], sizeof b);
+        for (const auto& plaats : b.plaats) {
+            zg::etiket l;
+            zg::eti_uit(plaats, b.serie, 0, &l);
+            if (l.status == zg::ETI_ORDER && l.ordernummer == ordernummer)
+                uit.push_back(l);
+        }
+    }
+    return uit;
+}
+
 class Registerstoring : public testing::TestWithParam<std::pair<const char*, const char*>> {};
 
 // What the check says but for what a repair gives back; a number whose deletion was refused is such, too.
@@ -179,6 +203,9 @@ TEST_P(Registerstoring, KilledOrRefusedAtEachWrite) {
             const size_t lengte = lees_bestand(map.bestand(JRN)).size();
             EXPECT_TRUE(!doden || lengte == voor || lengte == na) << "neither as it was nor restored";
             EXPECT_EQ(map.vreemde_labels({{1120, 14}, {1120, 20}}), vreemd);
+            const zg::ordkop order = kop_van(lees_bestand(map.bestand(JRN)));
+            for (const zg::etiket& l : labels_van(map, order.ordernummer))
+                EXPECT_EQ(l.inkoopcode, order.inkoopcode) << "a label that its order's code didn't reach";
             EXPECT_EQ(zonder_verlies(sh("zgcheck" + hier).tekst, doden), "");
             const Uit hersteld = sh("zgcheck -q --repair" + hier);
             EXPECT_EQ(hersteld.status, 0) << hersteld.tekst;
@@ -233,6 +260,11 @@ TEST(Registerschade, ToldAndLeftAlone) {
         {"free groups that a set has", "DTSYS.TXT", 8 * 64, getal(0), NIEUW,
          "Ketting van vrije prijsgroepen"},
         {"wild counters of groups", "DTSYS.TXT", 8 * 64, getal(-5), NIEUW, "Ketting van vrije prijsgroepen"},
+        {"a cut file of series", "DTSER.TXT", laatste + 100, "", BEKIJK, "DTSER.TXT: serie 1120.20."},
+        {"a series written over", "DTSER.TXT", laatste, std::string(sizeof(zg::serrec), '\0'), BEKIJK,
+         "DTSER.TXT: serie 1120.20."},
+        {"a cut file of sets", "DTIPA.TXT", map.begin.at("DTIPA.TXT").size() - sizeof(zg::prijsset) + 3, "",
+         BEKIJK, "prijsset niet aanwezig"},
         {"free codes that a series has", "DTEAN.INX", 12, getal(1), NIEUW, "DTEAN"},
         {"a wild counter of codes", "DTSYS.TXT", 13 * 64, getal(-5), NIEUW, "EAN-code"},
     };
@@ -251,7 +283,79 @@ TEST(Registerschade, ToldAndLeftAlone) {
         EXPECT_LE(Storingsmap::klaar(*t), 1) << t->scherm();
         for (const char* naam : {"DTETI.TXT", "DTIPG.TXT", "DTIPA.TXT", "DTSER.TXT"})
             EXPECT_TRUE(lees_bestand(map.bestand(naam)).starts_with(voor.at(naam))) << naam;
+        if (r.toetsen == BEKIJK) {
+            EXPECT_EQ(lees_bestand(map.bestand(JRN)), voor.at(JRN)) << "the line is gone";
+        }
     }
+}
+
+// Killed between the record of a new series and its price set: the line has the prices that it was to get, and says so.
+TEST(Registerschade, WithoutItsPriceSet) {
+    Storingsmap map;
+    ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(WEG).substr(0, 10)), 0);
+    map.begin = map.inhoud();
+    const std::string nieuw = "<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG;
+    ASSERT_EQ(map.loop(nieuw), 0);
+    zg::prijsgroeprec heel, nu;
+    const std::string groepen = lees_bestand(map.bestand("DTIPG.TXT"));
+    memcpy(static_cast<void*>(&heel), &groepen[groepen.size() - sizeof heel], sizeof heel);
+    const auto labels = labels_van(map, kop_van(lees_bestand(map.bestand(JRN))).ordernummer);
+    ASSERT_FALSE(labels.empty());
+    const std::string voor = map.begin.at("DTSER.TXT");
+    int gezien = 0;
+    for (int n = 0; n < 200 && !gezien; n++) {
+        map.zet_terug();
+        map.loop(nieuw, n);
+        if (sh("ixcheck -q \"" + map.pad() + "\"").status ||
+            lees_bestand(map.bestand("DTSER.TXT")).size() == voor.size() ||
+            lees_bestand(map.bestand("DTIPA.TXT")) != map.begin.at("DTIPA.TXT"))
+            continue;
+        gezien++;
+        const auto t = map.start(overgave(map), "<Enter><Enter>99<Enter><Enter><Enter>");
+        EXPECT_TRUE(t->wacht("prijsset niet aanwezig", 5000)) << t->scherm();
+        EXPECT_TRUE(t->wacht("De prijzen van de orderregel gelden")) << t->scherm();
+        t->toetsen("<Enter>WA010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>" +
+                   std::string(WEG));
+        EXPECT_EQ(Storingsmap::klaar(*t), 0) << t->scherm();
+        const std::string g = lees_bestand(map.bestand("DTIPG.TXT"));
+        memcpy(static_cast<void*>(&nu), &g[g.size() - sizeof nu], sizeof nu);
+        EXPECT_EQ(nu.netto, heel.netto);
+        EXPECT_EQ(nu.bruto, heel.bruto);
+        const auto later = labels_van(map, kop_van(lees_bestand(map.bestand(JRN))).ordernummer);
+        EXPECT_EQ(later.size(), labels.size());
+        for (const zg::etiket& l : later)
+            EXPECT_EQ(l.inkoop, labels[0].inkoop);
+        EXPECT_EQ(sh("zgcheck -q \"" + map.pad() + "\"").tekst, "");
+    }
+    EXPECT_TRUE(gezien) << "no kill left a series without its set";
+}
+
+// A pair that another's death left marked while a line is entered: nothing of the line is written, and nobody stops.
+TEST(Registerschade, MarkedPairsAreSeenBeforeTheFirstWrite) {
+    Storingsmap map;
+    ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG), 0);
+    map.begin = map.inhoud();
+    const std::string nieuw = NIEUW, voor_esc = nieuw.substr(0, nieuw.size() - 5);
+    for (const char* paar : {"DTSER", "DTIPA", "DTEAN"})
+        for (const std::string& toetsen :
+             {voor_esc, std::string("WAF9<Enter><Esc>"), std::string("WOG5<Enter>")}) {
+            SCOPED_TRACE(paar + (" at " + toetsen));
+            map.zet_terug();
+            const auto t = map.start(overgave(map), KIES + toetsen);
+            ASSERT_TRUE(t->kalm(20'000)) << t->scherm();
+            std::string inx = lees_bestand(map.bestand(std::string(paar) + ".INX"));
+            inx[offsetof(zg::IXHEADER, busy)] = 1;
+            schrijf_bestand(map.bestand(std::string(paar) + ".INX"), inx);
+            const auto voor = map.inhoud();
+            t->toetsen("<Esc>");
+            EXPECT_TRUE(t->wacht(std::string(paar) + ": niet consistent", 10'000)) << t->scherm();
+            t->toetsen("<Enter>");
+            t->kalm();
+            for (const char* naam : {"DTSER.TXT", "DTIPA.TXT", "DTIPG.TXT", "DTETI.TXT", "DTEAN.TXT", JRN})
+                EXPECT_EQ(lees_bestand(map.bestand(naam)), voor.at(naam)) << naam;
+            t->toetsen(WEG);
+            EXPECT_EQ(Storingsmap::klaar(*t), 0) << t->scherm();
+        }
 }
 
 // Two who add lines of one colour at once draw numbers, codes and blocks beside each other; one is killed anywhere in it.
@@ -308,7 +412,8 @@ INSTANTIATE_TEST_SUITE_P(
                     std::pair{"quantities",
                               "WAF1<Enter>2<Enter><Down><Esc>D010416<Enter>300416<Enter>A<Esc>"},
                     std::pair{"price", "WPP<Enter>25<Enter><Enter><Enter><Esc><Esc><Esc>"},
-                    std::pair{"discount", "WOG5<Enter><Esc>"}, std::pair{"lineaway", "VJ<Enter>N<Enter>"},
+                    std::pair{"discount", "WOG5<Enter><Esc>"}, std::pair{"code", "WOI3<Enter><Esc>"},
+                    std::pair{"lineaway", "VJ<Enter>N<Enter>"},
                     std::pair{"seriesaway", "VJ<Enter>J<Enter>J<Enter>"}),
     [](const auto& p) { return std::string(p.param.first); });
 

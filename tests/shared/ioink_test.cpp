@@ -370,8 +370,6 @@ TEST_F(Prijzen, Misuse) {
             zet(1, 2, 3);
         },
         "ioink: errno=6");
-    test::verwacht_stop([] { ioink_ontbreekt("omserie", SERIE, LEV, 42461); },
-                        "omserie: 305.12.3  77  01-04-16 prijsset niet aanwezig");
 }
 
 } // namespace
