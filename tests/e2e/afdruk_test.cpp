@@ -227,7 +227,9 @@ TEST(Afdruk, FullRegistration) {
     EXPECT_NE(vol.find("    010216-140216      35 "), vol.npos) << vol;
     EXPECT_NE(vol.find("    besteld            46    9   14   14    9\n"), vol.npos) << vol;
     EXPECT_NE(kort.find("serie verwijderd*\n"), kort.npos) << kort;
-    Programma p(overgave(map), demo_opties(map));
+    Opties opties = demo_opties(map);
+    opties.omgeving.push_back({"ZEBPRT", "print"});
+    Programma p(overgave(map), opties);
     p.leverancier(10);
     p.t.wacht("</> voor nieuwe order");
     p.t.toetsen("<Down><Enter>");
@@ -242,6 +244,18 @@ TEST(Afdruk, FullRegistration) {
           "Netto            : EUR " + deel(4, 69, 11) + "\n",
           "Inkoop           : EUR " + deel(5, 69, 11) + "\n"})
         EXPECT_NE(kort.find(tekst), kort.npos) << tekst << p.t.scherm() << kort;
+    // To a printer: one is to be chosen; looked at first, then a PDF.
+    p.t.toetsen("RFKMP");
+    EXPECT_TRUE(p.t.wacht(" Printbestemming ")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    EXPECT_TRUE(p.t.wacht("U dient een printbestemming te selecteren")) << p.t.scherm();
+    p.t.toetsen("<Down><Down><Down><Enter>");
+    EXPECT_TRUE(p.t.wacht("Einde overzicht")) << p.t.scherm();
+    p.t.toetsen("P");
+    EXPECT_TRUE(p.t.wacht_op(24, 1, "Uw keuze")) << p.t.scherm();
+    const std::string pdf = "for i in $(seq 200); do pdftotext -layout '" + map.pad() +
+                            "'/uit/T* - 2>/dev/null && break; sleep 0.1; done";
+    EXPECT_TRUE(sh(pdf).zegt("serie verwijderd*")) << p.t.scherm();
     p.t.toetsen("<Esc>");
     p.t.kalm();
 }
