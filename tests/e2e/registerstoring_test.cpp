@@ -377,11 +377,11 @@ TEST(Registersamen, OneKilledWhileTheOtherWorks) {
         if (paren.status) {
             EXPECT_EQ(sh("ixremake -q" + hier).status, 0);
         }
-        if (einde) { // the other was stopped by a pair left marked, and goes on behind its rebuild
+        // The other has its line, but where a pair was left marked: told before its first write, or stopped in the middle
+        // of it. Behind the rebuild it goes on.
+        if (einde || lees_bestand(map.bestand("2016Z/ORD0010.JRN")).size() == elders) {
             EXPECT_TRUE(paren.zegt("a program died while it wrote")) << b->scherm() << paren.tekst;
             EXPECT_EQ(map.loop(std::string("<Enter><Enter>10<Enter><Enter><Enter>") + WEG), 0);
-        } else {
-            EXPECT_GT(lees_bestand(map.bestand("2016Z/ORD0010.JRN")).size(), elders) << "the other's line";
         }
         EXPECT_EQ(map.loop(std::string("<Enter><Enter>99<Enter><Enter><Enter>") + WEG), 0);
         EXPECT_EQ(zonder_verlies(sh("zgcheck" + hier).tekst, true), "");
