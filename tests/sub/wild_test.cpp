@@ -44,6 +44,15 @@ std::map<int, std::string> maten_van(uint8_t stelsel, uint8_t soort, bool* stuk)
     return uit;
 }
 
+// Each size has a label of its own; a damaged record may have it otherwise.
+std::string label_fout(const std::map<int, std::string>& maten) {
+    for (const auto& [nr, naam] : maten)
+        for (const auto& [ander, zelfde] : maten)
+            if (naam.empty() || (nr != ander && naam == zelfde))
+                return "label \"" + naam + "\"";
+    return "";
+}
+
 std::string onderhoud() {
     const auto stelsel = static_cast<uint8_t>(1 + dobbel(2)), soort = static_cast<uint8_t>(1 + dobbel(9));
     bool stuk = false, na_stuk = false;
@@ -58,10 +67,8 @@ std::string onderhoud() {
     for (const auto& [nr, naam] : voor)
         if (!na.contains(nr) || (naam[0] != '~' && na.at(nr) != naam))
             return "lost size " + naam;
-    for (const auto& [nr, naam] : na)
-        for (const auto& [ander, zelfde] : na)
-            if (naam.empty() || (nr != ander && naam == zelfde))
-                return "label \"" + naam + "\"";
+    if (const std::string fout = label_fout(na); !fout.empty() && label_fout(voor).empty())
+        return fout;
     return er && na.empty() ? "there, without sizes" : "";
 }
 
@@ -134,7 +141,8 @@ TEST(SubWild, Keys) {
     const char* aantal = getenv("ZG_WILD");
     const int beurten = aantal ? atoi(aantal) : 400;
     const char* vast = getenv("ZG_SEED");
-    const unsigned zaad = vast ? static_cast<unsigned>(atol(vast)) : std::random_device{}();
+    // The same keys in every ordinary run; others by ZG_WILD or ZG_SEED.
+    const unsigned zaad = vast ? static_cast<unsigned>(atol(vast)) : aantal ? std::random_device{}() : 1;
     test::Terminal t([&] {
         SCRINIT();
         rng.seed(zaad);
