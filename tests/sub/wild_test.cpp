@@ -2,6 +2,7 @@
 // crashes, hangs or stays open, and what must hold of sizes and rows does hold afterwards.
 #include "shared/iotab.h"
 #include "shared/maatbalk.h"
+#include "store/ix.h"
 #include "sub/maatsoort.h"
 #include "sub/reeksen.h"
 #include "support/paar.h"
@@ -120,13 +121,17 @@ std::string reeksen() {
     return anders == (m != was) ? "" : "change not told";
 }
 
-// Now and then a record that no program wrote.
+// Now and then a record that no program wrote. A free slot stays as it is: with other bytes it reads as a record that
+// hangs in the chain of free ones, and the store stops there.
 void beschadig() {
     std::string alles = test::lees_bestand("DTMAAT.TXT");
     if (const int regels = static_cast<int>(alles.size() / sizeof(maatrij))) {
-        const int plaats = dobbel(regels) * static_cast<int>(sizeof(maatrij)) + 14 + dobbel(4 * 40);
-        alles[static_cast<size_t>(plaats)] = static_cast<char>(rng());
-        test::schrijf_bestand("DTMAAT.TXT", alles);
+        const size_t rij = static_cast<size_t>(dobbel(regels)) * sizeof(maatrij), byte = 14 + dobbel(4 * 40);
+        const char teken = static_cast<char>(rng());
+        if (IXRECLIVE(&alles[rij], sizeof(maatrij))) {
+            alles[rij + byte] = teken;
+            test::schrijf_bestand("DTMAAT.TXT", alles);
+        }
     }
     int32_t nr = 1 + dobbel(9);
     maatreeksrec rec{static_cast<uint8_t>(1 + dobbel(9)), {}, {}};
