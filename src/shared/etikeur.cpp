@@ -281,6 +281,9 @@ int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmeld
         } else if (!code.compare(0, 4, EIGEN)) {
             hoogste = std::max(hoogste, static_cast<uint32_t>(std::stoul(code.substr(4, 8))));
         }
+        if (staat == 2)
+            kwaal(regel("code %s: series %s has another for size %d", code.c_str(), naam(serie).c_str(),
+                        rec.maat));
         if (staat > 0)
             continue;
         kwaal(regel(staat < 0 ? "code %s: of series %s, which isn't there (size %d)"

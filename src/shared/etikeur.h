@@ -56,7 +56,8 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld);
 // With `herstel` those of series that are gone are deleted, and a counter that lies behind is moved; `meld` gets what was
 // done then, and -1 is the answer where the disk refused, which was told.
 using keurserie =
-    std::function<int(const seriesleutel& serie, uint8_t maat)>; // 1 has the size, 0 not, -1 no series
+    std::function<int(const seriesleutel& serie,
+                      uint8_t maat)>; // 1 has the size, 2 and a code for it already, 0 not, -1 no series
 int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld);
 
 } // namespace zg

@@ -77,6 +77,7 @@ void orders_van(int fd, const std::string& pad, bool in_hand, journalen* j) {
                                  k.jaar,
                                  k.orderdatum,
                                  k.seizoen,
+                                 k.ontvangstlocatie,
                                  k.ordernummer,
                                  {},
                                  in_hand});
@@ -87,7 +88,8 @@ void orders_van(int fd, const std::string& pad, bool in_hand, journalen* j) {
             memcpy(&d, r.data + 1, sizeof d);
             j->regels++;
             if (d.geregistreerd)
-                j->orders.back().series.insert(sleutel_van({m.artikelgroep, d.kleur, d.volgnummer}));
+                j->orders.back().series.emplace(sleutel_van({m.artikelgroep, d.kleur, d.volgnummer}),
+                                                uint16_t{d.tijdstempel});
         }
     }
 }

@@ -2,6 +2,7 @@
 // registration knows of.
 #pragma once
 #include "shared/registerrec.h"
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -16,9 +17,10 @@ struct journaalorder {
     std::string waar; // "2016Z/ORD0012.JRN at 0"
     uint16_t leverancier, jaar, orderdatum;
     char seizoen;
+    uint8_t ontvangstlocatie;
     int32_t nummer;
-    std::set<sleutelwaarde> series; // of its registered lines
-    bool in_hand;                   // a program has the journal, or broke off in it
+    std::map<sleutelwaarde, uint16_t> series; // of its registered lines, with the line's stamp of the day
+    bool in_hand;                             // a program has the journal, or broke off in it
 };
 struct journalen {
     std::vector<journaalorder> orders;

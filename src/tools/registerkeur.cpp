@@ -7,10 +7,12 @@
 #include "shared/files.h"
 #include "shared/inkcheck.h"
 #include "shared/ioink.h"
+#include "shared/iomaat.h"
 #include "shared/iotab.h"
 #include "shared/leesstam.h"
 #include "shared/sysrec.h"
 #include "store/ix.h"
+#include "sub/omserie.h"
 #include "tools/journaalkeur.h"
 #include <algorithm>
 #include <map>
@@ -30,11 +32,12 @@ struct Serie {
     int32_t plaats; // record in DTSER
     bool heel;      // its chain of labels
     etitelling labels;
+    uint8_t codes[MAATBYTES]; // sizes that have one
 };
 struct Orderlabels { // of one order in one block
     int32_t blok;
     sleutelwaarde serie;
-    uint16_t leverancier;
+    uint16_t leverancier, datum;
     int32_t nummer;
     bool in_nota; // one at least
 };
@@ -44,6 +47,7 @@ struct Keuring {
         dtean{"DTEAN", {}, {}, {}}, dtordnr{"DTORDNR", {}, {}, {}}, jrn{"journals", {}, {}, {}};
     std::unordered_map<sleutelwaarde, Serie> series;
     std::vector<Orderlabels> van_orders;
+    std::map<sleutelwaarde, int> vreemde_maat; // labels of a size or size type that isn't their series'
     etikeuring eti;
     std::set<sleutelwaarde> sets_zonder_serie;
     std::vector<int32_t> nummers_zonder_order;
@@ -79,7 +83,7 @@ void lees_series(Keuring* k) {
     for (int32_t nr = 0; (er = IXGET(series, buffer, nr)) >= 0; nr++) {
         if (!er)
             continue;
-        Serie s{{}, nr, true, {}};
+        Serie s{{}, nr, true, {}, {}};
         stam_uit(buffer, series->h.reclen, &s.rec);
         const sleutelwaarde sleutel = sleutel_van(s.rec.serie);
         const std::string wie = "series " + tekst(s.rec.serie);
@@ -117,13 +121,23 @@ void lees_sets(Keuring* k) {
     k->dtipa.telling = aantal(t.sets, "sets, ") + aantal(t.groepen, "groups, ") + aantal(t.vrij, "free");
 }
 
+bool heeft_maat(const serrec& s, uint8_t maat) {
+    return maat >= 1 && maat <= MATEN && (s.maten[maat / 8] >> maat % 8 & 1);
+}
+
 void neem_label(Keuring* k, int32_t blok, const etiket& l) {
+    const sleutelwaarde serie = sleutel_van(l.serie);
+    if (const auto s = k->series.find(serie);
+        s != k->series.end() &&
+        (!heeft_maat(s->second.rec, l.maat) || l.maatsoort != s->second.rec.maatsoort))
+        k->vreemde_maat[serie]++;
     if (l.ordernummer <= 0)
         return;
-    const Orderlabels o{blok, sleutel_van(l.serie), l.leverancier, l.ordernummer, l.status == ETI_ORDER};
+    const Orderlabels o{blok, serie, l.leverancier, l.orderdatum, l.ordernummer, l.status == ETI_ORDER};
     if (!k->van_orders.empty()) {
         Orderlabels& v = k->van_orders.back();
-        if (v.blok == o.blok && v.nummer == o.nummer && v.leverancier == o.leverancier) {
+        if (v.blok == o.blok && v.nummer == o.nummer && v.leverancier == o.leverancier &&
+            v.datum == o.datum) {
             v.in_nota |= o.in_nota;
             return;
         }
@@ -146,6 +160,9 @@ bool lees_labels(Keuring* k) {
                       aantal(s.labels.voorraad, ", ") + aantal(s.labels.verkopen, ", ") +
                       std::to_string(s.labels.correcties));
     }
+    for (const auto& [sleutel, n] : k->vreemde_maat)
+        k->dteti.noten.push_back("series " + tekst(k->series[sleutel].rec.serie) + ": " +
+                                 aantal(n, "labels of a size or size type that it hasn't"));
     etikeur_einde(&k->eti, [k](const std::string& wat) { k->dteti.kwalen.push_back(wat); });
     k->dteti.verloren = k->eti.verloren;
     k->dteti.telling =
@@ -153,17 +170,34 @@ bool lees_labels(Keuring* k) {
     return true;
 }
 
-int heeft_maat(const Keuring& k, const seriesleutel& serie, uint8_t maat) {
-    const auto s = k.series.find(sleutel_van(serie));
-    if (s == k.series.end())
+// Answers as eankeur asks it.
+int neem_code(Keuring* k, const seriesleutel& serie, uint8_t maat) {
+    const auto p = k->series.find(sleutel_van(serie));
+    if (p == k->series.end())
         return -1;
-    return maat >= 1 && maat < 96 && (s->second.rec.maten[maat / 8] >> maat % 8 & 1);
+    Serie& s = p->second;
+    if (!heeft_maat(s.rec, maat))
+        return 0;
+    const bool al = s.codes[maat / 8] >> maat % 8 & 1;
+    s.codes[maat / 8] = static_cast<uint8_t>(s.codes[maat / 8] | 1 << maat % 8);
+    return al ? 2 : 1;
 }
 
-int64_t codes_keur(const Keuring& k, bool herstel, const keurmelding& meld) {
+int64_t codes_keur(Keuring* k, bool herstel, const keurmelding& meld) {
+    for (auto& [sleutel, s] : k->series)
+        memset(s.codes, 0, sizeof s.codes);
     return eankeur(
-        codes, [&](const seriesleutel& serie, uint8_t maat) { return heeft_maat(k, serie, maat); }, herstel,
+        codes, [&](const seriesleutel& serie, uint8_t maat) { return neem_code(k, serie, maat); }, herstel,
         meld);
+}
+
+// Series of which each size has a code. What a broken-off save lacks comes with the next.
+void keur_codes(Keuring* k) {
+    codes_keur(k, false, [&](const std::string& wat) { k->dtean.kwalen.push_back(wat); });
+    k->dtean.telling = aantal(codes->h.nrecs, "records");
+    for (const auto& [sleutel, s] : k->series)
+        if ((s.rec.regtype || instel15.ean_alle) && memcmp(s.codes, s.rec.maten, sizeof s.codes) != 0)
+            k->dtean.noten.push_back("series " + tekst(s.rec.serie) + ": not all sizes have a code");
 }
 
 std::map<int32_t, ordnrrec> lees_nummers() {
@@ -206,12 +240,18 @@ void keur_orders(Keuring* k) {
         else if (n != nrs.end() && (n->second.leverancier != o.leverancier || n->second.jaar != o.jaar ||
                                     n->second.seizoen != o.seizoen || n->second.orderdatum != o.orderdatum))
             meld(&k->dtordnr, "has another order's number record");
-        for (const sleutelwaarde s : o.series)
-            if (!k->series.contains(s)) {
-                seriesleutel serie;
-                memcpy(&serie, &s, sizeof serie);
-                k->jrn.noten.push_back(wie + " has a line of " + tekst(serie) + ", which isn't there");
-            }
+        else if (n != nrs.end() && n->second.ontvangstlocatie != o.ontvangstlocatie)
+            k->dtordnr.noten.push_back(wie + " has a number record with another receiving location");
+        for (const auto& [sleutel, stempel] : o.series) {
+            const auto s = k->series.find(sleutel);
+            if (s != k->series.end() && serie_mag(s->second.rec, serie_stempel(o.orderdatum, stempel)))
+                continue;
+            seriesleutel serie;
+            memcpy(&serie, &sleutel, sizeof serie);
+            k->jrn.noten.push_back(
+                wie + " has a line of " + tekst(serie) +
+                (s == k->series.end() ? ", which isn't there" : ", a later one of that number"));
+        }
     }
     std::set<int32_t> met_label;
     for (const Orderlabels& l : k->van_orders) {
@@ -226,6 +266,9 @@ void keur_orders(Keuring* k) {
             wat = "which has no number record";
         else if (o != order.end() && !o->second->series.contains(l.serie))
             wat = "which has no line of it";
+        else if (o != order.end() &&
+                 (o->second->leverancier != l.leverancier || o->second->orderdatum != l.datum))
+            wat = "which has another supplier or date";
         if (wat.empty())
             continue;
         wat = "series " + tekst(s->second.rec.serie) + ", block " + std::to_string(l.blok) +
@@ -256,8 +299,7 @@ Keuring neem_op() {
     lees_sets(&k);
     if (!lees_labels(&k))
         k.dteti.kwalen.push_back("DTETI.TXT can't be read");
-    codes_keur(k, false, [&](const std::string& wat) { k.dtean.kwalen.push_back(wat); });
-    k.dtean.telling = aantal(codes->h.nrecs, "records");
+    keur_codes(&k);
     keur_orders(&k);
     return k;
 }
@@ -372,7 +414,7 @@ std::vector<std::string> register_herstel(bool* gelukt) {
         geteld++;
     }
     uit.push_back("DTSER: " + aantal(geteld, "series counted again"));
-    *gelukt &= codes_keur(k, true, meld) >= 0;
+    *gelukt &= codes_keur(&k, true, meld) >= 0;
     for (const int32_t nr : k.nummers_zonder_order) {
         uint8_t buffer[IXRECMAX] = {};
         memcpy(buffer, &nr, sizeof nr);

@@ -47,6 +47,13 @@ void wis(const DemoMap& map, const char* naam, int32_t nr) {
     EXPECT_EQ(a.status, 0) << naam << a.uitvoer;
 }
 
+void schrijf(const DemoMap& map, const char* naam, std::string rec) {
+    rec.resize(IXRECMAX);
+    const Afloop a = in_proces(
+        [&] { return chdir(map.pad().c_str()) == 0 && IXWRITE(IXOPEN(naam, 2), rec.data()) == 1 ? 0 : 1; });
+    EXPECT_EQ(a.status, 0) << naam << a.uitvoer;
+}
+
 constexpr size_t SYS4 = 3 * 64, SYS9 = 8 * 64, BLOK = sizeof(etiblok), SER = sizeof(serrec);
 
 struct Schade {
@@ -123,6 +130,23 @@ const Schade SCHADES[] = {
      [](const DemoMap& m) { wis(m, "DTSER", 1); },
      {"DTIPA: sets of 1100.15.1", "DTEAN: ", "DTETI: ", "journals: note: 0000Z/ORD0010.JRN"},
      true},
+    {"a label of another day than its order",
+     [](const DemoMap& m) { zet(m, "DTETI.TXT", offsetof(etiblok, plaats) + 26, uint16_t{1}); },
+     {"DTETI: series ", "which has another supplier or date"},
+     false},
+    {"a second code for a size",
+     [](const DemoMap& m) {
+         std::string code = lees_bestand(m.bestand("DTEAN.TXT")).substr(sizeof(eanrec), sizeof(eanrec));
+         schrijf(m, "DTEAN", code.replace(0, 13, "8711253001202"));
+     },
+     {"DTEAN: code 8711253001202: series ", " has another for size"},
+     false},
+    {"a block that its chain breaks at", // is its own, whatever it says
+     [](const DemoMap& m) {
+         zet(m, "DTETI.TXT", 0, seriesleutel{4711, 1, 1});
+     },
+     {"DTETI: series ", "block 0: is of series 4711.1.1"},
+     false},
     {"an order without its number",
      [](const DemoMap& m) { wis(m, "DTORDNR", 0); },
      {"has no number record"},
@@ -231,6 +255,11 @@ TEST(Zgcheck, BesidePeople) {
     }
     EXPECT_EQ(lees_bestand(map.bestand("DTSER.TXT")), voor.at("DTSER.TXT"));
     EXPECT_EQ(sh("zgcheck -r" + hier).status, 0);
+    sh("chmod -R a+rX" + hier);
+    const auto gast = in_proces([&] { // who may only read
+        return geteuid() == 0 && setuid(65534) != 0 ? 9 : sh("zgcheck -q" + hier).status;
+    });
+    EXPECT_EQ(gast.status, 0) << gast.uitvoer;
     EXPECT_EQ(sh("zgcheck").status, 2);
     EXPECT_EQ(sh("zgcheck --nonsense" + hier).status, 2);
     EXPECT_EQ(sh("zgcheck /").status, 3);
