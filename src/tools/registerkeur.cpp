@@ -195,9 +195,14 @@ int64_t codes_keur(Keuring* k, bool herstel, const keurmelding& meld) {
 void keur_codes(Keuring* k) {
     codes_keur(k, false, [&](const std::string& wat) { k->dtean.kwalen.push_back(wat); });
     k->dtean.telling = aantal(codes->h.nrecs, "records");
+    int64_t zonder = 0;
+    std::string eerste;
     for (const auto& [sleutel, s] : k->series)
-        if ((s.rec.regtype || instel15.ean_alle) && memcmp(s.codes, s.rec.maten, sizeof s.codes) != 0)
-            k->dtean.noten.push_back("series " + tekst(s.rec.serie) + ": not all sizes have a code");
+        if ((s.rec.regtype || instel15.ean_alle) && memcmp(s.codes, s.rec.maten, sizeof s.codes) != 0 &&
+            zonder++ == 0)
+            eerste = tekst(s.rec.serie);
+    if (zonder)
+        k->dtean.noten.push_back(aantal(zonder, "series have sizes without a code, as ") + eerste);
 }
 
 std::map<int32_t, ordnrrec> lees_nummers() {
@@ -269,11 +274,14 @@ void keur_orders(Keuring* k) {
         else if (o != order.end() &&
                  (o->second->leverancier != l.leverancier || o->second->orderdatum != l.datum))
             wat = "which has another supplier or date";
+        const bool later = wat.starts_with("which has another"); // the order's date was moved behind them
         if (wat.empty())
             continue;
         wat = "series " + tekst(s->second.rec.serie) + ", block " + std::to_string(l.blok) +
               ": labels of order " + std::to_string(l.nummer) + ", " + wat;
-        if (j.leveranciers_in_hand.contains(l.leverancier))
+        if (later)
+            k->dteti.noten.push_back(wat);
+        else if (j.leveranciers_in_hand.contains(l.leverancier))
             k->dteti.noten.push_back(wat + " (in use)");
         else
             kwaal(&k->dteti, &s->second, wat);

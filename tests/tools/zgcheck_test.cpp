@@ -130,10 +130,6 @@ const Schade SCHADES[] = {
      [](const DemoMap& m) { wis(m, "DTSER", 1); },
      {"DTIPA: sets of 1100.15.1", "DTEAN: ", "DTETI: ", "journals: note: 0000Z/ORD0010.JRN"},
      true},
-    {"a label of another day than its order",
-     [](const DemoMap& m) { zet(m, "DTETI.TXT", offsetof(etiblok, plaats) + 26, uint16_t{1}); },
-     {"DTETI: series ", "which has another supplier or date"},
-     false},
     {"a second code for a size",
      [](const DemoMap& m) {
          std::string code = lees_bestand(m.bestand("DTEAN.TXT")).substr(sizeof(eanrec), sizeof(eanrec));
