@@ -3,11 +3,8 @@
 #include "price/koers.h"
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
-#include "shared/report.h"
 #include "sub/omlev.h"
 #include "sub/omserie.h"
-#include <cerrno>
-#include <iterator>
 
 namespace zg {
 
@@ -27,37 +24,23 @@ void regelstam_vergeet() {
 
 namespace {
 
-struct Bestand {
-    const char* naam;
-    int modus;
-    ICB** icb;
-    bool mag_ontbreken = false;
-};
-const Bestand BESTANDEN[] = {
-    {"DTART", 2, &dtart},
-    {"DTLEV", 2, &dtlev},
-    {"DTMAAT", 2, &dtmaat},
-    {"DTMERK", 2, &dtmerk},
-    {"DTMTOM", 2, &dtmtom},
-    {"DTOMZGRP", 2, &dtomzgrp},
-    {"DTVVTAB", 2, &dtvvtab},
-    {"DTDOELGR", 2, &dtdoelgr, true},
-    {"DTLEVEXT", 2, &dtlevext, true},
+constexpr Stambestand BESTANDEN[] = {
+    {"DTART", &dtart},
+    {"DTLEV", &dtlev},
+    {"DTMAAT", &dtmaat},
+    {"DTMERK", &dtmerk},
+    {"DTMTOM", &dtmtom},
+    {"DTOMZGRP", &dtomzgrp},
+    {"DTVVTAB", &dtvvtab},
+    {"DTDOELGR", &dtdoelgr, true},
+    {"DTLEVEXT", &dtlevext, true},
 };
 
 } // namespace
 
 void bestanden_open(bool lezen) {
     stam_houder(stam_vergeet);
-    for (const Bestand& b : BESTANDEN) {
-        if (!stam_aanwezig(b.naam)) {
-            if (b.mag_ontbreken)
-                continue;
-            errno = ENOENT;
-            OPENFAIL("zgbestel", b.naam);
-        }
-        *b.icb = IXOPEN(b.naam, lezen ? 0 : b.modus);
-    }
+    stam_open("zgbestel", BESTANDEN, lezen);
     koers_open();
     if (registermodus)
         register_open(lezen);
@@ -66,11 +49,7 @@ void bestanden_open(bool lezen) {
 void bestanden_sluit() {
     register_sluit();
     koers_sluit();
-    for (size_t i = std::size(BESTANDEN); i-- > 0;) {
-        if (*BESTANDEN[i].icb)
-            IXCLOSE(*BESTANDEN[i].icb);
-        *BESTANDEN[i].icb = nullptr;
-    }
+    stam_sluit(BESTANDEN);
 }
 
 } // namespace zg

@@ -1,5 +1,6 @@
 // Labels of one series read and changed, see order/etiketloop.h.
 #include "order/etiketloop.h"
+#include "order/register.h"
 #include "order/teksten.h"
 #include "shared/iomaat.h"
 #include "shared/sysrec.h"
@@ -27,13 +28,13 @@ bool telling_past(const serrec& s, int64_t plaatsen) {
 } // namespace
 
 bool etiketten_loop(const serrec& serie, const std::function<void(int32_t, const etiket&)>& doe) {
-    int32_t kop = serie.etiketkop, nummer = kop;
-    const etiketketen in_hand(serie.serie, &kop);
+    int32_t eerste = serie.etiketkop, nummer = eerste;
+    const etiketketen in_hand(serie.serie, &eerste);
     etiket label;
-    int er = kop == -1 ? 0 : ioeti('F', &nummer, &label);
+    int er = eerste == -1 ? 0 : ioeti('F', &nummer, &label);
     for (; er > 0; er = ioeti('N', &nummer, &label))
         doe(nummer, label);
-    return er == 0 && telling_past(serie, kop == -1 ? 0 : ioeti_plaatsen());
+    return er == 0 && telling_past(serie, eerste == -1 ? 0 : ioeti_plaatsen());
 }
 
 bool etiket_past(int32_t nummer, const etiket& label) {
@@ -41,6 +42,20 @@ bool etiket_past(int32_t nummer, const etiket& label) {
         return true;
     ioeti_keur_af(nummer, TXT(T_REG_CEL));
     return false;
+}
+
+bool etiketten_order(const serrec& serie, genummerd* koers, const std::function<void(const etiket&)>& doe) {
+    *koers = {};
+    bool past = true;
+    const bool heel = etiketten_loop(serie, [&](int32_t nummer, const etiket& l) {
+        if (!past || !label_van_order(l) || !(past = etiket_past(nummer, l)))
+            return;
+        const etiket& k = koers->label;
+        if (k.status != ETI_ORDER && (l.status == ETI_ORDER || !k.status || l.levering_tot > k.levering_tot))
+            *koers = {nummer, l};
+        doe(l);
+    });
+    return heel && past;
 }
 
 bool etiketten_zoek(const serrec& serie, const std::function<bool(const etiket&)>& welke,

@@ -225,14 +225,15 @@ ordermatrix matrix_bouw(Matrixkeuze keuze, const ordmodel& als) {
     Stelsels stelsels;
     regelloop loop;
     regelloop_begin(&loop);
-    loop.zonder_matrices = true;
     orderregel regel;
+    Serie serie;
+    labelsom som;
     ors_ingang in{};
     for (bool er = ors_lees('F', &in); er; er = ors_lees('N', &in)) {
         if (!registermodus && in.m == loop.m && !past(keuze, loop.model, als))
             continue; // another line of a model that isn't ours
         // In the full registration a line that can't be loaded has its row, without pieces.
-        if ((!regel_volledig(&loop, in, &regel) && !registermodus) || !past(keuze, regel.model, als))
+        if ((!regel_som(&loop, in, &regel, &serie, &som) && !registermodus) || !past(keuze, regel.model, als))
             continue;
         matrixsleutel sleutel{
             regel.model.maatsoort, stelsels.van(regel.model), false, regel.dessin.kleur, {}};
@@ -245,12 +246,15 @@ ordermatrix matrix_bouw(Matrixkeuze keuze, const ordmodel& als) {
         matrixrij& totaal = uit.rijen[sleutel];
         tel_maten(regel.dessin.maten, &rij);
         tel_maten(regel.dessin.maten, &totaal);
-        regel_besteld(regel, [&](const levcel& cel) {
+        for (int maat = 1; maat <= MATEN; maat++) {
+            const int64_t aantal = som.besteld[maat];
+            if (aantal <= 0)
+                continue;
             for (matrixrij* r : {&rij, &totaal})
-                r->aantal[0] += cel.aantal, r->aantal[cel.maat] += cel.aantal, maat_aan(r->maten, cel.maat);
-            tel_op(&uit.netto, int64_t{cel.aantal} * up_lees(regel.prijzen.netto, cel.maat));
-            tel_op(&uit.inkoop, int64_t{cel.aantal} * up_lees(regel.prijzen.inkoop, cel.maat));
-        });
+                r->aantal[0] += aantal, r->aantal[maat] += aantal, maat_aan(r->maten, maat);
+            tel_op(&uit.netto, aantal * up_lees(regel.prijzen.netto, maat));
+            tel_op(&uit.inkoop, aantal * up_lees(regel.prijzen.inkoop, maat));
+        }
     }
     return uit;
 }

@@ -41,6 +41,8 @@ double order_koers();
 bool order_prijscontext();
 // A line's totals from what was ordered, at its prices; `regels` stays 0.
 void regel_totaal(const orderregel& regel, ordertotalen* totaal);
+// Likewise from the pieces by size index.
+void regel_totaal(const orderregel& regel, const int32_t* besteld, ordertotalen* totaal);
 void order_totaal_bij(char teken, const ordertotalen& totaal);
 // Rebuild ordertotaal, in the context of `kop`, by reading every line; the cursor's line isn't touched.
 void order_totalen();

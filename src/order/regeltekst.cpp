@@ -65,20 +65,19 @@ const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang
     static char tekst[256];
     static orderregel r;
     snprintf(tekst, sizeof tekst, "%-*s", REGELBREEDTE, "");
-    if (!regel_lees(loop, ingang, &r))
+    Serie serie;
+    labelsom som;
+    if (!regel_som(loop, ingang, &r, &serie, &som))
         return tekst;
-    if (registermodus) {
-        const Serie serie = serie_laad(&r, false, false);
-        if (serie == Serie::weg || serie == Serie::andere) {
-            snprintf(tekst, sizeof tekst, "%-*.*s", REGELBREEDTE, REGELBREEDTE,
-                     regel_verwijderd(r, serie == Serie::andere).c_str());
-            return tekst;
-        }
+    if (serie == Serie::weg || serie == Serie::andere) {
+        snprintf(tekst, sizeof tekst, "%-*.*s", REGELBREEDTE, REGELBREEDTE,
+                 regel_verwijderd(r, serie == Serie::andere).c_str());
+        return tekst;
     }
     leesmerk(dtmerk, &rijmerk, r.model.merk);
     const bool naam = !herhaald || registermodus;
     ordertotalen t;
-    regel_totaal(r, &t);
+    regel_totaal(r, som.besteld, &t);
     const char doel[] = {r.dessin.doelgroep ? r.dessin.doelgroep : ' ', 0};
     snprintf(tekst, sizeof tekst, "%-4.4s %-15.15s %-12.12s %-12.12s %-2.2s %s %s %1.1s %s %s",
              naam && rijmerk.merk ? VASTTEKST(rijmerk.zoeknaam).c_str() : "",

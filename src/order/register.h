@@ -3,6 +3,7 @@
 // record of the store, then a counter of the system file; never two series.
 #pragma once
 #include "order/regel.h"
+#include "shared/fmtab.h"
 #include "shared/registerrec.h"
 #include "term/tekst.h"
 #include <functional>
@@ -32,6 +33,14 @@ bool serie_in_regel(orderregel* regel);
 // regel_lees and serie_laad, without lock and context, for walks over the lines in either mode. False when the line can't
 // be loaded; what the work file has of it stands in *regel then.
 bool regel_volledig(regelloop* loop, const ors_ingang& ingang, orderregel* regel);
+// What the labels of a series tell of the order, without terms and branches.
+struct labelsom {
+    int32_t besteld[MAATKOLOMMEN]; // ever ordered, by size index
+    etiket koers;                  // as labels_lees
+};
+// regel_lees and serie_laad likewise, of the labels the sums alone (*som): they are kept while the series' record stands as
+// it is and this program leaves its labels alone, so that a repaint doesn't read them all again. False: there is no line.
+bool regel_som(regelloop* loop, const ors_ingang& ingang, orderregel* regel, Serie* serie, labelsom* som);
 // Currency, rate and surcharge at which the line's prices count, as context: in the full registration those that it was
 // bought at, else the order's.
 void regel_prijscontext(const orderregel& regel);
@@ -96,6 +105,8 @@ void label_zet_locatie(etiket* label, uint8_t locatie);
 // that tells the rate of the first purchase: the first on order of this order, else the one with the highest term; status
 // 0 when it has none.
 bool labels_lees(orderregel* regel, etiket* koers);
+// labelsom.cpp: their sums, as regel_som keeps them; false as labels_lees.
+bool labels_som(const serrec& serie, labelsom* som);
 // A term's dates in the labels of a line that is registered, under the lock of its series. False: told, all stand.
 bool levering_verzet(const orderregel& regel, uint16_t oud_tot, uint16_t van, uint16_t tot);
 

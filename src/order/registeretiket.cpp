@@ -225,39 +225,50 @@ void label_zet_locatie(etiket* label, uint8_t locatie) {
 }
 
 bool labels_lees(orderregel* regel, etiket* koers) {
-    std::map<uint16_t, std::pair<uint16_t, Cellen>> termen; // by last date: the first, and the pieces
+    struct Term {
+        uint16_t van;
+        Cellen cellen;
+    };
+    std::map<uint16_t, Term> termen; // by last date
     const bool matrices = !regel->nota_aantallen.empty();
-    *koers = {};
     regel_wis_aantallen(regel);
-    bool past = true;
-    int32_t op_order_er = 0;
-    const bool heel = etiketten_loop(regel->serie, [&](int32_t nummer, const etiket& l) {
-        if (!past || !label_van_order(l) || !(past = etiket_past(nummer, l)))
-            return;
+    regel->op_bestand = 0;
+    // Where the last one went: the next one mostly goes there, too.
+    uint16_t tot = 0;
+    Term* term = nullptr;
+    Cel cel;
+    int32_t* stuks = nullptr;
+    genummerd eerste;
+    const bool heel = etiketten_order(regel->serie, &eerste, [&](const etiket& l) {
         if (matrices)
             fmadd(&regel->order_aantallen, l.filiaal, l.maat, 1);
-        const bool open = l.status == ETI_ORDER;
-        if (koers->status != ETI_ORDER && (open || !koers->status || l.levering_tot > koers->levering_tot))
-            *koers = l;
-        if (!open)
+        if (l.status != ETI_ORDER)
             return;
         if (matrices)
             fmadd(&regel->nota_aantallen, l.filiaal, l.maat, 1);
-        op_order_er++;
-        auto& [van, cellen] = termen.try_emplace(l.levering_tot, l.levering_van, Cellen()).first->second;
-        van = std::min(van, l.levering_van);
-        cellen[{l.filiaal, l.maat}]++;
+        regel->op_bestand++;
+        if (!term || tot != l.levering_tot) {
+            tot = l.levering_tot;
+            term = &termen.try_emplace(tot, Term{l.levering_van, {}}).first->second;
+            stuks = nullptr;
+        }
+        term->van = std::min(term->van, l.levering_van);
+        if (!stuks || cel != Cel{l.filiaal, l.maat}) {
+            cel = {l.filiaal, l.maat};
+            stuks = &term->cellen[cel];
+        }
+        ++*stuks;
     });
-    if (!heel || !past) {
+    *koers = eerste.label;
+    if (!heel) {
         regel_wis_aantallen(regel);
         return false;
     }
-    for (const auto& [tot, term] : termen) {
-        regel->termen.push_back({term.first, tot, {}});
-        for (const auto& [cel, aantal] : term.second)
-            regel->termen.back().cellen.push_back({cel.first, cel.second, aantal});
+    for (const auto& [laatste, t] : termen) {
+        regel->termen.push_back({t.van, laatste, {}});
+        for (const auto& [waar, aantal] : t.cellen)
+            regel->termen.back().cellen.push_back({waar.first, waar.second, aantal});
     }
-    regel->op_bestand = op_order_er;
     return true;
 }
 

@@ -74,15 +74,18 @@ void laad_koers(orderregel* regel, const etiket& label) {
 // What hangs from the record in `serie`.
 enum class Inhoud { heel, prijzen_stuk, keten_stuk, zonder_set };
 
-Inhoud laad_inhoud(orderregel* regel) {
+Inhoud laad_inhoud(orderregel* regel, labelsom* som = nullptr) {
     neem_velden(regel);
-    regel_wis_aantallen(regel);
+    if (!som)
+        regel_wis_aantallen(regel);
     etiket koers{};
     const Prijsset prijzen = laad_prijzen(regel);
     if (prijzen == Prijsset::stuk)
         return Inhoud::prijzen_stuk;
-    if (!labels_lees(regel, &koers))
+    if (!(som ? labels_som(regel->serie, som) : labels_lees(regel, &koers)))
         return Inhoud::keten_stuk;
+    if (som)
+        koers = som->koers;
     const auto is_nul = [](uint8_t b) { return b == 0; };
     if (prijzen == Prijsset::geen && !std::ranges::all_of(regel->serie.maten, is_nul))
         return Inhoud::zonder_set;
@@ -124,20 +127,8 @@ void leeg(orderregel* regel) {
     regel_wis_aantallen(regel);
 }
 
-} // namespace
-
-bool serie_in_regel(orderregel* regel) {
-    const Inhoud inhoud = laad_inhoud(regel);
-    if (inhoud == Inhoud::keten_stuk)
-        ioeti_schademeld(regel->serie.serie);
-    if (inhoud != Inhoud::heel)
-        leeg(regel);
-    else
-        reken_inkoop(regel);
-    return inhoud == Inhoud::heel;
-}
-
-Serie serie_laad(orderregel* regel, bool vergrendel, bool context) {
+// As serie_laad; with `som` the labels' sums in place of terms and quantities.
+Serie laad(orderregel* regel, bool vergrendel, bool context, labelsom* som) {
     if (!regel->dessin.geregistreerd)
         return Serie::in_journaal;
     const prijscontext was = up_context;
@@ -145,7 +136,7 @@ Serie serie_laad(orderregel* regel, bool vergrendel, bool context) {
     auto lees = [&] {
         const Serie uit = laad_record(regel, vergrendel);
         if (uit == Serie::gelezen)
-            inhoud = laad_inhoud(regel);
+            inhoud = laad_inhoud(regel, som);
         return uit;
     };
     Serie uit = lees();
@@ -170,6 +161,38 @@ Serie serie_laad(orderregel* regel, bool vergrendel, bool context) {
     if (!context)
         up_context = was;
     return uit;
+}
+
+} // namespace
+
+bool serie_in_regel(orderregel* regel) {
+    const Inhoud inhoud = laad_inhoud(regel);
+    if (inhoud == Inhoud::keten_stuk)
+        ioeti_schademeld(regel->serie.serie);
+    if (inhoud != Inhoud::heel)
+        leeg(regel);
+    else
+        reken_inkoop(regel);
+    return inhoud == Inhoud::heel;
+}
+
+Serie serie_laad(orderregel* regel, bool vergrendel, bool context) {
+    return laad(regel, vergrendel, context, nullptr);
+}
+
+bool regel_som(regelloop* loop, const ors_ingang& ingang, orderregel* regel, Serie* serie, labelsom* som) {
+    loop->zonder_matrices = true;
+    *som = {};
+    *serie = Serie::in_journaal;
+    if (!regel_lees(loop, ingang, regel))
+        return false;
+    if (registermodus)
+        *serie = laad(regel, false, false, som);
+    if (*serie == Serie::in_journaal)
+        regel_besteld(*regel, [som](const levcel& cel) { som->besteld[cel.maat] += cel.aantal; });
+    else if (*serie != Serie::gelezen && *serie != Serie::zonder_prijs)
+        *som = {};
+    return true;
 }
 
 bool regel_volledig(regelloop* loop, const ors_ingang& ingang, orderregel* regel) {

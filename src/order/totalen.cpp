@@ -21,25 +21,19 @@ bool order_prijscontext() {
     return up_context.koers != was;
 }
 
-void regel_totaal(const orderregel& regel, ordertotalen* totaal) {
+void regel_totaal(const orderregel& regel, const int32_t* besteld, ordertotalen* totaal) {
     *totaal = {};
-    auto tel = [&](int maat, int64_t aantal) {
-        if (aantal <= 0)
-            return;
+    for (int maat = 1; maat <= MATEN; maat++) {
+        const int64_t aantal = std::max(besteld[maat], 0);
         totaal->stuks += aantal;
         totaal->bruto += aantal * up_lees(regel.prijzen.bruto, maat);
         totaal->netto += aantal * up_lees(regel.prijzen.netto, maat);
         totaal->inkoop += aantal * up_lees(regel.prijzen.inkoop, maat);
-    };
-    if (regel.order_aantallen.empty()) { // read without matrices: nothing is delivered, the terms hold it all
-        for (const levterm& term : regel.termen)
-            for (const levcel& cel : term.cellen)
-                tel(cel.maat, cel.aantal);
-        return;
     }
-    const int32_t* rij = matrix_totalen(regel.order_aantallen);
-    for (int maat = 1; maat <= MATEN; maat++)
-        tel(maat, rij[maat]);
+}
+
+void regel_totaal(const orderregel& regel, ordertotalen* totaal) {
+    regel_totaal(regel, matrix_totalen(regel.order_aantallen), totaal);
 }
 
 void order_totaal_bij(char teken, const ordertotalen& totaal) {
@@ -60,13 +54,14 @@ void order_totalen() {
     ordertotaal = {};
     regelloop loop;
     regelloop_begin(&loop);
-    loop.zonder_matrices = !registermodus;
     orderregel regel;
+    Serie serie;
+    labelsom som;
     ors_ingang ingang{};
     for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang)) {
         ordertotalen totaal{};
-        if (regel_volledig(&loop, ingang, &regel))
-            regel_totaal(regel, &totaal);
+        if (regel_som(&loop, ingang, &regel, &serie, &som))
+            regel_totaal(regel, som.besteld, &totaal);
         order_totaal_bij('+', totaal); // a line that can't be loaded counts as a line
     }
 }

@@ -22,8 +22,9 @@ inline int64_t begin(int32_t nr) {
 inline constexpr int64_t VOORUIT = 99;
 int64_t blokken(); // in the file; a block begun counts
 bool beschadigd(int32_t nr, const char* fmt, ...) __attribute__((format(printf, 2, 3))); // notes it: false
-// Into memory unless it is there; ownership is looked at when a chain is in hand. False: damaged.
-bool lees(int32_t nr);
+// Into memory unless it is there, in a walk with those behind it; ownership is looked at when a chain is in hand. False:
+// damaged.
+bool lees(int32_t nr, bool mee_lezen = false);
 bool lees_los(int32_t nr, etiblok* naar); // without ownership and memory
 // Go on from the block in memory. 1, or 0 at the end, -1 damaged.
 int volgend_blok(int64_t* stappen);

@@ -108,7 +108,7 @@ bool hang_aan(int32_t laatste, int32_t nr) {
 namespace eti {
 
 int nieuw_blok(int32_t laatste, uint8_t etiketsoort, const uint8_t* plaats, int32_t* nr) {
-    blok_nr = -1;
+    ioeti_vergeet();
     if (laatste >= 0) {
         if (!lees(laatste))
             stop(laatste);

@@ -37,6 +37,30 @@ int32_t plek_blok = -1;
 int plek;
 int64_t stappen; // blocks of the walk
 
+// Blocks that a walk has read along with the one it came to: those of a chain mostly lie one behind the other. A block that
+// is written isn't in it any more.
+constexpr int MEEGELEZEN = 32;
+struct {
+    int32_t van;
+    int aantal;
+    etiblok blokken[MEEGELEZEN];
+} mee;
+
+// Into memory from there; read with those behind it when it isn't there yet.
+bool lees_mee(int32_t nr) {
+    if (nr < mee.van || nr - mee.van >= mee.aantal) {
+        if (nr > ioeti_hoogste_blok())
+            return false;
+        const ssize_t n = SYSLEES(fd, mee.blokken, sizeof mee.blokken, begin(nr));
+        mee.van = nr;
+        mee.aantal = n > 0 ? static_cast<int>(n / static_cast<ssize_t>(sizeof(etiblok))) : 0;
+        if (!mee.aantal)
+            return false;
+    }
+    blok = mee.blokken[nr - mee.van];
+    return true;
+}
+
 // No place in front of this one is free; block -1: not known.
 int32_t zoek_blok = -1;
 int zoek_plek;
@@ -107,6 +131,7 @@ int zoek_label(int32_t* nummer, etiket* label) {
 }
 
 int eerste(int32_t* nummer, etiket* label) {
+    mee.aantal = 0;
     stappen = 1;
     plek_blok = *nummer;
     plek = 0;
@@ -142,6 +167,7 @@ bool schrijf_plaats(int plaats, const uint8_t* bytes) {
     uint8_t* oud = blok.plaats[plaats];
     if (!memcmp(oud, bytes, ETIPLAATS))
         return true;
+    mee.aantal = 0;
     if (SYSSCHRIJFOP(fd, bytes, ETIPLAATS, plaats_van(blok_nr, plaats))) {
         memcpy(oud, bytes, ETIPLAATS);
         return true;
@@ -305,10 +331,10 @@ bool lees_los(int32_t nr, etiblok* naar) {
     return n == static_cast<ssize_t>(sizeof *naar) || beschadigd(nr, "%s", TXT(T_ETI_BUITEN));
 }
 
-bool lees(int32_t nr) {
+bool lees(int32_t nr, bool mee_lezen) {
     if (nr != blok_nr || nr < 0) {
         blok_nr = -1;
-        if (!lees_los(nr, &blok))
+        if (!(mee_lezen && lees_mee(nr)) && !lees_los(nr, &blok))
             return false;
         blok_nr = nr;
     }
@@ -328,7 +354,7 @@ int volgend_blok(int64_t* gelopen) {
         beschadigd(van, "%s", TXT(T_ETI_ROND));
         return -1;
     }
-    return lees(naar) ? 1 : -1;
+    return lees(naar, naar == van + 1) ? 1 : -1;
 }
 
 void stop(int32_t nr) {
@@ -396,6 +422,7 @@ void ioeti_keten(const seriesleutel* van, int32_t* eerste) {
 
 void ioeti_vergeet() {
     blok_nr = zoek_blok = -1;
+    mee.aantal = 0;
 }
 
 void ioeti_heropen() {

@@ -7,6 +7,7 @@
 #include "term/strings.h"
 #include "term/vast.h"
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -182,6 +183,26 @@ Stampaar::~Stampaar() {
 bool stam_aanwezig(const char* naam) {
     std::string pad = naam;
     return IOSIZE((pad + ".INX").c_str()) >= IXBLOK && IOSIZE((pad + ".TXT").c_str()) >= 0;
+}
+
+void stam_open(const char* wie, std::span<const Stambestand> bestanden, bool lezen) {
+    constexpr int LEZEN = 0, SHARED = 2;
+    for (const Stambestand& b : bestanden) {
+        const bool er = stam_aanwezig(b.naam);
+        if (!er && !b.mag_ontbreken) {
+            errno = ENOENT;
+            OPENFAIL(wie, b.naam);
+        }
+        *b.icb = er ? IXOPEN(b.naam, lezen ? LEZEN : SHARED) : nullptr;
+    }
+}
+
+void stam_sluit(std::span<const Stambestand> bestanden) {
+    for (size_t i = bestanden.size(); i-- > 0;) {
+        if (*bestanden[i].icb)
+            IXCLOSE(*bestanden[i].icb);
+        *bestanden[i].icb = nullptr;
+    }
 }
 
 int opart(artrec* rec, int32_t artikelgroep) {

@@ -6,6 +6,7 @@
 #pragma once
 #include "shared/stamrec.h"
 #include "shared/sysrec.h"
+#include <span>
 
 namespace zg {
 
@@ -53,6 +54,15 @@ void stam_gewijzigd();
 
 // Can the pair be opened? IXOPEN stops the program where it can't.
 bool stam_aanwezig(const char* naam);
+// Pairs that a program keeps open: those of a table, opened in their order, to read alone or shared, closed the other way round.
+// One that isn't there stops the program with "Open niet gelukt" by `wie`, unless it may be missing: its handle is null then.
+struct Stambestand {
+    const char* naam;
+    ICB** icb;
+    bool mag_ontbreken = false;
+};
+void stam_open(const char* wie, std::span<const Stambestand> bestanden, bool lezen);
+void stam_sluit(std::span<const Stambestand> bestanden);
 // A pair that is open as long as this lives; null when it isn't there or holds nothing.
 struct Stampaar {
     Stampaar(const char* naam, int modus);

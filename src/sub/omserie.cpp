@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <iterator>
 #include <set>
 #include <vector>
 
@@ -28,12 +27,7 @@ namespace {
 
 constexpr int LEZEN = 0, SHARED = 2;
 
-struct Bestand {
-    const char* naam;
-    ICB** icb;
-    bool mag_ontbreken = false;
-};
-const Bestand BESTANDEN[] = {
+constexpr Stambestand BESTANDEN[] = {
     {"DTEAN", &dtean},
     {"DTSER", &dtser},
     {"DTSERPIC", &dtserpic, true},
@@ -84,15 +78,7 @@ bool register_aanwezig() {
 }
 
 void register_open(bool lezen) {
-    for (const Bestand& b : BESTANDEN) {
-        if (!stam_aanwezig(b.naam)) {
-            if (b.mag_ontbreken)
-                continue;
-            errno = ENOENT;
-            OPENFAIL("omserie", b.naam);
-        }
-        *b.icb = IXOPEN(b.naam, lezen ? LEZEN : SHARED);
-    }
+    stam_open("omserie", BESTANDEN, lezen);
     ioeti('O', nullptr, nullptr);
     ioink_open(lezen ? LEZEN : SHARED);
     if (!lezen)
@@ -106,11 +92,7 @@ void register_sluit() {
     serie_nummer_los();
     ioink_close();
     ioeti('C', nullptr, nullptr);
-    for (size_t i = std::size(BESTANDEN); i-- > 0;) {
-        if (*BESTANDEN[i].icb)
-            IXCLOSE(*BESTANDEN[i].icb);
-        *BESTANDEN[i].icb = nullptr;
-    }
+    stam_sluit(BESTANDEN);
 }
 
 void register_ververs() {

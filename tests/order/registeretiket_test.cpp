@@ -92,7 +92,7 @@ struct Regeletiketten : test::Systeem {
     }
 };
 
-int schrijvingen;
+int schrijvingen, lezingen;
 ssize_t tel(int fd, const void* buf, size_t n, off_t plaats) {
     schrijvingen++;
     return test::echt(fd, buf, n, plaats);
@@ -155,6 +155,39 @@ TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
     EXPECT_EQ(l.prijs * 1000 + l.netto, 1'995'903);
     EXPECT_EQ(l.maatsoort * 1000 + l.locatie, 12'255) << "receiving locations aren't in use";
     EXPECT_EQ(l.etiketsoort * 1000 + l.levering_van, 110) << "the block's kind stays";
+}
+
+// The sums of a series are read once, and again behind a change that the counts in its record don't tell.
+TEST_F(Regeletiketten, SumsHoldUntilALabelChanges) {
+    labelsom som;
+    auto stuks = [&] {
+        static ssize_t (*echt)(int, void*, size_t, off_t);
+        echt = SYS.pread;
+        SYS.pread = [](int fd, void* buf, size_t n, off_t p) { return lezingen++, echt(fd, buf, n, p); };
+        lezingen = 0;
+        EXPECT_TRUE(labels_som(serie, &som));
+        SYS.pread = echt;
+        return som.besteld[3] * 1000 + som.besteld[5];
+    };
+    zet("100/0/3x999");
+    EXPECT_TRUE(labels_bij(&regel, &serie));
+    EXPECT_EQ(stuks(), 999'000);
+    EXPECT_EQ(stuks(), 999'000);
+    EXPECT_EQ(lezingen, 1) << "the label that tells the rate";
+    zet("100/0/3x998 100/0/5x1");
+    EXPECT_TRUE(labels_bij(&regel, &serie));
+    EXPECT_EQ(stuks(), 998'001) << "this program's own change";
+    etiket l = som.koers;
+    l.inkoop = 555;
+    int32_t nr = 1;
+    ioeti('W', &nr, &l);
+    stuks();
+    EXPECT_EQ(som.koers.inkoop, 555) << "a change of prices in another program";
+    vreemd([](etiket* e) { e->status = ETI_VOORRAAD; });
+    serie.voorraad++;
+    EXPECT_EQ(stuks(), 999'001) << "labels added in another program";
+    kop.ordernummer = 1001;
+    EXPECT_EQ(stuks(), 0) << "another order";
 }
 
 TEST_F(Regeletiketten, OthersStay) {

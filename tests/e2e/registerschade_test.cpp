@@ -1,0 +1,152 @@
+// Damage in the files of the full registration: told, and nothing is written over it.
+#include "e2e/storingsmap.h"
+#include "shared/ioeti.h"
+#include "store/ix.h"
+#include "tools/shell.h"
+
+using namespace zg::test;
+
+namespace {
+
+// Damage met through the screens: it is told, its line can't be worked on, and nothing is written over.
+TEST(Registerschade, ToldAndLeftAlone) {
+    Storingsmap map;
+    ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG), 0);
+    map.begin = map.inhoud();
+    const size_t laatste = map.begin.at("DTSER.TXT").size() - sizeof(zg::serrec);
+    int32_t kop;
+    memcpy(&kop, &map.begin.at("DTSER.TXT")[laatste + offsetof(zg::serrec, etiketkop)], sizeof kop);
+    const size_t blok = static_cast<size_t>(kop) * sizeof(zg::etiblok);
+    const size_t link = blok + offsetof(zg::etiblok, volgende);
+    const size_t groep = map.begin.at("DTIPG.TXT").size() - sizeof(zg::prijsgroeprec);
+    auto getal = [](int32_t n) { return std::string(reinterpret_cast<const char*>(&n), sizeof n); };
+    static constexpr char BEKIJK[] = "<Enter>WA<Enter><Esc>VJ<Enter><Enter><Esc>";
+    const struct {
+        const char *wat, *bestand;
+        size_t plaats;
+        std::string bytes; // empty: cut off there
+        const char *toetsen, *gezegd;
+    } rijen[] = {
+        {"a chain into another series", "DTETI.TXT", link, getal(0), BEKIJK, "Etiket niet van 1120.20."},
+        {"a circle", "DTETI.TXT", link, getal(kop), BEKIJK, "DTETI.TXT: serie 1120.20."},
+        {"a chain past the end", "DTETI.TXT", link, getal(500'000), BEKIJK, "Buiten bestand"},
+        {"a chain to a number that is none", "DTETI.TXT", link, getal(-7), BEKIJK,
+         "DTETI.TXT: serie 1120.20."},
+        {"status 5", "DTETI.TXT", link + 4 + 8, getal(20'005), BEKIJK, "DTETI.TXT: serie 1120.20."},
+        {"status 9, all bits set", "DTETI.TXT", link + 4, std::string(zg::ETIPLAATS, '\xFF'), BEKIJK,
+         "DTETI.TXT: serie 1120.20."},
+        {"a cut file", "DTETI.TXT", blok + 100, "", BEKIJK, "Buiten bestand"},
+        {"a chain cut off", "DTSER.TXT", laatste + offsetof(zg::serrec, etiketkop), getal(-1), BEKIJK,
+         "meer etiketten geteld"},
+        {"wild counts", "DTSER.TXT", laatste + offsetof(zg::serrec, in_nota), getal(99'999), BEKIJK,
+         "meer etiketten geteld"},
+        {"a group that disagrees", "DTIPG.TXT", groep + offsetof(zg::prijsgroeprec, setnr), getal(7), BEKIJK,
+         "NIET consistent"},
+        {"a cut file of groups", "DTIPG.TXT", groep + 3, "", BEKIJK, "NIET consistent"},
+        {"wild counters of labels", "DTSYS.TXT", 3 * 64, getal(-5), NIEUW, "Tellers van de etiketten"},
+        {"counters far behind the labels", "DTSYS.TXT", 3 * 64, getal(500'000) + getal(500'000), NIEUW,
+         "Tellers van de etiketten"},
+        {"free blocks that a series has", "DTSYS.TXT", 3 * 64, getal(kop), NIEUW,
+         "Ketting van vrije etiketblokken"},
+        {"free groups that a set has", "DTSYS.TXT", 8 * 64, getal(0), NIEUW,
+         "Ketting van vrije prijsgroepen"},
+        {"wild counters of groups", "DTSYS.TXT", 8 * 64, getal(-5), NIEUW, "Ketting van vrije prijsgroepen"},
+        {"a cut file of series", "DTSER.TXT", laatste + 100, "", BEKIJK, "DTSER.TXT: serie 1120.20."},
+        {"a series written over", "DTSER.TXT", laatste, std::string(sizeof(zg::serrec), '\0'), BEKIJK,
+         "DTSER.TXT: serie 1120.20."},
+        {"a cut file of sets", "DTIPA.TXT", map.begin.at("DTIPA.TXT").size() - sizeof(zg::prijsset) + 3, "",
+         BEKIJK, "prijsset niet aanwezig"},
+        {"free codes that a series has", "DTEAN.INX", 12, getal(1), NIEUW, "DTEAN"},
+        {"a wild counter of codes", "DTSYS.TXT", 13 * 64, getal(-5), NIEUW, "EAN-code"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.wat);
+        map.zet_terug();
+        std::string b = map.begin.at(r.bestand);
+        b = r.bytes.empty() ? b.substr(0, r.plaats) : b.replace(r.plaats, r.bytes.size(), r.bytes);
+        schrijf_bestand(map.bestand(r.bestand), b);
+        const auto voor = map.inhoud();
+        const auto t = map.start(overgave(map), KIES);
+        if (r.toetsen != BEKIJK) // met only where something is written
+            t->toetsen(r.toetsen);
+        EXPECT_TRUE(t->wacht(r.gezegd, 5000)) << t->scherm();
+        t->toetsen(r.toetsen == BEKIJK ? BEKIJK : "<Enter>");
+        EXPECT_LE(Storingsmap::klaar(*t), 1) << t->scherm();
+        for (const char* naam : {"DTETI.TXT", "DTIPG.TXT", "DTIPA.TXT", "DTSER.TXT"})
+            EXPECT_TRUE(lees_bestand(map.bestand(naam)).starts_with(voor.at(naam))) << naam;
+        if (r.toetsen == BEKIJK) {
+            EXPECT_EQ(lees_bestand(map.bestand(JRN)), voor.at(JRN)) << "the line is gone";
+        }
+    }
+}
+
+// Killed between the record of a new series and its price set: the line has the prices that it was to get, and says so.
+TEST(Registerschade, WithoutItsPriceSet) {
+    Storingsmap map;
+    ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(WEG).substr(0, 10)), 0);
+    map.begin = map.inhoud();
+    const std::string nieuw = "<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG;
+    ASSERT_EQ(map.loop(nieuw), 0);
+    zg::prijsgroeprec heel, nu;
+    const std::string groepen = lees_bestand(map.bestand("DTIPG.TXT"));
+    memcpy(static_cast<void*>(&heel), &groepen[groepen.size() - sizeof heel], sizeof heel);
+    const auto labels = labels_van(map, kop_van(lees_bestand(map.bestand(JRN))).ordernummer);
+    ASSERT_FALSE(labels.empty());
+    const std::string voor = map.begin.at("DTSER.TXT");
+    int gezien = 0;
+    for (int n = 0; n < 200 && !gezien; n++) {
+        map.zet_terug();
+        map.loop(nieuw, n);
+        if (sh("ixcheck -q \"" + map.pad() + "\"").status ||
+            lees_bestand(map.bestand("DTSER.TXT")).size() == voor.size() ||
+            lees_bestand(map.bestand("DTIPA.TXT")) != map.begin.at("DTIPA.TXT"))
+            continue;
+        gezien++;
+        const auto t = map.start(overgave(map), "<Enter><Enter>99<Enter><Enter><Enter>");
+        EXPECT_TRUE(t->wacht("prijsset niet aanwezig", 5000)) << t->scherm();
+        EXPECT_TRUE(t->wacht("De prijzen van de orderregel gelden")) << t->scherm();
+        t->toetsen("<Enter>WA010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>" +
+                   std::string(WEG));
+        EXPECT_EQ(Storingsmap::klaar(*t), 0) << t->scherm();
+        const std::string g = lees_bestand(map.bestand("DTIPG.TXT"));
+        memcpy(static_cast<void*>(&nu), &g[g.size() - sizeof nu], sizeof nu);
+        EXPECT_EQ(nu.netto, heel.netto);
+        EXPECT_EQ(nu.bruto, heel.bruto);
+        const auto later = labels_van(map, kop_van(lees_bestand(map.bestand(JRN))).ordernummer);
+        EXPECT_EQ(later.size(), labels.size());
+        for (const zg::etiket& l : later)
+            EXPECT_EQ(l.inkoop, labels[0].inkoop);
+        EXPECT_EQ(sh("zgcheck -q \"" + map.pad() + "\"").tekst, "");
+    }
+    EXPECT_TRUE(gezien) << "no kill left a series without its set";
+}
+
+// A pair that another's death left marked while a line is entered: nothing of the line is written, and nobody stops.
+TEST(Registerschade, MarkedPairsAreSeenBeforeTheFirstWrite) {
+    Storingsmap map;
+    ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG), 0);
+    map.begin = map.inhoud();
+    const std::string nieuw = NIEUW, voor_esc = nieuw.substr(0, nieuw.size() - 5);
+    for (const char* paar : {"DTSER", "DTIPA", "DTEAN"})
+        for (const std::string& toetsen :
+             {voor_esc, std::string("WAF9<Enter><Esc>"), std::string("WOG5<Enter>")}) {
+            SCOPED_TRACE(paar + (" at " + toetsen));
+            map.zet_terug();
+            const auto t = map.start(overgave(map), KIES + toetsen);
+            ASSERT_TRUE(t->kalm(20'000)) << t->scherm();
+            std::string inx = lees_bestand(map.bestand(std::string(paar) + ".INX"));
+            inx[offsetof(zg::IXHEADER, busy)] = 1;
+            schrijf_bestand(map.bestand(std::string(paar) + ".INX"), inx);
+            const auto voor = map.inhoud();
+            t->toetsen("<Esc>");
+            EXPECT_TRUE(t->wacht(std::string(paar) + ": niet consistent", 10'000)) << t->scherm();
+            t->toetsen("<Enter>");
+            t->kalm();
+            for (const char* naam : {"DTSER.TXT", "DTIPA.TXT", "DTIPG.TXT", "DTETI.TXT", "DTEAN.TXT", JRN})
+                EXPECT_EQ(lees_bestand(map.bestand(naam)), voor.at(naam)) << naam;
+            t->toetsen(WEG);
+            EXPECT_EQ(Storingsmap::klaar(*t), 0) << t->scherm();
+        }
+}
+
+} // namespace

@@ -1,0 +1,137 @@
+// The program under faults, see e2e/storingsmap.h.
+#include "e2e/storingsmap.h"
+#include "order/driver.h"
+#include "order/programma.h"
+#include "order/start.h"
+#include "shared/ioeti.h"
+#include "shared/syscalls.h"
+#include "sub/omserie.h"
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <cerrno>
+#include <csignal>
+#include <filesystem>
+
+namespace zg::test {
+
+namespace {
+
+// ---- the n-th call that writes
+
+const SYSCALLS ECHT = SYS;
+int over; // calls that go well before it
+bool dood;
+
+bool nu() {
+    if (over-- != 0)
+        return false;
+    if (dood)
+        raise(SIGKILL);
+    errno = ENOSPC;
+    return true;
+}
+
+void stoor(int n, bool doden) {
+    over = n;
+    dood = doden;
+    SYS.write = [](int fd, const void* b, size_t l) { return nu() ? ssize_t{-1} : ECHT.write(fd, b, l); };
+    SYS.pwrite = [](int fd, const void* b, size_t l, off_t p) {
+        return nu() ? ssize_t{-1} : ECHT.pwrite(fd, b, l, p);
+    };
+    SYS.rename = [](const char* a, const char* b) { return nu() ? -1 : ECHT.rename(a, b); };
+    SYS.open = [](const char* p, int v, mode_t m) {
+        return (v & O_CREAT) && access(p, F_OK) != 0 && nu() ? -1 : ECHT.open(p, v, m);
+    };
+    // To cut and to delete needs no room.
+    SYS.ftruncate = [](int fd, off_t l) { return dood && nu() ? -1 : ECHT.ftruncate(fd, l); };
+    SYS.unlink = [](const char* p) { return dood && nu() ? -1 : ECHT.unlink(p); };
+}
+
+std::vector<int32_t> toetscodes(std::string_view reeks) {
+    std::vector<int32_t> uit;
+    while (!reeks.empty()) {
+        const size_t e = reeks[0] == '<' ? reeks.find('>') : 0;
+        const std::string_view t = reeks.substr(0, e + 1);
+        uit.push_back(t == "<Enter>" ? '\n' : t == "<Esc>" ? '\033' : t == "<Down>" ? int32_t{K_DOWN} : t[0]);
+        reeks.remove_prefix(e + 1);
+    }
+    return uit;
+}
+
+} // namespace
+
+void Storingsmap::zet_terug() const {
+    for (const auto& [naam, nu] : inhoud())
+        if (!begin.contains(naam))
+            std::filesystem::remove(bestand(naam));
+        else if (begin.at(naam) != nu)
+            schrijf_bestand(bestand(naam), begin.at(naam));
+    for (const auto& [naam, was] : begin)
+        if (!std::filesystem::exists(bestand(naam)))
+            schrijf_bestand(bestand(naam), was);
+}
+
+int Storingsmap::loop(const std::string& toetsen, int n, bool doden) const {
+    return klaar(*start(overgave(*this), toetsen, n, doden));
+}
+
+std::unique_ptr<Terminal> Storingsmap::start(std::vector<std::string> argv, const std::string& toetsen, int n,
+                                             bool doden) const {
+    return std::make_unique<Terminal>(
+        [=]() mutable {
+            on_exit([](int status, void*) { _exit(status); },
+                    nullptr); // a report's end, too, is the child's alone
+            std::vector<char*> av;
+            for (size_t i = 1; i < argv.size(); i++)
+                av.push_back(argv[i].data());
+            av.insert(av.begin(), argv[0].data());
+            prog_start(PROGRAMMA, "", static_cast<int>(av.size()), av.data());
+            registermodus = register_aanwezig();
+            ordparm_lees();
+            const std::vector<int32_t> codes = toetscodes(toetsen);
+            for (size_t i = codes.size(); i-- > 0;)
+                TOETSTERUG(codes[i]);
+            stoor(n, doden);
+            order_lus();
+            SCREXIT();
+            return over < 0 && n >= 0 ? 7 : 0;
+        },
+        demo_opties(*this));
+}
+
+int Storingsmap::klaar(Terminal& t) {
+    EXPECT_TRUE(t.kalm(60'000) || !t.leeft()) << "neither told nor done\n" << t.scherm();
+    if (t.leeft())
+        t.sein(SIGHUP);
+    return t.einde();
+}
+
+std::string Storingsmap::vreemde_labels(const std::set<std::pair<int, int>>& eigen) const {
+    const std::string eti = lees_bestand(bestand("DTETI.TXT"));
+    std::string uit;
+    for (size_t p = 0; p + sizeof(etiblok) <= eti.size(); p += sizeof(etiblok)) {
+        etiblok b;
+        memcpy(&b, &eti[p], sizeof b);
+        if (b.serie.volgnummer && !eigen.contains({int{b.serie.artikelgroep}, int{b.serie.kleur}}))
+            uit += std::to_string(p) + eti.substr(p, sizeof b);
+    }
+    return uit;
+}
+
+std::vector<etiket> labels_van(const DemoMap& map, int32_t ordernummer) {
+    const std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
+    std::vector<etiket> uit;
+    for (size_t p = 0; p + sizeof(etiblok) <= eti.size(); p += sizeof(etiblok)) {
+        etiblok b;
+        memcpy(&b, &eti[p], sizeof b);
+        for (const auto& plaats : b.plaats) {
+            etiket l;
+            eti_uit(plaats, b.serie, 0, &l);
+            if (l.status == ETI_ORDER && l.ordernummer == ordernummer)
+                uit.push_back(l);
+        }
+    }
+    return uit;
+}
+
+} // namespace zg::test
