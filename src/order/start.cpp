@@ -12,6 +12,7 @@
 #include "shared/teksten.h"
 #include "store/ix.h"
 #include "sub/maatsoort.h"
+#include "term/macro/macro.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 #include "term/tekst.h"
@@ -88,6 +89,7 @@ void prog_bouw(const char* datum, const char* tijd) {
 void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     eigen_naam = naam;
     releasedatum = datum;
+    MACROBEGIN();
     SCRINIT();
     TOPTITEL((std::string(naam) + " " + RELEASE).c_str());
     if (argc != 5)
@@ -120,6 +122,8 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     BATCHTERUG = terug_naar_menu;
     STELSELHAAK = stelsel_in_gebruik;
     XPRT_LIJSTUIT(false); // a report that was asked for gets a destination
+    MACROGEBRUIKER(sessienummer);
+    MACROAAN();
     BEZIGAAN();
 }
 

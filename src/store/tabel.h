@@ -20,5 +20,9 @@ std::string IXTIJDELIJK(const char* tabel, int slot);
 // needed. `definieer` calls IXUPDFCB for title and keys; `eerste` (may be null) writes the first records of a
 // new, empty table through a handle in mode 1.
 ICB* IXEIGEN(const char* naam, int modus, void (*definieer)(ICB*), void (*eerste)(ICB*));
+// The same for a small table that must not end the program: null with errno set, untold, where the directory, the rights,
+// the room on the disk or the files don't allow it; EINVAL for data that can't be records of `reclen` bytes. All of both
+// files is looked at, and an index that is wrong anywhere made again.
+ICB* IXEIGENOF(const char* naam, int modus, int reclen, void (*definieer)(ICB*), void (*eerste)(ICB*));
 
 } // namespace zg

@@ -15,18 +15,18 @@ bool aan = true;
 int onderbroken = 0;
 time_t gekeken = 0;
 
-// While the poll lasts only the keyboard and what was typed ahead count, not the keys of a playing macro.
+// While the poll lasts only the keyboard and what was typed ahead count: not the keys of a playing macro, nor F2.
 class MacroRust {
 public:
-    MacroRust() : aan_(MACROHAAK.aan), speelt_(MACROHAAK.speelt) {
-        if (speelt_)
-            MACROHAAK.aan = MACROHAAK.speelt = 0;
-    }
+    MacroRust() : aan_(MACROHAAK.aan), speelt_(MACROHAAK.speelt) { MACROHAAK.aan = MACROHAAK.speelt = 0; }
     ~MacroRust() {
-        if (speelt_) {
-            MACROHAAK.aan = aan_;
-            MACROHAAK.speelt = speelt_;
-        }
+        MACROHAAK.aan = aan_;
+        MACROHAAK.speelt = speelt_;
+    }
+    void stop() { // it would go on answering a user who breaks off
+        if (speelt_)
+            MACROHAAK.stop();
+        speelt_ = 0;
     }
     MacroRust(const MacroRust&) = delete;
     MacroRust& operator=(const MacroRust&) = delete;
@@ -58,8 +58,10 @@ int ONDERBREKEN() {
     int32_t key = -1;
     while (TOETSKLAAR()) {
         key = TOETS();
-        if (key == K_CANCEL || key == K_ESC)
+        if (key == K_CANCEL || key == K_ESC) {
+            rust.stop();
             return ONDERBREKVRAAG();
+        }
     }
     if (key != -1) {
         error("%s", TXT(T_ALLEEN_CANCEL));

@@ -227,8 +227,6 @@ namespace {
 
 // Everything but the terminal itself: windows, the screens of the variants, modes, signals.
 void sluit(void (*terminal)()) {
-    if (MACROHAAK.speelt && MACROHAAK.bewaar)
-        MACROHAAK.bewaar();
     if (SCHERM.dicht) {
         ZEND("mc4");
         SCHERM.dicht = 0;
@@ -260,18 +258,20 @@ void sluit(void (*terminal)()) {
 } // namespace
 
 void SCREXIT() {
+    if (MACROHAAK.speelt && MACROHAAK.stop)
+        MACROHAAK.stop(); // only a hand-over lets a macro go on
     if (SCHERM.bestaat)
         sluit(TERMINALAF);
 }
 
 void SCROVERGEVEN() {
+    if (MACROHAAK.speelt && MACROHAAK.bewaar)
+        MACROHAAK.bewaar();
     if (SCHERM.bestaat)
         sluit(OVERGEDRAGEN);
 }
 
 void SCRSTOP(int status) {
-    if (status != 0 && MACROHAAK.speelt && MACROHAAK.stop)
-        MACROHAAK.stop(); // only a normal hand-over lets a macro go on
     SCREXIT();
     exit(status);
 }

@@ -107,12 +107,17 @@ int32_t van_klavier(WINDOW* win, int ms) {
     }
 }
 
-// The macro dialog may stand in the middle of a field: what its own fields and lists would overwrite is put
-// aside, and the field is waiting for a key again when it ends.
+// The macro dialog may stand in the middle of a field, a list or a menu: what its own fields and lists would overwrite
+// is put aside, and whoever asked is waiting for a key again when it ends.
 int32_t dialoog() {
     VELDWACHT wacht;
+    const bool cursor = CURSORISAAN();
+    if (MACROHAAK.speelt)
+        MACROHAAK.stop();
     in_dialoog = true;
+    WINCURSOR(1);
     int32_t key = MACROHAAK.dialoog();
+    WINCURSOR(cursor);
     in_dialoog = false;
     BEZIGWIS();
     return key;
@@ -168,7 +173,8 @@ int32_t TOETSRAW(VENSTERP win) {
 }
 
 int TOETSKLAAR() {
-    if (!stapel.empty() || SCHERM.signaaltoets)
+    // One typed key at a time: a second one would go on top of it.
+    if (!stapel.empty() || SCHERM.signaaltoets || (MACROHAAK.speelt && MACROHAAK.geduwd))
         return 1;
     int32_t key = van_klavier(WINNU(), 0);
     if (key == -1)
@@ -206,9 +212,9 @@ int TOETSWACHT(int rij, int kolom, int pogingen) {
 }
 
 void TOETSLEEG() {
-    stapel.clear();
     if (MACROHAAK.speelt && MACROHAAK.stop)
         MACROHAAK.stop();
+    stapel.clear();
     while (KLAVIER(0) != -1) {
     }
 }

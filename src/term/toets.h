@@ -11,7 +11,7 @@ int32_t TOETS(VENSTERP win);
 int32_t TOETS(); // on the current window
 // One key of the keyboard itself, without macro or stack. -1 only in no-delay mode.
 int32_t TOETSRAW(VENSTERP win);
-// 1 when a key waits; doesn't block. Moves waiting keyboard keys to the stack (or the playing macro).
+// 1 when a key waits; doesn't block. Moves a waiting keyboard key to the stack (or the playing macro).
 int TOETSKLAAR();
 void TOETSDRUK(int32_t key);  // push back: on the macro when one plays, else on the stack
 void TOETSTERUG(int32_t key); // push on the stack always
@@ -38,16 +38,19 @@ inline bool TOETSWEG() {
     return SCHERM.laatste == K_CANCEL || SCHERM.laatste == K_ESC;
 }
 
-// What a macro player must offer; null members until term/macro registers itself.
+// What a macro player must offer; null members until term/macro hangs itself in (MACROBEGIN). A playing macro comes
+// behind the key stack and before the keyboard. Keys that are typed meanwhile, and those that the program pushes back, go
+// on top of it and come first; CANCEL and ESC typed end it at once, F2 typed where it opens the dialog too.
 struct MacroHaak {
     int32_t aan;               // macros enabled
     int32_t speelt;            // one is playing
+    int32_t geduwd;            // keys pushed on it that have not been read yet
     int32_t (*haal)();         // next key of the playing macro, -1 at its end
     int (*over)();             // keys left?
     void (*druk)(int32_t key); // push on the playing macro
-    void (*stop)();            // end it
+    void (*stop)();            // end it: its own keys go, those pushed on it move to the key stack
     int32_t (*dialoog)();      // F2: the key to go on with, -2 for none; an open field is safe from it
-    void (*bewaar)();          // before the terminal closes
+    void (*bewaar)();          // a program hands over, the screen still stands
     void (*herstel)();         // after it has opened
 };
 extern MacroHaak MACROHAAK;

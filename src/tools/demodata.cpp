@@ -178,9 +178,10 @@ void vul_verdelingen(const std::string& pad, std::vector<Demomaten>& alle) {
     IXCLOSE(icb);
 }
 
-// The print directory, and the one that its printers put files in. A firm's texts may have no printers.
+// The directory of the users' macros, the print directory, and the one that its printers put files in. A firm's texts may
+// have no printers.
 void vul_printers(const std::string& pad) {
-    for (const char* map : {"print", "uit"})
+    for (const char* map : {"macro", "print", "uit"})
         if (!SYSNIEUWEMAP(map))
             demofout(std::string(map) + ": " + strerror(errno));
     setenv("ZEBPRT", "print", 1);

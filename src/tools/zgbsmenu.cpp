@@ -9,6 +9,7 @@
 #include "term/datum.h"
 #include "term/dm_hdl.h"
 #include "term/ingave.h"
+#include "term/macro/macro.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 #include "term/tekst.h"
@@ -149,6 +150,7 @@ void scherm() {
 }
 
 void uitloggen() {
+    MACROGEBRUIKER(0);
     gebruiker.userstate = 0;
     memset(gebruiker.userprog, 0, sizeof gebruiker.userprog);
     memset(gebruiker.usertty, 0, sizeof gebruiker.usertty);
@@ -173,6 +175,7 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: zgbsmenu, in a data directory\n");
         return 2;
     }
+    MACROBEGIN();
     SCRINIT();
     CATOPEN();
     IXWAITHOOK = houder_wacht;
@@ -199,6 +202,8 @@ int main(int argc, char** argv) {
         gebruiker_schrijf('w');
     }
     while (in) {
+        MACROGEBRUIKER(static_cast<uint16_t>(sessie));
+        MACROAAN();
         int keus = menu();
         if (keus == K_ORDERS)
             start(ORDERS);

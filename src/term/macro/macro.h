@@ -24,10 +24,11 @@ void MACROUIT();
 int32_t MACROSPEEL(int32_t toets);
 
 // The screens. Each tells when the table can't be used, and leaves then.
-void MACROOPNAME(int32_t toets); // record, again and again until ESC; the first key is asked for when this is 0
-void MACROWIS();                 // the user's list; DEL deletes
-int32_t MACROKIES();             // the user's list: the key of the macro chosen, 0 for none
-int32_t MACROMENU();             // 0, K_IC record, K_DC delete, or the key of a macro chosen
+void MACROOPNAME(
+    int32_t toets);  // record, again and again until ESC; the first key is asked for when this is 0
+void MACROWIS();     // the user's list; DEL deletes
+int32_t MACROKIES(); // the user's list: the key of the macro chosen, 0 for none
+int32_t MACROMENU(); // 0, K_IC record, K_DC delete, or the key of a macro chosen
 // A box at row 10 of at most ten lines. optie: -1 waits for ENTER, -2 for yes or no: 1 or 0.
 int MACRODOOS(int optie, const std::string& tekst);
 // The box that tells why the table can't be used, by the errno of a call of macrobestand.h.

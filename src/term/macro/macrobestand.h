@@ -35,9 +35,9 @@ std::string MACROPAD();
 
 // All answer -1 with errno set when the table can't be had: EINVAL when it holds something else, ENAMETOOLONG when MACRO
 // is too long, else what the system says.
-int MACROLEES(uint16_t gebruiker, std::vector<mac_rec>* uit); // his, or all with 0, by key and user; 1
+int MACROLEES(uint16_t gebruiker, std::vector<mac_rec>* uit);    // his, or all with 0, by key and user; 1
 int MACROZOEK(uint16_t toets, uint16_t gebruiker, mac_rec* uit); // 1 found, else 0
-int MACROSCHRIJF(const mac_rec& rec);                            // new or over the old one; 0 refused, and told
-int MACROWEG(uint16_t toets, uint16_t gebruiker);                // 1 gone, 0 not there or refused (told)
+int MACROSCHRIJF(const mac_rec& rec);             // new or over the old one; 0 refused, and told
+int MACROWEG(uint16_t toets, uint16_t gebruiker); // 1 gone, 0 not there or refused (told)
 
 } // namespace zg

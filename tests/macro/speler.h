@@ -1,0 +1,43 @@
+// A program with macros, for a user: its own screen, and what it does with keys.
+#pragma once
+#include "store/diepcheck.h"
+#include "store/rebuild.h"
+#include "term/gesprek.h"
+#include "term/macro/macro.h"
+#include "term/toetslog.h"
+#include "term/vast.h"
+#include <cstdlib>
+#include <cstring>
+
+namespace zg::test {
+
+inline constexpr char F2[] = "\033OQ";
+
+inline std::function<int()> speler(uint16_t gebruiker, std::function<void()> wat = toon_toetsen) {
+    return [=] {
+        MACROBEGIN();
+        SCRINIT();
+        MACROGEBRUIKER(gebruiker);
+        MACROAAN();
+        wat();
+        SCREXIT();
+        return 0;
+    };
+}
+
+inline mac_rec macro(char toets, uint16_t gebruiker, std::initializer_list<int> codes,
+                     const char* tekst = "") {
+    mac_rec r{};
+    r.toets = static_cast<uint8_t>(toets);
+    r.gebruiker = gebruiker;
+    for (int c : codes)
+        r.toetsen[r.aantal++] = static_cast<uint16_t>(c);
+    VASTIN(r.omschrijving, tekst);
+    return r;
+}
+
+inline std::string bytes(const mac_rec& r) {
+    return std::string(reinterpret_cast<const char*>(&r), sizeof r);
+}
+
+} // namespace zg::test
