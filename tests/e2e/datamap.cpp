@@ -58,6 +58,15 @@ Opties Datamap::opties() const {
     return o;
 }
 
+void met_locatie(const DemoMap& map) {
+    std::string sys = lees_bestand(map.bestand("DTSYS.TXT"));
+    sys[32] = static_cast<char>(sys[32] | 4);
+    schrijf_bestand(map.bestand("DTSYS.TXT"), sys);
+    std::string jrn = lees_bestand(map.bestand("2016Z/ORD0099.JRN"));
+    jrn.at(1 + offsetof(ordkop, edi_soort)) = 3;
+    schrijf_bestand(map.bestand("2016Z/ORD0099.JRN"), jrn);
+}
+
 ordkop kop_van(const std::string& jrn) {
     ordkop k{};
     if (jrn.size() > sizeof k)

@@ -28,6 +28,9 @@ public:
     Opties opties() const; // clock 1 March 2016; BIN leads to a stand-in that shows what it was started with
 };
 
+// The order of supplier 99 gets a kind of message that has receiving locations, as the EDI programs do it.
+void met_locatie(const DemoMap& map);
+
 // Records as they stand in a journal.
 struct Regel {
     uint16_t merk = 5;

@@ -59,15 +59,6 @@ struct Etiketmap : DemoMap {
             n += zg::IXRECLIVE(&txt[p], static_cast<int>(reclen)) ? 1 : 0;
         return n;
     }
-    // The order gets a kind of message that has receiving locations, as the EDI programs do it.
-    void met_locatie() const {
-        std::string sys = lees_bestand(pad_van("DTSYS.TXT"));
-        sys[32] = static_cast<char>(sys[32] | 4);
-        schrijf_bestand(pad_van("DTSYS.TXT"), sys);
-        std::string jrn = lees_bestand(pad_van("2016Z/ORD0099.JRN"));
-        jrn.at(1 + offsetof(zg::ordkop, edi_soort)) = 3;
-        schrijf_bestand(pad_van("2016Z/ORD0099.JRN"), jrn);
-    }
 };
 
 struct Buyer : Programma {
@@ -110,7 +101,7 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
     EXPECT_EQ(l.leverancier * 10000 + l.ordernummer, 991000);
     EXPECT_EQ(l.maatsoort * 1000 + l.locatie, 1255);
     EXPECT_EQ(map.serie().in_nota, 18);
-    map.met_locatie();
+    met_locatie(map);
     // Others in the chain: one of another order on that day, one that has come in.
     zg::etiket ander = l, binnen = l;
     ander.ordernummer = 77;

@@ -32,6 +32,8 @@ TEST_P(Registerstoring, KilledOrRefusedAtEachWrite) {
     tweede.replace(tweede.find("<Enter>20<Enter>Streep"), 9, "<Enter>14");
     ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + tweede + WEG), 0);
     ASSERT_EQ(sh("zgcheck" + hier).status, 0);
+    if (GetParam().first == std::string("location"))
+        met_locatie(map);
     map.begin = map.inhoud();
     const std::string vreemd = map.vreemde_labels({{1120, 14}, {1120, 20}});
     const std::string toetsen =
@@ -55,8 +57,10 @@ TEST_P(Registerstoring, KilledOrRefusedAtEachWrite) {
             EXPECT_TRUE(!doden || lengte == voor || lengte == na) << "neither as it was nor restored";
             EXPECT_EQ(map.vreemde_labels({{1120, 14}, {1120, 20}}), vreemd);
             const zg::ordkop order = kop_van(lees_bestand(map.bestand(JRN)));
-            for (const zg::etiket& l : labels_van(map, order.ordernummer))
+            for (const zg::etiket& l : labels_van(map, order.ordernummer)) {
                 EXPECT_EQ(l.inkoopcode, order.inkoopcode) << "a label that its order's code didn't reach";
+                EXPECT_EQ(l.locatie, order.ontvangstlocatie ? order.ontvangstlocatie : 255) << "its location";
+            }
             EXPECT_EQ(zonder_verlies(sh("zgcheck" + hier).tekst, doden), "");
             const Uit hersteld = sh("zgcheck -q --repair" + hier);
             EXPECT_EQ(hersteld.status, 0) << hersteld.tekst;
@@ -123,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(
                               "WAF1<Enter>2<Enter><Down><Esc>D010416<Enter>300416<Enter>A<Esc>"},
                     std::pair{"price", "WPP<Enter>25<Enter><Enter><Enter><Esc><Esc><Esc>"},
                     std::pair{"discount", "WOG5<Enter><Esc>"}, std::pair{"code", "WOI3<Enter><Esc>"},
-                    std::pair{"lineaway", "VJ<Enter>N<Enter>"},
+                    std::pair{"location", "WON214<Enter><Esc>"}, std::pair{"lineaway", "VJ<Enter>N<Enter>"},
                     std::pair{"seriesaway", "VJ<Enter>J<Enter>J<Enter>"}),
     [](const auto& p) { return std::string(p.param.first); });
 

@@ -258,6 +258,21 @@ TEST_F(Etiketten, ChainsAndNumbers) {
     SYS.pwrite = test::echt;
     EXPECT_EQ(maak(A, 51, 51), 1);
     EXPECT_EQ(keten(A), "41:1 42:2 43:50 44:51 ");
+    // What is written ahead of a walk is met as it was written.
+    maak(B, 1, 40);
+    ioeti_keten(&B, &b);
+    nr = b;
+    ioeti('F', &nr, &l);
+    for (int i = 1; i < 25; i++)
+        ioeti('N', &nr, &l);
+    etiket ander = l;
+    ander.maat = 95;
+    int32_t verder = nr + 10;
+    EXPECT_EQ(ioeti('W', &verder, &ander), 1);
+    while (nr != verder && ioeti('N', &nr, &l) > 0)
+        ;
+    EXPECT_EQ(l.maat, 95);
+    ioeti_keten(nullptr, nullptr);
 }
 
 TEST_F(Etiketten, FullFile) {
