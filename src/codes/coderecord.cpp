@@ -119,7 +119,7 @@ const Codetabel TABELLEN[] = {
     {Codetabel::SLOT, SYS_CORRECTIE,     nullptr, 9,   &T_W_CORRECTIECODE, false, &SYS_CORRECTIE_KOP,   1, 6, 0, 30, TEKST30},
     {Codetabel::SLOT, SYS_INKOOP,        nullptr, 9,   &T_W_INKOOPCODE,    false, &SYS_INKOOP_KOP,      1, 6, 0, 30, TEKST30},
     {Codetabel::SLOT, SYS_DEELSEIZOEN,   nullptr, 9,   &T_W_DEELSEIZOEN,   true,  &SYS_DEELSEIZOEN_KOP, 1, 6, 0, 30, TEKST30},
-    {Codetabel::SLOT, SYS_KLEUR,         nullptr, 999, &T_W_KLEUR,         false, nullptr, 3, 6, 0, 20, KLEUR, kleur_hangt, 'K'},
+    {Codetabel::SLOT, SYS_KLEUR,         nullptr, 999, &T_W_KLEUR,         false, nullptr, 3, 6, 0, 20, KLEUR, kleur_hangt, MUT_KLEUR},
     {Codetabel::SLOT, SYS_ETIKETSOORT,   nullptr, 99,  &T_W_ETIKETSOORT,   false, nullptr, 2, 6, 0, 30, ETIKET},
     {Codetabel::SET,  SYS_SETCODE,       nullptr, 9,   &T_W_KENMERKSOORT,  false, nullptr, 1, 6, 0, 20, TEKST20},
     {Codetabel::SLOT, SYS_PRIJSKLASSE,   nullptr, 9,   &T_W_PRIJSKLASSE,   false, nullptr, 1, 6, 0, 20, TEKST20},
@@ -147,7 +147,7 @@ int lees(bool slot) {
 bool schrijf() {
     if (!code_schrijf(*tabel, code, rec))
         return false;
-    if (tabel->mutatie && kassakoppeling())
+    if (tabel->mutatie)
         mutatie(tabel->mutatie, std::to_string(code.nummer));
     return true;
 }

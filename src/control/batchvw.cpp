@@ -41,6 +41,17 @@ void controleer(int groep, int nr) {
         stop(3);
 }
 
+// Many a run has the group for a moment: a few tries, not in step with another's, before the box.
+bool geduld(int64_t plaats, int64_t lengte) {
+    constexpr int POGINGEN = 60;
+    for (int i = 0; i < POGINGEN; i++) {
+        if (IOLOCK('S', iotab_fd(), plaats, lengte))
+            return true;
+        usleep(static_cast<useconds_t>(1000 + (getpid() + i * 7) % 8 * 1000));
+    }
+    return false;
+}
+
 // The box that stands while a claim waits; the loop without a screen only pauses.
 struct Wachtvenster {
     Wachtvenster(int hoogte) : er(SCHERM.bestaat) {
@@ -136,7 +147,7 @@ bool user_claim(int groep, bool mag_vragen) {
     if (sessie < 1 || sessie > BYTES)
         stop(2); // no byte of its own
     int64_t plaats = begin(groep) + sessie - 1;
-    if (IOLOCK('S', iotab_fd(), plaats, 1))
+    if (geduld(plaats, 1))
         return true;
     Wachtvenster venster(4);
     if (venster.er) {

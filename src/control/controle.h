@@ -30,6 +30,9 @@ bool status_vrij();
 // lock is free for a moment.
 std::vector<int32_t> kritiek_gestorven();
 
+// Their marks away, for who has looked after the files. False: refused, told.
+bool kritiek_wis();
+
 // The user's level, from 10 on a critical step. The level that stood; nothing without a slot, or for 0.
 uint8_t kritiek_zet(uint8_t stand);
 // A critical step for as long as it lives; within another it changes nothing.

@@ -6,6 +6,7 @@
 #include "order/teksten.h"
 #include "order/wrk.h"
 #include "shared/files.h"
+#include "shared/mutatie.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "sub/omserie.h"
@@ -49,7 +50,7 @@ Prijsuit zet_prijzen(const prijswerk& noot, const prijsserie& p, const serrec& r
     if (!ioink_writeheld(&wordt, p.groepen))
         return Prijsuit::geweigerd;
     if (p.stond)
-        serie_mutatie('W', rec);
+        serie_mutatie(MUT_PRIJS, rec);
     return Prijsuit::goed;
 }
 

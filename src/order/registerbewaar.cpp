@@ -3,6 +3,7 @@
 // 1. What can be refused is refused before anything is written (serie_past).
 // 2. Number, record, price set, labels, codes, record again: what a kill leaves hangs from a record. Sets and codes that
 //    are found under a new key are of a series that was deleted half, and go first.
+#include "control/controle.h"
 #include "order/meld.h"
 #include "order/register.h"
 #include "order/teksten.h"
@@ -10,6 +11,7 @@
 #include "shared/ioeti.h"
 #include "shared/ioink.h"
 #include "shared/maatbalk.h"
+#include "shared/mutatie.h"
 #include "shared/sysrec.h"
 #include "sub/omserie.h"
 #include "sub/serzoek.h"
@@ -97,7 +99,7 @@ bool maak_record(const orderregel& regel, serrec* s) {
         ioeti_vrij(s->serie, &eerste);
         return false;
     }
-    serie_mutatie('G', *s);
+    serie_mutatie(MUT_SERIE, *s);
     return true;
 }
 
@@ -106,6 +108,13 @@ bool zoekvelden_anders(const serrec& a, const serrec& b) {
     constexpr size_t VAN = offsetof(serrec, merk), TOT = offsetof(serrec, maten);
     auto begin = [](const serrec& s) { return reinterpret_cast<const uint8_t*>(&s) + VAN; };
     return memcmp(begin(a), begin(b), TOT - VAN) != 0;
+}
+
+void meld_nieuwe_maten(const serrec& oud, const serrec& nu) {
+    for (int maat = 1; maat <= MATEN; maat++)
+        if (const int positie = maatbalk ? mtpos(maatbalk, maat) : 0;
+            positie > 0 && maat_in(nu.maten, maat) && !maat_in(oud.maten, maat))
+            serie_mutatie_maat(nu.serie, positie);
 }
 
 bool schrijf_codes(const orderregel& regel, const serrec& s) {
@@ -135,13 +144,15 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
     const uint16_t oud_merk = s.merk;
     char oud_model[sizeof s.model];
     memcpy(oud_model, s.model, sizeof oud_model);
+    const Kritiek kritiek;
     if (nieuw) {
         if (!maak_record(*regel, &s))
             return false;
     } else {
         vul_record(*regel, false, &s);
         if (s.merk != oud_merk || memcmp(s.model, oud_model, sizeof oud_model) != 0)
-            serie_mutatie('G', s, oud_merk);
+            serie_mutatie(MUT_SERIE, s, oud_merk);
+        meld_nieuwe_maten(regel->serie, s);
     }
     // Codes that are refused are made by the next save; what the series says of its labels stands all the same.
     bool codes = true;

@@ -1,5 +1,6 @@
 // The labels of a line: its quantities and terms counted from them, and what the line then tells brought into them. Each
 // piece on order is a label of status 1 with the order's supplier, date and number; its term is the last delivery date.
+#include "control/controle.h"
 #include "order/bestanden.h"
 #include "order/etiketloop.h"
 #include "order/kop.h"
@@ -8,6 +9,7 @@
 #include "shared/iofil.h"
 #include "shared/leesstam.h"
 #include "shared/maatbalk.h"
+#include "shared/mutatie.h"
 #include "shared/report.h"
 #include "sub/omserie.h"
 #include <algorithm>
@@ -327,9 +329,9 @@ bool labels_bij(orderregel* regel, serrec* serie, const std::function<bool()>& v
         for (const levcel& c : t.cellen)
             regel->op_bestand += c.aantal;
     if (weg)
-        serie_mutatie('g', *serie);
+        serie_mutatie(MUT_ETIKET_WEG, *serie);
     if (erbij)
-        serie_mutatie('d', *serie);
+        serie_mutatie(MUT_ETIKET_BIJ, *serie);
     return true;
 }
 
@@ -339,6 +341,7 @@ bool label_wis(orderregel* regel, int* over, const std::function<bool()>& vastle
     if (!lees_eigen(regel->serie, &eigen, &telling))
         return false;
     int32_t eerste = regel->serie.etiketkop;
+    const Kritiek kritiek;
     {
         etiketwijziging wijziging(regel->serie.serie, &eerste);
         for (const genummerd& l : eigen)
@@ -354,7 +357,7 @@ bool label_wis(orderregel* regel, int* over, const std::function<bool()>& vastle
     }
     *over = telling.som();
     if (!eigen.empty())
-        serie_mutatie('g', regel->serie);
+        serie_mutatie(MUT_ETIKET_WEG, regel->serie);
     return true;
 }
 

@@ -121,7 +121,7 @@ void wijzig_maten() {
     uint8_t oud[MAATBYTES], vast[MAATBYTES];
     memcpy(oud, maten(), MAATBYTES);
     met_aantallen(vast);
-    serie_maten(MATENRIJ, SERIEKOLOM, maten(), vast, nullptr);
+    serie_maten(MATENRIJ, SERIEKOLOM, maten(), vast);
     if (memcmp(oud, maten(), MAATBYTES) == 0)
         return;
     up_maten_gewijzigd(&regel_nu.prijzen, oud, maten());
@@ -260,7 +260,7 @@ bool serie_vul_nieuw() {
     if (!open_prijzen())
         return false;
     balk_kies(nullptr);
-    if (!serie_maten(SERIERIJ, SERIEKOLOM, maten(), nullptr, nullptr, true))
+    if (!serie_maten(SERIERIJ, SERIEKOLOM, maten(), nullptr, true))
         return false;
     const Stand leeg = stand();
     open_venster(HOOGTE_NIEUW);

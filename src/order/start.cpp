@@ -1,10 +1,13 @@
 // prog_start, prog_exec and the program information.
 #include "order/start.h"
 #include "control/batchvw.h"
+#include "edi/iokasmut.h"
+#include "edi/konl_mut.h"
 #include "order/programma.h"
 #include "order/regelstam.h"
 #include "order/teksten.h"
 #include "print/xprt.h"
+#include "shared/eanhdl.h"
 #include "shared/houder.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
@@ -12,6 +15,7 @@
 #include "shared/teksten.h"
 #include "store/ix.h"
 #include "sub/maatsoort.h"
+#include "sub/omserie.h"
 #include "term/macro/macro.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
@@ -121,6 +125,9 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     IXWAITHOOK = houder_wacht;
     BATCHTERUG = terug_naar_menu;
     STELSELHAAK = stelsel_in_gebruik;
+    tills_lees();
+    MUTATIEHAAK = kasmut_reeks;
+    EANHAAK = serie_mutatie_ean;
     XPRT_LIJSTUIT(false); // a report that was asked for gets a destination
     MACROGEBRUIKER(sessienummer);
     MACROAAN();
@@ -145,6 +152,7 @@ void prog_exec(const char* doel) {
     int32_t nr = 0;
     iotab('C', &nr, nullptr, SYS_RECORD);
     iofil('C', 0, nullptr);
+    tills_vrij();
     CATCLOSE();
     if (!*doel) {
         SCREXIT();

@@ -17,7 +17,7 @@
 
 namespace zg {
 
-void (*EANHAAK)(const eanrec& rec);
+void (*EANHAAK)(const eanrec& rec, int positie);
 
 namespace {
 
@@ -110,7 +110,7 @@ std::string nieuwe_code(ICB* icb) {
     return iotab('W', &nr, &teller, SYS_RECORD) ? code : "";
 }
 
-bool maak(ICB* icb, const seriesleutel& serie, uint8_t maat, uint8_t bron) {
+bool maak(ICB* icb, const seriesleutel& serie, uint8_t maat, uint8_t bron, int positie) {
     eanrec rec;
     if (!leeseanmaat(icb, &rec, serie, maat)) {
         const std::string code = nieuwe_code(icb);
@@ -123,7 +123,7 @@ bool maak(ICB* icb, const seriesleutel& serie, uint8_t maat, uint8_t bron) {
             return false;
     }
     if (EANHAAK && kassakoppeling())
-        EANHAAK(rec);
+        EANHAAK(rec, positie);
     return true;
 }
 
@@ -209,8 +209,9 @@ bool eanhdl(char letter, ICB* dtean, const seriesleutel& serie, const uint8_t* m
     const std::vector<uint8_t> maten = maten_van(masker, balk);
     switch (letter) {
     case 'W':
-        return std::all_of(maten.begin(), maten.end(),
-                           [&](uint8_t maat) { return maak(dtean, serie, maat, bron); });
+        return std::all_of(maten.begin(), maten.end(), [&](uint8_t maat) {
+            return maak(dtean, serie, maat, bron, balk ? mtpos(balk, maat) : maat);
+        });
     case 'D':
         return verwijder_alle(dtean, serie, maten, nullptr);
     case 'B': {

@@ -16,8 +16,9 @@ bool eanhdl(char letter, ICB* dtean, const seriesleutel& serie, const uint8_t* m
 // How many sizes of the set have no code yet, and how many numbers are left.
 int ean_nodig(ICB* dtean, const seriesleutel& serie, const uint8_t* maten);
 int64_t ean_over();
-// Called with each record that 'W' leaves, new or old, when tills are linked; whoever carries codes to the tills sets it.
-extern void (*EANHAAK)(const eanrec& rec);
+// Called with each record that 'W' leaves, new or old, and the size's place on the bar (its number without one), when tills
+// are linked. The series and the codes are locked at that moment: whoever carries codes to the tills keeps it for later.
+extern void (*EANHAAK)(const eanrec& rec, int positie);
 
 // Entry of the code of a size by hand. Wrong ones are told and the field stays open; a code of another series' size is
 // taken over only when `heeft_maat` says that the size isn't that series' any more. True when it changed.

@@ -20,10 +20,11 @@ enum class Tellers { heel, vol, stuk };
 
 // Batch runs stay out while it lives.
 struct Bezig {
-    Bezig() { gebruiker_stand(10); }
-    ~Bezig() { gebruiker_stand(1); }
+    Bezig() : stond(gebruiker_stand(10)) {}
+    ~Bezig() { gebruiker_stand(stond); }
     Bezig(const Bezig&) = delete;
     Bezig& operator=(const Bezig&) = delete;
+    const uint8_t stond; // 10 and above within a step that is marked already
 };
 
 bool is_vrij(const etiblok& b) {

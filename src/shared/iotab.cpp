@@ -276,11 +276,13 @@ void gebruiker_schrijf(char letter) {
     iotab(letter, &nr, &gebruiker, SYS_GEBRUIKER);
 }
 
-void gebruiker_stand(uint8_t userstate) {
-    if (gebruiker.userstate == userstate)
-        return;
-    gebruiker.userstate = userstate;
-    gebruiker_schrijf('w');
+uint8_t gebruiker_stand(uint8_t userstate) {
+    const uint8_t stond = gebruiker.userstate;
+    if (stond != userstate) {
+        gebruiker.userstate = userstate;
+        gebruiker_schrijf('w');
+    }
+    return stond;
 }
 
 const char* gebruiker_naam() {

@@ -217,8 +217,9 @@ inline bool mag_onderhoud() {
 }
 // The user's slot from the one image: 'w' keeps the lock (changes of level), 'W' releases it (the hand-over).
 void gebruiker_schrijf(char letter);
-// Its level, on file at once where that changes: 10 while files are written that batch runs must not meet half done.
-void gebruiker_stand(uint8_t userstate);
+// Its level, on file at once where that changes: 10 while files are written that batch runs must not meet half done. The
+// level that stood.
+uint8_t gebruiker_stand(uint8_t userstate);
 // The user's name in clear, static buffer. A slot's name may be given, too.
 const char* gebruiker_naam();
 const char* gebruiker_naam(const gebruikerslot& slot);

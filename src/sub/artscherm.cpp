@@ -221,14 +221,11 @@ bool schrijf() {
     const bool omzetgroep = !post.er || oud.omzetgroep != nu.omzetgroep;
     if (!post_schrijf(&post, &nu, sizeof nu))
         return false;
-    if (kassakoppeling()) {
+    mutatie(MUT_ARTIKELGROEP, std::to_string(static_cast<unsigned>(nu.artikelgroep)));
+    if (omzetgroep) {
         char tekst[16];
-        snprintf(tekst, sizeof tekst, "%u", static_cast<unsigned>(nu.artikelgroep));
-        mutatie('B', tekst);
-        if (omzetgroep) {
-            snprintf(tekst, sizeof tekst, "%05u%02u", static_cast<unsigned>(nu.artikelgroep), nu.btwcode);
-            mutatie('I', tekst);
-        }
+        snprintf(tekst, sizeof tekst, "%05u%02u", static_cast<unsigned>(nu.artikelgroep), nu.btwcode);
+        mutatie(MUT_BTW, tekst);
     }
     return true;
 }

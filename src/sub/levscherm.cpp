@@ -28,6 +28,7 @@ constexpr uint8_t SOORTEN = REL_LEVERANCIER | REL_AGENT | REL_FABRIKANT;
 Stampost post{&dtlev}, extra{&dtlevext};
 levrec& nu = relatie_nu;
 levextrec nu_extra;
+bool te_melden; // written, and the tills have not heard of it yet
 
 bool is_leverancier() {
     return relatie_als == REL_LEVERANCIER;
@@ -157,9 +158,17 @@ int lees(bool slot) {
     return -1;
 }
 
+// The tills hear of a written relation when nothing is held for it any more, also where its other half was refused.
+void meld_kassa() {
+    if (te_melden)
+        mutatie(MUT_RELATIE, std::to_string(nu.nummer));
+    te_melden = false;
+}
+
 void vrij() {
     post_vrij(&extra);
     post_vrij(&post);
+    meld_kassa();
 }
 
 // DTLEVEXT may be missing: it is made for its first record, unless one half of it is there.
@@ -183,13 +192,11 @@ bool schrijf_extra() {
     return maak_extra() && post_schrijf(&extra, &nu_extra, sizeof nu_extra);
 }
 
-void meld_kassa() {
-    if (kassakoppeling())
-        mutatie('C', std::to_string(nu.nummer));
-}
-
 bool schrijf() {
-    if (!post_schrijf(&post, &nu, sizeof nu) || !schrijf_extra())
+    if (!post_schrijf(&post, &nu, sizeof nu))
+        return false;
+    te_melden = true;
+    if (!schrijf_extra())
         return false;
     meld_kassa();
     return true;
@@ -221,6 +228,7 @@ bool wis() {
     nu.soort = over;
     if (!post_schrijf(&post, &nu, sizeof nu))
         return false;
+    te_melden = true;
     post_vrij(&extra);
     meld_kassa();
     return true;

@@ -36,6 +36,8 @@ struct Type {
     bool anders;                // the description
     bool bestaat;               // the description is on file
     bool geschreven;
+    bool tussengevoegd; // sizes put in between, not yet on file
+    bool melden;        // those on file: the tills hear of them when the type is let go
 };
 
 void toon_omschrijving(const Type& t) {
@@ -72,8 +74,7 @@ void vraag_omschrijving(Type* t) {
 }
 
 void vraag_maten(Type* t) {
-    if (maatcellen_bewerk(t->h, t->gebruik, VOETRIJ) > 0 && kassakoppeling())
-        mutatie('Q', std::to_string(t->nr));
+    t->tussengevoegd |= maatcellen_bewerk(t->h, t->gebruik, VOETRIJ) > 0;
 }
 
 // Rows by number, or both, until cancel or ESC.
@@ -106,6 +107,8 @@ void wijzig(Type* t) {
 bool bewaar(Type* t) {
     const bool maten = t->h->gewijzigd;
     bool goed = mtbewaar(t->h) != 0;
+    t->melden |= goed && maten && t->tussengevoegd;
+    t->tussengevoegd &= !goed;
     if (goed && t->anders)
         goed = iotab('w', &t->nr, &t->rec, SYS_MAATSOORT) != 0;
     if (goed) {
@@ -137,8 +140,10 @@ bool verwijder(Type* t) {
     t->geschreven = true;
     tekst20 geen{};
     t->bestaat = !iotab('w', &t->nr, &geen, SYS_MAATSOORT); // the name first: never one without sizes
-    if (!t->bestaat)
+    if (!t->bestaat) {
+        t->melden = false;
         wis_maten(t);
+    }
     return true;
 }
 
@@ -256,6 +261,8 @@ bool maatsoort_onderhoud(int rij, int kolom, uint8_t stelsel, uint8_t soort) {
     WINCLOSE();
     if (!kijken)
         iotab('U', &t.nr, &t.rec, SYS_MAATSOORT);
+    if (t.melden)
+        mutatie(MUT_MAATSOORT, std::to_string(t.nr));
     if (t.geschreven)
         stam_gewijzigd();
     if (balk)

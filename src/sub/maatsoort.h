@@ -27,9 +27,8 @@ Lijstuit maatsoort_veld(int rij, int kolom, const char* opties, uint8_t* soort, 
 // the set. False when left without a selection; with `f6` that key leaves it as well, and is in SCHERM.laatste.
 bool maatbalk_kiezen(const char* acties, uint8_t* maten, bool f6 = false);
 // Confirm or change the set of sizes of a line, in the type in force. `met_aantallen`: sizes that stay; null: none.
-// `serie`: for the tills; null: none. `opgeefbaar`: F6 asks whether the line is to be given up. False, with the set as
+// `opgeefbaar`: F6 asks whether the line is to be given up. False, with the set as
 // it was, when it was, or was left without a size. Afterwards the bar in force shows the set.
-bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantallen, const seriesleutel* serie,
-                 bool opgeefbaar = false);
+bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantallen, bool opgeefbaar = false);
 
 } // namespace zg

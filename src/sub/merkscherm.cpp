@@ -258,10 +258,10 @@ bool schrijf() {
     const bool nieuwe_naam = !post.er || !VASTGELIJK(oud.zoeknaam, VASTUIT(nu.zoeknaam));
     if ((nieuwe_naam && !zoeknaam_goed(nu.zoeknaam)) || !post_schrijf(&post, &nu, sizeof nu))
         return false;
-    if (!VASTGELIJK(oud.naam, VASTUIT(nu.naam)) && kassakoppeling()) {
+    if (!VASTGELIJK(oud.naam, VASTUIT(nu.naam))) {
         char nummer[8];
         snprintf(nummer, sizeof nummer, "%04d", nu.merk);
-        mutatie('M', nummer);
+        mutatie(MUT_MERK, nummer);
     }
     return true;
 }

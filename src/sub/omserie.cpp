@@ -17,7 +17,6 @@
 #include <cerrno>
 #include <cstring>
 #include <set>
-#include <vector>
 
 namespace zg {
 
@@ -41,18 +40,11 @@ struct {
     uint8_t ruimte[IXRECMAX];
 } hand;
 
-struct Mutatie {
-    char letter;
-    std::string inhoud;
-    bool operator==(const Mutatie&) const = default;
-};
-std::vector<Mutatie> mutaties;
-
-void stuur_mutaties() {
-    std::vector<Mutatie> weg;
-    weg.swap(mutaties);
-    for (const Mutatie& m : weg)
-        mutatie(m.letter, m.inhoud);
+// A size of a series by its place on the bar.
+std::string maattekst(const seriesleutel& s, int positie) {
+    char tekst[40];
+    snprintf(tekst, sizeof tekst, "%05d%03u%04u%02d", s.artikelgroep, s.kleur, s.volgnummer, positie);
+    return tekst;
 }
 
 bool van_serie(const uint8_t* rec, const seriesleutel& sleutel) {
@@ -62,6 +54,7 @@ bool van_serie(const uint8_t* rec, const seriesleutel& sleutel) {
 void in_hand(const seriesleutel& sleutel) {
     hand.vast = true;
     hand.sleutel = sleutel;
+    mutaties_houd();
     ioeti_vergeet();
 }
 
@@ -169,7 +162,7 @@ void serie_los() {
         if (IXEXISTS(dtser, Seriebuffer(hand.sleutel).rec)) // a deleted one took its lock along
             IXLOCK(dtser, 13);
     }
-    stuur_mutaties();
+    mutaties_stuur();
 }
 
 bool serie_vast(const seriesleutel& sleutel) {
@@ -223,15 +216,21 @@ void serie_mutatie(char letter, const serrec& rec, uint16_t oud_merk) {
     if (!instel15.overdracht)
         return;
     char tekst[64];
-    if (letter == 'G')
+    if (letter == MUT_SERIE)
         snprintf(tekst, sizeof tekst, "%07d%04u%05d%-15.15s*%c", rec.nummer, oud_merk, rec.serie.artikelgroep,
                  std::string(VASTUIT(rec.model)).c_str(), rec.regtype ? 'M' : 'E');
     else
         snprintf(tekst, sizeof tekst, "%05d%03u%04u", rec.serie.artikelgroep, rec.serie.kleur,
                  rec.serie.volgnummer);
-    const Mutatie m{letter, tekst};
-    if (std::find(mutaties.begin(), mutaties.end(), m) == mutaties.end())
-        mutaties.push_back(m);
+    mutatie(letter, tekst);
+}
+
+void serie_mutatie_maat(const seriesleutel& serie, int positie) {
+    mutatie(MUT_MAAT, maattekst(serie, positie));
+}
+
+void serie_mutatie_ean(const eanrec& rec, int positie) {
+    mutatie(MUT_EAN, maattekst({rec.artikelgroep, rec.kleur, rec.volgnummer}, positie));
 }
 
 } // namespace zg

@@ -63,9 +63,11 @@ bool serie_nummer_levend(const seriesleutel& sleutel);
 // The next running number, from 1000; numbers in use are passed over. 0 when none could be written (told) or is left.
 int32_t serie_nummer_nieuw();
 
-// The mutation of a series: 'G' created or changed, 'W' prices, 'd' labels added, 'g' labels deleted; each once.
-// `oud_merk`: the brand that a changed one had, 0 for a new series. Collected while a lock is held and queued when it is
-// given up.
+// The mutation of the series in hand by its letter (shared/mutatie.h), which goes out behind serie_los. `oud_merk`: the brand
+// that a changed one had, 0 for a new series.
 void serie_mutatie(char letter, const serrec& rec, uint16_t oud_merk = 0);
+// The same for a size that came to a series, and for a size's code (what EANHAAK is set to). `positie` counts on the bar.
+void serie_mutatie_maat(const seriesleutel& serie, int positie);
+void serie_mutatie_ean(const eanrec& rec, int positie);
 
 } // namespace zg

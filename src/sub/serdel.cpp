@@ -5,6 +5,7 @@
 // 3. The record with no labels, and behind that the chain: never a record that leads to blocks of others.
 // 4. Prices, sort indexes, codes, advice orders, picture; the record comes last.
 #include "sub/serdel.h"
+#include "control/controle.h"
 #include "shared/ean.h"
 #include "shared/eanhdl.h"
 #include "shared/files.h"
@@ -12,6 +13,7 @@
 #include "shared/ioink.h"
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
+#include "shared/mutatie.h"
 #include "shared/report.h"
 #include "shared/sleutelstand.h"
 #include "shared/sysrec.h"
@@ -114,6 +116,7 @@ bool wis_record(ICB* icb, const serrec& serie) {
 }
 
 bool wis_alles(ICB* icb, serrec* serie, const Etiketten& etiketten) {
+    const Kritiek kritiek;
     const seriesleutel sleutel = serie->serie;
     if (!wis_mutaties(*serie, etiketten.verder))
         return false;
@@ -133,7 +136,7 @@ bool wis_alles(ICB* icb, serrec* serie, const Etiketten& etiketten) {
     if (!wis_barcodes(sleutel) || !wis_codes(sleutel) || !wis_adviesorders(sleutel) ||
         (dtserpic && !wis_van_serie(dtserpic, 1, sleutel)) || !wis_record(icb, *serie))
         return false;
-    serie_mutatie('G', *serie, serie->merk);
+    serie_mutatie(MUT_SERIE, *serie, serie->merk);
     return true;
 }
 

@@ -1,6 +1,5 @@
 // The toggle grid, and the sizes of a series: confirmed, added from bars, changed one by one.
 #include "shared/maatbalk.h"
-#include "shared/mutatie.h"
 #include "sub/maatsoort.h"
 #include "sub/schakelen.h"
 #include "sub/teksten.h"
@@ -101,17 +100,6 @@ Stap schakel(uint8_t* maten, const uint8_t* vast, bool f6) {
     return Stap::schakel;
 }
 
-void meld_nieuwe(const uint8_t* oud, const uint8_t* maten, const seriesleutel& s) {
-    for (int maat = 1; maat <= MATEN; maat++) {
-        const int positie = maat_in(maten, maat) && !maat_in(oud, maat) ? mtpos(maatbalk, maat) : 0;
-        if (positie == 0)
-            continue;
-        char tekst[32];
-        snprintf(tekst, sizeof tekst, "%05d%03hu%04hu%02d", s.artikelgroep, s.kleur, s.volgnummer, positie);
-        mutatie('Y', tekst);
-    }
-}
-
 } // namespace
 
 void schakel_open(const char* titel, const uint8_t* maten) {
@@ -160,8 +148,7 @@ void schakel_bewerk(uint8_t* maten, const uint8_t* vast, bool f6) {
     }
 }
 
-bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantallen, const seriesleutel* serie,
-                 bool opgeefbaar) {
+bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantallen, bool opgeefbaar) {
     if (!maatbalk || type_maten().empty()) {
         error("%s %hu: %s", TXT(T_MAAT_NUMMER), maatbalk ? maatbalk->soort : uint8_t{0},
               TXT(T_MAAT_GEEN_MATEN));
@@ -190,8 +177,6 @@ bool serie_maten(int rij, int kolom, uint8_t* maten, const uint8_t* met_aantalle
         balk_kies(oud);
         return false;
     }
-    if (serie && kassakoppeling())
-        meld_nieuwe(oud, maten, *serie);
     return true;
 }
 

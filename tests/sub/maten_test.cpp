@@ -162,7 +162,7 @@ TEST_F(Maten, SizesOfASeries) {
             balk_open(1, 1, nullptr);
             uint8_t maten[MAATBYTES] = {}, vast[MAATBYTES] = {0x04};
             zet_maten(maten, r.begin);
-            const bool er = serie_maten(8, 1, maten, vast, nullptr);
+            const bool er = serie_maten(8, 1, maten, vast);
             return vorm("%d %s k%d", er, tekst(maten).c_str(), balk_kolommen());
         });
         t.toetsen(r.toetsen);
@@ -172,7 +172,7 @@ TEST_F(Maten, SizesOfASeries) {
         begin();
         balk_open(1, 9, nullptr);
         uint8_t maten[MAATBYTES] = {2};
-        return vorm("%d %s", serie_maten(8, 1, maten, nullptr, nullptr), SCHERM.statustekst);
+        return vorm("%d %s", serie_maten(8, 1, maten, nullptr), SCHERM.statustekst);
     });
     EXPECT_EQ(leeg.antwoord(), "0 Maatsoort 9: geen maten gedefinieerd");
 }

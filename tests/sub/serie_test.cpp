@@ -308,8 +308,9 @@ TEST_F(Verwijder, AllOfOneAndNothingOfAnother) {
     IXCLOSE(sort_index("MAKV", "DTSER.07"));
     static std::string gemeld;
     gemeld.clear();
-    MUTATIEHAAK = [](char letter, const std::string& inhoud) {
-        gemeld += letter + inhoud + "|";
+    MUTATIEHAAK = [](std::span<const Mutatie> mutaties) {
+        for (const Mutatie& m : mutaties)
+            gemeld += m.letter + m.inhoud + "|";
         return true;
     };
     const std::string b = er_is(B);

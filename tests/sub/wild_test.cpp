@@ -80,7 +80,7 @@ std::string van_serie() {
     for (int i = 0; i < MAATBYTES; i++)
         vast[i] = static_cast<uint8_t>(maten[i] & rng());
     memcpy(oud, maten, sizeof oud);
-    const bool er = serie_maten(dobbel(25), 1, maten, vast, nullptr);
+    const bool er = serie_maten(dobbel(25), 1, maten, vast);
     if (er != (balk_heeft(maten) && balk_kolommen() > 0) && er)
         return "taken without a size";
     for (int m = 1; m <= MATEN; m++)
