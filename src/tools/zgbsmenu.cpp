@@ -1,6 +1,7 @@
 // zgbsmenu: the stand-in for the order menu. Without arguments it logs a user of the demo firm in; the order
 // program comes back to it with the five arguments of a hand-over. It owns the user's slot of DTSYS.TXT from
 // login to logout.
+#include "control/controle.h"
 #include "shared/files.h"
 #include "shared/houder.h"
 #include "shared/iotab.h"
@@ -122,6 +123,16 @@ void scherm() {
     SCRPUT(A_KEUS, 1, SCHERM.cols - 20, "%-18.18s", gebruiker_naam());
     SCRPUT(A_WAARDE, 3, 4, "%s", TXT(T_MENU_TITEL));
     SCRPUT(A_LABEL, SCHERM.lines - 2, 4, "%s", TXT(T_MENU_HULP));
+    SCRPUT(A_WAARDE, SCHERM.lines - 4, 4, "%.*s", SCHERM.cols - 8, status_nu().c_str());
+}
+
+// May a program be started? Else why not is told.
+bool mag_starten() {
+    if (status_vrij())
+        return true;
+    const std::string waarom = status_nu();
+    MELDBOX(MELD_WAARSCHUWING, TXT(T_MENU_DICHT), waarom.empty() ? nullptr : waarom.c_str(), nullptr);
+    return false;
 }
 
 // Hand over to `doel` as the package does: slot marked chaining and released, five arguments.
@@ -181,6 +192,7 @@ int main(int argc, char** argv) {
     IXWAITHOOK = houder_wacht;
     iotab('O', &sessie, &gebruiker, SYS_GEBRUIKER);
     sys_lees();
+    backup_lezen();
     bool in;
     if (argc == 5) {
         // Back from a program, which has named us in the slot.
@@ -189,6 +201,7 @@ int main(int argc, char** argv) {
             SCRFATAL("%s %s", PROGRAMMA, TXT(T_MENU_FOUTIEF_GESTART));
     } else {
         SCRPUT(A_WAARDE, 3, 4, "%s", TXT(T_MENU_TITEL));
+        status_vrij(); // a mark in the slot of who logs in would be gone by the first question
         in = login();
     }
     if (in) {
@@ -205,8 +218,11 @@ int main(int argc, char** argv) {
         MACROGEBRUIKER(static_cast<uint16_t>(sessie));
         MACROAAN();
         int keus = menu();
-        if (keus == K_ORDERS)
-            start(ORDERS);
+        if (keus == K_ORDERS) {
+            if (mag_starten())
+                start(ORDERS);
+            continue;
+        }
         uitloggen();
         in = keus == K_GEBRUIKER && login();
     }
