@@ -1,0 +1,143 @@
+// What the tills hear of a buyer's work: the lines in KASMUT.TXT, from the screens in which master data and series change;
+// and what a death in the middle of it leaves.
+#include "e2e/loop.h"
+#include "order/driver.h"
+#include "order/ordrec.h"
+#include "order/programma.h"
+#include "order/start.h"
+#include "order/wrk.h"
+#include "shared/files.h"
+#include "shared/syscalls.h"
+#include "shared/sysrec.h"
+#include "sub/omserie.h"
+#include "term/scherm.h"
+#include "tools/shell.h"
+#include <csignal>
+
+using namespace zg::test;
+
+namespace {
+
+struct Kassafirma : DemoMap {
+    Kassafirma(bool link, bool kantoor, bool kassa) : DemoMap("data/demo", "--register") {
+        std::string sys = lees_bestand(bestand("DTSYS.TXT"));
+        sys[30] = static_cast<char>(link ? sys[30] | 4 : sys[30] & ~4);
+        sys[14 * 64 + 19] = kantoor;
+        schrijf_bestand(bestand("DTSYS.TXT"), sys);
+        if (kassa)
+            schrijf_bestand(bestand("KAS0101.SYS"), "");
+    }
+    std::string mutaties() const {
+        const std::string pad = bestand("KASMUT.TXT");
+        return zg::IOEXISTS(pad.c_str()) ? lees_bestand(pad) : "none";
+    }
+};
+
+// From the season prompt: a relation's name; on a line that is begun a brand's name, a group's turnover group, a size put in
+// front of the others, a colour's name; and the line is given up.
+constexpr char STAM[] =
+    "<Enter><Enter><F5><F10>W11Nieuw<Enter><Esc><Esc>10<Enter><Enter>"
+    "T<F5><F10>W11Xx<Enter><Esc><Enter>Bluze<Enter>"
+    "<F5><F10>W115<Enter><Esc><Enter><Enter><F5><F10>12<F8>zz<Enter><Esc><Esc><Enter><Esc><Esc>"
+    "Katoen<Enter>Uni<Enter><F5><F10>W11Rozig<Enter><Esc><Enter><F6>J<Enter>";
+// A line: three sizes of which seven pieces are ordered.
+constexpr char LIJN[] = "<Enter><Enter>10<Enter><Enter>"
+                        "TBROU<Enter>nieuw<Enter>1120<Enter><Enter><Enter>Let op<Esc><Esc>"
+                        "Katoen<Enter>Streep<Enter>20<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter><Enter>"
+                        "<Esc><Enter><Down>S<Enter><Enter>20<Enter><Enter><Esc>"
+                        "010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>";
+
+TEST(Mutatie, MasterData) {
+    const struct {
+        bool link, kantoor, kassa;
+        const char* regels;
+    } rijen[] = {
+        {true, true, true, "255255R10\n255255M0101\n255255C1100\n255255I0110001\n255255Q1\n255255K1\n"},
+        {true, false, true, "255255M0101\n255255C1100\n"},
+        {true, false, false, "255255M0101\n255255C1100\n"},
+        {false, true, true, "none"},
+    };
+    for (const auto& r : rijen) {
+        Kassafirma map(r.link, r.kantoor, r.kassa);
+        Programma p(overgave(map), demo_opties(map));
+        p.t.toetsen(STAM);
+        EXPECT_EQ(map.mutaties(), r.regels) << r.link << r.kantoor << r.kassa << p.t.scherm();
+    }
+}
+
+// What one step of a line changes goes out together when the series is let go.
+TEST(Mutatie, Series) {
+    Kassafirma map(true, true, true);
+    const std::string pad = map.bestand("KASMUT.TXT");
+    Programma p(overgave(map), demo_opties(map));
+    auto codes = [](int maten) {
+        std::string uit;
+        for (int m = 1; m <= maten; m++)
+            uit += "255255E0112002000020" + std::to_string(m) + "\n";
+        return uit;
+    };
+    const struct {
+        const char* toetsen;
+        std::string regels;
+    } stappen[] = {
+        {LIJN, "255255G0001121000001120NIEUW          *M\n" + codes(5) + "255255d011200200002\n"},
+        {"WMMOmega<Enter><Esc>", "255255G0001121010101120OMEGA          *M\n" + codes(5)},
+        {"WPI<Enter>25<Enter><Enter><Enter><Esc><Esc>", "255255W011200200002\n" + codes(5)},
+        {"WPMN<Enter><Enter><Enter><Enter><Enter><Enter>J<Enter><Esc>", // a size more
+         "255255Y01120020000206\n255255W011200200002\n" + codes(6)},
+        {"VJ<Enter>J<Enter>J<Enter>", "255255g011200200002\n255255G0001121010101120OMEGA          *M\n"},
+    };
+    for (const auto& s : stappen) {
+        p.t.toetsen(s.toetsen);
+        EXPECT_EQ(map.mutaties(), s.regels) << s.toetsen << p.t.scherm();
+        zg::IOUNLINK(pad.c_str());
+    }
+}
+
+// Killed at a write of the order files, which repair themselves; at the mark, before anything else is written; behind it.
+TEST(Mutatie, KilledInACriticalStep) {
+    static const zg::SYSCALLS echt = zg::SYS;
+    static int over;        // writes of this kind that go well before it
+    static bool gemarkeerd; // those behind the mark
+    const struct {
+        bool gemarkeerd;
+        int over;
+        const char* zegt;
+        int status;
+    } rijen[] = {{false, 2, "0 free", 0},
+                 {true, 0, "0 free", 0},
+                 {true, 1, "died in a critical step", 1},
+                 {true, 9, "died in a critical step", 1}};
+    for (const auto& r : rijen) {
+        Kassafirma map(false, false, false);
+        std::vector<std::string> argv = overgave(map);
+        {
+            Terminal t(
+                [&] {
+                    std::vector<char*> av;
+                    for (std::string& a : argv)
+                        av.push_back(a.data());
+                    zg::prog_start(zg::PROGRAMMA, "", static_cast<int>(av.size()), av.data());
+                    zg::registermodus = zg::register_aanwezig();
+                    zg::ordparm_lees();
+                    over = r.over;
+                    gemarkeerd = r.gemarkeerd;
+                    zg::SYS.pwrite = [](int fd, const void* b, size_t n, off_t p) {
+                        if (zg::aantal_regels > 0 && (zg::gebruiker.userstate >= 10) == gemarkeerd &&
+                            over-- == 0)
+                            raise(SIGKILL);
+                        return echt.pwrite(fd, b, n, p);
+                    };
+                    zg::order_lus();
+                    return 0;
+                },
+                demo_opties(map));
+            t.toetsen(LIJN);
+            EXPECT_EQ(t.einde(), 128 + SIGKILL) << r.over;
+        }
+        const Uit u = sh("zgstatus -D '" + map.pad() + "'");
+        EXPECT_TRUE(u.zegt(r.zegt) && u.status == r.status) << u.tekst;
+    }
+}
+
+} // namespace
