@@ -18,8 +18,8 @@ namespace {
 
 constexpr int32_t STATUSRECORD = 10;
 constexpr size_t TEKSTMAX = sizeof status10.tekst - 1;
-constexpr uint8_t KRITIEK_VAN = 10, KRITIEK_ORDER = 12; // levels
-constexpr int KEREN = 3, TUSSENTIJD = 1;                // looks at a slot, seconds between them
+constexpr uint8_t KRITIEK_ORDER = 12;    // the level of this program
+constexpr int KEREN = 3, TUSSENTIJD = 1; // looks at a slot, seconds between them
 
 // By number from 1.
 constexpr const Tekst* TOESTANDEN[] = {
@@ -49,7 +49,7 @@ template <class F> bool wijzig_status(F doe) {
 // Marked, and nobody holds it.
 bool gestorven(int32_t nr) {
     gebruikerslot g;
-    return nr != sessie && iotab('R', &nr, &g, SYS_GEBRUIKER) && g.userstate >= KRITIEK_VAN &&
+    return nr != sessie && iotab('R', &nr, &g, SYS_GEBRUIKER) && g.userstate >= STAND_KRITIEK &&
            iotab('T', &nr, &g, SYS_GEBRUIKER);
 }
 
@@ -117,7 +117,7 @@ bool kritiek_wis() {
         gebruikerslot g;
         if (!gestorven(nr) || !iotab_probeer(&nr, &g, SYS_GEBRUIKER))
             continue;
-        if (g.userstate >= KRITIEK_VAN) {
+        if (g.userstate >= STAND_KRITIEK) {
             g.userstate = 0;
             goed = iotab('W', &nr, &g, SYS_GEBRUIKER) && goed;
         } else {
@@ -133,7 +133,7 @@ uint8_t kritiek_zet(uint8_t stand) {
 }
 
 Kritiek::Kritiek() : stond_(gebruiker.userstate) {
-    if (stond_ < KRITIEK_VAN)
+    if (stond_ < STAND_KRITIEK)
         kritiek_zet(KRITIEK_ORDER);
 }
 

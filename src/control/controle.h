@@ -16,6 +16,8 @@ enum Toestand : uint8_t {
     STATUS_TEKST = 9
 };
 
+inline constexpr uint8_t STAND_KRITIEK = 10; // a user's level in a critical step, and above
+
 // The state code with the text that belongs to it, or 9 with a text of at most 49 bytes. False: refused, told.
 bool status_zet(uint8_t code);
 bool status_tekst_zet(std::string_view tekst);

@@ -56,6 +56,9 @@ bool neem(int32_t nr) {
 // As neem, of a slot that others must leave alone: a free one that `vrij` offered and nobody took since.
 bool neem_vrije(int32_t nr) {
     gebruikerslot g;
+    sessie = 0;
+    if (vrij(nr, &g) && g.userstate >= STAND_KRITIEK)
+        status_vrij(); // its user died in a critical step, and the login would take the mark away
     if (!vrij(nr, &g) || !neem(nr))
         return false;
     if (!in_overgave(gebruiker)) // come by between the look and the lock
@@ -201,7 +204,6 @@ int main(int argc, char** argv) {
             SCRFATAL("%s %s", PROGRAMMA, TXT(T_MENU_FOUTIEF_GESTART));
     } else {
         SCRPUT(A_WAARDE, 3, 4, "%s", TXT(T_MENU_TITEL));
-        status_vrij(); // a mark in the slot of who logs in would be gone by the first question
         in = login();
     }
     if (in) {
