@@ -260,7 +260,7 @@ std::vector<std::string> druk_woorden(const std::string& regel) {
             woord += c, iets = true;
     }
     if (in) // an open quote: the rest is one word, which nobody knows
-        uit.push_back(woord);
+        uit.push_back('"' + woord);
     return uit;
 }
 

@@ -108,11 +108,10 @@ Uitkomst lijst() {
 Uitkomst laad() {
     std::vector<mac_rec> alle;
     for (const std::string& pad : wens.woorden) {
+        errno = 0;
         std::ifstream in(pad);
         std::string regel;
-        int nr = 0;
-        for (errno = 0; std::getline(in, regel);) {
-            nr++;
+        for (int nr = 1; std::getline(in, regel); nr++) {
             const auto woorden = druk_woorden(regel);
             if (woorden.empty())
                 continue;
@@ -121,7 +120,7 @@ Uitkomst laad() {
                 return meld(FOUT_GEBRUIKT, pad + ":" + std::to_string(nr) + ": " + fout);
             alle.push_back(rec);
         }
-        if (in.bad() || (nr == 0 && errno))
+        if (!in.is_open() || in.bad())
             return meld(NIET_TE_OPENEN, pad + ": " + strerror(errno ? errno : EIO));
     }
     for (const mac_rec& rec : alle)

@@ -18,7 +18,7 @@ std::vector<std::string> woorden(const std::string& cel) {
 }
 
 bool toetsnaam(const std::string& w) {
-    for (const char* naam : {"Enter", "Esc", "Tab", "Up", "Down", "PgUp", "PgDn"})
+    for (const char* naam : {"Enter", "Esc", "Tab", "Up", "Down", "PgUp", "PgDn", "Ins"})
         if (w == naam)
             return true;
     return w.size() > 1 && w[0] == 'F' && isdigit(static_cast<unsigned char>(w[1]));
@@ -57,9 +57,14 @@ TEST(Rondgang, AsTheReadmeTells) {
             const size_t midden = rij.find(" | ");
             ASSERT_TRUE(t.kalm());
             ASSERT_TRUE(t.leeft()) << "the tour ends too early";
+            std::string toetsen;
             for (const std::string& w : woorden(rij.substr(0, midden)))
                 if (w != "./run")
-                    t.toetsen(toetsnaam(w) ? "<" + w + ">" : w);
+                    toetsen += toetsnaam(w) ? "<" + w + ">" : w;
+            if (toetsen.starts_with("<F2>")) // what follows it must not be late
+                t.reeks(toetsen);
+            else
+                t.toetsen(toetsen);
             for (const std::string& w : woorden(rij.substr(midden)))
                 ASSERT_TRUE(t.wacht(w));
             if (rij.find(" picture") != std::string::npos) {
@@ -67,14 +72,14 @@ TEST(Rondgang, AsTheReadmeTells) {
                 EXPECT_EQ(zonder_lege_rijen(t.scherm()), zonder_lege_rijen(beelden[beeld++]));
             }
         }
-        EXPECT_GT(stappen, 20);
+        EXPECT_GT(stappen, 6);
         EXPECT_EQ(t.einde(), 0) << t.scherm();
         // Menu, program and menu: the shell's screen was left once, and came back once.
         const std::string uit = t.uitvoer();
         for (const char* wissel : {"\033[?1049h", "\033[?1049l"})
             EXPECT_EQ(uit.find(wissel), uit.rfind(wissel));
     }
-    EXPECT_EQ(tochten, 2);
+    EXPECT_EQ(tochten, 3);
     EXPECT_EQ(beeld, beelden.size());
     // What the shell says then.
     const size_t opdracht = readme.find("\n    $ ") + 7, eind = readme.find('\n', opdracht) + 1;
