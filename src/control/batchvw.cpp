@@ -54,7 +54,7 @@ bool geduld(int64_t plaats, int64_t lengte) {
 
 // The box that stands while a claim waits; the loop without a screen only pauses.
 struct Wachtvenster {
-    Wachtvenster(int hoogte) : er(SCHERM.bestaat) {
+    Wachtvenster(int hoogte) : er(SCHERM.bestaat && !SCHERM.dicht && SCHERM.aantal < VENSTERS) {
         if (er) {
             WINOPEN1(RIJ, KOLOM, hoogte, BREEDTE);
             WINBOX("%s", "");

@@ -318,11 +318,19 @@ TEST_F(Verwijder, AllOfOneAndNothingOfAnother) {
     EXPECT_EQ(b, "rec 1 ean 3 set 1 labels 23 others 146 par 1");
     serrec s{};
     ASSERT_TRUE(serie_neem(A, &s));
+    static uint8_t hoogst;
+    gebruiker.userstate = 1;
+    const auto haak = IXCOMMITHOOK;
+    IXCOMMITHOOK = [] { return hoogst = std::max<uint8_t>(hoogst, gebruiker.userstate), 0; };
     EXPECT_TRUE(serie_verwijderen(dtser, &s, false));
+    IXCOMMITHOOK = haak;
+    EXPECT_EQ(vorm("%d %d", hoogst, int{gebruiker.userstate}), "12 1") << "a critical step";
+    gebruiker.userstate = 0;
+    mutatie(MUT_MERK, "0104"); // of a screen that is opened meanwhile
     EXPECT_EQ(gemeld, "") << "not under the lock";
     serie_los();
     MUTATIEHAAK = nullptr;
-    EXPECT_EQ(gemeld, "G0001000010401110KJOLE          *E|");
+    EXPECT_EQ(gemeld, "G0001000010401110KJOLE          *E|M0104|");
     EXPECT_EQ(er_is(A), "rec 0 ean 0 set 0 labels 0 others 75 par 0");
     EXPECT_EQ(er_is(B), "rec 1 ean 3 set 1 labels 23 others 75 par 1");
     ICB* index = IXOPEN("DTSER.07", 0);
