@@ -303,6 +303,16 @@ void hoofd_menu() {
     }
 }
 
+// The totals of the line that was written, as it reads from now on: a net price under a surcharge may be stored as one
+// that reads a cent beside it.
+ordertotalen totaal_geschreven() {
+    ordertotalen totaal;
+    if (!registermodus)
+        regel_lees(regelingang, &regel_nu);
+    regel_totaal(regel_nu, &totaal);
+    return totaal;
+}
+
 // The line in hand into the work file, behind the cursor's model, and its series into the register: the cursor goes
 // there. What is refused is told by the routine that refused. `oud`: the series is on file, with these prices.
 void voeg_in(Blad& blad, bool met_model, const prijsrijen* oud = nullptr) {
@@ -317,9 +327,7 @@ void voeg_in(Blad& blad, bool met_model, const prijsrijen* oud = nullptr) {
         blad.cursor = regelingang.regel;
     if (!bewaard)
         return order_totalen();
-    ordertotalen totaal;
-    regel_totaal(regel_nu, &totaal);
-    order_totaal_bij('+', totaal);
+    order_totaal_bij('+', totaal_geschreven());
 }
 
 // The changed line likewise, and its totals over the old ones.
@@ -330,10 +338,8 @@ void bewaar_wijziging(const ordertotalen& oud, const prijsrijen& prijzen) {
         return;
     if (registermodus && !serie_bewaar(&regel_nu, false, prijzen))
         return order_totalen();
-    ordertotalen nieuw;
-    regel_totaal(regel_nu, &nieuw);
     order_totaal_bij('-', oud);
-    order_totaal_bij('+', nieuw);
+    order_totaal_bij('+', totaal_geschreven());
 }
 
 void dupliceer(Blad& blad) {
@@ -425,6 +431,7 @@ void order_scherm() {
     vul_valuta();
     up_regelkorting(0); // a line's discount is kept for the next line, not for the next order
     order_totalen();
+    balk_sluit(); // of the order before; its size type may be another's by now
     Blad blad;
     ordertotalen totaal{};
     order_kopregels();
@@ -455,6 +462,8 @@ void order_scherm() {
         // registration each have the rate that they were bought at.
         if (order_prijscontext() && !registermodus) {
             order_totalen();
+            laad(blad.ingang(), &totaal);
+        } else if (balk_vernieuw()) {
             laad(blad.ingang(), &totaal);
         }
         if (order_alleen_lezen) {

@@ -17,7 +17,7 @@ void grenzen() {
 
 // The window on F10: terms and operators until a cancel, then the total to be accepted or changed.
 bool bereken(double* procent) {
-    double totaal = *procent, term = *procent;
+    double totaal = *procent + 0.0, term = totaal; // no minus in front of nothing
     char bewerking = 'I';
     WINOPEN1(10, SCHERM.cols - 30, 6, 30);
     WINBOX(" %s ", GROOTKOPIE(TXT(T_BEREKENEN_KORTING)).c_str());

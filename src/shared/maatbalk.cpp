@@ -49,6 +49,21 @@ void balk_kies(const uint8_t* maten) {
     vul();
 }
 
+bool balk_vernieuw() {
+    if (!maatbalk)
+        return false;
+    mthandle* nu = mtopen(maatbalk->stelsel, maatbalk->soort, 0);
+    const bool anders = memcmp(&nu->nummers, &maatbalk->nummers, sizeof nu->nummers) != 0 ||
+                        memcmp(&nu->posities, &maatbalk->posities, sizeof nu->posities) != 0;
+    memcpy(nu->keuze, maatbalk->keuze, MAATBYTES);
+    nu->mtom = maatbalk->mtom;
+    mtclose(maatbalk);
+    maatbalk = nu;
+    if (anders)
+        vul();
+    return anders;
+}
+
 void balk_sluit() {
     if (maatbalk)
         mtclose(maatbalk);

@@ -12,6 +12,8 @@ extern mthandle* maatbalk; // null: none is open
 // A size system or type of 0 closes and leaves none open.
 void balk_open(uint8_t stelsel, uint8_t soort, const uint8_t* maten);
 void balk_kies(const uint8_t* maten); // other sizes of the same bar, null for all
+// Read the size type in force anew; true when another has changed it since. The choice stays.
+bool balk_vernieuw();
 // Close it: before maintenance writes it (record locks), and at the program's end. balk_open reads it anew.
 void balk_sluit();
 

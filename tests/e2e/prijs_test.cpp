@@ -276,6 +276,21 @@ TEST(Prijs, VanBeginTotJournaal) {
                                            "\n1: 1 2000/1800 2 2000/1800 3 2000/1800 1=1800 2=2100 3=1995");
 }
 
+// Under a surcharge a net price may be stored as one that reads a cent beside it: what is added up is what reads back.
+TEST(Prijs, ToeslagTeltWatHetBestandHoudt) {
+    Datamap map;
+    zg::ordkop kop = maak_kop("Toeslag");
+    kop.korting = 500;
+    map.journaal(maak_order(kop, {Regel{.aantal = 100, .prijs = 2000}}));
+    Programma p(map);
+    p.eerste_order();
+    p.t.toetsen("wpi<Esc>n20,05<Enter><Esc><Esc>");
+    EXPECT_TRUE(p.t.wacht("Netto      2006.00")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht("100    2006.00")) << p.t.scherm();
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+}
+
 // More groups and sizes than a page has, both ways; what is shown is as it was.
 TEST(Prijs, Bladeren) {
     Datamap map;

@@ -51,6 +51,33 @@ TEST(Samen, TweeLeveranciersNaastElkaar) {
     EXPECT_EQ(map.restjes(), "");
 }
 
+// A size type that another terminal changes: the next action on the open order has it as it is now, and so has the next
+// order.
+TEST(Samen, MatenElders) {
+    Datamap map;
+    map.journaal(maak_order(maak_kop("Een"), {Regel{}}));
+    Programma p(map);
+    p.eerste_order();
+    std::string rij = lees_bestand(map.bestand("DTMAAT.TXT"));
+    const size_t naam = rij.find("35");
+    ASSERT_NE(naam, std::string::npos);
+    for (const char* nieuw : {"XX", "YY"}) {
+        rij.replace(naam, 2, nieuw);
+        schrijf_bestand(map.bestand("DTMAAT.TXT"), rij);
+        p.t.toetsen("wa");
+        EXPECT_TRUE(p.t.wacht(std::string(" ") + nieuw)) << p.t.scherm();
+        p.t.toetsen("<Esc>");
+    }
+    rij.replace(naam, 2, "ZZ");
+    p.t.toetsen("<Esc>");
+    schrijf_bestand(map.bestand("DTMAAT.TXT"), rij);
+    p.eerste_order();
+    p.t.toetsen("ra");
+    EXPECT_TRUE(p.t.wacht(" ZZ")) << p.t.scherm();
+    p.t.toetsen("<Esc><Esc>");
+    p.uit();
+}
+
 // A supplier whom another terminal changed meanwhile: a new order begins with what is on file now.
 TEST(Samen, LeverancierElders) {
     Datamap map;
