@@ -2,6 +2,7 @@
 #include "order/aantalbeeld.h"
 #include "order/aantallen.h"
 #include "order/programma.h"
+#include "order/serieveld.h"
 #include "term/keuze.h"
 #include "term/prompt.h"
 #include <cstdio>
@@ -10,10 +11,13 @@ namespace zg {
 
 namespace {
 
-enum Kijk { KIJK_ORDER = 10, KIJK_NOTA, KIJK_TERMIJN };
+enum Kijk { KIJK_ORDER = 10, KIJK_NOTA, KIJK_TERMIJN, KIJK_AFBEELDING = 15 };
 
 const char* kijktekst(int k) {
-    return k == KIJK_ORDER ? TXT(T_A_KEUS_ORDER) : k == KIJK_NOTA ? TXT(T_A_KEUS_NOTA) : nullptr;
+    return k == KIJK_ORDER        ? TXT(T_A_KEUS_ORDER)
+           : k == KIJK_NOTA       ? TXT(T_A_KEUS_NOTA)
+           : k == KIJK_AFBEELDING ? TXT(T_S_AFBEELDING)
+                                  : nullptr;
 }
 
 void totalen_naar_een() {
@@ -69,13 +73,18 @@ void levt_bekijk() {
             KEUZEAAN(KIJK_ORDER);
             KEUZEAAN(KIJK_NOTA);
         }
+        if (met_afbeelding())
+            KEUZEAAN(KIJK_AFBEELDING);
         if (!termen.empty())
             TOETSAAN(K_F5);
         beeld_toetsen_aan();
         const int keus = KEUZE(beeld_keusrij(), 2);
         if (keus < 0 && TOETSWEG())
             break;
-        if (keus >= 0) {
+        if (keus == KIJK_AFBEELDING) {
+            bekijk_afbeelding();
+            continue;
+        } else if (keus >= 0) {
             wat = keus;
         } else if (SCHERM.laatste != K_F5) {
             beeld_blader(SCHERM.laatste);

@@ -4,6 +4,7 @@
 #include "order/aantalbeeld.h"
 #include "order/programma.h"
 #include "order/regelstam.h"
+#include "order/serieveld.h"
 #include "order/verdelen.h"
 #include "order/wrk.h"
 #include "shared/maatbalk.h"
@@ -31,6 +32,7 @@ enum Aantalkeuze {
     A_NOTA = 11,
     A_VORIGE = 13,
     A_VOLGENDE,
+    A_AFBEELDING,
     A_AANTAL
 };
 
@@ -52,7 +54,8 @@ const Label LABELS[A_AANTAL] = {{&T_A_FILIAAL_INGAVE, &T_A_K_FILIAAL},
                                 {&T_A_KEUS_NOTA, &T_A_K_NOTA},
                                 {},
                                 {&T_A_VORIGE, &T_A_K_VORIGE},
-                                {&T_A_VOLGENDE, &T_A_K_VOLGENDE}};
+                                {&T_A_VOLGENDE, &T_A_K_VOLGENDE},
+                                {&T_S_AFBEELDING, &T_S_AFBEELDING}};
 
 template <const Tekst* Label::*WELKE> const char* keuzetekst(int k) {
     const Tekst* t = k >= 0 && k < A_AANTAL ? LABELS[k].*WELKE : nullptr;
@@ -117,6 +120,8 @@ void menu(const Termijn& t) {
             KEUZEAAN(A_VOLGENDE);
         TOETSAAN(K_F5);
     }
+    if (met_afbeelding() && !regel_is_nieuw)
+        KEUZEAAN(A_AFBEELDING);
     beeld_toetsen_aan();
     beeld_f6_aan();
 }
@@ -213,6 +218,9 @@ void ga(int keus, Termijn& t) {
         break;
     case A_VOLGENDE:
         t.nr++;
+        break;
+    case A_AFBEELDING:
+        bekijk_afbeelding();
         break;
     }
 }

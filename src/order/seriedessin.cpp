@@ -22,7 +22,8 @@ enum Dessinitem {
     DES_OPMERKING,
     DES_KENMERK,
     DES_REGTYPE,
-    DES_CONSPRIJS
+    DES_CONSPRIJS,
+    DES_AFBEELDING
 };
 
 constexpr int HOOGTE = 15; // one more with the feature code
@@ -32,6 +33,10 @@ bool nieuw;
 // A series of the full registration has its labels under its colour and kind.
 bool vrij() {
     return nieuw || !registermodus;
+}
+
+bool afbeelding_er() {
+    return !nieuw && met_afbeelding();
 }
 
 // Without the feature code the rows below it move up.
@@ -51,6 +56,7 @@ const Item ITEMS[] = {
     {DES_KENMERK,      &T_D_KENMERK,      toon_kenmerk,      veld_kenmerk,      nullptr, heeft_kenmerk},
     {DES_REGTYPE,      &T_D_REGTYPE,      toon_regtype,      veld_regtype,      vrij},
     {DES_CONSPRIJS,    &T_D_CONSPRIJS,    toon_consprijs,    veld_consprijs},
+    {DES_AFBEELDING,   &T_S_AFBEELDING,   toon_afbeelding,   veld_afbeelding,   nullptr, afbeelding_er, bekijk_afbeelding},
 };
 // clang-format on
 
@@ -65,7 +71,9 @@ bool met_volgnummer() {
     SCRPUT(A_LABEL, RIJ, KOLOM, "%s", label.c_str());
     SCRPUT(A_WAARDE, RIJ, veld, "%s", groep_kleur);
     const bool goed = vraag_volgnummer(RIJ, veld + breed);
-    if (!goed)
+    if (goed)
+        vraag_afbeelding();
+    else
         SCRCLREOL(RIJ, KOLOM);
     return goed;
 }

@@ -24,16 +24,17 @@ enum Dupitem {
     DUP_DESSIN = 7,
     DUP_KENMERK = 8,
     DUP_REGTYPE = 9,
+    DUP_AFBEELDING = 10,
     DUP_CONSPRIJS = 11,
     DUP_AANTAL
 };
 
-constexpr int HOOGTE = 16;
+constexpr int HOOGTE = 16;      // one more with pictures
 constexpr int MODELRECORD = 16; // system record with the bits of what is asked
 
-// A blank row parts the series from what is its model's; no row for the picture.
+// A blank row parts the series from what is its model's.
 int dup_rij(int item) {
-    return item + 1 + (item > DUP_MAATSOORT ? 1 : 0) - (item > DUP_REGTYPE ? 1 : 0);
+    return item + 1 + (item > DUP_MAATSOORT ? 1 : 0) - (item > DUP_AFBEELDING && !met_afbeelding() ? 1 : 0);
 }
 
 bool nooit() {
@@ -52,12 +53,10 @@ const Item ITEMS[] = {
     {DUP_DESSIN,     &T_DUP_DESSIN,     toon_dessin,     veld_dessin},
     {DUP_KENMERK,    &T_DUP_KENMERK,    toon_kenmerk,    veld_kenmerk,   heeft_kenmerk},
     {DUP_REGTYPE,    &T_DUP_REGTYPE,    toon_regtype,    veld_regtype},
+    {DUP_AFBEELDING, &T_DUP_AFBEELDING, toon_dup_afbeelding, veld_dup_afbeelding, nullptr, met_afbeelding},
     {DUP_CONSPRIJS,  &T_DUP_CONSPRIJS,  toon_consprijs,  veld_consprijs},
 };
 // clang-format on
-
-const Itemscherm DUPSCHERM{&T_DUP_TITEL, SERIERIJ,     SERIEKOLOM, HOOGTE, SERIEBREEDTE,
-                           HOOGTE - 2,   DUP_ARTGROEP, dup_rij,    ITEMS};
 
 bool vraag_wat() {
     Slot<sysmodel> record{MODELRECORD, {}};
@@ -67,8 +66,11 @@ bool vraag_wat() {
     for (int item = DUP_MODEL; item < DUP_AANTAL; item++)
         vraag[item] = record.r.velden >> (item - DUP_MODEL) & 1;
     bool anders = false;
+    const int hoogte = HOOGTE + (met_afbeelding() ? 1 : 0);
+    const Itemscherm scherm{&T_DUP_TITEL, SERIERIJ,     SERIEKOLOM, hoogte, SERIEBREEDTE,
+                            hoogte - 2,   DUP_ARTGROEP, dup_rij,    ITEMS};
     // ESC before there is another series gives it up.
-    return itemscherm(DUPSCHERM, {Itemwijze::nieuw, vraag, true, DUP_VOLGNUMMER}, &anders);
+    return itemscherm(scherm, {Itemwijze::nieuw, vraag, true, DUP_VOLGNUMMER}, &anders);
 }
 
 } // namespace
@@ -78,6 +80,7 @@ bool serie_dupliceren(bool* model_veranderd) {
     regel_is_nieuw = true;
     regelstam_lees(&regel_nu);
     serieveld_begin(false);
+    dup_afbeelding_begin();
     if (!vraag_wat())
         return false;
     regelstam_lees(&regel_nu);
@@ -85,9 +88,8 @@ bool serie_dupliceren(bool* model_veranderd) {
     const bool andere_maten = m.maatsoort != oud.maatsoort;
     *model_veranderd =
         andere_maten || m.artikelgroep != oud.artikelgroep || VASTTEKST(m.model) != VASTTEKST(oud.model);
-    if (andere_maten)
-        return serie_vul_nieuw();
-    return serie_prijzen_dup() && neem_over() && aantal_nieuw();
+    const bool goed = andere_maten ? serie_vul_nieuw() : serie_prijzen_dup() && neem_over() && aantal_nieuw();
+    return goed && dup_afbeelding_koppelen();
 }
 
 } // namespace zg

@@ -10,7 +10,7 @@ namespace zg {
 namespace {
 
 // The items; their numbers are places in ORDPARM.SYS (modelvraag + number).
-enum Modelitem { MOD_MERK, MOD_MODEL, MOD_ARTGROEP, MOD_ETIKETSOORT, MOD_MAATSOORT, MOD_OPMERKING };
+enum Modelitem { MOD_MERK, MOD_MODEL, MOD_ARTGROEP, MOD_ETIKETSOORT, MOD_MAATSOORT, MOD_OPMERKING, MOD_AFBEELDING };
 
 constexpr int HOOGTE = 11;
 
@@ -22,6 +22,10 @@ bool artgroep_vrij() {
 }
 bool maatsoort_vrij() {
     return nieuw;
+}
+
+bool afbeelding_er() {
+    return !nieuw && met_afbeelding();
 }
 
 int model_rij(int item) {
@@ -36,6 +40,7 @@ const Item ITEMS[] = {
     {MOD_ETIKETSOORT, &T_M_ETIKETSOORT, toon_etiketsoort, veld_etiketsoort},
     {MOD_MAATSOORT,   &T_M_MAATSOORT,   toon_maatsoort,   veld_maatsoort,   maatsoort_vrij, nullptr, nullptr, nullptr, mist_maatsoort},
     {MOD_OPMERKING,   &T_M_OPMERKING,   toon_modeltekst,  veld_modeltekst,  nullptr,        nullptr, bekijk_modeltekst},
+    {MOD_AFBEELDING,  &T_S_AFBEELDING,  toon_afbeelding,  veld_afbeelding,  nullptr,        afbeelding_er, bekijk_afbeelding},
 };
 // clang-format on
 

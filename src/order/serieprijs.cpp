@@ -6,6 +6,7 @@
 #include "order/regelstam.h"
 #include "order/register.h"
 #include "order/serie.h"
+#include "order/serieveld.h"
 #include "order/teksten.h"
 #include "price/prijsinvoer.h"
 #include "price/prijsscherm.h"
@@ -25,11 +26,11 @@ namespace {
 // What the window is opened for.
 enum class Prijsmodus { nieuw, wijzigen, lezen, duplicaat };
 
-enum Prijskeuze { P_INKOOP, P_ADVIES, P_PRIJZEN, P_MATEN, P_AANTAL };
+enum Prijskeuze { P_INKOOP, P_ADVIES, P_PRIJZEN, P_MATEN, P_AFBEELDING, P_AANTAL };
 
 const char* keuzetekst(int k) {
-    static const Tekst* const T[P_AANTAL] = {&T_P_INKOOPPRIJZEN, &T_P_ADVIESPRIJZEN, &T_P_PRIJZEN,
-                                             &T_P_MATEN};
+    static const Tekst* const T[P_AANTAL] = {&T_P_INKOOPPRIJZEN, &T_P_ADVIESPRIJZEN, &T_P_PRIJZEN, &T_P_MATEN,
+                                             &T_S_AFBEELDING};
     return k >= 0 && k < P_AANTAL ? TXT(*T[k]) : nullptr;
 }
 
@@ -75,7 +76,7 @@ void toon_maten(const uint8_t* blad) {
     bool eerder = false, later = false;
     for (int k = 1; k <= balk_kolommen(); k++) {
         const int maat = balk_maat(k);
-        if (!maat_in(blad, maat)) {
+        if (!maat_in(blad, maat) || cel == CELLEN) { // a new line's sizes are all in one
             (cel ? later : eerder) = true;
             continue;
         }
@@ -155,8 +156,10 @@ bool keuzes(Prijsmodus modus) {
         toon_pagina(pagina);
         KEUZESTART(keuzetekst);
         if (modus != Prijsmodus::lezen)
-            for (int k = 0; k < P_AANTAL; k++)
+            for (int k = 0; k < P_AFBEELDING; k++)
                 KEUZEAAN(k);
+        if (met_afbeelding() && !regel_is_nieuw)
+            KEUZEAAN(P_AFBEELDING);
         TOETSAAN(K_CANCEL);
         if (pagina > 1)
             TOETSAAN(K_F7);
@@ -167,7 +170,9 @@ bool keuzes(Prijsmodus modus) {
         const int keus = KEUZE(KEUSRIJ, KOLOM);
         const int32_t toets = SCHERM.laatste;
         SCRCLREOL(KEUSRIJ, 1);
-        if (keus >= 0) {
+        if (keus == P_AFBEELDING) {
+            bekijk_afbeelding();
+        } else if (keus >= 0) {
             if (modus == Prijsmodus::wijzigen && keus != P_MATEN)
                 zeker = zeker || prijzen_vraag(regel_nu);
             if (zeker || modus != Prijsmodus::wijzigen || keus == P_MATEN)

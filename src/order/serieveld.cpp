@@ -148,6 +148,11 @@ bool veld_merk(int rij) {
         error("%s", TXT(T_ANDER_MAATSTELSEL));
         return false;
     }
+    if (!nieuwe_regel && !merk_los_van_afbeelding()) {
+        regel_nu.model.merk = oud;
+        merk_bestaat(oud);
+        return false;
+    }
     return true;
 }
 

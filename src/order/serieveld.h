@@ -48,6 +48,21 @@ bool veld_volgnummer(int rij);
 void bekijk_modeltekst();
 void bekijk_dessintekst();
 
+// The picture of the line's series, where there are pictures. Its link is written at once: the line itself stays as it is.
+bool met_afbeelding();
+void toon_afbeelding(int rij);
+bool veld_afbeelding(int rij);
+void bekijk_afbeelding();
+// Of a duplicate, which begins without one (its colour is another): chosen first, linked when the new line is whole. False: refused, told.
+void dup_afbeelding_begin();
+void toon_dup_afbeelding(int rij);
+bool veld_dup_afbeelding(int rij);
+bool dup_afbeelding_koppelen();
+// "Afbeelding aan serie koppelen" of a new series, where the installation wants that.
+void vraag_afbeelding();
+// Before the series gets another brand: a link to a picture is told and goes. False: the brand is to stay.
+bool merk_los_van_afbeelding();
+
 // What no line can do without.
 bool mist_merk();
 bool mist_model();

@@ -29,6 +29,8 @@ int DIRECTORY(char letter, char* patroon_of_naam, int kind);
 int DIRECTORYAANTAL();                // of the scan on top, after 'O'
 int DIRECTORYLENGTE();                // longest length, at least 12
 const char* DIRECTORYNAAM(int index); // from 0
+// Does a name match '*' and '?', letters in either case?
+int IOPAST(const char* patroon, const char* naam);
 // Matching plain files. Without "%*" in the pattern: letters in either case, and "NAME.*" takes "NAME" too.
 int FILES_PRESENT(const char* patroon);
 int64_t IODISKFREE();               // blocks of "."; 2147483647 when unknown

@@ -198,6 +198,10 @@ const char* DIRECTORYNAAM(int index) {
     return stapel.back().namen[static_cast<size_t>(index)].c_str();
 }
 
+int IOPAST(const char* patroon, const char* naam) {
+    return past_joker(patroon, naam) ? 1 : 0;
+}
+
 int FILES_PRESENT(const char* patroon) {
     if (stapel.size() >= SCANS)
         SCRFATAL("FILES_PRESENT : ALLOC voor DIR_ENT");

@@ -1,6 +1,7 @@
 // The files of the registration, and the record of a series: read, held, written; its mutations. Its numbers:
 // sub/serienummer.cpp.
 #include "sub/omserie.h"
+#include "sub/afb_hdl.h"
 #include "shared/files.h"
 #include "shared/ioeti.h"
 #include "shared/ioink.h"
@@ -74,6 +75,7 @@ void register_open(bool lezen) {
     stam_open("omserie", BESTANDEN, lezen);
     ioeti('O', nullptr, nullptr);
     ioink_open(lezen ? LEZEN : SHARED);
+    afb_instelling();
     if (!lezen)
         serie_nummers_opruimen();
 }

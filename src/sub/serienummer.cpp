@@ -11,6 +11,7 @@
 #include "shared/report.h"
 #include "shared/sleutelstand.h"
 #include "shared/syscalls.h"
+#include "sub/afb_hdl.h"
 #include "sub/omserie.h"
 #include <algorithm>
 #include <cerrno>
@@ -66,21 +67,6 @@ bool nummer_bezet(int32_t nr) {
     }
 }
 
-// A picture that is tied to a number without a series is of one that was deleted half.
-void wis_afbeelding(const seriesleutel& sleutel) {
-    if (!dtserpic)
-        return;
-    Seriebuffer buffer(sleutel);
-    const Sleutelstand k1(dtserpic);
-    if (!IXEXISTS(dtserpic, buffer.rec))
-        return;
-    const int gelezen = IXREADT(dtserpic, buffer.rec);
-    if (gelezen == 1)
-        IXDELETE(dtserpic, buffer.rec);
-    else if (gelezen == 0)
-        IXUNLOCK(dtserpic, Seriebuffer(sleutel).rec);
-}
-
 } // namespace
 
 bool serie_gereserveerd(const seriesleutel& sleutel) {
@@ -113,7 +99,7 @@ bool serie_volgnummer_neem(const seriesleutel& sleutel) {
         return false;
     }
     nummer = sleutel;
-    wis_afbeelding(sleutel);
+    afb_wis(sleutel); // of a series that was deleted half
     return true;
 }
 
@@ -137,6 +123,7 @@ void serie_nummer_los() {
         return;
     const Sleutelstand k1(dtser);
     const int geweigerd = IXWEIGERINGEN;
+    afb_wis(nummer); // chosen for a series that doesn't come
     IXUNLOCK(dtser, Seriebuffer(nummer).rec);
     gereserveerd = false;
     if (IXWEIGERINGEN != geweigerd)

@@ -112,6 +112,7 @@ void demo_register() {
     std::sort(journalen.begin(), journalen.end());
     for (const std::string& pad : journalen)
         registreer_journaal(pad);
+    demo_afbeeldingen();
     order_scherm_los();
     bestanden_sluit();
     iofil('C', 0, nullptr);

@@ -73,6 +73,10 @@ struct Firma {
                 firma1->btw[i] = static_cast<uint16_t>(bron.getal(w[i], 0, 999));
         } else if (naam == "huisvaluta") {
             VASTIN(instel->valuta, w[0]);
+        } else if (naam == "afbeeldingen") {
+            auto* afb = beeld.slot<sysafbeelding>(SYS_RECORD, 7);
+            VASTIN(afb->map, w[0]);
+            afb->modus = 1;
         } else if (naam == "set") {
             set = static_cast<uint8_t>(bron.getal(w[0], 0, SET_MAX));
         } else if (naam == "werkdatum") {

@@ -1,0 +1,118 @@
+// New pictures, from the directory where they are put into that of a brand. See sub/afb_hdl.h.
+#include "shared/files.h"
+#include "shared/report.h"
+#include "shared/syscalls.h"
+#include "shared/teksten.h"
+#include "sub/afb_hdl.h"
+#include "sub/teksten.h"
+#include "term/lijst.h"
+#include "term/prompt.h"
+#include <algorithm>
+#include <cerrno>
+
+namespace zg {
+namespace {
+
+constexpr int HOOGSTE = 99; // suffix
+constexpr int BREEDTE = 80;
+
+struct Nieuw {
+    std::string naam, wordt; // its name there; empty: none is free, or none short enough
+    int suffix;              // 0: none
+};
+
+std::vector<Nieuw> rijen;
+LIJST* lijst;
+
+// "ROOD.JPG" with 1 is "ROOD.01.JPG": behind the extension it would be no picture any more.
+std::string met_suffix(const std::string& naam, int nr) {
+    const size_t punt = naam.rfind('.');
+    char tussen[8];
+    snprintf(tussen, sizeof tussen, ".%02d", nr);
+    return naam.substr(0, punt) + tussen + naam.substr(punt);
+}
+
+Nieuw naam_in(const std::string& map, const std::string& naam) {
+    for (int nr = 0; nr <= HOOGSTE; nr++) {
+        const std::string wordt = nr ? met_suffix(naam, nr) : naam;
+        if (wordt.size() > AFB_NAAM)
+            break;
+        if (!IOEXISTS((map + wordt).c_str()))
+            return {naam, wordt, nr};
+    }
+    return {naam, "", 0};
+}
+
+int32_t haal(int32_t stap) {
+    const int64_t n = std::ssize(rijen);
+    const int64_t naar = std::clamp<int64_t>(int64_t{lijst->positie} + stap, 0, n - 1);
+    if (stap != 0 && naar == lijst->positie)
+        return 0;
+    lijst->positie = static_cast<uint32_t>(naar);
+    return 1;
+}
+
+void toets() {
+    TOETSKIES(&SCHERM.toets[key_f3], "\n");
+}
+
+const char* regel() {
+    static char uit[80];
+    const Nieuw& r = rijen[lijst->positie];
+    char achter[8] = "";
+    if (r.wordt.empty())
+        snprintf(achter, sizeof achter, " *");
+    else if (r.suffix)
+        snprintf(achter, sizeof achter, " *%d", r.suffix);
+    snprintf(uit, sizeof uit, "%-45.45s%s", r.naam.c_str(), achter);
+    return uit;
+}
+
+// Never over a file: one that came meanwhile has the name, and the next suffix is tried.
+bool verplaats(const std::string& van, const std::string& map, const std::string& naam) {
+    for (Nieuw n = naam_in(map, naam); !n.wordt.empty(); n = naam_in(map, naam)) {
+        if (IOMOVE((van + naam).c_str(), (map + n.wordt).c_str(), 0))
+            return true;
+        if (!IOEXISTS((map + n.wordt).c_str()))
+            break;
+    }
+    return false;
+}
+
+} // namespace
+
+int afb_import(uint16_t merk) {
+    const std::string van = afb_nieuw_map(), map = afb_map(merk);
+    rijen.clear();
+    for (const std::string& naam : afb_bestanden(van, nullptr))
+        rijen.push_back(naam_in(map, naam));
+    if (rijen.empty()) {
+        MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
+        return 0;
+    }
+    if (!IOISDIR(map.c_str()) && !SYSNIEUWEMAP(map.c_str())) {
+        SCHRIJFFOUT(map.c_str(), errno);
+        return 0;
+    }
+    lijst = LIJSTNEW(haal, toets, nullptr, regel);
+    if (!lijst)
+        NOMEM("afb_hdl", 2);
+    lijst->vast = 1;
+    lijst->merken = 1;
+    lijst->breedte = BREEDTE;
+    snprintf(lijst->titel, sizeof lijst->titel, " %s ", TXT(T_AFB_NIEUWE));
+    lijst->positie = 0;
+    int gekomen = 0;
+    while (LIJSTRUN(lijst, 0)) {
+        const std::string naam = rijen[lijst->positie].naam;
+        if (verplaats(van, map, naam))
+            gekomen++;
+        else
+            ALARMBOX(TXT(T_AFB_NIET_INGELEZEN), naam.c_str());
+    }
+    LIJSTDEL(lijst);
+    lijst = nullptr;
+    return gekomen;
+}
+
+} // namespace zg
