@@ -23,7 +23,8 @@ public:
         MACROHAAK.aan = aan_;
         MACROHAAK.speelt = speelt_;
     }
-    void stop() { // it would go on answering a user who breaks off
+    void stop() {             // it would go on answering a user who breaks off
+        MACROHAAK.geduwd = 0; // keys in front of the ESC go, as from the keyboard
         if (speelt_)
             MACROHAAK.stop();
         speelt_ = 0;

@@ -36,6 +36,13 @@ inline mac_rec macro(char toets, uint16_t gebruiker, std::initializer_list<int> 
     return r;
 }
 
+inline mac_rec vol_macro(char toets) {
+    mac_rec r = macro(toets, 7, {});
+    for (; r.aantal < MACROTOETSEN; r.aantal++)
+        r.toetsen[r.aantal] = 'x';
+    return r;
+}
+
 inline std::string bytes(const mac_rec& r) {
     return std::string(reinterpret_cast<const char*>(&r), sizeof r);
 }
