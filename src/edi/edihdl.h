@@ -28,9 +28,8 @@ enum Edisoort : int {
 const char* edidirname(int soort);
 const char* ediext(int soort); // ".PRI", empty for none
 std::string edipattern(int soort);
-// The root, as it is set, without a slash at its end ("" for "/" too: a directory's name follows behind one). Where none
-// is set `zebedi` in the present directory is made and set; empty when that can't be done, or without a settings file.
-// A root that isn't there stays set, and is told once.
+// The root as it is set. Where none is, `zebedi` in the present directory is made and set; empty when that can't be
+// done, or without a settings file. A root that isn't there stays set, and is told once.
 std::string ediroot();
 std::string edipath(int soort); // at most 80 characters; empty without a root
 std::string edisavepath(int soort);
@@ -40,9 +39,9 @@ std::string edisavepath(int soort);
 int edimaketree();
 // EDIDIR and the four location files in it.
 int edimakeloc();
-// Everything in one root into another, directory by directory: links as links, nothing is overwritten, nothing is moved
-// while anything is in the way of anything. Told and refused: a target inside the source, the data directory as the source. The source's
-// directories stay, empty. Run again after a kill it goes on where it was.
+// Everything in one root into another, directory by directory; a link goes as a link. Nothing is overwritten, and
+// nothing moved at all while the new place of anything is taken. A target inside the source is refused, and the data
+// directory as the source. The source's directories stay, empty. Run again after a kill it goes on where it was.
 int edimovetree(const char* van, const char* naar);
 // The directories of a tree without files. 0 when there is a file in it; what has been taken away by then stays away.
 int ediremovedir(const char* map);

@@ -32,10 +32,14 @@ bool slot_van(int64_t proces, gebruikerslot* slot) {
 
 } // namespace
 
+bool houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot) {
+    return slot_van(IOLOCKPID(fd, start, lengte), slot);
+}
+
 int houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte) {
     std::string woord = tekst;
     gebruikerslot slot;
-    if (!slot_van(IOLOCKPID(fd, start, lengte), &slot)) {
+    if (!houder_slot(fd, start, lengte, &slot)) {
         snprintf(tekst, ruimte, "%s", TXT(T_IN_GEBRUIK));
         return 0;
     }

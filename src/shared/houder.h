@@ -7,7 +7,10 @@
 namespace zg {
 
 struct ICB;
+struct gebruikerslot;
 
+// The slot of the user whose program has a region locked; false when nobody has, or no user.
+bool houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot);
 // Text that names the holder of a region. On entry `tekst` may hold "PROG" (a program is in use) or '~' and a
 // word (that is in use); else it is about information. ruimte: bytes of `tekst`; 80 holds every such text.
 // 1 when it names a user, 0 when the holder is unknown or gone.

@@ -10,9 +10,6 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
@@ -35,28 +32,6 @@ void voeg(const char* fmt, ...) {
     if (bij < 0 || n + static_cast<size_t>(bij) >= sizeof tekst)
         tekst[n] = '\0';
 }
-
-// One program at a time sets up the tables of a directory: two that start together would empty each other's. Where
-// a directory can't be locked they take their chance.
-class Beurt {
-public:
-    explicit Beurt(const char* naam) {
-        std::string map(naam, static_cast<size_t>(IOBASENAME(naam) - naam));
-        fd_ = open(map.empty() ? "." : map.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (fd_ >= 0)
-            while (flock(fd_, LOCK_EX) < 0 && errno == EINTR) {
-            }
-    }
-    ~Beurt() {
-        if (fd_ >= 0)
-            close(fd_);
-    }
-    Beurt(const Beurt&) = delete;
-    Beurt& operator=(const Beurt&) = delete;
-
-private:
-    int fd_;
-};
 
 void vul(const char* naam, void (*eerste)(ICB*)) {
     ICB* icb = IXOPEN(naam, 1);
@@ -176,13 +151,13 @@ std::string IXTIJDELIJK(const char* tabel, int slot) {
 }
 
 ICB* IXEIGEN(const char* naam, int modus, void (*definieer)(ICB*), void (*eerste)(ICB*)) {
-    Beurt beurt(naam);
+    const IOBEURT beurt(naam);
     return open_eigen(naam, modus, definieer, eerste);
 }
 
 ICB* IXEIGENOF(const char* naam, int modus, int reclen, void (*definieer)(ICB*), void (*eerste)(ICB*)) {
     const std::string index = IXINDEXPAD(naam), data = IXDATAPAD(naam);
-    Beurt beurt(naam);
+    const IOBEURT beurt(naam);
     if (!bestand_goed(index) || !bestand_goed(data))
         return nullptr;
     errno = EINVAL;

@@ -1,0 +1,28 @@
+// What the files of edi/ share and nobody else needs.
+#pragma once
+#include "edi/edifys.h"
+#include <string>
+
+namespace zg {
+
+// Is DTRCMSYS.TXT open?
+bool edi_open();
+// DTRCMSYS.TXT is there, converted from DTEDI.TXT where only that was.
+bool edi_zet_om();
+// A file of settings with one record, whole under its name at once; one that is there stays. False when it can't be
+// made, which was told.
+bool edi_nieuw(const char* naam, const edirec& rec);
+
+// A method in words, empty for none; asked until one is chosen; `nu` is proposed, and kept
+// where it is one and the user leaves.
+const char* edi_methodetekst(uint8_t methode);
+uint8_t edi_kies_methode(uint8_t nu);
+
+// A directory for all who share the package: rights 2774, the group of the directory above. False when there is none
+// then, which was told; one that is there is fine as it is.
+bool edi_maakmap(const std::string& pad);
+
+// A path without the slashes at its end; "/" becomes empty.
+std::string edi_zonder_streep(std::string pad);
+
+} // namespace zg
