@@ -1,0 +1,385 @@
+// The mailboxes: where they are, made, moved; and what messages say.
+#include "edi/edifys.h"
+#include "edi/edihdl.h"
+#include "shared/files.h"
+#include "shared/leesstam.h"
+#include "shared/woordenboek.h"
+#include "support/proces.h"
+#include "support/rechten.h"
+#include "support/roepstoring.h"
+#include "support/systeem.h"
+#include "support/terminal.h"
+#include "term/vast.h"
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+namespace fs = std::filesystem;
+using test::in_proces;
+using test::lees_bestand;
+using test::schrijf_bestand;
+
+struct Postbus : testing::Test {
+    test::TijdelijkeMap map;
+    Postbus() {
+        EXPECT_TRUE(edi_maak(1));
+        edisys('C', 0, nullptr);
+    }
+};
+
+TEST_F(Postbus, Places) {
+    const std::string hier = fs::current_path();
+    ASSERT_EQ(edipath(EDI_PRICAT), hier + "/zebedi/pricat"); // nothing set: made, and set
+    EXPECT_EQ(ediget("ZEBEDI"), hier + "/zebedi");
+    EXPECT_TRUE(fs::is_directory("zebedi"));
+    const struct {
+        const char* root;
+        int soort;
+        const char *pad, *bewaar, *patroon;
+    } rijen[] = {
+        {"/edi", EDI_ORDER, "/edi/order", "/edi/order/save", "*.INH"},
+        {"/edi/", EDI_IBIS, "/edi/ibis", "/edi/ibis/save", "*.*"},
+        {"/", EDI_SLSMON, "/slsmon", "/slsmon/save", "*.MON"},
+        {"a b", EDI_UIT, "a b/out", "", "*"},
+        {"/edi", EDI_ONGELDIG, "/edi/ongeldig", "", "*.*"},
+        {"/edi", 11, "/edi", "", "*"},
+        {"/edi", -1, "/edi", "", "*"},
+    };
+    for (const auto& r : rijen) {
+        ASSERT_TRUE(ediset("ZEBEDI", r.root));
+        EXPECT_EQ(edipath(r.soort), r.pad) << r.root << r.soort;
+        EXPECT_EQ(edisavepath(r.soort), r.bewaar) << r.root << r.soort;
+        EXPECT_EQ(edipattern(r.soort), r.patroon) << r.soort;
+    }
+    // A disk that isn't mounted: told, and it stays set; nothing is made.
+    const test::Afloop a = in_proces([] {
+        ediset("ZEBEDI", "/nergens/edi");
+        return edipath(0) == "/nergens/edi/order" && edipath(1) != "" &&
+               !strcmp(ediget("ZEBEDI"), "/nergens/edi");
+    });
+    EXPECT_EQ(a.uitvoer, "/nergens/edi is er niet\n");
+    EXPECT_EQ(a.status, 1);
+}
+
+TEST_F(Postbus, TreeAndLocationFiles) {
+    const std::string root = "post bus; $(touch x) 'q'/";
+    ASSERT_TRUE(ediset("ZEBEDI", root.c_str()) && ediset("EDIDIR", "loc"));
+    schrijf_bestand("loc_in_de_weg", "");
+    EXPECT_EQ(edimaketree() + edimaketree(), 2); // again: all there
+    for (int soort = 0; soort < EDI_SOORTEN; soort++) {
+        EXPECT_EQ(test::rechten(edipath(soort)).substr(0, 4), "2774") << soort;
+        EXPECT_EQ(fs::is_directory(edipath(soort) + "/save"), soort <= EDI_SLSMON) << soort;
+    }
+    EXPECT_EQ(edifilenr(), 0);
+    ASSERT_EQ(edimakeloc(), 1);
+    for (auto [naam, soort] :
+         {std::pair{"PRI", "pricat"}, {"ORD", "admord"}, {"INV", "invrpt"}, {"SLS", "slsrpt"}}) {
+        std::string regel = root + soort + "/";
+        regel.resize(100, ' ');
+        EXPECT_EQ(lees_bestand(std::string("loc/LOC_") + naam + ".GBL"), regel + "\n");
+    }
+    const test::Afloop vol = in_proces([] {
+        ediset("ZEBEDI", "elders");
+        test::stoor_roep(1, false); // its directory entry is there, its line is not
+        return edimakeloc();
+    });
+    EXPECT_EQ(vol.status, 0);
+    EXPECT_EQ(lees_bestand("loc/LOC_PRI.GBL").substr(0, root.size()), root) << "refused: the old one stays";
+    EXPECT_EQ(FILES_PRESENT("loc/*"), 4);
+    for (auto [tekst, nummer] :
+         {std::pair{"0042\r\nx", 42}, {"", 0}, {"-3", 0}, {"99999999999", 0}, {"12x", 12}}) {
+        schrijf_bestand("loc/FILENR.GBL", tekst);
+        EXPECT_EQ(edifilenr(), nummer) << tekst;
+    }
+    fs::remove_all(root + "out");
+    schrijf_bestand(root + "out", "a file");
+    EXPECT_EQ(edimaketree(), 0);
+    EXPECT_FALSE(fs::exists("x"));
+}
+
+// ---- moving
+
+// Plain files below a directory by their content, which is different for each: the path of each from there; a content
+// that is there twice is marked.
+std::map<std::string, std::string> bestanden(const std::string& root) {
+    std::map<std::string, std::string> uit;
+    if (!fs::exists(root))
+        return uit;
+    for (const auto& e : fs::recursive_directory_iterator(root))
+        if (e.is_symlink())
+            uit["-> " + fs::read_symlink(e.path()).string()] =
+                fs::relative(e.path().parent_path(), root) / e.path().filename();
+        else if (e.is_regular_file())
+            uit[lees_bestand(e.path())] += fs::relative(e.path(), root).string();
+    return uit;
+}
+
+void zet_boom(const std::string& root, int aantal) {
+    const std::string soorten[] = {
+        "IBIS", "a b.PRI", "-rf", "q'\"",         "$(touch x)",          ";reboot",
+        "n\nl", ".punt",   "*",   "\xE9\xFF\x01", std::string(240, 'l'), ".zgedi.tmp",
+        "%s%n", "a.b.c",   "~"};
+    fs::create_directories(root + "/leeg/diep");
+    for (int i = 0; i < aantal; i++) {
+        const std::string map = i % 3 == 0   ? "/"
+                                : i % 3 == 1 ? "/order/"
+                                             : "/order/save/",
+                          nr = i / 15 ? std::to_string(i) : "";
+        fs::create_directories(root + map);
+        schrijf_bestand(root + map + soorten[i % 15] + nr,
+                        "bericht " + std::to_string(i) + std::string(static_cast<size_t>(i), 'x'));
+    }
+    fs::create_symlink("/etc", root + "/link");
+}
+
+TEST_F(Postbus, MovesEveryKindOfName) {
+    zet_boom("oud", 1000);
+    const auto was = bestanden("oud");
+    ASSERT_EQ(was.size(), 1001u);
+    ASSERT_TRUE(ediset("ZEBEDI", "oud") && ediset("EDIDIR", fs::current_path().c_str()));
+    ASSERT_EQ(edi_verplaats("nieuw"), 1);
+    EXPECT_EQ(bestanden("nieuw"), was);
+    EXPECT_TRUE(fs::is_directory("nieuw/leeg/diep"));
+    EXPECT_FALSE(fs::exists("oud"));
+    EXPECT_STREQ(ediget("ZEBEDI"), "nieuw");
+    EXPECT_EQ(lees_bestand("LOC_PRI.GBL").substr(0, 14), "nieuw/pricat/ ");
+    EXPECT_FALSE(fs::exists("x"));
+}
+
+// Killed at each call and refused each, on one file system and to another: every file is in one of the trees, whole and
+// under its name. The next run ends with all of them in the new tree, once.
+TEST_F(Postbus, MoveCutOff) {
+    zet_boom("oud", 12);
+    fs::copy("oud", "bewaard", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    const auto was = bestanden("oud");
+    for (bool ver : {false, true})
+        for (bool dood : {true, false})
+            for (int n = 0, status = 1; status != 0; n++) {
+                SCOPED_TRACE(std::string(ver ? "other disk, " : "") + (dood ? "killed at " : "refused ") +
+                             std::to_string(n));
+                ASSERT_LT(n, 400);
+                fs::remove_all("oud");
+                fs::remove_all("nieuw");
+                fs::copy("bewaard", "oud", fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+                if (ver) // a link can't go there
+                    fs::remove("oud/link");
+                ASSERT_TRUE(ediset("ZEBEDI", "oud"));
+                auto verplaats = [&](int roep) {
+                    if (ver) {
+                        static const auto echt = SYS.link;
+                        SYS.link = [](const char* a, const char* b) {
+                            return strstr(a, "/.zgedi.tm") && strstr(a, "nieuw") ? echt(a, b)
+                                                                                 : (errno = EXDEV, -1);
+                        };
+                    }
+                    test::stoor_roep(roep, dood);
+                    const int uit = edi_verplaats("nieuw");
+                    return test::gestoord() ? 7 : 1 - uit;
+                };
+                status = in_proces([&] { return verplaats(n); }).status;
+                const auto a = bestanden("oud"), b = bestanden("nieuw");
+                for (const auto& [inhoud, naam] : was)
+                    EXPECT_TRUE((ver && inhoud[0] == '-') || (a.contains(inhoud) && a.at(inhoud) == naam) ||
+                                (b.contains(inhoud) && b.at(inhoud) == naam))
+                        << naam;
+                EXPECT_TRUE(strcmp(ediget("ZEBEDI"), "oud") == 0 || a.empty());
+                EXPECT_EQ(in_proces([&] { return verplaats(1'000'000); }).status, 0);
+                auto straks = bestanden("nieuw");
+                if (ver)
+                    straks["-> /etc"] = "./link";
+                EXPECT_EQ(straks, was);
+                EXPECT_FALSE(fs::exists("oud"));
+                EXPECT_STREQ(ediget("ZEBEDI"), "nieuw");
+                if (testing::Test::HasFailure())
+                    return;
+            }
+}
+
+// What is refused leaves both trees as they were, and the setting.
+TEST_F(Postbus, MoveRefused) {
+    zet_boom("oud", 20);
+    fs::create_directories("vol/order/save");
+    schrijf_bestand("vol/order/save/q'\"", "somebody else's");
+    schrijf_bestand("plat", "");
+    fs::create_directory_symlink("oud", "ook_oud");
+    const auto was = bestanden(".");
+    const struct {
+        const char *van, *naar, *zegt;
+    } rijen[] = {
+        {"oud", "vol", "vol/order/save/q'\" staat er al"},
+        {"oud", "plat", "plat staat er al"},
+        {"oud", "oud/order/verder", "ligt in de oude directory"},
+        {"ook_oud", "oud/erin", "ligt in de oude directory"},
+        {"oud", "geen/zo/diep", "kan niet worden gemaakt: bestaat niet"},
+        {".", "../elders", "De datadirectory is geen postbus"},
+        {"weg", "nieuw", "weg is er niet"},
+        {"oud", "", "ten hoogste 59 tekens"},
+        {"oud", "123456789012345678901234567890123456789012345678901234567890", "ten hoogste 59 tekens"},
+    };
+    for (const auto& r : rijen) {
+        ASSERT_TRUE(ediset("ZEBEDI", r.van));
+        const test::Afloop a = in_proces([&] { return edi_verplaats(r.naar); });
+        EXPECT_EQ(a.status, 0) << r.naar;
+        EXPECT_NE(a.uitvoer.find(r.zegt), std::string::npos) << r.naar << ": " << a.uitvoer;
+        EXPECT_STREQ(ediget("ZEBEDI"), r.van);
+        std::map<std::string, std::string> nu = bestanden(".");
+        nu.erase(lees_bestand("DTRCMSYS.TXT"));
+        auto toen = was;
+        std::erase_if(toen, [](const auto& p) { return p.second == "DTRCMSYS.TXT"; });
+        EXPECT_EQ(nu, toen) << r.naar;
+    }
+    ASSERT_TRUE(ediset("ZEBEDI", "oud"));
+    fs::remove_all("vol/order");
+    EXPECT_EQ(edi_verplaats("vol"), 1) << "into a tree that is there";
+}
+
+// ---- messages
+
+TEST(Bericht, Dates) {
+    const struct {
+        const char *tekst, *uit;
+    } rijen[] = {
+        {"160301", "010316"},
+        {"20160301", "01032016"},
+        {"20160229235959", "29022016"},
+        {"20150229", ""},
+        {"XX160301", "010316"},
+        {"2016030", ""},
+        {"16031", ""},
+        {"", ""},
+        {"161301", ""},
+        {"2016-3-1", ""},
+        {"      ", ""},
+        {"000229", "290200"},
+    };
+    for (const auto& r : rijen) {
+        char uit[9];
+        EXPECT_EQ(edidatum(r.tekst, uit), *r.uit != 0) << r.tekst;
+        EXPECT_STREQ(uit, r.uit) << r.tekst;
+    }
+}
+
+TEST(Bericht, Numbers) {
+    const struct {
+        const char *tekst, *uit;
+    } rijen[] = {{"12.50", "12.5"}, {"12,00", "12"}, {"100", "100"}, {"0.0", "0"},
+                 {".00", "0"},      {"", ""},        {"7.", "7"},    {"1.000,00", "1.000"},
+                 {"-1.10", "-1.1"}, {"1.05", "1.05"}};
+    for (const auto& r : rijen) {
+        std::string tekst = r.tekst;
+        edigetal(tekst.data());
+        EXPECT_STREQ(tekst.c_str(), r.uit) << r.tekst;
+    }
+}
+
+TEST(Bericht, BarCodes) {
+    instel15 = {};
+    instel15.prefix_aan = 1;
+    VASTIN(instel15.prefix[4], "213");
+    const struct {
+        const char *tekst, *uit; // uit empty: refused
+    } rijen[] = {
+        {"4006381333931", "4006381333931"},
+        {"04006381333931", "4006381333931"},
+        {"14006381333938", ""},
+        {"036000291452", "0036000291452"},
+        {"4006381333930", ""},
+        {"96385074", "96385074"},
+        {"2012345678903", ""},
+        {"2130000000019", "2130000000019"},
+        {"22345677", ""},
+        {"400638133393x", ""},
+        {"", ""},
+        {"123456789012345678", ""},
+    };
+    for (const auto& r : rijen) {
+        char tekst[32];
+        snprintf(tekst, sizeof tekst, "%s", r.tekst);
+        EXPECT_EQ(ediean(tekst), *r.uit != 0) << r.tekst;
+        EXPECT_STREQ(tekst, *r.uit ? r.uit : r.tekst);
+    }
+    instel15 = {};
+}
+
+// By key 3, and by a walk where the file hasn't got it.
+TEST(Bericht, Brands) {
+    for (bool sleutel : {true, false}) {
+        test::TijdelijkeMap map;
+        if (sleutel) {
+            DDNEW(DDNUMMER("DTMERK"), "DTMERK");
+        } else {
+            ICB* icb = IXCREATE("DTMERK", 1);
+            IXUPDFCB(icb, 0, "merken,76");
+            IXUPDFCB(icb, 1, "merk,NODUPS,I,1,2");
+            IXINIT(icb);
+            IXCLOSE(icb);
+        }
+        ICB* icb = IXOPEN("DTMERK", 2);
+        uint16_t nummer = 0;
+        for (const char* naam : {"Nordlys", "nordlys b", "Dubbel", "DUBBEL  ", " Ruimte", "Ruim", "K\x94ln",
+                                 "Vol twintig tekens..", "  Twee", "Twee", "NORDLYS C"}) {
+            merkrec rec{};
+            rec.merk = ++nummer;
+            VASTIN(rec.naam, naam);
+            ASSERT_EQ(IXWRITE(icb, &rec), 1);
+        }
+        const struct {
+            const char* naam;
+            int breedte, merk;
+        } rijen[] = {
+            {"NORDLYS", 20, 1},
+            {"  nordlys ", 20, 1},
+            {"Nordlys breed", 7, 1},
+            {"nordlys b", 20, 2},
+            {"Dubbel", 20, 0},
+            {"ruimte", 20, 5},
+            {"ruim", 20, 6},
+            {"Rui", 20, 0},
+            {"k\x99ln", 20, 7},
+            {"koln", 20, 0},
+            {"vol TWINTIG tekens..", 20, 8},
+            {"twee", 20, 0},
+            {"", 20, 0},
+            {"Nordlys", 0, 0},
+            {"Nordlys", -5, 0},
+            {"zzz", 20, 0},
+        };
+        for (const auto& r : rijen)
+            EXPECT_EQ(edimerk(icb, r.naam, r.breedte), r.merk) << r.naam << sleutel;
+        EXPECT_EQ(IXSLEUTEL(icb), 1);
+        IXCLOSE(icb);
+    }
+}
+
+struct Bezet : test::Systeem {};
+
+TEST_F(Bezet, OptionsHolderAndRow) {
+    firma = {};
+    EXPECT_TRUE(!isedi(2) && !isedi3(3));
+    firma.vlaggen = 4;
+    EXPECT_TRUE(isedi2(2) && !isedi2(3) && isedi3(3) && isedi(2) && isedi(3) && !isedi(1) && !isedi(0));
+    firma = {};
+    EXPECT_EQ(edi_termregel(7, 13, "M\x9Bller & S\x9Bn", 42429, 0, 12),
+              " 7   13 M\x9Bller & S\x9Bn         010316-             12");
+    gebruiker_in(3, "Joke", "07");
+    schrijf_bestand("bericht", "x");
+    test::Agent joke([] {
+        open();
+        int32_t nr = 3;
+        gebruikerslot g;
+        const int fd = ::open("bericht", O_RDWR);
+        return iotab('X', &nr, &g, SYS_GEBRUIKER) && IOLOCK('S', fd, 0, 1);
+    });
+    const int fd = ::open("bericht", O_RDWR);
+    EXPECT_EQ(edi_bezet(fd, 0, 1), "Communicatie EDI in gebruik door Joke (tty07)");
+    close(fd);
+}
+
+} // namespace
+} // namespace zg

@@ -1,0 +1,287 @@
+// The modem driver against a stand-in that speaks on the other side of a pseudo-terminal. Each case is a process of its
+// own, and all of a table run at once: most of their time is pauses.
+#include "edi/modem.h"
+#include "shared/report.h"
+#include "shared/syscalls.h"
+#include "support/proces.h"
+#include "support/terminal.h"
+#include "term/scherm.h"
+#include "term/toets.h"
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace zg {
+namespace {
+
+struct Regel {
+    const char *op,
+        *antwoord; // what it hears, and says to it; "hang up" closes the line, "..." in front says it for ever
+};
+using Gesprek = std::vector<Regel>;
+
+// A port with a modem behind it for as long as this lives.
+class Poort {
+public:
+    explicit Poort(const Gesprek& gesprek) {
+        const int meester = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (meester < 0 || grantpt(meester) < 0 || unlockpt(meester) < 0)
+            abort();
+        naam = ptsname(meester);
+        // As ports are found: cooked, at another speed, by whoever had it last. Kept open, so that its modes stay.
+        slaaf = open(naam.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        ioctl(slaaf, TCGETA, &gevonden);
+        pid_ = fork();
+        if (pid_ == 0) {
+            close(slaaf);
+            spreek(meester, gesprek);
+            pause();
+            _exit(0);
+        }
+        close(meester);
+    }
+    ~Poort() {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+        close(slaaf);
+    }
+    Poort(const Poort&) = delete;
+    Poort& operator=(const Poort&) = delete;
+
+    bool zoals_gevonden() const {
+        struct termio nu;
+        return ioctl(slaaf, TCGETA, &nu) == 0 && nu.c_cflag == gevonden.c_cflag &&
+               nu.c_iflag == gevonden.c_iflag && nu.c_oflag == gevonden.c_oflag &&
+               nu.c_lflag == gevonden.c_lflag && memcmp(nu.c_cc, gevonden.c_cc, sizeof nu.c_cc) == 0;
+    }
+    struct termio nu() const {
+        struct termio t {};
+        ioctl(slaaf, TCGETA, &t);
+        return t;
+    }
+    std::string naam;
+    int slaaf;
+
+private:
+    // Line by line; the second word of a conversation counts from where the first was heard.
+    static void spreek(int fd, const Gesprek& gesprek) {
+        std::string gehoord;
+        for (const Regel& r : gesprek) {
+            while (gehoord.find(r.op) == std::string::npos) {
+                char b[256];
+                const ssize_t n = read(fd, b, sizeof b);
+                if (n <= 0)
+                    usleep(1000);
+                else
+                    gehoord.append(b, static_cast<size_t>(n));
+            }
+            gehoord.erase(0, gehoord.find(r.op) + strlen(r.op));
+            std::string tekst = r.antwoord;
+            if (tekst == "hang up")
+                _exit(0);
+            const bool steeds = tekst.starts_with("...");
+            tekst.erase(0, steeds ? 3 : 0);
+            do {
+                if (write(fd, tekst.data(), tekst.size()) < 0)
+                    usleep(1000);
+            } while (steeds);
+        }
+    }
+    struct termio gevonden;
+    pid_t pid_;
+};
+
+modemlijn lijn(const std::string& apparaat, int tijd = 2) {
+    return {apparaat, 9600, 'N', 8, 1, false, "AT&F", 'T', "0201234567", tijd, "ATZ", 1};
+}
+
+TEST(Modem, Ports) {
+    test::TijdelijkeMap map;
+    test::schrijf_bestand("plat", "no port");
+    for (auto [naam, fout] : {std::pair{"", "Poort niet te openen"},
+                              {"/dev/er-niet", "Controleer file-attributes: /dev/er-niet"},
+                              {"plat", "Controleer file-attributes: plat"}}) {
+        EXPECT_EQ(mdopen(lijn(naam)), 0) << naam;
+        EXPECT_EQ(mderror(), fout);
+        EXPECT_FALSE(mdinit() || mddial() || mdhangup() || mdsend("x"));
+        EXPECT_EQ(mderror(), "Modem niet actief");
+        mdclose();
+    }
+    EXPECT_EQ(test::lees_bestand("plat"), "no port");
+    Poort p(Gesprek{});
+    modemlijn l = lijn(p.naam);
+    l.pariteit = 'O', l.stopbits = 2, l.snelheid = 1200;
+    ASSERT_EQ(mdopen(l), 1);
+    const struct termio t = p.nu();
+    EXPECT_EQ(t.c_cflag & (PARODD | CSTOPB | CBAUD | CREAD | HUPCL | CLOCAL),
+              PARODD | CSTOPB | B1200 | CREAD | HUPCL | CLOCAL);
+    EXPECT_EQ(t.c_lflag, 0);
+    EXPECT_EQ(t.c_iflag & (ICRNL | IXON | IXOFF | IGNBRK), IXOFF | IGNBRK);
+    EXPECT_EQ(t.c_oflag & OPOST, 0);
+    EXPECT_TRUE(t.c_cc[VMIN] == 0 && t.c_cc[VTIME] == 1);
+    mdclose();
+    EXPECT_TRUE(p.zoals_gevonden());
+}
+
+TEST(Modem, Conversations) {
+    constexpr const char* LANG = "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"
+                                 "xxxxxxxxxxxxxxxxxxxxxxxxxxxx";
+    enum { BELT, STELT_IN };
+    const struct {
+        int doet;
+        Gesprek gesprek;
+        int fout;     // 0: it went well
+        int seconden; // that it may take at most; twice that on a busy machine
+    } rijen[] = {
+        {BELT, {{"ATDT0201234567\r", "\r\nCONNECT 9600\r\n"}}, 0, 3},
+        {BELT, {{"ATD", "ATDT0201234567\r\r\nCONNECT\r\n"}}, 0, 3}, // an echo
+        {BELT, {{"ATD", "\r\nBUSY\r\n"}}, MD_BUSY, 3},
+        {BELT, {{"ATD", "\r\nNO CARRIER\r\n"}}, MD_NO_CARRIER, 3},
+        {BELT, {{"ATD", "\r\nNO DIALTONE\r\n"}}, MD_NO_DIAL, 3},
+        {BELT, {{"ATD", "\r\nNO ANSWER\r\n"}}, MD_NO_ANSWER, 3},
+        {BELT, {{"ATD", "\r\nRING\r\n"}}, MD_RING, 3},
+        {BELT, {{"ATD", "OK\r"}}, 100, 3}, // an answer, but no connection
+        {BELT, {}, MD_TIJD, 5},
+        {BELT, {{"ATD", "CONN"}}, MD_ERROR, 4},       // broken off
+        {BELT, {{"ATD", LANG}}, MD_ERROR, 4},         // and too long
+        {BELT, {{"ATD", "...zwam\r\n"}}, MD_TIJD, 9}, // babble of every kind
+        {BELT, {{"ATD", "...\r\n\r\n"}}, MD_TIJD, 9},
+        {BELT, {{"ATD", "...\x01\x02\xFF"}}, MD_TIJD, 9},
+        {BELT, {{"ATD", "...xx"}}, MD_ERROR, 9},
+        {BELT, {{"ATD", "hang up"}}, MD_NO_CARRIER, 3},
+        {STELT_IN, {{"ATZ\r", ""}, {"AT&F\r", "\r\nOK\r\n"}}, 0, 5},
+        {STELT_IN,
+         {{"ATZ\r", "ATZ\r\r\nOK\r\n"}, {"AT&F\r", "AT&F\r\r\nOK\r\n"}, {"AT\r", "AT\r\r\nOK\r\n"}},
+         0,
+         8}, // an echo
+        {STELT_IN, {{"ATZ\r", ""}, {"AT&F\r", "\r\nERROR\r\n"}, {"AT\r", "\r\nERROR\r\n"}}, MDF_INIT, 8},
+        {STELT_IN, {}, MDF_INIT, 10},
+        {STELT_IN, {{"AT&F", "...zwam\r"}}, MDF_INIT, 16},
+        {STELT_IN, {{"ATZ", "hang up"}}, MDF_INIT, 10},
+    };
+    std::vector<std::thread> lopen;
+    std::vector<test::Afloop> uit(std::size(rijen));
+    std::vector<double> duur(std::size(rijen));
+    std::vector<std::unique_ptr<Poort>> poorten;
+    for (const auto& r : rijen)
+        poorten.push_back(std::make_unique<Poort>(r.gesprek));
+    for (size_t i = 0; i < std::size(rijen); i++)
+        lopen.emplace_back([&, i] {
+            const auto begin = std::chrono::steady_clock::now();
+            uit[i] = test::in_proces(
+                [&] {
+                    if (!mdopen(lijn(poorten[i]->naam)))
+                        return 99;
+                    const int goed = rijen[i].doet == BELT ? mddial() : mdinit();
+                    const int fout = goed ? 0 : mdfout() ? mdfout() : 100;
+                    mdclose();
+                    return fout;
+                },
+                60'000);
+            duur[i] = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+        });
+    for (auto& l : lopen)
+        l.join();
+    for (size_t i = 0; i < std::size(rijen); i++) {
+        const std::string wat = rijen[i].gesprek.empty() ? "silence" : rijen[i].gesprek.back().antwoord;
+        EXPECT_EQ(uit[i].status, rijen[i].fout) << i << ": " << wat;
+        EXPECT_LT(duur[i], 2 * rijen[i].seconden) << i << ": " << wat;
+        EXPECT_TRUE(poorten[i]->zoals_gevonden() || wat == "hang up") << i << ": " << wat;
+    }
+}
+
+// Answer by answer: what an echoing modem says to ATZ is its echo, an empty line, OK.
+TEST(Modem, AnswersOneByOne) {
+    Poort p(Gesprek{{"ATZ\r", "ATZ\r\r\nOK\r\n"}});
+    ASSERT_EQ(mdopen(lijn(p.naam)), 1);
+    ASSERT_EQ(mdsend("ATZ\r"), 1);
+    const int a = mdanswer(500), b = mdanswer(500), c = mdanswer(101);
+    EXPECT_EQ(std::to_string(a) + std::to_string(b) + std::to_string(c), "990");
+    EXPECT_EQ(mdanswer(1), MD_TIJD);
+    mdclose();
+}
+
+// A fatal report with the line open: the line drops (speed 0), the port gets its modes back, and what hung in the
+// report's hook before is called as well, whatever the other side does.
+TEST(Modem, FatalStopClosesTheLine) {
+    for (const char* zegt : {"", "...zwam", "hang up"}) {
+        Poort p(Gesprek{{"open", zegt}});
+        std::atomic<bool> nul = false, klaar = false;
+        std::thread kijk([&] {
+            for (int i = 0; i < 20'000 && !klaar; i++, usleep(1000))
+                nul = nul || (p.nu().c_cflag & CBAUD) == B0;
+        });
+        const auto begin = std::chrono::steady_clock::now();
+        const test::Afloop a = test::in_proces([&] {
+            SCRFATALHAAK = [] { fputs("hook before", stderr); };
+            modemlijn l = lijn(p.naam);
+            l.ophangen = true;
+            if (!mdopen(l) || !mdsend("open"))
+                return 99;
+            if (*zegt)
+                mdanswer(300);
+            INTERNAL("proef", 7);
+        });
+        const auto duur = std::chrono::steady_clock::now() - begin;
+        klaar = true;
+        kijk.join();
+        EXPECT_EQ(a.status, 1) << zegt;
+        EXPECT_NE(a.uitvoer.find("hook before"), std::string::npos) << zegt << a.uitvoer;
+        EXPECT_NE(a.uitvoer.find("proef: errno=7"), std::string::npos) << zegt;
+        EXPECT_LT(duur, std::chrono::seconds(20)) << zegt;
+        EXPECT_TRUE((nul && p.zoals_gevonden()) || !strcmp(zegt, "hang up")) << zegt;
+    }
+}
+
+// A port that takes no more bytes, and one whose calls fail: an answer, not a wait without end.
+TEST(Modem, RefusedWrites) {
+    Poort p(Gesprek{});
+    const test::Afloop a = test::in_proces([&] {
+        if (!mdopen(lijn(p.naam)))
+            return 99;
+        const auto echt = SYS.write;
+        SYS.write = [](int, const void*, size_t) { return errno = EIO, ssize_t{-1}; };
+        const int gestuurd = mdsend("AT\r");
+        SYS.write = echt;
+        mdclose();
+        return gestuurd ? 98 : mdfout();
+    });
+    EXPECT_EQ(a.status, MDF_DICHT);
+    EXPECT_TRUE(p.zoals_gevonden());
+}
+
+// ESC gives it up; the seconds stand at the right of the first row; other keys are for who comes next.
+TEST(Modem, EscapeOnTheScreen) {
+    Poort p(Gesprek{});
+    test::Terminal t([&] {
+        SCRINIT();
+        if (!mdopen(lijn(p.naam, 60)))
+            return 99;
+        const int uit = mddial();
+        SCRPUT(A_WAARDE, 3, 1, "%d %s", uit, mderror().c_str());
+        const int32_t a = TOETS(), b = TOETS();
+        mdclose();
+        SCREXIT();
+        return a == 'x' && b == 'y' ? 0 : 98;
+    });
+    EXPECT_TRUE(t.wacht_op(1, 78, "60") || t.wacht_op(1, 78, "5"));
+    t.stuur("xy\033");
+    EXPECT_TRUE(t.wacht("0 Bellen niet binnen tijd gelukt"));
+    EXPECT_EQ(t.stuk(1, 78, 2), "  ");
+    EXPECT_EQ(t.einde(), 0);
+    EXPECT_TRUE(p.zoals_gevonden());
+}
+
+} // namespace
+} // namespace zg
