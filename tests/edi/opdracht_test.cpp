@@ -1,0 +1,156 @@
+// The settings on the screen; zgedi and zgmodem as an operator uses them.
+#include "edi/edifys.h"
+#include "edi/edihdl.h"
+#include "shared/files.h"
+#include "support/terminal.h"
+#include "tools/shell.h"
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+namespace fs = std::filesystem;
+using test::lees_bestand;
+using test::schrijf_bestand;
+using test::sh;
+
+// Nothing is made before the method is chosen, and no key leaves that question; then every item is stored at once, and
+// the mailboxes move with their root.
+TEST(Edischerm, MadeAndChanged) {
+    test::TijdelijkeMap map;
+    test::Opties o;
+    o.rijen = 25;
+    test::Terminal t({ZG_BINARY_DIR "/zgedi", "setup"}, o);
+    ASSERT_TRUE(t.wacht("communicatiemethode"));
+    t.toetsen("<Esc><Cancel>");
+    EXPECT_TRUE(t.wacht("communicatiemethode"));
+    EXPECT_FALSE(IOEXISTS("DTRCMSYS.TXT"));
+    t.toetsen("2");
+    EXPECT_TRUE(t.wacht("Tessaro Transfer via internet"));
+    t.toetsen("<Enter>");
+    EXPECT_TRUE(t.wacht("EDI-INSTELLINGEN"));
+    t.toetsen("Ozend -a 'b c'<Enter>Ppost<Enter>J");
+    EXPECT_TRUE(t.wacht_op(7, 21, "post"));
+    EXPECT_TRUE(fs::is_directory("post"));
+    schrijf_bestand("post/bericht", "x");
+    t.toetsen("P<Home>de <Enter>N");
+    EXPECT_STREQ(ediget("ZEBEDI"), "post");
+    t.toetsen("P<Home>bus<Del><Enter>J");
+    EXPECT_TRUE(t.kalm());
+    EXPECT_STREQ(ediget("ZEBEDI"), "bus");
+    EXPECT_EQ(lees_bestand("bus/bericht"), "x");
+    EXPECT_FALSE(fs::exists("post"));
+    t.toetsen("C<Up><Enter>");
+    EXPECT_EQ(edi_methode(), 1);
+    EXPECT_STREQ(ediget("EDICMD"), "zend -a 'b c'");
+    t.toetsen("<Esc>");
+    EXPECT_EQ(t.einde(), 0);
+    EXPECT_TRUE(lees_bestand("DTRCMSYS.TXT")[5] == 1);
+}
+
+TEST(Zgedi, Commands) {
+    test::TijdelijkeMap map;
+    const struct {
+        const char* opdracht;
+        int status;
+        const char* zegt;
+    } rijen[] = {
+        {"show", 3, "no DTRCMSYS.TXT here: zgedi init makes it"},
+        {"set ZEBEDI x", 3, "no DTRCMSYS.TXT"},
+        {"flag 1 -s", 1, "no DTRCMSYS.TXT"},
+        {"boxes", 3, "no DTRCMSYS.TXT"},
+        {"init pigeon", 2, "METHOD"},
+        {"init internet", 0, ""},
+        {"init modem", 1, "there is a DTRCMSYS.TXT already"},
+        {"method", 0, "internet\n"},
+        {"boxes", 1, "no mailboxes are set: zgedi make"},
+        {"set EDIDIR loc", 0, ""},
+        {"make", 0, ""},
+        {"set RPCHOST 123456789012345678901", 2, "doesn't fit"},
+        {"set EDICMD \"$(printf 'a\\nb')\"", 2, "doesn't fit"},
+        {"set EDICMD 'm\xC3\xB8 $(touch x); \"y\"'", 0, ""},
+        {"get EDICMD", 0, "m\xC3\xB8 $(touch x); \"y\"\n"},
+        {"get OTHER", 2, "no such setting"},
+        {"set -2 ZEBEDI twee", 0, ""},
+        {"get -2 ZEBEDI", 0, "twee\n"},
+        {"flag 40 -s", 0, ""},
+        {"flag 40", 0, "1\n"},
+        {"flag 41", 1, "0\n"},
+        {"flag 992", 2, "992"},
+        {"show -j", 0, "\"FILENR\":0,\"flags\":[40]"},
+        {"boxes", 0, "pricat        0      0  "},
+        {"set ZEBEDI zebedi/pricat/in", 1, "ligt in de oude directory"},
+        {"set ZEBEDI 'nieuwe bus'", 0, ""},
+        {"boxes -j", 0, "{\"box\":\"in\",\"path\":\"nieuwe bus/in\",\"there\":true,\"files\":1,\"saved\":0}"},
+        {"set ZEBEDI weg --stay", 0, ""},
+        {"boxes", 1, "weg isn't there"},
+        {"check date 20160229", 0, "29022016\n"},
+        {"check date 20150229", 1, "not a date"},
+        {"check number 12,50", 0, "12,5\n"},
+        {"check ean 036000291452", 0, "0036000291452\n"},
+        {"check ean 1", 1, "not a ean"},
+        {"check brand Nordlys", 3, "no DTMERK here"},
+        {"setup </dev/null", 2, "needs a terminal"},
+        {"-D er/niet show", 3, "er/niet"},
+    };
+    for (const auto& r : rijen) {
+        if (std::string(r.opdracht) == "set ZEBEDI 'nieuwe bus'")
+            schrijf_bestand("zebedi/in/een", "1");
+        const test::Uit uit = sh(std::string("zgedi ") + r.opdracht);
+        EXPECT_EQ(uit.status, r.status) << r.opdracht << "\n" << uit.tekst;
+        EXPECT_TRUE(*r.zegt ? uit.zegt(r.zegt) : uit.tekst.empty()) << r.opdracht << "\n" << uit.tekst;
+    }
+    EXPECT_EQ(lees_bestand("loc/LOC_INV.GBL").substr(0, 19), "nieuwe bus/invrpt/ ");
+    EXPECT_FALSE(fs::exists("x"));
+}
+
+// A modem that speaks as a shell script does; a port that isn't one.
+TEST(Zgmodem, TestDialSend) {
+    const int meester = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_TRUE(meester >= 0 && grantpt(meester) == 0 && unlockpt(meester) == 0);
+    const std::string poort = ptsname(meester);
+    const int open_blijft = open(poort.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios t;
+    tcgetattr(open_blijft, &t);
+    cfmakeraw(&t); // no echo of what comes when nobody has the port
+    tcsetattr(open_blijft, TCSANOW, &t);
+    const pid_t modem = fork();
+    if (modem == 0) {
+        dup2(meester, 0);
+        dup2(meester, 1);
+        execl("/bin/bash", "bash", "-c",
+              "while read -r -d $'\\r' c; do case $c in *ATDT9*) a=BUSY;; *ATDT*) a='CONNECT 9600';; *ATI*) "
+              "a=$'zgproef\\r\\nOK';; *) a=OK;; esac; printf '\\r\\n%s\\r\\n' \"$a\"; done",
+              nullptr);
+        _exit(127);
+    }
+    const struct {
+        std::string opdracht;
+        int status;
+        const char* zegt;
+    } rijen[] = {
+        {"-p " + poort + " test", 0, "OK\n"},
+        {"-p " + poort + " dial -n 0201234567", 0, "CONNECT 9600\n"},
+        {"-p " + poort + " dial -n 9", 1, "In gesprek"},
+        {"-p " + poort + " send ATI", 0, "\nzgproef\n\nOK\n"},
+        {"-p /dev/er-niet test", 3, "Controleer file-attributes"},
+        {"-p " + poort + " -s 42 test", 2, "speed"},
+        {"test", 2, "port"},
+    };
+    for (const auto& r : rijen) {
+        const test::Uit uit = sh("zgmodem " + r.opdracht);
+        EXPECT_EQ(uit.status, r.status) << r.opdracht << "\n" << uit.tekst;
+        EXPECT_TRUE(uit.zegt(r.zegt)) << r.opdracht << "\n" << uit.tekst;
+    }
+    kill(modem, SIGKILL);
+    waitpid(modem, nullptr, 0);
+    close(open_blijft);
+    close(meester);
+}
+
+} // namespace
+} // namespace zg
