@@ -3,6 +3,7 @@
 #include "edi/edibinnen.h"
 #include "edi/teksten.h"
 #include "shared/files.h"
+#include "shared/mapbeurt.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "term/dm_hdl.h"

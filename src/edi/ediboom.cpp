@@ -9,6 +9,7 @@
 #include "edi/edihdl.h"
 #include "edi/teksten.h"
 #include "shared/files.h"
+#include "shared/mapbeurt.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "term/natl.h"
@@ -318,7 +319,7 @@ int ediremovedir(const char* map) {
     for (const std::string& naam : inhoud.mappen)
         if (!ediremovedir((pad + "/" + naam).c_str()))
             return 0;
-    return inhoud.bestanden.empty() && SYS.rmdir(pad.c_str()) == 0;
+    return inhoud.bestanden.empty() && rmdir(pad.c_str()) == 0;
 }
 
 namespace {

@@ -54,18 +54,6 @@ int IOLOCKERF(int fd);
 // lockf from the present position: 3 takes, waiting as long as it must, 13 releases; 4 and 14 the same from
 // the end of the file. 0 when the length is below 1 or the descriptor can't be locked.
 int IOFLOCK(int fd, int commando, int64_t lengte);
-// The files of a directory are set up by one program at a time: while it lives the directory of `pad` is this one's, and
-// others wait. Where a directory can't be locked they take their chance.
-class IOBEURT {
-public:
-    explicit IOBEURT(const char* pad);
-    ~IOBEURT();
-    IOBEURT(const IOBEURT&) = delete;
-    IOBEURT& operator=(const IOBEURT&) = delete;
-
-private:
-    int fd_;
-};
 // Called after each write to an index or data file, and by IOCOPY. Does nothing; answers 0.
 extern int (*IXCOMMITHOOK)();
 

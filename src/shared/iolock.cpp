@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <string>
-#include <sys/file.h>
 #include <unistd.h>
 
 namespace zg {
@@ -118,19 +117,6 @@ int IOFLOCK(int fd, int commando, int64_t lengte) {
             toon_bezet();
     }
     return 1;
-}
-
-IOBEURT::IOBEURT(const char* pad) {
-    const std::string map(pad, static_cast<size_t>(IOBASENAME(pad) - pad));
-    fd_ = SYS.open(map.empty() ? "." : map.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-    if (fd_ >= 0)
-        while (flock(fd_, LOCK_EX) < 0 && errno == EINTR) {
-        }
-}
-
-IOBEURT::~IOBEURT() {
-    if (fd_ >= 0)
-        SYS.close(fd_);
 }
 
 } // namespace zg

@@ -1,6 +1,7 @@
 // Definition texts from field addresses, names of private indexes, and the set-up of a program's own tables.
 #include "store/tabel.h"
 #include "shared/files.h"
+#include "shared/mapbeurt.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "store/diepcheck.h"

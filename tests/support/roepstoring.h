@@ -41,7 +41,6 @@ inline void stoor_roep(int n, bool dood) {
     SYS.mkdir = [](const char* p, mode_t m) { return roep_nu() ? -1 : roep_echt.mkdir(p, m); };
     SYS.fchmod = [](int fd, mode_t m) { return roep_dood && roep_nu() ? -1 : roep_echt.fchmod(fd, m); };
     SYS.unlink = [](const char* p) { return roep_dood && roep_nu() ? -1 : roep_echt.unlink(p); };
-    SYS.rmdir = [](const char* p) { return roep_dood && roep_nu() ? -1 : roep_echt.rmdir(p); };
 }
 
 } // namespace zg::test
