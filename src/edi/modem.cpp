@@ -179,7 +179,7 @@ bool rust(int hoelang) {
 
 void toon_over(const char* tekst) {
     if (SCHERM.bestaat && !SCHERM.dicht) {
-        SCRBASE(A_WAARDE, 1, 78, "%2.2s", tekst);
+        SCRBASE(A_WAARDE, 1, 78, "%-3.3s", tekst);
         SCRFLUSH(0);
     }
 }
@@ -310,7 +310,9 @@ int mdanswer(int tijd) {
     int over = (std::max(tijd, 0) + 99) / 100, code = MD_TIJD;
     const auto grens = Klok::now() + seconds(over + static_cast<int>(SPEELRUIMTE));
     for (; over > 0 && !(opgehouden = opgegeven()); over--) {
-        toon_over(std::to_string(over).c_str());
+        char seconden[12];
+        snprintf(seconden, sizeof seconden, "%2d", over);
+        toon_over(seconden);
         const int c = lees_teken(100, Klok::now() + seconds(1));
         if (c == NIETS)
             continue;
