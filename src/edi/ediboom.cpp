@@ -3,7 +3,8 @@
 //  1. Each file has its whole content under its name, in the old tree, the new one, or both.
 //  2. A name of the new tree is given by a link, which overwrites nothing; the old one goes behind it. So a file in both
 //     trees with the same content is one whose move was cut off.
-//  3. A copy to another file system stands as BOUW until it is whole and on disk; one that is left is made anew.
+//  3. A copy to another file system stands as BOUW in the new root until it is whole and on disk; one that is left is
+//     thrown away by the next move. No file of that name is moved out of an old root.
 //  4. The setting is changed when the old tree is empty.
 #include "edi/edibinnen.h"
 #include "edi/edihdl.h"
@@ -30,7 +31,7 @@ namespace zg {
 namespace {
 
 constexpr mode_t MAPRECHTEN = 02774;
-constexpr const char* BOUW[] = {".zgedi.tmp", ".zgedi.tm2"}; // the second for a file of the first's name
+constexpr char BOUW[] = ".zgedi.tmp";
 
 // A path as a box shows it: its end, without control bytes.
 std::string leesbaar(const std::string& pad) {
@@ -150,9 +151,8 @@ bool kopieer(const std::string& van, const struct stat& st, const std::string& b
 }
 
 // The new name of a file, its old one still there. False with errno.
-bool geef_naam(const std::string& van, const struct stat& st, const std::string& map,
-               const std::string& naam) {
-    const std::string naar = map + "/" + naam, bouw = map + "/" + BOUW[naam == BOUW[0]];
+bool geef_naam(const std::string& van, const struct stat& st, const std::string& naar,
+               const std::string& bouw) {
     if (SYS.link(van.c_str(), naar.c_str()) == 0)
         return true;
     if (errno == EEXIST || !S_ISREG(st.st_mode) || !kopieer(van, st, bouw))
@@ -166,14 +166,14 @@ bool geef_naam(const std::string& van, const struct stat& st, const std::string&
     return goed;
 }
 
-bool verplaats_bestand(const std::string& van, const std::string& map, const std::string& naam) {
+bool verplaats_bestand(const std::string& van, const std::string& naar, const std::string& bouw) {
     struct stat st;
     if (lstat(van.c_str(), &st) < 0)
         return errno == ENOENT || zeg(T_EDI_NIET_VERPLAATST, van, errno);
-    const Doel doel = doel_van(van, st, map + "/" + naam);
+    const Doel doel = doel_van(van, st, naar);
     if (doel == Doel::bezet)
-        return zeg(T_EDI_STAAT_AL, map + "/" + naam);
-    if ((doel == Doel::vrij && !geef_naam(van, st, map, naam)) || !IOUNLINK(van.c_str()))
+        return zeg(T_EDI_STAAT_AL, naar);
+    if ((doel == Doel::vrij && !geef_naam(van, st, naar, bouw)) || !IOUNLINK(van.c_str()))
         return zeg(errno == EXDEV ? T_EDI_SOORT : T_EDI_NIET_VERPLAATST, van, errno);
     return true;
 }
@@ -226,7 +226,8 @@ struct Voortgangsregel {
     bool er;
 };
 
-bool verplaats(const std::string& van, const std::string& naar, const Voortgangsregel& regel) {
+bool verplaats(const std::string& van, const std::string& naar, const std::string& bouw,
+               const Voortgangsregel& regel) {
     Inhoud inhoud;
     regel.toon(van);
     if (!edi_maakmap(naar))
@@ -234,10 +235,10 @@ bool verplaats(const std::string& van, const std::string& naar, const Voortgangs
     if (!lees_map(van, &inhoud))
         return zeg(T_EDI_NIET_VERPLAATST, van, errno);
     for (const std::string& naam : inhoud.mappen)
-        if (!verplaats(van + "/" + naam, naar + "/" + naam, regel))
+        if (!verplaats(van + "/" + naam, naar + "/" + naam, bouw, regel))
             return false;
     return std::all_of(inhoud.bestanden.begin(), inhoud.bestanden.end(), [&](const std::string& naam) {
-        return verplaats_bestand(van + "/" + naam, naar, naam);
+        return verplaats_bestand(van + "/" + naam, naar + "/" + naam, bouw);
     });
 }
 
@@ -255,7 +256,7 @@ std::string echt_pad(const std::string& pad) {
 }
 
 bool binnen(const std::string& pad, const std::string& map) {
-    return (pad + "/").compare(0, map.size() + 1, edi_zonder_streep(map) + "/") == 0;
+    return (pad + "/").starts_with(edi_zonder_streep(map) + "/");
 }
 
 } // namespace
@@ -304,11 +305,15 @@ int edimovetree(const char* van, const char* naar) {
     const std::string boven = doel.substr(0, doel.rfind('/') + 1);
     if (stat(doel.c_str(), &st) < 0 && stat(boven.c_str(), &st) < 0)
         return zeg(T_EDI_NIET_GEMAAKT, naar, errno);
+    const std::string bouw = doel + "/" + BOUW;
+    if (IOEXISTS((bron + "/" + BOUW).c_str()))
+        return zeg(T_EDI_STAAT_AL, bron + "/" + BOUW);
     if (!keur(bron, doel, st.st_dev) || !edi_maakmap(doel))
         return 0;
-    const IOBEURT beurt((doel + "/").c_str()); // what is being copied has one name a directory
+    const IOBEURT beurt(bouw.c_str()); // one move into a tree at a time
+    IOUNLINK(bouw.c_str());
     const Voortgangsregel regel;
-    return verplaats(bron, doel, regel);
+    return verplaats(bron, doel, bouw, regel);
 }
 
 int ediremovedir(const char* map) {
