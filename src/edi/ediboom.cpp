@@ -261,9 +261,10 @@ bool binnen(const std::string& pad, const std::string& map) {
 
 } // namespace
 
-bool edi_maakmap(const std::string& pad) {
-    if (IOISDIR(pad.c_str()))
+bool edi_maakmap(const std::string& zoals_gezet) {
+    if (IOISDIR(zoals_gezet.c_str()))
         return true;
+    const std::string pad = edi_zonder_streep(zoals_gezet);
     if (!SYSNIEUWEMAP(pad.c_str()))
         return IOISDIR(pad.c_str()) || zeg(T_EDI_NIET_GEMAAKT, pad, errno);
     const int fd = SYS.open(pad.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);

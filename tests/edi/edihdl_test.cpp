@@ -86,7 +86,7 @@ TEST_F(Postbus, TreeAndLocationFiles) {
     }
     const test::Afloop vol = in_proces([] {
         ediset("ZEBEDI", "elders");
-        test::stoor_roep(1, false); // its directory entry is there, its line is not
+        test::stoor_roep(2, false); // the line itself
         return edimakeloc();
     });
     EXPECT_EQ(vol.status, 0);
