@@ -57,7 +57,8 @@ bool vraag_postbussen(int rij) {
     if (!vraag(rij, ZEBEDI, &waarde))
         return false;
     const int32_t toets = SCHERM.laatste;
-    const bool ja = JNVRAAG(KEUSRIJ, 2, TXT(T_EDI_VERPLAATS_VRAAG), waarde.c_str()) != 0;
+    const bool ja =
+        JNVRAAG(KEUSRIJ, 2, (std::string("[-]") + TXT(T_EDI_VERPLAATS_VRAAG)).c_str(), waarde.c_str()) != 0;
     SCRCLREOL(KEUSRIJ, 1);
     SCHERM.laatste = ja ? toets : was;
     return ja && edi_verplaats(waarde.c_str());

@@ -9,6 +9,7 @@
 #include "support/roepstoring.h"
 #include "support/systeem.h"
 #include "support/terminal.h"
+#include "term/datum.h"
 #include "term/vast.h"
 #include <cstring>
 #include <filesystem>
@@ -97,6 +98,7 @@ TEST_F(Postbus, TreeAndLocationFiles) {
         schrijf_bestand("loc/FILENR.GBL", tekst);
         EXPECT_EQ(edifilenr(), nummer) << tekst;
     }
+    ASSERT_TRUE(ediset("ZEBEDI", root.c_str()));
     fs::remove_all(root + "out");
     schrijf_bestand(root + "out", "a file");
     EXPECT_EQ(edimaketree(), 0);
@@ -204,15 +206,15 @@ TEST_F(Postbus, MoveCutOff) {
 // What is refused leaves both trees as they were, and the setting.
 TEST_F(Postbus, MoveRefused) {
     zet_boom("oud", 20);
-    fs::create_directories("vol/order/save");
-    schrijf_bestand("vol/order/save/q'\"", "somebody else's");
+    fs::create_directories("vol/order");
+    schrijf_bestand("vol/q'\"", "somebody else's");
     schrijf_bestand("plat", "");
     fs::create_directory_symlink("oud", "ook_oud");
     const auto was = bestanden(".");
     const struct {
         const char *van, *naar, *zegt;
     } rijen[] = {
-        {"oud", "vol", "vol/order/save/q'\" staat er al"},
+        {"oud", "vol", "vol/q'\" staat er al"},
         {"oud", "plat", "plat staat er al"},
         {"oud", "oud/order/verder", "ligt in de oude directory"},
         {"ook_oud", "oud/erin", "ligt in de oude directory"},
@@ -235,7 +237,7 @@ TEST_F(Postbus, MoveRefused) {
         EXPECT_EQ(nu, toen) << r.naar;
     }
     ASSERT_TRUE(ediset("ZEBEDI", "oud"));
-    fs::remove_all("vol/order");
+    fs::remove("vol/q'\"");
     EXPECT_EQ(edi_verplaats("vol"), 1) << "into a tree that is there";
 }
 
@@ -365,7 +367,7 @@ TEST_F(Bezet, OptionsHolderAndRow) {
     firma.vlaggen = 4;
     EXPECT_TRUE(isedi2(2) && !isedi2(3) && isedi3(3) && isedi(2) && isedi(3) && !isedi(1) && !isedi(0));
     firma = {};
-    EXPECT_EQ(edi_termregel(7, 13, "M\x9Bller & S\x9Bn", 42429, 0, 12),
+    EXPECT_EQ(edi_termregel(7, 13, "M\x9Bller & S\x9Bn", DATUMNR("010316"), 0, 12),
               " 7   13 M\x9Bller & S\x9Bn         010316-             12");
     gebruiker_in(3, "Joke", "07");
     schrijf_bestand("bericht", "x");
