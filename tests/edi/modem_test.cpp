@@ -27,7 +27,8 @@ namespace {
 
 struct Regel {
     const char *op,
-        *antwoord; // what it hears, and says to it; "hang up" closes the line, "..." in front says it for ever
+        *antwoord; // what it hears, and says to it; "hang up" closes the line; "..." in front
+    // says it for ever, "~" after two seconds
 };
 using Gesprek = std::vector<Regel>;
 
@@ -91,7 +92,9 @@ private:
             if (tekst == "hang up")
                 _exit(0);
             const bool steeds = tekst.starts_with("...");
-            tekst.erase(0, steeds ? 3 : 0);
+            if (tekst.starts_with("~"))
+                sleep(2);
+            tekst.erase(0, steeds ? 3 : tekst.starts_with("~"));
             do {
                 if (write(fd, tekst.data(), tekst.size()) < 0)
                     usleep(1000);
@@ -136,13 +139,14 @@ TEST(Modem, Ports) {
 
 TEST(Modem, Conversations) {
     constexpr const char* LANG = "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"
-                                 "xxxxxxxxxxxxxxxxxxxxxxxxxxxx";
+                                 "xxxxxxxxxxxxxxxxxxxxxxxxxxxx\r\n";
     enum { BELT, STELT_IN };
     const struct {
         int doet;
         Gesprek gesprek;
         int fout;     // 0: it went well
         int seconden; // that it may take at most; twice that on a busy machine
+        int pauze = 1;
     } rijen[] = {
         {BELT, {{"ATDT0201234567\r", "\r\nCONNECT 9600\r\n"}}, 0, 3},
         {BELT, {{"ATD", "ATDT0201234567\r\r\nCONNECT\r\n"}}, 0, 3}, // an echo
@@ -166,6 +170,7 @@ TEST(Modem, Conversations) {
          0,
          8}, // an echo
         {STELT_IN, {{"ATZ\r", ""}, {"AT&F\r", "\r\nERROR\r\n"}, {"AT\r", "\r\nERROR\r\n"}}, MDF_INIT, 8},
+        {STELT_IN, {{"ATZ\r", ""}, {"AT&F\r", "~OK\r\n"}}, 0, 10, 3}, // within the pause, which is seconds
         {STELT_IN, {}, MDF_INIT, 10},
         {STELT_IN, {{"AT&F", "...zwam\r"}}, MDF_INIT, 16},
         {STELT_IN, {{"ATZ", "hang up"}}, MDF_INIT, 10},
@@ -179,7 +184,9 @@ TEST(Modem, Conversations) {
     for (size_t i = 0; i < N; i++)
         if (lopers[i] = fork(); lopers[i] == 0) {
             alarm(60);
-            if (!mdopen(lijn(poorten[i]->naam)))
+            modemlijn l = lijn(poorten[i]->naam);
+            l.pauze = rijen[i].pauze;
+            if (!mdopen(l))
                 _exit(99);
             const int goed = rijen[i].doet == BELT ? mddial() : mdinit();
             const int fout = goed ? 0 : mdfout() ? mdfout() : 100;
