@@ -243,40 +243,28 @@ TEST_F(Postbus, MoveRefused) {
 
 // ---- messages
 
+// "text=what it is here", nothing behind the "=" when it is refused.
+std::pair<std::string, std::string> rij_van(std::string_view rij) {
+    return {std::string(rij.substr(0, rij.find('='))), std::string(rij.substr(rij.find('=') + 1))};
+}
+
 TEST(Bericht, Dates) {
-    const struct {
-        const char *tekst, *uit;
-    } rijen[] = {
-        {"160301", "010316"},
-        {"20160301", "01032016"},
-        {"20160229235959", "29022016"},
-        {"20150229", ""},
-        {"XX160301", "010316"},
-        {"2016030", ""},
-        {"16031", ""},
-        {"", ""},
-        {"161301", ""},
-        {"2016-3-1", ""},
-        {"      ", ""},
-        {"000229", "290200"},
-    };
-    for (const auto& r : rijen) {
-        char uit[9];
-        EXPECT_EQ(edidatum(r.tekst, uit), *r.uit != 0) << r.tekst;
-        EXPECT_STREQ(uit, r.uit) << r.tekst;
+    for (const char* rij :
+         {"160301=010316", "20160301=01032016", "20160229235959=29022016", "20150229=", "XX160301=010316",
+          "2016030=", "16031=", "=", "161301=", "2016-3-1=", "      =", "000229=290200"}) {
+        const auto [tekst, uit] = rij_van(rij);
+        char datum[9];
+        EXPECT_EQ(edidatum(tekst.c_str(), datum), !uit.empty()) << rij;
+        EXPECT_EQ(datum, uit) << rij;
     }
 }
 
 TEST(Bericht, Numbers) {
-    const struct {
-        const char *tekst, *uit;
-    } rijen[] = {{"12.50", "12.5"}, {"12,00", "12"}, {"100", "100"}, {"0.0", "0"},
-                 {".00", "0"},      {"", ""},        {"7.", "7"},    {"1.000,00", "1.000"},
-                 {"-1.10", "-1.1"}, {"1.05", "1.05"}};
-    for (const auto& r : rijen) {
-        std::string tekst = r.tekst;
+    for (const char* rij : {"12.50=12.5", "12,00=12", "100=100", "0.0=0", ".00=0", "=", "7.=7",
+                            "1.000,00=1.000", "-1.10=-1.1", "1.05=1.05"}) {
+        auto [tekst, uit] = rij_van(rij);
         edigetal(tekst.data());
-        EXPECT_STREQ(tekst.c_str(), r.uit) << r.tekst;
+        EXPECT_STREQ(tekst.c_str(), uit.c_str()) << rij;
     }
 }
 
@@ -284,27 +272,15 @@ TEST(Bericht, BarCodes) {
     instel15 = {};
     instel15.prefix_aan = 1;
     VASTIN(instel15.prefix[4], "213");
-    const struct {
-        const char *tekst, *uit; // uit empty: refused
-    } rijen[] = {
-        {"4006381333931", "4006381333931"},
-        {"04006381333931", "4006381333931"},
-        {"14006381333938", ""},
-        {"036000291452", "0036000291452"},
-        {"4006381333930", ""},
-        {"96385074", "96385074"},
-        {"2012345678903", ""},
-        {"2130000000019", "2130000000019"},
-        {"22345677", ""},
-        {"400638133393x", ""},
-        {"", ""},
-        {"123456789012345678", ""},
-    };
-    for (const auto& r : rijen) {
+    for (const char* rij : {"4006381333931=4006381333931", "04006381333931=4006381333931", "14006381333938=",
+                            "036000291452=0036000291452", "4006381333930=", "96385074=96385074",
+                            "2012345678903=", "2130000000019=2130000000019",
+                            "22345677=", "400638133393x=", "=", "123456789012345678="}) {
+        const auto [code, uit] = rij_van(rij);
         char tekst[32];
-        snprintf(tekst, sizeof tekst, "%s", r.tekst);
-        EXPECT_EQ(ediean(tekst), *r.uit != 0) << r.tekst;
-        EXPECT_STREQ(tekst, *r.uit ? r.uit : r.tekst);
+        snprintf(tekst, sizeof tekst, "%s", code.c_str());
+        EXPECT_EQ(ediean(tekst), !uit.empty()) << rij;
+        EXPECT_EQ(tekst, uit.empty() ? code : uit) << rij;
     }
     instel15 = {};
 }
