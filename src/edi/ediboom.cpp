@@ -266,7 +266,7 @@ bool edi_maakmap(const std::string& zoals_gezet) {
         return true;
     const std::string pad = edi_zonder_streep(zoals_gezet);
     if (!SYSNIEUWEMAP(pad.c_str()))
-        return IOISDIR(pad.c_str()) || zeg(T_EDI_NIET_GEMAAKT, pad, errno);
+        return IOISDIR(pad.c_str()) || zeg(errno == EEXIST ? T_EDI_STAAT_AL : T_EDI_NIET_GEMAAKT, pad, errno);
     const int fd = SYS.open(pad.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
     if (fd < 0)
         return zeg(T_EDI_NIET_GEMAAKT, pad, errno);

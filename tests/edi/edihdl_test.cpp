@@ -344,7 +344,7 @@ TEST_F(Bezet, OptionsHolderAndRow) {
     EXPECT_TRUE(isedi2(2) && !isedi2(3) && isedi3(3) && isedi(2) && isedi(3) && !isedi(1) && !isedi(0));
     firma = {};
     EXPECT_EQ(edi_termregel(7, 13, "M\x9Bller & S\x9Bn", DATUMNR("010316"), 0, 12),
-              " 7   13 M\x9Bller & S\x9Bn         010316-             12");
+              " 7   13 M\x9Bller & S\x9Bn         010316-            12");
     gebruiker_in(3, "Joke", "07");
     schrijf_bestand("bericht", "x");
     test::Agent joke([] {
