@@ -9,20 +9,17 @@
 #include "term/scherm.h"
 #include "term/vast.h"
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <tuple>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
 constexpr size_t ZEBPRTMAX = 62;
 constexpr size_t TABELMAX = 4 * 1024 * 1024; // more isn't a table of printers
-constexpr size_t PROEF = 32 * 1024;          // what new tables take, amply
 
 void definieer(ICB* icb, std::initializer_list<const char*> teksten) {
     int sleutel = 0;
@@ -97,47 +94,6 @@ const struct {
      nullptr},
 };
 
-std::string map_van(const std::string& pad) {
-    const size_t streep = pad.rfind('/');
-    return streep == std::string::npos ? "." : pad.substr(0, streep + 1);
-}
-
-// Does the directory take files of this size now? Making a table stops the program when it doesn't.
-bool ruimte(const std::string& map) {
-    const std::string pad = IOTMPNAM(map.c_str(), "PR");
-    if (pad.empty())
-        return false;
-    const int fd = SYSNIEUW(pad.c_str(), O_WRONLY | O_EXCL);
-    if (fd < 0)
-        return false;
-    const std::string proef(PROEF, '\0');
-    bool goed = SYSSCHRIJF(fd, proef.data(), proef.size());
-    goed = SYS.close(fd) == 0 && goed;
-    IOUNLINK(pad.c_str());
-    return goed;
-}
-
-// Nothing to be made or repaired?
-bool gaaf(Prttabel tabel, const std::string& pad) {
-    return IXCHECK(pad.c_str()) >= 0 && (!TABELLEN[tabel].eerste || IOSIZE((pad + ".TXT").c_str()) > 0);
-}
-
-// May it be made or repaired without stopping the program? Data of another record length isn't to be guessed at.
-bool te_maken(Prttabel tabel, const std::string& pad) {
-    const std::string map = map_van(pad), data = pad + ".TXT";
-    if (access(map.c_str(), R_OK | W_OK | X_OK) != 0)
-        return false;
-    for (const std::string& bestand : {pad + ".INX", data}) {
-        struct stat st;
-        if (stat(bestand.c_str(), &st) == 0
-                ? !S_ISREG(st.st_mode) || access(bestand.c_str(), R_OK | W_OK) != 0
-                : errno != ENOENT)
-            return false;
-    }
-    const int64_t omvang = IOSIZE(data.c_str());
-    return (omvang <= 0 || static_cast<size_t>(omvang) % TABELLEN[tabel].lengte == 0) && ruimte(map);
-}
-
 // The live records of a data file, as far as it goes.
 template <class R> std::vector<R> lees(Prttabel tabel) {
     std::vector<R> uit;
@@ -183,17 +139,14 @@ std::string XPRT_PAD(const char* naam) {
 
 ICB* prt_open(Prttabel tabel, int modus) {
     const auto& t = TABELLEN[tabel];
-    const std::string pad = XPRT_PAD(t.naam);
-    return gaaf(tabel, pad) || te_maken(tabel, pad) ? IXEIGEN(pad.c_str(), modus, t.definieer, t.eerste)
-                                                    : nullptr;
+    return IXEIGENOF(XPRT_PAD(t.naam).c_str(), modus, static_cast<int>(t.lengte), t.definieer, t.eerste);
 }
 
 bool prt_lees(printtabellen* t) {
     // In this order: the codes come with their neighbours.
     for (Prttabel tabel : {PRT_PRINTERS, PRT_VERBINDINGEN, PRT_CONFIGS, PRT_CODES})
-        if (!gaaf(tabel, XPRT_PAD(TABELLEN[tabel].naam)))
-            if (ICB* icb = prt_open(tabel, 0))
-                IXCLOSE(icb);
+        if (ICB* icb = prt_open(tabel, 0))
+            IXCLOSE(icb);
     *t = {lees<prtrec>(PRT_PRINTERS), lees<prtverbinding>(PRT_VERBINDINGEN), lees<prtconfig>(PRT_CONFIGS),
           lees<prtcode>(PRT_CODES)};
     sorteer(&t->printers, [](const prtrec& r) { return int{r.code}; });

@@ -167,7 +167,7 @@ ICB* IXEIGENOF(const char* naam, int modus, int reclen, void (*definieer)(ICB*),
     errno = EINVAL;
     if (van_vroeger(index))
         return nullptr;
-    if (!IOEXISTS(data.c_str()) || IXCHECK(naam) < 0) {
+    if (!IOEXISTS(data.c_str()) || IXCHECK(naam) < 0 || (eerste && IOSIZE(data.c_str()) == 0)) {
         if (!te_maken(naam, reclen))
             return nullptr;
     } else if (!IXDIEPCHECK(naam).empty() && (!IXBLDIX(naam) || !IXDIEPCHECK(naam).empty())) {
