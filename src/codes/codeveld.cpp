@@ -5,6 +5,7 @@
 #include "shared/iotab.h"
 #include "shared/stamrec.h"
 #include "term/scherm.h"
+#include "term/strings.h"
 #include "term/vast.h"
 #include <cstdio>
 #include <cstring>
@@ -13,16 +14,6 @@ namespace zg {
 namespace {
 
 using Rijen = std::vector<Lijstblad::Rij>;
-
-std::string regel(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
-std::string regel(const char* fmt, ...) {
-    char tekst[80];
-    va_list ap;
-    va_start(ap, fmt);
-    vsnprintf(tekst, sizeof tekst, fmt, ap);
-    va_end(ap);
-    return tekst;
-}
 
 bool lees(const Lijsttabel& tabel, const Lijstcode& code, std::string* naam) {
     const Codetabel& t = codetabel(tabel);
@@ -52,8 +43,7 @@ void record(const Lijsttabel& tabel, const Lijstcode& code) {
 }
 
 std::string lijstregel(const Codetabel& t, const std::string& code, const std::string& naam) {
-    return regel("%-*.*s%-*.*s", t.kolom, t.kolom, code.c_str(), t.tekstbreedte, t.tekstbreedte,
-                 naam.c_str());
+    return VORM("%-*.*s%-*.*s", t.kolom, t.kolom, code.c_str(), t.tekstbreedte, t.tekstbreedte, naam.c_str());
 }
 
 Rijen rijen(const Lijsttabel& tabel) {
@@ -69,20 +59,20 @@ std::string titel(const Codetabel& t) {
     int32_t nr = 1;
     if (t.kop && iotab('R', &nr, &hoofd, *t.kop))
         return VASTTEKST(hoofd.tekst);
-    return regel("%s %s", TXT(T_SELECTEREN), TXT(*t.woord));
+    return VORM("%s %s", TXT(T_SELECTEREN), TXT(*t.woord));
 }
 
 bool kies(const Lijsttabel& tabel, Lijstcode* code) {
     const Codetabel& t = codetabel(tabel);
     const bool tekst = t.hoogste == 0;
     constexpr int ZOEKBREEDTE = 12; // of a number or a name
-    const std::string zoekformaat = regel(t.plaats == Codetabel::ISO ? "%ds,IU"
-                                          : tekst                    ? "%ds[^.,],I"
-                                                                     : "%ds,I",
-                                          tekst ? t.codebreedte : ZOEKBREEDTE);
+    const std::string zoekformaat = VORM(t.plaats == Codetabel::ISO ? "%ds,IU"
+                                         : tekst                    ? "%ds[^.,],I"
+                                                                    : "%ds,I",
+                                         tekst ? t.codebreedte : ZOEKBREEDTE);
     // The head's columns are those of the rows; a blank is left in front of the second.
     const std::string kop =
-        regel("%-*.*s%s", t.kolom, t.kolom - 1, TXT(t.kolom < 5 ? T_NR : T_CODE), TXT(T_OMSCHRIJVING));
+        VORM("%-*.*s%s", t.kolom, t.kolom - 1, TXT(t.kolom < 5 ? T_NR : T_CODE), TXT(T_OMSCHRIJVING));
     return lijstkies(
         tabel, {titel(t), kop, TXT(T_CODEVRAAG), zoekformaat.c_str(), rijen, record, tekst ? 0 : t.kolom},
         code);
@@ -95,7 +85,7 @@ constexpr int BTWCODES = 10;
 bool btw_lees(const Lijsttabel&, const Lijstcode& code, std::string* naam) {
     if (code.nummer < 1 || code.nummer > BTWCODES)
         return false;
-    *naam = regel("%4.1f %%", firma.btw[code.nummer - 1] / 10.0);
+    *naam = VORM("%4.1f %%", firma.btw[code.nummer - 1] / 10.0);
     return true;
 }
 
@@ -107,14 +97,14 @@ Rijen btw_rijen(const Lijsttabel& tabel) {
     Rijen uit;
     std::string naam;
     for (int32_t nr = 1; btw_lees(tabel, {nr, ""}, &naam); nr++)
-        uit.push_back({{nr, ""}, regel("%-2d    %s", nr, naam.c_str())});
+        uit.push_back({{nr, ""}, VORM("%-2d    %s", nr, naam.c_str())});
     return uit;
 }
 
 bool btw_kies(const Lijsttabel& tabel, Lijstcode* code) {
     return lijstkies(tabel,
-                     {regel("%s %s", TXT(T_SELECTEREN), TXT(T_W_BTWCODE)),
-                      regel("%-6.4s%s", TXT(T_CODE), TXT(T_PERCENTAGE)), TXT(T_CODEVRAAG), "2s[0123456789],I",
+                     {VORM("%s %s", TXT(T_SELECTEREN), TXT(T_W_BTWCODE)),
+                      VORM("%-6.4s%s", TXT(T_CODE), TXT(T_PERCENTAGE)), TXT(T_CODEVRAAG), "2s[0123456789],I",
                       btw_rijen},
                      code);
 }

@@ -96,6 +96,8 @@ bool label_noteer(int* soorten);
 void label_bijwerk(int soorten);
 // Finish what stands in the note, with the journal open: its order's header into its labels. False: refused, told.
 bool label_afmaken();
+// Such a note for who only looks: its order. False when it can't be read or isn't whole.
+bool label_noot_lees(const std::string& pad, int32_t* ordernummer);
 void label_los(
     const seriesleutel& serie); // the number of `kop` out of the labels of its last line; takes the lock
 // The header's receiving location for labels of an article group, a branch number; 255 when locations aren't in use.

@@ -182,6 +182,11 @@ bool label_noteer(int* soorten) {
     return noot_schrijf(NOOT, bytes);
 }
 
+bool label_noot_lees(const std::string& pad, int32_t* ordernummer) {
+    std::vector<uint8_t> bytes;
+    return noot_lees(pad, &bytes) && genoteerd(bytes, ordernummer) != 0;
+}
+
 void label_bijwerk(int soorten) {
     const auto regels = [](const Regeldoen& doe) { regels_loop(doe); };
     if (bijwerk(soorten, regels))

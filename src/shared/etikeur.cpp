@@ -6,11 +6,10 @@
 #include "shared/iotab.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
+#include "term/strings.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cerrno>
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 #include <map>
 
@@ -19,20 +18,6 @@ namespace {
 
 constexpr int32_t TELLERS = 4, EANTELLER = 14;
 constexpr char EIGEN[] = "2013"; // codes of the firm's own begin with it
-
-std::string regel(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
-std::string regel(const char* fmt, ...) {
-    char tekst[160];
-    va_list lijst;
-    va_start(lijst, fmt);
-    vsnprintf(tekst, sizeof tekst, fmt, lijst);
-    va_end(lijst);
-    return tekst;
-}
-
-std::string naam(const seriesleutel& s) {
-    return regel("%d.%d.%d", s.artikelgroep, s.kleur, s.volgnummer);
-}
 
 void fout(etikeuring* k, const keurmelding& meld, const std::string& tekst) {
     k->fouten++;
@@ -74,11 +59,11 @@ std::string loop_vrije(etikeuring* k) {
     if (t.vrijkop < 0 || t.vrijkop > t.hoogste || t.hoogste > ioeti_hoogste_blok() + 1 ||
         static_cast<size_t>(t.hoogste) < k->blokken.size() + k->half ||
         t.hoogste > static_cast<int64_t>(k->blokken.size()) + eti::VOORUIT)
-        return regel("DTSYS.TXT system record 4: free from block %d, end %d; the file has %zu blocks%s",
-                     t.vrijkop, t.hoogste, k->blokken.size(), k->half ? " and a half" : "");
+        return VORM("DTSYS.TXT system record 4: free from block %d, end %d; the file has %zu blocks%s",
+                    t.vrijkop, t.hoogste, k->blokken.size(), k->half ? " and a half" : "");
     for (int32_t nr = t.vrijkop; nr != t.hoogste;) {
         if (!binnen(*k, nr) || bij(k, nr).waar != Etiblok::los || !zelfde_serie(bij(k, nr).serie, {}))
-            return regel("free chain: leads to block %d, which isn't a free one", nr);
+            return VORM("free chain: leads to block %d, which isn't a free one", nr);
         bij(k, nr).waar = Etiblok::vrij;
         nr = bij(k, nr).volgende;
     }
@@ -90,38 +75,45 @@ int32_t tel(const etikeuring& k, Etiblok waar) {
         std::count_if(k.blokken.begin(), k.blokken.end(), [waar](const auto& b) { return b.waar == waar; }));
 }
 
-uint64_t sleutel(const seriesleutel& s) {
-    uint64_t uit;
-    memcpy(&uit, &s, sizeof uit);
-    return uit;
-}
-
-// A lost block that may still be a series': its chain is damaged, or the block has labels that aren't on order.
+// A lost block that may still be a series'. What a kill leaves is none: a new block with its first label, or the chain of a
+// series whose record says already that it has none. A series without a record was lost, and not deleted, while it has
+// labels: the record goes last.
 bool hoort_bij(const etikeuring& k, const etikeuring::blok& b) {
-    const auto keten = k.ketens.find(sleutel(b.serie));
-    return b.waar == Etiblok::los &&
-           (b.slecht || b.breuk ||
-            (keten != k.ketens.end() &&
-             (!keten->second || b.per[ETI_VOORRAAD] || b.per[ETI_VERKOCHT] || b.per[ETI_CORRECTIE])));
+    if (b.waar != Etiblok::los || b.slecht || b.breuk)
+        return b.waar == Etiblok::los;
+    const int verder = b.per[ETI_VOORRAAD] + b.per[ETI_VERKOCHT] + b.per[ETI_CORRECTIE];
+    const auto s = k.ketens.find(sleutel_van(b.serie));
+    if (s == k.ketens.end())
+        return b.per[ETI_ORDER] + verder > 0;
+    if (s->second == Etiketen::heel)
+        return b.per[ETI_ORDER] > 1 || verder > 0;
+    return s->second == Etiketen::stuk;
 }
 
-// Blocks in no chain, a line a series.
-void meld_verloren(etikeuring* k, const keurmelding& meld) {
-    std::map<uint64_t, std::pair<size_t, int>> per_serie; // first block, how many
-    for (size_t nr = 0; nr < k->blokken.size(); nr++) {
-        const auto& b = k->blokken[nr];
-        if (b.waar != Etiblok::los || (!k->vrijketen_heel && zelfde_serie(b.serie, {})))
-            continue; // in its place, or one of the free ones that can't be walked
-        k->verloren++;
-        per_serie.try_emplace(sleutel(b.serie), nr, 0).first->second.second++;
-    }
+// Told a line a series: its first block and how many more; `na` comes behind the series.
+void meld_per_serie(const etikeuring& k, const std::vector<size_t>& blokken, const char* voor, const char* na,
+                    const std::function<void(const std::string&)>& meld) {
+    std::map<sleutelwaarde, std::pair<size_t, int>> per_serie;
+    for (const size_t nr : blokken)
+        per_serie.try_emplace(sleutel_van(k.blokken[nr].serie), nr, 0).first->second.second++;
     for (const auto& [serie, waar] : per_serie) {
         const auto& [nr, aantal] = waar;
-        const std::string meer = aantal > 1 ? regel(" and %d more", aantal - 1) : "";
-        fout(k, meld,
-             regel("block %zu%s: in no chain, of series %s", nr, meer.c_str(),
-                   naam(k->blokken[nr].serie).c_str()));
+        const std::string meer = aantal > 1 ? VORM(" and %d more", aantal - 1) : "";
+        meld(VORM("%sblock %zu%s%s", voor, nr, meer.c_str(), na) + serie_tekst(sleutel_uit(serie)));
     }
+}
+
+// Blocks in no chain.
+void meld_verloren(etikeuring* k, const keurmelding& meld) {
+    std::vector<size_t> verloren;
+    for (size_t nr = 0; nr < k->blokken.size(); nr++) {
+        const auto& b = k->blokken[nr];
+        if (b.waar == Etiblok::los && (k->vrijketen_heel || !zelfde_serie(b.serie, {})))
+            verloren.push_back(nr); // and none of the free ones that can't be walked
+    }
+    k->verloren = static_cast<int64_t>(verloren.size());
+    meld_per_serie(*k, verloren, "", ": in no chain, of series ",
+                   [&](const std::string& wat) { fout(k, meld, wat); });
 }
 
 } // namespace
@@ -149,20 +141,21 @@ bool etikeur_begin(etikeuring* k, const etiketbezoek& bezoek) {
 bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const keurmelding& meld) {
     *telling = {};
     const auto waar = [&rec](int32_t nr) {
-        return regel("series %s, block %d: ", naam(rec.serie).c_str(), nr);
+        return "series " + serie_tekst(rec.serie) + (nr == -1 ? ": " : VORM(", block %d: ", nr));
     };
     std::string reden;
     bool heel = true;
-    int32_t nr = rec.etiketkop;
+    int32_t nr = rec.etiketkop, laatste = -1;
     for (; nr != -1; nr = bij(k, nr).volgende) {
         if (!binnen(*k, nr))
             reden = "outside the file";
         else if (!zelfde_serie(bij(k, nr).serie, rec.serie))
-            reden = "is of series " + naam(bij(k, nr).serie);
+            reden = "is of series " + serie_tekst(bij(k, nr).serie);
         else if (bij(k, nr).waar != Etiblok::los)
             reden = "the chain goes round";
         if (!reden.empty())
             break;
+        laatste = nr;
         auto& b = bij(k, nr);
         b.waar = Etiblok::keten;
         telling->in_nota += b.per[ETI_ORDER];
@@ -185,13 +178,14 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
         reden = "counts more labels than its chain has, and others are in no chain: a part is cut off";
     k->labels += telling->in_nota + telling->voorraad + telling->verkopen + telling->correcties;
     if (!reden.empty()) {
-        fout(k, meld, waar(nr) + reden);
+        fout(k, meld, waar(nr == -1 ? laatste : nr) + reden);
         heel = false;
         if (binnen(*k, nr) && !zelfde_serie(bij(k, nr).serie, {}))
             bij(k, nr).breuk = true;
     }
-    if (rec.etiketkop != -1 || !heel)
-        k->ketens[sleutel(rec.serie)] = heel;
+    k->ketens[sleutel_van(rec.serie)] = !heel                 ? Etiketen::stuk
+                                        : rec.etiketkop == -1 ? Etiketen::geen
+                                                              : Etiketen::heel;
     return heel;
 }
 
@@ -202,8 +196,8 @@ void etikeur_einde(etikeuring* k, const keurmelding& meld) {
         fout(k, meld, reden);
     else if (tel(*k, Etiblok::vrij) != k->tellers.vrij)
         fout(k, meld,
-             regel("DTSYS.TXT system record 4: %d free blocks, counted are %d", tel(*k, Etiblok::vrij),
-                   k->tellers.vrij));
+             VORM("DTSYS.TXT system record 4: %d free blocks, counted are %d", tel(*k, Etiblok::vrij),
+                  k->tellers.vrij));
     meld_verloren(k, meld);
 }
 
@@ -229,13 +223,13 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     int32_t nr = TELLERS;
     iotab('X', &nr, &k->tellers, SYS_RECORD);
     bool gelukt = true;
+    std::vector<size_t> blijven;
     for (size_t i = k->blokken.size(); i-- > 0 && gelukt;) {
         auto& b = k->blokken[i];
         if (b.waar != Etiblok::los)
             continue;
         if (hoort_bij(*k, b)) {
-            meld(regel("DTETI: block %zu of series %s stays: there are labels in it", i,
-                       naam(b.serie).c_str()));
+            blijven.push_back(i);
             continue;
         }
         etiblok leeg{};
@@ -251,19 +245,21 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     ioeti_vergeet();
     const bool geteld = iotab('W', &nr, &t, SYS_RECORD) != 0;
     k->tellers = t;
+    k->verloren = static_cast<int64_t>(blijven.size());
+    std::ranges::sort(blijven);
+    meld_per_serie(*k, blijven, "DTETI: ", ": there are labels in it, and it stays with series ", meld);
     if (!gelukt)
         SCHRIJFFOUT(eti::BESTAND, errnr);
     return gelukt && geteld;
 }
 
-int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld) {
-    int64_t fouten = 0;
+bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld) {
     const auto kwaal = [&](const std::string& tekst) {
-        fouten++;
         if (!herstel)
             meld(tekst);
     };
     uint32_t hoogste = 0;
+    std::map<sleutelwaarde, int> zonder_serie;
     uint8_t buffer[IXRECMAX + 1] = {};
     eanrec rec;
     int er;
@@ -274,45 +270,47 @@ int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmeld
         const std::string code = VASTTEKST(rec.code);
         if (code == "0")
             continue;
-        const seriesleutel serie = {rec.artikelgroep, rec.kleur, rec.volgnummer};
-        const int staat = rec.soort == 'M' ? heeft(serie, rec.maat) : 1;
-        if (!ean_geldig(code.c_str())) {
+        if (!ean_geldig(code.c_str()))
             kwaal("code " + code + ": not a valid one");
-        } else if (!code.compare(0, 4, EIGEN)) {
+        else if (!code.compare(0, 4, EIGEN))
             hoogste = std::max(hoogste, static_cast<uint32_t>(std::stoul(code.substr(4, 8))));
-        }
-        if (staat == 2)
-            kwaal(regel("code %s: series %s has another for size %d", code.c_str(), naam(serie).c_str(),
-                        rec.maat));
-        if (staat > 0)
-            continue;
-        kwaal(regel(staat < 0 ? "code %s: of series %s, which isn't there (size %d)"
-                              : "code %s: series %s doesn't have size %d",
-                    code.c_str(), naam(serie).c_str(), rec.maat));
-        if (!herstel || staat >= 0)
+        const seriesleutel serie = {rec.artikelgroep, rec.kleur, rec.volgnummer};
+        const Eanstaat staat = rec.soort == 'M' ? heeft(serie, rec.maat) : Eanstaat::goed;
+        if (staat == Eanstaat::dubbel)
+            kwaal(VORM("code %s: series %s has another for size %d", code.c_str(), serie_tekst(serie).c_str(),
+                       rec.maat));
+        else if (staat == Eanstaat::andere_maat)
+            kwaal(VORM("code %s: series %s doesn't have size %d", code.c_str(), serie_tekst(serie).c_str(),
+                       rec.maat));
+        else if (staat != Eanstaat::goed)
+            zonder_serie[sleutel_van(serie)]++;
+        if (!herstel || staat != Eanstaat::weg)
             continue;
         const int vast = IXREADL(dtean, buffer);
         if (vast < 0 || (vast == 1 && IXDELETE(dtean, buffer) != 0))
-            return -1;
+            return false;
         if (!vast)
             IXUNLOCK(dtean, buffer);
         meld("DTEAN: code " + code + " deleted, its series isn't there");
     }
+    for (const auto& [serie, aantal] : zonder_serie)
+        kwaal(VORM("%d codes of series %s, which isn't there", aantal,
+                   serie_tekst(sleutel_uit(serie)).c_str()));
     systeller teller;
     int32_t nr = EANTELLER;
     iotab('R', &nr, &teller, SYS_RECORD);
     if (static_cast<uint32_t>(teller.laatste) >= hoogste)
-        return fouten;
-    kwaal(regel("DTSYS.TXT system record 14: the last code is %u, there is one of %u",
-                static_cast<uint32_t>(teller.laatste), hoogste));
+        return true;
+    kwaal(VORM("DTSYS.TXT system record 14: the last code is %u, there is one of %u",
+               static_cast<uint32_t>(teller.laatste), hoogste));
     if (herstel) {
         iotab('X', &nr, &teller, SYS_RECORD);
         teller.laatste = static_cast<int32_t>(hoogste);
         if (!iotab('W', &nr, &teller, SYS_RECORD))
-            return -1;
-        meld(regel("DTEAN: the last code is %u", hoogste));
+            return false;
+        meld(VORM("DTEAN: the last code is %u", hoogste));
     }
-    return fouten;
+    return true;
 }
 
 } // namespace zg

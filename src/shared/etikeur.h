@@ -21,6 +21,7 @@ struct etitelling { // labels of a series by status
 };
 
 enum class Etiblok : uint8_t { los, keten, vrij };
+enum class Etiketen : uint8_t { geen, heel, stuk }; // the chain of a series
 struct etikeuring {
     struct blok {
         seriesleutel serie;
@@ -32,8 +33,8 @@ struct etikeuring {
         bool breuk;     // a series' chain breaks here
     };
     std::vector<blok> blokken;
-    bool half;                                 // the file ends inside one more
-    std::unordered_map<uint64_t, bool> ketens; // of the series with one: is it whole?
+    bool half;                                          // the file ends inside one more
+    std::unordered_map<sleutelwaarde, Etiketen> ketens; // of the series that there are
     sysetiket tellers;
     bool vrijketen_heel; // the free chain and its counters agree, but for the count of blocks
     int64_t labels, fouten, verloren;
@@ -52,12 +53,17 @@ void etikeur_einde(etikeuring* k, const keurmelding& meld);
 // repaired, told.
 bool etikeur_herstel(etikeuring* k, const keurmelding& meld);
 
-// All codes of DTEAN: valid, unique by size, of a series that has the size (`heeft`), below the counter. How many aren't.
-// With `herstel` those of series that are gone are deleted, and a counter that lies behind is moved; `meld` gets what was
-// done then, and -1 is the answer where the disk refused, which was told.
-using keurserie =
-    std::function<int(const seriesleutel& serie,
-                      uint8_t maat)>; // 1 has the size, 2 and a code for it already, 0 not, -1 no series
-int64_t eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld);
+// All codes of DTEAN: valid, one a size, of a series that has the size (`heeft` says), below the counter. With `herstel`
+// those of series that are gone are deleted, and a counter that lies behind is moved; `meld` gets what was done then, and
+// false is the answer where the disk refused, which was told.
+enum class Eanstaat {
+    goed,
+    dubbel,
+    andere_maat,
+    weg,
+    kwijt
+}; // weg: no series; kwijt: none, but it wasn't deleted
+using keurserie = std::function<Eanstaat(const seriesleutel& serie, uint8_t maat)>;
+bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld);
 
 } // namespace zg

@@ -15,8 +15,7 @@ std::string in_record(int32_t nr, const std::string& wat) {
 }
 
 std::string naam(const prijsset& s) {
-    return "series " + std::to_string(s.serie.artikelgroep) + "." + std::to_string(s.serie.kleur) + "." +
-           std::to_string(s.serie.volgnummer) + ", set " + std::to_string(s.setnr) + " until " +
+    return "series " + serie_tekst(s.serie) + ", set " + std::to_string(s.setnr) + " until " +
            std::to_string(s.tot) + ": ";
 }
 
@@ -107,10 +106,7 @@ void toets_vrij(Stand* stand, const sysprijs& vrij) {
 }
 
 // Could a record be of a set whose chain is damaged? It bears its name, or the chain breaks there.
-bool van_stukke_set(const Stand& stand, int32_t nr) {
-    prijsgroeprec rec{};
-    if (stand.stuk.empty() || SYSLEES(ink.fd, &rec, sizeof rec, nr * INK_RECORD) <= 0 || ink_leeg(rec))
-        return false;
+bool van_stukke_set(const Stand& stand, int32_t nr, const prijsgroeprec& rec) {
     return std::ranges::any_of(stand.stuk,
                                [&](const auto& s) { return s.second == nr || ink_van_set(rec, s.first); });
 }
@@ -135,15 +131,22 @@ std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void
     return stand.kwalen;
 }
 
-int64_t ink_herstel() {
+int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
     inkslot slot;
     Stand stand = neem_op({});
     toets_vrij(&stand, slot.vrij());
+    const auto van_iemand = [&](int32_t nr) {
+        prijsgroeprec rec{};
+        if ((stand.stuk.empty() && !blijft) || SYSLEES(ink.fd, &rec, sizeof rec, nr * INK_RECORD) <= 0 ||
+            ink_leeg(rec))
+            return false;
+        return van_stukke_set(stand, nr, rec) || (blijft && blijft(rec));
+    };
     std::vector<int32_t> nummers;
     int64_t terug = 0;
     for (size_t i = stand.bezit.size(); i-- > 0;) {
         const auto nr = static_cast<int32_t>(i);
-        if (stand.bezit[i] == SET || van_stukke_set(stand, nr))
+        if (stand.bezit[i] == SET || van_iemand(nr))
             continue;
         nummers.push_back(nr);
         terug += stand.bezit[i] == NIEMAND;

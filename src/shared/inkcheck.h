@@ -1,6 +1,6 @@
 // The check of the price file: every set with its chain, periods that overlap, groups that nobody has, the free chain. It
-// reads only and takes no lock: beside a writer it may meet a change half done. The repair gives lost groups back. For the operators' check and tests;
-// the price file and DTSYS.TXT are open.
+// reads only and takes no lock: beside a writer it may meet a change half done. The repair gives lost groups back. For the
+// operators' check and tests; the price file and DTSYS.TXT are open.
 #pragma once
 #include "shared/registerrec.h"
 #include <functional>
@@ -20,8 +20,8 @@ struct inktelling {
 // Empty when sound; groups that nobody has are only counted, since a broken-off write may leave them. `bij` is called with
 // each set in key order, sound or not; may be empty.
 std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij = {});
-// Make the free chain again of all groups that no set has; those that bear the name of a damaged set stay. How many came
-// back that nobody had; -1 when the disk refused, which was told.
-int64_t ink_herstel();
+// Make the free chain again of all groups that no set has; those that bear the name of a damaged set stay, and those that
+// `blijft` keeps. How many came back that nobody had; -1 when the disk refused, which was told.
+int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft = {});
 
 } // namespace zg

@@ -2,6 +2,8 @@
 // docs/formats.md has the offsets. Bytes that no field names are zero in a new record and kept in an existing one.
 #pragma once
 #include "shared/stamrec.h"
+#include <cstring>
+#include <string>
 
 namespace zg {
 
@@ -126,6 +128,24 @@ struct [[gnu::packed]] serpicrec { // DTSERPIC, key 1 series; a file of 53 bytes
     uint16_t merk;
 };
 static_assert(sizeof(serpicrec) == 56 && offsetof(serpicrec, merk) == 54);
+
+using sleutelwaarde = uint64_t; // the bytes of a seriesleutel, for tables
+inline sleutelwaarde sleutel_van(const seriesleutel& serie) {
+    sleutelwaarde uit;
+    static_assert(sizeof uit == sizeof serie);
+    memcpy(&uit, &serie, sizeof uit);
+    return uit;
+}
+inline seriesleutel sleutel_uit(sleutelwaarde waarde) {
+    seriesleutel uit;
+    memcpy(&uit, &waarde, sizeof uit);
+    return uit;
+}
+
+inline std::string serie_tekst(const seriesleutel& s) { // "groep.kleur.volgnummer"
+    return std::to_string(s.artikelgroep) + "." + std::to_string(s.kleur) + "." +
+           std::to_string(s.volgnummer);
+}
 
 inline bool zelfde_serie(const seriesleutel& a, const seriesleutel& b) {
     return a.artikelgroep == b.artikelgroep && a.kleur == b.kleur && a.volgnummer == b.volgnummer;

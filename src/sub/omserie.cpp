@@ -208,12 +208,6 @@ bool serie_mag(const serrec& rec, int32_t stempel) {
     return rec.stempel <= stempel;
 }
 
-std::string serie_tekst(const seriesleutel& sleutel) {
-    char tekst[32];
-    snprintf(tekst, sizeof tekst, "%d.%u.%u", sleutel.artikelgroep, sleutel.kleur, sleutel.volgnummer);
-    return tekst;
-}
-
 void serie_mutatie(char letter, const serrec& rec, uint16_t oud_merk) {
     if (!instel15.overdracht)
         return;

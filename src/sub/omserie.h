@@ -44,7 +44,6 @@ bool serie_schrijf(const serrec& rec);
 int32_t serie_stempel(uint16_t orderdatum, uint16_t tijdstempel);
 // May a series take data from an order with that stamp? Its own isn't later.
 bool serie_mag(const serrec& rec, int32_t stempel);
-std::string serie_tekst(const seriesleutel& sleutel); // "groep.kleur.volgnummer"
 
 inline constexpr uint16_t VOLGNUMMER_MAX = 9999;
 // The lowest free sequence number of a group and colour from `vanaf` on, reserved for this program until serie_nummer_los
@@ -60,6 +59,7 @@ void serie_nummer_los();
 void serie_nummers_opruimen();
 // Is a number named by the file of another slot whose user is in? Who clears reservations leaves these.
 bool serie_nummer_levend(const seriesleutel& sleutel);
+inline constexpr int32_t SERIENUMMER_MAX = 9999999; // seven digits in a mutation
 // The next running number, from 1000; numbers in use are passed over. 0 when none could be written (told) or is left.
 int32_t serie_nummer_nieuw();
 

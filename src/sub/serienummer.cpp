@@ -21,7 +21,6 @@ namespace zg {
 namespace {
 
 constexpr int SYS_SERIE = 2;
-constexpr int32_t HOOGSTE_NUMMER = 9999999; // seven digits in a mutation
 constexpr int SLEUTEL_NUMMER = 3;
 
 bool gereserveerd;
@@ -151,7 +150,7 @@ void serie_nummers_opruimen() {
 }
 
 int32_t serie_nummer_nieuw() {
-    return iotab_teller(SYS_SERIE, HOOGSTE_NUMMER, nummer_bezet);
+    return iotab_teller(SYS_SERIE, SERIENUMMER_MAX, nummer_bezet);
 }
 
 } // namespace zg

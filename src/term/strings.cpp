@@ -1,6 +1,7 @@
 // In-place edits of NUL-ended strings and the builders of printf formats. Number pictures: term/picture.cpp.
 #include "term/strings.h"
 #include <algorithm>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -70,6 +71,15 @@ void LTRIM(char* s) {
 void TRIM(char* s) {
     RTRIM(s);
     LTRIM(s);
+}
+
+std::string VORM(const char* fmt, ...) {
+    char tekst[161];
+    va_list ap;
+    va_start(ap, fmt);
+    vsnprintf(tekst, sizeof tekst, fmt, ap);
+    va_end(ap);
+    return tekst;
 }
 
 const char* TXTC(int w) {

@@ -2,6 +2,7 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace zg {
 
@@ -16,6 +17,8 @@ int ZOEKTEKEN(char c, const char* s);
 void RTRIM(char* s);
 void LTRIM(char* s);
 void TRIM(char* s);
+// What printf would write, cut at 160 characters.
+std::string VORM(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 // A number in a picture of "9Z* .,", its sign behind it; "*" all over when it doesn't fit. uit holds
 // strlen(plaatje) + 2.
 void PICTURE(const char* plaatje, double waarde, char* uit);

@@ -5,6 +5,7 @@
 #include "order/ordloop.h"
 #include "order/ordrec.h"
 #include "order/prijswerk.h"
+#include "order/register.h"
 #include "shared/files.h"
 #include <algorithm>
 #include <cctype>
@@ -12,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,7 +44,8 @@ uint16_t leverancier_van(const std::string& naam) {
     return static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10));
 }
 
-std::vector<std::string> namen_in(const std::string& map, bool (*soort)(const std::string&)) {
+std::vector<std::string> namen_in(const std::string& map,
+                                  const std::function<bool(const std::string&)>& soort) {
     std::vector<std::string> uit;
     std::error_code fout;
     for (const auto& e : fs::directory_iterator(map, fout))
@@ -122,27 +125,39 @@ void lees_journaal(const std::string& map, const std::string& naam, int filialen
         j->leveranciers_in_hand.insert(leverancier_van(naam));
 }
 
-// A change of prices that was noted and isn't finished.
-void lees_prijswerk(const std::string& map, const std::string& naam, journalen* j) {
-    const std::string pad = map + "/" + naam;
-    prijswerk noot;
-    if (!prijswerk_lees(pad, &noot)) {
-        if (IOEXISTS(pad.c_str())) // else it was finished meanwhile
-            j->kwalen.push_back(pad + ": damaged: which prices were to change can't be told");
-        return;
-    }
-    j->noten.push_back(pad + ": prices of " + std::to_string(noot.series.size()) +
-                       " series half changed, finished when the supplier is chosen again");
+// A change of many labels that was noted and isn't finished: of prices, or of what the header has for all of them.
+struct Nootsoort {
+    const char* ext;
+    std::string (*lees)(const std::string& pad); // what it changes; empty when it isn't whole
+    const char* vraag;                           // what a damaged one leaves open
+};
+const Nootsoort NOTEN[] = {
+    {".PRS",
+     [](const std::string& pad) -> std::string {
+         prijswerk noot;
+         if (!prijswerk_lees(pad, &noot))
+             return {};
+         return "prices of " + std::to_string(noot.series.size()) + " series";
+     },
+     "which prices were to change"},
+    {".LBW",
+     [](const std::string& pad) -> std::string {
+         int32_t nummer;
+         if (!label_noot_lees(pad, &nummer))
+             return {};
+         return "code or location of the labels of order " + std::to_string(nummer);
+     },
+     "which labels were to get their order's code or location"},
+};
+
+void lees_noot(const Nootsoort& soort, const std::string& pad, journalen* j) {
+    if (const std::string wat = soort.lees(pad); !wat.empty())
+        j->noten.push_back(pad + ": " + wat + " half changed, finished when the supplier is chosen again");
+    else if (IOEXISTS(pad.c_str())) // else it was finished meanwhile
+        j->kwalen.push_back(pad + ": damaged: " + soort.vraag + " can't be told");
 }
 
 } // namespace
-
-sleutelwaarde sleutel_van(const seriesleutel& serie) {
-    sleutelwaarde uit;
-    static_assert(sizeof uit == sizeof serie);
-    memcpy(&uit, &serie, sizeof uit);
-    return uit;
-}
 
 journalen journalen_lees(int filialen) {
     journalen j;
@@ -154,8 +169,10 @@ journalen journalen_lees(int filialen) {
         for (const std::string& naam : namen_in(map, [](const std::string& n) { return is_van(n, ".WRK"); }))
             if (IOSIZE((map + "/" + naam).c_str()) > 0)
                 j.leveranciers_in_hand.insert(leverancier_van(naam));
-        for (const std::string& naam : namen_in(map, [](const std::string& n) { return is_van(n, ".PRS"); }))
-            lees_prijswerk(map, naam, &j);
+        for (const Nootsoort& soort : NOTEN)
+            for (const std::string& naam :
+                 namen_in(map, [&soort](const std::string& n) { return is_van(n, soort.ext); }))
+                lees_noot(soort, map + "/" + naam, &j);
     }
     return j;
 }

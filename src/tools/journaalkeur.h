@@ -10,9 +10,6 @@
 
 namespace zg {
 
-using sleutelwaarde = uint64_t; // the bytes of a seriesleutel
-sleutelwaarde sleutel_van(const seriesleutel& serie);
-
 struct journaalorder {
     std::string waar; // "2016Z/ORD0012.JRN at 0"
     uint16_t leverancier, jaar, orderdatum;

@@ -54,7 +54,7 @@ void schrijf(const DemoMap& map, const char* naam, std::string rec) {
     EXPECT_EQ(a.status, 0) << naam << a.uitvoer;
 }
 
-constexpr size_t SYS4 = 3 * 64, SYS9 = 8 * 64, BLOK = sizeof(etiblok), SER = sizeof(serrec);
+constexpr size_t SYS2 = 64, SYS4 = 3 * 64, SYS9 = 8 * 64, BLOK = sizeof(etiblok), SER = sizeof(serrec);
 
 struct Schade {
     const char* wat;
@@ -87,8 +87,20 @@ const Schade SCHADES[] = {
          zet(m, "DTETI.TXT", static_cast<size_t>(t.hoogste) * BLOK, b);
          zet(m, "DTSYS.TXT", SYS4, na);
      },
-     {"DTETI: ", "1100.15.1"},
+     {"DTETI: block ", ": in no chain, of series 1100.15.1"},
      true},
+    {"a block with more than a first label that nobody has", // no death leaves that
+     [](const DemoMap& m) {
+         const auto t = haal<sysetiket>(m, "DTSYS.TXT", SYS4);
+         etiblok b = haal<etiblok>(m, "DTETI.TXT", 0);
+         b.volgende = -1;
+         sysetiket na = t;
+         na.vrijkop = na.hoogste = t.hoogste + 1;
+         zet(m, "DTETI.TXT", static_cast<size_t>(t.hoogste) * BLOK, b);
+         zet(m, "DTSYS.TXT", SYS4, na);
+     },
+     {"DTETI: block ", ": in no chain, of series "},
+     false},
     {"wild counters of labels",
      [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS4, int32_t{-5}); },
      {"DTETI: "},
@@ -126,10 +138,34 @@ const Schade SCHADES[] = {
      },
      {"DTIPA: DTIPG.TXT: 1 records that no set has"},
      true},
-    {"a series without its record",
+    {"a series without its record", // a deletion takes that last: it was lost, and all that it led to stays
      [](const DemoMap& m) { wis(m, "DTSER", 1); },
      {"DTIPA: sets of 1100.15.1", "DTEAN: ", "DTETI: ", "journals: note: 0000Z/ORD0010.JRN"},
+     false},
+    {"prices and a code of a series that is nowhere else",
+     [](const DemoMap& m) {
+         std::string code = lees_bestand(m.bestand("DTEAN.TXT")).substr(sizeof(eanrec), sizeof(eanrec));
+         code.replace(0, 13, "8711253001202").replace(offsetof(eanrec, volgnummer), 2, "\x77\x77");
+         schrijf(m, "DTEAN", code);
+         prijsset set{};
+         set.serie = {4711, 1, 1};
+         set.groep = -1;
+         schrijf(m, "DTIPA", std::string(reinterpret_cast<char*>(&set), sizeof set));
+     },
+     {"DTIPA: sets of 4711.1.1, which isn't there", "DTEAN: 1 codes of series "},
      true},
+    {"a number of a series before the counter",
+     [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS2, int32_t{1}); },
+     {"DTSER: DTSYS.TXT system record 2: the last number is 1, series "},
+     true},
+    {"a label of another day than its order",
+     [](const DemoMap& m) { zet(m, "DTETI.TXT", offsetof(etiblok, plaats) + 26, uint16_t{1}); },
+     {"DTETI: series ", "which has another supplier or date"},
+     false},
+    {"a line whose prices are gone", // its groups are the last that knows of them
+     [](const DemoMap& m) { wis(m, "DTIPA", 0); },
+     {"DTIPA: series ", ": no prices for its line of 0000Z/ORD0010.JRN at 0: order ", "which has labels"},
+     false},
     {"a second code for a size",
      [](const DemoMap& m) {
          std::string code = lees_bestand(m.bestand("DTEAN.TXT")).substr(sizeof(eanrec), sizeof(eanrec));
@@ -173,9 +209,14 @@ const Schade SCHADES[] = {
      [](const DemoMap& m) { zet(m, "DTSER.INX", offsetof(IXHEADER, busy), uint8_t{1}); },
      {"DTSER: header: marked", "ixremake first: DTSER;"},
      false},
-    {"a damaged note of prices",
-     [](const DemoMap& m) { schrijf_bestand(m.bestand("2016Z/ORD0012.PRS"), "ZGPRIJS1"); },
-     {"journals: 2016Z/ORD0012.PRS: damaged"},
+    {"damaged notes of a change of prices and of codes",
+     [](const DemoMap& m) {
+         schrijf_bestand(m.bestand("2016Z/ORD0012.PRS"), "ZGPRIJS1");
+         schrijf_bestand(m.bestand("2016Z/ORD0012.LBW"), "ZGLABEL1");
+         schrijf_bestand(m.bestand("2016Z/ORD0013.LBW"), std::string("ZGLABEL1\xf0\3\0\0\1", 13));
+     },
+     {"journals: 2016Z/ORD0012.PRS: damaged", "journals: 2016Z/ORD0012.LBW: damaged",
+      "journals: note: 2016Z/ORD0013.LBW: code or location of the labels of order 1008 half changed"},
      false},
 };
 

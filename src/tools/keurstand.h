@@ -1,0 +1,55 @@
+// What the check of the register has read, for its parts: registerkeur.cpp reads series, sets, labels and codes,
+// orderkeur.cpp holds the orders against them.
+#pragma once
+#include "shared/etikeur.h"
+#include "shared/iomaat.h"
+#include "tools/registerkeur.h"
+#include <map>
+#include <set>
+#include <unordered_map>
+
+namespace zg {
+
+struct Seriestand {
+    serrec rec;
+    int32_t plaats; // record in DTSER
+    bool heel;      // its chain of labels
+    etitelling labels;
+    uint8_t codes[MAATBYTES]; // sizes that have one
+};
+struct Periode { // of a price set
+    sleutelwaarde serie;
+    uint16_t leverancier, van, tot;
+};
+struct Orderlabels { // of one order in one block; number 0: of none
+    int32_t blok;
+    sleutelwaarde serie;
+    uint16_t leverancier, datum;
+    int32_t nummer;
+    bool in_nota; // one at least
+};
+
+struct Keuring {
+    keurbestand dtser{"DTSER", {}, {}, {}}, dtipa{"DTIPA", {}, {}, {}}, dteti{"DTETI", {}, {}, {}},
+        dtean{"DTEAN", {}, {}, {}}, dtordnr{"DTORDNR", {}, {}, {}}, jrn{"journals", {}, {}, {}};
+    std::unordered_map<sleutelwaarde, Seriestand> series;
+    std::vector<Periode> prijzen;              // by series
+    std::vector<Orderlabels> van_orders;       // by series
+    std::map<sleutelwaarde, int> vreemde_maat; // labels of a size or size type that isn't their series'
+    etikeuring eti;
+    std::set<sleutelwaarde> sets_zonder_serie;
+    std::set<sleutelwaarde>
+        kwijt; // series without a record that were not deleted: there are labels, or lines of orders
+    std::set<std::pair<sleutelwaarde, uint16_t>> prijzen_kwijt; // series and supplier, with labels
+    std::vector<int32_t> nummers_zonder_order;
+    int32_t laatste_serie = 0; // number that the counter lies behind; 0: it doesn't
+};
+
+std::string keur_aantal(int64_t n, const char* wat); // "12 series"
+// Wrong, or only perhaps while somebody has the series.
+void keur_kwaal(keurbestand* b, const Seriestand* s, const std::string& wat);
+
+// orderkeur.cpp: orders of the journals, number records and labels against each other.
+void keur_orders(Keuring* k);
+
+} // namespace zg

@@ -1,0 +1,167 @@
+// The orders against the register, see tools/keurstand.h: their number records, the series and prices of their lines, and
+// the labels that name them.
+#include "shared/leesstam.h"
+#include "shared/sysrec.h"
+#include "store/ix.h"
+#include "sub/omserie.h"
+#include "tools/journaalkeur.h"
+#include "tools/keurstand.h"
+#include <algorithm>
+
+namespace zg {
+namespace {
+
+using Nummers = std::map<int32_t, ordnrrec>;
+using Orders = std::map<int32_t, const journaalorder*>;
+
+Nummers lees_nummers() {
+    Nummers uit;
+    uint8_t buffer[IXRECMAX];
+    ordnrrec rec;
+    int er;
+    for (int32_t nr = 0; (er = IXGET(dtordnr, buffer, nr)) >= 0; nr++)
+        if (er) {
+            stam_uit(buffer, dtordnr->h.reclen, &rec);
+            uit.emplace(int32_t{rec.ordernummer}, rec);
+        }
+    return uit;
+}
+
+std::string naam(const journaalorder& o) {
+    return o.waar + ": order " + std::to_string(o.nummer);
+}
+
+// Its number record.
+void keur_nummer(Keuring* k, const journaalorder& o, const Nummers& nummers) {
+    const auto n = nummers.find(o.nummer);
+    const auto meld = [&](const char* wat) {
+        (o.in_hand ? k->dtordnr.noten : k->dtordnr.kwalen).push_back(naam(o) + " " + wat);
+    };
+    if (n == nummers.end()) {
+        if (!o.series.empty())
+            meld("has no number record");
+        return;
+    }
+    const ordnrrec& rec = n->second;
+    if (rec.leverancier != o.leverancier || rec.jaar != o.jaar || rec.seizoen != o.seizoen ||
+        rec.orderdatum != o.orderdatum)
+        meld("has another order's number record");
+    else if (rec.ontvangstlocatie != o.ontvangstlocatie)
+        k->dtordnr.noten.push_back(naam(o) + " has a number record with another receiving location");
+}
+
+template <class T> auto van_serie(const std::vector<T>& rij, sleutelwaarde serie) {
+    return std::ranges::equal_range(rij, serie, {}, &T::serie);
+}
+
+// The prices at which a line of it counts. Without labels a kill came in front of them.
+void keur_prijzen(Keuring* k, const journaalorder& o, sleutelwaarde sleutel, const Seriestand& s) {
+    const auto is_nul = [](uint8_t b) { return b == 0; };
+    if (std::ranges::all_of(s.rec.maten, is_nul) ||
+        std::ranges::any_of(van_serie(k->prijzen, sleutel), [&](const Periode& p) {
+            return p.leverancier == o.leverancier && p.van <= o.orderdatum && o.orderdatum <= p.tot;
+        }))
+        return;
+    const std::string wat = "series " + serie_tekst(s.rec.serie) + ": no prices for its line of " + naam(o);
+    if (!std::ranges::any_of(van_serie(k->van_orders, sleutel), [&](const Orderlabels& l) {
+            return l.leverancier == o.leverancier && l.datum == o.orderdatum;
+        }))
+        return k->dtipa.noten.push_back(wat + ", whose next save makes them");
+    k->prijzen_kwijt.insert({sleutel, o.leverancier});
+    if (o.in_hand)
+        k->dtipa.noten.push_back(wat + " (in use)");
+    else
+        keur_kwaal(&k->dtipa, &s, wat + ", which has labels");
+}
+
+void keur_regels(Keuring* k, const journaalorder& o) {
+    for (const auto& [sleutel, stempel] : o.series) {
+        const auto s = k->series.find(sleutel);
+        const std::string wat = naam(o) + " has a line of " + serie_tekst(sleutel_uit(sleutel));
+        if (s == k->series.end()) {
+            k->kwijt.insert(sleutel);
+            k->jrn.noten.push_back(wat + ", which isn't there");
+        } else if (!serie_mag(s->second.rec, serie_stempel(o.orderdatum, stempel)))
+            k->jrn.noten.push_back(wat + ", a later one of that number");
+        else
+            keur_prijzen(k, o, sleutel, s->second);
+    }
+}
+
+// What is wrong with labels on order of that number; null: nothing.
+const char* label_kwaal(const Orderlabels& l, const Orders& orders, const Nummers& nummers) {
+    const auto o = orders.find(l.nummer);
+    if (o == orders.end())
+        return nummers.contains(l.nummer) ? nullptr : "which has no number record";
+    if (!o->second->series.contains(l.serie))
+        return "which has no line of it";
+    if (o->second->leverancier != l.leverancier || o->second->orderdatum != l.datum)
+        return "which has another supplier or date";
+    return nullptr;
+}
+
+void keur_labels(Keuring* k, const journalen& j, const Orders& orders, const Nummers& nummers) {
+    for (const Orderlabels& l : k->van_orders) {
+        const auto s = k->series.find(l.serie);
+        if (l.nummer <= 0 || !l.in_nota || s == k->series.end() ||
+            k->eti.blokken[static_cast<size_t>(l.blok)].waar != Etiblok::keten)
+            continue;
+        const char* reden = label_kwaal(l, orders, nummers);
+        if (!reden)
+            continue;
+        const std::string wat = "series " + serie_tekst(s->second.rec.serie) + ", block " +
+                                std::to_string(l.blok) + ": labels of order " + std::to_string(l.nummer) +
+                                ", " + reden;
+        if (j.leveranciers_in_hand.contains(l.leverancier))
+            k->dteti.noten.push_back(wat + " (in use)");
+        else
+            keur_kwaal(&k->dteti, &s->second, wat);
+    }
+}
+
+// Number records without an order. A season that is over has no journals any more.
+void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nummers& nummers) {
+    std::set<int32_t> met_label;
+    for (const Orderlabels& l : k->van_orders)
+        met_label.insert(l.nummer);
+    for (const auto& [nr, rec] : nummers) {
+        if (orders.contains(nr) || !j.seizoenen.contains({rec.jaar, rec.seizoen}))
+            continue;
+        const std::string wat = "number " + std::to_string(nr) + " of an order that isn't there";
+        if (j.leveranciers_in_hand.contains(rec.leverancier)) {
+            k->dtordnr.noten.push_back(wat + " (in use)");
+            continue;
+        }
+        k->dtordnr.kwalen.push_back(wat);
+        k->dtordnr.verloren++;
+        if (!met_label.contains(nr) && !j.leveranciers_stuk.contains(rec.leverancier))
+            k->nummers_zonder_order.push_back(nr);
+    }
+}
+
+} // namespace
+
+void keur_orders(Keuring* k) {
+    const Nummers nummers = lees_nummers();
+    journalen j = journalen_lees(firma.filialen);
+    k->jrn.kwalen = std::move(j.kwalen);
+    k->jrn.noten = std::move(j.noten);
+    k->jrn.telling = keur_aantal(j.bestanden, "files, ") +
+                     keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +
+                     keur_aantal(j.regels, "lines");
+    k->dtordnr.telling = keur_aantal(static_cast<int64_t>(nummers.size()), "numbers");
+    Orders orders;
+    for (const journaalorder& o : j.orders) {
+        if (o.nummer <= 0)
+            continue;
+        if (const auto [p, nieuw] = orders.emplace(o.nummer, &o); !nieuw)
+            (o.in_hand ? k->jrn.noten : k->jrn.kwalen)
+                .push_back(naam(o) + " has the number of " + p->second->waar);
+        keur_nummer(k, o, nummers);
+        keur_regels(k, o);
+    }
+    keur_labels(k, j, orders, nummers);
+    keur_nummers(k, j, orders, nummers);
+}
+
+} // namespace zg
