@@ -37,27 +37,20 @@ TEST(Ean, ValidAndLabelCodes) {
     } rijen[] = {
         {"8711253001202", 7, true, -1, "E0"},
         {"8711253001203", 7, false, -1, nullptr},
-        {"036000291452", 7, true, -1, "E0"}, // 12 digits
-        {"73513537", 7, true, -1, "E0"},
+        {"036000291452", 7, true, -1, "E0"},        // 12 digits
         {"03513538", 7, false, 3513538, "3513538"}, // 8 digits from a 0 on
         {"17654326", 7, true, -1, "E0"},
         {"17654326", 8, false, 17654326, "17654326"}, // 8 digits are a label number
         {"2200001234567", 7, true, 1234567, "1234567"},
-        {"2200001234567", 8, true, 1234567, "1234567"},
         {"2200001234567", 6, true, -1, nullptr}, // too high for six digits
-        {"2801000000002", 7, false, -1, nullptr},
         {"2801000000001", 7, true, -1, "A1"},
         {"2827000000001", 7, true, -1, nullptr},
         {"24000123", 7, true, 123, "E0"},
-        {"1234567", 7, false, 1234567, "1234567"},
         {"12345678", 7, false, -1, nullptr},
         {" 77 ", 7, false, 77, "77"},
-        {"-1", 7, false, -1, nullptr},
         {"M12", 7, false, -1, "M12"},
-        {"E999999999", 7, false, -1, "E999999999"},
         {"A1000000000", 7, false, -1, nullptr},
         {"X12", 7, false, -1, nullptr},
-        {"M 1", 7, false, -1, nullptr},
         {"", 7, false, -1, nullptr},
     };
     for (const auto& r : rijen) {
@@ -78,9 +71,7 @@ TEST(Ean, ValidAndLabelCodes) {
     int32_t nummer;
     EXPECT_TRUE(ean_lees_letter("2801000000001", &letter, &nummer));
     EXPECT_EQ(letter, 'E') << "a listed prefix isn't ours";
-    EXPECT_EQ(ean_toon("8711253001202", 13), "8711253001202");
-    EXPECT_EQ(ean_toon("8711253001203", 20), "8711253001203*");
-    EXPECT_EQ(ean_toon("8711253001203", 34), "8711253001203 (ongeldige EAN-code)");
+    EXPECT_EQ(ean_toon("8711253001202", 13) + ean_toon("8711253001203", 20), "87112530012028711253001203*");
 }
 
 TEST(Ean, CodesMadeReadBack) {
@@ -95,7 +86,6 @@ TEST(Ean, CodesMadeReadBack) {
         EXPECT_EQ(ean_lees_etiket(ean_etiket_kort(nummer, 8).c_str()), nummer);
         EXPECT_TRUE(ean_geldig(ean_maat(nummer).c_str()));
     }
-    EXPECT_EQ(ean_etiket('A', 1).substr(2, 2), "01");
     EXPECT_EQ(ean_maat(1), "2013000000015");
 }
 
@@ -199,42 +189,29 @@ TEST_F(Codes, EveryWriteRefusedOrTheLast) {
     ander.maat = 3;
     test::schrijf(ean, ander);
     dicht();
-    const std::string inx = test::lees_bestand("DTEAN.INX"), txt = test::lees_bestand("DTEAN.TXT"),
-                      sys = test::lees_bestand("DTSYS.TXT");
-    for (bool dood : {false, true})
-        for (int n = 0, klaar = 0; !klaar; n++) {
-            ASSERT_LT(n, 60);
-            test::schrijf_bestand("DTEAN.INX", inx);
-            test::schrijf_bestand("DTEAN.TXT", txt);
-            test::schrijf_bestand("DTSYS.TXT", sys);
-            const test::Afloop uit = in_proces([&] {
-                open();
-                ean = IXOPEN("DTEAN", 2);
-                test::echt = SYS.pwrite;
-                test::over = n;
-                test::doodgaan = dood;
-                SYS.pwrite = test::stoor;
-                const bool gelukt = eanhdl('W', ean, S, MATEN_1_3_17) && eanhdl('B', ean, S, MAAT_3);
-                SYS.pwrite = test::echt;
-                return (test::over >= 0) == gelukt ? gelukt : 9;
-            });
-            klaar = uit.status == 1;
-            ASSERT_TRUE(klaar || uit.status == (dood ? 128 + SIGKILL : 0)) << n << uit.uitvoer;
-            if (IXCHECK("DTEAN") < 0)
-                continue; // left busy by the kill: ixremake's
+    test::bij_elke_schrijf(
+        {"DTEAN.INX", "DTEAN.TXT", "DTSYS.TXT"}, 1,
+        [&] {
+            open();
             ean = IXOPEN("DTEAN", 2);
-            EXPECT_EQ(codes(ANDER), "3:00000010 ") << n;
-            if (!klaar) {
-                EXPECT_TRUE(in_proces([&] {
-                                ICB* icb = IXOPEN("DTEAN", 2);
-                                open();
-                                return eanhdl('W', icb, S, MATEN_1_3_17) ? 0 : 1;
-                            }).status == 0)
-                    << n << ": no code stays reserved";
-                EXPECT_EQ(ean_nodig(ean, S, MATEN_1_3_17), 0) << n;
-            }
+            return eanhdl('W', ean, S, MATEN_1_3_17) && eanhdl('B', ean, S, MAAT_3) ? 1 : 0;
+        },
+        [&](const test::Storing& st) {
+            EXPECT_EQ(st.status, st.klaar ? 1 : 0) << st.uitvoer;
+            if (IXCHECK("DTEAN") < 0)
+                return; // left busy by the kill: ixremake's
+            ean = IXOPEN("DTEAN", 2);
+            EXPECT_EQ(codes(ANDER), "3:00000010 ");
+            EXPECT_EQ(in_proces([&] {
+                          ICB* icb = IXOPEN("DTEAN", 2);
+                          open();
+                          return eanhdl('W', icb, S, MATEN_1_3_17) ? 0 : 1;
+                      }).status,
+                      0)
+                << "no code stays reserved";
+            EXPECT_EQ(ean_nodig(ean, S, MATEN_1_3_17), 0);
             dicht();
-        }
+        });
     ean = IXOPEN("DTEAN", 2);
 }
 
@@ -277,26 +254,6 @@ TEST_F(Codes, EnteredByHand) {
     ean = IXOPEN("DTEAN", 2);
     EXPECT_EQ(codes(S) + codes(ANDER), "3:25300122 3:25300121 ");
     EXPECT_EQ(ean_nodig(ean, ANDER, MATEN_1_3_17), 2) << "17 has lost its code to it";
-}
-
-// Two programs that draw codes at once get different ones, and nobody draws for the same size twice.
-TEST_F(Codes, TwoAtOnce) {
-    auto trek = [](int eerste) {
-        return [eerste] {
-            open();
-            ICB* icb = IXOPEN("DTEAN", 2);
-            bool goed = true;
-            for (int i = 0; i < 20; i++) {
-                const seriesleutel s{eerste, 5, static_cast<uint16_t>(i + 1)}, zelfde{1, 1, 1};
-                goed = eanhdl('W', icb, s, MATEN_1_3_17) && eanhdl('W', icb, zelfde, MAAT_3) && goed;
-            }
-            return goed;
-        };
-    };
-    test::Agent een(trek(1000));
-    const test::Afloop twee = in_proces([&] { return trek(2000)() ? 0 : 1; }, 60'000);
-    EXPECT_TRUE(een.ok() && twee.status == 0) << twee.uitvoer;
-    EXPECT_EQ(ean_over(), 99'999'999 - 121);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #pragma once
 #include "shared/syscalls.h"
 #include "store/rebuild.h"
+#include "support/proces.h"
 #include "support/terminal.h"
 #include "term/scherm.h"
 #include "term/toets.h"
@@ -24,6 +25,44 @@ inline ssize_t stoor(int fd, const void* buf, size_t n, off_t plaats) {
         raise(SIGKILL);
     errno = ENOSPC;
     return -1;
+}
+
+// A piece of work in a child, with each of its writes (or each `stap`-th) refused in turn, and then killed at each. Every
+// round begins with the files as they are now, and they are so in the end; behind each `kijk`, the last time behind one that
+// nothing disturbed (`klaar`).
+struct Storing {
+    bool dood, klaar;
+    int status; // what `doe` answered, 0 when it was killed
+    std::string uitvoer;
+};
+inline void bij_elke_schrijf(const std::vector<std::string>& bestanden, int stap,
+                             const std::function<int()>& doe,
+                             const std::function<void(const Storing&)>& kijk) {
+    constexpr int ONGESTOORD = 64;
+    std::vector<std::string> inhoud;
+    for (const std::string& b : bestanden)
+        inhoud.push_back(lees_bestand(b));
+    const auto herstel = [&] {
+        for (size_t i = 0; i < bestanden.size(); i++)
+            schrijf_bestand(bestanden[i], inhoud[i]);
+    };
+    for (bool dood : {false, true})
+        for (int n = 0, klaar = 0; !klaar; n += stap) {
+            SCOPED_TRACE((dood ? "killed at write " : "refused write ") + std::to_string(n));
+            ASSERT_LT(n, 1000);
+            const Afloop uit = in_proces([&] {
+                echt = SYS.pwrite, over = n, doodgaan = dood;
+                SYS.pwrite = stoor;
+                const int status = doe();
+                SYS.pwrite = echt;
+                return (over >= 0 ? ONGESTOORD : 0) + status;
+            });
+            const bool gedood = dood && uit.status == 128 + SIGKILL;
+            klaar = !gedood && uit.status >= ONGESTOORD;
+            ASSERT_TRUE(klaar || (dood ? gedood : uit.status >= 0)) << uit.status << uit.uitvoer;
+            kijk({dood, klaar != 0, gedood ? 0 : uit.status % ONGESTOORD, uit.uitvoer});
+            herstel();
+        }
 }
 
 // A screen with its keys typed ahead (ENTER '\n', ESC '\033', F8 '\001'), killed at each of its writes in turn and refused each:
