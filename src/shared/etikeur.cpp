@@ -259,7 +259,7 @@ bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding
             meld(tekst);
     };
     uint32_t hoogste = 0;
-    std::map<sleutelwaarde, int> zonder_serie;
+    std::map<sleutelwaarde, std::pair<std::string, int>> zonder_serie; // its first code, how many
     uint8_t buffer[IXRECMAX + 1] = {};
     eanrec rec;
     int er;
@@ -283,7 +283,7 @@ bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding
             kwaal(VORM("code %s: series %s doesn't have size %d", code.c_str(), serie_tekst(serie).c_str(),
                        rec.maat));
         else if (staat != Eanstaat::goed)
-            zonder_serie[sleutel_van(serie)]++;
+            zonder_serie.try_emplace(sleutel_van(serie), code, 0).first->second.second++;
         if (!herstel || staat != Eanstaat::weg)
             continue;
         const int vast = IXREADL(dtean, buffer);
@@ -293,9 +293,9 @@ bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding
             IXUNLOCK(dtean, buffer);
         meld("DTEAN: code " + code + " deleted, its series isn't there");
     }
-    for (const auto& [serie, aantal] : zonder_serie)
-        kwaal(VORM("%d codes of series %s, which isn't there", aantal,
-                   serie_tekst(sleutel_uit(serie)).c_str()));
+    for (const auto& [serie, codes] : zonder_serie)
+        kwaal(VORM("code %s and %d more: of series %s, which isn't there", codes.first.c_str(),
+                   codes.second - 1, serie_tekst(sleutel_uit(serie)).c_str()));
     systeller teller;
     int32_t nr = EANTELLER;
     iotab('R', &nr, &teller, SYS_RECORD);

@@ -36,6 +36,12 @@ bool zet_teller(int32_t sysrecord, int32_t laatste) {
 
 // ---- reading
 
+// Is there no such series? Its sets, blocks and codes are read behind it, and it may have been made since.
+bool ontbreekt(const Keuring& k, const seriesleutel& serie) {
+    serrec rec;
+    return !k.series.contains(sleutel_van(serie)) && !serie_lees(serie, &rec);
+}
+
 void lees_series(Keuring* k) {
     std::unordered_map<int32_t, sleutelwaarde> nummer;
     uint8_t buffer[IXRECMAX];
@@ -74,7 +80,7 @@ void lees_sets(Keuring* k) {
     const auto kwalen = ink_controle(&t, [&](const prijsset& set) {
         const sleutelwaarde serie = sleutel_van(set.serie);
         k->prijzen.push_back({serie, set.setnr, set.van, set.tot});
-        if (!k->series.contains(serie))
+        if (ontbreekt(*k, set.serie))
             weg.insert(serie);
     });
     std::ranges::sort(k->prijzen, {}, &Periode::serie);
@@ -133,6 +139,10 @@ bool lees_labels(Keuring* k) {
     for (const auto& [sleutel, n] : k->vreemde_maat)
         k->dteti.noten.push_back("series " + serie_tekst(k->series[sleutel].rec.serie) + ": " +
                                  keur_aantal(n, "labels of a size or size type that it hasn't"));
+    for (auto& b : k->eti.blokken)
+        if (b.waar == Etiblok::los && !zelfde_serie(b.serie, {}) &&
+            !k->series.contains(sleutel_van(b.serie)) && !ontbreekt(*k, b.serie))
+            b.waar = Etiblok::keten;
     std::ranges::stable_sort(k->van_orders, {}, &Orderlabels::serie);
     etikeur_einde(&k->eti, [k](const std::string& wat) { k->dteti.kwalen.push_back(wat); });
     k->dteti.verloren = k->eti.verloren;
@@ -144,7 +154,9 @@ bool lees_labels(Keuring* k) {
 Eanstaat neem_code(Keuring* k, const seriesleutel& serie, uint8_t maat) {
     const auto p = k->series.find(sleutel_van(serie));
     if (p == k->series.end())
-        return k->kwijt.contains(sleutel_van(serie)) ? Eanstaat::kwijt : Eanstaat::weg;
+        return !ontbreekt(*k, serie)                   ? Eanstaat::goed
+               : k->kwijt.contains(sleutel_van(serie)) ? Eanstaat::kwijt
+                                                       : Eanstaat::weg;
     Seriestand& s = p->second;
     if (!heeft_maat(s.rec, maat))
         return Eanstaat::andere_maat;

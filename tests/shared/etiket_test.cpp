@@ -334,11 +334,11 @@ TEST_F(Etiketten, EveryWriteRefusedOrTheLast) {
     for (const auto& w : werken) {
         SCOPED_TRACE(w.wat);
         const bool vrijgegeven = !strcmp(w.wat, "a chain freed"), weg = !strcmp(w.wat, "a label away");
-        a = a0, b = b0, c = -1;
         test::bij_elke_schrijf(
             {"DTETI.TXT", "DTSYS.TXT"}, 1,
             [&] {
                 Etiketten::open();
+                a = a0, b = b0, c = -1;
                 w.doe();
                 return (a == a0) + 2 * (c < 0);
             },
