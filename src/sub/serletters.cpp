@@ -3,6 +3,7 @@
 #include "shared/leesstam.h"
 #include "sub/teksten.h"
 #include "term/vast.h"
+#include <algorithm>
 
 namespace zg {
 namespace {
@@ -31,12 +32,6 @@ const Serieletter LETTERS[] = {
 };
 // clang-format on
 
-uint32_t getal(const serrec& rec, const Serieletter& l) {
-    uint32_t uit = 0;
-    memcpy(&uit, reinterpret_cast<const char*>(&rec) + l.plaats, l.breedte); // little-endian
-    return uit;
-}
-
 const char* tekst(const serrec& rec, const Serieletter& l) {
     return reinterpret_cast<const char*>(&rec) + l.plaats;
 }
@@ -60,7 +55,7 @@ int serie_vergelijk(const serrec& a, const serrec& b, const std::string& letters
         int v = 0;
         if (l->type == 'C')
             v = IXCOLLATE(tekst(a, *l), tekst(b, *l), l->breedte);
-        else if (const uint32_t x = getal(a, *l), y = getal(b, *l); x != y)
+        else if (const uint32_t x = serie_getal(a, *l), y = serie_getal(b, *l); x != y)
             v = x < y ? -1 : 1;
         if (v)
             return v;
@@ -68,16 +63,23 @@ int serie_vergelijk(const serrec& a, const serrec& b, const std::string& letters
     return 0;
 }
 
-size_t serie_sleuteldelen(const ICB* icb, int sleutel, const std::string& letters) {
+std::string serie_sleutelletters(const ICB* icb, int sleutel) {
     const IXKEYDEF& def = icb->h.keydef[sleutel - 1];
-    size_t n = 0;
-    for (; n < letters.size() && n < IXDELEN; n++) {
-        const Serieletter* l = serieletter(letters[n]);
-        if (!l || def.ptype[n] != l->type || !l->type || def.pstart[n] != l->plaats + 1 ||
-            def.pend[n] != l->plaats + l->breedte)
-            break;
+    std::string uit;
+    for (size_t n = 0; n < IXDELEN && def.ptype[n]; n++) {
+        const auto l = std::ranges::find_if(LETTERS, [&](const Serieletter& x) {
+            return x.type && def.ptype[n] == x.type && def.pstart[n] == x.plaats + 1 &&
+                   def.pend[n] == x.plaats + x.breedte;
+        });
+        uit += l == std::end(LETTERS) ? '?' : l->letter;
     }
-    return n;
+    return uit;
+}
+
+uint32_t serie_getal(const serrec& rec, const Serieletter& l) {
+    uint32_t uit = 0;
+    memcpy(&uit, reinterpret_cast<const char*>(&rec) + l.plaats, l.breedte); // little-endian
+    return uit;
 }
 
 std::string serie_waarde(const serrec& rec, char letter) {
@@ -96,7 +98,7 @@ std::string serie_waarde(const serrec& rec, char letter) {
         return rec.doelgroep ? std::string(1, rec.doelgroep) : "";
     if (l->type == 'C')
         return std::string(VASTTRIM({tekst(rec, *l), strnlen(tekst(rec, *l), l->breedte)}));
-    snprintf(uit, sizeof uit, "%u", getal(rec, *l));
+    snprintf(uit, sizeof uit, "%u", serie_getal(rec, *l));
     return uit;
 }
 

@@ -20,8 +20,9 @@ extern const std::span<const Serieletter> SERIELETTERS;
 const Serieletter* serieletter(char letter); // null for none
 // The fields of two records in the order of the letters, as a key has them: below 0, 0, above 0. `aantal` of them.
 int serie_vergelijk(const serrec& a, const serrec& b, const std::string& letters, size_t aantal);
-// How many of the letters a key of the file begins with.
-size_t serie_sleuteldelen(const ICB* icb, int sleutel, const std::string& letters);
+// The letters of a key's parts, '?' for one that has none.
+std::string serie_sleutelletters(const ICB* icb, int sleutel);
+uint32_t serie_getal(const serrec& rec, const Serieletter& l); // of type 'I'
 // What a list shows of a field.
 std::string serie_waarde(const serrec& rec, char letter);
 

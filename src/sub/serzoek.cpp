@@ -24,14 +24,30 @@ namespace {
 
 struct Beste {
     int sleutel;
-    size_t delen;
+    size_t delen; // letters that it begins with
+    char
+        ertussen; // a number behind them that the letters have later; but for it theirs is the key's order. 0: none
 };
 
+char ertussen(const std::string& van_sleutel, const std::string& letters, size_t delen) {
+    std::string rest = letters.substr(delen);
+    const size_t waar = delen < van_sleutel.size() ? rest.find(van_sleutel[delen]) : std::string::npos;
+    if (waar == std::string::npos || serieletter(rest[waar])->type != 'I')
+        return 0;
+    rest.erase(waar, 1);
+    return van_sleutel.substr(delen + 1) == rest ? van_sleutel[delen] : '\0';
+}
+
 Beste beste_sleutel(const std::string& letters) {
-    Beste uit{1, 0};
-    for (int k = 1; k <= dtser->h.nkeys; k++)
-        if (const size_t n = serie_sleuteldelen(dtser, k, letters); n > uit.delen)
-            uit = {k, n};
+    Beste uit{1, 0, 0};
+    for (int k = 1; k <= dtser->h.nkeys; k++) {
+        const std::string van_sleutel = serie_sleutelletters(dtser, k);
+        size_t n = 0;
+        while (n < letters.size() && n < van_sleutel.size() && letters[n] == van_sleutel[n])
+            n++;
+        if (n > uit.delen)
+            uit = {k, n, ertussen(van_sleutel, letters, n)};
+    }
     return uit;
 }
 
@@ -45,23 +61,69 @@ serrec begin_van(const serrec& rec, const std::string& letters, size_t n) {
     return uit;
 }
 
-// The first series at or behind `zoek` in the order of the letters; false when there is none.
-bool eerste_vanaf(const serrec& zoek, const std::string& letters, serrec* uit) {
-    const Beste k = beste_sleutel(letters);
-    const Sleutelstand stand(dtser, k.sleutel);
-    const bool heel = k.delen == letters.size();
-    const serrec van = begin_van(zoek, letters, k.delen);
-    uint8_t buffer[IXRECMAX] = {};
-    memcpy(buffer, &van, sizeof van);
-    serrec rec, groep{};
-    bool er_is = false, gevonden = false;
-    int rest = dtser->h.nrecs + 1;
-    for (int er = IXFIRSTR(dtser, buffer, 0); er == 1 && rest > 0; rest--) {
-        stam_uit(buffer, dtser->h.reclen, &rec);
-        if (er_is && gevonden && serie_vergelijk(rec, groep, letters, k.delen) != 0)
+void zet_getal(serrec* rec, const Serieletter& l, uint32_t waarde) {
+    memcpy(reinterpret_cast<char*>(rec) + l.plaats, &waarde, l.breedte); // little-endian
+}
+
+// The record of the key in force from `plek` on.
+bool eerste_record(const serrec& plek, uint8_t* buffer, serrec* rec) {
+    memset(buffer, 0, IXRECMAX);
+    memcpy(buffer, &plek, sizeof plek);
+    const bool er = IXFIRSTR(dtser, buffer, 0) == 1;
+    stam_uit(buffer, dtser->h.reclen, rec);
+    return er;
+}
+
+// By a key with a number in between: of each of its values the first that isn't before `zoek`.
+bool eerste_per_waarde(const serrec& zoek, const std::string& letters, const Beste& k, serrec* uit) {
+    const Serieletter& l = *serieletter(k.ertussen);
+    const auto ervoor = [&](const serrec& a, const serrec& b) {
+        return serie_vergelijk(a, b, letters, letters.size()) < 0;
+    };
+    uint8_t buffer[IXRECMAX];
+    serrec rec, plek = begin_van(zoek, letters, k.delen);
+    bool gevonden = false;
+    for (int rest = dtser->h.nrecs; rest > 0 && eerste_record(plek, buffer, &rec); rest--) {
+        if (gevonden && serie_vergelijk(rec, *uit, letters, k.delen) != 0)
             break; // all that have the same beginning have been seen
-        groep = rec;
-        er_is = true;
+        const serrec eerste = rec;
+        const uint32_t waarde = serie_getal(eerste, l);
+        const auto erbij = [&] {
+            return serie_getal(rec, l) == waarde && serie_vergelijk(rec, eerste, letters, k.delen) == 0;
+        };
+        bool er = true;
+        if (ervoor(rec, zoek)) {
+            plek = zoek;
+            zet_getal(&plek, l, waarde);
+            er = eerste_record(plek, buffer, &rec);
+        }
+        for (; er && erbij() && ervoor(rec, zoek); rest--) {
+            er = IXNEXT(dtser, buffer) == 1;
+            stam_uit(buffer, dtser->h.reclen, &rec);
+        }
+        if (er && erbij() && (!gevonden || ervoor(rec, *uit))) {
+            *uit = rec;
+            gevonden = true;
+        }
+        plek = begin_van(eerste, letters, k.delen);
+        zet_getal(&plek, l, waarde + 1);
+        if (serie_getal(plek, l) <= waarde)
+            break; // it was the highest
+    }
+    return gevonden;
+}
+
+// All that have the beginning that the key has.
+bool eerste_van_begin(const serrec& zoek, const std::string& letters, const Beste& k, serrec* uit) {
+    const bool heel = k.delen == letters.size();
+    uint8_t buffer[IXRECMAX];
+    serrec rec, vorige{};
+    bool gevonden = false;
+    int rest = dtser->h.nrecs + 1;
+    for (bool er = eerste_record(begin_van(zoek, letters, k.delen), buffer, &rec); er && rest > 0; rest--) {
+        if (gevonden && serie_vergelijk(rec, vorige, letters, k.delen) != 0)
+            break;
+        vorige = rec;
         if (serie_vergelijk(rec, zoek, letters, letters.size()) >= 0 &&
             (!gevonden || serie_vergelijk(rec, *uit, letters, letters.size()) < 0)) {
             *uit = rec;
@@ -69,9 +131,17 @@ bool eerste_vanaf(const serrec& zoek, const std::string& letters, serrec* uit) {
             if (heel)
                 break;
         }
-        er = IXNEXT(dtser, buffer);
+        er = IXNEXT(dtser, buffer) == 1;
+        stam_uit(buffer, dtser->h.reclen, &rec);
     }
     return gevonden;
+}
+
+// The first series at or behind `zoek` in the order of the letters; false when there is none.
+bool eerste_vanaf(const serrec& zoek, const std::string& letters, serrec* uit) {
+    const Beste k = beste_sleutel(letters);
+    const Sleutelstand stand(dtser, k.sleutel);
+    return k.ertussen ? eerste_per_waarde(zoek, letters, k, uit) : eerste_van_begin(zoek, letters, k, uit);
 }
 
 // ---- the fields
@@ -82,10 +152,6 @@ struct Veld {
 };
 
 enum class Ingave { weg, lijst, onbekend, waarde };
-
-void zet_getal(serrec* rec, const Serieletter& l, int32_t waarde) {
-    memcpy(reinterpret_cast<char*>(rec) + l.plaats, &waarde, l.breedte); // little-endian
-}
 
 void zet_tekst(serrec* rec, const Serieletter& l, const char* waarde) {
     char* naar = reinterpret_cast<char*>(rec) + l.plaats;
@@ -144,7 +210,7 @@ Ingave vraag(int rij, const Veld& v, bool leeg, serrec* rec) {
     else if (getypt)
         zet_tekst(rec, l, tekst);
     else
-        zet_getal(rec, l, strchr(l.formaat, 'l') ? groot : klein);
+        zet_getal(rec, l, strchr(l.formaat, 'l') ? static_cast<uint32_t>(groot) : klein);
     return Ingave::waarde;
 }
 

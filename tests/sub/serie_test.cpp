@@ -374,7 +374,7 @@ TEST_F(Verwijder, KilledAndRefusedAtEachWrite) {
     };
     int keren = 0;
     test::bij_elke_schrijf(namen, 7, verwijder, [&](const test::Storing& st) { // some 400 writes
-        EXPECT_EQ(st.status, st.klaar) << st.uitvoer;
+        EXPECT_TRUE(st.status == st.klaar || st.uitvoer.starts_with("DTSYS")) << st.uitvoer; // the user's slot
         keren++;
         for (const std::string& p : paren) {
             EXPECT_TRUE(st.dood || IXCHECK(p.c_str()) >= 0) << p;
@@ -495,6 +495,8 @@ TEST_F(Zoek, ByTheLettersOfAKey) {
             {"nord<Enter>kjole<Enter><Enter><Enter><Enter>", "1110.14.1"},
             {"kr<Enter>kro<Enter><Enter><Enter><Enter><Enter>", "1110.20.1"}, // two begin with kr
             {"nord<Enter>c<Enter><Enter><Enter><Enter>", "1110.14.1"},
+            {"nord<Enter>kjole<Enter>1200<Enter><Enter><Enter>",
+             "1110.14.3"},                // none of that group: the next name
             {"krju<Enter><Esc>", "none"}, // none of it or behind it: asked again
         });
     Gesprek t([] { return zoek("AKV"); });
