@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
+#include <unordered_map>
 
 namespace zg {
 namespace {
@@ -56,16 +57,17 @@ Prijsuit zet_prijzen(const prijswerk& noot, const prijsserie& p, const serrec& r
 
 Prijsuit zet_etiketten(const prijswerk& noot, const prijsserie& p, const serrec& rec) {
     Prijsuit uit = Prijsuit::goed;
+    std::unordered_map<int32_t, etiket> keten; // of a damaged one what there is of it
+    etiketten_loop(rec, [&](int32_t nummer, const etiket& label) { keten.emplace(nummer, label); });
     std::vector<std::pair<genummerd, etiket>> doen;
     for (const prijsetiket& e : p.etiketten) {
-        genummerd nu{e.nummer, {}};
-        int32_t nr = e.nummer;
-        if (!ioeti('R', &nr, &nu.label) || !zelfde_serie(nu.label.serie, p.serie) ||
-            nu.label.leverancier != noot.leverancier || nu.label.orderdatum != noot.orderdatum ||
-            nu.label.maat != e.maat) {
+        const auto er = keten.find(e.nummer);
+        if (er == keten.end() || er->second.leverancier != noot.leverancier ||
+            er->second.orderdatum != noot.orderdatum || er->second.maat != e.maat) {
             uit = Prijsuit::anders;
             continue;
         }
+        const genummerd nu{e.nummer, er->second};
         const prijsstand stand = {nu.label.inkoop, nu.label.prijs};
         if (gelijk(stand, e.wordt))
             continue;

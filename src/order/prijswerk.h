@@ -6,6 +6,8 @@
 #pragma once
 #include "shared/ioink.h"
 #include "shared/registerrec.h"
+#include <array>
+#include <map>
 #include <string>
 
 namespace zg {
@@ -51,8 +53,12 @@ bool prijswerk_lees(const std::string& pad, prijswerk* noot);
 bool prijswerk_afmaken();
 
 // registerprijs.cpp, for both kinds of change. A label's purchase value at the rate that its old one tells; as it was where
-// that tells none.
-int32_t label_inkoop(const char* valuta, int32_t netto_was, int32_t inkoop_was, int32_t netto);
+// that tells none. Many labels have the same: what was worked out is kept as long as the value lives.
+struct inkoopvolger {
+    std::string valuta;
+    std::map<std::array<int32_t, 3>, int32_t> bekend = {};
+    int32_t volgt(int32_t netto_was, int32_t inkoop_was, int32_t netto);
+};
 // Narrow the period of a changed set to the order's day and those beside it on which the supplier has no labels. False:
 // the chain is damaged, told.
 bool prijs_periode(const serrec& serie, prijsset* set);

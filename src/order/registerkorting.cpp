@@ -13,6 +13,7 @@
 #include "term/prompt.h"
 #include <algorithm>
 #include <cstring>
+#include <set>
 
 namespace zg {
 namespace {
@@ -40,14 +41,13 @@ bool bereken(const serrec& serie, double verhouding, prijsserie* p) {
             g.netto = netto_met(g.netto, verhouding);
         up_vul(&netto, g.maten, g.netto);
     }
-    const std::string valuta = valuta_of_thuis(std::string(p->was.valuta, sizeof p->was.valuta).c_str());
+    inkoopvolger inkoop{valuta_of_thuis(std::string(p->was.valuta, sizeof p->was.valuta).c_str())};
     const bool heel = etiketten_loop(serie, [&](int32_t nummer, const etiket& label) {
         if (!label_van_datum(label) || label.maat < 1 || label.maat > MATEN)
             return;
         prijsetiket e{nummer, label.maat, {label.inkoop, label.prijs}, {label.inkoop, label.prijs}};
         if (netto[label.maat] != netto_was[label.maat])
-            e.wordt.inkoop =
-                label_inkoop(valuta.c_str(), netto_was[label.maat], label.inkoop, netto[label.maat]);
+            e.wordt.inkoop = inkoop.volgt(netto_was[label.maat], label.inkoop, netto[label.maat]);
         if (e.wordt.inkoop != label.inkoop)
             p->etiketten.push_back(e);
     });
@@ -58,6 +58,7 @@ bool bereken(const serrec& serie, double verhouding, prijsserie* p) {
 bool bereken_order(int16_t was, prijswerk* noot, std::vector<std::string>* anders) {
     const double verhouding = (kop.korting + 10000.0) / (was + 10000.0);
     bool past = true;
+    std::set<sleutelwaarde> al;
     regels_loop([&](int32_t nr, const orderregel* regel) {
         if (!regel) {
             anders->push_back(regel_naam(nr, regel));
@@ -67,9 +68,7 @@ bool bereken_order(int16_t was, prijswerk* noot, std::vector<std::string>* ander
         p.serie = regel_serie(*regel);
         p.regel = nr;
         serrec serie;
-        const bool al = std::ranges::any_of(
-            noot->series, [&](const prijsserie& x) { return zelfde_serie(x.serie, p.serie); });
-        if (al || !past)
+        if (al.contains(sleutel_van(p.serie)) || !past)
             return;
         if (!serie_neem(p.serie, &serie) || !van_regel(serie, *regel) || !bereken(serie, verhouding, &p)) {
             anders->push_back(prijswerk_naam(p));
@@ -77,6 +76,7 @@ bool bereken_order(int16_t was, prijswerk* noot, std::vector<std::string>* ander
         }
         p.nummer = serie.nummer;
         past = prijzen_passen(p);
+        al.insert(sleutel_van(p.serie));
         noot->series.push_back(std::move(p));
     });
     serie_los();

@@ -125,7 +125,7 @@ bool bereken_set(const orderregel& regel, const serrec& serie, prijsserie* p) {
 
 // What each label of the order's supplier and date becomes. False: damaged, told.
 bool bereken_etiketten(const orderregel& regel, const serrec& serie, const prijsrijen& oud, prijsserie* p) {
-    const std::string valuta = valuta_of_thuis(regel.aankoop.valuta);
+    inkoopvolger inkoop{valuta_of_thuis(regel.aankoop.valuta)};
     const bool heel = etiketten_loop(serie, [&](int32_t nummer, const etiket& label) {
         if (!label_van_datum(label) || label.maat < 1 || label.maat > MATEN)
             return;
@@ -135,8 +135,7 @@ bool bereken_etiketten(const orderregel& regel, const serrec& serie, const prijs
         if (netto != netto_was && up_lees(regel.prijzen.netto, label.maat) > 0) {
             // A size that had no price tells no rate: the line's own then.
             const bool zonder = opgeslagen(netto_was) == 1;
-            e.wordt.inkoop =
-                zonder ? nu.inkoop : label_inkoop(valuta.c_str(), netto_was, label.inkoop, netto);
+            e.wordt.inkoop = zonder ? nu.inkoop : inkoop.volgt(netto_was, label.inkoop, netto);
         }
         if (label.status == ETI_ORDER && !label.met_de_hand && maat_in(regel.dessin.maten, label.maat))
             e.wordt.prijs = nu.advies;
@@ -159,11 +158,15 @@ bool op_andere_order(const serrec& serie) {
     return ander;
 }
 
-int32_t label_inkoop(const char* valuta, int32_t netto_was, int32_t inkoop_was, int32_t netto) {
+int32_t inkoopvolger::volgt(int32_t netto_was, int32_t inkoop_was, int32_t netto) {
     if (netto_was < 1 || inkoop_was < 1 || netto < 1)
         return inkoop_was;
-    const double koers = koers_vernauwen(valuta, netto_was, inkoop_was, 10000);
-    return naar_thuis_factor(netto, valuta, koers, 10000);
+    const auto [p, nieuw] = bekend.try_emplace({netto_was, inkoop_was, netto}, 0);
+    if (nieuw) {
+        const double koers = koers_vernauwen(valuta.c_str(), netto_was, inkoop_was, 10000);
+        p->second = naar_thuis_factor(netto, valuta.c_str(), koers, 10000);
+    }
+    return p->second;
 }
 
 bool prijs_periode(const serrec& serie, prijsset* set) {
