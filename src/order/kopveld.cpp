@@ -258,8 +258,9 @@ bool zonder_regels() {
 bool vrij() {
     return eerste_kop || !registermodus || zonder_regels();
 }
+// Labels have the date of their order; a line that can't be read may have some.
 bool datum_vrij() {
-    return vrij() || ordertotaal.stuks == 0; // labels have the date of their order
+    return vrij() || (ordertotaal.stuks == 0 && regels_leesbaar());
 }
 bool korting_vrij() {
     // With 100 % off, stored by others, no price can be computed back.

@@ -46,5 +46,7 @@ void regel_totaal(const orderregel& regel, const int32_t* besteld, ordertotalen*
 void order_totaal_bij(char teken, const ordertotalen& totaal);
 // Rebuild ordertotaal, in the context of `kop`, by reading every line; the cursor's line isn't touched.
 void order_totalen();
+// Can all lines of the order be read? One whose series has gone can.
+bool regels_leesbaar();
 
 } // namespace zg

@@ -94,14 +94,16 @@ Inhoud laad_inhoud(orderregel* regel, labelsom* som = nullptr) {
 }
 
 // A series without the set of its order. A kill leaves it so in front of its labels, and the line has the prices that it
-// was to get; with labels of that supplier and date the set was lost, with what has changed since. Told.
+// was to get; with labels of that supplier and date the set was lost, with what has changed since. Told, unless another is
+// at work on it, who deletes it, say: what comes of that is on the next repaint.
 Serie zonder_set(orderregel* regel) {
     bool besteld = false;
     const bool heel = etiketten_loop(
         regel->serie, [&](int32_t, const etiket& label) { besteld = besteld || label_van_datum(label); });
     const bool eigen = heel && !besteld && regel_prijzen_uit_opslag(regel);
-    ioink_ontbreekt("omserie", regel->serie.serie, kop.leverancier, kop.orderdatum,
-                    TXT(eigen ? T_REG_PRIJS_ORDER : T_REGEL_ONTOEGANKELIJK));
+    if (!serie_elders_in_hand(regel->serie.serie))
+        ioink_ontbreekt("omserie", regel->serie.serie, kop.leverancier, kop.orderdatum,
+                        TXT(eigen ? T_REG_PRIJS_ORDER : T_REGEL_ONTOEGANKELIJK));
     return eigen ? Serie::gelezen : Serie::zonder_prijs;
 }
 

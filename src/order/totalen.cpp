@@ -4,6 +4,7 @@
 #include "order/register.h"
 #include "price/ing_val.h"
 #include <algorithm>
+#include <functional>
 
 namespace zg {
 
@@ -49,21 +50,38 @@ void order_totaal_bij(char teken, const ordertotalen& totaal) {
     bij(&ordertotaal.inkoop, totaal.inkoop);
 }
 
-void order_totalen() {
-    order_prijscontext();
-    ordertotaal = {};
+namespace {
+
+void regels(const std::function<void(const orderregel* regel, Serie serie, const labelsom& som)>& doe) {
     regelloop loop;
     regelloop_begin(&loop);
     orderregel regel;
     Serie serie;
     labelsom som;
     ors_ingang ingang{};
-    for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang)) {
+    for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang))
+        doe(regel_som(&loop, ingang, &regel, &serie, &som) ? &regel : nullptr, serie, som);
+}
+
+} // namespace
+
+void order_totalen() {
+    order_prijscontext();
+    ordertotaal = {};
+    regels([](const orderregel* regel, Serie, const labelsom& som) {
         ordertotalen totaal{};
-        if (regel_som(&loop, ingang, &regel, &serie, &som))
-            regel_totaal(regel, som.besteld, &totaal);
+        if (regel)
+            regel_totaal(*regel, som.besteld, &totaal);
         order_totaal_bij('+', totaal); // a line that can't be loaded counts as a line
-    }
+    });
+}
+
+bool regels_leesbaar() {
+    bool alle = true;
+    regels([&alle](const orderregel* regel, Serie serie, const labelsom&) {
+        alle = alle && regel && serie != Serie::stuk;
+    });
+    return alle;
 }
 
 } // namespace zg

@@ -230,15 +230,18 @@ void verdeel_maat(Maatdeling& d) {
     d.geef_rest(d.over);
 }
 
-// The pieces of the other lines of the model where the register holds them.
+// The pieces of the other lines of the model where the register holds them. What is of another model is known without its
+// labels.
 void herbouw_register(const orderregel& regel, const ors_ingang* eigen) {
     regelloop loop;
     regelloop_begin(&loop);
     orderregel ander;
+    Serie serie;
+    labelsom som;
     ors_ingang in{};
     for (bool er = ors_lees('F', &in); er; er = ors_lees('N', &in))
-        if (!(eigen && eigen->d == in.d) && regel_volledig(&loop, in, &ander) &&
-            zelfde_model(ander.model, regel.model))
+        if (!(eigen && eigen->d == in.d) && regel_som(&loop, in, &ander, &serie, &som) &&
+            zelfde_model(ander.model, regel.model) && regel_volledig(&loop, in, &ander))
             regel_besteld(ander, [](const levcel& cel) { verdeel_boek(cel.filiaal, cel.maat, cel.aantal); });
 }
 

@@ -171,6 +171,16 @@ bool serie_vast(const seriesleutel& sleutel) {
     return hand.vast && zelfde_serie(hand.sleutel, sleutel);
 }
 
+bool serie_elders_in_hand(const seriesleutel& sleutel) {
+    if (serie_vast(sleutel))
+        return false;
+    const Sleutelstand k1(dtser);
+    const int gelezen = IXREADT(dtser, Seriebuffer(sleutel).rec);
+    if (gelezen >= 0)
+        IXUNLOCK(dtser, Seriebuffer(sleutel).rec);
+    return gelezen < 0;
+}
+
 bool serie_schrijf(const serrec& rec) {
     const seriesleutel sleutel = rec.serie;
     const bool nieuw = serie_gereserveerd(sleutel);

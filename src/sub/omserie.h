@@ -36,6 +36,8 @@ bool serie_neem(const seriesleutel& sleutel, serrec* rec);
 // Give the lock in hand up, with the mutations that were collected under it; nothing to do without.
 void serie_los();
 bool serie_vast(const seriesleutel& sleutel); // is it the one in hand?
+// Has another program this series in hand at the moment? For a reader that meets it half changed.
+bool serie_elders_in_hand(const seriesleutel& sleutel);
 // Write the record of the series in hand, or the new one of the number that is reserved, which is then in hand. The lock
 // stays. False: refused, told; lock or reservation stay. Neither in hand nor reserved: omserie INTERNAL 1.
 bool serie_schrijf(const serrec& rec);

@@ -287,6 +287,37 @@ TEST_F(Registerprijs, WaitsForALockedLine) {
     EXPECT_EQ(korting_in("JRN"), -500);
 }
 
+// A series that is being deleted has lost its set before its record: no reader calls that damage.
+TEST_F(Registerprijs, AReaderBesideADeletion) {
+    serrec s;
+    ASSERT_TRUE(serie_neem(serie(2), &s));
+    maat_aan(s.maten, 3);
+    EXPECT_TRUE(serie_schrijf(s));
+    serie_los();
+    EXPECT_TRUE(ioink_deleteall(serie(2)));
+    ASSERT_TRUE(kies(0));
+    auto gezegd = [] {
+        orderregel regel;
+        testing::internal::CaptureStderr();
+        EXPECT_TRUE(regel_lees(regel_op(2), &regel));
+        EXPECT_EQ(serie_laad(&regel, false, false), Serie::gelezen);
+        return testing::internal::GetCapturedStderr();
+    };
+    {
+        Agent houder([] {
+            Systeem::open();
+            register_sluit();
+            register_open();
+            serrec rec;
+            return serie_neem(serie(2), &rec);
+        });
+        ASSERT_TRUE(houder.ok());
+        EXPECT_EQ(gezegd(), "");
+    }
+    EXPECT_NE(gezegd().find("prijsset niet aanwezig"), std::string::npos);
+    EXPECT_TRUE(sluit());
+}
+
 // `doe` with its n-th call of the system the last one, or refused; then the supplier is chosen again. Sets and labels are
 // as before or as they are to be, also where it was told that nothing changed or that all did.
 void elke_storing(const std::function<bool()>& doe, const std::string& oud, const std::string& nieuw,
