@@ -1,23 +1,100 @@
-// The linker leads the store's calls through here (--wrap).
 #include "bench/spoor.h"
-#include "bench/bank.h"
-#include <cstdarg>
+#include "shared/syscalls.h"
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <fcntl.h>
 #include <map>
-#include <sys/stat.h>
+#include <set>
 #include <unistd.h>
 
 namespace spoor {
 namespace {
 
-bool aan;
+using zg::SYS;
+
+zg::SYSCALLS echt;
 std::vector<Aanroep> lijst;
 
-void noteer(Soort soort, int fd, int64_t plaats, int64_t n, int8_t letter = 0, bool vraag = false) {
-    if (aan)
-        lijst.push_back({soort, letter, vraag, fd, plaats, n});
+void eis(bool goed, const std::string& bestand) {
+    if (goed)
+        return;
+    perror(bestand.c_str());
+    exit(2);
+}
+
+const char* bewaar(const char* naam) {
+    static std::set<std::string> namen;
+    return namen.insert(naam).first->c_str();
+}
+
+void noteer(Soort soort, int fd, int64_t plaats = 0, size_t n = 0) {
+    lijst.push_back({soort, 0, 0, fd, plaats, static_cast<int64_t>(n), nullptr, nullptr});
+}
+void noteer_naam(Soort soort, int fd, int64_t vlaggen, const char* pad, const char* nu = "") {
+    lijst.push_back({soort, 0, 0, fd, vlaggen, 0, bewaar(pad), bewaar(nu)});
+}
+
+// Descriptors as they were, by those in use now.
+struct Fds {
+    std::map<int32_t, int> nu;
+    int van(int32_t fd) const {
+        const auto p = nu.find(fd);
+        return p == nu.end() ? -1 : p->second;
+    }
+};
+
+void doe(const Aanroep& a, Fds* fds) {
+    static char buffer[1 << 20];
+    const int fd = fds->van(a.fd);
+    const size_t n = std::min(static_cast<size_t>(a.n), sizeof buffer);
+    struct stat s;
+    switch (a.soort) {
+    case OPEN:
+        fds->nu[a.fd] = open(a.pad, static_cast<int>(a.plaats), 0660);
+        break;
+    case SLUIT:
+        close(fd);
+        fds->nu.erase(a.fd);
+        break;
+    case LEES:
+        (void)!pread(fd, buffer, n, a.plaats);
+        break;
+    case SCHRIJF:
+        (void)!pwrite(fd, buffer, n, a.plaats);
+        break;
+    case LEES_VERDER:
+        (void)!read(fd, buffer, n);
+        break;
+    case SCHRIJF_VERDER:
+        (void)!write(fd, buffer, n);
+        break;
+    case SLOT: {
+        struct flock slot {};
+        slot.l_type = a.letter;
+        slot.l_whence = SEEK_SET;
+        slot.l_start = a.plaats;
+        slot.l_len = a.n;
+        fcntl(fd, a.opdracht, &slot);
+        break;
+    }
+    case STAT:
+        fstat(fd, &s);
+        break;
+    case LENGTE:
+        (void)!ftruncate(fd, a.plaats);
+        break;
+    case SYNC:
+        fsync(fd);
+        break;
+    case HERNOEM:
+        (void)!rename(a.pad, a.nu);
+        break;
+    case WIS:
+        unlink(a.pad);
+        break;
+    }
 }
 
 } // namespace
@@ -25,21 +102,73 @@ void noteer(Soort soort, int fd, int64_t plaats, int64_t n, int8_t letter = 0, b
 void begin() {
     lijst.clear();
     lijst.reserve(1 << 20);
-    aan = true;
+    echt = SYS;
+    SYS.open = [](const char* pad, int vlaggen, mode_t mode) {
+        const int fd = echt.open(pad, vlaggen, mode);
+        if (fd >= 0)
+            noteer_naam(OPEN, fd, vlaggen, pad);
+        return fd;
+    };
+    SYS.close = [](int fd) {
+        noteer(SLUIT, fd);
+        return echt.close(fd);
+    };
+    SYS.read = [](int fd, void* b, size_t n) {
+        noteer(LEES_VERDER, fd, 0, n);
+        return echt.read(fd, b, n);
+    };
+    SYS.write = [](int fd, const void* b, size_t n) {
+        noteer(SCHRIJF_VERDER, fd, 0, n);
+        return echt.write(fd, b, n);
+    };
+    SYS.pread = [](int fd, void* b, size_t n, off_t o) {
+        noteer(LEES, fd, o, n);
+        return echt.pread(fd, b, n, o);
+    };
+    SYS.pwrite = [](int fd, const void* b, size_t n, off_t o) {
+        noteer(SCHRIJF, fd, o, n);
+        return echt.pwrite(fd, b, n, o);
+    };
+    SYS.ftruncate = [](int fd, off_t o) {
+        noteer(LENGTE, fd, o);
+        return echt.ftruncate(fd, o);
+    };
+    SYS.fsync = [](int fd) {
+        noteer(SYNC, fd);
+        return echt.fsync(fd);
+    };
+    SYS.fstat = [](int fd, struct stat* st) {
+        noteer(STAT, fd);
+        return echt.fstat(fd, st);
+    };
+    SYS.rename = [](const char* van, const char* naar) {
+        noteer_naam(HERNOEM, -1, 0, van, naar);
+        return echt.rename(van, naar);
+    };
+    SYS.unlink = [](const char* pad) {
+        noteer_naam(WIS, -1, 0, pad);
+        return echt.unlink(pad);
+    };
+    SYS.slot = [](int fd, int opdracht, struct flock* g) {
+        noteer(SLOT, fd, g->l_start, static_cast<size_t>(g->l_len));
+        lijst.back().letter = static_cast<int8_t>(g->l_type);
+        lijst.back().opdracht = static_cast<int16_t>(opdracht);
+        return echt.slot(fd, opdracht, g);
+    };
 }
 
 std::vector<Aanroep> einde() {
-    aan = false;
+    SYS = echt;
     return std::move(lijst);
 }
 
 void kopieer(const std::string& van, const std::string& naar) {
     int in = open(van.c_str(), O_RDONLY | O_CLOEXEC),
         uit = open(naar.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0660);
-    bank::eis(in >= 0 && uit >= 0, "open", van.c_str());
+    eis(in >= 0 && uit >= 0, van);
     char blok[4096];
     for (ssize_t n; (n = read(in, blok, sizeof blok)) > 0;)
-        bank::eis(write(uit, blok, static_cast<size_t>(n)) == n, "write", naar.c_str());
+        eis(write(uit, blok, static_cast<size_t>(n)) == n, naar);
     // `in` has no lock of the store on it at this moment, which closing it would drop.
     close(in);
     close(uit);
@@ -52,104 +181,31 @@ void koel() {
     asm volatile("" : : "r"(vuil.data()) : "memory");
 }
 
+double klok() {
+    struct timespec t;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
 double herhaal(const std::vector<Aanroep>& calls, const std::vector<Naar>& naar) {
-    std::map<int32_t, int> fds;
-    for (const Naar& n : naar) {
-        int fd = open(n.kopie.c_str(), O_RDWR | O_CLOEXEC);
-        bank::eis(fd >= 0, "open", n.kopie.c_str());
-        fds[n.van] = fd;
-    }
-    std::vector<Aanroep> eigen = calls;
-    for (Aanroep& a : eigen)
-        a.fd = fds.at(a.fd);
+    Fds fds;
     static char buffer[1 << 20];
-    struct stat s;
-    auto klok = [] {
-        struct timespec t;
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
-    };
-    for (auto& f : fds) // the copies are to be as warm as what they were copied from
-        for (off_t o = 0; pread(f.second, buffer, sizeof buffer, o) > 0;
+    for (const Naar& n : naar) {
+        const int fd = open(n.kopie.c_str(), O_RDWR | O_CLOEXEC);
+        eis(fd >= 0, n.kopie);
+        fds.nu[n.van] = fd;
+        for (off_t o = 0; pread(fd, buffer, sizeof buffer, o) > 0; // as warm as what it was copied from
              o += static_cast<off_t>(sizeof buffer))
             ;
+    }
     koel();
     const double t = klok();
-    for (const Aanroep& a : eigen) {
-        switch (a.soort) {
-        case LEES:
-            (void)!pread(a.fd, buffer, static_cast<size_t>(a.n), a.plaats);
-            break;
-        case SCHRIJF:
-            (void)!pwrite(a.fd, buffer, static_cast<size_t>(a.n), a.plaats);
-            break;
-        case SLOT: {
-            struct flock slot {};
-            slot.l_type = a.letter;
-            slot.l_whence = SEEK_SET;
-            slot.l_start = a.plaats;
-            slot.l_len = a.n;
-            fcntl(a.fd, a.vraag ? F_GETLK : F_SETLK, &slot);
-            break;
-        }
-        case STAT:
-            fstat(a.fd, &s);
-            break;
-        case LENGTE:
-            (void)!ftruncate(a.fd, a.plaats);
-            break;
-        default:
-            break;
-        }
-    }
+    for (const Aanroep& a : calls)
+        doe(a, &fds);
     const double duur = klok() - t;
-    for (auto& f : fds)
+    for (const auto& f : fds.nu)
         close(f.second);
     return duur;
 }
 
 } // namespace spoor
-
-extern "C" {
-
-#define OMWEG(naam, uit, parameters, argumenten, aantekening)                                                \
-    uit __real_##naam parameters;                                                                            \
-    uit __wrap_##naam parameters {                                                                           \
-        spoor::aantekening;                                                                                  \
-        return __real_##naam argumenten;                                                                     \
-    }
-#define OMWEGEN(naam, uit, parameters, argumenten, aantekening)                                              \
-    OMWEG(naam, uit, parameters, argumenten, aantekening)                                                    \
-    OMWEG(naam##64, uit, parameters, argumenten, aantekening)
-
-OMWEGEN(pread, ssize_t, (int fd, void* p, size_t n, off_t o), (fd, p, n, o),
-        noteer(spoor::LEES, fd, o, static_cast<int64_t>(n)))
-OMWEGEN(pwrite, ssize_t, (int fd, const void* p, size_t n, off_t o), (fd, p, n, o),
-        noteer(spoor::SCHRIJF, fd, o, static_cast<int64_t>(n)))
-OMWEGEN(fstat, int, (int fd, struct stat* s), (fd, s), noteer(spoor::STAT, fd, 0, 0))
-OMWEGEN(ftruncate, int, (int fd, off_t o), (fd, o), noteer(spoor::LENGTE, fd, o, 0))
-
-int __real_fcntl64(int fd, int opdracht, ...);
-static int slot(int fd, int opdracht, void* p) {
-    if (opdracht == F_SETLK || opdracht == F_GETLK) {
-        const struct flock* f = static_cast<const struct flock*>(p);
-        spoor::noteer(spoor::SLOT, fd, f->l_start, f->l_len, static_cast<int8_t>(f->l_type),
-                      opdracht == F_GETLK);
-    }
-    return __real_fcntl64(fd, opdracht, p);
-}
-int __wrap_fcntl64(int fd, int opdracht, ...) {
-    va_list ap;
-    va_start(ap, opdracht);
-    void* p = va_arg(ap, void*);
-    va_end(ap);
-    return slot(fd, opdracht, p);
-}
-int __wrap_fcntl(int fd, int opdracht, ...) {
-    va_list ap;
-    va_start(ap, opdracht);
-    void* p = va_arg(ap, void*);
-    va_end(ap);
-    return slot(fd, opdracht, p);
-}
-}
