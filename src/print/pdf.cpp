@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace zg {
@@ -49,6 +50,10 @@ struct Pagina {
     std::string regel;
     std::array<std::string, 256> utf8;
     std::array<unsigned long, 256> glief;
+    // The row as cairo takes it; kept, so that a row costs no memory.
+    std::string tekst;
+    std::vector<cairo_glyph_t> glieven;
+    std::vector<cairo_text_cluster_t> groepen;
 };
 
 // Size of letter and cell, and the page's font: the largest letter that fits both ways. Without pages as many rows as
@@ -105,29 +110,31 @@ void blad_uit(Pagina* p) {
 
 // The characters collected, on the row that is to be written.
 void teken_regel(Pagina* p) {
-    std::string tekst;
-    std::vector<cairo_glyph_t> glieven;
-    std::vector<cairo_text_cluster_t> groepen;
+    p->tekst.clear(), p->glieven.clear(), p->groepen.clear();
     const size_t n = std::min(p->regel.find_last_not_of(' ') + 1, static_cast<size_t>(p->kolommen));
     if (n && p->rij >= p->rijen)
         blad_uit(p);
+    const double y = RAND + p->rij * p->hoog + p->stijging;
     for (size_t i = 0; i < n; i++) {
         const auto c = static_cast<uint8_t>(p->regel[i]);
-        glieven.push_back(
-            {p->glief[c], RAND + static_cast<double>(i) * p->breed, RAND + p->rij * p->hoog + p->stijging});
-        groepen.push_back({static_cast<int>(p->utf8[c].size()), 1});
-        tekst += p->utf8[c];
+        p->glieven.push_back({p->glief[c], RAND + static_cast<double>(i) * p->breed, y});
+        p->groepen.push_back({static_cast<int>(p->utf8[c].size()), 1});
+        p->tekst += p->utf8[c];
     }
     if (n)
-        cairo_show_text_glyphs(p->cr, tekst.data(), static_cast<int>(tekst.size()), glieven.data(),
-                               static_cast<int>(n), groepen.data(), static_cast<int>(n),
+        cairo_show_text_glyphs(p->cr, p->tekst.data(), static_cast<int>(p->tekst.size()), p->glieven.data(),
+                               static_cast<int>(n), p->groepen.data(), static_cast<int>(n),
                                static_cast<cairo_text_cluster_flags_t>(0));
     p->begonnen = p->begonnen || n;
     p->regel.clear();
 }
 
-void lees(Pagina* p, const char* bytes, size_t n) {
-    for (size_t i = 0; i < n; i++)
+void lees(Pagina* p, std::string_view bytes) {
+    for (size_t i = 0; i < bytes.size(); i++) {
+        const size_t tot = std::min(bytes.find_first_of("\n\r\f", i), bytes.size());
+        p->regel.append(bytes, i, std::min(tot - i, REGELMAX - p->regel.size()));
+        if ((i = tot) == bytes.size())
+            return;
         switch (bytes[i]) {
         case '\n':
             teken_regel(p);
@@ -141,10 +148,8 @@ void lees(Pagina* p, const char* bytes, size_t n) {
             p->begonnen = true;
             blad_uit(p);
             break;
-        default:
-            if (p->regel.size() < REGELMAX)
-                p->regel += bytes[i];
         }
+    }
 }
 
 // The pages of an open report on a surface; 0 or an errno.
@@ -162,7 +167,7 @@ int vul(int in, cairo_surface_t* vlak, Pagina* p, double w, double h) {
             return errno;
         if (n == 0)
             break;
-        lees(p, blok.data(), static_cast<size_t>(n));
+        lees(p, {blok.data(), static_cast<size_t>(n)});
         plaats += n;
         iets = true;
         if (cairo_status(p->cr) != CAIRO_STATUS_SUCCESS || cairo_surface_status(vlak) != CAIRO_STATUS_SUCCESS)
