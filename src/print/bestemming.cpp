@@ -2,7 +2,6 @@
 #include "print/bestemlijst.h"
 #include "print/printjob.h"
 #include "print/printtabel.h"
-#include "print/spooljob.h"
 #include "print/teksten.h"
 #include "shared/files.h"
 #include "shared/syscalls.h"
@@ -32,7 +31,6 @@ constexpr int SCHERMRIJEN = 64;
 constexpr int STAANDBREEDTE = 80; // a file that is a PDF: wider ones lie
 constexpr size_t BESTANDMAX = 39;
 constexpr char UITMAP[] = "uit"; // files without a directory
-constexpr int NAMEN = 20;        // tries of a spool file's name
 constexpr std::chrono::seconds LPSTAT_WACHT{5};
 constexpr std::chrono::milliseconds LPSTAT_STAP{10};
 constexpr int CAP_TEKENS = 17, CAP_INIT = 18, CAP_EXIT = 19;
@@ -205,10 +203,6 @@ std::string tekens_van(const printjob& job) {
     for (const char* bekend : {"cp850", "utf-8", "latin1", "ascii", "pdf"})
         if (naam == bekend)
             return naam;
-    const std::string& pad = job.apparaat;
-    if (job.weg == Printweg::bestand && pad.size() > 4 &&
-        strcasecmp(pad.c_str() + pad.size() - 4, ".pdf") == 0)
-        return "pdf";
     return job.weg == Printweg::wachtrij && job.init.empty() ? "utf-8" : "cp850";
 }
 
@@ -241,7 +235,6 @@ printjob nieuw(const char* titel) {
     if (printopdracht.open)
         zigzag_start(); // which stops
     printjob job{};
-    job.fd = -1;
     job.kopieen = 1;
     job.titel = titel ? titel : "";
     jobcodes.clear();
@@ -263,16 +256,7 @@ int open_job(printjob* job) {
     // A file for the user is written beside its place, to be there whole or not at all.
     const bool naar = job->weg == Printweg::bestand;
     const std::string map = naar ? job->apparaat.substr(0, job->apparaat.rfind('/')) : "";
-    bool open = false;
-    errno = EEXIST;
-    for (int i = 0; i < NAMEN && !open && errno == EEXIST; i++) {
-        const std::string pad = IOTMPNAM(map.empty() && naar ? "/" : map.c_str(), "PR");
-        if (pad.empty())
-            break;
-        errno = EEXIST;
-        open = spool_vrij(pad) && prt_job_open(*job, pad);
-    }
-    if (!open) {
+    if (!prt_job_begin(*job, map.empty() && naar ? "/" : map)) {
         weigering(job->apparaat);
         return 0;
     }

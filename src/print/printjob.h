@@ -1,7 +1,7 @@
 // The open job of the print layer, and its way out. Between the files of this folder.
 #pragma once
 #include "print/xprt.h"
-#include <ctime>
+#include <chrono>
 #include <string>
 
 namespace zg {
@@ -25,11 +25,12 @@ struct printjob {
     std::string tekens;     // how it leaves: "cp850", "utf-8", "latin1", "ascii", "pdf"
     std::string titel;
     int kopieen;
-    time_t geopend;
+    std::chrono::steady_clock::time_point geopend;
     // The spool file: its path, and what has been written. Behind the first refused write (errno in `fout`) nothing
     // more is.
     std::string spool;
-    int fd;
+    int fd = -1;
+    int slot = -1; // its description (print/spooljob.h), locked; -1 for a job that nobody describes
     std::string buffer;
     int64_t plaats, begin; // bytes written; of those the init text
     int fout;
@@ -44,10 +45,15 @@ inline bool prt_bladen(const printjob& job) {
 // The two halves of a job without its destination. Open one on a new file, its record filled in but for the state: zigzag
 // on, init text written. False with errno, nothing is open then; EEXIST when the file is there.
 bool prt_job_open(const printjob& job, const std::string& pad);
+// The same on a spool file of a new name in a directory ("" the present one), described as one that is being made. False
+// with errno, nothing is there then.
+bool prt_job_begin(const printjob& job, const std::string& map);
 enum class Jobeind { klaar, leeg, fout };
 // Flush, last form feed, exit text, file closed; the job is no longer open, its record stays. `leeg`: nothing was printed
 // and the file is gone. `fout`: a write was refused, errno in printopdracht.fout, the file stays for the caller.
 Jobeind prt_job_sluit(bool onderbroken);
+// The closed job's spool file and description go, as far as they are there.
+void prt_job_weg();
 
 // The zigzag line. Starting twice or stopping twice is the report (1, 199) or (1, 200); sizes come from the environment.
 void zigzag_start();
@@ -61,7 +67,8 @@ void prt_blank(char* tekst, size_t n);
 // Is the destination there, so far as can be seen without opening it? A queue that lpstat doesn't know within 5 s, a device
 // that isn't one, a path into the data directory: false.
 bool prt_bestaat(Printweg weg, const std::string& apparaat);
-// Hand the closed spool file to zgspoel, or to the terminal itself. False: told, the file stays with its reason.
+// Hand the closed spool file, which is described, to zgspoel, or to the terminal itself. False: told, the file stays with its
+// reason.
 bool prt_verzend(const printjob& job);
 
 // The preview of the closed spool file: copies to be printed, 0 for none.

@@ -94,21 +94,23 @@ const struct {
      nullptr},
 };
 
-// The live records of a data file, as far as it goes.
-template <class R> std::vector<R> lees(Prttabel tabel) {
-    std::vector<R> uit;
+// The live records of a data file, as far as it goes; false when there is none to be read.
+template <class R> bool lees(Prttabel tabel, std::vector<R>* naar) {
+    std::vector<R>& uit = *naar;
+    bool goed = false;
     const int fd =
         SYS.open((XPRT_PAD(TABELLEN[tabel].naam) + ".TXT").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
     struct stat st;
     if (fd >= 0 && SYS.fstat(fd, &st) == 0 && S_ISREG(st.st_mode)) {
         uit.resize(std::min(static_cast<size_t>(st.st_size), TABELMAX) / sizeof(R));
         const ssize_t n = SYSLEES(fd, uit.data(), uit.size() * sizeof(R), 0);
+        goed = n >= 0;
         uit.resize(n < 0 ? 0 : static_cast<size_t>(n) / sizeof(R));
         std::erase_if(uit, [](const R& r) { return !IXRECLIVE(&r, sizeof r); });
     }
     if (fd >= 0)
         SYS.close(fd);
-    return uit;
+    return goed;
 }
 
 template <class R, class F> void sorteer(std::vector<R>* records, F sleutel) {
@@ -147,15 +149,18 @@ bool prt_lees(printtabellen* t) {
     for (Prttabel tabel : {PRT_PRINTERS, PRT_VERBINDINGEN, PRT_CONFIGS, PRT_CODES})
         if (ICB* icb = prt_open(tabel, 0))
             IXCLOSE(icb);
-    *t = {lees<prtrec>(PRT_PRINTERS), lees<prtverbinding>(PRT_VERBINDINGEN), lees<prtconfig>(PRT_CONFIGS),
-          lees<prtcode>(PRT_CODES)};
+    *t = {};
+    bool goed = lees(PRT_PRINTERS, &t->printers);
+    goed = lees(PRT_VERBINDINGEN, &t->verbindingen) && goed;
+    goed = lees(PRT_CONFIGS, &t->configs) && goed;
+    lees(PRT_CODES, &t->codes);
     sorteer(&t->printers, [](const prtrec& r) { return int{r.code}; });
     auto nummer = [](const auto& r) { return r.code * 256 + r.nummer; };
     sorteer(&t->verbindingen, nummer);
     sorteer(&t->configs, nummer);
     sorteer(&t->codes,
             [](const prtcode& r) { return std::tuple(int{r.code}, int{r.config}, int{r.nummer}); });
-    return !t->printers.empty() && !t->verbindingen.empty() && !t->configs.empty();
+    return goed;
 }
 
 std::string prt_bytes(const char* tekst, size_t n) {

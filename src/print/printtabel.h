@@ -53,7 +53,8 @@ struct printtabellen {
     std::vector<prtconfig> configs;
     std::vector<prtcode> codes;
 };
-// Make or repair the four where that is needed and possible, and read them. False: there is no printer to be read.
+// Make or repair the four where that is needed and possible, and read them. False: printers, connections or configurations
+// can't be read; what could be is there. One without records is none of that.
 bool prt_lees(printtabellen* t);
 // One of them as a pair, shared (2) or exclusive (1), made and repaired first; null when that isn't possible, untold.
 ICB* prt_open(Prttabel tabel, int modus);

@@ -4,13 +4,11 @@
 #include "print/printtabel.h"
 #include "print/spooljob.h"
 #include "print/teksten.h"
-#include "shared/files.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 #include <cerrno>
-#include <ctime>
 #include <utility>
 #include <vector>
 
@@ -41,87 +39,60 @@ bool mislukt(const printjob& job, const std::string& reden, const std::string& b
     return false;
 }
 
-spooljob beschrijf(const printjob& job) {
-    spooljob uit{};
-    uit.spool = job.spool;
-    uit.weg = job.weg;
-    uit.apparaat = job.apparaat;
-    uit.titel = job.titel;
-    uit.tekens = job.tekens;
-    uit.kopieen = job.kopieen;
-    uit.rijen = job.rijen;
-    uit.kolommen = job.kolommen;
-    uit.staand = job.staand;
-    uit.over = job.over;
-    uit.begin = job.begin;
-    uit.eind = job.plaats - static_cast<int64_t>(job.exit.size());
-    uit.sessie = sessie;
-    uit.tijd = time(nullptr);
-    return uit;
+// It stays, with its reason; the user has been told.
+bool bewaar(const printjob& job, spooljob* s, const std::string& reden) {
+    s->stand = Spoolstand::fout;
+    s->reden = reden;
+    s->gemeld = true;
+    spool_schrijf_stand(job.slot, *s); // the worst is that it is told again
+    return mislukt(job, reden, s->spool);
 }
 
 // To zgspoel. Where the end is waited for, what it couldn't do is told here.
-bool geef_af(const printjob& job, bool wacht) {
-    spooljob s = beschrijf(job);
-    const int fd = spool_maak(s);
-    if (fd < 0)
-        return mislukt(job, spool_reden(errno), job.spool);
-    bool goed = spool_start(fd, s, wacht);
-    if (!goed) {
-        if (errno) {
-            s.stand = Spoolstand::fout;
-            s.reden = std::string(TXT(T_PRT_GEEN_ZENDER)) + " (" + spool_reden(errno) + ")";
-        } else
-            spool_lees(fd, spool_beschrijving(s.spool), &s);
-        s.gemeld = true;
-        spool_schrijf_stand(fd, s); // the worst is that it is told again
-        mislukt(job, s.reden, s.spool);
-    } else if (!wacht)
-        onderweg.push_back(spool_beschrijving(s.spool));
-    SYS.close(fd);
-    return goed;
+bool geef_af(const printjob& job, spooljob* s, bool wacht) {
+    if (spool_start(job.slot, *s, wacht)) {
+        if (!wacht)
+            onderweg.push_back(spool_beschrijving(s->spool));
+        return true;
+    }
+    if (errno)
+        return bewaar(job, s, std::string(TXT(T_PRT_GEEN_ZENDER)) + " (" + spool_reden(errno) + ")");
+    spool_lees(job.slot, spool_beschrijving(s->spool), s);
+    return bewaar(job, s, s->reden);
 }
 
-// Through the user's own terminal; it is out at the end, or as much of it as the user wanted.
-bool geef_door(const printjob& job) {
-    spooljob s = beschrijf(job);
-    const int fd = spool_maak(s);
-    if (fd < 0)
-        return mislukt(job, spool_reden(errno), job.spool);
-    const bool goed = prt_doorgeef(fd, &s);
-    if (goed)
-        spool_weg(s);
-    else {
-        s.stand = Spoolstand::fout;
-        s.reden = spool_reden(errno);
-        s.gemeld = true;
-        spool_schrijf_stand(fd, s);
-        mislukt(job, s.reden, s.spool);
+// Here: it is out at the end, or as much of it as the user wanted.
+bool doe_zelf(const printjob& job, spooljob* s) {
+    if (job.weg == Printweg::bestand ? spool_plaats(s->spool, s->apparaat, s->over)
+                                     : prt_doorgeef(job.slot, s)) {
+        spool_weg(*s);
+        return true;
     }
-    SYS.close(fd);
-    return goed;
+    return bewaar(job, s, spool_reden(errno));
 }
 
 } // namespace
 
 bool prt_verzend(const printjob& job) {
-    switch (job.weg) {
-    case Printweg::geen:
-        IOUNLINK(job.spool.c_str());
+    spooljob s = spool_van(job, Spoolstand::wacht);
+    if (job.weg == Printweg::geen) {
+        spool_weg(s);
         return true;
+    }
+    if (!spool_schrijf(job.slot, s)) {
+        const int fout = errno;
+        spool_weg(s); // nobody could send it
+        return mislukt(job, spool_reden(fout), "");
+    }
+    switch (job.weg) {
     case Printweg::bestand:
-        if (job.tekens != "cp850")
-            return geef_af(job, true);
-        return spool_plaats(job.spool, job.apparaat, job.over) || mislukt(job, spool_reden(errno), job.spool);
-    case Printweg::wachtrij:
-    case Printweg::apparaat:
-    case Printweg::map:
-        return geef_af(job, false);
+        return job.tekens == "cp850" ? doe_zelf(job, &s) : geef_af(job, &s, true);
     case Printweg::aux:
     case Printweg::terminal:
-        return geef_door(job);
+        return doe_zelf(job, &s);
+    default:
+        return geef_af(job, &s, false);
     }
-    return false;
 }
 
 int XPRT_CLOSE() {
@@ -135,13 +106,13 @@ int XPRT_CLOSE() {
     case Jobeind::leeg:
         break;
     case Jobeind::fout:
-        IOUNLINK(job.spool.c_str()); // half a report is no use, and the disk may need the room
+        prt_job_weg(); // half a report is no use, and the disk may need the room
         mislukt(job, spool_reden(job.fout), "");
         antwoord = 0;
         break;
     case Jobeind::klaar:
         if (job.voorbeeld && (job.kopieen = PRT_SCR(job)) == 0) {
-            IOUNLINK(job.spool.c_str());
+            prt_job_weg();
             break;
         }
         SCHERM.laatste = 0;
@@ -149,6 +120,8 @@ int XPRT_CLOSE() {
         ONDERBREKAAN();
         ONDERBREKRESET();
         antwoord = prt_verzend(job);
+        SYS.close(job.slot); // who sends it has it
+        job.slot = -1;
     }
     SCRFLUSH(0);
     ONDERBREKAAN();

@@ -5,12 +5,14 @@
 #include "shared/files.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
+#include "shared/sysrec.h"
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <climits>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,7 +22,7 @@ namespace {
 
 constexpr char STAART[] = ".JOB", KENMERK[] = "zgspoel 1", EINDE[] = "einde\n", ZENDER[] = "zgspoel";
 constexpr size_t STANDREGEL = 160, MAX = 8192; // the first line; a whole description
-constexpr const char* STANDEN[] = {"wacht", "bezig", "fout"};
+constexpr const char* STANDEN[] = {"wacht", "bezig", "fout", "maak"};
 constexpr const char* WEGEN[] = {"geen", "wachtrij", "apparaat", "map", "aux", "terminal", "bestand"};
 constexpr int SLOT = 3; // where zgspoel finds the lock
 
@@ -45,6 +47,40 @@ std::string standregel(const spooljob& job) {
                       reden;
     uit.resize(STANDREGEL - 1, ' ');
     return uit + "\n";
+}
+
+std::string heel(const spooljob& job) {
+    std::string tekst = standregel(job);
+    auto veld = [&](const char* naam, const std::string& waarde) {
+        tekst += std::string(naam) + " " + veilig(waarde) + "\n";
+    };
+    auto getal = [&](const char* naam, int breedte, int64_t n) {
+        char cijfers[32];
+        snprintf(cijfers, sizeof cijfers, "%0*lld", breedte, static_cast<long long>(n));
+        veld(naam, cijfers);
+    };
+    veld("weg", WEGEN[static_cast<int>(job.weg)]);
+    veld("apparaat", job.apparaat);
+    veld("titel", job.titel.substr(0, 120));
+    veld("tekens", job.tekens);
+    getal("kopieen", 5, job.kopieen);
+    getal("rijen", 1, job.rijen);
+    getal("kolommen", 1, job.kolommen);
+    getal("staand", 1, job.staand);
+    getal("over", 1, job.over);
+    getal("begin", 12, job.begin);
+    getal("eind", 12, job.eind);
+    getal("sessie", 1, job.sessie);
+    getal("tijd", 12, job.tijd);
+    return tekst + EINDE;
+}
+
+// Was it cut off while it was made? Nothing has been printed then.
+bool half(int fd, const std::string& spool) {
+    char begin[sizeof KENMERK - 1];
+    const ssize_t n = SYSLEES(fd, begin, sizeof begin, 0);
+    return n >= 0 && memcmp(begin, KENMERK, static_cast<size_t>(n)) == 0 && !spool.empty() &&
+           !IOEXISTS(spool.c_str());
 }
 
 template <class T> bool getal(const std::string& tekst, T* uit) {
@@ -147,34 +183,45 @@ std::string spool_naast(const spooljob& job, const char* soort) {
     return job.spool + "." + soort;
 }
 
+spooljob spool_van(const printjob& job, Spoolstand stand) {
+    spooljob uit{};
+    uit.spool = job.spool;
+    uit.weg = job.weg;
+    uit.apparaat = job.apparaat;
+    uit.titel = job.titel;
+    uit.tekens = job.tekens;
+    uit.kopieen = job.kopieen;
+    uit.rijen = job.rijen;
+    uit.kolommen = job.kolommen;
+    uit.staand = job.staand;
+    uit.over = job.over;
+    uit.begin = job.begin;
+    uit.eind = std::max(job.begin, job.plaats - static_cast<int64_t>(job.exit.size()));
+    uit.sessie = sessie;
+    uit.tijd = time(nullptr);
+    uit.stand = stand;
+    return uit;
+}
+
 int spool_maak(const spooljob& job) {
     const std::string pad = spool_beschrijving(job.spool);
-    std::string tekst = standregel(job);
-    auto veld = [&](const char* naam, const std::string& waarde) {
-        tekst += std::string(naam) + " " + veilig(waarde) + "\n";
-    };
-    veld("weg", WEGEN[static_cast<int>(job.weg)]);
-    veld("apparaat", job.apparaat);
-    veld("titel", job.titel.substr(0, 120));
-    veld("tekens", job.tekens);
-    veld("kopieen", std::to_string(job.kopieen));
-    veld("rijen", std::to_string(job.rijen));
-    veld("kolommen", std::to_string(job.kolommen));
-    veld("staand", job.staand ? "1" : "0");
-    veld("over", job.over ? "1" : "0");
-    veld("begin", std::to_string(job.begin));
-    veld("eind", std::to_string(job.eind));
-    veld("sessie", std::to_string(job.sessie));
-    veld("tijd", std::to_string(job.tijd));
-    tekst += EINDE;
+    const std::string tekst = heel(job);
     const int fd = SYSNIEUW(pad.c_str(), O_RDWR | O_EXCL);
     if (fd < 0)
         return -1;
-    if (IOLOCKERF(fd) && SYSSCHRIJF(fd, tekst.data(), tekst.size()))
+    struct stat st;
+    int fout = 0;
+    if (!IOLOCKERF(fd))
+        fout = errno == EAGAIN ? EEXIST : errno;
+    else if (SYS.fstat(fd, &st) == 0 && st.st_nlink == 0)
+        fout = EEXIST; // somebody came upon it unlocked, and took it for one that was left
+    else if (SYSSCHRIJF(fd, tekst.data(), tekst.size()))
         return fd;
-    const int fout = errno;
+    else
+        fout = errno;
     SYS.close(fd);
-    SYS.unlink(pad.c_str());
+    if (fout != EEXIST)
+        SYS.unlink(pad.c_str());
     errno = fout;
     return -1;
 }
@@ -196,8 +243,8 @@ bool spool_lees(int fd, const std::string& beschrijving, spooljob* job) {
         if (!einde && !ontleed_veld(naam, regel, job))
             return false;
     }
-    return einde && job->weg != Printweg::geen && job->kopieen >= 1 && job->begin >= 0 &&
-           job->eind >= job->begin;
+    return einde && (job->weg != Printweg::geen || job->stand == Spoolstand::maak) && job->kopieen >= 1 &&
+           job->begin >= 0 && job->eind >= job->begin;
 }
 
 int spool_neem(const std::string& beschrijving, spooljob* job) {
@@ -205,13 +252,24 @@ int spool_neem(const std::string& beschrijving, spooljob* job) {
     if (fd < 0)
         return -1;
     int fout = IOLOCKERF(fd) ? 0 : errno;
-    if (!spool_lees(fd, beschrijving, job))
+    if (!spool_lees(fd, beschrijving, job)) {
+        if (!fout && half(fd, job->spool))
+            SYS.unlink(beschrijving.c_str());
         fout = EINVAL;
+    } else if (!fout && job->stand == Spoolstand::maak) {
+        spool_weg(*job);
+        fout = ENOENT;
+    }
     if (!fout)
         return fd;
     SYS.close(fd);
     errno = fout;
     return -1;
+}
+
+bool spool_schrijf(int fd, const spooljob& job) {
+    const std::string tekst = heel(job);
+    return SYSSCHRIJFOP(fd, tekst.data(), tekst.size(), 0);
 }
 
 bool spool_schrijf_stand(int fd, const spooljob& job) {

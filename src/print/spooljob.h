@@ -1,18 +1,20 @@
-// What is known of a job that has been handed over: a text file beside its spool file, from the hand-over until all of it is
-// out. What is left of a job that failed, or whose sender died, is found and sent again by it. docs/formats.md has the
-// layout.
+// What is known of a job: a text file beside its spool file, from before there is one until all of it is out. What is left of
+// a job that failed, or whose sender died, is found and sent again by it. docs/formats.md has the layout.
 //
-// 1. Who sends a job has its description locked; the lock goes over from the program to zgspoel with the open file.
+// 1. Who makes or sends a job has its description locked; the lock goes over from the program to zgspoel with the open file.
 //    A description that nobody has locked is of a job that is left behind.
-// 2. The state is one line of fixed length, written over in place, so that a full disk can't keep a reason off it.
-// 3. The spool file goes before its description: a description without one is of a job that is out.
+// 2. What changes is of fixed length and written over in place, so that a full disk keeps no report from being described, and
+//    no reason off it.
+// 3. The spool file comes behind its description and goes before it: a description without one is of a job that is out, or
+//    was never begun.
+// 4. A report that was still being made, or looked at, was never said to be printed: whoever finds it left behind removes it.
 #pragma once
 #include "print/printjob.h"
 #include <vector>
 
 namespace zg {
 
-enum class Spoolstand { wacht, bezig, fout }; // nothing is out; begun; refused
+enum class Spoolstand { wacht, bezig, fout, maak }; // nothing is out; begun; refused; not handed over yet
 
 struct spooljob {
     std::string spool; // path of the spool file
@@ -35,10 +37,14 @@ inline constexpr size_t SPOOLREDEN = 120;
 std::string spool_beschrijving(const std::string& spool);
 std::string spool_bestand(const std::string& beschrijving);
 
+// The description of a print job as it stands.
+spooljob spool_van(const printjob& job, Spoolstand stand);
 // Write the description of a job, which must not have one, and lock it: the descriptor, or -1 with errno and nothing there.
 int spool_maak(const spooljob& job);
-// Open a description and lock it. -1 with errno: EAGAIN when its job is being sent (it is read all the same), EINVAL when it
-// is none.
+// All of it again, in place: way, device, title and characters must be those that it was made with. False with errno.
+bool spool_schrijf(int fd, const spooljob& job);
+// Open a description and lock it. -1 with errno: EAGAIN when its job is being made or sent (it is read all the same), EINVAL
+// when it is none, ENOENT when it is gone: what was left of a job that was being made goes here.
 int spool_neem(const std::string& beschrijving, spooljob* job);
 // Read it off an open descriptor; false when it isn't one.
 bool spool_lees(int fd, const std::string& beschrijving, spooljob* job);

@@ -1,6 +1,7 @@
 // The open job: bytes on the spool file, lines, pages, heads, and the two halves of a job without its destination.
 #include "price/koers.h"
 #include "print/printjob.h"
+#include "print/spooljob.h"
 #include "print/teksten.h"
 #include "shared/files.h"
 #include "shared/syscalls.h"
@@ -20,6 +21,8 @@ printjob printopdracht;
 namespace {
 
 constexpr size_t BUFFER = 64 * 1024;
+constexpr std::chrono::seconds STILTE{1}; // before the keyboard is looked at
+constexpr int NAMEN = 20;                 // tries of a spool file's name
 
 void spoel() {
     printjob& job = printopdracht;
@@ -95,10 +98,40 @@ bool prt_job_open(const printjob& vraag, const std::string& pad) {
     job.boven = job.links = 0;
     job.buffer.clear();
     job.plaats = job.fout = 0;
-    job.geopend = time(nullptr);
+    job.geopend = std::chrono::steady_clock::now();
     schrijf(job.init);
     job.begin = job.plaats;
     return true;
+}
+
+bool prt_job_begin(const printjob& vraag, const std::string& map) {
+    printjob job = vraag;
+    errno = EEXIST;
+    for (int i = 0; i < NAMEN && errno == EEXIST; i++) {
+        job.spool = IOTMPNAM(map.c_str(), "PR");
+        if (job.spool.empty())
+            break;
+        errno = EEXIST;
+        if (!spool_vrij(job.spool) || (job.slot = spool_maak(spool_van(job, Spoolstand::maak))) < 0)
+            continue;
+        if (prt_job_open(job, job.spool))
+            return true;
+        const int fout = errno;
+        IOUNLINK(spool_beschrijving(job.spool).c_str());
+        SYS.close(job.slot);
+        errno = fout;
+    }
+    return false;
+}
+
+void prt_job_weg() {
+    printjob& job = printopdracht;
+    if (job.slot >= 0) {
+        spool_weg(spool_van(job, Spoolstand::maak));
+        SYS.close(job.slot);
+        job.slot = -1;
+    } else
+        IOUNLINK(job.spool.c_str());
 }
 
 Jobeind prt_job_sluit(bool onderbroken) {
@@ -127,7 +160,7 @@ Jobeind prt_job_sluit(bool onderbroken) {
         job.fout = errno;
     job.fd = -1;
     if (leeg)
-        IOUNLINK(job.spool.c_str());
+        prt_job_weg();
     return leeg ? Jobeind::leeg : job.fout ? Jobeind::fout : Jobeind::klaar;
 }
 
@@ -138,9 +171,13 @@ void XPRT_STAAK() {
     SYS.close(job.fd);
     job.fd = -1;
     job.buffer.clear();
-    IOUNLINK(job.spool.c_str());
+    prt_job_weg();
     ONDERBREKAAN();
     ONDERBREKRESET();
+}
+
+std::string XPRT_BESTAND() {
+    return printopdracht.weg == Printweg::bestand ? printopdracht.apparaat : "";
 }
 
 void XPRT_WIS() {
@@ -225,7 +262,7 @@ void XPRT_BEDRAG(int64_t bedrag, int breedte) {
 
 bool XPRT_STOP() {
     // Not at once: keys typed ahead of a short report are for the screen behind it.
-    return time(nullptr) > printopdracht.geopend && ONDERBREKEN();
+    return std::chrono::steady_clock::now() - printopdracht.geopend > STILTE && ONDERBREKEN();
 }
 
 bool XPRT_VOL(int regels) {

@@ -132,6 +132,8 @@ bool lp(std::vector<std::string> woorden, int* status, std::string* gezegd) {
         std::this_thread::sleep_for(LP_STAP);
     }
     gezegd->resize(std::min(gezegd->find('\n'), gezegd->size()));
+    if (gezegd->starts_with("lp: "))
+        gezegd->erase(0, 4);
     std::replace_if(
         gezegd->begin(), gezegd->end(), [](char c) { return c < ' ' || c > '~'; }, '?');
     return true;
@@ -162,8 +164,8 @@ bool naar_wachtrij(spooljob* job) {
     }
     if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
         return true;
-    if (job->reden.empty())
-        job->reden = TXT(T_PRT_LP_STATUS) + (" " + std::to_string(status >> 8));
+    job->reden = job->reden.empty() ? TXT(T_PRT_LP_STATUS) + (" " + std::to_string(status >> 8))
+                                    : TXT(T_PRT_WACHTRIJ_WEIGERT) + (": " + job->reden);
     return false;
 }
 

@@ -1,10 +1,12 @@
 // ordprint: orders of a journal on paper, from the shell: to a printer, into a file, or on the standard output. It opens
-// everything for reading and takes no lock, so that it prints beside the programs at work: an order as it was committed.
+// everything as readers do, so that it prints beside the programs at work, and for who may only read: an
+// order as it was committed.
 #include "order/bestanden.h"
 #include "order/printorder.h"
 #include "order/programma.h"
 #include "order/start.h"
 #include "order/wrk.h"
+#include "print/bestemlijst.h"
 #include "print/printjob.h"
 #include "print/printtabel.h"
 #include "shared/files.h"
@@ -19,6 +21,7 @@
 #include "tools/paar.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <charconv>
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -37,7 +40,7 @@ namespace fs = std::filesystem;
 
 struct Wens {
     std::string journaal, printer, uit, blad = "short";
-    int nummer = 0, breedte = 0, kopieen = 1;
+    int nummer = 0, breedte = 0, config = 0, kopieen = 1;
     bool zonder_prijzen = false;
 };
 Wens wens;
@@ -50,7 +53,7 @@ void rapport() {
     fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(),
             CP850UTF8(SCRFATALTEKST()).c_str(), reden);
     if (printopdracht.open)
-        IOUNLINK(printopdracht.spool.c_str());
+        prt_job_weg();
     fflush(nullptr);
     _exit(NIET_TE_OPENEN);
 }
@@ -94,28 +97,52 @@ int druk_orders(ordhandle* jrn) {
     return aantal;
 }
 
-uint16_t masker() {
-    return wens.breedte == 40    ? uint16_t{PRT_40}
-           : wens.breedte == 80  ? uint16_t{PRT_80}
-           : wens.breedte == 132 ? uint16_t{PRT_132}
-                                 : uint16_t{PRT_ALLES};
+// The code of the printer of that name, as it is typed; 0 for none.
+uint16_t zoek_printer(const printtabellen& t, const std::string& naam) {
+    for (const prtrec& p : t.printers)
+        if (p.code != PRT_SCHERM && strcasecmp(CP850UTF8(VASTTEKST(p.naam)).c_str(), naam.c_str()) == 0)
+            return p.code;
+    return 0;
 }
 
-// "Laser" or "Laser/2": the printer of that name, and a connection of it. False when there is none; told.
-bool zoek_printer(printwens* uit) {
-    const size_t streep = wens.printer.rfind('/');
-    const std::string naam = wens.printer.substr(0, streep);
-    printtabellen t;
-    if (!prt_lees(&t))
-        return klacht("", "the print directory can't be read"), false;
-    if (streep != std::string::npos)
-        uit->verbinding = static_cast<uint8_t>(std::clamp(atoi(wens.printer.c_str() + streep + 1), 0, 255));
-    for (const prtrec& p : t.printers)
-        if (p.code != PRT_SCHERM && strcasecmp(CP850UTF8(VASTTEKST(p.naam)).c_str(), naam.c_str()) == 0) {
-            uit->code = p.code;
-            return true;
+// The one way to print that is meant: "Laser" by its first connection, "Laser/2" by another; of several configurations those
+// of 80 columns where no width was asked for. False when there is none, or more than one; told.
+bool zoek_bestemming(const printtabellen& t, Bestemming* uit) {
+    uint16_t code = zoek_printer(t, wens.printer);
+    uint8_t verbinding = 0;
+    if (const size_t streep = wens.printer.rfind('/'); !code && streep != std::string::npos) {
+        const char *van = wens.printer.data() + streep + 1, *tot = wens.printer.data() + wens.printer.size();
+        const auto [eind, fout] = std::from_chars(van, tot, verbinding);
+        if (fout == std::errc() && eind == tot && verbinding)
+            code = zoek_printer(t, wens.printer.substr(0, streep));
+    }
+    if (!code)
+        return klacht(wens.printer, "no such printer"), false;
+    std::vector<Bestemming> over;
+    for (const Bestemming& b : prt_bestemmingen(t, PRT_ALLES))
+        if (b.printer.code == code && (!verbinding || b.verbinding.nummer == verbinding) &&
+            (!wens.config || b.config.nummer == wens.config) &&
+            (!wens.breedte || b.config.kolommen == wens.breedte) &&
+            (over.empty() || b.verbinding.nummer == over[0].verbinding.nummer))
+            over.push_back(b);
+    auto breed = [](const Bestemming& b) { return b.config.kolommen == BREEDTE; };
+    if (over.size() > 1 && std::any_of(over.begin(), over.end(), breed))
+        std::erase_if(over, [&](const Bestemming& b) { return !breed(b); });
+    if (over.empty())
+        return klacht(wens.printer, "no such connection or configuration"), false;
+    if (over.size() > 1) {
+        std::string welke;
+        for (const Bestemming& b : over) {
+            std::string naam = VASTTEKST(b.config.omschrijving);
+            prt_blank(naam.data(), naam.size());
+            welke += "\n  " + std::to_string(b.config.nummer) + " " + CP850UTF8(naam);
         }
-    return klacht(wens.printer, "no such printer"), false;
+        return klacht(wens.printer,
+                      "more than one configuration will do; --configuration says which:" + welke),
+               false;
+    }
+    *uit = over[0];
+    return true;
 }
 
 std::ifstream spool; // of a job for the standard output
@@ -127,31 +154,25 @@ bool open_job(const std::string& titel) {
     job.staand = job.kolommen <= BREEDTE;
     job.kopieen = 1;
     job.titel = titel;
-    job.fd = -1;
-    job.weg = Printweg::geen;
-    std::string map;
-    if (!wens.uit.empty()) {
-        const fs::path doel = wens.uit;
-        if (fs::exists(doel))
-            return klacht(wens.uit, strerror(EEXIST)), false;
-        map = doel.parent_path().string();
-        if (!prt_bestaat(Printweg::map, map))
-            return klacht(wens.uit, "nothing is printed there"), false;
-        job.weg = Printweg::bestand;
-        job.apparaat = wens.uit;
-        job.rijen = BLADRIJEN;
-        job.tekens = doel.extension() == ".pdf" ? "pdf" : "utf-8";
-    } else {
-        map = fs::temp_directory_path().string();
-    }
-    const std::string pad = IOTMPNAM(map.c_str(), "PR");
-    if (pad.empty() || !prt_job_open(job, pad))
-        return klacht(map, strerror(errno)), false;
-    if (job.weg == Printweg::geen) { // without a name it can't be left behind
+    if (wens.uit.empty()) {
+        const std::string map = fs::temp_directory_path().string(), pad = IOTMPNAM(map.c_str(), "PR");
+        if (pad.empty() || !prt_job_open(job, pad))
+            return klacht(map, strerror(errno)), false;
         spool.open(pad, std::ios::binary);
-        IOUNLINK(pad.c_str());
+        IOUNLINK(pad.c_str()); // without a name it can't be left behind
+        return true;
     }
-    return true;
+    const fs::path doel = wens.uit;
+    const std::string map = doel.parent_path().string();
+    if (fs::exists(doel))
+        return klacht(wens.uit, strerror(EEXIST)), false;
+    if (!prt_bestaat(Printweg::map, map))
+        return klacht(wens.uit, "nothing is printed there"), false;
+    job.weg = Printweg::bestand;
+    job.apparaat = wens.uit;
+    job.rijen = BLADRIJEN;
+    job.tekens = doel.extension() == ".pdf" ? "pdf" : "utf-8";
+    return prt_job_begin(job, map) || (klacht(map, strerror(errno)), false);
 }
 
 // What stands on the spool file, in UTF-8.
@@ -167,21 +188,31 @@ int naar_uitvoer() {
     return uitkomst;
 }
 
-int print(ordhandle* jrn) {
-    const std::string titel = fs::path(wens.journaal).filename().string();
-    printwens waarheen{};
-    const bool printer = !wens.printer.empty();
-    if (printer && !zoek_printer(&waarheen))
+// GOED with a job open.
+int begin(const std::string& titel) {
+    if (wens.printer.empty())
+        return open_job(titel) ? GOED : NIET_TE_OPENEN;
+    printtabellen t;
+    Bestemming b;
+    if (!prt_lees(&t))
+        return klacht("", "the print directory can't be read"), NIET_TE_OPENEN;
+    if (!zoek_bestemming(t, &b))
         return FOUT_GEBRUIKT;
-    if (printer ? !XPRT_OPEN(waarheen, masker(), nullptr, titel.c_str()) : !open_job(titel))
-        return NIET_TE_OPENEN;
-    printopdracht.kopieen = wens.kopieen;
+    return prt_open_op(b, t, wens.kopieen, titel.c_str()) ? GOED : NIET_TE_OPENEN;
+}
+
+int print(ordhandle* jrn) {
+    weer_schrijven(); // print tables may be made, and what is left of other jobs is looked at
+    const int open = begin(fs::path(wens.journaal).filename().string());
+    alleen_lezen(true); // the job alone is made
+    if (open != GOED)
+        return open;
     const int aantal = druk_orders(jrn);
     if (aantal == 0) {
         XPRT_STAAK();
         return klacht(wens.journaal, "no such order"), FOUT_GEVONDEN;
     }
-    if (printer || !wens.uit.empty())
+    if (!wens.printer.empty() || !wens.uit.empty())
         return XPRT_CLOSE() ? GOED : NIET_TE_OPENEN;
     return naar_uitvoer();
 }
@@ -196,6 +227,7 @@ int doe() {
     if (chdir(map.c_str()) != 0 || access("DTSYS.TXT", R_OK) != 0)
         return klacht(map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
     CATOPEN();
+    alleen_lezen();
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);
     sys_lees();
@@ -220,7 +252,7 @@ int main(int argc, char** argv) {
     toolnaam = "ordprint";
     signal(SIGPIPE, SIG_DFL);
     signal(SIGXFSZ, SIG_IGN);
-    CLI::App app{"print orders of a journal.\nIt reads beside programs at work and takes no lock.",
+    CLI::App app{"print orders of a journal.\nIt reads beside programs at work and keeps nobody out.",
                  "ordprint"};
     app.set_version_flag("--version", "ordprint 8.70");
     app.footer("Exit status: 0 good, 1 no such order, 2 used wrong, 3 cannot open or print.");
@@ -230,9 +262,17 @@ int main(int argc, char** argv) {
     app.add_option("-f,--form", wens.blad, "short, full, or branch: a sheet for each")
         ->check(CLI::IsMember({"short", "full", "branch"}));
     app.add_flag("-x,--without-prices", wens.zonder_prijzen, "without prices and amounts");
-    auto* printer = app.add_option("-p,--printer", wens.printer, "name of a printer, or name/connection");
-    app.add_option("-o,--output", wens.uit, "a new file; a PDF when it ends in .pdf")->excludes(printer);
+    const CLI::Validator iets([](const std::string& s) { return std::string(s.empty() ? "is empty" : ""); },
+                              "");
+    auto* printer =
+        app.add_option("-p,--printer", wens.printer, "name of a printer, or name/connection")->check(iets);
+    app.add_option("-o,--output", wens.uit, "a new file; a PDF when it ends in .pdf")
+        ->check(iets)
+        ->excludes(printer);
     app.add_option("-w,--width", wens.breedte, "columns")->check(CLI::IsMember({40, 80, 132}));
+    app.add_option("-C,--configuration", wens.config, "number of a configuration of the printer")
+        ->check(CLI::Range(1, 255))
+        ->needs(printer);
     app.add_option("-c,--copies", wens.kopieen, "copies, on a printer")->check(CLI::Range(1, 20));
     try {
         app.parse(argc, argv);

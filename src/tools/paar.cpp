@@ -123,6 +123,32 @@ bool elders_open(int fd) {
     return false;
 }
 
+namespace {
+const SYSCALLS echt = SYS;
+bool mag_maken;
+} // namespace
+
+void alleen_lezen(bool maken) {
+    mag_maken = maken;
+    SYS.open = [](const char* pad, int vlaggen, mode_t mode) {
+        return mag_maken && (vlaggen & O_EXCL)
+                   ? echt.open(pad, vlaggen, mode)
+                   : echt.open(pad, (vlaggen & ~(O_ACCMODE | O_CREAT | O_TRUNC)) | O_RDONLY, 0);
+    };
+    SYS.slot = [](int fd, int opdracht, struct flock* gebied) {
+        struct flock lezer = *gebied;
+        if (opdracht != F_SETLK || lezer.l_type != F_WRLCK)
+            return echt.slot(fd, opdracht, gebied);
+        lezer.l_type = F_RDLCK;
+        return echt.slot(fd, opdracht, &lezer);
+    };
+}
+
+void weer_schrijven() {
+    SYS.open = echt.open;
+    SYS.slot = echt.slot;
+}
+
 void paar_los(Paar* paar) {
     if (paar->vast)
         IOLOCK('U', paar->idx, 0, IXBLOK);

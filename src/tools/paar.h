@@ -78,6 +78,11 @@ public:
     Werkbalk& operator=(const Werkbalk&) = delete;
 };
 
+// From here on everything is opened and locked as readers do, whatever the modules ask: for a tool that can't write, and
+// that who may only read can run, too. `maken`: new files (O_EXCL) can be made all the same.
+void alleen_lezen(bool maken = false);
+void weer_schrijven();
+
 // A message of a tool on standard error: "ixdump: NAME: text".
 void klacht(const std::string& naam, const std::string& tekst);
 extern std::string toolnaam;

