@@ -277,8 +277,8 @@ Uitkomst druk_doe(Drukdaad daad, const std::vector<std::string>& woorden, bool p
     const bool printer = r.soort->tabel == PRT_PRINTERS;
     const bool staat = std::any_of(t.printers.begin(), t.printers.end(),
                                    [&](const prtrec& p) { return p.code == r.nummer[0]; });
-    if (weg && printer && r.nummer[0] == PRT_SCHERM)
-        return *fout = "printer 1 is the screen", FOUT_GEBRUIKT;
+    if (weg && r.nummer[0] == PRT_SCHERM)
+        return *fout = "printer 1 is the screen, which stays", FOUT_GEBRUIKT;
     if (!weg && !printer && !staat)
         return *fout = "there is no printer " + std::to_string(r.nummer[0]), FOUT_GEVONDEN;
     if (weg && printer && staat)

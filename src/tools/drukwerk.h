@@ -1,0 +1,29 @@
+// What zgdruk does besides keeping the destinations: printing a test page, sending what is left, users' printers. What is
+// asked stands in druk_wens; every answer is the tool's exit status, and what is wrong has been told.
+#pragma once
+#include "tools/paar.h"
+#include <string>
+#include <vector>
+
+namespace zg {
+
+struct Drukwens {
+    std::string map;
+    std::vector<std::string> woorden;
+    bool json = false, alles = false, voorbeeld = false;
+    int code = 0, verbinding = 0, config = 0, kopieen = 1, wacht = 10, masker = 0;
+    std::string gebruiker;
+};
+extern Drukwens druk_wens;
+
+// Bytes out of a file as what a terminal can show.
+std::string druk_toon(std::string bytes);
+Uitkomst druk_meld(Uitkomst uit, const std::string& wat);
+
+Uitkomst druk_proef();                 // a test page
+Uitkomst druk_opdrachten();            // list the jobs that are left
+Uitkomst druk_weer();                  // send those that are meant again
+Uitkomst druk_laat();                  // throw them away
+Uitkomst druk_gebruikers(bool zetten); // show the standard printers, or give one to a user who isn't at work
+
+} // namespace zg
