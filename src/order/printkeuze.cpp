@@ -1,4 +1,5 @@
 // "A&fdrukken": what of the order is printed, and where to. The choices of the last time are the defaults.
+#include "order/bestanden.h"
 #include "order/printorder.h"
 #include "order/programma.h"
 #include "order/teksten.h"
@@ -82,7 +83,8 @@ std::vector<ors_ingang> alle_regels() {
 // Opened, printed, closed. True when something went where it should.
 bool druk_af(const orderafdruk& hoe, const printwens& wens, uint16_t masker, const char* bestand) {
     const std::string titel = std::string(TXT(T_JRN_ORDER)) + " " +
-                              std::to_string(kop.ordernummer ? kop.ordernummer : int32_t{kop.leverancier});
+                              std::to_string(kop.ordernummer ? kop.ordernummer : int32_t{kop.leverancier}) +
+                              " " + VASTTEKST(leverancier.naam);
     if (!XPRT_OPEN(wens, masker, bestand, titel.c_str()))
         return false;
     if (print_order(hoe, alle_regels(), 0))
@@ -111,7 +113,8 @@ void order_afdrukken(int vraagrij) {
     std::string naam;
     if (vraag_bestand(vraagrij, doel == D_PDF ? "pdf" : "txt", &naam) &&
         druk_af(hoe, {0, PRT_BESTAND, 0}, XPRT_MASKER(), naam.c_str()))
-        MELDBOX(MELD_INFO, (std::string(TXT(T_PO_VASTGELEGD)) + " " + naam).c_str(), nullptr, nullptr);
+        MELDBOX(MELD_INFO, (std::string(TXT(T_PO_VASTGELEGD)) + " " + XPRT_BESTAND()).c_str(), nullptr,
+                nullptr);
 }
 
 } // namespace zg

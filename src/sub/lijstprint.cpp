@@ -9,6 +9,7 @@
 #include "sub/vvdeel.h"
 #include "term/keuze.h"
 #include "term/prompt.h"
+#include "term/vast.h"
 #include <cstdio>
 #include <string>
 
@@ -73,7 +74,7 @@ template <class C> void cellen(int van, C cel) {
 void kolomkop(const char* voor, int van) {
     XPRT_PRINT(" %3s  %4s  ", voor, TXT(T_TOT));
     for (int kol = van; kol < van + BLOK && kol <= balk_kolommen(); kol++)
-        XPRT_PRINT(" %3.3s", balk_naam(kol));
+        XPRT_PRINT(" %3.3s", std::string(VASTTRIM(balk_naam(kol))).c_str());
     XPRT_PRINT("\n");
 }
 

@@ -3,6 +3,7 @@
 #include "e2e/loop.h"
 #include "order/ioord.h"
 #include "shared/ioeti.h"
+#include "support/proces.h"
 #include "term/gesprek.h"
 #include "term/natl.h"
 #include "term/vast.h"
@@ -162,6 +163,53 @@ Regels           : 1                    Stuks            : 5
     EXPECT_EQ(map.restjes(), "");
 }
 
+// To a printer by its name: only to that one, and told where it can't be said which way; nothing is left of a refused job.
+TEST(Afdruk, ToAPrinterFromTheShell) {
+    Datamap map;
+    map.journaal(order_van_drie());
+    for (const char* m : {"prt", "uit"})
+        fs::create_directory(map.bestand(m));
+    schrijf_bestand(map.bestand("printers"), R"(printer 2 naam=Map
+verbinding 2 1 apparaat=uit map=1
+configuratie 2 1 kolommen=80 rijen=64
+configuratie 2 2 kolommen=132 rijen=72
+printer 3 naam=Twee
+verbinding 3 1 apparaat=uit map=1
+configuratie 3 1 kolommen=80 rijen=64 omschrijving=hoog
+configuratie 3 2 kolommen=80 rijen=0
+printer 4 naam=Kaal
+configuratie 4 1 kolommen=80 rijen=64
+)");
+    const std::string hier = "cd '" + map.pad() + "' && export ZEBPRT=prt && ";
+    ASSERT_EQ(sh(hier + "zgdruk load printers").tekst, "");
+    const struct {
+        const char *wat, *zegt;
+        int status;
+    } rijen[] = {
+        {"-p Map", "", 0},
+        {"-p map/1 -w 132", "", 0},
+        {"-p Twee -C 2", "", 0},
+        {"-p Twee", "--configuration says which:\n  1 hoog\n  2 ", 2},
+        {"-p Map -w 40", "no such", 2},
+        {"-p Map/2", "no such", 2},
+        {"-p Map/x", "no such", 2},
+        {"-p Kaal", "no such", 2},
+        {"-p SCR", "no such", 2},
+    };
+    int bestanden = 0;
+    for (const auto& r : rijen) {
+        const Uit uit = sh(hier + "ordprint " + r.wat +
+                           " 2016Z/ORD0012.JRN; s=$?; while ls PR* >/dev/null 2>&1; do sleep "
+                           "0.1; done; exit $s");
+        EXPECT_TRUE(uit.status == r.status && (*r.zegt ? uit.zegt(r.zegt) : uit.tekst.empty()))
+            << r.wat << uit.tekst;
+        bestanden += r.status == 0;
+        EXPECT_EQ(sh(hier + "grep -l 'Stuks            : 346' uit/T* | wc -l").tekst,
+                  std::to_string(bestanden) + "\n")
+            << r.wat;
+    }
+}
+
 // The same on the line screen; its line is in hand as before.
 TEST(Afdruk, FromTheLineScreen) {
     Datamap map;
@@ -190,6 +238,45 @@ TEST(Afdruk, FromTheLineScreen) {
     p.t.toetsen("<Esc><Esc>");
     p.uit();
     EXPECT_EQ(map.restjes(), "");
+}
+
+// For 40 columns only; and a long order that the user breaks off: what there was of it, and a row that says so.
+TEST(Afdruk, FortyColumnsAndBrokenOff) {
+    constexpr int REGELS = 6000;
+    Datamap map;
+    std::vector<Regel> regels(REGELS);
+    for (int i = 0; i < REGELS; i++)
+        regels[static_cast<size_t>(i)].dessin = "D" + std::to_string(i);
+    map.journaal(maak_order(maak_kop("Voorjaar"), regels));
+    fs::create_directory(map.bestand("prt"));
+    Opties opties = map.opties();
+    opties.omgeving.push_back({"ZEBPRT", map.bestand("prt")});
+    const auto argv = map.overgave();
+    map.sys(Datamap::slot() + 28, std::string("\1\0", 2)); // the mask of widths
+    Programma p(argv, opties);
+    p.eerste_order();
+    p.t.toetsen("RFKMS");
+    EXPECT_TRUE(p.t.wacht("Orderomschrijving: Voorjaar")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht("Leverancier      : 12 Mode Centrale\n")) << p.t.scherm();
+    p.t.toetsen("<End>");
+    EXPECT_TRUE(p.t.wacht("Stuks            : 6000\n")) << p.t.scherm();
+    p.t.toetsen("<Esc>");
+    EXPECT_TRUE(p.t.wacht_op(24, 1, "Uw keuze")) << p.t.scherm();
+    p.t.toetsen("RFVMT");
+    p.t.stuur("\r\033"); // typed ahead
+    EXPECT_TRUE(p.t.wacht(" Onderbreken ")) << p.t.scherm();
+    p.t.kalm();
+    p.t.stuur("j\r");
+    EXPECT_TRUE(p.t.wacht("Vastgelegd in")) << p.t.scherm();
+    p.t.toetsen("<Enter>");
+    const std::string uit = lees_bestand(map.bestand("uit/order12-010316.txt")), sterren(25, '*');
+    EXPECT_TRUE(uit.ends_with("\n" + sterren + "\n** Printen onderbroken **\n" + sterren + "\n\f"))
+        << uit.size();
+    EXPECT_NE(uit.find(" D0 "), uit.npos);
+    EXPECT_EQ(uit.find(" D5999 "), uit.npos);
+    p.t.toetsen("<Esc>");
+    p.uit();
+    EXPECT_EQ(sh("cd '" + map.pad() + "' && ls . uit | grep ^PR").tekst, "");
 }
 
 // A piece of the first series of supplier 10's first order comes in, its second series goes.
@@ -223,6 +310,13 @@ TEST(Afdruk, FullRegistration) {
     const auto voor = map.inhoud();
     const std::string kort = ordprint(map, "-n 1002 2016Z/ORD0010.JRN"),
                       vol = ordprint(map, "-n 1002 -f full 2016Z/ORD0010.JRN");
+    sh("chmod -R a+rX '" + map.pad() + "'");
+    const auto lezer = in_proces([&] { // who may only read
+        if (geteuid() == 0 && setuid(65534) != 0)
+            return 9;
+        return ordprint(map, "-n 1002 2016Z/ORD0010.JRN") == kort ? 0 : 1;
+    });
+    EXPECT_EQ(lezer.status, 0) << lezer.uitvoer;
     EXPECT_EQ(DemoMap::verschil(voor, map.inhoud()), "");
     EXPECT_NE(vol.find("    010216-140216      35 "), vol.npos) << vol;
     EXPECT_NE(vol.find("    besteld            46    9   14   14    9\n"), vol.npos) << vol;

@@ -72,6 +72,7 @@ TEST_F(Druk, AddChangeRemove) {
         {"add tekst 40 1 17 tekst=utf8", 2},
         {"add tekst 40 1 3 tekst=x", 0},
         {"remove printer 1", 2},
+        {"remove verbinding 1 1", 2},
         {"frob", 2},
     };
     for (const auto& r : rijen) {
