@@ -188,7 +188,9 @@ TEST_F(Kasmut, NothingLostBesideABatchRun) {
              keer++) // a run doesn't wait: one try is lost among the writers
             open = kasmut_open(0);
         if (open) {
-            rename(BESTAND, ("UIT." + std::to_string(gehaald++)).c_str());
+            rename(BESTAND, "WEG");
+            schrijf_bestand("UIT." + std::to_string(gehaald++), lees_bestand("WEG"));
+            IOUNLINK("WEG"); // what is written into it from now on is lost
             kasmut_close();
         }
         return std::to_string(gehaald);
