@@ -160,7 +160,7 @@ TEST_F(Wachtrij, FromTheLineScreen) {
 }
 
 // Not yet seen to pass: which key makes the turn of the line screen that tells.
-TEST_F(Wachtrij, DISABLED_RefusedBehindTheOpening) {
+TEST_F(Wachtrij, RefusedBehindTheOpening) {
     const std::string init("\x1B@\0", 3), exit("\0Z", 2);
     // Behind it, in the preview: told with what the scheduler said; the report is kept, and goes out when it is sent again.
     int n = 0;
