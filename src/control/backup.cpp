@@ -104,7 +104,7 @@ uint16_t datum(const std::string& regel) {
             dag = getal(w[i - 1], 1, 2);
         if (!dag)
             continue;
-        char tekst[16];
+        char tekst[40];
         snprintf(tekst, sizeof tekst, "%02d%02d%04d", dag, m, jaar);
         return DATUMNR(tekst);
     }
