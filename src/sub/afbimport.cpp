@@ -27,7 +27,7 @@ LIJST* lijst;
 // "ROOD.JPG" with 1 is "ROOD.01.JPG": behind the extension it would be no picture any more.
 std::string met_suffix(const std::string& naam, int nr) {
     const size_t punt = naam.rfind('.');
-    char tussen[8];
+    char tussen[16];
     snprintf(tussen, sizeof tussen, ".%02d", nr);
     return naam.substr(0, punt) + tussen + naam.substr(punt);
 }
