@@ -163,7 +163,7 @@ TEST(Modem, Conversations) {
         {BELT, {{"ATD", "...\r\n\r\n"}}, MD_TIJD, 9},
         {BELT, {{"ATD", "...\x01\x02\xFF"}}, MD_TIJD, 9},
         {BELT, {{"ATD", "...xx"}}, MD_ERROR, 9},
-        {BELT, {{"ATD", "hang up"}}, MD_NO_CARRIER, 3},
+        {BELT, {{"\r", "hang up"}}, MD_NO_CARRIER, 3},
         {STELT_IN, {{"ATZ\r", ""}, {"AT&F\r", "OK\r\n"}}, 0, 5},
         {STELT_IN,
          {{"ATZ\r", "ATZ\r\r\nOK\r\n"}, {"AT&F\r", "AT&F\r\r\nOK\r\n"}, {"AT\r", "AT\r\r\nOK\r\n"}},
