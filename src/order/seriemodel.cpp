@@ -10,7 +10,15 @@ namespace zg {
 namespace {
 
 // The items; their numbers are places in ORDPARM.SYS (modelvraag + number).
-enum Modelitem { MOD_MERK, MOD_MODEL, MOD_ARTGROEP, MOD_ETIKETSOORT, MOD_MAATSOORT, MOD_OPMERKING, MOD_AFBEELDING };
+enum Modelitem {
+    MOD_MERK,
+    MOD_MODEL,
+    MOD_ARTGROEP,
+    MOD_ETIKETSOORT,
+    MOD_MAATSOORT,
+    MOD_OPMERKING,
+    MOD_AFBEELDING
+};
 
 constexpr int HOOGTE = 11;
 

@@ -1,7 +1,6 @@
 // The files of the registration, and the record of a series: read, held, written; its mutations. Its numbers:
 // sub/serienummer.cpp.
 #include "sub/omserie.h"
-#include "sub/afb_hdl.h"
 #include "shared/files.h"
 #include "shared/ioeti.h"
 #include "shared/ioink.h"
@@ -9,6 +8,7 @@
 #include "shared/mutatie.h"
 #include "shared/report.h"
 #include "shared/sleutelstand.h"
+#include "sub/afb_hdl.h"
 #include "sub/serienummer.h"
 #include "sub/teksten.h"
 #include "term/datum.h"
