@@ -1,7 +1,12 @@
-// A report on a spool file, opened as XPRT_OPEN leaves it, for tests of where it goes.
+// For tests of where a report goes: one on a spool file, opened as XPRT_OPEN leaves it, and printers.
 #pragma once
 #include "print/printjob.h"
+#include "print/printtabel.h"
 #include "shared/files.h"
+#include "shared/syscalls.h"
+#include "support/paar.h"
+#include "support/terminal.h"
+#include "term/vast.h"
 #include <ctime>
 #include <unistd.h>
 
@@ -33,6 +38,51 @@ template <class F> bool binnen(F waar) { // a generous limit
             return false;
     return true;
 }
+// A directory with print tables, and programs in front of the system's.
+struct Printmap : testing::Test {
+    TijdelijkeMap tijdelijk;
+    std::string pad = getenv("PATH");
+    Printmap() {
+        for (const char* m : {"prt", "bin", "2016Z", "uit", "elders"})
+            SYS.mkdir(m, 0777);
+        setenv("ZEBPRT", "prt", 1);
+        setenv("PATH", (tijdelijk.pad() + "/bin:" + pad).c_str(), 1);
+    }
+    ~Printmap() override {
+        for (const char* v : {"ZEBPRT", "SYSBUF", "MAXFMT", "MAXSYSBUF"})
+            unsetenv(v);
+        setenv("PATH", pad.c_str(), 1);
+    }
+    static void programma(const char* naam, const std::string& regels) {
+        schrijf_bestand(naam, "#!/bin/sh\n" + regels + "\n");
+        chmod(naam, 0755);
+    }
+};
+// Into the print tables.
+template <class R> void zet(Prttabel tabel, const R& rec) {
+    ICB* icb = prt_open(tabel, 2);
+    ASSERT_TRUE(icb);
+    schrijf(icb, rec);
+    IXCLOSE(icb);
+}
+inline void printer(uint16_t code, const char* naam) {
+    prtrec r{code, {}, {}};
+    VASTIN(r.naam, naam);
+    zet(PRT_PRINTERS, r);
+}
+inline void verbinding(uint16_t code, uint8_t nr, const std::string& apparaat, bool map = false) {
+    prtverbinding r{code, nr, map, {}, {}};
+    VASTIN(r.apparaat, apparaat);
+    VASTIN(r.naam, "via " + std::to_string(nr));
+    zet(PRT_VERBINDINGEN, r);
+}
+inline void config(uint16_t code, uint8_t nr, uint16_t kolommen, uint16_t rijen, const char* init = "") {
+    prtconfig r{code, nr, 1, kolommen, rijen, {}, {}, {}};
+    VASTIN(r.omschrijving, "config " + std::to_string(nr));
+    VASTIN(r.init, init);
+    zet(PRT_CONFIGS, r);
+}
+
 inline bool leeg() { // nothing lies here of print jobs any more
     return binnen([] { return FILES_PRESENT("PR*") == 0; });
 }

@@ -61,7 +61,8 @@ TEST_F(Doorgeef, PrinterPort) {
             scherm();
             TOETS();
             if (afgebroken)
-                SYS.pread = [](int fd, void* b, size_t n, off_t p) { // typed in the first block, a second later
+                SYS.pread = [](int fd, void* b, size_t n,
+                               off_t p) { // typed in the first block, a second later
                     SYS.pread = ::pread;
                     for (const time_t nu = time(nullptr); time(nullptr) == nu;)
                         usleep(5000);

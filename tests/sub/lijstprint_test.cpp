@@ -1,6 +1,5 @@
 // The printed lists of distributions and runs: blocks of sizes, one type and all, from their lists on the screen.
-#include "print/printtabel.h"
-#include "print/xprt.h"
+#include "print/afdruk.h"
 #include "shared/leesstam.h"
 #include "shared/maatbalk.h"
 #include "sub/lijstprint.h"
@@ -72,23 +71,9 @@ struct Lijstprint : Systeem {
         setenv("ZEBPRT", "prt", 1);
         printtabellen t;
         prt_lees(&t);
-        auto erbij = [](Prttabel tabel, const auto& rec) {
-            ICB* icb = prt_open(tabel, 2);
-            ASSERT_TRUE(icb);
-            schrijf(icb, rec);
-            IXCLOSE(icb);
-        };
-        prtrec p{2, {}, {}};
-        VASTIN(p.naam, "Archief");
-        erbij(PRT_PRINTERS, p);
-        prtverbinding v{2, 1, 1, {}, {}};
-        VASTIN(v.apparaat, "papier");
-        erbij(PRT_VERBINDINGEN, v);
-        for (const uint8_t nr : {uint8_t{1}, uint8_t{2}}) { // 80 columns won't do, whatever the slot says
-            prtconfig c{};
-            c.code = 2, c.nummer = nr, c.kolommen = nr == 1 ? 80 : 132, c.rijen = 66;
-            erbij(PRT_CONFIGS, c);
-        }
+        test::printer(2, "Archief");
+        verbinding(2, 1, "papier", true);
+        config(2, 1, 80, 66), config(2, 2, 132, 66); // 80 columns won't do, whatever the slot says
         const printwens wens{2, 0, 0};
         memcpy(gebruiker.vrij18, &wens, sizeof wens);
         gebruiker.opties = PRT_80 | PRT_KORT;
