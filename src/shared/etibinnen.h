@@ -26,6 +26,7 @@ bool beschadigd(int32_t nr, const char* fmt, ...) __attribute__((format(printf, 
 // damaged.
 bool lees(int32_t nr, bool mee_lezen = false);
 bool lees_los(int32_t nr, etiblok* naar); // without ownership and memory
+void vergeet_mee();                       // what was read along, because a block is written
 // Go on from the block in memory. 1, or 0 at the end, -1 damaged.
 int volgend_blok(int64_t* stappen);
 [[noreturn]] void stop(int32_t nr);

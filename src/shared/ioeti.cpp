@@ -8,58 +8,23 @@
 #include "shared/teksten.h"
 #include <algorithm>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <set>
-#include <string>
 #include <unordered_map>
 
 namespace zg {
-namespace eti {
 
-int fd = -1;
-bool gewapend;
-seriesleutel serie;
-int32_t* kop;
-etiblok blok;
-int32_t blok_nr = -1;
-char letter;
+using namespace eti;
 
 namespace {
 
-etischade schade;
 int32_t getal20;
 
 // Where a walk stands: the place given last. Behind the tenth when the chain has ended.
 int32_t plek_blok = -1;
 int plek;
 int64_t stappen; // blocks of the walk
-
-// Blocks that a walk has read along with the one it came to: those of a chain mostly lie one behind the other. A block that
-// is written isn't in it any more.
-constexpr int MEEGELEZEN = 32;
-struct {
-    int32_t van;
-    int aantal;
-    etiblok blokken[MEEGELEZEN];
-} mee;
-
-// Into memory from there; read with those behind it when it isn't there yet.
-bool lees_mee(int32_t nr) {
-    if (nr < mee.van || nr - mee.van >= mee.aantal) {
-        if (nr > ioeti_hoogste_blok())
-            return false;
-        const ssize_t n = SYSLEES(fd, mee.blokken, sizeof mee.blokken, begin(nr));
-        mee.van = nr;
-        mee.aantal = n > 0 ? static_cast<int>(n / static_cast<ssize_t>(sizeof(etiblok))) : 0;
-        if (!mee.aantal)
-            return false;
-    }
-    blok = mee.blokken[nr - mee.van];
-    return true;
-}
 
 // No place in front of this one is free; block -1: not known.
 int32_t zoek_blok = -1;
@@ -131,7 +96,7 @@ int zoek_label(int32_t* nummer, etiket* label) {
 }
 
 int eerste(int32_t* nummer, etiket* label) {
-    mee.aantal = 0;
+    vergeet_mee();
     stappen = 1;
     plek_blok = *nummer;
     plek = 0;
@@ -167,7 +132,7 @@ bool schrijf_plaats(int plaats, const uint8_t* bytes) {
     uint8_t* oud = blok.plaats[plaats];
     if (!memcmp(oud, bytes, ETIPLAATS))
         return true;
-    mee.aantal = 0;
+    vergeet_mee();
     if (SYSSCHRIJFOP(fd, bytes, ETIPLAATS, plaats_van(blok_nr, plaats))) {
         memcpy(oud, bytes, ETIPLAATS);
         return true;
@@ -202,7 +167,7 @@ bool vrije_plaats(int* plaats) {
     if (nr < 0)
         return false;
     if (!lees(nr))
-        stop(schade.blok);
+        stop(ioeti_schade().blok);
     for (int64_t gelopen = 1;;) {
         for (; *plaats < ETIPLAATSEN; ++*plaats)
             if (eti_status(blok.plaats[*plaats]) == ETI_VRIJ && te_nummeren(blok_nr, *plaats)) {
@@ -212,7 +177,7 @@ bool vrije_plaats(int* plaats) {
             }
         const int verder = volgend_blok(&gelopen);
         if (verder < 0)
-            stop(schade.blok);
+            stop(ioeti_schade().blok);
         if (!verder)
             break;
         *plaats = 0;
@@ -282,7 +247,7 @@ int nieuw(int32_t* nummer, const etiket& label) {
         while (verder > 0)
             verder = volgend_blok(&gelopen);
         if (verder < 0)
-            stop(schade.blok);
+            stop(ioeti_schade().blok);
         laatste = blok_nr;
     }
     if (!nieuw_blok(laatste, label.etiketsoort, nullptr, &nr))
@@ -308,67 +273,8 @@ void open_bestand() {
 
 } // namespace
 
-int64_t blokken() {
-    const int64_t omvang = SYSOMVANG(fd);
-    return (omvang + static_cast<int64_t>(sizeof(etiblok)) - 1) / static_cast<int64_t>(sizeof(etiblok));
-}
-
-bool beschadigd(int32_t nr, const char* fmt, ...) {
-    va_list lijst;
-    va_start(lijst, fmt);
-    vsnprintf(schade.reden, sizeof schade.reden, fmt, lijst);
-    va_end(lijst);
-    schade.blok = nr;
-    return false;
-}
-
-bool lees_los(int32_t nr, etiblok* naar) {
-    if (nr < 0 || nr > ioeti_hoogste_blok())
-        return beschadigd(nr, "%s", TXT(T_ETI_ONGELDIG));
-    const ssize_t n = SYSLEES(fd, naar, sizeof *naar, begin(nr));
-    if (n < 0)
-        return beschadigd(nr, "%s", TXT(T_ETI_FOUTIEF));
-    return n == static_cast<ssize_t>(sizeof *naar) || beschadigd(nr, "%s", TXT(T_ETI_BUITEN));
-}
-
-bool lees(int32_t nr, bool mee_lezen) {
-    if (nr != blok_nr || nr < 0) {
-        blok_nr = -1;
-        if (!(mee_lezen && lees_mee(nr)) && !lees_los(nr, &blok))
-            return false;
-        blok_nr = nr;
-    }
-    return !gewapend || zelfde_serie(blok.serie, serie) ||
-           beschadigd(nr, "%s %d.%d.%d", TXT(T_ETI_NIET_VAN), serie.artikelgroep, serie.kleur,
-                      serie.volgnummer);
-}
-
-int volgend_blok(int64_t* gelopen) {
-    const int32_t van = blok_nr, naar = blok.volgende;
-    if (naar == -1)
-        return 0;
-    static int64_t grens;
-    if (++*gelopen > grens)
-        grens = blokken();
-    if (*gelopen > grens || naar == van) {
-        beschadigd(van, "%s", TXT(T_ETI_ROND));
-        return -1;
-    }
-    return lees(naar, naar == van + 1) ? 1 : -1;
-}
-
-void stop(int32_t nr) {
-    const int fout = errno;
-    gebruiker_stand(11);
-    SCRFATAL("%s(%d): a=%c,f=%d,r=%d -> %s", "ioeti", fout, letter, fd, nr, schade.reden);
-}
-
-} // namespace eti
-
-using namespace eti;
-
 int64_t ioeti_plaatsen() {
-    return eti::stappen * ETIPLAATSEN;
+    return stappen * ETIPLAATSEN;
 }
 
 int ioeti(char actie, int32_t* nummer, etiket* label) {
@@ -421,8 +327,9 @@ void ioeti_keten(const seriesleutel* van, int32_t* eerste) {
 }
 
 void ioeti_vergeet() {
-    blok_nr = zoek_blok = -1;
-    mee.aantal = 0;
+    zoek_blok = -1;
+    blok_nr = -1;
+    vergeet_mee();
 }
 
 void ioeti_heropen() {
@@ -430,17 +337,6 @@ void ioeti_heropen() {
         SYS.close(fd);
     fd = -1;
     ioeti('O', nullptr, nullptr);
-}
-
-int32_t ioeti_hoogste_blok() {
-    switch (instel15.etiketcijfers) {
-    case 6:
-        return 99'999;
-    case 8:
-        return 2'999'999;
-    default:
-        return 999'999;
-    }
 }
 
 bool ioeti_past(int64_t labels) {
@@ -477,25 +373,6 @@ void ioeti_merktoets() {
          er = ioeti_status('N', &nummer, &label, ETI_VOORRAAD))
         if (label.merk_aan)
             INTERNAL("ioeti", 5);
-}
-
-const etischade& ioeti_schade() {
-    return schade;
-}
-
-void ioeti_keur_af(int32_t nummer, const char* reden) {
-    beschadigd((nummer - 1) / ETIPLAATSEN, "%s", reden);
-}
-
-void ioeti_schademeld(const seriesleutel& van, bool eens) {
-    static std::set<std::string> verteld;
-    char regel[80];
-    snprintf(regel, sizeof regel, TXT(T_ETI_SCHADE), BESTAND, van.artikelgroep, van.kleur, van.volgnummer,
-             schade.blok);
-    const std::string reden = schade.reden;
-    const bool nieuw = verteld.insert(regel + reden).second;
-    if (nieuw || !eens)
-        ALARMBOX(regel, reden.c_str());
 }
 
 } // namespace zg

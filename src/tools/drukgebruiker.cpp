@@ -4,8 +4,6 @@
 #include "shared/files.h"
 #include "shared/iotab.h"
 #include "tools/drukwerk.h"
-#include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -15,7 +13,7 @@ namespace {
 constexpr int GEBRUIKERS = 98;
 
 std::string gebruikersnaam(const gebruikerslot& g) {
-    return druk_toon(gebruiker_naam(g));
+    return toon(gebruiker_naam(g));
 }
 
 void toon_gebruiker(int32_t nr, const gebruikerslot& g) {
@@ -50,12 +48,12 @@ int32_t zoek_gebruiker(const std::string& wie) {
 // Show the standard printers, or give one to a user who isn't at work.
 Uitkomst druk_gebruikers(bool zetten) {
     if (!IOEXISTS("DTSYS.TXT"))
-        return druk_meld(NIET_TE_OPENEN, std::string("DTSYS.TXT: ") + strerror(ENOENT));
+        return meld(NIET_TE_OPENEN, std::string("DTSYS.TXT: ") + strerror(ENOENT));
     int32_t eerste = 0, nr = 0;
     gebruikerslot g;
     iotab('O', &eerste, nullptr, SYS_RECORD);
     if (!druk_wens.gebruiker.empty() && (nr = zoek_gebruiker(druk_wens.gebruiker)) == 0)
-        return druk_meld(FOUT_GEVONDEN, "no such user: " + druk_wens.gebruiker);
+        return meld(FOUT_GEVONDEN, "no such user: " + druk_wens.gebruiker);
     if (!zetten) {
         for (int32_t i = 1; i <= GEBRUIKERS; i++)
             if (int32_t slot = i;
@@ -67,18 +65,17 @@ Uitkomst druk_gebruikers(bool zetten) {
     if (druk_wens.code &&
         (!prt_lees(&t) || std::none_of(t.printers.begin(), t.printers.end(),
                                        [](const prtrec& p) { return p.code == druk_wens.code; })))
-        return druk_meld(FOUT_GEVONDEN, "there is no printer " + std::to_string(druk_wens.code));
+        return meld(FOUT_GEVONDEN, "there is no printer " + std::to_string(druk_wens.code));
     if (druk_wens.verbinding &&
         std::none_of(t.verbindingen.begin(), t.verbindingen.end(), [](const prtverbinding& v) {
             return v.code == druk_wens.code && v.nummer == druk_wens.verbinding;
         }))
-        return druk_meld(FOUT_GEVONDEN,
-                         "the printer has no connection " + std::to_string(druk_wens.verbinding));
+        return meld(FOUT_GEVONDEN, "the printer has no connection " + std::to_string(druk_wens.verbinding));
     if (!iotab_probeer(&nr, &g, SYS_GEBRUIKER))
-        return druk_meld(IN_GEBRUIK, druk_wens.gebruiker + " is at work");
+        return meld(IN_GEBRUIK, druk_wens.gebruiker + " is at work");
     if (in_overgave(g)) {
         iotab('U', &nr, &g, SYS_GEBRUIKER);
-        return druk_meld(IN_GEBRUIK, druk_wens.gebruiker + " is at work");
+        return meld(IN_GEBRUIK, druk_wens.gebruiker + " is at work");
     }
     const printwens w{static_cast<uint16_t>(druk_wens.code),
                       static_cast<uint8_t>(druk_wens.voorbeeld ? PRT_VOORBEELD : 0),
@@ -86,7 +83,7 @@ Uitkomst druk_gebruikers(bool zetten) {
     memcpy(g.vrij18, &w, sizeof w);
     g.opties = static_cast<uint16_t>(druk_wens.masker);
     if (!iotab('W', &nr, &g, SYS_GEBRUIKER))
-        return druk_meld(FOUT_GEVONDEN, "not written");
+        return meld(FOUT_GEVONDEN, "not written");
     toon_gebruiker(nr, g);
     return GOED;
 }

@@ -21,18 +21,6 @@ namespace zg {
 
 Drukwens druk_wens;
 
-// Bytes out of a file as what a terminal can show.
-std::string druk_toon(std::string bytes) {
-    prt_blank(bytes.data(), bytes.size());
-    return CP850UTF8(bytes);
-}
-
-Uitkomst druk_meld(Uitkomst uit, const std::string& wat) {
-    if (uit != GOED)
-        klacht("", wat);
-    return uit;
-}
-
 namespace {
 
 using json = nlohmann::ordered_json;
@@ -72,10 +60,9 @@ Uitkomst wacht_op(const std::string& beschrijving) {
         if (hoe == Spoolpad::weg)
             return GOED;
         if (hoe == Spoolpad::blijft)
-            return druk_meld(FOUT_GEVONDEN,
-                             "not printed: " + druk_toon(job.reden) + "; kept as " + druk_toon(job.spool));
+            return meld(FOUT_GEVONDEN, "not printed: " + toon(job.reden) + "; kept as " + toon(job.spool));
         if (std::chrono::steady_clock::now() > grens)
-            return druk_meld(IN_GEBRUIK, "still being sent: " + druk_toon(spool_bestand(beschrijving)));
+            return meld(IN_GEBRUIK, "still being sent: " + toon(spool_bestand(beschrijving)));
         std::this_thread::sleep_for(STAP);
     }
 }
@@ -95,8 +82,7 @@ std::vector<spooljob> achtergebleven() {
 
 // Why it isn't out; of one whose sender died nobody knows how far it came.
 std::string reden(const spooljob& job) {
-    return job.stand == Spoolstand::bezig ? "the sender died, perhaps some of it is out"
-                                          : druk_toon(job.reden);
+    return job.stand == Spoolstand::bezig ? "the sender died, perhaps some of it is out" : toon(job.reden);
 }
 
 // Each job named, or all of them; the gravest answer counts.
@@ -106,15 +92,15 @@ Uitkomst elk(const std::function<Uitkomst(int, spooljob*)>& daad) {
         for (const spooljob& job : achtergebleven())
             namen.push_back(job.spool);
     if (namen.empty() && !druk_wens.alles)
-        return druk_meld(FOUT_GEBRUIKT, "name jobs, or --all");
+        return meld(FOUT_GEBRUIKT, "name jobs, or --all");
     Uitkomst slechtste = GOED;
     for (const std::string& naam : namen) {
         spooljob job;
         const int fd = spool_neem(spool_bestand(naam).empty() ? spool_beschrijving(naam) : naam, &job);
         Uitkomst uit;
         if (fd < 0)
-            uit = errno == EAGAIN ? druk_meld(IN_GEBRUIK, naam + ": is being sent")
-                                  : druk_meld(NIET_TE_OPENEN, naam + ": no such job");
+            uit = errno == EAGAIN ? meld(IN_GEBRUIK, naam + ": is being sent")
+                                  : meld(NIET_TE_OPENEN, naam + ": no such job");
         else {
             uit = daad(fd, &job);
             SYS.close(fd);
@@ -127,11 +113,11 @@ Uitkomst elk(const std::function<Uitkomst(int, spooljob*)>& daad) {
 Uitkomst zend(int fd, spooljob* job) {
     if (spool_start(fd, *job, true))
         return GOED;
-    const std::string naam = druk_toon(job->spool);
+    const std::string naam = toon(job->spool);
     if (errno)
-        return druk_meld(NIET_TE_OPENEN, std::string("zgspoel can't be run: ") + strerror(errno));
+        return meld(NIET_TE_OPENEN, std::string("zgspoel can't be run: ") + strerror(errno));
     spool_lees(fd, spool_beschrijving(job->spool), job);
-    return druk_meld(FOUT_GEVONDEN, naam + ": " + druk_toon(job->reden));
+    return meld(FOUT_GEVONDEN, naam + ": " + toon(job->reden));
 }
 
 } // namespace
@@ -139,23 +125,23 @@ Uitkomst zend(int fd, spooljob* job) {
 Uitkomst druk_proef() {
     printtabellen t;
     if (!prt_lees(&t))
-        return druk_meld(NIET_TE_OPENEN, "no print tables");
+        return meld(NIET_TE_OPENEN, "no print tables");
     for (const Bestemming& b : prt_bestemmingen(t, PRT_ALLES)) {
         if (b.printer.code != druk_wens.code ||
             (druk_wens.verbinding && b.verbinding.nummer != druk_wens.verbinding) ||
             (druk_wens.config && b.config.nummer != druk_wens.config))
             continue;
         if (b.printer.code == PRT_SCHERM)
-            return druk_meld(FOUT_GEBRUIKT, "printer 1 is the screen");
+            return meld(FOUT_GEBRUIKT, "printer 1 is the screen");
         if (!prt_open_op(b, t, druk_wens.kopieen, TXT(T_DRUK_PROEF)))
             return NIET_TE_OPENEN; // which was told
         proefblad(b);
         if (!XPRT_CLOSE())
             return FOUT_GEVONDEN; // as was this
-        return printopdracht.weg == Printweg::geen ? druk_meld(FOUT_GEVONDEN, "this connection has no device")
+        return printopdracht.weg == Printweg::geen ? meld(FOUT_GEVONDEN, "this connection has no device")
                                                    : wacht_op(spool_beschrijving(printopdracht.spool));
     }
-    return druk_meld(FOUT_GEVONDEN, "no such printer, connection and configuration");
+    return meld(FOUT_GEVONDEN, "no such printer, connection and configuration");
 }
 
 Uitkomst druk_opdrachten() {
@@ -166,20 +152,20 @@ Uitkomst druk_opdrachten() {
             strftime(tijd, sizeof tijd, "%Y-%m-%d %H:%M", lokaal);
         if (druk_wens.json) {
             json j;
-            j["job"] = druk_toon(job.spool);
+            j["job"] = toon(job.spool);
             j["time"] = tijd;
             j["user"] = job.sessie;
-            j["title"] = druk_toon(job.titel);
+            j["title"] = toon(job.titel);
             j["to"] = weg_naam(job.weg);
-            j["device"] = druk_toon(job.apparaat);
+            j["device"] = toon(job.apparaat);
             j["copies"] = job.kopieen;
             j["done"] = job.gedaan;
             j["reason"] = reden(job);
             puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
         } else
-            printf("%s  %s  user %d  %d/%d  %s %s  \"%s\"  %s\n", druk_toon(job.spool).c_str(), tijd,
-                   job.sessie, job.gedaan, job.kopieen, weg_naam(job.weg), druk_toon(job.apparaat).c_str(),
-                   druk_toon(job.titel).c_str(), reden(job).c_str());
+            printf("%s  %s  user %d  %d/%d  %s %s  \"%s\"  %s\n", toon(job.spool).c_str(), tijd, job.sessie,
+                   job.gedaan, job.kopieen, weg_naam(job.weg), toon(job.apparaat).c_str(),
+                   toon(job.titel).c_str(), reden(job).c_str());
     }
     return GOED;
 }
@@ -191,7 +177,7 @@ Uitkomst druk_weer() {
 Uitkomst druk_laat() {
     return elk([](int, spooljob* job) {
         spool_weg(*job);
-        return IOEXISTS(job->spool.c_str()) ? druk_meld(FOUT_GEVONDEN, job->spool + ": not removed") : GOED;
+        return IOEXISTS(job->spool.c_str()) ? meld(FOUT_GEVONDEN, job->spool + ": not removed") : GOED;
     });
 }
 

@@ -1,7 +1,7 @@
 // What zgdruk does besides keeping the destinations: printing a test page, sending what is left, users' printers. What is
 // asked stands in druk_wens; every answer is the tool's exit status, and what is wrong has been told.
 #pragma once
-#include "tools/paar.h"
+#include "tools/tool.h"
 #include <string>
 #include <vector>
 
@@ -15,10 +15,6 @@ struct Drukwens {
     std::string gebruiker;
 };
 extern Drukwens druk_wens;
-
-// Bytes out of a file as what a terminal can show.
-std::string druk_toon(std::string bytes);
-Uitkomst druk_meld(Uitkomst uit, const std::string& wat);
 
 Uitkomst druk_proef();                 // a test page
 Uitkomst druk_opdrachten();            // list the jobs that are left

@@ -164,22 +164,16 @@ int main(int argc, char** argv) {
             fprintf(stderr, "  %-9s %s\n", t.naam, t.wat);
         return FOUT_GEBRUIKT;
     }
-    toolnaam = tool->naam;
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGXFSZ, SIG_IGN);
+    tool_begin(tool->naam);
 
     Opdracht o;
     std::string een;
     CLI::App app{std::string(tool->wat) + ".\n" + tool->uitleg, tool->naam};
-    app.set_version_flag("--version", std::string(tool->naam) + " 8.70");
-    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
     for (const char* p = tool->opties; *p; p++)
         optie(app, *p, o, een);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
     if (!een.empty())
         o.namen.push_back(een);
     wachtseconden = o.wacht;
@@ -188,9 +182,5 @@ int main(int argc, char** argv) {
     int uitkomst = tool->doe(o);
     if (ixsh_sein)
         ga_weg(uitkomst);
-    if (fflush(stdout) != 0) {
-        klacht("", "standard output: write failed");
-        return FOUT_GEVONDEN;
-    }
-    return uitkomst;
+    return tool_einde(uitkomst);
 }

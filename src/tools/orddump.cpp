@@ -10,7 +10,6 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -142,14 +141,12 @@ int een(const Wens& w, const std::string& pad) {
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "orddump";
-    signal(SIGPIPE, SIG_DFL);
+    tool_begin("orddump");
     Wens w;
     CLI::App app{"print order journals and work files, and check them.\n"
                  "No lock is taken; a file in use can be read.",
                  "orddump"};
-    app.set_version_flag("--version", "orddump 8.70");
-    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
     app.add_option("FILE", w.bestanden, "journals (.JRN) and work files (.WRK)")->required();
     app.add_flag("-j,--json", w.json, "JSON lines");
     app.add_flag("-c,--check", w.check, "only check, one line a file");
@@ -157,11 +154,8 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"journal", "work"}));
     app.add_option("-b,--branches", w.filialen, "number of branches of the firm, to check branch indexes")
         ->check(CLI::Range(1, 250));
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
     // The gravest answer counts: a file that can't be opened above one that is wrong above one in use.
     int uitkomst = GOED;
     const std::array<int, 5> gewicht = {0, 2, 0, 3, 1};
@@ -170,9 +164,5 @@ int main(int argc, char** argv) {
         if (gewicht[static_cast<size_t>(deze)] > gewicht[static_cast<size_t>(uitkomst)])
             uitkomst = deze;
     }
-    if (fflush(stdout) != 0 || ferror(stdout)) {
-        klacht("", "standard output: write failed");
-        return FOUT_GEVONDEN;
-    }
-    return uitkomst;
+    return tool_einde(uitkomst);
 }

@@ -23,7 +23,6 @@
 #include <cerrno>
 #include <charconv>
 #include <climits>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -47,15 +46,10 @@ Wens wens;
 
 constexpr int BREEDTE = 80, BLADRIJEN = 64;
 
-// A report ends the tool in one line instead of the box of the screens.
-void rapport() {
-    const char* reden = SCRFATALREDEN();
-    fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(),
-            CP850UTF8(SCRFATALTEKST()).c_str(), reden);
+// Before a report ends the tool: a job that was begun goes.
+void laat_job() {
     if (printopdracht.open)
         prt_job_weg();
-    fflush(nullptr);
-    _exit(NIET_TE_OPENEN);
 }
 
 // DIR/2016Z/ORD0012.JRN: its data directory, season and supplier. False when it isn't called so.
@@ -249,13 +243,10 @@ int doe() {
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "ordprint";
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGXFSZ, SIG_IGN);
+    tool_begin("ordprint", laat_job);
     CLI::App app{"print orders of a journal.\nIt reads beside programs at work and keeps nobody out.",
                  "ordprint"};
-    app.set_version_flag("--version", "ordprint 8.70");
-    app.footer("Exit status: 0 good, 1 no such order, 2 used wrong, 3 cannot open or print.");
+    tool_kop(app, "0 good, 1 no such order, 2 used wrong, 3 cannot open or print.");
     app.add_option("JOURNAL", wens.journaal, "SEASON/ORDnnnn.JRN of a data directory")->required();
     app.add_option("-n,--number", wens.nummer, "only the order with this number")
         ->check(CLI::Range(1, INT_MAX));
@@ -274,11 +265,7 @@ int main(int argc, char** argv) {
         ->check(CLI::Range(1, 255))
         ->needs(printer);
     app.add_option("-c,--copies", wens.kopieen, "copies, on a printer")->check(CLI::Range(1, 20));
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
-    SCRFATALHAAK = rapport;
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
     return doe();
 }

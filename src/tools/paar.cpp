@@ -20,12 +20,6 @@
 
 namespace zg {
 
-std::string toolnaam = "ixtool";
-
-void klacht(const std::string& naam, const std::string& tekst) {
-    fprintf(stderr, "%s: %s%s%s\n", toolnaam.c_str(), naam.c_str(), naam.empty() ? "" : ": ", tekst.c_str());
-}
-
 Paar::~Paar() {
     if (dat >= 0)
         SYS.close(dat);

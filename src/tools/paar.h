@@ -4,14 +4,12 @@
 #pragma once
 #include "store/ix.h"
 #include "tools/indeling.h"
+#include "tools/tool.h"
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace zg {
-
-// Exit status of every tool.
-enum Uitkomst { GOED = 0, FOUT_GEVONDEN = 1, FOUT_GEBRUIKT = 2, NIET_TE_OPENEN = 3, IN_GEBRUIK = 4 };
 
 struct Paar {
     std::string naam; // path without extension
@@ -82,9 +80,5 @@ public:
 // that who may only read can run, too. `maken`: new files (O_EXCL) can be made all the same.
 void alleen_lezen(bool maken = false);
 void weer_schrijven();
-
-// A message of a tool on standard error: "ixdump: NAME: text".
-void klacht(const std::string& naam, const std::string& tekst);
-extern std::string toolnaam;
 
 } // namespace zg

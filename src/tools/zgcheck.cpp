@@ -12,7 +12,6 @@
 #include "tools/registerkeur.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
@@ -29,21 +28,12 @@ struct Wens {
 };
 Wens wens;
 
-// A report ends the tool in one line instead of the box of the screens.
-void rapport() {
-    const char* reden = SCRFATALREDEN();
-    fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST(), reden);
-    fflush(nullptr);
-    _exit(NIET_TE_OPENEN);
-}
-
 // The store's wait routine: who is in the way is told, and it ends.
 void wacht(ICB* icb) {
     static int gewacht;
     if (++gewacht > wens.wacht * 5) {
         klacht(icb ? icb->path : "", "in use; nothing was changed");
-        fflush(nullptr);
-        _exit(IN_GEBRUIK);
+        tool_weg(IN_GEBRUIK);
     }
     usleep(200'000);
 }
@@ -147,14 +137,11 @@ int keur() {
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "zgcheck";
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGXFSZ, SIG_IGN);
+    tool_begin("zgcheck");
     CLI::App app{"check the full registration of a data directory: series, prices, labels, codes, orders.\n"
                  "It reads beside programs at work; an index that looks wrong is held for a moment.",
                  "zgcheck"};
-    app.set_version_flag("--version", "zgcheck 8.70");
-    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
     app.add_option("DIR", wens.map, "data directory")->required();
     app.add_flag("-r,--repair", wens.herstel,
                  "give back what nobody has and count again, when nobody is in; then check");
@@ -163,23 +150,14 @@ int main(int argc, char** argv) {
     app.add_option("-w,--wait", wens.wacht,
                    "seconds to wait for an index that looks wrong, and for DTSER before a repair")
         ->check(CLI::Range(0, 86400));
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
     if (chdir(wens.map.c_str()) != 0 || access("DTSYS.TXT", F_OK) != 0)
         return klacht(wens.map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
     if (!wens.herstel)
         alleen_lezen();
-    SCRFATALHAAK = rapport;
     IXWAITHOOK = wacht;
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);
-    const int uitkomst = wens.herstel ? herstel() : keur();
-    if (fflush(stdout) != 0 || ferror(stdout)) {
-        klacht("", "standard output: write failed");
-        return FOUT_GEVONDEN;
-    }
-    return uitkomst;
+    return tool_einde(wens.herstel ? herstel() : keur());
 }

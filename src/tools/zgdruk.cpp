@@ -2,70 +2,53 @@
 // couldn't be sent, and the users' standard printers. The destinations are those of the print directory, as the order
 // program finds it (ZEBPRT); the rest is of the present directory.
 #include "shared/report.h"
-#include "term/natl.h"
-#include "term/scherm.h"
 #include "tools/druktekst.h"
 #include "tools/drukwerk.h"
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <functional>
-#include <unistd.h>
 
 namespace {
 
 using namespace zg;
-void rapport() {
-    klacht("", CP850UTF8(SCRFATALTEKST()));
-    fflush(nullptr);
-    _exit(NIET_TE_OPENEN);
-}
-
 Uitkomst lijst() {
     printtabellen t;
     if (!prt_lees(&t))
-        return druk_meld(NIET_TE_OPENEN, "no print tables, and none can be made");
+        return meld(NIET_TE_OPENEN, "no print tables, and none can be made");
     const std::string tekst = druk_tekst(t, druk_wens.code);
     if (tekst.empty())
-        return druk_meld(FOUT_GEVONDEN, "there is no printer " + std::to_string(druk_wens.code));
+        return meld(FOUT_GEVONDEN, "there is no printer " + std::to_string(druk_wens.code));
     fputs(tekst.c_str(), stdout);
     return GOED;
 }
 
 Uitkomst doe(Drukdaad daad) {
     std::string fout;
-    return druk_meld(druk_doe(daad, druk_wens.woorden, false, &fout), fout);
+    return meld(druk_doe(daad, druk_wens.woorden, false, &fout), fout);
 }
 
 Uitkomst laad() {
     Uitkomst uit = GOED;
     for (const std::string& pad : druk_wens.woorden)
         if (std::string fout; uit == GOED)
-            uit = druk_meld(druk_laad(pad, &fout), fout);
+            uit = meld(druk_laad(pad, &fout), fout);
     return uit;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "zgdruk";
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGXFSZ, SIG_IGN);
+    tool_begin("zgdruk");
     CLI::App app{
         "printers: the print destinations, a test page, jobs that are left, users' printers.\n"
         "The destinations are in the directory that ZEBPRT names; man zgdruk has the words of a record.",
         "zgdruk"};
-    app.set_version_flag("--version", "zgdruk 8.70");
-    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
     app.require_subcommand(1);
     app.add_option("-D,--directory", druk_wens.map, "data directory, else the present one");
     std::function<Uitkomst()> daad;
     auto opdracht = [&](const char* naam, const char* uitleg, std::function<Uitkomst()> f) {
-        CLI::App* s = app.add_subcommand(naam, uitleg);
-        s->callback([&daad, f] { daad = f; });
-        return s;
+        return tool_opdracht(app, &daad, naam, uitleg, std::move(f));
     };
     auto woorden = [](CLI::App* s, const char* naam, const char* uitleg) {
         return s->add_option(naam, druk_wens.woorden, uitleg);
@@ -112,16 +95,9 @@ int main(int argc, char** argv) {
            "-m,--mask", druk_wens.masker,
            "widths: 1, 2, 4 for 40, 80, 132 columns; 16, 32 for pages of more than 66 rows, up to 66; added")
         ->check(CLI::Range(0, 65535));
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
-    if (!druk_wens.map.empty() && chdir(druk_wens.map.c_str()) != 0)
-        return druk_meld(NIET_TE_OPENEN, druk_wens.map + ": " + strerror(errno));
-    SCRFATALHAAK = rapport;
-    const Uitkomst uit = daad();
-    if (fflush(stdout) != 0 || ferror(stdout))
-        return druk_meld(FOUT_GEVONDEN, "standard output: write failed");
-    return uit;
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
+    if (const Uitkomst uit = tool_map(druk_wens.map); uit != GOED)
+        return uit;
+    return tool_einde(daad());
 }

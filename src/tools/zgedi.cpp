@@ -8,12 +8,9 @@
 #include "term/natl.h"
 #include "term/scherm.h"
 #include "term/tekst.h"
-#include "tools/paar.h"
+#include "tools/tool.h"
 #include <CLI/CLI.hpp>
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
@@ -32,26 +29,6 @@ struct Wens {
 constexpr const char* NAMEN[] = {"ZEBEDI", "EDIDIR", "EDIRPC", "RPCHOST", "EDICMD"};
 constexpr const char* METHODEN[] = {"none", "modem", "internet"};
 constexpr char GEEN_BESTAND[] = "no DTRCMSYS.TXT here: zgedi init makes it";
-
-void rapport() {
-    klacht("", CP850UTF8(SCRFATALTEKST()));
-    fflush(nullptr);
-    _exit(NIET_TE_OPENEN);
-}
-
-Uitkomst meld(Uitkomst uit, const std::string& wat) {
-    if (uit != GOED)
-        klacht("", wat);
-    return uit;
-}
-
-// Bytes of a file as what a terminal can show.
-std::string toon(std::string bytes) {
-    for (char& c : bytes)
-        if (NKLASSE[static_cast<uint8_t>(c)] & N_CONTROL)
-            c = ' ';
-    return CP850UTF8(bytes);
-}
 
 std::string methode_naam() {
     const uint8_t m = edi_methode();
@@ -228,20 +205,14 @@ Uitkomst scherm() {
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "zgedi";
-    SCRFATALHAAK = rapport;
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGXFSZ, SIG_IGN);
+    tool_begin("zgedi");
     CLI::App app{"the electronic transfer: its settings, the mailboxes, what messages say", "zgedi"};
-    app.set_version_flag("--version", "zgedi 8.70");
-    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open.");
+    tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open.");
     app.require_subcommand(1);
     app.add_option("-D,--directory", wens.map, "data directory, else the present one");
     std::function<Uitkomst()> daad;
     auto opdracht = [&](const char* naam, const char* uitleg, std::function<Uitkomst()> f) {
-        CLI::App* s = app.add_subcommand(naam, uitleg);
-        s->callback([&daad, f] { daad = f; });
-        return s;
+        return tool_opdracht(app, &daad, naam, uitleg, std::move(f));
     };
     const CLI::IsMember wijzen({"modem", "internet"});
     opdracht("init", "make the settings, or convert those of the older form", [] { return methode(true); })
@@ -274,15 +245,9 @@ int main(int argc, char** argv) {
     check->add_option("-w,--width", wens.breedte, "cut a brand's name at so many bytes (20)")
         ->check(CLI::Range(1, 20));
     opdracht("setup", "the settings on the screen", scherm);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
-    if (!wens.map.empty() && chdir(wens.map.c_str()) != 0)
-        return meld(NIET_TE_OPENEN, wens.map + ": " + strerror(errno));
-    const Uitkomst uit = daad();
-    if (fflush(stdout) != 0 || ferror(stdout))
-        return meld(FOUT_GEVONDEN, "standard output: write failed");
-    return uit;
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
+    if (const Uitkomst uit = tool_map(wens.map); uit != GOED)
+        return uit;
+    return tool_einde(daad());
 }

@@ -9,13 +9,11 @@
 #include "tools/macrotekst.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <functional>
 #include <nlohmann/json.hpp>
-#include <unistd.h>
 
 namespace {
 
@@ -27,18 +25,6 @@ struct Wens {
     std::vector<std::string> woorden;
     bool json = false;
 } wens;
-
-void rapport() {
-    klacht("", CP850UTF8(SCRFATALTEKST()));
-    fflush(nullptr);
-    _exit(NIET_TE_OPENEN);
-}
-
-Uitkomst meld(Uitkomst uit, const std::string& wat) {
-    if (uit != GOED)
-        klacht("", wat);
-    return uit;
-}
 
 Uitkomst geen_tabel() {
     const int fout = errno;
@@ -161,41 +147,29 @@ Uitkomst weg() {
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "zgmacro";
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGXFSZ, SIG_IGN);
+    tool_begin("zgmacro");
     CLI::App app{
         "the users' keyboard macros, in the directory that MACRO names; man zgmacro has the words of a line.",
         "zgmacro"};
-    app.set_version_flag("--version", "zgmacro 8.70");
-    app.footer("Exit status: 0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
+    tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
     app.require_subcommand(1);
     app.add_option("-D,--directory", wens.map, "data directory, else the present one");
     std::function<Uitkomst()> daad;
     auto opdracht = [&](const char* naam, const char* uitleg, std::function<Uitkomst()> f) {
-        CLI::App* s = app.add_subcommand(naam, uitleg);
-        s->callback([&daad, f] { daad = f; });
-        return s;
+        return tool_opdracht(app, &daad, naam, uitleg, std::move(f));
     };
-    CLI::App* toon = opdracht("list", "the macros, as lines for load", lijst);
-    toon->add_option("USER", wens.gebruiker, "this user's only");
-    toon->add_flag("-j,--json", wens.json, "JSON lines");
+    CLI::App* list = opdracht("list", "the macros, as lines for load", lijst);
+    list->add_option("USER", wens.gebruiker, "this user's only");
+    list->add_flag("-j,--json", wens.json, "JSON lines");
     opdracht("load", "add or change what files say, all of it or nothing", laad)
         ->add_option("FILE", wens.woorden, "lines as list gives them")
         ->required();
-    CLI::App* uit = opdracht("remove", "macros of a user", weg);
-    uit->add_option("USER", wens.gebruiker, "his number")->required();
-    uit->add_option("KEY", wens.woorden, "their keys, else all of them");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
-    if (!wens.map.empty() && chdir(wens.map.c_str()) != 0)
-        return meld(NIET_TE_OPENEN, wens.map + ": " + strerror(errno));
-    SCRFATALHAAK = rapport;
-    const Uitkomst status = daad();
-    if (fflush(stdout) != 0 || ferror(stdout))
-        return meld(FOUT_GEVONDEN, "standard output: write failed");
-    return status;
+    CLI::App* remove = opdracht("remove", "macros of a user", weg);
+    remove->add_option("USER", wens.gebruiker, "his number")->required();
+    remove->add_option("KEY", wens.woorden, "their keys, else all of them");
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
+    if (const Uitkomst uit = tool_map(wens.map); uit != GOED)
+        return uit;
+    return tool_einde(daad());
 }

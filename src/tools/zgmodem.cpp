@@ -2,7 +2,7 @@
 #include "edi/modem.h"
 #include "term/natl.h"
 #include "term/scherm.h"
-#include "tools/paar.h"
+#include "tools/tool.h"
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdio>
@@ -19,12 +19,6 @@ struct Wens {
     bool puls = false, direct = false;
     int houden = 0;
 } wens;
-
-void rapport() {
-    klacht("", CP850UTF8(SCRFATALTEKST()));
-    fflush(nullptr);
-    _exit(NIET_TE_OPENEN);
-}
 
 void op_sein(int) {
     mdafbreken = 1;
@@ -76,16 +70,14 @@ Uitkomst zend() {
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "zgmodem";
-    SCRFATALHAAK = rapport;
+    tool_begin("zgmodem");
     for (int sein : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction s {};
         s.sa_handler = op_sein;
         sigaction(sein, &s, nullptr);
     }
     CLI::App app{"a modem on a serial port: does it answer, does it dial", "zgmodem"};
-    app.set_version_flag("--version", "zgmodem 8.70");
-    app.footer("Exit status: 0 good, 1 the modem says no, 2 used wrong, 3 cannot open the port.");
+    tool_kop(app, "0 good, 1 the modem says no, 2 used wrong, 3 cannot open the port.");
     app.require_subcommand(1);
     app.fallthrough();
     modemlijn& l = wens.lijn;
@@ -101,10 +93,8 @@ int main(int argc, char** argv) {
         ->check(CLI::Range(1, 60));
     app.add_flag("--hangup", l.ophangen, "hang up at the end");
     std::function<Uitkomst()> daad;
-    auto opdracht = [&](const char* naam, const char* uitleg, Uitkomst (*f)()) {
-        CLI::App* s = app.add_subcommand(naam, uitleg);
-        s->callback([&daad, f] { daad = f; });
-        return s;
+    auto opdracht = [&](const char* naam, const char* uitleg, std::function<Uitkomst()> f) {
+        return tool_opdracht(app, &daad, naam, uitleg, std::move(f));
     };
     opdracht("test", "reset and initialise it", proef);
     CLI::App* dial = opdracht("dial", "initialise it and dial", bel);
@@ -118,11 +108,8 @@ int main(int argc, char** argv) {
     opdracht("send", "send a command and show the answers", zend)
         ->add_option("COMMAND", wens.tekst, "as ATI")
         ->required();
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
     l.pariteit = wens.pariteit[0];
     l.kieswijze = wens.puls ? 'P' : 'T';
     if (!mdopen(l)) {

@@ -10,13 +10,10 @@
 #include "term/natl.h"
 #include "term/scherm.h"
 #include "term/vast.h"
-#include "tools/paar.h"
+#include "tools/tool.h"
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
@@ -31,20 +28,6 @@ struct Wens {
     bool json = false;
     int code = 0;
 } wens;
-
-void rapport() {
-    const char* reden = SCRFATALREDEN();
-    klacht("", CP850UTF8(SCRFATALTEKST()) + (*reden ? std::string(" (") + reden + ")" : ""));
-    fflush(nullptr);
-    _exit(NIET_TE_OPENEN);
-}
-
-// Bytes out of a file as what a terminal can show.
-std::string toon(std::string bytes) {
-    std::replace_if(
-        bytes.begin(), bytes.end(), [](char c) { return static_cast<uint8_t>(c) < ' ' || c == 127; }, ' ');
-    return CP850UTF8(bytes);
-}
 
 struct Gebruiker {
     int32_t nr;
@@ -164,21 +147,16 @@ Uitkomst lees_backup() {
 } // namespace
 
 int main(int argc, char** argv) {
-    toolnaam = "zgstatus";
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGXFSZ, SIG_IGN);
+    tool_begin("zgstatus");
     CLI::App app{"may the package start work: its state shown and set, who is in, what waits for the tills",
                  "zgstatus"};
-    app.set_version_flag("--version", "zgstatus 8.70");
-    app.footer("Exit status: 0 free, or done; 1 shut, or refused; 2 used wrong; 3 cannot open.");
+    tool_kop(app, "0 free, or done; 1 shut, or refused; 2 used wrong; 3 cannot open.");
     app.require_subcommand(0, 1);
     app.add_option("-D,--directory", wens.map, "data directory, else the present one");
     app.add_flag("-j,--json", wens.json, "what is shown as JSON");
     std::function<Uitkomst()> daad = laat_zien;
     auto opdracht = [&](const char* naam, const char* uitleg, std::function<Uitkomst()> f) {
-        CLI::App* s = app.add_subcommand(naam, uitleg);
-        s->callback([&daad, f] { daad = f; });
-        return s;
+        return tool_opdracht(app, &daad, naam, uitleg, std::move(f));
     };
     opdracht("show", "state, users, tills: what is done without a command", laat_zien)
         ->add_flag("-j,--json", wens.json, "as JSON");
@@ -193,19 +171,12 @@ int main(int argc, char** argv) {
         ->required();
     opdracht("backup", "read the report of the backup program, then show", lees_backup)
         ->add_option("REPORTS", wens.verslag, "directory of result.bu, else /tmp");
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
-    }
-    if (!wens.map.empty() && chdir(wens.map.c_str()) != 0)
-        return klacht(wens.map, strerror(errno)), NIET_TE_OPENEN;
-    SCRFATALHAAK = rapport;
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
+    if (const Uitkomst uit = tool_map(wens.map); uit != GOED)
+        return uit;
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);
     sys_lees();
-    const Uitkomst uit = daad();
-    if (fflush(stdout) != 0 || ferror(stdout))
-        return klacht("", "standard output: write failed"), FOUT_GEVONDEN;
-    return uit;
+    return tool_einde(daad());
 }

@@ -1,0 +1,41 @@
+// How a tool at the shell begins, speaks and ends.
+#pragma once
+#include <functional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace zg {
+
+// Exit status of every tool.
+enum Uitkomst { GOED = 0, FOUT_GEVONDEN = 1, FOUT_GEBRUIKT = 2, NIET_TE_OPENEN = 3, IN_GEBRUIK = 4 };
+
+extern std::string toolnaam;
+// A message on standard error: "ixdump: NAME: text".
+void klacht(const std::string& naam, const std::string& tekst);
+// The answer, told with what is wrong unless it is GOED.
+Uitkomst meld(Uitkomst uit, const std::string& wat);
+// Bytes out of a file, code page 850, as what a terminal can show: UTF-8, controls as blanks.
+std::string toon(std::string bytes);
+// Out now, whatever is under way: streams are flushed, nothing is unwound.
+[[noreturn]] void tool_weg(int uit);
+
+// Before anything else in main: the tool's name, the signals of a filter, and a report ends it in one line with
+// NIET_TE_OPENEN, behind `eerst`.
+void tool_begin(const char* naam, void (*eerst)() = nullptr);
+// Its version, and the line on its exit status under the help.
+void tool_kop(CLI::App& app, const char* statussen);
+// The words given: false when they are wrong or ask for help, which has been told, and *uit is what main answers.
+bool tool_woorden(CLI::App& app, int argc, char** argv, int* uit);
+// Into the data directory; "" stays in the present one. GOED, or NIET_TE_OPENEN, told.
+Uitkomst tool_map(const std::string& map);
+// What main answers: `uit`, unless standard output couldn't be written: told, FOUT_GEVONDEN.
+int tool_einde(int uit);
+
+// A command of a tool that has several; what was asked for is left in *daad by tool_woorden.
+CLI::App* tool_opdracht(CLI::App& app, std::function<Uitkomst()>* daad, const char* naam, const char* uitleg,
+                        std::function<Uitkomst()> f);
+
+} // namespace zg
