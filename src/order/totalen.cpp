@@ -59,8 +59,10 @@ void regels(const std::function<void(const orderregel* regel, Serie serie, const
     Serie serie;
     labelsom som;
     ors_ingang ingang{};
-    for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang))
-        doe(regel_som(&loop, ingang, &regel, &serie, &som) ? &regel : nullptr, serie, som);
+    for (bool er = ors_lees('F', &ingang); er; er = ors_lees('N', &ingang)) {
+        const bool gelezen = regel_som(&loop, ingang, &regel, &serie, &som);
+        doe(gelezen ? &regel : nullptr, serie, som);
+    }
 }
 
 } // namespace
