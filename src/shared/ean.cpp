@@ -27,11 +27,19 @@ int64_t getal(std::string_view tekst) {
     return strtoll(std::string(tekst).c_str(), nullptr, 10);
 }
 
+// Weighted from the last digit on: times 1, 3, 1, 3 ...
+bool som_past(const char* tekst) {
+    int som = 0, gewicht = 1;
+    for (size_t i = strlen(tekst); i-- > 0; gewicht = 4 - gewicht)
+        som += (tekst[i] - '0') * gewicht;
+    return som % 10 == 0;
+}
+
 // The second digit of a code, which is 0, to the one that makes the sum right: at weight 3 in 13 digits, 1 in 8.
 std::string keurcijfer(std::string code) {
     for (char c = '0'; c <= '9'; c++) {
         code[1] = c;
-        if (ean_som(code.c_str()) % 10 == 0)
+        if (som_past(code.c_str()))
             break;
     }
     return code;
@@ -45,16 +53,9 @@ std::string_view trim(std::string_view tekst) {
 
 } // namespace
 
-int ean_som(const char* tekst) {
-    int som = 0, gewicht = 1;
-    for (size_t i = strlen(tekst); i-- > 0; gewicht = 4 - gewicht)
-        som += (tekst[i] - '0') * gewicht;
-    return som;
-}
-
 bool ean_geldig(const char* tekst) {
     const size_t n = strlen(tekst);
-    if (!cijfers(tekst) || (n != KORT && n != 12 && n != LANG) || ean_som(tekst) % 10 != 0)
+    if (!cijfers(tekst) || (n != KORT && n != 12 && n != LANG) || !som_past(tekst))
         return false;
     return n != KORT || (tekst[0] != '0' && (instel15.etiketcijfers != 8 || tekst[0] > '2'));
 }
@@ -136,7 +137,7 @@ std::string ean_maat(int32_t nummer) {
     char code[32];
     for (char c = '0'; c <= '9'; c++) {
         snprintf(code, sizeof code, "2013%08d%c", nummer, c);
-        if (ean_som(code) % 10 == 0)
+        if (som_past(code))
             break;
     }
     return code;

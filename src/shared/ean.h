@@ -6,7 +6,6 @@
 
 namespace zg {
 
-int ean_som(const char* cijfers);   // weighted sum from the last digit on: times 1, 3, 1, 3 ...
 bool ean_geldig(const char* tekst); // 8, 12 or 13 digits with a right sum; no label number of 8 digits
 bool ean_prefix(const char* tekst); // begins with one of the prefixes that are not internal codes
 bool ean_intern(

@@ -167,17 +167,11 @@ bool verwijder_barc(ICB* barc, const seriesleutel& serie, uint8_t maat) {
         return true;
     }
     for (int32_t ronde = barc->h.nrecs; ronde >= 0; ronde--) {
-        eanbuffer b;
-        memcpy(b.bytes,
-               eanbuffer([&] {
-                   eanrec rec{};
-                   rec.artikelgroep = serie.artikelgroep;
-                   rec.kleur = serie.kleur;
-                   rec.volgnummer = serie.volgnummer;
-                   return rec;
-               }())
-                   .bytes,
-               sizeof b.bytes);
+        eanrec rec{};
+        rec.artikelgroep = serie.artikelgroep;
+        rec.kleur = serie.kleur;
+        rec.volgnummer = serie.volgnummer;
+        eanbuffer b(rec);
         b.bytes[BARC_MAAT] = maat;
         IXSWITCH(barc, 2);
         const int er = IXFIRSTR(barc, b.bytes, 4);

@@ -39,16 +39,8 @@ struct Prijzen : test::Systeem {
     ~Prijzen() override { ioink_close(); }
 
     static prijsset set(int van, int tot) {
-        prijsset s{};
-        s.serie = SERIE;
-        s.setnr = LEV;
-        s.van = static_cast<uint16_t>(van);
-        s.tot = static_cast<uint16_t>(tot);
-        s.koersfactor = 10500;
-        s.soort = 2;
-        VASTIN(s.valuta, "GBP");
-        s.groep = -1;
-        return s;
+        const auto eerste = static_cast<uint16_t>(van), laatste = static_cast<uint16_t>(tot);
+        return {SERIE, LEV, laatste, 10500, 2, {}, {'G', 'B', 'P'}, eerste, {}, -1};
     }
     static bool zet(int van, int tot, int prijs, int aantal = 2) {
         prijsset s = set(van, tot);
@@ -59,10 +51,17 @@ struct Prijzen : test::Systeem {
         IXREMOVE("DTIPA");
         DDNEW(20, "DTIPA");
         schrijf_bestand("DTIPG.TXT", "");
-        int32_t nr = 9;
-        sysprijs leeg{};
-        iotab('D', &nr, &leeg, SYS_RECORD);
+        Systeem::zet(9, sysprijs{}, SYS_RECORD);
         ioink_open(2);
+    }
+    static void twee_vrije() {
+        prijsset weg = set(300, 300);
+        EXPECT_TRUE(ioink_write(&weg, groepen(7)) && ioink_delete(weg));
+    }
+    static void zet_getal(const char* bestand, int plaats, int32_t waarde) {
+        std::string inhoud = lees_bestand(bestand);
+        memcpy(&inhoud.at(static_cast<size_t>(plaats)), &waarde, sizeof waarde);
+        schrijf_bestand(bestand, inhoud);
     }
     static constexpr int EERSTE = 90, LAATSTE = 210;
     // The price of each day; as runs.
@@ -94,18 +93,10 @@ struct Prijzen : test::Systeem {
     }
 };
 
-TEST_F(Prijzen, Bytes) {
+// Three groups in place of two: those that were free serve last, and go first when a set is deleted.
+TEST_F(Prijzen, FreeRecordsServeLast) {
     prijsset s = set(100, 65534);
-    ASSERT_TRUE(ioink_write(&s, groepen(10)));
-    const std::string kop("\x31\x01\0\0\x0c\0\x03\0\x4d\0\xfe\xff", 12);
-    EXPECT_EQ(lees_bestand("DTIPA.TXT"),
-              kop + std::string("\x04\x29\0\0\x02\x06\x06\0\0\0\0\0\0\0\0\0\0GBP\x64\0\0\0\0\0\0\0", 28));
-    EXPECT_EQ(
-        lees_bestand("DTIPG.TXT"),
-        kop + std::string("\x06\0\0\0\0\0\0\0\0\0\0\0GBP\x02\x84\x03\0\0\xe8\x03\0\0\x01\0\0\0", 28) + kop +
-            std::string("\0\x06\0\0\0\0\0\0\0\0\0\0GBP\x02\x85\x03\0\0\xe9\x03\0\0\xff\xff\xff\xff", 28));
-    // Three groups in place of the two: those that were free serve last, and go first when a set is deleted.
-    ASSERT_TRUE(ioink_write(&s, groepen(20, 3)));
+    ASSERT_TRUE(ioink_write(&s, groepen(10)) && ioink_write(&s, groepen(20, 3)));
     EXPECT_EQ(s.groep, 2);
     ASSERT_TRUE(ioink_delete(s));
     EXPECT_EQ(lees_bestand("DTIPG.TXT").substr(3 * 40, 40),
@@ -222,16 +213,10 @@ TEST_F(Prijzen, Damage) {
     for (const auto& s : schades) {
         SCOPED_TRACE(s.wat);
         opnieuw();
-        EXPECT_TRUE(zet(100, 200, 5));
-        EXPECT_TRUE(zet(201, 210, 6));
-        prijsset weg = set(300, 300);
-        EXPECT_TRUE(ioink_write(&weg, groepen(7)));
-        EXPECT_TRUE(ioink_delete(weg));
+        EXPECT_TRUE(zet(100, 200, 5) && zet(201, 210, 6));
+        twee_vrije();
         ioink_close();
-        const char* bestand = s.nr < 0 ? "DTIPA.TXT" : "DTIPG.TXT";
-        std::string inhoud = lees_bestand(bestand);
-        memcpy(inhoud.data() + std::max(s.nr, 0) * 40 + s.plaats, &s.waarde, 4);
-        schrijf_bestand(bestand, inhoud);
+        zet_getal(s.nr < 0 ? "DTIPA.TXT" : "DTIPG.TXT", std::max(s.nr, 0) * 40 + s.plaats, s.waarde);
         const std::string eerst = lees_bestand("DTIPG.TXT") + lees_bestand("DTIPA.TXT");
         const auto afloop = test::in_proces([&] { // its own process: a set is told of once
             open();
@@ -265,38 +250,31 @@ TEST_F(Prijzen, Damage) {
 TEST_F(Prijzen, FreeRecordsAndCounters) {
     struct Stand {
         const char* wat;
-        int32_t kop, hoogste; // 2, 4 as they are: records 2 and 3 free
-        int32_t nr, volgende; // a record's link made other; -1 none
+        int32_t kop, hoogste; // 3, 4 as they are: records 2 and 3 free
+        int32_t volgende;     // of record 2, 4 as it is
         const char* stop;     // null: written behind the end, or in the free ones
     };
     const Stand standen[] = {
-        {"zeroed", 0, 0, -1, 0, nullptr},
-        {"behind the file", 1, 1, -1, 0, nullptr},
-        {"far ahead", 1 << 30, 1 << 30, -1, 0, nullptr},
-        {"end far ahead", 3, 1 << 30, -1, 0, nullptr},
-        {"below 0", -5, 4, -1, 0, "a=R,f=%d,r=-5) -> Buiten bestand"},
-        {"outside", 900, 4, -1, 0, "r=900) -> Buiten bestand"},
-        {"a record in use", 1, 4, -1, 0, "r=1) -> Prijzenbestand inconsistent"},
-        {"goes round", 3, 4, 2, 3, "r=3) -> Prijzenbestand inconsistent"},
-        {"goes astray", 3, 4, 2, 0, "r=0) -> Prijzenbestand inconsistent"},
+        {"zeroed", 0, 0, 4, nullptr},
+        {"behind the file", 1, 1, 4, nullptr},
+        {"far ahead", 1 << 30, 1 << 30, 4, nullptr},
+        {"end far ahead", 3, 1 << 30, 4, nullptr},
+        {"below 0", -5, 4, 4, "a=R,f=%d,r=-5) -> Buiten bestand"},
+        {"outside", 900, 4, 4, "r=900) -> Buiten bestand"},
+        {"a record in use", 1, 4, 4, "r=1) -> Prijzenbestand inconsistent"},
+        {"goes round", 3, 4, 3, "r=3) -> Prijzenbestand inconsistent"},
+        {"goes astray", 3, 4, 0, "r=0) -> Prijzenbestand inconsistent"},
     };
     for (const auto& s : standen) {
         SCOPED_TRACE(s.wat);
         opnieuw();
         EXPECT_TRUE(zet(100, 200, 5));
-        prijsset weg = set(300, 300);
-        EXPECT_TRUE(ioink_write(&weg, groepen(7)));
-        EXPECT_TRUE(ioink_delete(weg));
+        twee_vrije();
         ioink_close();
-        int32_t nr = 9;
-        sysprijs vrij{};
-        vrij.vrijkop = s.kop;
-        vrij.hoogste = s.hoogste;
-        iotab('W', &nr, &vrij, SYS_RECORD);
-        std::string inhoud = lees_bestand("DTIPG.TXT");
-        if (s.nr >= 0)
-            memcpy(inhoud.data() + s.nr * 40 + 36, &s.volgende, 4);
-        schrijf_bestand("DTIPG.TXT", inhoud);
+        zet_getal("DTSYS.TXT", 8 * 64, s.kop);
+        zet_getal("DTSYS.TXT", 8 * 64 + 4, s.hoogste);
+        zet_getal("DTIPG.TXT", 2 * 40 + 36, s.volgende);
+        const std::string inhoud = lees_bestand("DTIPG.TXT");
         const auto afloop = test::in_proces([&] {
             open();
             ioink_open(2);
