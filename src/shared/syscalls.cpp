@@ -70,8 +70,8 @@ bool geef_huisrechten(int fd, const char* pad) {
 
 } // namespace
 
-SYSCALLS SYS = {doe_open, ::close,  ::read,   ::write,  ::pread, ::pwrite, ::ftruncate, ::fsync,
-                ::fstat,  ::fchmod, ::fchown, ::rename, ::link,  ::unlink, ::mkdir,     doe_slot};
+SYSCALLS SYS = {doe_open, ::close,  ::read,   ::write, ::pread,  ::pwrite, ::ftruncate, ::fsync, ::fstat,
+                ::fchmod, ::fchown, ::rename, ::link,  ::unlink, ::mkdir,  ::rmdir,     doe_slot};
 
 ssize_t SYSLEES(int fd, void* buf, size_t n, int64_t plaats) {
     auto p = static_cast<char*>(buf);

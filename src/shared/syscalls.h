@@ -27,6 +27,7 @@ struct SYSCALLS {
     int (*link)(const char* van, const char* naar);
     int (*unlink)(const char* pad);
     int (*mkdir)(const char* pad, mode_t mode);
+    int (*rmdir)(const char* pad);
     int (*slot)(int fd, int opdracht, struct flock* gebied); // fcntl with a lock
 };
 extern SYSCALLS SYS;

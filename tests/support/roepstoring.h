@@ -39,6 +39,7 @@ inline void stoor_roep(int n, bool dood) {
     SYS.link = [](const char* a, const char* b) { return roep_nu() ? -1 : roep_echt.link(a, b); };
     SYS.rename = [](const char* a, const char* b) { return roep_nu() ? -1 : roep_echt.rename(a, b); };
     SYS.mkdir = [](const char* p, mode_t m) { return roep_nu() ? -1 : roep_echt.mkdir(p, m); };
+    SYS.rmdir = [](const char* p) { return roep_nu() ? -1 : roep_echt.rmdir(p); };
     SYS.fchmod = [](int fd, mode_t m) { return roep_dood && roep_nu() ? -1 : roep_echt.fchmod(fd, m); };
     SYS.unlink = [](const char* p) { return roep_dood && roep_nu() ? -1 : roep_echt.unlink(p); };
 }
