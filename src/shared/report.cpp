@@ -57,7 +57,7 @@ void ALARMBOX(const char* regel1, const char* regel2, const char* regel3) {
     }
     for (const char* r : {regel1, regel2, regel3})
         if (r)
-            fprintf(stderr, "%s\n", r);
+            fprintf(stderr, "%s\n", CP850UTF8(r).c_str());
 }
 
 void SCHRIJFFOUT(const char* bestand, int fout, const char* regel2, const char* regel3) {
