@@ -39,8 +39,8 @@ constexpr unsigned short BAUDBITS = 0x100F, CVLAGGEN = CREAD | HUPCL | CLOCAL, I
 
 modemlijn lijn;
 int lees_fd = -1, schrijf_fd = -1;
-struct termio gevonden; // of the port, when it was opened
-unsigned stand;
+struct termio gevonden;  // of the port, when it was opened
+volatile unsigned stand; // a signal handler looks at it
 int fout;
 std::string regel;
 bool opgehouden; // the last answer was given up by the user
@@ -51,6 +51,23 @@ void bij_stop() {
     mdclose();
     if (verder)
         verder();
+}
+
+// The same when a signal ends the program, by what its handler may do: the line is dropped for as long as a modem needs
+// to see it, and output that nobody takes must not hold up the end.
+void bij_nood() {
+    if (!stand)
+        return;
+    stand = 0;
+    ioctl(schrijf_fd, TCFLSH, TCIOFLUSH);
+    if (lijn.ophangen) {
+        struct termio t = gevonden;
+        t.c_cflag = static_cast<unsigned short>(t.c_cflag & ~BAUDBITS);
+        ioctl(schrijf_fd, TCSETA, &t);
+        const timespec even{0, 250'000'000};
+        nanosleep(&even, nullptr);
+    }
+    ioctl(schrijf_fd, TCSETA, &gevonden);
 }
 
 // ---- the port
@@ -243,6 +260,7 @@ int mdopen(const modemlijn& nieuw) {
     stand = OPEN; // from here on there is something to give back
     vorige_haak = SCRFATALHAAK;
     SCRFATALHAAK = bij_stop;
+    SCRNOODHAAK = bij_nood;
     if (!stel_in() || !laat_wachten(lees_fd)) {
         lijn.ophangen = false;
         mdclose();
@@ -266,6 +284,7 @@ void mdclose() {
     fout = was;
     if (SCRFATALHAAK == bij_stop)
         SCRFATALHAAK = vorige_haak;
+    SCRNOODHAAK = nullptr;
 }
 
 int mdhangup() {
@@ -278,12 +297,13 @@ int mdhangup() {
     const unsigned short vlaggen = t.c_cflag;
     t.c_cflag = static_cast<unsigned short>(vlaggen & ~BAUDBITS); // speed 0 drops the line
     bool goed = ioctl(schrijf_fd, TCSETA, &t) == 0;
-    sleep(2);
+    for (unsigned over = 2; over; over = sleep(over)) { // no signal shortens it
+    }
     sluit(&lees_fd);
     lees_fd = open_poort(O_RDONLY);
     t.c_cflag = vlaggen;
     goed = ioctl(schrijf_fd, TCSETA, &t) == 0 && goed;
-    stand &= ~static_cast<unsigned>(VERBONDEN);
+    stand = stand & ~static_cast<unsigned>(VERBONDEN);
     if (lees_fd < 0 || !laat_wachten(lees_fd))
         return mislukt(MDF_OPEN);
     return goed ? 1 : mislukt(MDF_DICHT);
@@ -294,7 +314,11 @@ int mdsend(const char* tekst) {
         return mislukt(MDF_DICHT);
     for (; *tekst; tekst++) {
         pollfd p{schrijf_fd, POLLOUT, 0};
-        if (poll(&p, 1, SCHRIJFMS) != 1 || SYS.write(schrijf_fd, tekst, 1) != 1)
+        int klaar;
+        do
+            klaar = poll(&p, 1, SCHRIJFMS);
+        while (klaar < 0 && errno == EINTR && !mdafbreken);
+        if (klaar != 1 || SYS.write(schrijf_fd, tekst, 1) != 1)
             return mislukt(MDF_DICHT);
     }
     return 1;
@@ -351,7 +375,7 @@ int mddial() {
     sleep(1);
     if (code != MD_CONNECT)
         return mislukt(code == MD_ANDERS ? int{MD_TIJD} : code);
-    stand |= VERBONDEN;
+    stand = stand | VERBONDEN;
     return 1;
 }
 

@@ -1,6 +1,6 @@
 // A modem on a serial port that takes the Hayes commands: opened, initialised, dialled, hung up; its answers as codes,
 // its errors in words. One line at a time. While it is open a fatal report closes it first (SCRFATALHAAK, in front of
-// what hangs there).
+// what hangs there), and so does a signal that ends the program (SCRNOODHAAK), in less time.
 #pragma once
 #include <csignal>
 #include <string>

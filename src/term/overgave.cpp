@@ -93,6 +93,8 @@ void NOODAF() {
     SCHRIJFUIT(nood, nood_n);
     nood_n = 0;
     TERMHERSTEL();
+    if (SCRNOODHAAK)
+        SCRNOODHAAK();
 }
 
 } // namespace zg

@@ -149,6 +149,9 @@ void SCROVERGEVEN();
 [[noreturn]] void VSCRFATAL(const char* fmt, va_list ap) __attribute__((format(printf, 1, 0)));
 // Called first by SCRFATAL when set: closing the modem line, releasing what must not stay.
 extern void (*SCRFATALHAAK)();
+// Called when a signal ends the program, from its handler too: only what may be done there, and no longer than half a
+// second. What the terminal layer doesn't know of is given back there.
+extern void (*SCRNOODHAAK)();
 const char* SCRFATALTEKST();             // the report, for the hook
 void SCRFATALREDEN(const char* woorden); // a line under the next report: why; copied
 const char* SCRFATALREDEN();             // empty without one

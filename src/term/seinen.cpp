@@ -11,6 +11,7 @@
 namespace zg {
 
 volatile int MAATSEIN;
+void (*SCRNOODHAAK)();
 
 namespace {
 
@@ -102,6 +103,8 @@ void OPGEHANGEN() {
         _exit(1);
     bezig = 1;
     op_einde(0);
+    if (SCRNOODHAAK)
+        SCRNOODHAAK();
     SCRSTOP(1);
 }
 

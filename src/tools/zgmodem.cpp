@@ -54,8 +54,13 @@ Uitkomst hang_op() {
 Uitkomst zend() {
     if (!mdsend((wens.tekst + "\r").c_str()))
         return modemfout();
+    constexpr int REGELS = 500; // no modem has more to say of itself
     int regels = 0, code = MD_ANDERS;
     for (int laatste; (laatste = mdanswer(wens.lijn.pauze * 100)) != MD_TIJD && !mdafbreken; regels++) {
+        if (regels == REGELS) {
+            klacht(wens.lijn.apparaat, "no end of answers");
+            return FOUT_GEVONDEN;
+        }
         code = laatste;
         puts(mdregel().c_str());
         if (laatste == MD_NO_CARRIER && mdregel().empty()) // the line has gone
@@ -71,7 +76,7 @@ Uitkomst zend() {
 
 int main(int argc, char** argv) {
     tool_begin("zgmodem");
-    for (int sein : {SIGINT, SIGTERM, SIGHUP}) {
+    for (int sein : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
         struct sigaction s {};
         s.sa_handler = op_sein;
         sigaction(sein, &s, nullptr);
@@ -118,5 +123,5 @@ int main(int argc, char** argv) {
     }
     const Uitkomst uit = daad();
     mdclose();
-    return uit;
+    return tool_einde(uit);
 }

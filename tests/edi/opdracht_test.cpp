@@ -1,14 +1,11 @@
-// The settings on the screen; zgedi and zgmodem as an operator uses them.
+// The settings on the screen; zgedi as an operator uses them.
 #include "edi/edifys.h"
 #include "edi/edihdl.h"
 #include "shared/files.h"
 #include "support/terminal.h"
 #include "tools/shell.h"
-#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <termios.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
@@ -62,7 +59,6 @@ TEST(Zgedi, Commands) {
         {"show", 3, "no DTRCMSYS.TXT here: zgedi init makes it"},
         {"set ZEBEDI x", 3, "no DTRCMSYS.TXT"},
         {"flag 1 -s", 1, "no DTRCMSYS.TXT"},
-        {"boxes", 3, "no DTRCMSYS.TXT"},
         {"init pigeon", 2, "METHOD"},
         {"init internet", 0, ""},
         {"init modem", 1, "there is a DTRCMSYS.TXT already"},
@@ -70,7 +66,6 @@ TEST(Zgedi, Commands) {
         {"boxes", 1, "no mailboxes are set: zgedi make"},
         {"set EDIDIR loc", 0, ""},
         {"make", 0, ""},
-        {"set RPCHOST 123456789012345678901", 2, "doesn't fit"},
         {"set EDICMD \"$(printf 'a\\nb')\"", 2, "doesn't fit"},
         {"set EDICMD 'm\xC3\xB8 $(touch x); \"y\"'", 0, ""},
         {"get EDICMD", 0, "m\xC3\xB8 $(touch x); \"y\"\n"},
@@ -79,19 +74,17 @@ TEST(Zgedi, Commands) {
         {"get -2 ZEBEDI", 0, "twee\n"},
         {"flag 40 -s", 0, ""},
         {"flag 40", 0, "1\n"},
-        {"flag 41", 1, "0\n"},
         {"flag 992", 2, "992"},
         {"show -j", 0, "\"FILENR\":0,\"flags\":[40]"},
         {"boxes", 0, "pricat        0      0  "},
         {"set ZEBEDI zebedi/pricat/in", 1, "ligt in de oude directory"},
         {"set ZEBEDI 'nieuwe bus'", 0, ""},
         {"boxes -j", 0, "{\"box\":\"in\",\"path\":\"nieuwe bus/in\",\"there\":true,\"files\":1,\"saved\":0}"},
+        {"set ZEBEDI ''", 2, "--stay"},
         {"set ZEBEDI weg --stay", 0, ""},
         {"boxes", 1, "weg isn't there"},
-        {"check date 20160229", 0, "29022016\n"},
         {"check date 20150229", 1, "not a date"},
         {"check number 12,50", 0, "12,5\n"},
-        {"check ean 036000291452", 0, "0036000291452\n"},
         {"check ean 1", 1, "not a ean"},
         {"check brand Nordlys", 3, "no DTMERK here"},
         {"setup </dev/null", 2, "needs a terminal"},
@@ -106,56 +99,6 @@ TEST(Zgedi, Commands) {
     }
     EXPECT_EQ(lees_bestand("loc/LOC_INV.GBL").substr(0, 19), "nieuwe bus/invrpt/ ");
     EXPECT_FALSE(fs::exists("x"));
-}
-
-// A modem on the other side of a pseudo-terminal; a port that isn't there.
-TEST(Zgmodem, TestDialSend) {
-    const int meester = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    ASSERT_TRUE(meester >= 0 && grantpt(meester) == 0 && unlockpt(meester) == 0);
-    const std::string poort = ptsname(meester);
-    const int open_blijft = open(poort.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    termios t;
-    tcgetattr(open_blijft, &t);
-    cfmakeraw(&t); // no echo of what comes when nobody has the port
-    tcsetattr(open_blijft, TCSANOW, &t);
-    const pid_t modem = fork();
-    if (modem == 0) {
-        std::string gehoord;
-        for (char c; read(meester, &c, 1) == 1;)
-            if (gehoord += c; c == '\r') {
-                auto zei = [&](const char* wat) { return gehoord.find(wat) != std::string::npos; };
-                const std::string a = zei("ATDT9")  ? "BUSY"
-                                      : zei("ATDT") ? "CONNECT 9600"
-                                      : zei("ATI")  ? "zgproef\r\nOK"
-                                                    : "OK";
-                gehoord.clear();
-                if (write(meester, ("\r\n" + a + "\r\n").data(), a.size() + 4) < 0)
-                    break;
-            }
-        _exit(127);
-    }
-    const struct {
-        std::string opdracht;
-        int status;
-        const char* zegt;
-    } rijen[] = {
-        {"-p " + poort + " test", 0, "OK\n"},
-        {"-p " + poort + " dial -n 0201234567", 0, "CONNECT 9600\n"},
-        {"-p " + poort + " dial -n 9", 1, "In gesprek"},
-        {"-p " + poort + " send ATI", 0, "\nzgproef\nOK\n"},
-        {"-p /dev/er-niet test", 3, "Controleer file-attributes"},
-        {"-p " + poort + " -s 42 test", 2, "speed"},
-        {"test", 2, "port"},
-    };
-    for (const auto& r : rijen) {
-        const test::Uit uit = sh("zgmodem " + r.opdracht);
-        EXPECT_EQ(uit.status, r.status) << r.opdracht << "\n" << uit.tekst;
-        EXPECT_TRUE(uit.zegt(r.zegt)) << r.opdracht << "\n" << uit.tekst;
-    }
-    kill(modem, SIGKILL);
-    waitpid(modem, nullptr, 0);
-    close(open_blijft);
-    close(meester);
 }
 
 } // namespace
