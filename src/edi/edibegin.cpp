@@ -38,10 +38,13 @@ bool schrijf(const edirec& rec) {
 }
 
 // Under the directory's lock: a program of the package that doesn't know that lock may still have been first, so the
-// name is taken, never taken over. What a killed program left as EDISYS.CVC may be a second name of the file.
-bool maak(const char* naam, const edirec& rec) {
+// name is taken, never taken over. What a killed program left as EDISYS.CVC may be a second name of the file; it is the
+// mark that what it was made of, `uit`, hasn't gone yet, and goes last.
+bool maak(const char* naam, const edirec& rec, const char* uit = nullptr) {
     IOUNLINK(BOUW);
     if (schrijf(rec) && (SYS.link(BOUW, naam) == 0 || errno == EEXIST)) {
+        if (uit)
+            IOUNLINK(uit);
         IOUNLINK(BOUW);
         return true;
     }
@@ -66,6 +69,20 @@ bool lees_oud(edirec* rec) {
     return goed;
 }
 
+// The file is there; behind a kill in the middle of its making the older one may be, too, and another program of the
+// package would convert it again, over what has been set since.
+bool ruim_op() {
+    const auto half = [] { return zelfde(OUD, EDIBESTAND) || zelfde(BOUW, EDIBESTAND); };
+    if (half()) {
+        const IOBEURT beurt(EDIBESTAND);
+        if (half()) {
+            IOUNLINK(OUD);
+            IOUNLINK(BOUW);
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 bool edi_nieuw(const char* naam, const edirec& rec) {
@@ -74,12 +91,9 @@ bool edi_nieuw(const char* naam, const edirec& rec) {
 }
 
 bool edi_zet_om() {
-    if (IOEXISTS(EDIBESTAND)) {
-        if (zelfde(OUD, EDIBESTAND)) // killed between the two names
-            IOUNLINK(OUD);
-        return true;
-    }
     edirec rec;
+    if (IOEXISTS(EDIBESTAND))
+        return ruim_op();
     if (!IOEXISTS(OUD))
         return false;
     const IOBEURT beurt(EDIBESTAND);
@@ -87,12 +101,12 @@ bool edi_zet_om() {
         return true;
     if (!lees_oud(&rec))
         return false;
-    if (IOSIZE(OUD) == EDIREC)
-        return IOMOVE(OUD, EDIBESTAND, 0) || IOEXISTS(EDIBESTAND);
-    if (!maak(EDIBESTAND, rec))
-        return false;
-    IOUNLINK(OUD);
-    return true;
+    if (IOSIZE(OUD) != EDIREC)
+        return maak(EDIBESTAND, rec, OUD);
+    if (IOMOVE(OUD, EDIBESTAND, 0) || IOEXISTS(EDIBESTAND))
+        return true;
+    SCHRIJFFOUT(EDIBESTAND, errno);
+    return false;
 }
 
 const char* edi_methodetekst(uint8_t methode) {

@@ -36,12 +36,20 @@ struct Merkteller {
     }
 };
 
+// Does the key of names file all its spellings at one place? A letter whose capital stands elsewhere parts them.
+bool bijeen(const std::string& naam) {
+    return std::all_of(naam.begin(), naam.end(), [](char groot) {
+        const uint8_t klein = NKLEIN(static_cast<uint8_t>(groot));
+        return IXCOLLATE(&klein, &groot, 1) == 0;
+    });
+}
+
 template <class Verder> void loop(ICB* dtmerk, const std::string& vanaf, Merkteller* teller, Verder verder) {
     uint8_t buffer[IXRECMAX] = {};
     merkrec rec{};
     VASTIN(rec.naam, vanaf);
     memcpy(buffer, &rec, sizeof rec);
-    int rest = dtmerk->h.nrecs + 1;
+    int64_t rest = int64_t{dtmerk->h.nrecs} + 1;
     for (int er = IXFIRSTR(dtmerk, buffer, 0); er == 1 && rest > 0 && teller->aantal < 2; rest--) {
         rec = {};
         memcpy(&rec, buffer, std::min(sizeof rec, static_cast<size_t>(dtmerk->h.reclen)));
@@ -87,7 +95,7 @@ void edigetal(char* tekst) {
         eind--;
     if (eind - 1 == punt)
         eind--;
-    if (eind == tekst)
+    if (eind == tekst || eind[-1] == '-')
         *eind++ = '0';
     *eind = '\0';
 }
@@ -112,7 +120,7 @@ uint16_t edimerk(ICB* dtmerk, const char* naam, int breedte) {
     if (teller.naam.empty() || teller.naam.size() > sizeof merkrec::naam)
         return 0;
     const int oude = IXSLEUTEL(dtmerk);
-    if (dtmerk->h.nkeys >= S_NAAM) {
+    if (dtmerk->h.nkeys >= S_NAAM && bijeen(teller.naam)) {
         IXSWITCH(dtmerk, S_NAAM);
         // Names that begin with a blank stand in front of all others.
         loop(dtmerk, " ", &teller, [](const merkrec& rec) { return rec.naam[0] == ' '; });

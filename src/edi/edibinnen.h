@@ -5,6 +5,11 @@
 
 namespace zg {
 
+struct Tekst;
+
+// A file on its way to its name, in the directory that it is made in; one that a killed program left is thrown away.
+inline constexpr char EDIBOUW[] = ".zgedi.tmp";
+
 // Is DTRCMSYS.TXT open?
 bool edi_open();
 // DTRCMSYS.TXT is there, converted from DTEDI.TXT where only that was.
@@ -13,14 +18,16 @@ bool edi_zet_om();
 // made, which was told.
 bool edi_nieuw(const char* naam, const edirec& rec);
 
-// A method in words, empty for none; asked until one is chosen; `nu` is proposed, and kept
-// where it is one and the user leaves.
+// A method in words, empty for none; one asked until it is chosen, no key leaves that; `nu` is where the cursor begins.
 const char* edi_methodetekst(uint8_t methode);
 uint8_t edi_kies_methode(uint8_t nu);
 
 // A directory for all who share the package: rights 2774, the group of the directory above. False when there is none
 // then, which was told; one that is there is fine as it is.
 bool edi_maakmap(const std::string& pad);
+
+// Tells a text about a path (its end, without control bytes) and answers false; `fout`, where the text has a reason.
+bool edi_zeg(const Tekst& tekst, const std::string& pad, int fout = 0);
 
 // A path without the slashes at its end; "/" becomes empty.
 std::string edi_zonder_streep(std::string pad);

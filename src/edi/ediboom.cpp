@@ -3,9 +3,10 @@
 //  1. Each file has its whole content under its name, in the old tree, the new one, or both.
 //  2. A name of the new tree is given by a link, which overwrites nothing; the old one goes behind it. So a file in both
 //     trees with the same content is one whose move was cut off.
-//  3. A copy to another file system stands as BOUW in the new root until it is whole and on disk; one that is left is
+//  3. A copy to another file system stands as EDIBOUW in the new root until it is whole and on disk; one that is left is
 //     thrown away by the next move. No file of that name is moved out of an old root.
 //  4. The setting is changed when the old tree is empty.
+//  5. No directory of one tree is also one of the other, by a link or a second mount: there the same file is no copy.
 #include "edi/edibinnen.h"
 #include "edi/edihdl.h"
 #include "edi/teksten.h"
@@ -15,6 +16,7 @@
 #include "shared/syscalls.h"
 #include "term/natl.h"
 #include "term/scherm.h"
+#include "term/teksten.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cerrno>
@@ -24,6 +26,7 @@
 #include <cstring>
 #include <dirent.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 #include <vector>
 
@@ -31,24 +34,6 @@ namespace zg {
 namespace {
 
 constexpr mode_t MAPRECHTEN = 02774;
-constexpr char BOUW[] = ".zgedi.tmp";
-
-// A path as a box shows it: its end, without control bytes.
-std::string leesbaar(const std::string& pad) {
-    std::string uit = pad.size() > 50 ? "..." + pad.substr(pad.size() - 47) : pad;
-    for (char& c : uit)
-        if (NKLASSE[static_cast<uint8_t>(c)] & N_CONTROL)
-            c = '?';
-    return uit;
-}
-
-// Tells it and answers false; fout 0: the text has no reason.
-bool zeg(const Tekst& tekst, const std::string& pad, int fout = 0) {
-    char regel[160];
-    snprintf(regel, sizeof regel, TXT(tekst), leesbaar(pad).c_str(), IOREDEN(fout));
-    ALARMBOX(regel);
-    return false;
-}
 
 // ---- names in a directory, sorted; not through a link
 
@@ -113,6 +98,13 @@ bool zelfde_inhoud(const std::string& a, const std::string& b) {
     return gelijk;
 }
 
+// By whatever two paths.
+bool zelfde_map(const std::string& a, const std::string& b) {
+    struct stat x, y;
+    return stat(a.c_str(), &x) == 0 && stat(b.c_str(), &y) == 0 && x.st_dev == y.st_dev &&
+           x.st_ino == y.st_ino;
+}
+
 enum class Doel { vrij, zelfde, bezet };
 
 // What stands under the new name of a file: nothing, the same file or its copy, or something else.
@@ -169,38 +161,41 @@ bool geef_naam(const std::string& van, const struct stat& st, const std::string&
 bool verplaats_bestand(const std::string& van, const std::string& naar, const std::string& bouw) {
     struct stat st;
     if (lstat(van.c_str(), &st) < 0)
-        return errno == ENOENT || zeg(T_EDI_NIET_VERPLAATST, van, errno);
+        return errno == ENOENT || edi_zeg(T_EDI_NIET_VERPLAATST, van, errno);
     const Doel doel = doel_van(van, st, naar);
     if (doel == Doel::bezet)
-        return zeg(T_EDI_STAAT_AL, naar);
+        return edi_zeg(T_EDI_STAAT_AL, naar);
     if ((doel == Doel::vrij && !geef_naam(van, st, naar, bouw)) || !IOUNLINK(van.c_str()))
-        return zeg(errno == EXDEV ? T_EDI_SOORT : T_EDI_NIET_VERPLAATST, van, errno);
+        return edi_zeg(errno == EXDEV ? T_EDI_SOORT : T_EDI_NIET_VERPLAATST, van, errno);
     return true;
 }
 
 // ---- the tree
 
 // Before anything is moved: is every name of it free in the new tree, and can every file be had there? `schijf`: where
-// the new tree is.
-bool keur(const std::string& van, const std::string& naar, dev_t schijf) {
+// the new tree is; `bytes` grows by those that are to be copied there.
+bool keur(const std::string& van, const std::string& naar, dev_t schijf, uintmax_t* bytes) {
     struct stat st;
     Inhoud inhoud;
-    if (lstat(naar.c_str(), &st) == 0) {
-        if (!IOISDIR(naar.c_str()))
-            return zeg(T_EDI_STAAT_AL, naar);
-    }
+    if (lstat(naar.c_str(), &st) == 0 && !IOISDIR(naar.c_str()))
+        return edi_zeg(T_EDI_STAAT_AL, naar);
+    if (zelfde_map(van, naar))
+        return edi_zeg(T_EDI_BINNEN, naar);
     if (!lees_map(van, &inhoud))
-        return zeg(T_EDI_NIET_VERPLAATST, van, errno);
+        return edi_zeg(T_EDI_NIET_VERPLAATST, van, errno);
     for (const std::string& naam : inhoud.bestanden) {
         if (lstat((van + "/" + naam).c_str(), &st) < 0)
             continue;
         if (!S_ISREG(st.st_mode) && st.st_dev != schijf)
-            return zeg(T_EDI_SOORT, van + "/" + naam);
-        if (doel_van(van + "/" + naam, st, naar + "/" + naam) == Doel::bezet)
-            return zeg(T_EDI_STAAT_AL, naar + "/" + naam);
+            return edi_zeg(T_EDI_SOORT, van + "/" + naam);
+        const Doel doel = doel_van(van + "/" + naam, st, naar + "/" + naam);
+        if (doel == Doel::bezet)
+            return edi_zeg(T_EDI_STAAT_AL, naar + "/" + naam);
+        if (doel == Doel::vrij && st.st_dev != schijf)
+            *bytes += static_cast<uintmax_t>(st.st_size);
     }
     return std::all_of(inhoud.mappen.begin(), inhoud.mappen.end(), [&](const std::string& naam) {
-        return keur(van + "/" + naam, naar + "/" + naam, schijf);
+        return keur(van + "/" + naam, naar + "/" + naam, schijf, bytes);
     });
 }
 
@@ -232,14 +227,42 @@ bool verplaats(const std::string& van, const std::string& naar, const std::strin
     regel.toon(van);
     if (!edi_maakmap(naar))
         return false;
+    if (zelfde_map(van, naar))
+        return edi_zeg(T_EDI_BINNEN, naar);
     if (!lees_map(van, &inhoud))
-        return zeg(T_EDI_NIET_VERPLAATST, van, errno);
+        return edi_zeg(T_EDI_NIET_VERPLAATST, van, errno);
     for (const std::string& naam : inhoud.mappen)
         if (!verplaats(van + "/" + naam, naar + "/" + naam, bouw, regel))
             return false;
     return std::all_of(inhoud.bestanden.begin(), inhoud.bestanden.end(), [&](const std::string& naam) {
         return verplaats_bestand(van + "/" + naam, naar + "/" + naam, bouw);
     });
+}
+
+// A root with all mailboxes in it.
+bool maak_boom(const std::string& root) {
+    bool goed = edi_maakmap(root);
+    for (int soort = 0; goed && soort < EDI_SOORTEN; soort++) {
+        const std::string pad = edi_zonder_streep(root) + "/" + edidirname(soort);
+        goed = edi_maakmap(pad) && (soort > EDI_BEWAART || edi_maakmap(pad + "/save"));
+    }
+    return goed;
+}
+
+// May mailboxes come there: is it new, empty, or does it have some? What else stands in a root moves along one day.
+bool neemt_bussen(const std::string& map) {
+    Inhoud inhoud;
+    if (!IOISDIR(map.c_str()))
+        return true;
+    if (!lees_map(map, &inhoud))
+        return false;
+    return (inhoud.mappen.empty() && inhoud.bestanden.empty()) ||
+           std::any_of(inhoud.mappen.begin(), inhoud.mappen.end(), [](const std::string& naam) {
+               int soort = 0;
+               while (soort < EDI_SOORTEN && naam != edidirname(soort))
+                   soort++;
+               return soort < EDI_SOORTEN;
+           });
 }
 
 // A path without links, its last part maybe not there yet; empty when its directory isn't.
@@ -261,15 +284,27 @@ bool binnen(const std::string& pad, const std::string& map) {
 
 } // namespace
 
+bool edi_zeg(const Tekst& tekst, const std::string& pad, int fout) {
+    char regel[160];
+    std::string kort = pad.size() > 50 ? "..." + pad.substr(pad.size() - 47) : pad;
+    for (char& c : kort)
+        if (NKLASSE[static_cast<uint8_t>(c)] & N_CONTROL)
+            c = '?';
+    snprintf(regel, sizeof regel, TXT(tekst), kort.c_str(), IOREDEN(fout));
+    ALARMBOX(regel);
+    return false;
+}
+
 bool edi_maakmap(const std::string& zoals_gezet) {
     if (IOISDIR(zoals_gezet.c_str()))
         return true;
     const std::string pad = edi_zonder_streep(zoals_gezet);
     if (!SYSNIEUWEMAP(pad.c_str()))
-        return IOISDIR(pad.c_str()) || zeg(errno == EEXIST ? T_EDI_STAAT_AL : T_EDI_NIET_GEMAAKT, pad, errno);
+        return IOISDIR(pad.c_str()) ||
+               edi_zeg(errno == EEXIST ? T_EDI_STAAT_AL : T_EDI_NIET_GEMAAKT, pad, errno);
     const int fd = SYS.open(pad.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
     if (fd < 0)
-        return zeg(T_EDI_NIET_GEMAAKT, pad, errno);
+        return edi_zeg(T_EDI_NIET_GEMAAKT, pad, errno);
     SYS.fchmod(fd, MAPRECHTEN); // as far as the file system has rights
     SYS.close(fd);
     return true;
@@ -279,42 +314,41 @@ int edimaketree() {
     std::string root = edi_kaal("ZEBEDI");
     if (root.empty())
         root = ediroot();
-    if (root.empty() || !edi_maakmap(root))
-        return 0;
-    for (int soort = 0; soort < EDI_SOORTEN; soort++)
-        if (!edi_maakmap(edipath(soort)))
-            return 0;
-    for (int soort = 0; soort < EDI_SOORTEN; soort++)
-        if (const std::string bewaar = edisavepath(soort); !bewaar.empty() && !edi_maakmap(bewaar))
-            return 0;
-    return 1;
+    return !root.empty() && maak_boom(root);
 }
 
 int edimovetree(const char* van, const char* naar) {
     const std::string bron = IOISDIR(van) ? echt_pad(van) : "", doel = echt_pad(naar), hier = echt_pad(".");
     if (bron.empty())
-        return zeg(T_EDI_GEEN_ROOT, van);
+        return edi_zeg(T_EDI_GEEN_ROOT, van);
     if (doel.empty())
-        return zeg(T_EDI_NIET_GEMAAKT, naar, ENOENT);
+        return edi_zeg(T_EDI_NIET_GEMAAKT, naar, ENOENT);
     if (bron == doel)
         return 1;
     if (binnen(doel, bron))
-        return zeg(T_EDI_BINNEN, naar);
+        return edi_zeg(T_EDI_BINNEN, naar);
     if (binnen(hier, bron))
-        return zeg(T_EDI_DATAMAP, van);
+        return edi_zeg(T_EDI_DATAMAP, van);
     struct stat st {};
     const std::string boven = doel.substr(0, doel.rfind('/') + 1);
     if (stat(doel.c_str(), &st) < 0 && stat(boven.c_str(), &st) < 0)
-        return zeg(T_EDI_NIET_GEMAAKT, naar, errno);
-    const std::string bouw = doel + "/" + BOUW;
-    if (IOEXISTS((bron + "/" + BOUW).c_str()))
-        return zeg(T_EDI_STAAT_AL, bron + "/" + BOUW);
-    if (!keur(bron, doel, st.st_dev) || !edi_maakmap(doel))
+        return edi_zeg(T_EDI_NIET_GEMAAKT, naar, errno);
+    const std::string bouw = doel + "/" + EDIBOUW;
+    if (IOEXISTS((bron + "/" + EDIBOUW).c_str()))
+        return edi_zeg(T_EDI_STAAT_AL, bron + "/" + EDIBOUW);
+    uintmax_t bytes = 0;
+    struct statvfs ruimte {};
+    if (!keur(bron, doel, st.st_dev, &bytes))
+        return 0;
+    if (statvfs((IOISDIR(doel.c_str()) ? doel : boven).c_str(), &ruimte) == 0 &&
+        bytes > uintmax_t{ruimte.f_bavail} * ruimte.f_frsize)
+        return edi_zeg(T_EDI_NIET_VERPLAATST, bron, ENOSPC);
+    if (!maak_boom(doel))
         return 0;
     const IOBEURT beurt(bouw.c_str()); // one move into a tree at a time
     IOUNLINK(bouw.c_str());
     const Voortgangsregel regel;
-    return verplaats(bron, doel, bouw, regel);
+    return verplaats(bron, doel, bouw, regel) || (bevat_bestanden(doel) && edi_zeg(T_EDI_HALF, naar));
 }
 
 int ediremovedir(const char* map) {
@@ -325,7 +359,7 @@ int ediremovedir(const char* map) {
     for (const std::string& naam : inhoud.mappen)
         if (!ediremovedir((pad + "/" + naam).c_str()))
             return 0;
-    return inhoud.bestanden.empty() && rmdir(pad.c_str()) == 0;
+    return inhoud.bestanden.empty() && SYS.rmdir(pad.c_str()) == 0;
 }
 
 namespace {
@@ -340,34 +374,46 @@ bool haal_leeg(const std::string& van, const char* naar) {
         if (bron == echt_pad(naar) || ediremovedir(bron.c_str()) || !bevat_bestanden(bron))
             return true;
     }
-    return zeg(T_EDI_OUDE_ROOT, van);
+    return edi_zeg(T_EDI_OUDE_ROOT, van);
 }
 
 // The tree out of the root that is set. Where that isn't there, but the new one is, a move was cut off behind its last
 // file, or somebody else did it.
 bool verhuis(const std::string& van, const char* naar) {
+    const std::string doel = echt_pad(naar);
+    if (doel != echt_pad(van) && !neemt_bussen(doel))
+        return edi_zeg(T_EDI_ANDERS, naar);
     if (van.empty())
-        return edi_maakmap(naar);
+        return maak_boom(naar);
     if (IOISDIR(van.c_str()))
         return haal_leeg(van, naar);
-    return IOISDIR(naar) || zeg(T_EDI_GEEN_ROOT, van);
+    return IOISDIR(naar) || edi_zeg(T_EDI_GEEN_ROOT, van);
+}
+
+// A path as it is named when the root has moved; one that doesn't lie in it stays as it is.
+std::string mee(const std::string& pad, const std::string& van, const std::string& naar) {
+    const std::string root = edi_zonder_streep(van);
+    return root.empty() || !binnen(pad, root) ? pad : edi_zonder_streep(naar) + pad.substr(root.size());
 }
 
 } // namespace
 
 int edi_verplaats(const char* naar) {
-    if (!*naar || !edi_past("ZEBEDI", naar)) {
-        ALARMBOX(TXT(T_EDI_PAD_LANG));
-        return 0;
-    }
+    if (!*naar || !edi_past("ZEBEDI", naar))
+        return edi_zeg(*naar ? T_EDI_PAD_LANG : T_VERPLICHT, naar);
+    if (const std::string doel = echt_pad(naar); !doel.empty() && binnen(echt_pad("."), doel))
+        return edi_zeg(T_EDI_DATAMAP, naar);
     const bool sluit = !edi_open();
     if (!edisys('O', 0, nullptr))
         return 0;
     edirec rec;
     edisys('X', 0, &rec);
-    int uit = verhuis(std::string(VASTUIT(rec.zebedi)), naar);
+    const std::string was(VASTUIT(rec.zebedi)), edidir(VASTUIT(rec.edidir)), straks = mee(edidir, was, naar);
+    int uit = straks == edidir || edi_past("EDIDIR", straks.c_str()) ? verhuis(was, naar)
+                                                                     : edi_zeg(T_EDI_PAD_LANG, straks);
     if (uit) {
         VASTIN(rec.zebedi, naar);
+        VASTIN(rec.edidir, straks);
         uit = edisys('W', 0, &rec);
     } else {
         edisys('U', 0, &rec);

@@ -49,7 +49,7 @@ int lees(int bestand, int32_t nr, edirec* rec) {
 int schrijf(int bestand, const char* naam, int32_t nr, const edirec& rec) {
     if (SYSVERVANG(bestand, &rec, sizeof rec, int64_t{nr} * EDIREC))
         return 1;
-    SCHRIJFFOUT(naam, errno);
+    SCHRIJFFOUT(naam, errno == EBADF ? EACCES : errno); // open for reading only
     return 0;
 }
 
@@ -126,19 +126,9 @@ private:
     bool pc_, sluit_;
 };
 
-std::string haal(const char* naam, bool pc) {
-    const Naam* n = zoek(naam);
-    const Open open(pc);
-    if (!n || !open.er)
-        return "";
-    edirec rec;
-    lees(pc ? pcfd : fd, 0, &rec);
-    return waarde_uit(rec, *n);
-}
-
 const char* geef(const char* naam, bool pc) {
     static std::string uit;
-    uit = haal(naam, pc);
+    uit = edi_kaal(naam, pc);
     if (const Naam* n = zoek(naam); n && n->plaats == offsetof(edirec, edidir) && !IOISDIR(uit.c_str()))
         uit.clear();
     return uit.c_str();
@@ -245,12 +235,18 @@ int edisyspc(char letter, int32_t nr, edirec* rec) {
     }
 }
 
-bool edi_open() {
-    return fd >= 0;
+std::string edi_kaal(const char* naam, bool pc) {
+    const Naam* n = zoek(naam);
+    const Open open(pc);
+    if (!n || !open.er)
+        return "";
+    edirec rec;
+    lees(pc ? pcfd : fd, 0, &rec);
+    return waarde_uit(rec, *n);
 }
 
-std::string edi_kaal(const char* naam) {
-    return haal(naam, false);
+bool edi_open() {
+    return fd >= 0;
 }
 
 const char* ediget(const char* naam) {

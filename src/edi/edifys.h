@@ -54,8 +54,8 @@ int edi_methode_zet(uint8_t methode);
 // next call; empty for no such name and where the file is missing. EDIDIR only while it is a directory.
 const char* ediget(const char* naam);
 const char* edigetpc(const char* naam);
-// As it stands in the file: EDIDIR, too.
-std::string edi_kaal(const char* naam);
+// As it stands in the first file or the second: EDIDIR, too.
+std::string edi_kaal(const char* naam, bool tweede = false);
 // Change one: 1 or 0. Not made where the file is missing; refused and nothing written when the value doesn't fit (59
 // bytes, RPCHOST 20) or has control bytes in it.
 int ediset(const char* naam, const char* waarde);

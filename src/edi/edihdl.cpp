@@ -6,6 +6,7 @@
 #include "shared/files.h"
 #include "shared/houder.h"
 #include "shared/iotab.h"
+#include "shared/mapbeurt.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "term/datum.h"
@@ -22,12 +23,11 @@ namespace {
 
 struct Soort {
     const char *map, *extensie;
-    bool bewaart; // has a save directory
 };
 constexpr Soort SOORTEN[EDI_SOORTEN] = {
-    {"order", ".INH", true},  {"admord", ".ORD", true}, {"pricat", ".PRI", true}, {"slsrpt", ".SLS", true},
-    {"invrpt", ".INV", true}, {"ibis", "", true},       {"desadv", ".DES", true}, {"slsmon", ".MON", true},
-    {"in", "", false},        {"out", "", false},       {"ongeldig", "", false},
+    {"order", ".INH"},  {"admord", ".ORD"}, {"pricat", ".PRI"}, {"slsrpt", ".SLS"},
+    {"invrpt", ".INV"}, {"ibis", ""},       {"desadv", ".DES"}, {"slsmon", ".MON"},
+    {"in", ""},         {"out", ""},        {"ongeldig", ""},
 };
 
 constexpr struct {
@@ -64,17 +64,16 @@ void zeg_weg(const std::string& root) {
     if (gezegd == root)
         return;
     gezegd = root;
-    char regel[80];
-    snprintf(regel, sizeof regel, TXT(T_EDI_GEEN_ROOT), root.c_str());
-    ALARMBOX(regel);
+    edi_zeg(T_EDI_GEEN_ROOT, root);
 }
 
 // One line, beside and then in place: who reads it finds the old or the new one.
 bool schrijf_locatie(const std::string& naam, std::string regel) {
     regel.resize(LOCATIEBREEDTE, ' ');
     regel += '\n';
-    const std::string naast = IOTMPNAM(naam.substr(0, naam.rfind('/')).c_str(), "LOC");
-    const int fd = naast.empty() ? -1 : SYSNIEUW(naast.c_str(), O_RDWR | O_EXCL);
+    const std::string naast = naam.substr(0, naam.rfind('/') + 1) + EDIBOUW;
+    IOUNLINK(naast.c_str());
+    const int fd = SYSNIEUW(naast.c_str(), O_RDWR | O_EXCL);
     bool goed = fd >= 0 && SYSEVENALS(fd, naam.c_str()) && SYSSCHRIJF(fd, regel.data(), regel.size()) &&
                 SYS.fsync(fd) == 0;
     int fout = errno;
@@ -130,8 +129,7 @@ std::string edipath(int soort) {
 }
 
 std::string edisavepath(int soort) {
-    const Soort* s = soort_van(soort);
-    const std::string pad = s && s->bewaart ? edipath(soort) : "";
+    const std::string pad = soort_van(soort) && soort <= EDI_BEWAART ? edipath(soort) : "";
     return pad.empty() ? "" : pad + "/save";
 }
 
@@ -145,6 +143,7 @@ int edimakeloc() {
     if (!IOISDIR(map.c_str()) && !edi_maakmap(map))
         return 0;
     int goed = 1;
+    const IOBEURT beurt((edi_zonder_streep(map) + "/" + EDIBOUW).c_str());
     for (const auto& l : LOCATIES)
         goed &= schrijf_locatie(edi_zonder_streep(map) + "/" + l.bestand,
                                 edi_zonder_streep(root) + "/" + edidirname(l.soort) + "/");

@@ -21,10 +21,11 @@ enum Edisoort : int {
     EDI_IN,
     EDI_UIT,
     EDI_ONGELDIG,
-    EDI_SOORTEN
+    EDI_SOORTEN,
+    EDI_BEWAART = EDI_SLSMON // up to here they have a save directory
 };
 
-// By kind of message; another number has no name. Kinds above 7 have no save directory: edisavepath is empty then.
+// By kind of message; another number has no name. Where there is no save directory edisavepath is empty.
 const char* edidirname(int soort);
 const char* ediext(int soort); // ".PRI", empty for none
 std::string edipattern(int soort);
@@ -45,7 +46,8 @@ int edimakeloc();
 int edimovetree(const char* van, const char* naar);
 // The directories of a tree without files. 0 when there is a file in it; what has been taken away by then stays away.
 int ediremovedir(const char* map);
-// The root set to another, and everything moved there first; the setting is changed last.
+// The root set to another, with all mailboxes, and everything moved there first; the setting is changed last, that of the
+// location files with it where they lie in the old root. Refused: a new root that has other things in it but no mailbox.
 int edi_verplaats(const char* naar);
 // Last file number in EDIDIR, 0 for none.
 int32_t edifilenr();

@@ -58,6 +58,7 @@ bool vraag_postbussen(int rij) {
         return false;
     const int32_t toets = SCHERM.laatste;
     const bool ja =
+        waarde.empty() || // which is refused
         JNVRAAG(KEUSRIJ, 2, (std::string("[-]") + TXT(T_EDI_VERPLAATS_VRAAG)).c_str(), waarde.c_str()) != 0;
     SCRCLREOL(KEUSRIJ, 1);
     SCHERM.laatste = ja ? toets : was;

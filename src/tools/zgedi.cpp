@@ -67,7 +67,7 @@ Uitkomst haal() {
         return meld(FOUT_GEBRUIKT, "no such setting: " + wens.naam);
     if (!edi_aanwezig())
         return meld(NIET_TE_OPENEN, GEEN_BESTAND);
-    puts(toon(wens.tweede ? edigetpc(wens.naam.c_str()) : edi_kaal(wens.naam.c_str())).c_str());
+    puts(toon(edi_kaal(wens.naam.c_str(), wens.tweede)).c_str());
     return GOED;
 }
 
@@ -80,10 +80,12 @@ Uitkomst zet() {
                     "the value doesn't fit: 59 bytes (RPCHOST 20) of code page 850, no control bytes");
     if (!edi_aanwezig())
         return meld(NIET_TE_OPENEN, GEEN_BESTAND);
+    if (wens.naam == "ZEBEDI" && waarde.empty() && !wens.blijft && !wens.tweede)
+        return meld(FOUT_GEBRUIKT, "the mailboxes can't move to nowhere; --stay sets it all the same");
     int uit;
     if (wens.tweede)
         uit = edisetpc(wens.naam.c_str(), waarde.c_str());
-    else if (wens.naam == "ZEBEDI" && !wens.blijft && !waarde.empty())
+    else if (wens.naam == "ZEBEDI" && !wens.blijft)
         uit = edi_verplaats(waarde.c_str());
     else
         uit = ediset(wens.naam.c_str(), waarde.c_str());
