@@ -4,10 +4,11 @@
 #include "term/scherm.h"
 #include "tools/tool.h"
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <functional>
-#include <unistd.h>
 
 namespace {
 
@@ -41,8 +42,9 @@ Uitkomst bel() {
         return modemfout();
     puts(mdregel().c_str());
     fflush(stdout);
-    for (int n = 0; n < wens.houden && !mdafbreken; n++)
-        sleep(1);
+    for (const time_t eind = time(nullptr) + wens.houden; time(nullptr) < eind && !mdafbreken;)
+        if (mdanswer(100) == MD_NO_CARRIER)
+            return meld(FOUT_GEVONDEN, "the line has gone");
     return GOED;
 }
 
@@ -103,7 +105,11 @@ int main(int argc, char** argv) {
     };
     opdracht("test", "reset and initialise it", proef);
     CLI::App* dial = opdracht("dial", "initialise it and dial", bel);
-    dial->add_option("NUMBER", l.nummer, "the number")->required();
+    dial->add_option("NUMBER", l.nummer, "the number")->required()->check([](const std::string& nummer) {
+        const bool goed = !nummer.empty() && std::all_of(nummer.begin(), nummer.end(),
+                                                         [](char c) { return c >= ' ' && c < 0x7F; });
+        return goed ? "" : "not a number to dial";
+    });
     dial->add_option("-t,--time", l.tijd, "seconds for a connection (60)")->check(CLI::Range(1, 600));
     dial->add_option("-k,--keep", wens.houden, "seconds to keep the connection (0)")
         ->check(CLI::Range(0, 86400));

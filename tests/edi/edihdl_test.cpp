@@ -51,7 +51,6 @@ TEST_F(Postbus, Places) {
         {"a b", EDI_UIT, "a b/out", "", "*"},
         {"/edi", EDI_ONGELDIG, "/edi/ongeldig", "", "*.*"},
         {"/edi", 11, "/edi", "", "*"},
-        {"/edi", -1, "/edi", "", "*"},
     };
     for (const auto& r : rijen) {
         ASSERT_TRUE(ediset("ZEBEDI", r.root));
@@ -72,7 +71,6 @@ TEST_F(Postbus, Places) {
 TEST_F(Postbus, TreeAndLocationFiles) {
     const std::string root = "post bus; $(touch x) 'q'/";
     ASSERT_TRUE(ediset("ZEBEDI", root.c_str()) && ediset("EDIDIR", "loc"));
-    schrijf_bestand("loc_in_de_weg", "");
     EXPECT_EQ(edimaketree() + edimaketree(), 2); // again: all there
     for (int soort = 0; soort < EDI_SOORTEN; soort++) {
         EXPECT_EQ(test::rechten(edipath(soort)).substr(0, 4), "2774") << soort;
@@ -187,13 +185,17 @@ TEST_F(Postbus, MoveCutOff) {
                     const int uit = edi_verplaats("nieuw");
                     return test::gestoord() ? 7 : 1 - uit;
                 };
-                status = in_proces([&] { return verplaats(n); }).status;
+                const test::Afloop afloop = in_proces([&] { return verplaats(n); });
+                status = afloop.status;
                 const auto a = bestanden("oud"), b = bestanden("nieuw");
                 for (const auto& [inhoud, naam] : was)
                     EXPECT_TRUE((ver && inhoud[0] == '-') || (a.contains(inhoud) && a.at(inhoud) == naam) ||
                                 (b.contains(inhoud) && b.at(inhoud) == naam))
                         << naam;
                 EXPECT_TRUE(strcmp(ediget("ZEBEDI"), "oud") == 0 || a.empty());
+                EXPECT_TRUE(dood || a.empty() || b.empty() ||
+                            afloop.uitvoer.find("nogmaals") != std::string::npos)
+                    << "half of it is there, and that is told: " << afloop.uitvoer;
                 EXPECT_EQ(in_proces([&] { return verplaats(1'000'000); }).status, 0);
                 auto straks = bestanden("nieuw");
                 if (ver)
@@ -293,53 +295,42 @@ TEST(Bericht, DatesNumbersCodes) {
     instel15 = {};
 }
 
-// By key 3, and by a walk where the file hasn't got it.
 TEST(Bericht, Brands) {
-    for (bool sleutel : {true, false}) {
-        test::TijdelijkeMap map;
-        if (sleutel) {
-            DDNEW(DDNUMMER("DTMERK"), "DTMERK");
-        } else {
-            ICB* icb = IXCREATE("DTMERK", 1);
-            IXUPDFCB(icb, 0, "merken,76");
-            IXUPDFCB(icb, 1, "merk,NODUPS,I,1,2");
-            IXINIT(icb);
-            IXCLOSE(icb);
-        }
-        ICB* icb = IXOPEN("DTMERK", 2);
-        uint16_t nummer = 0;
-        for (const char* naam :
-             {"Nordlys", "nordlys b", "Dubbel", "DUBBEL  ", " Ruimte", "Ruim", "K\x94ln",
-              "Vol twintig tekens..", "  Twee", "Twee", "Caf\x82 Noir", "\x90t\x82", "\x82T\x90"}) {
-            merkrec rec{};
-            rec.merk = ++nummer;
-            VASTIN(rec.naam, naam);
-            ASSERT_EQ(IXWRITE(icb, &rec), 1);
-        }
-        const struct {
-            const char* naam;
-            int breedte, merk;
-        } rijen[] = {
-            {"  nordlys ", 20, 1},
-            {"Nordlys breed", 7, 1},
-            {"nordlys b", 20, 2},
-            {"Dubbel", 20, 0},
-            {"ruimte", 20, 5},
-            {"Rui", 20, 0},
-            {"k\x99ln", 20, 7},
-            {"koln", 20, 0},
-            {"vol TWINTIG tekens..", 20, 8},
-            {"twee", 20, 0},
-            {"CAF\x90 noir", 20, 11}, // of this letter the capital has another place among the keys
-            {"\x82t\x82", 20, 0},
-            {"", 20, 0},
-            {"Nordlys", -5, 0},
-        };
-        for (const auto& r : rijen)
-            EXPECT_EQ(edimerk(icb, r.naam, r.breedte), r.merk) << r.naam << sleutel;
-        EXPECT_EQ(IXSLEUTEL(icb), 1);
-        IXCLOSE(icb);
+    test::TijdelijkeMap map;
+    DDNEW(DDNUMMER("DTMERK"), "DTMERK");
+    ICB* icb = IXOPEN("DTMERK", 2);
+    uint16_t nummer = 0;
+    for (const char* naam :
+         {"Nordlys", "nordlys b", "Dubbel", "DUBBEL  ", " Ruimte", "Ruim", "K\x94ln", "Vol twintig tekens..",
+          "  Twee", "Twee", "Caf\x82 Noir", "\x90t\x82", "\x82T\x90"}) {
+        merkrec rec{};
+        rec.merk = ++nummer;
+        VASTIN(rec.naam, naam);
+        ASSERT_EQ(IXWRITE(icb, &rec), 1);
     }
+    const struct {
+        const char* naam;
+        int breedte, merk;
+    } rijen[] = {
+        {"  nordlys ", 20, 1},
+        {"Nordlys breed", 7, 1},
+        {"nordlys b", 20, 2},
+        {"Dubbel", 20, 0},
+        {"ruimte", 20, 5},
+        {"Rui", 20, 0},
+        {"k\x99ln", 20, 7},
+        {"koln", 20, 0},
+        {"vol TWINTIG tekens..", 20, 8},
+        {"twee", 20, 0},
+        {"CAF\x90 noir", 20, 11}, // of this letter the capital has another place among the keys
+        {"\x82t\x82", 20, 0},
+        {"", 20, 0},
+        {"Nordlys", -5, 0},
+    };
+    for (const auto& r : rijen)
+        EXPECT_EQ(edimerk(icb, r.naam, r.breedte), r.merk) << r.naam;
+    EXPECT_EQ(IXSLEUTEL(icb), 1);
+    IXCLOSE(icb);
 }
 
 struct Bezet : test::Systeem {};
