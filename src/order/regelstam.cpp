@@ -1,12 +1,15 @@
 // The master data behind a line, see order/regelstam.h.
 #include "order/regelstam.h"
 #include "order/meld.h"
+#include "order/teksten.h"
 #include "order/wrk.h"
 #include "shared/filveld.h"
 #include "shared/iofil.h"
 #include "shared/maatbalk.h"
+#include "shared/report.h"
 #include "sub/omlev.h"
 #include <cstring>
+#include <set>
 
 namespace zg {
 
@@ -64,6 +67,23 @@ bool regel_balk(const orderregel& regel) {
     balk_open(model_stelsel(regel.model, regelmerk), regel.model.maatsoort, regel.dessin.maten);
     mtinfo info{};
     return maatbalk && mtread(maatbalk, 'F', &info, 1) == 1;
+}
+
+bool stukken_op_balk(const orderregel& regel) {
+    static std::set<std::string> verteld;
+    uint8_t maten[MAATBYTES];
+    balk_maten(maten);
+    for (const levterm& term : regel.termen)
+        for (const levcel& cel : term.cellen)
+            if (!maat_in(maten, cel.maat)) {
+                const std::string serie = serie_tekst(regel.serie.serie);
+                char tekst[80];
+                snprintf(tekst, sizeof tekst, TXT(T_REG_BUITEN_BALK), serie.c_str());
+                if (verteld.insert(serie).second)
+                    ALARMBOX(tekst, TXT(T_REGEL_ONTOEGANKELIJK));
+                return false;
+            }
+    return true;
 }
 
 void regel_advies(orderregel* regel) {

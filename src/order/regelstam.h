@@ -19,6 +19,9 @@ uint8_t model_stelsel(const ordmodel& m, const merkrec& merk);
 bool stelsel_in_gebruik(uint16_t merk, uint16_t nummer);
 // Put the line's size type and set of sizes in force (shared/maatbalk.h). False when the type has no sizes.
 bool regel_balk(const orderregel& regel);
+// Does the bar in force show the sizes of all open pieces of the line? Others could be neither seen nor changed. False:
+// told, once a series.
+bool stukken_op_balk(const orderregel& regel);
 // The line's advice prices from its block, by the bar in force. One without ranges has the least price for every size.
 void regel_advies(orderregel* regel);
 // Branch index of the group's warehouse; -1 when there is none, or no such branch.

@@ -12,6 +12,7 @@
 #include "shared/ioink.h"
 #include "shared/maatbalk.h"
 #include "shared/mutatie.h"
+#include "shared/report.h"
 #include "shared/sysrec.h"
 #include "sub/omserie.h"
 #include "sub/serzoek.h"
@@ -165,6 +166,8 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
     if (!nieuw && zoekvelden_anders(regel->serie, s))
         serie_index_bij(regel->serie, &s);
     regel->serie = s;
+    if (!codes)
+        ALARMBOX(TXT(T_REG_ZONDER_CODES), TXT(T_REG_CODES_LATER));
     return codes;
 }
 

@@ -20,6 +20,7 @@ struct Seriestand {
 struct Periode { // of a price set
     sleutelwaarde serie;
     uint16_t leverancier, van, tot;
+    uint8_t maten[MAATBYTES];
 };
 struct Orderlabels { // of one order in one block; number 0: of none
     int32_t blok;
@@ -33,9 +34,10 @@ struct Keuring {
     keurbestand dtser{"DTSER", {}, {}, {}}, dtipa{"DTIPA", {}, {}, {}}, dteti{"DTETI", {}, {}, {}},
         dtean{"DTEAN", {}, {}, {}}, dtordnr{"DTORDNR", {}, {}, {}}, jrn{"journals", {}, {}, {}};
     std::unordered_map<sleutelwaarde, Seriestand> series;
-    std::vector<Periode> prijzen;              // by series
-    std::vector<Orderlabels> van_orders;       // by series
-    std::map<sleutelwaarde, int> vreemde_maat; // labels of a size or size type that isn't their series'
+    std::vector<Periode> prijzen;        // by series
+    std::vector<Orderlabels> van_orders; // by series
+    // Labels of a size or size type that isn't their series', and those of a size that their price set hasn't either.
+    std::map<sleutelwaarde, int> vreemde_maat, zonder_maat;
     etikeuring eti;
     std::set<sleutelwaarde> sets_zonder_serie;
     std::set<sleutelwaarde>

@@ -79,7 +79,8 @@ void lees_sets(Keuring* k) {
     std::set<sleutelwaarde>& weg = k->sets_zonder_serie;
     const auto kwalen = ink_controle(&t, [&](const prijsset& set) {
         const sleutelwaarde serie = sleutel_van(set.serie);
-        k->prijzen.push_back({serie, set.setnr, set.van, set.tot});
+        Periode& p = k->prijzen.emplace_back(Periode{serie, set.setnr, set.van, set.tot, {}});
+        memcpy(p.maten, set.maten, sizeof p.maten);
         if (ontbreekt(*k, set.serie))
             weg.insert(serie);
     });
@@ -98,8 +99,17 @@ void lees_sets(Keuring* k) {
         keur_aantal(t.sets, "sets, ") + keur_aantal(t.groepen, "groups, ") + keur_aantal(t.vrij, "free");
 }
 
-bool heeft_maat(const serrec& s, uint8_t maat) {
-    return maat >= 1 && maat <= MATEN && (s.maten[maat / 8] >> maat % 8 & 1);
+bool heeft_maat(const uint8_t* maten, uint8_t maat) {
+    return maat >= 1 && maat <= MATEN && maat_in(maten, maat);
+}
+
+// Has the price set of a label its size? A save that was broken off between the two adds it to the series with the next.
+bool set_heeft_maat(const Keuring& k, sleutelwaarde serie, const etiket& l) {
+    return std::ranges::any_of(std::ranges::equal_range(k.prijzen, serie, {}, &Periode::serie),
+                               [&](const Periode& p) {
+                                   return p.leverancier == l.leverancier && p.van <= l.orderdatum &&
+                                          l.orderdatum <= p.tot && heeft_maat(p.maten, l.maat);
+                               });
 }
 
 void neem_label(Keuring* k, int32_t blok, const etiket& l) {
@@ -107,7 +117,9 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
     const auto s = k->series.find(serie);
     if (s == k->series.end())
         k->kwijt.insert(serie);
-    else if (!heeft_maat(s->second.rec, l.maat) || l.maatsoort != s->second.rec.maatsoort)
+    else if (!heeft_maat(s->second.rec.maten, l.maat))
+        (set_heeft_maat(*k, serie, l) ? k->vreemde_maat : k->zonder_maat)[serie]++;
+    else if (l.maatsoort != s->second.rec.maatsoort)
         k->vreemde_maat[serie]++;
     const Orderlabels o{blok, serie, l.leverancier, l.orderdatum, l.ordernummer, l.status == ETI_ORDER};
     if (!k->van_orders.empty()) {
@@ -136,6 +148,10 @@ bool lees_labels(Keuring* k) {
                          staat.in_nota, staat.voorraad, staat.verkopen, staat.correcties, s.labels.in_nota,
                          s.labels.voorraad, s.labels.verkopen, s.labels.correcties));
     }
+    for (const auto& [sleutel, n] : k->zonder_maat)
+        keur_kwaal(&k->dteti, &k->series[sleutel],
+                   "series " + serie_tekst(k->series[sleutel].rec.serie) + ": " +
+                       keur_aantal(n, "labels of a size that neither it nor their prices have"));
     for (const auto& [sleutel, n] : k->vreemde_maat)
         k->dteti.noten.push_back("series " + serie_tekst(k->series[sleutel].rec.serie) + ": " +
                                  keur_aantal(n, "labels of a size or size type that it hasn't"));
@@ -158,7 +174,7 @@ Eanstaat neem_code(Keuring* k, const seriesleutel& serie, uint8_t maat) {
                : k->kwijt.contains(sleutel_van(serie)) ? Eanstaat::kwijt
                                                        : Eanstaat::weg;
     Seriestand& s = p->second;
-    if (!heeft_maat(s.rec, maat))
+    if (!heeft_maat(s.rec.maten, maat))
         return Eanstaat::andere_maat;
     const bool al = s.codes[maat / 8] >> maat % 8 & 1;
     s.codes[maat / 8] = static_cast<uint8_t>(s.codes[maat / 8] | 1 << maat % 8);

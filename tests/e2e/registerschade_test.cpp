@@ -36,6 +36,8 @@ TEST(Registerschade, ToldAndLeftAlone) {
         {"status 5", "DTETI.TXT", link + 4 + 8, getal(20'005), BEKIJK, "DTETI.TXT: serie 1120.20."},
         {"status 9, all bits set", "DTETI.TXT", link + 4, std::string(zg::ETIPLAATS, '\xFF'), BEKIJK,
          "DTETI.TXT: serie 1120.20."},
+        {"a size that the line hasn't", "DTETI.TXT", link + 4 + 20, "\x89\x13", "<Enter>WA", // 50, type 1
+         "Regel niet toegankelijk"},
         {"a cut file", "DTETI.TXT", blok + 100, "", BEKIJK, "Buiten bestand"},
         {"a chain cut off", "DTSER.TXT", laatste + offsetof(zg::serrec, etiketkop), getal(-1), BEKIJK,
          "meer etiketten geteld"},
