@@ -37,6 +37,7 @@ struct Verslag {
     bool gebroken = true; // a head came since the last line: brand and model are named again
     int64_t regels = 0;
     printsom som{};
+    int onleesbaar = 0; // lines
 };
 Verslag* v;
 
@@ -282,6 +283,7 @@ std::string in_plaats(const orderregel& regel, Serie serie) {
         return regel_verwijderd(regel, serie == Serie::andere);
     if (serie != Serie::stuk && serie != Serie::zonder_prijs)
         return "";
+    v->onleesbaar++;
     const seriesleutel s = regel_serie(regel);
     return " *" + std::to_string(s.artikelgroep) + "." + std::to_string(s.kleur) + "." +
            std::to_string(s.volgnummer) + " " + TXT(T_REGEL_ONTOEGANKELIJK) + "*";
@@ -301,6 +303,12 @@ template <class F> bool elke_regel(const std::vector<ors_ingang>& regels, F doe)
             return false;
         if (!regel_lees(&loop, regels[i], &regel)) {
             v->regels++;
+            v->onleesbaar++;
+            if (v->hoe.blad != Orderblad::filialen) {
+                ruimte(1);
+                XPRT_PRINT(" *%s*", TXT(T_REGEL_ONTOEGANKELIJK));
+                print_nieuwe_rij();
+            }
             continue;
         }
         doe(regel, registermodus ? in_plaats(regel, serie_laad(&regel, false, false)) : "",
@@ -357,7 +365,8 @@ bool print_filialen(const std::vector<ors_ingang>& ingangen, int32_t plaats) {
 
 } // namespace
 
-bool print_order(const orderafdruk& hoe, const std::vector<ors_ingang>& regels, int32_t plaats) {
+bool print_order(const orderafdruk& hoe, const std::vector<ors_ingang>& regels, int32_t plaats,
+                 int* onleesbaar) {
     if (regels.empty())
         return false;
     const ordkop eigen = kop;
@@ -377,6 +386,8 @@ bool print_order(const orderafdruk& hoe, const std::vector<ors_ingang>& regels, 
     }
     if (SCHERM.bestaat)
         SCRCLREOL(VOORTGANGRIJ, 1);
+    if (onleesbaar)
+        *onleesbaar += verslag.onleesbaar;
     v = nullptr;
     kop = eigen;
     return iets;

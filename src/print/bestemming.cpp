@@ -6,8 +6,10 @@
 #include "shared/files.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
+#include "term/natl.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
+#include "term/tekenset.h"
 #include "term/uitvoer.h"
 #include "term/vast.h"
 #include <algorithm>
@@ -108,14 +110,15 @@ bool naar_bestand(const char* bestand, uint16_t masker, printjob* job) {
     const bool kaal = pad.find('/') == std::string::npos;
     if (kaal && !IOISDIR(UITMAP))
         SYSNIEUWEMAP(UITMAP);
-    job->apparaat = kaal ? UITMAP + ("/" + pad) : pad;
+    job->bestand = kaal ? UITMAP + ("/" + pad) : pad;
+    job->apparaat = SCHERM.bestaat ? TEKENSETTEKST(job->bestand) : job->bestand;
     const std::string map = job->apparaat.substr(0, job->apparaat.rfind('/') + 1);
     struct stat st;
     const bool staat = stat(job->apparaat.c_str(), &st) == 0;
     if (!schrijfbare_map(map) || (staat && !S_ISREG(st.st_mode)))
         return bestandfout(T_PRT_FOUT_PAD);
     if (staat && !(SCHERM.bestaat && FFLASH(-2, 2, A_WAARDE, TXT(T_PRT_NAAR_BESTAND), "%s\n[-]%s",
-                                            job->apparaat.c_str(), TXT(T_PRT_OVERSCHRIJVEN))))
+                                            job->bestand.c_str(), TXT(T_PRT_OVERSCHRIJVEN))))
         return false;
     job->over = staat;
     job->weg = Printweg::bestand;
@@ -196,9 +199,19 @@ bool pdf_naam(const std::string& naam) {
     return naam.size() > 4 && strcasecmp(naam.c_str() + naam.size() - 4, ".pdf") == 0;
 }
 
+// The characters of a text for the user: those of his terminal, and so of what he opens it with.
+std::string tekens_scherm() {
+    constexpr uint8_t O_STREEP = 0x9B;
+    if (!SCHERM.bestaat || UTF8SCHERM())
+        return "utf-8";
+    return TABELSCHERM() && static_cast<char32_t>(TEKENSETUIT(O_STREEP).teken) == CP850UIT(O_STREEP)
+               ? "latin1"
+               : "cp850";
+}
+
 std::string tekens_van(const printjob& job) {
     if (job.weg == Printweg::bestand)
-        return pdf_naam(job.apparaat) ? "pdf" : "cp850";
+        return pdf_naam(job.apparaat) ? "pdf" : tekens_scherm();
     std::string naam = XPRT_CODE(CAP_TEKENS);
     for (const char* bekend : {"cp850", "utf-8", "latin1", "ascii", "pdf"})
         if (naam == bekend)

@@ -20,7 +20,8 @@ struct printjob {
     int regel;              // on the page; PRT_REGEL_VOOR behind the opening
     int boven, links;       // margins
     std::string init, exit; // bytes, NUL among them
-    std::string apparaat;   // queue, path, or directory
+    std::string apparaat;   // queue, path, or directory; paths in bytes of the file system
+    std::string bestand;    // of a file: its path as the screen shows it
     bool over;              // a file that is there may go: the user said so
     std::string tekens;     // how it leaves: "cp850", "utf-8", "latin1", "ascii", "pdf"
     std::string titel;

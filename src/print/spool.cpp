@@ -153,7 +153,7 @@ void prt_meld_mislukt() {
         SYS.close(fd);
         meld(job.titel,
              job.stand == Spoolstand::bezig || job.gedaan ? T_PRT_DEELS_GEPRINT : T_PRT_NIET_GEPRINT,
-             job.reden, job.spool);
+             job.reden.empty() ? TXT(T_PRT_ZENDER_WEG) : job.reden, job.spool);
     }
 }
 

@@ -183,6 +183,22 @@ std::string spool_naast(const spooljob& job, const char* soort) {
     return job.spool + "." + soort;
 }
 
+std::string spool_ginds(const spooljob& job) {
+    struct stat st;
+    if (job.weg != Printweg::map || stat(spool_beschrijving(job.spool).c_str(), &st) != 0)
+        return "";
+    char eigen[40];
+    snprintf(eigen, sizeof eigen, ".%llx-%llx", static_cast<unsigned long long>(st.st_dev),
+             static_cast<unsigned long long>(st.st_ino));
+    return job.apparaat + "/" + job.spool.substr(job.spool.rfind('/') + 1) + eigen;
+}
+
+void spool_weg_ernaast(const spooljob& job) {
+    for (const std::string& pad : {spool_naast(job, "UIT"), spool_naast(job, "TMP"), spool_ginds(job)})
+        if (!pad.empty())
+            IOUNLINK(pad.c_str());
+}
+
 spooljob spool_van(const printjob& job, Spoolstand stand) {
     spooljob uit{};
     uit.spool = job.spool;
@@ -299,8 +315,7 @@ bool spool_plaats(const std::string& van, const std::string& naar, bool over) {
 }
 
 void spool_weg(const spooljob& job) {
-    for (const char* soort : {"UIT", "TMP"})
-        IOUNLINK(spool_naast(job, soort).c_str());
+    spool_weg_ernaast(job);
     if (IOUNLINK(job.spool.c_str()))
         IOUNLINK(spool_beschrijving(job.spool).c_str());
 }

@@ -54,8 +54,12 @@ bool spool_schrijf_stand(int fd, const spooljob& job);
 bool spool_vrij(const std::string& spool);
 // All that is there of the job, its description last.
 void spool_weg(const spooljob& job);
-// Path of a file of the job's own that goes with it: the report as it is sent.
+// Path of a file of the job's own that goes with it: the report as it is sent; and in the directory that it goes to, where
+// no other job of this machine has it (empty for other ways).
 std::string spool_naast(const spooljob& job, const char* soort);
+std::string spool_ginds(const spooljob& job);
+// Those files go, as far as they are there.
+void spool_weg_ernaast(const spooljob& job);
 
 // Give a finished file its final name, over one that is there or not. It is on disk then, and whole; else false with errno,
 // and it still has its own name.

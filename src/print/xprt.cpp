@@ -177,7 +177,7 @@ void XPRT_STAAK() {
 }
 
 std::string XPRT_BESTAND() {
-    return printopdracht.weg == Printweg::bestand ? printopdracht.apparaat : "";
+    return printopdracht.bestand;
 }
 
 void XPRT_WIS() {

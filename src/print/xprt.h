@@ -37,7 +37,7 @@ int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const
 // printed to its file, or refused in the preview; 0: something went wrong, which was told; the report is kept then, if it is
 // whole. What goes wrong behind a hand-over is told by prt_meld_mislukt. Without an open job the report (1, 200).
 int XPRT_CLOSE();
-std::string XPRT_BESTAND(); // path of the file that the last report to one went to
+std::string XPRT_BESTAND(); // path of the file that the last report to one went to, to be shown
 void XPRT_STAAK();          // give the job up: nothing is sent, nothing is left
 // Jobs that couldn't be sent since the last call: told, once. For the prompts of a program.
 void prt_meld_mislukt();

@@ -235,6 +235,20 @@ bool naar_apparaat(int slot, spooljob* job) {
     return true;
 }
 
+// The i-th name for a file in a directory: that of the spool file with a T, and those behind it, "TRAB12" to "TRZZ99".
+std::string mapnaam(const spooljob& job, int i) {
+    constexpr int LETTERS = 26, CIJFERS = 100;
+    const size_t p = job.spool.rfind('/') + 1;
+    char a = 'A', b = 'A', naam[24];
+    int n = 0;
+    sscanf(job.spool.c_str() + p, "PR%c%c%2d", &a, &b, &n);
+    a = std::clamp(a, 'A', 'Z'), b = std::clamp(b, 'A', 'Z'), n = std::max(n, 0);
+    n = (((a - 'A') * LETTERS + (b - 'A')) * CIJFERS + n + i) % (LETTERS * LETTERS * CIJFERS);
+    snprintf(naam, sizeof naam, "TR%c%c%02d", 'A' + n / CIJFERS / LETTERS, 'A' + n / CIJFERS % LETTERS,
+             n % CIJFERS);
+    return naam;
+}
+
 // One file, whatever the copies: written under a name that its reader leaves alone, then called T in place of P.
 bool naar_map(spooljob* job) {
     errno = EACCES;
@@ -242,26 +256,12 @@ bool naar_map(spooljob* job) {
         job->reden = TXT(T_PRT_NIET_OPEN);
         return false;
     }
-    for (int i = 0; i < NAMEN; i++) {
-        std::string naam = IOTMPNAM(job->apparaat.c_str(), "PR");
-        if (naam.empty())
-            break;
-        std::string klaar = naam;
-        klaar[klaar.rfind('/') + 1] = 'T';
-        if (IOEXISTS(klaar.c_str()))
-            continue;
-        if (!maak(*job, naam)) {
-            if (errno == EEXIST) // another was before us
-                continue;
-            break;
-        }
-        if (spool_plaats(naam, klaar, false))
+    const std::string naam = spool_ginds(*job);
+    bool klaar = maak(*job, naam);
+    for (int i = 0; klaar; i++) {
+        if (spool_plaats(naam, job->apparaat + "/" + mapnaam(*job, i), false))
             return true;
-        const int fout = errno;
-        IOUNLINK(naam.c_str());
-        errno = fout;
-        if (fout != EEXIST)
-            break;
+        klaar = errno == EEXIST && i < NAMEN;
     }
     job->reden = errno == EEXIST ? TXT(T_PRT_GEEN_NAAM) : spool_reden(errno);
     return false;
@@ -275,11 +275,6 @@ bool naar_bestand(spooljob* job) {
     return false;
 }
 
-void weg_ernaast(const spooljob& job) {
-    for (const char* soort : {"UIT", "TMP"})
-        IOUNLINK(spool_naast(job, soort).c_str());
-}
-
 } // namespace
 
 bool spool_verstuur(int slot, spooljob* job) {
@@ -287,7 +282,7 @@ bool spool_verstuur(int slot, spooljob* job) {
     job->reden.clear();
     job->gemeld = false;
     spool_schrijf_stand(slot, *job);
-    weg_ernaast(*job); // of a sender that was killed
+    spool_weg_ernaast(*job); // of a sender that was killed
     bool uit = false;
     switch (job->weg) {
     case Printweg::wachtrij:
@@ -312,7 +307,7 @@ bool spool_verstuur(int slot, spooljob* job) {
         spool_weg(*job);
         return true;
     }
-    weg_ernaast(*job);
+    spool_weg_ernaast(*job);
     job->stand = Spoolstand::fout;
     spool_schrijf_stand(slot, *job);
     return false;

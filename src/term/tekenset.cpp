@@ -155,4 +155,11 @@ TekenCel TEKENSETUIT(uint8_t c) {
     return cellen[c];
 }
 
+std::string TEKENSETTEKST(std::string_view tekst) {
+    std::string uit;
+    for (const char c : tekst)
+        TEKENUIT(uit, TEKENSETUIT(static_cast<uint8_t>(c)).teken);
+    return uit;
+}
+
 } // namespace zg

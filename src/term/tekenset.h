@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace zg {
 
@@ -23,5 +24,7 @@ struct TekenCel {
     char lijn;
 };
 TekenCel TEKENSETUIT(uint8_t c);
+// A text as it is written elsewhere on such a terminal: what was typed as the name of a file gets this one.
+std::string TEKENSETTEKST(std::string_view tekst);
 
 } // namespace zg

@@ -4,12 +4,14 @@
 #include "term/natl.h"
 #include "term/vast.h"
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 namespace zg {
@@ -144,6 +146,21 @@ void zet_waarden(Regel* r) {
     }
 }
 
+std::string geen_printer(const Regel& r) {
+    return "there is no printer " + std::to_string(r.nummer[0]);
+}
+
+// May it be done to a record that is there, or isn't?
+Uitkomst past(Drukdaad daad, const Regel& r, bool er, std::string* fout) {
+    if (er ? daad == Drukdaad::toevoegen : daad == Drukdaad::wijzigen || daad == Drukdaad::weg)
+        return *fout = er ? "is there already" : "isn't there", FOUT_GEVONDEN;
+    for (const Drukveld& v : r.soort->velden)
+        if (!er && v.nodig &&
+            std::none_of(r.waarden.begin(), r.waarden.end(), [&](const auto& w) { return w.first == &v; }))
+            return *fout = std::string("a new one needs ") + v.naam + "=", FOUT_GEBRUIKT;
+    return GOED;
+}
+
 // One record of one table.
 Uitkomst doe_een(Drukdaad daad, Regel* r, std::string* fout) {
     ICB* icb = prt_open(r->soort->tabel, 2);
@@ -151,18 +168,9 @@ Uitkomst doe_een(Drukdaad daad, Regel* r, std::string* fout) {
         return *fout = "the print tables can't be opened or made", NIET_TE_OPENEN;
     zet_sleutel(r);
     const int er = IXREADT(icb, r->rec);
-    Uitkomst uit = GOED;
-    if (er < 0) {
-        uit = IN_GEBRUIK, *fout = "somebody has this record in hand";
-    } else if (er ? daad == Drukdaad::toevoegen : daad == Drukdaad::wijzigen || daad == Drukdaad::weg) {
-        uit = FOUT_GEVONDEN, *fout = er ? "is there already" : "isn't there";
-    } else if (daad != Drukdaad::weg) {
-        for (const Drukveld& v : r->soort->velden)
-            if (!er && v.nodig && std::none_of(r->waarden.begin(), r->waarden.end(), [&](const auto& w) {
-                    return w.first == &v;
-                }))
-                uit = FOUT_GEBRUIKT, *fout = std::string("a new one needs ") + v.naam + "=";
-    }
+    Uitkomst uit = er < 0 ? IN_GEBRUIK : past(daad, *r, er > 0, fout);
+    if (er < 0)
+        *fout = "somebody has this record in hand";
     if (uit != GOED) {
         if (er >= 0)
             IXUNLOCK(icb, r->rec);
@@ -175,6 +183,23 @@ Uitkomst doe_een(Drukdaad daad, Regel* r, std::string* fout) {
             uit = FOUT_GEVONDEN, *fout = "not written";
     }
     IXCLOSE(icb);
+    return uit;
+}
+
+using Sleutel = std::array<int, 4>; // table, numbers
+
+std::set<Sleutel> sleutels() {
+    printtabellen t;
+    prt_lees(&t);
+    std::set<Sleutel> uit;
+    for (const auto& p : t.printers)
+        uit.insert({PRT_PRINTERS, p.code});
+    for (const auto& v : t.verbindingen)
+        uit.insert({PRT_VERBINDINGEN, v.code, v.nummer});
+    for (const auto& c : t.configs)
+        uit.insert({PRT_CONFIGS, c.code, c.nummer});
+    for (const auto& c : t.codes)
+        uit.insert({PRT_CODES, c.code, c.config, c.nummer});
     return uit;
 }
 
@@ -264,14 +289,12 @@ std::vector<std::string> druk_woorden(const std::string& regel) {
     return uit;
 }
 
-Uitkomst druk_doe(Drukdaad daad, const std::vector<std::string>& woorden, bool proef, std::string* fout) {
+Uitkomst druk_doe(Drukdaad daad, const std::vector<std::string>& woorden, std::string* fout) {
     Regel r;
     const bool weg = daad == Drukdaad::weg;
     *fout = ontleed(woorden, weg, &r);
     if (!fout->empty())
         return FOUT_GEBRUIKT;
-    if (proef)
-        return GOED;
     printtabellen t;
     prt_lees(&t);
     const bool printer = r.soort->tabel == PRT_PRINTERS;
@@ -280,7 +303,12 @@ Uitkomst druk_doe(Drukdaad daad, const std::vector<std::string>& woorden, bool p
     if (weg && r.nummer[0] == PRT_SCHERM)
         return *fout = "printer 1 is the screen, which stays", FOUT_GEBRUIKT;
     if (!weg && !printer && !staat)
-        return *fout = "there is no printer " + std::to_string(r.nummer[0]), FOUT_GEVONDEN;
+        return *fout = geen_printer(r), FOUT_GEVONDEN;
+    if (printer && (daad == Drukdaad::toevoegen || daad == Drukdaad::wijzigen) && !r.waarden.empty())
+        for (const prtrec& p : t.printers)
+            if (p.code != r.nummer[0] &&
+                GROOTKOPIE(VASTTEKST(p.naam)) == GROOTKOPIE(std::string(VASTTRIM(r.waarden[0].second))))
+                return *fout = "printer " + std::to_string(p.code) + " has this name", FOUT_GEVONDEN;
     if (weg && printer && staat)
         if (const Uitkomst uit = doe_kinderen_weg(r.nummer[0], t, fout); uit != GOED)
             return uit;
@@ -293,17 +321,30 @@ Uitkomst druk_laad(const std::string& pad, std::string* fout) {
     errno = 0;
     if (!in || !(tekst << in.rdbuf()))
         return *fout = pad + ": " + (errno ? strerror(errno) : "can't be read"), NIET_TE_OPENEN;
-    std::vector<std::pair<int, std::vector<std::string>>> alle;
+    std::set<Sleutel> er =
+        sleutels(); // behind each line: the last is known to be right before the first is done
+    std::vector<std::pair<std::string, std::vector<std::string>>> alle;
+    auto fouten = [&](Uitkomst uit, const std::string& waar) { return *fout = waar + *fout, uit; };
     std::string regel;
-    for (int nr = 1; std::getline(tekst, regel); nr++)
-        if (auto woorden = druk_woorden(regel); !woorden.empty())
-            alle.emplace_back(nr, woorden);
-    for (bool proef : {true, false})
-        for (const auto& [nr, woorden] : alle)
-            if (const Uitkomst uit = druk_doe(Drukdaad::zetten, woorden, proef, fout); uit != GOED) {
-                *fout = pad + ":" + std::to_string(nr) + ": " + *fout;
-                return uit;
-            }
+    for (int nr = 1; std::getline(tekst, regel); nr++) {
+        const std::string waar = pad + ":" + std::to_string(nr) + ": ";
+        const auto woorden = druk_woorden(regel);
+        if (woorden.empty())
+            continue;
+        Regel r;
+        if (*fout = ontleed(woorden, false, &r); !fout->empty())
+            return fouten(FOUT_GEBRUIKT, waar);
+        const Sleutel s{r.soort->tabel, r.nummer[0], r.nummer[1], r.nummer[2]};
+        if (r.soort->tabel != PRT_PRINTERS && !er.contains({PRT_PRINTERS, r.nummer[0]}))
+            return *fout = geen_printer(r), fouten(FOUT_GEVONDEN, waar);
+        if (const Uitkomst uit = past(Drukdaad::zetten, r, er.contains(s), fout); uit != GOED)
+            return fouten(uit, waar);
+        er.insert(s);
+        alle.emplace_back(waar, woorden);
+    }
+    for (const auto& [waar, woorden] : alle)
+        if (const Uitkomst uit = druk_doe(Drukdaad::zetten, woorden, fout); uit != GOED)
+            return fouten(uit, waar);
     return GOED;
 }
 

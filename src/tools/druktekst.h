@@ -17,9 +17,8 @@ enum class Drukdaad { toevoegen, wijzigen, zetten, weg }; // new only; there onl
 
 // Words of a line: blanks part them, but not between double quotes; none for a comment.
 std::vector<std::string> druk_woorden(const std::string& regel);
-// Do this to one record. `proef`: only see whether the words are right. What is wrong is in *fout; else GOED. A printer goes
-// with all that is its.
-Uitkomst druk_doe(Drukdaad daad, const std::vector<std::string>& woorden, bool proef, std::string* fout);
+// Do this to one record. What is wrong is in *fout; else GOED. A printer goes with all that is its.
+Uitkomst druk_doe(Drukdaad daad, const std::vector<std::string>& woorden, std::string* fout);
 // All lines of a file, or none when one is wrong.
 Uitkomst druk_laad(const std::string& pad, std::string* fout);
 // The records of a printer, or with 0 of all, in lines.

@@ -72,6 +72,12 @@ const char* weg_naam(Printweg weg) {
     return NAMEN[static_cast<int>(weg)];
 }
 
+// A file's path is in bytes of the file system.
+std::string apparaat(const spooljob& job) {
+    std::string cp850;
+    return job.weg == Printweg::bestand && CP850NAAR(job.apparaat, &cp850) ? toon(cp850) : toon(job.apparaat);
+}
+
 std::vector<spooljob> achtergebleven() {
     std::vector<spooljob> uit = spool_achtergebleven("");
     if (IOISDIR("uit"))
@@ -82,7 +88,9 @@ std::vector<spooljob> achtergebleven() {
 
 // Why it isn't out; of one whose sender died nobody knows how far it came.
 std::string reden(const spooljob& job) {
-    return job.stand == Spoolstand::bezig ? "the sender died, perhaps some of it is out" : toon(job.reden);
+    return job.stand == Spoolstand::bezig   ? "the sender died, perhaps some of it is out"
+           : job.stand == Spoolstand::wacht ? "the sender died before it began"
+                                            : toon(job.reden);
 }
 
 // Each job named, or all of them; the gravest answer counts.
@@ -157,15 +165,15 @@ Uitkomst druk_opdrachten() {
             j["user"] = job.sessie;
             j["title"] = toon(job.titel);
             j["to"] = weg_naam(job.weg);
-            j["device"] = toon(job.apparaat);
+            j["device"] = apparaat(job);
             j["copies"] = job.kopieen;
             j["done"] = job.gedaan;
             j["reason"] = reden(job);
             puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
         } else
             printf("%s  %s  user %d  %d/%d  %s %s  \"%s\"  %s\n", toon(job.spool).c_str(), tijd, job.sessie,
-                   job.gedaan, job.kopieen, weg_naam(job.weg), toon(job.apparaat).c_str(),
-                   toon(job.titel).c_str(), reden(job).c_str());
+                   job.gedaan, job.kopieen, weg_naam(job.weg), apparaat(job).c_str(), toon(job.titel).c_str(),
+                   reden(job).c_str());
     }
     return GOED;
 }

@@ -65,8 +65,8 @@ bool ontleed(const std::string& pad, std::string* map, std::string* seizoen, int
     return true;
 }
 
-// The open journal's orders that are meant, each onto the open job; how many.
-int druk_orders(ordhandle* jrn) {
+// The open journal's orders that are meant, each onto the open job; how many, and how many lines couldn't be read.
+int druk_orders(ordhandle* jrn, int* onleesbaar) {
     static const std::map<std::string, Orderblad> BLADEN = {
         {"short", Orderblad::kort}, {"full", Orderblad::volledig}, {"branch", Orderblad::filialen}};
     const orderafdruk hoe{BLADEN.at(wens.blad), !wens.zonder_prijzen};
@@ -85,36 +85,39 @@ int druk_orders(ordhandle* jrn) {
             jrn->offset = plaats;
             ord_keur_order(jrn);
         }
-        aantal += print_order(hoe, regels, plaats) ? 1 : 0;
+        aantal += print_order(hoe, regels, plaats, onleesbaar) ? 1 : 0;
         ord_lees_op(jrn, plaats);
     }
     return aantal;
 }
 
-// The code of the printer of that name, as it is typed; 0 for none.
-uint16_t zoek_printer(const printtabellen& t, const std::string& naam) {
+// The codes of the printers of that name, as it is typed.
+std::vector<uint16_t> zoek_printer(const printtabellen& t, const std::string& naam) {
+    std::vector<uint16_t> uit;
     for (const prtrec& p : t.printers)
         if (p.code != PRT_SCHERM && strcasecmp(CP850UTF8(VASTTEKST(p.naam)).c_str(), naam.c_str()) == 0)
-            return p.code;
-    return 0;
+            uit.push_back(p.code);
+    return uit;
 }
 
 // The one way to print that is meant: "Laser" by its first connection, "Laser/2" by another; of several configurations those
 // of 80 columns where no width was asked for. False when there is none, or more than one; told.
 bool zoek_bestemming(const printtabellen& t, Bestemming* uit) {
-    uint16_t code = zoek_printer(t, wens.printer);
+    std::vector<uint16_t> codes = zoek_printer(t, wens.printer);
     uint8_t verbinding = 0;
-    if (const size_t streep = wens.printer.rfind('/'); !code && streep != std::string::npos) {
+    if (const size_t streep = wens.printer.rfind('/'); codes.empty() && streep != std::string::npos) {
         const char *van = wens.printer.data() + streep + 1, *tot = wens.printer.data() + wens.printer.size();
         const auto [eind, fout] = std::from_chars(van, tot, verbinding);
         if (fout == std::errc() && eind == tot && verbinding)
-            code = zoek_printer(t, wens.printer.substr(0, streep));
+            codes = zoek_printer(t, wens.printer.substr(0, streep));
     }
-    if (!code)
-        return klacht(wens.printer, "no such printer"), false;
+    if (codes.size() != 1)
+        return klacht(wens.printer,
+                      codes.empty() ? "no such printer" : "more than one printer has this name"),
+               false;
     std::vector<Bestemming> over;
     for (const Bestemming& b : prt_bestemmingen(t, PRT_ALLES))
-        if (b.printer.code == code && (!verbinding || b.verbinding.nummer == verbinding) &&
+        if (b.printer.code == codes[0] && (!verbinding || b.verbinding.nummer == verbinding) &&
             (!wens.config || b.config.nummer == wens.config) &&
             (!wens.breedte || b.config.kolommen == wens.breedte) &&
             (over.empty() || b.verbinding.nummer == over[0].verbinding.nummer))
@@ -201,14 +204,17 @@ int print(ordhandle* jrn) {
     alleen_lezen(true); // the job alone is made
     if (open != GOED)
         return open;
-    const int aantal = druk_orders(jrn);
+    int onleesbaar = 0;
+    const int aantal = druk_orders(jrn, &onleesbaar);
+    if (onleesbaar)
+        klacht(wens.journaal, std::to_string(onleesbaar) + " lines can't be read");
     if (aantal == 0) {
         XPRT_STAAK();
-        return klacht(wens.journaal, "no such order"), FOUT_GEVONDEN;
+        return onleesbaar ? FOUT_GEVONDEN : (klacht(wens.journaal, "no such order"), FOUT_GEVONDEN);
     }
-    if (!wens.printer.empty() || !wens.uit.empty())
-        return XPRT_CLOSE() ? GOED : NIET_TE_OPENEN;
-    return naar_uitvoer();
+    const bool naar_elders = !wens.printer.empty() || !wens.uit.empty();
+    const int uit = !naar_elders ? naar_uitvoer() : XPRT_CLOSE() ? GOED : NIET_TE_OPENEN;
+    return uit == GOED && onleesbaar ? FOUT_GEVONDEN : uit;
 }
 
 int doe() {
@@ -246,7 +252,8 @@ int main(int argc, char** argv) {
     tool_begin("ordprint", laat_job);
     CLI::App app{"print orders of a journal.\nIt reads beside programs at work and keeps nobody out.",
                  "ordprint"};
-    tool_kop(app, "0 good, 1 no such order, 2 used wrong, 3 cannot open or print.");
+    tool_kop(app,
+             "0 good, 1 no such order or lines that can't be read, 2 used wrong, 3 cannot open or print.");
     app.add_option("JOURNAL", wens.journaal, "SEASON/ORDnnnn.JRN of a data directory")->required();
     app.add_option("-n,--number", wens.nummer, "only the order with this number")
         ->check(CLI::Range(1, INT_MAX));

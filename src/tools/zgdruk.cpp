@@ -24,7 +24,7 @@ Uitkomst lijst() {
 
 Uitkomst doe(Drukdaad daad) {
     std::string fout;
-    return meld(druk_doe(daad, druk_wens.woorden, false, &fout), fout);
+    return meld(druk_doe(daad, druk_wens.woorden, &fout), fout);
 }
 
 Uitkomst laad() {
@@ -89,12 +89,15 @@ int main(int argc, char** argv) {
     wie->add_option("USER", druk_wens.gebruiker, "a user's name or number");
     printer = wie->add_option("CODE", druk_wens.code, "give him this printer; 0 for none")
                   ->check(CLI::Range(0, 32767));
-    wie->add_option("-c,--connection", druk_wens.verbinding, "by this connection")->check(CLI::Range(0, 255));
-    wie->add_flag("-p,--preview", druk_wens.voorbeeld, "look first");
+    wie->add_option("-c,--connection", druk_wens.verbinding, "by this connection")
+        ->check(CLI::Range(0, 255))
+        ->needs(printer);
+    wie->add_flag("-p,--preview", druk_wens.voorbeeld, "look first")->needs(printer);
     wie->add_option(
            "-m,--mask", druk_wens.masker,
            "widths: 1, 2, 4 for 40, 80, 132 columns; 16, 32 for pages of more than 66 rows, up to 66; added")
-        ->check(CLI::Range(0, 65535));
+        ->check(CLI::Range(0, 65535))
+        ->needs(printer);
     if (int uit; !tool_woorden(app, argc, argv, &uit))
         return uit;
     if (const Uitkomst uit = tool_map(druk_wens.map); uit != GOED)

@@ -99,9 +99,9 @@ TEST_F(Bestemmingen, ToFile) {
         uint16_t masker;
         const char* uit;
     } rijen[] = {
-        {"lijst.txt", PRT_80, "6 lijst.txt 80x64 cp850"},
-        {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 cp850"},
-        {"elders/lijst.txt", PRT_40, "6 lijst.txt 40x64 cp850"},
+        {"lijst.txt", PRT_80, "6 lijst.txt 80x64 utf-8"},
+        {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 utf-8"},
+        {"elders/lijst.pdf", PRT_40, "6 lijst.pdf 40x64 pdf"},
         {nullptr, PRT_80, "no"},
         {"0123456789012345678901234567890123456789", PRT_80, "no"},
         {"./DTSYS.TXT", PRT_80, "no"},
@@ -115,6 +115,21 @@ TEST_F(Bestemmingen, ToFile) {
     schrijf_bestand("uit/lijst.txt", "oud"); // nobody to ask
     EXPECT_EQ(wens(0, PRT_BESTAND, 0, PRT_80, "lijst.txt"), "no");
     EXPECT_EQ(lees_bestand("uit/lijst.txt"), "oud");
+    // Its name and its text are in the characters of the terminal.
+    for (const auto& [set, uit] :
+         {std::pair{"ISO-8859-15", "6 \xE9 80x64 latin1"}, {"CP850", "6 \x82 80x64 cp850"}}) {
+        Opties o;
+        o.omgeving.push_back({"ZGTEKENSET", set});
+        Terminal t(
+            [&] {
+                SCRINIT();
+                const bool goed = wens(0, PRT_BESTAND, 0, PRT_80, "\x82") == uit;
+                SCREXIT();
+                return goed ? 3 : 4;
+            },
+            o);
+        EXPECT_EQ(t.einde(), 3) << set;
+    }
 }
 
 // The list: what stands in it for each bit of the mask, its rows, and that it can't be left when it may not.
