@@ -270,7 +270,7 @@ int open_job(printjob* job) {
     const bool naar = job->weg == Printweg::bestand;
     const std::string map = naar ? job->apparaat.substr(0, job->apparaat.rfind('/')) : "";
     if (!prt_job_begin(*job, map.empty() && naar ? "/" : map)) {
-        weigering(job->apparaat);
+        weigering(naar ? job->bestand : job->apparaat);
         return 0;
     }
     if (job->weg == Printweg::aux && !job->voorbeeld)

@@ -159,10 +159,9 @@ TEST_F(Wachtrij, FromTheLineScreen) {
     }
 }
 
-// Not yet seen to pass: which key makes the turn of the line screen that tells.
+// In the preview: told with what the scheduler said; the report is kept, and goes out when it is sent again.
 TEST_F(Wachtrij, RefusedBehindTheOpening) {
     const std::string init("\x1B@\0", 3), exit("\0Z", 2);
-    // Behind it, in the preview: told with what the scheduler said; the report is kept, and goes out when it is sent again.
     int n = 0;
     for (const char* reden : {"de wachtrij weigert: ", "not accepting jobs"}) {
         const bool weg = ++n == 1;

@@ -148,33 +148,5 @@ TEST_F(Doorgeef, Screen) {
     EXPECT_EQ(t.einde(), 3);
 }
 
-// ESC in a long report: what there was of it, and a row that says so. An empty one leaves nothing, init text or not.
-TEST_F(Doorgeef, BrokenOffOrEmpty) {
-    ASSERT_EQ(mkfifo("fifo", 0600), 0);
-    Terminal t([&] {
-        SCRINIT();
-        const std::string fifo = map.pad() + "/fifo";
-        if (!begin(Printweg::apparaat, fifo) || XPRT_CLOSE() != 1 || FILES_PRESENT("PR*") ||
-            !begin(Printweg::apparaat, fifo))
-            return 5;
-        for (const time_t tot = time(nullptr) + 60; !XPRT_STOP() && time(nullptr) < tot; usleep(1000))
-            regels("regel", 1);
-        const int antwoord = XPRT_CLOSE();
-        SCREXIT();
-        return antwoord == 1 ? 3 : 4;
-    });
-    t.stuur("\033");
-    EXPECT_TRUE(t.wacht(" Onderbreken ")) << t.scherm();
-    t.kalm();
-    t.stuur("j\r");
-    EXPECT_EQ(t.einde(), 3);
-    const std::string uit = lees_bestand("fifo"), sterren(25, '*'),
-                      slot = "\n\n\n" + sterren + "\n** Printen onderbroken **\n" + sterren + "\n" + EXIT;
-    EXPECT_EQ(uit.compare(0, INIT.size() + 6, INIT + "regel "), 0);
-    EXPECT_TRUE(uit.size() > slot.size() && uit.compare(uit.size() - slot.size(), slot.size(), slot) == 0)
-        << uit;
-    EXPECT_TRUE(leeg());
-}
-
 } // namespace
 } // namespace zg

@@ -101,14 +101,6 @@ TEST(Pdf, PagesAndOddFiles) {
         EXPECT_EQ(uitvoer("qpdf --check uit.pdf >/dev/null 2>&1 && echo goed"), "goed\n") << r.in;
         IOUNLINK("uit.pdf");
     }
-    // Bytes that are no text at all, and a line without end.
-    std::string ruis;
-    uint32_t zaad = 1;
-    for (int i = 0; i < 300'000; i++)
-        ruis += i < 100'000 ? 'x' : static_cast<char>((zaad = zaad * 1664525 + 1013904223) >> 24);
-    test::schrijf_bestand("in", ruis);
-    EXPECT_TRUE(prt_pdf("in", "uit.pdf", 64, 132, false, ""));
-    EXPECT_EQ(uitvoer("qpdf --check uit.pdf >/dev/null 2>&1 && echo goed"), "goed\n");
 }
 
 // Over a file that stands, and refused at each call in turn: nothing half is left, and the reason is told.

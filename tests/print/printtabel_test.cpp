@@ -79,10 +79,11 @@ TEST_F(Printmap, NoSuchDirectory) {
 
 TEST(Printtekst, Escapes) {
     const std::pair<const char*, std::string> rijen[] = {
-        {"\\1B@", "\x1B@"},   {"\\00\\ff", std::string("\0\xFF", 2)},
-        {"a\\\\1B", "a\\1B"}, {"\\1", "\\1"},
-        {"\\1G0", "\\1G0"},   {"x\\", "x\\"},
-        {"\\0x1", "\\0x1"},   {"\\\\\\41", "\\A"},
+        {"\\00\\ff", std::string("\0\xFF", 2)},
+        {"a\\\\1B", "a\\1B"},
+        {"\\1G0", "\\1G0"},
+        {"x\\", "x\\"},
+        {"\\\\\\41", "\\A"},
     };
     for (const auto& [van, naar] : rijen)
         EXPECT_EQ(prt_bytes(van, strlen(van)), naar) << van;
