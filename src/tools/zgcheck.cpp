@@ -48,7 +48,7 @@ void als_json(const keurbestand& b) {
     puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
 }
 
-int toon(const std::vector<keurbestand>& bestanden) {
+int verslag(const std::vector<keurbestand>& bestanden) {
     size_t kwalen = 0, noten = 0;
     for (const keurbestand& b : bestanden) {
         kwalen += b.kwalen.size();
@@ -78,7 +78,7 @@ int wie_er_in_is() {
         int32_t slot = nr;
         gebruikerslot g;
         iotab('R', &slot, &g, SYS_GEBRUIKER);
-        klacht("", "in use: user " + std::to_string(nr) + " " + CP850UTF8(gebruiker_naam(g)));
+        klacht("", "in use: user " + std::to_string(nr) + " " + toon(gebruiker_naam(g)));
     }
     klacht("", "nothing was changed");
     return IN_GEBRUIK;
@@ -89,7 +89,7 @@ bool bomen_stuk() {
     const std::vector<keurbestand> stuk = bomen_keur(wens.wacht);
     if (stuk.empty())
         return false;
-    toon(stuk);
+    verslag(stuk);
     std::string namen;
     for (const keurbestand& b : stuk)
         namen += " " + b.naam;
@@ -118,7 +118,7 @@ int herstel() {
     for (const std::string& r : register_herstel(&gelukt))
         if (!wens.stil && !wens.json)
             printf("repair: %s\n", CP850UTF8(r).c_str());
-    const int uitkomst = toon(register_keur(1));
+    const int uitkomst = verslag(register_keur(1));
     keur_sluit();
     return gelukt ? uitkomst : FOUT_GEVONDEN;
 }
@@ -129,7 +129,7 @@ int keur() {
         return FOUT_GEVONDEN;
     if (const std::string mist = keur_open(false); !mist.empty())
         return klacht(mist, strerror(ENOENT)), NIET_TE_OPENEN;
-    const int uitkomst = toon(register_keur(POGINGEN));
+    const int uitkomst = verslag(register_keur(POGINGEN));
     keur_sluit();
     return uitkomst;
 }
