@@ -46,6 +46,16 @@ template <class F> bool wijzig_status(F doe) {
     return true;
 }
 
+void zet_code(sysstatus* s, uint8_t code) {
+    s->status = code;
+    if (code == STATUS_VRIJ)
+        s->tekst[0] = 0;
+    else if (code == STATUS_FOUT || code == STATUS_FOUT2)
+        VASTIN(s->tekst, "@7");
+    else if (code == STATUS_KRITIEK)
+        VASTIN(s->tekst, "@8");
+}
+
 // Marked, and nobody holds it.
 bool gestorven(int32_t nr) {
     gebruikerslot g;
@@ -56,15 +66,7 @@ bool gestorven(int32_t nr) {
 } // namespace
 
 bool status_zet(uint8_t code) {
-    return wijzig_status([code](sysstatus* s) {
-        s->status = code;
-        if (code == STATUS_VRIJ)
-            s->tekst[0] = 0;
-        else if (code == STATUS_FOUT || code == STATUS_FOUT2)
-            VASTIN(s->tekst, "@7");
-        else if (code == STATUS_KRITIEK)
-            VASTIN(s->tekst, "@8");
-    });
+    return wijzig_status([code](sysstatus* s) { zet_code(s, code); });
 }
 
 bool status_tekst_zet(std::string_view tekst) {
@@ -107,7 +109,10 @@ bool status_vrij() {
         return false;
     if (kritiek_gestorven().empty())
         return true;
-    status_zet(STATUS_KRITIEK);
+    wijzig_status([](sysstatus* s) {
+        if (s->status == STATUS_VRIJ) // while the slots were looked at a batch run may have begun
+            zet_code(s, STATUS_KRITIEK);
+    });
     return false;
 }
 
