@@ -64,6 +64,7 @@ public:
     const sysprijs& vrij() const { return vrij_; }
 
 private:
+    const uint8_t stond_; // 10 and above within a step that is marked already
     sysprijs vrij_;
     bool bewaar();
     bool zet(int32_t nr, const prijsgroeprec* rec, size_t aantal);

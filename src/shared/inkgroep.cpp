@@ -24,14 +24,9 @@ bool lees(int32_t nr, prijsgroeprec* rec) {
     return nr >= 0 && SYSLEES(ink.fd, rec, sizeof *rec, nr * INK_RECORD) == INK_RECORD;
 }
 
-void zet_staat(uint8_t staat) {
-    gebruiker.userstate = staat;
-    gebruiker_schrijf('w');
-}
-
 [[noreturn]] void stop(int32_t nr, const char* waarom) {
     const int fout = errno;
-    zet_staat(HALF_WERK);
+    gebruiker_stand(HALF_WERK);
     SCRFATAL("IOINK(%d): %s(a=%c,f=%d,r=%ld) -> %s", fout, "DTIPA", 'R', ink.fd, static_cast<long>(nr),
              waarom);
 }
@@ -112,8 +107,7 @@ bool ioink_past(int groepen) {
     return false;
 }
 
-inkslot::inkslot() {
-    zet_staat(10);
+inkslot::inkslot() : stond_(gebruiker_stand(10)) {
     int32_t nr = INK_SYSRECORD;
     iotab('X', &nr, &vrij_, SYS_RECORD);
 }
@@ -121,7 +115,7 @@ inkslot::inkslot() {
 inkslot::~inkslot() {
     int32_t nr = INK_SYSRECORD;
     iotab('U', &nr, nullptr, SYS_RECORD);
-    zet_staat(1);
+    gebruiker_stand(stond_);
 }
 
 bool inkslot::bewaar() {
