@@ -114,9 +114,9 @@ bool kasmut_reeks(std::span<const Mutatie> mutaties) {
         });
     if (samen && !kasmut_open(1))
         return false;
-    bool goed = true;
-    for (const Mutatie& m : mutaties)
-        goed = kasmut_all(m.letter, m.inhoud) && goed;
+    // Told once; who sends keeps them.
+    const bool goed =
+        std::ranges::all_of(mutaties, [](const Mutatie& m) { return kasmut_all(m.letter, m.inhoud); });
     if (samen)
         kasmut_close();
     return goed;

@@ -48,11 +48,9 @@ Prijsuit zet_prijzen(const prijswerk& noot, const prijsserie& p, const serrec& r
     prijsset wordt = p.wordt;
     // With another period it is a new one, that cuts the old one.
     wordt.groep = p.stond && nu.van == wordt.van && nu.tot == wordt.tot ? nu.groep : -1;
-    if (!ioink_writeheld(&wordt, p.groepen))
-        return Prijsuit::geweigerd;
-    if (p.stond)
+    if (p.stond) // first: killed in between, the write done again finds nothing to tell
         serie_mutatie(MUT_PRIJS, rec);
-    return Prijsuit::goed;
+    return ioink_writeheld(&wordt, p.groepen) ? Prijsuit::goed : Prijsuit::geweigerd;
 }
 
 Prijsuit zet_etiketten(const prijswerk& noot, const prijsserie& p, const serrec& rec) {

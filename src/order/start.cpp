@@ -11,6 +11,7 @@
 #include "shared/houder.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
+#include "shared/mutatie.h"
 #include "shared/sysrec.h"
 #include "shared/teksten.h"
 #include "store/ix.h"
@@ -127,6 +128,7 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
     STELSELHAAK = stelsel_in_gebruik;
     tills_lees();
     MUTATIEHAAK = kasmut_reeks;
+    mutaties_herstel();
     EANHAAK = serie_mutatie_ean;
     XPRT_LIJSTUIT(false); // a report that was asked for gets a destination
     MACROGEBRUIKER(sessienummer);

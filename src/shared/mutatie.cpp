@@ -1,7 +1,12 @@
-// Till mutations, see shared/mutatie.h.
+// Till mutations, see shared/mutatie.h. Those that wait are noted in a file of the user's slot, MUTnn.RES, a line each, before
+// anything is waited for: what a kill leaves there goes out at the slot's next start. One that goes out twice does no harm,
+// since it only says where to look.
 #include "shared/mutatie.h"
+#include "shared/regelbij.h"
+#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include <algorithm>
+#include <cstdio>
 #include <vector>
 
 namespace zg {
@@ -9,8 +14,34 @@ namespace zg {
 bool (*MUTATIEHAAK)(std::span<const Mutatie> mutaties);
 
 namespace {
+
 std::vector<Mutatie> bewaard;
 bool houden;
+bool nieuw;    // something since the last try to send
+int noot = -1; // the file that holds what is kept
+
+std::string notitie() {
+    char naam[32];
+    snprintf(naam, sizeof naam, "MUT%02d.RES", sessie);
+    return naam;
+}
+
+// Where it can't be, memory has to do.
+void noteer(const Mutatie& m) {
+    if (sessie > 0 && noot < 0)
+        noot = REGELOPEN(notitie().c_str());
+    if (noot >= 0)
+        REGELBIJ(noot, m.letter + m.inhoud);
+}
+
+void wis_noot() {
+    if (noot < 0)
+        return;
+    SYS.unlink(notitie().c_str());
+    SYS.close(noot);
+    noot = -1;
+}
+
 } // namespace
 
 bool kassakoppeling() {
@@ -19,8 +50,13 @@ bool kassakoppeling() {
 
 bool mutatie(char letter, const std::string& inhoud) {
     const Mutatie m{letter, inhoud};
-    if (kassakoppeling() && std::find(bewaard.begin(), bewaard.end(), m) == bewaard.end())
-        bewaard.push_back(m);
+    if (MUTATIEHAAK && kassakoppeling()) {
+        nieuw = true;
+        if (std::find(bewaard.begin(), bewaard.end(), m) == bewaard.end()) {
+            noteer(m);
+            bewaard.push_back(m);
+        }
+    }
     return houden || mutaties_stuur();
 }
 
@@ -30,9 +66,30 @@ void mutaties_houd() {
 
 bool mutaties_stuur() {
     houden = false;
-    std::vector<Mutatie> weg;
-    weg.swap(bewaard);
-    return weg.empty() || !MUTATIEHAAK || MUTATIEHAAK(weg);
+    if (!nieuw)
+        return true;
+    nieuw = false;
+    if (!bewaard.empty() && MUTATIEHAAK && !MUTATIEHAAK(bewaard))
+        return false;
+    bewaard.clear();
+    wis_noot();
+    return true;
+}
+
+bool mutaties_herstel() {
+    noot = SYS.open(notitie().c_str(), O_RDWR | O_APPEND | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0);
+    if (noot < 0)
+        return true;
+    constexpr int64_t OMVANG_MAX = 1 << 20; // a line's mutations are some kilobytes
+    std::string regels(static_cast<size_t>(std::clamp<int64_t>(SYSOMVANG(noot), 0, OMVANG_MAX)), '\0');
+    const ssize_t n = SYSLEES(noot, regels.data(), regels.size(), 0);
+    regels.resize(static_cast<size_t>(std::max<ssize_t>(n, 0)));
+    size_t van = 0; // a line that a kill has cut is no mutation
+    for (size_t tot; (tot = regels.find('\n', van)) != std::string::npos; van = tot + 1)
+        if (tot > van)
+            bewaard.push_back({regels[van], regels.substr(van + 1, tot - van - 1)});
+    nieuw = true;
+    return mutaties_stuur();
 }
 
 } // namespace zg

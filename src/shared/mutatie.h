@@ -31,11 +31,13 @@ struct Mutatie {
 
 bool kassakoppeling(); // are tills linked? (system record 1)
 // A mutation for all tills, sent now, or with the others when the series in hand is let go: each once. False when a line
-// could not be written, which was told.
+// could not be written, which was told; it is sent again with the next.
 bool mutatie(char letter, const std::string& inhoud);
 // From now on a series is held: mutations are kept. And it is let go: what was kept is sent in one go.
 void mutaties_houd();
 bool mutaties_stuur();
+// At the start, when the hook is set: what a program of this user's slot has left unsent.
+bool mutaties_herstel();
 // Who writes them, all that came together; null while nobody does. Answers as mutatie.
 extern bool (*MUTATIEHAAK)(std::span<const Mutatie> mutaties);
 
