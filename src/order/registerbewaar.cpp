@@ -154,6 +154,8 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
         if (s.merk != oud_merk || memcmp(s.model, oud_model, sizeof oud_model) != 0)
             serie_mutatie(MUT_SERIE, s, oud_merk);
         meld_nieuwe_maten(regel->serie, s);
+        if (memcmp(s.adviesblok, regel->serie.adviesblok, sizeof s.adviesblok) != 0)
+            serie_mutatie(MUT_PRIJS, s);
     }
     // Codes that are refused are made by the next save; what the series says of its labels stands all the same.
     bool codes = true;
