@@ -6,6 +6,7 @@
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "shared/teksten.h"
+#include "term/einde.h"
 #include "term/scherm.h"
 #include "term/vast.h"
 #include <algorithm>
@@ -280,6 +281,7 @@ uint8_t gebruiker_stand(uint8_t userstate) {
     const uint8_t stond = gebruiker.userstate;
     if (stond != userstate) {
         gebruiker.userstate = userstate;
+        SCREINDELATER(userstate >= 10);
         gebruiker_schrijf('w');
     }
     return stond;

@@ -1,7 +1,8 @@
 // Signals. The handlers only leave a note; it is looked at where keys are read and output is shown. A hang-up
 // or a request to end gets a moment for the orderly way out, then the process ends without it, so that locks
-// are never held for a terminal that is gone.
+// are never held for a terminal that is gone; ten seconds where a step would be left half done.
 #include "term/binnen.h"
+#include "term/einde.h"
 #include <csignal>
 #include <cstdlib>
 #include <sys/time.h>
@@ -15,8 +16,8 @@ void (*SCRNOODHAAK)();
 
 namespace {
 
-volatile sig_atomic_t einde, bezig;
-constexpr int RESPIJT_US = 500000;
+volatile sig_atomic_t einde, bezig, later, respijten;
+constexpr int RESPIJT_US = 500000, RESPIJTEN = 20; // so many for a step that would be left half done
 
 void op_toets(int sein) {
     SCHERM.signaaltoets = sein == SIGINT ? K_DC : K_EXIT;
@@ -30,11 +31,15 @@ void op_slaap(int) {}
 
 void op_einde(int) {
     einde = 1;
-    itimerval t{{0, 0}, {0, RESPIJT_US}};
+    itimerval t{{0, RESPIJT_US}, {0, RESPIJT_US}};
     setitimer(ITIMER_REAL, &t, nullptr);
 }
 
 void op_respijt(int) {
+    if (later && respijten < RESPIJTEN) {
+        respijten = respijten + 1;
+        return;
+    }
     NOODAF();
     _exit(1);
 }
@@ -94,8 +99,12 @@ bool SEINEINDE() {
 }
 
 void SEINSTOP() {
-    if (einde && !bezig)
+    if (einde && !bezig && !later)
         OPGEHANGEN();
+}
+
+void SCREINDELATER(bool aan) {
+    later = aan;
 }
 
 void OPGEHANGEN() {
