@@ -161,18 +161,21 @@ int IOMOVE(const char* van_, const char* naar_, int overschrijf) {
             return volledig(van) == volledig(naar) || SYS.unlink(van.c_str()) == 0;
         if (SYS.rename(van.c_str(), naar.c_str()) == 0)
             return 1;
-        // Across file systems: copy beside the target, so that it is never half there.
-        std::string naast = naar + "." + std::to_string(getpid());
-        if (!IOCOPY(van.c_str(), naast.c_str(), -1))
-            return 0;
-        if (SYS.rename(naast.c_str(), naar.c_str()) < 0) {
-            SYS.unlink(naast.c_str());
-            return 0;
-        }
-    } else if (SYS.link(van.c_str(), naar.c_str()) < 0 && !IOCOPY(van.c_str(), naar.c_str(), -1)) {
+    } else if (SYS.link(van.c_str(), naar.c_str()) == 0) {
+        return IOUNLINK(van.c_str());
+    } else if (errno == EEXIST) {
         return 0;
     }
-    return IOUNLINK(van.c_str());
+    // Across file systems, or where there are no links: copied beside the target, so that it is never half there.
+    const std::string naast = naar + "." + std::to_string(getpid());
+    if (!IOCOPY(van.c_str(), naast.c_str(), -1))
+        return 0;
+    const bool gelinkt = !overschrijf && SYS.link(naast.c_str(), naar.c_str()) == 0;
+    const bool gelukt = gelinkt || ((overschrijf || lstat(naar.c_str(), &b) < 0) &&
+                                    SYS.rename(naast.c_str(), naar.c_str()) == 0);
+    if (gelinkt || !gelukt)
+        SYS.unlink(naast.c_str());
+    return gelukt && IOUNLINK(van.c_str());
 }
 
 int64_t IODISKFREE() {

@@ -4,6 +4,8 @@
 #include "shared/sleutelstand.h"
 #include "sub/omserie.h"
 #include "sub/serienummer.h"
+#include "sub/teksten.h"
+#include "term/scherm.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cstring>
@@ -173,6 +175,8 @@ bool afb_wis(const seriesleutel& serie) {
     const int gelezen = IXREADT(dtserpic, buffer.rec);
     if (gelezen == 0)
         IXUNLOCK(dtserpic, Seriebuffer(serie).rec);
+    else if (gelezen < 0) // another program has it in hand
+        error("%s", TXT(T_NIET_VASTGELEGD));
     return gelezen == 1 ? IXDELETE(dtserpic, buffer.rec) == 0 : gelezen == 0;
 }
 
