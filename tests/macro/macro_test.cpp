@@ -2,6 +2,7 @@
 // and a table that can't be used.
 #include "macro/speler.h"
 #include "shared/files.h"
+#include "support/paar.h"
 #include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "term/dm_hdl.h"
@@ -279,19 +280,15 @@ TEST_F(Macro, TableThatCantBeUsed) {
         {"sound", "m/", "", nullptr},
         {"unset", nullptr, "cp m/* .", nullptr},
         {"missing directory", "weg", "", "bestaat niet"},
-        {"no directory", "m/MACRO.TXT", "", "bestaat niet"},
         {"name too long", lang.c_str(), "", "te lang"},
         {"index gone", "m", "rm m/MACRO.INX", nullptr},
         {"data gone", "m", "rm m/MACRO.TXT", "Macro k is niet aanwezig !"},
         {"index cut", "m", "truncate -s 700 m/MACRO.INX", nullptr},
-        {"record length", "m", "", nullptr, "m/MACRO.INX", 24},
         {"marked", "m", "", nullptr, "m/MACRO.INX", 45},
-        {"key definition", "m", "", nullptr, "m/MACRO.INX", 48 + 21},
         {"node", "m", "", nullptr, "m/MACRO.INX", 512 + 2},
         {"entry", "m", "", nullptr, "m/MACRO.INX", 512 + 8},
         {"former version", "m", "", anders, "m/MACRO.INX", 258},
         {"half a record", "m", "truncate -s 300 m/MACRO.TXT", anders},
-        {"other records", "m", "mv m/X.INX m/MACRO.INX; mv m/X.TXT m/MACRO.TXT", anders},
         {"another key", "m", "mv m/Y.INX m/MACRO.INX; mv m/Y.TXT m/MACRO.TXT", anders},
         {"a pipe", "m", "rm m/MACRO.TXT; mkfifo m/MACRO.TXT", anders},
         {"no keys", "m", "printf '\\0' | dd of=m/MACRO.TXT bs=1 seek=4 conv=notrunc status=none", opnieuw},
@@ -305,14 +302,7 @@ TEST_F(Macro, TableThatCantBeUsed) {
         setenv("MACRO", "m", 1);
         MACROSCHRIJF(macro('k', 7, {'1', '2'}));
         unsetenv("MACRO");
-        for (auto [naam, lengte, sleutel] :
-             {std::tuple{"m/X", "x,59", "k,I,1,2,I,3,4"}, {"m/Y", "x,236", "k,I,3,4,I,1,2"}}) {
-            ICB* icb = IXCREATE(naam, 1);
-            IXUPDFCB(icb, 0, lengte);
-            IXUPDFCB(icb, 1, sleutel);
-            IXINIT(icb);
-            IXCLOSE(icb);
-        }
+        IXCLOSE(nieuw_paar("m/Y", {"x,236", "k,I,3,4,I,1,2"}));
         ASSERT_EQ(system((std::string(":; ") + r.opdracht).c_str()), 0);
         if (r.bestand) {
             std::string s = lees_bestand(r.bestand);
@@ -347,35 +337,29 @@ TEST_F(Macro, TableThatCantBeUsed) {
 }
 
 // Several tables, so that they meet at the making of each.
-TEST_F(Macro, MadeByManyAtOnce) {
-    constexpr int USERS = 6, TABELLEN = 20;
+TEST_F(Macro, MadeByTwoAtOnce) {
+    constexpr int TABELLEN = 20;
     auto map_van = [](int i) {
         const std::string naam = "m" + std::to_string(i);
         mkdir(naam.c_str(), 0700);
         setenv("MACRO", naam.c_str(), 1);
     };
-    std::vector<std::unique_ptr<Agent>> wie;
-    for (int u = 1; u <= USERS; u++)
-        wie.push_back(std::make_unique<Agent>([=](const std::string&) {
-            int goed = 0;
-            for (int i = 0; i < TABELLEN; i++) {
-                map_van(i);
-                goed += MACROSCHRIJF(macro('k', static_cast<uint16_t>(u), {'1'})) == 1;
-            }
-            return std::to_string(goed);
-        }));
-    std::vector<std::string> uit;
-    for (auto& a : wie)
-        uit.push_back(a->vraag("ga", 0));
-    for (size_t i = 0; i < wie.size(); i++)
-        EXPECT_EQ(uit[i] == Agent::geen_antwoord ? wie[i]->antwoord(60'000) : uit[i],
-                  std::to_string(TABELLEN));
+    auto maak = [=](const std::string& gebruiker) {
+        int goed = 0;
+        for (int i = 0; i < TABELLEN; i++) {
+            map_van(i);
+            goed += MACROSCHRIJF(macro('k', static_cast<uint16_t>(atoi(gebruiker.c_str())), {'1'})) == 1;
+        }
+        return std::to_string(goed);
+    };
+    Agent een(maak), twee(maak);
+    een.vraag("1", 0), twee.vraag("2", 0);
+    EXPECT_EQ(een.antwoord(60'000) + twee.antwoord(60'000), "2020");
     for (int i = 0; i < TABELLEN; i++) {
         map_van(i);
         std::vector<mac_rec> alle;
-        EXPECT_EQ(MACROLEES(0, &alle), 1);
-        EXPECT_EQ(alle.size(), size_t{USERS}) << i;
-        EXPECT_TRUE(IXDIEPCHECK(MACROPAD().c_str()).empty()) << i;
+        EXPECT_TRUE(MACROLEES(0, &alle) == 1 && alle.size() == 2 && IXDIEPCHECK(MACROPAD().c_str()).empty())
+            << i;
     }
     unsetenv("MACRO");
 }

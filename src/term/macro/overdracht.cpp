@@ -30,7 +30,7 @@ mac_rec wachtend; // taken from the file, until its user is known; no keys: none
 
 // Empty when this is no terminal.
 std::string pad() {
-    const char* tty = isatty(STDIN_FILENO) ? ttyname(STDIN_FILENO) : nullptr;
+    const char* tty = isatty(STDOUT_FILENO) ? ttyname(STDOUT_FILENO) : nullptr;
     if (!tty)
         return "";
     const char* streep = strrchr(tty, '/');
