@@ -89,8 +89,7 @@ void ioink_close() {
     if (ink.fd >= 0)
         SYS.close(ink.fd);
     ink = {nullptr, -1, 0};
-    gebruiker.userstate = 1;
-    gebruiker_schrijf('w');
+    gebruiker_stand(1);
 }
 
 ICB* ioink_icb() {
