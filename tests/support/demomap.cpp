@@ -4,6 +4,8 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
+#include <unistd.h>
 
 namespace zg::test {
 
@@ -13,11 +15,16 @@ namespace {
 
 // The data directory of a firm's text, made once a test program and removed with it.
 const std::string& bron(const std::string& teksten, const std::string& optie) {
-    static TijdelijkeMap map(false);
+    static const auto alleen_van_ons = [maker = getpid()](TijdelijkeMap* map) { // not a child's that exits
+        if (getpid() == maker)
+            delete map;
+    };
+    static const std::unique_ptr<TijdelijkeMap, decltype(alleen_van_ons)> map(new TijdelijkeMap(false),
+                                                                              alleen_van_ons);
     static std::map<std::string, std::string> gemaakt;
     std::string& pad = gemaakt[teksten + optie];
     if (pad.empty()) {
-        pad = map.pad() + "/" + std::to_string(gemaakt.size());
+        pad = map->pad() + "/" + std::to_string(gemaakt.size());
         std::string opdracht = "\"" + programma("zgdemo") + "\" " + pad + " --from \"" ZG_SOURCE_DIR "/" +
                                teksten + "\" " + optie;
         EXPECT_EQ(system(opdracht.c_str()), 0);
