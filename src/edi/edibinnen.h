@@ -22,9 +22,10 @@ bool edi_nieuw(const char* naam, const edirec& rec);
 const char* edi_methodetekst(uint8_t methode);
 uint8_t edi_kies_methode(uint8_t nu);
 
-// A directory for all who share the package: rights 2774, the group of the directory above. False when there is none
+// A directory for all who share the package: rights 2774, the group of the directory above; or those of the directory
+// `voorbeeld`, whose place it is going to take. False when there is none
 // then, which was told; one that is there is fine as it is.
-bool edi_maakmap(const std::string& pad);
+bool edi_maakmap(const std::string& pad, const std::string& voorbeeld = "");
 
 // Tells a text about a path (its end, without control bytes) and answers false; `fout`, where the text has a reason.
 bool edi_zeg(const Tekst& tekst, const std::string& pad, int fout = 0);

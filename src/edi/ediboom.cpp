@@ -225,7 +225,7 @@ bool verplaats(const std::string& van, const std::string& naar, const std::strin
                const Voortgangsregel& regel) {
     Inhoud inhoud;
     regel.toon(van);
-    if (!edi_maakmap(naar))
+    if (!edi_maakmap(naar, van))
         return false;
     if (zelfde_map(van, naar))
         return edi_zeg(T_EDI_BINNEN, naar);
@@ -239,12 +239,13 @@ bool verplaats(const std::string& van, const std::string& naar, const std::strin
     });
 }
 
-// A root with all mailboxes in it.
-bool maak_boom(const std::string& root) {
-    bool goed = edi_maakmap(root);
+// A root with all mailboxes in it; those that are made are as those of the root `zoals`, where there is one.
+bool maak_boom(const std::string& root, const std::string& zoals = "") {
+    bool goed = edi_maakmap(root, zoals);
     for (int soort = 0; goed && soort < EDI_SOORTEN; soort++) {
-        const std::string pad = edi_zonder_streep(root) + "/" + edidirname(soort);
-        goed = edi_maakmap(pad) && (soort > EDI_BEWAART || edi_maakmap(pad + "/save"));
+        const std::string bus = std::string("/") + edidirname(soort), pad = edi_zonder_streep(root) + bus;
+        goed = edi_maakmap(pad, zoals + bus) &&
+               (soort > EDI_BEWAART || edi_maakmap(pad + "/save", zoals + bus + "/save"));
     }
     return goed;
 }
@@ -252,10 +253,8 @@ bool maak_boom(const std::string& root) {
 // May mailboxes come there: is it new, empty, or does it have some? What else stands in a root moves along one day.
 bool neemt_bussen(const std::string& map) {
     Inhoud inhoud;
-    if (!IOISDIR(map.c_str()))
+    if (!lees_map(map, &inhoud)) // what is wrong with it shows when it is made
         return true;
-    if (!lees_map(map, &inhoud))
-        return false;
     return (inhoud.mappen.empty() && inhoud.bestanden.empty()) ||
            std::any_of(inhoud.mappen.begin(), inhoud.mappen.end(), [](const std::string& naam) {
                int soort = 0;
@@ -295,7 +294,7 @@ bool edi_zeg(const Tekst& tekst, const std::string& pad, int fout) {
     return false;
 }
 
-bool edi_maakmap(const std::string& zoals_gezet) {
+bool edi_maakmap(const std::string& zoals_gezet, const std::string& voorbeeld) {
     if (IOISDIR(zoals_gezet.c_str()))
         return true;
     const std::string pad = edi_zonder_streep(zoals_gezet);
@@ -305,15 +304,14 @@ bool edi_maakmap(const std::string& zoals_gezet) {
     const int fd = SYS.open(pad.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
     if (fd < 0)
         return edi_zeg(T_EDI_NIET_GEMAAKT, pad, errno);
-    SYS.fchmod(fd, MAPRECHTEN); // as far as the file system has rights
+    if (!IOISDIR(voorbeeld.c_str()) || !SYSEVENALS(fd, voorbeeld.c_str()))
+        SYS.fchmod(fd, MAPRECHTEN); // as far as the file system has rights
     SYS.close(fd);
     return true;
 }
 
 int edimaketree() {
-    std::string root = edi_kaal("ZEBEDI");
-    if (root.empty())
-        root = ediroot();
+    const std::string root = ediroot();
     return !root.empty() && maak_boom(root);
 }
 
@@ -343,7 +341,7 @@ int edimovetree(const char* van, const char* naar) {
     if (statvfs((IOISDIR(doel.c_str()) ? doel : boven).c_str(), &ruimte) == 0 &&
         bytes > uintmax_t{ruimte.f_bavail} * ruimte.f_frsize)
         return edi_zeg(T_EDI_NIET_VERPLAATST, bron, ENOSPC);
-    if (!maak_boom(doel))
+    if (!maak_boom(doel, bron))
         return 0;
     const IOBEURT beurt(bouw.c_str()); // one move into a tree at a time
     IOUNLINK(bouw.c_str());
@@ -399,7 +397,7 @@ std::string mee(const std::string& pad, const std::string& van, const std::strin
 } // namespace
 
 int edi_verplaats(const char* naar) {
-    if (!*naar || !edi_past("ZEBEDI", naar))
+    if (!*naar || !edi_mag("ZEBEDI", naar))
         return edi_zeg(*naar ? T_EDI_PAD_LANG : T_VERPLICHT, naar);
     if (const std::string doel = echt_pad(naar); !doel.empty() && binnen(echt_pad("."), doel))
         return edi_zeg(T_EDI_DATAMAP, naar);

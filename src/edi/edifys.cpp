@@ -6,6 +6,7 @@
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "term/natl.h"
+#include "term/scherm.h"
 #include "term/vast.h"
 #include <algorithm>
 #include <cerrno>
@@ -66,9 +67,11 @@ bool geduld() {
 }
 
 void neem() {
-    while (!geduld()) {
+    for (bool gezegd = false; !geduld(); gezegd = true) {
         char tekst[81] = "";
         houder_tekst(tekst, sizeof tekst, fd, SLOT, SLOTLENGTE);
+        if (!SCHERM.bestaat && !gezegd) // moving the mailboxes may take its time
+            ALARMBOX(tekst);
         houder_toon("", tekst);
     }
 }
@@ -263,6 +266,13 @@ bool edi_past(const char* naam, const char* waarde) {
     return n && lengte <= n->past && std::none_of(waarde, waarde + lengte, [](char c) {
                return (NKLASSE[static_cast<uint8_t>(c)] & N_CONTROL) != 0;
            });
+}
+
+bool edi_mag(const char* naam, const char* waarde) {
+    const Naam* n = zoek(naam);
+    return edi_past(naam, waarde) &&
+           ((n->plaats != offsetof(edirec, zebedi) && n->plaats != offsetof(edirec, edidir)) ||
+            std::none_of(waarde, waarde + strlen(waarde), [](char c) { return (c & 0x80) != 0; }));
 }
 
 int ediset(const char* naam, const char* waarde) {

@@ -62,6 +62,9 @@ int ediset(const char* naam, const char* waarde);
 int edisetpc(const char* naam, const char* waarde);
 // Would it be refused for its length or its bytes, or isn't there such a setting?
 bool edi_past(const char* naam, const char* waarde);
+// May a user give it? As edi_past; and what the package itself opens has ASCII only: another letter is another byte on
+// disk than in the file.
+bool edi_mag(const char* naam, const char* waarde);
 // A flag of DTIPCSYS.TXT, 0 to 991: set it (1 or 0), test it.
 int ediflagset(int n);
 int ediflagget(int n);

@@ -45,11 +45,22 @@ template <auto& NAAM, auto& LABEL> void toon_item(int rij) {
 }
 template <auto& NAAM> bool vraag_item(int rij) {
     std::string waarde = edi_kaal(NAAM);
-    return vraag(rij, NAAM, &waarde) && ediset(NAAM, waarde.c_str());
+    if (!vraag(rij, NAAM, &waarde))
+        return false;
+    return edi_mag(NAAM, waarde.c_str()) ? ediset(NAAM, waarde.c_str()) != 0 : edi_zeg(T_EDI_PAD_LANG, "");
 }
 
 constexpr char ZEBEDI[] = "ZEBEDI", EDIDIR[] = "EDIDIR", EDIRPC[] = "EDIRPC", RPCHOST[] = "RPCHOST",
                EDICMD[] = "EDICMD";
+
+// Who looks for the mailboxes by the files there finds them at once.
+bool vraag_locaties(int rij) {
+    if (!vraag_item<EDIDIR>(rij))
+        return false;
+    if (!edi_kaal(EDIDIR).empty())
+        edimakeloc();
+    return true;
+}
 
 bool vraag_postbussen(int rij) {
     std::string waarde = edi_kaal(ZEBEDI);
@@ -77,7 +88,7 @@ bool vraag_methode(int) {
 const Item ITEMS[] = {
     {0, &T_EDI_I_METHODE, toon_methode, vraag_methode},
     {1, &T_EDI_I_POSTBUSSEN, toon_item<ZEBEDI, T_EDI_I_POSTBUSSEN>, vraag_postbussen},
-    {2, &T_EDI_I_LOCATIES, toon_item<EDIDIR, T_EDI_I_LOCATIES>, vraag_item<EDIDIR>},
+    {2, &T_EDI_I_LOCATIES, toon_item<EDIDIR, T_EDI_I_LOCATIES>, vraag_locaties},
     {3, &T_EDI_I_RPC, toon_item<EDIRPC, T_EDI_I_RPC>, vraag_item<EDIRPC>},
     {4, &T_EDI_I_OPDRACHT, toon_item<EDICMD, T_EDI_I_OPDRACHT>, vraag_item<EDICMD>},
     {5, &T_EDI_I_HOST, toon_item<RPCHOST, T_EDI_I_HOST>, vraag_item<RPCHOST>},

@@ -28,6 +28,7 @@ struct Wens {
 
 constexpr const char* NAMEN[] = {"ZEBEDI", "EDIDIR", "EDIRPC", "RPCHOST", "EDICMD"};
 constexpr const char* METHODEN[] = {"none", "modem", "internet"};
+constexpr char IS_ER[] = "there is a DTRCMSYS.TXT already";
 constexpr char GEEN_BESTAND[] = "no DTRCMSYS.TXT here: zgedi init makes it";
 
 std::string methode_naam() {
@@ -75,9 +76,10 @@ Uitkomst zet() {
     std::string waarde;
     if (!bekend())
         return meld(FOUT_GEBRUIKT, "no such setting: " + wens.naam);
-    if (!CP850NAAR(wens.waarde, &waarde) || !edi_past(wens.naam.c_str(), waarde.c_str()))
+    if (!CP850NAAR(wens.waarde, &waarde) || !edi_mag(wens.naam.c_str(), waarde.c_str()))
         return meld(FOUT_GEBRUIKT,
-                    "the value doesn't fit: 59 bytes (RPCHOST 20) of code page 850, no control bytes");
+                    "the value doesn't fit: 59 bytes (RPCHOST 20) of code page 850, no control bytes; "
+                    "ZEBEDI and EDIDIR ASCII");
     if (!edi_aanwezig())
         return meld(NIET_TE_OPENEN, GEEN_BESTAND);
     if (wens.naam == "ZEBEDI" && waarde.empty() && !wens.blijft && !wens.tweede)
@@ -99,12 +101,15 @@ Uitkomst methode(bool maak) {
     }
     const auto m = static_cast<uint8_t>(wens.waarde == METHODEN[1] ? 1 : 2);
     if (maak && edi_aanwezig() && edi_methode())
-        return meld(FOUT_GEVONDEN, "there is a DTRCMSYS.TXT already");
+        return meld(FOUT_GEVONDEN, IS_ER);
     if (!maak && !edi_aanwezig())
         return meld(NIET_TE_OPENEN, GEEN_BESTAND);
-    if ((maak && !edi_maak(m)) || !edi_methode_zet(m))
-        return meld(FOUT_GEVONDEN, "not set");
-    return GOED;
+    if (maak && !edi_maak(m))
+        return meld(FOUT_GEVONDEN, "not made");
+    const uint8_t nu = edi_methode();
+    if (maak && nu && nu != m) // another was first
+        return meld(FOUT_GEVONDEN, IS_ER);
+    return meld(nu == m || edi_methode_zet(m) ? GOED : FOUT_GEVONDEN, "not set");
 }
 
 Uitkomst vlag() {

@@ -144,12 +144,15 @@ TEST_F(Postbus, MovesEveryKindOfName) {
     zet_boom("oud", 1000);
     const auto was = bestanden("oud");
     ASSERT_EQ(was.size(), 1001u);
+    ASSERT_TRUE(chown("oud/order", geteuid(), test::GROEP) == 0 && chmod("oud/order", 02750) == 0);
+    const std::string recht = test::rechten("oud/order");
     ASSERT_TRUE(ediset("ZEBEDI", "oud/") && ediset("EDIDIR", "oud/leeg/diep"));
     ASSERT_EQ(edi_verplaats("nieuw"), 1);
     EXPECT_STREQ(ediget("EDIDIR"), "nieuw/leeg/diep"); // it lay in the old root, and went along
     EXPECT_EQ(lees_bestand("nieuw/leeg/diep/LOC_PRI.GBL").substr(0, 14), "nieuw/pricat/ ");
     EXPECT_EQ(fs::remove_all("nieuw/leeg/diep"), 5u);
     EXPECT_EQ(bestanden("nieuw"), was);
+    EXPECT_EQ(test::rechten("nieuw/order"), recht);
     EXPECT_TRUE(fs::is_directory("nieuw/slsmon/save")) << "what the old root hadn't";
     EXPECT_FALSE(fs::exists("oud") || fs::exists("x"));
     EXPECT_STREQ(ediget("ZEBEDI"), "nieuw");
