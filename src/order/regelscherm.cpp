@@ -177,8 +177,9 @@ struct Blad {
 // Master data, bar and advice prices of what has been loaded into regel_nu.
 void neem_in_hand(bool geladen) {
     regelstam_lees(&regel_nu);
-    regel_bereikbaar = regel_balk(regel_nu) && geladen &&
-                       (!registermodus || !regel_nu.dessin.geregistreerd || stukken_op_balk(regel_nu));
+    const bool balk = regel_balk(regel_nu);
+    const bool getoond = !registermodus || !geladen || stukken_op_balk(regel_nu);
+    regel_bereikbaar = balk && geladen && getoond;
     if (regel_bereikbaar)
         regel_advies(&regel_nu);
 }

@@ -78,7 +78,7 @@ bool stukken_op_balk(const orderregel& regel) {
             if (!maat_in(maten, cel.maat)) {
                 const std::string serie = serie_tekst(regel.serie.serie);
                 char tekst[80];
-                snprintf(tekst, sizeof tekst, TXT(T_REG_BUITEN_BALK), serie.c_str());
+                snprintf(tekst, sizeof tekst, TXT(T_REG_BUITEN_BALK), serie.c_str(), regel.model.maatsoort);
                 if (verteld.insert(serie).second)
                     ALARMBOX(tekst, TXT(T_REGEL_ONTOEGANKELIJK));
                 return false;

@@ -6,6 +6,7 @@
 
 namespace zg {
 
+inline constexpr uint32_t EANNUMMER_MAX = 99'999'999; // of the running number in codes of sizes
 bool ean_geldig(const char* tekst); // 8, 12 or 13 digits with a right sum; no label number of 8 digits
 bool ean_prefix(const char* tekst); // begins with one of the prefixes that are not internal codes
 bool ean_intern(

@@ -22,7 +22,6 @@ void (*EANHAAK)(const eanrec& rec, int positie);
 namespace {
 
 constexpr int32_t TELLERRECORD = 14;
-constexpr uint32_t NUMMER_MAX = 99'999'999;
 
 // A record of the file in a buffer that holds whatever its header says.
 struct eanbuffer {
@@ -99,7 +98,7 @@ std::string nieuwe_code(ICB* icb) {
     std::string code;
     uint32_t n = laatste(teller);
     do {
-        if (n >= NUMMER_MAX) {
+        if (n >= EANNUMMER_MAX) {
             iotab('U', &nr, &teller, SYS_RECORD);
             ALARMBOX(TXT(T_EAN_OP));
             return "";
@@ -231,7 +230,7 @@ int64_t ean_over() {
     systeller teller;
     int32_t nr = TELLERRECORD;
     iotab('R', &nr, &teller, SYS_RECORD);
-    return std::max<int64_t>(0, int64_t{NUMMER_MAX} - laatste(teller));
+    return std::max<int64_t>(0, int64_t{EANNUMMER_MAX} - laatste(teller));
 }
 
 namespace {

@@ -147,9 +147,10 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
     bool heel = true;
     int32_t nr = rec.etiketkop, laatste = -1;
     for (; nr != -1; nr = bij(k, nr).volgende) {
-        if (!binnen(*k, nr))
+        if (!binnen(*k, nr)) {
             reden = "outside the file";
-        else if (!zelfde_serie(bij(k, nr).serie, rec.serie))
+            k->erbuiten = true;
+        } else if (!zelfde_serie(bij(k, nr).serie, rec.serie))
             reden = "is of series " + serie_tekst(bij(k, nr).serie);
         else if (bij(k, nr).waar != Etiblok::los)
             reden = "the chain goes round";
@@ -203,9 +204,14 @@ void etikeur_einde(etikeuring* k, const keurmelding& meld) {
 
 bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     sysetiket t = k->tellers;
+    if (k->half && !k->erbuiten) { // of an append that was broken off
+        k->blokken.emplace_back();
+        k->half = false;
+    }
     if (!k->vrijketen_heel) {
-        if (std::any_of(k->blokken.begin(), k->blokken.end(),
-                        [k](const auto& b) { return hoort_bij(*k, b); })) {
+        // Numbers of blocks that a chain leads to are never given out again, whether the file has them or not.
+        if (k->erbuiten || std::any_of(k->blokken.begin(), k->blokken.end(),
+                                       [k](const auto& b) { return hoort_bij(*k, b); })) {
             meld("DTETI: free blocks are not given back before the chains of the series are whole");
             return false;
         }
@@ -299,10 +305,11 @@ bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding
     systeller teller;
     int32_t nr = EANTELLER;
     iotab('R', &nr, &teller, SYS_RECORD);
-    if (static_cast<uint32_t>(teller.laatste) >= hoogste)
+    const auto laatste = static_cast<uint32_t>(teller.laatste);
+    if (laatste >= hoogste && laatste <= EANNUMMER_MAX)
         return true;
-    kwaal(VORM("DTSYS.TXT system record 14: the last code is %u, there is one of %u",
-               static_cast<uint32_t>(teller.laatste), hoogste));
+    kwaal(VORM("DTSYS.TXT system record 14: the last code is %u, ", laatste) +
+          (laatste < hoogste ? VORM("there is one of %u", hoogste) : "more than there are"));
     if (herstel) {
         iotab('X', &nr, &teller, SYS_RECORD);
         teller.laatste = static_cast<int32_t>(hoogste);

@@ -34,6 +34,7 @@ struct etikeuring {
     };
     std::vector<blok> blokken;
     bool half;                                          // the file ends inside one more
+    bool erbuiten;                                      // a chain leads to blocks that the file hasn't got
     std::unordered_map<sleutelwaarde, Etiketen> ketens; // of the series that there are
     sysetiket tellers;
     bool vrijketen_heel; // the free chain and its counters agree, but for the count of blocks
@@ -49,8 +50,8 @@ bool etikeur_serie(etikeuring* k, const serrec& serie, etitelling* telling, cons
 // Behind all series: the free chain, and the blocks that nobody has.
 void etikeur_einde(etikeuring* k, const keurmelding& meld);
 // Give blocks back that nobody has, and count the free ones: only with counters and free chain whole, or else, when no
-// series' chain is damaged, the free chain made anew. The caller keeps everybody out. False: refused or not to be
-// repaired, told.
+// series' chain is damaged or leads outside the file, the free chain made anew. Half a block at the end becomes a free one.
+// The caller keeps everybody out. False: refused or not to be repaired, told.
 bool etikeur_herstel(etikeuring* k, const keurmelding& meld);
 
 // All codes of DTEAN: valid, one a size, of a series that has the size (`heeft` says), below the counter. With `herstel`

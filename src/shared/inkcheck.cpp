@@ -142,6 +142,9 @@ int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
             return false;
         return van_stukke_set(stand, nr, rec) || (blijft && blijft(rec));
     };
+    // Records that a set leads to are never given out again, whether the file has them or not.
+    if (std::ranges::any_of(stand.stuk, [&](const auto& s) { return s.second >= ink_records(); }))
+        return 0;
     std::vector<int32_t> nummers;
     int64_t terug = 0;
     for (size_t i = stand.bezit.size(); i-- > 0;) {

@@ -19,7 +19,8 @@ void (*IXDIEPVOORTGANG)(int64_t gedaan, int64_t totaal) = nullptr;
 namespace {
 
 constexpr size_t HAP = 64 * 1024; // bytes of the data file read at once
-constexpr int VOORBEELDEN = 10;   // missing records that are named
+constexpr size_t SAMEN = 4096;  // of it in a walk along a tree, whose records mostly stand behind each other
+constexpr int VOORBEELDEN = 10; // missing records that are named
 
 struct Grens {
     uint8_t sleutel[IXSLEUTELMAX];
@@ -37,6 +38,8 @@ struct Check {
     int32_t vorig_record = -1;  // of the leaf entry before the one that is looked at
     bool opgegeven = false;     // tree refers to more nodes than there are blocks
     std::vector<bool> geteld{}; // records met in the tree at hand, where its keys may be equal
+    int64_t samen_van = 0, samen_tot = 0;
+    uint8_t samen[SAMEN]{};
 
     void meld(const char* fmt, ...) __attribute__((format(printf, 2, 3))) {
         if (++telling->bevindingen > static_cast<int64_t>(IXBEVINDINGEN))
@@ -53,8 +56,18 @@ struct Check {
         if (IXDIEPVOORTGANG && (gedaan % 4096 < stap || gedaan == werk))
             IXDIEPVOORTGANG(std::min(gedaan, werk), werk);
     }
-    bool lees_record(int64_t nr, uint8_t* rec) const {
-        return SYSLEES(datfd, rec, static_cast<size_t>(h.reclen), nr * h.reclen) == h.reclen;
+    // The one behind those that were read last comes with more.
+    bool lees_record(int64_t nr, uint8_t* rec) {
+        const size_t lengte = static_cast<size_t>(h.reclen);
+        if (nr < samen_van || nr >= samen_tot) {
+            const size_t n = nr == samen_tot ? SAMEN / lengte * lengte : lengte;
+            samen_van = samen_tot = nr;
+            samen_tot += std::max<ssize_t>(SYSLEES(datfd, samen, n, nr * h.reclen), 0) / h.reclen;
+            if (samen_tot == nr)
+                return false;
+        }
+        memcpy(rec, samen + (nr - samen_van) * h.reclen, lengte);
+        return true;
     }
     bool lees_blok(int32_t blok, IXKNOOP* k) const { return IXBLOKLEES(idxfd, blok, k, sizeof *k) == IXBLOK; }
     const uint8_t* entry(const IXKNOOP& k, const IXKEYDEF& def, int i) const {

@@ -13,6 +13,7 @@
 #include "term/strings.h"
 #include "tools/keurstand.h"
 #include <algorithm>
+#include <bitset>
 #include <unistd.h>
 
 namespace zg {
@@ -42,7 +43,26 @@ bool ontbreekt(const Keuring& k, const seriesleutel& serie) {
     return !k.series.contains(sleutel_van(serie)) && !serie_lees(serie, &rec);
 }
 
+// Size types that have sizes, in any size system; all of them where there is no file of them.
+std::bitset<256> maatsoorten() {
+    std::bitset<256> uit;
+    if (!stam_aanwezig("DTMAAT"))
+        return uit.set();
+    ICB* dtmaat = IXOPEN("DTMAAT", LEZEN);
+    uint8_t buffer[IXRECMAX];
+    maatrij rij;
+    int er;
+    for (int32_t nr = 0; (er = IXGET(dtmaat, buffer, nr)) >= 0; nr++) {
+        stam_uit(buffer, dtmaat->h.reclen, &rij);
+        if (er)
+            uit.set(rij.soort);
+    }
+    IXCLOSE(dtmaat);
+    return uit;
+}
+
 void lees_series(Keuring* k) {
+    const std::bitset<256> soorten = maatsoorten();
     std::unordered_map<int32_t, sleutelwaarde> nummer;
     uint8_t buffer[IXRECMAX];
     int er;
@@ -55,6 +75,8 @@ void lees_series(Keuring* k) {
         const std::string wie = "series " + serie_tekst(s.rec.serie);
         if (!k->series.emplace(sleutel, s).second)
             keur_kwaal(&k->dtser, &s, wie + ": there twice");
+        if (!soorten[s.rec.maatsoort])
+            keur_kwaal(&k->dtser, &s, wie + VORM(": size type %d, which isn't there", s.rec.maatsoort));
         if (s.rec.nummer <= 0)
             keur_kwaal(&k->dtser, &s, wie + ": without a number");
         else if (const auto [p, nieuw] = nummer.emplace(int32_t{s.rec.nummer}, sleutel); !nieuw)

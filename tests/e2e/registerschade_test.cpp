@@ -41,6 +41,8 @@ TEST(Registerschade, ToldAndLeftAlone) {
         {"a cut file", "DTETI.TXT", blok + 100, "", BEKIJK, "Buiten bestand"},
         {"a chain cut off", "DTSER.TXT", laatste + offsetof(zg::serrec, etiketkop), getal(-1), BEKIJK,
          "meer etiketten geteld"},
+        {"a size type that there isn't", "DTSER.TXT", laatste + offsetof(zg::serrec, maatsoort), "\x4D", "",
+         "maatsoort 77: stuks in een maat"},
         {"wild counts", "DTSER.TXT", laatste + offsetof(zg::serrec, in_nota), getal(99'999), BEKIJK,
          "meer etiketten geteld"},
         {"a group that disagrees", "DTIPG.TXT", groep + offsetof(zg::prijsgroeprec, setnr), getal(7), BEKIJK,

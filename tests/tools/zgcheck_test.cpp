@@ -55,7 +55,8 @@ void schrijf(const DemoMap& map, const char* naam, std::string rec) {
     EXPECT_EQ(a.status, 0) << naam << a.uitvoer;
 }
 
-constexpr size_t SYS2 = 64, SYS4 = 3 * 64, SYS9 = 8 * 64, BLOK = sizeof(etiblok), SER = sizeof(serrec);
+constexpr size_t SYS2 = 64, SYS4 = 3 * 64, SYS9 = 8 * 64, SYS14 = 13 * 64, BLOK = sizeof(etiblok),
+                 SER = sizeof(serrec);
 
 struct Schade {
     const char* wat;
@@ -159,6 +160,30 @@ const Schade SCHADES[] = {
      [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS2, int32_t{1}); },
      {"DTSER: DTSYS.TXT system record 2: the last number is 1, series "},
      true},
+    {"a size type that there isn't",
+     [](const DemoMap& m) { zet(m, "DTSER.TXT", SER + offsetof(serrec, maatsoort), uint8_t{77}); },
+     {"DTSER: series 1100.15.1: size type 77, which isn't there"},
+     false},
+    {"half a block behind the labels",
+     [](const DemoMap& m) {
+         zet(m, "DTETI.TXT", haal<sysetiket>(m, "DTSYS.TXT", SYS4).hoogste * BLOK + 96, int32_t{-1});
+     },
+     {"DTETI: DTSYS.TXT system record 4: ", " blocks and a half"},
+     true},
+    {"labels that are gone", // their numbers stand on pieces: none is given out again
+     [](const DemoMap& m) { std::filesystem::resize_file(m.bestand("DTETI.TXT"), 0); },
+     {"DTETI: series ", "outside the file"},
+     false},
+    {"price records cut off",
+     [](const DemoMap& m) {
+         std::filesystem::resize_file(m.bestand("DTIPG.TXT"), 50 * sizeof(prijsgroeprec));
+     },
+     {"DTIPA: series ", "outside DTIPG.TXT"},
+     false},
+    {"a wild counter of codes",
+     [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS14, uint32_t{0xFFFFFFFF}); },
+     {"DTEAN: DTSYS.TXT system record 14: the last code is 4294967295, more than there are"},
+     true},
     {"a label of a size that its series hasn't",
      [](const DemoMap& m) { zet(m, "DTETI.TXT", offsetof(etiblok, plaats) + 20, uint16_t{9001}); },
      {"DTETI: series ", ": 1 labels of a size that neither it nor their prices have"},
@@ -244,7 +269,8 @@ TEST(Zgcheck, EachDamageAndItsRepair) {
             EXPECT_EQ(sh("ixcheck -q" + hier).tekst, "");
         }
         if (!s.te_herstellen) { // what can't be known stays: no series, group or label goes
-            for (const char* naam : {"DTSER.TXT", "DTIPA.TXT", "DTIPG.TXT", "DTETI.TXT", "DTEAN.TXT"})
+            for (const char* naam :
+                 {"DTSER.TXT", "DTIPA.TXT", "DTIPG.TXT", "DTETI.TXT", "DTEAN.TXT", "DTSYS.TXT"})
                 EXPECT_TRUE(lees_bestand(map.bestand(naam)) == stuk.at(naam)) << naam;
         }
     }
