@@ -241,11 +241,13 @@ bool verplaats(const std::string& van, const std::string& naar, const std::strin
 
 // A root with all mailboxes in it; those that are made are as those of the root `zoals`, where there is one.
 bool maak_boom(const std::string& root, const std::string& zoals = "") {
+    const auto maak = [&](const std::string& map) {
+        return edi_maakmap(edi_zonder_streep(root) + map, zoals.empty() ? "" : zoals + map);
+    };
     bool goed = edi_maakmap(root, zoals);
     for (int soort = 0; goed && soort < EDI_SOORTEN; soort++) {
-        const std::string bus = std::string("/") + edidirname(soort), pad = edi_zonder_streep(root) + bus;
-        goed = edi_maakmap(pad, zoals + bus) &&
-               (soort > EDI_BEWAART || edi_maakmap(pad + "/save", zoals + bus + "/save"));
+        const std::string bus = std::string("/") + edidirname(soort);
+        goed = maak(bus) && (soort > EDI_BEWAART || maak(bus + "/save"));
     }
     return goed;
 }

@@ -42,7 +42,7 @@ public:
         naam = ptsname(meester);
         // As ports are found: cooked, at another speed, by whoever had it last. Kept open, so that its modes stay.
         slaaf = open(naam.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-        ioctl(slaaf, TCGETA, &gevonden);
+        gevonden = nu();
         pid_ = fork();
         if (pid_ == 0) {
             close(slaaf);
@@ -61,10 +61,8 @@ public:
     Poort& operator=(const Poort&) = delete;
 
     bool zoals_gevonden() const {
-        struct termio nu;
-        return ioctl(slaaf, TCGETA, &nu) == 0 && nu.c_cflag == gevonden.c_cflag &&
-               nu.c_iflag == gevonden.c_iflag && nu.c_oflag == gevonden.c_oflag &&
-               nu.c_lflag == gevonden.c_lflag && memcmp(nu.c_cc, gevonden.c_cc, sizeof nu.c_cc) == 0;
+        const struct termio t = nu();
+        return memcmp(&t, &gevonden, sizeof t) == 0;
     }
     struct termio nu() const {
         struct termio t {};
