@@ -9,6 +9,7 @@
 #include "term/datum.h"
 #include "term/ingave.h"
 #include "term/keuze.h"
+#include "term/natl.h"
 #include "term/prompt.h"
 #include "term/vast.h"
 #include <cstdio>
@@ -48,7 +49,7 @@ bool kies(int rij, Keuzetekst tekst, int aantal, int* keus) {
     return true;
 }
 
-// The name of a file: number of the order, or its supplier and day. False when it was left, or empty.
+// The name of a file: number of the order, or its supplier and day; one for a PDF ends so. False when it was left, or empty.
 bool vraag_bestand(int rij, const char* ext, std::string* naam) {
     char tekst[BESTANDNAAM + 1];
     if (kop.ordernummer)
@@ -63,6 +64,9 @@ bool vraag_bestand(int rij, const char* ext, std::string* naam) {
     const bool weg = TOETSWEG();
     SCRCLREOL(rij, 1);
     *naam = VASTTRIM(tekst);
+    const std::string staart = std::string(".") + ext;
+    if (*ext == 'p' && !naam->empty() && !GROOTKOPIE(*naam).ends_with(GROOTKOPIE(staart)))
+        *naam += staart; // which makes it one
     return !weg && !naam->empty();
 }
 

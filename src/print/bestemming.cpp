@@ -224,8 +224,9 @@ std::string tekens_van(const printjob& job) {
 bool prt_bestaat(Printweg weg, const std::string& apparaat) {
     struct stat st;
     switch (weg) {
-    case Printweg::wachtrij: // an option isn't a queue
-        return !apparaat.empty() && apparaat[0] != '-' && slaagt({"lpstat", "-v", apparaat});
+    case Printweg::wachtrij: // an option isn't a queue, nor is a list of them
+        return !apparaat.empty() && apparaat[0] != '-' && apparaat.find_first_of(", ") == std::string::npos &&
+               slaagt({"lpstat", "-v", apparaat});
     case Printweg::apparaat: // never opened to see: a fifo would wait, a tape would wind
         return stat(apparaat.c_str(), &st) == 0 && (S_ISCHR(st.st_mode) || S_ISFIFO(st.st_mode)) &&
                access(apparaat.c_str(), W_OK) == 0 && !datamap(fs::path(apparaat).parent_path().string());

@@ -9,6 +9,7 @@
 #include "term/prompt.h"
 #include "term/scherm.h"
 #include <cerrno>
+#include <sys/stat.h>
 #include <utility>
 #include <vector>
 
@@ -79,7 +80,8 @@ bool prt_verzend(const printjob& job) {
         spool_weg(s);
         return true;
     }
-    if (!spool_schrijf(job.slot, s)) {
+    struct stat st; // without its spool file a job counts as out
+    if (stat(s.spool.c_str(), &st) != 0 || !spool_schrijf(job.slot, s)) {
         const int fout = errno;
         spool_weg(s); // nobody could send it
         return mislukt(job, spool_reden(fout), "");

@@ -275,35 +275,39 @@ bool naar_bestand(spooljob* job) {
     return false;
 }
 
+bool zend(int slot, spooljob* job) {
+    switch (job->weg) {
+    case Printweg::wachtrij:
+        return naar_wachtrij(job);
+    case Printweg::apparaat:
+        return naar_apparaat(slot, job);
+    case Printweg::map:
+        return naar_map(job);
+    case Printweg::bestand:
+        return naar_bestand(job);
+    case Printweg::geen:
+    case Printweg::aux:
+    case Printweg::terminal:
+        break;
+    }
+    job->reden = TXT(T_PRT_NIET_OPEN);
+    return false;
+}
+
 } // namespace
 
 bool spool_verstuur(int slot, spooljob* job) {
-    job->stand = Spoolstand::bezig;
+    // At a device it waits for its turn first; what is given to a queue or a directory may be out at any moment.
+    job->stand = job->weg == Printweg::apparaat ? Spoolstand::wacht : Spoolstand::bezig;
     job->reden.clear();
     job->gemeld = false;
     spool_schrijf_stand(slot, *job);
     spool_weg_ernaast(*job); // of a sender that was killed
-    bool uit = false;
-    switch (job->weg) {
-    case Printweg::wachtrij:
-        uit = naar_wachtrij(job);
-        break;
-    case Printweg::apparaat:
-        uit = naar_apparaat(slot, job);
-        break;
-    case Printweg::map:
-        uit = naar_map(job);
-        break;
-    case Printweg::bestand:
-        uit = naar_bestand(job);
-        break;
-    case Printweg::geen:
-    case Printweg::aux:
-    case Printweg::terminal:
-        job->reden = TXT(T_PRT_NIET_OPEN);
-        break;
-    }
-    if (uit) {
+    struct stat st;
+    const bool heel = stat(job->spool.c_str(), &st) != 0 || st.st_size >= job->eind;
+    if (!heel)
+        job->reden = TXT(T_PRT_NIET_HEEL);
+    if (heel && zend(slot, job)) {
         spool_weg(*job);
         return true;
     }

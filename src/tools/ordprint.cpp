@@ -139,7 +139,8 @@ bool zoek_bestemming(const printtabellen& t, Bestemming* uit) {
                false;
     }
     *uit = over[0];
-    return true;
+    return !VASTLEEG(uit->verbinding.apparaat) ||
+           (klacht(wens.printer, "this connection has no device"), false);
 }
 
 std::ifstream spool; // of a job for the standard output
@@ -181,7 +182,7 @@ int naar_uitvoer() {
     for (std::string regel; uitkomst == GOED && std::getline(spool, regel);)
         puts(CP850UTF8(VASTTRIM(regel)).c_str());
     if (fflush(stdout) != 0 || ferror(stdout))
-        uitkomst = (klacht("", "standard output: write failed"), FOUT_GEVONDEN);
+        uitkomst = (klacht("", "standard output: write failed"), NIET_TE_OPENEN);
     return uitkomst;
 }
 

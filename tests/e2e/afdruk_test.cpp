@@ -183,6 +183,9 @@ printer 4 naam=Kaal
 configuratie 4 1 kolommen=80 rijen=64
 printer 5 naam=Twins
 printer 6 naam=TWINS
+printer 7 naam=Leeg
+verbinding 7 1 apparaat=""
+configuratie 7 1 kolommen=80 rijen=64
 )");
     const std::string hier = "cd '" + map.pad() + "' && export ZEBPRT=prt && ";
     ASSERT_EQ(sh(hier + "zgdruk load printers").tekst, "");
@@ -202,6 +205,8 @@ printer 6 naam=TWINS
         {"-p twins", "more than one printer has this name", 2},
         {"-p ''", "is empty", 2},
         {"-o ''", "is empty", 2},
+        {"-p Leeg", "has no device", 2},
+        {">/dev/full", "write failed", 3},
     };
     int bestanden = 0;
     for (const auto& r : rijen) {
@@ -238,7 +243,9 @@ TEST(Afdruk, FromTheLineScreen) {
         EXPECT_EQ(zonder_blad(lees_bestand(naam)), ordprint(map, wat + "2016Z/ORD0012.JRN"));
         fs::remove(naam);
     }
-    p.t.toetsen("RFKMS");
+    p.t.toetsen("RFKMDlijst<Enter>8");
+    EXPECT_TRUE(p.t.wacht("Vastgelegd in uit/lijst.pdf")) << p.t.scherm();
+    p.t.toetsen("<Enter>RFKMS");
     EXPECT_TRUE(p.t.wacht("Einde overzicht")) << p.t.scherm();
     EXPECT_TRUE(p.t.wacht("Orderomschrijving: Voorjaar")) << p.t.scherm();
     p.t.toetsen("<Esc>RA");

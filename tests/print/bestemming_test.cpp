@@ -19,7 +19,7 @@ struct Bestemmingen : Printmap {
         config(3, 9, 132, 66, "\\1B\\00");
         EXPECT_EQ(mkfifo("elders/fifo", 0600), 0);
         programma("bin/lpstat",
-                  "[ $# = 2 ] && case $2 in laser/duplex|-*) ;; *) exit 1 ;; esac"); // takes options
+                  "[ $# = 2 ] && case $2 in laser/duplex*|-*) ;; *) exit 1 ;; esac"); // takes options
     }
     // What becomes of a wish: "way device columns x rows, preview, character set", or the box.
     static std::string wens(uint16_t code, uint8_t vlaggen, uint8_t nr, uint16_t masker,
@@ -69,6 +69,7 @@ TEST_F(Bestemmingen, Refused) {
     } rijen[] = {
         {"laser/duplex", false, true},
         {"-o", false, false},
+        {"laser/duplex,weg", false, false}, // lpstat's way to ask for two
         {"laser; touch pwn", false, false},
         {hier + "/DTSYS.TXT", false, false},
         {"/dev/null", false, true},

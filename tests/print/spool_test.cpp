@@ -69,6 +69,10 @@ TEST_F(Spool, Devices) {
         regels("regel", 40);
         EXPECT_EQ(XPRT_CLOSE(), 1); // nobody reads yet: the program isn't held up
         EXPECT_EQ(pad == lijn ? "" : zender(map.pad()), "") << "open in the sender";
+        for (const std::string& b : spool_beschrijvingen(""))
+            if (spooljob job; spool_kijk(b, &job) == Spoolpad::bezig && pad != lijn) {
+                EXPECT_EQ(job.stand, Spoolstand::wacht) << "nothing is out";
+            }
         const std::string een = verwacht("regel", 40, letter);
         const int fd = pad == lijn ? dup(meester) : open(pad.c_str(), O_RDONLY);
         EXPECT_TRUE(ontvang(fd, 3 * een.size()) == een + een + een);
@@ -234,7 +238,7 @@ TEST_F(Spool, AtEachCall) {
 }
 
 // A description of bytes that nobody wrote: none, or read without harm.
-TEST_F(Spool, DamagedDescriptions) {
+TEST_F(Spool, Damaged) {
     spooljob job{}, terug;
     job.spool = "PRAA00", job.weg = Printweg::map, job.kopieen = 2, job.apparaat = "u\n\\1B'; touch pwn";
     schrijf_bestand("PRAA00", "x");
@@ -250,8 +254,18 @@ TEST_F(Spool, DamagedDescriptions) {
         schrijf_bestand("PRAA00.JOB", anders);
         spool_kijk("PRAA00.JOB", &terug);
     }
+    // A spool file that has lost its end is kept, and one that is gone is told.
     schrijf_bestand("PRAA00.JOB", heel);
+    const int slot = spool_neem("PRAA00.JOB", &job);
+    job.apparaat = "uit", job.eind = 2;
+    EXPECT_FALSE(spool_verstuur(slot, &job));
+    EXPECT_TRUE(IOEXISTS("PRAA00") && FILES_PRESENT("uit/*") == 0);
     spool_weg(job);
+    close(slot);
+    ASSERT_TRUE(begin(Printweg::map, "uit"));
+    regels("regel", 1);
+    IOUNLINK(printopdracht.spool.c_str());
+    EXPECT_EQ(XPRT_CLOSE(), 0);
 }
 
 } // namespace
