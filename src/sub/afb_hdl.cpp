@@ -109,6 +109,11 @@ std::vector<std::string> afb_bestanden(const std::string& map, int* lang) {
     return uit;
 }
 
+bool afb_aanwezig(const std::string& pad) {
+    std::error_code geen;
+    return fs::is_regular_file(pad, geen);
+}
+
 bool afb_heeft(const seriesleutel& serie) {
     if (!dtserpic)
         return false;

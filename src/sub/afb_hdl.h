@@ -25,6 +25,7 @@ enum class Afbnaam { goed, soort, lang };
 Afbnaam afb_keur(std::string_view naam);
 // The file names in a directory that are pictures, in order; *lang (may be null): how many others have too long a name.
 std::vector<std::string> afb_bestanden(const std::string& map, int* lang);
+bool afb_aanwezig(const std::string& pad); // a plain file
 
 // ---- links
 
@@ -49,6 +50,7 @@ void afb_koppelen(const seriesleutel& serie, uint16_t merk);
 // The series' picture until a key, which then acts on the screen below. Without one, or one that can't be shown, a box says so.
 void afb_tonen(const seriesleutel& serie);
 void afb_tonen(const std::string& naam, uint16_t merk);
+void afb_meld_lang(int aantal); // how many names are too long, if any
 // New files, chosen in a list, into the brand's directory; under another name when theirs is taken there. How many came.
 int afb_import(uint16_t merk);
 

@@ -9,6 +9,7 @@
 #include "term/prompt.h"
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 
 namespace zg {
 namespace {
@@ -32,12 +33,18 @@ std::string met_suffix(const std::string& naam, int nr) {
     return naam.substr(0, punt) + tussen + naam.substr(punt);
 }
 
-Nieuw naam_in(const std::string& map, const std::string& naam) {
+// Both names of one file, as a kill between the two leaves it.
+bool al_daar(const std::string& van, const std::string& doel) {
+    std::error_code geen;
+    return std::filesystem::equivalent(van, doel, geen) && std::filesystem::hard_link_count(van, geen) == 2;
+}
+
+Nieuw naam_in(const std::string& van, const std::string& map, const std::string& naam) {
     for (int nr = 0; nr <= HOOGSTE; nr++) {
         const std::string wordt = nr ? met_suffix(naam, nr) : naam;
         if (wordt.size() > AFB_NAAM)
             break;
-        if (!IOEXISTS((map + wordt).c_str()))
+        if (!IOEXISTS((map + wordt).c_str()) || al_daar(van + naam, map + wordt))
             return {naam, wordt, nr};
     }
     return {naam, "", 0};
@@ -52,7 +59,12 @@ int32_t haal(int32_t stap) {
     return 1;
 }
 
+void kop() {
+    SCRPUT(A_LABEL, 1, 2, "%s", TXT(T_AFB_K_AFBEELDING));
+}
+
 void toets() {
+    SCRPUT(A_LABEL, LIJSTVELDRIJ(), 2, "%s", TXT(T_AFB_MERKEN));
     TOETSKIES(&SCHERM.toets[key_f3], "\n");
 }
 
@@ -70,10 +82,13 @@ const char* regel() {
 
 // Never over a file: one that came meanwhile has the name, and the next suffix is tried.
 bool verplaats(const std::string& van, const std::string& map, const std::string& naam) {
-    for (Nieuw n = naam_in(map, naam); !n.wordt.empty(); n = naam_in(map, naam)) {
-        if (IOMOVE((van + naam).c_str(), (map + n.wordt).c_str(), 0))
+    for (Nieuw n = naam_in(van, map, naam); !n.wordt.empty(); n = naam_in(van, map, naam)) {
+        const std::string doel = map + n.wordt;
+        if (al_daar(van + naam, doel))
+            return IOUNLINK((van + naam).c_str());
+        if (IOMOVE((van + naam).c_str(), doel.c_str(), 0))
             return true;
-        if (!IOEXISTS((map + n.wordt).c_str()))
+        if (!IOEXISTS(doel.c_str()))
             break;
     }
     return false;
@@ -83,18 +98,20 @@ bool verplaats(const std::string& van, const std::string& map, const std::string
 
 int afb_import(uint16_t merk) {
     const std::string van = afb_nieuw_map(), map = afb_map(merk);
+    int lang = 0;
     rijen.clear();
-    for (const std::string& naam : afb_bestanden(van, nullptr))
-        rijen.push_back(naam_in(map, naam));
+    for (const std::string& naam : afb_bestanden(van, &lang))
+        rijen.push_back(naam_in(van, map, naam));
+    afb_meld_lang(lang);
     if (rijen.empty()) {
         MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
         return 0;
     }
-    if (!IOISDIR(map.c_str()) && !SYSNIEUWEMAP(map.c_str())) {
+    if (!IOISDIR(map.c_str()) && !SYSNIEUWEMAP(map.substr(0, map.size() - 1).c_str())) {
         SCHRIJFFOUT(map.c_str(), errno);
         return 0;
     }
-    lijst = LIJSTNEW(haal, toets, nullptr, regel);
+    lijst = LIJSTNEW(haal, toets, kop, regel);
     if (!lijst)
         NOMEM("afb_hdl", 2);
     lijst->vast = 1;

@@ -86,11 +86,7 @@ void lees_map() {
     nu->rijen.clear();
     for (const std::string& naam : afb_bestanden(map, &lang))
         nu->rijen.push_back({naam, dag_van(map + naam), afb_zoek(naam, nu->merk)});
-    if (lang) {
-        char aantal[80];
-        snprintf(aantal, sizeof aantal, "%s: %d", TXT(T_AFB_TE_LANG), lang);
-        MELDBOX(MELD_INFO, aantal, TXT(T_AFB_INKORTEN), TXT(lang == 1 ? T_AFB_DEZE : T_AFB_DEZE_MEER));
-    }
+    afb_meld_lang(lang);
 }
 
 // Asked in the list's last row; an empty answer is all of them. False: left.
@@ -218,7 +214,7 @@ bool keur(const std::string& naam, uint16_t merk) {
     }
     const std::string map = afb_map(merk);
     const bool er_is_map = IOISDIR(map.c_str());
-    if (er_is_map && IOEXISTS((map + naam).c_str()))
+    if (er_is_map && afb_aanwezig(map + naam))
         return true;
     if (er_is_map)
         meld_niet_aanwezig(T_AFB_AFBEELDING, naam);
@@ -233,11 +229,24 @@ void toetshulp() {
 
 } // namespace
 
+void afb_meld_lang(int aantal) {
+    if (!aantal)
+        return;
+    char tekst[80];
+    snprintf(tekst, sizeof tekst, "%s: %d", TXT(T_AFB_TE_LANG), aantal);
+    MELDBOX(MELD_INFO, tekst, TXT(T_AFB_INKORTEN), TXT(aantal == 1 ? T_AFB_DEZE : T_AFB_DEZE_MEER));
+}
+
 bool afb_kies(const seriesleutel& serie, uint16_t merk, const std::string& patroon, std::string* naam) {
     Afblijst deze{serie, merk, {}, {}, NAAM, Filter::alle, jokers(patroon), nullptr};
     Afblijst* buiten = nu;
     nu = &deze;
     lees_map();
+    if (deze.rijen.empty() && !afb_bestanden(afb_nieuw_map(), nullptr).empty()) { // the brand's first ones
+        afb_import(merk);
+        nu = &deze;
+        lees_map();
+    }
     deze.lijst = LIJSTNEW(haal, toets, kop, regel);
     if (!deze.lijst)
         NOMEM("afb_hdl", 1);
@@ -252,6 +261,10 @@ bool afb_kies(const seriesleutel& serie, uint16_t merk, const std::string& patro
         MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
     else
         gekozen = LIJSTRUN(deze.lijst, 0) != 0;
+    if (gekozen && !afb_aanwezig(afb_map(merk) + hier())) { // it went while the list stood
+        MELDBOX(MELD_INFO, TXT(T_AFB_WEG), hier().c_str(), nullptr);
+        gekozen = false;
+    }
     if (gekozen)
         *naam = hier();
     LIJSTDEL(deze.lijst);

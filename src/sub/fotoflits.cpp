@@ -1,6 +1,5 @@
 // Module fotoflits: shows a picture, by its name in a box that the viewer beside the terminal knows by its place, its size
 // and its word. See sub/afb_hdl.h.
-#include "shared/files.h"
 #include "sub/afb_hdl.h"
 #include "sub/teksten.h"
 #include "term/prompt.h"
@@ -48,7 +47,7 @@ void afb_tonen(const std::string& naam, uint16_t merk) {
     const Plaats& p = afb_alleen_pcx() ? KLEIN : GROOT;
     if (oordeel == Afbnaam::lang || pad.size() > p.meest)
         return meld(T_AFB_NAAM_LANG, pad);
-    if (!IOEXISTS(pad.c_str()))
+    if (!afb_aanwezig(pad))
         return meld(T_AFB_WEG, pad);
     if (SCHERM.lines < RIJ + HOOGTE - 1 || SCHERM.cols < p.kolom + p.breedte - 1)
         return meld(T_AFB_NIET_TE_TONEN, pad);

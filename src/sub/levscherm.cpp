@@ -306,6 +306,7 @@ bool relatie_voeg_toe(uint16_t nummer, Relatiesoort soort) {
     }
     nu.soort = static_cast<uint8_t>(nu.soort | soort);
     const bool goed = post_schrijf(&post, &nu, sizeof nu);
+    te_melden = goed;
     if (goed)
         meld_kassa();
     else

@@ -84,6 +84,8 @@ TEST(Foto, FoundAndLinked) {
     k.toetsen("q../DTSYS.PCX<Enter>", "Afbeelding heeft foutief formaat!");
     k.toetsen("<Enter><Home><Del><Del><Del>", "Afbeelding (Q)     DTSYS.PCX");
     k.toetsen("<Enter>", "Afbeelding DTSYS.PCX niet aanwezig");
+    fs::create_directory(map.bestand("foto/0103/DTSYS.PCX"));
+    k.toetsen("<Enter><Enter>", "Afbeelding DTSYS.PCX niet aanwezig");
     k.toetsen("<Enter><Esc>q <Enter>", "Uw keuze _  Merk");
     k.klaar();
     EXPECT_EQ(map.link(4110, 101, 1), "");
@@ -128,6 +130,15 @@ TEST(Foto, ReadInAndLostWithTheBrand) {
     k.toetsen("n<Enter>", "Merk               103");
     EXPECT_EQ(map.link(4110, 101, 1), "103 4110.101.1.PCX");
     k.toetsen("r104<Enter>j<Enter>", "Merk               104");
+    EXPECT_EQ(map.link(4110, 101, 1), "");
+    // The first ones of a brand that has no directory yet; one that goes while the list stands isn't linked.
+    fs::remove_all(map.bestand("foto/0104"));
+    map.maak("foto/nieuw/HERFST.PCX");
+    k.toetsen("q<F5>", "<F3> Inlezen");
+    k.toetsen("<F6><F3>", "wel/geen koppeling");
+    fs::remove(map.bestand("foto/0104/HERFST.PCX"));
+    k.toetsen("<Enter>", "De afbeelding is niet (meer) aanwezig.");
+    k.t.toetsen("<Enter><Esc>");
     EXPECT_EQ(map.link(4110, 101, 1), "");
     k.klaar();
 }

@@ -65,6 +65,10 @@ TEST(Mutatie, MasterData) {
         p.t.toetsen(STAM);
         EXPECT_EQ(map.mutaties(), r.regels) << r.link << r.kantoor << r.kassa << p.t.scherm();
     }
+    Kassafirma map(true, true, false);
+    Programma p(overgave(map), demo_opties(map));
+    p.t.toetsen("<Enter><Enter>19<Enter>J<Enter>"); // an agent becomes a supplier too
+    EXPECT_EQ(map.mutaties(), "255255R19\n");
 }
 
 // What one step of a line changes goes out together when the series is let go.
