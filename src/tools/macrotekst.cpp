@@ -117,9 +117,10 @@ uint16_t macro_toets(const std::string& woord) {
 
 std::string macro_ontleed(const std::vector<std::string>& woorden, mac_rec* rec) {
     *rec = {};
+    constexpr int SLOTS = 99; // nobody else's are ever played
     if (woorden.size() < 3 || woorden[0] != "macro" || !(rec->gebruiker = macro_gebruiker(woorden[1])) ||
-        !(rec->toets = macro_toets(woorden[2])))
-        return "macro, a user's number, and a letter or digit come first";
+        rec->gebruiker > SLOTS || !(rec->toets = macro_toets(woorden[2])))
+        return "macro, a user's number from 1 to 99, and a letter or digit come first";
     for (size_t i = 3; i < woorden.size(); i++) {
         const size_t is = woorden[i].find('=');
         const std::string naam = woorden[i].substr(0, is);

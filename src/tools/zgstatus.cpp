@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
@@ -150,7 +151,7 @@ int main(int argc, char** argv) {
     tool_begin("zgstatus");
     CLI::App app{"may the package start work: its state shown and set, who is in, what waits for the tills",
                  "zgstatus"};
-    tool_kop(app, "0 free, or done; 1 shut, or refused; 2 used wrong; 3 cannot open.");
+    tool_kop(app, "0 free, or done; 1 shut, or refused; 2 used wrong; 3 cannot open, or another release.");
     app.require_subcommand(0, 1);
     app.add_option("-D,--directory", wens.map, "data directory, else the present one");
     app.add_flag("-j,--json", wens.json, "what is shown as JSON");
@@ -178,5 +179,9 @@ int main(int argc, char** argv) {
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);
     sys_lees();
+    if (memcmp(status10.release, RELEASE, sizeof status10.release) !=
+        0) // nobody can start, and nothing here is what it seems
+        return meld(NIET_TE_OPENEN,
+                    "DTSYS.TXT is of release " + toon(VASTTEKST(status10.release)) + ", not " + RELEASE);
     return tool_einde(daad());
 }

@@ -81,6 +81,10 @@ TEST_F(Status, WrongUseAndHostileBytes) {
     EXPECT_EQ(sh("zgstatus block '\xE2\x98\x83'").status, 2);
     EXPECT_EQ(sh("zgstatus -D /does/not/exist").status, 3);
     EXPECT_EQ(sh("mkdir leeg; zgstatus -D leeg").status, 3);
+    EXPECT_EQ(sh(": > leeg/DTSYS.TXT; zgstatus -D leeg free; test -s leeg/DTSYS.TXT").status, 1);
+    zet(64 * 9 + 58, "8.60 ");
+    EXPECT_TRUE(sh("zgstatus").zegt("of release 8.60, not 8.70"));
+    zet(64 * 9 + 58, "8.70 ");
     zet(64 * 9 + 8, "\x1b[2J\x07rood");
     zet(64 * 9 + 63, "\x4d");
     const test::Uit u = sh("zgstatus");
