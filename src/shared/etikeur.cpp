@@ -195,6 +195,9 @@ void etikeur_einde(etikeuring* k, const keurmelding& meld) {
     k->vrijketen_heel = reden.empty();
     if (!reden.empty())
         fout(k, meld, reden);
+    else if (k->half && !k->erbuiten)
+        fout(k, meld,
+             VORM("half a block behind %zu whole ones, of a write that was broken off", k->blokken.size()));
     else if (tel(*k, Etiblok::vrij) != k->tellers.vrij)
         fout(k, meld,
              VORM("DTSYS.TXT system record 4: %d free blocks, counted are %d", tel(*k, Etiblok::vrij),
@@ -207,6 +210,7 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     if (k->half && !k->erbuiten) { // of an append that was broken off
         k->blokken.emplace_back();
         k->half = false;
+        meld("DTETI: half a block at the end given back");
     }
     if (!k->vrijketen_heel) {
         // Numbers of blocks that a chain leads to are never given out again, whether the file has them or not.
