@@ -205,8 +205,9 @@ int IOPAST(const char* patroon, const char* naam) {
 int FILES_PRESENT(const char* patroon) {
     if (stapel.size() >= SCANS)
         SCRFATAL("FILES_PRESENT : ALLOC voor DIR_ENT");
-    bool directief = strstr(patroon, "%*") != nullptr;
-    std::string formaat = directief ? matchformaat(patroon) : bestandsdeel(patroon);
+    const std::string naam_deel = bestandsdeel(patroon);
+    bool directief = naam_deel.find("%*") != std::string::npos;
+    std::string formaat = directief ? matchformaat(patroon) : naam_deel;
     if (directief && !veilig(formaat))
         return 0;
     int aantal = 0;

@@ -209,7 +209,6 @@ TEST(Directory, Patterns) {
         {"readme.*", "-", 1},  // letters in either case and the missing point: only for the count
         {"ORD%d.JRN", "-", 0}, // a directive that would store
         {"%*n", "-", 0},
-
     };
     for (const auto& r : rijen) {
         EXPECT_EQ(scan(r.patroon, 0), r.namen) << r.patroon;
@@ -220,7 +219,9 @@ TEST(Directory, Patterns) {
     EXPECT_EQ(scan(std::string(81, '?').c_str(), 0), "-");
     schrijf_bestand("2016Z/ORD0010.JRN", "");
     EXPECT_EQ(scan("2016Z/ORD%*4d.JRN", 0), std::filesystem::current_path().string() + "/2016Z/ORD0010.JRN");
-    EXPECT_EQ(FILES_PRESENT("2016Z/*.JRN"), 1);
+    mkdir("ZZ%*4d", 0777);
+    schrijf_bestand("ZZ%*4d/met blank", "");
+    EXPECT_EQ(FILES_PRESENT("ZZ%*4d/*"), 1) << "no directive: a directory's name";
 }
 
 TEST(Directory, ScansInsideScans) {
