@@ -1,9 +1,6 @@
 // An order's discount in the full registration, as a buyer gives it: once, whatever he looks at afterwards.
+#include "e2e/storingsmap.h"
 #include "shared/ioeti.h"
-#include "support/demomap.h"
-#include "term/vast.h"
-#include <cstring>
-#include <gtest/gtest.h>
 
 using namespace zg;
 using namespace zg::test;
@@ -12,17 +9,8 @@ namespace {
 
 std::vector<int32_t> waarden(const DemoMap& map, int32_t ordernummer) {
     std::vector<int32_t> uit;
-    const std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
-    for (size_t b = 0; b + sizeof(etiblok) <= eti.size(); b += sizeof(etiblok)) {
-        etiblok blok;
-        memcpy(static_cast<void*>(&blok), eti.data() + b, sizeof blok);
-        for (const auto& plaats : blok.plaats) {
-            etiket l{};
-            eti_uit(plaats, blok.serie, 0, &l);
-            if (l.status && l.ordernummer == ordernummer)
-                uit.push_back(l.inkoop);
-        }
-    }
+    for (const etiket& l : labels_van(map, ordernummer))
+        uit.push_back(l.inkoop);
     return uit;
 }
 
