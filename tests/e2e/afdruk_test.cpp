@@ -342,7 +342,7 @@ TEST(Afdruk, FullRegistration) {
     const auto voor = map.inhoud();
     const std::string kort = ordprint(map, "-n 1002 2016Z/ORD0010.JRN"),
                       vol = ordprint(map, "-n 1002 -f full 2016Z/ORD0010.JRN");
-    sh("chmod -R a+rX '" + map.pad() + "'");
+    sh("chmod -R a+rX,go-w '" + map.pad() + "'");
     const auto lezer = in_proces([&] { // who may only read
         if (geteuid() == 0 && setuid(65534) != 0)
             return 9;
