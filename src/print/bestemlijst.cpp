@@ -40,14 +40,12 @@ void XPRT_LIJSTUIT(bool mag) {
     lijst_uit = mag;
 }
 
-bool prt_breedte_past(int kolommen, uint16_t masker) {
-    return masker == PRT_ALLES || std::any_of(std::begin(BREEDTES), std::end(BREEDTES), [&](const auto& b) {
-               return b.kolommen == kolommen && (masker & b.bit);
-           });
-}
-
 bool prt_past(const prtconfig& config, uint16_t masker) {
-    if (!prt_breedte_past(config.kolommen, masker))
+    const bool breedte =
+        masker == PRT_ALLES || std::any_of(std::begin(BREEDTES), std::end(BREEDTES), [&](const auto& b) {
+            return b.kolommen == config.kolommen && (masker & b.bit);
+        });
+    if (!breedte)
         return false;
     if (config.code == PRT_SCHERM || config.rijen == 0 || config.rijen == PRT_ZONDER_BLADEN)
         return true;

@@ -13,7 +13,6 @@ struct Bestemming {
 };
 
 // Does the width of a configuration do, and its rows? The screen has rows enough for any report.
-bool prt_breedte_past(int kolommen, uint16_t masker);
 bool prt_past(const prtconfig& config, uint16_t masker);
 int prt_breedste(uint16_t masker); // 132, 80 or 40; 132 when it names none
 // Every connection of every printer with every configuration that will do, by printer, connection, configuration.

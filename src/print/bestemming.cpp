@@ -13,15 +13,9 @@
 #include "term/uitvoer.h"
 #include "term/vast.h"
 #include <algorithm>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <strings.h>
-#include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace zg {
@@ -34,39 +28,15 @@ constexpr int STAANDBREEDTE = 80; // a file that is a PDF: wider ones lie
 constexpr size_t BESTANDMAX = 39;
 constexpr char UITMAP[] = "uit"; // files without a directory
 constexpr std::chrono::seconds LPSTAT_WACHT{5};
-constexpr std::chrono::milliseconds LPSTAT_STAP{10};
 constexpr int CAP_TEKENS = 17, CAP_INIT = 18, CAP_EXIT = 19;
 
 std::vector<prtcode> jobcodes; // of the job's configuration
 
-// A program with these arguments, without a shell, input or output: its status is 0 within the time.
-bool slaagt(std::vector<std::string> argv) {
-    std::vector<char*> args;
-    for (std::string& a : argv)
-        args.push_back(a.data());
-    args.push_back(nullptr);
-    const pid_t pid = fork();
-    if (pid < 0)
-        return false;
-    if (pid == 0) {
-        const int nul = open("/dev/null", O_RDWR);
-        for (int fd = 0; fd < 3; fd++)
-            dup2(nul, fd);
-        execvp(args[0], args.data());
-        _exit(127);
-    }
-    const auto grens = std::chrono::steady_clock::now() + LPSTAT_WACHT;
-    for (int status = 0;;) {
-        const pid_t klaar = waitpid(pid, &status, WNOHANG);
-        if (klaar == pid)
-            return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-        if ((klaar < 0 && errno != EINTR) || std::chrono::steady_clock::now() > grens) {
-            kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-            return false;
-        }
-        std::this_thread::sleep_for(LPSTAT_STAP);
-    }
+// Does the scheduler know the queue?
+bool rij_bekend(const std::string& naam) {
+    int status = 0;
+    std::string gezegd;
+    return prt_programma({"lpstat", "-v", naam}, LPSTAT_WACHT, &status, &gezegd) && status == 0;
 }
 
 // Is it the data directory, or that of a season? Nothing is printed into those.
@@ -226,7 +196,7 @@ bool prt_bestaat(Printweg weg, const std::string& apparaat) {
     switch (weg) {
     case Printweg::wachtrij: // an option isn't a queue, nor is a list of them
         return !apparaat.empty() && apparaat[0] != '-' && apparaat.find_first_of(", ") == std::string::npos &&
-               slaagt({"lpstat", "-v", apparaat});
+               rij_bekend(apparaat);
     case Printweg::apparaat: // never opened to see: a fifo would wait, a tape would wind
         return stat(apparaat.c_str(), &st) == 0 && (S_ISCHR(st.st_mode) || S_ISFIFO(st.st_mode)) &&
                access(apparaat.c_str(), W_OK) == 0 && !datamap(fs::path(apparaat).parent_path().string());

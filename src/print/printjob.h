@@ -3,6 +3,7 @@
 #include "print/xprt.h"
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace zg {
 
@@ -74,6 +75,11 @@ bool prt_verzend(const printjob& job);
 
 // The preview of the closed spool file: copies to be printed, 0 for none.
 int PRT_SCR(const printjob& job);
+
+// Run a program with these words, the first its name, without a shell or input, for so long at most: its status as waitpid
+// gives it, and the beginning of what it said. False: it can't be run or gave no answer, and runs no more.
+bool prt_programma(std::vector<std::string> woorden, std::chrono::seconds wacht, int* status,
+                   std::string* gezegd);
 
 // Lines of code page 850 in a file, with form feeds, as a PDF: A4, exactly so many rows (0 or PRT_ZONDER_BLADEN: as many as
 // fit) and columns. `naar` is a new file, EEXIST when it is there; it is whole and on disk, or gone again. False with errno.

@@ -9,11 +9,8 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <sys/wait.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -22,7 +19,7 @@ namespace zg {
 namespace {
 
 constexpr int64_t ALLES = 1 << 30;
-constexpr std::chrono::milliseconds STAP{100}, LP_STAP{10};
+constexpr std::chrono::milliseconds STAP{100};
 constexpr std::chrono::seconds LP_WACHT{60};
 constexpr int NAMEN = 2000;
 
@@ -91,52 +88,14 @@ bool maak(const spooljob& job, const std::string& naar) {
     return goed;
 }
 
-// lp without a shell: its status, and the first line that it said. False: it couldn't be run, or gave no answer.
-bool lp(std::vector<std::string> woorden, int* status, std::string* gezegd) {
-    int pijp[2];
-    if (pipe2(pijp, O_CLOEXEC | O_NONBLOCK) < 0)
-        return false;
-    const Dicht lezer{pijp[0]};
-    std::vector<char*> argv;
-    for (std::string& w : woorden)
-        argv.push_back(w.data());
-    argv.push_back(nullptr);
-    setenv("LC_ALL", "C.UTF-8", 1); // what it says is told, and the title is UTF-8
-    const pid_t pid = fork();
-    if (pid == 0) {
-        for (int fd : {1, 2})
-            dup2(pijp[1], fd);
-        signal(SIGPIPE, SIG_DFL);
-        execvp(argv[0], argv.data());
-        const int fout = errno;
-        dprintf(2, "lp: %s\n", strerror(fout));
-        _exit(127);
-    }
-    close(pijp[1]);
-    if (pid < 0)
-        return false;
-    char buffer[256];
-    const auto grens = std::chrono::steady_clock::now() + LP_WACHT;
-    for (;;) {
-        const bool klaar = waitpid(pid, status, WNOHANG) == pid;
-        for (ssize_t n; (n = read(pijp[0], buffer, sizeof buffer)) > 0;)
-            if (gezegd->size() < sizeof buffer)
-                gezegd->append(buffer, static_cast<size_t>(n));
-        if (klaar)
-            break;
-        if (std::chrono::steady_clock::now() > grens) {
-            kill(pid, SIGKILL);
-            waitpid(pid, status, 0);
-            return false;
-        }
-        std::this_thread::sleep_for(LP_STAP);
-    }
-    gezegd->resize(std::min(gezegd->find('\n'), gezegd->size()));
-    if (gezegd->starts_with("lp: "))
-        gezegd->erase(0, 4);
+// The first line of what lp said, as it can be told.
+std::string reden_van(std::string gezegd) {
+    gezegd.resize(std::min(gezegd.find('\n'), gezegd.size()));
+    if (gezegd.starts_with("lp: "))
+        gezegd.erase(0, 4);
     std::replace_if(
-        gezegd->begin(), gezegd->end(), [](char c) { return c < ' ' || c > '~'; }, '?');
-    return true;
+        gezegd.begin(), gezegd.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+    return gezegd;
 }
 
 bool naar_wachtrij(spooljob* job) {
@@ -157,15 +116,16 @@ bool naar_wachtrij(spooljob* job) {
         woorden.insert(woorden.end(), {"-o", "raw"});
     woorden.insert(woorden.end(), {"--", bestand[0] == '/' ? bestand : "./" + bestand});
     int status = 0;
-    if (!lp(woorden, &status, &job->reden)) {
+    std::string gezegd;
+    if (!prt_programma(woorden, LP_WACHT, &status, &gezegd)) {
         job->reden = TXT(T_PRT_GEEN_ANTWOORD);
         job->gedaan = 1; // perhaps
         return false;
     }
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+    if (status == 0)
         return true;
-    job->reden = job->reden.empty() ? TXT(T_PRT_LP_STATUS) + (" " + std::to_string(status >> 8))
-                                    : TXT(T_PRT_WACHTRIJ_WEIGERT) + (": " + job->reden);
+    job->reden = gezegd.empty() ? TXT(T_PRT_LP_STATUS) + (" " + std::to_string(status >> 8))
+                                : TXT(T_PRT_WACHTRIJ_WEIGERT) + (": " + reden_van(gezegd));
     return false;
 }
 
