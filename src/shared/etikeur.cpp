@@ -129,8 +129,10 @@ bool etikeur_begin(etikeuring* k, const etiketbezoek& bezoek) {
         if (n < 0)
             return false;
         const size_t hele = static_cast<size_t>(n) / sizeof(etiblok);
-        for (size_t i = 0; i < hele; i++)
+        for (size_t i = 0; i < hele; i++) {
             k->blokken.push_back(lees_uit(stuk[i], static_cast<int32_t>(k->blokken.size()), bezoek));
+            k->van_serie[sleutel_van(stuk[i].serie)]++;
+        }
         k->half = static_cast<size_t>(n) % sizeof(etiblok) != 0;
         if (hele < STUK)
             return true;
@@ -145,7 +147,7 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
     };
     std::string reden;
     bool heel = true;
-    int32_t nr = rec.etiketkop, laatste = -1;
+    int32_t nr = rec.etiketkop, laatste = -1, lengte = 0;
     for (; nr != -1; nr = bij(k, nr).volgende) {
         if (!binnen(*k, nr)) {
             reden = "outside the file";
@@ -157,6 +159,7 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
         if (!reden.empty())
             break;
         laatste = nr;
+        lengte++;
         auto& b = bij(k, nr);
         b.waar = Etiblok::keten;
         telling->in_nota += b.per[ETI_ORDER];
@@ -173,9 +176,7 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
     const int64_t geteld = int64_t{rec.in_nota} + rec.voorraad + rec.verkopen + rec.correcties;
     if (reden.empty() &&
         geteld > int64_t{telling->in_nota} + telling->voorraad + telling->verkopen + telling->correcties &&
-        std::any_of(k->blokken.begin(), k->blokken.end(), [&](const auto& b) {
-            return b.waar == Etiblok::los && zelfde_serie(b.serie, rec.serie);
-        }))
+        k->van_serie[sleutel_van(rec.serie)] > lengte)
         reden = "counts more labels than its chain has, and others are in no chain: a part is cut off";
     k->labels += telling->in_nota + telling->voorraad + telling->verkopen + telling->correcties;
     if (!reden.empty()) {

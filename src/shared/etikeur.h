@@ -33,9 +33,10 @@ struct etikeuring {
         bool breuk;     // a series' chain breaks here
     };
     std::vector<blok> blokken;
-    bool half;                                          // the file ends inside one more
-    bool erbuiten;                                      // a chain leads to blocks that the file hasn't got
-    std::unordered_map<sleutelwaarde, Etiketen> ketens; // of the series that there are
+    std::unordered_map<sleutelwaarde, int32_t> van_serie; // blocks that bear its name
+    bool half;                                            // the file ends inside one more
+    bool erbuiten;                                        // a chain leads to blocks that the file hasn't got
+    std::unordered_map<sleutelwaarde, Etiketen> ketens;   // of the series that there are
     sysetiket tellers;
     bool vrijketen_heel; // the free chain and its counters agree, but for the count of blocks
     int64_t labels, fouten, verloren;

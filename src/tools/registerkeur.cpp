@@ -63,6 +63,7 @@ std::bitset<256> maatsoorten() {
 
 void lees_series(Keuring* k) {
     const std::bitset<256> soorten = maatsoorten();
+    k->series.reserve(static_cast<size_t>(std::max(dtser->h.nrecs, 0)));
     std::unordered_map<int32_t, sleutelwaarde> nummer;
     uint8_t buffer[IXRECMAX];
     int er;
