@@ -4,6 +4,7 @@
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include <algorithm>
+#include <unordered_set>
 
 namespace zg {
 namespace {
@@ -34,11 +35,17 @@ std::string woorden(Inkfout fout, int32_t waar) {
     return {};
 }
 
+// Series, set number and last day, with which a set begins and each of its groups.
+std::string naam_in(const void* rec) {
+    return {static_cast<const char*>(rec), offsetof(prijsgroeprec, tot) + sizeof(prijsgroeprec::tot)};
+}
+
 struct Stand {
     std::vector<inkkwaal> kwalen;
     std::vector<Bezit> bezit; // by record
     inktelling telling = {};
-    std::vector<std::pair<prijsset, int32_t>> stuk; // sets whose chain is damaged, and where
+    std::unordered_set<std::string> stuk; // sets whose chain is damaged
+    std::unordered_set<int32_t> breuken;  // where
 };
 
 void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
@@ -50,7 +57,8 @@ void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
         const Inkfout fout = ink_keten(set, &keten, &waar);
         if (fout != Inkfout::geen) {
             kwaal(woorden(fout, waar));
-            stand->stuk.push_back({set, waar});
+            stand->stuk.insert(naam_in(&set));
+            stand->breuken.insert(waar);
         }
         for (const inkrecord& r : keten) {
             if (static_cast<size_t>(r.nr) >= stand->bezit.size()) // written since the file was measured
@@ -107,8 +115,7 @@ void toets_vrij(Stand* stand, const sysprijs& vrij) {
 
 // Could a record be of a set whose chain is damaged? It bears its name, or the chain breaks there.
 bool van_stukke_set(const Stand& stand, int32_t nr, const prijsgroeprec& rec) {
-    return std::ranges::any_of(stand.stuk,
-                               [&](const auto& s) { return s.second == nr || ink_van_set(rec, s.first); });
+    return stand.breuken.contains(nr) || stand.stuk.contains(naam_in(&rec));
 }
 
 Stand neem_op(const std::function<void(const prijsset&)>& bij) {
@@ -143,7 +150,7 @@ int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
         return van_stukke_set(stand, nr, rec) || (blijft && blijft(rec));
     };
     // Records that a set leads to are never given out again, whether the file has them or not.
-    if (std::ranges::any_of(stand.stuk, [&](const auto& s) { return s.second >= ink_records(); }))
+    if (std::ranges::any_of(stand.breuken, [](int32_t nr) { return nr >= ink_records(); }))
         return 0;
     std::vector<int32_t> nummers;
     int64_t terug = 0;
