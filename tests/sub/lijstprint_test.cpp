@@ -33,7 +33,7 @@ struct Lijstprint : Systeem {
             mthandle* h = mtopen(1, soort, 2);
             for (uint8_t i = 1; i <= (soort == 3 ? 32 : 2); i++) {
                 mtinfo info{1, soort, i, i, 0, {}, 0, 0, 0};
-                VASTIN(info.naam, (soort == 3 ? "a" : "b") + std::to_string(i));
+                VASTIN(info.naam, (soort == 3 ? "a" : "b") + std::to_string(i) + " "); // as they are stored
                 EXPECT_EQ(mtinsert(h, &info), 1);
             }
             mtclose(h);
