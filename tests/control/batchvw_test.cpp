@@ -54,16 +54,6 @@ TEST_F(Batch, UsersSideBySide) {
     EXPECT_TRUE(Agent(als(99, true)).ok()) << "a dead process holds nothing";
 }
 
-TEST_F(Batch, GivenBack) {
-    sessie = 4;
-    EXPECT_TRUE(user_claim(BATCH_ORDERS, false) && batch_claim(BATCH_KASSA));
-    user_vrij(BATCH_ORDERS);
-    EXPECT_TRUE(batch_claim(BATCH_ORDERS));
-    EXPECT_FALSE(Agent(als(99, true)).ok());
-    batch_vrij(BATCH_ORDERS);
-    EXPECT_TRUE(Agent(als(99, true)).ok());
-}
-
 TEST_F(Batch, UserWaitsForTheRunOrGivesUp) {
     Agent run(als(99, true));
     ASSERT_TRUE(run.ok());

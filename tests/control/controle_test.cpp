@@ -266,20 +266,6 @@ TEST_F(Controle, BackupReportNotReplaced) {
         EXPECT_EQ(lees_bestand("result.bu").substr(0, verslag.size()), verslag) << naam;
         EXPECT_FALSE(IOEXISTS("result.new")) << naam;
     }
-    // Two menus at once: one of them shortens it.
-    schrijf_bestand("result.bu", verslag);
-    {
-        auto menu = [](const std::string&) {
-            open();
-            backup_lezen(".");
-            return std::string("klaar");
-        };
-        Agent een(menu), twee(menu);
-        een.vraag("lees", 0), twee.vraag("lees", 0);
-        EXPECT_EQ(een.antwoord() + twee.antwoord(), "klaarklaar");
-    }
-    EXPECT_EQ(lees_bestand("result.bu"), blok(dag(1), TAPE));
-    EXPECT_FALSE(IOEXISTS("result.new"));
 }
 
 TEST_F(Controle, Log) {

@@ -5,7 +5,6 @@
 #include "support/paar.h"
 #include "support/proces.h"
 #include "support/schrijfstoring.h"
-#include "term/dm_hdl.h"
 #include "term/ingave.h"
 #include "term/menu.h"
 #include "term/prompt.h"
@@ -205,13 +204,6 @@ TEST_F(Macro, InEveryConversation) {
              TR_FREE(menu);
              return std::to_string(uit);
          }},
-        {"list", "<F2><Del><Esc><F2>m", "2",
-         [] {
-             DMREC* lijst = DMNEW("lijst");
-             DMITEM(lijst, "&Een", 1, 1);
-             DMITEM(lijst, "&Twee", 2, 1);
-             return std::to_string(DMRUN(lijst, 5, 1));
-         }},
     };
     for (const auto& r : rijen) {
         SCOPED_TRACE(r.naam);
@@ -270,10 +262,8 @@ TEST_F(Macro, TableThatCantBeUsed) {
         {"data gone", "m", "rm m/MACRO.TXT", "Macro k is niet aanwezig !"},
         {"index cut", "m", "truncate -s 700 m/MACRO.INX", nullptr},
         {"marked", "m", "", nullptr, "m/MACRO.INX", 45},
-        {"node", "m", "", nullptr, "m/MACRO.INX", 512 + 2},
         {"entry", "m", "", nullptr, "m/MACRO.INX", 512 + 8},
         {"former version", "m", "", anders, "m/MACRO.INX", 258},
-        {"half a record", "m", "truncate -s 300 m/MACRO.TXT", anders},
         {"another key", "m", "mv m/Y.INX m/MACRO.INX; mv m/Y.TXT m/MACRO.TXT", anders},
         {"a pipe", "m", "rm m/MACRO.TXT; mkfifo m/MACRO.TXT", anders},
         {"no keys", "m", "printf '\\0' | dd of=m/MACRO.TXT bs=1 seek=4 conv=notrunc status=none", opnieuw},

@@ -31,7 +31,6 @@ TEST_F(Status, TheMenuStartsNothingWhileItIsShut) {
     const struct {
         const char *zet, *toont;
     } rijen[] = {{"set 1", "Foutieve of ontbrekende bestanden"},
-                 {"set 2", "Foutieve of ontbrekende bestanden"},
                  {"set 3", "Afgebroken op kritieke plaats"},
                  {"block 'Inventarisatie, caf\xC3\xA9 tot 14:00'", "Inventarisatie, caf\xC3\xA9 tot 14:00"},
                  {"block @9", "Laatste back-up is niet gelukt!"}};
