@@ -56,7 +56,6 @@ TEST(Mutatie, MasterData) {
     } rijen[] = {
         {true, true, true, "255255R10\n255255M0101\n255255C1100\n255255I0110001\n255255Q1\n255255K1\n"},
         {true, false, true, "255255M0101\n255255C1100\n"},
-        {true, false, false, "255255M0101\n255255C1100\n"},
         {false, true, true, "none"},
     };
     for (const auto& r : rijen) {
