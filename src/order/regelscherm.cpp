@@ -178,8 +178,10 @@ struct Blad {
 void neem_in_hand(bool geladen) {
     regelstam_lees(&regel_nu);
     const bool balk = regel_balk(regel_nu);
-    const bool getoond = !registermodus || !geladen || stukken_op_balk(regel_nu);
-    regel_bereikbaar = balk && geladen && getoond;
+    const bool etiketten = registermodus && geladen && regel_nu.dessin.geregistreerd;
+    regel_bereikbaar = balk && geladen;
+    if (etiketten && !stukken_op_balk(regel_nu)) // told, without a bar too
+        regel_bereikbaar = false;
     if (regel_bereikbaar)
         regel_advies(&regel_nu);
 }
