@@ -30,8 +30,8 @@ enum Printmasker : uint16_t {
 };
 
 // Open a job: find or ask the destination, make the spool file, send the init text. 1: open. 0: a box has said why.
-// `titel` names the job in a queue; `bestand` is the file for PRT_BESTAND (a PDF when it ends in ".pdf"), else null. A second job stops with the
-// report (1, 199). A code of 0 without PRT_BESTAND is a preview.
+// `titel` names the job in a queue; `bestand` is the file for PRT_BESTAND (as it was typed; a PDF when it ends in ".pdf"),
+// else null. A second job stops with the report (1, 199). A code of 0 without PRT_BESTAND is a preview.
 int XPRT_OPEN(const printwens& wens, uint16_t masker, const char* bestand, const char* titel);
 // Close it: what is left is flushed, and the report goes where it should, or nowhere when it is empty. 1: handed over,
 // printed to its file, or refused in the preview; 0: something went wrong, which was told; the report is kept then, if it is

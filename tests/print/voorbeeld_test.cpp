@@ -44,7 +44,7 @@ std::function<int()> kijk(const printjob& job) {
         const int n = PRT_SCR(job);
         const bool goed = n > 0 || SCHERM.laatste == K_CANCEL;
         const bool terug = SCHERM.cols == 80 && SCHERM.aantal == 1;
-        SCRFLUSH(2);
+        SCRFLUSH(job.spool == "weg" ? 1 : 0); // its message is to be seen
         SCREXIT();
         return n + (goed ? 0 : 100) + (terug ? 0 : 200);
     };
