@@ -184,9 +184,10 @@ std::string spool_naast(const spooljob& job, const char* soort) {
 }
 
 std::string spool_ginds(const spooljob& job) {
-    struct stat st;
-    if (job.weg != Printweg::map || stat(spool_beschrijving(job.spool).c_str(), &st) != 0)
+    if (job.weg != Printweg::map)
         return "";
+    struct stat st {};
+    stat(spool_beschrijving(job.spool).c_str(), &st); // zeros when somebody took it away
     char eigen[40];
     snprintf(eigen, sizeof eigen, ".%llx-%llx", static_cast<unsigned long long>(st.st_dev),
              static_cast<unsigned long long>(st.st_ino));

@@ -272,6 +272,12 @@ TEST_F(Spool, Damaged) {
     regels("regel", 1);
     IOUNLINK(printopdracht.spool.c_str());
     EXPECT_EQ(XPRT_CLOSE(), 0);
+    // Without its description it goes out all the same.
+    ASSERT_TRUE(begin(Printweg::map, "uit"));
+    regels("regel", 1);
+    IOUNLINK(spool_beschrijving(printopdracht.spool).c_str());
+    EXPECT_EQ(XPRT_CLOSE(), 1);
+    EXPECT_TRUE(leeg() && FILES_PRESENT("uit/TR????") == 1);
 }
 
 } // namespace
