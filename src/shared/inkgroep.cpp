@@ -19,6 +19,9 @@ namespace zg {
 namespace {
 
 constexpr int HALF_WERK = 12; // userstate of a program that met a broken free chain
+// Records that a program may have counted and not written when it died: others count first. An end further behind the file
+// is that of another file, with groups that sets lead to.
+constexpr int64_t VOORUIT = 99;
 
 bool lees(int32_t nr, prijsgroeprec* rec) {
     return nr >= 0 && SYSLEES(ink.fd, rec, sizeof *rec, nr * INK_RECORD) == INK_RECORD;
@@ -94,16 +97,18 @@ bool ioink_past(int groepen) {
     int32_t slot = INK_SYSRECORD;
     iotab('X', &slot, &vrij, SYS_RECORD);
     const int64_t records = ink_records();
-    int32_t nr = vrij.vrijkop;
+    const bool gekort = vrij.hoogste > records + VOORUIT;
+    int32_t nr = gekort ? vrij.hoogste : vrij.vrijkop;
     prijsgroeprec rec{};
-    for (; groepen > 0 && nr != vrij.hoogste && nr != records; groepen--, nr = rec.volgende)
+    for (; !gekort && groepen > 0 && nr != vrij.hoogste && nr != records; groepen--, nr = rec.volgende)
         if (nr >= records || !lees(nr, &rec) || !ink_leeg(rec) || rec.volgende == nr)
             break;
     iotab('U', &slot, nullptr, SYS_RECORD);
-    if (groepen == 0 || nr == vrij.hoogste || nr == records)
+    if (!gekort && (groepen == 0 || nr == vrij.hoogste || nr == records))
         return true;
-    FFLASH(-1, 2, A_WAARDE, TXT(T_INK_WAARSCHUWING), "%s\n%s %ld", TXT(T_INK_VRIJKETEN), INK_GROEPEN,
-           static_cast<long>(nr));
+    char plek[40];
+    snprintf(plek, sizeof plek, "%s %ld", INK_GROEPEN, static_cast<long>(nr));
+    ALARMBOX(TXT(T_INK_VRIJKETEN), plek);
     return false;
 }
 
