@@ -9,6 +9,7 @@
 #include "store/teksten.h"
 #include "store/wachten.h"
 #include "term/scherm.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <unistd.h>
@@ -66,6 +67,20 @@ ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
 
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron) {
     return SYSSCHRIJFOP(fd, bron, IXBLOK, int64_t{blok} * IXBLOK);
+}
+
+int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken) {
+    const ssize_t n =
+        SYSLEES(icb->idxfd, blokken,
+                static_cast<size_t>(std::min(WACHTRIJBLOK(icb), IXSLEUTELS + 1) + 1) * IXBLOK, 0);
+    IXHEADER h;
+    memcpy(&h, blokken, sizeof h);
+    if (n < static_cast<ssize_t>(sizeof h) || !kop_goed(icb, h))
+        IXSTUK(icb, 0);
+    const bool zelfde = h.nkeys == icb->h.nkeys; // else the queue is elsewhere
+    icb->h = h;
+    IXGEZIEN(icb, h);
+    return zelfde ? static_cast<int32_t>(n / IXBLOK) : 0;
 }
 
 Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {

@@ -70,6 +70,11 @@ struct ICB {
         int32_t nblocks, nrecs, freehead;
     } gezien; // counters as last seen on disk: where they have changed, a reader doubts what he found at an edge
     IXPLAATS plaats;
+    struct {
+        int8_t er;
+        int32_t nr;
+        uint8_t rec[IXRECMAX];
+    } vast; // the record that this handle has locked last, as it stood then: a write of it need not look for it
 };
 
 inline constexpr int IXVRAAG = 4096; // added to a mode: ask and retry when permission lacks

@@ -28,6 +28,8 @@ struct Klad {
     bool record = false, achteraan = false;
     int32_t recnr = -1;
     uint8_t rec_was[IXRECMAX], rec_wordt[IXRECMAX];
+    uint8_t begin[(IXSLEUTELS + 2) * IXBLOK]; // header, roots and queue, as read behind the header's lock
+    int32_t begin_blokken = 0;
     std::vector<Blad*> volgorde; // of the writes
     size_t geschreven = 0;       // of them begun
     bool rij = false;            // the lock of the queue is held
@@ -188,9 +190,12 @@ void ongedaan(ICB* icb) {
 void KLADBEGIN(ICB* icb) {
     if (icb->cached) // a bulk job is over when records are written
         IOCACHE('F', icb, 0);
+    klad.begin_blokken = 0;
     if (icb->mode != 1) {
         IXLOCK(icb, 2);
-        IXRDIX(icb, 0);
+        if (icb->h.busy)
+            IXINCONSISTENT(icb);
+        klad.begin_blokken = IXLEESBEGIN(icb, klad.begin);
         if (icb->h.busy)
             IXINCONSISTENT(icb);
     }
@@ -265,10 +270,15 @@ bool KLADAAN(const ICB* icb) {
 }
 
 bool KLADLEES(ICB* icb, int32_t blok) {
-    const Blad* b = zoek(blok);
-    if (b)
+    if (const Blad* b = zoek(blok)) {
         memcpy(icb->node, b->wordt, IXBLOK);
-    return b;
+        return true;
+    }
+    if (blok >= klad.begin_blokken)
+        return false;
+    memcpy(icb->node, klad.begin + blok * IXBLOK, IXBLOK);
+    KLADGELEZEN(icb, blok);
+    return true;
 }
 
 void KLADGELEZEN(ICB* icb, int32_t blok) {
@@ -287,6 +297,12 @@ void KLADZET(ICB* icb, int32_t blok) {
     }
     memcpy(b->wordt, icb->node, IXBLOK);
     b->vuil = true;
+}
+
+bool KLADRIJLEEG(const ICB* icb) {
+    const int32_t rij = WACHTRIJBLOK(icb);
+    return klad.icb == icb && rij < klad.begin_blokken &&
+           klad.begin[rij * IXBLOK + offsetof(IXKNOOP, count)] == 0;
 }
 
 bool KLADEERSTE(const ICB* icb) {

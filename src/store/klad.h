@@ -41,6 +41,7 @@ bool KLADLEES(ICB* icb, int32_t blok);
 void KLADGELEZEN(ICB* icb, int32_t blok);
 void KLADZET(ICB* icb, int32_t blok);
 bool KLADEERSTE(const ICB* icb);
+bool KLADRIJLEEG(const ICB* icb); // was no key reserved when this change began?
 
 // An overwrite of n bytes that puts back `was` when it is refused: 1 done, 0 refused, with errno, and everything as
 // before. Stops when it could not be put back.

@@ -92,6 +92,9 @@ enum Leesuitslag { L_GOED, L_EINDE, L_FOUT };
 // Block above 0 into `node`, with path and `curblock`. When it does not answer L_GOED the node in hand is an
 // empty one of the same key.
 Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok);
+// Under the header's lock: the header as IXRDIX reads it, and with the same call the blocks behind it up to the lock
+// queue into `blokken`, room for IXSLEUTELS + 2 of them: how many there are.
+int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken);
 void IXPAD(ICB* icb); // the node in hand into the path: a root has no parent, and is that of a child
 void IXKIES(ICB* icb, int sleutel); // make current without reading: the node in hand is an empty root
 void IXEOFTOON(ICB* icb, int32_t blok);
@@ -100,7 +103,10 @@ void IXEOFTOON(ICB* icb, int32_t blok);
 // (false with errno when the disk refuses); the same as part of the change in hand (store/klad.h), whose end lets go of
 // the queue's lock: false, and nothing done, when that can't be had at once.
 bool IXPROBEERSLOT(ICB* icb);
-int IXPROBEERSLEUTEL(ICB* icb); // IXLOCK 4 without the wait
+bool IXSLOTVRIJ(const ICB* icb); // has nobody else the record at `currec` locked?
+int IXPROBEERSLEUTEL(ICB* icb);  // IXLOCK 4 without the wait
+// The record at `currec` has just been read under its lock, which the caller keeps.
+void IXHOUDVAST(ICB* icb, const void* rec);
 bool IXVERGEET(ICB* icb);
 bool IXVERGEETMEE(ICB* icb);
 // Behind an insert of an exclusive handle: somebody may have reserved the key before the pair was opened, or while it

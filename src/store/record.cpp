@@ -154,6 +154,8 @@ int IXREADL(ICB* icb, void* rec) {
         IXMAAKSLEUTEL(def, inhoud, def.dupflag == 'J' ? icb->currec : nummer_vooraf, def.keylen, gevonden);
         if (stil || (levend && IXVERGELIJK(def, gezocht, gevonden, def.keylen) == 0)) {
             memcpy(rec, inhoud, static_cast<size_t>(icb->h.reclen));
+            if (!stil)
+                IXHOUDVAST(icb, inhoud);
             IXGEGEVEN(icb, rec);
             return levend;
         }
@@ -186,6 +188,7 @@ int IXREADT(ICB* icb, void* rec) {
     IXMAAKSLEUTEL(def, inhoud, icb->currec, def.keylen, gevonden);
     if (levend && IXVERGELIJK(def, gezocht, gevonden, def.keylen) == 0) {
         memcpy(rec, inhoud, static_cast<size_t>(icb->h.reclen));
+        IXHOUDVAST(icb, inhoud);
         IXGEGEVEN(icb, rec);
         return 1;
     }

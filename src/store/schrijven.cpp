@@ -32,15 +32,16 @@ bool alleen_lezen(const ICB* icb) {
 // What became of a change that was worked out. SLOT_BEZET: a lock that it needs is another's at this moment.
 enum Werk { KLAAR, NIETS, SLOT_BEZET };
 
-// A number for a new record, locked: the slot freed last, or one behind the last. Neither may be a record in use: a
-// chain or a count that says so is damage, and writing there would lose that record. A free slot that somebody has
-// locked stays in the chain; when the number behind the last is refused too, the whole file is (an exclusive opener),
-// and nothing may be waited for with the header in hand.
-bool neem_nummer(ICB* icb, uint8_t* vrij, bool* hergebruik) {
+// A number for a new record: the slot freed last, or one behind the last. Neither may be a record in use: a chain or a
+// count that says so is damage, and writing there would lose that record. A free slot that somebody has locked stays in
+// the chain. Nobody knows the number before its record stands and the first key leads there, so it is locked only for
+// who keeps the lock (`houd`); when that is refused behind the last, the whole file is (an exclusive opener), and
+// nothing may be waited for with the header in hand.
+bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
     *hergebruik = false;
     if (icb->h.freehead >= 0) {
         icb->currec = icb->h.freehead;
-        if (IXPROBEERSLOT(icb)) {
+        if (houd ? IXPROBEERSLOT(icb) : IXSLOTVRIJ(icb)) {
             memset(vrij, 0xFF, IXRECMAX);
             if (IXLEESLEVEND(icb, vrij))
                 IXSTUK(icb, 0);
@@ -56,22 +57,23 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool* hergebruik) {
     if (SYSOMVANG(icb->datfd) != int64_t{icb->h.nrecs} * icb->h.reclen)
         IXSTUK(icb, 0);
     icb->currec = icb->h.nrecs;
-    if (!IXPROBEERSLOT(icb))
+    if (houd && !IXPROBEERSLOT(icb))
         return false;
     icb->h.nrecs++;
     return true;
 }
 
-Werk voeg_in(ICB* icb, const void* rec, bool bij_plaats) {
+Werk voeg_in(ICB* icb, const void* rec, bool houd, bool bij_plaats) {
     uint8_t vrij[IXRECMAX];
     bool hergebruik;
     if (icb->h.nblocks > BLOKGRENS || (icb->h.freehead < 0 && icb->h.nrecs == INT32_MAX))
         return NIETS;
-    if (!neem_nummer(icb, vrij, &hergebruik))
+    if (!neem_nummer(icb, vrij, houd, &hergebruik))
         return SLOT_BEZET;
     IXVOEGTOE(icb, rec, bij_plaats);
     if (!IXVERGEETMEE(icb)) {
-        IXLOCK(icb, 13);
+        if (houd)
+            IXLOCK(icb, 13);
         return SLOT_BEZET;
     }
     KLADRECORD(icb, KL_INSERT, hergebruik ? vrij : nullptr, rec);
@@ -103,7 +105,7 @@ Werk werk_bij(ICB* icb, const void* rec) {
 }
 
 // A change, worked out by `werk` with the pair in hand, as often as a lock is refused, and written. 1, or 0: nothing
-// was changed, and *fout says what the user is told (0 for nothing). A new record's slot stays locked.
+// was changed, and *fout says what the user is told (0 for nothing).
 template <class F> int wijzig(ICB* icb, int* fout, F werk) {
     *fout = 0;
     for (int poging = 0;; poging++) {
@@ -129,9 +131,10 @@ template <class F> int wijzig(ICB* icb, int* fout, F werk) {
 }
 
 // After a refused change: the slot of a record that did not come goes, and words come.
-int geweigerd(ICB* icb, bool nieuw, int fout) {
+int geweigerd(ICB* icb, bool nieuw, bool houd, int fout) {
     if (nieuw) {
-        IXLOCK(icb, 13);
+        if (houd)
+            IXLOCK(icb, 13);
         icb->currec = -1;
     }
     if (fout)
@@ -139,28 +142,60 @@ int geweigerd(ICB* icb, bool nieuw, int fout) {
     return 0;
 }
 
+// The record that this handle holds, when no key of it moves: the index isn't touched, and nobody else writes the record.
+// 1, 0 with errno when the disk refused; -1: it is another one, or a key moves.
+int ter_plaatse(ICB* icb, const void* rec) {
+    if (icb->mode != 2 || !icb->vast.er)
+        return -1;
+    uint8_t nu[IXRECMAX], was[IXSLEUTELMAX + 4], wordt[IXSLEUTELMAX + 4];
+    for (int k = 0; k < icb->h.nkeys; k++) {
+        const IXKEYDEF& def = icb->h.keydef[k];
+        IXMAAKSLEUTEL(def, rec, icb->vast.nr, def.keylen, wordt);
+        IXMAAKSLEUTEL(def, icb->vast.rec, icb->vast.nr, def.keylen, was);
+        if (IXVERGELIJK(def, wordt, was, def.keylen) != 0)
+            return -1;
+    }
+    icb->currec = icb->vast.nr;
+    const size_t n = static_cast<size_t>(icb->h.reclen);
+    IXRDREC(icb, nu);
+    if (memcmp(nu, icb->vast.rec, n) != 0) // by a program that wrote without its lock: its keys may be others
+        return -1;
+    if (!IXOVERSCHRIJF(icb, icb->datfd, IXSEEKDAT(icb), nu, rec, n))
+        return 0;
+    memcpy(icb->vast.rec, rec, n);
+    return 1;
+}
+
 int schrijf(ICB* icb, const void* rec, bool laat_los) {
     if (alleen_lezen(icb))
         return 1;
     if (lijkt_vrij(icb, rec))
         return 0;
+    if (const int er = ter_plaatse(icb, rec); er >= 0) {
+        const int fout = errno;
+        if (laat_los)
+            IXLOCK(icb, 13);
+        if (!er)
+            IXGEWEIGERD(icb, fout);
+        return er;
+    }
     const int bewaard = IXSLEUTEL(icb);
     bool nieuw = false;
-    int fout,
-        uitslag = wijzig(icb, &fout, [&] {
-            IXKIES(icb, 1);
-            const int lengte = IXDEF(icb).keylen;
-            IXBLDKEY(icb, rec, lengte);
-            icb->currec = IXSEARCH(icb, '=', lengte);
-            nieuw = icb->currec < 0;
-            // The place found serves the first key, unless that holds the record number.
-            const Werk w = nieuw ? voeg_in(icb, rec, icb->h.keydef[0].dupflag == 'N') : werk_bij(icb, rec);
-            if (!nieuw && w == NIETS)
-                IXSTUK(icb, icb->curblock); // a key that leads to a free record
-            return w;
-        });
+    int fout, uitslag = wijzig(icb, &fout, [&] {
+                  IXKIES(icb, 1);
+                  const int lengte = IXDEF(icb).keylen;
+                  IXBLDKEY(icb, rec, lengte);
+                  icb->currec = IXSEARCH(icb, '=', lengte);
+                  nieuw = icb->currec < 0;
+                  // The place found serves the first key, unless that holds the record number.
+                  const Werk w = nieuw ? voeg_in(icb, rec, !laat_los, icb->h.keydef[0].dupflag == 'N')
+                                       : werk_bij(icb, rec);
+                  if (!nieuw && w == NIETS)
+                      IXSTUK(icb, icb->curblock); // a key that leads to a free record
+                  return w;
+              });
     const bool vol = nieuw && !uitslag && !fout;
-    if (laat_los && icb->mode == 2)
+    if (laat_los && icb->mode == 2 && !nieuw)
         IXLOCK(icb, 13);
     if (!uitslag) {
         if (laat_los && nieuw && !icb->filelocked) { // a write ends IXREADL also when it is refused
@@ -168,7 +203,7 @@ int schrijf(ICB* icb, const void* rec, bool laat_los) {
             IXBLDKEY(icb, rec, IXDEF(icb).keylen);
             IXVERGEET(icb);
         }
-        geweigerd(icb, nieuw, fout);
+        geweigerd(icb, nieuw, !laat_los, fout);
     }
     IXKIES(icb, bewaard);
     if (vol)
@@ -212,7 +247,7 @@ int IXUPDATE(ICB* icb, const void* rec) {
     const int bewaard = IXSLEUTEL(icb);
     int fout, uitslag = wijzig(icb, &fout, [&] { return werk_bij(icb, rec); });
     if (!uitslag)
-        geweigerd(icb, false, fout);
+        geweigerd(icb, false, false, fout);
     IXKIES(icb, bewaard);
     return uitslag;
 }
@@ -221,9 +256,9 @@ int IXINSERT(ICB* icb, const void* rec) {
     IXEIS(icb, "IXINSERT");
     if (alleen_lezen(icb) || lijkt_vrij(icb, rec))
         return 0;
-    int fout, uitslag = wijzig(icb, &fout, [&] { return voeg_in(icb, rec, false); });
+    int fout, uitslag = wijzig(icb, &fout, [&] { return voeg_in(icb, rec, true, false); });
     if (!uitslag) {
-        geweigerd(icb, true, fout);
+        geweigerd(icb, true, true, fout);
         if (!fout)
             IXWAARSCHUW(TXT(T_IX_WAARSCHUWING), "%s", TXT(T_IX_INDEX_VOL));
     }
@@ -259,7 +294,7 @@ int IXDELETE(ICB* icb, void* rec) {
         });
     IXLOCK(icb, 13);
     if (!uitslag)
-        geweigerd(icb, false, fout);
+        geweigerd(icb, false, false, fout);
     IXKIES(icb, bewaard);
     return fout ? -1 : 0;
 }

@@ -208,7 +208,17 @@ int IXLOCKRGN(char letter, ICB* icb, int fd, int64_t start, int64_t lengte) {
 }
 
 bool IXPROBEERSLOT(ICB* icb) {
-    return icb->filelocked || icb->tempidx || IOLOCK('S', icb->datfd, recordplaats(icb), icb->h.reclen);
+    return icb->filelocked || icb->tempidx || IOLOCK('E', icb->datfd, recordplaats(icb), icb->h.reclen);
+}
+
+bool IXSLOTVRIJ(const ICB* icb) {
+    return icb->filelocked || icb->tempidx || IOLOCK('T', icb->datfd, recordplaats(icb), icb->h.reclen);
+}
+
+void IXHOUDVAST(ICB* icb, const void* rec) {
+    icb->vast.er = !icb->filelocked && !icb->tempidx;
+    icb->vast.nr = icb->currec;
+    memcpy(icb->vast.rec, rec, static_cast<size_t>(icb->h.reclen));
 }
 
 int IXPROBEERSLEUTEL(ICB* icb) {
@@ -228,7 +238,7 @@ bool IXVERGEET(ICB* icb) {
 }
 
 bool IXVERGEETMEE(ICB* icb) {
-    if (icb->filelocked)
+    if (icb->filelocked || KLADRIJLEEG(icb))
         return true;
     Wachtrij q(icb, false);
     if (!q.vast)
@@ -287,7 +297,7 @@ int IXLOCK(ICB* icb, int operatie) {
         return 1;
     case 3:
         // The data file of a temporary index belongs to the normal pair, and so do its locks.
-        return icb->tempidx ? 1 : IXLOCKRGN('S', icb, icb->datfd, recordplaats(icb), icb->h.reclen);
+        return icb->tempidx ? 1 : IXLOCKRGN('E', icb, icb->datfd, recordplaats(icb), icb->h.reclen);
     case 4: {
         const int vast = IXPROBEERSLEUTEL(icb);
         if (vast == 0) {
@@ -299,7 +309,7 @@ int IXLOCK(ICB* icb, int operatie) {
     }
     case 11:
         icb->filelocked = 0;
-        icb->koplock = 0;
+        icb->koplock = icb->vast.er = 0;
         IXBESTANDVAST(icb->idxfd, false);
         if (!icb->tempidx)
             IOLOCK('U', icb->datfd, 0, 0);
@@ -311,6 +321,8 @@ int IXLOCK(ICB* icb, int operatie) {
             IOLOCK('U', icb->idxfd, 0, IXBLOK);
         return 1;
     case 13:
+        if (icb->currec == icb->vast.nr)
+            icb->vast.er = 0;
         if (!icb->filelocked && !icb->tempidx && icb->currec >= 0)
             IOLOCK('U', icb->datfd, recordplaats(icb), icb->h.reclen);
         return 1;
