@@ -156,6 +156,21 @@ TEST_P(Record, IndexVol) {
 
 INSTANTIATE_TEST_SUITE_P(Modes, Record, testing::Values(1, 2));
 
+// Who writes without having locked the record moves its key under the one who has: the trees follow what stands.
+TEST(Vastgehouden, BuitenHetSlotOmGeschreven) {
+    TijdelijkeMap map;
+    ICB *een = maak_open("T", tabel, 2), *twee = IXOPEN("T", 2);
+    Rec r = rec(1, "Jansen", 10), ander = rec(1, "Willems", 10);
+    IXWRITE(een, &r);
+    EXPECT_EQ(1, IXREADL(een, &r));
+    EXPECT_EQ(1, IXWRITE(twee, &ander));
+    r.waarde = 10;
+    EXPECT_EQ(1, IXWRITE(een, &r));
+    IXCLOSE(twee);
+    IXCLOSE(een);
+    EXPECT_GEZOND("T");
+}
+
 TEST(Alleenlezen, SchrijftNiets) {
     TijdelijkeMap map;
     ICB* icb = maak_open("T", tabel, 2);
