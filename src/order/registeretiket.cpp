@@ -293,7 +293,7 @@ bool labels_bij(orderregel* regel, serrec* serie, const std::function<bool()>& v
     const std::vector<Termwerk> werken = werk_van(*regel, eigen);
     const uint8_t locatie = label_locatie(serie->serie.artikelgroep);
     int32_t eerste = serie->etiketkop;
-    bool gelukt = true, weg = false, erbij = false;
+    bool gelukt = true;
     // The first label of a series makes its chain: its record says where before there is a second.
     auto begonnen = [&] {
         if (serie->etiketkop == eerste)
@@ -301,6 +301,14 @@ bool labels_bij(orderregel* regel, serrec* serie, const std::function<bool()>& v
         serie->etiketkop = eerste;
         return serie_schrijf(*serie);
     };
+    // Noted before there is a change: one that is told and didn't come does no harm.
+    const auto ergens = [&](auto Termwerk::*wat) {
+        return std::ranges::any_of(werken, [&](const Termwerk& w) { return !(w.*wat).empty(); });
+    };
+    if (ergens(&Termwerk::weg))
+        serie_mutatie(MUT_ETIKET_WEG, *serie);
+    if (ergens(&Termwerk::erbij))
+        serie_mutatie(MUT_ETIKET_BIJ, *serie);
     {
         etiketwijziging wijziging(serie->serie, &eerste);
         for (size_t i = 0; gelukt && i < werken.size(); i++) {
@@ -308,8 +316,6 @@ bool labels_bij(orderregel* regel, serrec* serie, const std::function<bool()>& v
                 return nieuw_etiket(*regel, *serie, regel->termen[i - 1], maat, locatie);
             };
             gelukt = doe_term(werken[i], proef, &wijziging, &telling, begonnen);
-            weg = weg || !werken[i].weg.empty();
-            erbij = erbij || !werken[i].erbij.empty();
         }
         if (gelukt) {
             telling.naar(serie);
@@ -328,10 +334,6 @@ bool labels_bij(orderregel* regel, serrec* serie, const std::function<bool()>& v
     for (const levterm& t : regel->termen)
         for (const levcel& c : t.cellen)
             regel->op_bestand += c.aantal;
-    if (weg)
-        serie_mutatie(MUT_ETIKET_WEG, *serie);
-    if (erbij)
-        serie_mutatie(MUT_ETIKET_BIJ, *serie);
     return true;
 }
 
@@ -342,6 +344,8 @@ bool label_wis(orderregel* regel, int* over, const std::function<bool()>& vastle
         return false;
     int32_t eerste = regel->serie.etiketkop;
     const Kritiek kritiek;
+    if (!eigen.empty())
+        serie_mutatie(MUT_ETIKET_WEG, regel->serie);
     {
         etiketwijziging wijziging(regel->serie.serie, &eerste);
         for (const genummerd& l : eigen)
@@ -356,8 +360,6 @@ bool label_wis(orderregel* regel, int* over, const std::function<bool()>& vastle
         }
     }
     *over = telling.som();
-    if (!eigen.empty())
-        serie_mutatie(MUT_ETIKET_WEG, regel->serie);
     return true;
 }
 

@@ -29,7 +29,7 @@ std::string notitie() {
 // Where it can't be, memory has to do.
 void noteer(const Mutatie& m) {
     if (sessie > 0 && noot < 0)
-        noot = REGELOPEN(notitie().c_str());
+        noot = SYSNIEUW(notitie().c_str(), O_RDWR | O_APPEND | O_EXCL | O_NOFOLLOW | O_NOCTTY);
     if (noot >= 0)
         REGELBIJ(noot, m.letter + m.inhoud);
 }
@@ -78,6 +78,12 @@ bool mutaties_stuur() {
 
 bool mutaties_herstel() {
     noot = SYS.open(notitie().c_str(), O_RDWR | O_APPEND | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0);
+    struct stat st;
+    if (noot >= 0 &&
+        (SYS.fstat(noot, &st) != 0 || !S_ISREG(st.st_mode) || st.st_nlink != 1)) { // another's file
+        SYS.close(noot);
+        noot = -1;
+    }
     if (noot < 0)
         return true;
     constexpr int64_t OMVANG_MAX = 1 << 20; // a line's mutations are some kilobytes
