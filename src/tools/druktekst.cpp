@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -203,6 +204,15 @@ std::set<Sleutel> sleutels() {
     return uit;
 }
 
+// As names of printers are compared.
+std::string printernaam(const std::string& bytes) {
+    return GROOTKOPIE(std::string(VASTTRIM(bytes)));
+}
+
+std::string naam_van_ander(int code) {
+    return "printer " + std::to_string(code) + " has this name";
+}
+
 // The printer's own records, before it goes itself.
 Uitkomst doe_kinderen_weg(int code, const printtabellen& t, std::string* fout) {
     std::vector<Regel> weg;
@@ -306,9 +316,8 @@ Uitkomst druk_doe(Drukdaad daad, const std::vector<std::string>& woorden, std::s
         return *fout = geen_printer(r), FOUT_GEVONDEN;
     if (printer && (daad == Drukdaad::toevoegen || daad == Drukdaad::wijzigen) && !r.waarden.empty())
         for (const prtrec& p : t.printers)
-            if (p.code != r.nummer[0] &&
-                GROOTKOPIE(VASTTEKST(p.naam)) == GROOTKOPIE(std::string(VASTTRIM(r.waarden[0].second))))
-                return *fout = "printer " + std::to_string(p.code) + " has this name", FOUT_GEVONDEN;
+            if (p.code != r.nummer[0] && printernaam(VASTTEKST(p.naam)) == printernaam(r.waarden[0].second))
+                return *fout = naam_van_ander(p.code), FOUT_GEVONDEN;
     if (weg && printer && staat)
         if (const Uitkomst uit = doe_kinderen_weg(r.nummer[0], t, fout); uit != GOED)
             return uit;
@@ -324,6 +333,12 @@ Uitkomst druk_laad(const std::string& pad, std::string* fout) {
     std::set<Sleutel> er =
         sleutels(); // behind each line: the last is known to be right before the first is done
     std::vector<std::pair<std::string, std::vector<std::string>>> alle;
+    std::map<int, std::string> namen;                 // of printers, behind the last line
+    std::vector<std::pair<int, std::string>> genoemd; // by which line
+    printtabellen nu;
+    prt_lees(&nu);
+    for (const prtrec& p : nu.printers)
+        namen[p.code] = printernaam(VASTTEKST(p.naam));
     auto fouten = [&](Uitkomst uit, const std::string& waar) { return *fout = waar + *fout, uit; };
     std::string regel;
     for (int nr = 1; std::getline(tekst, regel); nr++) {
@@ -337,11 +352,17 @@ Uitkomst druk_laad(const std::string& pad, std::string* fout) {
         const Sleutel s{r.soort->tabel, r.nummer[0], r.nummer[1], r.nummer[2]};
         if (r.soort->tabel != PRT_PRINTERS && !er.contains({PRT_PRINTERS, r.nummer[0]}))
             return *fout = geen_printer(r), fouten(FOUT_GEVONDEN, waar);
+        if (r.soort->tabel == PRT_PRINTERS && !r.waarden.empty())
+            namen[r.nummer[0]] = printernaam(r.waarden[0].second), genoemd.emplace_back(r.nummer[0], waar);
         if (const Uitkomst uit = past(Drukdaad::zetten, r, er.contains(s), fout); uit != GOED)
             return fouten(uit, waar);
         er.insert(s);
         alle.emplace_back(waar, woorden);
     }
+    for (auto g = genoemd.rbegin(); g != genoemd.rend(); ++g)
+        for (const auto& [ander, naam] : namen)
+            if (ander != g->first && naam == namen[g->first])
+                return *fout = naam_van_ander(ander), fouten(FOUT_GEVONDEN, g->second);
     for (const auto& [waar, woorden] : alle)
         if (const Uitkomst uit = druk_doe(Drukdaad::zetten, woorden, fout); uit != GOED)
             return fouten(uit, waar);

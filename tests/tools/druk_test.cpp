@@ -43,8 +43,8 @@ TEST_F(Druk, ListAndLoad) {
     EXPECT_EQ(sh("zgdruk remove printer 40; zgdruk list").tekst, lijst);
     EXPECT_EQ(sh("zgdruk load p && zgdruk list 40").tekst, een);
     EXPECT_EQ(sh("zgdruk load p && zgdruk list > q && zgdruk load q && zgdruk list | diff - q").tekst, "");
-    for (const char* fout :
-         {"printer 42", "tekst 1 1 17 tekst=utf8", "verbinding 42 1 apparaat=x", "verbinding 41 1 naam=x"})
+    for (const char* fout : {"printer 42", "printer 42 naam=X", "tekst 1 1 17 tekst=utf8",
+                             "verbinding 42 1 apparaat=x", "verbinding 41 1 naam=x"})
         EXPECT_TRUE(
             sh(std::string("printf 'printer 41 naam=x\\n") + fout + "\\n' > p; zgdruk load p").zegt("p:2: "))
             << fout;
