@@ -85,7 +85,7 @@ TEST(Mutatie, Series) {
         const char* toetsen;
         std::string regels;
     } stappen[] = {
-        {LIJN, "255255G0001121000001120NIEUW          *M\n" + codes(5) + "255255d011200200002\n"},
+        {LIJN, "255255G0001121000001120NIEUW          *M\n255255d011200200002\n" + codes(5)},
         {"WMMOmega<Enter><Esc>", "255255G0001121010101120OMEGA          *M\n" + codes(5)},
         {"WPI<Enter>25<Enter><Enter><Enter><Esc><Esc>", "255255W011200200002\n" + codes(5)},
         {"WPA<Enter>30<Enter><Esc><Esc>", "255255W011200200002\n" + codes(5)},
