@@ -95,7 +95,8 @@ void edigetal(char* tekst) {
         eind--;
     if (eind - 1 == punt)
         eind--;
-    if (eind == tekst || eind[-1] == '-')
+    if (eind == tekst ||
+        (eind == tekst + 1 && *tekst == '-')) // nothing stood in front of the point, which has gone
         *eind++ = '0';
     *eind = '\0';
 }
