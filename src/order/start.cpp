@@ -18,6 +18,7 @@
 #include "sub/maatsoort.h"
 #include "sub/omserie.h"
 #include "term/macro/macro.h"
+#include "term/plaats.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 #include "term/tekst.h"
@@ -165,7 +166,9 @@ void prog_exec(const char* doel) {
     for (const char* variabele : {"TSTBIN", "BIN"})
         if (const char* map = getenv(variabele); map && *map)
             probeer(map, doel, naam, &pad);
+    std::string beproefd;
     probeer("", doel, naam, &pad);
+    probeer(EIGENMAP(), doel, naam, &beproefd); // installed where no path leads
     SCRINIT();
     CATOPEN();
     SCRFATAL("%s %s %s", TXT(T_PROGRAMMA), pad.c_str(), TXT(T_NIET_GEVONDEN));

@@ -1,12 +1,14 @@
 // Start and end of the program: the hand-over from and to the menu program through the user's slot of
 // DTSYS.TXT, and the program information box. Nothing here knows of orders.
 #pragma once
+#include "shared/sysrec.h"
 
 namespace zg {
 
 inline constexpr char PROGRAMMA[] = "zgbestel";
 inline constexpr char MENUPROGRAMMA[] = "zgbsmenu"; // goes on behind this one
-inline constexpr int RELEASENUMMER = 870;
+inline constexpr int RELEASENUMMER =
+    (RELEASE[0] - '0') * 100 + (RELEASE[2] - '0') * 10 + (RELEASE[3] - '0'); // 870
 
 // Date and time of this build, for the information box.
 void prog_bouw(const char* datum, const char* tijd);

@@ -5,6 +5,7 @@
 #include "order/start.h"
 #include "order/teksten.h"
 #include "shared/report.h"
+#include "shared/versie.h"
 #include "sub/omserie.h"
 #include "term/prompt.h"
 #include <csignal>
@@ -13,11 +14,15 @@
 namespace {
 
 constexpr char RELEASEDATUM[] = "01-11-2026";
+constexpr char HULP[] = "usage: zgbestel PROGRAM USER SLOT STARTER\n"
+                        "Purchase orders. A menu starts it, in a data directory: zgbsmenu does.\n"
+                        "--version and --help end at once.\n";
 
 } // namespace
 
 int main(int argc, char** argv) {
     using namespace zg;
+    VERSIE_OF_HULP(PROGRAMMA, HULP, argc, argv);
     signal(SIGXFSZ, SIG_IGN); // a file at its size limit is an error to tell, not an end
     std::set_new_handler([] { NOMEM(PROGRAMMA, 1); });
     prog_bouw(__DATE__, __TIME__);

@@ -6,6 +6,7 @@
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
+#include "term/plaats.h"
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
@@ -153,11 +154,8 @@ bool uitvoerbaar(const std::string& pad) {
 
 // Beside the running program, or where the programs of the package are looked for.
 std::string zender() {
-    char zelf[PATH_MAX];
-    const ssize_t n = readlink("/proc/self/exe", zelf, sizeof zelf - 1);
-    std::string pad(zelf, n > 0 ? static_cast<size_t>(n) : 0);
-    pad = pad.substr(0, pad.rfind('/') + 1) + ZENDER;
-    if (n > 0 && uitvoerbaar(pad))
+    std::string pad = EIGENMAP() + ZENDER;
+    if (pad != ZENDER && uitvoerbaar(pad))
         return pad;
     for (const char* variabele : {"TSTBIN", "BIN"})
         if (const char* map = getenv(variabele); map && *map)

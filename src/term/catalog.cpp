@@ -1,10 +1,13 @@
 // The two message catalogues and the guard on them: a catalogue's text is taken only where its printf
 // directives are those of the default. The tables of texts: teksten.def in each folder.
 #include "term/natl.h"
+#include "term/plaats.h"
 #include "term/tekst.h"
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
 #include <nl_types.h>
+#include <string>
 
 namespace zg {
 namespace {
@@ -28,6 +31,25 @@ std::string_view volgende_opdracht(const char** s) {
         p++;
     *s = p;
     return {begin, static_cast<size_t>(p - begin)};
+}
+
+// The package's own catalogue in the language of the environment; "nl_BE.UTF-8" does with "nl_BE" and with "nl".
+nl_catd eigen_catalogus(const char* naam) {
+    std::string taal;
+    for (const char* variabele : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (const char* waarde = getenv(variabele); waarde && *waarde) {
+            taal = waarde;
+            break;
+        }
+    const std::string map =
+        taal.empty() || taal.find('/') != std::string::npos ? "" : PAKKETMAP("catalogues");
+    nl_catd catalogus = DICHT;
+    for (size_t n = taal.size(); !map.empty() && catalogus == DICHT && n != std::string::npos;
+         n = taal.find_last_of("@._")) {
+        taal.resize(n);
+        catalogus = catopen((map + "/" + taal + "/" + naam).c_str(), 0);
+    }
+    return catalogus;
 }
 
 } // namespace
@@ -62,6 +84,8 @@ void CATOPEN() {
         open_catalogus[i] = catopen(NAMEN[i], NL_CAT_LOCALE);
         if (open_catalogus[i] == DICHT) // a locale that this machine doesn't have: by the name in LANG
             open_catalogus[i] = catopen(NAMEN[i], 0);
+        if (open_catalogus[i] == DICHT)
+            open_catalogus[i] = eigen_catalogus(NAMEN[i]);
     }
 }
 

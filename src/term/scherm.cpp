@@ -3,6 +3,7 @@
 #include "term/binnen.h"
 #include "term/ingave.h"
 #include "term/natl.h"
+#include "term/plaats.h"
 #include "term/teksten.h"
 #include "term/uitvoer.h"
 #include <algorithm>
@@ -80,6 +81,15 @@ int zoek_variant(const char* naam) {
     return -1;
 }
 
+// The package's own descriptions, behind what the environment names; false when there are none, or they are named already.
+bool eigen_beschrijvingen() {
+    const std::string eigen = PAKKETMAP("terminfo");
+    const char* gezet = getenv("TERMINFO_DIRS");
+    const std::string mappen = gezet ? gezet : "";
+    return !eigen.empty() && (":" + mappen + ":").find(":" + eigen + ":") == std::string::npos &&
+           setenv("TERMINFO_DIRS", (mappen.empty() ? eigen : mappen + ":" + eigen).c_str(), 1) == 0;
+}
+
 // Open a variant that has not been used yet; -1 when the terminal has no description for it.
 int open_variant(const Maat& m, const std::string& naam) {
     SCREEN* eerst = SCHERM.termnu >= 0 ? SCHERM.term[SCHERM.termnu].scherm : nullptr;
@@ -87,6 +97,8 @@ int open_variant(const Maat& m, const std::string& naam) {
     if (!nul)
         nul = fopen("/dev/null", "we");
     SCREEN* nieuw = nul ? newterm(naam.c_str(), nul, stdin) : nullptr; // curses itself has nothing to say
+    if (nul && !nieuw && !eerst && eigen_beschrijvingen()) // the variants come from where the first one is
+        nieuw = newterm(naam.c_str(), nul, stdin);
     if (!nieuw) {
         if (eerst)
             set_term(eerst);

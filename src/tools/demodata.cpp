@@ -1,5 +1,4 @@
-// zgdemo DIRECTORY [--fresh] [--register | --empty-register] [--from TEXTS]: a demo data directory out of the text under
-// data/demo, or of another firm's. Without --fresh an existing one is kept as it is; with it a directory is emptied that this
+// zgdemo: a demo data directory out of the texts that are installed with it (data/demo), or of another firm's. Without --fresh an existing one is kept as it is; with it a directory is emptied that this
 // program made (its mark is there) and that nobody is at work in. Pairs are made by the dictionary's definitions.
 #include "shared/files.h"
 #include "shared/iomaat.h"
@@ -8,11 +7,14 @@
 #include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/ix.h"
+#include "term/plaats.h"
 #include "term/vast.h"
 #include "tools/demotekst.h"
 #include "tools/druktekst.h"
 #include "tools/dump.h"
 #include "tools/paar.h"
+#include "tools/tool.h"
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -20,10 +22,6 @@
 #include <filesystem>
 #include <sstream>
 #include <unistd.h>
-
-#ifndef ZG_DEMO_DIR
-#error "where the demo sources are"
-#endif
 
 namespace {
 
@@ -267,33 +265,24 @@ void maak_leeg(std::string doel) {
             demofout(p.string() + ": " + fout.message());
 }
 
-int gebruik() {
-    fprintf(stderr, "usage: zgdemo DIRECTORY [--fresh] [--register | --empty-register] [--from TEXTS]\n");
-    return 2;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    std::string doel, teksten = ZG_DEMO_DIR;
+    tool_begin("zgdemo");
+    std::string doel, teksten = PAKKETMAP("demo");
     bool vers = false, met_register = false, leeg_register = false;
-    for (int i = 1; i < argc; i++) {
-        std::string a = argv[i];
-        if (a == "--fresh")
-            vers = true;
-        else if (a == "--register")
-            met_register = true;
-        else if (a == "--empty-register") // files without a series in them
-            leeg_register = true;
-        else if (a == "--from" && i + 1 < argc)
-            teksten = argv[++i];
-        else if (doel.empty() && a[0] != '-')
-            doel = a;
-        else
-            return gebruik();
-    }
-    if (doel.empty())
-        return gebruik();
+    CLI::App app{"make a data directory with a demo firm; one that stands is kept as it is", "zgdemo"};
+    tool_kop(app, "0 made, or kept; 1 not made; 2 used wrong; 3 cannot open.");
+    app.add_option("DIRECTORY", doel, "where to make it")->required();
+    app.add_flag("--fresh", vers, "make it anew: empties a directory that zgdemo made");
+    CLI::Option* vol =
+        app.add_flag("--register", met_register, "with the full registration: series, prices, labels");
+    app.add_flag("--empty-register", leeg_register, "with its files, and no series in them")->excludes(vol);
+    app.add_option("--from", teksten, "the directory of the texts that it is made of");
+    if (int uit; !tool_woorden(app, argc, argv, &uit))
+        return uit;
+    if (teksten.empty())
+        demofout("the texts of the demo firm are not installed with it; name their directory with --from");
     std::error_code fout;
     const std::string bron = fs::canonical(teksten, fout);
     if (fout)

@@ -1,4 +1,5 @@
 // The operators' tools for pairs, one program under the names of its tools: options, help, exit status.
+#include "shared/versie.h"
 #include "store/wachtrij.h"
 #include "term/natl.h"
 #include "term/scherm.h"
@@ -157,11 +158,15 @@ void wacht(ICB* icb) {
 } // namespace
 
 int main(int argc, char** argv) {
+    const int woorden = argc;
+    char** const alle = argv;
     const Tool* tool = kies(&argc, &argv);
     if (!tool) {
-        fprintf(stderr, "usage: ixtool TOOL ...; the tools are\n");
+        std::string hulp = "usage: ixtool TOOL ...; the tools are\n";
         for (const Tool& t : TOOLS)
-            fprintf(stderr, "  %-9s %s\n", t.naam, t.wat);
+            hulp += "  " + (t.naam + std::string(10, ' ')).substr(0, 10) + t.wat + "\n";
+        VERSIE_OF_HULP("ixtool", hulp.c_str(), woorden, alle);
+        fputs(hulp.c_str(), stderr);
         return FOUT_GEBRUIKT;
     }
     tool_begin(tool->naam);

@@ -1,4 +1,5 @@
 #include "tools/tool.h"
+#include "shared/versie.h"
 #include "term/natl.h"
 #include "term/scherm.h"
 #include <CLI/CLI.hpp>
@@ -57,7 +58,7 @@ void tool_begin(const char* naam, void (*eerst)()) {
 }
 
 void tool_kop(CLI::App& app, const char* statussen) {
-    app.set_version_flag("--version", toolnaam + " 8.70");
+    app.set_version_flag("--version", VERSIE(toolnaam.c_str()));
     app.footer(std::string("Exit status: ") + statussen);
 }
 
@@ -66,7 +67,7 @@ bool tool_woorden(CLI::App& app, int argc, char** argv, int* uit) {
         app.parse(argc, argv);
         return true;
     } catch (const CLI::ParseError& e) {
-        *uit = app.exit(e) == 0 ? GOED : FOUT_GEBRUIKT;
+        *uit = app.exit(e) == 0 ? tool_einde(GOED) : FOUT_GEBRUIKT;
         return false;
     }
 }

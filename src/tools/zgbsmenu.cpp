@@ -6,17 +6,18 @@
 #include "shared/houder.h"
 #include "shared/iotab.h"
 #include "shared/teksten.h"
+#include "shared/versie.h"
 #include "store/ix.h"
 #include "term/datum.h"
 #include "term/dm_hdl.h"
 #include "term/ingave.h"
 #include "term/macro/macro.h"
+#include "term/plaats.h"
 #include "term/prompt.h"
 #include "term/scherm.h"
 #include "term/tekst.h"
 #include "term/vast.h"
 #include "tools/teksten.h"
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -29,16 +30,10 @@ namespace {
 using namespace zg;
 
 constexpr char PROGRAMMA[] = "zgbsmenu", ORDERS[] = "zgbestel";
+constexpr char HULP[] = "usage: zgbsmenu, in a data directory\n"
+                        "A menu that logs a user in and starts zgbestel. --version and --help end at once.\n";
 
 std::string argument0;
-
-// Directory of this program with a '/', for the next one when BIN doesn't say.
-std::string eigen_map() {
-    char pad[PATH_MAX];
-    ssize_t n = readlink("/proc/self/exe", pad, sizeof pad - 1);
-    std::string p(pad, n > 0 ? static_cast<size_t>(n) : 0);
-    return p.substr(0, p.rfind('/') + 1);
-}
 
 // A slot is free when it names a user, nobody holds it, and it isn't on its way to that user's next program.
 bool vrij(int32_t nr, gebruikerslot* g) {
@@ -152,7 +147,7 @@ bool mag_starten() {
     for (const char* var : {"TSTBIN", "BIN"})
         if (const char* map = getenv(var); map && *map)
             mappen.push_back(std::string(map) + (map[strlen(map) - 1] == '/' ? "" : "/"));
-    mappen.push_back(eigen_map());
+    mappen.push_back(EIGENMAP());
     mappen.push_back("");
     for (const std::string& map : mappen) {
         std::string pad = map + doel;
@@ -185,8 +180,9 @@ int menu() {
 } // namespace
 
 int main(int argc, char** argv) {
+    VERSIE_OF_HULP(PROGRAMMA, HULP, argc, argv);
     if (argc != 1 && argc != 5) {
-        fprintf(stderr, "usage: zgbsmenu, in a data directory\n");
+        fputs(HULP, stderr);
         return 2;
     }
     MACROBEGIN();

@@ -7,6 +7,7 @@
 // Status: 0 done, or begun without -w; 1 not out, the reason is in the description; 2 used wrong; 4 somebody sends it.
 #include "print/zenden.h"
 #include "shared/report.h"
+#include "shared/versie.h"
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -18,14 +19,19 @@ namespace {
 using namespace zg;
 
 constexpr int SLOT = 3; // the lock, when it comes from the program that printed
+constexpr char HULP[] =
+    "usage: zgspoel [-w] DESCRIPTION\n"
+    "Sends the print job that DESCRIPTION (PRxxnn.JOB) tells of; -w waits until it is out.\n";
+
 int gebruik() {
-    fputs("usage: zgspoel [-w] DESCRIPTION\n", stderr);
+    fputs(HULP, stderr);
     return 2;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    VERSIE_OF_HULP("zgspoel", HULP, argc, argv);
     bool wacht = false, heeft_slot = false;
     for (int c; (c = getopt(argc, argv, "w3")) != -1;)
         if (c == 'w')

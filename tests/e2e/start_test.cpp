@@ -4,9 +4,11 @@
 #include "order/start.h"
 #include "shared/files.h"
 #include "shared/iotab.h"
+#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <unistd.h>
+#include <utility>
 
 using namespace zg::test;
 
@@ -153,7 +155,10 @@ TEST(Start, WegTerug) {
     Datamap map;
     Opties opties = map.opties();
     opties.omgeving = {{"BIN", "/bestaat/niet"}, {"PATH", "/bestaat/niet"}};
-    Programma p(map.overgave(), opties);
+    std::vector<std::string> argv = map.overgave(); // a copy, with no menu beside it
+    std::filesystem::copy(std::exchange(argv[0], map.bestand("bin/zgbestel")), map.bestand("bin/zgbestel"));
+    std::filesystem::rename(map.bestand("bin/zgbsmenu"), map.bestand("bin/menu"));
+    Programma p(argv, opties);
     p.t.reeks("<Esc>");
     p.t.wacht("Programma zgbsmenu niet gevonden");
     p.t.reeks("<Enter>");

@@ -210,12 +210,12 @@ TEST(Scherm, UnknownTerminal) {
     TijdelijkeMap leeg;
     static const struct {
         const char *naam, *waarde, *tekst;
-    } GEVALLEN[] = {{"TERM", "bestaatniet", "Onbekende terminfo (Bestaatniet)"},
-                    {"TERM", "", "Onbekende terminfo (TERM)"},
-                    {"TERM", "../../etc/passwd", "Onbekende terminfo (../../etc/passwd)"},
-                    {"TERM", "x\033[2Jy", "Onbekende terminfo (X?[2Jy)"},
-                    // the lower-case entry alone is not enough
-                    {"TERMINFO_DIRS", "/lib/terminfo:/usr/share/terminfo", "Onbekende terminfo (Xterm)"}};
+    } GEVALLEN[] = {
+        {"TERM", "bestaatniet", "Onbekende terminfo (Bestaatniet)"},
+        {"TERM", "", "Onbekende terminfo (TERM)"},
+        {"TERM", "../../etc/passwd", "Onbekende terminfo (../../etc/passwd)"},
+        {"TERM", "x\033[2Jy", "Onbekende terminfo (X?[2Jy)"},
+        {"TERM", "dumb", "Onbekende terminfo (Dumb)"}}; // the lower-case entry alone is not enough
     for (const auto& g : GEVALLEN) {
         Terminal t(op_scherm([] {}), {.omgeving = {{g.naam, g.waarde}}});
         EXPECT_EQ(t.einde(), 10) << g.waarde;
