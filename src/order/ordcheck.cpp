@@ -1,8 +1,13 @@
 // The check of order/ordcheck.h: one pass with the state of the order, model, line and term at hand.
 #include "order/ordcheck.h"
+#include "codes/seizoen.h"
 #include "order/ioord.h"
 #include "order/ordloop.h"
 #include "shared/iomaat.h"
+#include "shared/stamrec.h"
+#include "term/datum.h"
+#include "term/natl.h"
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <set>
@@ -11,9 +16,24 @@ namespace zg {
 
 namespace {
 
+// Is it a day of the calendar, and not 0?
+bool is_dag(uint16_t nr) {
+    char tekst[9];
+    DATUMTEKST(tekst, nr, true);
+    return nr != 0 && DATUMNR(tekst) == nr;
+}
+
+// "2016Z", the letter told by its code where it is none.
+std::string seizoen_tekst(uint16_t jaar, char letter) {
+    char tekst[16];
+    snprintf(tekst, sizeof tekst, isalnum(static_cast<uint8_t>(letter)) ? "%04u%c" : "%04u and byte %02x",
+             unsigned{jaar}, static_cast<uint8_t>(letter));
+    return tekst;
+}
+
 struct controle {
     ordsoort soort;
-    int filialen;
+    const ordomgeving& omgeving;
     ordtelling telling = {};
     std::vector<ordkwaal> kwalen{};
 
@@ -79,6 +99,44 @@ struct controle {
         begin('O');
         if (++telling.orders > 1 && soort == ORD_WERK)
             fout("a second order in a work file");
+        kop(lichaam<ordkop>());
+    }
+    void kop(const ordkop& k) {
+        if (!is_dag(k.orderdatum))
+            fout("order date " + std::to_string(k.orderdatum) + " is no day of the calendar");
+        if (!k.seizoen || !strchr(SEIZOENLETTERS, k.seizoen) || k.jaar > 9999)
+            fout("season " + seizoen_tekst(k.jaar, k.seizoen) + " does not exist");
+        else if (!omgeving.seizoen.empty() && seizoen_map(k.jaar, k.seizoen) != omgeving.seizoen)
+            fout("an order of season " + seizoen_map(k.jaar, k.seizoen) + " in a file of " +
+                 omgeving.seizoen);
+        if (omgeving.leverancier >= 0 && k.leverancier != omgeving.leverancier)
+            fout("an order of supplier " + std::to_string(k.leverancier) + " in a file of supplier " +
+                 std::to_string(omgeving.leverancier));
+        relatie("supplier", k.leverancier);
+        if (k.agent)
+            relatie("agent", k.agent);
+        const auto& nummers = omgeving.filiaalnummers;
+        if (k.ontvangstlocatie && k.ontvangstlocatie != LOCATIE_MAGAZIJN && !nummers.empty() &&
+            std::find(nummers.begin(), nummers.end(), uint8_t{k.ontvangstlocatie}) == nummers.end())
+            fout("receiving location " + std::to_string(k.ontvangstlocatie) +
+                 " is no branch of the firm, nor the warehouse");
+        letters("description", k.omschrijving);
+        letters("collection", k.collectie);
+        letters("currency", k.valuta);
+        letters("supplier's order number", k.lev_ordernr);
+    }
+    void relatie(const char* wat, uint16_t nr) {
+        if (!omgeving.relaties.empty() && !omgeving.relaties[nr])
+            fout(wat + (" " + std::to_string(nr)) + " is not on file");
+    }
+    // A text holds no control bytes in front of its NULs.
+    template <size_t n> void letters(const char* wat, const char (&tekst)[n]) {
+        for (size_t i = 0; i < n && tekst[i]; i++)
+            if (NKLASSE[static_cast<uint8_t>(tekst[i])] & N_CONTROL) {
+                char hex[8];
+                snprintf(hex, sizeof hex, "%02x", static_cast<unsigned>(static_cast<uint8_t>(tekst[i])));
+                return fout(std::string(wat) + " holds byte " + hex + ", which is no letter");
+            }
     }
     void sluit_model() {
         if (model_leeg)
@@ -92,6 +150,7 @@ struct controle {
         telling.modellen++;
         model_leeg = true;
         model_pos = r.offset;
+        letters("model", lichaam<ordmodel>().model);
         if (!telling.orders)
             fout("model before the first order");
     }
@@ -106,7 +165,14 @@ struct controle {
         regel_pos = r.offset;
         prijsmaten.clear();
         termen.clear();
-        memcpy(maten, lichaam<orddessin>().maten, sizeof maten);
+        const auto d = lichaam<orddessin>();
+        memcpy(maten, d.maten, sizeof maten);
+        letters("dessin", d.dessin);
+        letters("material", d.materiaal);
+        letters("description", d.omschrijving);
+        letters("feature", d.kenmerk);
+        const char groep[] = {d.doelgroep};
+        letters("target group", groep);
     }
     void tekst() {
         auto t = lichaam<ordtekst>();
@@ -143,6 +209,11 @@ struct controle {
         in_term = true;
         if (!termen.insert(l.laatste).second)
             fout("two delivery terms with the same last date");
+        for (const uint16_t dag : {uint16_t{l.eerste}, uint16_t{l.laatste}})
+            if (!is_dag(dag))
+                return fout("date " + std::to_string(dag) + " of a delivery term is no day of the calendar");
+        if (l.eerste > l.laatste)
+            fout("a delivery term that ends before it begins");
     }
     void aantal() {
         auto f = lichaam<ordfil>();
@@ -150,7 +221,7 @@ struct controle {
             return fout("quantity outside a delivery term");
         if (f.maat < 1 || f.maat > MATEN)
             fout("quantity of size " + std::to_string(f.maat) + ", which does not exist");
-        if (filialen && f.filiaal >= filialen)
+        if (omgeving.filialen && f.filiaal >= omgeving.filialen)
             fout("quantity of branch index " + std::to_string(f.filiaal) + ", which the firm does not have");
         if (f.aantal <= 0)
             fout("quantity " + std::to_string(f.aantal));
@@ -197,8 +268,8 @@ struct controle {
 
 } // namespace
 
-std::vector<ordkwaal> ord_controle(int fd, ordsoort soort, int filialen, ordtelling* telling) {
-    controle c{soort, filialen};
+std::vector<ordkwaal> ord_controle(int fd, ordsoort soort, const ordomgeving& omgeving, ordtelling* telling) {
+    controle c{soort, omgeving};
     ordloop l;
     ordloop_begin(&l, fd, 0, INT64_MAX);
     loopstand stand;

@@ -1,76 +1,37 @@
 // orddump: order journals and work files as text or JSON lines, one record a line, and the check of their
 // grammar. It opens for reading only and takes no lock, so it disturbs nobody; what a program at work may have
 // half written is not called damage.
-#include "order/ioord.h"
 #include "order/ordcheck.h"
 #include "order/ordloop.h"
 #include "shared/files.h"
-#include "tools/indeling.h"
-#include "tools/paar.h"
+#include "tools/ordjson.h"
+#include "tools/ordplaats.h"
+#include "tools/tool.h"
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <map>
-#include <nlohmann/json.hpp>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 using namespace zg;
-using json = nlohmann::ordered_json;
-
 struct Wens {
     std::vector<std::string> bestanden;
-    bool json = false, check = false;
+    bool json = false, check = false, met_naam = false;
     std::string soort;
     int filialen = 0;
 };
-
-// The unnamed bytes of a record are shown only when they hold something.
-bool leeg(const Veld& v, const uint8_t* lichaam) {
-    return v.naam[0] == '@' &&
-           std::all_of(lichaam + v.begin, lichaam + v.begin + v.lengte, [](uint8_t b) { return b == 0; });
-}
-
-const std::vector<Veld>& velden_van(char tag) {
-    static std::map<char, std::vector<Veld>> bekend;
-    auto& velden = bekend[tag];
-    if (velden.empty()) {
-        IXHEADER kop{};
-        kop.reclen = static_cast<uint16_t>(ord_lengte(tag));
-        velden = indeling(std::string("ORD:") + tag, kop);
-    }
-    return velden;
-}
-
-void als_json(const std::string& pad, const ordrauw& r, bool met_naam) {
-    json j;
-    if (met_naam)
-        j["file"] = pad;
-    j["offset"] = r.offset;
-    j["tag"] = std::string(1, r.tag);
-    for (const Veld& v : velden_van(r.tag)) {
-        if (leeg(v, r.data + 1))
-            continue;
-        std::string waarde = veld_uit(v, r.data + 1);
-        if (v.soort == 'u' || v.soort == 'i')
-            j[v.naam] = strtoll(waarde.c_str(), nullptr, 10);
-        else
-            j[v.naam] = waarde;
-    }
-    puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
-}
 
 // Indented by level; what is 0 or empty is left out, but not the numbers that say which one it is.
 void als_tekst(const ordrauw& r) {
     int diepte = r.tag == 'O' ? 0 : r.tag == 'M' ? 1 : r.tag == 'D' ? 2 : r.tag == 'F' ? 4 : 3;
     printf("%10lld %*s%c", static_cast<long long>(r.offset), 2 * diepte, "", r.tag);
-    for (const Veld& v : velden_van(r.tag)) {
-        std::string waarde = leeg(v, r.data + 1) ? "" : veld_uit(v, r.data + 1);
+    for (const Veld& v : ord_velden(r.tag)) {
+        std::string waarde = ord_leeg(v, r.data + 1) ? "" : veld_uit(v, r.data + 1);
         bool wie = v.naam == "filiaal" || v.naam == "maat" || v.naam == "kleur";
         if (waarde.empty() || (!wie && waarde.find_first_not_of('0') == std::string::npos))
             continue;
@@ -88,7 +49,7 @@ void toon(const Wens& w, const std::string& pad, int fd) {
     ordloop_begin(&l, fd, 0, INT64_MAX);
     while (ordloop_volgende(&l, &r) == LOOP_RECORD) {
         if (w.json)
-            als_json(pad, r, w.bestanden.size() > 1);
+            puts(ord_json(r, w.met_naam ? pad : "").c_str());
         else
             als_tekst(r);
     }
@@ -107,6 +68,31 @@ bool aan_het_werk(int fd, const struct stat& voor) {
            na.st_mtim.tv_nsec != voor.st_mtim.tv_nsec || !IOLOCK('T', fd, 0, 1);
 }
 
+// The files that are meant: of a directory all its journals and work files. False when there is none, told.
+bool bestanden_van(Wens* w) {
+    std::vector<std::string> uit;
+    bool goed = true;
+    for (const std::string& naam : w->bestanden) {
+        if (!IOISDIR(naam.c_str())) {
+            uit.push_back(naam);
+            continue;
+        }
+        const std::vector<std::string> hier = ord_bestanden(naam);
+        uit.insert(uit.end(), hier.begin(), hier.end());
+        if (hier.empty())
+            goed = false, klacht(naam, "no journals in this directory");
+        w->met_naam = true;
+    }
+    w->met_naam |= uit.size() > 1;
+    w->bestanden = std::move(uit);
+    return goed;
+}
+
+struct {
+    int64_t bestanden = 0, orders = 0, regels = 0;
+    size_t kwalen = 0;
+} som;
+
 int een(const Wens& w, const std::string& pad) {
     int fd = open(pad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat voor;
@@ -118,9 +104,17 @@ int een(const Wens& w, const std::string& pad) {
     }
     ordsoort soort = soort_van(w, pad);
     ordtelling telling;
-    if (!w.check)
+    if (!w.check) {
+        if (w.met_naam && !w.json)
+            printf("%s:\n", pad.c_str());
         toon(w, pad, fd);
-    std::vector<ordkwaal> kwalen = ord_controle(fd, soort, w.filialen, &telling);
+    }
+    Ordplaats plaats;
+    ordomgeving omgeving = ord_plaats(pad, &plaats) ? ord_omgeving(plaats) : ordomgeving{};
+    if (w.filialen)
+        omgeving.filialen = w.filialen;
+    std::vector<ordkwaal> kwalen = ord_controle(fd, soort, omgeving, &telling);
+    som.bestanden++, som.orders += telling.orders, som.regels += telling.regels, som.kwalen += kwalen.size();
     int uitkomst = GOED;
     if (!kwalen.empty())
         uitkomst = aan_het_werk(fd, voor) ? IN_GEBRUIK : FOUT_GEVONDEN;
@@ -143,26 +137,34 @@ int een(const Wens& w, const std::string& pad) {
 int main(int argc, char** argv) {
     tool_begin("orddump");
     Wens w;
-    CLI::App app{"print order journals and work files, and check them.\n"
-                 "No lock is taken; a file in use can be read.",
-                 "orddump"};
+    CLI::App app{
+        "print order journals and work files, and check them.\n"
+        "No lock is taken; a file in use can be read. In a data directory orders are held against its\n"
+        "firm: supplier, season, branches.",
+        "orddump"};
     tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
-    app.add_option("FILE", w.bestanden, "journals (.JRN) and work files (.WRK)")->required();
+    app.add_option("FILE", w.bestanden,
+                   "journals (.JRN) and work files (.WRK), or directories for all in them")
+        ->required();
     app.add_flag("-j,--json", w.json, "JSON lines");
     app.add_flag("-c,--check", w.check, "only check, one line a file");
     app.add_option("-k,--kind", w.soort, "journal or work, else by the extension")
         ->check(CLI::IsMember({"journal", "work"}));
-    app.add_option("-b,--branches", w.filialen, "number of branches of the firm, to check branch indexes")
+    app.add_option("-b,--branches", w.filialen,
+                   "number of branches of the firm, when its directory doesn't tell")
         ->check(CLI::Range(1, 250));
     if (int uit; !tool_woorden(app, argc, argv, &uit))
         return uit;
     // The gravest answer counts: a file that can't be opened above one that is wrong above one in use.
-    int uitkomst = GOED;
+    int uitkomst = bestanden_van(&w) ? GOED : NIET_TE_OPENEN;
     const std::array<int, 5> gewicht = {0, 2, 0, 3, 1};
     for (const std::string& pad : w.bestanden) {
         int deze = een(w, pad);
         if (gewicht[static_cast<size_t>(deze)] > gewicht[static_cast<size_t>(uitkomst)])
             uitkomst = deze;
     }
+    if (w.check && w.met_naam)
+        printf("%lld files, %lld orders, %lld lines, %zu wrong\n", static_cast<long long>(som.bestanden),
+               static_cast<long long>(som.orders), static_cast<long long>(som.regels), som.kwalen);
     return tool_einde(uitkomst);
 }

@@ -18,6 +18,7 @@
 #include "term/scherm.h"
 #include "term/tekst.h"
 #include "term/vast.h"
+#include "tools/ordplaats.h"
 #include "tools/paar.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
@@ -50,19 +51,6 @@ constexpr int BREEDTE = 80, BLADRIJEN = 64;
 void laat_job() {
     if (printopdracht.open)
         prt_job_weg();
-}
-
-// DIR/2016Z/ORD0012.JRN: its data directory, season and supplier. False when it isn't called so.
-bool ontleed(const std::string& pad, std::string* map, std::string* seizoen, int* leverancier) {
-    const fs::path p = fs::absolute(pad).lexically_normal();
-    const std::string naam = p.filename().string();
-    int eind = 0;
-    if (sscanf(naam.c_str(), "ORD%5d.JRN%n", leverancier, &eind) != 1 ||
-        static_cast<size_t>(eind) != naam.size() || *leverancier < 1)
-        return false;
-    *seizoen = p.parent_path().filename().string();
-    *map = p.parent_path().parent_path().string();
-    return true;
 }
 
 // The open journal's orders that are meant, each onto the open job; how many, and how many lines couldn't be read.
@@ -219,14 +207,14 @@ int print(ordhandle* jrn) {
 }
 
 int doe() {
-    std::string map;
-    int leverancier = 0;
-    if (!ontleed(wens.journaal, &map, &seizoensmap, &leverancier))
+    Ordplaats plaats;
+    if (!ord_plaats(wens.journaal, &plaats) || plaats.werk || !plaats.leverancier)
         return klacht(wens.journaal, "not called SEASON/ORDnnnn.JRN"), FOUT_GEBRUIKT;
     if (!wens.uit.empty())
         wens.uit = fs::absolute(wens.uit).string();
-    if (chdir(map.c_str()) != 0 || access("DTSYS.TXT", R_OK) != 0)
-        return klacht(map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
+    seizoensmap = plaats.seizoen;
+    if (chdir(plaats.map.c_str()) != 0 || access("DTSYS.TXT", R_OK) != 0)
+        return klacht(plaats.map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
     CATOPEN();
     alleen_lezen();
     int32_t nr = 0;
@@ -234,9 +222,9 @@ int doe() {
     sys_lees();
     iofil('O', 0, nullptr);
     registermodus = register_aanwezig();
-    gekozen_leverancier = static_cast<uint16_t>(leverancier);
+    gekozen_leverancier = static_cast<uint16_t>(plaats.leverancier);
     bestanden_open(true);
-    werk = ord_open_jrn(seizoensmap.c_str(), leverancier, O_RDONLY);
+    werk = ord_open_jrn(seizoensmap.c_str(), plaats.leverancier, O_RDONLY);
     if (!werk)
         return klacht(wens.journaal, strerror(errno)), NIET_TE_OPENEN;
     const int uitkomst = print(werk);

@@ -277,6 +277,14 @@ TEST(Orddump, vindt_wat_niet_kan) {
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {}}, {0, 2, {}}}}), "same last date"},
         {goed, "of its five pieces", "-k work"},
 
+        {bytes(Order{0, "", "", {}}), "order date 0 is no day"},
+        {bytes(Order{65500, "", "", {}}), "order date 65500 is no day"},
+        {std::string(o).replace(24, 1, "Q"), "season 2016Q does not exist"},
+        {std::string(o).replace(24, 1, "W"), "season 2016W in a file of 2016Z"},
+        {std::string(o).replace(1, 1, "\x0D"), "supplier 13 in a file of supplier 12"},
+        {std::string(o).replace(9, 1, "\x01"), "description holds byte 01"},
+        {o + m + lijn(Regel{1, "", {}, {{42500, 65500, {}}}}), "date 65500 of a delivery term"},
+        {o + m + lijn(Regel{1, "", {}, {{42501, 42500, {}}}}), "ends before it begins"},
     };
     for (const auto& rij : rijen) {
         zet("JRN", rij.b);
@@ -289,7 +297,7 @@ TEST(Orddump, vindt_wat_niet_kan) {
     EXPECT_EQ(dump("").status, 2);
     EXPECT_EQ(dump("-b x " + pad("JRN")).status, 2);
     EXPECT_EQ(dump("weg.JRN").status, 3);
-    EXPECT_EQ(dump("2016Z").status, 3);
+    EXPECT_EQ(dump("/dev/null").status, 3);
 }
 
 } // namespace
