@@ -1,6 +1,8 @@
 #include "tools/dump.h"
 #include "term/natl.h"
 #include "term/vast.h"
+#include "tools/jsonregel.h"
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -10,22 +12,6 @@ namespace zg {
 namespace {
 
 using json = nlohmann::json;
-
-void csv_bij(std::string& regel, std::string_view cel) {
-    if (!regel.empty())
-        regel += ',';
-    if (cel.find_first_of(",\"\r\n #") == std::string_view::npos && !(regel.empty() && cel.empty())) {
-        regel += cel;
-        return;
-    }
-    regel += '"';
-    for (char c : cel) {
-        if (c == '"')
-            regel += '"';
-        regel += c;
-    }
-    regel += '"';
-}
 
 // A value that holds no control bytes (they are pictures by now), as a JSON string.
 void json_bij(std::string& regel, std::string_view tekst) {
@@ -56,33 +42,61 @@ Dumpkop dumpkop(const IXHEADER& kop, std::string_view naam) {
     return d;
 }
 
-void DumpSchrijver::kop(const Dumpkop& kop, const std::vector<Veld>& velden) {
+// One more value of a CSV line.
+void DumpSchrijver::cel(std::string_view tekst) {
+    if (!regel_.empty())
+        regel_ += scheiding_;
+    const bool kaal = tekst.find_first_of("\"\r\n #") == std::string_view::npos &&
+                      tekst.find(scheiding_) == std::string_view::npos && !(regel_.empty() && tekst.empty());
+    if (kaal) {
+        regel_ += tekst;
+        return;
+    }
+    regel_ += '"';
+    for (char c : tekst) {
+        if (c == '"')
+            regel_ += '"';
+        regel_ += c;
+    }
+    regel_ += '"';
+}
+
+void DumpSchrijver::kop(const Dumpkop& kop, const std::vector<Veld>& velden, bool kaal) {
     velden_ = velden;
+    kaal_ = kaal;
     regel_.clear();
-    if (json_) {
+    if (json_ && !kaal) {
         json j = {{"ixdump", 1},          {"name", kop.naam},         {"title", kop.titel},
                   {"reclen", kop.reclen}, {"freehead", kop.freehead}, {"keys", kop.sleutels}};
         regel_ = j.dump(-1, ' ', false, json::error_handler_t::replace) + "\n";
-    } else {
-        regel_ = "#ixdump";
-        for (const std::string& cel : {std::string("1"), kop.naam, kop.titel, std::to_string(kop.reclen),
-                                       std::to_string(kop.freehead)})
-            csv_bij(regel_, cel);
-        for (const std::string& s : kop.sleutels)
-            csv_bij(regel_, s);
-        regel_ += "\nnr,vrij";
+    } else if (!json_) {
+        std::string definitie;
+        if (!kaal) {
+            regel_ = "#ixdump";
+            for (const std::string& c : {std::string("1"), kop.naam, kop.titel, std::to_string(kop.reclen),
+                                         std::to_string(kop.freehead)})
+                cel(c);
+            for (const std::string& s : kop.sleutels)
+                cel(s);
+            definitie = regel_ + "\n";
+        }
+        regel_ = "nr";
+        if (!kaal)
+            cel("vrij");
         for (const Veld& v : velden)
-            csv_bij(regel_, v.naam);
-        regel_ += "\n";
+            cel(v.naam);
+        regel_ = definitie + regel_ + "\n";
     }
     fwrite(regel_.data(), 1, regel_.size(), uit_);
 }
 
 void DumpSchrijver::record(int32_t nr, const uint8_t* rec) {
-    regel_ = json_ ? "{\"nr\":" + std::to_string(nr) : std::to_string(nr) + ",";
+    regel_ = (json_ ? "{\"nr\":" : "") + std::to_string(nr);
+    if (!json_ && !kaal_)
+        cel("");
     for (const Veld& v : velden_) {
         if (!json_) {
-            csv_bij(regel_, veld_uit(v, rec));
+            cel(veld_uit(v, rec));
             continue;
         }
         regel_ += ",\"" + v.naam + "\":";
@@ -99,7 +113,8 @@ void DumpSchrijver::vrij(int32_t nr, int32_t volgende) {
     if (json_)
         fprintf(uit_, "{\"nr\":%d,\"vrij\":%d}\n", nr, volgende);
     else
-        fprintf(uit_, "%d,%d%s\n", nr, volgende, std::string(velden_.size(), ',').c_str());
+        fprintf(uit_, "%d%c%d%s\n", nr, scheiding_, volgende,
+                std::string(velden_.size(), scheiding_).c_str());
 }
 
 bool DumpLezer::mislukt(const std::string& wat) {
@@ -148,12 +163,12 @@ bool DumpLezer::csv(std::vector<std::string>* cellen) {
             if (i < tekst_.size() && tekst_[i] == '"')
                 i++;
         } else {
-            while (i < tekst_.size() && tekst_[i] != ',')
+            while (i < tekst_.size() && tekst_[i] != scheiding_)
                 cel += tekst_[i++];
         }
         if (i >= tekst_.size())
             return true;
-        if (tekst_[i] != ',')
+        if (tekst_[i] != scheiding_)
             return mislukt("text behind a closing quote");
         i++;
     }
@@ -182,9 +197,12 @@ bool DumpLezer::kop(Dumpkop* kop, bool* gevonden) {
         return *gevonden = true;
     }
     std::vector<std::string> cellen;
+    constexpr std::string_view BEGIN = "#ixdump";
+    if (tekst_.starts_with(BEGIN) && tekst_.size() > BEGIN.size())
+        scheiding_ = tekst_[BEGIN.size()];
     if (!csv(&cellen))
         return false;
-    if (cellen[0] == "#ixdump") {
+    if (cellen[0] == BEGIN) {
         if (cellen.size() < 7 || !getal(cellen[4], &kop->reclen) || !getal(cellen[5], &kop->freehead))
             return mislukt("the head line needs version, name, title, record length, free head and a key");
         kop->naam = cellen[2], kop->titel = cellen[3];
@@ -206,7 +224,10 @@ bool DumpLezer::indeling(std::vector<Veld> velden, int reclen) {
             if (velden_[i].naam == kolom)
                 plaats = static_cast<int>(i);
         if (plaats == -3)
-            return mislukt("no such field: " + kolom);
+            return mislukt("no such field: " + kolom +
+                           (kolom.find_first_of(";\t|") == std::string::npos ? "" : " (--delimiter?)"));
+        if (std::ranges::find(plaats_, plaats) != plaats_.end())
+            return mislukt("two columns are called " + kolom);
         plaats_.push_back(plaats);
     }
     return true;
@@ -236,27 +257,20 @@ bool DumpLezer::rij_csv(Dumprij* rij) {
 }
 
 bool DumpLezer::rij_json(Dumprij* rij) {
-    json j = json::parse(tekst_, nullptr, false);
-    if (!j.is_object())
-        return mislukt("not a JSON object");
-    for (const auto& [naam, waarde] : j.items()) {
-        std::string tekst = waarde.is_string()           ? waarde.get<std::string>()
-                            : waarde.is_number_integer() ? waarde.dump()
-                                                         : "?";
+    Jsonvelden velden;
+    if (const std::string fout = json_regel(tekst_, &velden); !fout.empty())
+        return mislukt(fout);
+    for (const auto& [naam, waarde] : velden) {
         if (naam == "nr" || naam == "vrij") {
-            if (!getal(tekst, naam == "nr" ? &rij->nr : &rij->volgende))
+            if (!getal(waarde, naam == "nr" ? &rij->nr : &rij->volgende))
                 return mislukt(naam + ": not a number");
             rij->vrij |= naam == "vrij";
             continue;
         }
-        const Veld* veld = nullptr;
-        for (const Veld& v : velden_)
-            if (v.naam == naam)
-                veld = &v;
-        if (!veld)
+        const auto veld = std::ranges::find(velden_, naam, &Veld::naam);
+        if (veld == velden_.end())
             return mislukt("no such field: " + naam);
-        std::string fout = veld_in(*veld, tekst, rij->rec);
-        if (!fout.empty())
+        if (const std::string fout = veld_in(*veld, waarde, rij->rec); !fout.empty())
             return mislukt(fout);
     }
     return true;

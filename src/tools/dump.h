@@ -5,7 +5,7 @@
 //       nr,vrij,field,...                                           {"nr":0,"field":value,...}
 //       0,,value,...                                                {"nr":1,"vrij":-1}
 // A reader takes CSV without the head line too (from a spreadsheet), and then without nr and vrij: the slots
-// count up by themselves.
+// count up by themselves. CSV may have another delimiter than the comma, which a head line tells by itself.
 #pragma once
 #include "tools/indeling.h"
 #include <cstdint>
@@ -26,15 +26,18 @@ Dumpkop dumpkop(const IXHEADER& kop, std::string_view naam);
 
 class DumpSchrijver {
 public:
-    DumpSchrijver(FILE* uit, bool json) : uit_(uit), json_(json) {}
-    void kop(const Dumpkop& kop, const std::vector<Veld>& velden);
+    DumpSchrijver(FILE* uit, bool json, char scheiding) : uit_(uit), json_(json), scheiding_(scheiding) {}
+    // `kaal`: without the definition, and without the column of links; no free slots may follow.
+    void kop(const Dumpkop& kop, const std::vector<Veld>& velden, bool kaal);
     void record(int32_t nr, const uint8_t* rec);
     void vrij(int32_t nr, int32_t volgende);
     bool goed() const { return ferror(uit_) == 0; }
 
 private:
+    void cel(std::string_view tekst);
     FILE* uit_;
-    bool json_;
+    bool json_, kaal_ = false;
+    char scheiding_;
     std::vector<Veld> velden_;
     std::string regel_;
 };
@@ -48,7 +51,8 @@ struct Dumprij {
 
 class DumpLezer {
 public:
-    explicit DumpLezer(FILE* in) : in_(in) {}
+    // `scheiding`: of CSV without a head line.
+    explicit DumpLezer(FILE* in, char scheiding = ',') : in_(in), scheiding_(scheiding) {}
     // Read up to the first record. With a head line *kop is filled; without one it stays and the caller must
     // know the layout. False with fout() on a text that is no dump.
     bool kop(Dumpkop* kop, bool* gevonden);
@@ -57,6 +61,7 @@ public:
     // Next row, false at the end or on an error (then fout() isn't empty).
     bool rij(Dumprij* rij);
     const std::string& fout() const { return fout_; }
+    int64_t regelnummer() const { return regelnr_; } // of the last row
 
 private:
     bool regel();
@@ -65,6 +70,7 @@ private:
     bool rij_csv(Dumprij* rij);
     bool rij_json(Dumprij* rij);
     FILE* in_;
+    char scheiding_;
     bool json_ = false, wachtend_ = false;
     int64_t regelnr_ = 0;
     int32_t volgnr_ = 0;

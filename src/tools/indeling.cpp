@@ -140,6 +140,14 @@ std::string tabelnaam(std::string_view pad) {
     return std::string(pad.substr(pad.rfind('/') + 1));
 }
 
+std::vector<std::string> bekende_tabellen() {
+    std::vector<std::string> uit;
+    for (const Rij& rij : RIJEN)
+        if (rij.tabel && !strchr(rij.tabel, ':')) // records of journals are no table
+            uit.emplace_back(rij.tabel);
+    return uit;
+}
+
 std::vector<Veld> indeling(std::string_view tabel, const IXHEADER& kop) {
     std::vector<Veld> velden = bekend(tabel), alle;
     std::erase_if(velden, [&](const Veld& v) { return v.begin + v.lengte > kop.reclen; });

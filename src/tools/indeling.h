@@ -17,6 +17,8 @@ struct Veld {
 
 // The fields of a table's records, ascending and without a gap, by the table's name or else its header.
 std::vector<Veld> indeling(std::string_view tabel, const IXHEADER& kop);
+// Names of the tables whose layout is known, in their order.
+std::vector<std::string> bekende_tabellen();
 // Name of a table from a path: the part behind the last '/'.
 std::string tabelnaam(std::string_view pad);
 

@@ -3,6 +3,7 @@
 #include "shared/woordenboek.h"
 #include "tools/dump.h"
 #include "tools/opdracht.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
@@ -14,11 +15,46 @@ namespace {
 
 constexpr int STUK = 1 << 18;
 
-int schrijf(const Opdracht& o, Paar& paar, FILE* uit) {
-    Dumpkop kop = dumpkop(paar.kop, tabelnaam(paar.naam));
+// A field and the bytes that it must have; a text's padding counts for nothing.
+struct Voorwaarde {
+    Veld veld;
+    std::string bytes;
+};
+
+std::string inhoud_van(const Veld& veld, const uint8_t* rec) {
+    std::string uit(reinterpret_cast<const char*>(rec) + veld.begin, static_cast<size_t>(veld.lengte));
+    while (veld.soort == 'c' && !uit.empty() && (uit.back() == ' ' || uit.back() == 0))
+        uit.pop_back();
+    return uit;
+}
+
+// "FIELD=VALUE" in the layout of the records. Empty when *uit holds it, else what is wrong with it.
+std::string voorwaarde(const std::string& tekst, const std::vector<Veld>& velden, Voorwaarde* uit) {
+    const size_t is = tekst.find('=');
+    if (is == std::string::npos)
+        return "not FIELD=VALUE: " + tekst;
+    const auto v = std::ranges::find(velden, tekst.substr(0, is), &Veld::naam);
+    std::string namen;
+    for (const Veld& veld : velden)
+        namen += " " + veld.naam;
+    if (v == velden.end())
+        return "no such field: " + tekst.substr(0, is) + "; there are" + namen;
+    uint8_t rec[IXRECMAX] = {};
+    uit->veld = *v;
+    const std::string fout = veld_in(*v, std::string_view(tekst).substr(is + 1), rec);
+    uit->bytes = inhoud_van(*v, rec);
+    return fout;
+}
+
+int schrijf(const Opdracht& o, const std::vector<Veld>& velden, const std::vector<Voorwaarde>& eisen,
+            Paar& paar, FILE* uit) {
+    Dumpkop kop = dumpkop(paar.kop, o.tabel.empty() ? tabelnaam(paar.naam) : o.tabel);
     const int reclen = paar.kop.reclen;
-    DumpSchrijver dump(uit, o.json);
-    dump.kop(kop, indeling(kop.naam, paar.kop));
+    const bool vrije = !o.kaal && eisen.empty();
+    if (!vrije)
+        kop.freehead = -1;
+    DumpSchrijver dump(uit, o.json, o.scheiding);
+    dump.kop(kop, velden, o.kaal);
     std::vector<uint8_t> stuk(static_cast<size_t>(STUK / reclen * reclen));
     const int64_t nrecs = paar.datbytes / reclen;
     Balk balk("dump " + kop.naam, nrecs);
@@ -35,8 +71,10 @@ int schrijf(const Opdracht& o, Paar& paar, FILE* uit) {
              rec += reclen, nr++) {
             int32_t volgende = -1;
             if (IXRECLIVE(rec, reclen)) {
-                dump.record(static_cast<int32_t>(nr), rec);
-            } else {
+                if (std::ranges::all_of(
+                        eisen, [&](const Voorwaarde& e) { return inhoud_van(e.veld, rec) == e.bytes; }))
+                    dump.record(static_cast<int32_t>(nr), rec);
+            } else if (vrije) {
                 memcpy(&volgende, rec + 1, static_cast<size_t>(std::min(4, reclen - 1)));
                 dump.vrij(static_cast<int32_t>(nr), volgende);
             }
@@ -63,12 +101,17 @@ int ixdump(const Opdracht& o) {
     if (int fout = paar_neem(naam, o.wacht, &paar))
         return fout;
     std::string kwaal = paar_kop(&paar);
-    if (o.woordenboek && !woordenboekkop(paar.naam, paar.datbytes, &paar.kop))
+    if (o.woordenboek && !woordenboekkop(o.tabel.empty() ? paar.naam : o.tabel, paar.datbytes, &paar.kop))
         return klacht(paar.naam, "not in the dictionary"), FOUT_GEBRUIKT;
     if (!o.woordenboek && !kwaal.empty())
         return klacht(paar.naam, kwaal), FOUT_GEVONDEN;
     if (!o.heel)
         paar_los(&paar);
+    const std::vector<Veld> velden = indeling(o.tabel.empty() ? tabelnaam(paar.naam) : o.tabel, paar.kop);
+    std::vector<Voorwaarde> eisen(o.waarden.size());
+    for (size_t i = 0; i < eisen.size(); i++)
+        if (kwaal = voorwaarde(o.waarden[i], velden, &eisen[i]); !kwaal.empty())
+            return klacht("--where", kwaal), FOUT_GEBRUIKT;
     struct stat s, hier;
     if (stat(o.bestand.c_str(), &s) == 0)
         for (int fd : {paar.idx, paar.dat})
@@ -77,7 +120,7 @@ int ixdump(const Opdracht& o) {
     FILE* uit = o.bestand.empty() ? stdout : fopen(o.bestand.c_str(), "we");
     if (!uit)
         return klacht(o.bestand, strerror(errno)), NIET_TE_OPENEN;
-    int uitkomst = schrijf(o, paar, uit);
+    int uitkomst = schrijf(o, velden, eisen, paar, uit);
     if (uit != stdout && fclose(uit) != 0 && uitkomst == GOED)
         return klacht(o.bestand, strerror(errno)), FOUT_GEVONDEN;
     return uitkomst;

@@ -4,12 +4,15 @@
 #include "shared/files.h"
 #include "shared/woordenboek.h"
 #include "store/diepcheck.h"
+#include "store/node.h"
 #include "store/rebuild.h"
+#include "store/spoel.h"
 #include "term/natl.h"
 #include "tools/dump.h"
 #include "tools/opdracht.h"
 #include "tools/schrijver.h"
 #include "tools/werkmap.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -34,9 +37,10 @@ std::string definitie(const Opdracht& o, const std::string& naam, const Dumpkop&
                       ICB* icb) {
     if (o.woordenboek || !uit_dump) {
         IXHEADER kop;
-        if (!woordenboekkop(naam, -1, &kop))
+        if (!woordenboekkop(o.tabel.empty() ? naam : o.tabel, -1, &kop))
             return uit_dump ? "not in the dictionary"
                             : "the dump has no head line and the pair isn't in the dictionary";
+        memcpy(kop.name, icb->h.name, sizeof kop.name);
         icb->h = kop;
         return {};
     }
@@ -54,18 +58,22 @@ std::string definitie(const Opdracht& o, const std::string& naam, const Dumpkop&
     return {};
 }
 
-// Write the records of the dump as the data file; the links of its free slots go to `zij`.
-bool laad(DumpLezer& lezer, int reclen, FILE* in, Schrijver& uit, Schrijver& zij, Balk& balk, Lading* l) {
+// Write the records of the dump as the data file; the links of its free slots go to `zij`, for each slot its line to
+// `regels`.
+bool laad(DumpLezer& lezer, int reclen, FILE* in, Schrijver& uit, Schrijver& zij, Spoel& regels, Balk& balk,
+          Lading* l) {
     constexpr int PER_STAP = 256; // rows
     Dumprij rij;
+    const int64_t geen = 0;
     uint8_t vrij[IXRECMAX];
     memset(vrij, 0xFF, sizeof vrij);
     int32_t nr = 0;
     for (; lezer.rij(&rij); nr = rij.nr + 1) {
         for (; nr < rij.nr; nr++, l->vrij++, l->gaten = true)
-            if (!uit.zet(vrij, static_cast<size_t>(reclen)))
+            if (!uit.zet(vrij, static_cast<size_t>(reclen)) || !regels.schrijf(&geen, sizeof geen))
                 return false;
-        if (!uit.zet(rij.rec, static_cast<size_t>(reclen)))
+        const int64_t regel = lezer.regelnummer();
+        if (!uit.zet(rij.rec, static_cast<size_t>(reclen)) || !regels.schrijf(&regel, sizeof regel))
             return false;
         if (rij.vrij) {
             Schakel s{rij.nr, rij.volgende};
@@ -94,6 +102,75 @@ bool zet_keten(const std::string& naam, int zij, int32_t freehead) {
                 return false;
         p += n;
     }
+}
+
+// Neighbours in the new index with one value of key 1, which must have each value once: their lines and the value, as
+// many as are worth reading. False when the index can't be read.
+class Dubbelen {
+public:
+    Dubbelen(const Paar& paar, const std::vector<Veld>& velden, Spoel& regels)
+        : paar_(paar), def_(paar.kop.keydef[0]), velden_(velden), regels_(regels) {}
+    bool zoek() { return knoop(1, KNOOPNIVEAUS); }
+    std::vector<std::string> gevonden;
+
+private:
+    static constexpr size_t GENOEG = 20;
+
+    bool knoop(int32_t blok, int hoogst) {
+        IXKNOOP k;
+        if (IXBLOKLEES(paar_.idx, blok, &k, sizeof k) != IXBLOK || k.level < 1 || k.level > hoogst ||
+            k.count >= def_.maxent)
+            return false;
+        for (int i = 0; i < k.count && gevonden.size() < GENOEG; i++) {
+            const uint8_t* e = k.entries + i * (def_.keylen + 4);
+            const int32_t wijst = LEES32(e + def_.keylen);
+            if (k.level > 1) {
+                if (!knoop(wijst, k.level - 1))
+                    return false;
+                continue;
+            }
+            if (wijst >= 0 && vorige_ >= 0 && IXVERGELIJK(def_, sleutel_, e, def_.keylen) == 0)
+                meld(std::min(wijst, vorige_), std::max(wijst, vorige_));
+            memcpy(sleutel_, e, def_.keylen);
+            vorige_ = wijst;
+        }
+        return true;
+    }
+    int64_t regel(int32_t nr) const {
+        int64_t uit = 0;
+        regels_.lees(nr * int64_t{sizeof uit}, &uit, sizeof uit);
+        return uit;
+    }
+    void meld(int32_t eerste, int32_t tweede) {
+        uint8_t rec[IXRECMAX] = {};
+        SYSLEES(paar_.dat, rec, static_cast<size_t>(paar_.kop.reclen), int64_t{tweede} * paar_.kop.reclen);
+        std::string waarde;
+        for (int d = 0; d < IXDELEN && def_.ptype[d]; d++)
+            for (const Veld& v : velden_)
+                if (v.begin + 1 >= def_.pstart[d] && v.begin + v.lengte <= def_.pend[d])
+                    waarde += " " + v.naam + "=" + veld_uit(v, rec);
+        gevonden.push_back("line " + std::to_string(regel(tweede)) + ": line " +
+                           std::to_string(regel(eerste)) + " has the same" +
+                           (waarde.empty() ? " key 1" : waarde));
+    }
+
+    const Paar& paar_;
+    const IXKEYDEF& def_;
+    const std::vector<Veld>& velden_;
+    Spoel& regels_;
+    uint8_t sleutel_[IXSLEUTELMAX + 4];
+    int32_t vorige_ = -1;
+};
+
+std::vector<std::string> dubbele_regels(const std::string& werk, const std::vector<Veld>& velden,
+                                        Spoel& regels) {
+    Paar paar;
+    if (paar_open(werk, &paar) != GOED || !paar_kop(&paar).empty())
+        return {"the new pair can't be read"};
+    Dubbelen d(paar, velden, regels);
+    if (!d.zoek())
+        return {"the new index can't be read"};
+    return d.gevonden;
 }
 
 bool herbouw(const std::string& werk, const std::string& naam) {
@@ -125,11 +202,12 @@ int ixload(const Opdracht& o) {
         return klacht(o.bestand, strerror(errno)), NIET_TE_OPENEN;
     std::unique_ptr<FILE, int (*)(FILE*)> sluit(in, fclose);
 
-    DumpLezer lezer(in);
+    const std::string bron = o.bestand.empty() ? "standard input" : o.bestand;
+    DumpLezer lezer(in, o.scheiding);
     Dumpkop dump;
     bool uit_dump;
     if (!lezer.kop(&dump, &uit_dump))
-        return klacht(o.bestand, lezer.fout()), FOUT_GEVONDEN;
+        return klacht(bron, lezer.fout()), FOUT_GEVONDEN;
     Werkmap map(doel);
     if (!map.goed())
         return klacht(map.pad(), strerror(errno)), NIET_TE_OPENEN;
@@ -141,25 +219,29 @@ int ixload(const Opdracht& o) {
     if (kwaal.empty())
         IXINITIX(icb);
     IXCLOSE(icb);
-    if (kwaal.empty() &&
-        !lezer.indeling(indeling(uit_dump ? dump.naam : naam, kop), kop.reclen)) // as it was dumped
+    // As it was dumped, unless the user knows better.
+    const std::vector<Veld> velden = indeling(!o.tabel.empty() ? o.tabel : uit_dump ? dump.naam : naam, kop);
+    if (kwaal.empty() && !lezer.indeling(velden, kop.reclen))
         kwaal = lezer.fout();
     if (!kwaal.empty())
         return klacht(doel, kwaal), FOUT_GEVONDEN;
 
     Lading l;
     Schrijver zij(map.pad() + "/keten");
+    Spoel regels(werk); // the line of each slot
     {
         Schrijver uit(werk + ".TXT");
         Balk balk("load " + naam, o.bestand.empty() ? 0 : IOSIZE(o.bestand.c_str()));
-        if (!laad(lezer, kop.reclen, in, uit, zij, balk, &l))
+        if (!laad(lezer, kop.reclen, in, uit, zij, regels, balk, &l))
             return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
     }
     if (!lezer.fout().empty())
-        return klacht(o.bestand.empty() ? "standard input" : o.bestand, lezer.fout()), FOUT_GEVONDEN;
+        return klacht(bron, lezer.fout()), FOUT_GEVONDEN;
 
     if (!herbouw(werk, naam))
         return klacht(doel, "the index can't be built"), FOUT_GEVONDEN;
+    if (int fout = meld(bron, dubbele_regels(werk, velden, regels)))
+        return fout;
     // A chain that the dump tells only in part, or wrongly, is left as the rebuild made it.
     if (uit_dump && l.vrij > 0 && !l.gaten) {
         if (!zet_keten(werk, zij.fd(), dump.freehead))

@@ -7,7 +7,9 @@
 #include "tools/werkmap.h"
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <csignal>
+#include <cstring>
 #include <unistd.h>
 #include <utility>
 
@@ -31,11 +33,12 @@ const Tool TOOLS[] = {
      ixremake, "ndltfqw"},
     {"ixstat", "show definitions, counts, tree depths and fill of pairs", "", ixstat, "njw"},
     {"ixdump", "write a pair as CSV or JSON lines, in UTF-8",
-     "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump, "1djoHw"},
+     "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump,
+     "1djDNAWoHw"},
     {"ixload", "make a pair from a dump",
      "Without a head line in the dump the definition comes from the dictionary (--dictionary), by the pair's "
      "name.",
-     ixload, "1dirCw"},
+     ixload, "1dFDirCw"},
     {"ixcopy", "copy a pair, also while it is in use", "The copy is whole: writers wait meanwhile.", ixcopy,
      "2rCw"},
     {"ixsh", "work on a pair by one operation a line",
@@ -57,6 +60,25 @@ const Tool* kies(int* argc, char*** argv) {
     --*argc;
     return met_naam(*++*argv);
 }
+
+const CLI::Validator SCHEIDING(
+    [](const std::string& s) -> std::string {
+        const bool een = s.size() == 1 &&
+                         (s == "\t" || (ispunct(static_cast<unsigned char>(s[0])) && !strchr("\"#-", s[0])));
+        return een || s == "tab" || s == "\\t" ? "" : "one punctuation mark, not one of \"#-, or 'tab'";
+    },
+    "CHAR");
+const CLI::Validator TABEL(
+    [](const std::string& s) -> std::string {
+        std::string bekend;
+        for (const std::string& naam : bekende_tabellen()) {
+            if (naam == s)
+                return "";
+            bekend += " " + naam;
+        }
+        return "no such table: " + s + "; there are" + bekend;
+    },
+    "TABLE");
 
 // One option or argument by its letter in the table of tools; `een`: a single PAIR.
 void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
@@ -84,6 +106,29 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
         break;
     case 'j':
         app.add_flag("-j,--json", o.json, "JSON lines");
+        break;
+    case 'D':
+        app.add_option_function<std::string>(
+               "-D,--delimiter",
+               [&o](const std::string& s) { o.scheiding = s == "tab" || s == "\\t" ? '\t' : s[0]; },
+               "character between the values of CSV, or 'tab'")
+            ->check(SCHEIDING);
+        break;
+    case 'N':
+        app.add_flag("-N,--no-head", o.kaal, "without the definition, free slots and their links");
+        break;
+    case 'A':
+        app.add_option("-a,--as", o.tabel, "show the records with the fields of this table")->check(TABEL);
+        break;
+    case 'F':
+        app.add_option("-f,--fields", o.tabel,
+                       "the fields, and without a head line the definition, are those of this table")
+            ->check(TABEL);
+        break;
+    case 'W':
+        app.add_option("-W,--where", o.waarden,
+                       "FIELD=VALUE: only records with this value; all when repeated")
+            ->allow_extra_args(false);
         break;
     case 't':
         app.add_flag("-t,--truncate", o.kap,

@@ -15,12 +15,16 @@ struct Opdracht {
     bool vervang = false;           // an existing target may go
     bool heel = false;              // hold the header lock all the time
     bool zonder_check = false;
-    bool kap = false;    // half a record at the end of a data file may go to a file of its own
-    bool dwing = false;  // clear reserved keys although users are at work
-    int wacht = 10;      // seconds for a lock
-    int reclen = 0;      // bytes a record of an index made anew, 0 when that needs no saying
-    std::string bestand; // input or output, empty for the standard stream
-    std::string doel;    // target of a load or copy
+    bool kap = false;                 // half a record at the end of a data file may go to a file of its own
+    bool dwing = false;               // clear reserved keys although users are at work
+    int wacht = 10;                   // seconds for a lock
+    int reclen = 0;                   // bytes a record of an index made anew, 0 when that needs no saying
+    std::string bestand;              // input or output, empty for the standard stream
+    std::string doel;                 // target of a load or copy
+    std::string tabel;                // whose fields the records have, empty for those of the pair's name
+    std::vector<std::string> waarden; // FIELD=VALUE: only records that have all of them
+    bool kaal = false;                // without the head line
+    char scheiding = ',';             // of CSV
 };
 
 int ixcheck(const Opdracht& o);

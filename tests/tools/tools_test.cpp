@@ -99,6 +99,10 @@ TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
          "whole numbers", 1},
 
         {"{merk\n", "not a JSON object", 1},
+        {"{\"merk\":5,\"merk\":6}\n", "line 1: merk stands in it twice", 1},
+        {"merk,naam,merk\n", "two columns are called merk", 1},
+        {"merk;naam\n", "(--delimiter?)", 1},
+        {"merk,naam\n5,A\n\n6,B\n5,C\n", "line 5: line 2 has the same merk=5", 1},
         {"", "nothing to load", 1},
         {"#ixdump,1,DTMERK,t,76,-1,\"k,C,9,3\"\nnr\n", "Sleutel 1 is onjuist", 1, ""}, // the store's own stop
     };
@@ -117,6 +121,42 @@ TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
             EXPECT_EQ(sh("ixload -d -i in DTMERK").status, 2) << "an existing pair is kept";
         }
         IXREMOVE("DTMERK");
+    }
+}
+
+TEST_F(Tools, DumpOnlyWhatIsAskedFor) {
+    schrijf_bestand("in", "merk|naam|zoeknaam\n1|Een|A\n2|\"Twee, 2;\"|A\n3|Drie|B\n");
+    schrijf_bestand("weg", "open DTMERK 2\nread merk=1\ndelete\n");
+    Uit u = sh("ixload -D '|' -i in -f DTMERK OUD && ixload -D '|' -d -i in DTMERK && ixsh <weg");
+    ASSERT_EQ(u.status, 0) << u.tekst;
+    const struct {
+        const char *opdracht, *antwoord;
+    } gevallen[] = {
+        {"ixdump -N DTMERK | cut -d, -f-4", "nr,merk,naam,zoeknaam\n1,2,\"Twee, 2;\"\n2,3,Drie,B\n"},
+        {"ixdump -N -D ';' -W zoeknaam=A OUD -a DTMERK | cut -d';' -f-3",
+         "nr;merk;naam\n0;1;Een\n1;2;\"Twee, 2\n"},
+        {"ixdump -N -D tab DTMERK -W merk=3 -W naam=Drie | cut -f-3", "nr\tmerk\tnaam\n2\t3\tDrie\n"},
+        {"ixdump -N -W merk=3 -W naam=Een DTMERK | wc -l", "1\n"},
+        {"ixdump -jN -W merk=3 DTMERK | cut -d, -f-3", "{\"nr\":2,\"merk\":3,\"naam\":\"Drie\"\n"},
+        {"ixdump DTMERK -W merk=3 | grep -c '^0\\|^1'", "0\n"}, // no free slot, no other
+        {"ixdump -W merk=x DTMERK", "ixdump: --where: merk: not a number\n"},
+        {"ixdump -W merk DTMERK", "ixdump: --where: not FIELD=VALUE: merk\n"},
+        {"ixdump -W merkje=1 DTMERK", "ixdump: --where: no such field: merkje; there are merk naam"},
+        {"ixdump -a MERK OUD", "--as: no such table: MERK; there are DTART DTMERK"},
+        {"ixdump -D '\"' OUD", "--delimiter: one punctuation mark"},
+    };
+    for (const auto& [opdracht, antwoord] : gevallen) {
+        u = sh(opdracht);
+        EXPECT_TRUE(strchr(antwoord, '\n') ? u.tekst == antwoord : u.tekst.starts_with(antwoord)) << u.tekst;
+    }
+    EXPECT_EQ(sh("ixdump -W merk=x DTMERK").status, 2);
+    // Each comes back: by the head line its delimiter and layout, without one as the user says.
+    for (const char* weg : {"ixdump -D ';' DTMERK | ixload -r W", "ixdump -D tab DTMERK | ixload -r W",
+                            "ixdump -N -D ';' DTMERK | ixload -r -D ';' -f DTMERK W",
+                            "ixdump -jN DTMERK | ixload -r -f DTMERK W"}) {
+        u = sh(std::string(weg) +
+               " && ixdump -a DTMERK W >w; ixdump DTMERK | tail -n +2 >v; tail -n +2 w | cmp - v");
+        EXPECT_EQ(u.status, 0) << weg << u.tekst;
     }
 }
 
