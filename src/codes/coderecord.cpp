@@ -145,11 +145,8 @@ int lees(bool slot) {
 }
 
 bool schrijf() {
-    if (!code_schrijf(*tabel, code, rec))
-        return false;
-    if (tabel->mutatie)
-        mutatie(tabel->mutatie, std::to_string(code.nummer));
-    return true;
+    const Mutatie m{tabel->mutatie, std::to_string(code.nummer)};
+    return mutaties_om({&m, tabel->mutatie ? 1u : 0u}, [] { return code_schrijf(*tabel, code, rec); });
 }
 
 bool wis() {

@@ -4,7 +4,7 @@
 //  2. A name of the new tree is given by a link, which overwrites nothing; the old one goes behind it. So a file in both
 //     trees with the same content is one whose move was cut off.
 //  3. A copy to another file system stands as EDIBOUW in the new root until it is whole and on disk; one that is left is
-//     thrown away by the next move. No file of that name is moved out of an old root.
+//     thrown away by the next move. What has that name in an old root gets another one before it is moved.
 //  4. The setting is changed when the old tree is empty.
 //  5. No directory of one tree is also one of the other, by a link or a second mount: there the same file is no copy.
 #include "edi/edibinnen.h"
@@ -140,6 +140,18 @@ bool kopieer(const std::string& van, const struct stat& st, const std::string& b
         IOUNLINK(bouw.c_str());
     errno = fout;
     return goed;
+}
+
+// What has the name of our copies in a root out of the way: "zgedi.tmp", with a number when that is taken.
+bool geef_ruimte(const std::string& root) {
+    constexpr int POGINGEN = 99;
+    const std::string bouw = root + "/" + EDIBOUW, kaal = root + "/" + (EDIBOUW + 1);
+    std::string naam = kaal;
+    for (int nr = 1; IOEXISTS(bouw.c_str()) && nr <= POGINGEN; naam = kaal + std::to_string(nr++))
+        if (renameat2(AT_FDCWD, bouw.c_str(), AT_FDCWD, naam.c_str(), RENAME_NOREPLACE) != 0 &&
+            errno != EEXIST)
+            break;
+    return !IOEXISTS(bouw.c_str());
 }
 
 // The new name of a file, its old one still there. False with errno.
@@ -334,7 +346,7 @@ int edimovetree(const char* van, const char* naar) {
     if (stat(doel.c_str(), &st) < 0 && stat(boven.c_str(), &st) < 0)
         return edi_zeg(T_EDI_NIET_GEMAAKT, naar, errno);
     const std::string bouw = doel + "/" + EDIBOUW;
-    if (IOEXISTS((bron + "/" + EDIBOUW).c_str()))
+    if (!geef_ruimte(bron))
         return edi_zeg(T_EDI_STAAT_AL, bron + "/" + EDIBOUW);
     uintmax_t bytes = 0;
     struct statvfs ruimte {};

@@ -64,8 +64,9 @@ bool vraag_bestand(int rij, const char* ext, std::string* naam) {
     const bool weg = TOETSWEG();
     SCRCLREOL(rij, 1);
     *naam = VASTTRIM(tekst);
-    const std::string staart = std::string(".") + ext;
-    if (*ext == 'p' && !naam->empty() && !GROOTKOPIE(*naam).ends_with(GROOTKOPIE(staart)))
+    const std::string staart = std::string(".") + ext, laatste = naam->substr(naam->rfind('/') + 1);
+    const bool map = laatste.empty() || laatste == "." || laatste == ".."; // refused as it stands
+    if (*ext == 'p' && !map && !GROOTKOPIE(*naam).ends_with(GROOTKOPIE(staart)))
         *naam += staart; // which makes it one
     return !weg && !naam->empty();
 }

@@ -13,6 +13,7 @@
 #include "shared/maatbalk.h"
 #include "shared/mutatie.h"
 #include "shared/report.h"
+#include "shared/schrijfstilte.h"
 #include "shared/sysrec.h"
 #include "sub/omserie.h"
 #include "sub/serzoek.h"
@@ -159,8 +160,12 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
     }
     // Codes that are refused are made by the next save; what the series says of its labels stands all the same.
     bool codes = true;
+    std::string waarom; // told when the rest stands
     auto vastleggen = [&] {
-        codes = schrijf_codes(*regel, s);
+        {
+            const Schrijfstilte stil(&waarom);
+            codes = schrijf_codes(*regel, s);
+        }
         return serie_schrijf(s);
     };
     if (!prijzen_bij(*regel, nieuw ? nullptr : &oude_prijzen) || !labels_bij(regel, &s, vastleggen))
@@ -169,7 +174,7 @@ bool serie_bewaar(orderregel* regel, bool nieuw, const prijsrijen& oude_prijzen)
         serie_index_bij(regel->serie, &s);
     regel->serie = s;
     if (!codes)
-        ALARMBOX(TXT(T_REG_ZONDER_CODES), TXT(T_REG_CODES_LATER));
+        ALARMBOX(waarom.empty() ? nullptr : waarom.c_str(), TXT(T_REG_ZONDER_CODES), TXT(T_REG_CODES_LATER));
     return codes;
 }
 

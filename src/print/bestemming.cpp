@@ -25,8 +25,8 @@ namespace fs = std::filesystem;
 
 constexpr int SCHERMRIJEN = 64;
 constexpr int STAANDBREEDTE = 80; // a file that is a PDF: wider ones lie
-constexpr size_t BESTANDMAX = 39;
-constexpr char UITMAP[] = "uit"; // files without a directory
+constexpr size_t BESTANDMAX = 39; // without the ending of a PDF
+constexpr char UITMAP[] = "uit";  // files without a directory
 constexpr std::chrono::seconds LPSTAT_WACHT{5};
 constexpr int CAP_TEKENS = 17, CAP_INIT = 18, CAP_EXIT = 19;
 
@@ -69,12 +69,16 @@ bool bestandfout(const Tekst& tekst) {
     return false;
 }
 
+bool pdf_naam(const std::string& naam) {
+    return naam.size() > 4 && strcasecmp(naam.c_str() + naam.size() - 4, ".pdf") == 0;
+}
+
 // A report to a file: 64 rows, the width by the mask or the menu.
 bool naar_bestand(const char* bestand, uint16_t masker, printjob* job) {
     if (!bestand || !*bestand)
         return bestandfout(T_PRT_GEEN_BESTAND);
     const std::string pad = bestand;
-    if (pad.size() > BESTANDMAX || pad.back() == '/' ||
+    if (pad.size() > BESTANDMAX + (pdf_naam(pad) ? 4 : 0) || pad.back() == '/' ||
         std::any_of(pad.begin(), pad.end(), [](unsigned char c) { return c < ' '; }))
         return bestandfout(T_PRT_FOUT_PAD);
     const bool kaal = pad.find('/') == std::string::npos;
@@ -163,10 +167,6 @@ bool zoek(const printwens& wens, uint16_t masker, const printtabellen& t, printj
         return job->voorbeeld && alleen_kijken(masker, job);
     neem(alle[static_cast<size_t>(gekozen)], job);
     return true;
-}
-
-bool pdf_naam(const std::string& naam) {
-    return naam.size() > 4 && strcasecmp(naam.c_str() + naam.size() - 4, ".pdf") == 0;
 }
 
 // The characters of a text for the user: those of his terminal, and so of what he opens it with.

@@ -152,10 +152,16 @@ void prt_meld_mislukt() {
             continue; // somebody sends it again
         job.gemeld = true;
         spool_schrijf_stand(fd, job);
+        const bool verdwenen = spool_verdwenen(job);
+        if (verdwenen)
+            spool_weg(job);
         SYS.close(fd);
         meld(job.titel,
              job.stand == Spoolstand::bezig || job.gedaan ? T_PRT_DEELS_GEPRINT : T_PRT_NIET_GEPRINT,
-             job.reden.empty() ? TXT(T_PRT_ZENDER_WEG) : job.reden, job.spool);
+             verdwenen           ? TXT(T_PRT_VERDWENEN)
+             : job.reden.empty() ? TXT(T_PRT_ZENDER_WEG)
+                                 : job.reden,
+             verdwenen ? "" : job.spool);
     }
 }
 

@@ -319,11 +319,17 @@ void spool_weg(const spooljob& job) {
         IOUNLINK(spool_beschrijving(job.spool).c_str());
 }
 
+bool spool_verdwenen(const spooljob& job) {
+    return (job.stand == Spoolstand::fout ||
+            (job.stand == Spoolstand::wacht && job.weg != Printweg::bestand)) &&
+           !IOEXISTS(job.spool.c_str());
+}
+
 Spoolpad spool_kijk(const std::string& beschrijving, spooljob* job) {
     const int fd = spool_neem(beschrijving, job);
     if (fd < 0)
         return errno == EAGAIN ? Spoolpad::bezig : Spoolpad::weg;
-    const bool uit = !IOEXISTS(job->spool.c_str());
+    const bool uit = !IOEXISTS(job->spool.c_str()) && (job->gemeld || !spool_verdwenen(*job));
     if (uit)
         spool_weg(*job);
     SYS.close(fd);

@@ -6,7 +6,7 @@
 // 2. What changes is of fixed length and written over in place, so that a full disk keeps no report from being described, and
 //    no reason off it.
 // 3. The spool file comes behind its description and goes before it: a description without one is of a job that is out, or
-//    was never begun.
+//    was never begun. But when nothing had gone out somebody has removed the report: the user hears of it first.
 // 4. A report that was still being made, or looked at, was never said to be printed: whoever finds it left behind removes it.
 #pragma once
 #include "print/printjob.h"
@@ -69,6 +69,8 @@ bool spool_plaats(const std::string& van, const std::string& naar, bool over);
 std::vector<std::string> spool_beschrijvingen(const std::string& map);
 // The jobs that nobody sends, oldest first; what is there of one that is out goes on the way.
 std::vector<spooljob> spool_achtergebleven(const std::string& map);
+// Was its report removed before any of it went out?
+bool spool_verdwenen(const spooljob& job);
 enum class Spoolpad { weg, bezig, blijft };
 // How is it with the job of a description? `bezig` and `blijft` (left behind) are read; `weg`: it is out, or no description.
 Spoolpad spool_kijk(const std::string& beschrijving, spooljob* job);

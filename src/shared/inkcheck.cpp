@@ -141,7 +141,9 @@ std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void
 int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
     inkslot slot;
     Stand stand = neem_op({});
+    const size_t kwalen = stand.kwalen.size();
     toets_vrij(&stand, slot.vrij());
+    const bool heel = stand.kwalen.size() == kwalen;
     const auto van_iemand = [&](int32_t nr) {
         prijsgroeprec rec{};
         if ((stand.stuk.empty() && !blijft) || SYSLEES(ink.fd, &rec, sizeof rec, nr * INK_RECORD) <= 0 ||
@@ -156,12 +158,12 @@ int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
     int64_t terug = 0;
     for (size_t i = stand.bezit.size(); i-- > 0;) {
         const auto nr = static_cast<int32_t>(i);
-        if (stand.bezit[i] == SET || van_iemand(nr))
+        if (stand.bezit[i] == SET || (heel && stand.bezit[i] == VRIJ) || van_iemand(nr))
             continue;
         nummers.push_back(nr);
         terug += stand.bezit[i] == NIEMAND;
     }
-    return slot.opnieuw(nummers) ? terug : -1;
+    return (heel ? slot.geef_vrij(nummers) : slot.opnieuw(nummers)) ? terug : -1;
 }
 
 } // namespace zg

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int HALF_WERK = 12; // userstate of a program that met a broken free chain
 // Records that a program may have counted and not written when it died: others count first. An end further behind the file
-// is that of another file, with groups that sets lead to.
+// is that of another file, with groups that sets lead to; so is a nearer one when a set leads there.
 constexpr int64_t VOORUIT = 99;
 
 bool lees(int32_t nr, prijsgroeprec* rec) {
@@ -32,6 +32,21 @@ bool lees(int32_t nr, prijsgroeprec* rec) {
     gebruiker_stand(HALF_WERK);
     SCRFATAL("IOINK(%d): %s(a=%c,f=%d,r=%ld) -> %s", fout, "DTIPA", 'R', ink.fd, static_cast<long>(nr),
              waarom);
+}
+
+// Does a set lead to a record behind the file? Once looked, it is known as long as file and end are what they were.
+bool afgekapt(int64_t records, int32_t einde) {
+    static std::pair<int64_t, int32_t> heel{-1, -1};
+    if (heel == std::pair{records, einde})
+        return false;
+    prijsset set{};
+    std::vector<inkrecord> keten;
+    int32_t waar;
+    for (char letter = 'F'; ioink_move(letter, &set, 0, 1); letter = 'N')
+        if (ink_keten(set, &keten, &waar) == Inkfout::lezen && waar >= records)
+            return true;
+    heel = {records, einde};
+    return false;
 }
 
 } // namespace
@@ -97,7 +112,8 @@ bool ioink_past(int groepen) {
     int32_t slot = INK_SYSRECORD;
     iotab('X', &slot, &vrij, SYS_RECORD);
     const int64_t records = ink_records();
-    const bool gekort = vrij.hoogste > records + VOORUIT;
+    const bool gekort =
+        vrij.hoogste > records + VOORUIT || (vrij.hoogste > records && afgekapt(records, vrij.hoogste));
     int32_t nr = gekort ? vrij.hoogste : vrij.vrijkop;
     prijsgroeprec rec{};
     for (; !gekort && groepen > 0 && nr != vrij.hoogste && nr != records; groepen--, nr = rec.volgende)

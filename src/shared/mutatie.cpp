@@ -1,11 +1,14 @@
 // Till mutations, see shared/mutatie.h. Those that wait are noted in a file of the user's slot, MUTnn.RES, a line each, before
-// anything is waited for: what a kill leaves there goes out at the slot's next start. One that goes out twice does no harm,
-// since it only says where to look.
+// their record is written or anything is waited for: what a kill leaves there goes out at the slot's next start. One that
+// goes out twice, or of a record that was not written, does no harm, since it only says where to look.
 #include "shared/mutatie.h"
 #include "shared/regelbij.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
+#include "shared/teksten.h"
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <vector>
 
@@ -15,7 +18,7 @@ bool (*MUTATIEHAAK)(std::span<const Mutatie> mutaties);
 
 namespace {
 
-std::vector<Mutatie> bewaard;
+std::vector<Mutatie> bewaard, vooraf; // to be sent; their records may still be refused
 bool houden;
 bool nieuw;    // something since the last try to send
 int noot = -1; // the file that holds what is kept
@@ -35,11 +38,15 @@ void noteer(const Mutatie& m) {
 }
 
 void wis_noot() {
-    if (noot < 0)
+    if (noot < 0 || !bewaard.empty() || !vooraf.empty())
         return;
     SYS.unlink(notitie().c_str());
     SYS.close(noot);
     noot = -1;
+}
+
+bool staat_in(const std::vector<Mutatie>& reeks, const Mutatie& m) {
+    return std::find(reeks.begin(), reeks.end(), m) != reeks.end();
 }
 
 } // namespace
@@ -52,12 +59,35 @@ bool mutatie(char letter, const std::string& inhoud) {
     const Mutatie m{letter, inhoud};
     if (MUTATIEHAAK && kassakoppeling()) {
         nieuw = true;
-        if (std::find(bewaard.begin(), bewaard.end(), m) == bewaard.end()) {
-            noteer(m);
+        if (!staat_in(bewaard, m)) {
+            if (!std::erase(vooraf, m))
+                noteer(m);
             bewaard.push_back(m);
         }
     }
     return houden || mutaties_stuur();
+}
+
+void mutatie_vooraf(char letter, const std::string& inhoud) {
+    const Mutatie m{letter, inhoud};
+    if (!MUTATIEHAAK || !kassakoppeling() || staat_in(bewaard, m) || staat_in(vooraf, m))
+        return;
+    noteer(m);
+    vooraf.push_back(m);
+}
+
+void mutatie_niet(char letter, const std::string& inhoud) {
+    std::erase(vooraf, Mutatie{letter, inhoud});
+    wis_noot();
+}
+
+bool mutaties_om(std::span<const Mutatie> mutaties, bool (*schrijf)()) {
+    for (const Mutatie& m : mutaties)
+        mutatie_vooraf(m.letter, m.inhoud);
+    const bool goed = schrijf();
+    for (const Mutatie& m : mutaties)
+        goed ? void(mutatie(m.letter, m.inhoud)) : mutatie_niet(m.letter, m.inhoud);
+    return goed;
 }
 
 void mutaties_houd() {
@@ -78,14 +108,16 @@ bool mutaties_stuur() {
 
 bool mutaties_herstel() {
     noot = SYS.open(notitie().c_str(), O_RDWR | O_APPEND | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0);
-    struct stat st;
-    if (noot >= 0 &&
-        (SYS.fstat(noot, &st) != 0 || !S_ISREG(st.st_mode) || st.st_nlink != 1)) { // another's file
-        SYS.close(noot);
-        noot = -1;
-    }
-    if (noot < 0)
+    if (noot < 0 && errno == ENOENT)
         return true;
+    struct stat st;
+    if (noot < 0 || SYS.fstat(noot, &st) != 0 || !S_ISREG(st.st_mode) || st.st_nlink != 1) {
+        if (noot >= 0)
+            SYS.close(noot);
+        noot = -1;
+        ALARMBOX(notitie().c_str(), TXT(T_MUT_NOTITIE_VREEMD));
+        return true;
+    }
     constexpr int64_t OMVANG_MAX = 1 << 20; // a line's mutations are some kilobytes
     std::string regels(static_cast<size_t>(std::clamp<int64_t>(SYSOMVANG(noot), 0, OMVANG_MAX)), '\0');
     const ssize_t n = SYSLEES(noot, regels.data(), regels.size(), 0);

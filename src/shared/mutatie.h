@@ -33,10 +33,16 @@ bool kassakoppeling(); // are tills linked? (system record 1)
 // A mutation for all tills, sent now, or with the others when the series in hand is let go: each once. False when a line
 // could not be written, which was told; it is sent again with the next.
 bool mutatie(char letter, const std::string& inhoud);
+// The same of a record that is about to be written: noted, so that no kill comes between the two. Behind the write comes
+// `mutatie`, or `mutatie_niet` when it was refused.
+void mutatie_vooraf(char letter, const std::string& inhoud);
+void mutatie_niet(char letter, const std::string& inhoud);
+// All of that around a write that holds nothing when it went well. Its answer.
+bool mutaties_om(std::span<const Mutatie> mutaties, bool (*schrijf)());
 // From now on a series is held: mutations are kept. And it is let go: what was kept is sent in one go.
 void mutaties_houd();
 bool mutaties_stuur();
-// At the start, when the hook is set: what a program of this user's slot has left unsent.
+// At the start, when the hook is set: what a program of this user's slot has left unsent. A note that isn't ours is told.
 bool mutaties_herstel();
 // Who writes them, all that came together; null while nobody does. Answers as mutatie.
 extern bool (*MUTATIEHAAK)(std::span<const Mutatie> mutaties);

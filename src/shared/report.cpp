@@ -1,5 +1,6 @@
 // Error reports: one line with the module's tag and its number, handed to the abort box.
 #include "shared/report.h"
+#include "shared/schrijfstilte.h"
 #include "shared/teksten.h"
 #include "term/natl.h"
 #include "term/prompt.h"
@@ -63,7 +64,10 @@ void ALARMBOX(const char* regel1, const char* regel2, const char* regel3) {
 void SCHRIJFFOUT(const char* bestand, int fout, const char* regel2, const char* regel3) {
     char regel[120];
     snprintf(regel, sizeof regel, TXT(T_NIET_GESCHREVEN), bestand, IOREDEN(fout));
-    ALARMBOX(regel, regel2, regel3);
+    if (SCHRIJFSTIL)
+        *SCHRIJFSTIL = regel;
+    else
+        ALARMBOX(regel, regel2, regel3);
 }
 
 void NOMEM(const char* tag, int nr) {

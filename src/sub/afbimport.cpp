@@ -9,6 +9,8 @@
 #include "term/prompt.h"
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
 #include <filesystem>
 
 namespace zg {
@@ -80,6 +82,21 @@ const char* regel() {
     return uit;
 }
 
+// Copies that an import was killed in: a picture's name with the number of a process that is gone behind it.
+void ruim_op(const std::string& map) {
+    std::error_code fout;
+    for (std::filesystem::directory_iterator it(map, fout), einde; !fout && it != einde; it.increment(fout)) {
+        const std::string naam = it->path().filename().string();
+        const size_t punt = naam.rfind('.') + 1;
+        pid_t pid = 0;
+        const auto [tot, geen] = std::from_chars(naam.data() + punt, naam.data() + naam.size(), pid);
+        if (punt > 0 && geen == std::errc() && tot == naam.data() + naam.size() && pid > 0 &&
+            kill(pid, 0) != 0 && errno == ESRCH && afb_keur(naam.substr(0, punt - 1)) == Afbnaam::goed &&
+            afb_aanwezig(map + naam))
+            IOUNLINK((map + naam).c_str());
+    }
+}
+
 // Never over a file: one that came meanwhile has the name, and the next suffix is tried.
 bool verplaats(const std::string& van, const std::string& map, const std::string& naam) {
     for (Nieuw n = naam_in(van, map, naam); !n.wordt.empty(); n = naam_in(van, map, naam)) {
@@ -107,10 +124,15 @@ int afb_import(uint16_t merk) {
         MELDBOX(MELD_INFO, TXT(T_GEEN_INFORMATIE), nullptr, nullptr);
         return 0;
     }
-    if (!IOISDIR(map.c_str()) && !SYSNIEUWEMAP(map.substr(0, map.size() - 1).c_str())) {
-        SCHRIJFFOUT(map.c_str(), errno);
+    const std::string kaal = map.substr(0, map.size() - 1);
+    if (!IOISDIR(map.c_str()) && !SYSNIEUWEMAP(kaal.c_str())) {
+        if (errno == EEXIST)
+            ALARMBOX(kaal.c_str(), TXT(T_IS_GEEN_MAP));
+        else
+            SCHRIJFFOUT(kaal.c_str(), errno);
         return 0;
     }
+    ruim_op(map);
     lijst = LIJSTNEW(haal, toets, kop, regel);
     if (!lijst)
         NOMEM("afb_hdl", 2);

@@ -218,16 +218,14 @@ int lees(bool slot) {
 }
 
 bool schrijf() {
-    const bool omzetgroep = !post.er || oud.omzetgroep != nu.omzetgroep;
-    if (!post_schrijf(&post, &nu, sizeof nu))
-        return false;
-    mutatie(MUT_ARTIKELGROEP, std::to_string(static_cast<unsigned>(nu.artikelgroep)));
-    if (omzetgroep) {
+    const auto groep = static_cast<unsigned>(nu.artikelgroep);
+    std::vector<Mutatie> mutaties{{MUT_ARTIKELGROEP, std::to_string(groep)}};
+    if (!post.er || oud.omzetgroep != nu.omzetgroep) {
         char tekst[16];
-        snprintf(tekst, sizeof tekst, "%05u%02u", static_cast<unsigned>(nu.artikelgroep), nu.btwcode);
-        mutatie(MUT_BTW, tekst);
+        snprintf(tekst, sizeof tekst, "%05u%02u", groep, nu.btwcode);
+        mutaties.push_back({MUT_BTW, tekst});
     }
-    return true;
+    return mutaties_om(mutaties, [] { return post_schrijf(&post, &nu, sizeof nu); });
 }
 
 constexpr Koppeling KOPPELINGEN[] = {

@@ -192,11 +192,18 @@ bool schrijf_extra() {
     return maak_extra() && post_schrijf(&extra, &nu_extra, sizeof nu_extra);
 }
 
+bool schrijf_relatie() {
+    const std::string nummer = std::to_string(nu.nummer);
+    mutatie_vooraf(MUT_RELATIE, nummer);
+    const bool goed = post_schrijf(&post, &nu, sizeof nu);
+    te_melden |= goed;
+    if (!goed)
+        mutatie_niet(MUT_RELATIE, nummer);
+    return goed;
+}
+
 bool schrijf() {
-    if (!post_schrijf(&post, &nu, sizeof nu))
-        return false;
-    te_melden = true;
-    if (!schrijf_extra())
+    if (!schrijf_relatie() || !schrijf_extra())
         return false;
     meld_kassa();
     return true;
@@ -226,9 +233,8 @@ bool wis() {
         return true;
     }
     nu.soort = over;
-    if (!post_schrijf(&post, &nu, sizeof nu))
+    if (!schrijf_relatie())
         return false;
-    te_melden = true;
     post_vrij(&extra);
     meld_kassa();
     return true;
@@ -305,8 +311,7 @@ bool relatie_voeg_toe(uint16_t nummer, Relatiesoort soort) {
         return false;
     }
     nu.soort = static_cast<uint8_t>(nu.soort | soort);
-    const bool goed = post_schrijf(&post, &nu, sizeof nu);
-    te_melden = goed;
+    const bool goed = schrijf_relatie();
     if (goed)
         meld_kassa();
     else

@@ -105,9 +105,14 @@ void wijzig(Type* t) {
 
 // Sizes, then description; true when the screen may be left.
 bool bewaar(Type* t) {
-    const bool maten = t->h->gewijzigd;
+    const bool maten = t->h->gewijzigd, melden = maten && t->tussengevoegd;
+    const std::string nr = std::to_string(t->nr);
+    if (melden)
+        mutatie_vooraf(MUT_MAATSOORT, nr);
     bool goed = mtbewaar(t->h) != 0;
-    t->melden |= goed && maten && t->tussengevoegd;
+    t->melden |= goed && melden;
+    if (melden && !t->melden)
+        mutatie_niet(MUT_MAATSOORT, nr);
     t->tussengevoegd &= !goed;
     if (goed && t->anders)
         goed = iotab('w', &t->nr, &t->rec, SYS_MAATSOORT) != 0;
@@ -142,6 +147,7 @@ bool verwijder(Type* t) {
     t->bestaat = !iotab('w', &t->nr, &geen, SYS_MAATSOORT); // the name first: never one without sizes
     if (!t->bestaat) {
         t->melden = false;
+        mutatie_niet(MUT_MAATSOORT, std::to_string(t->nr));
         wis_maten(t);
     }
     return true;

@@ -256,14 +256,13 @@ int lees(bool slot) {
 // The table itself takes two brands of one search name: who entered it last is told.
 bool schrijf() {
     const bool nieuwe_naam = !post.er || !VASTGELIJK(oud.zoeknaam, VASTUIT(nu.zoeknaam));
-    if ((nieuwe_naam && !zoeknaam_goed(nu.zoeknaam)) || !post_schrijf(&post, &nu, sizeof nu))
+    if (nieuwe_naam && !zoeknaam_goed(nu.zoeknaam))
         return false;
-    if (!VASTGELIJK(oud.naam, VASTUIT(nu.naam))) {
-        char nummer[8];
-        snprintf(nummer, sizeof nummer, "%04d", nu.merk);
-        mutatie(MUT_MERK, nummer);
-    }
-    return true;
+    char nummer[8];
+    snprintf(nummer, sizeof nummer, "%04d", nu.merk);
+    const Mutatie naam{MUT_MERK, nummer};
+    return mutaties_om({&naam, VASTGELIJK(oud.naam, VASTUIT(nu.naam)) ? 0u : 1u},
+                       [] { return post_schrijf(&post, &nu, sizeof nu); });
 }
 
 constexpr Koppeling KOPPELINGEN[] = {

@@ -88,7 +88,8 @@ std::vector<spooljob> achtergebleven() {
 
 // Why it isn't out; of one whose sender died nobody knows how far it came.
 std::string reden(const spooljob& job) {
-    return job.stand == Spoolstand::bezig   ? "the sender died, perhaps some of it is out"
+    return spool_verdwenen(job)             ? "its report was removed"
+           : job.stand == Spoolstand::bezig ? "the sender died, perhaps some of it is out"
            : job.stand == Spoolstand::wacht ? "the sender died before it began"
                                             : toon(job.reden);
 }
@@ -119,7 +120,7 @@ Uitkomst elk(const std::function<Uitkomst(int, spooljob*)>& daad) {
 }
 
 Uitkomst zend(int fd, spooljob* job) {
-    if (spool_start(fd, *job, true))
+    if (spool_start(fd, *job, !druk_wens.vlot))
         return GOED;
     const std::string naam = toon(job->spool);
     if (errno)

@@ -10,7 +10,7 @@ namespace zg {
 struct Drukwens {
     std::string map;
     std::vector<std::string> woorden;
-    bool json = false, alles = false, voorbeeld = false;
+    bool json = false, alles = false, voorbeeld = false, vlot = false; // vlot: without waiting
     int code = 0, verbinding = 0, config = 0, kopieen = 1, wacht = 10, masker = 0;
     std::string gebruiker;
 };

@@ -83,6 +83,7 @@ int main(int argc, char** argv) {
         woorden(s, "JOB", "as jobs names them");
         s->add_flag("-a,--all", druk_wens.alles, "all of them");
     }
+    weer->add_flag("--no-wait", druk_wens.vlot, "begin, and leave the rest to zgspoel");
     CLI::Option* printer = nullptr;
     CLI::App* wie = opdracht("user", "the users' standard printers",
                              [&] { return druk_gebruikers(printer->count() > 0); });

@@ -1,16 +1,10 @@
 // What the tills hear of a buyer's work: the lines in KASMUT.TXT, from the screens in which master data and series change;
 // and what a death in the middle of it leaves.
-#include "e2e/loop.h"
-#include "order/driver.h"
-#include "order/ordrec.h"
-#include "order/programma.h"
-#include "order/start.h"
+#include "e2e/storingsmap.h"
 #include "order/wrk.h"
 #include "shared/files.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
-#include "sub/omserie.h"
-#include "term/scherm.h"
 #include "tools/shell.h"
 #include <csignal>
 #include <cstring>
@@ -70,6 +64,48 @@ TEST(Mutatie, MasterData) {
     EXPECT_EQ(map.mutaties(), "255255R19\n");
 }
 
+// Killed behind the write of a record, before anything else: the next start tells it.
+TEST(Mutatie, KilledBehindTheRecord) {
+    static const auto echt = zg::SYS.pwrite;
+    static const char* wat;
+    constexpr char BEGIN[] = "<Enter><Enter>10<Enter><Enter>T";
+    const struct {
+        std::string toetsen;
+        const char *wat, *regels; // `wat` stands in the record
+    } rijen[] = {
+        {"<Enter><Enter><F5><F10>W11Nieuw<Enter><Esc>", "Nieuw", "255255R10\n"},
+        {std::string(BEGIN) + "<F5><F10>W11Xyx<Enter><Esc>", "Xyx", "255255M0101\n"},
+        {std::string(BEGIN) + "<Enter>Bluze<Enter><F5><F10>W12Zxz<Enter><Esc>", "Zxz", "255255C1100\n"},
+        {std::string(BEGIN) + "<Enter>Bluze<Enter>1120<Enter><Enter><F5><F10>12<F8>zqz<Enter><Esc><Esc>",
+         "zqz", "255255Q1\n"},
+        {std::string(BEGIN) +
+             "<Enter>Bluze<Enter>1120<Enter><Enter><Enter><Esc><Esc>Katoen<Enter>Uni<Enter>" +
+             "<F5><F10>W11Rozig<Enter><Esc>",
+         "Rozig", "255255K1\n"},
+    };
+    for (const auto& r : rijen) {
+        SCOPED_TRACE(r.wat);
+        Kassafirma map(true, true, true);
+        {
+            const auto t = met_storing(map, overgave(map), [&] {
+                wat = r.wat;
+                zg::SYS.pwrite = [](int fd, const void* b, size_t n, off_t p) {
+                    const ssize_t uit = echt(fd, b, n, p);
+                    if (memmem(b, n, wat, strlen(wat)))
+                        raise(SIGKILL);
+                    return uit;
+                };
+            });
+            t->toetsen(r.toetsen);
+            EXPECT_EQ(t->einde(), 128 + SIGKILL) << t->scherm();
+        }
+        EXPECT_EQ(map.mutaties(), "none");
+        sh("ixremake -q '" + map.pad() + "'"); // a pair that was left in the middle of its write
+        Programma p(overgave(map), demo_opties(map));
+        EXPECT_EQ(map.mutaties(), r.regels);
+    }
+}
+
 // What one step of a line changes goes out together when the series is let go.
 TEST(Mutatie, Series) {
     Kassafirma map(true, true, true);
@@ -120,32 +156,21 @@ TEST(Mutatie, KilledInACriticalStep) {
     for (const auto& r : rijen) {
         SCOPED_TRACE(std::to_string(r.over) + " " + strsignal(r.sein));
         Kassafirma map(true, true, false);
-        std::vector<std::string> argv = overgave(map);
         {
-            Terminal t(
-                [&] {
-                    std::vector<char*> av;
-                    for (std::string& a : argv)
-                        av.push_back(a.data());
-                    zg::prog_start(zg::PROGRAMMA, "", static_cast<int>(av.size()), av.data());
-                    zg::registermodus = zg::register_aanwezig();
-                    zg::ordparm_lees();
-                    waar = r.waar, nu = VOOR, over = r.over, sein = r.sein;
-                    zg::SYS.pwrite = [](int fd, const void* b, size_t n, off_t p) {
-                        nu = zg::gebruiker.userstate >= 10 ? IN : nu == VOOR ? VOOR : ACHTER;
-                        if (zg::aantal_regels > 0 && nu == waar && over-- == 0) {
-                            raise(sein);
-                            for (int i = 0; i < 8; i++) // longer than who is hung up on may take elsewhere
-                                usleep(100'000);
-                        }
-                        return echt.pwrite(fd, b, n, p);
-                    };
-                    zg::order_lus();
-                    return 0;
-                },
-                demo_opties(map));
-            t.toetsen(LIJN);
-            EXPECT_EQ(t.einde(), r.sein == SIGHUP ? 1 : 128 + SIGKILL);
+            const auto t = met_storing(map, overgave(map), [&] {
+                waar = r.waar, nu = VOOR, over = r.over, sein = r.sein;
+                zg::SYS.pwrite = [](int fd, const void* b, size_t n, off_t p) {
+                    nu = zg::gebruiker.userstate >= 10 ? IN : nu == VOOR ? VOOR : ACHTER;
+                    if (zg::aantal_regels > 0 && nu == waar && over-- == 0) {
+                        raise(sein);
+                        for (int i = 0; i < 8; i++) // longer than who is hung up on may take elsewhere
+                            usleep(100'000);
+                    }
+                    return echt.pwrite(fd, b, n, p);
+                };
+            });
+            t->toetsen(LIJN);
+            EXPECT_EQ(t->einde(), r.sein == SIGHUP ? 1 : 128 + SIGKILL);
         }
         const Uit u = sh("zgstatus -D '" + map.pad() + "'");
         EXPECT_TRUE(u.zegt(r.zegt)) << u.tekst;

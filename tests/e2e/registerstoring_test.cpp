@@ -2,7 +2,9 @@
 // Behind a rebuild of pairs that were left marked and the next start of that supplier nothing is in two places, nothing
 // of another series has changed, no key is reserved, and the check finds what its repair gives back.
 #include "e2e/storingsmap.h"
+#include "shared/syscalls.h"
 #include "tools/shell.h"
+#include <cerrno>
 
 using namespace zg::test;
 
@@ -72,6 +74,27 @@ TEST_P(Registerstoring, KilledOrRefusedAtEachWrite) {
             if (HasFailure() && !getenv("ZG_ALL"))
                 return;
         }
+}
+
+// A disk that takes everything but codes: one box, the line stands.
+TEST(Registerstoring, CodesRefused) {
+    const Storingsmap map;
+    const std::string voor = lees_bestand(map.bestand("DTEAN.TXT"));
+    const auto t = met_storing(map, overgave(map), [] {
+        static const auto echt = zg::SYS.pwrite;
+        zg::SYS.pwrite = [](int fd, const void* b, size_t n, off_t p) {
+            return staat_op(fd, "DTEAN") ? (errno = ENOSPC, -1) : echt(fd, b, n, p);
+        };
+    });
+    t->toetsen("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW));
+    EXPECT_TRUE(t->wacht("niet alle EAN-codes")) << t->scherm();
+    EXPECT_TRUE(t->scherm().find("schijf vol") != std::string::npos &&
+                t->scherm().find("niet opgeslagen") == std::string::npos)
+        << t->scherm();
+    t->toetsen("<Enter>" + std::string(WEG));
+    EXPECT_EQ(Storingsmap::klaar(*t), 0);
+    EXPECT_EQ(lees_bestand(map.bestand("DTEAN.TXT")), voor);
+    EXPECT_GT(lees_bestand(map.bestand(JRN)).size(), 0u);
 }
 
 // Two who add lines of one colour at once draw numbers, codes and blocks beside each other; one is killed anywhere in it.

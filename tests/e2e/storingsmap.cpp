@@ -75,28 +75,43 @@ int Storingsmap::loop(const std::string& toetsen, int n, bool doden) const {
     return klaar(*start(overgave(*this), toetsen, n, doden));
 }
 
-std::unique_ptr<Terminal> Storingsmap::start(std::vector<std::string> argv, const std::string& toetsen, int n,
-                                             bool doden) const {
+std::unique_ptr<Terminal> met_storing(const DemoMap& map, std::vector<std::string> argv,
+                                      const std::function<void()>& stoor, const std::function<int()>& einde) {
     return std::make_unique<Terminal>(
         [=]() mutable {
             on_exit([](int status, void*) { _exit(status); },
                     nullptr); // a report's end, too, is the child's alone
             std::vector<char*> av;
-            for (size_t i = 1; i < argv.size(); i++)
-                av.push_back(argv[i].data());
-            av.insert(av.begin(), argv[0].data());
+            for (std::string& a : argv)
+                av.push_back(a.data());
             prog_start(PROGRAMMA, "", static_cast<int>(av.size()), av.data());
             registermodus = register_aanwezig();
             ordparm_lees();
+            stoor();
+            order_lus();
+            SCREXIT();
+            return einde();
+        },
+        demo_opties(map));
+}
+
+bool staat_op(int fd, const char* naam) {
+    std::error_code fout;
+    return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), fout).string().find(naam) !=
+           std::string::npos;
+}
+
+std::unique_ptr<Terminal> Storingsmap::start(std::vector<std::string> argv, const std::string& toetsen, int n,
+                                             bool doden) const {
+    return met_storing(
+        *this, std::move(argv),
+        [=] {
             const std::vector<int32_t> codes = toetscodes(toetsen);
             for (size_t i = codes.size(); i-- > 0;)
                 TOETSTERUG(codes[i]);
             stoor(n, doden);
-            order_lus();
-            SCREXIT();
-            return over < 0 && n >= 0 ? 7 : 0;
         },
-        demo_opties(*this));
+        [=] { return over < 0 && n >= 0 ? 7 : 0; });
 }
 
 int Storingsmap::klaar(Terminal& t) {

@@ -4,6 +4,7 @@
 #include "e2e/datamap.h"
 #include "e2e/loop.h"
 #include "shared/registerrec.h"
+#include <functional>
 #include <memory>
 #include <set>
 
@@ -16,6 +17,13 @@ inline constexpr char NIEUW[] =
     "Katoen<Enter>Streep<Enter>20<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter><Enter>"
     "<Esc><Enter><Down>S<Enter><Enter>20<Enter><Enter><Esc>"
     "010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>";
+
+// The program with its system calls disturbed by `stoor`, once it has begun; what it answers at its end.
+std::unique_ptr<Terminal> met_storing(
+    const DemoMap& map, std::vector<std::string> argv, const std::function<void()>& stoor,
+    const std::function<int()>& einde = [] { return 0; });
+// Does a descriptor stand on a file whose path has these words?
+bool staat_op(int fd, const char* naam);
 
 struct Storingsmap : DemoMap {
     std::map<std::string, std::string> begin; // files in front of each round

@@ -242,6 +242,14 @@ TEST_F(Kasmut, WhatWaitsIsNoted) {
     });
     EXPECT_TRUE(verteld.status == 1 && verteld.uitvoer.find(BESTAND) != std::string::npos) << verteld.uitvoer;
     EXPECT_EQ(regels(), "255255S4\n255255S5\n");
+    ASSERT_EQ(symlink("elders", "MUT01.RES"), 0);
+    const auto vreemd = test::in_proces([] {
+        als(1);
+        MUTATIEHAAK = kasmut_reeks;
+        return mutaties_herstel() && mutatie('S', "6");
+    });
+    EXPECT_EQ(vreemd.uitvoer.find("MUT01.RES\nis niet van dit programma"), 0u) << vreemd.uitvoer;
+    EXPECT_EQ(regels(), "255255S4\n255255S5\n255255S6\n");
 }
 
 // A disk that takes a part of a line, or nothing; a part that somebody has left.

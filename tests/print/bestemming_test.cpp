@@ -101,6 +101,8 @@ TEST_F(Bestemmingen, ToFile) {
         {"elders/lijst.pdf", PRT_40, "6 lijst.pdf 40x64 pdf"},
         {nullptr, PRT_80, "no"},
         {"0123456789012345678901234567890123456789", PRT_80, "no"},
+        {"elders/89012345678901234567890123456789.PDF", PRT_80,
+         "6 89012345678901234567890123456789.PDF 80x64 pdf"}, // its ending doesn't count
         {"elders/fifo", PRT_80, "no"},
         {"geen/lijst.txt", PRT_80, "no"},
     };

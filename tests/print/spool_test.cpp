@@ -266,8 +266,13 @@ TEST_F(Spool, Damaged) {
         return spool_verstuur(slot, &job) ? 1 : 2;
     });
     EXPECT_TRUE(spool_lees(slot, "PRAA00.JOB", &terug) && terug.stand == Spoolstand::wacht);
-    spool_weg(job);
+    IOUNLINK("PRAA00"); // by hand, before any of it was out
+    job.stand = Spoolstand::fout, job.sessie = 5;
+    EXPECT_TRUE(spool_schrijf(slot, job));
     close(slot);
+    EXPECT_EQ(spool_achtergebleven("").size(), 1u);
+    EXPECT_NE(volgende().find("is verwijderd"), std::string::npos);
+    EXPECT_EQ(FILES_PRESENT("PR*"), 0);
     ASSERT_TRUE(begin(Printweg::map, "uit"));
     regels("regel", 1);
     IOUNLINK(printopdracht.spool.c_str());

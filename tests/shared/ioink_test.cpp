@@ -265,11 +265,23 @@ TEST_F(Prijzen, FreeRecordsAndCounters) {
         {"goes round", 3, 4, 3, "r=3) -> Prijzenbestand inconsistent"},
         {"goes astray", 3, 4, 0, "r=0) -> Prijzenbestand inconsistent"},
     };
-    for (const auto& s : standen) {
-        SCOPED_TRACE(s.wat);
+    const auto klaar = [] {
         opnieuw();
         EXPECT_TRUE(zet(100, 200, 5));
         twee_vrije();
+    };
+    klaar();
+    const std::string heel = lees_bestand("DTIPG.TXT") + lees_bestand("DTSYS.TXT");
+    EXPECT_EQ(ink_herstel(), 0);
+    EXPECT_EQ(lees_bestand("DTIPG.TXT") + lees_bestand("DTSYS.TXT"), heel) << "a sound chain stays";
+    zet_getal("DTSYS.TXT", 8 * 64, 4); // no free ones: the next comes at the end
+    for (const int records : {2, 1}) { // the set's are 0 and 1
+        EXPECT_EQ(truncate("DTIPG.TXT", records * 40), 0);
+        EXPECT_EQ(ioink_past(4), records == 2) << "a set leads behind the file";
+    }
+    for (const auto& s : standen) {
+        SCOPED_TRACE(s.wat);
+        klaar();
         ioink_close();
         zet_getal("DTSYS.TXT", 8 * 64, s.kop);
         zet_getal("DTSYS.TXT", 8 * 64 + 4, s.hoogste);

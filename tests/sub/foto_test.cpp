@@ -5,6 +5,7 @@
 #include "store/rebuild.h"
 #include "sub/afb_hdl.h"
 #include "sub/omserie.h"
+#include "support/proces.h"
 #include "support/roepstoring.h"
 #include "support/systeem.h"
 #include "term/toets.h"
@@ -58,6 +59,7 @@ struct Fotomap : Systeem {
         EXPECT_EQ(system("rm -rf foto; mkdir -p foto/nieuw foto/0103"), 0);
         schrijf_bestand(NIEUW, std::string(5000, 'n'));
         schrijf_bestand(EERSTE, "oud");
+        schrijf_bestand(EERSTE + ".2147483647", "a copy whose maker was killed");
     }
 };
 
@@ -124,8 +126,16 @@ TEST_F(Fotomap, KilledAndRefused) {
                     EXPECT_NE(stand().find(r.goed.back()), std::string::npos);
                     EXPECT_FALSE(IOEXISTS("foto/0103/ZOMER.02.PCX"));
                 }
-                EXPECT_TRUE(!klaar || system("ls foto/0103 | grep -qv PCX$") != 0) << "nothing beside";
+                EXPECT_TRUE(!klaar || r.goed.size() < 3 || system("ls foto/0103 | grep -qv PCX$") != 0)
+                    << "nothing beside";
             }
+    schrijf_bestand(NIEUW, vol);
+    schrijf_bestand("foto/0104", "");
+    const Afloop plat = in_proces([] {
+        in();
+        return afb_import(104);
+    });
+    EXPECT_EQ(plat.uitvoer, "foto/0104\nis geen map\n");
 }
 
 } // namespace

@@ -110,11 +110,14 @@ TEST_F(Maten, Bars) {
 // A refused bar can be written again, or left.
 TEST_F(Maten, BarsAtEachWrite) {
     zet(4, maatbalkrec{1, {0x0A}, {}}, SYS_MAATBALK);
-    auto lijst = [] {
-        begin();
+    auto kies = [] {
         balk_open(1, 1, nullptr);
         uint8_t maten[MAATBYTES] = {};
         maatbalk_kiezen("STVW", maten);
+    };
+    auto lijst = [&] {
+        begin();
+        kies();
     };
     auto stand = [] {
         open();
@@ -126,7 +129,7 @@ TEST_F(Maten, BarsAtEachWrite) {
         begin();
         test::echt = SYS.pwrite, test::over = 0;
         SYS.pwrite = test::stoor;
-        lijst();
+        kies();
         return balken();
     });
     t.toetsen("<Down>wn<Esc>");

@@ -118,6 +118,12 @@ TEST_F(Druk, TestPageAndWhatIsLeft) {
         EXPECT_EQ(sh("zgdruk jobs").tekst, "") << weg;
         EXPECT_EQ(FILES_PRESENT("PR*"), 0) << weg;
     }
+    sh("zgdruk test 2 -c 2; mkfifo f; sed -Ei \"s,^apparaat /dev/full,apparaat $PWD/f,\" PR*.JOB");
+    EXPECT_EQ(sh("timeout 60 zgdruk send --all --no-wait").status, 0); // nobody reads yet
+    EXPECT_TRUE(sh("timeout 60 cat f").zegt("%PDF-"));
+    sh("zgdruk test 2 -c 2; rm PR????");
+    EXPECT_TRUE(sh("zgdruk jobs").zegt("its report was removed"));
+    EXPECT_EQ(sh("zgdruk drop -a").status, 0);
     EXPECT_EQ(sh("zgdruk send PRAA00").status, 3);
     EXPECT_EQ(sh("zgdruk drop DTSYS.TXT").status, 3);
     EXPECT_EQ(sh("zgdruk send").status, 2);
