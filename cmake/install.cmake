@@ -11,7 +11,7 @@ endforeach()
 install(DIRECTORY ${CMAKE_BINARY_DIR}/terminfo DESTINATION ${data})
 install(DIRECTORY ${CMAKE_BINARY_DIR}/catalogues DESTINATION ${data} OPTIONAL
         REGEX "/catalogues/(ZEBCAT|DETAIL)$|[.]msg$" EXCLUDE) # the Dutch texts are in the programs
-install(DIRECTORY data/demo DESTINATION ${data})
+install(DIRECTORY data/demo DESTINATION ${data} PATTERN README EXCLUDE)
 file(GLOB pages docs/*.md)
 list(FILTER pages EXCLUDE REGEX "(architecture|benchmark|decisions)[.]md$") # those are for who works on the sources
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR})
