@@ -14,6 +14,7 @@
 #include "tools/dump.h"
 #include "tools/paar.h"
 #include "tools/tool.h"
+#include "tools/wie.h"
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
@@ -230,7 +231,8 @@ std::string wie_gebruikt(const std::string& map) {
             open = naam;
         SYS.close(fd);
         if (pid)
-            return naam + " by process " + std::to_string(pid);
+            return naam + " by " +
+                   wie_is(pid, SYS.open((map + "/DTSYS.TXT").c_str(), O_RDONLY | O_CLOEXEC, 0));
     }
     return open;
 }

@@ -4,6 +4,7 @@
 #include "shared/files.h"
 #include "shared/iotab.h"
 #include "tools/drukwerk.h"
+#include "tools/wie.h"
 #include <cstdio>
 #include <cstring>
 
@@ -71,8 +72,11 @@ Uitkomst druk_gebruikers(bool zetten) {
             return v.code == druk_wens.code && v.nummer == druk_wens.verbinding;
         }))
         return meld(FOUT_GEVONDEN, "the printer has no connection " + std::to_string(druk_wens.verbinding));
-    if (!iotab_probeer(&nr, &g, SYS_GEBRUIKER))
-        return meld(IN_GEBRUIK, druk_wens.gebruiker + " is at work");
+    if (!iotab_probeer(&nr, &g, SYS_GEBRUIKER)) {
+        const int64_t start = SYS_GEBRUIKER.start + int64_t{nr - 1} * SYS_GEBRUIKER.grootte;
+        const std::string wie = wie_is(IOLOCKPID(iotab_fd(), start, SYS_GEBRUIKER.grootte), -1);
+        return meld(IN_GEBRUIK, druk_wens.gebruiker + " is at work" + (wie.empty() ? "" : " (" + wie + ")"));
+    }
     if (in_overgave(g)) {
         iotab('U', &nr, &g, SYS_GEBRUIKER);
         return meld(IN_GEBRUIK, druk_wens.gebruiker + " is at work");

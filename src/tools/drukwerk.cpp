@@ -7,6 +7,7 @@
 #include "term/natl.h"
 #include "term/vast.h"
 #include "tools/teksten.h"
+#include "tools/wie.h"
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -62,7 +63,8 @@ Uitkomst wacht_op(const std::string& beschrijving) {
         if (hoe == Spoolpad::blijft)
             return meld(FOUT_GEVONDEN, "not printed: " + toon(job.reden) + "; kept as " + toon(job.spool));
         if (std::chrono::steady_clock::now() > grens)
-            return meld(IN_GEBRUIK, "still being sent: " + toon(spool_bestand(beschrijving)));
+            return meld(IN_GEBRUIK,
+                        "still being sent: " + toon(spool_bestand(beschrijving)) + open_bij(beschrijving));
         std::this_thread::sleep_for(STAP);
     }
 }
@@ -108,8 +110,11 @@ Uitkomst elk(const std::function<Uitkomst(int, spooljob*)>& daad) {
         const int fd = spool_neem(spool_bestand(naam).empty() ? spool_beschrijving(naam) : naam, &job);
         Uitkomst uit;
         if (fd < 0)
-            uit = errno == EAGAIN ? meld(IN_GEBRUIK, naam + ": is being sent")
-                                  : meld(NIET_TE_OPENEN, naam + ": no such job");
+            uit = errno == EAGAIN
+                      ? meld(IN_GEBRUIK,
+                             naam + ": is being sent" +
+                                 open_bij(spool_bestand(naam).empty() ? spool_beschrijving(naam) : naam))
+                      : meld(NIET_TE_OPENEN, naam + ": no such job");
         else {
             uit = daad(fd, &job);
             SYS.close(fd);

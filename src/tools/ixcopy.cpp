@@ -2,8 +2,6 @@
 // copied; the copy is made beside its target, checked and moved into place whole.
 #include "shared/files.h"
 #include "store/diepcheck.h"
-#include "store/node.h"
-#include "store/wachtrij.h"
 #include "tools/opdracht.h"
 #include "tools/schrijver.h"
 #include "tools/werkmap.h"
@@ -25,20 +23,6 @@ bool kopieer(int van, const std::string& naar, int64_t bytes, Balk& balk, int64_
             return false;
     }
     return uit.af();
-}
-
-// Nobody in the copy will ever write the keys that are being entered in the original.
-bool leeg_wachtrij(const std::string& index, const IXHEADER& h) {
-    const int fd = SYS.open(index.c_str(), O_RDWR | O_CLOEXEC, 0);
-    IXKNOOP leeg{};
-    leeg.keyno = 1;
-    const bool goed = fd >= 0 && (IXRESERVERINGEN(fd, h).empty() ||
-                                  SYSSCHRIJFOP(fd, &leeg, sizeof leeg, int64_t{h.nkeys + 1} * IXBLOK));
-    const int fout = errno;
-    if (fd >= 0)
-        SYS.close(fd);
-    errno = fout;
-    return goed;
 }
 
 } // namespace
@@ -68,7 +52,7 @@ int ixcopy(const Opdracht& o) {
             return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
     }
     paar_los(&paar);
-    if (!leeg_wachtrij(hier + ".INX", paar.kop))
+    if (!paar_wis_wachtrij(hier + ".INX"))
         return klacht(doel, strerror(errno)), FOUT_GEVONDEN;
     if (!o.zonder_check) {
         std::vector<std::string> bevindingen;

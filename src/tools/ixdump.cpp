@@ -3,6 +3,7 @@
 #include "shared/woordenboek.h"
 #include "tools/dump.h"
 #include "tools/opdracht.h"
+#include "tools/uitvoer.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -83,11 +84,6 @@ int schrijf(const Opdracht& o, const std::vector<Veld>& velden, const std::vecto
         if (!dump.goed())
             return klacht(o.bestand, strerror(errno)), FOUT_GEVONDEN;
     }
-    if (fflush(uit) != 0)
-        return klacht(o.bestand, strerror(errno)), FOUT_GEVONDEN;
-    if (paar.datbytes % reclen != 0)
-        return klacht(paar.naam, "the data file ends inside a record; those bytes are left out"),
-               FOUT_GEVONDEN;
     return GOED;
 }
 
@@ -117,13 +113,17 @@ int ixdump(const Opdracht& o) {
         for (int fd : {paar.idx, paar.dat})
             if (fstat(fd, &hier) == 0 && hier.st_dev == s.st_dev && hier.st_ino == s.st_ino)
                 return klacht(o.bestand, "is the pair itself"), FOUT_GEBRUIKT;
-    FILE* uit = o.bestand.empty() ? stdout : fopen(o.bestand.c_str(), "we");
-    if (!uit)
+    Uitvoer uit(o.bestand);
+    if (!uit.stroom())
         return klacht(o.bestand, strerror(errno)), NIET_TE_OPENEN;
-    int uitkomst = schrijf(o, velden, eisen, paar, uit);
-    if (uit != stdout && fclose(uit) != 0 && uitkomst == GOED)
+    if (int uitkomst = schrijf(o, velden, eisen, paar, uit.stroom()))
+        return uitkomst;
+    if (!uit.af())
         return klacht(o.bestand, strerror(errno)), FOUT_GEVONDEN;
-    return uitkomst;
+    if (paar.datbytes % paar.kop.reclen != 0)
+        return klacht(paar.naam, "the data file ends inside a record; those bytes are left out"),
+               FOUT_GEVONDEN;
+    return GOED;
 }
 
 } // namespace zg

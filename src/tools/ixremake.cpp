@@ -11,6 +11,7 @@
 #include "sub/omserie.h"
 #include "term/natl.h"
 #include "tools/opdracht.h"
+#include "tools/wie.h"
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -98,17 +99,20 @@ std::string plan(const Paar& paar, const Opdracht& o, Bouwplan* p) {
     return {};
 }
 
-// A user at work in the pair's directory: the process that holds a slot of DTSYS.TXT, 0 for none, and below 0 with errno
-// when that file is there and can't be looked into.
-int64_t wie_werkt(const std::string& naam) {
+// A user at work in the pair's directory, who holds a slot of DTSYS.TXT; empty for none. That file may be there and not be
+// looked into.
+std::string wie_werkt(const std::string& naam) {
     const std::string map = naam.substr(0, naam.rfind('/') + 1);
     const int fd = SYS.open((map + "DTSYS.TXT").c_str(), O_RDONLY | O_CLOEXEC, 0);
     if (fd < 0)
-        return errno == ENOENT ? 0 : -1;
+        return errno == ENOENT ? ""
+                               : std::string("DTSYS.TXT can't be opened (") + strerror(errno) +
+                                     "), so a user may be at work";
     const int64_t pid =
         IOLOCKPID(fd, SYS_GEBRUIKER.start, int64_t{SYS_GEBRUIKER.slots} * SYS_GEBRUIKER.grootte);
+    const std::string wie = wie_is(pid, fd);
     SYS.close(fd);
-    return pid;
+    return wie.empty() ? "" : "a user is at work (" + wie + ")";
 }
 
 // Of the reserved keys of a series file the first that the notes of a user at work name: the series that he is making.
@@ -179,12 +183,11 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
                FOUT_GEVONDEN;
     // A program that has it open would go on by the definition that it knows.
     if (p->nieuw && ((paar.idx >= 0 && elders_open(paar.idx)) || elders_open(paar.dat)))
-        return klacht(naam, "in use: a program has it open"), IN_GEBRUIK;
+        return klacht(naam, "in use: a program has it open" +
+                                open_bij(naam + (elders_open(paar.dat) ? ".TXT" : ".INX"))),
+               IN_GEBRUIK;
     if (!p->gereserveerd.empty() && !o.dwing)
-        if (const int64_t pid = wie_werkt(naam)) {
-            const std::string wie = pid < 0 ? std::string("DTSYS.TXT can't be opened (") + strerror(errno) +
-                                                  "), so a user may be at work"
-                                            : "a user is at work (process " + std::to_string(pid) + ")";
+        if (const std::string wie = wie_werkt(naam); !wie.empty()) {
             for (const std::string& s : p->gereserveerd)
                 klacht(naam, "key reserved: " + CP850UTF8(s));
             return klacht(naam, "not rebuilt: " + wie + " and these keys may be his; --force clears them"),

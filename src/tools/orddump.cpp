@@ -7,6 +7,7 @@
 #include "tools/ordjson.h"
 #include "tools/ordplaats.h"
 #include "tools/tool.h"
+#include "tools/wie.h"
 #include <CLI/CLI.hpp>
 #include <array>
 #include <cerrno>
@@ -118,12 +119,13 @@ int een(const Wens& w, const std::string& pad) {
     int uitkomst = GOED;
     if (!kwalen.empty())
         uitkomst = aan_het_werk(fd, voor) ? IN_GEBRUIK : FOUT_GEVONDEN;
+    const std::string wie = uitkomst == IN_GEBRUIK ? door_wie(pad, fd, 0, 1) : "";
     close(fd);
     fflush(stdout);
     for (const ordkwaal& k : kwalen)
         klacht(pad, "at " + std::to_string(k.pos) + ": " + k.wat);
     if (uitkomst == IN_GEBRUIK)
-        klacht(pad, "in use: this may be half written, look again later");
+        klacht(pad, "in use" + wie + ": this may be half written, look again later");
     if (w.check)
         printf("%s: %s, %lld orders, %lld models, %lld lines, %lld records%s\n", pad.c_str(),
                soort == ORD_WERK ? "work file" : "journal", static_cast<long long>(telling.orders),

@@ -5,7 +5,9 @@
 #include "store/diepcheck.h"
 #include "store/node.h"
 #include "store/voortgang.h"
+#include "store/wachtrij.h"
 #include "term/vast.h"
+#include "tools/wie.h"
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -40,11 +42,6 @@ template <class F> bool binnen_de_tijd(int seconden, F probeer) {
         timespec t{0, 1'000'000'000 / PER_SECONDE};
         nanosleep(&t, nullptr);
     }
-}
-
-std::string door(int fd, int64_t lengte) {
-    const int64_t pid = IOLOCKPID(fd, 0, lengte);
-    return pid ? " by process " + std::to_string(pid) : "";
 }
 
 } // namespace
@@ -88,7 +85,7 @@ int paar_vast(Paar* paar, int seconden) {
     }
     if (binnen_de_tijd(seconden, [&] { return IOLOCK('E', paar->idx, 0, IXBLOK); }))
         return paar->vast = true, GOED;
-    klacht(paar->naam, "in use" + door(paar->idx, IXBLOK));
+    klacht(paar->naam, "in use" + door_wie(paar->naam, paar->idx, 0, IXBLOK));
     return IN_GEBRUIK;
 }
 
@@ -104,9 +101,25 @@ int paar_alleen(Paar* paar, int seconden) {
     });
     if (gelukt)
         return paar->vast = paar->idx >= 0, GOED;
-    klacht(paar->naam,
-           record ? "in use: a record is locked" + door(paar->dat, 0) : "in use" + door(paar->idx, IXBLOK));
+    klacht(paar->naam, record ? "in use: a record is locked" + door_wie(paar->naam, paar->dat, 0, 0)
+                              : "in use" + door_wie(paar->naam, paar->idx, 0, IXBLOK));
     return IN_GEBRUIK;
+}
+
+bool paar_wis_wachtrij(const std::string& index) {
+    const int fd = SYS.open(index.c_str(), O_RDWR | O_CLOEXEC, 0);
+    IXHEADER h;
+    IXKNOOP leeg{};
+    leeg.keyno = 1;
+    bool goed = fd >= 0;
+    if (goed && SYSLEES(fd, &h, sizeof h, 0) == static_cast<ssize_t>(sizeof h) && !IXDEFFOUT(h) &&
+        !IXRESERVERINGEN(fd, h).empty())
+        goed = SYSSCHRIJFOP(fd, &leeg, sizeof leeg, int64_t{h.nkeys + 1} * IXBLOK);
+    const int fout = errno;
+    if (fd >= 0)
+        SYS.close(fd);
+    errno = fout;
+    return goed;
 }
 
 bool elders_open(int fd) {

@@ -40,6 +40,8 @@ int paar_neem(const std::string& naam, int seconden, Paar* paar);
 // Take the whole pair, no record locked by others, at most `seconden` long; answers as paar_vast. The data file comes
 // first and goes again while the header can't be had: who holds that may be waiting for a record.
 int paar_alleen(Paar* paar, int seconden);
+// The reserved keys away from the index file of a copy, which nobody will ever write. False with errno.
+bool paar_wis_wachtrij(const std::string& index);
 // Has a program the file open, with or without a lock? Where the system can't tell, none has.
 bool elders_open(int fd);
 

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <unistd.h>
 
 namespace zg {
@@ -23,6 +24,42 @@ void rapport() {
     if (eerst_doen)
         eerst_doen();
     tool_weg(NIET_TE_OPENEN);
+}
+
+// What a word may be, for a shell: one of "{a,b}", or what its name says.
+std::string soort(const CLI::Option& o) {
+    static const std::map<std::string, const char*> NAMEN = {
+        {"DIR", "dir"},       {"TARGET", "dir"}, {"REPORTS", "dir"},  {"--directory", "dir"},
+        {"PAIR", "pair"},     {"FILE", "file"},  {"JOURNAL", "file"}, {"--input", "file"},
+        {"--output", "file"}, {"--port", "file"}};
+    const std::string type = o.get_type_name();
+    if (const size_t haak = type.find('{'); haak != std::string::npos)
+        return type.substr(haak, type.find('}') + 1 - haak);
+    const std::string naam = o.get_lnames().empty() ? o.get_name(true) : "--" + o.get_lnames()[0];
+    const auto n = NAMEN.find(naam);
+    return n == NAMEN.end() ? "text" : n->second;
+}
+
+// The words that a command knows, a row each: command, its letter, its word, flag or value or arg, what it may be, what
+// it is for. data/completion makes the shells' files of it.
+void woordenlijst(const CLI::App& app, const std::string& opdracht) {
+    for (const CLI::Option* o : app.get_options()) {
+        const auto &kort = o->get_snames(), &lang = o->get_lnames();
+        const bool arg = kort.empty() && lang.empty();
+        printf("%s\t%s\t%s\t%s\t%s\t%s\n", opdracht.c_str(), kort.empty() ? "" : ("-" + kort[0]).c_str(),
+               arg            ? o->get_name(true).c_str()
+               : lang.empty() ? ""
+                              : ("--" + lang[0]).c_str(),
+               arg                                ? "arg"
+               : o->get_items_expected_max() == 0 ? "flag"
+                                                  : "value",
+               soort(*o).c_str(), o->get_description().c_str());
+    }
+    for (const CLI::App* s : app.get_subcommands([](const CLI::App*) { return true; })) {
+        printf("%s\t\t%s\tcommand\t\t%s\n", opdracht.c_str(), s->get_name().c_str(),
+               s->get_description().c_str());
+        woordenlijst(*s, s->get_name());
+    }
 }
 
 } // namespace
@@ -63,6 +100,11 @@ void tool_kop(CLI::App& app, const char* statussen) {
 }
 
 bool tool_woorden(CLI::App& app, int argc, char** argv, int* uit) {
+    if (argc == 2 && strcmp(argv[1], "--words") == 0) {
+        woordenlijst(app, "");
+        *uit = tool_einde(GOED);
+        return false;
+    }
     try {
         app.parse(argc, argv);
         return true;

@@ -27,7 +27,8 @@ std::string toon(std::string bytes);
 void tool_begin(const char* naam, void (*eerst)() = nullptr);
 // Its version, and the line on its exit status under the help.
 void tool_kop(CLI::App& app, const char* statussen);
-// The words given: false when they are wrong or ask for help, which has been told, and *uit is what main answers.
+// The words given: false when they are wrong or ask for help, which has been told, and *uit is what main answers. For
+// "--words" alone the words that the tool knows are told.
 bool tool_woorden(CLI::App& app, int argc, char** argv, int* uit);
 // Into the data directory; "" stays in the present one. GOED, or NIET_TE_OPENEN, told.
 Uitkomst tool_map(const std::string& map);

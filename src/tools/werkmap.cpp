@@ -2,14 +2,19 @@
 #include "shared/files.h"
 #include "shared/syscalls.h"
 #include "tools/paar.h"
+#include "tools/wie.h"
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace zg {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -39,15 +44,44 @@ bool maak_gereed(const std::string& nieuw, const std::string& doel) {
     return goed;
 }
 
+constexpr char SJABLOON[] = ".ixwerkXXXXXX";
+
+// A directory that this program has for itself from now on, -1 when another has it or it is gone.
+int neem(const std::string& map) {
+    const int fd = SYS.open(map.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+    struct stat st;
+    if (fd >= 0 && flock(fd, LOCK_EX | LOCK_NB) == 0 && SYS.fstat(fd, &st) == 0 && st.st_nlink > 0)
+        return fd;
+    const int fout = errno;
+    if (fd >= 0)
+        SYS.close(fd);
+    errno = fout;
+    return -1;
+}
+
+// Killed behind its first rename a maker leaves the old data file under this name alone.
+bool enige_kopie(const std::string& vorige) {
+    struct stat st;
+    return stat(vorige.c_str(), &st) == 0 && st.st_nlink == 1;
+}
+
 constexpr int SIGNALEN[] = {SIGINT, SIGTERM, SIGHUP};
 std::array<std::string, 5> op_te_ruimen; // paths, ready for a signal
 
 } // namespace
 
 Werkmap::Werkmap(const std::string& doel) {
-    std::string naam = map_van(doel) + "/.ixwerkXXXXXX";
-    if (!mkdtemp(naam.data()))
-        return;
+    veeg(map_van(doel));
+    std::string naam;
+    while (slot_ < 0) { // another may sweep it between the making and the lock: once more
+        naam = map_van(doel) + "/" + SJABLOON;
+        if (!mkdtemp(naam.data()))
+            return;
+        slot_ = neem(naam);
+        if (slot_ < 0 && errno != EWOULDBLOCK &&
+            IOISDIR(naam.c_str())) // no locks here: nobody can sweep either
+            break;
+    }
     pad_ = naam;
     const std::string paar = naam + "/" + tabelnaam(doel);
     op_te_ruimen = {paar + ".INX", paar + ".TXT", naam + "/keten", naam + "/vorige", naam};
@@ -57,6 +91,30 @@ Werkmap::Werkmap(const std::string& doel) {
             signal(nr, SIG_DFL);
             raise(nr);
         });
+}
+
+Werkmap::~Werkmap() {
+    ruim_op();
+    if (slot_ >= 0)
+        SYS.close(slot_);
+}
+
+void Werkmap::veeg(const std::string& map) {
+    std::error_code fout;
+    for (const auto& e : fs::directory_iterator(map, fout)) {
+        if (!IOPAST(".ixwerk??????", e.path().filename().c_str()))
+            continue;
+        const int fd = neem(e.path());
+        if (fd < 0)
+            continue;
+        if (enige_kopie(e.path() / "vorige"))
+            klacht((e.path() / "vorige").string(), "the old records of a load that was killed; left alone");
+        else
+            for (const auto& f : fs::directory_iterator(e.path(), fout))
+                SYS.unlink(f.path().c_str());
+        SYS.rmdir(e.path().c_str());
+        SYS.close(fd);
+    }
 }
 
 void Werkmap::ruim_op() {
@@ -80,7 +138,8 @@ int Werkmap::naar(const std::string& doel, bool vervang, int seconden) {
         if (int fout = paar_alleen(&oud, seconden))
             return fout;
         if (elders_open(oud.dat) || elders_open(oud.idx))
-            return klacht(doel, "in use: a program has it open"), IN_GEBRUIK;
+            return klacht(doel, "in use: a program has it open" + open_bij(elders_open(oud.dat) ? txt : inx)),
+                   IN_GEBRUIK;
     }
     for (int s : SIGNALEN) // not between the two
         signal(s, SIG_IGN);

@@ -8,11 +8,14 @@ namespace zg {
 class Werkmap {
 public:
     explicit Werkmap(const std::string& doel);
-    ~Werkmap() { ruim_op(); }
+    ~Werkmap();
     Werkmap(const Werkmap&) = delete;
     Werkmap& operator=(const Werkmap&) = delete;
     bool goed() const { return !pad_.empty(); } // else errno tells
     const std::string& pad() const { return pad_; }
+    // What killed loads and copies left in a directory, taken away; one that somebody works in, or that holds the only
+    // copy of a data file, stays, the latter told. The makers of new ones do this.
+    static void veeg(const std::string& map);
     // Put the pair that was made here on disk and in the target's place. An existing pair must be free: every
     // lock of it is taken first, at most `seconden` long. An Uitkomst, failures told.
     int naar(const std::string& doel, bool vervang, int seconden);
@@ -22,6 +25,7 @@ public:
 
 private:
     std::string pad_;
+    int slot_ = -1; // holds the directory, so that nobody sweeps it
 };
 
 } // namespace zg

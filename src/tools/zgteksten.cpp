@@ -83,5 +83,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     schrijf(wat == "ZEBCAT" ? ZEBCAT : DETAIL);
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+        fprintf(stderr, "zgteksten: standard output: write failed\n");
+        return 1;
+    }
     return 0;
 }

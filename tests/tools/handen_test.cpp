@@ -18,6 +18,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -297,7 +298,8 @@ TEST_F(Handen, RemakeByTheDictionaryLeavesRecordsAsLongAsTheyAre) {
     const std::string voor = paar("DTSERPIC");
     ICB* icb = IXOPEN("DTSERPIC", 2); // holds no lock, and knows the old keys
     Uit u = sh("ixremake -d -w 0 DTSERPIC");
-    EXPECT_TRUE(u.status == 4 && u.zegt("a program has it open")) << u.tekst;
+    EXPECT_TRUE(u.status == 4 && u.zegt("a program has it open by process " + std::to_string(getpid())))
+        << u.tekst;
     IXLOCK(icb, 3); // record 0
     EXPECT_EQ(sh("ixremake -d -w 0 DTSERPIC").status, 4);
     IXCLOSE(icb);
@@ -403,4 +405,22 @@ TEST(Menu, WaitingForTheOwnSlotCanBeLeft) {
     ASSERT_TRUE(t.wacht("Informatie in gebruik door Joke")) << t.scherm();
     t.stuur("\x1b");
     EXPECT_EQ(t.einde(), 0);
+}
+
+// What killed loads left goes with the next one, but not what somebody works in, nor the last of the old records.
+TEST_F(Handen, DirectoriesOfKilledLoadsAreSwept) {
+    merken(20);
+    sh("mkdir .ixwerkDOOD01 .ixwerkDOOD02 .ixwerkLEEFT1 && touch .ixwerkDOOD01/DTMERK.TXT "
+       ".ixwerkDOOD01/keten && "
+       "echo oud >.ixwerkDOOD02/vorige && echo bezig >.ixwerkLEEFT1/DTMERK.TXT");
+    Agent bezig([] { return flock(open(".ixwerkLEEFT1", O_RDONLY | O_CLOEXEC), LOCK_EX) == 0; });
+    ASSERT_TRUE(bezig.ok());
+    for (int keer = 0; keer < 2; keer++) {
+        const Uit u = sh("ixcopy --replace DTMERK KOPIE");
+        EXPECT_TRUE(u.status == 0 && u.zegt("DOOD02/vorige: the old records")) << u.tekst;
+        EXPECT_EQ(sh("cat .ixwerk*/*; ls -d .ixwerk*").tekst, "oud\nbezig\n.ixwerkDOOD02\n.ixwerkLEEFT1\n");
+    }
+    bezig.dood();
+    EXPECT_EQ(sh("ixdump DTMERK | ixload --replace KOPIE").status, 0);
+    EXPECT_FALSE(IOISDIR(".ixwerkLEEFT1"));
 }

@@ -160,6 +160,36 @@ TEST_F(Tools, DumpOnlyWhatIsAskedFor) {
     }
 }
 
+// The shells' files know the tools' words, their values, and where a pair or a directory is meant.
+TEST_F(Tools, ShellsCompleteTheToolsWords) {
+    sh("mkdir map && touch DTMERK.INX DTMERK.TXT");
+    const struct {
+        const char *regel, *woorden;
+    } RIJEN[] = {
+        {"ixcheck ''", "DTMERK map"},
+        {"ixcheck --qu", "--quiet"},
+        {"ixdump -o DT", "DTMERK.INX DTMERK.TXT"},
+        {"zgedi mak", "make"},
+        {"zgedi -D ''", "map"},
+        {"orddump --kind w", "work"},
+        {"zgcopy m", "map"},
+        {"zgedi -D map method i", ""},
+        {"ordprint -f bra", "branch"},
+    };
+    for (const auto& r : RIJEN) {
+        const Uit u = sh(
+            std::string(
+                "bash -c '. \"" ZG_BINARY_DIR
+                "/completion/zgbestel\"; eval set -- \"$0\"; COMP_WORDS=(\"$@\"); "
+                "COMP_CWORD=$(($# - 1)); _zg_complete \"$1\"; printf \"%s\\n\" \"${COMPREPLY[@]}\" | sort | "
+                "paste -sd\" \"' \"") +
+            r.regel + "\"");
+        EXPECT_EQ(u.tekst, std::string(r.woorden) + "\n") << r.regel;
+    }
+    if (sh("command -v zsh").status == 0)
+        EXPECT_EQ(sh("zsh -n '" ZG_BINARY_DIR "/completion/_zgbestel'").tekst, "");
+}
+
 TEST_F(Tools, CheckTellsGoodDamagedMissingAndInUse) {
     maak(SOORTEN[3], 500);
     std::string inx = lees_bestand("VIJF.INX"), txt = lees_bestand("VIJF.TXT");

@@ -1,0 +1,235 @@
+// zgcopy: a copy has all of a directory as it stood at one moment, also while others write; what can't be copied leaves
+// nothing; and a copy in which something changed is told.
+#include "shared/files.h"
+#include "support/demomap.h"
+#include "support/paar.h"
+#include "support/proces.h"
+#include "support/rechten.h"
+#include "tools/shell.h"
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sys/file.h>
+#include <unistd.h>
+
+using namespace zg;
+using namespace zg::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Kopie : testing::Test {
+    DemoMap demo;
+    TijdelijkeMap map; // the present directory
+    std::string zgcopy(const std::string& naar = "kopie") const {
+        return "zgcopy " + demo.pad() + " " + naar;
+    }
+    static std::string inhoud(const std::string& waar) { return sh("ls -A " + waar).tekst; }
+};
+
+// A writer of two pairs and a file between them: everywhere the same number, but for the moment of one step.
+constexpr char EEN[] = "DTEEN", TWEE[] = "DTTWEE";
+void tel(const std::string& pad, uint32_t van) {
+    if (chdir(pad.c_str()) != 0)
+        return;
+    ICB *een = IXOPEN(EEN, 2), *twee = IXOPEN(TWEE, 2);
+    for (uint32_t n = van;; n++) {
+        uint8_t rec[IXRECMAX] = {};
+        memcpy(rec, &n, sizeof n);
+        IXWRITE(een, rec);
+        schrijf_bestand("TELLER.NEW", std::to_string(n));
+        if (rename("TELLER.NEW", "TELLER.TXT") != 0)
+            return;
+        IXWRITE(twee, rec);
+    }
+}
+
+} // namespace
+
+TEST_F(Kopie, HasAllOfItAndComesBack) {
+    const std::string d = demo.pad();
+    const Uit maak =
+        sh("cd " + d +
+           " && zgedi init internet && ln DTRCMSYS.TXT EDISYS.CVC && mkdir -p leeg/diep 'met spatie' && "
+           "echo x >'met spatie/a\\b' && ln -s DTLEV.TXT binnen && ln -s nergens los && mkfifo pijp && "
+           "chmod 0640 DTLEV.TXT && chmod 2770 leeg && touch SERNR01.RES && "
+           "mkdir .ixwerkAAAAAA ../buiten && echo y >../buiten/ver && ln -s ../buiten uit-huis && "
+           "touch -d '2016-03-01 12:00' ZGDEMO.MRK");
+    ASSERT_EQ(maak.status, 0) << maak.tekst;
+    Agent([&] { // a key that nobody in the copy will write
+        ICB* icb = chdir(d.c_str()) == 0 ? IXOPEN("DTMERK", 2) : nullptr;
+        uint8_t rec[IXRECMAX] = {0x67, 0x12};
+        return icb && IXREADL(icb, rec) == 0;
+    })
+        .dood();
+    ASSERT_TRUE(sh("ixcheck " + d + "/DTMERK").zegt("key reserved"));
+    const Uit u = sh(zgcopy());
+    ASSERT_EQ(u.status, 0) << u.tekst;
+    for (const char* noot :
+         {"pijp: no file", "los: a link that leads nowhere", "uit-huis: leads to", " pairs checked"})
+        EXPECT_TRUE(u.zegt(noot)) << noot << u.tekst;
+    EXPECT_FALSE(u.zegt("moved")) << u.tekst;
+    const Uit anders = sh("diff -r --no-dereference " + d + " kopie");
+    for (const char* mag : {"DTMERK.INX", ".ixwerkAAAAAA", "SERNR01.RES", "pijp", "uit-huis", "ZGCOPY.LST"})
+        EXPECT_TRUE(anders.zegt(mag)) << mag;
+    EXPECT_EQ(std::count(anders.tekst.begin(), anders.tekst.end(), '\n'), 6) << anders.tekst;
+    EXPECT_FALSE(sh("ixcheck kopie/DTMERK").zegt("reserved"));
+    EXPECT_TRUE(fs::equivalent("kopie/DTRCMSYS.TXT", "kopie/EDISYS.CVC")) << "two names of one file";
+    EXPECT_EQ(lees_bestand("kopie/uit-huis/ver"), "y\n");
+    EXPECT_EQ(rechten("kopie/DTLEV.TXT"), rechten(d + "/DTLEV.TXT"));
+    EXPECT_EQ(rechten("kopie/leeg"), rechten(d + "/leeg"));
+    EXPECT_EQ(rechten("kopie"), rechten(d));
+    EXPECT_TRUE(fs::last_write_time("kopie/ZGDEMO.MRK") == fs::last_write_time(d + "/ZGDEMO.MRK"));
+
+    EXPECT_EQ(sh("cd kopie && sha256sum --quiet -c ZGCOPY.LST").tekst, "");
+    EXPECT_TRUE(sh("zgcopy --check kopie").zegt("kopie: good, "));
+    ASSERT_EQ(sh("zgcopy kopie terug && diff -r --no-dereference -x ZGCOPY.LST kopie terug").status, 0);
+
+    const struct {
+        const char *wat, *schade, *zegt;
+        int status;
+    } SCHADES[] = {
+        {"a byte", "printf x | dd of=k/DTLEV.TXT bs=1 seek=40 conv=notrunc",
+         "DTLEV.TXT: its bytes have changed", 1},
+        {"longer", "echo >>k/ORDPARM.SYS", "ORDPARM.SYS: its bytes have changed", 1},
+        {"a file less", "rm k/2016Z/ORD0012.JRN", "2016Z/ORD0012.JRN: isn't there", 1},
+        {"an empty directory less", "rmdir k/leeg/diep", "leeg/diep: isn't there", 1},
+        {"a name with signs", "rm 'k/met spatie/a\\b'", "a\\b: isn't there", 1},
+        {"another kind", "rm k/DTLEV.TXT && mkdir k/DTLEV.TXT", "DTLEV.TXT: is of another kind", 1},
+        {"a pair that was damaged before",
+         "printf '\\001' | dd of=k/DTMERK.INX bs=1 seek=45 conv=notrunc && rm k/ZGCOPY.LST "
+         "&& zgcopy k l; rm -r k; mv l k",
+         "DTMERK: ", 1},
+        {"a file more", "touch k/nieuw", "note: nieuw: came later", 0},
+        {"a list cut off", "sed -i '$d' k/ZGCOPY.LST", "is cut off or damaged", 3},
+        {"a row less in it", "sed -i 3d k/ZGCOPY.LST", "is cut off or damaged", 3},
+        {"no list", "rm k/ZGCOPY.LST", "no copy, or not the whole of one", 3},
+    };
+    for (const auto& s : SCHADES) {
+        sh("rm -rf k; cp -a kopie k; " + std::string(s.schade));
+        const Uit na = sh("zgcopy --check k");
+        EXPECT_EQ(na.status, s.status) << s.wat << na.tekst;
+        EXPECT_TRUE(na.zegt(s.zegt)) << s.wat << na.tekst;
+    }
+}
+
+TEST_F(Kopie, WhatCantBeCopiedLeavesNothing) {
+    const std::string d = demo.pad();
+    const auto vast = [&](const char* bestand, int64_t van, int64_t lengte) {
+        const int fd = open((d + "/" + bestand).c_str(), O_RDWR | O_CLOEXEC);
+        return fd >= 0 && IOLOCK('E', fd, van, lengte) == 1;
+    };
+    const struct {
+        const char* wat;
+        std::function<bool()> houdt; // by another process
+        std::string voor, opdracht, zegt, blijft;
+        int status;
+    } GEVALLEN[] = {
+        {"not empty", {}, "mkdir kopie && touch kopie/iets", zgcopy(), "isn't empty", "iets\n", 2},
+        {"in itself", {}, "", zgcopy(d + "/kopie"), "in the directory that is copied", "", 2},
+        {"no data directory", {}, "mkdir leeg", "zgcopy leeg kopie", "DTSYS.TXT", "", 3},
+        {"a pair that another has for himself", [&] { return vast("DTLEV.INX", 0, 512); }, "",
+         zgcopy() + " -w 1", "DTLEV.INX: in use by process", "", 4},
+        {"free labels that another changes", [&] { return vast("DTSYS.TXT", 192, 64); }, "",
+         zgcopy() + " -w 0", "DTSYS.TXT: in use by process", "", 4},
+        {"another copy", [&] { return flock(open("kopie", O_RDONLY | O_CLOEXEC), LOCK_EX) == 0; },
+         "mkdir kopie", zgcopy(), "another copy is being made", "", 4},
+        {"what a killed one left",
+         {},
+         "mkdir -p kopie/.zgcopy/2016Z && touch kopie/.zgcopy/2016Z/x",
+         zgcopy("kopie/") + " -q",
+         "",
+         "",
+         0},
+        {"no room",
+         {},
+         "truncate -s 900T " + d + "/groot 2>/dev/null || truncate -s 15T " + d + "/groot",
+         zgcopy(),
+         "no room",
+         "",
+         1},
+    };
+    for (const auto& g : GEVALLEN) {
+        SCOPED_TRACE(g.wat);
+        sh("rm -rf kopie; " + g.voor);
+        const std::unique_ptr<Agent> houder = g.houdt ? std::make_unique<Agent>(g.houdt) : nullptr;
+        ASSERT_TRUE(!houder || houder->ok());
+        const Uit u = sh(g.opdracht);
+        EXPECT_EQ(u.status, g.status) << u.tekst;
+        EXPECT_TRUE(u.zegt(g.zegt)) << u.tekst;
+        EXPECT_TRUE(!g.zegt.ends_with("process") || u.zegt("process " + std::to_string(houder->pid())))
+            << u.tekst;
+        if (g.status)
+            EXPECT_EQ(fs::exists("kopie") ? inhoud("kopie") : "", g.blijft);
+        EXPECT_FALSE(fs::exists("kopie/.zgcopy") || fs::exists(d + "/kopie"));
+    }
+    // Broken off at any moment by a signal it removes what it made; killed it leaves what the next one sweeps.
+    sh("rm -rf kopie; rm -f " + d + "/groot; mkdir kopie; head -c 30000000 /dev/urandom >" + d + "/veel");
+    for (const char* sein : {"TERM", "INT", "KILL"})
+        for (const char* na : {"0.01", "0.05", "0.1", "0.2"}) {
+            const Uit u = sh("timeout -s " + std::string(sein) + " " + na + " " + zgcopy());
+            if (*sein != 'K' && u.status != 0)
+                EXPECT_EQ(inhoud("kopie"), "") << sein << na << u.tekst;
+            if (u.status == 0)
+                sh("rm -r kopie; mkdir kopie");
+        }
+    const Uit u = sh(zgcopy() + " && zgcopy --check kopie");
+    EXPECT_TRUE(u.status == 0 && u.zegt("kopie: good")) << u.tekst;
+}
+
+// Beside a writer who never stops: at the moment of the copy no number is further than the ones written before it, and
+// none is more than a step behind.
+TEST_F(Kopie, IsOfOneMoment) {
+    const std::string d = demo.pad();
+    ASSERT_EQ(in_proces([&] {
+                  if (chdir(d.c_str()) != 0)
+                      return 1;
+                  for (const char* naam : {EEN, TWEE})
+                      IXCLOSE(nieuw_paar(naam, {"tel,20", "k,NODUPS,I,1,4"}));
+                  return 0;
+              }).status,
+              0);
+    for (int keer = 0; keer < 6; keer++) {
+        const Afloop a = in_proces(
+            [&] {
+                const pid_t schrijver = fork();
+                if (schrijver == 0) {
+                    tel(d, static_cast<uint32_t>(keer) * 1'000'000 + 1);
+                    _exit(1);
+                }
+                const std::string kopie = "kopie" + std::to_string(keer);
+                const Uit u =
+                    sh("while [ ! -s " + d + "/TELLER.TXT ]; do sleep 0.01; done; " + zgcopy(kopie));
+                kill(schrijver, SIGKILL);
+                fputs(u.tekst.c_str(), stderr);
+                if (u.status != 0 || u.zegt("moved meanwhile"))
+                    return 1;
+                const std::string teller = lees_bestand(kopie + "/TELLER.TXT");
+                uint32_t een = 0, twee = 0;
+                if (chdir(kopie.c_str()) != 0)
+                    return 2;
+                for (auto [naam, n] : {std::pair{EEN, &een}, {TWEE, &twee}}) {
+                    ICB* icb = IXOPEN(naam, 0);
+                    uint8_t rec[IXRECMAX];
+                    memset(rec, 0x7F, sizeof rec);
+                    if (IXLAST(icb, rec) == 1)
+                        memcpy(n, rec, sizeof *n);
+                    IXCLOSE(icb);
+                }
+                const uint32_t midden = static_cast<uint32_t>(atoi(teller.c_str()));
+                fprintf(stderr, "%u %u %u\n", een, midden, twee);
+                const bool goed = een >= midden && midden >= twee && (een == midden || een == midden + 1) &&
+                                  (midden == twee || midden == twee + 1);
+                return goed ? 0 : 3;
+            },
+            60'000);
+        EXPECT_EQ(a.status, 0) << a.uitvoer;
+        if (testing::Test::HasFailure())
+            return;
+        sh("ixremake " + d + "/" + EEN + " " + d + "/" + TWEE); // the writer was killed
+    }
+}
