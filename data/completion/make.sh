@@ -82,7 +82,7 @@ mv "$output/zgbestel.new" "$output/zgbestel"
   echo "#compdef $*"
   echo "# Completion for zsh: the operators' tools. Made, not written."
   awk -F '\t' '
-    function clean(s) { gsub(/\047/, "\047\\\047\047", s); gsub(/[][:\\]/, "\\\\&", s); return s }
+    function clean(s) { gsub(/\047/, "\047\\\047\047", s); gsub(/\\|\[|\]|:/, "\\\\&", s); return s }
     function kind(k,   c) {
       if (k ~ /^{/) { c = substr(k, 2, length(k) - 2); gsub(",", " ", c); return "(" c ")" }
       return k == "dir" ? "_directories" : k == "file" ? "_files" : k == "pair" ? "_zg_pair" : " "

@@ -157,6 +157,8 @@ int kap_af(const Paar& paar, int reclen) {
     const int fout = errno;
     if (fd >= 0)
         SYS.close(fd);
+    if (fd >= 0 && !bewaard)
+        SYS.unlink(pad.c_str());
     if (!bewaard || SYS.ftruncate(paar.dat, heel) != 0)
         return klacht(pad, strerror(bewaard ? errno : fout)), FOUT_GEVONDEN;
     klacht(paar.naam,
@@ -200,13 +202,17 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
     return rest ? kap_af(paar, p->kop.reclen) : GOED;
 }
 
+std::string verse_index; // made where there was none, and not yet whole
+
 int maak(const std::string& naam, const Opdracht& o) {
     const std::string tabel = tabelnaam(naam);
     Bouwplan p;
     if (int fout = bereid_voor(naam, o, &p))
         return fout;
+    if (p.nieuw && !IOEXISTS((naam + ".INX").c_str()))
+        verse_index = naam + ".INX";
     if (p.nieuw && DDCREATE(DDNUMMER(tabel.c_str()), naam.c_str(), p.kop.reclen) == 0)
-        return klacht(naam, "the index can't be created"), FOUT_GEVONDEN;
+        return ixremake_ruim_op(), klacht(naam, "the index can't be created"), FOUT_GEVONDEN;
     std::vector<std::string> gewist;
     int gebouwd;
     {
@@ -214,8 +220,11 @@ int maak(const std::string& naam, const Opdracht& o) {
         // What was reserved since we looked is a living user's.
         gebouwd = IXBLDIX(naam.c_str(), p.gereserveerd.empty() ? nullptr : &gewist);
     }
-    if (!gebouwd)
-        return klacht(naam, "can't be rebuilt: something changed meanwhile, or the disk is full"),
+    if (gebouwd)
+        verse_index.clear();
+    else
+        return ixremake_ruim_op(),
+               klacht(naam, "can't be rebuilt: something changed meanwhile, or the disk is full"),
                FOUT_GEVONDEN;
     if (p.nieuw)
         gewist = p.gereserveerd;
@@ -238,6 +247,12 @@ int maak(const std::string& naam, const Opdracht& o) {
 }
 
 } // namespace
+
+void ixremake_ruim_op() {
+    if (!verse_index.empty())
+        SYS.unlink(verse_index.c_str());
+    verse_index.clear();
+}
 
 int ixremake(const Opdracht& o) {
     std::vector<std::string> namen;

@@ -170,6 +170,7 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
     if (!std::exchange(bezig, true)) {
         Werkmap::ruim_op();
         ixsh_geef_terug();
+        ixremake_ruim_op();
     }
     if (ixsh_sein) {
         signal(ixsh_sein, SIG_DFL);

@@ -38,5 +38,7 @@ int ixsh(const Opdracht& o);
 // given up.
 extern volatile std::sig_atomic_t ixsh_sein;
 void ixsh_geef_terug();
+// The same for an index that ixremake is making where there was none.
+void ixremake_ruim_op();
 
 } // namespace zg

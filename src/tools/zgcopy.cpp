@@ -230,8 +230,8 @@ int kopieer() {
     for (const std::string& naam : m.kritiek)
         zeg("user " + naam +
             " was in a critical step: behind a restore zgcheck has to look before zgstatus free");
-    for (const auto* noten : {&in_handen, &buiten, &k.noten})
-        for (const std::string& n : *noten)
+    for (const auto& noten : {in_handen, buiten, k.noten})
+        for (const std::string& n : noten)
             zeg(n);
     for (const std::string& kwaal : kwalen)
         klacht("", kwaal);

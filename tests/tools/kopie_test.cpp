@@ -53,11 +53,11 @@ void tel(const std::string& pad, uint32_t van) {
 TEST_F(Kopie, HasAllOfItAndComesBack) {
     const std::string d = demo.pad();
     const Uit maak =
-        sh("cd " + d +
+        sh("m=" + map.pad() + "; cd " + d +
            " && zgedi init internet && ln DTRCMSYS.TXT EDISYS.CVC && mkdir -p leeg/diep 'met spatie' && "
            "echo x >'met spatie/a\\b' && ln -s DTLEV.TXT binnen && ln -s nergens los && mkfifo pijp && "
            "chmod 0640 DTLEV.TXT && chmod 2770 leeg && touch SERNR01.RES && "
-           "mkdir .ixwerkAAAAAA ../buiten && echo y >../buiten/ver && ln -s ../buiten uit-huis && "
+           "mkdir .ixwerkAAAAAA $m/buiten && echo y >$m/buiten/ver && ln -s $m/buiten uit-huis && "
            "touch -d '2016-03-01 12:00' ZGDEMO.MRK");
     ASSERT_EQ(maak.status, 0) << maak.tekst;
     Agent([&] { // a key that nobody in the copy will write
@@ -163,8 +163,9 @@ TEST_F(Kopie, WhatCantBeCopiedLeavesNothing) {
         EXPECT_TRUE(u.zegt(g.zegt)) << u.tekst;
         EXPECT_TRUE(!g.zegt.ends_with("process") || u.zegt("process " + std::to_string(houder->pid())))
             << u.tekst;
-        if (g.status)
+        if (g.status) {
             EXPECT_EQ(fs::exists("kopie") ? inhoud("kopie") : "", g.blijft);
+        }
         EXPECT_FALSE(fs::exists("kopie/.zgcopy") || fs::exists(d + "/kopie"));
     }
     // Broken off at any moment by a signal it removes what it made; killed it leaves what the next one sweeps.
@@ -172,8 +173,9 @@ TEST_F(Kopie, WhatCantBeCopiedLeavesNothing) {
     for (const char* sein : {"TERM", "INT", "KILL"})
         for (const char* na : {"0.01", "0.05", "0.1", "0.2"}) {
             const Uit u = sh("timeout -s " + std::string(sein) + " " + na + " " + zgcopy());
-            if (*sein != 'K' && u.status != 0)
+            if (*sein != 'K' && u.status != 0) {
                 EXPECT_EQ(inhoud("kopie"), "") << sein << na << u.tekst;
+            }
             if (u.status == 0)
                 sh("rm -r kopie; mkdir kopie");
         }

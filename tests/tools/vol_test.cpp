@@ -55,12 +55,12 @@ TEST(Vol, NoToolEndsWellOnAFullDisk) {
         const char *voor, *opdracht;
         int blokken = 2; // free at most, tried downwards
     } RIJEN[] = {
-        {"", "ixdump -o vol/uit $d/DTLEV"},
+        {"", "ixdump -o vol/uit $d/DTLEV", 0},
         {"", "ixdump $d/DTLEV | ixload vol/DTLEV"},
         {"cp $d/DTLEV.??? vol", "ixdump $d/DTLEV | ixload --replace -i - vol/DTLEV"},
         {"cp $d/DTLEV.??? vol", "ixdump $d/DTLEV | ixload --replace vol/DTLEV"},
         {"", "ixcopy $d/DTLEV vol"},
-        {"cp $d/DTLEV.TXT vol", "ixremake -d vol/DTLEV"},
+        {"cp $d/DTLEV.TXT vol", "ixremake -d vol/DTLEV", 0},
         {"cp $d/DTLEV.??? vol; printf x >>vol/DTLEV.TXT", "ixremake -t vol/DTLEV", 0},
         {"", "zgcopy $d vol/kopie"},
         {"", "ordprint -o vol/order $d/2016Z/ORD0012.JRN", 0},
