@@ -12,6 +12,9 @@ install(DIRECTORY ${CMAKE_BINARY_DIR}/terminfo DESTINATION ${data})
 install(DIRECTORY ${CMAKE_BINARY_DIR}/catalogues DESTINATION ${data} OPTIONAL
         REGEX "/catalogues/(ZEBCAT|DETAIL)$|[.]msg$" EXCLUDE) # the Dutch texts are in the programs
 install(DIRECTORY data/demo DESTINATION ${data} PATTERN README EXCLUDE)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/completion/bash/ DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        OPTIONAL)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/completion/zsh/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions OPTIONAL)
 file(GLOB pages docs/*.md)
 list(FILTER pages EXCLUDE REGEX "(architecture|benchmark|decisions)[.]md$") # those are for who works on the sources
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR})

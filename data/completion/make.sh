@@ -1,11 +1,11 @@
 #!/bin/sh
 # usage: make.sh PROGRAMS OUTPUT TOOL...
-# Completion of the tools' words for bash (OUTPUT/zgbestel) and zsh (OUTPUT/_zgbestel), out of what each tool in the
+# Completion of the tools' words for bash (OUTPUT/bash, a link a tool) and zsh (OUTPUT/zsh/_zgbestel), out of what each tool in the
 # directory PROGRAMS says of itself (TOOL --words).
 set -eu
 programs=$1 output=$2
 shift 2
-mkdir -p "$output"
+mkdir -p "$output/bash" "$output/zsh"
 list=$output/words
 : >"$list.new"
 for tool; do
@@ -37,8 +37,8 @@ awk -F '\t' '
       }
       print ")"
     }
-  }' "$list" >"$output/zgbestel.new"
-cat >>"$output/zgbestel.new" <<'END'
+  }' "$list" >"$output/bash/zgbestel.new"
+cat >>"$output/bash/zgbestel.new" <<'END'
 _zg_kind() { # what may stand here, by its kind
   local IFS=$'\n'
   compopt -o filenames 2>/dev/null
@@ -75,8 +75,9 @@ _zg_complete() {
   fi
 }
 END
-echo "complete -F _zg_complete $*" >>"$output/zgbestel.new"
-mv "$output/zgbestel.new" "$output/zgbestel"
+echo "complete -F _zg_complete $*" >>"$output/bash/zgbestel.new"
+mv "$output/bash/zgbestel.new" "$output/bash/zgbestel"
+for tool; do ln -sf zgbestel "$output/bash/$tool"; done # looked for by the name of the command
 
 {
   echo "#compdef $*"
@@ -117,5 +118,5 @@ mv "$output/zgbestel.new" "$output/zgbestel"
       }
     }' "$list"
   echo '_zg_${service}'
-} >"$output/_zgbestel.new"
-mv "$output/_zgbestel.new" "$output/_zgbestel"
+} >"$output/zsh/_zgbestel.new"
+mv "$output/zsh/_zgbestel.new" "$output/zsh/_zgbestel"

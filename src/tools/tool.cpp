@@ -29,9 +29,9 @@ void rapport() {
 // What a word may be, for a shell: one of "{a,b}", or what its name says.
 std::string soort(const CLI::Option& o) {
     static const std::map<std::string, const char*> NAMEN = {
-        {"DIR", "dir"},       {"TARGET", "dir"}, {"REPORTS", "dir"},  {"--directory", "dir"},
-        {"PAIR", "pair"},     {"FILE", "file"},  {"JOURNAL", "file"}, {"--input", "file"},
-        {"--output", "file"}, {"--port", "file"}};
+        {"DIR", "dir"},      {"TARGET", "dir"},      {"DIRECTORY", "dir"}, {"--from", "dir"},
+        {"REPORTS", "dir"},  {"--directory", "dir"}, {"PAIR", "pair"},     {"FILE", "file"},
+        {"JOURNAL", "file"}, {"--input", "file"},    {"--output", "file"}, {"--port", "file"}};
     const std::string type = o.get_type_name();
     if (const size_t haak = type.find('{'); haak != std::string::npos)
         return type.substr(haak, type.find('}') + 1 - haak);

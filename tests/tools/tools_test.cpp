@@ -180,14 +180,14 @@ TEST_F(Tools, ShellsCompleteTheToolsWords) {
         const Uit u = sh(
             std::string(
                 "bash -c '. \"" ZG_BINARY_DIR
-                "/completion/zgbestel\"; eval set -- \"$0\"; COMP_WORDS=(\"$@\"); "
+                "/completion/bash/zgbestel\"; eval set -- \"$0\"; COMP_WORDS=(\"$@\"); "
                 "COMP_CWORD=$(($# - 1)); _zg_complete \"$1\"; printf \"%s\\n\" \"${COMPREPLY[@]}\" | sort | "
                 "paste -sd\" \"' \"") +
             r.regel + "\"");
         EXPECT_EQ(u.tekst, std::string(r.woorden) + "\n") << r.regel;
     }
     if (sh("command -v zsh").status == 0) {
-        EXPECT_EQ(sh("zsh -n '" ZG_BINARY_DIR "/completion/_zgbestel'").tekst, "");
+        EXPECT_EQ(sh("zsh -n '" ZG_BINARY_DIR "/completion/zsh/_zgbestel'").tekst, "");
     }
 }
 

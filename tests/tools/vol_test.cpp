@@ -68,13 +68,13 @@ TEST(Vol, NoToolEndsWellOnAFullDisk) {
         {"",
          "zgdemo vol/demo; s=$?; rm -rf vol/demo; (exit $s)"}, // marked as broken off, and begun anew next time
         {"", "(cd $d && MACRO=$m/vol zgmacro load k)"},
-        {"", "(cd $d && ZEBPRT=$m/vol zgdruk load $s/data/demo/printers.txt)"},
+        {"", "(cd $d && ZEBPRT=$m/vol zgdruk load \"$s\"/data/demo/printers.txt)"},
         {"cp $d/DTSYS.TXT vol", "(cd vol && zgedi init internet)", 0},
     };
     for (const auto& r : RIJEN)
         for (int vrij = 0; vrij <= r.blokken; vrij++) {
             const Uit u =
-                sh("export m=" + map.pad() + " d=" + demo.pad() + " s=" ZG_SOURCE_DIR "; mkdir -p vol; " +
+                sh("export m=" + map.pad() + " d=" + demo.pad() + " s=\"" ZG_SOURCE_DIR "\"; mkdir -p vol; " +
                    schijf + " sh -c 'mount -t tmpfs -o size=400k none vol; " + (*r.voor ? r.voor : ":") +
                    "; som() { find vol ! -name vulling ! -type d -exec cksum {} + | sort; find vol -type d | "
                    "sort; }; "
