@@ -246,7 +246,7 @@ TEST(Afdruk, FromTheLineScreen) {
     p.t.toetsen("RFKMDlijst<Enter>8");
     EXPECT_TRUE(p.t.wacht("Vastgelegd in uit/lijst.pdf")) << p.t.scherm();
     p.t.toetsen("<Enter>RFKMD.<Enter>");
-    EXPECT_TRUE(p.t.wacht("NAAR BESTAND")) << p.t.scherm();
+    EXPECT_TRUE(p.t.wacht("Invalid path to outputfile")) << p.t.scherm();
     p.t.toetsen("<Enter>RFKMS");
     EXPECT_TRUE(p.t.wacht("Einde overzicht")) << p.t.scherm();
     EXPECT_TRUE(p.t.wacht("Orderomschrijving: Voorjaar")) << p.t.scherm();
