@@ -1,22 +1,30 @@
-# The translator's sources of both message catalogues, made from the tables of texts, and compiled by gencat: in
-# ${CMAKE_BINARY_DIR}/catalogues. A warning of gencat means a message left out, so it fails the build.
-file(GLOB tabellen CONFIGURE_DEPENDS src/*/teksten.def src/*/*/teksten.def)
+# Both message catalogues, in ${CMAKE_BINARY_DIR}/catalogues: of the program's own texts, and in a directory for each
+# translation data/taal/LANGUAGE.po, where the programs find them. A warning of gencat means a message left out, so it
+# fails the build; the test "texts" looks whether a translation fits.
+file(GLOB tabellen CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR} src/*/teksten.def src/*/*/teksten.def)
 set(alle "")
 foreach(tabel ${tabellen})
-  string(APPEND alle "#include \"${tabel}\"\n")
+  string(APPEND alle "#undef TEKSTMAP\n#define TEKSTMAP \"${tabel}\"\n#include \"${CMAKE_SOURCE_DIR}/${tabel}\"\n")
 endforeach()
 file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/tables/teksten_alle.def CONTENT "${alle}")
-add_executable(zgteksten src/tools/zgteksten.cpp)
-target_include_directories(zgteksten PRIVATE src ${CMAKE_BINARY_DIR})
+add_executable(zgteksten src/tools/zgteksten.cpp src/tools/taaltabel.cpp src/tools/taalkeur.cpp
+               src/tools/pobestand.cpp)
+target_include_directories(zgteksten PRIVATE ${CMAKE_BINARY_DIR})
 target_compile_options(zgteksten PRIVATE ${ZG_WARNINGS})
+target_link_libraries(zgteksten PRIVATE zg_term)
+file(GLOB vertalingen CONFIGURE_DEPENDS data/taal/*.po)
 find_program(GENCAT gencat)
+set(catalogues)
 if(GENCAT)
-  set(catalogues)
-  foreach(naam ZEBCAT DETAIL)
-    set(uit ${CMAKE_BINARY_DIR}/catalogues/${naam})
-    add_custom_command(OUTPUT ${uit} DEPENDS zgteksten ${CMAKE_SOURCE_DIR}/data/catalogue.sh VERBATIM
-      COMMAND ${CMAKE_SOURCE_DIR}/data/catalogue.sh ${GENCAT} $<TARGET_FILE:zgteksten> ${naam} ${uit})
-    list(APPEND catalogues ${uit})
+  foreach(vertaling "" ${vertalingen})
+    cmake_path(GET vertaling STEM taal)
+    foreach(naam ZEBCAT DETAIL)
+      set(uit ${CMAKE_BINARY_DIR}/catalogues)
+      cmake_path(APPEND uit "${taal}" ${naam})
+      add_custom_command(OUTPUT ${uit} DEPENDS zgteksten ${CMAKE_SOURCE_DIR}/data/catalogue.sh ${vertaling} VERBATIM
+        COMMAND ${CMAKE_SOURCE_DIR}/data/catalogue.sh ${GENCAT} $<TARGET_FILE:zgteksten> ${naam} ${uit} ${vertaling})
+      list(APPEND catalogues ${uit})
+    endforeach()
   endforeach()
-  add_custom_target(catalogues ALL DEPENDS ${catalogues})
 endif()
+add_custom_target(catalogues ALL DEPENDS ${catalogues})

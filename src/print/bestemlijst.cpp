@@ -5,6 +5,7 @@
 #include "shared/arraylijst.h"
 #include "term/menu.h"
 #include "term/scherm.h"
+#include "term/teksten.h"
 #include "term/toets.h"
 #include "term/vast.h"
 #include <algorithm>
@@ -72,7 +73,7 @@ std::string prt_lijstregel(const Bestemming& b) {
     snprintf(uit, sizeof uit, "%-12.12s %-20.20s %-29.29s %3hd %4hd %-1.1s %1s", veld(b.printer.naam).c_str(),
              veld(b.verbinding.naam).c_str(), veld(b.config.omschrijving).c_str(),
              static_cast<short>(b.config.kolommen), static_cast<short>(b.config.rijen),
-             TXT(b.config.staand ? T_PRT_STAAND : T_PRT_LIGGEND), b.verbinding.map ? "J" : "N");
+             TXT(b.config.staand ? T_PRT_STAAND : T_PRT_LIGGEND), TXT(b.verbinding.map ? T_JA : T_NEE));
     return uit;
 }
 

@@ -110,10 +110,13 @@ std::string txt(const char* naam) {
 
 const DDRIJ* const DDRIJEN = rijen;
 
-char* DDTITLE(int bestandnr, char* buffer) {
+namespace {
+
+// 18 characters of a title without blanks at its ends; `vertaald`: in the user's language.
+char* in_buffer(int bestandnr, bool vertaald, char* buffer) {
     buffer[0] = '\0';
     if (const Tekst* t = titel(bestandnr)) {
-        snprintf(buffer, 19, "%-.18s", TXT(*t));
+        snprintf(buffer, 19, "%-.18s", vertaald ? TXT(*t) : t->standaard);
         std::replace(buffer, buffer + strlen(buffer), ',', ' '); // a comma would end the title in a key text
         size_t n = strlen(buffer);
         while (n && buffer[n - 1] == ' ')
@@ -121,6 +124,12 @@ char* DDTITLE(int bestandnr, char* buffer) {
         memmove(buffer, buffer + strspn(buffer, " "), n - std::min(n, strspn(buffer, " ")) + 1);
     }
     return buffer;
+}
+
+} // namespace
+
+char* DDTITLE(int bestandnr, char* buffer) {
+    return in_buffer(bestandnr, true, buffer);
 }
 
 int DDROW(int bestandnr, int keynr, DDRIJ* rij) {
@@ -163,7 +172,7 @@ int DDDEFINIEER(ICB* icb, int bestandnr, const char* naam, int reclen) {
     if (!DDROW(bestandnr, 1, &r))
         return 0;
     char buffer[19], tekst[160];
-    if (!*DDTITLE(bestandnr, buffer))
+    if (!*in_buffer(bestandnr, false, buffer)) // what stands in a file is of no language of a user's
         snprintf(buffer, sizeof buffer, "%s", IOBASENAME(naam));
     snprintf(tekst, sizeof tekst, "%-.19s,%d", buffer, reclen ? reclen : r.reclen);
     IXUPDFCB(icb, 0, tekst);

@@ -73,7 +73,7 @@ void regel_breedte() {
         waarde(" " + std::to_string(SCHERM.decimalen) + " ");
         label(TXT(T_HELP_CIJFERS_KOMMA));
     } else if (SCHERM.type == 'D') {
-        label("  (DDMMJJ)");
+        label((std::string("  ") + TXT(T_HELP_DDMMJJ)).c_str());
     }
 }
 

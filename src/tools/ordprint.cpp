@@ -215,7 +215,6 @@ int doe() {
     seizoensmap = plaats.seizoen;
     if (chdir(plaats.map.c_str()) != 0 || access("DTSYS.TXT", R_OK) != 0)
         return klacht(plaats.map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
-    CATOPEN();
     alleen_lezen();
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);

@@ -2,8 +2,10 @@
 #include "shared/versie.h"
 #include "term/natl.h"
 #include "term/scherm.h"
+#include "term/tekst.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -90,6 +92,8 @@ void tool_begin(const char* naam, void (*eerst)()) {
     toolnaam = naam;
     eerst_doen = eerst;
     SCRFATALHAAK = rapport;
+    CATOPEN();
+    setlocale(LC_MESSAGES, "C"); // what the system says stays as English as the tool
     signal(SIGPIPE, SIG_DFL);
     signal(SIGXFSZ, SIG_IGN);
 }

@@ -202,9 +202,7 @@ Uitkomst scherm() {
         return meld(FOUT_GEBRUIKT, "setup needs a terminal");
     SCRFATALHAAK = nullptr; // a report has its box
     SCRINIT();
-    CATOPEN();
     edi_scherm();
-    CATCLOSE();
     SCREXIT();
     return GOED;
 }

@@ -8,6 +8,7 @@
 #include "print/zenden.h"
 #include "shared/report.h"
 #include "shared/versie.h"
+#include "term/tekst.h"
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -32,6 +33,7 @@ int gebruik() {
 
 int main(int argc, char** argv) {
     VERSIE_OF_HULP("zgspoel", HULP, argc, argv);
+    CATOPEN(); // a refusal is told to a user, in the language of who printed
     bool wacht = false, heeft_slot = false;
     for (int c; (c = getopt(argc, argv, "w3")) != -1;)
         if (c == 'w')
