@@ -53,6 +53,7 @@ bool dubbele(std::string s) {
 
 struct Vertaling {
     std::map<std::string, const Porij*> rijen;
+    std::vector<std::pair<std::string, std::string>> antwoorden; // as texts name them, and as these should
     const std::string& van(const Tekst& t) const {
         static const std::string leeg;
         auto r = rijen.find(tekst_sleutel(t));
@@ -60,7 +61,6 @@ struct Vertaling {
     }
 };
 
-// The ways in which texts name the answers, with those of the translation.
 std::vector<std::pair<std::string, std::string>> antwoorden(const Vertaling& v) {
     std::string ja = "J", nee = "N";
     for (const Tekstrij& r : TEKSTRIJEN)
@@ -101,7 +101,7 @@ void keur(const Tekstrij& r, const Porij& po, const Vertaling& v) {
         fout(wie, "its columns aren't those of \"" + bron + "\"");
     if (plaats && plaats->soort == Tekstplaats::letters && (uit.size() != bron.size() || dubbele(uit)))
         fout(wie, "letters missing, or one twice");
-    for (auto [ons, hun] : antwoorden(v))
+    for (const auto& [ons, hun] : v.antwoorden)
         if (bron.find(ons) != std::string::npos && uit.find(hun) == std::string::npos)
             fout(wie, "doesn't name the answers " + hun);
 }
@@ -151,6 +151,7 @@ int taal_keur(const Pobestand& po) {
             fout(r.sleutel, "stands twice");
         over.insert(r.sleutel);
     }
+    v.antwoorden = antwoorden(v);
     for (const Tekstrij& r : TEKSTRIJEN) {
         auto rij = v.rijen.find(tekst_sleutel(r.tekst));
         if (rij == v.rijen.end())

@@ -10,7 +10,7 @@ namespace {
 // The file with `door` for the line of `veld` under `sleutel`.
 std::string met(std::string po, const std::string& sleutel, const std::string& veld,
                 const std::string& door) {
-    const size_t rij = po.find("msgctxt \"" + sleutel + "\"\n"), p = po.find("\n" + veld + " ", rij) + 1;
+    const size_t rij = po.find("msgctxt \"" + sleutel + "\"\n"), p = po.find("\n" + veld + " ", rij - 1) + 1;
     EXPECT_NE(rij, po.npos) << sleutel;
     return po.replace(p, po.find('\n', p) - p, door);
 }
