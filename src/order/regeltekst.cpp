@@ -26,7 +26,7 @@ const Label LABELS[] = {
     {3, 62, &T_F_BRUTO},      {4, 1, &T_F_COLLECTIE},   {4, 42, &T_F_REGELS},     {4, 62, &T_F_NETTO},
     {5, 1, &T_F_ORDERNUMMER}, {5, 42, &T_F_KORTING},    {5, 62, &T_F_INKOOP},     {7, 2, &T_K_MERK},
     {7, 7, &T_K_MODEL},       {7, 23, &T_K_MATERIAAL},  {7, 36, &T_K_DESSIN},     {7, 49, &T_K_KENMERK},
-    {7, 52, &T_K_ARTGR},      {7, 58, &T_K_KLEUR},      {7, 62, &T_K_DOELGROEP},  {7, 70, &T_K_NETTO},
+    {7, 52, &T_K_ARTGR},      {7, 58, &T_K_KLEUR},      {7, 62, &T_K_DOELGROEP},
 };
 
 constexpr int REGELBREEDTE = 78;
@@ -90,7 +90,7 @@ const char* regel_tekst(regelloop* loop, bool herhaald, const ors_ingang& ingang
 void order_frame() {
     for (const Label& l : LABELS)
         SCRPUT(A_LABEL, l.rij, l.kolom, "%s", TXT(*l.tekst));
-    SCRPUT(A_LABEL, 7, 64, "%5.5s", TXT(T_K_STUKS));
+    SCRPUT(A_LABEL, 7, 64, "%5.5s %5.5s", TXT(T_K_STUKS), TXT(T_K_NETTO)); // above their digits
     SCRLIJN(A_LIJN_LABEL, 6, 1, L_HORIZONTAAL, SCHERM.cols);
 }
 
