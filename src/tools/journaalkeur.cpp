@@ -7,66 +7,68 @@
 #include "order/prijswerk.h"
 #include "order/register.h"
 #include "shared/files.h"
-#include <algorithm>
-#include <cctype>
-#include <cerrno>
+#include "term/strings.h"
+#include "tools/systeemkeur.h"
 #include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <functional>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-namespace fs = std::filesystem;
-
-bool cijfers(const std::string& s, size_t van, size_t n) {
-    return s.size() >= van + n &&
-           std::all_of(s.begin() + static_cast<ptrdiff_t>(van), s.begin() + static_cast<ptrdiff_t>(van + n),
-                       [](unsigned char c) { return isdigit(c) != 0; });
-}
-
-// "2016Z" and "ORD0012.JRN"
-bool is_seizoen(const std::string& naam) {
-    return naam.size() == 5 && cijfers(naam, 0, 4) && isupper(static_cast<unsigned char>(naam[4]));
-}
 // Of a supplier, with that extension.
 bool is_van(const std::string& naam, const char* ext) {
     return naam.starts_with("ORD") && naam.ends_with(ext) && naam.size() > 7 &&
-           cijfers(naam, 3, naam.size() - 7);
-}
-bool is_journaal(const std::string& naam) {
-    return is_van(naam, ".JRN");
+           naam.find_first_not_of("0123456789", 3) == naam.size() - 4;
 }
 uint16_t leverancier_van(const std::string& naam) {
     return static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10));
 }
 
-std::vector<std::string> namen_in(const std::string& map,
-                                  const std::function<bool(const std::string&)>& soort) {
+std::vector<std::string> namen_in(const std::string& map, const char* ext) {
     std::vector<std::string> uit;
-    std::error_code fout;
-    for (const auto& e : fs::directory_iterator(map, fout))
-        if (soort(e.path().filename()))
-            uit.push_back(e.path().filename());
-    std::sort(uit.begin(), uit.end());
+    for (const std::string& naam : keur_namen(map))
+        if (is_van(naam, ext))
+            uit.push_back(naam);
     return uit;
 }
 
-struct Bestand {
-    explicit Bestand(const std::string& pad) : fd(open(pad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-    ~Bestand() {
-        if (fd >= 0)
-            close(fd);
+// Master data that a journal names and that isn't there any more. An order may outlive it.
+struct Verwijzing {
+    const stamboek* boek;
+    keurhoop hoop = {};
+
+    void zie(const keurnummers& bekend, int32_t nummer, const char* wat) {
+        if (!bekend.kent(nummer))
+            hoop.zie(VORM("%s %d isn't there", wat, nummer));
     }
-    Bestand(const Bestand&) = delete;
-    Bestand& operator=(const Bestand&) = delete;
-    int fd;
+    void kop(const ordkop& k) {
+        zie(boek->leveranciers, k.leverancier, "supplier");
+        zie(boek->leveranciers, k.agent, "agent");
+    }
+    void model(const ordmodel& m) {
+        zie(boek->merken, m.merk, "brand");
+        zie(boek->groepen, m.artikelgroep, "article group");
+        zie(boek->maatsoorten, m.maatsoort, "size type");
+    }
 };
 
-void orders_van(int fd, const std::string& pad, bool in_hand, journalen* j) {
+// Where a journal stands tells whose orders are in it.
+struct Plaats {
+    std::string map, naam; // "2016Z" and the file's; that of supplier 0 stands in the data directory
+    uint16_t leverancier;
+    std::string pad() const { return (leverancier ? map + "/" : "") + naam; }
+    std::string naast(const char* ext) const { return map + VORM("/ORD%04u", leverancier) + ext; }
+};
+
+void kop_keur(const ordkop& k, const Plaats& plaats, int64_t offset, std::vector<std::string>* kwalen) {
+    const std::string waar = "at " + std::to_string(offset) + ": ";
+    if (k.leverancier != plaats.leverancier)
+        kwalen->push_back(waar + "an order of supplier " + std::to_string(k.leverancier));
+    if (VORM("%04u%c", k.jaar, k.seizoen) != plaats.map)
+        kwalen->push_back(waar + VORM("an order of season %04u%c", k.jaar, k.seizoen));
+}
+
+void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek,
+                std::vector<std::string>* kwalen, journalen* j) {
     ordloop l;
     ordrauw r;
     ordmodel m{};
@@ -75,7 +77,10 @@ void orders_van(int fd, const std::string& pad, bool in_hand, journalen* j) {
         if (r.tag == 'O') {
             ordkop k;
             memcpy(&k, r.data + 1, sizeof k);
-            j->orders.push_back({pad + " at " + std::to_string(r.offset),
+            kop_keur(k, plaats, r.offset, kwalen);
+            if (boek->boek)
+                boek->kop(k);
+            j->orders.push_back({plaats.pad() + " at " + std::to_string(r.offset),
                                  k.leverancier,
                                  k.jaar,
                                  k.orderdatum,
@@ -86,10 +91,14 @@ void orders_van(int fd, const std::string& pad, bool in_hand, journalen* j) {
                                  in_hand});
         } else if (r.tag == 'M') {
             memcpy(&m, r.data + 1, sizeof m);
+            if (boek->boek)
+                boek->model(m);
         } else if (r.tag == 'D' && !j->orders.empty()) {
             orddessin d;
             memcpy(&d, r.data + 1, sizeof d);
             j->regels++;
+            if (boek->boek)
+                boek->zie(boek->boek->kleuren, d.kleur, "colour");
             if (d.geregistreerd)
                 j->orders.back().series.emplace(sleutel_van({m.artikelgroep, d.kleur, d.volgnummer}),
                                                 uint16_t{d.tijdstempel});
@@ -97,32 +106,68 @@ void orders_van(int fd, const std::string& pad, bool in_hand, journalen* j) {
     }
 }
 
-void lees_journaal(const std::string& map, const std::string& naam, int filialen, journalen* j) {
-    const std::string pad = map + "/" + naam, wrk = pad.substr(0, pad.size() - 3) + "WRK";
-    const Bestand b(pad);
-    if (b.fd < 0) {
-        if (errno == ENOENT) // an emptied one went meanwhile
-            return;
-        j->kwalen.push_back(pad + ": " + strerror(errno));
-        j->leveranciers_stuk.insert(leverancier_van(naam));
-        return;
+// An order that a program broke off in: what becomes of it. False when it has one under way itself.
+bool werk_keur(const Plaats& plaats, int filialen, keurbestanden* uit) {
+    const std::string wrk = plaats.naast(".WRK");
+    if (IOSIZE(wrk.c_str()) <= 0)
+        return true;
+    keurbestand b{wrk, ""};
+    const keurlezer l(wrk);
+    ordtelling telling{};
+    if (l.fd >= 0 && !IOLOCK('T', l.fd, 0, 1)) {
+        b.noten.push_back("in use by " + keur_proces(IOLOCKPID(l.fd, 0, 1)));
+    } else {
+        std::vector<ordkwaal> kwalen;
+        if (l.fd >= 0)
+            kwalen = ord_controle(l.fd, ORD_WERK, filialen, &telling);
+        if (l.fd < 0)
+            b.kwalen.push_back(l.fout);
+        else if (!kwalen.empty() || IOSIZE(plaats.naast(".ACT").c_str()) != int64_t{sizeof(act_record)})
+            b.kwalen.push_back("a broken-off order that can't be restored (" +
+                               (kwalen.empty()
+                                    ? "no ACT file that tells where it belongs"
+                                    : "at " + std::to_string(kwalen[0].pos) + ": " + kwalen[0].wat) +
+                               "); it goes when the supplier is chosen again");
+        else
+            b.noten.push_back("a broken-off order, restored when the supplier is chosen again");
+        b.telling = keur_aantal(telling.regels, "lines");
     }
-    bool in_hand = !IOLOCK('T', b.fd, 0, 1);
+    uit->push_back(std::move(b));
+    return false;
+}
+
+void lees_journaal(const Plaats& plaats, int filialen, const stamboek* stam, journalen* j) {
+    keurbestand b{plaats.pad(), ""};
+    const keurlezer l(plaats.pad());
+    bool in_hand = !werk_keur(plaats, filialen, &j->per_bestand);
     if (in_hand)
-        j->noten.push_back(pad + ": in use");
-    else if (IOSIZE(wrk.c_str()) > 0) {
+        j->leveranciers_in_hand.insert(plaats.leverancier);
+    if (l.fd < 0) {
+        if (!IOEXISTS(plaats.pad().c_str())) // an emptied one went meanwhile
+            return;
+        b.kwalen.push_back(l.fout);
+        j->leveranciers_stuk.insert(plaats.leverancier);
+        return j->per_bestand.push_back(std::move(b));
+    }
+    if (!IOLOCK('T', l.fd, 0, 1)) {
         in_hand = true;
-        j->noten.push_back(wrk + ": a broken-off order, restored when the supplier is chosen again");
+        b.noten.push_back("in use by " + keur_proces(IOLOCKPID(l.fd, 0, 1)));
     }
     ordtelling telling;
-    for (const ordkwaal& k : ord_controle(b.fd, ORD_JOURNAAL, filialen, &telling)) {
-        (in_hand ? j->noten : j->kwalen).push_back(pad + " at " + std::to_string(k.pos) + ": " + k.wat);
-        j->leveranciers_stuk.insert(leverancier_van(naam));
-    }
+    std::vector<std::string> kwalen;
+    for (const ordkwaal& k : ord_controle(l.fd, ORD_JOURNAAL, filialen, &telling))
+        kwalen.push_back("at " + std::to_string(k.pos) + ": " + k.wat);
+    if (!kwalen.empty())
+        j->leveranciers_stuk.insert(plaats.leverancier);
     j->bestanden++;
-    orders_van(b.fd, pad, in_hand, j);
+    Verwijzing boek{stam};
+    orders_van(l.fd, plaats, in_hand, &boek, &kwalen, j);
+    (in_hand ? b.noten : b.kwalen) = std::move(kwalen);
+    boek.hoop.meld(&b.noten);
+    b.telling = keur_aantal(telling.orders, "orders, ") + keur_aantal(telling.regels, "lines");
+    j->per_bestand.push_back(std::move(b));
     if (in_hand)
-        j->leveranciers_in_hand.insert(leverancier_van(naam));
+        j->leveranciers_in_hand.insert(plaats.leverancier);
 }
 
 // A change of many labels that was noted and isn't finished: of prices, or of what the header has for all of them.
@@ -151,29 +196,61 @@ const Nootsoort NOTEN[] = {
 };
 
 void lees_noot(const Nootsoort& soort, const std::string& pad, journalen* j) {
+    keurbestand b{pad, "a change under way"};
     if (const std::string wat = soort.lees(pad); !wat.empty())
-        j->noten.push_back(pad + ": " + wat + " half changed, finished when the supplier is chosen again");
+        b.noten.push_back(wat + " half changed, finished when the supplier is chosen again");
     else if (IOEXISTS(pad.c_str())) // else it was finished meanwhile
-        j->kwalen.push_back(pad + ": damaged: " + soort.vraag + " can't be told");
+        b.kwalen.push_back(std::string("damaged: ") + soort.vraag + " can't be told");
+    j->per_bestand.push_back(std::move(b));
+}
+
+void lees_seizoen(const std::string& map, int filialen, const stamboek* boek, journalen* j) {
+    j->seizoenen.insert({static_cast<uint16_t>(strtoul(map.c_str(), nullptr, 10)), map[4]});
+    std::set<std::string> gezien;
+    for (const std::string& naam : namen_in(map, ".JRN")) {
+        const Plaats plaats{map, naam, leverancier_van(naam)};
+        gezien.insert(plaats.naast(".WRK"));
+        lees_journaal(plaats, filialen, boek, j);
+    }
+    if (const Plaats nul{map, "ORD" + map + ".JRN", 0}; IOEXISTS(nul.pad().c_str())) {
+        gezien.insert(nul.naast(".WRK"));
+        lees_journaal(nul, filialen, boek, j);
+    }
+    // A new order of a supplier without a journal has a work file alone until its commit.
+    for (const std::string& naam : namen_in(map, ".WRK"))
+        if (const Plaats plaats{map, naam, leverancier_van(naam)};
+            !gezien.contains(map + "/" + naam) && !werk_keur(plaats, filialen, &j->per_bestand))
+            j->leveranciers_in_hand.insert(plaats.leverancier);
+    for (const Nootsoort& soort : NOTEN)
+        for (const std::string& naam : namen_in(map, soort.ext))
+            lees_noot(soort, map + "/" + naam, j);
 }
 
 } // namespace
 
-journalen journalen_lees(int filialen) {
+std::vector<std::string> keur_seizoenen() {
+    std::vector<std::string> uit;
+    for (const std::string& naam : keur_namen("."))
+        if (keur_past("####@", naam) && IOISDIR(naam.c_str()))
+            uit.push_back(naam);
+    return uit;
+}
+
+std::vector<std::string> werkresten(const std::string& seizoen) {
+    std::vector<std::string> uit;
+    for (const char* ext : {".WRK", ".TMP", ".ORS", ".ACT", ".PRN", ".LBN"})
+        for (const std::string& naam : namen_in(seizoen, ext)) {
+            const std::string pad = seizoen + "/" + naam;
+            if (IOSIZE((pad.substr(0, pad.size() - 4) + ".WRK").c_str()) <= 0)
+                uit.push_back(pad);
+        }
+    return uit;
+}
+
+journalen journalen_lees(int filialen, const stamboek* boek) {
     journalen j;
-    for (const std::string& map : namen_in(".", is_seizoen)) {
-        j.seizoenen.insert({static_cast<uint16_t>(strtoul(map.c_str(), nullptr, 10)), map[4]});
-        for (const std::string& naam : namen_in(map, is_journaal))
-            lees_journaal(map, naam, filialen, &j);
-        // A new order of a supplier without a journal has a work file alone until its commit.
-        for (const std::string& naam : namen_in(map, [](const std::string& n) { return is_van(n, ".WRK"); }))
-            if (IOSIZE((map + "/" + naam).c_str()) > 0)
-                j.leveranciers_in_hand.insert(leverancier_van(naam));
-        for (const Nootsoort& soort : NOTEN)
-            for (const std::string& naam :
-                 namen_in(map, [&soort](const std::string& n) { return is_van(n, soort.ext); }))
-                lees_noot(soort, map + "/" + naam, &j);
-    }
+    for (const std::string& map : keur_seizoenen())
+        lees_seizoen(map, filialen, boek, &j);
     return j;
 }
 

@@ -1,7 +1,9 @@
 // All order journals of a data directory, read for the operators' check: their records, and the orders and lines that the
-// registration knows of.
+// registration knows of; and what broken-off programs left beside them.
 #pragma once
 #include "shared/registerrec.h"
+#include "tools/keurwerk.h"
+#include "tools/stamkeur.h"
 #include <map>
 #include <set>
 #include <string>
@@ -25,8 +27,14 @@ struct journalen {
     std::set<uint16_t> leveranciers_in_hand;
     std::set<uint16_t> leveranciers_stuk; // a journal is damaged, and may hold more orders than were found
     int64_t bestanden = 0, regels = 0;
-    std::vector<std::string> kwalen, noten;
+    keurbestanden per_bestand; // what the check tells of each
 };
-journalen journalen_lees(int filialen);
+// `boek`: the master data that lines are held against, null for none. `filialen`: branches of the firm.
+journalen journalen_lees(int filialen, const stamboek* boek);
+
+// Names of season directories, "2016Z".
+std::vector<std::string> keur_seizoenen();
+// Files of a season whose supplier has no order under way: the next who chooses him removes them unread. Paths.
+std::vector<std::string> werkresten(const std::string& seizoen);
 
 } // namespace zg

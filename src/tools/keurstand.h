@@ -31,8 +31,8 @@ struct Orderlabels { // of one order in one block; number 0: of none
 };
 
 struct Keuring {
-    keurbestand dtser{"DTSER", {}, {}, {}}, dtipa{"DTIPA", {}, {}, {}}, dteti{"DTETI", {}, {}, {}},
-        dtean{"DTEAN", {}, {}, {}}, dtordnr{"DTORDNR", {}, {}, {}}, jrn{"journals", {}, {}, {}};
+    keurbestand dtser{"DTSER", ""}, dtipa{"DTIPA", ""}, dteti{"DTETI", ""}, dtean{"DTEAN", ""},
+        dtordnr{"DTORDNR", ""}, jrn{"journals", ""};
     std::unordered_map<sleutelwaarde, Seriestand> series;
     std::vector<Periode> prijzen;        // by series
     std::vector<Orderlabels> van_orders; // by series
@@ -47,7 +47,6 @@ struct Keuring {
     int32_t laatste_serie = 0; // number that the counter lies behind; 0: it doesn't
 };
 
-std::string keur_aantal(int64_t n, const char* wat); // "12 series"
 // Wrong, or only perhaps while somebody has the series.
 void keur_kwaal(keurbestand* b, const Seriestand* s, const std::string& wat);
 

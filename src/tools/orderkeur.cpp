@@ -143,9 +143,7 @@ void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nu
 
 void keur_orders(Keuring* k) {
     const Nummers nummers = lees_nummers();
-    journalen j = journalen_lees(firma.filialen);
-    k->jrn.kwalen = std::move(j.kwalen);
-    k->jrn.noten = std::move(j.noten);
+    const journalen j = journalen_lees(firma.filialen, nullptr);
     k->jrn.telling = keur_aantal(j.bestanden, "files, ") +
                      keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +
                      keur_aantal(j.regels, "lines");

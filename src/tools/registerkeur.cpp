@@ -1,7 +1,7 @@
 // The check of the full registration and its repair, see tools/registerkeur.h.
 //
-// Files are read while programs write in them, so a first look may meet a change half done. What the next look doesn't
-// see again was that; what stays, but belongs to a series that is locked or a journal in use, is told as a note.
+// Files are read while programs write in them. What is seen twice, but belongs to a series that is locked or a journal in
+// use, is told as a note.
 #include "shared/files.h"
 #include "shared/inkcheck.h"
 #include "shared/ioink.h"
@@ -237,28 +237,9 @@ Keuring neem_op() {
     return k;
 }
 
-std::vector<keurbestand> bestanden(Keuring k) {
+keurbestanden bestanden(Keuring k) {
     return {std::move(k.dtser), std::move(k.dtipa),   std::move(k.dteti),
             std::move(k.dtean), std::move(k.dtordnr), std::move(k.jrn)};
-}
-
-// What only one of two looks saw was a change at work.
-bool houd_over(std::vector<keurbestand>* nu, const std::vector<keurbestand>& vorige) {
-    bool gelijk = true;
-    for (size_t i = 0; i < nu->size(); i++) {
-        auto& kwalen = (*nu)[i].kwalen;
-        std::multiset<std::string> eerder(vorige[i].kwalen.begin(), vorige[i].kwalen.end());
-        for (size_t w = kwalen.size(); w-- > 0;)
-            if (const auto p = eerder.find(kwalen[w]); p != eerder.end()) {
-                eerder.erase(p);
-            } else {
-                (*nu)[i].noten.push_back(kwalen[w] + " (changing)");
-                kwalen.erase(kwalen.begin() + static_cast<ptrdiff_t>(w));
-                gelijk = false;
-            }
-        gelijk = gelijk && eerder.empty();
-    }
-    return gelijk;
 }
 
 bool tel_opnieuw(const Seriestand& s) {
@@ -284,10 +265,6 @@ void keur_kwaal(keurbestand* b, const Seriestand* s, const std::string& wat) {
         b->noten.push_back(wat + " (in use)");
     else
         b->kwalen.push_back(wat);
-}
-
-std::string keur_aantal(int64_t n, const char* wat) {
-    return std::to_string(n) + " " + wat;
 }
 
 std::string keur_open(bool schrijven) {
@@ -317,19 +294,8 @@ void keur_sluit() {
     }
 }
 
-std::vector<keurbestand> register_keur(int pogingen) {
-    constexpr int RUST = 300'000; // a change is made of writes behind each other
-    std::vector<keurbestand> uit = bestanden(neem_op());
-    auto iets = [](const keurbestand& b) { return !b.kwalen.empty(); };
-    for (int i = 1; i < pogingen && std::any_of(uit.begin(), uit.end(), iets); i++) {
-        usleep(RUST);
-        std::vector<keurbestand> weer = bestanden(neem_op());
-        const bool gelijk = houd_over(&weer, uit);
-        uit = std::move(weer);
-        if (gelijk)
-            break;
-    }
-    return uit;
+keurbestanden register_keur(int pogingen) {
+    return keur_herhaald(pogingen, [] { return bestanden(neem_op()); });
 }
 
 std::vector<std::string> register_herstel(bool* gelukt) {

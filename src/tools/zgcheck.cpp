@@ -1,16 +1,24 @@
-// zgcheck: is the full registration of a data directory sound? The trees of its pairs first, then their records against each
-// other. One line a file and a total. The check reads beside the programs at work; the repair wants nobody in.
+// zgcheck: is a data directory sound? The trees of its pairs first, then what stands in its files and the files against each
+// other; who is at work, and what is left over. One line a file and a total. The check reads beside the programs at work; the
+// repair wants nobody in.
 #include "control/batchvw.h"
-#include "shared/houder.h"
+#include "shared/files.h"
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include "store/ix.h"
 #include "term/natl.h"
 #include "term/scherm.h"
 #include "tools/boomkeur.h"
+#include "tools/journaalkeur.h"
+#include "tools/mapherstel.h"
 #include "tools/paar.h"
+#include "tools/rechtkeur.h"
 #include "tools/registerkeur.h"
+#include "tools/restkeur.h"
+#include "tools/stamkeur.h"
+#include "tools/systeemkeur.h"
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -48,7 +56,7 @@ void als_json(const keurbestand& b) {
     puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
 }
 
-int verslag(const std::vector<keurbestand>& bestanden) {
+int verslag(const keurbestanden& bestanden) {
     size_t kwalen = 0, noten = 0;
     for (const keurbestand& b : bestanden) {
         kwalen += b.kwalen.size();
@@ -63,12 +71,12 @@ int verslag(const std::vector<keurbestand>& bestanden) {
             if (!wens.stil)
                 printf("%s: note: %s\n", b.naam.c_str(), CP850UTF8(n).c_str());
         if (!wens.stil || !b.kwalen.empty())
-            printf("%s: %s, %s\n", b.naam.c_str(),
+            printf("%s: %s%s%s\n", b.naam.c_str(),
                    b.kwalen.empty() ? "good" : (std::to_string(b.kwalen.size()) + " wrong").c_str(),
-                   b.telling.c_str());
+                   b.telling.empty() ? "" : ", ", CP850UTF8(b.telling).c_str());
     }
     if (!wens.json && (!wens.stil || kwalen))
-        printf("%zu wrong, %zu notes\n", kwalen, noten);
+        printf("%zu files, %zu wrong, %zu notes\n", bestanden.size(), kwalen, noten);
     return kwalen ? FOUT_GEVONDEN : GOED;
 }
 
@@ -84,17 +92,127 @@ int wie_er_in_is() {
     return IN_GEBRUIK;
 }
 
-// Pairs whose trees are broken: nothing is read by their keys before they are rebuilt.
-bool bomen_stuk() {
-    const std::vector<keurbestand> stuk = bomen_keur(wens.wacht);
-    if (stuk.empty())
-        return false;
-    verslag(stuk);
+// ---- the parts
+
+constexpr int POGINGEN = 5;
+const char* const REGISTER[] = {"DTSER", "DTIPA", "DTEAN", "DTORDNR", "DTSERPIC"};
+const char* const NODIG[] = {"DTART",  "DTLEV",    "DTMAAT",  "DTMERK",
+                             "DTMTOM", "DTOMZGRP", "DTVVTAB", "DTKOERS"}; // the order program opens them
+
+std::vector<std::string> alle_paren() {
+    std::vector<std::string> uit = keur_paren("");
+    for (const auto& meer : {keur_paren("edistam/"), tabel_paren()})
+        for (const std::string& naam : meer)
+            if (std::ranges::find(uit, naam) == uit.end())
+                uit.push_back(naam);
+    return uit;
+}
+
+bool er_is_register() {
+    return IOEXISTS("DTSER.INX") || IOEXISTS("DTSER.TXT");
+}
+
+// The pairs as the store sees them, and those that have to be there.
+keurbestanden bomen(std::set<std::string>* stuk) {
+    const std::vector<std::string> namen = alle_paren();
+    keurbestanden uit = bomen_keur(namen, wens.wacht, stuk);
+    auto nodig = [&](const char* naam, const char* gevolg) {
+        if (std::ranges::find(namen, naam) == namen.end()) {
+            uit.push_back({naam, "", {std::string("isn't there: ") + gevolg}});
+            stuk->insert(naam);
+        }
+    };
+    for (const char* naam : NODIG)
+        nodig(naam, "the order program doesn't start");
+    if (er_is_register())
+        for (const char* naam : REGISTER)
+            if (std::string(naam) != "DTSERPIC")
+                nodig(naam, "there is no registration without it");
+    return uit;
+}
+
+// The register's pairs that are broken: nothing is read by their keys before they are rebuilt.
+std::string register_stuk(const std::set<std::string>& stuk) {
     std::string namen;
-    for (const keurbestand& b : stuk)
-        namen += " " + b.naam;
-    klacht("", "rebuild with ixremake first:" + namen + "; the rest was not looked at");
-    return true;
+    for (const char* naam : REGISTER)
+        if (stuk.contains(naam))
+            namen += std::string(" ") + naam;
+    return namen;
+}
+
+keurbestanden het_register(const std::set<std::string>& stuk, int pogingen) {
+    if (!er_is_register())
+        return {};
+    if (const std::string namen = register_stuk(stuk); !namen.empty()) {
+        klacht("", "rebuild with ixremake first:" + namen + "; series, prices and labels were not looked at");
+        return {};
+    }
+    if (const std::string mist = keur_open(false); !mist.empty())
+        return {keurbestand{mist.substr(0, mist.find('.')), "", {mist + " isn't there"}}};
+    keurbestanden uit = register_keur(pogingen);
+    keur_sluit();
+    return uit;
+}
+
+keurbestanden orders() {
+    const stamboek boek = stamboek_lees();
+    return journalen_lees(firma.filialen, &boek).per_bestand;
+}
+
+std::vector<std::string> bijbomen() {
+    std::vector<std::string> uit;
+    for (const std::string& naam : keur_namen("."))
+        if (is_bijboom(naam))
+            uit.push_back(naam);
+    return uit;
+}
+
+// Files that programs lock: the fixed tables, the pairs, journals.
+std::vector<std::string> slotbestanden() {
+    std::vector<std::string> uit{"DTSYS.TXT"};
+    for (const std::string& paar : alle_paren())
+        for (const char* ext : {".INX", ".TXT"})
+            uit.push_back(paar + ext);
+    for (const std::string& naam : keur_namen("."))
+        if (naam == "DTRCMSYS.TXT" || naam == "KASMUT.TXT")
+            uit.push_back(naam);
+    return uit;
+}
+
+keurbestanden alles(int pogingen) {
+    std::set<std::string> stuk;
+    keurbestanden uit;
+    auto bij = [&](keurbestanden deel) {
+        for (keurbestand& b : deel)
+            uit.push_back(std::move(b));
+    };
+    auto bij_herhaald = [&](const std::function<keurbestanden()>& deel) {
+        bij(keur_herhaald(pogingen, deel));
+    };
+    bij_herhaald(systeem_keur);
+    bij(bomen(&stuk));
+    bij(bijbomen_keur(bijbomen()));
+    bij_herhaald(
+        [&] { return stam_keur(stamboek_lees(), [&](const char* naam) { return !stuk.contains(naam); }); });
+    bij_herhaald(tabel_keur);
+    bij(het_register(stuk, pogingen));
+    bij_herhaald(orders);
+    bij_herhaald(rest_keur);
+    bij_herhaald([] { return reserveringen_keur(alle_paren()); });
+    bij(rechten_keur());
+    bij(sloten_keur(slotbestanden()));
+    return keur_samen(std::move(uit));
+}
+
+bool herstel_register(const std::set<std::string>& stuk) {
+    if (!er_is_register() || !register_stuk(stuk).empty() || !keur_open(true).empty())
+        return true; // the check behind it tells
+    bool gelukt;
+    for (const std::string& r : register_herstel(&gelukt))
+        if (!wens.stil && !wens.json)
+            printf("repair: %s\n", CP850UTF8(r).c_str());
+    keur_sluit();
+    return gelukt;
 }
 
 int herstel() {
@@ -103,48 +221,40 @@ int herstel() {
     sessie = 0;
     if (!alleen)
         return wie_er_in_is();
-    {
+    if (IOEXISTS("DTSER.INX") && IOEXISTS("DTSER.TXT")) {
         Paar dtser;
         if (paar_open("DTSER", &dtser) != GOED)
             return NIET_TE_OPENEN;
         if (paar_alleen(&dtser, wens.wacht) != GOED)
             return klacht("", "nothing was changed"), IN_GEBRUIK;
     }
-    if (bomen_stuk())
-        return klacht("", "nothing was changed"), FOUT_GEVONDEN;
-    if (const std::string mist = keur_open(true); !mist.empty())
-        return klacht(mist, strerror(ENOENT)), NIET_TE_OPENEN;
-    bool gelukt;
-    for (const std::string& r : register_herstel(&gelukt))
-        if (!wens.stil && !wens.json)
-            printf("repair: %s\n", CP850UTF8(r).c_str());
-    const int uitkomst = verslag(register_keur(1));
-    keur_sluit();
+    const bool stil = wens.stil || wens.json;
+    std::set<std::string> stuk;
+    bomen(&stuk);
+    bool gelukt = indexen_herstel(stuk, wens.wacht, stil);
+    stuk.clear();
+    bomen(&stuk);
+    gelukt &= reserveringen_herstel(alle_paren(), stil);
+    gelukt &= herstel_register(stuk);
+    gelukt &= resten_herstel(stil);
+    const int uitkomst = verslag(alles(1));
     return gelukt ? uitkomst : FOUT_GEVONDEN;
-}
-
-int keur() {
-    constexpr int POGINGEN = 5;
-    if (bomen_stuk())
-        return FOUT_GEVONDEN;
-    if (const std::string mist = keur_open(false); !mist.empty())
-        return klacht(mist, strerror(ENOENT)), NIET_TE_OPENEN;
-    const int uitkomst = verslag(register_keur(POGINGEN));
-    keur_sluit();
-    return uitkomst;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     tool_begin("zgcheck");
-    CLI::App app{"check the full registration of a data directory: series, prices, labels, codes, orders.\n"
-                 "It reads beside programs at work; an index that looks wrong is held for a moment.",
-                 "zgcheck"};
+    CLI::App app{
+        "check a data directory: fixed tables, pairs, orders, the full registration, rights, what is left\n"
+        "over, who is at work. It reads beside programs at work; an index that looks wrong is held for a\n"
+        "moment.",
+        "zgcheck"};
     tool_kop(app, "0 good, 1 found wrong, 2 used wrong, 3 cannot open, 4 in use.");
     app.add_option("DIR", wens.map, "data directory")->required();
-    app.add_flag("-r,--repair", wens.herstel,
-                 "give back what nobody has and count again, when nobody is in; then check");
+    app.add_flag(
+        "-r,--repair", wens.herstel,
+        "rebuild indexes, give back what nobody has, count again, sweep, when nobody is in; then check");
     app.add_flag("-j,--json", wens.json, "JSON lines, one a file");
     app.add_flag("-q,--quiet", wens.stil, "say only what is wrong");
     app.add_option("-w,--wait", wens.wacht,
@@ -159,5 +269,5 @@ int main(int argc, char** argv) {
     IXWAITHOOK = wacht;
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);
-    return tool_einde(wens.herstel ? herstel() : keur());
+    return tool_einde(wens.herstel ? herstel() : verslag(alles(POGINGEN)));
 }

@@ -1,0 +1,96 @@
+#include "tools/rechtkeur.h"
+#include "term/strings.h"
+#include "tools/journaalkeur.h"
+#include <cerrno>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+struct Recht {
+    std::string pad;
+    mode_t is, hoort;
+    uid_t eigenaar;
+    gid_t groep, hoort_groep;
+};
+
+// `map` is the directory of data. Where its group may not write, one account works there, and the group doesn't count.
+Recht oordeel(const std::string& pad, const struct stat& st, const struct stat& map) {
+    const bool samen = map.st_mode & S_IWGRP;
+    const mode_t ruim = S_ISDIR(st.st_mode) ? S_IRWXU | (samen ? S_IRWXG | S_ISGID : 0)
+                                            : S_IRUSR | S_IWUSR | (samen ? S_IRGRP | S_IWGRP : 0);
+    const mode_t is = st.st_mode & 07777;
+    return {pad, is, (is | ruim) & ~mode_t{S_IWOTH}, st.st_uid, st.st_gid, samen ? map.st_gid : st.st_gid};
+}
+
+// A directory, and the files in it. A macro on its way to the next program is its user's alone.
+void lees(const std::string& map, const struct stat& boven, std::vector<Recht>* uit) {
+    struct stat st;
+    if (stat(map.c_str(), &st) != 0)
+        return;
+    uit->push_back(oordeel(map, st, boven));
+    for (const std::string& naam : keur_namen(map)) {
+        const std::string pad = map == "." ? naam : map + "/" + naam;
+        if (lstat(pad.c_str(), &st) == 0 && S_ISREG(st.st_mode) && !naam.ends_with(".TMP"))
+            uit->push_back(oordeel(pad, st, boven));
+    }
+}
+
+std::vector<Recht> alle() {
+    std::vector<Recht> uit;
+    struct stat boven;
+    if (stat(".", &boven) != 0)
+        return uit;
+    lees(".", boven, &uit);
+    for (const std::string& map : keur_seizoenen())
+        lees(map, boven, &uit);
+    lees("edistam", boven, &uit);
+    return uit;
+}
+
+bool fout(const Recht& r) {
+    return r.is != r.hoort || r.groep != r.hoort_groep;
+}
+
+std::string wat(const Recht& r) {
+    std::string uit;
+    if (r.groep != r.hoort_groep)
+        uit = VORM("group %u, its directory's is %u", r.groep, r.hoort_groep);
+    if (r.is != r.hoort)
+        uit += (uit.empty() ? "" : "; ") + VORM("mode %04o, should be %04o", r.is, r.hoort);
+    return uit;
+}
+
+} // namespace
+
+keurbestanden rechten_keur() {
+    keurbestanden uit;
+    for (const Recht& r : alle()) {
+        keurbestand b{r.pad, ""};
+        if (fout(r))
+            b.kwalen.push_back(wat(r));
+        if (!getpwuid(r.eigenaar))
+            b.noten.push_back(VORM("owner %u, whom this machine doesn't know", r.eigenaar));
+        if (!b.kwalen.empty() || !b.noten.empty())
+            uit.push_back(std::move(b));
+    }
+    return uit;
+}
+
+std::vector<std::string> rechten_herstel() {
+    std::vector<std::string> uit;
+    for (const Recht& r : alle())
+        if (fout(r)) {
+            // The group first: giving it takes the setgid bit away.
+            const bool goed = (r.groep == r.hoort_groep ||
+                               chown(r.pad.c_str(), static_cast<uid_t>(-1), r.hoort_groep) == 0) &&
+                              chmod(r.pad.c_str(), r.hoort) == 0;
+            uit.push_back(r.pad + ": " + wat(r) +
+                          (goed ? ": put right" : std::string(": ") + strerror(errno)));
+        }
+    return uit;
+}
+
+} // namespace zg

@@ -1,0 +1,266 @@
+#include "tools/restkeur.h"
+#include "edi/edifys.h"
+#include "print/spooljob.h"
+#include "shared/files.h"
+#include "shared/iotab.h"
+#include "shared/mutatie.h"
+#include "shared/syscalls.h"
+#include "term/strings.h"
+#include "term/vast.h"
+#include "tools/boomkeur.h"
+#include "tools/journaalkeur.h"
+#include "tools/paar.h"
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+constexpr size_t MEEST = 1 << 20; // bytes of a note that are looked at
+
+// The user's slot out of "MUT01.RES", and whether he is in.
+int32_t slot_uit(const std::string& naam) {
+    return static_cast<int32_t>(strtol(naam.substr(naam.find('.') - 2, 2).c_str(), nullptr, 10));
+}
+bool is_in(int32_t nr) {
+    gebruikerslot ongelezen;
+    return nr >= 1 && nr <= SYS_GEBRUIKER.slots && !iotab('T', &nr, &ongelezen, SYS_GEBRUIKER);
+}
+std::string volgende_start(int32_t nr) {
+    return is_in(nr) ? VORM("user %d is in", nr) : VORM("at the next start of user %d", nr);
+}
+
+// What a text of lines has that aren't mutations; `kop` digits stand in front of the letter. A program may be writing the
+// last one.
+void mutatieregels(const std::string& bytes, size_t kop, keurbestand* b) {
+    int64_t n = 0;
+    size_t van = 0;
+    for (size_t tot; (tot = bytes.find('\n', van)) != std::string::npos; van = tot + 1) {
+        n++;
+        const std::string regel = bytes.substr(van, tot - van);
+        if (regel.empty())
+            continue; // a part that somebody left was closed by it
+        if (regel.size() <= kop || regel.find_first_not_of("0123456789") != kop ||
+            !isalpha(static_cast<unsigned char>(regel[kop])))
+            b->kwalen.push_back(VORM("line %lld is no mutation", static_cast<long long>(n)));
+    }
+    if (van < bytes.size())
+        b->noten.push_back("the last line has no end; the next one closes it");
+    b->telling = keur_aantal(n, "mutations");
+}
+
+void kasmut(keurbestand* b, const std::string& naam) {
+    std::string bytes;
+    if (keur_lees(naam, MEEST, &bytes, b))
+        mutatieregels(bytes, naam == "KASMUT.TXT" ? 6 : 0, b);
+    if (!kassakoppeling())
+        b->noten.push_back("tills aren't linked: nobody asks for it");
+}
+
+bool eigen_bestand(keurbestand* b, const std::string& naam, const char* gevolg) {
+    struct stat st;
+    const bool goed = lstat(naam.c_str(), &st) != 0 || (S_ISREG(st.st_mode) && st.st_nlink == 1);
+    if (!goed)
+        b->kwalen.push_back(std::string("a link, or no plain file: ") + gevolg);
+    return goed;
+}
+
+void mutatienoot(keurbestand* b, const std::string& naam) {
+    std::string bytes;
+    if (!eigen_bestand(b, naam, "never sent") || !keur_lees(naam, MEEST, &bytes, b))
+        return;
+    mutatieregels(bytes, 0, b);
+    b->noten.push_back("sent: " + volgende_start(slot_uit(naam)));
+}
+
+void sernoot(keurbestand* b, const std::string& naam) {
+    std::string bytes;
+    if (!keur_lees(naam, MEEST, &bytes, b))
+        return;
+    if (bytes.size() % 8)
+        b->kwalen.push_back("ends inside a key");
+    b->telling = keur_aantal(static_cast<int64_t>(bytes.size() / 8), "reserved numbers of series");
+    b->noten.push_back("given up: " + volgende_start(slot_uit(naam)));
+}
+
+void pad_keur(keurbestand* b, const char* naam, const char* veld, size_t ruimte) {
+    const size_t n = strnlen(veld, ruimte);
+    if (n == ruimte)
+        b->kwalen.push_back(std::string(naam) + " has no end");
+    else if (std::any_of(veld, veld + n, [](char c) { return static_cast<unsigned char>(c) < ' '; }))
+        b->kwalen.push_back(std::string(naam) + " has control bytes in it");
+}
+
+void overdracht(keurbestand* b, const std::string& naam) {
+    std::string bytes;
+    edirec r;
+    if (!keur_lees(naam, sizeof r, &bytes, b))
+        return;
+    if (IOSIZE(naam.c_str()) != EDIREC) {
+        b->kwalen.push_back(VORM("%lld bytes of %d", static_cast<long long>(IOSIZE(naam.c_str())), EDIREC));
+        return;
+    }
+    memcpy(&r, bytes.data(), sizeof r);
+    pad_keur(b, "ZEBEDI", r.zebedi, sizeof r.zebedi);
+    pad_keur(b, "EDIRPC", r.edirpc, sizeof r.edirpc);
+    pad_keur(b, "EDIDIR", r.edidir, sizeof r.edidir);
+    pad_keur(b, "EDICMD", r.edicmd, sizeof r.edicmd);
+    if (naam == EDIBESTAND && r.methode > 2)
+        b->kwalen.push_back(VORM("method %d, which there isn't", r.methode));
+    const std::string map(VASTUIT(r.zebedi)), locaties(VASTUIT(r.edidir));
+    for (const std::string& m : {map, locaties})
+        if (!m.empty() && !IOISDIR(m.c_str()))
+            b->noten.push_back(m + " isn't there, or no directory");
+}
+
+void druk(keurbestand* b, const std::string& naam) {
+    const keurlezer l(naam);
+    spooljob job;
+    if (l.fd < 0)
+        return;
+    const bool goed = spool_lees(l.fd, naam, &job), spool = IOEXISTS(job.spool.c_str());
+    if (!IOLOCK('T', l.fd, 0, 0))
+        b->noten.push_back("being made or sent");
+    else if (!goed)
+        b->kwalen.push_back("damaged: nobody sends " + job.spool);
+    else if (job.stand == Spoolstand::maak)
+        b->noten.push_back("broken off while it was made; it goes when somebody prints");
+    else if (!spool)
+        b->noten.push_back("is out; it goes when somebody prints");
+    else if (job.stand == Spoolstand::fout)
+        b->noten.push_back("not printed: " + job.reden);
+    else
+        b->noten.push_back("not sent: zgdruk sends it");
+    b->telling = goed ? job.titel : "";
+}
+
+void los_druk(keurbestand* b, const std::string& naam) {
+    const std::string spool = naam.substr(0, 6);
+    if (!IOEXISTS(spool_beschrijving(spool).c_str()))
+        b->noten.push_back(naam == spool ? "a report without its description: nobody sends it"
+                                         : "left by a job that is gone");
+}
+
+void macro(keurbestand* b, const std::string& naam) {
+    struct stat st;
+    if (lstat(naam.c_str(), &st) == 0 && time(nullptr) - st.st_mtime > 10)
+        b->noten.push_back("goes at the next start on that terminal, unplayed");
+}
+
+// Of which all that is to be said stands in the row.
+struct Soort {
+    const char *vorm, *wat, *noot;
+    void (*keur)(keurbestand* b, const std::string& naam) = nullptr;
+};
+const Soort SOORTEN[] = {
+    {"DTSYS.TXT", nullptr, nullptr}, // others tell of these
+    {"DTFILGEG.TXT", nullptr, nullptr},
+    {"ORDPARM.SYS", nullptr, nullptr},
+    {"DTETI.TXT", nullptr, nullptr},
+    {"DTIPG.TXT", nullptr, nullptr},
+    {"ORD####@.JRN", nullptr, nullptr},
+    {"SERNR##.RES", "", nullptr, sernoot},
+    {"MUT##.RES", "", nullptr, mutatienoot},
+    {"KASMUT.TXT", "", nullptr, kasmut},
+    {"DCMU####.TXT", "", nullptr, kasmut},
+    {"KAS####.SYS", "a till", nullptr},
+    {"STAT##.TXT", "", "master data waits to be taken up: no orders until then"},
+    {"DTRCMSYS.TXT", "settings of the transfer", nullptr, overdracht},
+    {"DTIPCSYS.TXT", "settings of the transfer", nullptr, overdracht},
+    {"DTEDI.TXT", "", "settings of the older form; they become DTRCMSYS.TXT when they are asked for"},
+    {"EDISYS.CVC", "", "settings half made; made again when they are asked for"},
+    {"MAC*", "", nullptr, macro},
+    {"PR????.JOB", "", nullptr, druk},
+    {"PR????.UIT", "", nullptr, los_druk},
+    {"PR????.TMP", "", nullptr, los_druk},
+    {"PR@@##", "", nullptr, los_druk},
+    {"ZGDEMO.MRK", nullptr, nullptr},
+    {"ZEBCAT", nullptr, nullptr},
+    {"DETAIL", nullptr, nullptr},
+    {".ixwerk??????", "", "a load or copy under way, or killed"},
+    {".zgedi.tmp", "", "a mailbox file half moved; the next move throws it away"},
+};
+
+const Soort* soort_van(const std::string& naam) {
+    const auto p = std::ranges::find_if(SOORTEN, [&](const Soort& s) {
+        return keur_past(s.vorm, naam) && (s.keur != macro || naam.ends_with(".TMP"));
+    });
+    return p == std::end(SOORTEN) ? nullptr : &*p;
+}
+
+void seizoen_rest(const std::string& map, keurbestanden* uit, std::vector<std::string>* onbekend) {
+    for (const std::string& pad : werkresten(map))
+        uit->push_back(
+            {pad,
+             "",
+             {},
+             {"left by an order that ended, or never began; it goes when the supplier is chosen"}});
+    if (IOEXISTS((map + "/NEWORD.TXT").c_str()))
+        uit->push_back(
+            {map + "/NEWORD.TXT", "", {}, {"orders wait to be taken up: none of this season until then"}});
+    for (const std::string& naam : keur_namen(map))
+        if (!naam.starts_with("ORD") && naam != "NEWORD.TXT")
+            onbekend->push_back(map + "/" + naam);
+}
+
+} // namespace
+
+std::vector<std::string> verlaten_werkmappen() {
+    constexpr time_t OUD = 600; // seconds
+    std::vector<std::string> uit;
+    for (const std::string& naam : keur_namen(".")) {
+        struct stat st;
+        if (!keur_past(".ixwerk??????", naam) || lstat(naam.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
+            continue;
+        bool vrij = time(nullptr) - st.st_mtime > OUD;
+        for (const std::string& deel : keur_namen(naam)) {
+            const std::string pad = naam + "/" + deel;
+            const keurlezer l(pad);
+            // "vorige" is the old data file, which a second rename that was refused may have left as the only one.
+            vrij = vrij && l.fd >= 0 && SYS.fstat(l.fd, &st) == 0 && time(nullptr) - st.st_mtime > OUD &&
+                   !elders_open(l.fd) && (deel != "vorige" || st.st_nlink > 1);
+        }
+        if (vrij)
+            uit.push_back(naam);
+    }
+    return uit;
+}
+
+keurbestanden rest_keur() {
+    keurbestanden uit;
+    std::vector<std::string> onbekend;
+    const std::vector<std::string> paren = keur_paren("");
+    for (const std::string& naam : keur_namen(".")) {
+        const std::string stam = naam.substr(0, std::max<size_t>(naam.size(), 4) - 4);
+        const Soort* s = soort_van(naam);
+        if (s && s->wat) {
+            keurbestand b{naam, s->wat};
+            if (s->noot)
+                b.noten.push_back(s->noot);
+            if (s->keur)
+                s->keur(&b, naam);
+            uit.push_back(std::move(b));
+        } else if (const size_t cut = naam.find(".CUT"); cut != std::string::npos) {
+            uit.push_back({naam, "", {}, {"the end that was cut off " + naam.substr(0, cut) + ".TXT"}});
+        } else if (keur_past("####@", naam) && IOISDIR(naam.c_str())) {
+            seizoen_rest(naam, &uit, &onbekend);
+        } else if (!s && !is_bijboom(naam) && !IOISDIR(naam.c_str()) &&
+                   ((!naam.ends_with(".INX") && !naam.ends_with(".TXT")) ||
+                    !std::ranges::binary_search(paren, stam))) {
+            onbekend.push_back(naam);
+        }
+    }
+    keurbestand rest{"other files",
+                     keur_aantal(static_cast<int64_t>(onbekend.size()), "that the package doesn't know")};
+    constexpr size_t GENOEMD = 10;
+    for (size_t i = 0; i < onbekend.size() && i < GENOEMD; i++)
+        rest.noten.push_back(onbekend[i]);
+    if (!onbekend.empty())
+        uit.push_back(std::move(rest));
+    return uit;
+}
+
+} // namespace zg

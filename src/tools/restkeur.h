@@ -1,0 +1,18 @@
+// Every other name in a data directory, by its shape: notes and work files that a program left and what becomes of them, print
+// jobs, mutations, the settings of the transfer; what the package doesn't know is named.
+#pragma once
+#include "tools/keurwerk.h"
+
+namespace zg {
+
+// One line a file that there is something to say of. DTSYS.TXT is open.
+keurbestanden rest_keur();
+// The tables of printers and macros: what their records name, and whether they can be used. `paren`: with their paths.
+keurbestanden tabel_keur();
+std::vector<std::string> tabel_paren();
+
+// Directories of loads and copies that nobody works on: old enough, no file of them open. Those that hold the only copy
+// of something are not among them.
+std::vector<std::string> verlaten_werkmappen();
+
+} // namespace zg

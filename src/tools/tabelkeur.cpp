@@ -1,0 +1,122 @@
+// The tables of printers and macros, which may stand in directories of their own. See tools/restkeur.h.
+#include "print/printtabel.h"
+#include "shared/files.h"
+#include "shared/stamrec.h"
+#include "term/macro/macrobestand.h"
+#include "term/strings.h"
+#include "term/vast.h"
+#include "tools/restkeur.h"
+#include <cstdlib>
+#include <set>
+
+namespace zg {
+namespace {
+
+// Where the programs are told to look for a table; whoever runs the check often isn't told, and then it is found: here or in
+// a directory below.
+std::string plaats(const char* omgeving, const char* tabel) {
+    const auto hier = [tabel](const std::string& map) {
+        return IOEXISTS((map + tabel + ".TXT").c_str()) || IOEXISTS((map + tabel + ".INX").c_str());
+    };
+    if (const char* map = getenv(omgeving); map && *map)
+        return std::string(map) + "/";
+    if (!hier(""))
+        for (const std::string& naam : keur_namen("."))
+            if (hier(naam + "/"))
+                return naam + "/";
+    return "";
+}
+std::string drukmap() {
+    return plaats("ZEBPRT", "TR_PTRG");
+}
+std::string macropaar() {
+    return plaats("MACRO", "MACRO") + "MACRO";
+}
+
+struct Drukboek {
+    std::set<int> printers;
+    std::set<std::pair<int, int>> configs;
+};
+
+template <class R, class F> void elk(const std::string& pad, F f) {
+    keur_records(pad, [&](int32_t, const uint8_t* bytes, int lengte) {
+        R rec;
+        stam_uit(bytes, lengte, &rec);
+        f(rec);
+    });
+}
+
+// Of a printer that isn't there: never found, so it does no harm.
+void printer_er(const Drukboek& boek, int code, const std::string& wie, keurbestand* b) {
+    if (!boek.printers.contains(code))
+        b->noten.push_back(wie + VORM(": printer %d isn't there", code));
+}
+
+keurbestanden printers() {
+    const std::string map = drukmap();
+    Drukboek boek;
+    keurbestand g{map + "TR_PTRG", ""}, c{map + "TR_PTRC", ""}, p{map + "TR_PTRP", ""},
+        ca{map + "TR_PTRCA", ""};
+    if (!IOEXISTS((g.naam + ".TXT").c_str()))
+        return {};
+    std::set<std::string> namen;
+    elk<prtrec>(g.naam, [&](const prtrec& r) {
+        const std::string naam = VASTTEKST(r.naam);
+        boek.printers.insert(r.code);
+        if (!namen.insert(naam).second)
+            g.kwalen.push_back("two printers \"" + naam + "\": only one of them can be named");
+    });
+    if (!boek.printers.contains(PRT_SCHERM))
+        g.kwalen.push_back("no screen: reports can't be looked at");
+    elk<prtconfig>(p.naam, [&](const prtconfig& r) {
+        const std::string wie = VORM("configuration %d of printer %d", r.nummer, r.code);
+        boek.configs.insert({r.code, r.nummer});
+        printer_er(boek, r.code, wie, &p);
+        if (r.kolommen == 0)
+            p.kwalen.push_back(wie + ": no columns");
+    });
+    elk<prtverbinding>(c.naam, [&](const prtverbinding& r) {
+        const std::string wie = VORM("connection %d of printer %d", r.nummer, r.code);
+        printer_er(boek, r.code, wie, &c);
+        if (VASTLEEG(r.apparaat) && r.code != PRT_SCHERM)
+            c.kwalen.push_back(wie + ": no device");
+    });
+    elk<prtcode>(ca.naam, [&](const prtcode& r) {
+        if (r.config && !boek.configs.contains({r.code, r.config}))
+            ca.noten.push_back(
+                VORM("text %d of printer %d: configuration %d isn't there", r.nummer, r.code, r.config));
+    });
+    return {g, c, p, ca};
+}
+
+keurbestanden macros() {
+    keurbestand b{macropaar(), ""};
+    if (!IOEXISTS((b.naam + ".TXT").c_str()))
+        return {};
+    elk<mac_rec>(b.naam, [&](const mac_rec& m) {
+        if (!MACROGAAF(m))
+            b.kwalen.push_back(VORM("the macro of key %d, user %d, can't be played", m.toets, m.gebruiker));
+    });
+    return {b};
+}
+
+} // namespace
+
+std::vector<std::string> tabel_paren() {
+    std::vector<std::string> uit;
+    const std::string map = drukmap();
+    for (const std::string& naam :
+         {map + "TR_PTRG", map + "TR_PTRC", map + "TR_PTRP", map + "TR_PTRCA", macropaar()})
+        if (IOEXISTS((naam + ".TXT").c_str()) || IOEXISTS((naam + ".INX").c_str()))
+            uit.push_back(naam);
+    return uit;
+}
+
+keurbestanden tabel_keur() {
+    keurbestanden uit = printers();
+    for (keurbestand& b : macros())
+        uit.push_back(std::move(b));
+    return uit;
+}
+
+} // namespace zg

@@ -1,0 +1,37 @@
+// Damages of a data directory, a row each, and what they are made of.
+#pragma once
+#include "shared/ioeti.h"
+#include "shared/registerrec.h"
+#include "support/demomap.h"
+#include "support/terminal.h"
+#include <cstring>
+#include <functional>
+#include <vector>
+
+namespace zg::test {
+
+template <class T> void zet(const DemoMap& map, const char* naam, size_t plaats, T waarde) {
+    std::string b = lees_bestand(map.bestand(naam));
+    if (b.size() < plaats + sizeof waarde)
+        b.resize(plaats + sizeof waarde);
+    memcpy(&b[plaats], &waarde, sizeof waarde);
+    schrijf_bestand(map.bestand(naam), b);
+}
+
+template <class T> T haal(const DemoMap& map, const char* naam, size_t plaats) {
+    T uit;
+    memcpy(&uit, &lees_bestand(map.bestand(naam)).at(plaats), sizeof uit);
+    return uit;
+}
+
+void plak(const DemoMap& map, const char* naam, const std::string& bytes); // a file of these bytes
+
+struct Schade {
+    const char* wat;
+    std::function<void(const DemoMap&)> doe;
+    std::vector<const char*> gezegd; // by the check
+    bool te_herstellen;
+};
+extern const std::vector<Schade> SCHADES;
+
+} // namespace zg::test
