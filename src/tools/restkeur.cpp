@@ -1,5 +1,6 @@
 #include "tools/restkeur.h"
 #include "edi/edifys.h"
+#include "edi/edihdl.h"
 #include "print/spooljob.h"
 #include "shared/files.h"
 #include "shared/iotab.h"
@@ -94,6 +95,26 @@ void pad_keur(keurbestand* b, const char* naam, const char* veld, size_t ruimte)
         b->kwalen.push_back(std::string(naam) + " has control bytes in it");
 }
 
+// The mailboxes below a root that is there; what has a wrong mode keeps the transfer program's messages out.
+void postbussen(const std::string& wortel, keurbestand* b) {
+    constexpr mode_t MODE = S_ISGID | S_IRWXU | S_IRWXG;
+    for (int soort = 0; soort < EDI_SOORTEN; soort++) {
+        const std::string bus = wortel + "/" + edidirname(soort);
+        for (const std::string& map : {bus, bus + "/save"}) {
+            struct stat st;
+            if (map != bus && soort > EDI_BEWAART)
+                continue;
+            if (stat(map.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
+                b->kwalen.push_back("mailbox " + map + " isn't there; zgedi make makes it");
+            else if ((st.st_mode & MODE) != MODE)
+                b->kwalen.push_back("mailbox " + map +
+                                    VORM(": mode %04o, should be 2774", st.st_mode & 07777));
+        }
+    }
+    if (IOEXISTS((wortel + "/.zgedi.tmp").c_str()))
+        b->noten.push_back("a message half moved in " + wortel + "; the next move throws it away");
+}
+
 void overdracht(keurbestand* b, const std::string& naam) {
     std::string bytes;
     edirec r;
@@ -110,10 +131,12 @@ void overdracht(keurbestand* b, const std::string& naam) {
     pad_keur(b, "EDICMD", r.edicmd, sizeof r.edicmd);
     if (naam == EDIBESTAND && r.methode > 2)
         b->kwalen.push_back(VORM("method %d, which there isn't", r.methode));
-    const std::string map(VASTUIT(r.zebedi)), locaties(VASTUIT(r.edidir));
-    for (const std::string& m : {map, locaties})
+    const std::string wortel(VASTUIT(r.zebedi)), locaties(VASTUIT(r.edidir));
+    for (const std::string& m : {wortel, locaties})
         if (!m.empty() && !IOISDIR(m.c_str()))
             b->noten.push_back(m + " isn't there, or no directory");
+    if (naam == EDIBESTAND && !wortel.empty() && IOISDIR(wortel.c_str()))
+        postbussen(wortel, b);
 }
 
 void druk(keurbestand* b, const std::string& naam) {
@@ -181,7 +204,6 @@ const Soort SOORTEN[] = {
     {"ZEBCAT", nullptr, nullptr},
     {"DETAIL", nullptr, nullptr},
     {".ixwerk??????", "", "a load or copy under way, or killed"},
-    {".zgedi.tmp", "", "a mailbox file half moved; the next move throws it away"},
 };
 
 const Soort* soort_van(const std::string& naam) {

@@ -31,6 +31,7 @@ struct Schade {
     std::function<void(const DemoMap&)> doe;
     std::vector<const char*> gezegd; // by the check
     bool te_herstellen;
+    int samen = 0; // rows of one number stand in one directory
 };
 extern const std::vector<Schade> SCHADES;
 

@@ -245,94 +245,30 @@ const std::vector<Schade> SCHADES = {
       "2016Z/ORD0013.LBW: note: code or location of the labels of order 1008 half changed"},
      false},
 
-    // ---- the fixed tables
-    {"fixed tables cut off",
-     [](const DemoMap& m) { kap(m, "DTSYS.TXT", 100'000); },
-     {"DTSYS.TXT: 100000 bytes of 122952"},
-     false},
-    {"another release, a state, a share of VAT",
-     [](const DemoMap& m) {
-         zet(m, "DTSYS.TXT", 9 * 64 + offsetof(sysstatus, release), '9');
-         zet(m, "DTSYS.TXT", 9 * 64 + offsetof(sysstatus, status), '\x7');
-         zet(m, "DTSYS.TXT", offsetof(sysfirma, btw), uint16_t{1900});
-     },
-     {"DTSYS.TXT: system record 10: release \"9", "state 7, which there isn't", "VAT code 1 is 190.0"},
-     false},
-    {"a user who died in a critical step",
-     [](const DemoMap& m) {
-         zet(m, "DTSYS.TXT", SYS_GEBRUIKER.start + offsetof(gebruikerslot, userstate), '\xc');
-     },
-     {"DTSYS.TXT: user 1 \"Joke\": died in a critical step"},
-     false},
-    {"the home currency that is gone",
-     [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS_VALUTA.start, valutarec{}); },
-     {"DTSYS.TXT: system record 15: the home currency \"EUR\" isn't there"},
-     false},
-    {"a size run that doesn't add up, a bar of no type",
-     [](const DemoMap& m) {
-         zet(m, "DTSYS.TXT", SYS_MAATREEKS.start + 8, int32_t{77});
-         zet(m, "DTSYS.TXT", SYS_MAATBALK.start, '\x4d');
-     },
-     {"DTSYS.TXT: size run 1: its sum is 77", "DTSYS.TXT: size bar 1: size type 77"},
-     false},
-    {"branches cut off",
-     [](const DemoMap& m) { kap(m, "DTFILGEG.TXT", 3000); },
-     {"DTFILGEG.TXT: 3000 bytes, of 3672 for 5 branches"},
-     false},
-    {"two branches of one number",
-     [](const DemoMap& m) { zet(m, "DTFILGEG.TXT", 2 * 612 + offsetof(filiaalrec, nummer), '\x1'); },
-     {"DTFILGEG.TXT: branch index 1: number 1 is also that of index 0"},
-     false},
-    {"settings cut off",
-     [](const DemoMap& m) { kap(m, "ORDPARM.SYS", 50); },
-     {"ORDPARM.SYS: 50 bytes"},
-     false},
-    {"a season that there can't be",
-     [](const DemoMap& m) { zet(m, "ORDPARM.SYS", 4, 'Q'); },
-     {"ORDPARM.SYS: season \"2016Q\""},
-     false},
-
-    // ---- pairs
+    // ---- all else than the register: what a repair puts right
     {"an index that is gone",
      [](const DemoMap& m) { std::filesystem::remove(m.bestand("DTART.INX")); },
      {"DTART: DTART.INX isn't there"},
-     true},
+     true,
+     1},
     {"a header that makes no sense",
      [](const DemoMap& m) { zet(m, "DTDOELGR.INX", offsetof(IXHEADER, nkeys), '\x63'); },
      {"DTDOELGR: header: "},
-     true},
+     true,
+     1},
     {"a count of records", // and the free chain
      [](const DemoMap& m) {
          zet(m, "DTMERK.INX", offsetof(IXHEADER, nrecs), int32_t{3});
          zet(m, "DTOMZGRP.INX", offsetof(IXHEADER, freehead), int32_t{999});
      },
      {"DTMERK: ", "DTOMZGRP: "},
-     true},
+     true,
+     1},
     {"a tree of printers",
      [](const DemoMap& m) { zet(m, "print/TR_PTRC.INX", 512 + 5, uint32_t{0xFFFFFFFF}); },
      {"print/TR_PTRC: key 1"},
-     true},
-    {"a data file that is gone",
-     [](const DemoMap& m) { std::filesystem::remove(m.bestand("DTMAAT.TXT")); },
-     {"DTMAAT: DTMAAT.TXT isn't there"},
-     false},
-    {"a pair that is gone",
-     [](const DemoMap& m) {
-         for (const char* naam : {"DTKOERS.TXT", "DTKOERS.INX"})
-             std::filesystem::remove(m.bestand(naam));
-     },
-     {"DTKOERS: isn't there: the order program doesn't start"},
-     false},
-    {"half a record at the end",
-     [](const DemoMap& m) {
-         kap(m, "DTLEVEXT.TXT", std::filesystem::file_size(m.bestand("DTLEVEXT.TXT")) - 5);
-     },
-     {"DTLEVEXT: "},
-     false},
-    {"a temporary index of nothing",
-     [](const DemoMap& m) { plak(m, "DTSER.01", std::string(1536, 'x')); },
-     {"DTSER.01: "},
-     false},
+     true,
+     1},
     {"a key reserved by nobody",
      [](const DemoMap& m) {
          Agent([&m] {
@@ -341,38 +277,98 @@ const std::vector<Schade> SCHADES = {
          }).dood();
      },
      {"DTLEV: key reserved: 30583, and nobody is in"},
-     true},
+     true,
+     1},
+    {"files that others of the group can't write, or anybody can",
+     [](const DemoMap& m) {
+         for (const auto& [naam, mode] :
+              {std::pair{"", 02770}, {"2016Z", 02770}, {"DTLEV.TXT", 0640}, {"2016Z/ORD0010.JRN", 0666}})
+             rechten(m, naam, static_cast<mode_t>(mode));
+     },
+     {"DTLEV.TXT: mode 0640, should be 0660", "2016Z/ORD0010.JRN: mode 0666, should be 0664"},
+     true,
+     1},
 
-    // ---- master data, printers, macros
+    // ---- what it leaves
+    {"another release, a state, a share of VAT",
+     [](const DemoMap& m) {
+         zet(m, "DTSYS.TXT", 9 * 64 + offsetof(sysstatus, release), '9');
+         zet(m, "DTSYS.TXT", 9 * 64 + offsetof(sysstatus, status), '\x7');
+         zet(m, "DTSYS.TXT", offsetof(sysfirma, btw), uint16_t{1900});
+     },
+     {"DTSYS.TXT: system record 10: release \"9", "state 7, which there isn't", "VAT code 1 is 190.0"},
+     false,
+     2},
+    {"the home currency that is gone",
+     [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS_VALUTA.start, valutarec{}); },
+     {"DTSYS.TXT: system record 15: the home currency \"EUR\" isn't there"},
+     false,
+     2},
+    {"a size run that doesn't add up, a bar of no type",
+     [](const DemoMap& m) {
+         zet(m, "DTSYS.TXT", SYS_MAATREEKS.start + 8, int32_t{77});
+         zet(m, "DTSYS.TXT", SYS_MAATBALK.start, '\x4d');
+     },
+     {"DTSYS.TXT: size run 1: its sum is 77", "DTSYS.TXT: size bar 1: size type 77"},
+     false,
+     2},
+    {"two branches of one number",
+     [](const DemoMap& m) { zet(m, "DTFILGEG.TXT", 2 * 612 + offsetof(filiaalrec, nummer), '\x1'); },
+     {"DTFILGEG.TXT: branch index 1: number 1 is also that of index 0"},
+     false,
+     2},
+    {"a season that there can't be",
+     [](const DemoMap& m) { zet(m, "ORDPARM.SYS", 4, 'Q'); },
+     {"ORDPARM.SYS: season \"2016Q\""},
+     false,
+     2},
+    {"half a record at the end",
+     [](const DemoMap& m) {
+         kap(m, "DTLEVEXT.TXT", std::filesystem::file_size(m.bestand("DTLEVEXT.TXT")) - 5);
+     },
+     {"DTLEVEXT: "},
+     false,
+     2},
+    {"a temporary index of nothing",
+     [](const DemoMap& m) { plak(m, "DTSER.01", std::string(1536, 'x')); },
+     {"DTSER.01: "},
+     false,
+     2},
     {"a code of VAT and a share that there can't be",
      [](const DemoMap& m) { zet(m, "DTART.TXT", offsetof(artrec, btwcode), uint16_t{0xC863}); },
      {"DTART: article group ", "VAT code 99", "200 per cent to the warehouse"},
-     false},
+     false,
+     2},
     {"a rate of nothing",
      [](const DemoMap& m) { zet(m, "DTKOERS.TXT", offsetof(koersrec, koers), int32_t{0}); },
      {"DTKOERS: ", ": a rate of 0 for "},
-     false},
+     false,
+     2},
     {"two sizes in one place",
      [](const DemoMap& m) {
          zet(m, "DTMAAT.TXT", offsetof(maatrij, entry) + 2 * 4 + 3,
              haal<char>(m, "DTMAAT.TXT", offsetof(maatrij, entry) + 1 * 4 + 3));
      },
      {"DTMAAT: size type ", "its sizes don't make one bar"},
-     false},
+     false,
+     2},
     {"a distribution that doesn't add up",
      [](const DemoMap& m) { zet(m, "DTVVTAB.TXT", offsetof(vvrec, aantal), int32_t{9999}); },
      {"DTVVTAB: distribution ", ": the sum of row "},
-     false},
+     false,
+     2},
     {"a picture elsewhere",
      [](const DemoMap& m) {
          zet(m, "DTSERPIC.TXT", offsetof(serpicrec, bestand), std::array<char, 4>{"../"});
      },
      {"DTSERPIC: series ", "can't be a picture"},
-     false},
+     false,
+     2},
     {"no screen among the printers",
      [](const DemoMap& m) { wis(m, "print/TR_PTRG", 0); },
      {"print/TR_PTRG: no screen"},
-     false},
+     false,
+     2},
     {"a macro that can't be played",
      [](const DemoMap& m) {
          const Afloop a = in_proces([&] {
@@ -382,9 +378,8 @@ const std::vector<Schade> SCHADES = {
          EXPECT_EQ(a.status, 0) << a.uitvoer;
      },
      {"macro/MACRO: the macro of key 97, user 1, can't be played"},
-     false},
-
-    // ---- orders, and what stands beside them
+     false,
+     2},
     {"another supplier's order, another season's",
      [](const DemoMap& m) {
          zet(m, "2016Z/ORD0011.JRN", 1, uint16_t{99});
@@ -392,18 +387,21 @@ const std::vector<Schade> SCHADES = {
      },
      {"2016Z/ORD0011.JRN: at 0: an order of supplier 99",
       "2016Z/ORD0013.JRN: at 0: an order of season 2014Z"},
-     false},
+     false,
+     2},
     {"a branch that the firm hasn't",
      [](const DemoMap& m) {
          std::string jrn = lees_bestand(m.bestand("2016Z/ORD0012.JRN"));
          schrijf_bestand(m.bestand("2016Z/ORD0012.JRN"), jrn + std::string("F\xc8\x01\0\0\1\0\0\0", 9));
      },
      {"2016Z/ORD0012.JRN: at ", "branch index 200, which the firm does not have"},
-     false},
+     false,
+     2},
     {"a work file that can't be restored",
-     [](const DemoMap& m) { plak(m, "2016Z/ORD0012.WRK", "Oh"); },
-     {"2016Z/ORD0012.WRK: a broken-off order that can't be restored"},
-     false},
+     [](const DemoMap& m) { plak(m, "2016Z/ORD0018.WRK", "Oh"); },
+     {"2016Z/ORD0018.WRK: a broken-off order that can't be restored"},
+     false,
+     2},
     {"notes of programs",
      [](const DemoMap& m) {
          plak(m, "SERNR01.RES", "12345");
@@ -415,28 +413,67 @@ const std::vector<Schade> SCHADES = {
      {"SERNR01.RES: ends inside a key", "MUT01.RES: a link", "MUT02.RES: line 2 is no mutation",
       "MUT02.RES: note: the last line has no end", "KASMUT.TXT: line 2 is no mutation",
       "other files: note: elders"},
-     false},
+     false,
+     2},
     {"settings of the transfer",
      [](const DemoMap& m) {
          plak(m, "DTIPCSYS.TXT", std::string(100, '\0'));
          plak(m, "DTRCMSYS.TXT", std::string(128, '\0') + std::string(60, 'z') + std::string(324, '\x5'));
      },
      {"DTIPCSYS.TXT: 100 bytes of 512", "DTRCMSYS.TXT: ZEBEDI has no end", "EDICMD has no end", "method 5"},
-     false},
+     false,
+     2},
     {"a print job's description",
      [](const DemoMap& m) { plak(m, "PRAB12.JOB", "zgspoel?"), plak(m, "PRAB12", "report"); },
      {"PRAB12.JOB: damaged: nobody sends PRAB12"},
-     false},
+     false,
+     2},
 
-    // ---- rights
-    {"files that others of the group can't write, or anybody can",
+    // ---- files that are gone, or cut off
+    {"fixed tables cut off",
+     [](const DemoMap& m) { kap(m, "DTSYS.TXT", 100'000); },
+     {"DTSYS.TXT: 100000 bytes of 122952"},
+     false,
+     3},
+    {"a user who died in a critical step",
      [](const DemoMap& m) {
-         for (const auto& [naam, mode] :
-              {std::pair{"", 02770}, {"2016Z", 02770}, {"DTLEV.TXT", 0640}, {"2016Z/ORD0010.JRN", 0666}})
-             rechten(m, naam, static_cast<mode_t>(mode));
+         zet(m, "DTSYS.TXT", SYS_GEBRUIKER.start + offsetof(gebruikerslot, userstate), '\xc');
      },
-     {"DTLEV.TXT: mode 0640, should be 0660", "2016Z/ORD0010.JRN: mode 0666, should be 0664"},
-     true},
+     {"DTSYS.TXT: user 1 \"Joke\": died in a critical step"},
+     false,
+     3},
+    {"branches cut off",
+     [](const DemoMap& m) { kap(m, "DTFILGEG.TXT", 3000); },
+     {"DTFILGEG.TXT: 3000 bytes, of 3672 for 5 branches"},
+     false,
+     3},
+    {"settings cut off",
+     [](const DemoMap& m) { kap(m, "ORDPARM.SYS", 50); },
+     {"ORDPARM.SYS: 50 bytes"},
+     false,
+     3},
+    {"a data file that is gone",
+     [](const DemoMap& m) { std::filesystem::remove(m.bestand("DTMAAT.TXT")); },
+     {"DTMAAT: DTMAAT.TXT isn't there"},
+     false,
+     3},
+    {"a pair that is gone",
+     [](const DemoMap& m) {
+         for (const char* naam : {"DTKOERS.TXT", "DTKOERS.INX"})
+             std::filesystem::remove(m.bestand(naam));
+     },
+     {"DTKOERS: isn't there: the order program doesn't start"},
+     false,
+     3},
+    {"a mailbox that is gone, and one that others can't write",
+     [](const DemoMap& m) {
+         ASSERT_EQ(sh("zgedi -D " + m.pad() + " init internet && zgedi -D " + m.pad() + " make").status, 0);
+         std::filesystem::remove(m.bestand("zebedi/ongeldig"));
+         rechten(m, "zebedi/pricat/save", 0755);
+     },
+     {"/zebedi/ongeldig isn't there", "/zebedi/pricat/save: mode 0755"},
+     false,
+     3},
 };
 
 } // namespace zg::test
