@@ -21,8 +21,10 @@ TEST(Zgcheck, Remains) {
     const std::string hier = " " + map.pad();
     for (const char* naam : {"2016Z/ORD0012.TMP", "2016Z/ORD0012.ORS", "PRAB13.UIT", "EDISYS.CVC"})
         plak(map, naam, "x");
-    zet(map, "2016Z/ORD0013.JRN", 121 + 1,
-        uint16_t{9999}); // the brand of its first model, behind an order without texts
+    size_t model = 1 + sizeof(ordkop);
+    while (haal<char>(map, "2016Z/ORD0013.JRN", model) == 'T')
+        model += 1 + sizeof(ordtekst);
+    zet(map, "2016Z/ORD0013.JRN", model + 1, uint16_t{9999}); // its brand
     std::filesystem::create_directory(map.bestand(".ixwerkAAAAAA"));
     std::filesystem::create_directory(map.bestand(".ixwerkBBBBBB"));
     std::filesystem::create_directory(map.bestand(".ixwerkCCCCCC"));
@@ -59,19 +61,18 @@ TEST(Zgcheck, EachDamageAndItsRepair) {
         const auto stuk = map.inhoud();
         const Uit uit = sh("zgcheck" + hier);
         EXPECT_EQ(DemoMap::verschil(stuk, map.inhoud()), "") << "a check only reads";
-        const Uit na = sh("zgcheck --repair" + hier), weer = sh("zgcheck -q" + hier);
+        const Uit na = sh("zgcheck --repair" + hier);
         for (auto s = rij; s != tot; s++) {
             SCOPED_TRACE(s->wat);
             EXPECT_EQ(uit.status, 1);
-            EXPECT_EQ(weer.status, s->te_herstellen ? 0 : 1) << na.tekst;
+            EXPECT_EQ(na.status, s->te_herstellen ? 0 : 1) << na.tekst;
             for (const char* tekst : s->gezegd) {
                 EXPECT_TRUE(uit.zegt(tekst)) << tekst << "\n" << uit.tekst;
                 EXPECT_TRUE(s->te_herstellen || na.zegt(tekst)) << tekst << "\n" << na.tekst;
             }
         }
         if (rij->te_herstellen) {
-            EXPECT_EQ(na.status, 0) << na.tekst;
-            EXPECT_EQ(weer.tekst + sh("ixcheck -q" + hier).tekst, "");
+            EXPECT_EQ(sh("zgcheck -q" + hier).tekst + sh("ixcheck -q" + hier).tekst, "");
         } else { // what can't be known stays: no series, group or label goes
             for (const char* naam :
                  {"DTSER.TXT", "DTIPA.TXT", "DTIPG.TXT", "DTETI.TXT", "DTEAN.TXT", "DTSYS.TXT"})
