@@ -7,6 +7,8 @@
 #include "order/prijswerk.h"
 #include "order/register.h"
 #include "shared/files.h"
+#include "shared/iofil.h"
+#include "shared/sysrec.h"
 #include "term/strings.h"
 #include "tools/systeemkeur.h"
 #include <cstring>
@@ -59,16 +61,16 @@ struct Plaats {
     std::string naast(const char* ext) const { return map + VORM("/ORD%04u", leverancier) + ext; }
 };
 
-void kop_keur(const ordkop& k, const Plaats& plaats, int64_t offset, std::vector<std::string>* kwalen) {
-    const std::string waar = "at " + std::to_string(offset) + ": ";
-    if (k.leverancier != plaats.leverancier)
-        kwalen->push_back(waar + "an order of supplier " + std::to_string(k.leverancier));
-    if (VORM("%04u%c", k.jaar, k.seizoen) != plaats.map)
-        kwalen->push_back(waar + VORM("an order of season %04u%c", k.jaar, k.seizoen));
+// What the check of its records goes by. Relations that are gone are told as notes (Verwijzing).
+ordomgeving omgeving(const Plaats& plaats) {
+    ordomgeving uit{firma.filialen, plaats.leverancier, plaats.map};
+    const int filialen = filialen_open() ? firma.filialen : 0;
+    for (int i = 0; i < filialen; i++)
+        uit.filiaalnummers.push_back(iofil_nummer(i));
+    return uit;
 }
 
-void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek,
-                std::vector<std::string>* kwalen, journalen* j) {
+void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek, journalen* j) {
     ordloop l;
     ordrauw r;
     ordmodel m{};
@@ -77,7 +79,6 @@ void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek,
         if (r.tag == 'O') {
             ordkop k;
             memcpy(&k, r.data + 1, sizeof k);
-            kop_keur(k, plaats, r.offset, kwalen);
             if (boek->boek)
                 boek->kop(k);
             j->orders.push_back({plaats.pad() + " at " + std::to_string(r.offset),
@@ -107,7 +108,7 @@ void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek,
 }
 
 // An order that a program broke off in: what becomes of it. False when it has one under way itself.
-bool werk_keur(const Plaats& plaats, int filialen, keurbestanden* uit) {
+bool werk_keur(const Plaats& plaats, keurbestanden* uit) {
     const std::string wrk = plaats.naast(".WRK");
     if (IOSIZE(wrk.c_str()) <= 0)
         return true;
@@ -119,7 +120,7 @@ bool werk_keur(const Plaats& plaats, int filialen, keurbestanden* uit) {
     } else {
         std::vector<ordkwaal> kwalen;
         if (l.fd >= 0)
-            kwalen = ord_controle(l.fd, ORD_WERK, filialen, &telling);
+            kwalen = ord_controle(l.fd, ORD_WERK, omgeving(plaats), &telling);
         if (l.fd < 0)
             b.kwalen.push_back(l.fout);
         else if (!kwalen.empty() || IOSIZE(plaats.naast(".ACT").c_str()) != int64_t{sizeof(act_record)})
@@ -136,10 +137,10 @@ bool werk_keur(const Plaats& plaats, int filialen, keurbestanden* uit) {
     return false;
 }
 
-void lees_journaal(const Plaats& plaats, int filialen, const stamboek* stam, journalen* j) {
+void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
     keurbestand b{plaats.pad(), ""};
     const keurlezer l(plaats.pad());
-    bool in_hand = !werk_keur(plaats, filialen, &j->per_bestand);
+    bool in_hand = !werk_keur(plaats, &j->per_bestand);
     if (in_hand)
         j->leveranciers_in_hand.insert(plaats.leverancier);
     if (l.fd < 0) {
@@ -155,13 +156,13 @@ void lees_journaal(const Plaats& plaats, int filialen, const stamboek* stam, jou
     }
     ordtelling telling;
     std::vector<std::string> kwalen;
-    for (const ordkwaal& k : ord_controle(l.fd, ORD_JOURNAAL, filialen, &telling))
+    for (const ordkwaal& k : ord_controle(l.fd, ORD_JOURNAAL, omgeving(plaats), &telling))
         kwalen.push_back("at " + std::to_string(k.pos) + ": " + k.wat);
     if (!kwalen.empty())
         j->leveranciers_stuk.insert(plaats.leverancier);
     j->bestanden++;
     Verwijzing boek{stam};
-    orders_van(l.fd, plaats, in_hand, &boek, &kwalen, j);
+    orders_van(l.fd, plaats, in_hand, &boek, j);
     (in_hand ? b.noten : b.kwalen) = std::move(kwalen);
     boek.hoop.meld(&b.noten);
     b.telling = keur_aantal(telling.orders, "orders, ") + keur_aantal(telling.regels, "lines");
@@ -204,22 +205,22 @@ void lees_noot(const Nootsoort& soort, const std::string& pad, journalen* j) {
     j->per_bestand.push_back(std::move(b));
 }
 
-void lees_seizoen(const std::string& map, int filialen, const stamboek* boek, journalen* j) {
+void lees_seizoen(const std::string& map, const stamboek* boek, journalen* j) {
     j->seizoenen.insert({static_cast<uint16_t>(strtoul(map.c_str(), nullptr, 10)), map[4]});
     std::set<std::string> gezien;
     for (const std::string& naam : namen_in(map, ".JRN")) {
         const Plaats plaats{map, naam, leverancier_van(naam)};
         gezien.insert(plaats.naast(".WRK"));
-        lees_journaal(plaats, filialen, boek, j);
+        lees_journaal(plaats, boek, j);
     }
     if (const Plaats nul{map, "ORD" + map + ".JRN", 0}; IOEXISTS(nul.pad().c_str())) {
         gezien.insert(nul.naast(".WRK"));
-        lees_journaal(nul, filialen, boek, j);
+        lees_journaal(nul, boek, j);
     }
     // A new order of a supplier without a journal has a work file alone until its commit.
     for (const std::string& naam : namen_in(map, ".WRK"))
         if (const Plaats plaats{map, naam, leverancier_van(naam)};
-            !gezien.contains(map + "/" + naam) && !werk_keur(plaats, filialen, &j->per_bestand))
+            !gezien.contains(map + "/" + naam) && !werk_keur(plaats, &j->per_bestand))
             j->leveranciers_in_hand.insert(plaats.leverancier);
     for (const Nootsoort& soort : NOTEN)
         for (const std::string& naam : namen_in(map, soort.ext))
@@ -247,10 +248,10 @@ std::vector<std::string> werkresten(const std::string& seizoen) {
     return uit;
 }
 
-journalen journalen_lees(int filialen, const stamboek* boek) {
+journalen journalen_lees(const stamboek* boek) {
     journalen j;
     for (const std::string& map : keur_seizoenen())
-        lees_seizoen(map, filialen, boek, &j);
+        lees_seizoen(map, boek, &j);
     return j;
 }
 

@@ -29,8 +29,8 @@ struct journalen {
     int64_t bestanden = 0, regels = 0;
     keurbestanden per_bestand; // what the check tells of each
 };
-// `boek`: the master data that lines are held against, null for none. `filialen`: branches of the firm.
-journalen journalen_lees(int filialen, const stamboek* boek);
+// `boek`: the master data that lines are held against, null for none. The firm's settings are read.
+journalen journalen_lees(const stamboek* boek);
 
 // Names of season directories, "2016Z".
 std::vector<std::string> keur_seizoenen();

@@ -143,7 +143,7 @@ void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nu
 
 void keur_orders(Keuring* k) {
     const Nummers nummers = lees_nummers();
-    const journalen j = journalen_lees(firma.filialen, nullptr);
+    const journalen j = journalen_lees(nullptr);
     k->jrn.telling = keur_aantal(j.bestanden, "files, ") +
                      keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +
                      keur_aantal(j.regels, "lines");

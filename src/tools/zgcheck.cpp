@@ -156,7 +156,7 @@ keurbestanden het_register(const std::set<std::string>& stuk, int pogingen) {
 
 keurbestanden orders() {
     const stamboek boek = stamboek_lees();
-    return journalen_lees(firma.filialen, &boek).per_bestand;
+    return journalen_lees(&boek).per_bestand;
 }
 
 std::vector<std::string> bijbomen() {

@@ -385,8 +385,8 @@ const std::vector<Schade> SCHADES = {
          zet(m, "2016Z/ORD0011.JRN", 1, uint16_t{99});
          zet(m, "2016Z/ORD0013.JRN", 1 + offsetof(ordkop, jaar), uint16_t{2014});
      },
-     {"2016Z/ORD0011.JRN: at 0: an order of supplier 99",
-      "2016Z/ORD0013.JRN: at 0: an order of season 2014Z"},
+     {"2016Z/ORD0011.JRN: at 0: an order of supplier 99 in a file of supplier 11",
+      "2016Z/ORD0013.JRN: at 0: an order of season 2014Z in a file of 2016Z"},
      false,
      2},
     {"a branch that the firm hasn't",
