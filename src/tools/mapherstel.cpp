@@ -12,8 +12,8 @@
 #include "tools/journaalkeur.h"
 #include "tools/opdracht.h"
 #include "tools/rechtkeur.h"
-#include "tools/restkeur.h"
 #include "tools/systeemkeur.h"
+#include "tools/werkmap.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -82,21 +82,17 @@ int geef_vrij(const std::string& paar, bool stil) {
     return goed ? GOED : FOUT_GEVONDEN;
 }
 
-bool ruim_werkmap(const std::string& map) {
-    bool goed = true;
-    for (const std::string& naam : keur_namen(map))
-        goed = SYS.unlink((map + "/" + naam).c_str()) == 0 && goed;
-    return SYS.rmdir(map.c_str()) == 0 && goed;
-}
-
 int resten(bool stil) {
     bool goed = true;
     auto weg = [&](const std::string& pad, bool gelukt) {
         zeg(stil, pad + (gelukt ? ": removed" : std::string(": ") + strerror(errno)));
         goed = gelukt && goed;
     };
-    for (const std::string& map : verlaten_werkmappen())
-        weg(map, ruim_werkmap(map));
+    std::vector<std::string> mappen = keur_namen(".");
+    Werkmap::veeg(".");
+    for (const std::string& map : mappen)
+        if (keur_past(".ixwerk*", map) && !IOISDIR(map.c_str()))
+            zeg(stil, map + ": removed");
     for (const std::string& seizoen : keur_seizoenen())
         for (const std::string& pad : werkresten(seizoen))
             weg(pad, SYS.unlink(pad.c_str()) == 0);

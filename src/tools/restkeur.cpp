@@ -10,7 +10,6 @@
 #include "term/vast.h"
 #include "tools/boomkeur.h"
 #include "tools/journaalkeur.h"
-#include "tools/paar.h"
 #include <algorithm>
 #include <cstring>
 #include <ctime>
@@ -203,7 +202,7 @@ const Soort SOORTEN[] = {
     {"ZGDEMO.MRK", nullptr, nullptr},
     {"ZEBCAT", nullptr, nullptr},
     {"DETAIL", nullptr, nullptr},
-    {".ixwerk??????", "", "a load or copy under way, or killed"},
+    {".ixwerk??????", "", "a load or copy under way, or killed; the next one sweeps it"},
 };
 
 const Soort* soort_van(const std::string& naam) {
@@ -229,27 +228,6 @@ void seizoen_rest(const std::string& map, keurbestanden* uit, std::vector<std::s
 }
 
 } // namespace
-
-std::vector<std::string> verlaten_werkmappen() {
-    constexpr time_t OUD = 600; // seconds
-    std::vector<std::string> uit;
-    for (const std::string& naam : keur_namen(".")) {
-        struct stat st;
-        if (!keur_past(".ixwerk??????", naam) || lstat(naam.c_str(), &st) != 0 || !S_ISDIR(st.st_mode))
-            continue;
-        bool vrij = time(nullptr) - st.st_mtime > OUD;
-        for (const std::string& deel : keur_namen(naam)) {
-            const std::string pad = naam + "/" + deel;
-            const keurlezer l(pad);
-            // "vorige" is the old data file, which a second rename that was refused may have left as the only one.
-            vrij = vrij && l.fd >= 0 && SYS.fstat(l.fd, &st) == 0 && time(nullptr) - st.st_mtime > OUD &&
-                   !elders_open(l.fd) && (deel != "vorige" || st.st_nlink > 1);
-        }
-        if (vrij)
-            uit.push_back(naam);
-    }
-    return uit;
-}
 
 keurbestanden rest_keur() {
     keurbestanden uit;

@@ -11,8 +11,4 @@ keurbestanden rest_keur();
 keurbestanden tabel_keur();
 std::vector<std::string> tabel_paren();
 
-// Directories of loads and copies that nobody works on: old enough, no file of them open. Those that hold the only copy
-// of something are not among them.
-std::vector<std::string> verlaten_werkmappen();
-
 } // namespace zg

@@ -5,8 +5,8 @@
 #include "store/ix.h"
 #include "store/node.h"
 #include "term/strings.h"
-#include "term/vast.h"
 #include "tools/systeemkeur.h"
+#include "tools/wie.h"
 #include <cstring>
 #include <fcntl.h>
 
@@ -67,14 +67,6 @@ std::string deel(const std::string& naam, const Gebied& g, const IXHEADER* kop) 
     return naam.ends_with(".TXT") && g.lengte == 0 ? "all of it" : "in hand";
 }
 
-std::string programma(int64_t pid) {
-    char buf[32] = "";
-    const keurlezer l("/proc/" + std::to_string(pid) + "/comm");
-    if (l.fd >= 0)
-        SYSLEES(l.fd, buf, sizeof buf - 1, 0);
-    return std::string(buf, strcspn(buf, "\n"));
-}
-
 } // namespace
 
 std::vector<int32_t> wie_zijn_er() {
@@ -89,17 +81,7 @@ std::vector<int32_t> wie_zijn_er() {
 }
 
 std::string keur_proces(int64_t pid) {
-    if (pid <= 0)
-        return "a program";
-    for (int32_t nr = 1; nr <= SYS_GEBRUIKER.slots; nr++)
-        if (IOLOCKPID(iotab_fd(), slotplaats(nr), SYS_GEBRUIKER.grootte) == pid) {
-            gebruikerslot g;
-            iotab('R', &nr, &g, SYS_GEBRUIKER);
-            return VORM("process %lld (user %d ", static_cast<long long>(pid), nr) + gebruiker_naam(g) +
-                   ", " + std::string(VASTUIT(g.userprog)) + ")";
-        }
-    const std::string naam = programma(pid);
-    return "process " + std::to_string(pid) + (naam.empty() ? "" : " (" + naam + ")");
+    return pid > 0 ? wie_is(pid, iotab_fd()) : "a program";
 }
 
 keurbestanden sloten_keur(const std::vector<std::string>& bestanden) {

@@ -12,7 +12,7 @@ bool filialen_open();
 // Who has what in the directory: locks with process and user, by file. DTSYS.TXT is open and looked at through its one
 // descriptor, since closing another would drop its locks.
 keurbestanden sloten_keur(const std::vector<std::string>& bestanden);
-// The process as people know it: "process 123 (user 1 Joke)".
+// The process as people know it (tools/wie.h); "a program" for one that the system doesn't name.
 std::string keur_proces(int64_t pid);
 // Slots of users who are in, or on their way to their next program.
 std::vector<int32_t> wie_zijn_er();

@@ -27,10 +27,8 @@ TEST(Zgcheck, Remains) {
     zet(map, "2016Z/ORD0013.JRN", model + 1, uint16_t{9999}); // its brand
     std::filesystem::create_directory(map.bestand(".ixwerkAAAAAA"));
     std::filesystem::create_directory(map.bestand(".ixwerkBBBBBB"));
-    std::filesystem::create_directory(map.bestand(".ixwerkCCCCCC"));
     for (const char* naam : {".ixwerkAAAAAA/DTLEV.TXT", ".ixwerkBBBBBB/vorige"})
         plak(map, naam, "x");
-    sh("touch -d 2016-03-01 " + map.pad() + "/.ixwerk[AB]*/* " + map.pad() + "/.ixwerk[AB]*");
     const Uit uit = sh("zgcheck" + hier);
     EXPECT_EQ(uit.status, 0);
     for (const char* tekst :
@@ -42,9 +40,8 @@ TEST(Zgcheck, Remains) {
     EXPECT_EQ(na.status, 0) << na.tekst;
     for (const char* naam : {"2016Z/ORD0012.TMP", "2016Z/ORD0012.ORS", "PRAB13.UIT", ".ixwerkAAAAAA"})
         EXPECT_FALSE(std::filesystem::exists(map.bestand(naam))) << naam;
-    // The only copy of something stays, and what may be a living program's.
+    // The only copy of something stays.
     EXPECT_TRUE(std::filesystem::exists(map.bestand(".ixwerkBBBBBB/vorige")));
-    EXPECT_TRUE(std::filesystem::exists(map.bestand(".ixwerkCCCCCC")));
 }
 
 TEST(Zgcheck, EachDamageAndItsRepair) {
@@ -97,7 +94,7 @@ TEST(Zgcheck, BesidePeople) {
         const Uit kijk = sh("zgcheck" + hier);
         EXPECT_EQ(kijk.status, 1);
         EXPECT_TRUE(kijk.zegt("DTSYS.TXT: note: user slot 1: in use by process") &&
-                    kijk.zegt("(user 1 Joke, zgbestel)") && kijk.zegt("DTSYS.TXT: note: group 5: in use"))
+                    kijk.zegt(", zgbestel, user Joke") && kijk.zegt("DTSYS.TXT: note: group 5: in use"))
             << kijk.tekst;
         EXPECT_EQ(DemoMap::verschil(bezig, map.inhoud()), "");
         // The number of a series that he is making isn't cleared under him, whatever is forced.
