@@ -3,25 +3,19 @@
 #include "codes/codetabel.h"
 #include "codes/codeveld.h"
 #include "shared/leesstam.h"
-#include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/rebuild.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "support/slotboek.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
-#include <csignal>
-#include <sys/stat.h>
 
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::lees_bestand;
-using test::vorm;
+using namespace test;
 using namespace std::string_literals;
 
 struct Codes : test::Systeem {

@@ -7,13 +7,11 @@
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
-#include <sys/stat.h>
 
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::vorm;
+using namespace test;
 
 struct Velden : test::Systeem {
     Velden() {

@@ -1,14 +1,12 @@
 // Exclusion of users and batch runs, by real processes on real locks.
 #include "control/batchvw.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
 
 namespace zg {
 namespace {
 
-using test::Agent;
-using test::Terminal;
+using namespace test;
 
 struct Batch : test::Systeem {
     Batch() {

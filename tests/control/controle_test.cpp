@@ -1,20 +1,12 @@
 // The state of the package: codes and texts, users who died in a critical step, the report of the backup program.
 #include "control/controle.h"
-#include "shared/syscalls.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/datum.h"
-#include <cerrno>
-#include <ctime>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::Agent;
-using test::lees_bestand;
-using test::schrijf_bestand;
+using namespace test;
 
 constexpr size_t TEKST = 64 * 9 + 8, CODE = 64 * 9 + 63; // of system record 10, in the file
 constexpr size_t STAND = 2640 + 38;

@@ -2,7 +2,6 @@
 #include "e2e/loop.h"
 #include "order/ioord.h"
 #include "term/gesprek.h"
-#include "term/vast.h"
 
 using namespace zg;
 using namespace zg::test;

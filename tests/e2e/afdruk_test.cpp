@@ -3,13 +3,8 @@
 #include "e2e/loop.h"
 #include "order/ioord.h"
 #include "shared/ioeti.h"
-#include "support/proces.h"
 #include "term/gesprek.h"
-#include "term/vast.h"
 #include "tools/shell.h"
-#include <chrono>
-#include <csignal>
-#include <filesystem>
 #include <thread>
 
 using namespace zg;

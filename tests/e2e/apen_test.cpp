@@ -7,7 +7,6 @@
 #include "e2e/handsom.h"
 #include "e2e/loop.h"
 #include "shared/leesstam.h"
-#include <cstdlib>
 #include <iterator>
 #include <random>
 #include <sstream>

@@ -8,7 +8,6 @@
 #include "sub/serzoek.h"
 #include "term/scherm.h"
 #include "tools/shell.h"
-#include <memory>
 
 using namespace zg::test;
 

@@ -1,8 +1,5 @@
 #include "e2e/datamap.h"
 #include "term/gesprek.h"
-#include "term/vast.h"
-#include <cstring>
-#include <filesystem>
 #include <fstream>
 
 namespace zg::test {

@@ -3,8 +3,7 @@
 #pragma once
 #include "support/demomap.h"
 #include "support/ordbytes.h"
-#include <string>
-#include <vector>
+#include "support/proef.h"
 
 namespace zg::test {
 

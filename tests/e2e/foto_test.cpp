@@ -2,8 +2,6 @@
 #include "e2e/loop.h"
 #include "shared/registerrec.h"
 #include "shared/sysrec.h"
-#include "term/vast.h"
-#include <filesystem>
 
 using namespace zg::test;
 

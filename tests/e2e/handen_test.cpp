@@ -1,11 +1,6 @@
 // Three users of one group on one directory, each with a umask of his own, working on one supplier by turns.
 #include "e2e/loop.h"
 #include "support/rechten.h"
-#include "term/vast.h"
-#include <csignal>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 
 using namespace zg::test;
 namespace fs = std::filesystem;

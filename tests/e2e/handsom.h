@@ -4,9 +4,6 @@
 #include "e2e/datamap.h"
 #include "order/ioord.h"
 #include "term/gesprek.h"
-#include <algorithm>
-#include <cstring>
-#include <map>
 
 namespace zg::test {
 

@@ -1,9 +1,6 @@
 // What "cmake --install" puts down, under a prefix that the build doesn't know and that no path leads to.
 #include "support/demomap.h"
 #include "tools/shell.h"
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <set>
 
 using namespace zg::test;
 namespace fs = std::filesystem;

@@ -1,8 +1,6 @@
 // The way to an order: season, supplier, list of orders, date of a new one.
 #include "e2e/datamap.h"
 #include "e2e/loop.h"
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 
 using namespace zg::test;
 

@@ -1,9 +1,6 @@
 // The program at its season prompt, and the short ways to an order that cases need.
 #pragma once
 #include "e2e/datamap.h"
-#include <cstring>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace zg::test {
 

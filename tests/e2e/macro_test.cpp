@@ -2,8 +2,6 @@
 // program, played from the other.
 #include "store/diepcheck.h"
 #include "support/demomap.h"
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 using namespace zg::test;
 

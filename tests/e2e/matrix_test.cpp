@@ -1,7 +1,6 @@
 // The order matrix on the screen: colours by size of a model or an article group over two size types.
 #include "e2e/loop.h"
 #include "term/gesprek.h"
-#include "term/vast.h"
 
 using namespace zg::test;
 

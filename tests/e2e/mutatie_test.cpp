@@ -2,13 +2,8 @@
 // and what a death in the middle of it leaves.
 #include "e2e/storingsmap.h"
 #include "order/wrk.h"
-#include "shared/files.h"
-#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "tools/shell.h"
-#include <csignal>
-#include <cstring>
-#include <unistd.h>
 
 using namespace zg::test;
 

@@ -1,13 +1,7 @@
 // What happens around an order: processing at work, a full disk, a damaged journal, a terminal that goes away, the
 // full registration's files, EDI orders.
 #include "e2e/loop.h"
-#include "shared/files.h"
 #include "shared/sysrec.h"
-#include "term/vast.h"
-#include <csignal>
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 
 using namespace zg::test;
 

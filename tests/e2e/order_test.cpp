@@ -1,8 +1,6 @@
 // An order on the screen: its pages, its header field by field, lines deleted, and what the journal holds then.
 #include "e2e/loop.h"
 #include "term/gesprek.h"
-#include "term/vast.h"
-#include <csignal>
 
 using namespace zg::test;
 
@@ -29,11 +27,9 @@ TEST(Order, BladerenEnTotalen) {
         int cursor, top;
     } gevallen[] = {
         {1, "<Down><PgDn>", 1, 1},
-
         {15, "<PgDn>", 15, 15},
         {15, "<Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down>", 15, 2},
         {60, "<PgDn><PgDn><PgUp><Up>", 14, 14},
-
     };
     for (auto& g : gevallen) {
         SCOPED_TRACE(std::to_string(g.regels) + g.toetsen);
@@ -235,9 +231,7 @@ TEST(Order, RegelsVerwijderen) {
         std::vector<size_t> over;
     } const gevallen[] = {
         {"first of a model of two", "VJ<Enter>", {2, 3, 4}},
-
         {"middle: second of its model", "<Down>VJ<Enter>", {1, 3, 4}},
-
         {"asked, and no", "V<Enter>", {1, 2, 3, 4}},
         {"all: the journal goes", "VJ<Enter>VJ<Enter>VJ<Enter>VJ<Enter>", {}},
     };

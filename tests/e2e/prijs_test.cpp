@@ -6,7 +6,6 @@
 #include "shared/sysrec.h"
 #include "support/paar.h"
 #include "term/gesprek.h"
-#include "term/vast.h"
 
 using namespace zg;
 using namespace zg::test;

@@ -7,7 +7,6 @@
 #include "shared/maatbalk.h"
 #include "support/ordbytes.h"
 #include "term/scherm.h"
-#include "term/vast.h"
 
 using namespace zg::test;
 using zg::VASTIN;

@@ -3,7 +3,6 @@
 // or packs with the program's own code.
 #include "e2e/loop.h"
 #include "term/gesprek.h"
-#include <functional>
 
 using namespace zg::test;
 

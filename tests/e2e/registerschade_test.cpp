@@ -3,7 +3,6 @@
 #include "shared/ioeti.h"
 #include "store/ix.h"
 #include "tools/shell.h"
-#include <array>
 
 using namespace zg::test;
 

@@ -2,9 +2,7 @@
 // Behind a rebuild of pairs that were left marked and the next start of that supplier nothing is in two places, nothing
 // of another series has changed, no key is reserved, and the check finds what its repair gives back.
 #include "e2e/storingsmap.h"
-#include "shared/syscalls.h"
 #include "tools/shell.h"
-#include <cerrno>
 
 using namespace zg::test;
 

@@ -1,7 +1,6 @@
 // The README's first steps, word for word: every key of its table, every text that it promises, and its picture.
 #include "support/demomap.h"
 #include "tools/shell.h"
-#include <gtest/gtest.h>
 #include <sstream>
 
 using namespace zg::test;

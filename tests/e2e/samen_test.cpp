@@ -1,7 +1,5 @@
 // Two users on one directory, and terminals that go away wherever the program stands.
 #include "e2e/loop.h"
-#include <csignal>
-#include <gtest/gtest.h>
 
 using namespace zg::test;
 

@@ -2,11 +2,7 @@
 // names the fault, or an answer, and never a crash; and the files that aren't being changed stay as they
 // were.
 #include "support/demomap.h"
-#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <random>
 

@@ -2,13 +2,7 @@
 #include "control/batchvw.h"
 #include "e2e/loop.h"
 #include "order/start.h"
-#include "shared/files.h"
 #include "shared/iotab.h"
-#include <filesystem>
-#include <functional>
-#include <gtest/gtest.h>
-#include <unistd.h>
-#include <utility>
 
 using namespace zg::test;
 
@@ -83,12 +77,10 @@ void zet_userprog(Datamap& map, std::string naam) {
 const Weigering WEIGERINGEN[] = {
     {"four arguments", [](Datamap&, auto& argv, Opties&) { argv.pop_back(); },
      "zgbestel foutief gestart, code 99"},
-
     {"no system tables", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTSYS.TXT").c_str()); },
      "DTSYS.TXT niet aanwezig in"},
     {"other release", [](Datamap& map, auto&, Opties&) { map.sys(9 * 64 + 58, "8.60 "); },
      "Foutieve release: bestanden van 8.60"},
-
     {"session beyond the table", [](Datamap&, auto& argv, Opties&) { argv[3] = "100"; },
      "foutief gestart, code 2"},
     {"session nobody has", [](Datamap&, auto& argv, Opties&) { argv[3] = "9"; }, "foutief gestart, code 2"},
@@ -103,7 +95,6 @@ const Weigering WEIGERINGEN[] = {
      "foutief gestart, code 13"},
     {"no order parameters", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("ORDPARM.SYS").c_str()); },
      "Open niet gelukt (file=ORDPARM.SYS"},
-
     {"no branch table", [](Datamap& map, auto&, Opties&) { unlink(map.bestand("DTFILGEG.TXT").c_str()); },
      "Open niet gelukt (file=DTFILGEG.TXT"},
     {"series without their index: no order without labels",
@@ -112,7 +103,6 @@ const Weigering WEIGERINGEN[] = {
     {"an index of series, and nothing else of the register",
      [](Datamap& map, auto&, Opties&) { schrijf_bestand(map.bestand("DTSER.INX"), ""); },
      "Open niet gelukt (file="},
-
     {"unknown terminal", [](Datamap&, auto&, Opties& o) { o.term = "raar"; }, "Onbekende terminfo (Raar)",
      10},
 };

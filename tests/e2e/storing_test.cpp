@@ -1,7 +1,6 @@
 // A header that the disk refuses, in the real program: the call is refused by strace, which counts those on the
 // supplier's files only. A full disk, or a kill, at every single write: tests/order.
 #include "e2e/loop.h"
-#include <gtest/gtest.h>
 
 using namespace zg::test;
 

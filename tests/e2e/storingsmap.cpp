@@ -4,48 +4,14 @@
 #include "order/programma.h"
 #include "order/start.h"
 #include "shared/ioeti.h"
-#include "shared/syscalls.h"
 #include "sub/omserie.h"
+#include "support/roepstoring.h"
 #include "term/scherm.h"
 #include "term/toets.h"
-#include <cerrno>
-#include <csignal>
-#include <filesystem>
 
 namespace zg::test {
 
 namespace {
-
-// ---- the n-th call that writes
-
-const SYSCALLS ECHT = SYS;
-int over; // calls that go well before it
-bool dood;
-
-bool nu() {
-    if (over-- != 0)
-        return false;
-    if (dood)
-        raise(SIGKILL);
-    errno = ENOSPC;
-    return true;
-}
-
-void stoor(int n, bool doden) {
-    over = n;
-    dood = doden;
-    SYS.write = [](int fd, const void* b, size_t l) { return nu() ? ssize_t{-1} : ECHT.write(fd, b, l); };
-    SYS.pwrite = [](int fd, const void* b, size_t l, off_t p) {
-        return nu() ? ssize_t{-1} : ECHT.pwrite(fd, b, l, p);
-    };
-    SYS.rename = [](const char* a, const char* b) { return nu() ? -1 : ECHT.rename(a, b); };
-    SYS.open = [](const char* p, int v, mode_t m) {
-        return (v & O_CREAT) && access(p, F_OK) != 0 && nu() ? -1 : ECHT.open(p, v, m);
-    };
-    // To cut and to delete needs no room.
-    SYS.ftruncate = [](int fd, off_t l) { return dood && nu() ? -1 : ECHT.ftruncate(fd, l); };
-    SYS.unlink = [](const char* p) { return dood && nu() ? -1 : ECHT.unlink(p); };
-}
 
 std::vector<int32_t> toetscodes(std::string_view reeks) {
     std::vector<int32_t> uit;
@@ -109,9 +75,9 @@ std::unique_ptr<Terminal> Storingsmap::start(std::vector<std::string> argv, cons
             const std::vector<int32_t> codes = toetscodes(toetsen);
             for (size_t i = codes.size(); i-- > 0;)
                 TOETSTERUG(codes[i]);
-            stoor(n, doden);
+            stoor_roep(n, doden);
         },
-        [=] { return over < 0 && n >= 0 ? 7 : 0; });
+        [=] { return gestoord() && n >= 0 ? 7 : 0; });
 }
 
 int Storingsmap::klaar(Terminal& t) {

@@ -4,9 +4,6 @@
 #include "e2e/datamap.h"
 #include "e2e/loop.h"
 #include "shared/registerrec.h"
-#include <functional>
-#include <memory>
-#include <set>
 
 namespace zg::test {
 

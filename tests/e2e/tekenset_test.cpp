@@ -1,7 +1,5 @@
 // A buyer's letters on terminals of four character sets: what stands on the screen, and the bytes in the journal.
 #include "e2e/loop.h"
-#include "term/vast.h"
-#include <gtest/gtest.h>
 
 using namespace zg::test;
 

@@ -1,12 +1,7 @@
 // The order to a queue of a real scheduler: what it gets, and what a user hears when it is down or refuses.
 #include "e2e/loop.h"
 #include "print/afdruk.h"
-#include "shared/syscalls.h"
 #include "tools/shell.h"
-#include <csignal>
-#include <filesystem>
-#include <memory>
-#include <sys/wait.h>
 
 namespace zg {
 namespace {

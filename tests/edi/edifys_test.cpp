@@ -1,21 +1,13 @@
 // The settings of the transfer: by name, out of the older form, changed by two programs at once.
 #include "edi/edifys.h"
-#include "shared/files.h"
 #include "shared/report.h"
-#include "support/proces.h"
+#include "support/proef.h"
 #include "support/roepstoring.h"
-#include "support/terminal.h"
-#include <cstring>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::in_proces;
-using test::lees_bestand;
-using test::schrijf_bestand;
+using namespace test;
 
 struct Instellingen : testing::Test {
     test::TijdelijkeMap map;

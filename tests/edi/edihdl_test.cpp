@@ -1,31 +1,18 @@
 // The mailboxes: where they are, made, moved; and what messages say.
 #include "edi/edifys.h"
 #include "edi/edihdl.h"
-#include "shared/files.h"
 #include "shared/leesstam.h"
 #include "shared/woordenboek.h"
-#include "support/proces.h"
 #include "support/rechten.h"
 #include "support/roepstoring.h"
 #include "support/systeem.h"
-#include "support/terminal.h"
 #include "term/datum.h"
-#include "term/vast.h"
-#include <cstring>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <map>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <vector>
 
 namespace zg {
 namespace {
 
 namespace fs = std::filesystem;
-using test::in_proces;
-using test::lees_bestand;
-using test::schrijf_bestand;
+using namespace test;
 
 struct Postbus : testing::Test {
     test::TijdelijkeMap map;

@@ -3,26 +3,14 @@
 #include "edi/iokasmut.h"
 #include "edi/konl_mut.h"
 #include "shared/regelbij.h"
-#include "shared/syscalls.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
-#include <algorithm>
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <map>
 #include <sstream>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <utility>
 
 namespace zg {
 namespace {
 
-using test::Agent;
-using test::lees_bestand;
-using test::schrijf_bestand;
+using namespace test;
 
 constexpr char BESTAND[] = "KASMUT.TXT";
 

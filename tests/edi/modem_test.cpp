@@ -2,26 +2,14 @@
 // own, and all of a table run at once: most of their time is pauses.
 #include "edi/modem.h"
 #include "shared/report.h"
-#include "shared/syscalls.h"
-#include "support/proces.h"
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "term/scherm.h"
 #include "term/toets.h"
 #include "tools/shell.h"
 #include <atomic>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
-#include <functional>
-#include <gtest/gtest.h>
-#include <memory>
 #include <sys/ioctl.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <thread>
-#include <unistd.h>
-#include <vector>
 
 namespace zg {
 namespace {

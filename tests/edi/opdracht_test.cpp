@@ -1,19 +1,14 @@
 // The settings on the screen; zgedi as an operator uses them.
 #include "edi/edifys.h"
 #include "edi/edihdl.h"
-#include "shared/files.h"
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "tools/shell.h"
-#include <filesystem>
-#include <gtest/gtest.h>
 
 namespace zg {
 namespace {
 
 namespace fs = std::filesystem;
-using test::lees_bestand;
-using test::schrijf_bestand;
-using test::sh;
+using namespace test;
 
 // Nothing is made before the method is chosen, and no key leaves that question; then every item is stored at once, and
 // the mailboxes move with their root.

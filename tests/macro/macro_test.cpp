@@ -1,15 +1,11 @@
 // Macros recorded and played on a screen: records byte for byte, whose they are, what comes first and what ends them,
 // and a table that can't be used.
 #include "macro/speler.h"
-#include "shared/files.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "term/ingave.h"
 #include "term/menu.h"
 #include "term/prompt.h"
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
@@ -20,17 +16,10 @@ struct Macro : testing::Test {
     TijdelijkeMap map;
 };
 
-// What the keys gave, in a program that shows their codes.
-std::string codes_na(const std::string& bytes, uint16_t gebruiker = 7,
+std::string codes_na(const std::string& getypt, uint16_t gebruiker = 7,
                      const std::function<void()>& wat = toon_toetsen) {
     Terminal t(speler(gebruiker, wat));
-    t.kalm();
-    t.stuur(bytes);
-    t.kalm();
-    const std::string uit = t.regel(1);
-    t.stuur("q");
-    EXPECT_EQ(t.einde(), 0) << t.scherm();
-    return uit;
+    return test::codes_na(t, getypt);
 }
 
 TEST_F(Macro, RecordedAndPlayed) {

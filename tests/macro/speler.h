@@ -5,9 +5,6 @@
 #include "term/gesprek.h"
 #include "term/macro/macro.h"
 #include "term/toetslog.h"
-#include "term/vast.h"
-#include <cstdlib>
-#include <cstring>
 
 namespace zg::test {
 
@@ -23,6 +20,17 @@ inline std::function<int()> speler(uint16_t gebruiker, std::function<void()> wat
         SCREXIT();
         return 0;
     };
+}
+
+// What the keys gave, on the first row of a program that shows their codes until q.
+inline std::string codes_na(Terminal& t, const std::string& getypt) {
+    t.kalm();
+    t.stuur(getypt);
+    t.kalm();
+    const std::string uit = t.regel(1);
+    t.stuur("q");
+    EXPECT_EQ(t.einde(), 0) << t.scherm();
+    return uit;
 }
 
 inline mac_rec macro(char toets, uint16_t gebruiker, std::initializer_list<int> codes,

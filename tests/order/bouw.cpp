@@ -1,18 +1,8 @@
 // The builders, sessions and faults of bouw.h.
 #include "bouw.h"
 #include "price/ing_val.h"
-#include "shared/files.h"
-#include "shared/syscalls.h"
 #include "support/ordbytes.h"
-#include "support/proces.h"
 #include "support/systeem.h"
-#include "term/vast.h"
-#include <cerrno>
-#include <csignal>
-#include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg::test {
 

@@ -5,11 +5,7 @@
 #include "order/programma.h"
 #include "order/regel.h"
 #include "order/wrk.h"
-#include "support/terminal.h"
-#include <functional>
-#include <map>
-#include <string>
-#include <vector>
+#include "support/proef.h"
 
 namespace zg::test {
 
@@ -50,7 +46,7 @@ struct Order {
 std::string bytes(const Order& order, bool werkbestand = false);
 std::string bytes(const std::vector<Order>& orders);
 std::vector<Order> genummerd(std::vector<Order> orders); // as the full registration has them
-std::vector<ors_ingang> index_van(const Order& order); // of its work file
+std::vector<ors_ingang> index_van(const Order& order);   // of its work file
 
 // An order with lines per model as given, with texts, prices, terms and extensions that depend on the number.
 Order maak_order(int nummer, const std::vector<int>& regels_per_model);

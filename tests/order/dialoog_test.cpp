@@ -1,7 +1,6 @@
 // The text dialog: how a text falls over its rows, where the cursor stands, and its keys in a real terminal.
 #include "order/dialog.h"
 #include "term/gesprek.h"
-#include <cstring>
 
 using namespace zg;
 using namespace zg::test;
@@ -40,7 +39,6 @@ TEST(Dialoog, IndelingVanDeRijen) {
         std::vector<int> begin;
     } const gevallen[] = {
         {"", "", {0, 0, 0, 0, 0}},
-
         {"abcde", "abcde", {0, 5, 5, 5, 5}},     // a full row that ends the text has no break
         {"abcdef", "abcde~f", {0, 6, 7, 7, 7}},  // at the column, not between words
         {"abcde|f", "abcde|f", {0, 6, 7, 7, 7}}, // the line end still belongs to the full row
@@ -81,13 +79,11 @@ struct Tikken {
 
 const Tikken TIKKEN[] = {
     {"typed over a full row", "", "abcdefg<Esc>", "abcdefg"},
-
     {"inserts", "abc", "<Ins>XY<Esc>", "XYabc"},
     {"ENTER always inserts", "abc", "<Right><Enter><Esc>", "a|bc"},
     {"backspace joins lines", "ab|cd", "<Down><Home><Back><Esc>", "abcd"},
     {"backspace at a soft break first steps onto it", "abcdefg", "<Down><Home><Back><Back>X<Esc>", "abcdXg"},
     {"delete a line end", "ab|cd", "<End><Del><Esc>", "abcd"},
-
     {"end, then left over the row's start", "ab|cd", "<Down><Home><Left>X<Esc>", "abX|cd"},
     {"a short row becomes the wanted column", "abcd|e|fghi", "<Right><Right><Right><Down><Down>X<Esc>",
      "abcd|e|fXhi"},
@@ -98,7 +94,6 @@ const Tikken TIKKEN[] = {
      1},
     {"insert pushes lines off the end", "a|b|c|d", "<Ins><Enter><Esc>", "|a|b|c|"},
     {"a key that means nothing", "ab", "<F9>X<Esc>", "Xb", 1},
-
     {"accented letters are one byte", "", "\xC3\xA9t\xC3\xA9<F3>", "été"},
 };
 

@@ -1,15 +1,7 @@
 // The order files in several hands: locks, rights, what reaches the disk before it takes another's place, and a repair
 // that may not read what it should repair.
 #include "order/bouw.h"
-#include "shared/files.h"
-#include "shared/syscalls.h"
 #include "support/rechten.h"
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

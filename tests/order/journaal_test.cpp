@@ -1,11 +1,5 @@
 // Open, change, commit: the journal byte for byte, the work file and its index beside it.
 #include "bouw.h"
-#include "shared/syscalls.h"
-#include <cstring>
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

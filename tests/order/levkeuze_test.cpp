@@ -1,7 +1,6 @@
 // The dates of a delivery term as they are asked: what is refused, what is accepted, what a field begins with.
 #include "order/aantallen.h"
 #include "term/gesprek.h"
-#include <gtest/gtest.h>
 
 namespace zg::test {
 namespace {

@@ -2,16 +2,8 @@
 // line; and orddump on what was built.
 #include "bouw.h"
 #include "order/regelscherm.h"
-#include "shared/syscalls.h"
-#include "term/vast.h"
 #include "tools/shell.h"
-#include <algorithm>
-#include <array>
-#include <cstring>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {
@@ -260,23 +252,19 @@ TEST(Orddump, vindt_wat_niet_kan) {
         const char* opties = "";
     } const rijen[] = {
         {goed, "1 lines"},
-
         {goed + "Q", "unknown tag, byte 51"},
         {goed.substr(0, goed.size() - 1), "ends inside this 'E'"},
-
         {o + s, "line without a model"},
         {o + m, "model without a line"},
         {goed + std::string(1, 'T') + std::string(61, '\1'), "wrong place"},
         {o + m + s.substr(0, 129), "size 5 has no prices"},
         {o + m + d + s.substr(129, 13), "size 5 has prices but is not"},
-
         {o + m + d + std::string(1, 'F') + std::string(8, '\1'), "quantity outside"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {{0, 96, 1}}}}}), "size 96"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {{0, 1, -1}}}}}), "quantity -1"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {{3, 1, 1}}}}}), "branch index 3", "-b 3"},
         {o + m + lijn(Regel{1, "", {}, {{1, 2, {}}, {0, 2, {}}}}), "same last date"},
         {goed, "of its five pieces", "-k work"},
-
         {bytes(Order{0, "", "", {}}), "order date 0 is no day"},
         {bytes(Order{65500, "", "", {}}), "order date 65500 is no day"},
         {std::string(o).replace(24, 1, "Q"), "season 2016Q does not exist"},

@@ -5,15 +5,13 @@
 #include "shared/leesstam.h"
 #include "sub/omserie.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 
 namespace zg {
 namespace {
 
-using test::lees_bestand;
-using test::schrijf_bestand;
+using namespace test;
 
 constexpr seriesleutel A{110, 5, 1};
 

@@ -11,10 +11,8 @@
 #include "store/rebuild.h"
 #include "sub/omserie.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/datum.h"
-#include <fcntl.h>
 
 namespace zg::test {
 namespace {

@@ -2,14 +2,8 @@
 // were damaged. Whatever happens, the other orders stay byte for byte, and the order is one of its whole
 // states.
 #include "bouw.h"
-#include <algorithm>
 #include <climits>
-#include <csignal>
-#include <cstring>
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <random>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {
@@ -211,7 +205,8 @@ TEST(Storing, schijf_vol_bij_elke_schrijfactie) {
                 std::string nu = inhoud("JRN");
                 for (int i = 0; i < 3; i++)
                     if (i != s.order) {
-                        EXPECT_NE(nu.find(bytes(s.drie()[static_cast<size_t>(i)])), std::string::npos) << waar;
+                        EXPECT_NE(nu.find(bytes(s.drie()[static_cast<size_t>(i)])), std::string::npos)
+                            << waar;
                     }
                 EXPECT_EQ(scratch(), "") << waar;
             }
@@ -246,22 +241,16 @@ TEST(Schade, herstel_gelooft_niets) {
         {"sound, new", act(eind, -1, eind), wrk, true},
         {"no marker", "", wrk, false},
         {"marker of 99 bytes", act(o1, o2, eind).substr(1), wrk, false},
-
         {"journal has grown", act(o1, o2, eind - 1), wrk, false},
-
         {"start at the least number", act(INT32_MIN, o2, eind), wrk, false},
         {"start beyond the end", act(INT32_MAX, -1, eind), wrk, false},
         {"start on an O inside a text", act(in_tekst, o1, eind), wrk, false},
-
         {"next one skipped: an order would go", act(0, o2, eind), wrk, false},
         {"next one forgotten: the rest would go", act(o1, -1, eind), wrk, false},
         {"next one in front", act(o2, o1, eind), wrk, false},
-
         {"next one wild", act(o1, INT32_MAX, eind), wrk, false},
-
         {"work file cut", act(o1, o2, eind), wrk.substr(0, wrk.size() - 1), false},
         {"work file with an unknown tag", act(o1, o2, eind), wrk + "Q", false},
-
         {"work file without a header", act(o1, o2, eind), wrk.substr(121), false},
         {"work file with two orders", act(o1, o2, eind), wrk + wrk, false},
         {"work file of zeros", act(o1, o2, eind), std::string(500, '\0'), false},
@@ -319,9 +308,7 @@ TEST(Schade, regel_met_onmogelijke_inhoud) {
         std::function<void(Regel&)> maak;
         char tag; // 0: loads
     } const rijen[] = {
-
         {"branch outside the firm", [](Regel& l) { l.termen[0].aantallen[1].filiaal = 3; }, 'F'},
-
         {"size 96", [](Regel& l) { l.termen[0].aantallen[0].maat = 96; }, 'F'},
         {"quantity below 0", [](Regel& l) { l.termen[0].aantallen[0].aantal = -1; }, 'F'},
         {"quantity 0", [](Regel& l) { l.termen[0].aantallen[0].aantal = 0; }, 0},

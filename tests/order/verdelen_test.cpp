@@ -6,7 +6,6 @@
 #include "shared/iofil.h"
 #include "shared/maatbalk.h"
 #include "support/systeem.h"
-#include <gtest/gtest.h>
 #include <numeric>
 #include <random>
 

@@ -2,13 +2,10 @@
 #include "price/ing_val.h"
 #include "price/koers.h"
 #include "price/uniprijs.h"
-#include "shared/syscalls.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 #include <random>
-#include <unistd.h>
 
 namespace zg {
 namespace {
@@ -184,13 +181,18 @@ TEST(Prijzen, orderkorting_erbij_en_eraf) {
         int korting;
         int32_t netto, terug;
     } const rijen[] = {
-        {1000, 0, 1000, 1000},    {1000, -250, 975, 1000},  {100, -250, 98, 101},
+        {1000, 0, 1000, 1000},
+        {1000, -250, 975, 1000},
+        {100, -250, 98, 101},
         {1, -5000, 1, 2},
-
-        {100, 1000, 110, 100},    {999, -10000, 1, 1},      {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
-        {2000, -500, 1900, 2000}, {2105, -500, 2000, 2105}, // 20.00 is stored as 21.05
-        {625, -5016, 311, 624},                             // 311.5 but for the last bit
-        {100, 32767, 428, 100},   {100, -32768, 1, 1},
+        {100, 1000, 110, 100},
+        {999, -10000, 1, 1},
+        {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
+        {2000, -500, 1900, 2000},
+        {2105, -500, 2000, 2105}, // 20.00 is stored as 21.05
+        {625, -5016, 311, 624},   // 311.5 but for the last bit
+        {100, 32767, 428, 100},
+        {100, -32768, 1, 1},
     };
     for (const auto& r : rijen) {
         const auto k = static_cast<int16_t>(r.korting);

@@ -6,7 +6,6 @@
 #include "support/paar.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include <functional>
 #include <random>
 
 namespace zg {

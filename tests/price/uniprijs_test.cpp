@@ -3,9 +3,7 @@
 #include "price/uniprijs.h"
 #include "shared/maatbalk.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/systeem.h"
-#include <algorithm>
 #include <limits>
 #include <random>
 #include <sstream>

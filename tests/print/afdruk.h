@@ -2,13 +2,8 @@
 #pragma once
 #include "print/printjob.h"
 #include "print/printtabel.h"
-#include "shared/files.h"
-#include "shared/syscalls.h"
 #include "support/paar.h"
-#include "support/terminal.h"
-#include "term/vast.h"
-#include <ctime>
-#include <unistd.h>
+#include "support/proef.h"
 
 namespace zg::test {
 

@@ -3,7 +3,6 @@
 #include "print/bestemlijst.h"
 #include "shared/sysrec.h"
 #include "term/scherm.h"
-#include <gtest/gtest.h>
 
 namespace zg {
 namespace {

@@ -1,13 +1,8 @@
 // A report through the user's own terminal, its printer port and its screen; and one that the user breaks off.
 #include "print/afdruk.h"
-#include "shared/syscalls.h"
-#include "support/terminal.h"
 #include "term/poort.h"
 #include "term/prompt.h"
 #include "term/toets.h"
-#include <csignal>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <termios.h>
 
 namespace zg {

@@ -1,27 +1,15 @@
 // What leaves in another form: PDFs read back by other programs, and character sets.
 #include "print/printjob.h"
-#include "shared/files.h"
-#include "support/proces.h"
+#include "support/proef.h"
 #include "support/roepstoring.h"
-#include "support/terminal.h"
 #include "term/natl.h"
-#include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <gtest/gtest.h>
+#include "tools/shell.h"
 
 namespace zg {
 namespace {
 
 std::string uitvoer(const std::string& opdracht) {
-    std::string uit;
-    FILE* f = popen(opdracht.c_str(), "r");
-    for (int c; f && (c = fgetc(f)) != EOF;)
-        uit += static_cast<char>(c);
-    if (f && pclose(f) != 0)
-        uit += "\n(failed: " + opdracht + ")";
-    return uit;
+    return test::sh(opdracht).tekst;
 }
 
 // Letters, signs and lines: all that code page 850 can print.

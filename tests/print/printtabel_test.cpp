@@ -1,7 +1,6 @@
 // The tables of the print directory: made, read where nothing can be made, as far as they go.
 #include "print/afdruk.h"
 #include "store/rebuild.h"
-#include "support/proces.h"
 
 namespace zg {
 namespace {

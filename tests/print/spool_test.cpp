@@ -1,15 +1,8 @@
 // The way out of a report: what arrives at a device and in a directory, and what is left, and told, when it doesn't.
 #include "print/afdruk.h"
 #include "print/zenden.h"
-#include "shared/syscalls.h"
 #include "shared/sysrec.h"
-#include "support/proces.h"
 #include "support/roepstoring.h"
-#include "support/terminal.h"
-#include <cerrno>
-#include <csignal>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <pty.h>
 

@@ -2,8 +2,6 @@
 // environment or in a file's name, no command runs, no option is taken, no data file changes.
 #include "print/afdruk.h"
 #include "print/spooljob.h"
-#include "support/proces.h"
-#include <map>
 
 namespace zg {
 namespace {

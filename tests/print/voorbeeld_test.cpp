@@ -1,9 +1,7 @@
 // The preview, in a terminal: every action by key, by letter and from the menu; sizes; odd reports; time.
 #include "print/printjob.h"
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "term/scherm.h"
-#include <chrono>
-#include <gtest/gtest.h>
 
 namespace zg {
 namespace {

@@ -2,14 +2,9 @@
 #include "price/ing_val.h"
 #include "print/printjob.h"
 #include "print/teksten.h"
-#include "shared/files.h"
 #include "shared/sysrec.h"
-#include "support/proces.h"
 #include "support/systeem.h"
-#include "support/terminal.h"
 #include "term/datum.h"
-#include <cerrno>
-#include <gtest/gtest.h>
 
 namespace zg {
 namespace {

@@ -7,7 +7,6 @@
 #include "support/systeem.h"
 #include "term/datum.h"
 #include "term/gesprek.h"
-#include "term/vast.h"
 
 namespace zg {
 namespace {

@@ -1,19 +1,12 @@
 // Labels: a place's words, chains of blocks, the free ones; every write refused or the last one; damaged chains.
 #include "shared/etikeur.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
-#include <functional>
 
 namespace zg {
 namespace {
 
-using test::doodgaan;
-using test::in_proces;
-using test::lees_bestand;
-using test::over;
-using test::schrijf_bestand;
-using test::verwacht_stop;
+using namespace test;
 
 constexpr seriesleutel A{110, 5, 1}, B{110, 5, 2}, C{4711, 1, 30};
 

@@ -1,22 +1,11 @@
 // File helpers: names, copies, moves, scans, scrambled texts.
-#include "shared/files.h"
-#include "support/proces.h"
-#include "support/terminal.h"
-#include <csignal>
-#include <cstring>
-#include <filesystem>
-#include <gtest/gtest.h>
+#include "support/proef.h"
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::in_proces;
-using test::lees_bestand;
-using test::schrijf_bestand;
-using test::TijdelijkeMap;
+using namespace test;
 
 int64_t klok_stand;
 int64_t klok() {
@@ -89,11 +78,7 @@ struct Kopie {
 TEST(Copy, RefuseOverwriteAppend) {
     const Kopie kopieen[] = {
         {"nieuw", nullptr, -1, 1, "nieuw"},    {"nieuw", "oud staat", -1, 0, "oud staat"},
-
-        {"nieuw", "oud staat", 0, 1, "nieuw"},
-
-        {"nieuw", "oud+", 1, 1, "oud+nieuw"},
-
+        {"nieuw", "oud staat", 0, 1, "nieuw"}, {"nieuw", "oud+", 1, 1, "oud+nieuw"},
         {nullptr, "oud", 0, 0, "oud"},
     };
     for (const Kopie& k : kopieen) {

@@ -3,26 +3,15 @@
 #include "shared/houder.h"
 #include "shared/iofil.h"
 #include "shared/report.h"
-#include "shared/syscalls.h"
 #include "store/ix.h"
-#include "support/proces.h"
 #include "support/rechten.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
-#include <cstring>
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::Agent;
-using test::GROEP;
-using test::in_proces;
-using test::lees_bestand;
-using test::rechten;
-using test::schrijf_bestand;
+using namespace test;
 
 const gid_t ANDERE = geteuid() == 0 ? 4712 : getegid();
 

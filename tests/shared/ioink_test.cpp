@@ -6,7 +6,6 @@
 #include "shared/woordenboek.h"
 #include "store/ix.h"
 #include "store/rebuild.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include <span>
@@ -14,8 +13,7 @@
 namespace zg {
 namespace {
 
-using test::lees_bestand;
-using test::schrijf_bestand;
+using namespace test;
 
 constexpr seriesleutel SERIE = {305, 12, 3};
 constexpr uint16_t LEV = 77;

@@ -1,18 +1,12 @@
 // Fixed tables, the lock primitive and the name of who holds a lock.
 #include "shared/houder.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
-#include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::Agent;
-using test::lees_bestand;
-using test::schrijf_bestand;
+using namespace test;
 
 constexpr Systabel PROEF{1000, 5, 20};
 
@@ -236,10 +230,8 @@ TEST_F(Tabellen, HolderIsNamed) {
     } const rijen[] = {
         {"", 7, "Informatie in gebruik door Joke \x9B (tty03)"},
         {"", 8, "Informatie in gebruik door Pieter"},
-
         {"~EDI", 8, "EDI: in gebruik door Pieter"},
         {"", 0, "Informatie in gebruik op ander scherm"},
-
     };
     schrijf_bestand("DATA", std::string(100, 'd'));
     int fd = ::open("DATA", O_RDWR | O_CLOEXEC);

@@ -1,16 +1,12 @@
 // Link tables: what goes with a number, what stays, and that a refused write is told.
 #include "shared/koppel.h"
-#include "shared/syscalls.h"
 #include "support/paar.h"
-#include "support/proces.h"
-#include "support/terminal.h"
-#include <sys/stat.h>
+#include "support/proef.h"
 
 namespace zg {
 namespace {
 
-using test::lees_bestand;
-using test::nieuw_paar;
+using namespace test;
 
 const Koppeling KLEUREN[] = {{"DTKL%*4d.TXT", 36, 4, Koppeling::WIS}};
 const Koppeling GROEPEN[] = {{"DTBC*.TXT", 40, 4, Koppeling::NUL}, {"DTMRKMS.TXT", 4, 4, Koppeling::WIS}};

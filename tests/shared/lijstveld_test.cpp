@@ -5,14 +5,11 @@
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
-#include "term/vast.h"
-#include <map>
 
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::vorm;
+using namespace test;
 
 std::map<int32_t, std::string> rijen;
 
@@ -76,14 +73,12 @@ TEST(ListField, Keys) {
         {&VAST, "5<Enter>", "5 anders 10 vijf twaalf weg"},
         {&VAST, "<Enter>", "12 zelfde 10 vijf twaalf weg"},
         {&VAST, "5<Esc>", "12 weg 27 vijf twaalf weg"},
-
         {&VAST, "<PgDn>", "12 zelfde 338 vijf twaalf weg"},
         {&VAST, "77<Enter>300<PgDn>", "300 anders 338 vijf twaalf weg"}, // refused, the field stays open
         {&VAST, "<F5><Down><Enter>", "300 anders 10 vijf twaalf weg"},   // the list begins on the code
         {&VAST, "5<F5><Enter>", "12 zelfde 10 vijf twaalf weg"}, // that was there, not on what is typed
         {&VAST, "<F5><Esc><Enter>", "12 zelfde 10 vijf twaalf weg"},
         {&VAST, "<F5>5<Enter><F3>", "5 anders 10 vijf twaalf weg"},
-
         {&VAST, "<F5><F10><F10><Enter>", "12 zelfde 10 vijf twaalf!! weg"}, // the record of the row
         {&VAST, "<F5><Down><F10><Up><Enter>", "5 anders 10 vijf twaalf"},   // which may go
 
@@ -121,7 +116,6 @@ TEST(ListField, Branches) {
     } const gevallen[] = {
         {"14<Enter>", "ZP", "14 changed"},
         {"<F5><Down><Down><Enter>", "ZP", "14 changed"},
-
         {"<Esc>", "ZP", "2"},
     };
     for (const auto& g : gevallen) {

@@ -1,8 +1,6 @@
 // Error reports: the line, its tag, and the end with status 1.
 #include "shared/report.h"
-#include "support/proces.h"
-#include <cerrno>
-#include <gtest/gtest.h>
+#include "support/proef.h"
 
 namespace zg {
 namespace {

@@ -4,19 +4,13 @@
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include <cstring>
 
 namespace zg {
 namespace {
 
-using test::lees_bestand;
-using test::nieuw_paar;
-using test::schrijf;
-using test::schrijf_bestand;
-using test::verwacht_stop;
+using namespace test;
 
 struct Filialen : testing::Test {
     test::TijdelijkeMap map;
@@ -91,22 +85,16 @@ TEST_F(Filialen, RangeText) {
         const char* terug;
     } const rijen[] = {
         {"", Filreeks::goed, 0, ""},
-
         {"1-3,14", Filreeks::goed, 0b01111, "1-3,14"},
         {" 1 - 2 , 20 ", Filreeks::goed, 0b10011, "1-2,20"},
         {"3,1", Filreeks::goed, 0b00101, "1,3"},
         {"1-250", Filreeks::goed, 0b11111, "1-3,14,20"},
         {"15-19", Filreeks::goed, 0, ""},
-
         {"4", Filreeks::onbekend, -1, nullptr},
-
         {"3-1", Filreeks::fout, -1, nullptr},
         {"1-", Filreeks::fout, -1, nullptr},
-
         {"1,,2", Filreeks::fout, -1, nullptr},
-
         {"1 2", Filreeks::fout, -1, nullptr},
-
     };
     for (const auto& r : rijen) {
         uint8_t bits[32];

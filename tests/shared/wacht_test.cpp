@@ -1,19 +1,14 @@
 // Locks that others hold, waited for and told on the screen: of a whole file, of a slot of the system tables, of a
 // record, of a key that is reserved.
-#include "shared/files.h"
 #include "shared/houder.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
-#include <cstring>
-#include <fcntl.h>
 
 namespace zg {
 namespace {
 
-using test::Agent;
-using test::Terminal;
+using namespace test;
 
 constexpr Systabel PROEF{1000, 5, 20};
 

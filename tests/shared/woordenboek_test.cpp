@@ -1,13 +1,8 @@
 // The data dictionary: its rows, and every pair of them made, compared, damaged and repaired.
-#include "shared/files.h"
 #include "shared/woordenboek.h"
 #include "store/diepcheck.h"
 #include "store/ix.h"
-#include "support/terminal.h"
-#include <cstring>
-#include <gtest/gtest.h>
-#include <set>
-#include <unistd.h>
+#include "support/proef.h"
 
 using namespace zg;
 using zg::test::lees_bestand;

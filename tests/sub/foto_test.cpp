@@ -5,11 +5,9 @@
 #include "store/rebuild.h"
 #include "sub/afb_hdl.h"
 #include "sub/omserie.h"
-#include "support/proces.h"
 #include "support/roepstoring.h"
 #include "support/systeem.h"
 #include "term/toets.h"
-#include <sys/stat.h>
 
 namespace zg {
 namespace {

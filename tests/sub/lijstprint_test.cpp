@@ -8,7 +8,6 @@
 #include "support/paar.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include <filesystem>
 
 namespace zg {
 namespace {

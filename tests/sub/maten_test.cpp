@@ -1,22 +1,17 @@
 // Size types, bars, the sizes of a series: what a user does, and what the files hold afterwards.
 #include "shared/iotab.h"
 #include "shared/maatbalk.h"
-#include "shared/syscalls.h"
 #include "store/rebuild.h"
 #include "sub/maatsoort.h"
 #include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include <cerrno>
-#include <csignal>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::vorm;
+using namespace test;
 
 struct Maten : test::Systeem {
     Maten() {

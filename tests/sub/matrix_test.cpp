@@ -157,7 +157,6 @@ TEST_F(Matrix, KolommenWordenBreder) {
                  {{8, 2, "fil  tot   31   32"},
                   {9, 4, "1  999 "},
                   {10, 4, "2    *              *"},
-
                   {11, 4, "3*"},
                   {16, 2, "   10989  999 9990"}}},
                 {"<PgDn><Up><Right>11<Enter>",

@@ -10,8 +10,7 @@
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::vorm;
+using namespace test;
 
 struct Reeksen : test::Systeem {
     Reeksen() {

@@ -13,21 +13,15 @@
 #include "sub/serdel.h"
 #include "sub/serzoek.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 #include "term/gesprek.h"
-#include <set>
 
 namespace zg {
 namespace {
 
-using test::Agent;
-using test::Gesprek;
-using test::lees_bestand;
-using test::schrijf_bestand;
-using test::vorm;
+using namespace test;
 
 constexpr seriesleutel A{1110, 14, 1}, B{1110, 14, 2}, C{1110, 20, 1};
 const char* const PAREN[] = {"DTSER", "DTEAN", "DTORDNR", "DTSERPIC", "DTIPA", "DTMERK"};
@@ -374,7 +368,8 @@ TEST_F(Verwijder, KilledAndRefusedAtEachWrite) {
     };
     int keren = 0;
     test::bij_elke_schrijf(namen, 7, verwijder, [&](const test::Storing& st) { // some 400 writes
-        EXPECT_TRUE(st.status == st.klaar || st.uitvoer.starts_with("DTSYS")) << st.uitvoer; // the user's slot
+        EXPECT_TRUE(st.status == st.klaar || st.uitvoer.starts_with("DTSYS"))
+            << st.uitvoer; // the user's slot
         keren++;
         for (const std::string& p : paren) {
             EXPECT_TRUE(st.dood || IXCHECK(p.c_str()) >= 0) << p;

@@ -1,7 +1,6 @@
 // Brands, article groups and relations: the brand's field, and a conversation on each screen with what stands in the
 // file afterwards.
 #include "shared/leesstam.h"
-#include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/rebuild.h"
 #include "store/wachtrij.h"
@@ -10,18 +9,15 @@
 #include "sub/omlev.h"
 #include "sub/stampost.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
-#include <sys/stat.h>
 
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::vorm;
+using namespace test;
 
 struct Pair {
     const char* naam;

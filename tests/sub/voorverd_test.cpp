@@ -1,16 +1,13 @@
 // Pre-distributions: the records of a number, what fits, free numbers, refused writes, and a buyer at the list.
 #include "shared/leesstam.h"
 #include "shared/maatbalk.h"
-#include "shared/syscalls.h"
 #include "store/rebuild.h"
 #include "sub/voorverd.h"
 #include "sub/vvdeel.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include <cerrno>
 
 namespace zg {
 namespace {

@@ -10,8 +10,6 @@
 #include "support/systeem.h"
 #include "term/scherm.h"
 #include "term/toets.h"
-#include <cstdlib>
-#include <map>
 #include <random>
 
 namespace zg {

@@ -1,9 +1,7 @@
 // A copy of the demo data directory in a temporary place, and the program started in it as a buyer starts it:
 // from the menu.
 #pragma once
-#include "support/terminal.h"
-#include <map>
-#include <string>
+#include "support/proef.h"
 
 namespace zg::test {
 

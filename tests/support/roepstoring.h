@@ -41,6 +41,8 @@ inline void stoor_roep(int n, bool dood) {
     SYS.mkdir = [](const char* p, mode_t m) { return roep_nu() ? -1 : roep_echt.mkdir(p, m); };
     SYS.rmdir = [](const char* p) { return roep_nu() ? -1 : roep_echt.rmdir(p); };
     SYS.fchmod = [](int fd, mode_t m) { return roep_dood && roep_nu() ? -1 : roep_echt.fchmod(fd, m); };
+    // To cut and to delete needs no room.
+    SYS.ftruncate = [](int fd, off_t l) { return roep_dood && roep_nu() ? -1 : roep_echt.ftruncate(fd, l); };
     SYS.unlink = [](const char* p) { return roep_dood && roep_nu() ? -1 : roep_echt.unlink(p); };
 }
 

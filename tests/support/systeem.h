@@ -1,12 +1,9 @@
 // A temporary directory with an empty DTSYS.TXT that is open in this process, for all that stands on the fixed
 // tables.
 #pragma once
-#include "shared/files.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
-#include "support/terminal.h"
-#include "term/vast.h"
-#include <gtest/gtest.h>
+#include "support/proef.h"
 
 namespace zg::test {
 

@@ -3,13 +3,7 @@
 #include "gesprek.h"
 #include "support/toetsreeksen.h"
 #include "term/ingave.h"
-#include <csignal>
-#include <cstdlib>
-#include <ctime>
-#include <filesystem>
 #include <random>
-#include <set>
-#include <unistd.h>
 #include <vterm.h>
 
 using namespace zg;

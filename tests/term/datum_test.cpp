@@ -1,10 +1,6 @@
+#include "support/proef.h"
 #include "term/datum.h"
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <ctime>
-#include <gtest/gtest.h>
-#include <string>
 
 namespace zg {
 namespace {

@@ -1,13 +1,10 @@
 // A conversation for the tests of prompts, lists and menus: a function runs on a screen of its own, and what
 // it answers stands on row 24 as "= answer" once it is done.
 #pragma once
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "term/scherm.h"
 #include "term/toets.h"
 #include <cstdarg>
-#include <cstdio>
-#include <gtest/gtest.h>
-#include <string>
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/lsan_interface.h>

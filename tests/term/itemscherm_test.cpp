@@ -6,8 +6,7 @@
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::vorm;
+using namespace test;
 
 constexpr Tekst TITEL{DETAIL, 1, 1, "PROEF"}, EEN{DETAIL, 1, 2, "&Een"}, TWEE{DETAIL, 1, 3, "&Twee"},
     DRIE{DETAIL, 1, 4, "&Drie"}, VIER{DETAIL, 1, 5, "&Vier"}, VIJF{DETAIL, 1, 6, "Vij&f"};
@@ -69,7 +68,6 @@ TEST(Items, WalkChoicesAndLooking) {
          "a<Enter><F6><Enter>b<Enter><Esc><Esc>",
          "344-8 1 0 a b "},
         {"F6 and yes", {Itemwijze::nieuw, VRAAG, true}, "a<Enter><F6>J<Enter>", "34 0 0 a  "},
-
         {"F6 in a chosen field, no and yes",
          {Itemwijze::nieuw, ALLEEN8, true},
          "<Esc>V<F6><Enter><F6>J<Enter>",
@@ -88,7 +86,6 @@ TEST(Items, WalkChoicesAndLooking) {
          {Itemwijze::wijzigen, VRAAG, false},
          "Vb<Enter>T<Enter><Esc>",
          "41 1 1  b "},
-
         {"what may not be chosen", {Itemwijze::wijzigen}, "D<Back>EFc<Enter><Esc>", "8 1 1   c"},
         {"looking", {Itemwijze::lezen, VRAAG, true}, "F<Back>T<Back>VV<F6><Esc>", "kijk kijk  1 0   "},
     };

@@ -1,11 +1,7 @@
 // The keyboard: bytes as terminals send them, and the keys that they are.
+#include "support/proef.h"
 #include "term/ingave.h"
 #include "toetslog.h"
-#include <algorithm>
-#include <chrono>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
 
 using namespace zg;
 using namespace zg::test;

@@ -5,8 +5,6 @@
 #include "term/ingave.h"
 #include "term/lijst.h"
 #include "term/prompt.h"
-#include <algorithm>
-#include <vector>
 
 using namespace zg;
 using namespace zg::test;
@@ -113,7 +111,6 @@ TEST(Lijst, Maten) {
         Doos doos;
     } const gevallen[] = {
         {"default", {.n = 30}, {3, 55, 21, 26}},
-
         {"column and height limited", {.n = 30, .rij = 6, .kolom = 70, .hoogte = 30}, {6, 55, 19, 26}},
         {"too wide", {.n = 30, .kolom = 5, .breedte = 100}, {3, 1, 21, 80}},
         {"title wider", {.n = 3, .titel = " Een titel die breder is dan de rijen "}, {3, 39, 21, 42}},
@@ -135,17 +132,12 @@ TEST(Lijst, Lopen) {
         const char *keys, *keus;
     } const gevallen[] = {
         {1, "<Down><Down><PgDn>", "4:00010"},
-
         {17, "<PgDn><Down>", "20:00170"},
-
         {18, "<PgDn><Up>", "4:00170"},
-
         {40, "<Down><Down><PgDn><PgDn><PgDn>", "9:00400"},
         {40, "<PgDn><Down><PgUp><PgUp>", "4:00010"},
-
         {50000, "<PgDn><PgDn><PgDn><Up><Up>", "4:00500"},
         {400, "9999<Enter><Up><Up>", "4:03980"},
-
         {400, "9999<Down>", "4:04000"}, // with a text in the field any key just searches
     };
     for (const auto& g : gevallen) {
@@ -187,7 +179,6 @@ TEST(Lijst, Wissen) {
         const char *keys, *keus, *boven, *onder;
     } const gevallen[] = {
         {40, "<Down><Down><F8>", "6:00040", "00010", "00180"},
-
         {3, "<Down><Down><F8>", "5:00020", "00010", "     "},
         {18, "<PgDn><F8>", "4:00010", "00010", "00170"}, // the page has gone: the one before it
     };
@@ -277,7 +268,6 @@ TEST(DmHdl, Kiezen) {
         {1, "<F8>", "3 272 Derde"},
         {1, "*", "5 42 Item 5"},
         {3, "<Cancel>", "3 355"},
-
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(vorm("%d %s", g.vast, g.keys));

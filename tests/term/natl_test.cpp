@@ -1,11 +1,7 @@
 // National tables, both directions to Unicode, and the guard on catalogue texts.
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "term/natl.h"
 #include "term/teksten.h"
-#include <algorithm>
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 
 using namespace zg;
 
@@ -20,7 +16,6 @@ TEST(Natl, ClassesAndCase) {
         {0x82, N_KLEIN, 0x90, 0x82},      {0x98, N_KLEIN, 'Y', 0x98},        {0xD8, N_GROOT, 0xD8, 0xD8},
         {0x8B, N_KLEIN, 0xD8, 0x8B},      {0x9F, N_LEESTEKEN, 0x9F, 0x9F},   {0xE6, N_LEESTEKEN, 0xE6, 0xE6},
         {0xE1, N_KLEIN, 0xE1, 0xE1},
-
     };
     for (const auto& g : GEVALLEN) {
         EXPECT_EQ(NKLASSE[g.c], g.klasse) << int{g.c};
@@ -91,13 +86,10 @@ TEST(Tekst, OnlyTheSameDirectivesPass) {
         {"%s %d", "%d %s", false},
         {"tekst", "%s", false},
         {"tekst", "100%% texte", true},
-
         {"%s", "%1$s", false},
         {"%s", "%s%n", false},
-
         {"%s %", "%s", false},
         {"50% korting", "50 % remise", false},
-
     };
     for (const auto& g : GEVALLEN)
         EXPECT_EQ(TXTPAST(g.standaard, g.vertaald), g.past) << g.standaard << " | " << g.vertaald;

@@ -3,9 +3,6 @@
 #include "term/ingave.h"
 #include "term/keuze.h"
 #include "term/prompt.h"
-#include <cstring>
-#include <ctime>
-#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
@@ -70,11 +67,9 @@ TEST(Prompt, FflashMaten) {
     } const gevallen[] = {
         {-1, "", "kort", "<Enter>", {10, 25, 4, 32}, 12, 27, enter, 1},
         {-1, "Titel", v25, "x<Enter>", {1, 25, 23, 32}, 21, 27, "regel 20 ", 1},
-
         {-1, x(66, 't'), "x", "<Enter>", {10, 25, 4, 32}, 10, 26, "────", 1}, // too long for a title
 
         {-2, "Vraag", lang, "<Enter>", {10, 19, 5, 43}, 13, 21, "Doorgaan met de lange vraag? (J/N)N", 0},
-
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(vorm("%d [%s] %.60s", g.optie, g.titel.c_str(), g.tekst.c_str()));
@@ -149,7 +144,6 @@ TEST(Prompt, RegelEdit) {
         {"", "a<Cancel>b<Enter>", "266 [a/b]"},
         {"abc", "x<Right><Del>z<Enter>", "266 [xbz]"},
         {"abc", "<End><Back>c<Home><Ins>x<F2>", "266 [xabc]"},
-
         {"abcde", "vwxyz", "266 [vwxyz]"},
     };
     for (const auto& g : gevallen) {

@@ -6,8 +6,7 @@
 namespace zg {
 namespace {
 
-using test::Gesprek;
-using test::vorm;
+using namespace test;
 
 constexpr Tekst NAAM{DETAIL, 1, 1, "Naam"}, KLEUR{DETAIL, 1, 2, "Kleur"}, DEEL{DETAIL, 1, 3, "Deel"},
     HULP{DETAIL, 1, 4, " hulp bij naam"};

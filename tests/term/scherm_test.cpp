@@ -1,14 +1,7 @@
 // The screen against a terminal emulator: start and end, windows, text, status line, variants, the abort box.
 #include "gesprek.h"
 #include "term/prompt.h"
-#include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <sys/stat.h>
-#include <sys/wait.h>
 #include <termios.h>
-#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;

@@ -1,9 +1,6 @@
+#include "support/proef.h"
 #include "term/strings.h"
 #include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
 
 namespace zg {
 namespace {

@@ -1,11 +1,7 @@
 // Terminals of different character sets: what their keys become, what they are sent, and what is told of it.
+#include "support/proef.h"
 #include "term/tekenset.h"
 #include "toetslog.h"
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <gtest/gtest.h>
-#include <string>
 
 using namespace zg;
 using namespace zg::test;

@@ -1,13 +1,8 @@
 // Keys beyond the keyboard's bytes: signals, type-ahead, hang-up, the macro hook, names.
+#include "support/proef.h"
 #include "term/ingave.h"
 #include "toetslog.h"
-#include <csignal>
-#include <cstdlib>
-#include <ctime>
-#include <gtest/gtest.h>
-#include <string>
 #include <termios.h>
-#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
@@ -97,12 +92,9 @@ TEST(Toets, KeysHandedOver) {
         int pid, seconden;
         const char *keys, *codes;
     } GEVALLEN[] = {
-        {0, 0, " 98 97", "97 98 113"},
-
-        {0, -60, " 97", "113"},        {0, 60, " 97", "113"},
-        {1, 0, " 97", "113"},          {0, 0, " 355 27", "27 355 113"},
-
-        {0, 0, "x97", "113"},          {0, 0, " 97 ", "97 113"},
+        {0, 0, " 98 97", "97 98 113"}, {0, -60, " 97", "113"},          {0, 60, " 97", "113"},
+        {1, 0, " 97", "113"},          {0, 0, " 355 27", "27 355 113"}, {0, 0, "x97", "113"},
+        {0, 0, " 97 ", "97 113"},
     };
     for (const auto& g : GEVALLEN) {
         SCOPED_TRACE(std::to_string(g.pid) + " " + std::to_string(g.seconden) + g.keys);

@@ -1,10 +1,8 @@
 // A program that shows the codes of the keys that it gets, for the tests of keyboard and character sets.
 #pragma once
 #include "gesprek.h"
-#include "support/terminal.h"
 #include "term/scherm.h"
 #include "term/toets.h"
-#include <string>
 #include <string_view>
 
 namespace zg::test {

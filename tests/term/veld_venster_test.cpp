@@ -6,10 +6,6 @@
 #include "term/ingave.h"
 #include "term/menu.h"
 #include "term/prompt.h"
-#include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <string>
 
 namespace zg {
 namespace {
@@ -59,7 +55,6 @@ TEST(VeldVenster, Hulp) {
         {"20c,E", "van een tekst", "U moet 20 posities vullen", "Alle tekens", ""},
         {"8.4f,P", "van een getal", "U mag 8 posities vullen, waarvan  4 cijfers na de komma", "Alle cijfers",
          "Bereik : 0.0001 t/m 999.9999"},
-
         {"8B,ZP", "van een bedrag", "U mag 8 posities vullen, waarvan  2 cijfers na de komma", "Alle cijfers",
          "Bereik : 0.00 t/m 99999.99"},
         {"10D", "van een datum", "U mag 10 posities vullen  (DDMMJJ)", "Alle cijfers", ""},
@@ -67,7 +62,6 @@ TEST(VeldVenster, Hulp) {
         {"b", "Ja of Nee", "U moet 1 posities vullen", "J, N", ""},
         {"1c[+*C],EA", "van een tekst", "U moet 1 posities vullen", "* + C", ""},
         {"3c[^.,]", "van een tekst", "U mag 3 posities vullen", ", . niet", ""},
-
     };
     Terminal t([&] {
         SCRINIT();
@@ -207,12 +201,9 @@ TEST(VeldVenster, AfbrekenNaKeuring) {
         const char *formaat, *begin, *keys, *einde;
     } GEVALLEN[] = {
         {"6s", "abc", "xyz<Esc>", "27 [abc] abc   "},
-
         {"6s", "abc", "<Cancel>", "355 [abc] abc   "},
-
         {"6s", "abc", "xy<Cancel><Esc>", "27 [abc] abc   "},
         {"6s[123456789-],Z", "12", "3-3<Esc>", "27 [12] 12    "},
-
         {"4c,F", "abc", "xyz<Esc>wxyz<Esc>", "27 [abc] abc   "}, // looked at, and still nothing stored
     };
     for (const auto& g : GEVALLEN) {

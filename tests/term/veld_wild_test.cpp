@@ -1,15 +1,9 @@
 // Random keys into fields of every kind: nothing crashes or hangs, and nothing is written outside the variable.
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "term/formaat.h"
 #include "term/ingave.h"
 #include "veldmaat.h"
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <gtest/gtest.h>
 #include <random>
-#include <string>
 
 namespace zg {
 namespace {

@@ -1,0 +1,30 @@
+// What nearly every test stands on, so that none lists it again: GoogleTest, the system's headers, a directory of its own and
+// a terminal, other processes, files and system calls.
+#pragma once
+#include "shared/files.h"
+#include "shared/syscalls.h"
+#include "support/proces.h"
+#include "support/terminal.h"
+#include "term/vast.h"
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
