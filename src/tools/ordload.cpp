@@ -4,13 +4,13 @@
 #include "order/ordcheck.h"
 #include "order/ordloop.h"
 #include "shared/files.h"
-#include "shared/houder.h"
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include "store/spoel.h"
 #include "tools/ordjson.h"
 #include "tools/ordplaats.h"
 #include "tools/tool.h"
+#include "tools/wie.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
@@ -108,11 +108,7 @@ Uitkomst neem_slot(int fd, const std::string& pad) {
     if (IOLOCK('E', fd, 0, 1) && SYS.fstat(fd, &hier) == 0 && stat(pad.c_str(), &daar) == 0 &&
         hier.st_ino == daar.st_ino && hier.st_dev == daar.st_dev)
         return GOED;
-    gebruikerslot wie;
-    const int64_t proces = IOLOCKPID(fd, 0, 1);
-    return mis(IN_GEBRUIK, pad,
-               "in use" + (proces ? " by process " + std::to_string(proces) : std::string()) +
-                   (houder_slot(fd, 0, 1, &wie) ? ", user " + toon(gebruiker_naam(wie)) : std::string()));
+    return mis(IN_GEBRUIK, pad, "in use" + door_wie(pad, fd, 0, 1));
 }
 
 bool kopieer(int van, int naar) {

@@ -132,7 +132,7 @@ TEST(Ordload, KeepsOutOfTheWay) {
     EXPECT_EQ(sh("orddump -j 2016Z/ORD0010.JRN >x").status, 0);
     const std::string voor = lees_bestand("2016Z/ORD0010.JRN");
     const auto laad = [](const char* hoe = "") {
-        return sh(std::string("ordload ") + hoe + " -r -i x 2016Z/ORD0010.JRN");
+        return sh(std::string("timeout 60 ordload ") + hoe + " -r -i x 2016Z/ORD0010.JRN");
     };
     const int jrn_fd = open("2016Z/ORD0010.JRN", O_RDWR | O_CLOEXEC),
               sys = open("DTSYS.TXT", O_RDWR | O_CLOEXEC);

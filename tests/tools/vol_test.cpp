@@ -65,6 +65,7 @@ TEST(Vol, NoToolEndsWellOnAFullDisk) {
         {"", "zgcopy $d vol/kopie"},
         {"", "ordprint -o vol/order $d/2016Z/ORD0012.JRN", 0},
         {"", "ordprint -o vol/order.pdf $d/2016Z/ORD0012.JRN"},
+        {"mkdir vol/2016Z", "orddump -j $d/2016Z/ORD0012.JRN | ordload vol/2016Z/ORD0012.JRN"},
         {"",
          "zgdemo vol/demo; s=$?; rm -rf vol/demo; (exit $s)"}, // marked as broken off, and begun anew next time
         {"", "(cd $d && MACRO=$m/vol zgmacro load k)"},
