@@ -3,6 +3,7 @@
 #include "store/ix.h"
 #include "term/natl.h"
 #include "term/vast.h"
+#include "tools/paar.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -171,7 +172,7 @@ Uitkomst doe_een(Drukdaad daad, Regel* r, std::string* fout) {
     const int er = IXREADT(icb, r->rec);
     Uitkomst uit = er < 0 ? IN_GEBRUIK : past(daad, *r, er > 0, fout);
     if (er < 0)
-        *fout = "somebody has this record in hand";
+        *fout = "this record is " + in_de_weg(icb);
     if (uit != GOED) {
         if (er >= 0)
             IXUNLOCK(icb, r->rec);

@@ -5,7 +5,6 @@
 #include "term/scherm.h"
 #include "tools/opdracht.h"
 #include "tools/werkmap.h"
-#include "tools/wie.h"
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
@@ -188,23 +187,12 @@ void rapport() {
 
 int wachtseconden = 10;
 
-// The record that is waited for, else the pair's header.
-std::string houder(const ICB& icb) {
-    const std::string wie =
-        icb.currec < 0 ? "" : door_wie(icb.path, icb.datfd, int64_t{icb.currec} * icb.h.reclen, icb.h.reclen);
-    return wie.empty() ? door_wie(icb.path, icb.idxfd, 0, IXBLOK) : wie;
-}
-
 // The store's wait routine: give up as a tool instead of waiting for ever.
 void wacht(ICB* icb) {
     static int gewacht;
     if (++gewacht > wachtseconden * 5 || ixsh_sein) {
         if (!ixsh_sein)
-            klacht(icb ? icb->path : "",
-                   icb && icb->wachtsleutel
-                       ? "key reserved: " + CP850UTF8(IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf))
-                   : icb ? "in use" + houder(*icb)
-                         : "in use");
+            klacht(icb ? icb->path : "", in_de_weg(icb));
         ga_weg(IN_GEBRUIK);
     }
     usleep(200'000);

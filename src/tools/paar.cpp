@@ -6,6 +6,7 @@
 #include "store/node.h"
 #include "store/voortgang.h"
 #include "store/wachtrij.h"
+#include "term/natl.h"
 #include "term/vast.h"
 #include "tools/wie.h"
 #include <algorithm>
@@ -134,6 +135,31 @@ namespace {
 const SYSCALLS echt = SYS;
 bool mag_maken;
 } // namespace
+
+std::string in_de_weg(const ICB* icb) {
+    if (icb && icb->wachtsleutel)
+        return "key reserved: " + CP850UTF8(IXSLEUTELTEKST(icb->h.keydef[0], icb->keybuf));
+    if (!icb)
+        return "in use";
+    const std::string record =
+        icb->currec < 0
+            ? ""
+            : door_wie(icb->path, icb->datfd, int64_t{icb->currec} * icb->h.reclen, icb->h.reclen);
+    return "in use" + (record.empty() ? door_wie(icb->path, icb->idxfd, 0, IXBLOK) : record);
+}
+
+void wacht_hooguit(int seconden) {
+    constexpr int PER_SECONDE = 5;
+    static int nog;
+    nog = seconden * PER_SECONDE;
+    IXWAITHOOK = [](ICB* icb) {
+        if (nog-- <= 0) {
+            klacht(icb ? icb->path : "", in_de_weg(icb));
+            tool_weg(IN_GEBRUIK);
+        }
+        usleep(1'000'000 / PER_SECONDE);
+    };
+}
 
 void alleen_lezen(bool maken) {
     mag_maken = maken;

@@ -45,6 +45,11 @@ bool paar_wis_wachtrij(const std::string& index);
 // Has a program the file open, with or without a lock? Where the system can't tell, none has.
 bool elders_open(int fd);
 
+// What a handle of the store waits for, and who has it: "in use by ...", or the key that is reserved. Null: "in use".
+std::string in_de_weg(const ICB* icb);
+// From here on the store waits for nobody longer than so many seconds: that is told, and the tool ends with IN_GEBRUIK.
+void wacht_hooguit(int seconden);
+
 // The header that the dictionary gives a pair of this name, its record length one that fits a data file of so many
 // bytes; false when it doesn't know it.
 bool woordenboekkop(const std::string& naam, int64_t databytes, IXHEADER* kop);

@@ -4,6 +4,7 @@
 #include "shared/report.h"
 #include "tools/druktekst.h"
 #include "tools/drukwerk.h"
+#include "tools/paar.h"
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <functional>
@@ -27,6 +28,8 @@ Uitkomst doe(Drukdaad daad) {
     return meld(druk_doe(daad, druk_wens.woorden, &fout), fout);
 }
 
+constexpr int WACHT = 10; // seconds for a table that another has for himself
+
 Uitkomst laad() {
     Uitkomst uit = GOED;
     for (const std::string& pad : druk_wens.woorden)
@@ -39,6 +42,7 @@ Uitkomst laad() {
 
 int main(int argc, char** argv) {
     tool_begin("zgdruk");
+    wacht_hooguit(WACHT);
     CLI::App app{
         "printers: the print destinations, a test page, jobs that are left, users' printers.\n"
         "The destinations are in the directory that ZEBPRT names; man zgdruk has the words of a record.",

@@ -7,6 +7,7 @@
 #include "term/scherm.h"
 #include "tools/druktekst.h"
 #include "tools/macrotekst.h"
+#include "tools/paar.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
@@ -25,6 +26,8 @@ struct Wens {
     std::vector<std::string> woorden;
     bool json = false;
 } wens;
+
+constexpr int WACHT = 10; // seconds for a table that another has for himself
 
 Uitkomst geen_tabel() {
     const int fout = errno;
@@ -148,6 +151,7 @@ Uitkomst weg() {
 
 int main(int argc, char** argv) {
     tool_begin("zgmacro");
+    wacht_hooguit(WACHT);
     CLI::App app{
         "the users' keyboard macros, in the directory that MACRO names; man zgmacro has the words of a line.",
         "zgmacro"};

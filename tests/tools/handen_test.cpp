@@ -75,7 +75,8 @@ TEST_F(Handen, ReservedKeysAreSeenAndOnlyIxremakeClearsThem) {
             u = sh(hoe);
             EXPECT_EQ(u.status, 4) << u.tekst;
             EXPECT_TRUE(u.zegt("key reserved: 4711") &&
-                        u.zegt("a user is at work (process " + std::to_string(gebruiker.pid())))
+                        u.zegt("a user is at work (process " + std::to_string(gebruiker.pid()) +
+                               ", test_tools, user"))
                 << u.tekst;
             EXPECT_TRUE(paar("DTMERK") == voor);
         }

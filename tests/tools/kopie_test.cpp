@@ -33,9 +33,10 @@ struct Kopie : testing::Test {
 
 // A writer of two pairs and a file between them: everywhere the same number, but for the moment of one step.
 constexpr char EEN[] = "DTEEN", TWEE[] = "DTTWEE";
-void tel(const std::string& pad, uint32_t van) {
+void tel(const std::string& pad) {
     if (chdir(pad.c_str()) != 0)
         return;
+    const uint32_t van = static_cast<uint32_t>(atoi(lees_bestand("TELLER.TXT").c_str())) + 1;
     ICB *een = IXOPEN(EEN, 2), *twee = IXOPEN(TWEE, 2);
     for (uint32_t n = van;; n++) {
         uint8_t rec[IXRECMAX] = {};
@@ -195,12 +196,33 @@ TEST_F(Kopie, IsOfOneMoment) {
                   return 0;
               }).status,
               0);
+    // Everybody is held at once, sooner or later seen by one who looks all the time.
+    const Afloop vast = in_proces(
+        [&] {
+            const pid_t ouder = getpid(), kijker = fork();
+            if (kijker == 0) {
+                int fds[3], n = 0;
+                for (const char* naam : {"/DTEEN.INX", "/DTTWEE.INX", "/DTSYS.TXT"})
+                    fds[n++] = open((d + naam).c_str(), O_RDWR | O_CLOEXEC);
+                while (getppid() == ouder)
+                    if (IOLOCKPID(fds[0], 0, 512) && IOLOCKPID(fds[1], 0, 512) && IOLOCKPID(fds[2], 192, 64))
+                        _exit(0);
+                _exit(1);
+            }
+            int status = 9 << 8;
+            for (int i = 0; i < 40 && waitpid(kijker, &status, WNOHANG) == 0; i++)
+                sh("rm -rf vast; " + zgcopy("vast"));
+            kill(kijker, SIGKILL);
+            return WEXITSTATUS(status);
+        },
+        120'000);
+    EXPECT_EQ(vast.status, 0);
     for (int keer = 0; keer < 6; keer++) {
         const Afloop a = in_proces(
             [&] {
                 const pid_t schrijver = fork();
                 if (schrijver == 0) {
-                    tel(d, static_cast<uint32_t>(keer) * 1'000'000 + 1);
+                    tel(d);
                     _exit(1);
                 }
                 const std::string kopie = "kopie" + std::to_string(keer);
@@ -233,5 +255,53 @@ TEST_F(Kopie, IsOfOneMoment) {
         if (testing::Test::HasFailure())
             return;
         sh("ixremake " + d + "/" + EEN + " " + d + "/" + TWEE); // the writer was killed
+    }
+}
+
+// The moment is one without a critical step, if one comes; and a file that never rests is told, whole or not at all.
+TEST_F(Kopie, WaitsForAQuietMoment) {
+    const std::string d = demo.pad();
+    constexpr int64_t SLOT = 2640 + 64, STAND = SLOT + 38;
+    constexpr size_t RUST = 3'000'000;
+    const auto kritiek = [&](int ms) { // of the second user, for so long
+        const int fd = open((d + "/DTSYS.TXT").c_str(), O_RDWR | O_CLOEXEC);
+        if (pwrite(fd, "\012", 1, STAND) != 1 || !IOLOCK('S', fd, SLOT, 64))
+            return false;
+        if (ms && fork() == 0) {
+            usleep(static_cast<useconds_t>(ms) * 1000);
+            _exit(pwrite(fd, "\001", 1, STAND) == 1 ? 0 : 1);
+        }
+        return true;
+    };
+    const auto rusteloos = [&] {
+        const pid_t agent = getpid();
+        if (fork() != 0)
+            return true;
+        std::string a(RUST, 'a');
+        for (int n = 0; getppid() == agent; a.replace(0, 4, reinterpret_cast<const char*>(&++n), 4)) {
+            schrijf_bestand(d + "/NIEUW", a);
+            if (rename((d + "/NIEUW").c_str(), (d + "/RUST.LOG").c_str()) != 0)
+                break;
+        }
+        _exit(0);
+    };
+    const struct {
+        const char *wat, *wacht, *zegt, *niet;
+        std::function<bool()> bezig;
+    } GEVALLEN[] = {
+        {"a step that ends", "60", " files", "critical", [&] { return kritiek(1000); }},
+        {"one that doesn't", "1", "was in a critical step", "moved", [&] { return kritiek(0); }},
+        {"a file that is replaced", "0", "RUST.LOG: moved meanwhile", "changes all", rusteloos},
+    };
+    for (const auto& g : GEVALLEN) {
+        SCOPED_TRACE(g.wat);
+        Agent agent(g.bezig);
+        ASSERT_TRUE(agent.ok());
+        const Uit u = sh(zgcopy() + " -w " + g.wacht);
+        EXPECT_EQ(u.status, 0) << u.tekst;
+        EXPECT_TRUE(u.zegt(g.zegt) && !u.zegt(g.niet)) << u.tekst;
+        EXPECT_TRUE(!fs::exists("kopie/RUST.LOG") || fs::file_size("kopie/RUST.LOG") == RUST)
+            << "half a file";
+        EXPECT_EQ(sh("zgcopy --check kopie && rm -r kopie").status, 0);
     }
 }
