@@ -1,5 +1,6 @@
 // The register of open files; see store/bestand.h.
 #include "store/bestand.h"
+#include "store/kaart.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -44,6 +45,7 @@ int IXBESTANDOPEN(const char* pad, int vlaggen) {
         return -1;
     }
     bestanden.push_back({s.st_dev, s.st_ino, fd, 1, false});
+    IXKAARTOPEN(fd);
     return fd;
 }
 
@@ -51,6 +53,7 @@ void IXBESTANDDICHT(int fd) {
     const auto b = vind(fd);
     if (b == bestanden.end() || --b->gebruikers > 0)
         return;
+    IXKAARTDICHT(fd);
     SYS.close(fd);
     bestanden.erase(b);
 }

@@ -4,6 +4,7 @@
 #include "shared/files.h"
 #include "store/bestand.h"
 #include "store/cache.h"
+#include "store/kaart.h"
 #include "store/klad.h"
 #include "store/node.h"
 #include "store/teksten.h"
@@ -62,6 +63,11 @@ void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
 } // namespace
 
 ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
+    // A header may be that of a file that was cut in it, which only a call tells.
+    int32_t blokken = 0;
+    if (blok > 0 && IXKAARTLEES(fd, offsetof(IXHEADER, nblocks), &blokken, sizeof blokken) &&
+        blok < blokken && IXKAARTLEES(fd, int64_t{blok} * IXBLOK, doel, n))
+        return static_cast<ssize_t>(n);
     return SYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
 }
 
@@ -70,6 +76,10 @@ int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron) {
 }
 
 int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken) {
+    if (IXKAARTER(icb->idxfd)) { // the others are as near
+        IXRDIX(icb, 0);
+        return 0;
+    }
     const ssize_t n =
         SYSLEES(icb->idxfd, blokken,
                 static_cast<size_t>(std::min(WACHTRIJBLOK(icb), IXSLEUTELS + 1) + 1) * IXBLOK, 0);

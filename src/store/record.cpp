@@ -1,6 +1,7 @@
 // Records: read by number, by key and for change. Writing and deleting: store/schrijven.cpp.
 #include "shared/files.h"
 #include "shared/syscalls.h"
+#include "store/kaart.h"
 #include "store/node.h"
 #include "store/wachten.h"
 #include <algorithm>
@@ -18,6 +19,18 @@ int32_t zoek_record(ICB* icb, const void* rec) {
     IXBLDKEY(icb, rec, lengte);
     icb->currec = IXSEARCH(icb, '=', lengte);
     return icb->currec;
+}
+
+// The record at `currec` where a mapping shows it. One of zeros may lie behind the end of a file that was cut within its
+// last page.
+bool van_de_kaart(const ICB* icb, void* rec) {
+    int32_t records;
+    const size_t n = static_cast<size_t>(icb->h.reclen);
+    const auto nul = [](uint8_t b) { return b == 0; };
+    const uint8_t* p = static_cast<const uint8_t*>(rec);
+    return !icb->tempidx && IXKAARTLEES(icb->idxfd, offsetof(IXHEADER, nrecs), &records, sizeof records) &&
+           icb->currec < records && IXKAARTLEES(icb->datfd, int64_t{icb->currec} * icb->h.reclen, rec, n) &&
+           !std::all_of(p, p + n, nul);
 }
 
 } // namespace
@@ -48,6 +61,8 @@ void IXRDREC(ICB* icb, void* rec) {
     IXEIS(icb, "IXRDREC");
     const size_t lengte = static_cast<size_t>(icb->h.reclen);
     int64_t plaats = IXSEEKDAT(icb);
+    if (van_de_kaart(icb, rec))
+        return;
     ssize_t n = SYSLEES(icb->datfd, rec, lengte, plaats);
     if (n < 0)
         IXSCHIJFFOUT(icb, icb->datfd, plaats, icb->h.reclen);

@@ -65,6 +65,14 @@ bool gestoord() {
     return storing.geweest;
 }
 
+void lees_door(ssize_t (*lees)(int fd, void* p, size_t n, off_t plaats)) {
+    static ssize_t (*deze)(int, void*, size_t, off_t);
+    SYS.pread = deze = lees;
+    SYS.kaartlees = [](int fd, void* naar, const void*, size_t n, off_t plaats) {
+        deze(fd, naar, n, plaats);
+    };
+}
+
 int KorteWacht::teller;
 KorteWacht::KorteWacht() {
     teller = 0;

@@ -50,6 +50,9 @@ enum Duur { VOORTAAN, EENMAAL, VOL };
 void stoor(int n, int fout = 0, Deel deel = NIETS, Duur duur = VOORTAAN);
 bool gestoord(); // has a call failed?
 
+// Every read of the store goes through this from now on, by call or out of a mapping.
+void lees_door(ssize_t (*lees)(int fd, void* p, size_t n, off_t plaats));
+
 // A random number source with a seed that failure texts can name.
 struct Toeval {
     uint64_t staat;

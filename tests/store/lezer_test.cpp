@@ -271,7 +271,7 @@ TEST(Lezer, HerbouwOnderDeWandelaar) {
             ICB* lezer = IXOPEN("T", 0);
             IXSWITCH(lezer, sleutel);
             herbouw = {std::move(herbouw.index), -1, 0, tot};
-            SYS.pread = herbouwd;
+            lees_door(herbouwd);
             r = {};
             int lopend = 0, gelezen = 0;
             for (int ok = IXFIRST(lezer, &r); ok; ok = IXNEXT(lezer, &r))
@@ -322,7 +322,7 @@ TEST(Lezer, BladWordtTak) {
     memcpy(&index[offsetof(IXHEADER, nblocks)], &blokken, sizeof blokken);
     herbouw = {std::move(index), -1, 0, 1};
     ICB* lezer = IXOPEN("T", 0);
-    SYS.pread = herbouwd;
+    lees_door(herbouwd);
     Rec r{};
     r.nr = static_cast<uint16_t>(hoort + 1);
     EXPECT_EQ(1, IXPREVK(lezer, &r, 0));
@@ -384,7 +384,7 @@ TEST(Lezer, HalfGeschrevenBlok) {
                 zet(icb, nr, nr);
             }
             ICB* lezer = IXOPEN("T", 0);
-            SYS.pread = gescheurd;
+            lees_door(gescheurd);
             int n = 1;
             for (; n < 2000; n++) {
                 scheur.beurt = 0;
