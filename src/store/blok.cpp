@@ -6,6 +6,7 @@
 #include "store/cache.h"
 #include "store/kaart.h"
 #include "store/klad.h"
+#include "store/kop.h"
 #include "store/node.h"
 #include "store/teksten.h"
 #include "store/wachten.h"
@@ -75,9 +76,10 @@ int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron) {
     return SYSSCHRIJFOP(fd, bron, IXBLOK, int64_t{blok} * IXBLOK);
 }
 
-int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken) {
+int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken, uint32_t* telling) {
     if (IXKAARTER(icb->idxfd)) { // the others are as near
         IXRDIX(icb, 0);
+        memcpy(telling, IXKAARTBEGIN(icb->idxfd) + TELPLAATS, sizeof *telling);
         return 0;
     }
     const ssize_t n =
@@ -85,6 +87,8 @@ int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken) {
                 static_cast<size_t>(std::min(WACHTRIJBLOK(icb), IXSLEUTELS + 1) + 1) * IXBLOK, 0);
     IXHEADER h;
     memcpy(&h, blokken, sizeof h);
+    memcpy(telling, blokken + TELPLAATS,
+           sizeof *telling); // with a file as short as that the header is refused
     if (n < static_cast<ssize_t>(sizeof h) || !kop_goed(icb, h))
         IXSTUK(icb, 0);
     const bool zelfde = h.nkeys == icb->h.nkeys; // else the queue is elsewhere
@@ -95,6 +99,7 @@ int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken) {
 
 Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {
     int8_t sleutel = KNOOP(icb).keyno;
+    icb->bladstand.telling = 0;
     Leesuitslag uitslag = L_GOED;
     if (blok < 1)
         uitslag = L_FOUT;
@@ -162,11 +167,15 @@ void IXRDIX(ICB* icb, int32_t blok) {
 void IXWRIX(ICB* icb, int32_t blok) {
     IXEIS(icb, "IXWRIX");
     if (blok == 0) {
-        uint8_t kop[IXBLOK] = {}; // bytes behind the header mean nothing
-        memcpy(kop, &icb->h, sizeof icb->h);
-        if (!IXBLOKSCHRIJF(icb->idxfd, 0, kop))
+        uint32_t telling = IXTELLEES(icb->idxfd);
+        icb->gemerkt = 0;
+        if (!IXKOPSCHRIJF(icb->idxfd, icb->h, K_RUST, &telling))
             IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
-    } else if (icb->cached) {
+        return;
+    }
+    if (!KLADAAN(icb) && !IXALLEENMERK(icb))
+        IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
+    if (icb->cached) {
         IOCACHE('W', icb, blok);
         return;
     } else if (KLADAAN(icb)) {

@@ -70,6 +70,11 @@ struct ICB {
         int32_t nblocks, nrecs, freehead;
     } gezien; // counters as last seen on disk: where they have changed, a reader doubts what he found at an edge
     IXPLAATS plaats;
+    int8_t gemerkt; // an exclusive handle has marked the header
+    struct {
+        int32_t freehead, nrecs, nblocks;
+        uint32_t telling;
+    } bladstand; // the pair when `node` was read out of it, telling 0 unknown (store/kop.h)
     struct {
         int8_t er;
         int32_t nr;

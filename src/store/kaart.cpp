@@ -111,6 +111,13 @@ bool IXKAARTER(int fd) {
     return fd >= 0 && fd < AANTAL && kaarten[static_cast<size_t>(fd)].basis;
 }
 
+const uint8_t* IXKAARTBEGIN(int fd) {
+    if (!IXKAARTER(fd))
+        return nullptr;
+    const Kaart& k = kaarten[static_cast<size_t>(fd)];
+    return k.gat && !maak(fd, k.lengte) ? nullptr : k.basis;
+}
+
 bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n) {
     if (!IXKAARTER(fd) || plaats < 0)
         return false;

@@ -14,5 +14,7 @@ void IXKAARTDICHT(int fd);
 // n bytes from a place: true, or false when they are to be asked for by a call.
 bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n);
 bool IXKAARTER(int fd); // is it mapped?
+// Where the mapping begins, for the first block of a file that isn't empty; null: there is none.
+const uint8_t* IXKAARTBEGIN(int fd);
 
 } // namespace zg

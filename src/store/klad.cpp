@@ -4,6 +4,7 @@
 #include "store/bestand.h"
 #include "store/cache.h"
 #include "store/keur.h"
+#include "store/kop.h"
 #include "store/node.h"
 #include <algorithm>
 #include <cerrno>
@@ -30,6 +31,7 @@ struct Klad {
     uint8_t rec_was[IXRECMAX], rec_wordt[IXRECMAX];
     uint8_t begin[(IXSLEUTELS + 2) * IXBLOK]; // header, roots and queue, as read behind the header's lock
     int32_t begin_blokken = 0;
+    uint32_t telling = 0;        // change count on disk
     std::vector<Blad*> volgorde; // of the writes
     size_t geschreven = 0;       // of them begun
     bool rij = false;            // the lock of the queue is held
@@ -52,15 +54,6 @@ Blad& nieuw_blad(int32_t blok) {
     return b;
 }
 
-bool schrijf_kop(ICB* icb, const IXHEADER& h) {
-    uint8_t kop[IXBLOK] = {}; // bytes behind the header mean nothing
-    memcpy(kop, &h, sizeof h);
-    const bool goed = IXBLOKSCHRIJF(icb->idxfd, 0, kop);
-    if (goed)
-        IXCOMMITHOOK();
-    return goed;
-}
-
 bool schrijf_record() {
     klad.record_geraakt = true;
     const ICB* icb = klad.icb;
@@ -72,7 +65,7 @@ bool schrijf_record() {
 }
 
 bool met_kop() {
-    return klad.icb->mode != 1 || klad.soort == KL_DELETE;
+    return klad.icb->mode != 1;
 }
 
 // New blocks by number, then those in use from the root down, and the queue, whose level is 0.
@@ -93,9 +86,7 @@ void zet_volgorde() {
 
 // The header as it was, marked; on disk only, the handle itself goes on reading.
 bool merk() {
-    IXHEADER h = klad.oud;
-    h.busy = 1;
-    return schrijf_kop(klad.icb, h);
+    return IXKOPSCHRIJF(klad.icb->idxfd, klad.oud, K_BEZIG, &klad.telling);
 }
 
 bool schrijf_alles() {
@@ -104,7 +95,8 @@ bool schrijf_alles() {
         klad.kop_geraakt = true;
         if (!merk())
             return false;
-    }
+    } else if (!IXALLEENMERK(icb))
+        return false;
     if (klad.record && klad.soort != KL_DELETE && !schrijf_record())
         return false;
     for (Blad* b : klad.volgorde) {
@@ -116,15 +108,17 @@ bool schrijf_alles() {
     if (klad.record && klad.soort == KL_DELETE && !schrijf_record())
         return false;
     klad.kop_af = met_kop();
-    return !met_kop() || schrijf_kop(icb, icb->h);
+    return !met_kop() || IXKOPSCHRIJF(icb->idxfd, icb->h, K_RUST, &klad.telling);
+}
+
+bool staat(int fd, int64_t plaats, const void* was, size_t n) {
+    uint8_t nu[IXBLOK];
+    return SYSLEES(fd, nu, n, plaats) == static_cast<ssize_t>(n) && memcmp(nu, was, n) == 0;
 }
 
 // Bytes as they stood. When even that is refused: do they stand there all the same?
 bool zet_terug(int fd, int64_t plaats, const void* was, size_t n) {
-    if (SYSSCHRIJFOP(fd, was, n, plaats))
-        return true;
-    uint8_t nu[IXBLOK];
-    return SYSLEES(fd, nu, n, plaats) == static_cast<ssize_t>(n) && memcmp(nu, was, n) == 0;
+    return SYSSCHRIJFOP(fd, was, n, plaats) || staat(fd, plaats, was, n);
 }
 
 bool kort_af(int fd, int64_t lengte) {
@@ -161,9 +155,9 @@ bool alles_terug() {
         goed &= record_terug();
     if (!goed || !klad.kop_geraakt)
         return goed;
-    uint8_t kop[IXBLOK] = {};
-    memcpy(kop, &klad.oud, sizeof klad.oud);
-    return zet_terug(icb->idxfd, 0, kop, sizeof klad.oud);
+    // With a count that goes on: a reader may have seen the change half done.
+    return IXKOPSCHRIJF(icb->idxfd, klad.oud, K_RUST, &klad.telling) ||
+           staat(icb->idxfd, 0, &klad.oud, sizeof klad.oud);
 }
 
 void einde(bool geschreven = false) {
@@ -195,7 +189,7 @@ void KLADBEGIN(ICB* icb) {
         IXLOCK(icb, 2);
         if (icb->h.busy)
             IXINCONSISTENT(icb);
-        klad.begin_blokken = IXLEESBEGIN(icb, klad.begin);
+        klad.begin_blokken = IXLEESBEGIN(icb, klad.begin, &klad.telling);
         if (icb->h.busy)
             IXINCONSISTENT(icb);
     }

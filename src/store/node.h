@@ -94,7 +94,7 @@ enum Leesuitslag { L_GOED, L_EINDE, L_FOUT };
 Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok);
 // Under the header's lock: the header as IXRDIX reads it, and with the same call the blocks behind it up to the lock
 // queue into `blokken`, room for IXSLEUTELS + 2 of them: how many there are.
-int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken);
+int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken, uint32_t* telling);
 void IXPAD(ICB* icb); // the node in hand into the path: a root has no parent, and is that of a child
 void IXKIES(ICB* icb, int sleutel); // make current without reading: the node in hand is an empty root
 void IXEOFTOON(ICB* icb, int32_t blok);

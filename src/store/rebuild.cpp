@@ -10,6 +10,7 @@
 #include "store/bestand.h"
 #include "store/blokbak.h"
 #include "store/groei.h"
+#include "store/kop.h"
 #include "store/node.h"
 #include "store/sorteer.h"
 #include "store/spoel.h"
@@ -199,10 +200,10 @@ void Bouw::zet_op_zijn_plaats() {
     icb->h.version = IXVERSIE;
     icb->h.busy = 1;
     uint8_t kop[IXBLOK]{};
-    memcpy(kop, &icb->h, sizeof icb->h);
-    bool geschreven = IXBLOKSCHRIJF(icb->idxfd, 0, kop);
+    uint32_t telling = 0;
+    memcpy(&telling, oud + TELPLAATS, sizeof telling);
+    bool geschreven = IXKOPSCHRIJF(icb->idxfd, icb->h, K_BEZIG, &telling);
     if (geschreven) {
-        IXCOMMITHOOK();
         keten_vrijen();
         geschreven = blokken_->schrijf(icb->idxfd);
     }

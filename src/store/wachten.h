@@ -22,6 +22,8 @@ inline constexpr int KIJKERSTIL =
 inline constexpr int LEZERMELD =
     180; // looks, some 0.3 seconds, after which the user is told who is in the way
 
+inline constexpr int RUSTBEURTEN =
+    8; // searches spoiled by writers, after which a reader asks for the header lock
 inline constexpr int KOPRONDEN = 5;       // looks at a header that may be half written, a millisecond apart
 inline constexpr int HOOKWACHT = 2;       // seconds that the user can read who is in the way
 inline constexpr int CHECKWACHT = 10'000; // milliseconds that the deep check waits for the header lock

@@ -14,6 +14,7 @@
 // A handle that is alone (exclusive, or under the header lock) sees only whole trees, so there anything odd is damage.
 #include "shared/files.h"
 #include "store/bestand.h"
+#include "store/kop.h"
 #include "store/wachten.h"
 #include "store/zoeker.h"
 #include <algorithm>
@@ -24,6 +25,7 @@ namespace {
 enum Uitslag { ANTWOORD, TWIJFEL, ONGERIJMD };
 
 bool einde_getoond; // in the search under way
+bool in_rust;       // it is made in a pair that is at rest, or is thrown away: what is read is whole
 
 // A block past the end: others have changed the tree under this handle.
 void voorbij_einde(ICB* icb, int32_t blok) {
@@ -50,7 +52,7 @@ bool daal(const Zoeker& z, int32_t blok, int niveau) {
 
 // The node in hand once more, until two reads in a row give the same. False when it has become another kind of node.
 bool bestendig(ICB* icb) {
-    if (ALLEEN(icb))
+    if (ALLEEN(icb) || in_rust)
         return true;
     const int8_t sleutel = KNOOP(icb).keyno, niveau = KNOOP(icb).level;
     uint8_t was[IXBLOK];
@@ -89,7 +91,7 @@ bool is_sluitstuk(const Zoeker& z, int i) {
 // the last one is of zeros, or else the last itself. What cuts it down leaves old entries behind the new, higher ones:
 // what these hide is looked for at the leaf's edge, and in doubt there.
 bool gaaf(const Zoeker& z) {
-    if (ALLEEN(z.icb) || z.aantal() < 2)
+    if (ALLEEN(z.icb) || in_rust || z.aantal() < 2)
         return true;
     const uint8_t* laatste = z.entry(z.aantal() - 1);
     return std::any_of(laatste, laatste + z.stap(), [](uint8_t b) { return b != 0; });
@@ -176,7 +178,8 @@ enum Blik { RUST, ANDERS, BEZIG };
 Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
     IXHEADER h;
     *exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);
-    if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) != static_cast<ssize_t>(sizeof h) || h.busy)
+    if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) != static_cast<ssize_t>(sizeof h) ||
+        (h.busy && !(*exclusief && h.busy == K_ALLEEN)))
         return BEZIG;
     if (h.nblocks != icb->gezien.nblocks || h.nrecs != icb->gezien.nrecs ||
         h.freehead != icb->gezien.freehead) {
@@ -188,8 +191,8 @@ Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
 
 // A walk asks for what comes behind the entry it stands on: when the leaf has not changed that is the next entry,
 // and no search is needed. GEENBLOK: look for it in the ordinary way. *gelezen: the leaf in hand was read just now and
-// has not changed.
-int32_t volgende_hier(const Zoeker& z, bool* gelezen) {
+// has not changed. `zelfde_blad`: nor has the pair since.
+int32_t volgende_hier(const Zoeker& z, bool zelfde_blad, bool* gelezen) {
     ICB* icb = z.icb;
     const IXKNOOP& k = KNOOP(icb);
     const ptrdiff_t plaats = icb->curent - k.entries;
@@ -201,7 +204,7 @@ int32_t volgende_hier(const Zoeker& z, bool* gelezen) {
         *gelezen = true; // its last entry: whatever it has become, the answer is not known to be here
         return GEENBLOK;
     }
-    if (!ALLEEN(icb)) {
+    if (!ALLEEN(icb) && !(in_rust && zelfde_blad)) {
         uint8_t was[IXBLOK], *hier = icb->curent;
         memcpy(was, icb->node, IXBLOK);
         const int32_t blok = icb->curblock;
@@ -227,9 +230,41 @@ bool blad_bruikbaar(const Zoeker& z, char op, bool gelezen) {
         return false;
     if (gelezen || ALLEEN(icb))
         return true;
+    if (in_rust) // out of memory the way from the root is as near
+        return false;
     if (bestendig(icb))
         return z.binnen(op);
     IXKIES(icb, sleutel);
+    return false;
+}
+
+// A search in a pair that is at rest before and behind it: what it gave is so, doubts or not. False: the pair changed each
+// time, or can't be seen to be at rest; and what doesn't fit together even so may be the work of a program that writes
+// without counting.
+bool zoek_in_rust(const Zoeker& z, char op, int32_t* uit) {
+    ICB* icb = z.icb;
+    const int8_t sleutel = KNOOP(icb).keyno;
+    IXSTAND voor, na;
+    for (int keer = 0; keer < RUSTBEURTEN && IXSTANDLEES(icb, &voor); keer++) {
+        const bool zelfde_blad = GELIJK(
+            {icb->bladstand.freehead, icb->bladstand.nrecs, icb->bladstand.nblocks, icb->bladstand.telling},
+            voor);
+        bool gelezen = zelfde_blad, goed = true;
+        in_rust = true;
+        if (op != '>' || (*uit = volgende_hier(z, zelfde_blad, &gelezen)) == GEENBLOK)
+            if (!blad_bruikbaar(z, op, gelezen) || omlaag(z, op, true, uit) == ONGERIJMD)
+                goed = IXLEESKNOOP(icb, sleutel) == L_GOED && omlaag(z, op, false, uit) != ONGERIJMD;
+        in_rust = false;
+        if (!IXSTANDLEES(icb, &na) || !GELIJK(voor, na))
+            continue;
+        if (!goed)
+            return false;
+        icb->bladstand = {voor.freehead, voor.nrecs, voor.nblocks, voor.telling};
+        icb->gezien = {voor.nblocks, voor.nrecs, voor.freehead};
+        return true;
+    }
+    if (KNOOP(icb).keyno != sleutel)
+        IXKIES(icb, sleutel);
     return false;
 }
 
@@ -241,7 +276,10 @@ int32_t zoek(ICB* icb, char op, int lengte) {
     int32_t uit = GEENBLOK;
     bool gelezen = false;
     einde_getoond = false;
-    if (op == '>' && (uit = volgende_hier(z, &gelezen)) != GEENBLOK)
+    if (!ALLEEN(icb) && zoek_in_rust(z, op, &uit))
+        return uit;
+    uit = GEENBLOK;
+    if (op == '>' && (uit = volgende_hier(z, false, &gelezen)) != GEENBLOK)
         return uit;
     if (blad_bruikbaar(z, op, gelezen) && omlaag(z, op, true, &uit) != ONGERIJMD)
         return uit;

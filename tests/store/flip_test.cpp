@@ -123,7 +123,7 @@ TEST(Flip, ElkeBitVanDeIndex) {
     TijdelijkeMap map;
     KorteWacht kort;
     maak(13, 2);
-    const std::string idx = lees_bestand("T.INX"), dat = lees_bestand("T.TXT");
+    const std::string idx = lees_index("T.INX"), dat = lees_bestand("T.TXT");
     ASSERT_EQ("", gezondheid("T"));
     std::map<std::string, int> ongezien;
     size_t alle_ongezien = 0;
@@ -249,7 +249,7 @@ TEST(Flip, BomenUitHunVorm) {
     TijdelijkeMap map;
     KorteWacht kort;
     maak(13, 2);
-    const Schade goed{lees_bestand("T.INX"), lees_bestand("T.TXT")};
+    const Schade goed{lees_index("T.INX"), lees_bestand("T.TXT")};
     for (const auto& g : gevallen) {
         Schade s = goed;
         g.doe(s);

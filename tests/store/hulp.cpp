@@ -1,6 +1,7 @@
 #include "store/hulp.h"
 #include "store/bestand.h"
 #include "store/diepcheck.h"
+#include "store/kop.h"
 #include "term/scherm.h"
 #include <cerrno>
 #include <csignal>
@@ -86,6 +87,13 @@ KorteWacht::~KorteWacht() {
 ICB* maak_open(const std::string& naam, const Tabel& tabel, int mode) {
     maak_paar(naam, tabel);
     return IXOPEN(naam.c_str(), mode);
+}
+
+std::string lees_index(const std::string& pad) {
+    std::string uit = lees_bestand(pad);
+    for (size_t i = TELPLAATS; i < TELPLAATS + 4 && i < uit.size(); i++)
+        uit[i] = 0;
+    return uit;
 }
 
 void definieer(ICB* icb, const Tabel& tabel) {

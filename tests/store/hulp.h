@@ -21,6 +21,9 @@ void definieer(ICB* icb, const Tabel& tabel);
 void maak_paar(const std::string& naam, const Tabel& tabel);
 ICB* maak_open(const std::string& naam, const Tabel& tabel, int mode);
 
+// An index file but for its change count.
+std::string lees_index(const std::string& pad);
+
 // Empty when the pair is sound by IXCHECK and by the deep check, else what is wrong.
 std::string gezondheid(const std::string& naam);
 #define EXPECT_GEZOND(naam) EXPECT_EQ("", ::zg::test::gezondheid(naam))

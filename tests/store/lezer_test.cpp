@@ -81,9 +81,9 @@ TEST(Lezer, SchrijverStaatStilMiddenInEenSplitsing) {
         zet(icb, n, n);
     std::string voor, na;
     for (;; n += 2) { // up to a split of the leaf that is not a root's
-        voor = lees_bestand("T.INX");
+        voor = lees_index("T.INX");
         zet(icb, n, n);
-        na = lees_bestand("T.INX");
+        na = lees_index("T.INX");
         if (na.size() > voor.size())
             break;
     }
@@ -132,12 +132,12 @@ TEST(Lezer, SchrijverStaatStilTussenRecordEnSleutels) {
     ICB* icb = maak_open("T", tabel, 2);
     for (int i = 0; i < 10; i++)
         zet(icb, i, i * 10);
-    const std::string voor = lees_bestand("T.INX");
+    const std::string voor = lees_index("T.INX");
     Agent lezer{Lezer{}}, schrijver{Houder{}};
     lezer.vraag("key 2");
     EXPECT_EQ("0", lezer.vraag("first"));
     zet(icb, 1, 500);
-    const std::string na = lees_bestand("T.INX");
+    const std::string na = lees_index("T.INX");
     IXCLOSE(icb);
     std::string midden = voor;
     midden[offsetof(IXHEADER, busy)] = 1;
@@ -204,7 +204,7 @@ TEST(Lezer, VindtAllesNaElkeSchrijfopdracht) {
             zet(icb, nr, nr);
         for (int nr = 401; nr < 500; nr += 2)
             zet(icb, nr, nr);
-        const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+        const std::string idx = lees_index("T.INX"), data = lees_bestand("T.TXT");
         int status = 1;
         for (int n = 1; status && n < 500; n++) {
             schrijf_bestand("T.INX", idx);
@@ -260,9 +260,9 @@ TEST(Lezer, HerbouwOnderDeWandelaar) {
         ASSERT_EQ(1, IXWRITE(icb, &r));
     }
     IXCLOSE(icb);
-    const std::string voor = lees_bestand("T.INX");
+    const std::string voor = lees_index("T.INX");
     ASSERT_EQ(1, IXBLDIX("T"));
-    herbouw.index = lees_bestand("T.INX");
+    herbouw.index = lees_index("T.INX");
     ASSERT_NE(voor, herbouw.index);
     for (int sleutel = 1; sleutel <= 2; sleutel++) {
         herbouw.beurt = 1;
@@ -297,7 +297,7 @@ TEST(Lezer, BladWordtTak) {
     ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2"}}, 2);
     for (int nr = 0; nr < 1000; nr += 2)
         zet(icb, nr, nr);
-    std::string index = lees_bestand("T.INX");
+    std::string index = lees_index("T.INX");
     auto knoop = [&](int32_t blok) {
         return reinterpret_cast<IXKNOOP*>(&index[static_cast<size_t>(blok) * IXBLOK]);
     };
@@ -371,7 +371,7 @@ TEST(Lezer, HalfGeschrevenBlok) {
                 zet(icb, nr, nr);
             if (*wat == 'd')
                 zet(icb, 31, 31);
-            scheur = {lees_bestand("T.INX"), 0, 0, nieuw_eerst};
+            scheur = {lees_index("T.INX"), 0, 0, nieuw_eerst};
             Rec r{};
             r.nr = 31;
             if (*wat == 'd' && IXREAD(icb, &r))
@@ -380,9 +380,10 @@ TEST(Lezer, HalfGeschrevenBlok) {
                 zet(icb, 31, 31);
             const int32_t blokken = icb->h.nblocks;
             for (int nr = 3; *wat == 's' && icb->h.nblocks == blokken; nr += 6) {
-                scheur.oud = lees_bestand("T.INX");
+                scheur.oud = lees_index("T.INX");
                 zet(icb, nr, nr);
             }
+            schrijf_bestand("T.INX", lees_index("T.INX")); // by a program that doesn't count changes
             ICB* lezer = IXOPEN("T", 0);
             lees_door(gescheurd);
             int n = 1;
@@ -530,7 +531,7 @@ TEST(GelijkeSleutels, DubbelEnVergeten) {
     ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,2", "p,NODUPS,I,3,4"}}, 2);
     zet(icb, 1, 7), zet(icb, 2, 7);
     IXCLOSE(icb);
-    std::string idx = lees_bestand("T.INX");
+    std::string idx = lees_index("T.INX");
     memcpy(&idx[2 * IXBLOK + 5 + 6], &idx[2 * IXBLOK + 5], 6);
     schrijf_bestand("T.INX", idx);
     const std::string uit = gezondheid("T");

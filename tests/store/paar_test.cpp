@@ -57,7 +57,7 @@ TEST(Paar, Namen) {
 TEST(Paar, KopOpSchijf) {
     TijdelijkeMap map;
     maak_paar("langer_dan_elf", tabel);
-    std::string idx = lees_bestand("langer_dan_elf.INX");
+    std::string idx = lees_index("langer_dan_elf.INX");
     ASSERT_EQ(4u * 512, idx.size());
     EXPECT_EQ("langer_dan_", idx.substr(0, 11));
     const uint8_t vast[] = {2, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 4, 0, 0, 0, 20, 0};
@@ -123,14 +123,14 @@ TEST(Paar, AanmakenHoudtDeData) {
     ICB* icb = IXCREATE("T", 1);
     IXCLOSE(icb);
     EXPECT_EQ(data, lees_bestand("T.TXT"));
-    EXPECT_EQ(512u, lees_bestand("T.INX").size());
+    EXPECT_EQ(512u, lees_index("T.INX").size());
     maak_paar("T", tabel); // IXINIT empties both
     EXPECT_EQ("", lees_bestand("T.TXT"));
     vul("T", 0, 500);
     icb = IXOPEN("T", 1); // an index emptied in place keeps nothing of the old trees
     IXINITIX(icb);
     IXCLOSE(icb);
-    EXPECT_EQ(4u * 512, lees_bestand("T.INX").size());
+    EXPECT_EQ(4u * 512, lees_index("T.INX").size());
 }
 
 TEST(Paar, Versies) {
@@ -143,7 +143,7 @@ TEST(Paar, Versies) {
                 IXCLOSE(IXOPEN("T", 0));
             else
                 EXPECT_EQ(0, IXCHECK("T"));
-            EXPECT_EQ("\x5F\x01", lees_bestand("T.INX").substr(258, 2)) << versie << openen;
+            EXPECT_EQ("\x5F\x01", lees_index("T.INX").substr(258, 2)) << versie << openen;
         }
     zet_kop("T", 258, uint16_t{350});
     EXPECT_TRUE(bevat(stopt([] { IXOPEN("T", 0); }), "U kunt het bestand converteren met ixremake"));
@@ -164,7 +164,7 @@ TEST(Paar, CheckWeigert) {
         {"no data", [] { unlink("T.TXT"); }, -1},
         {"511 bytes", [] { EXPECT_EQ(0, truncate("T.INX", 511)); }, -1},
         {"cut to the header", [] { EXPECT_EQ(0, truncate("T.INX", 512)); }, -1},
-        {"not whole blocks", [] { schrijf_bestand("T.INX", lees_bestand("T.INX") + "x"); }, -1},
+        {"not whole blocks", [] { schrijf_bestand("T.INX", lees_index("T.INX") + "x"); }, -1},
         {"busy", [] { zet_kop("T", 45, '\1'); }, -1},
         {"a record more", [] { schrijf_bestand("T.TXT", lees_bestand("T.TXT") + std::string(20, 'x')); }, -1},
         {"half a record less", [] { EXPECT_EQ(0, truncate("T.TXT", 20 * 100 - 10)); }, -1},
@@ -233,7 +233,7 @@ TEST(Paar, BedorvenKop) {
     TijdelijkeMap map;
     maak_paar("T", tabel);
     vul("T", 0, 10);
-    const std::string heel = lees_bestand("T.INX");
+    const std::string heel = lees_index("T.INX");
     for (auto& g : gevallen) {
         std::string idx = heel;
         idx.replace(g.plaats, g.bytes.size(), g.bytes);

@@ -98,7 +98,7 @@ void stap_voor_stap(const std::string& naam, const Tabel& t) {
 
 // The index file but for the bytes behind its header, which mean nothing.
 std::string index_van(const std::string& naam) {
-    std::string s = lees_bestand(naam + ".INX");
+    std::string s = lees_index(naam + ".INX");
     s.replace(sizeof(IXHEADER), IXBLOK - sizeof(IXHEADER), "");
     return s;
 }
@@ -179,14 +179,14 @@ TEST(Rebuild, takes_any_header_that_tells_the_keys_and_no_other) {
     TijdelijkeMap map;
     zet_neer("./T", t, maak_data(t));
     ASSERT_EQ(IXBLDIX("T"), 1);
-    const std::string heel = lees_bestand("T.INX"), data_heel = lees_bestand("T.TXT");
+    const std::string heel = lees_index("T.INX"), data_heel = lees_bestand("T.TXT");
     for (const auto& g : gevallen) {
         std::string index = heel, data = data_heel;
         g.doe(&index, &data);
         schrijf_bestand("T.INX", index);
         schrijf_bestand("T.TXT", data);
         EXPECT_EQ(IXBLDIX("T"), g.uit) << g.wat;
-        EXPECT_TRUE(lees_bestand("T.INX") == (g.uit ? heel : index)) << g.wat;
+        EXPECT_TRUE(lees_index("T.INX") == (g.uit ? heel : index)) << g.wat;
         EXPECT_TRUE(lees_bestand("T.TXT") == data) << g.wat;
     }
     EXPECT_EQ(IXBLDIX("NIETS"), 0);
@@ -223,7 +223,7 @@ TEST(Rebuild, killed_at_every_write_a_second_run_is_as_undisturbed) {
     zet_neer("./T", t, data);
     ASSERT_EQ(IXBLDIX("T"), 1);
     // Over the same data with another chain: an older index, sound in itself.
-    const std::string goed = lees_bestand("T.INX"), goede_data = lees_bestand("T.TXT");
+    const std::string goed = lees_index("T.INX"), goede_data = lees_bestand("T.TXT");
     int n = 1;
     for (int status = 1; status && n < 2000; n++) {
         schrijf_bestand("T.INX", goed);
@@ -233,11 +233,11 @@ TEST(Rebuild, killed_at_every_write_a_second_run_is_as_undisturbed) {
             _exit(IXBLDIX("T") != 1);
         });
         ASSERT_TRUE(status == 0 || status == 128 + SIGKILL) << n;
-        if (status && lees_bestand("T.INX") != goed) {
+        if (status && lees_index("T.INX") != goed) {
             ASSERT_EQ(IXCHECK("T"), -1) << "a half-made index passes after write " << n;
         }
         ASSERT_EQ(IXBLDIX("T"), 1) << n;
-        ASSERT_TRUE(lees_bestand("T.INX") == goed && lees_bestand("T.TXT") == goede_data) << n;
+        ASSERT_TRUE(lees_index("T.INX") == goed && lees_bestand("T.TXT") == goede_data) << n;
     }
     EXPECT_GT(n, 100); // header, free slots, blocks, length, header
 }
@@ -248,7 +248,7 @@ TEST(Rebuild, a_full_disk_or_a_failing_one_is_told_and_cured_by_a_second_run) {
     TijdelijkeMap map;
     zet_neer("./T", t, data);
     ASSERT_EQ(IXBLDIX("T"), 1);
-    const std::string goed = lees_bestand("T.INX"), goede_data = lees_bestand("T.TXT");
+    const std::string goed = lees_index("T.INX"), goede_data = lees_bestand("T.TXT");
     int geweigerd = 0, gestopt = 0;
     for (int n : {1, 2, 5, 10, 14, 18, 22, 26, 30, 40, 100, 400, 1000, 1500})
         for (int fout : {ENOSPC, EIO}) {
@@ -259,7 +259,7 @@ TEST(Rebuild, a_full_disk_or_a_failing_one_is_told_and_cured_by_a_second_run) {
                 if (IXBLDIX("T") == 1)
                     return;
                 printf("refused, %s",
-                       lees_bestand("T.INX") == goed && lees_bestand("T.TXT") == data ? "whole" : "");
+                       lees_index("T.INX") == goed && lees_bestand("T.TXT") == data ? "whole" : "");
                 fflush(stdout);
                 _exit(1);
             });
@@ -269,11 +269,11 @@ TEST(Rebuild, a_full_disk_or_a_failing_one_is_told_and_cured_by_a_second_run) {
                 gestopt++;
                 EXPECT_NE(melding.find("QUILLDB(" + std::to_string(fout)), std::string::npos) << n << melding;
                 EXPECT_EQ(IXCHECK("T"), -1) << n;
-                EXPECT_EQ(melding.find("ixremake") != std::string::npos, lees_bestand("T.INX") != goed)
+                EXPECT_EQ(melding.find("ixremake") != std::string::npos, lees_index("T.INX") != goed)
                     << n << melding;
             }
             ASSERT_EQ(IXBLDIX("T"), 1) << n;
-            EXPECT_TRUE(lees_bestand("T.INX") == goed && lees_bestand("T.TXT") == goede_data) << n;
+            EXPECT_TRUE(lees_index("T.INX") == goed && lees_bestand("T.TXT") == goede_data) << n;
         }
     EXPECT_GT(geweigerd, 5);
     EXPECT_GT(gestopt, 5);

@@ -177,7 +177,7 @@ TEST(Alleenlezen, SchrijftNiets) {
     Rec r = rec(1, "een", 1);
     IXWRITE(icb, &r);
     IXCLOSE(icb);
-    const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+    const std::string idx = lees_index("T.INX"), data = lees_bestand("T.TXT");
     icb = IXOPEN("T", 0);
     EXPECT_EQ(1, IXREADL(icb, &r));
     r.waarde = 2;
@@ -187,7 +187,7 @@ TEST(Alleenlezen, SchrijftNiets) {
     EXPECT_EQ(0, IXUPDATE(icb, &r));
     EXPECT_EQ(0, IXDELETE(icb, &r));
     IXCLOSE(icb);
-    EXPECT_EQ(idx, lees_bestand("T.INX"));
+    EXPECT_EQ(idx, lees_index("T.INX"));
     EXPECT_EQ(data, lees_bestand("T.TXT"));
 }
 

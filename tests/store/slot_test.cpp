@@ -181,7 +181,7 @@ TEST_F(Slot, WachtrijVol) {
         ander->vraag("unlock " + std::to_string(i));
     EXPECT_EQ("0", ik("readl 12"));
     EXPECT_EQ("0", ik("readl 3"));
-    std::string q = lees_bestand("T.INX").substr(3 * 512, 512);
+    std::string q = lees_index("T.INX").substr(3 * 512, 512);
     EXPECT_EQ(11, q[4]);
     EXPECT_EQ(std::string(505 - 440, '\0'), q.substr(5 + 440, 505 - 440));
     EXPECT_EQ(std::string("\1\0", 2), q.substr(0, 2));

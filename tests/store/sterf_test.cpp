@@ -100,7 +100,7 @@ TEST(Sterf, BijElkeSchrijfopdracht) {
         for (int i = 0; i < g.vooraf; i++)
             schrijf(icb, static_cast<uint32_t>(i) * 10, i);
         IXCLOSE(icb);
-        const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+        const std::string idx = lees_index("T.INX"), data = lees_bestand("T.TXT");
         const std::map<uint32_t, int32_t> oud = inhoud();
         int n = 0, status = 1;
         for (; status != 0 && n < 60; n++)

@@ -77,11 +77,11 @@ TEST(Tabel, sets_itself_up_and_repairs_itself) {
         {"nothing there", [] {}, 1, 3},
         {"all well", [] {}, 0, 3},
         {"index lost", [] { unlink("T.INX"); }, 0, 3},
-        {"index cut", [] { schrijf_bestand("T.INX", lees_bestand("T.INX").substr(0, 700)); }, 0, 3},
+        {"index cut", [] { schrijf_bestand("T.INX", lees_index("T.INX").substr(0, 700)); }, 0, 3},
         {"index of rubbish", [] { schrijf_bestand("T.INX", std::string(4096, 'x')); }, 0, 3},
         {"marked busy",
          [] {
-             std::string s = lees_bestand("T.INX");
+             std::string s = lees_index("T.INX");
              s[45] = 1;
              schrijf_bestand("T.INX", s);
          },

@@ -113,7 +113,7 @@ void elke_schrijfopdracht(const Geval& g) {
     for (int mode : {2, 1}) {
         TijdelijkeMap map;
         maak(g.vooraf, g.gewist);
-        const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+        const std::string idx = lees_index("T.INX"), data = lees_bestand("T.TXT");
         for (const auto& [duur, fout, deel] : {std::tuple{EENMAAL, EIO, NIETS},
                                                {EENMAAL, EIO, HALF},
                                                {VOL, ENOSPC, NIETS},
@@ -142,7 +142,7 @@ void elke_schrijfopdracht(const Geval& g) {
                 }
                 ASSERT_EQ(GEWEIGERD, status);
                 ASSERT_EQ(data, lees_bestand("T.TXT"));
-                ASSERT_TRUE(idx == lees_bestand("T.INX"));
+                ASSERT_TRUE(idx == lees_index("T.INX"));
                 ASSERT_EQ("", gezondheid("T"));
                 if (duur == EENMAAL) { // the same change, undisturbed
                     ASSERT_EQ(GEDAAN, poging(g, mode, 1000, 0, NIETS, EENMAAL));
@@ -218,7 +218,7 @@ TEST(Weigering, LaatsteKopStaatErToch) {
 TEST(Weigering, Reserveringen) {
     TijdelijkeMap map;
     maak(10, 0);
-    const std::string idx = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+    const std::string idx = lees_index("T.INX"), data = lees_bestand("T.TXT");
     for (int n = 1; n < 24; n++) {
         const bool houdt = n % 2;
         schrijf_bestand("T.INX", idx);
@@ -246,7 +246,7 @@ TEST(Weigering, Reserveringen) {
         if (status == GEDAAN)
             break;
         ASSERT_EQ(GEWEIGERD, status) << n;
-        EXPECT_TRUE(idx == lees_bestand("T.INX")) << n;
+        EXPECT_TRUE(idx == lees_index("T.INX")) << n;
         EXPECT_EQ(data, lees_bestand("T.TXT")) << n;
     }
     EXPECT_GEZOND("T");

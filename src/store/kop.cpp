@@ -1,0 +1,84 @@
+// Header and change count; see store/kop.h.
+#include "store/kop.h"
+#include "shared/files.h"
+#include "shared/syscalls.h"
+#include "store/kaart.h"
+#include "store/node.h"
+#include <atomic>
+#include <cstring>
+#include <ctime>
+#include <unistd.h>
+
+namespace zg {
+namespace {
+
+constexpr uint32_t TELMASKER = 0xFFFFFF;
+
+uint32_t met_toets(uint32_t n) {
+    n &= TELMASKER;
+    return n | ((n ^ n >> 8 ^ n >> 16 ^ 0x5A) & 0xFF) << 24;
+}
+
+bool geldig(uint32_t telling) {
+    return telling == met_toets(telling);
+}
+
+template <class T> T uit(const uint8_t* plaats) { // a number that others may be writing
+    return __atomic_load_n(reinterpret_cast<const T*>(plaats), __ATOMIC_ACQUIRE);
+}
+
+} // namespace
+
+uint32_t IXTELVERDER(uint32_t telling, Kopmerk merk) {
+    if (!geldig(telling)) { // not a number that a reader may have seen before
+        struct timespec nu;
+        clock_gettime(CLOCK_MONOTONIC, &nu);
+        telling = static_cast<uint32_t>(nu.tv_nsec) ^ static_cast<uint32_t>(getpid()) << 8;
+    }
+    const uint32_t oneven = merk == K_RUST ? 0 : 1;
+    telling++;
+    return met_toets(telling + ((telling & 1) != oneven));
+}
+
+uint32_t IXTELLEES(int idxfd) {
+    uint32_t telling = 0;
+    if (SYSLEES(idxfd, &telling, sizeof telling, TELPLAATS) != static_cast<ssize_t>(sizeof telling))
+        telling = 0;
+    return telling;
+}
+
+int IXKOPSCHRIJF(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling) {
+    uint8_t kop[IXBLOK] = {}; // the other bytes behind the header mean nothing
+    IXHEADER nieuw = h;
+    nieuw.busy = merk;
+    *telling = IXTELVERDER(*telling, merk);
+    memcpy(kop, &nieuw, sizeof nieuw);
+    memcpy(kop + TELPLAATS, telling, sizeof *telling);
+    if (!IXBLOKSCHRIJF(idxfd, 0, kop))
+        return 0;
+    IXCOMMITHOOK();
+    return 1;
+}
+
+int IXALLEENMERK(ICB* icb) {
+    if (icb->mode != 1 || icb->tempidx || icb->gemerkt)
+        return 1;
+    uint32_t telling = IXTELLEES(icb->idxfd);
+    icb->gemerkt = static_cast<int8_t>(IXKOPSCHRIJF(icb->idxfd, icb->h, K_ALLEEN, &telling));
+    return icb->gemerkt;
+}
+
+bool IXSTANDLEES(const ICB* icb, IXSTAND* stand) {
+    const uint8_t* p = icb->tempidx ? nullptr : IXKAARTBEGIN(icb->idxfd);
+    if (!p)
+        return false;
+    std::atomic_thread_fence(std::memory_order_acquire); // behind all that was read before
+    stand->telling = uit<uint32_t>(p + TELPLAATS);
+    stand->freehead = uit<int32_t>(p + offsetof(IXHEADER, freehead));
+    stand->nrecs = uit<int32_t>(p + offsetof(IXHEADER, nrecs));
+    stand->nblocks = uit<int32_t>(p + offsetof(IXHEADER, nblocks));
+    return !uit<uint8_t>(p + offsetof(IXHEADER, busy)) && geldig(stand->telling) && !(stand->telling & 1) &&
+           uit<uint32_t>(p + TELPLAATS) == stand->telling;
+}
+
+} // namespace zg
