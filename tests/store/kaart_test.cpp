@@ -1,0 +1,160 @@
+// Files in memory: reading makes no calls while nobody writes; and what is done to a file under its mapping is told, or not
+// noticed, but never the end of the program.
+#include "shared/files.h"
+#include "shared/syscalls.h"
+#include "store/hulp.h"
+#include "store/kaart.h"
+#include "store/kop.h"
+#include "store/node.h"
+#include "store/rebuild.h"
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace zg::test {
+namespace {
+
+struct [[gnu::packed]] Rec {
+    uint32_t nr;
+    char naam[28];
+};
+static_assert(sizeof(Rec) == 32);
+const Tabel tabel{sizeof(Rec), {"k,I,1,4", "n,C,5,32"}};
+constexpr uint32_t RECORDS = 2000;
+
+Rec rec(uint32_t nr) {
+    Rec r{};
+    r.nr = nr;
+    snprintf(r.naam, sizeof r.naam, "naam %u", nr * 7919 % 10'007);
+    return r;
+}
+
+ICB* gevuld() {
+    ICB* icb = maak_open("T", tabel, 2);
+    for (uint32_t i = 0; i < RECORDS; i++) {
+        const Rec r = rec(i);
+        EXPECT_EQ(1, IXWRITE(icb, &r));
+    }
+    return icb;
+}
+
+uint32_t loop(ICB* icb, int sleutel) {
+    uint32_t n = 0;
+    Rec r{};
+    IXSWITCH(icb, sleutel);
+    for (int er = IXFIRST(icb, &r); er && n <= 2 * RECORDS; er = IXNEXT(icb, &r))
+        n++;
+    return n;
+}
+
+TEST(Kaart, LezenZonderAanroepen) {
+    TijdelijkeMap map;
+    ICB *schrijver = gevuld(), *lezer = IXOPEN("T", 0);
+    if (!IXKAARTER(lezer->idxfd))
+        GTEST_SKIP() << "no mapping here";
+    const SYSCALLS echt = SYS;
+    static int aanroepen;
+    aanroepen = 0;
+    SYS.pread = [](int fd, void* p, size_t n, off_t o) { return aanroepen++, pread(fd, p, n, o); };
+    SYS.slot = [](int fd, int o, struct flock* s) { return aanroepen++, fcntl(fd, o, s); };
+    Rec r = rec(1234);
+    EXPECT_EQ(1, IXREAD(lezer, &r));
+    r.nr = RECORDS + 5;
+    EXPECT_EQ(0, IXREAD(lezer, &r));
+    EXPECT_EQ(RECORDS, loop(lezer, 1));
+    EXPECT_EQ(RECORDS, loop(lezer, 2));
+    EXPECT_EQ(0, aanroepen);
+    SYS = echt;
+    // What another writes is there at once, through the same mapping.
+    r = rec(RECORDS + 5);
+    EXPECT_EQ(1, IXWRITE(schrijver, &r));
+    EXPECT_EQ(RECORDS + 1, loop(lezer, 1));
+    EXPECT_EQ(RECORDS + 1, loop(lezer, 2));
+    IXCLOSE(lezer);
+    IXCLOSE(schrijver);
+}
+
+// Cut, emptied, rebuilt or replaced under who has it open: an answer, or a report; and with the file whole again the same
+// handle goes on.
+TEST(Kaart, BestandVeranderdOnderDeLezer) {
+    struct {
+        const char* wat;
+        const char* bestand;
+        int64_t lengte; // it is cut to; below 0 so many bytes less
+    } gevallen[] = {
+        {"index emptied", "T.INX", 0},
+        {"index cut to its header", "T.INX", IXBLOK},
+        {"index cut in its roots", "T.INX", 700},
+        {"index cut in the middle", "T.INX", 20 * IXBLOK + 100},
+        {"index without its last block", "T.INX", -IXBLOK},
+        {"data emptied", "T.TXT", 0},
+        {"data cut in the middle", "T.TXT", 32'000 + 7},
+        {"data without its last record", "T.TXT", -32},
+    };
+    for (const auto& g : gevallen)
+        for (const int mode : {0, 2}) {
+            SCOPED_TRACE(std::string(g.wat) + ", mode " + std::to_string(mode));
+            TijdelijkeMap map;
+            IXCLOSE(gevuld());
+            const std::string heel = lees_bestand(g.bestand);
+            const int64_t lengte = g.lengte < 0 ? static_cast<int64_t>(heel.size()) + g.lengte : g.lengte;
+            for (const int werk : {1, 2, 3, 4}) {
+                const int status = in_kind([&] {
+                    ICB* icb = IXOPEN("T", mode);
+                    loop(icb, 1);
+                    Rec r = rec(1999);
+                    IXREAD(icb, &r);
+                    if (truncate(g.bestand, lengte) != 0)
+                        _exit(9);
+                    if (werk <= 2)
+                        loop(icb, werk);
+                    for (uint32_t i = 0; werk == 3 && i < RECORDS; i++)
+                        r = rec(i), IXREAD(icb, &r);
+                    if (werk == 4 && mode == 2)
+                        r = rec(1998), IXREADL(icb, &r), IXWRITE(icb, &r), r = rec(70'000), IXWRITE(icb, &r);
+                    schrijf_bestand(g.bestand, heel);
+                    if (werk != 4 && (loop(icb, 1) != RECORDS || loop(icb, 2) != RECORDS))
+                        _exit(8);
+                    _exit(0);
+                });
+                EXPECT_TRUE(status == 0 || status == 1) << "work " << werk << ": status " << status;
+                schrijf_bestand(g.bestand, heel);
+            }
+        }
+}
+
+// Rebuilt in place beside a reader: each walk of his gives everything.
+TEST(Kaart, HerbouwdOnderDeLezer) {
+    TijdelijkeMap map;
+    IXCLOSE(gevuld());
+    ICB* lezer = IXOPEN("T", 0);
+    for (int keer = 0; keer < 3; keer++) {
+        EXPECT_EQ(RECORDS, loop(lezer, 2));
+        EXPECT_EQ(0, in_kind([] { _exit(IXBLDIX("T") == 1 ? 0 : 1); }));
+        EXPECT_EQ(RECORDS, loop(lezer, 1));
+    }
+    IXCLOSE(lezer);
+}
+
+// A program that writes without counting, before, between and behind ours: its changes are seen.
+TEST(Kaart, NietTellendeSchrijver) {
+    TijdelijkeMap map;
+    ICB *schrijver = gevuld(), *lezer = IXOPEN("T", 0);
+    uint32_t verwacht = RECORDS;
+    for (uint32_t keer = 0; keer < 6; keer++) {
+        EXPECT_EQ(verwacht, loop(lezer, 2));
+        const Rec r = rec(RECORDS + keer);
+        EXPECT_EQ(1, IXWRITE(schrijver, &r));
+        verwacht++;
+        const uint32_t geen = keer % 3 == 0 ? 0 : 0x61616161; // what it has in memory there
+        if (keer % 2)
+            SYSSCHRIJFOP(schrijver->idxfd, &geen, sizeof geen, TELPLAATS);
+        EXPECT_EQ(verwacht, loop(lezer, 1));
+    }
+    IXCLOSE(lezer);
+    IXCLOSE(schrijver);
+    EXPECT_GEZOND("T");
+}
+
+} // namespace
+} // namespace zg::test
