@@ -64,10 +64,9 @@ void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
 } // namespace
 
 ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
-    // A header may be that of a file that was cut in it, which only a call tells.
-    int32_t blokken = 0;
-    if (blok > 0 && IXKAARTLEES(fd, offsetof(IXHEADER, nblocks), &blokken, sizeof blokken) &&
-        blok < blokken && IXKAARTLEES(fd, int64_t{blok} * IXBLOK, doel, n))
+    if (const uint8_t* kop = IXKAARTBEGIN(fd);
+        kop && IXKAARTLEES(fd, int64_t{blok} * IXBLOK, doel, n,
+                           int64_t{LEES32(kop + offsetof(IXHEADER, nblocks))} * IXBLOK))
         return static_cast<ssize_t>(n);
     return SYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
 }
@@ -79,7 +78,7 @@ int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron) {
 int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken, uint32_t* telling) {
     if (IXKAARTER(icb->idxfd)) { // the others are as near
         IXRDIX(icb, 0);
-        memcpy(telling, IXKAARTBEGIN(icb->idxfd) + TELPLAATS, sizeof *telling);
+        *telling = IXTELLEES(icb->idxfd);
         return 0;
     }
     const ssize_t n =

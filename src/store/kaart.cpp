@@ -115,15 +115,23 @@ const uint8_t* IXKAARTBEGIN(int fd) {
     return k.gat && !maak(fd, k.lengte) ? nullptr : k.basis;
 }
 
-bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n) {
-    if (!IXKAARTER(fd) || plaats < 0)
+bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte) {
+    static const int64_t blad = sysconf(_SC_PAGESIZE);
+    int64_t laatste = plaats + static_cast<int64_t>(n) - 1; // byte asked for, and then the one that tells
+    if (plaats < 0 || n == 0 || laatste >= lengte || !IXKAARTER(fd))
         return false;
     Kaart& k = kaarten[static_cast<size_t>(fd)];
-    const size_t einde = static_cast<size_t>(plaats) + n;
+    const size_t einde = static_cast<size_t>(lengte);
     if ((k.gat || einde > k.lengte) && !maak(fd, std::max(k.lengte, (einde / STAP + 2) * STAP)))
         return false;
     SYS.kaartlees(fd, doel, k.basis + plaats, n, plaats);
-    return !k.gat;
+    const volatile uint8_t* p = k.basis;
+    if (laatste / blad != (lengte - 1) / blad)
+        static_cast<void>(p[laatste = lengte - 1]);
+    else
+        while (laatste < lengte && p[laatste] == 0)
+            laatste++;
+    return laatste < lengte && !k.gat;
 }
 
 } // namespace zg

@@ -11,8 +11,10 @@ namespace zg {
 
 void IXKAARTOPEN(int fd); // map the file of IXBESTANDOPEN, where that can be
 void IXKAARTDICHT(int fd);
-// n bytes from a place: true, or false when they are to be asked for by a call.
-bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n);
+// n bytes from a place of a file that is `lengte` long by the counters of its pair: true, or false when they are to be asked
+// for by a call. A file that was cut shows by the page of its last byte, and within that page by the zeros that lie
+// behind its end: bytes behind which there are no others are left to a call too.
+bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte);
 bool IXKAARTER(int fd); // is it mapped?
 // Where the mapping begins, for the first block of a file that isn't empty; null: there is none.
 const uint8_t* IXKAARTBEGIN(int fd);

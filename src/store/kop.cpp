@@ -42,7 +42,9 @@ uint32_t IXTELVERDER(uint32_t telling, Kopmerk merk) {
 
 uint32_t IXTELLEES(int idxfd) {
     uint32_t telling = 0;
-    if (SYSLEES(idxfd, &telling, sizeof telling, TELPLAATS) != static_cast<ssize_t>(sizeof telling))
+    if (const uint8_t* p = IXKAARTBEGIN(idxfd))
+        telling = uit<uint32_t>(p + TELPLAATS); // of a file that was cut in it: zeros, which are no count
+    else if (SYSLEES(idxfd, &telling, sizeof telling, TELPLAATS) != static_cast<ssize_t>(sizeof telling))
         telling = 0;
     return telling;
 }

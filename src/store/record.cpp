@@ -4,7 +4,6 @@
 #include "store/kaart.h"
 #include "store/node.h"
 #include "store/wachten.h"
-#include <algorithm>
 #include <cerrno>
 
 namespace zg {
@@ -21,16 +20,12 @@ int32_t zoek_record(ICB* icb, const void* rec) {
     return icb->currec;
 }
 
-// The record at `currec` where a mapping shows it. One of zeros may lie behind the end of a file that was cut within its
-// last page.
+// The record at `currec` where a mapping shows it.
 bool van_de_kaart(const ICB* icb, void* rec) {
-    int32_t records;
-    const size_t n = static_cast<size_t>(icb->h.reclen);
-    const auto nul = [](uint8_t b) { return b == 0; };
-    const uint8_t* p = static_cast<const uint8_t*>(rec);
-    return !icb->tempidx && IXKAARTLEES(icb->idxfd, offsetof(IXHEADER, nrecs), &records, sizeof records) &&
-           icb->currec < records && IXKAARTLEES(icb->datfd, int64_t{icb->currec} * icb->h.reclen, rec, n) &&
-           !std::all_of(p, p + n, nul);
+    const uint8_t* kop = icb->tempidx ? nullptr : IXKAARTBEGIN(icb->idxfd);
+    return kop && IXKAARTLEES(icb->datfd, int64_t{icb->currec} * icb->h.reclen, rec,
+                              static_cast<size_t>(icb->h.reclen),
+                              int64_t{LEES32(kop + offsetof(IXHEADER, nrecs))} * icb->h.reclen);
 }
 
 } // namespace

@@ -55,7 +55,11 @@ TEST(Kaart, LezenZonderAanroepen) {
     const SYSCALLS echt = SYS;
     static int aanroepen;
     aanroepen = 0;
-    SYS.pread = [](int fd, void* p, size_t n, off_t o) { return aanroepen++, pread(fd, p, n, o); };
+    SYS.pread = [](int fd, void* p, size_t n, off_t o) {
+        // What ends in zeros at the end of a file is asked for: it could have been cut there.
+        aanroepen += o + static_cast<off_t>(n) != SYSOMVANG(fd);
+        return pread(fd, p, n, o);
+    };
     SYS.slot = [](int fd, int o, struct flock* s) { return aanroepen++, fcntl(fd, o, s); };
     Rec r = rec(1234);
     EXPECT_EQ(1, IXREAD(lezer, &r));
@@ -90,6 +94,7 @@ TEST(Kaart, BestandVeranderdOnderDeLezer) {
         {"data emptied", "T.TXT", 0},
         {"data cut in the middle", "T.TXT", 32'000 + 7},
         {"data without its last record", "T.TXT", -32},
+        {"data cut in its last record", "T.TXT", -20},
     };
     for (const auto& g : gevallen)
         for (const int mode : {0, 2}) {
@@ -109,7 +114,7 @@ TEST(Kaart, BestandVeranderdOnderDeLezer) {
                     if (werk <= 2)
                         loop(icb, werk);
                     for (uint32_t i = 0; werk == 3 && i < RECORDS; i++)
-                        if (r = rec(i), IXREAD(icb, &r) && r.nr != i)
+                        if (const Rec zo = r = rec(i); IXREAD(icb, &r) && memcmp(&r, &zo, sizeof r) != 0)
                             _exit(7); // what lies behind the end is no record
                     if (werk == 4 && mode == 2)
                         r = rec(1998), IXREADL(icb, &r), IXWRITE(icb, &r), r = rec(70'000), IXWRITE(icb, &r);

@@ -236,8 +236,9 @@ TEST_F(Tools, RemakeBringsALostOrBusyIndexBack) {
     EXPECT_EQ(sh("ixremake DTMERK").status, 1) << "the definition must be asked for";
     EXPECT_EQ(sh("ixremake -d DTMERK && ixcheck -q DTMERK").status, 0);
     // Half a record at the end: refused, the way out told, and gone by it without a byte lost; twice.
-    const std::string data = lees_bestand("DTMERK.TXT"), voor = lees_bestand("DTMERK.INX");
+    const std::string data = lees_bestand("DTMERK.TXT");
     for (const char* staart : {"half a record", "another"}) {
+        const std::string voor = lees_bestand("DTMERK.INX");
         schrijf_bestand("DTMERK.TXT", data + staart);
         for (const char* tool : {"ixremake", "ixremake -d", "ixcheck"}) {
             Uit u = sh(std::string(tool) + " DTMERK");
