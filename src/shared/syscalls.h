@@ -29,8 +29,10 @@ struct SYSCALLS {
     int (*mkdir)(const char* pad, mode_t mode);
     int (*rmdir)(const char* pad);
     int (*slot)(int fd, int opdracht, struct flock* gebied); // fcntl with a lock
-    // No call, but at the place of one: n bytes of a mapped file, which stand at `van`.
+    // No calls, but at the place of them: n bytes of a mapped file, which stand at `van`, are read; or they are put at
+    // `naar`, eight by eight, where it is a whole number of these.
     void (*kaartlees)(int fd, void* naar, const void* van, size_t n, off_t plaats);
+    void (*kaartzet)(int fd, void* naar, const void* van, size_t n, off_t plaats);
 };
 extern SYSCALLS SYS;
 

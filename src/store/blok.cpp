@@ -53,6 +53,19 @@ bool knoop_goed(const ICB* icb, int32_t blok) {
            k.level >= 1 && k.level <= KNOOPNIVEAUS && k.count < icb->h.keydef[k.keyno - 1].maxent;
 }
 
+// Out of a file of so many blocks, where that is known.
+ssize_t lees_blok(int fd, int32_t blok, void* doel, size_t n, int32_t blokken) {
+    if (IXKAARTLEES(fd, int64_t{blok} * IXBLOK, doel, n, int64_t{blokken} * IXBLOK))
+        return static_cast<ssize_t>(n);
+    return SYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
+}
+
+// An exclusive handle's counters aren't on disk before it is closed.
+ssize_t lees_blok(const ICB* icb, int32_t blok, void* doel) {
+    return icb->mode == 1 ? lees_blok(icb->idxfd, blok, doel, IXBLOK, KLADBLOKKEN(icb))
+                          : IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK);
+}
+
 void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
     memset(icb->node, 0, sizeof icb->node);
     KNOOP(icb).keyno = sleutel;
@@ -64,15 +77,12 @@ void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
 } // namespace
 
 ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
-    if (const uint8_t* kop = IXKAARTBEGIN(fd);
-        kop && IXKAARTLEES(fd, int64_t{blok} * IXBLOK, doel, n,
-                           int64_t{LEES32(kop + offsetof(IXHEADER, nblocks))} * IXBLOK))
-        return static_cast<ssize_t>(n);
-    return SYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
+    const uint8_t* kop = IXKAARTBEGIN(fd);
+    return lees_blok(fd, blok, doel, n, kop ? LEES32(kop + offsetof(IXHEADER, nblocks)) : 0);
 }
 
-int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron) {
-    return SYSSCHRIJFOP(fd, bron, IXBLOK, int64_t{blok} * IXBLOK);
+int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron, size_t aantal) {
+    return SYSSCHRIJFOP(fd, bron, aantal * IXBLOK, int64_t{blok} * IXBLOK);
 }
 
 int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken, uint32_t* telling) {
@@ -106,7 +116,7 @@ Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {
         IOCACHE('R', icb, blok);
     else if (KLADAAN(icb) && KLADLEES(icb, blok))
         ;
-    else if (IXBLOKLEES(icb->idxfd, blok, icb->node, IXBLOK) != IXBLOK)
+    else if (lees_blok(icb, blok, icb->node) != IXBLOK)
         uitslag = L_EINDE;
     else if (KLADAAN(icb))
         KLADGELEZEN(icb, blok);

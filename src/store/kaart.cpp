@@ -23,6 +23,7 @@ struct Kaart {
     uint8_t* basis; // null: none
     size_t lengte;
     volatile std::sig_atomic_t gat;
+    bool zetten, open; // may be written, and is
 };
 std::array<Kaart, AANTAL> kaarten;
 struct sigaction oud;
@@ -61,14 +62,15 @@ void vang() {
     sigaction(SIGBUS, &nieuw, &oud);
 }
 
-// File systems of this machine alone, where a mapping and the calls of others are the same pages.
-bool kan(int fd) {
+// File systems of this machine alone, where a mapping and the calls of others are the same pages; and of these the ones
+// where a block that stands is written over in its own place, which needs no room.
+bool kan(int fd, bool* zetten) {
     constexpr long XFS = 0x58465342;
     struct statfs s;
     if (sizeof(void*) < 8 || fd < 0 || fd >= AANTAL || fstatfs(fd, &s) != 0)
         return false;
-    return s.f_type == EXT4_SUPER_MAGIC || s.f_type == TMPFS_MAGIC || s.f_type == XFS ||
-           s.f_type == BTRFS_SUPER_MAGIC || s.f_type == F2FS_SUPER_MAGIC;
+    *zetten = s.f_type == EXT4_SUPER_MAGIC || s.f_type == TMPFS_MAGIC;
+    return *zetten || s.f_type == XFS || s.f_type == BTRFS_SUPER_MAGIC || s.f_type == F2FS_SUPER_MAGIC;
 }
 
 bool aan() {
@@ -80,19 +82,37 @@ bool maak(int fd, size_t lengte) {
     Kaart& k = kaarten[static_cast<size_t>(fd)];
     if (k.basis)
         munmap(k.basis, k.lengte);
-    void* p = mmap(nullptr, lengte, PROT_READ, MAP_SHARED | MAP_NORESERVE, fd, 0);
+    void* p = mmap(nullptr, lengte, PROT_READ | (k.open ? PROT_WRITE : 0), MAP_SHARED | MAP_NORESERVE, fd, 0);
     k.basis = p == MAP_FAILED ? nullptr : static_cast<uint8_t*>(p);
     k.lengte = lengte;
     k.gat = 0;
     return k.basis;
 }
 
+// The mapping, whole and at least so long; null when that can't be had.
+Kaart* heel(int fd, int64_t lengte) {
+    if (!IXKAARTER(fd) || lengte < 0)
+        return nullptr;
+    Kaart& k = kaarten[static_cast<size_t>(fd)];
+    const size_t einde = static_cast<size_t>(lengte);
+    if ((k.gat || einde > k.lengte) && !maak(fd, std::max(k.lengte, (einde / STAP + 2) * STAP)))
+        return nullptr;
+    return &k;
+}
+
+int64_t blad() {
+    static const int64_t maat = sysconf(_SC_PAGESIZE);
+    return maat;
+}
+
 } // namespace
 
 void IXKAARTOPEN(int fd) {
-    if (!aan() || !kan(fd))
+    bool zetten;
+    if (!aan() || !kan(fd, &zetten))
         return;
     vang();
+    kaarten[static_cast<size_t>(fd)] = {nullptr, 0, 0, zetten, false};
     maak(fd, (static_cast<size_t>(std::max<int64_t>(SYSOMVANG(fd), 0)) / STAP + 2) * STAP);
 }
 
@@ -109,29 +129,60 @@ bool IXKAARTER(int fd) {
 }
 
 const uint8_t* IXKAARTBEGIN(int fd) {
-    if (!IXKAARTER(fd))
-        return nullptr;
-    const Kaart& k = kaarten[static_cast<size_t>(fd)];
-    return k.gat && !maak(fd, k.lengte) ? nullptr : k.basis;
+    const Kaart* k = heel(fd, 0);
+    return k ? k->basis : nullptr;
 }
 
 bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte) {
-    static const int64_t blad = sysconf(_SC_PAGESIZE);
     int64_t laatste = plaats + static_cast<int64_t>(n) - 1; // byte asked for, and then the one that tells
-    if (plaats < 0 || n == 0 || laatste >= lengte || !IXKAARTER(fd))
+    const Kaart* k = plaats < 0 || n == 0 || laatste >= lengte ? nullptr : heel(fd, lengte);
+    if (!k)
         return false;
-    Kaart& k = kaarten[static_cast<size_t>(fd)];
-    const size_t einde = static_cast<size_t>(lengte);
-    if ((k.gat || einde > k.lengte) && !maak(fd, std::max(k.lengte, (einde / STAP + 2) * STAP)))
-        return false;
-    SYS.kaartlees(fd, doel, k.basis + plaats, n, plaats);
-    const volatile uint8_t* p = k.basis;
-    if (laatste / blad != (lengte - 1) / blad)
-        static_cast<void>(p[laatste = lengte - 1]);
+    SYS.kaartlees(fd, doel, k->basis + plaats, n, plaats);
+    const volatile uint8_t* p = k->basis;
+    if (laatste / blad() != (lengte - 1) / blad())
+        static_cast<void>(p[lengte - 1]);
     else
         while (laatste < lengte && p[laatste] == 0)
             laatste++;
-    return laatste < lengte && !k.gat;
+    return laatste < lengte && !k->gat;
+}
+
+bool IXKAARTEINDE(int fd, int64_t lengte, size_t n) {
+    const int64_t einde = lengte + static_cast<int64_t>(n);
+    if (lengte < 1 || (lengte - 1) / blad() != (einde - 1) / blad())
+        return false;
+    const Kaart* k = heel(fd, einde);
+    if (!k)
+        return false;
+    const volatile uint8_t* p = k->basis;
+    int64_t i = lengte;
+    if (p[lengte - 1] != 0)
+        while (i < einde && p[i] == 0)
+            i++;
+    return i == einde && !k->gat;
+}
+
+bool IXKAARTZETTEN(int fd, int64_t lengte) {
+    if (!IXKAARTER(fd) || !kaarten[static_cast<size_t>(fd)].zetten)
+        return false;
+    Kaart& k = kaarten[static_cast<size_t>(fd)];
+    if (!k.open && mprotect(k.basis, k.lengte, PROT_READ | PROT_WRITE) != 0)
+        return false;
+    k.open = true;
+    return heel(fd, lengte);
+}
+
+void IXKAARTZET(int fd, int64_t plaats, const void* bron, size_t n) {
+    SYS.kaartzet(fd, kaarten[static_cast<size_t>(fd)].basis + plaats, bron, n, plaats);
+}
+
+bool IXKAARTGAT(int fd) {
+    return kaarten[static_cast<size_t>(fd)].gat;
+}
+
+uint8_t* IXKAARTKOP(int fd) {
+    return kaarten[static_cast<size_t>(fd)].basis;
 }
 
 } // namespace zg

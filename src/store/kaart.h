@@ -1,5 +1,6 @@
 // Files of pairs in memory: a shared mapping, so that a block or record that all processes have is read without a system
-// call. It shows what the calls of others write, as they write it; a file grows by calls alone, at its end.
+// call, and a block in use is written without one. It shows what the calls of others write, as they write it, and the other
+// way round; a file grows by calls alone, at its end, so that a full disk is an answer.
 //
 // Whoever reads through it stays within what the counters of the pair cover, and does without where IXKAARTLEES says so:
 // no mapping on this file system, or a file that was cut under it. ZGKAART=0 in the environment: none at all.
@@ -16,7 +17,18 @@ void IXKAARTDICHT(int fd);
 // behind its end: bytes behind which there are no others are left to a call too.
 bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte);
 bool IXKAARTER(int fd); // is it mapped?
+// Does the file end at `lengte`, with no n bytes behind that? False also when only a call can tell.
+bool IXKAARTEINDE(int fd, int64_t lengte, size_t n);
+
+// Writing: may what stands in a file of `lengte` bytes be written over in its mapping? Where storing could find no room
+// on the disk, never. Then, until the next question, n bytes (a whole number of eights) at such a place; and whether the
+// file was cut meanwhile, so that they are lost.
+bool IXKAARTZETTEN(int fd, int64_t lengte);
+void IXKAARTZET(int fd, int64_t plaats, const void* bron, size_t n);
+bool IXKAARTGAT(int fd);
+
 // Where the mapping begins, for the first block of a file that isn't empty; null: there is none.
 const uint8_t* IXKAARTBEGIN(int fd);
+uint8_t* IXKAARTKOP(int fd); // the same behind IXKAARTZETTEN, to write
 
 } // namespace zg

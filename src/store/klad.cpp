@@ -3,6 +3,7 @@
 #include "shared/files.h"
 #include "store/bestand.h"
 #include "store/cache.h"
+#include "store/kaart.h"
 #include "store/keur.h"
 #include "store/kop.h"
 #include "store/node.h"
@@ -35,6 +36,8 @@ struct Klad {
     std::vector<Blad*> volgorde; // of the writes
     size_t geschreven = 0;       // of them begun
     bool rij = false;            // the lock of the queue is held
+    bool kaart = false;          // what is in use is written in the mapping
+    std::vector<uint8_t> nieuw;  // blocks, as one piece
     bool kop_geraakt = false, record_geraakt = false, kop_af = false;
 } klad;
 
@@ -85,8 +88,41 @@ void zet_volgorde() {
 }
 
 // The header as it was, marked; on disk only, the handle itself goes on reading.
+bool schrijf_kop(const IXHEADER& h, Kopmerk merk) {
+    if (!klad.kaart)
+        return IXKOPSCHRIJF(klad.icb->idxfd, h, merk, &klad.telling);
+    IXKOPZET(klad.icb->idxfd, h, merk, &klad.telling);
+    IXCOMMITHOOK();
+    return true;
+}
+
 bool merk() {
-    return IXKOPSCHRIJF(klad.icb->idxfd, klad.oud, K_BEZIG, &klad.telling);
+    return schrijf_kop(klad.oud, K_BEZIG);
+}
+
+// The new blocks, whose numbers follow each other, with one call.
+bool schrijf_nieuwe() {
+    klad.nieuw.clear();
+    for (const Blad* b : klad.volgorde)
+        if (b->nieuw)
+            klad.nieuw.insert(klad.nieuw.end(), b->wordt, b->wordt + IXBLOK);
+    const size_t n = klad.nieuw.size() / IXBLOK;
+    if (n == 0)
+        return true;
+    klad.geschreven = n;
+    if (!IXBLOKSCHRIJF(klad.icb->idxfd, klad.oud.nblocks, klad.nieuw.data(), n))
+        return false;
+    IXCOMMITHOOK();
+    return true;
+}
+
+bool schrijf_blok(int32_t blok, const uint8_t* inhoud) {
+    if (klad.kaart)
+        IXKAARTZET(klad.icb->idxfd, int64_t{blok} * IXBLOK, inhoud, IXBLOK);
+    else if (!IXBLOKSCHRIJF(klad.icb->idxfd, blok, inhoud))
+        return false;
+    IXCOMMITHOOK();
+    return true;
 }
 
 bool schrijf_alles() {
@@ -99,16 +135,22 @@ bool schrijf_alles() {
         return false;
     if (klad.record && klad.soort != KL_DELETE && !schrijf_record())
         return false;
-    for (Blad* b : klad.volgorde) {
-        klad.geschreven++;
-        if (!IXBLOKSCHRIJF(icb->idxfd, b->blok, b->wordt))
+    if (!schrijf_nieuwe())
+        return false;
+    for (; klad.geschreven < klad.volgorde.size();) {
+        const Blad* b = klad.volgorde[klad.geschreven++];
+        if (!schrijf_blok(b->blok, b->wordt))
             return false;
-        IXCOMMITHOOK();
     }
     if (klad.record && klad.soort == KL_DELETE && !schrijf_record())
         return false;
+    if (klad.kaart &&
+        IXKAARTGAT(icb->idxfd)) { // the file was cut, and what was written with it: the mark stays
+        icb->h.busy = K_BEZIG;
+        IXSTUK(icb, 0);
+    }
     klad.kop_af = met_kop();
-    return !met_kop() || IXKOPSCHRIJF(icb->idxfd, icb->h, K_RUST, &klad.telling);
+    return !met_kop() || schrijf_kop(icb->h, K_RUST);
 }
 
 bool staat(int fd, int64_t plaats, const void* was, size_t n) {
@@ -146,6 +188,8 @@ bool alles_terug() {
         const Blad& b = *klad.volgorde[i];
         if (b.nieuw)
             gegroeid = true;
+        else if (klad.kaart)
+            goed &= schrijf_blok(b.blok, b.was) && !IXKAARTGAT(icb->idxfd);
         else
             goed &= zet_terug(icb->idxfd, int64_t{b.blok} * IXBLOK, b.was, IXBLOK);
     }
@@ -156,8 +200,7 @@ bool alles_terug() {
     if (!goed || !klad.kop_geraakt)
         return goed;
     // With a count that goes on: a reader may have seen the change half done.
-    return IXKOPSCHRIJF(icb->idxfd, klad.oud, K_RUST, &klad.telling) ||
-           staat(icb->idxfd, 0, &klad.oud, sizeof klad.oud);
+    return schrijf_kop(klad.oud, K_RUST) || staat(icb->idxfd, 0, &klad.oud, sizeof klad.oud);
 }
 
 void einde(bool geschreven = false) {
@@ -229,6 +272,7 @@ void KLADRIJ(int32_t blok, const void* was, const void* wordt) {
 
 int KLADSCHRIJF(ICB* icb) {
     zet_volgorde();
+    klad.kaart = IXKAARTZETTEN(icb->idxfd, int64_t{klad.oud.nblocks} * IXBLOK);
     if (IXKEURAAN) {
         std::vector<Gekeurd> blokken;
         for (size_t i = 0; i < klad.aantal; i++)
@@ -295,8 +339,15 @@ void KLADZET(ICB* icb, int32_t blok) {
 
 bool KLADRIJLEEG(const ICB* icb) {
     const int32_t rij = WACHTRIJBLOK(icb);
-    return klad.icb == icb && rij < klad.begin_blokken &&
-           klad.begin[rij * IXBLOK + offsetof(IXKNOOP, count)] == 0;
+    if (klad.icb == icb && rij < klad.begin_blokken)
+        return klad.begin[rij * IXBLOK + offsetof(IXKNOOP, count)] == 0;
+    IXKNOOP k;
+    return klad.icb == icb && IXKAARTER(icb->idxfd) && IXBLOKLEES(icb->idxfd, rij, &k, sizeof k) == IXBLOK &&
+           k.keyno == 1 && k.level == 0 && k.count == 0;
+}
+
+int32_t KLADBLOKKEN(const ICB* icb) {
+    return klad.icb == icb ? klad.oud.nblocks : icb->h.nblocks;
 }
 
 bool KLADEERSTE(const ICB* icb) {

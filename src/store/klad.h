@@ -5,12 +5,13 @@
 // Order of the writes, and why:
 //   1. the header, marked as being changed      what is killed from here on is refused by all, and rebuilt
 //   2. the record of an insert or update        the rebuild goes by the data file: the record is new from here on
-//   3. new index blocks, behind the last        a full disk shows here, before anything in use was touched
+//   3. new index blocks, behind the last        a full disk shows here, before anything in use was touched; one write
 //   4. blocks in use, the highest level first   a reader without a lock finds every entry at each moment: the way to
 //                                               a left half stands before the right half loses it
 //   5. the slot of a deleted record             so no entry ever leads to a free slot
 //   6. the reservation of an inserted key
 //   7. the header with the new counters, unmarked
+// Where the index is mapped, 1, 4, 6 and 7 are stores, which nothing refuses.
 // In exclusive mode 1 and 7 are left out but for a delete: the counters are the handle's until it is closed.
 #pragma once
 #include "store/ix.h"
@@ -41,7 +42,8 @@ bool KLADLEES(ICB* icb, int32_t blok);
 void KLADGELEZEN(ICB* icb, int32_t blok);
 void KLADZET(ICB* icb, int32_t blok);
 bool KLADEERSTE(const ICB* icb);
-bool KLADRIJLEEG(const ICB* icb); // was no key reserved when this change began?
+int32_t KLADBLOKKEN(const ICB* icb); // on disk: the handle's count, before the change in hand
+bool KLADRIJLEEG(const ICB* icb);    // was no key reserved when this change began?
 
 // An overwrite of n bytes that puts back `was` when it is refused: 1 done, 0 refused, with errno, and everything as
 // before. Stops when it could not be put back.

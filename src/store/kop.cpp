@@ -27,6 +27,10 @@ template <class T> T uit(const uint8_t* plaats) { // a number that others may be
     return __atomic_load_n(reinterpret_cast<const T*>(plaats), __ATOMIC_ACQUIRE);
 }
 
+template <class T> void zet(uint8_t* plaats, T waarde) {
+    __atomic_store_n(reinterpret_cast<T*>(plaats), waarde, __ATOMIC_RELEASE);
+}
+
 } // namespace
 
 uint32_t IXTELVERDER(uint32_t telling, Kopmerk merk) {
@@ -60,6 +64,23 @@ int IXKOPSCHRIJF(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling) 
         return 0;
     IXCOMMITHOOK();
     return 1;
+}
+
+// The mark goes up first and comes down last: who is killed in between leaves it.
+void IXKOPZET(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling) {
+    uint8_t* p = IXKAARTKOP(idxfd);
+    *telling = IXTELVERDER(*telling, merk);
+    if (merk != K_RUST) {
+        zet<uint8_t>(p + offsetof(IXHEADER, busy), merk);
+        zet(p + TELPLAATS, *telling);
+        std::atomic_thread_fence(std::memory_order_seq_cst);
+        return;
+    }
+    zet(p + offsetof(IXHEADER, freehead), h.freehead);
+    zet(p + offsetof(IXHEADER, nrecs), h.nrecs);
+    zet(p + offsetof(IXHEADER, nblocks), h.nblocks);
+    zet(p + TELPLAATS, *telling);
+    zet<uint8_t>(p + offsetof(IXHEADER, busy), merk);
 }
 
 int IXALLEENMERK(ICB* icb) {

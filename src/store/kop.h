@@ -21,6 +21,9 @@ uint32_t IXTELLEES(int idxfd); // as it stands; 0 when there is none
 
 // Header and count as one block, *telling what stands there and then what was written: 1, or 0 with errno.
 int IXKOPSCHRIJF(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling);
+// The same in the mapping of a file behind IXKAARTZETTEN, where only the counters of `h` are new: nothing can refuse it. The
+// mark stands before what is stored after this, and rest comes after all that was stored before.
+void IXKOPZET(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling);
 // An exclusive handle is about to make its first change: the header is marked, and stays so until it is closed. 1, or 0 with
 // errno.
 int IXALLEENMERK(ICB* icb);

@@ -23,9 +23,11 @@ int32_t zoek_record(ICB* icb, const void* rec) {
 // The record at `currec` where a mapping shows it.
 bool van_de_kaart(const ICB* icb, void* rec) {
     const uint8_t* kop = icb->tempidx ? nullptr : IXKAARTBEGIN(icb->idxfd);
-    return kop && IXKAARTLEES(icb->datfd, int64_t{icb->currec} * icb->h.reclen, rec,
-                              static_cast<size_t>(icb->h.reclen),
-                              int64_t{LEES32(kop + offsetof(IXHEADER, nrecs))} * icb->h.reclen);
+    return kop &&
+           IXKAARTLEES(icb->datfd, int64_t{icb->currec} * icb->h.reclen, rec,
+                       static_cast<size_t>(icb->h.reclen),
+                       int64_t{icb->mode == 1 ? icb->h.nrecs : LEES32(kop + offsetof(IXHEADER, nrecs))} *
+                           icb->h.reclen);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 // writers of the same new key can't both insert it.
 #include "shared/files.h"
 #include "store/bestand.h"
+#include "store/kaart.h"
 #include "store/klad.h"
 #include "store/node.h"
 #include "store/teksten.h"
@@ -54,7 +55,9 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
         }
     }
     // A data file that is too short would get a hole, whose zeros count as records.
-    if (SYSOMVANG(icb->datfd) != int64_t{icb->h.nrecs} * icb->h.reclen)
+    const int64_t einde = int64_t{icb->h.nrecs} * icb->h.reclen;
+    if (!IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)) &&
+        SYSOMVANG(icb->datfd) != einde)
         IXSTUK(icb, 0);
     icb->currec = icb->h.nrecs;
     if (houd && !IXPROBEERSLOT(icb))

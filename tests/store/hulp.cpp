@@ -1,6 +1,7 @@
 #include "store/hulp.h"
 #include "store/bestand.h"
 #include "store/diepcheck.h"
+#include "store/kaart.h"
 #include "store/kop.h"
 #include "term/scherm.h"
 #include <cerrno>
@@ -25,6 +26,8 @@ struct {
     Duur duur = VOORTAAN;
     bool geweest = false;
 } storing;
+
+void (*const echt_zet)(int, void*, const void*, size_t, off_t) = SYS.kaartzet;
 
 // Is it time? A kill doesn't return from here.
 bool nu(bool groeit, const std::function<void(Deel)>& doe) {
@@ -51,6 +54,13 @@ ssize_t storend_pwrite(int fd, const void* p, size_t n, off_t plaats) {
         storing.tot = storing.duur == EENMAAL ? 1 : storing.tot; // the rest of it is refused
     return gedaan;                                               // a short write first, then refused
 }
+// A store can't be refused.
+void storend_zet(int fd, void* naar, const void* van, size_t n, off_t plaats) {
+    const auto zet = [&](size_t k) { echt_zet(fd, naar, van, k, plaats); };
+    if (storing.fout == 0)
+        nu(false, [&](Deel d) { zet(d == HALF ? n / 2 : d == ALLES ? n : 0); });
+    zet(n);
+}
 int storend_ftruncate(int fd, off_t lengte) {
     return nu(false, [](Deel) {}) ? -1 : ftruncate(fd, lengte);
 }
@@ -60,10 +70,18 @@ int storend_ftruncate(int fd, off_t lengte) {
 void stoor(int n, int fout, Deel deel, Duur duur) {
     storing = {n, fout, deel, duur, false};
     SYS.pwrite = storend_pwrite;
+    SYS.kaartzet = storend_zet;
     SYS.ftruncate = storend_ftruncate;
 }
 bool gestoord() {
     return storing.geweest;
+}
+
+bool in_kaart(const std::string& naam) {
+    ICB* icb = IXOPEN(naam.c_str(), 0);
+    const bool er = IXKAARTZETTEN(icb->idxfd, IXBLOK);
+    IXCLOSE(icb);
+    return er;
 }
 
 void lees_door(ssize_t (*lees)(int fd, void* p, size_t n, off_t plaats)) {

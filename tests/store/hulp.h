@@ -44,6 +44,10 @@ int in_kind(const std::function<void()>& werk);
 // Run `werk` in n processes at once; the number that did not end well.
 int processen(int n, const std::function<bool(int)>& werk);
 
+// Are blocks of this pair that stand written through a mapping? Then neither they nor the header make a write that can be
+// refused, and where it is killed the header doesn't count.
+bool in_kaart(const std::string& naam);
+
 // From now on the n-th write or truncation of the store, counted from 1, meets its fate: the process is killed
 // (fout 0), or the call fails with errno `fout`. `deel`: how much of the write is done before, nothing, half or all.
 // `duur`: all calls after it fail too, or it alone, or from it on those that make a file grow, as on a full disk. For a

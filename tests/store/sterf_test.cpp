@@ -59,18 +59,19 @@ TEST(Sterf, BijElkeSchrijfopdracht) {
         int vooraf; // records 0, 10, 20 ...
         void (*werk)(ICB*);
         uint32_t nr;
-        int32_t nieuw; // -1: gone
-        int minstens;  // writes it must take, or the case is not what it says
+        int32_t nieuw;  // -1: gone
+        int minstens;   // writes it must take, or the case is not what it says
+        int koppen = 2; // of the header among them
     } gevallen[] = {
         {"insert", 10, [](ICB* i) { schrijf(i, 55, 7); }, 55, 7, 6},
-        {"insert that splits roots", 61, [](ICB* i) { schrijf(i, 55, 7); }, 55, 7, 8},
-        {"insert that splits leaves", 105, [](ICB* i) { schrijf(i, 1055, 7); }, 1055, 7, 8},
+        {"insert that splits roots", 61, [](ICB* i) { schrijf(i, 55, 7); }, 55, 7, 7},
+        {"insert that splits leaves", 105, [](ICB* i) { schrijf(i, 1055, 7); }, 1055, 7, 7},
         {"insert into a freed slot", 10,
          [](ICB* i) {
              wis(i, 30);
              schrijf(i, 55, 7);
          },
-         55, 7, 12},
+         55, 7, 12, 4},
         {"reserved, then inserted", 10,
          [](ICB* i) {
              Rec r = rec(55, 7);
@@ -92,7 +93,7 @@ TEST(Sterf, BijElkeSchrijfopdracht) {
              wis(i, 0);
              wis(i, 430);
          },
-         430, -1, 12},
+         430, -1, 12, 4},
     };
     for (auto& g : gevallen) {
         TijdelijkeMap map;
@@ -127,7 +128,7 @@ TEST(Sterf, BijElkeSchrijfopdracht) {
                 for (auto& stuk : nu)
                     ASSERT_TRUE(std::includes(oud.begin(), oud.end(), &stuk, &stuk + 1)) << g.wat << n;
             }
-        EXPECT_GT(n, g.minstens) << g.wat;
+        EXPECT_GT(n, g.minstens - (in_kaart("T") ? g.koppen : 0)) << g.wat;
         EXPECT_LT(n, 60) << g.wat;
     }
 }
