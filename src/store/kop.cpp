@@ -93,15 +93,19 @@ int IXALLEENMERK(ICB* icb) {
 
 bool IXSTANDLEES(const ICB* icb, IXSTAND* stand) {
     const uint8_t* p = icb->tempidx ? nullptr : IXKAARTBEGIN(icb->idxfd);
+    *stand = {};
     if (!p)
         return false;
     std::atomic_thread_fence(std::memory_order_acquire); // behind all that was read before
-    stand->telling = uit<uint32_t>(p + TELPLAATS);
+    const uint32_t telling = uit<uint32_t>(p + TELPLAATS);
     stand->freehead = uit<int32_t>(p + offsetof(IXHEADER, freehead));
     stand->nrecs = uit<int32_t>(p + offsetof(IXHEADER, nrecs));
     stand->nblocks = uit<int32_t>(p + offsetof(IXHEADER, nblocks));
-    return !uit<uint8_t>(p + offsetof(IXHEADER, busy)) && geldig(stand->telling) && !(stand->telling & 1) &&
-           uit<uint32_t>(p + TELPLAATS) == stand->telling;
+    const uint8_t busy = uit<uint8_t>(p + offsetof(IXHEADER, busy));
+    const bool dezelfde = uit<uint32_t>(p + TELPLAATS) == telling;
+    stand->telling = telling;
+    stand->bezig = geldig(telling) && busy != K_ALLEEN && (busy || (telling & 1) || !dezelfde);
+    return geldig(telling) && dezelfde && !busy && !(telling & 1);
 }
 
 } // namespace zg

@@ -32,6 +32,7 @@ int IXALLEENMERK(ICB* icb);
 struct IXSTAND {
     int32_t freehead, nrecs, nblocks;
     uint32_t telling; // 0: unknown
+    bool bezig;       // not at rest: a program that counts is at work, for a moment
 };
 bool IXSTANDLEES(const ICB* icb, IXSTAND* stand);
 inline bool GELIJK(const IXSTAND& a, const IXSTAND& b) {

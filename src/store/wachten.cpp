@@ -23,6 +23,16 @@ Geduld::~Geduld() {
     IOLOCK('U', icb_->idxfd, 0, IXBLOK);
 }
 
+bool Geduld::neem_slot() {
+    for (int keer = 0; keer < RUSTIG && !slot_ && !ALLEEN(icb_) && !IXBESTANDVAST(icb_->idxfd); keer++) {
+        if (IOLOCK('E', icb_->idxfd, 0, IXBLOK))
+            slot_ = true, icb_->koplock = 1;
+        else
+            IXPAUZE(R_SLOT, keer);
+    }
+    return slot_;
+}
+
 bool Geduld::nog_eens() {
     if (ALLEEN(icb_))
         return false;

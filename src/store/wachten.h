@@ -42,6 +42,8 @@ public:
     Geduld& operator=(const Geduld&) = delete;
     // Pause, and then true: look again. As long as somebody else holds the header lock this goes on.
     bool nog_eens();
+    // The lock at once, for who has looked often enough; false, after a short patience, when it can't be had.
+    bool neem_slot();
 
 private:
     ICB* icb_;

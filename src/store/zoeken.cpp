@@ -238,34 +238,48 @@ bool blad_bruikbaar(const Zoeker& z, char op, bool gelezen) {
     return false;
 }
 
-// A search in a pair that is at rest before and behind it: what it gave is so, doubts or not. False: the pair changed each
-// time, or can't be seen to be at rest; and what doesn't fit together even so may be the work of a program that writes
-// without counting.
-bool zoek_in_rust(const Zoeker& z, char op, int32_t* uit) {
+enum Rust { IN_RUST, ONRUST, ONBEKEND };
+
+// A search in a pair that is at rest before and behind it: what it gave is so, doubts or not. ONRUST: writers came in between
+// each time. ONBEKEND: it can't be seen to be at rest; or something doesn't fit together even so, and may be the work of a
+// program that writes without counting.
+Rust zoek_in_rust(const Zoeker& z, char op, int32_t* uit) {
     ICB* icb = z.icb;
     const int8_t sleutel = KNOOP(icb).keyno;
     IXSTAND voor, na;
-    for (int keer = 0; keer < RUSTBEURTEN && IXSTANDLEES(icb, &voor); keer++) {
-        const bool zelfde_blad = GELIJK(
-            {icb->bladstand.freehead, icb->bladstand.nrecs, icb->bladstand.nblocks, icb->bladstand.telling},
-            voor);
+    Rust rust = ONBEKEND;
+    for (int keer = 0; keer < RUSTBEURTEN; keer++) {
+        if (!IXSTANDLEES(icb, &voor)) {
+            if (!voor.bezig)
+                break;
+            rust = ONRUST;
+            IXPAUZE(R_SLOT, keer);
+            continue;
+        }
+        const bool zelfde_blad = GELIJK({icb->bladstand.freehead, icb->bladstand.nrecs,
+                                         icb->bladstand.nblocks, icb->bladstand.telling, false},
+                                        voor);
         bool gelezen = zelfde_blad, goed = true;
         in_rust = true;
         if (op != '>' || (*uit = volgende_hier(z, zelfde_blad, &gelezen)) == GEENBLOK)
             if (!blad_bruikbaar(z, op, gelezen) || omlaag(z, op, true, uit) == ONGERIJMD)
                 goed = IXLEESKNOOP(icb, sleutel) == L_GOED && omlaag(z, op, false, uit) != ONGERIJMD;
         in_rust = false;
-        if (!IXSTANDLEES(icb, &na) || !GELIJK(voor, na))
+        if (!IXSTANDLEES(icb, &na) || !GELIJK(voor, na)) {
+            rust = ONRUST;
             continue;
-        if (!goed)
-            return false;
+        }
+        if (!goed) {
+            rust = ONBEKEND;
+            break;
+        }
         icb->bladstand = {voor.freehead, voor.nrecs, voor.nblocks, voor.telling};
         icb->gezien = {voor.nblocks, voor.nrecs, voor.freehead};
-        return true;
+        return IN_RUST;
     }
     if (KNOOP(icb).keyno != sleutel)
         IXKIES(icb, sleutel);
-    return false;
+    return rust;
 }
 
 int32_t zoek(ICB* icb, char op, int lengte) {
@@ -276,14 +290,17 @@ int32_t zoek(ICB* icb, char op, int lengte) {
     int32_t uit = GEENBLOK;
     bool gelezen = false;
     einde_getoond = false;
-    if (!ALLEEN(icb) && zoek_in_rust(z, op, &uit))
+    const Rust rust = ALLEEN(icb) ? ONBEKEND : zoek_in_rust(z, op, &uit);
+    if (rust == IN_RUST)
         return uit;
+    Geduld geduld(icb);
+    if (rust == ONRUST)
+        geduld.neem_slot();
     uit = GEENBLOK;
     if (op == '>' && (uit = volgende_hier(z, false, &gelezen)) != GEENBLOK)
         return uit;
     if (blad_bruikbaar(z, op, gelezen) && omlaag(z, op, true, &uit) != ONGERIJMD)
         return uit;
-    Geduld geduld(icb);
     int32_t vorige = GEENBLOK, vorig_blad = GEENBLOK; // the doubtful answer of the search before this one
     for (;;) {
         Uitslag uitslag = ANTWOORD;
