@@ -48,9 +48,9 @@ public:
     virtual void einde() {}
 };
 
-std::unique_ptr<Bank> ix_bank();
+std::unique_ptr<Bank> ix_bank(bool kaart); // its files in memory, or by calls alone
 std::unique_ptr<Bank> sqlite_bank(bool wal);
-std::unique_ptr<Bank> lmdb_bank();
+std::unique_ptr<Bank> lmdb_bank(bool kaart); // into its writable map, or by calls
 std::unique_ptr<Bank> bdb_bank();
 std::unique_ptr<Bank> tokyo_bank();
 

@@ -2,6 +2,7 @@
 #include "bench/bank.h"
 #include "store/ix.h"
 #include "store/rebuild.h"
+#include <cstdlib>
 #include <cstring>
 #include <sched.h>
 #include <unistd.h>
@@ -12,13 +13,18 @@ namespace bank {
 namespace {
 
 class IxBank : public Bank {
+    const bool kaart_;
     ICB* icb_ = nullptr;
     std::string pad_;
 
+    void kies() { setenv("ZGKAART", kaart_ ? "1" : "0", 1); } // asked for at each opening
+
 public:
-    const char* naam() const override { return "store"; }
+    explicit IxBank(bool kaart) : kaart_(kaart) {}
+    const char* naam() const override { return kaart_ ? "store" : "store, calls"; }
     void open(const std::string& map, Stand stand) override {
-        pad_ = map + "/BENCH";
+        kies();
+        pad_ = map + (kaart_ ? "/BENCH" : "/BELLEN");
         if (access((pad_ + ".INX").c_str(), F_OK) != 0) {
             ICB* icb = IXCREATE(pad_.c_str(), 1);
             IXUPDFCB(icb, 0, "bench,200");
@@ -92,6 +98,7 @@ public:
         return s;
     }
     bool herbouw() override {
+        kies();
         IXCLOSE(icb_);
         bool goed = IXBLDIX(pad_.c_str());
         icb_ = IXOPEN(pad_.c_str(), 2);
@@ -101,8 +108,8 @@ public:
 
 } // namespace
 
-std::unique_ptr<Bank> ix_bank() {
-    return std::make_unique<IxBank>();
+std::unique_ptr<Bank> ix_bank(bool kaart) {
+    return std::make_unique<IxBank>(kaart);
 }
 
 } // namespace bank

@@ -437,10 +437,12 @@ int main(int argc, char** argv) {
         if (eigen || std::string(b->naam()).find(alleen_wie) != std::string::npos)
             deelnemers.push_back({std::move(b), eigen, {}});
     };
-    doe_mee(ix_bank());
+    doe_mee(ix_bank(true));
+    doe_mee(ix_bank(false));
     doe_mee(sqlite_bank(true));
     doe_mee(sqlite_bank(false));
-    doe_mee(lmdb_bank());
+    doe_mee(lmdb_bank(false));
+    doe_mee(lmdb_bank(true));
     doe_mee(bdb_bank());
     doe_mee(tokyo_bank());
     machine();

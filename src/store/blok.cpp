@@ -60,12 +60,6 @@ ssize_t lees_blok(int fd, int32_t blok, void* doel, size_t n, int32_t blokken) {
     return SYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
 }
 
-// An exclusive handle's counters aren't on disk before it is closed.
-ssize_t lees_blok(const ICB* icb, int32_t blok, void* doel) {
-    return icb->mode == 1 ? lees_blok(icb->idxfd, blok, doel, IXBLOK, KLADBLOKKEN(icb))
-                          : IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK);
-}
-
 void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
     memset(icb->node, 0, sizeof icb->node);
     KNOOP(icb).keyno = sleutel;
@@ -79,6 +73,12 @@ void leeg(ICB* icb, int8_t sleutel, int32_t blok) {
 ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
     const uint8_t* kop = IXKAARTBEGIN(fd);
     return lees_blok(fd, blok, doel, n, kop ? LEES32(kop + offsetof(IXHEADER, nblocks)) : 0);
+}
+
+// An exclusive handle's counters aren't on disk before it is closed.
+bool IXHEELBLOK(const ICB* icb, int32_t blok, void* doel) {
+    return (icb->mode == 1 ? lees_blok(icb->idxfd, blok, doel, IXBLOK, KLADBLOKKEN(icb))
+                           : IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK)) == IXBLOK;
 }
 
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron, size_t aantal) {
@@ -116,9 +116,9 @@ Leesuitslag IXLEESKNOOP(ICB* icb, int32_t blok) {
         IOCACHE('R', icb, blok);
     else if (KLADAAN(icb) && KLADLEES(icb, blok))
         ;
-    else if (lees_blok(icb, blok, icb->node) != IXBLOK)
+    else if (!IXHEELBLOK(icb, blok, icb->node))
         uitslag = L_EINDE;
-    else if (KLADAAN(icb))
+    else if (KLADAAN(icb) && !IXKAARTER(icb->idxfd)) // where it stands as near as in the rough copy
         KLADGELEZEN(icb, blok);
     if (uitslag == L_GOED && !knoop_goed(icb, blok))
         uitslag = L_FOUT;

@@ -8,9 +8,10 @@
 namespace zg {
 namespace {
 
-constexpr int32_t STROOK = 16384;       // blocks
-constexpr size_t WACHTEND = 32;         // blocks of a stretch that wait in memory
-constexpr size_t PERKEER = 1024 * 1024; // bytes of one write
+constexpr int32_t STROOK = 16384; // blocks
+constexpr size_t WACHTEND = 32;   // blocks of a stretch that wait in memory
+// Bytes of one write: a file that grew in larger pieces is slower to work in ever after.
+constexpr size_t PERKEER = 64 * 1024;
 
 } // namespace
 

@@ -5,6 +5,7 @@
 #include "shared/syscalls.h"
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -146,6 +147,12 @@ bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte) {
         while (laatste < lengte && p[laatste] == 0)
             laatste++;
     return laatste < lengte && !k->gat;
+}
+
+bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n) {
+    std::atomic_signal_fence(std::memory_order_seq_cst); // not what was read the first time
+    const Kaart& k = kaarten[static_cast<size_t>(fd)];
+    return memcmp(k.basis + plaats, wat, n) == 0 && !k.gat;
 }
 
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n) {

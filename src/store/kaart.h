@@ -16,6 +16,8 @@ void IXKAARTDICHT(int fd);
 // for by a call. A file that was cut shows by the page of its last byte, and within that page by the zeros that lie
 // behind its end: bytes behind which there are no others are left to a call too.
 bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte);
+// Do the bytes that were just read stand there still? Who asks for something that is written without a count looks twice.
+bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n);
 bool IXKAARTER(int fd); // is it mapped?
 // Does the file end at `lengte`, with no n bytes behind that? False also when only a call can tell.
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n);

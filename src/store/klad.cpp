@@ -36,6 +36,7 @@ struct Klad {
     std::vector<Blad*> volgorde; // of the writes
     size_t geschreven = 0;       // of them begun
     bool rij = false;            // the lock of the queue is held
+    uint64_t gedaan = 0;         // since the program began
     bool kaart = false;          // what is in use is written in the mapping
     std::vector<uint8_t> nieuw;  // blocks, as one piece
     bool kop_geraakt = false, record_geraakt = false, kop_af = false;
@@ -77,13 +78,13 @@ void zet_volgorde() {
     for (size_t i = 0; i < klad.aantal; i++)
         if (klad.bladen[i].vuil)
             klad.volgorde.push_back(&klad.bladen[i]);
-    std::stable_sort(klad.volgorde.begin(), klad.volgorde.end(), [](const Blad* a, const Blad* b) {
+    std::sort(klad.volgorde.begin(), klad.volgorde.end(), [](const Blad* a, const Blad* b) {
         if (a->nieuw != b->nieuw)
             return a->nieuw;
         if (a->nieuw)
             return a->blok < b->blok;
         const auto niveau = [](const Blad* x) { return reinterpret_cast<const IXKNOOP*>(x->wordt)->level; };
-        return niveau(a) > niveau(b);
+        return niveau(a) != niveau(b) ? niveau(a) > niveau(b) : a < b;
     });
 }
 
@@ -241,7 +242,8 @@ void KLADBEGIN(ICB* icb) {
     klad.aantal = klad.geschreven = 0;
     klad.record = klad.rij = klad.kop_geraakt = klad.record_geraakt = klad.kop_af = false;
     // An exclusive handle goes on with the node that it has in hand, without reading it again.
-    if (ALLEEN(icb) && !icb->koplock && KNOOP(icb).level > 0 && KNOOP(icb).count > 0)
+    if (ALLEEN(icb) && !icb->koplock && !IXKAARTER(icb->idxfd) && KNOOP(icb).level > 0 &&
+        KNOOP(icb).count > 0)
         KLADGELEZEN(icb, icb->curblock);
 }
 
@@ -281,6 +283,7 @@ int KLADSCHRIJF(ICB* icb) {
                                    klad.bladen[i].wordt});
         IXKEUR(icb, blokken.data(), blokken.size());
     }
+    klad.gedaan++;
     if (schrijf_alles()) {
         einde(true);
         if (klad.soort == KL_INSERT && icb->filelocked)
@@ -296,6 +299,10 @@ int KLADSCHRIJF(ICB* icb) {
     ongedaan(icb);
     errno = fout;
     return 0;
+}
+
+uint64_t KLADTELLER() {
+    return klad.gedaan;
 }
 
 void KLADVERGEET(const ICB* icb) {
@@ -330,7 +337,7 @@ void KLADZET(ICB* icb, int32_t blok) {
     if (!b) {
         b = &nieuw_blad(blok);
         b->nieuw = blok >= klad.oud.nblocks;
-        if (!b->nieuw && IXBLOKLEES(icb->idxfd, blok, b->was, IXBLOK) != IXBLOK)
+        if (!b->nieuw && !IXHEELBLOK(icb, blok, b->was))
             IXSTUK(icb, blok);
     }
     memcpy(b->wordt, icb->node, IXBLOK);

@@ -33,6 +33,8 @@ void KLADRIJ(int32_t blok, const void* was, const void* wordt);
 // back; the pair then stays marked.
 int KLADSCHRIJF(ICB* icb);
 
+uint64_t KLADTELLER(); // changes that this program has written
+
 void KLADVERGEET(const ICB* icb); // a new handle in the place of one that never came to the end of its change
 
 // For blok.cpp: is this handle at work on a rough copy; a block out of it into `node`; the block in hand, as just read

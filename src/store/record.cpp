@@ -20,14 +20,21 @@ int32_t zoek_record(ICB* icb, const void* rec) {
     return icb->currec;
 }
 
-// The record at `currec` where a mapping shows it.
+// The record at `currec` where a mapping shows it: as it was before a write of it or after.
 bool van_de_kaart(const ICB* icb, void* rec) {
     const uint8_t* kop = icb->tempidx ? nullptr : IXKAARTBEGIN(icb->idxfd);
-    return kop &&
-           IXKAARTLEES(icb->datfd, int64_t{icb->currec} * icb->h.reclen, rec,
-                       static_cast<size_t>(icb->h.reclen),
-                       int64_t{icb->mode == 1 ? icb->h.nrecs : LEES32(kop + offsetof(IXHEADER, nrecs))} *
-                           icb->h.reclen);
+    if (!kop)
+        return false;
+    const size_t n = static_cast<size_t>(icb->h.reclen);
+    const int64_t plaats = int64_t{icb->currec} * icb->h.reclen;
+    const int32_t records = icb->mode == 1 ? icb->h.nrecs : LEES32(kop + offsetof(IXHEADER, nrecs));
+    for (int keer = 0; keer < RUSTBEURTEN; keer++) {
+        if (!IXKAARTLEES(icb->datfd, plaats, rec, n, int64_t{records} * icb->h.reclen))
+            return false;
+        if (icb->filelocked || IXKAARTSTAAT(icb->datfd, plaats, rec, n))
+            return true;
+    }
+    return false;
 }
 
 } // namespace

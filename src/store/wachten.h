@@ -24,6 +24,7 @@ inline constexpr int LEZERMELD =
 
 inline constexpr int RUSTBEURTEN =
     8; // searches spoiled by writers, after which a reader asks for the header lock
+inline constexpr int BLADVERS = 50;       // milliseconds that a leaf in hand serves a walk without a mapping
 inline constexpr int KOPRONDEN = 5;       // looks at a header that may be half written, a millisecond apart
 inline constexpr int HOOKWACHT = 2;       // seconds that the user can read who is in the way
 inline constexpr int CHECKWACHT = 10'000; // milliseconds that the deep check waits for the header lock

@@ -14,10 +14,15 @@
 // A handle that is alone (exclusive, or under the header lock) sees only whole trees, so there anything odd is damage.
 #include "shared/files.h"
 #include "store/bestand.h"
+#include "store/kaart.h"
+#include "store/klad.h"
 #include "store/kop.h"
 #include "store/wachten.h"
 #include "store/zoeker.h"
+#include "term/toetswacht.h"
 #include <algorithm>
+#include <array>
+#include <ctime>
 
 namespace zg {
 namespace {
@@ -189,6 +194,32 @@ Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
     return RUST;
 }
 
+// Without a mapping a look at a leaf is a call. One that was read twice with the same bytes a moment ago serves the next
+// steps of the same walk, as long as this program has neither written nor waited for a key since.
+struct Moment {
+    const ICB* icb;
+    int32_t blok;
+    uint64_t geschreven, toetsen;
+    int64_t ms;
+};
+std::array<Moment, 8> gelezen_bladen; // by descriptor
+
+Moment dit_moment(const ICB* icb) {
+    timespec t;
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
+    return {icb, icb->curblock, KLADTELLER(), TOETSWACHTEN, t.tv_sec * 1000 + t.tv_nsec / 1'000'000};
+}
+
+Moment& blad_van(const ICB* icb) {
+    return gelezen_bladen[static_cast<size_t>(icb->idxfd) % gelezen_bladen.size()];
+}
+
+bool kort_geleden(const ICB* icb) {
+    const Moment &was = blad_van(icb), nu = dit_moment(icb);
+    return !in_rust && !IXKAARTER(icb->idxfd) && was.icb == icb && was.blok == nu.blok &&
+           was.geschreven == nu.geschreven && was.toetsen == nu.toetsen && nu.ms - was.ms <= BLADVERS;
+}
+
 // A walk asks for what comes behind the entry it stands on: when the leaf has not changed that is the next entry,
 // and no search is needed. GEENBLOK: look for it in the ordinary way. *gelezen: the leaf in hand was read just now and
 // has not changed. `zelfde_blad`: nor has the pair since.
@@ -204,7 +235,8 @@ int32_t volgende_hier(const Zoeker& z, bool zelfde_blad, bool* gelezen) {
         *gelezen = true; // its last entry: whatever it has become, the answer is not known to be here
         return GEENBLOK;
     }
-    if (!ALLEEN(icb) && !(in_rust && zelfde_blad)) {
+    if (!ALLEEN(icb) && !(in_rust && zelfde_blad) && !kort_geleden(icb)) {
+        const Moment nu = dit_moment(icb);
         uint8_t was[IXBLOK], *hier = icb->curent;
         memcpy(was, icb->node, IXBLOK);
         const int32_t blok = icb->curblock;
@@ -214,6 +246,7 @@ int32_t volgende_hier(const Zoeker& z, bool zelfde_blad, bool* gelezen) {
             return GEENBLOK;
         }
         icb->curent = hier;
+        blad_van(icb) = nu;
     }
     *gelezen = true;
     if (z.vergelijk(i + 1) >= 0) // only keys without record number have equals
@@ -247,15 +280,15 @@ Rust zoek_in_rust(const Zoeker& z, char op, int32_t* uit) {
     ICB* icb = z.icb;
     const int8_t sleutel = KNOOP(icb).keyno;
     IXSTAND voor, na;
-    Rust rust = ONBEKEND;
-    for (int keer = 0; keer < RUSTBEURTEN; keer++) {
+    int bedorven = 0, bezig = 0; // a mark that stays is that of a dead program, or of one that takes its time
+    while (bedorven < RUSTBEURTEN && bezig < RUSTBEURTEN) {
         if (!IXSTANDLEES(icb, &voor)) {
             if (!voor.bezig)
                 break;
-            rust = ONRUST;
-            IXPAUZE(R_SLOT, keer);
+            IXPAUZE(R_SLOT, bezig++);
             continue;
         }
+        bezig = 0;
         const bool zelfde_blad = GELIJK({icb->bladstand.freehead, icb->bladstand.nrecs,
                                          icb->bladstand.nblocks, icb->bladstand.telling, false},
                                         voor);
@@ -266,20 +299,18 @@ Rust zoek_in_rust(const Zoeker& z, char op, int32_t* uit) {
                 goed = IXLEESKNOOP(icb, sleutel) == L_GOED && omlaag(z, op, false, uit) != ONGERIJMD;
         in_rust = false;
         if (!IXSTANDLEES(icb, &na) || !GELIJK(voor, na)) {
-            rust = ONRUST;
+            bedorven++;
             continue;
         }
-        if (!goed) {
-            rust = ONBEKEND;
+        if (!goed)
             break;
-        }
         icb->bladstand = {voor.freehead, voor.nrecs, voor.nblocks, voor.telling};
         icb->gezien = {voor.nblocks, voor.nrecs, voor.freehead};
         return IN_RUST;
     }
     if (KNOOP(icb).keyno != sleutel)
         IXKIES(icb, sleutel);
-    return rust;
+    return bedorven == RUSTBEURTEN ? ONRUST : ONBEKEND;
 }
 
 int32_t zoek(ICB* icb, char op, int lengte) {

@@ -4,6 +4,7 @@
 // Bytes are taken one at a time, so that what is not needed stays with the terminal.
 #include "term/binnen.h"
 #include "term/natl.h"
+#include "term/toetswacht.h"
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -14,6 +15,9 @@
 #include <unistd.h>
 
 namespace zg {
+
+uint64_t TOETSWACHTEN;
+
 namespace {
 
 constexpr int ESC_MS = 25;         // after ESC, unless ESCDELAY says otherwise: does more follow?
@@ -53,6 +57,7 @@ Vul vul(int ms, bool door = false) {
     } else {
         sigprocmask(SIG_BLOCK, &seinen, &vrij);
         sein = !door && (SCHERM.signaaltoets || MAATSEIN || SEINEINDE());
+        TOETSWACHTEN++;
         if (!sein)
             n = ppoll(&p, 1, ms < 0 ? nullptr : &tijd, &vrij);
         fout = errno;
