@@ -199,6 +199,26 @@ TEST(Kaart, BestandVeranderdOnderDeLezer) {
         }
 }
 
+// Cut while a writer stores into it: what he stored is lost with the file's end, so he stops with a report and the mark stays.
+TEST(Kaart, AfgekaptOnderDeSchrijver) {
+    TijdelijkeMap map;
+    IXCLOSE(gevuld());
+    if (!in_kaart("T"))
+        GTEST_SKIP() << "no mapping here";
+    EXPECT_EQ(1, in_kind([] {
+                  ICB* icb = IXOPEN("T", 2);
+                  static void (*const zet)(int, void*, const void*, size_t, off_t) = SYS.kaartzet;
+                  SYS.kaartzet = [](int fd, void* naar, const void* van, size_t n, off_t o) {
+                      if (truncate("T.INX", 8 * IXBLOK) == 0)
+                          zet(fd, naar, van, n, o);
+                  };
+                  Rec r = rec(1234);
+                  r.naam[0] = 'x';
+                  IXWRITE(icb, &r);
+              }));
+    EXPECT_EQ('\x01', lees_bestand("T.INX")[offsetof(IXHEADER, busy)]);
+}
+
 // Rebuilt in place beside a reader: each walk of his gives everything.
 TEST(Kaart, HerbouwdOnderDeLezer) {
     TijdelijkeMap map;
