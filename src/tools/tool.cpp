@@ -67,7 +67,11 @@ void woordenlijst(const CLI::App& app, const std::string& opdracht) {
 } // namespace
 
 void klacht(const std::string& naam, const std::string& tekst) {
-    fprintf(stderr, "%s: %s%s%s\n", toolnaam.c_str(), naam.c_str(), naam.empty() ? "" : ": ", tekst.c_str());
+    std::string regel = naam + (naam.empty() ? "" : ": ") + tekst;
+    for (char& c : regel) // names and values as they were typed or found, in UTF-8
+        if (c != '\n' && (static_cast<uint8_t>(c) < ' ' || c == 127))
+            c = '?';
+    fprintf(stderr, "%s: %s\n", toolnaam.c_str(), regel.c_str());
 }
 
 Uitkomst meld(Uitkomst uit, const std::string& wat) {

@@ -13,7 +13,7 @@ namespace zg {
 enum Uitkomst { GOED = 0, FOUT_GEVONDEN = 1, FOUT_GEBRUIKT = 2, NIET_TE_OPENEN = 3, IN_GEBRUIK = 4 };
 
 extern std::string toolnaam;
-// A message on standard error: "ixdump: NAME: text".
+// A message on standard error: "ixdump: NAME: text"; controls but line feeds as "?".
 void klacht(const std::string& naam, const std::string& tekst);
 // The answer, told with what is wrong unless it is GOED.
 Uitkomst meld(Uitkomst uit, const std::string& wat);
