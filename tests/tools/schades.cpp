@@ -326,12 +326,12 @@ const std::vector<Schade> SCHADES = {
      [](const DemoMap& m) {
          kap(m, "DTLEVEXT.TXT", std::filesystem::file_size(m.bestand("DTLEVEXT.TXT")) - 5);
      },
-     {"DTLEVEXT: "},
+     {"DTLEVEXT: data: ends inside a record"},
      false,
      2},
     {"a temporary index of nothing",
      [](const DemoMap& m) { plak(m, "DTSER.01", std::string(1536, 'x')); },
-     {"DTSER.01: "},
+     {"DTSER.01: header: "},
      false,
      2},
     {"a code of VAT and a share that there can't be",
