@@ -1,6 +1,7 @@
 // The screen against a terminal emulator: start and end, windows, text, status line, variants, the abort box.
 #include "gesprek.h"
 #include "term/prompt.h"
+#include <cstdio>
 #include <termios.h>
 
 using namespace zg;
@@ -98,7 +99,7 @@ TEST(Scherm, LockedWhilePrinting) {
         SCRFLUSH(0);
         TOETS();
         SCHERM.dicht = 1;
-        write(1, "<<", 2);
+        dprintf(1, "<<");
         int n = SCRPUT(A_WAARDE, 2, 1, "tekst");
         error("fout");
         WINOPEN1(5, 5, 5, 5);
@@ -107,7 +108,7 @@ TEST(Scherm, LockedWhilePrinting) {
         while (!TOETSKLAAR()) {
         }
         WINCLOSE();
-        write(1, ">>", 2);
+        dprintf(1, ">>");
         SCRFATAL("klaar %d", n);
         return 0;
     });
