@@ -89,9 +89,12 @@ TEST(Schade, EveryFileEveryDamage) {
             DemoMap map;
             auto argv = overgave(map);
             schrijf_bestand(map.bestand(naam), s.doe(lees_bestand(map.bestand(naam)), rnd));
-            auto voor = map.inhoud();
             Opties o = demo_opties(map);
-            o.omgeving = {{"BIN", "/nonexistent"}}; // no menu to go back to: the program ends with a report
+            // No menu to go back to, beside it neither: the program ends with a report.
+            o.omgeving = {{"BIN", "/nonexistent"}};
+            fs::copy_file(argv[0], map.bestand("zgbestel"));
+            argv[0] = map.bestand("zgbestel");
+            auto voor = map.inhoud();
             Terminal t(argv, o);
             std::string melding;
             EXPECT_EQ(wandel(t, &melding), 1) << t.scherm();
