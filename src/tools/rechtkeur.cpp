@@ -50,8 +50,13 @@ std::vector<Recht> alle() {
     return uit;
 }
 
-bool fout(const Recht& r) {
+bool anders(const Recht& r) {
     return r.is != r.hoort || r.groep != r.hoort_groep;
+}
+
+// Only the bit missing that hands the group on: the programs give new files their directory's group themselves.
+bool zonder_setgid(const Recht& r) {
+    return r.groep == r.hoort_groep && (r.is | S_ISGID) == r.hoort;
 }
 
 std::string wat(const Recht& r) {
@@ -69,8 +74,8 @@ keurbestanden rechten_keur() {
     keurbestanden uit;
     for (const Recht& r : alle()) {
         keurbestand b{r.pad, ""};
-        if (fout(r))
-            b.kwalen.push_back(wat(r));
+        if (anders(r))
+            (zonder_setgid(r) ? b.noten : b.kwalen).push_back(wat(r));
         if (!getpwuid(r.eigenaar))
             b.noten.push_back(VORM("owner %u, whom this machine doesn't know", r.eigenaar));
         if (!b.kwalen.empty() || !b.noten.empty())
@@ -82,7 +87,7 @@ keurbestanden rechten_keur() {
 std::vector<std::string> rechten_herstel() {
     std::vector<std::string> uit;
     for (const Recht& r : alle())
-        if (fout(r)) {
+        if (anders(r)) {
             // The group first: giving it takes the setgid bit away.
             const bool goed = (r.groep == r.hoort_groep ||
                                chown(r.pad.c_str(), static_cast<uid_t>(-1), r.hoort_groep) == 0) &&
