@@ -131,7 +131,7 @@ TEST(Registersamen, OneKilledWhileTheOtherWorks) {
 TEST(Registersamen, TheCheckBesideAProgramAtWork) {
     const Storingsmap map;
     std::string toetsen = "<Enter><Enter>99<Enter><Enter><Esc><Esc>";
-    for (int i = 0; i < 60; i++)
+    for (int i = 0; i < 150; i++)
         toetsen += std::string(NIEUW) + "VJ<Enter>J<Enter>J<Enter>";
     const auto t = map.start(overgave(map), toetsen + WEG);
     int keer = 0;
@@ -139,7 +139,7 @@ TEST(Registersamen, TheCheckBesideAProgramAtWork) {
         const Uit uit = sh("zgcheck -q \"" + map.pad() + "\"");
         EXPECT_EQ(uit.status, 0) << uit.tekst;
     }
-    EXPECT_GT(keer, 0);
+    EXPECT_GT(keer, 2);
     EXPECT_EQ(Storingsmap::klaar(*t), 0);
 }
 
