@@ -104,7 +104,7 @@ int32_t tel(const etikeuring& k, Etiblok waar) {
 // series whose record says already that it has none. A series without a record was lost, and not deleted, while it has
 // labels: the record goes last.
 bool hoort_bij(const etikeuring& k, const etikeuring::blok& b) {
-    if (b.waar != Etiblok::los || b.slecht || b.breuk)
+    if (b.waar != Etiblok::los || b.slecht || b.breuk || (k.nullen && zelfde_serie(b.serie, {})))
         return b.waar == Etiblok::los;
     const int verder = b.per[ETI_VOORRAAD] + b.per[ETI_VERKOCHT] + b.per[ETI_CORRECTIE];
     const auto s = k.ketens.find(sleutel_van(b.serie));
@@ -133,8 +133,9 @@ void meld_verloren(etikeuring* k, const keurmelding& meld) {
     std::vector<size_t> verloren;
     for (size_t nr = 0; nr < k->blokken.size(); nr++) {
         const auto& b = k->blokken[nr];
-        if (b.waar == Etiblok::los && (k->vrijketen_heel || !zelfde_serie(b.serie, {})))
-            verloren.push_back(nr); // and none of the free ones that can't be walked
+        if (b.waar == Etiblok::los && (!zelfde_serie(b.serie, {}) || (k->vrijketen_heel && !b.breuk)))
+            verloren.push_back(
+                nr); // and none of the free ones that can't be walked, or that were told with a series
     }
     k->verloren = static_cast<int64_t>(verloren.size());
     meld_per_serie(*k, verloren, "", ": in no chain, of series ",
@@ -207,8 +208,10 @@ bool etikeur_serie(etikeuring* k, const serrec& rec, etitelling* telling, const 
     if (!reden.empty()) {
         fout(k, meld, waar(nr == -1 ? laatste : nr) + reden);
         heel = false;
-        if (binnen(*k, nr) && !zelfde_serie(bij(k, nr).serie, {}))
+        if (binnen(*k, nr)) {
             bij(k, nr).breuk = true;
+            k->nullen |= zelfde_serie(bij(k, nr).serie, {});
+        }
     }
     k->ketens[sleutel_van(rec.serie)] = !heel                 ? Etiketen::stuk
                                         : rec.etiketkop == -1 ? Etiketen::geen
@@ -262,12 +265,16 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     iotab('X', &nr, &k->tellers, SYS_RECORD);
     bool gelukt = true;
     std::vector<size_t> blijven;
+    int nullen = 0, geteld_nullen = 0; // those without a series; of them the ones that were told as lost
     for (size_t i = k->blokken.size(); i-- > 0 && gelukt;) {
         auto& b = k->blokken[i];
         if (b.waar != Etiblok::los)
             continue;
         if (hoort_bij(*k, b)) {
-            blijven.push_back(i);
+            if (zelfde_serie(b.serie, {}))
+                nullen++, geteld_nullen += !b.breuk;
+            else
+                blijven.push_back(i);
             continue;
         }
         etiblok leeg{};
@@ -283,7 +290,9 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     ioeti_vergeet();
     const bool geteld = iotab('W', &nr, &t, SYS_RECORD) != 0;
     k->tellers = t;
-    k->verloren = static_cast<int64_t>(blijven.size());
+    k->verloren = static_cast<int64_t>(blijven.size()) + geteld_nullen;
+    if (nullen)
+        meld(VORM("DTETI: %d blocks without a series stay: a series' chain leads to one", nullen));
     std::ranges::sort(blijven);
     meld_per_serie(*k, blijven, "DTETI: ", ": there are labels in it, and it stays with series ", meld);
     if (!gelukt)

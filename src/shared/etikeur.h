@@ -36,7 +36,8 @@ struct etikeuring {
     std::unordered_map<sleutelwaarde, int32_t> van_serie; // blocks that bear its name
     bool half;                                            // the file ends inside one more
     bool erbuiten;                                        // a chain leads to blocks that the file hasn't got
-    std::unordered_map<sleutelwaarde, Etiketen> ketens;   // of the series that there are
+    bool nullen; // a chain leads to a block without a series, and may go on in others
+    std::unordered_map<sleutelwaarde, Etiketen> ketens; // of the series that there are
     sysetiket tellers;
     bool vrijketen_heel; // the free chain and its counters agree, but for the count of blocks
     int64_t labels, fouten, verloren;

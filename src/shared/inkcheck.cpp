@@ -46,6 +46,7 @@ struct Stand {
     inktelling telling = {};
     std::unordered_set<std::string> stuk; // sets whose chain is damaged
     std::unordered_set<int32_t> breuken;  // where
+    bool nullen = false;                  // at a record of zeros: the chain may go on in others
 };
 
 void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
@@ -59,6 +60,10 @@ void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
             kwaal(woorden(fout, waar));
             stand->stuk.insert(naam_in(&set));
             stand->breuken.insert(waar);
+            prijsgroeprec rec{};
+            if (fout == Inkfout::andere &&
+                SYSLEES(ink.fd, &rec, sizeof rec, int64_t{waar} * INK_RECORD) == INK_RECORD)
+                stand->nullen |= ink_leeg(rec);
         }
         for (const inkrecord& r : keten) {
             if (static_cast<size_t>(r.nr) >= stand->bezit.size()) // written since the file was measured
@@ -113,11 +118,6 @@ void toets_vrij(Stand* stand, const sysprijs& vrij) {
     }
 }
 
-// Could a record be of a set whose chain is damaged? It bears its name, or the chain breaks there.
-bool van_stukke_set(const Stand& stand, int32_t nr, const prijsgroeprec& rec) {
-    return stand.breuken.contains(nr) || stand.stuk.contains(naam_in(&rec));
-}
-
 Stand neem_op(const std::function<void(const prijsset&)>& bij) {
     Stand stand;
     stand.bezit.assign(static_cast<size_t>(std::min<int64_t>(ink_records(), INT32_MAX)), NIEMAND);
@@ -144,12 +144,15 @@ int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
     const size_t kwalen = stand.kwalen.size();
     toets_vrij(&stand, slot.vrij());
     const bool heel = stand.kwalen.size() == kwalen;
+    // Could a record be of a set whose chain is damaged? The chain breaks there, whatever stands in it, or it bears its name.
     const auto van_iemand = [&](int32_t nr) {
         prijsgroeprec rec{};
+        if (stand.breuken.contains(nr) || (stand.nullen && stand.bezit[static_cast<size_t>(nr)] == NIEMAND))
+            return true;
         if ((stand.stuk.empty() && !blijft) || SYSLEES(ink.fd, &rec, sizeof rec, nr * INK_RECORD) <= 0 ||
             ink_leeg(rec))
             return false;
-        return van_stukke_set(stand, nr, rec) || (blijft && blijft(rec));
+        return stand.stuk.contains(naam_in(&rec)) || (blijft && blijft(rec));
     };
     // Records that a set leads to are never given out again, whether the file has them or not.
     if (std::ranges::any_of(stand.breuken, [](int32_t nr) { return nr >= ink_records(); }))

@@ -319,7 +319,7 @@ std::vector<std::string> register_herstel(bool* gelukt) {
     uit.push_back("DTIPG: " + keur_aantal(groepen, "records given back"));
     const int64_t verloren = k.eti.verloren;
     *gelukt &= etikeur_herstel(&k.eti, meld);
-    if (verloren)
+    if (verloren > k.eti.verloren)
         uit.push_back("DTETI: " + keur_aantal(verloren - k.eti.verloren, "lost blocks given back"));
     int64_t geteld = 0;
     for (const auto& [sleutel, s] : k.series) {

@@ -108,8 +108,9 @@ std::vector<std::string> alle_paren() {
     return uit;
 }
 
+// Labels are of no use without their series, so they tell of a register that lost both files of its first pair.
 bool er_is_register() {
-    return IOEXISTS("DTSER.INX") || IOEXISTS("DTSER.TXT");
+    return IOEXISTS("DTSER.INX") || IOEXISTS("DTSER.TXT") || IOEXISTS("DTETI.TXT");
 }
 
 // The pairs as the store sees them, and those that have to be there.

@@ -74,6 +74,23 @@ const std::vector<Schade> SCHADES = {
      [](const DemoMap& m) { zet(m, "DTSER.TXT", offsetof(serrec, etiketkop), int32_t{99999}); },
      {"DTETI: series ", "block 99999: outside the file"},
      false},
+    {"blocks and groups of zeros that a series and a set lead to", // and nobody else may have them
+     [](const DemoMap& m) {
+         zet(m, "DTETI.TXT", static_cast<size_t>(haal<serrec>(m, "DTSER.TXT", SER).etiketkop) * BLOK,
+             etiblok{});
+         zet(m, "DTIPG.TXT",
+             static_cast<size_t>(haal<prijsset>(m, "DTIPA.TXT", 0).groep) * sizeof(prijsgroeprec),
+             prijsgroeprec{});
+     },
+     {"DTETI: series 1100.15.1, block ", "is of series 0.0.0", "DTIPA: series ", "not a group of this set"},
+     false},
+    {"series gone, and their labels there",
+     [](const DemoMap& m) {
+         for (const char* naam : {"DTSER.INX", "DTSER.TXT"})
+             std::filesystem::remove(m.bestand(naam));
+     },
+     {"DTSER: isn't there: there is no registration without it"},
+     false},
     {"a block that nobody has",
      [](const DemoMap& m) {
          const auto t = haal<sysetiket>(m, "DTSYS.TXT", SYS4);

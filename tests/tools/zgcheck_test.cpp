@@ -74,7 +74,7 @@ TEST(Zgcheck, EachDamageAndItsRepair) {
         } else { // what can't be known stays: no series, group or label goes
             for (const char* naam :
                  {"DTSER.TXT", "DTIPA.TXT", "DTIPG.TXT", "DTETI.TXT", "DTEAN.TXT", "DTSYS.TXT"})
-                EXPECT_TRUE(lees_bestand(map.bestand(naam)) == stuk.at(naam)) << naam;
+                EXPECT_TRUE(!stuk.contains(naam) || lees_bestand(map.bestand(naam)) == stuk.at(naam)) << naam;
         }
     }
 }
