@@ -94,8 +94,8 @@ bool edi_zet_om() {
     edirec rec;
     if (IOEXISTS(EDIBESTAND))
         return ruim_op();
-    if (!IOEXISTS(OUD))
-        return false;
+    if (!IOEXISTS(OUD)) // unless another has made the one of it between these two looks
+        return IOEXISTS(EDIBESTAND);
     const IOBEURT beurt(EDIBESTAND);
     if (IOEXISTS(EDIBESTAND))
         return true;
@@ -125,7 +125,8 @@ uint8_t edi_kies_methode(uint8_t nu) {
 }
 
 bool edi_aanwezig() {
-    return IOEXISTS(EDIBESTAND) || IOEXISTS(OUD);
+    return IOEXISTS(EDIBESTAND) || IOEXISTS(OUD) ||
+           IOEXISTS(EDIBESTAND); // made of it between the first two looks
 }
 
 bool edi_maak(uint8_t methode) {
