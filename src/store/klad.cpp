@@ -274,7 +274,9 @@ void KLADRIJ(int32_t blok, const void* was, const void* wordt) {
 
 int KLADSCHRIJF(ICB* icb) {
     zet_volgorde();
-    klad.kaart = IXKAARTZETTEN(icb->idxfd, int64_t{klad.oud.nblocks} * IXBLOK);
+    // Stored bytes come one by one, and a writer may lose the processor between two of them. Readers wait for the mark of a
+    // shared handle, not for that of an exclusive one, whose blocks are therefore written by calls, each at once.
+    klad.kaart = icb->mode != 1 && IXKAARTZETTEN(icb->idxfd, int64_t{klad.oud.nblocks} * IXBLOK);
     if (IXKEURAAN) {
         std::vector<Gekeurd> blokken;
         for (size_t i = 0; i < klad.aantal; i++)
