@@ -288,7 +288,7 @@ void wis_regel(int nr) {
 // ---- the steps
 
 FILE* uitslag;
-bool zonder_kaart;                           // this run only finds out what the steps ask for
+bool zonder_kaart;                            // this run only finds out what the steps ask for
 std::map<std::string, vloer::Meting> vloeren; // found out by that one
 
 // A step makes no more calls than what it has to read and write asks for, and takes three times their time at most; less
@@ -465,7 +465,8 @@ int main() {
     lees_vloeren(draai(false));
     std::filesystem::current_path(map.pad());
     const std::string uit = draai(true);
-    printf("%-44s %12s %18s %15s\n%s", "", "the step", "its calls", "what it asks for, unmapped", uit.c_str());
+    printf("%-44s %12s %18s %15s\n%s", "", "the step", "its calls", "what it asks for, unmapped",
+           uit.c_str());
     const auto t0 = klok::now();
     te_traag |= !gaaf();
     printf("%-44s %9.3f ms\n", "zgcheck of all of it", ms_sinds(t0));
