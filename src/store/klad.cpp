@@ -349,7 +349,7 @@ void KLADZET(ICB* icb, int32_t blok) {
 bool KLADRIJLEEG(const ICB* icb) {
     const int32_t rij = WACHTRIJBLOK(icb);
     if (klad.icb == icb && rij < klad.begin_blokken)
-        return klad.begin[rij * IXBLOK + offsetof(IXKNOOP, count)] == 0;
+        return klad.begin[static_cast<size_t>(rij) * IXBLOK + offsetof(IXKNOOP, count)] == 0;
     IXKNOOP k;
     return klad.icb == icb && IXKAARTER(icb->idxfd) && IXBLOKLEES(icb->idxfd, rij, &k, sizeof k) == IXBLOK &&
            k.keyno == 1 && k.level == 0 && k.count == 0;

@@ -103,8 +103,8 @@ void SEINSTOP() {
         OPGEHANGEN();
 }
 
-void SCREINDELATER(bool aan) {
-    later = aan;
+void SCREINDELATER(bool wacht) {
+    later = wacht;
 }
 
 void OPGEHANGEN() {
