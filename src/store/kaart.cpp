@@ -101,9 +101,10 @@ Kaart* heel(int fd, int64_t lengte) {
     return &k;
 }
 
-int64_t blad() {
-    static const int64_t maat = sysconf(_SC_PAGESIZE);
-    return maat;
+const int64_t BINNENBLAD = sysconf(_SC_PAGESIZE) - 1; // the bits of a place within its page
+
+bool zelfde_blad(int64_t a, int64_t b) {
+    return ((a ^ b) & ~BINNENBLAD) == 0;
 }
 
 } // namespace
@@ -141,12 +142,22 @@ bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte) {
         return false;
     SYS.kaartlees(fd, doel, k->basis + plaats, n, plaats);
     const volatile uint8_t* p = k->basis;
-    if (laatste / blad() != (lengte - 1) / blad())
+    if (!zelfde_blad(laatste, lengte - 1))
         static_cast<void>(p[lengte - 1]);
     else
         while (laatste < lengte && p[laatste] == 0)
             laatste++;
     return laatste < lengte && !k->gat;
+}
+
+void IXKAARTVOORUIT(int fd, int64_t plaats, size_t n) {
+    constexpr size_t LIJN = 64;
+    const Kaart& k = kaarten[static_cast<size_t>(fd)];
+    const size_t van = static_cast<size_t>(plaats) & ~(LIJN - 1), tot = static_cast<size_t>(plaats) + n;
+    if (plaats < 0 || tot > k.lengte)
+        return;
+    for (size_t p = van; p < tot; p += LIJN)
+        __builtin_prefetch(k.basis + p);
 }
 
 bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n) {
@@ -157,7 +168,7 @@ bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n) {
 
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n) {
     const int64_t einde = lengte + static_cast<int64_t>(n);
-    if (lengte < 1 || (lengte - 1) / blad() != (einde - 1) / blad())
+    if (lengte < 1 || !zelfde_blad(lengte - 1, einde - 1))
         return false;
     const Kaart* k = heel(fd, einde);
     if (!k)

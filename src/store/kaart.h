@@ -19,6 +19,8 @@ bool IXKAARTLEES(int fd, int64_t plaats, void* doel, size_t n, int64_t lengte);
 // Do the bytes that were just read stand there still? Who asks for something that is written without a count looks twice.
 bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n);
 bool IXKAARTER(int fd); // is it mapped?
+// n bytes at a place are going to be read: the processor may fetch them meanwhile.
+void IXKAARTVOORUIT(int fd, int64_t plaats, size_t n);
 // Does the file end at `lengte`, with no n bytes behind that? False also when only a call can tell.
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n);
 

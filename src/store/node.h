@@ -72,7 +72,11 @@ std::string IXINDEXPAD(const char* naam);
 std::string IXDATAPAD(const char* naam);
 
 // Keys without a handle (sleutel.cpp). Definitions must have passed IXDEFFOUT.
-int IXDEELBREEDTE(const IXKEYDEF& def, int deel); // 0 behind the last part
+inline int IXDEELBREEDTE(const IXKEYDEF& def, int deel) { // 0 behind the last part
+    if (deel >= IXDELEN || !def.ptype[deel])
+        return 0;
+    return static_cast<uint8_t>(def.pend[deel] - def.pstart[deel]) + 1;
+}
 // Key of a record, `lengte` bytes wanted; fills `keylen` bytes of `uit`, which holds IXSLEUTELMAX + 4.
 void IXMAAKSLEUTEL(const IXKEYDEF& def, const void* rec, int32_t recnr, int lengte, uint8_t* uit);
 // Weights of a text of n bytes as a string of bytes in text order, no such string beginning with another one: at
@@ -132,7 +136,15 @@ bool IXLEESLEVEND(ICB* icb, void* rec); // the record at `currec`; is it in use?
 // The caller gets the record at `currec`: a walk that stands on it knows him by this from now on (wandel.cpp).
 void IXGEGEVEN(ICB* icb, const void* rec);
 
+// The next step of a walk out of the leaf in hand, without a search (stap.cpp). The caller has brought back what the
+// handle's place gave. False: it isn't certain to be there, and `rec` may have been written over.
+bool IXSTAPHIER(ICB* icb, void* rec, int delen);
+void IXSTAPVOORUIT(const ICB* icb); // the records behind the entry in hand will be asked for
+// Are these bytes the key of the record? False also when IXMAAKSLEUTEL must tell.
+bool IXSLEUTELSTAAT(const IXKEYDEF& def, const void* rec, int32_t recnr, const uint8_t* sleutel);
+
 // Searching (zoeken.cpp).
+bool IXBLADVERS(const ICB* icb); // without a mapping: does the leaf in hand serve the next step of a walk?
 int32_t IXZOEKVANAF(ICB* icb, int lengte); // a search for '=', and when that finds nothing for '>'
 // Changing (wijzigen.cpp).
 // Out of the tree of a key: the entry of the record at `currec` with this value, among equal ones the one that leads

@@ -75,12 +75,6 @@ void zet_kop(ICB* icb, const char* p) {
 
 } // namespace
 
-int IXDEELBREEDTE(const IXKEYDEF& def, int deel) {
-    if (deel >= IXDELEN || !def.ptype[deel])
-        return 0;
-    return static_cast<uint8_t>(def.pend[deel] - def.pstart[deel]) + 1;
-}
-
 void IXUPDFCB(ICB* icb, int sleutel, const char* tekst) {
     IXEIS(icb, "IXUPDFCB");
     if (sleutel == 0)

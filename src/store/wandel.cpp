@@ -35,6 +35,13 @@ int begin(ICB* icb, const void* rec, int delen) {
     return lengte;
 }
 
+// Does the caller bring back, byte for byte, the key that he was given?
+bool zoals_gegeven(const ICB* icb, const void* rec) {
+    const IXPLAATS& p = icb->plaats;
+    return p.sleutel == KNOOP(icb).keyno && p.nr == icb->currec &&
+           IXSLEUTELSTAAT(IXDEF(icb), rec, p.nr, p.record);
+}
+
 // The same for a walk that goes on: the key of its entry, when the caller brings back what he was given.
 int verder(ICB* icb, const void* rec, int delen) {
     const int lengte = begin(icb, rec, delen);
@@ -73,6 +80,7 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
         switch (IXLEESGEVONDEN(icb, rec, richting, &geduld)) {
         case R_GOED:
             onthoud(icb, rec);
+            IXSTAPVOORUIT(icb);
             return 1;
         case R_VRIJ:
             memcpy(icb->keybuf, icb->curent, static_cast<size_t>(lengte));
@@ -144,7 +152,12 @@ int IXFIRSTR(ICB* icb, void* rec, int delen) {
 
 int IXNEXTR(ICB* icb, void* rec, int delen) {
     IXEIS(icb, "IXNEXTR");
-    verder(icb, rec, 0);
+    if (zoals_gegeven(icb, rec)) {
+        if (IXSTAPHIER(icb, rec, delen))
+            return 1;
+        memcpy(icb->keybuf, icb->plaats.entry, IXDEF(icb).keylen);
+    } else
+        verder(icb, rec, 0);
     return lees_vanaf(icb, rec, delen, '>', false);
 }
 

@@ -214,12 +214,6 @@ Moment& blad_van(const ICB* icb) {
     return gelezen_bladen[static_cast<size_t>(icb->idxfd) % gelezen_bladen.size()];
 }
 
-bool kort_geleden(const ICB* icb) {
-    const Moment &was = blad_van(icb), nu = dit_moment(icb);
-    return !in_rust && !IXKAARTER(icb->idxfd) && was.icb == icb && was.blok == nu.blok &&
-           was.geschreven == nu.geschreven && was.toetsen == nu.toetsen && nu.ms - was.ms <= BLADVERS;
-}
-
 // A walk asks for what comes behind the entry it stands on: when the leaf has not changed that is the next entry,
 // and no search is needed. GEENBLOK: look for it in the ordinary way. *gelezen: the leaf in hand was read just now and
 // has not changed. `zelfde_blad`: nor has the pair since.
@@ -235,7 +229,7 @@ int32_t volgende_hier(const Zoeker& z, bool zelfde_blad, bool* gelezen) {
         *gelezen = true; // its last entry: whatever it has become, the answer is not known to be here
         return GEENBLOK;
     }
-    if (!ALLEEN(icb) && !(in_rust && zelfde_blad) && !kort_geleden(icb)) {
+    if (!ALLEEN(icb) && !(in_rust && zelfde_blad) && !IXBLADVERS(icb)) {
         const Moment nu = dit_moment(icb);
         uint8_t was[IXBLOK], *hier = icb->curent;
         memcpy(was, icb->node, IXBLOK);
@@ -368,6 +362,14 @@ int32_t zoek(ICB* icb, char op, int lengte) {
 }
 
 } // namespace
+
+bool IXBLADVERS(const ICB* icb) {
+    const Moment& was = blad_van(icb);
+    if (in_rust || was.icb != icb || was.blok != icb->curblock || IXKAARTER(icb->idxfd))
+        return false;
+    const Moment nu = dit_moment(icb);
+    return was.geschreven == nu.geschreven && was.toetsen == nu.toetsen && nu.ms - was.ms <= BLADVERS;
+}
 
 void IXLOCKEY(ICB* icb, int lengte) {
     IXEIS(icb, "IXLOCKEY");

@@ -148,6 +148,47 @@ TEST(Kaart, LezenZonderAanroepen) {
     IXCLOSE(schrijver);
 }
 
+// Another program changes what a walk comes to next, in the leaf that the walk has in hand.
+TEST(Kaart, VeranderdVlakVoorDeWandelaar) {
+    TijdelijkeMap map;
+    ICB *schrijver = gevuld(), *lezer = IXOPEN("T", 0);
+    const bool kaart = IXKAARTER(lezer->idxfd);
+    const struct {
+        const char* wat;
+        void (*doe)(ICB* icb, Rec volgende);
+        uint32_t uit, inhoud; // number of the record that comes, from here on, and its first byte of content
+    } gevallen[] = {
+        {"nothing", [](ICB*, Rec) {}, 1, 0},
+        {"another content", [](ICB* icb, Rec v) { v.rest[0] = 'x', IXWRITE(icb, &v); }, 1, 'x'},
+        {"gone", [](ICB* icb, Rec v) { IXREADL(icb, &v), IXDELETE(icb, &v); }, 2, 0},
+        {"come in between", [](ICB* icb, Rec v) { IXWRITE(icb, &v); }, 1, 0},
+        {"its place taken by another",
+         [](ICB* icb, Rec v) { IXREADL(icb, &v), IXDELETE(icb, &v), v.nr += 5000, IXWRITE(icb, &v); }, 2, 0},
+    };
+    for (const auto& g : gevallen)
+        for (uint32_t van = 100; van < 1900; van += 601) {
+            Rec r = rec(van);
+            const Rec volgende = rec(van + 4);
+            Rec weg = volgende;
+            if (g.wat[0] == 'c' && IXREADL(schrijver, &weg))
+                IXDELETE(schrijver, &weg);
+            ASSERT_EQ(1, IXREAD(lezer, &r));
+            for (int stap = 0; stap < 3; stap++)
+                ASSERT_EQ(1, IXNEXT(lezer, &r));
+            EXPECT_EQ(0, in_kind([&] { g.doe(schrijver, volgende), _exit(0); }));
+            if (!kaart)
+                usleep(60'000); // for so long a leaf may serve
+            const uint32_t hier = r.nr;
+            EXPECT_EQ(1, IXNEXT(lezer, &r)) << g.wat;
+            EXPECT_EQ(hier + g.uit, r.nr) << g.wat;
+            EXPECT_EQ(static_cast<char>(g.inhoud), r.rest[0]) << g.wat;
+            EXPECT_EQ(1, IXWRITE(schrijver, &volgende));
+        }
+    IXCLOSE(lezer);
+    IXCLOSE(schrijver);
+    EXPECT_GEZOND("T");
+}
+
 // Cut, emptied, rebuilt or replaced under who has it open: an answer, or a report; and with the file whole again the same
 // handle goes on.
 TEST(Kaart, BestandVeranderdOnderDeLezer) {
