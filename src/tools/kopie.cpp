@@ -48,7 +48,7 @@ std::string echt_pad(const std::string& pad) {
 
 // What belongs to no copy: other copies' own files, work under way, and the notes of reservations, which go as well.
 bool overslaan(const std::string& naam) {
-    return naam == KOPIELIJST || naam.starts_with(KOPIEWERK) || naam == "lost+found" ||
+    return naam == KOPIELIJST || naam.starts_with(KOPIEWERK) || naam == "lost+found" || naam == ".zgdeel" ||
            IOPAST("SERNR??.RES", naam.c_str()) || IOPAST("*.ixwerk??????", ("x" + naam).c_str());
 }
 

@@ -202,6 +202,7 @@ const Soort SOORTEN[] = {
     {"ZGDEMO.MRK", nullptr, nullptr},
     {"ZEBCAT", nullptr, nullptr},
     {"DETAIL", nullptr, nullptr},
+    {".zgdeel", "", "zgdeel under way, or killed; the next one sweeps it"},
     {".ixwerk??????", "", "a load or copy under way, or killed; the next one sweeps it"},
 };
 

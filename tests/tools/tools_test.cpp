@@ -173,6 +173,7 @@ TEST_F(Tools, ShellsCompleteTheToolsWords) {
         {"zgedi -D ''", "map"},
         {"orddump --kind w", "work"},
         {"zgcopy m", "map"},
+        {"zgdeel --wait m", "map"},
         {"zgedi -D map method i", "internet"},
         {"ordprint -f bra", "branch"},
     };

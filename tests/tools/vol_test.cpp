@@ -42,6 +42,7 @@ TEST(Vol, NoToolEndsWellOnAFullDisk) {
                                  "zgteksten ZEBCAT",
                                  "ixcheck --help",
                                  "zgcopy --version",
+                                 "zgdeel --help",
                                  "zgdruk --words"}) {
         const Uit u = sh("m=" + map.pad() + "; " + in_demo + opdracht + " >/dev/full");
         EXPECT_NE(u.status, 0) << opdracht << ": " << u.tekst;
