@@ -176,7 +176,7 @@ bool verwerk(Vlak& v, int32_t toets) {
     default:
         if (toets == K_HELP)
             toets = '?';
-        if (toets != HARD && (toets < 32 || toets > 255 || (NKLASSE[toets] & N_CONTROL)))
+        if (toets != HARD && (toets < 32 || toets > 255 || (NKLASSE[static_cast<size_t>(toets)] & N_CONTROL)))
             return false;
         teken(v, static_cast<char>(toets));
     }
