@@ -24,7 +24,6 @@ namespace zg {
 namespace {
 
 constexpr int WAARDE = 21;                      // column of the values
-constexpr int NAAM = 27;                        // and of what a code stands for
 constexpr int TEKSTBREED = 35;                  // of a text's first line
 constexpr int TEKSTRIJ = 12, TEKSTKOLOM = 10;   // of its window
 constexpr int STELSELRIJ = 1, STELSELKOLOM = 1; // of the screen of a size type

@@ -456,12 +456,12 @@ std::string Terminal::uitvoer() {
 
 TijdelijkeMap::TijdelijkeMap(bool erin) {
     slotboek_aan();
-    char naam[] = "/tmp/zgtestXXXXXX";
-    if (!mkdtemp(naam)) {
+    const char* waar = getenv("TMPDIR");
+    pad_ = std::string(waar && *waar ? waar : "/tmp") + "/zgtestXXXXXX";
+    if (!mkdtemp(pad_.data())) {
         perror("mkdtemp");
         abort();
     }
-    pad_ = naam;
     if (erin) {
         terug_ = std::filesystem::current_path();
         std::filesystem::current_path(pad_);

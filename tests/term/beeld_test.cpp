@@ -101,13 +101,15 @@ TEST(Beeld, LongWorkWithoutAWord) {
             BEZIGTOON();
             slaap(2000);
             BEZIGWIS();
+            SCRBASE(A_WAARDE, SCHERM.lines, SCHERM.cols - 16, "wat daar nu staat");
+            BEZIGWIS(); // there is nothing to take away
             TOETSLEEG();
         });
         t.stuur(std::string("x") + wachtend);
         t.wacht("aan het werk", 1900);
         EXPECT_EQ(t.scherm().find("Even geduld"), std::string::npos);
         t.wacht("Even geduld aub");
-        t.weg("Even geduld aub");
+        t.wacht("wat daar nu staat");
     }
 }
 

@@ -45,7 +45,7 @@ TR_MENU* balk() {
                                                  {-1, "&Los", 3, 1, 0, handler},
                                                  {-1, "&Dicht", 4, 0},
                                                  {1, "&Nieuw", 11, 1, 0, handler},
-                                                 {1, "", 98, 2},
+                                                 {1, "Kop", 98, 2},
                                                  {1, "&Wijzig", 12, 0, 0, handler},
                                                  {1, "&Toon", 13, 1, '.'},
                                                  {2, "&Netto", 21},
@@ -110,6 +110,7 @@ TEST(Menu, BalkOpHetScherm) {
     EXPECT_FALSE(t.cel(2, 11).keus);
     EXPECT_NE(t.cel(2, 11).voor, t.cel(2, 12).voor); // the hot letter
     EXPECT_EQ(t.cel(2, 25).voor, t.cel(2, 26).voor); // none on a disabled item
+    stappen(t, {{"o", {{5, 2, "│───Kop───│"}}}, {"<Esc>", {{2, 1, rij}}}});
     stappen(t, {{"<Right><Down>", {{3, 10, "┌─────────┐"}, {4, 10, "│ Netto   │"}, {5, 10, "│ Valuta →│"}}},
                 {"<Down><Enter>", {{5, 20, "┌──────────┐ "}, {6, 20, "│ Koers    │ "}}},
                 {"<Esc><Esc><Esc>", {{2, 1, rij}}}});

@@ -66,6 +66,8 @@ TEST(Prompt, FflashMaten) {
         int uit;
     } const gevallen[] = {
         {-1, "", "kort", "<Enter>", {10, 25, 4, 32}, 12, 27, enter, 1},
+        {-1, "", "", "<Enter>", {11, 25, 3, 32}, 12, 27, enter, 1}, // no row for a text that there isn't
+        {-1, "", "\nx", "<Enter>", {10, 25, 5, 32}, 13, 27, enter, 1},
         {-1, "Titel", v25, "x<Enter>", {1, 25, 23, 32}, 21, 27, "regel 20 ", 1},
         {-1, x(66, 't'), "x", "<Enter>", {10, 25, 4, 32}, 10, 26, "────", 1}, // too long for a title
 

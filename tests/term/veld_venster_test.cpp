@@ -55,6 +55,7 @@ TEST(VeldVenster, Hulp) {
         {"20c,E", "van een tekst", "U moet 20 posities vullen", "Alle tekens", ""},
         {"8.4f,P", "van een getal", "U mag 8 posities vullen, waarvan  4 cijfers na de komma", "Alle cijfers",
          "Bereik : 0.0001 t/m 999.9999"},
+        {"8f,P", "van een getal", "U mag 8 posities vullen", "Alle cijfers", "Bereik : 1 t/m 99999999"},
         {"8B,ZP", "van een bedrag", "U mag 8 posities vullen, waarvan  2 cijfers na de komma", "Alle cijfers",
          "Bereik : 0.00 t/m 99999.99"},
         {"10D", "van een datum", "U mag 10 posities vullen  (DDMMJJ)", "Alle cijfers", ""},
