@@ -127,10 +127,11 @@ void IXLAATLOS(ICB* icb);
 // Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it
 // may have got another key since the entry was read, or not yet have its new one: R_ANDER, pause and search again, as
 // long as somebody is writing. Then it is taken as it is; but in a walk in this direction ('>' or '<', else '=') a key
-// that leads back is damage, and the program stops.
+// that leads back, or behind the end of the data file, is damage, and the program stops.
 class Geduld;
 enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
 Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld);
+bool IXLEESHEEL(ICB* icb, void* rec);   // the record at `currec`; false, and 0xFF, past the end of the file
 bool IXLEESLEVEND(ICB* icb, void* rec); // the record at `currec`; is it in use?
 
 // The caller gets the record at `currec`: a walk that stands on it knows him by this from now on (wandel.cpp).

@@ -61,17 +61,23 @@ int64_t IXSEEKDAT(ICB* icb) {
     return plaats;
 }
 
-void IXRDREC(ICB* icb, void* rec) {
-    IXEIS(icb, "IXRDREC");
+bool IXLEESHEEL(ICB* icb, void* rec) {
     const size_t lengte = static_cast<size_t>(icb->h.reclen);
     int64_t plaats = IXSEEKDAT(icb);
     if (van_de_kaart(icb, rec))
-        return;
+        return true;
     ssize_t n = SYSLEES(icb->datfd, rec, lengte, plaats);
     if (n < 0)
         IXSCHIJFFOUT(icb, icb->datfd, plaats, icb->h.reclen);
-    if (static_cast<size_t>(n) < lengte)
-        memset(rec, 0xFF, lengte); // what lies past the end is free
+    if (static_cast<size_t>(n) == lengte)
+        return true;
+    memset(rec, 0xFF, lengte); // what lies past the end is free
+    return false;
+}
+
+void IXRDREC(ICB* icb, void* rec) {
+    IXEIS(icb, "IXRDREC");
+    IXLEESHEEL(icb, rec);
 }
 
 bool IXLEESLEVEND(ICB* icb, void* rec) {
@@ -105,7 +111,15 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
 }
 
 Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld) {
-    if (!IXLEESLEVEND(icb, rec))
+    if (!IXLEESHEEL(icb, rec)) {
+        if (icb->tempidx || richting == '=')
+            return R_VRIJ;
+        // A record stands before the first key leads to it, so the data file has been cut or emptied.
+        if (geduld->nog_eens())
+            return R_ANDER;
+        IXSTUK(icb, icb->curblock);
+    }
+    if (!IXRECLIVE(rec, icb->h.reclen))
         return R_VRIJ;
     if (icb->tempidx || (richting == '=' && ALLEEN(icb)))
         return R_GOED; // a temporary index may be older than the records it leads to

@@ -33,8 +33,8 @@ bool alleen_lezen(const ICB* icb) {
 // What became of a change that was worked out. SLOT_BEZET: a lock that it needs is another's at this moment.
 enum Werk { KLAAR, NIETS, SLOT_BEZET };
 
-// A number for a new record: the slot freed last, or one behind the last. Neither may be a record in use: a chain or a
-// count that says so is damage, and writing there would lose that record. A free slot that somebody has locked stays in
+// A number for a new record: the slot freed last, or one behind the last. Neither may be a record in use, nor the slot lie
+// behind the end: a chain or a count that says so is damage, and writing there would lose a record or leave a hole. A free slot that somebody has locked stays in
 // the chain. Nobody knows the number before its record stands and the first key leads there, so it is locked only for
 // who keeps the lock (`houd`); when that is refused behind the last, the whole file is (an exclusive opener), and
 // nothing may be waited for with the header in hand.
@@ -44,7 +44,7 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
         icb->currec = icb->h.freehead;
         if (houd ? IXPROBEERSLOT(icb) : IXSLOTVRIJ(icb)) {
             memset(vrij, 0xFF, IXRECMAX);
-            if (IXLEESLEVEND(icb, vrij))
+            if (!IXLEESHEEL(icb, vrij) || IXRECLIVE(vrij, icb->h.reclen))
                 IXSTUK(icb, 0);
             int32_t volgende = LEES32(vrij + 1);
             if (volgende >= icb->h.nrecs)

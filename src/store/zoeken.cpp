@@ -69,11 +69,26 @@ bool bestendig(ICB* icb) {
     return KNOOP(icb).keyno == sleutel && KNOOP(icb).level == niveau;
 }
 
+// Do the last entries of the leaf in hand ascend, or at least differ? A block whose end was lost on the disk holds zeros there,
+// and a search would pass over what it hides.
+bool zinnig(const Zoeker& z) {
+    const int n = z.aantal();
+    if (n < 2)
+        return true;
+    const int d = IXVERGELIJK(*z.def, z.entry(n - 2), z.entry(n - 1), z.def->keylen);
+    return d < 0 || (d == 0 && z.wijzer(n - 2) != z.wijzer(n - 1));
+}
+
+// The same of a leaf that may have been read half written; of another node, true.
+bool blad_zinnig(const Zoeker& z) {
+    return KNOOP(z.icb).level > 1 || zinnig(z) || (bestendig(z.icb) && zinnig(z));
+}
+
 // '<' in a leaf whose first entry is not below the key: the last entry of the subtree to the left, where the
 // path last had one.
 Uitslag linksom(const Zoeker& z, int32_t blok, int niveau, int32_t* uit) {
     for (; niveau >= 1; niveau--) {
-        if (!daal(z, blok, niveau) || (niveau == 1 && !bestendig(z.icb)) || z.aantal() == 0)
+        if (!daal(z, blok, niveau) || (niveau == 1 && (!bestendig(z.icb) || !zinnig(z))) || z.aantal() == 0)
             return ONGERIJMD;
         z.icb->curent = z.entry(z.aantal() - 1);
         blok = z.wijzer(z.aantal() - 1);
@@ -111,6 +126,8 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
     int32_t linkerblok = GEENBLOK, linkerniveau = 0;
     int omwegen = 0;
     *uit = GEENBLOK;
+    if (!blad_zinnig(z))
+        return ONGERIJMD;
     while (KNOOP(icb).level > 1) {
         int niveau = KNOOP(icb).level;
         int i = op == '>' ? z.erna() : z.plaats();
@@ -126,7 +143,7 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
         }
         uint8_t hek[IXSLEUTELMAX];
         memcpy(hek, z.entry(i), z.def->keylen);
-        if (!daal(z, z.wijzer(i), niveau - 1))
+        if (!daal(z, z.wijzer(i), niveau - 1) || !blad_zinnig(z))
             return ONGERIJMD;
         const auto voorbij = [&] { return z.aantal() == 0 || z.vergelijk(z.aantal() - 1) >= 0; };
         if (op == '>' && niveau == 2 && voorbij()) {

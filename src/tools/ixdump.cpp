@@ -1,6 +1,7 @@
 // ixdump: a pair as text. Records are read by large pieces, each under the header lock, so that none is seen
 // half written and no user is held up; with --hold the whole dump is one moment in time.
 #include "shared/woordenboek.h"
+#include "store/node.h"
 #include "tools/dump.h"
 #include "tools/opdracht.h"
 #include "tools/uitvoer.h"
@@ -48,7 +49,7 @@ std::string voorwaarde(const std::string& tekst, const std::vector<Veld>& velden
 }
 
 int schrijf(const Opdracht& o, const std::vector<Veld>& velden, const std::vector<Voorwaarde>& eisen,
-            Paar& paar, FILE* uit) {
+            Paar& paar, FILE* uit, int64_t* gelezen) {
     Dumpkop kop = dumpkop(paar.kop, o.tabel.empty() ? tabelnaam(paar.naam) : o.tabel);
     const int reclen = paar.kop.reclen;
     const bool vrije = !o.kaal && eisen.empty();
@@ -57,7 +58,7 @@ int schrijf(const Opdracht& o, const std::vector<Veld>& velden, const std::vecto
     DumpSchrijver dump(uit, o.json, o.scheiding);
     dump.kop(kop, velden, o.kaal);
     std::vector<uint8_t> stuk(static_cast<size_t>(STUK / reclen * reclen));
-    const int64_t nrecs = paar.datbytes / reclen;
+    const int64_t nrecs = *gelezen = paar.datbytes / reclen;
     Balk balk("dump " + kop.naam, nrecs);
     for (int64_t nr = 0; nr < nrecs;) {
         if (!o.heel)
@@ -66,8 +67,10 @@ int schrijf(const Opdracht& o, const std::vector<Veld>& velden, const std::vecto
         ssize_t n = pread(paar.dat, stuk.data(), stuk.size(), nr * reclen);
         if (!o.heel)
             paar_los(&paar);
-        if (n < reclen)
+        if (n < reclen) {
+            *gelezen = nr;
             break;
+        }
         for (const uint8_t* rec = stuk.data(); rec + reclen <= stuk.data() + n && nr < nrecs;
              rec += reclen, nr++) {
             int32_t volgende = -1;
@@ -116,12 +119,21 @@ int ixdump(const Opdracht& o) {
     Uitvoer uit(o.bestand);
     if (!uit.stroom())
         return klacht(o.bestand, strerror(errno)), NIET_TE_OPENEN;
-    if (int uitkomst = schrijf(o, velden, eisen, paar, uit.stroom()))
+    int64_t gelezen = 0; // records that the data file gave
+    if (int uitkomst = schrijf(o, velden, eisen, paar, uit.stroom(), &gelezen))
         return uitkomst;
     if (!uit.af())
         return klacht(o.bestand, strerror(errno)), FOUT_GEVONDEN;
     if (paar.datbytes % paar.kop.reclen != 0)
         return klacht(paar.naam, "the data file ends inside a record; those bytes are left out"),
+               FOUT_GEVONDEN;
+    // By a header of the dictionary nobody knows how many there were; a selection's says nothing of the data file.
+    int64_t zoveel = paar.datbytes / paar.kop.reclen;
+    if (!o.woordenboek && !IXTIJDELIJKENAAM(naam.c_str()))
+        zoveel = std::max<int64_t>(zoveel, paar.kop.nrecs);
+    if (gelezen < zoveel)
+        return klacht(paar.naam, "the data file was cut: it ends behind " + std::to_string(gelezen) +
+                                     " of its " + std::to_string(zoveel) + " records"),
                FOUT_GEVONDEN;
     return GOED;
 }

@@ -78,6 +78,30 @@ TEST_F(Tools, DumpAndLoadGiveTheSameDataFile) {
         }
 }
 
+TEST_F(Tools, ACutDataFileIsTold) {
+    const struct {
+        int weg;
+        const char *dump, *check;
+    } gevallen[] = {
+        {12, "cut: it ends behind 199 of its 200 records", "counts 200 records, the data file holds 199"},
+        {5, "ends inside a record", "ends inside a record"},
+        {12 * 200, "cut: it ends behind 0 of its 200 records", "counts 200 records, the data file holds 0"},
+    };
+    maak(SOORTEN[1], 200);
+    const std::string data = lees_bestand("EENVIER.TXT");
+    for (const auto& g : gevallen) {
+        schrijf_bestand("EENVIER.TXT", data.substr(0, data.size() - static_cast<size_t>(g.weg)));
+        for (const char* vorm : {"", " --hold", " --json"}) {
+            const Uit u = sh(std::string("ixdump") + vorm + " EENVIER -o uit");
+            EXPECT_EQ(u.status, 1) << u.tekst;
+            EXPECT_NE(u.tekst.find(g.dump), std::string::npos) << u.tekst;
+        }
+        const Uit u = sh("ixcheck EENVIER");
+        EXPECT_EQ(u.status, 1) << u.tekst;
+        EXPECT_NE(u.tekst.find(g.check), std::string::npos) << u.tekst;
+    }
+}
+
 TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
     const struct {
         const char *inhoud, *wat;

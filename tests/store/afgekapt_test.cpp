@@ -1,0 +1,142 @@
+// What the disk has lost: the end of a data file, the end of an index block. Walks stop with a report where they would have
+// given less, and nothing is written behind the end. On both roads, whoever holds the handle.
+#include "shared/files.h"
+#include "store/hulp.h"
+#include "store/node.h"
+#include <cstring>
+#include <unistd.h>
+
+namespace zg::test {
+namespace {
+
+struct [[gnu::packed]] Rec {
+    uint32_t nr;
+    char naam[20], rest[8];
+};
+static_assert(sizeof(Rec) == 32);
+constexpr uint32_t RECORDS = 500;
+
+Rec rec(uint32_t nr) {
+    Rec r{};
+    r.nr = nr;
+    snprintf(r.naam, sizeof r.naam, "naam %u", nr * 7919 % 10'007);
+    r.rest[7] = '.';
+    return r;
+}
+
+void maak() {
+    ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,4", "n,C,5,24"}}, 2);
+    for (uint32_t i = 0; i < RECORDS; i++) {
+        const Rec r = rec(i);
+        ASSERT_EQ(1, IXWRITE(icb, &r));
+    }
+    IXCLOSE(icb);
+}
+
+uint32_t loop(ICB* icb, int sleutel, bool terug) {
+    uint32_t n = 0;
+    Rec r{};
+    IXSWITCH(icb, sleutel);
+    if (terug) {
+        memset(&r, 0xFF, sizeof r);
+        icb->currec = INT32_MAX;
+        while (n <= RECORDS && IXPREVR(icb, &r, 0))
+            n++;
+    } else
+        for (int er = IXFIRST(icb, &r); er && n <= RECORDS; er = IXNEXT(icb, &r))
+            n++;
+    return n;
+}
+
+constexpr const char* RAAR = "iet consistent";
+
+struct Afgekapt : testing::Test {
+    TijdelijkeMap map;
+    ~Afgekapt() override { unsetenv("ZGKAART"); }
+    // Each road, each kind of handle.
+    template <class F> void overal(F doe) {
+        for (const char* kaart : {"1", "0"})
+            for (const int mode : {0, 1, 2}) {
+                SCOPED_TRACE(std::string("ZGKAART=") + kaart + ", mode " + std::to_string(mode));
+                setenv("ZGKAART", kaart, 1);
+                doe(mode);
+            }
+    }
+};
+
+TEST_F(Afgekapt, GegevensOnderDeWandelaar) {
+    maak();
+    const std::string data = lees_bestand("T.TXT");
+    for (const size_t lengte : {data.size() - 32, data.size() - 20, size_t{250 * 32}, size_t{0}})
+        overal([&](int mode) {
+            schrijf_bestand("T.TXT", data.substr(0, lengte));
+            for (const int sleutel : {1, 2})
+                for (const bool terug : {false, true}) {
+                    const std::string rapport = stopt([&] { loop(IXOPEN("T", mode), sleutel, terug); });
+                    EXPECT_NE(std::string::npos, rapport.find(RAAR))
+                        << lengte << ", key " << sleutel << terug << ": " << rapport;
+                }
+            EXPECT_EQ("", stopt([&] {
+                          ICB* icb = IXOPEN("T", mode);
+                          for (uint32_t i = 0; i < RECORDS; i++)
+                              if (Rec r = rec(i); (IXREAD(icb, &r) == 1) != ((i + 1) * 32 <= lengte))
+                                  _exit(3);
+                      }))
+                << "read, " << lengte;
+        });
+}
+
+TEST_F(Afgekapt, VrijSlotAchterHetEinde) {
+    maak();
+    ICB* icb = IXOPEN("T", 2);
+    Rec r = rec(RECORDS - 1);
+    ASSERT_EQ(1, IXREADL(icb, &r));
+    IXDELETE(icb, &r);
+    IXCLOSE(icb);
+    const std::string data = lees_bestand("T.TXT"), index = lees_bestand("T.INX");
+    for (const size_t lengte : {data.size() - 32, data.size() - 1, size_t{100 * 32}})
+        overal([&](int mode) {
+            if (mode == 0)
+                return;
+            schrijf_bestand("T.TXT", data.substr(0, lengte));
+            schrijf_bestand("T.INX", index);
+            const std::string rapport = stopt([&] {
+                const Rec nieuw = rec(7777);
+                IXWRITE(IXOPEN("T", mode), &nieuw);
+            });
+            EXPECT_NE(std::string::npos, rapport.find(RAAR)) << lengte << ": " << rapport;
+            EXPECT_EQ(lengte, lees_bestand("T.TXT").size());
+        });
+}
+
+// Of a leaf the last entry, half of them, or all but the count are zeros.
+TEST_F(Afgekapt, BladMetNullen) {
+    maak();
+    const std::string index = lees_bestand("T.INX");
+    const int stappen[] = {0, 4 + 4, 20 + 4 + 4};
+    for (size_t blok = 3; blok < index.size() / IXBLOK; blok++) {
+        IXKNOOP k;
+        memcpy(&k, &index[blok * IXBLOK], sizeof k);
+        if (k.level != 1 || blok % 3 != 0)
+            continue;
+        ASSERT_GT(k.count, 2);
+        for (const int van : {k.count - 1, k.count / 2, 0}) {
+            IXKNOOP half = k;
+            const int heel = van * stappen[k.keyno];
+            memset(half.entries + heel, 0, static_cast<size_t>(KNOOPRUIMTE - heel));
+            std::string kapot = index;
+            memcpy(&kapot[blok * IXBLOK], &half, sizeof half);
+            schrijf_bestand("T.INX", kapot);
+            overal([&](int mode) {
+                for (const bool terug : {false, true}) {
+                    const std::string rapport = stopt([&] { loop(IXOPEN("T", mode), k.keyno, terug); });
+                    EXPECT_NE(std::string::npos, rapport.find(RAAR))
+                        << "block " << blok << " from entry " << van << terug << ": " << rapport;
+                }
+            });
+        }
+    }
+}
+
+} // namespace
+} // namespace zg::test
