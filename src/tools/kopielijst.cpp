@@ -102,7 +102,8 @@ bool kopie_lijst(Kopie* k, const std::string& kop) {
         }
         aantal++;
     }
-    if (!goed || !regel(EIND + std::to_string(aantal)) || !uit.af() || SYS.fsync(uit.fd()) != 0) {
+    if (!goed || !regel(EIND + std::to_string(aantal)) || !uit.af() || SYS.fsync(uit.fd()) != 0 ||
+        !SYSEVENALS(uit.fd(), (k->van + "/" + KOPIELIJST).c_str())) { // the group of what it lists
         k->fout = pad + ": " + strerror(errno);
         return false;
     }

@@ -200,6 +200,7 @@ const Soort SOORTEN[] = {
     {"PR????.TMP", "", nullptr, los_druk},
     {"PR@@##", "", nullptr, los_druk},
     {"ZGDEMO.MRK", nullptr, nullptr},
+    {"ZGCOPY.LST", nullptr, nullptr}, // of a restore
     {"ZEBCAT", nullptr, nullptr},
     {"DETAIL", nullptr, nullptr},
     {".zgdeel", "", "zgdeel under way, or killed; the next one sweeps it"},

@@ -57,7 +57,9 @@ TEST_F(Kopie, HasAllOfItAndComesBack) {
         sh("m=" + map.pad() + "; cd " + d +
            " && zgedi init internet && ln DTRCMSYS.TXT EDISYS.CVC && mkdir -p leeg/diep 'met spatie' && "
            "echo x >'met spatie/a\\b' && ln -s DTLEV.TXT binnen && ln -s nergens los && mkfifo pijp && "
-           "chmod 0640 DTLEV.TXT && chmod 2770 leeg && touch SERNR01.RES && "
+           "chmod 0640 DTLEV.TXT && chmod 2770 leeg && chgrp " +
+           std::to_string(GROEP) +
+           " . && touch SERNR01.RES && "
            "mkdir .ixwerkAAAAAA $m/buiten && echo y >$m/buiten/ver && ln -s $m/buiten uit-huis && "
            "touch -d '2016-03-01 12:00' ZGDEMO.MRK");
     ASSERT_EQ(maak.status, 0) << maak.tekst;
@@ -84,6 +86,9 @@ TEST_F(Kopie, HasAllOfItAndComesBack) {
     EXPECT_EQ(rechten("kopie/DTLEV.TXT"), rechten(d + "/DTLEV.TXT"));
     EXPECT_EQ(rechten("kopie/leeg"), rechten(d + "/leeg"));
     EXPECT_EQ(rechten("kopie"), rechten(d));
+    EXPECT_EQ(rechten("kopie/ZGCOPY.LST"), rechten(d).replace(0, 4, "0660"))
+        << "or zgcheck says it is another's";
+    EXPECT_FALSE(sh("zgcheck kopie").zegt("ZGCOPY"));
     EXPECT_TRUE(fs::last_write_time("kopie/ZGDEMO.MRK") == fs::last_write_time(d + "/ZGDEMO.MRK"));
 
     EXPECT_EQ(sh("cd kopie && sha256sum --quiet -c ZGCOPY.LST").tekst, "");
