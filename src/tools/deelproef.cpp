@@ -20,7 +20,7 @@ const Rondesoort RONDESOORT[R_AANTAL] = {
     {{"a block rewritten", nullptr}},
     {{"a file grown", nullptr}},
     {{"a file cut", nullptr}},
-    {{"a name replaced", "the name still my file", "a lock of the new file"}},
+    {{"a name replaced", "the name still my file", "a lock of the new file", "a replaced file still open"}},
     {{"a name made", "a name removed", "the directory's list"}},
 };
 
@@ -139,6 +139,7 @@ struct Kort : Proef {
 
 // As a journal at each commit: the new file is locked before it takes the name, and stays open.
 struct Vervang : Proef {
+    Open ongebruikt; // opened behind the last round, and not touched since
     bool schrijf(int r) override {
         Open nieuw;
         const std::string kladnaam = naam + ".new";
@@ -156,6 +157,8 @@ struct Vervang : Proef {
                            ? (errno == ENOENT || errno == ESTALE ? "" : fouttekst()) // neither is his own
                        : oud.st_ino == nu.st_ino ? "held for the same file"
                                                  : "");
+        if (ongebruikt.fd >= 0)
+            tel(&t[3], staat(ongebruikt.fd, vulling(r - 1, 600), 0));
         Open nieuw;
         const bool er = nieuw.open(naam);
         tel(&t[0], er ? staat(nieuw.fd, vulling(r, 600), 0) : fouttekst());
@@ -164,6 +167,8 @@ struct Vervang : Proef {
             tel(&t[2], had == 0 ? "" : had == 1 ? "not seen" : fouttekst());
             f.word(&nieuw);
         }
+        ongebruikt.dicht();
+        ongebruikt.open(naam);
     }
 };
 
@@ -273,7 +278,7 @@ bool Ronde::klaar(std::string* fout) const {
 }
 
 std::vector<Telling> Ronde::doe() {
-    std::vector<Telling> uit(3);
+    std::vector<Telling> uit(PROEVEN);
     std::string fout;
     for (int r = 0; r < b_->proef->aantal && fout.empty(); r++) {
         DEELSTAP(RONDESOORT[b_->soort].proeven[0]);

@@ -17,8 +17,9 @@ std::string deel_schrijf(const std::vector<Telling>& t);
 std::vector<Telling> deel_lees(const std::string& s);
 
 // Kinds of rounds, and what is looked at in each.
+inline constexpr size_t PROEVEN = 4;
 struct Rondesoort {
-    const char* proeven[3]; // null behind the last
+    const char* proeven[PROEVEN]; // null behind the last
 };
 enum { R_BLOK, R_GROEI, R_KORT, R_VERVANG, R_LOS, R_AANTAL };
 extern const Rondesoort RONDESOORT[R_AANTAL];

@@ -251,7 +251,7 @@ void Vragen::ronde(int soort) {
         if (!s.empty() || !fout.empty())
             return zeg(RONDESOORT[soort].proeven[0], s.empty() ? fout : s);
     }
-    for (size_t i = 0; i < 3 && RONDESOORT[soort].proeven[i]; i++) {
+    for (size_t i = 0; i < PROEVEN && RONDESOORT[soort].proeven[i]; i++) {
         std::string kwaal;
         for (const int daar : {0, 1})
             if (i < t[daar].size() && t[daar][i].fout)

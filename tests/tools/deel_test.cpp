@@ -125,7 +125,7 @@ TEST(Deel, EachKindOfOldDataIsFound) {
             const std::vector<Telling> t = hier.doe();
             SYS = echt;
             EXPECT_EQ(ander.antwoord(), ".");
-            for (size_t i = 0; i < 3; i++)
+            for (size_t i = 0; i < PROEVEN; i++)
                 if (!ziek) {
                     EXPECT_EQ(t[i].fout, 0) << t[i].eerst;
                 }
