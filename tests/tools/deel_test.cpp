@@ -82,6 +82,14 @@ int oude_naam(const char* pad, int vlaggen, mode_t mode) {
     return fcntl(oud.namen[pad], F_DUPFD_CLOEXEC, 0);
 }
 
+// A file without a name is gone.
+ssize_t naamloos_weg(int fd, void* buf, size_t n, off_t plaats) {
+    struct stat st;
+    if (echt.fstat(fd, &st) == 0 && st.st_nlink == 0)
+        return errno = ESTALE, -1;
+    return echt.pread(fd, buf, n, plaats);
+}
+
 int altijd_slot(int fd, int opdracht, struct flock* s) {
     struct stat st;
     return echt.fstat(fd, &st) == 0 && st.st_size == 600
@@ -101,6 +109,7 @@ TEST(Deel, EachKindOfOldDataIsFound) {
         {R_KORT, 0, "old size", [] { SYS.fstat = oude_stand; }},
         {R_VERVANG, 0, "old data", [] { SYS.open = oude_naam; }},
         {R_VERVANG, 2, "not seen", [] { SYS.slot = altijd_slot; }},
+        {R_VERVANG, 3, "Stale file handle", [] { SYS.pread = naamloos_weg; }},
         {R_LOS, 1, "still opened", [] { SYS.open = oude_naam; }},
     };
     constexpr int RONDES = 40;
