@@ -47,11 +47,28 @@ _zg_kind() { # what may stand here, by its kind
       COMPREPLY+=($(compgen -W "$(tr -d '{}' <<<"$1" | tr ',' '\n')" -- "$2")) ;;
     dir) COMPREPLY+=($(compgen -d -- "$2")) ;;
     file) COMPREPLY+=($(compgen -f -- "$2")) ;;
+    by:*) _zg_by "${1#by:}" "$2" ;;
     pair) COMPREPLY+=($(compgen -f -X '!*.INX' -- "$2" | sed 's/\.INX$//') $(compgen -d -- "$2")) ;;
   esac
 }
+_zg_by() { # a kind first, behind it numbers, then the names of that kind; all of them in "kind/numbers/name=,name=+..."
+  local rows row words= rest
+  compopt +o filenames 2>/dev/null
+  IFS=+ read -ra rows <<<"$1"
+  for row in "${rows[@]}"; do
+    rest=${row#*/}
+    if ((n == 0)); then
+      words+=${row%%/*}$'\n'
+    elif [[ $first == "${row%%/*}" ]] && ((n > ${rest%%/*})); then
+      words=$(tr ',' '\n' <<<"${rest#*/}")
+      compopt -o nospace 2>/dev/null
+    fi
+  done
+  COMPREPLY+=($(compgen -W "$words" -- "$2"))
+}
 _zg_complete() {
-  local tool=${1##*/} word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= i n=0 kinds
+  local tool=${1##*/} word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command= first= i n=0 kinds
+  [[ $word == = || $before == = ]] && return # a value, which nobody knows
   COMPREPLY=()
   for ((i = 1; i < COMP_CWORD; i++)); do
     if [[ -z $command && " ${_zg_commands[$tool]:-} " == *" ${COMP_WORDS[i]} "* ]]; then
@@ -59,7 +76,7 @@ _zg_complete() {
     elif [[ ${COMP_WORDS[i]} == -* ]]; then
       [[ -n ${_zg_values["$tool:$command:${COMP_WORDS[i]}"]:-} ]] && ((++i))
     else
-      ((++n))
+      ((n++ == 0)) && first=${COMP_WORDS[i]}
     fi
   done
   kinds=${_zg_values["$tool:$command:$before"]:-}
@@ -86,6 +103,7 @@ for tool; do ln -sf zgbestel "$output/bash/$tool"; done # looked for by the name
     function clean(s) { gsub(/\047/, "\047\\\047\047", s); gsub(/\\|\[|\]|:/, "\\\\&", s); return s }
     function kind(k,   c) {
       if (k ~ /^{/) { c = substr(k, 2, length(k) - 2); gsub(",", " ", c); return "(" c ")" }
+      if (k ~ /^by:/) return "_zg_by " substr(k, 4)
       return k == "dir" ? "_directories" : k == "file" ? "_files" : k == "pair" ? "_zg_pair" : " "
     }
     {
@@ -99,6 +117,16 @@ for tool; do ln -sf zgbestel "$output/bash/$tool"; done # looked for by the name
       if ($4 != "") line[at] = line[at] " " both "\047" $4 ($5 == "value" ? "=" : "") tail
     }
     END {
+      print "_zg_by() { # kind/numbers/name=,name=+..., see bash"
+      print "  local row; local -a rows part"
+      print "  rows=(\"${(@s.+.)1}\")"
+      print "  for row in $rows; do"
+      print "    part=(\"${(@s./.)row}\")"
+      print "    if ((CURRENT == 2)); then compadd -- $part[1]"
+      print "    elif [[ $words[2] == $part[1] ]] && ((CURRENT > 2 + part[2])); then compadd -S \"\" -- ${(s.,.)part[3]}"
+      print "    fi"
+      print "  done"
+      print "}"
       print "_zg_pair() { compadd -f -- *.INX(N:r); _files -/ }"
       for (j = 1; j <= nt; j++) {
         t = tools[j]

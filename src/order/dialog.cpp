@@ -274,6 +274,7 @@ bool tekst_venster(int rij, int kolom, int soort, char* blok) {
     memcpy(oud, blok, BLOKLEN);
     WINOPEN1(rij, kolom, TEKSTRIJEN + 2, TEKSTBREEDTE + 4);
     WINBOX(" %s ", soort_naam(soort));
+    WINVOET(TXT(T_VOET_ESC));
     tekst_dialoog(1, 1, TEKSTRIJEN, TEKSTBREEDTE, blok);
     WINCLOSE();
     return memcmp(oud, blok, BLOKLEN) != 0;

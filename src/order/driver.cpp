@@ -255,6 +255,7 @@ bool kies_seizoen() {
         uint16_t getypt = gekozen_jaar;
         INSTEL.minimum = 0;
         INSTEL.maximum = 9999;
+        TOETSAANMET(K_F10, T_PROGRAMMA_INFO);
         INGAVE(1, SEIZOENKOLOM, "4u,P", &SCHERM.toets[key_cancel], &SCHERM.toets[key_f5],
                &SCHERM.toets[key_f10], &getypt);
         if (TOETSWEG())

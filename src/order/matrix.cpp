@@ -271,6 +271,7 @@ void order_matrix() {
     }
     WINOPEN1(2, 1, SCHERM.lines - 2, 80);
     WINBOX(nullptr);
+    WINVOET(TXT(T_VOET_ESC));
     teken_rand(keuze, als, matrix);
     bekijk(bladen(matrix));
     WINCLOSE();

@@ -222,6 +222,7 @@ bool zoek_ord_periode(ordhandle* h, uint16_t van, uint16_t tot) {
         NOMEM("zoek_ord", 1);
     hier.lijst->positie = 0;
     hier.lijst->vast = 1;
+    hier.lijst->aantal = [] { return int64_t{std::ssize(z->rijen)}; };
     hier.lijst->rij = 6;
     hier.lijst->kolom = 1;
     hier.lijst->breedte = SCHERM.cols;

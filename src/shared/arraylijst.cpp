@@ -5,6 +5,7 @@
 #include "term/ingave.h"
 #include "term/lijst.h"
 #include "term/prompt.h"
+#include "term/teksten.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -50,7 +51,7 @@ void toets() {
     SCRPUT(A_LABEL, rij, 2, "%s ", nu->vraag);
     TOETSAAN(K_CANCEL);
     if (nu->record)
-        TOETSAAN(K_F10);
+        TOETSAANMET(K_F10, T_HELP_F_RECORD);
     INGAVE(rij, 3 + static_cast<int>(strlen(nu->vraag)), nu->formaat, &SCHERM.toets[key_f3], tekst);
     if (SCHERM.laatste == K_F10 && nu->record) {
         open_record();
@@ -87,6 +88,7 @@ int arraylijst(const ArrayLijst& deze) {
     if (!lijst)
         NOMEM("arraylijst", 1);
     lijst->vast = 1;
+    lijst->aantal = [] { return int64_t{std::ssize(nu->regels)}; };
     // The row to begin on with what stands around it; a short list shows whole.
     const int begin = std::clamp(deze.begin, 0, static_cast<int>(std::ssize(deze.regels)) - 1);
     lijst->cursor = begin < PAGINA ? begin : PAGINA / 2;

@@ -137,6 +137,7 @@ int afb_import(uint16_t merk) {
     if (!lijst)
         NOMEM("afb_hdl", 2);
     lijst->vast = 1;
+    lijst->aantal = [] { return int64_t{std::ssize(rijen)}; };
     lijst->merken = 1;
     lijst->breedte = BREEDTE;
     snprintf(lijst->titel, sizeof lijst->titel, " %s ", TXT(T_AFB_NIEUWE));

@@ -251,6 +251,7 @@ bool afb_kies(const seriesleutel& serie, uint16_t merk, const std::string& patro
     if (!deze.lijst)
         NOMEM("afb_hdl", 1);
     deze.lijst->vast = 1;
+    deze.lijst->aantal = [] { return int64_t{std::ssize(nu->zicht)}; };
     deze.lijst->breedte = BREEDTE;
     snprintf(deze.lijst->titel, sizeof deze.lijst->titel, " %s ", TXT(T_AFB_TITEL));
     kies_zicht(naam->empty() ? eigen_naam(serie) : *naam);

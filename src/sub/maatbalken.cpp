@@ -257,6 +257,7 @@ bool maatbalk_kiezen(const char* acties, uint8_t* maten, bool f6) {
     stand.lijst->hoogte = HOOGTE, stand.lijst->breedte = BREEDTE;
     stand.lijst->positie = 0;
     stand.lijst->vast = 1;
+    stand.lijst->aantal = [] { return int64_t{std::ssize(st->balken)}; };
     snprintf(stand.lijst->titel, sizeof stand.lijst->titel, " %-.20s ",
              lijstnaam(MAATSOORTTABEL, {stand.soort, ""}).c_str());
     const bool gekozen = LIJSTRUN(stand.lijst, 0) != 0;

@@ -14,6 +14,7 @@ struct Serieletter {
     char type = 0;                   // of its part of a key: 'I', 'C'; 0: not in the series' record
     uint8_t plaats = 0, breedte = 0; // in the record
     uint8_t kolom = 0;               // characters on the screen, as a value
+    const Tekst* kop = nullptr;      // and the words over them
 };
 extern const std::span<const Serieletter> SERIELETTERS;
 

@@ -6,6 +6,7 @@
 #include "shared/sleutelstand.h"
 #include "sub/merken.h"
 #include "sub/omserie.h"
+#include "sub/rangorde.h"
 #include "sub/serienummer.h"
 #include "sub/serletters.h"
 #include "sub/teksten.h"
@@ -222,6 +223,7 @@ struct Loop {
     std::string zoekveld; // and that of the field
     LIJST* lijst;
     uint8_t rij[IXRECMAX];
+    Rangorde orde{};
 
     serrec rec() const {
         serrec uit;
@@ -256,6 +258,21 @@ bool sta() {
     return er;
 }
 
+// Which row of how many: the file is walked once.
+int64_t rang() {
+    auto recnr = static_cast<int32_t>(nu.lijst->positie);
+    if (!nu.orde.genomen()) {
+        nu.orde.neem(nu.icb, [](const void*) { return true; });
+        IXSKIP(nu.icb, nu.rij, 0, 0, &recnr);
+    }
+    return nu.orde.van(static_cast<int32_t>(nu.lijst->positie));
+}
+
+int64_t aantal() {
+    rang();
+    return nu.orde.aantal();
+}
+
 bool rechts(char letter) {
     return strchr("AKV", letter) != nullptr;
 }
@@ -264,7 +281,7 @@ std::string kolommen(const serrec* rec) {
     std::string uit;
     for (const char letter : nu.kolommen) {
         const Serieletter* l = serieletter(letter);
-        const std::string waarde = rec ? serie_waarde(*rec, letter) : std::string(TXT(*l->label));
+        const std::string waarde = rec ? serie_waarde(*rec, letter) : std::string(TXT(*l->kop));
         char tekst[32];
         snprintf(tekst, sizeof tekst, rechts(letter) ? "%*.*s " : "%-*.*s ", l->kolom, l->kolom,
                  waarde.c_str());
@@ -310,7 +327,7 @@ void toets() {
 
 bool serie_lijst(ICB* icb, const char* letters, serrec* rec) {
     const Loop bewaard = nu;
-    nu = {icb, "", letters, LIJSTNEW(haal, toets, kopregel, regel), {}};
+    nu = {icb, "", letters, LIJSTNEW(haal, toets, kopregel, regel), {}, {}};
     if (!nu.lijst)
         NOMEM("serzoek", 1);
     for (const char* bron : {letters, LIJSTLETTERS})
@@ -321,6 +338,8 @@ bool serie_lijst(ICB* icb, const char* letters, serrec* rec) {
     memcpy(nu.rij, rec, sizeof *rec);
     snprintf(nu.lijst->titel, sizeof nu.lijst->titel, " %s ", TXT(T_SZ_SERIES));
     nu.lijst->breedte = LIJSTBREEDTE;
+    nu.lijst->aantal = aantal;
+    nu.lijst->rang = rang;
     bool gekozen = false;
     if (sta()) {
         gekozen = LIJSTRUN(nu.lijst, 0) != 0;

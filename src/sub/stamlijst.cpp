@@ -2,9 +2,11 @@
 #include "sub/stamlijst.h"
 #include "shared/report.h"
 #include "shared/teksten.h"
+#include "sub/rangorde.h"
 #include "term/ingave.h"
 #include "term/lijst.h"
 #include "term/prompt.h"
+#include "term/teksten.h"
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -20,6 +22,7 @@ struct Loop {
     size_t sleutel; // of tabel->sleutels
     LIJST* lijst;
     uint8_t rij[IXRECMAX];
+    Rangorde orde{}; // of the key in force
 } nu;
 
 ICB* icb() {
@@ -76,11 +79,27 @@ bool sta() {
     return er;
 }
 
+// Which row of how many: the table is walked once for each order.
+int64_t rang() {
+    auto recnr = static_cast<int32_t>(nu.lijst->positie);
+    if (!nu.orde.genomen()) {
+        nu.orde.neem(icb(), [](const void* rec) { return !nu.tabel->past || nu.tabel->past(rec, nu.welke); });
+        IXSKIP(icb(), nu.rij, 0, 0, &recnr);
+    }
+    return nu.orde.van(static_cast<int32_t>(nu.lijst->positie));
+}
+
+int64_t aantal() {
+    rang();
+    return nu.orde.aantal();
+}
+
 void open_record() {
     const Loop bewaard = nu;
     const int sleutel = IXSLEUTEL(icb());
     nu.tabel->record(nu.tabel->code(nu.rij), nu.welke);
     nu = bewaard;
+    nu.orde.vergeet();
     IXSWITCH(icb(), sleutel);
     nu.lijst->modus = 1;
     SCHERM.laatste = K_F10;
@@ -99,7 +118,7 @@ void toets() {
         TOETSAAN(K_TAB);
     }
     if (nu.tabel->record)
-        TOETSAAN(K_F10);
+        TOETSAANMET(K_F10, T_HELP_F_RECORD);
     INGAVE(rij, 11, s.formaat, &SCHERM.toets[key_cancel], &SCHERM.toets[key_f3], tekst);
     if (SCHERM.laatste == K_F10 && nu.tabel->record) {
         open_record();
@@ -110,6 +129,7 @@ void toets() {
     if (SCHERM.laatste == K_TAB) {
         nu.sleutel = is_er(nu.sleutel + 1) ? nu.sleutel + 1 : 0;
         IXSWITCH(icb(), nu.tabel->sleutels[nu.sleutel].nummer);
+        nu.orde.vergeet();
         SCHERM.vlag |= V_LEEG;
         return;
     }
@@ -137,7 +157,7 @@ bool stamlijst(const Stamlijst& tabel, const char* titel, int welke, int32_t* co
     const Loop bewaard = nu; // of a list that this one was opened over
     ICB* const pair = *tabel.icb;
     bool gekozen = false;
-    nu = {&tabel, welke, 0, nullptr, {}};
+    nu = {&tabel, welke, 0, nullptr, {}, {}};
     const int sleutel = pair ? IXSLEUTEL(pair) : 0;
     if (pair) {
         nu.lijst = LIJSTNEW(haal, toets, kop, regel);
@@ -149,6 +169,8 @@ bool stamlijst(const Stamlijst& tabel, const char* titel, int welke, int32_t* co
     if (pair && sta()) {
         snprintf(nu.lijst->titel, sizeof nu.lijst->titel, " %s ", titel);
         nu.lijst->breedte = tabel.breedte;
+        nu.lijst->aantal = aantal;
+        nu.lijst->rang = rang;
         gekozen = LIJSTRUN(nu.lijst, 0) != 0;
         if (gekozen)
             *code = tabel.code(nu.rij);

@@ -221,6 +221,7 @@ uint16_t toon_lijst() {
         NOMEM("voorverd", 3);
     v->lijst = lijst.get();
     lijst->vast = 1;
+    lijst->aantal = [] { return int64_t{std::ssize(v->regels)}; };
     lijst->rij = VVRIJ, lijst->kolom = 1, lijst->breedte = SCHERM.cols, lijst->hoogte = SCHERM.lines - 7;
     snprintf(lijst->titel, sizeof lijst->titel, " %s, %s %ld %-.20s ", TXT(T_VV_VERDELINGEN),
              TXT(T_VV_MAATSOORT), long{v->soort.maatsoort}, v->soort.naam.c_str());

@@ -4,6 +4,7 @@
 #include "sub/teksten.h"
 #include "sub/vvdeel.h"
 #include "term/prompt.h"
+#include "term/teksten.h"
 
 namespace zg {
 namespace {
@@ -30,6 +31,7 @@ void open_scherm(Matrixscherm* s, const Vvsoort& soort, Vvkeus wat, uint16_t num
 }
 
 void bekijk(Matrixscherm* s, const aantalmatrix& tabel) {
+    WINVOET(TXT(T_VOET_ESC));
     do {
         for (int32_t key : {K_LEFT, K_RIGHT, K_ENTER})
             TOETSAAN(key);

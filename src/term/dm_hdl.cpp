@@ -174,8 +174,8 @@ int DMRUN(DMREC* menu, int rij, int vast_id) {
             break;
         if (key == K_UP || key == K_DOWN)
             keus = stap(rijen, keus, key == K_UP ? -1 : 1);
-        else
-            gekozen_rij = neem(rijen, keus, key);
+        else if (gekozen_rij = neem(rijen, keus, key); !gekozen_rij)
+            error("%s", TXT(T_ONGELDIGE_TOETS));
     }
     if (gekozen_rij) {
         vast_id = gekozen_rij->soort == 'I' ? gekozen_rij->id : 0;

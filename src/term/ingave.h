@@ -14,7 +14,8 @@ struct Instel {
     std::bitset<512> toe;
     double minimum = 0.0, maximum = -1.0;
     void* extra = nullptr;
-    uint32_t check = 0; // bit s: table key s leaves through validation
+    uint32_t check = 0;           // bit s: table key s leaves through validation
+    const Tekst* uitleg[12] = {}; // what F1 to F12 do here, for the help
 };
 // The current settings; always there, also before SCRINIT.
 extern Instel INSTEL;

@@ -3,6 +3,7 @@
 #include "term/formaat.h"
 #include "term/ingave.h"
 #include "term/veld.h"
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -30,6 +31,7 @@ void zet(const Instel& uit, Instel& naar) {
     naar.minimum = uit.minimum;
     naar.maximum = uit.maximum;
     naar.check = uit.check;
+    std::copy(std::begin(uit.uitleg), std::end(uit.uitleg), naar.uitleg);
 }
 
 } // namespace
@@ -72,6 +74,12 @@ void TOETSAAN(int32_t key) {
         INSTEL.toe.set(K_ESC);
     else if (key == K_HELP)
         INSTEL.toe.set(K_F1);
+}
+
+void TOETSAANMET(int32_t key, const Tekst& wat) {
+    TOETSAAN(key);
+    if (key >= K_F1 && key < K_F1 + 12)
+        INSTEL.uitleg[key - K_F1] = &wat;
 }
 
 void TOETSUIT(int32_t key) {

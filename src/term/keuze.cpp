@@ -155,6 +155,8 @@ int KEUZE(int rij, int kolom) {
     auto past = [&](const std::string& labels) {
         return veld + 1 + static_cast<int>(labels.size() - t.letters.size()) < WINBREEDTE();
     };
+    if (t.letters.empty() && !met_getal()) // a window to look at
+        WINVOET(TXT(T_VOET_ESC));
     const bool lang = past(t.lang);
     if (!lang)
         TOETSAAN(K_HELP);

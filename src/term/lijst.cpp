@@ -5,6 +5,7 @@
 #include "term/ingave.h"
 #include "term/teksten.h"
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -30,10 +31,12 @@ struct Rij {
 struct Beeld {
     LIJST* lijst;
     int ampersand;
-    int eerste;  // window row of row 0
-    int pagina;  // rows on a page
-    int breedte; // inner width
-    int n = 0;   // rows shown
+    int eerste;            // window row of row 0
+    int pagina;            // rows on a page
+    int breedte;           // inner width
+    int telrij;            // where "3 van 60" stands
+    std::string telling{}; // it, as it stands now
+    int n = 0;             // rows shown
     int cursor = 0;
     Rij rijen[PAGINAMAX];
 };
@@ -119,6 +122,23 @@ void teken_merken(const Beeld& b) {
     stel_uit();
     for (int i = 0; i < b.n; i++)
         teken_merk(b, i);
+}
+
+// Which row of how many, at the right of the free row above the search field.
+void toon_telling(Beeld& b) {
+    const LIJST* l = b.lijst;
+    const int64_t van = l->aantal ? l->aantal() : 0;
+    const int64_t nr = van <= 0 ? 0 : l->rang ? l->rang() : int64_t{l->positie} + 1;
+    char tekst[48] = "";
+    if (nr >= 1 && nr <= van)
+        snprintf(tekst, sizeof tekst, TXT(T_LIJST_STAND), static_cast<long>(nr), static_cast<long>(van));
+    if (tekst == b.telling)
+        return;
+    const int breed = static_cast<int>(std::max(b.telling.size(), strlen(tekst)));
+    b.telling = tekst;
+    stel_uit();
+    if (breed + 2 <= b.breedte && b.telrij >= b.eerste + b.pagina)
+        SCRPUT(A_LABEL, b.telrij, b.breedte - breed, "%*s", breed, tekst);
 }
 
 // ---- rows
@@ -249,6 +269,7 @@ bool na_callback(Beeld& b) {
 bool gesprek(Beeld& b) {
     LIJST* l = b.lijst;
     for (bool door = vul(b); door;) {
+        toon_telling(b);
         toetsen_toe(l);
         l->modus = 0;
         l->toets();
@@ -340,6 +361,7 @@ bool toon(LIJST* l, int ampersand) {
     b.eerste = l->kop ? 2 : 1;
     b.pagina = std::clamp(hoogte - b.eerste - 3, 1, PAGINAMAX);
     b.breedte = breedte - 2;
+    b.telrij = hoogte - 3;
     b.cursor = std::clamp(l->cursor, 0, b.pagina - 1);
 
     const int buiten = veldrij; // a list opened from another list's callback

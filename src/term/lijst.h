@@ -29,6 +29,10 @@ struct LIJST {
     int32_t modus; // next paint: 0 or 4 one row, 1 or 8 scrolled by one, 2 or 16 whole page
     char titel[84];
     int32_t cursor; // row of the first page, from 0, that the cursor starts on
+    // For "3 van 60" above the search field: how many rows there are in all, and which of them (from 1) is current. The
+    // first null or 0: it isn't shown; the second null: the one behind `positie` rows.
+    int64_t (*aantal)();
+    int64_t (*rang)();
 };
 
 LIJST* LIJSTNEW(int32_t (*haal)(int32_t), void (*toets)(), void (*kop)(), const char* (*regel)());

@@ -76,10 +76,12 @@ void ENTERWACHT(int rij, int kolom) {
 
     BEZIGWIS();
     WINCURSOR(0);
-    int32_t key;
-    do
-        key = TOETS();
-    while (!TOETSTOE(key));
+    int32_t key = TOETS();
+    const bool mis = !TOETSTOE(key);
+    for (; !TOETSTOE(key); key = TOETS())
+        error("%s", TXT(T_ONGELDIGE_TOETS));
+    if (mis)
+        error("%s", "");
     WINCURSOR(1);
     BEZIGTOON();
 
@@ -89,6 +91,7 @@ void ENTERWACHT(int rij, int kolom) {
     else
         SCHERM.vlag &= ~static_cast<uint32_t>(V_LEEG);
     INSTEL.toe.reset();
+    std::fill(std::begin(INSTEL.uitleg), std::end(INSTEL.uitleg), nullptr);
     return SCHERM.laatste = key;
 }
 

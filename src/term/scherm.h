@@ -171,6 +171,9 @@ inline constexpr auto WINOPEN1 = WINOPENSOORT<1>, WINOPEN2 = WINOPENSOORT<2>, WI
 void WINCLOSE(); // the top one; what it covered comes back
 // Border with a centred title; null: border only. Coordinates count from inside afterwards.
 void WINBOX(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
+// A legend at the right of the bottom border, behind WINBOX (which takes it away); nothing without a border or where it
+// doesn't fit.
+void WINVOET(const char* tekst);
 // Move the cursor; 1, or 0 (and no move) outside the window.
 int WINAT(int rij, int kolom);
 // Attribute and colours of what follows in the current window.

@@ -2,6 +2,7 @@
 // (typed ahead and pushed back) and a playing macro, which term/macro plugs in through MACROHAAK.
 #pragma once
 #include "term/scherm.h"
+#include "term/tekst.h"
 
 namespace zg {
 
@@ -27,6 +28,9 @@ int32_t TOETSTEKEN(int32_t key);
 // Allowed keys of the present INSTEL. Key 0 and codes outside 1 to 511 are never allowed. Allowing K_CANCEL
 // allows K_ESC too, K_HELP allows K_F1.
 void TOETSAAN(int32_t key);
+// The same for F1 to F12, and what it does in the next field, for the help; two or three words. Without them F5 is a list
+// and F6 gives up an adding.
+void TOETSAANMET(int32_t key, const Tekst& wat);
 void TOETSUIT(int32_t key);
 bool TOETSTOE(int32_t key);
 bool TOETSNAMED(int32_t key); // allowed and in the key table

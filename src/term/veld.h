@@ -4,6 +4,7 @@
 #pragma once
 #include "term/ingave.h"
 #include <cstring>
+#include <string>
 
 namespace zg {
 
@@ -46,6 +47,9 @@ void VELDTERUG(const Veld& v);
 
 // Check text and value; sets V_GEWIJZIGD, or V_GEWEIGERD after a report on the status line.
 void VELDKEUR(Veld& v, int32_t key);
+
+// What stands in front of the field on its row as its label, without colon, dots and blanks at the ends; empty for none.
+std::string VELDNAAM();
 
 // The compose box of F11: a character, or 0.
 int32_t COMPOSEINVOER();

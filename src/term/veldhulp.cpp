@@ -117,6 +117,25 @@ void regel_toetsen() {
     SCRPUT(A_WAARDE, 9, KOLOM, "%s", functies.c_str());
 }
 
+// Which field it is, by its label, and what its function keys do.
+void regel_veld(const std::string& naam) {
+    const std::pair<int32_t, const Tekst*> gewoon[] = {
+        {K_F5, &T_HELP_F_LIJST}, {K_F6, &T_TOEVOEGEN_AFBREKEN}, {K_F10, nullptr}};
+    std::string toetsen;
+    for (auto [key, wat] : gewoon) {
+        const int n = key - K_F1;
+        if (INSTEL.uitleg[n])
+            wat = INSTEL.uitleg[n];
+        if (TOETSTOE(key) && wat)
+            toetsen += (toetsen.empty() ? "F" : ", F") + std::to_string(n + 1) + " " + TXT(*wat);
+    }
+    WINAT(11, KOLOM);
+    waarde(naam);
+    if (!naam.empty() && !toetsen.empty())
+        label(": ");
+    label(toetsen.c_str());
+}
+
 void regel_bereik() {
     if (!SCHERM.numeriek)
         return;
@@ -130,6 +149,7 @@ void regel_bereik() {
 } // namespace
 
 void INGAVEHELP() {
+    const std::string naam = VELDNAAM();
     WINOPEN(9, 5, 14, 70, 4);
     WINBOX(" %s ", TXT(T_HELP_TITEL));
     regel_soort();
@@ -137,6 +157,7 @@ void INGAVEHELP() {
     regel_tekens();
     regel_toetsen();
     regel_bereik();
+    regel_veld(naam);
     const int n = SCRPUT(A_LABEL, 12, KOLOM, "%s _", TXT(T_ENTER_VERVOLG));
     for (;;) {
         WINAT(12, KOLOM + n - 1);

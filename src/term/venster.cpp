@@ -164,6 +164,20 @@ void WINBOX(const char* fmt, ...) {
     v.rand = 1;
 }
 
+void WINVOET(const char* tekst) {
+    if (!SCHERM.bestaat || SCHERM.dicht || !VENSTERNU().rand)
+        return;
+    Venster& v = VENSTERNU();
+    int rij, kolom;
+    getyx(v.win, rij, kolom);
+    const int ruimte = getmaxx(v.win) - 4, lengte = static_cast<int>(strlen(tekst)) + 2;
+    v.rand = 0;
+    if (lengte <= ruimte)
+        SCRPUT(A_LABEL, getmaxy(v.win), getmaxx(v.win) - lengte - 1, " %s ", tekst);
+    v.rand = 1;
+    wmove(v.win, rij, kolom);
+}
+
 int WINHOOGTE() {
     return SCHERM.bestaat ? getmaxy(VENSTERNU().win) - 2 * VENSTERNU().rand : 0;
 }

@@ -279,6 +279,17 @@ template <class R> void regels(const std::vector<R>& records, Prttabel tabel, in
 
 } // namespace
 
+std::string druk_soorten(bool met_namen) {
+    std::string uit;
+    for (const Druksoort& s : SOORTEN) {
+        uit += (uit.empty() ? "by:" : "+") + std::string(s.naam) + "/" + std::to_string(s.nummers) + "/";
+        for (const Drukveld& v : s.velden)
+            if (met_namen)
+                uit += std::string(uit.ends_with('/') ? "" : ",") + v.naam + "=";
+    }
+    return uit;
+}
+
 std::vector<std::string> druk_woorden(const std::string& regel) {
     std::vector<std::string> uit;
     std::string woord;

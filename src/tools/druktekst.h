@@ -15,6 +15,8 @@ namespace zg {
 
 enum class Drukdaad { toevoegen, wijzigen, zetten, weg }; // new only; there only; either; out
 
+// The kinds with their names, as tool_mag has them; only the kinds where no names follow.
+std::string druk_soorten(bool met_namen);
 // Words of a line: blanks part them, but not between double quotes; none for a comment.
 std::vector<std::string> druk_woorden(const std::string& regel);
 // Do this to one record. What is wrong is in *fout; else GOED. A printer goes with all that is its.

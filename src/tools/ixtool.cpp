@@ -80,6 +80,14 @@ const CLI::Validator TABEL(
     },
     "TABLE");
 
+// Their names, for completion.
+std::string tabellen() {
+    std::string uit;
+    for (const std::string& naam : bekende_tabellen())
+        uit += (uit.empty() ? "{" : ",") + naam;
+    return uit + "}";
+}
+
 // One option or argument by its letter in the table of tools; `een`: a single PAIR.
 void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
     switch (letter) {
@@ -118,12 +126,15 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
         app.add_flag("-N,--no-head", o.kaal, "without the definition, free slots and their links");
         break;
     case 'A':
-        app.add_option("-a,--as", o.tabel, "show the records with the fields of this table")->check(TABEL);
+        tool_mag(app.add_option("-a,--as", o.tabel, "show the records with the fields of this table")
+                     ->check(TABEL),
+                 tabellen());
         break;
     case 'F':
-        app.add_option("-f,--fields", o.tabel,
-                       "the fields, and without a head line the definition, are those of this table")
-            ->check(TABEL);
+        tool_mag(app.add_option("-f,--fields", o.tabel,
+                                "the fields, and without a head line the definition, are those of this table")
+                     ->check(TABEL),
+                 tabellen());
         break;
     case 'W':
         app.add_option("-W,--where", o.waarden,

@@ -28,8 +28,12 @@ void rapport() {
     tool_weg(NIET_TE_OPENEN);
 }
 
-// What a word may be, for a shell: one of "{a,b}", or what its name says.
+std::map<const CLI::Option*, std::string> mag; // tool_mag
+
+// What a word may be, for a shell: what was said of it, one of "{a,b}", or what its name says.
 std::string soort(const CLI::Option& o) {
+    if (const auto m = mag.find(&o); m != mag.end())
+        return m->second;
     static const std::map<std::string, const char*> NAMEN = {
         {"DIR", "dir"},      {"TARGET", "dir"},      {"DIRECTORY", "dir"}, {"--from", "dir"},
         {"REPORTS", "dir"},  {"--directory", "dir"}, {"PAIR", "pair"},     {"FILE", "file"},
@@ -120,6 +124,10 @@ bool tool_woorden(CLI::App& app, int argc, char** argv, int* uit) {
         *uit = app.exit(e) == 0 ? tool_einde(GOED) : FOUT_GEBRUIKT;
         return false;
     }
+}
+
+void tool_mag(CLI::Option* optie, std::string wat) {
+    mag[optie] = std::move(wat);
 }
 
 Uitkomst tool_map(const std::string& map) {

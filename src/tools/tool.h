@@ -5,7 +5,8 @@
 
 namespace CLI {
 class App;
-}
+class Option;
+} // namespace CLI
 
 namespace zg {
 
@@ -30,6 +31,9 @@ void tool_kop(CLI::App& app, const char* statussen);
 // The words given: false when they are wrong or ask for help, which has been told, and *uit is what main answers. For
 // "--words" alone the words that the tool knows are told.
 bool tool_woorden(CLI::App& app, int argc, char** argv, int* uit);
+// What an option or argument may be, for the shells' completion, where its validators don't say it: "{a,b}"; or words that
+// go by the first, "by:kind/numbers behind it/name=,name=" with "+" between the kinds.
+void tool_mag(CLI::Option* optie, std::string wat);
 // Into the data directory; "" stays in the present one. GOED, or NIET_TE_OPENEN, told.
 Uitkomst tool_map(const std::string& map);
 // What main answers: `uit`, unless standard output couldn't be written: told, FOUT_GEVONDEN.

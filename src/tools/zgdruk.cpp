@@ -60,15 +60,19 @@ int main(int argc, char** argv) {
     opdracht("list", "the destinations, as lines for load", lijst)
         ->add_option("CODE", druk_wens.code, "this printer only")
         ->check(CLI::Range(1, 32767));
-    woorden(opdracht("add", "a new record", [] { return doe(Drukdaad::toevoegen); }), "WORDS",
-            "kind, numbers, name=value")
-        ->required();
-    woorden(opdracht("change", "some of its values", [] { return doe(Drukdaad::wijzigen); }), "WORDS",
-            "kind, numbers, name=value")
-        ->required();
-    woorden(opdracht("remove", "a record; a printer with all that is its", [] { return doe(Drukdaad::weg); }),
-            "WORDS", "kind and numbers")
-        ->required();
+    const struct {
+        const char *naam, *uitleg;
+        Drukdaad daad;
+    } VAN_EEN[] = {{"add", "a new record", Drukdaad::toevoegen},
+                   {"change", "some of its values", Drukdaad::wijzigen},
+                   {"remove", "a record; a printer with all that is its", Drukdaad::weg}};
+    for (const auto& v : VAN_EEN) {
+        const bool met_namen = v.daad != Drukdaad::weg;
+        tool_mag(woorden(opdracht(v.naam, v.uitleg, [d = v.daad] { return doe(d); }), "WORDS",
+                         met_namen ? "kind, numbers, name=value" : "kind and numbers")
+                     ->required(),
+                 druk_soorten(met_namen));
+    }
     woorden(opdracht("load", "add or change what a file says, all of it or nothing", laad), "FILE",
             "lines as list gives them")
         ->required();

@@ -228,7 +228,8 @@ int main(int argc, char** argv) {
     CLI::App* get = opdracht("get", "one of them", haal);
     CLI::App* set = opdracht("set", "change one; a new ZEBEDI moves the mailboxes there", zet);
     for (CLI::App* s : {get, set}) {
-        s->add_option("NAME", wens.naam, "ZEBEDI, EDIDIR, EDIRPC, RPCHOST or EDICMD")->required();
+        tool_mag(s->add_option("NAME", wens.naam, "ZEBEDI, EDIDIR, EDIRPC, RPCHOST or EDICMD")->required(),
+                 "{ZEBEDI,EDIDIR,EDIRPC,RPCHOST,EDICMD}");
         s->add_flag("-2,--second", wens.tweede, "of the second set, DTIPCSYS.TXT");
     }
     set->add_option("VALUE", wens.waarde, "its value")->required();

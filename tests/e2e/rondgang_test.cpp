@@ -23,24 +23,39 @@ bool toetsnaam(const std::string& w) {
     return w.size() > 1 && w[0] == 'F' && isdigit(static_cast<unsigned char>(w[1]));
 }
 
-std::string zonder_lege_rijen(const std::string& beeld) {
-    std::istringstream in(beeld);
+// A screen as a page shows it: four blank rows stand for more.
+std::string plaatje(const std::string& scherm) {
+    std::istringstream in(scherm);
     std::string uit;
+    int leeg = 0;
     for (std::string rij; getline(in, rij);)
-        if (!rij.empty())
+        if ((leeg = rij.empty() ? leeg + 1 : 0) <= 4)
             uit += rij + "\n";
-    return uit;
+    return uit.substr(0, uit.find_last_not_of('\n') + 2);
 }
 
-// A page's tables walked with the keys of their left cells, each behind the other in one demo directory.
-void loop_na(const std::string& pagina, const DemoMap& map, const char* locale) {
-    std::vector<std::string> beelden; // its pictures of screens
-    for (size_t p = 0; (p = pagina.find("\n```\n ORDERS", p)) != std::string::npos; p += 5)
-        beelden.push_back(pagina.substr(p + 5, pagina.find("```", p + 5) - p - 5));
+// The place of a page's next picture from `p` on, and its length; false when there is none.
+bool beeld_op(const std::string& pagina, size_t* p, size_t* lengte) {
+    const size_t q = pagina.find("\n```\n ORDERS", *p);
+    if (q == std::string::npos)
+        return false;
+    *p = q + 5;
+    *lengte = pagina.find("```", *p) - *p;
+    return true;
+}
+
+// A page's tables walked with the keys of their left cells, each behind the other in one demo directory. With
+// ZG_SCHERMEN set (the target `screens`) its pictures become those that the program shows.
+void loop_na(const std::string& bestand, const DemoMap& map, const char* locale) {
+    std::string pagina = lees_bestand(bestand);
+    std::vector<std::string> beelden, nu;
+    for (size_t p = 0, n; beeld_op(pagina, &p, &n);)
+        beelden.push_back(pagina.substr(p, n));
     Opties o = demo_opties(map);
     o.klok = ""; // today
     o.locale = locale;
-    size_t beeld = 0, tafel = 0;
+    const bool nieuw = getenv("ZG_SCHERMEN") != nullptr;
+    size_t tafel = 0;
     int tochten = 0;
     for (; (tafel = pagina.find("\n| Keys |", tafel)) != std::string::npos; tafel++, tochten++) {
         Terminal t({programma("zgbsmenu")}, o);
@@ -65,8 +80,11 @@ void loop_na(const std::string& pagina, const DemoMap& map, const char* locale) 
             for (const std::string& w : woorden(rij.substr(midden)))
                 ASSERT_TRUE(t.wacht(w));
             if (rij.find(" picture") != std::string::npos) {
-                ASSERT_LT(beeld, beelden.size());
-                EXPECT_EQ(zonder_lege_rijen(t.scherm()), zonder_lege_rijen(beelden[beeld++]));
+                nu.push_back(plaatje(t.scherm()));
+                ASSERT_LE(nu.size(), beelden.size());
+                if (!nieuw) {
+                    EXPECT_EQ(nu.back(), beelden[nu.size() - 1]) << "the target screens makes them anew";
+                }
             }
         }
         EXPECT_GT(stappen, 6);
@@ -77,7 +95,11 @@ void loop_na(const std::string& pagina, const DemoMap& map, const char* locale) 
             EXPECT_EQ(uit.find(wissel), uit.rfind(wissel));
     }
     EXPECT_EQ(tochten, 3);
-    EXPECT_EQ(beeld, beelden.size());
+    ASSERT_EQ(nu.size(), beelden.size());
+    for (size_t p = 0, n, i = 0; nieuw && beeld_op(pagina, &p, &n); i++)
+        pagina.replace(p, n, nu[i]);
+    if (nieuw)
+        schrijf_bestand(bestand, pagina);
 }
 
 } // namespace
@@ -85,7 +107,7 @@ void loop_na(const std::string& pagina, const DemoMap& map, const char* locale) 
 TEST(Rondgang, AsTheReadmeTells) {
     const std::string readme = lees_bestand(ZG_SOURCE_DIR "/README.md");
     DemoMap map;
-    loop_na(readme, map, "C.UTF-8");
+    loop_na(ZG_SOURCE_DIR "/README.md", map, "C.UTF-8");
     // What the shell says then.
     const size_t opdracht = readme.find("\n    $ ") + 7, eind = readme.find('\n', opdracht) + 1;
     std::string zegt =
@@ -100,7 +122,7 @@ TEST(Rondgang, AsTheReadmeTells) {
 // By the name of a locale that needn't be on this machine: the catalogues are found beside the program.
 TEST(Rondgang, InEnglish) {
     DemoMap map;
-    loop_na(lees_bestand(ZG_SOURCE_DIR "/docs/walk.md"), map, "en_GB.UTF-8");
+    loop_na(ZG_SOURCE_DIR "/docs/walk.md", map, "en_GB.UTF-8");
 }
 
 // What the commands look at before anything is built.

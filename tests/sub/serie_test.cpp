@@ -494,6 +494,12 @@ TEST_F(Zoek, ByTheLettersOfAKey) {
              "1110.14.3"},                // none of that group: the next name
             {"krju<Enter><Esc>", "none"}, // none of it or behind it: asked again
         });
+    Gesprek lijst([] { return zoek("AKV"); });
+    lijst.toetsen("<F5>");
+    EXPECT_TRUE(lijst.regel(4).starts_with(
+        "│ Artgr Klr  Vnr Merk Model           Materiaal    Dessin       Km Jaar S Z D"))
+        << "each word fits its column: " << lijst.scherm();
+    lijst.toetsen("<Esc><Esc>");
     Gesprek t([] { return zoek("AKV"); });
     t.toetsen("1500<Enter>");
     EXPECT_TRUE(t.wacht_op(25, 1, "<1500.0.0> Onbekende serie. Eerstvolgende genomen"));

@@ -64,6 +64,7 @@ struct Vorm {
     bool met_kop = false;
     const char* titel = " Rijen ";
     bool nog_eens = false; // after CANCEL the same list again
+    bool tellen = false;
 };
 
 // Numbers 10, 20, 30 ...; the answer: every row handed back, then the key.
@@ -75,6 +76,13 @@ std::string draai(const Vorm& v) {
     lijst->positie = 10;
     lijst->rij = v.rij, lijst->kolom = v.kolom, lijst->hoogte = v.hoogte, lijst->breedte = v.breedte;
     lijst->merken = v.merken;
+    if (v.tellen) {
+        lijst->aantal = [] { return int64_t{std::ssize(data)}; };
+        lijst->rang = [] {
+            const auto p = std::lower_bound(data.begin(), data.end(), lijst->positie);
+            return p != data.end() && *p == lijst->positie ? p - data.begin() + 1 : int64_t{0};
+        };
+    }
     snprintf(lijst->titel, sizeof lijst->titel, "%s", v.titel);
     SCHERM.laatste = 77;
     std::string uit;
@@ -197,6 +205,28 @@ TEST(Lijst, Wissen) {
     }
 }
 
+// Which row of how many stands above the search field, where that row is free.
+TEST(Lijst, Telling) {
+    Gesprek t([] {
+        wissen = true;
+        return draai({.n = 120, .tellen = true});
+    });
+    for (auto [keys, telling] : {std::pair{"", " 1 van 120 │"},
+                                 {"<Down><Down>", " 3 van 120 │"},
+                                 {"1000<Enter>", "100 van 120 │"},
+                                 {"<F8>", "100 van 119 │"},
+                                 {"<Up>", " 99 van 119 │"},
+                                 {"<PgUp><PgUp><PgUp><PgUp><PgUp><PgUp><PgUp>", "  1 van 119 │"}}) {
+        t.toetsen(keys);
+        EXPECT_TRUE(t.regel(21).ends_with(telling)) << keys << t.scherm();
+    }
+    t.toetsen("<Esc>");
+    EXPECT_EQ(t.antwoord(), "n=0 k=27");
+    Gesprek laag([] { return draai({.n = 120, .rij = 20, .hoogte = 5, .met_kop = true, .tellen = true}); });
+    EXPECT_EQ(laag.scherm().find("van"), std::string::npos) << laag.scherm();
+    laag.toetsen("<Esc>");
+}
+
 TEST(Lijst, Merken) {
     gesprekken([] { return draai({.n = 5, .merken = 1}); },
                {{"<Down><Down><F7><F7><Enter><F3>", "30 40 n=2 k=267"}, // ENTER doesn't end it
@@ -273,6 +303,8 @@ TEST(DmHdl, Kiezen) {
         SCOPED_TRACE(vorm("%d %s", g.vast, g.keys));
         Gesprek t([&] { return dm(5, 3, g.vast); });
         EXPECT_EQ(doos(t), (Doos{3, 60, 8, 20}));
+        t.toetsen("?");
+        EXPECT_EQ(t.regel(25), "Ongeldige toets");
         t.toetsen(g.keys);
         EXPECT_EQ(t.antwoord(), g.uit);
     }

@@ -16,7 +16,6 @@ TEST(Prompt, JaNee) {
         {"[-]Regel verwijderen", "j<Enter>", "Regel verwijderen? (J/N)N", 1},
         {"[+]", "<Enter>", "Akkoord? (J/N)J", 1},
         {"", "<Enter>+<Enter>", "Akkoord? (J/N)_", 1}, // nothing to accept yet: ENTER is refused
-
         {"[x]Printen", "<Enter>", "Printen? (J/N)N", 0},
         {"[+]Printen", "<Cancel>", "Printen? (J/N)J", 0},
     };
@@ -45,7 +44,10 @@ TEST(Prompt, ToetsKies) {
     });
     t.toetsen("xj<Up>N<Up>J<F5>");
     EXPECT_EQ(t.regel(12), "  <ENTER> voor vervolg");
-    t.toetsen("q<Enter>");
+    t.toetsen("q");
+    EXPECT_EQ(t.regel(25), "Ongeldige toets");
+    t.toetsen("<Enter>");
+    EXPECT_EQ(t.regel(25), "");
     EXPECT_EQ(t.antwoord(), "N 0 269 8 10 0");
 }
 
@@ -108,10 +110,10 @@ TEST(Prompt, FoutboxEnMeldbox) {
                {14, 24, "<ENTER> voor vervolg"}}},
              {"x<Enter>", {{20, 29, "┌"}, {21, 31, "Geen informatie"}, {22, 31, "<ENTER> voor vervolg"}}}});
     EXPECT_EQ(doos(t), (Doos{20, 29, 4, 24}));
-    EXPECT_EQ(t.bellen(), 0);
+    EXPECT_EQ(t.bellen(), 1); // of the key that the box before refused
     stappen(t, {{"x", {{19, 34, " waarschuwing "}}}});
     EXPECT_EQ(doos(t), (Doos{19, 29, 5, 24}));
-    EXPECT_EQ(t.bellen(), 1);
+    EXPECT_EQ(t.bellen(), 2);
     t.toetsen("<Up>");
     EXPECT_EQ(t.antwoord(), "77 1");
 }
@@ -220,6 +222,22 @@ TEST(Keuze, Rij) {
         EXPECT_TRUE(alle && !g.kort ? t.cel(24, 14).vet : t.cel(24, 14).voor != t.cel(24, 15).voor);
         t.toetsen(g.keys);
         EXPECT_EQ(t.antwoord(), g.uit);
+    }
+}
+
+// A window whose row has nothing to choose says how to go on; the border keeps its corners, and a narrow one its line.
+TEST(Keuze, NietsTeKiezen) {
+    for (const bool smal : {false, true}) {
+        Gesprek t([smal] {
+            WINOPEN1(5, 10, 6, smal ? 14 : 30);
+            WINBOX(" Kijk ");
+            KEUZESTART(keuzelabel);
+            TOETSAAN(K_CANCEL);
+            return vorm("%d", KEUZE(4, 2));
+        });
+        EXPECT_EQ(t.stuk(10, 10, smal ? 14 : 30), smal ? "└────────────┘" : "└────────────── Esc: verder ─┘");
+        t.toetsen("<Esc>");
+        EXPECT_EQ(t.antwoord(), "-1");
     }
 }
 

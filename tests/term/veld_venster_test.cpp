@@ -6,6 +6,7 @@
 #include "term/ingave.h"
 #include "term/menu.h"
 #include "term/prompt.h"
+#include "term/teksten.h"
 
 namespace zg {
 namespace {
@@ -100,6 +101,38 @@ TEST(VeldVenster, Hulp) {
         t.toetsen("<Esc>");
     }
     EXPECT_EQ(t.einde(), 0);
+}
+
+// The help names the field as its label does, and what its function keys do.
+TEST(VeldVenster, HulpNoemtHetVeld) {
+    struct {
+        const char *label, *rij;
+        bool record;
+    } const gevallen[] = {
+        {"11 Leverancier . :", "11 Leverancier: F5 lijst, F10 gegevens", true},
+        {"Maat   K\x94rting:", "Körting: F5 lijst", false},
+        {"", "F5 lijst, F10 gegevens", true},
+    };
+    OpScherm t([&] {
+        WINOPEN1(2, 1, 6, 60);
+        WINBOX(nullptr);
+        for (const auto& g : gevallen) {
+            SCRCLREOL(3, 1);
+            SCRPUT(A_LABEL, 3, 2, "%s", g.label);
+            SCRPUT(A_WAARDE, 3, 22, "waarde");
+            if (g.record)
+                TOETSAANMET(K_F10, T_HELP_F_RECORD);
+            int32_t n = 0;
+            INGAVE(3, 30, "4l,Z", &SCHERM.toets[key_f5], &SCHERM.toets[key_cancel], &n);
+        }
+    });
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.rij);
+        t.toetsen("<F1>");
+        std::string rij = t.stuk(20, 7, 66);
+        EXPECT_EQ(rij.substr(0, rij.find_last_not_of(' ') + 1), g.rij) << t.scherm();
+        t.toetsen("<Enter><Esc>");
+    }
 }
 
 // Field, list, menu and question in the middle of a field, as the macro dialog has them, leave no trace in it: not

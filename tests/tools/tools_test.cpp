@@ -200,6 +200,14 @@ TEST_F(Tools, ShellsCompleteTheToolsWords) {
         {"zgdeel --wait m", "map"},
         {"zgedi -D map method i", "internet"},
         {"ordprint -f bra", "branch"},
+        {"ixdump --as DTKOE", "DTKOERS"},
+        {"ixload --fields DTLEVE", "DTLEVEXT"},
+        {"zgdruk add ''", "configuratie printer tekst verbinding"},
+        {"zgdruk -D map add verbinding 4 ''", ""},
+        {"zgdruk change verbinding 4 1 ''", "apparaat= map= naam="},
+        {"zgdruk change verbinding 4 1 map = ''", ""},
+        {"zgdruk remove printer 4 ''", ""},
+        {"zgedi get EDID", "EDIDIR"},
     };
     for (const auto& r : RIJEN) {
         const Uit u = sh(

@@ -92,10 +92,15 @@ void toets() {
     if (nu->wissen)
         TOETSAAN(K_DC);
     TOETSKIES(&SCHERM.toets[key_cancel], "");
-    if (SCHERM.laatste == K_DC)
+    error("%s", "");
+    if (SCHERM.laatste == K_DC) {
         wis();
-    else if (nu->wissen && (SCHERM.laatste == K_ENTER || SCHERM.laatste == K_F3))
+    } else if (nu->wissen && SCHERM.laatste == K_ENTER) {
         SCHERM.laatste = K_DOWN; // here a choice means nothing
+    } else if (nu->wissen && SCHERM.laatste == K_F3) {
+        error("%s", TXT(T_ONGELDIGE_TOETS));
+        SCHERM.laatste = 0;
+    }
 }
 
 // The row chosen, -1 for none.
@@ -114,6 +119,7 @@ int lijst(Lijst* l) {
     if (!l->lijst)
         NOMEM("macro", 1);
     l->lijst->positie = 0;
+    l->lijst->aantal = [] { return int64_t{std::ssize(nu->rijen)}; };
     l->lijst->breedte = 6 + 1 + 5 + 1 + 30 + 4;
     snprintf(l->lijst->titel, sizeof l->lijst->titel, "%s", TXT(T_MAC_LIJST));
     const int uit = LIJSTRUN(l->lijst, 0) ? static_cast<int>(l->lijst->positie) : -1;
