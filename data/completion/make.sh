@@ -103,7 +103,7 @@ for tool; do ln -sf zgbestel "$output/bash/$tool"; done # looked for by the name
     function clean(s) { gsub(/\047/, "\047\\\047\047", s); gsub(/\\|\[|\]|:/, "\\\\&", s); return s }
     function kind(k,   c) {
       if (k ~ /^{/) { c = substr(k, 2, length(k) - 2); gsub(",", " ", c); return "(" c ")" }
-      if (k ~ /^by:/) return "_zg_by " substr(k, 4)
+      if (k ~ /^by:/) return " _zg_by " substr(k, 4) # the blank: called with nothing else
       return k == "dir" ? "_directories" : k == "file" ? "_files" : k == "pair" ? "_zg_pair" : " "
     }
     {

@@ -176,7 +176,7 @@ bool lees_merk(const char* tekst, serrec* rec) {
 }
 
 // One field; what it holds comes into *rec. Left empty, it ends the dialogue.
-Ingave vraag(int rij, const Veld& v, bool leeg, serrec* rec) {
+Ingave vraag(int rij, const Veld& v, bool leeg, bool met_lijst, serrec* rec) {
     const Serieletter& l = *v.l;
     char formaat[32], tekst[21] = "";
     snprintf(formaat, sizeof formaat, l.formaat, SEIZOENLETTERS);
@@ -191,7 +191,8 @@ Ingave vraag(int rij, const Veld& v, bool leeg, serrec* rec) {
         groot = atoi(was.c_str());
         klein = static_cast<uint16_t>(groot);
     }
-    TOETSAAN(K_F5);
+    if (met_lijst)
+        TOETSAAN(K_F5);
     if (getypt)
         INGAVE(rij, v.kolom, formaat, &SCHERM.toets[key_cancel], tekst);
     else if (strchr(l.formaat, 'l'))
@@ -311,7 +312,7 @@ void toets() {
     SCRPUT(A_LABEL, rij, 2, "%s", TXT(*l->label));
     serrec zoek{};
     const Veld veld{l, 3 + static_cast<int>(strlen(TXT(*l->label)))};
-    const Ingave uit = vraag(rij, veld, true, &zoek);
+    const Ingave uit = vraag(rij, veld, true, false, &zoek);
     if (uit != Ingave::waarde) {
         if (uit != Ingave::weg)
             SCHERM.vlag |= V_LEEG;
@@ -369,7 +370,7 @@ bool serie_zoek(int rij, int kolom, const char* letters, serrec* rec) {
     bool er = false; // is `gevonden` one that begins as what was entered?
     for (size_t i = 0; i < velden.size();) {
         serrec deze = begin_van(er ? gevonden : zoek, orde, i + 1);
-        const Ingave uit = vraag(rij, velden[i], !er, &deze);
+        const Ingave uit = vraag(rij, velden[i], !er, true, &deze);
         if (uit == Ingave::weg)
             return false;
         if (uit == Ingave::onbekend)

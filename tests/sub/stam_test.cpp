@@ -167,10 +167,10 @@ TEST_F(Stam, BrandByNumberNameAndList) {
     });
     t.toetsen("7<Enter>");
     t.wacht_op(25, 1, "<7> Onbekend merk");
-    t.toetsen("<F5>109<Enter>");
-    EXPECT_TRUE(t.wacht(" 9 van 11 ")) << t.scherm();
+    t.toetsen("<F5>300<Enter>");
+    EXPECT_TRUE(t.wacht(" 4 van 4 ")) << t.scherm();
     t.toetsen("<Tab>"); // the same record in another order
-    EXPECT_TRUE(t.wacht(" 4 van 11 ")) << t.scherm();
+    EXPECT_TRUE(t.wacht(" 3 van 4 ")) << t.scherm();
     t.toetsen("<F10>");
     t.wacht("RAADPLEGEN MERK");
     EXPECT_EQ(t.scherm().find("Wijzigen"), std::string::npos) << "who only looks";
