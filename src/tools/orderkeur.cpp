@@ -7,6 +7,7 @@
 #include "tools/journaalkeur.h"
 #include "tools/keurstand.h"
 #include <algorithm>
+#include <span>
 
 namespace zg {
 namespace {
@@ -51,7 +52,8 @@ void keur_nummer(Keuring* k, const journaalorder& o, const Nummers& nummers) {
 }
 
 template <class T> auto van_serie(const std::vector<T>& rij, sleutelwaarde serie) {
-    return std::ranges::equal_range(rij, serie, {}, &T::serie);
+    return std::span(std::ranges::lower_bound(rij, serie, {}, &T::serie),
+                     std::ranges::upper_bound(rij, serie, {}, &T::serie));
 }
 
 // The prices at which a line of it counts. Without labels a kill came in front of them.

@@ -128,11 +128,12 @@ bool heeft_maat(const uint8_t* maten, uint8_t maat) {
 
 // Has the price set of a label its size? A save that was broken off between the two adds it to the series with the next.
 bool set_heeft_maat(const Keuring& k, sleutelwaarde serie, const etiket& l) {
-    return std::ranges::any_of(std::ranges::equal_range(k.prijzen, serie, {}, &Periode::serie),
-                               [&](const Periode& p) {
-                                   return p.leverancier == l.leverancier && p.van <= l.orderdatum &&
-                                          l.orderdatum <= p.tot && heeft_maat(p.maten, l.maat);
-                               });
+    return std::any_of(std::ranges::lower_bound(k.prijzen, serie, {}, &Periode::serie),
+                       std::ranges::upper_bound(k.prijzen, serie, {}, &Periode::serie),
+                       [&](const Periode& p) {
+                           return p.leverancier == l.leverancier && p.van <= l.orderdatum &&
+                                  l.orderdatum <= p.tot && heeft_maat(p.maten, l.maat);
+                       });
 }
 
 void neem_label(Keuring* k, int32_t blok, const etiket& l) {
@@ -159,7 +160,8 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
 bool lees_labels(Keuring* k) {
     if (!etikeur_begin(&k->eti, [k](int32_t blok, const etiket& l) { neem_label(k, blok, l); }))
         return false;
-    for (auto& [sleutel, s] : k->series) {
+    for (auto& rij : k->series) {
+        auto& s = rij.second;
         s.heel = etikeur_serie(&k->eti, s.rec, &s.labels,
                                [&](const std::string& wat) { keur_kwaal(&k->dteti, &s, wat); });
         const etitelling staat{s.rec.in_nota, s.rec.voorraad, s.rec.verkopen, s.rec.correcties};

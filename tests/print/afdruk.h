@@ -71,8 +71,9 @@ inline void verbinding(uint16_t code, uint8_t nr, const std::string& apparaat, b
     VASTIN(r.naam, "via " + std::to_string(nr));
     zet(PRT_VERBINDINGEN, r);
 }
-inline void config(uint16_t code, uint8_t nr, uint16_t kolommen, uint16_t rijen, const char* init = "") {
-    prtconfig r{code, nr, 1, kolommen, rijen, {}, {}, {}};
+inline void config(uint16_t code, uint8_t nr, uint16_t kolommen, uint16_t rijen, const char* init = "",
+                   uint8_t staand = 1) {
+    prtconfig r{code, nr, staand, kolommen, rijen, {}, {}, {}};
     VASTIN(r.omschrijving, "config " + std::to_string(nr));
     VASTIN(r.init, init);
     zet(PRT_CONFIGS, r);

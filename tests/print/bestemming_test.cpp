@@ -15,7 +15,7 @@ struct Bestemmingen : Printmap {
         printer(2, "Laser"), verbinding(2, 1, "laser/duplex");
         config(2, 1, 80, 60), config(2, 2, 132, 72, "\\1BE");
         printer(3, "Matrix"), verbinding(3, 1, "weg"), verbinding(3, 4, tijdelijk.pad() + "/elders/fifo");
-        config(3, 9, 132, 66, "\\1B\\00");
+        config(3, 9, 132, 66, "\\1B\\00", 0);
         EXPECT_EQ(mkfifo("elders/fifo", 0600), 0);
         programma("bin/lpstat",
                   "[ $# = 2 ] && case $2 in laser/duplex*|-*) ;; *) exit 1 ;; esac"); // takes options
@@ -28,7 +28,11 @@ struct Bestemmingen : Printmap {
         const printjob& j = printopdracht;
         std::string uit = std::to_string(static_cast<int>(j.weg)) + " " +
                           j.apparaat.substr(j.apparaat.rfind('/') + 1) + " " + std::to_string(j.kolommen) +
-                          "x" + std::to_string(j.rijen) + (j.voorbeeld ? " kijk" : "") + " " + j.tekens;
+                          "x" + std::to_string(j.rijen) +
+                          (j.voorbeeld ? " kijk"
+                           : j.staand  ? ""
+                                       : " liggend") +
+                          " " + j.tekens;
         XPRT_STAAK();
         return uit;
     }
@@ -45,7 +49,7 @@ TEST_F(Bestemmingen, Wishes) {
         {2, 1, 1, PRT_80 | PRT_KORT, "1 duplex 80x60 kijk utf-8"},
         {2, 0, 0, PRT_132 | PRT_LANG, "1 duplex 132x72 cp850"}, // an init text: raw bytes
         {2, 1, 0, PRT_132, "0  132x64 kijk cp850"},             // long pages only when they are asked for
-        {3, 0, 4, PRT_132, "2 fifo 132x66 cp850"},
+        {3, 0, 4, PRT_132, "2 fifo 132x66 liggend cp850"},
         {3, 0, 0, PRT_ALLES, "no"},               // its first connection, a queue that nobody knows
         {1, 0, 0, PRT_80, "0  80x64 kijk cp850"}, // the screen is looked at
     };
@@ -96,7 +100,7 @@ TEST_F(Bestemmingen, ToFile) {
         const char* uit;
     } rijen[] = {
         {"lijst.txt", PRT_80, "6 lijst.txt 80x64 utf-8"},
-        {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 utf-8"},
+        {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 liggend utf-8"},
         {"elders/lijst.pdf", PRT_40, "6 lijst.pdf 40x64 pdf"},
         {nullptr, PRT_80, "no"},
         {"0123456789012345678901234567890123456789", PRT_80, "no"},

@@ -102,7 +102,9 @@ TEST(ListField, ToldAndShown) {
     t.wacht_op(25, 1, "<77> Onbekend 7");
     EXPECT_EQ(t.stuk(5, 10, 4), "12__");
     EXPECT_TRUE(t.cursor_rij() == 5 && t.cursor_kolom() == 10) << "in the field";
-    t.toetsen("<F5>88<Enter>");
+    t.toetsen("<F5>5<Enter>");
+    EXPECT_EQ(t.scherm().find("Onbekend"), std::string::npos) << "the first row\n" << t.scherm();
+    t.toetsen("<Esc><F5>88<Enter>");
     EXPECT_TRUE(t.wacht_op(25, 1, "<88> Onbekend 7")) << "told in the list too\n" << t.scherm();
     t.toetsen("<Up><Enter>");
     EXPECT_TRUE(t.wacht_op(5, 10, "5   ")) << "the picked code\n" << t.scherm();

@@ -481,6 +481,7 @@ TEST_F(Zoek, ByTheLettersOfAKey) {
                          {"<Enter>", "none"},
                          {"1110<Enter><Esc>", "none"},
                          {"1110<Enter><F5><Down><Enter>", "1110.14.3"},
+                         {"1110<Enter><F5>2200<Enter><Enter>", "2200.1.1"}, // typed in the list
                      });
     // Brand and model come before the group, which the file's key has between them.
     test::gesprekken(
