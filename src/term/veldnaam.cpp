@@ -1,5 +1,6 @@
 // The name of a field: its label, as the user sees it in front of it.
 #include "term/binnen.h"
+#include "term/natl.h"
 #include "term/veld.h"
 #include <algorithm>
 #include <vector>
@@ -44,7 +45,11 @@ std::string VELDNAAM() {
     for (int k = begin; k < eind; k++)
         naam += byte_van(cel(k));
     naam.erase(naam.find_last_not_of(" :.") + 1);
-    return naam.substr(0, MEEST);
+    // A number alone is that of a row in a grid.
+    const bool letters = std::any_of(naam.begin(), naam.end(), [](char c) {
+        return NKLASSE[static_cast<uint8_t>(c)] & (N_GROOT | N_KLEIN);
+    });
+    return letters ? naam.substr(0, MEEST) : "";
 }
 
 } // namespace zg

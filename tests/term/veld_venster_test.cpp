@@ -112,6 +112,7 @@ TEST(VeldVenster, HulpNoemtHetVeld) {
         {"11 Leverancier . :", "11 Leverancier: F5 lijst, F10 gegevens", true},
         {"Maat   K\x94rting:", "Körting: F5 lijst", false},
         {"", "F5 lijst, F10 gegevens", true},
+        {"14", "F5 lijst", false}, // a row of a grid
     };
     OpScherm t([&] {
         WINOPEN1(2, 1, 6, 60);
