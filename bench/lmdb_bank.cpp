@@ -1,7 +1,11 @@
 // LMDB without sync: a main table by number and two of duplicates that lead to numbers.
 #include "bench/bank.h"
+#include <algorithm>
+#include <array>
+#include <cstdio>
 #include <cstring>
 #include <lmdb.h>
+#include <vector>
 
 namespace bank {
 namespace {
@@ -11,6 +15,7 @@ class LmdbBank : public Bank {
     MDB_env* env_ = nullptr;
     MDB_dbi db_[3] = {};
     MDB_txn *lees_ = nullptr, *bulk_ = nullptr;
+    std::string pad_;
 
     static void goed(int r, const char* wat) { eis(r == 0, wat, mdb_strerror(r)); }
     static MDB_val val(const void* p, size_t n) { return {n, const_cast<void*>(p)}; }
@@ -57,12 +62,13 @@ class LmdbBank : public Bank {
 public:
     explicit LmdbBank(bool kaart) : kaart_(kaart) {}
     const char* naam() const override { return kaart_ ? "LMDB map" : "LMDB"; }
-    void open(const std::string& map, Stand) override {
+    void open(const std::string& map, Stand) override { open_pad(map + (kaart_ ? "/lmdbw" : "/lmdb")); }
+    void open_pad(const std::string& pad) {
+        pad_ = pad;
         goed(mdb_env_create(&env_), "mdb_env_create");
         mdb_env_set_maxdbs(env_, 3);
         mdb_env_set_mapsize(env_, size_t{2} << 30);
-        goed(mdb_env_open(env_, (map + (kaart_ ? "/lmdbw" : "/lmdb")).c_str(),
-                          MDB_NOSYNC | (kaart_ ? MDB_WRITEMAP : 0) | MDB_NOSUBDIR, 0660),
+        goed(mdb_env_open(env_, pad_.c_str(), MDB_NOSYNC | (kaart_ ? MDB_WRITEMAP : 0) | MDB_NOSUBDIR, 0660),
              "open");
         MDB_txn* t = schrijf();
         goed(mdb_dbi_open(t, "nr", MDB_CREATE, &db_[0]), "nr");
@@ -162,6 +168,55 @@ public:
         }
         mdb_cursor_close(c);
         return s;
+    }
+    // All three tables out of the records, sorted, appended in one transaction to a new environment that takes the place of
+    // the old one.
+    bool herbouw() override {
+        using Ingang = std::array<uint8_t, 16>; // key and number
+        std::vector<Ingang> namen, codes;
+        LmdbBank nieuw(kaart_);
+        nieuw.open_pad(pad_ + ".new");
+        nieuw.begin();
+        {
+            Lezing l(this);
+            MDB_cursor *c, *in;
+            goed(mdb_cursor_open(lees_, db_[0], &c), "cursor");
+            goed(mdb_cursor_open(nieuw.bulk_, nieuw.db_[0], &in), "cursor");
+            MDB_val k, v;
+            while (mdb_cursor_get(c, &k, &v, MDB_NEXT) == 0) {
+                Rij r;
+                memcpy(&r, v.mv_data, sizeof r);
+                goed(mdb_cursor_put(in, &k, &v, MDB_APPEND), "append");
+                Ingang n, q;
+                memcpy(n.data(), r.naam, 12);
+                codeval(q.data(), r.groep, r.code);
+                nrval(n.data() + 12, r.nr);
+                nrval(q.data() + 12, r.nr);
+                namen.push_back(n);
+                codes.push_back(q);
+            }
+            mdb_cursor_close(c);
+            mdb_cursor_close(in);
+        }
+        for (int db : {1, 2}) {
+            std::vector<Ingang>& lijst = db == 1 ? namen : codes;
+            std::sort(lijst.begin(), lijst.end());
+            MDB_cursor* in;
+            goed(mdb_cursor_open(nieuw.bulk_, nieuw.db_[db], &in), "cursor");
+            for (const Ingang& i : lijst) {
+                MDB_val k = val(i.data(), 12), v = val(i.data() + 12, 4);
+                goed(mdb_cursor_put(in, &k, &v, MDB_APPENDDUP), "append");
+            }
+            mdb_cursor_close(in);
+        }
+        nieuw.einde();
+        const std::string pad = pad_;
+        nieuw.sluit();
+        sluit();
+        eis(rename((pad + ".new").c_str(), pad.c_str()) == 0, "rename");
+        remove((pad + ".new-lock").c_str());
+        open_pad(pad);
+        return true;
     }
     void begin() override {
         MDB_txn* t = schrijf();
