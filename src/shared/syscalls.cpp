@@ -1,5 +1,6 @@
 // The real calls behind shared/syscalls.h, and whole reads and writes over them.
 #include "shared/syscalls.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -14,6 +15,14 @@ constexpr mode_t RECHTEN = 0660;
 
 int doe_open(const char* pad, int vlaggen, mode_t mode) {
     return ::open(pad, vlaggen, mode);
+}
+
+int doe_ruimte(int fd, off_t plaats, off_t n) {
+    int uit;
+    do
+        uit = fallocate(fd, FALLOC_FL_KEEP_SIZE, plaats, n);
+    while (uit < 0 && errno == EINTR);
+    return uit;
 }
 
 int doe_slot(int fd, int opdracht, struct flock* gebied) {
@@ -38,7 +47,7 @@ void doe_kaartzet(int, void* naar, const void* van, size_t n, off_t) {
 template <class F> bool schrijf_alles(const void* buf, size_t n, F doe) {
     auto p = static_cast<const char*>(buf);
     for (size_t gedaan = 0; gedaan < n;) {
-        ssize_t k = doe(p + gedaan, n - gedaan, gedaan);
+        ssize_t k = doe(p + gedaan, std::min(n - gedaan, SYSSTUK), gedaan);
         if (k < 0 && errno == EINTR)
             continue;
         if (k <= 0) {
@@ -85,9 +94,9 @@ bool geef_huisrechten(int fd, const char* pad) {
 
 } // namespace
 
-SYSCALLS SYS = {doe_open, ::close, ::read,   ::write,       ::pread,     ::pwrite, ::ftruncate,
-                ::fsync,  ::fstat, ::fchmod, ::fchown,      ::rename,    ::link,   ::unlink,
-                ::mkdir,  ::rmdir, doe_slot, doe_kaartlees, doe_kaartzet};
+SYSCALLS SYS = {doe_open,   ::close, ::read,  ::write,  ::pread,       ::pwrite,    ::ftruncate,
+                doe_ruimte, ::fsync, ::fstat, ::fchmod, ::fchown,      ::rename,    ::link,
+                ::unlink,   ::mkdir, ::rmdir, doe_slot, doe_kaartlees, doe_kaartzet};
 
 ssize_t SYSLEES(int fd, void* buf, size_t n, int64_t plaats) {
     auto p = static_cast<char*>(buf);

@@ -19,6 +19,8 @@ struct SYSCALLS {
     ssize_t (*pread)(int fd, void* buf, size_t n, off_t plaats);
     ssize_t (*pwrite)(int fd, const void* buf, size_t n, off_t plaats);
     int (*ftruncate)(int fd, off_t lengte);
+    int (*ruimte)(int fd, off_t plaats,
+                  off_t n); // on the disk for n bytes there; the length stays. 0, or -1 with errno
     int (*fsync)(int fd);
     int (*fstat)(int fd, struct stat* st);
     int (*fchmod)(int fd, mode_t mode);
@@ -38,7 +40,9 @@ extern SYSCALLS SYS;
 
 // Up to n bytes from a place: the number read, less only at the end of the file; -1 with errno set.
 ssize_t SYSLEES(int fd, void* buf, size_t n, int64_t plaats);
-// All n bytes, at the descriptor's place or at `plaats`; a short write is gone on with until it is refused.
+// Bytes of one write at most: a file that grew in larger pieces is slower to work in ever after.
+inline constexpr size_t SYSSTUK = 64 * 1024;
+// All n bytes, at the descriptor's place or at `plaats`, a piece at a time; a short write is gone on with until it is refused.
 // False with errno set, ENOSPC when the file takes no more; some of the bytes may stand then.
 bool SYSSCHRIJF(int fd, const void* buf, size_t n);
 bool SYSSCHRIJFOP(int fd, const void* buf, size_t n, int64_t plaats);

@@ -10,8 +10,6 @@ namespace {
 
 constexpr int32_t STROOK = 16384; // blocks
 constexpr size_t WACHTEND = 32;   // blocks of a stretch that wait in memory
-// Bytes of one write: a file that grew in larger pieces is slower to work in ever after.
-constexpr size_t PERKEER = 64 * 1024;
 
 } // namespace
 
@@ -79,9 +77,9 @@ bool Blokbak::schrijf(int fd) {
             }
         }
         // Block 0 is the header, which is written by itself.
-        for (size_t op = nr ? 0 : IXBLOK, einde = beeld_.size(); op < einde; op += PERKEER) {
+        for (size_t op = nr ? 0 : IXBLOK, einde = beeld_.size(); op < einde; op += SYSSTUK) {
             const uint8_t* van = beeld_.data() + op;
-            const size_t bytes = std::min(PERKEER, einde - op);
+            const size_t bytes = std::min(SYSSTUK, einde - op);
             const int64_t naar = int64_t{begin} * IXBLOK + static_cast<int64_t>(op);
             const ssize_t eerst = begonnen_ ? 0 : SYS.pwrite(fd, van, bytes, naar);
             if (eerst < 0)

@@ -187,8 +187,7 @@ bool Bouw::groei() {
 // Room on the disk for what the index grows by, so that step 3 doesn't end half-way for want of it.
 bool Bouw::reserveer() const {
     const int64_t nu = SYSOMVANG(icb_->idxfd), straks = int64_t{icb_->h.nblocks} * IXBLOK;
-    return straks <= nu || fallocate(icb_->idxfd, FALLOC_FL_KEEP_SIZE, nu, straks - nu) == 0 ||
-           errno != ENOSPC;
+    return straks <= nu || SYS.ruimte(icb_->idxfd, nu, straks - nu) == 0 || errno != ENOSPC;
 }
 
 void Bouw::zet_op_zijn_plaats() {

@@ -56,7 +56,7 @@ bool Spoel::schrijf(const void* van, size_t n) {
         geschreven_ += static_cast<int64_t>(buffer_.size());
         buffer_.clear();
     }
-    if (buffer_.capacity() < ruimte_)
+    if (buffer_.size() + n > buffer_.capacity())
         buffer_.reserve(std::max(n, std::min(ruimte_, 2 * (buffer_.size() + n) + 1024)));
     const uint8_t* p = static_cast<const uint8_t*>(van);
     buffer_.insert(buffer_.end(), p, p + n);

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -61,6 +62,9 @@ void storend_zet(int fd, void* naar, const void* van, size_t n, off_t plaats) {
         nu(false, [&](Deel d) { zet(d == HALF ? n / 2 : d == ALLES ? n : 0); });
     zet(n);
 }
+int storend_ruimte(int fd, off_t plaats, off_t n) {
+    return nu(true, [](Deel) {}) ? -1 : fallocate(fd, FALLOC_FL_KEEP_SIZE, plaats, n);
+}
 int storend_ftruncate(int fd, off_t lengte) {
     return nu(false, [](Deel) {}) ? -1 : ftruncate(fd, lengte);
 }
@@ -72,6 +76,7 @@ void stoor(int n, int fout, Deel deel, Duur duur) {
     SYS.pwrite = storend_pwrite;
     SYS.kaartzet = storend_zet;
     SYS.ftruncate = storend_ftruncate;
+    SYS.ruimte = storend_ruimte;
 }
 bool gestoord() {
     return storing.geweest;
