@@ -9,6 +9,7 @@
 #include "store/kop.h"
 #include "store/node.h"
 #include "store/teksten.h"
+#include "store/uitstel.h"
 #include "store/wachten.h"
 #include "term/scherm.h"
 #include <algorithm>
@@ -55,6 +56,8 @@ bool knoop_goed(const ICB* icb, int32_t blok) {
 
 // Out of a file of so many blocks, where that is known.
 ssize_t lees_blok(int fd, int32_t blok, void* doel, size_t n, int32_t blokken) {
+    if (UITSTELLEES(fd, blok, doel, n))
+        return static_cast<ssize_t>(n);
     if (IXKAARTLEES(fd, int64_t{blok} * IXBLOK, doel, n, int64_t{blokken} * IXBLOK))
         return static_cast<ssize_t>(n);
     return SYSLEES(fd, doel, n, int64_t{blok} * IXBLOK);
@@ -77,8 +80,13 @@ ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
 
 // An exclusive handle's counters aren't on disk before it is closed.
 bool IXHEELBLOK(const ICB* icb, int32_t blok, void* doel) {
-    return (icb->mode == 1 ? lees_blok(icb->idxfd, blok, doel, IXBLOK, KLADBLOKKEN(icb))
-                           : IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK)) == IXBLOK;
+    if (icb->mode != 1)
+        return IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK) == IXBLOK;
+    if (lees_blok(icb->idxfd, blok, doel, IXBLOK, UITSTELSTAND(icb->idxfd, KLADBLOKKEN(icb))) != IXBLOK)
+        return false;
+    if (!IXKAARTER(icb->idxfd))
+        UITSTELBEWAAR(icb->idxfd, blok, doel);
+    return true;
 }
 
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron, size_t aantal) {
@@ -176,13 +184,14 @@ void IXRDIX(ICB* icb, int32_t blok) {
 void IXWRIX(ICB* icb, int32_t blok) {
     IXEIS(icb, "IXWRIX");
     if (blok == 0) {
+        UITSTELAF(icb);
         uint32_t telling = IXTELLEES(icb->idxfd);
         icb->gemerkt = 0;
         if (!IXKOPSCHRIJF(icb->idxfd, icb->h, K_RUST, &telling))
             IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
         return;
     }
-    if (!KLADAAN(icb) && !IXALLEENMERK(icb))
+    if (!KLADAAN(icb) && (!IXALLEENMERK(icb, icb->h) || !UITSTELUIT(icb)))
         IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
     if (icb->cached) {
         IOCACHE('W', icb, blok);

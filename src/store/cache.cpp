@@ -3,6 +3,7 @@
 #include "store/cache.h"
 #include "shared/files.h"
 #include "store/node.h"
+#include "store/uitstel.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -90,6 +91,8 @@ int zoek(int eerste, int32_t blok, bool* raak) {
 int aan(ICB* icb) {
     if (cache.van)
         return 0;
+    if (!UITSTELUIT(icb))
+        IXSCHIJFFOUT(icb, icb->idxfd, 0, IXBLOK);
     cache.blokken.reset(new (std::nothrow) uint8_t[CACHEPLAATSEN * IXBLOK]());
     if (!cache.blokken)
         return 0;

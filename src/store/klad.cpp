@@ -7,6 +7,7 @@
 #include "store/keur.h"
 #include "store/kop.h"
 #include "store/node.h"
+#include "store/uitstel.h"
 #include <algorithm>
 #include <cerrno>
 #include <vector>
@@ -126,16 +127,34 @@ bool schrijf_blok(int32_t blok, const uint8_t* inhoud) {
     return true;
 }
 
+// An exclusive handle's change: the mark, and are its blocks held back? What may not be keeps no others back either.
+bool begin_alleen(bool* wacht) {
+    ICB* icb = klad.icb;
+    const bool kan = icb->filelocked && !icb->tempidx && klad.record && klad.soort == KL_INSERT && !klad.rij;
+    if (!IXALLEENMERK(icb, klad.oud))
+        return false;
+    const Uitstelling u =
+        kan ? UITSTELRUIMTE(icb, klad.volgorde.size(), klad.oud.nblocks, icb->h.nblocks) : U_NIET;
+    *wacht = u == U_RUIMTE;
+    return u == U_RUIMTE || (u == U_NIET && (klad.volgorde.empty() || UITSTELUIT(icb)));
+}
+
 bool schrijf_alles() {
     ICB* icb = klad.icb;
+    bool wacht = false;
     if (met_kop()) {
         klad.kop_geraakt = true;
         if (!merk())
             return false;
-    } else if (!IXALLEENMERK(icb))
+    } else if (!begin_alleen(&wacht))
         return false;
     if (klad.record && klad.soort != KL_DELETE && !schrijf_record())
         return false;
+    if (wacht) {
+        for (const Blad* b : klad.volgorde)
+            UITSTELZET(icb, b->blok, b->wordt);
+        return true;
+    }
     if (!schrijf_nieuwe())
         return false;
     for (; klad.geschreven < klad.volgorde.size();) {
@@ -155,8 +174,8 @@ bool schrijf_alles() {
 }
 
 bool staat(int fd, int64_t plaats, const void* was, size_t n) {
-    uint8_t nu[IXBLOK];
-    return SYSLEES(fd, nu, n, plaats) == static_cast<ssize_t>(n) && memcmp(nu, was, n) == 0;
+    std::vector<uint8_t> nu(n);
+    return SYSLEES(fd, nu.data(), n, plaats) == static_cast<ssize_t>(n) && memcmp(nu.data(), was, n) == 0;
 }
 
 // Bytes as they stood. When even that is refused: do they stand there all the same?

@@ -12,7 +12,8 @@
 //   6. the reservation of an inserted key
 //   7. the header with the new counters, unmarked
 // Where the index is mapped, 1, 4, 6 and 7 are stores, which nothing refuses.
-// In exclusive mode 1 and 7 are left out but for a delete: the counters are the handle's until it is closed.
+// In exclusive mode the mark of the first change stays up to the close, and the counters are the handle's until then; the blocks of
+// an insert are held back (store/uitstel.h).
 #pragma once
 #include "store/ix.h"
 

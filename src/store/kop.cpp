@@ -83,11 +83,11 @@ void IXKOPZET(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling) {
     zet<uint8_t>(p + offsetof(IXHEADER, busy), merk);
 }
 
-int IXALLEENMERK(ICB* icb) {
+int IXALLEENMERK(ICB* icb, const IXHEADER& h) {
     if (icb->mode != 1 || icb->tempidx || icb->gemerkt)
         return 1;
     uint32_t telling = IXTELLEES(icb->idxfd);
-    icb->gemerkt = static_cast<int8_t>(IXKOPSCHRIJF(icb->idxfd, icb->h, K_ALLEEN, &telling));
+    icb->gemerkt = static_cast<int8_t>(IXKOPSCHRIJF(icb->idxfd, h, K_ALLEEN, &telling));
     return icb->gemerkt;
 }
 

@@ -24,9 +24,9 @@ int IXKOPSCHRIJF(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling);
 // The same in the mapping of a file behind IXKAARTZETTEN, where only the counters of `h` are new: nothing can refuse it. The
 // mark stands before what is stored after this, and rest comes after all that was stored before.
 void IXKOPZET(int idxfd, const IXHEADER& h, Kopmerk merk, uint32_t* telling);
-// An exclusive handle is about to make its first change: the header is marked, and stays so until it is closed. 1, or 0 with
-// errno.
-int IXALLEENMERK(ICB* icb);
+// An exclusive handle is about to make its first change: the header, with the counters that stand there, is marked, and stays so
+// until it is closed. 1, or 0 with errno.
+int IXALLEENMERK(ICB* icb, const IXHEADER& h);
 
 // What a pair at rest looks like to who has it mapped. False: it isn't at rest, or that can't be known without a call.
 struct IXSTAND {

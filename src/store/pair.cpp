@@ -7,6 +7,7 @@
 #include "store/klad.h"
 #include "store/node.h"
 #include "store/teksten.h"
+#include "store/uitstel.h"
 #include "store/voortgang.h"
 #include "term/scherm.h"
 #include "term/teksten.h"
@@ -157,6 +158,7 @@ void IXLAATLOS(ICB* icb) {
     if (icb->cached)
         IOCACHE('X', icb, 0);
     IXEIGENWEG(icb);
+    UITSTELWEG(icb);
     if (icb->datfd >= 0)
         IXBESTANDDICHT(icb->datfd);
     if (icb->idxfd >= 0)
@@ -193,6 +195,7 @@ void IXINITIX(ICB* icb) {
     IXEIS(icb, "IXINITIX");
     if (IXDEFFOUT(icb->h))
         IXSTUK(icb, 0);
+    UITSTELWEG(icb);
     icb->h.freehead = -1;
     icb->h.nrecs = 0;
     icb->h.nblocks = icb->h.nkeys + 2;

@@ -18,6 +18,7 @@
 #include "store/klad.h"
 #include "store/node.h"
 #include "store/teksten.h"
+#include "store/uitstel.h"
 #include "store/wachten.h"
 #include "store/wachtrij.h"
 #include "term/scherm.h"
@@ -308,6 +309,7 @@ int IXLOCK(ICB* icb, int operatie) {
         return vast;
     }
     case 11:
+        UITSTELAF(icb);
         icb->filelocked = 0;
         icb->koplock = icb->vast.er = 0;
         IXBESTANDVAST(icb->idxfd, false);

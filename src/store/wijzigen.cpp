@@ -4,6 +4,7 @@
 #include "store/bestand.h"
 #include "store/klad.h"
 #include "store/teksten.h"
+#include "store/uitstel.h"
 #include "store/zoeker.h"
 #include "term/scherm.h"
 
@@ -16,7 +17,8 @@ int32_t nieuw_blok(ICB* icb) {
     if (icb->h.nblocks > INT32_MAX - 4)
         SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_INDEX_VOL));
     // The second new block of a change stands behind one that is not on the disk yet.
-    if (!icb->cached && (!KLADAAN(icb) || KLADEERSTE(icb)) &&
+    // What is held back is looked at when it is written.
+    if (!icb->cached && (!KLADAAN(icb) || KLADEERSTE(icb)) && UITSTELSTAND(icb->idxfd, 0) == 0 &&
         SYSOMVANG(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
         IXSTUK(icb, icb->h.nblocks);
     return icb->h.nblocks++;
