@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
+#include <string>
 #include <unistd.h>
 #include <vector>
 
@@ -16,11 +19,22 @@ struct Bestand {
     ino_t ino;
     int fd, gebruikers;
     bool vast;
+    std::string pad; // from the root, whatever directory the process goes to
+    int64_t gekeken; // milliseconds; when the name was last looked at
 };
 std::vector<Bestand> bestanden;
 
 std::vector<Bestand>::iterator vind(int fd) {
     return std::find_if(bestanden.begin(), bestanden.end(), [fd](const Bestand& b) { return b.fd == fd; });
+}
+
+std::string vanaf_wortel(const char* pad) {
+    if (*pad == '/')
+        return pad;
+    char* hier = getcwd(nullptr, 0);
+    const std::string uit = hier ? std::string(hier) + "/" + pad : "";
+    free(hier);
+    return uit;
 }
 
 } // namespace
@@ -33,6 +47,7 @@ int IXBESTANDOPEN(const char* pad, int vlaggen) {
                 if ((vlaggen & O_TRUNC) && SYS.ftruncate(b.fd, 0) < 0)
                     return -1;
                 b.gebruikers++;
+                b.pad = vanaf_wortel(pad); // it may have several, and the others may go
                 return b.fd;
             }
     int fd = vlaggen & O_CREAT ? SYSNIEUW(pad, vlaggen) : SYS.open(pad, vlaggen | O_CLOEXEC, 0);
@@ -44,7 +59,7 @@ int IXBESTANDOPEN(const char* pad, int vlaggen) {
         errno = fout;
         return -1;
     }
-    bestanden.push_back({s.st_dev, s.st_ino, fd, 1, false});
+    bestanden.push_back({s.st_dev, s.st_ino, fd, 1, false, vanaf_wortel(pad), 0});
     IXKAARTOPEN(fd);
     return fd;
 }
@@ -56,6 +71,28 @@ void IXBESTANDDICHT(int fd) {
     IXKAARTDICHT(fd);
     SYS.close(fd);
     bestanden.erase(b);
+}
+
+bool IXBESTANDVERVANGEN(int fd) {
+    const auto b = vind(fd);
+    struct stat s;
+    if (b == bestanden.end() || b->pad.empty())
+        return false;
+    if (stat(b->pad.c_str(), &s) == 0)
+        return s.st_dev != b->dev || s.st_ino != b->ino;
+    return errno == ENOENT && SYS.fstat(fd, &s) == 0 && s.st_nlink == 0;
+}
+
+bool IXBESTANDBEURT(int fd) {
+    constexpr int64_t SECONDE = 1000;
+    const auto b = vind(fd);
+    timespec t;
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
+    const int64_t nu = t.tv_sec * SECONDE + t.tv_nsec / 1'000'000;
+    if (b == bestanden.end() || (b->gekeken && nu - b->gekeken < SECONDE))
+        return false;
+    b->gekeken = nu;
+    return true;
 }
 
 void IXBESTANDVAST(int fd, bool vast) {

@@ -9,6 +9,11 @@ namespace zg {
 // process has open already gives the same descriptor, and O_TRUNC then empties it. -1 with errno set.
 int IXBESTANDOPEN(const char* pad, int vlaggen);
 void IXBESTANDDICHT(int fd);
+// Does the name that it was opened by lead to another file now, or has it none any more? What is written into it then,
+// nobody sees. A directory that was moved is no such thing.
+bool IXBESTANDVERVANGEN(int fd);
+// Is it time to ask that again: has nobody for a second, or never?
+bool IXBESTANDBEURT(int fd);
 // Does a handle of this process hold the header lock of this index from open to close? Whoever takes and releases
 // that lock too would take it from the handle.
 void IXBESTANDVAST(int fd, bool vast);

@@ -1,5 +1,6 @@
 // Reports and boxes of the store, and the names of a pair's two files.
 #include "shared/report.h"
+#include "store/bestand.h"
 #include "store/node.h"
 #include "store/teksten.h"
 #include "term/prompt.h"
@@ -25,6 +26,12 @@ void IXSTUK(const ICB* icb, int32_t blok) {
 
 void IXINCONSISTENT(const ICB* icb) {
     SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_NIET_CONSISTENT));
+}
+
+void IXEISPAAR(const ICB* icb) {
+    if (!icb->tempidx && IXBESTANDBEURT(icb->idxfd) &&
+        (IXBESTANDVERVANGEN(icb->idxfd) || IXBESTANDVERVANGEN(icb->datfd)))
+        SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_VERVANGEN));
 }
 
 void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats, int lengte) {

@@ -57,6 +57,8 @@ inline bool ALLEEN(const ICB* icb) {
 void IXEIS(const ICB* icb, const char* tag);            // null handle
 [[noreturn]] void IXSTUK(const ICB* icb, int32_t blok); // a block makes no sense
 [[noreturn]] void IXINCONSISTENT(const ICB* icb);       // marked as being changed
+// Before a change: stops when another file has taken the place of one of the pair. It looks once a second.
+void IXEISPAAR(const ICB* icb);
 [[noreturn]] void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats,
                                int lengte); // seek or write, with errno
 // The disk refused a write, with this errno, and all is as it was: told in a box. `gevolg`: what that means, when it is

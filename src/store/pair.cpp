@@ -135,6 +135,15 @@ int beoordeel(ICB* icb, const std::string& indexpad, const std::string& datapad)
     return vrij;
 }
 
+// Who waited for a pair may have got one whose place was given to another meanwhile: that is let go.
+bool andere_weg(ICB* icb) {
+    if (icb->tempidx || !(IXBESTANDVERVANGEN(icb->idxfd) || IXBESTANDVERVANGEN(icb->datfd)))
+        return false;
+    IXLOCK(icb, icb->filelocked ? 11 : 12);
+    IXLAATLOS(icb);
+    return true;
+}
+
 } // namespace
 
 bool IXDIEPERKIJKEN = true;
@@ -237,6 +246,7 @@ void IXINIT(ICB* icb) {
 }
 
 ICB* IXOPEN(const char* naam, int mode) {
+    const int gevraagd = mode;
     const bool vragen = mode & IXVRAAG;
     mode &= ~IXVRAAG;
     const std::string indexpad = IXINDEXPAD(naam), datapad = IXDATAPAD(naam);
@@ -252,11 +262,15 @@ ICB* IXOPEN(const char* naam, int mode) {
     }
     if (lees_naam(icb)) {
         IXLOCK(icb, 2);
+        if (andere_weg(icb))
+            return IXOPEN(naam, gevraagd);
         IXRDIX(icb, 0);
         IXLOCK(icb, 12);
     }
     if (icb->mode == 1) {
         IXLOCK(icb, 1);
+        if (andere_weg(icb))
+            return IXOPEN(naam, gevraagd);
         IXRDIX(icb, 0); // others may have written until now, and from here on the counters are this handle's
     }
     IXSWITCH(icb, 1);

@@ -111,6 +111,7 @@ Werk werk_bij(ICB* icb, const void* rec) {
 // was changed, and *fout says what the user is told (0 for nothing).
 template <class F> int wijzig(ICB* icb, int* fout, F werk) {
     *fout = 0;
+    IXEISPAAR(icb);
     for (int poging = 0;; poging++) {
         KLADBEGIN(icb);
         switch (werk()) {
@@ -150,6 +151,7 @@ int geweigerd(ICB* icb, bool nieuw, bool houd, int fout) {
 int ter_plaatse(ICB* icb, const void* rec) {
     if (icb->mode != 2 || !icb->vast.er)
         return -1;
+    IXEISPAAR(icb);
     uint8_t nu[IXRECMAX], was[IXSLEUTELMAX + 4], wordt[IXSLEUTELMAX + 4];
     for (int k = 0; k < icb->h.nkeys; k++) {
         const IXKEYDEF& def = icb->h.keydef[k];
@@ -231,6 +233,7 @@ int IXPUTREC(ICB* icb, const void* rec) {
     if (alleen_lezen(icb))
         return 1;
     int fout = 0;
+    IXEISPAAR(icb);
     if (!lijkt_vrij(icb, rec)) {
         uint8_t was[IXRECMAX];
         IXRDREC(icb, was);

@@ -4,6 +4,7 @@
 #include "store/node.h"
 #include <cstring>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zg::test {
@@ -243,6 +244,102 @@ TEST(Paar, BedorvenKop) {
             EXPECT_TRUE(bevat(uit, g.melding) && bevat(uit, "T          : ")) << g.plaats << ": " << uit;
         }
     }
+}
+
+// Another file in the place of one that is open: whoever writes stops before he writes where nobody looks; who opens has the
+// new one. A directory under another name is no other file.
+TEST(Paar, VervangenOnderDeSchrijver) {
+    const struct {
+        const char *wat, *opdracht;
+        bool anders;
+    } gevallen[] = {
+        {"index", "cp T.INX N && mv N T.INX", true},
+        {"data", "cp T.TXT N && mv N T.TXT", true},
+        {"both", "cp T.INX N && mv N T.INX && cp T.TXT N && mv N T.TXT", true},
+        {"gone", "rm T.INX", true},
+        {"backup with a second name", "ln T.TXT L && cp T.TXT N && mv N T.TXT", true},
+        {"second name", "ln T.TXT L && ln T.INX M", false},
+        {"directory", "mv ../hier ../daar", false},
+        {"touched", "touch T.INX T.TXT && chmod 660 T.INX", false},
+    };
+    const struct {
+        const char* wat;
+        void (*werk)(ICB* icb);
+    } werken[] = {
+        {"insert", [](ICB* icb) { EXPECT_EQ(1, IXWRITE(icb, "xxxxxxxxxxxxxxxxxxxy")); }},
+        {"update under lock",
+         [](ICB* icb) {
+             char r[20] = {};
+             IXREADL(icb, r);
+             r[19] = 'z';
+             EXPECT_EQ(1, IXWRITE(icb, r));
+         }},
+        {"delete",
+         [](ICB* icb) {
+             char r[20] = {};
+             IXREAD(icb, r);
+             IXDELETE(icb, r);
+         }},
+    };
+    for (const auto& g : gevallen)
+        for (const auto& w : werken)
+            for (const int mode : {1, 2}) {
+                SCOPED_TRACE(std::string(g.wat) + ", " + w.wat + ", mode " + std::to_string(mode));
+                TijdelijkeMap map;
+                ASSERT_EQ(0, mkdir("hier", 0700) + chdir("hier"));
+                maak_paar("T", tabel);
+                vul("T", 0, 10);
+                const std::string data = lees_bestand("T.TXT");
+                const std::string uit = stopt([&] {
+                    ICB* icb = IXOPEN("T", mode);
+                    if (system(g.opdracht) != 0)
+                        _exit(9);
+                    w.werk(icb);
+                    IXCLOSE(icb);
+                });
+                EXPECT_EQ(g.anders, bevat(uit, "T          : ") && bevat(uit, "vervangen")) << uit;
+                if (g.anders) {
+                    EXPECT_EQ(data, lees_bestand("T.TXT"));
+                    continue;
+                }
+                EXPECT_EQ("", uit);
+                EXPECT_GEZOND("T");
+            }
+}
+
+// A handle that goes on for a while: replaced behind its last look it writes for a second at most. And who waits at the door
+// of a pair that is replaced meanwhile comes in by the new one.
+TEST(Paar, VervangenLater) {
+    TijdelijkeMap map;
+    maak_paar("T", tabel);
+    vul("T", 0, 10);
+    const std::string uit = stopt([] {
+        ICB* icb = IXOPEN("T", 2);
+        char r[20] = {};
+        const auto schrijf = [&](int nr) { return ZET32(r, nr), IXWRITE(icb, r); };
+        EXPECT_EQ(1, schrijf(100));
+        if (system("cp T.INX N && mv N T.INX && cp T.TXT N && mv N T.TXT") != 0)
+            _exit(9);
+        usleep(1'100'000);
+        schrijf(101);
+        _exit(7);
+    });
+    EXPECT_TRUE(bevat(uit, "vervangen")) << uit;
+
+    static bool vervangen;
+    vervangen = false;
+    const SYSCALLS echt = SYS;
+    SYS.slot = [](int fd, int opdracht, struct flock* slot) {
+        vervangen = vervangen || rename("N.INX", "T.INX") == 0;
+        return fcntl(fd, opdracht, slot);
+    };
+    ASSERT_EQ(0, system("cp T.INX N.INX"));
+    ICB* icb = IXOPEN("T", 2);
+    SYS = echt;
+    struct stat open_nu, op_pad;
+    ASSERT_EQ(0, fstat(icb->idxfd, &open_nu) + stat("T.INX", &op_pad));
+    EXPECT_EQ(op_pad.st_ino, open_nu.st_ino);
+    IXCLOSE(icb);
 }
 
 } // namespace
