@@ -39,7 +39,7 @@ int lees(int bestand, int32_t nr, edirec* rec) {
     for (int i = 0; i < POGINGEN; i++) {
         for (edirec* r : {rec, &weer}) {
             memset(r, 0, sizeof *r);
-            n = SYSLEES(bestand, r, sizeof *r, int64_t{nr} * EDIREC);
+            n = IOLEES(bestand, r, sizeof *r, int64_t{nr} * EDIREC);
         }
         if (memcmp(rec, &weer, sizeof weer) == 0)
             break;

@@ -39,7 +39,7 @@ bool lees_mee(int32_t nr) {
     if (nr < mee.van || nr - mee.van >= mee.aantal) {
         if (nr > ioeti_hoogste_blok())
             return false;
-        const ssize_t n = SYSLEES(fd, mee.blokken, sizeof mee.blokken, begin(nr));
+        const ssize_t n = IOLEES(fd, mee.blokken, sizeof mee.blokken, begin(nr));
         mee.van = nr;
         mee.aantal = n > 0 ? static_cast<int>(n / static_cast<ssize_t>(sizeof(etiblok))) : 0;
         if (!mee.aantal)
@@ -56,7 +56,7 @@ void vergeet_mee() {
 }
 
 int64_t blokken() {
-    const int64_t omvang = SYSOMVANG(fd);
+    const int64_t omvang = IOOMVANG(fd);
     return (omvang + static_cast<int64_t>(sizeof(etiblok)) - 1) / static_cast<int64_t>(sizeof(etiblok));
 }
 
@@ -72,9 +72,7 @@ bool beschadigd(int32_t nr, const char* fmt, ...) {
 bool lees_los(int32_t nr, etiblok* naar) {
     if (nr < 0 || nr > ioeti_hoogste_blok())
         return beschadigd(nr, "%s", TXT(T_ETI_ONGELDIG));
-    const ssize_t n = SYSLEES(fd, naar, sizeof *naar, begin(nr));
-    if (n < 0)
-        return beschadigd(nr, "%s", TXT(T_ETI_FOUTIEF));
+    const ssize_t n = IOLEES(fd, naar, sizeof *naar, begin(nr));
     return n == static_cast<ssize_t>(sizeof *naar) || beschadigd(nr, "%s", TXT(T_ETI_BUITEN));
 }
 

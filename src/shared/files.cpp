@@ -1,7 +1,10 @@
 // File helpers: tests on paths, temporary names, copy and move, scrambled texts. Directory scans are in
 // mapscan.cpp, locks in iolock.cpp.
 #include "shared/files.h"
+#include "shared/gedeeld.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
+#include "shared/teksten.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -52,24 +55,38 @@ std::string volledig(const std::string& pad) {
     return pad;
 }
 
+// Is the path there? Where the disk or the network doesn't say, nobody may go on as if it weren't.
+bool staat_er(const char* pad, struct stat* st) {
+    if (stat(pad, st) == 0)
+        return true;
+    const int fout = errno;
+    for (const int weg : {EIO, ENOTCONN, ESTALE, EBADFD, ETIMEDOUT, EHOSTDOWN, EREMOTEIO})
+        if (fout == weg) {
+            STOPREDEN(fout);
+            SCRFATAL(TXT(T_NIET_GELEZEN), IOBASENAME(pad), fout);
+        }
+    return false;
+}
+
 } // namespace
 
+int IOTMPSLOT;
 int (*IXCOMMITHOOK)() = niets;
 int64_t (*SCRAMBLEKLOK)() = seconden;
 
 int IOEXISTS(const char* pad) {
     struct stat st;
-    return stat(pad, &st) == 0;
+    return staat_er(pad, &st);
 }
 
 int IOISDIR(const char* pad) {
     struct stat st;
-    return stat(pad, &st) == 0 && S_ISDIR(st.st_mode);
+    return staat_er(pad, &st) && S_ISDIR(st.st_mode);
 }
 
 int64_t IOSIZE(const char* pad) {
     struct stat st;
-    return stat(pad, &st) == 0 ? st.st_size : -1;
+    return staat_er(pad, &st) ? st.st_size : -1;
 }
 
 int IOUNLINK(const char* pad) {
@@ -86,14 +103,17 @@ const char* IOTMPNAM(const char* map, const char* prefix) {
     static std::string pad;
     if (nummer < 0)
         nummer = static_cast<int>(getpid() % 100);
+    const bool van_slot = IOTMPSLOT > 0 && IOGEDEELD();
+    if (van_slot)
+        nummer = IOTMPSLOT % 100;
     std::string stam = map && *map ? std::string(map) + "/" : std::string();
     stam.append(prefix ? prefix : "", prefix ? strnlen(prefix, 4) : 0);
-    for (int poging = 0; poging < 26 * 26 * 100; poging++) {
+    for (int poging = 0; poging < 26 * 26 * (van_slot ? 1 : 100); poging++) {
         if (++tweede > 'Z') {
             tweede = 'A';
             if (++eerste > 'Z') {
                 eerste = 'A';
-                nummer = (nummer + 1) % 100;
+                nummer = van_slot ? nummer : (nummer + 1) % 100;
             }
         }
         char staart[8];
@@ -127,15 +147,17 @@ int IOCOPY(const char* van, const char* naar, int hoe) {
         SYS.close(bron);
         return 0;
     }
-    if (op_slot)
-        IOFLOCK(bron, 3, SLOTLENGTE);
+    if (op_slot && !IOFLOCK(bron, 3, SLOTLENGTE)) {
+        SYS.close(bron);
+        return 0;
+    }
     bool goed = false;
     // Cut only once the lock is held: another may be at work in the target.
     int doel = SYSNIEUW(naar, O_WRONLY | (hoe < 0 ? O_EXCL : hoe > 0 ? O_APPEND : 0));
     if (doel >= 0) {
         int64_t plaats = hoe > 0 ? lseek(doel, 0, SEEK_END) : 0;
-        IOFLOCK(doel, 3, SLOTLENGTE - plaats);
-        goed = (hoe != 0 || SYS.ftruncate(doel, 0) == 0) && kopieer(bron, doel);
+        goed = IOFLOCK(doel, 3, SLOTLENGTE - plaats) && (hoe != 0 || SYS.ftruncate(doel, 0) == 0) &&
+               kopieer(bron, doel);
         IXCOMMITHOOK();
         lseek(doel, plaats, SEEK_SET);
         IOFLOCK(doel, 13, SLOTLENGTE - plaats);

@@ -13,6 +13,8 @@ int IOCHDIR(const char* pad);
 // A name that is free at this moment: prefix (4 characters at most), two letters, two digits. Static; empty
 // on failure. Nothing is left on disk: the caller makes the file.
 const char* IOTMPNAM(const char* map, const char* prefix);
+extern int
+    IOTMPSLOT; // of the user: on a shared file system the digits, since no two machines have the same; 0 none
 // hoe <0 refuse existing, 0 overwrite, >0 append. Locks both files; a target that was begun by a failing copy
 // goes again, a part that was appended stays. A file is never copied onto itself: 0.
 int IOCOPY(const char* van, const char* naar, int hoe);
@@ -46,7 +48,8 @@ extern int64_t (*SCRAMBLEKLOK)(); // seconds; tests replace it
 // The lock primitive, one loop around fcntl: 'S' test-and-hold (read lock), 'E' write lock, 'T' test, 'U'
 // release. Never blocks; 1 or 0. Length 0: to the end of the file.
 int IOLOCK(char letter, int fd, int64_t start, int64_t lengte);
-// Process that keeps a write lock off the region, 0 when none does.
+// Process that keeps a write lock off the region, 0 when none does, -1 when it has no number here. On a shared file system
+// a number may be that of a process of another machine, and here another's.
 int64_t IOLOCKPID(int fd, int64_t start, int64_t lengte);
 // A write lock on the whole file that belongs to the open file and not to the process: who inherits the descriptor has it
 // too, and it goes with the last of them. 1, or 0 with errno, EAGAIN when another has it.

@@ -24,7 +24,7 @@ constexpr int HALF_WERK = 12; // userstate of a program that met a broken free c
 constexpr int64_t VOORUIT = 99;
 
 bool lees(int32_t nr, prijsgroeprec* rec) {
-    return nr >= 0 && SYSLEES(ink.fd, rec, sizeof *rec, nr * INK_RECORD) == INK_RECORD;
+    return nr >= 0 && IOLEES(ink.fd, rec, sizeof *rec, nr * INK_RECORD) == INK_RECORD;
 }
 
 [[noreturn]] void stop(int32_t nr, const char* waarom) {
@@ -62,7 +62,7 @@ bool ink_leeg(prijsgroeprec rec) {
 }
 
 int64_t ink_records() {
-    const int64_t bytes = SYSOMVANG(ink.fd);
+    const int64_t bytes = IOOMVANG(ink.fd);
     return bytes < 0 ? 0 : (bytes + INK_RECORD - 1) / INK_RECORD;
 }
 
@@ -157,7 +157,7 @@ bool inkslot::schrijf(std::vector<std::vector<inkrecord>*> ketens) {
         for (inkrecord& r : *keten)
             alle.push_back(&r);
     was_ = vrij_;
-    einde_ = SYSOMVANG(ink.fd);
+    einde_ = IOOMVANG(ink.fd);
     genomen_.clear();
     const int64_t records = ink_records();
     int64_t nieuw = records;

@@ -34,7 +34,7 @@ int64_t plaats(int index) {
 
 void lees(int index, filiaalrec* rec) {
     auto* bytes = reinterpret_cast<char*>(rec);
-    ssize_t n = SYSLEES(fd, bytes, sizeof *rec, plaats(index));
+    ssize_t n = IOLEES(fd, bytes, sizeof *rec, plaats(index));
     size_t goed = n < 0 ? 0 : static_cast<size_t>(n);
     memset(bytes + goed, 0, sizeof *rec - goed);
     if (hoofdkantoor(index)) {

@@ -2,15 +2,14 @@
 // Two traps of these locks: they belong to the process, so it never sees its own; and closing any descriptor
 // of a file drops all its locks on that file. So a file that is locked is opened once and kept open.
 // A lock that another has is an answer, and who asked may wait for it. A lock that can't be had at all (no room in the
-// system's table, a file system without locks) would be waited for without end, so it stops the program with a report.
+// system's table, a file system without locks, a server that has gone) would be waited for without end, so it stops the
+// program with a report.
 #include "shared/files.h"
 #include "shared/report.h"
 #include "shared/syscalls.h"
 #include "shared/teksten.h"
 #include "term/scherm.h"
-#include <algorithm>
 #include <cerrno>
-#include <string>
 #include <unistd.h>
 
 namespace zg {
@@ -22,13 +21,10 @@ bool doe(int fd, int opdracht, struct flock* slot) {
         const int fout = errno;
         if (fout == EINTR)
             continue;
-        if (fout == EACCES || fout == EAGAIN || fout == EBADF || slot->l_type == F_UNLCK)
+        if (fout == EACCES || fout == EAGAIN || fd < 0 || slot->l_type == F_UNLCK)
             return false;
-        char pad[256];
-        const ssize_t n = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), pad, sizeof pad - 1);
-        pad[std::max<ssize_t>(n, 0)] = '\0';
         STOPREDEN(fout);
-        SCRFATAL(TXT(T_GEEN_SLOT), IOBASENAME(pad), fout);
+        SCRFATAL(TXT(T_GEEN_SLOT), IOFDNAAM(fd).c_str(), fout);
     }
     return true;
 }
@@ -89,7 +85,9 @@ int IOLOCK(char letter, int fd, int64_t start, int64_t lengte) {
 
 int64_t IOLOCKPID(int fd, int64_t start, int64_t lengte) {
     struct flock slot = gebied(F_WRLCK, start, lengte);
-    return doe(fd, F_GETLK, &slot) && slot.l_type != F_UNLCK ? slot.l_pid : 0;
+    if (!doe(fd, F_GETLK, &slot) || slot.l_type == F_UNLCK)
+        return 0;
+    return slot.l_pid > 0 ? slot.l_pid : -1;
 }
 
 int IOLOCKERF(int fd) {
@@ -108,10 +106,10 @@ int IOFLOCK(int fd, int commando, int64_t lengte) {
         return 0;
     if (commando == 4 || commando == 14)
         lseek(fd, 0, SEEK_END);
-    if (commando >= 13)
-        return lockf(fd, F_ULOCK, lengte) == 0;
-    while (lockf(fd, F_TLOCK, lengte) < 0) {
-        if (errno != EACCES && errno != EAGAIN && errno != EINTR)
+    struct flock slot = gebied(commando >= 13 ? F_UNLCK : F_WRLCK, 0, lengte);
+    slot.l_whence = SEEK_CUR;
+    while (SYS.slot(fd, F_SETLK, &slot) < 0) {
+        if (commando >= 13 || (errno != EACCES && errno != EAGAIN && errno != EINTR))
             return 0; // not a refusal: it would never come free
         if (errno != EINTR)
             toon_bezet();

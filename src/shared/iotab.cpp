@@ -1,6 +1,7 @@
 // Module iotab: slots of the fixed tables in DTSYS.TXT, and the program's images of the most used ones.
 #include "shared/iotab.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/houder.h"
 #include "shared/iofil.h"
 #include "shared/report.h"
@@ -48,7 +49,7 @@ int lees(char letter, int32_t nr, void* record, const Systabel& tabel) {
     auto* bytes = static_cast<char*>(record);
     if (binnen(nr, tabel)) {
         zoek(letter, plaats(nr, tabel));
-        if (SYSLEES(fd, record, n, plaats(nr, tabel)) == static_cast<ssize_t>(n))
+        if (IOLEES(fd, record, n, plaats(nr, tabel)) == static_cast<ssize_t>(n))
             return std::any_of(bytes, bytes + n, [](char c) { return c != 0; });
     }
     memset(record, 0, n);
@@ -77,7 +78,7 @@ bool geduld(int32_t nr, const Systabel& tabel) {
     for (int i = 0; i < POGINGEN; i++) {
         if (slot('S', nr, tabel))
             return true;
-        usleep(static_cast<useconds_t>(1000 + (getpid() + i * 7) % 8 * 1000));
+        IOWACHT(i, 1000 + (getpid() + i * 7) % 8 * 1000);
     }
     return false;
 }

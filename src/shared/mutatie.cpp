@@ -120,7 +120,7 @@ bool mutaties_herstel() {
     }
     constexpr int64_t OMVANG_MAX = 1 << 20; // a line's mutations are some kilobytes
     std::string regels(static_cast<size_t>(std::clamp<int64_t>(SYSOMVANG(noot), 0, OMVANG_MAX)), '\0');
-    const ssize_t n = SYSLEES(noot, regels.data(), regels.size(), 0);
+    const ssize_t n = IOLEES(noot, regels.data(), regels.size(), 0);
     regels.resize(static_cast<size_t>(std::max<ssize_t>(n, 0)));
     size_t van = 0; // a line that a kill has cut is no mutation
     for (size_t tot; (tot = regels.find('\n', van)) != std::string::npos; van = tot + 1)

@@ -1,6 +1,7 @@
 // Lines at the end of a shared text file, see shared/regelbij.h.
 #include "shared/regelbij.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include <algorithm>
 #include <cerrno>
@@ -12,11 +13,11 @@ namespace {
 // The lock is held for a write, so who hasn't got it within ten seconds waits for somebody who stands still, and goes on
 // without: a line is one write at the end all the same.
 bool neem(int fd) {
-    constexpr int POGINGEN = 20'000, PAUZE = 400;
-    for (int i = 0; i < POGINGEN; i++) {
+    constexpr int POGINGEN = 20'000, NETPOGINGEN = 900, PAUZE = 400;
+    for (int i = 0; i < (IOGEDEELD() ? NETPOGINGEN : POGINGEN); i++) {
         if (IOLOCK('E', fd, 0, 0))
             return true;
-        usleep(static_cast<useconds_t>(PAUZE + (getpid() + i * 7) % 8 * 25));
+        IOWACHT(i, PAUZE + (getpid() + i * 7) % 8 * 25);
     }
     return false;
 }

@@ -1,13 +1,17 @@
 // Error reports: one line with the module's tag and its number, handed to the abort box.
 #include "shared/report.h"
+#include "shared/files.h"
 #include "shared/schrijfstilte.h"
+#include "shared/syscalls.h"
 #include "shared/teksten.h"
 #include "term/natl.h"
 #include "term/prompt.h"
 #include "term/teksten.h"
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <unistd.h>
 
 namespace zg {
 namespace {
@@ -34,11 +38,18 @@ const char* IOREDEN(int fout) {
         int fout;
         const Tekst* woorden;
     } redenen[] = {
-        {EACCES, &T_GEEN_RECHTEN}, {EPERM, &T_GEEN_RECHTEN},         {EROFS, &T_ALLEEN_LEZEN},
-        {ENOENT, &T_BESTAAT_NIET}, {ENOTDIR, &T_BESTAAT_NIET},       {EISDIR, &T_IS_MAP},
-        {ENOSPC, &T_SCHIJF_VOL},   {EDQUOT, &T_SCHIJF_VOL},          {EFBIG, &T_BESTAND_TE_GROOT},
-        {EIO, &T_IO_FOUT},         {EOVERFLOW, &T_BESTAND_TE_GROOT}, {EMFILE, &T_TEVEEL_OPEN},
-        {ENFILE, &T_TEVEEL_OPEN},  {ENOLCK, &T_GEEN_SLOTEN},         {EOPNOTSUPP, &T_GEEN_SLOTEN},
+        {EACCES, &T_GEEN_RECHTEN},        {EPERM, &T_GEEN_RECHTEN},
+        {EROFS, &T_ALLEEN_LEZEN},         {ENOENT, &T_BESTAAT_NIET},
+        {ENOTDIR, &T_BESTAAT_NIET},       {EISDIR, &T_IS_MAP},
+        {ENOSPC, &T_SCHIJF_VOL},          {EDQUOT, &T_SCHIJF_VOL},
+        {EFBIG, &T_BESTAND_TE_GROOT},     {EIO, &T_IO_FOUT},
+        {EOVERFLOW, &T_BESTAND_TE_GROOT}, {EMFILE, &T_TEVEEL_OPEN},
+        {ENFILE, &T_TEVEEL_OPEN},         {ENOLCK, &T_GEEN_SLOTEN},
+        {EOPNOTSUPP, &T_GEEN_SLOTEN},     {ENOTCONN, &T_VERBINDING},
+        {ESTALE, &T_VERBINDING},          {EBADFD, &T_VERBINDING},
+        {EHOSTDOWN, &T_VERBINDING},       {EREMOTEIO, &T_IO_FOUT},
+        {ETIMEDOUT, &T_VERBINDING},       {ECONNABORTED, &T_VERBINDING},
+        {ECANCELED, &T_SLOT_WEG},
     };
     for (const auto& r : redenen)
         if (r.fout == fout)
@@ -49,6 +60,33 @@ const char* IOREDEN(int fout) {
 
 void STOPREDEN(int fout) {
     SCRFATALREDEN(IOREDEN(fout));
+}
+
+std::string IOFDNAAM(int fd) {
+    char pad[256];
+    const ssize_t n = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), pad, sizeof pad - 1);
+    pad[std::max<ssize_t>(n, 0)] = '\0';
+    return IOBASENAME(pad);
+}
+
+void IOLEESFOUT(int fd) {
+    const int fout = errno;
+    STOPREDEN(fout);
+    SCRFATAL(TXT(T_NIET_GELEZEN), IOFDNAAM(fd).c_str(), fout);
+}
+
+ssize_t IOLEES(int fd, void* buf, size_t n, int64_t plaats) {
+    const ssize_t gelezen = SYSLEES(fd, buf, n, plaats);
+    if (gelezen < 0)
+        IOLEESFOUT(fd);
+    return gelezen;
+}
+
+int64_t IOOMVANG(int fd) {
+    const int64_t omvang = SYSOMVANG(fd);
+    if (omvang < 0)
+        IOLEESFOUT(fd);
+    return omvang;
 }
 
 void ALARMBOX(const char* regel1, const char* regel2, const char* regel3) {

@@ -2,6 +2,7 @@
 // so a mapping of the file could take their place at this one spot. What is read is looked at before it is
 // used.
 #include "shared/files.h"
+#include "shared/report.h"
 #include "store/bestand.h"
 #include "store/cache.h"
 #include "store/kaart.h"
@@ -36,7 +37,7 @@ bool kop_goed(const ICB* icb, const IXHEADER& h) {
 void lees_kop(ICB* icb) {
     IXHEADER h;
     for (int poging = 0;; poging++) {
-        if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h) && kop_goed(icb, h))
+        if (IXKOPBLOK(icb, &h) && kop_goed(icb, h))
             break;
         if (poging == KOPRONDEN || ALLEEN(icb))
             IXSTUK(icb, 0);
@@ -80,13 +81,23 @@ ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
 
 // An exclusive handle's counters aren't on disk before it is closed.
 bool IXHEELBLOK(const ICB* icb, int32_t blok, void* doel) {
-    if (icb->mode != 1)
-        return IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK) == IXBLOK;
-    if (lees_blok(icb->idxfd, blok, doel, IXBLOK, UITSTELSTAND(icb->idxfd, KLADBLOKKEN(icb))) != IXBLOK)
+    const bool alleen = icb->mode == 1;
+    const ssize_t n = alleen ? lees_blok(icb->idxfd, blok, doel, IXBLOK, UITSTELSTAND(icb->idxfd, KLADBLOKKEN(icb)))
+                             : IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK);
+    if (n < 0)
+        IOLEESFOUT(icb->idxfd);
+    if (n != IXBLOK)
         return false;
-    if (!IXKAARTER(icb->idxfd))
+    if (alleen && !IXKAARTER(icb->idxfd))
         UITSTELBEWAAR(icb->idxfd, blok, doel);
     return true;
+}
+
+bool IXKOPBLOK(const ICB* icb, IXHEADER* h) {
+    const ssize_t n = IXBLOKLEES(icb->idxfd, 0, h, sizeof *h);
+    if (n < 0)
+        IOLEESFOUT(icb->idxfd);
+    return n == static_cast<ssize_t>(sizeof *h);
 }
 
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron, size_t aantal) {
@@ -100,8 +111,8 @@ int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken, uint32_t* telling) {
         return 0;
     }
     const ssize_t n =
-        SYSLEES(icb->idxfd, blokken,
-                static_cast<size_t>(std::min(WACHTRIJBLOK(icb), IXSLEUTELS + 1) + 1) * IXBLOK, 0);
+        IOLEES(icb->idxfd, blokken,
+               static_cast<size_t>(std::min(WACHTRIJBLOK(icb), IXSLEUTELS + 1) + 1) * IXBLOK, 0);
     IXHEADER h;
     memcpy(&h, blokken, sizeof h);
     memcpy(telling, blokken + TELPLAATS,

@@ -118,8 +118,7 @@ int lees(ICB* icb, int32_t blok) {
     if (raak)
         memcpy(icb->node, inhoud(p), IXBLOK);
     else {
-        ssize_t n = IXBLOKLEES(icb->idxfd, blok, icb->node, IXBLOK);
-        goed = n == IXBLOK;
+        goed = IXHEELBLOK(icb, blok, icb->node);
         if (!goed) // never half a block
             memset(icb->node, 0, IXBLOK);
         memcpy(inhoud(p), icb->node, IXBLOK);

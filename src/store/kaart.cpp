@@ -2,6 +2,7 @@
 // behind the end that is touched all the same, because the file was cut, is a SIGBUS: its handler lays a page of zeros
 // there and notes it, and the reader, who looks at that note behind every read, goes by calls and maps the file anew.
 #include "store/kaart.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include <algorithm>
 #include <array>
@@ -9,9 +10,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <linux/magic.h>
 #include <sys/mman.h>
-#include <sys/vfs.h>
 #include <unistd.h>
 
 namespace zg {
@@ -63,15 +62,13 @@ void vang() {
     sigaction(SIGBUS, &nieuw, &oud);
 }
 
-// File systems of this machine alone, where a mapping and the calls of others are the same pages; and of these the ones
-// where a block that stands is written over in its own place, which needs no room.
+// Where that can be, and may blocks that stand be stored into?
 bool kan(int fd, bool* zetten) {
-    constexpr long XFS = 0x58465342;
-    struct statfs s;
-    if (sizeof(void*) < 8 || fd < 0 || fd >= AANTAL || fstatfs(fd, &s) != 0)
+    if (sizeof(void*) < 8 || fd < 0 || fd >= AANTAL)
         return false;
-    *zetten = s.f_type == EXT4_SUPER_MAGIC || s.f_type == TMPFS_MAGIC;
-    return *zetten || s.f_type == XFS || s.f_type == BTRFS_SUPER_MAGIC || s.f_type == F2FS_SUPER_MAGIC;
+    const IOSOORT soort = IOSOORTVAN(fd);
+    *zetten = soort.zetten;
+    return soort.kaart;
 }
 
 bool aan() {

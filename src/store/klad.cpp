@@ -370,8 +370,8 @@ bool KLADRIJLEEG(const ICB* icb) {
     if (klad.icb == icb && rij < klad.begin_blokken)
         return klad.begin[static_cast<size_t>(rij) * IXBLOK + offsetof(IXKNOOP, count)] == 0;
     IXKNOOP k;
-    return klad.icb == icb && IXKAARTER(icb->idxfd) && IXBLOKLEES(icb->idxfd, rij, &k, sizeof k) == IXBLOK &&
-           k.keyno == 1 && k.level == 0 && k.count == 0;
+    return klad.icb == icb && IXKAARTER(icb->idxfd) && IXHEELBLOK(icb, rij, &k) && k.keyno == 1 &&
+           k.level == 0 && k.count == 0;
 }
 
 int32_t KLADBLOKKEN(const ICB* icb) {

@@ -1,6 +1,7 @@
 // Header and change count; see store/kop.h.
 #include "store/kop.h"
 #include "shared/files.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "store/kaart.h"
 #include "store/node.h"
@@ -48,7 +49,7 @@ uint32_t IXTELLEES(int idxfd) {
     uint32_t telling = 0;
     if (const uint8_t* p = IXKAARTBEGIN(idxfd))
         telling = uit<uint32_t>(p + TELPLAATS); // of a file that was cut in it: zeros, which are no count
-    else if (SYSLEES(idxfd, &telling, sizeof telling, TELPLAATS) != static_cast<ssize_t>(sizeof telling))
+    else if (IOLEES(idxfd, &telling, sizeof telling, TELPLAATS) != static_cast<ssize_t>(sizeof telling))
         telling = 0;
     return telling;
 }

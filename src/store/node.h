@@ -91,9 +91,11 @@ const IXKEYDEF& IXDEF(const ICB* icb); // of the current key; stops on a number 
 const char* IXDEFFOUT(const IXHEADER& h);
 const char* IXKOPFOUT(const IXHEADER& h);
 
-// Blocks (blok.cpp): every read and write of an index block is made by these two.
+// Blocks (blok.cpp): every read and write of an index block is made by these. What a handle's file refuses to give stops the
+// program: it is no damage and no end of the file.
 ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n); // bytes got, -1 on an error
 bool IXHEELBLOK(const ICB* icb, int32_t blok, void* doel);      // a whole one of this handle's file
+bool IXKOPBLOK(const ICB* icb, IXHEADER* h);                    // its header as it stands: is it whole?
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron, size_t aantal = 1); // 1, or 0 with errno set
 enum Leesuitslag { L_GOED, L_EINDE, L_FOUT };
 // Block above 0 into `node`, with path and `curblock`. When it does not answer L_GOED the node in hand is an

@@ -34,7 +34,7 @@ int open_bestand(const std::string& pad, bool vragen, int64_t minstens, int al_o
     for (;;) {
         errno = 0;
         int fd = IXBESTANDOPEN(pad.c_str(), O_RDWR);
-        if (fd >= 0 && SYSOMVANG(fd) >= minstens)
+        if (fd >= 0 && IOOMVANG(fd) >= minstens)
             return fd;
         int fout = errno;
         if (fd >= 0)
@@ -52,7 +52,7 @@ int open_bestand(const std::string& pad, bool vragen, int64_t minstens, int al_o
 // Answers the version found. Any but the former one is taken as the present one, and put right on disk.
 uint16_t lees_versie(int fd) {
     uint16_t versie = 0;
-    SYSLEES(fd, &versie, sizeof versie, VERSIEPLAATS);
+    IOLEES(fd, &versie, sizeof versie, VERSIEPLAATS);
     if (versie != OUDEVERSIE && versie != IXVERSIE)
         SYSSCHRIJFOP(fd, &IXVERSIE, sizeof IXVERSIE, VERSIEPLAATS);
     return versie;
@@ -60,7 +60,7 @@ uint16_t lees_versie(int fd) {
 
 // Name and title for messages, while `busy` keeps its value.
 bool lees_naam(ICB* icb) {
-    return SYSLEES(icb->idxfd, &icb->h, offsetof(IXHEADER, busy), 0) ==
+    return IOLEES(icb->idxfd, &icb->h, offsetof(IXHEADER, busy), 0) ==
            static_cast<ssize_t>(offsetof(IXHEADER, busy));
 }
 
@@ -89,10 +89,10 @@ int loop_vrijen(ICB* icb, const std::string& datapad) {
     bool balk = false;
     int32_t nr = icb->h.freehead;
     // The header of a temporary index says nothing of the data file: a chain is never longer than that.
-    const int64_t slots = std::min<int64_t>(icb->h.nrecs, SYSOMVANG(icb->datfd) / icb->h.reclen);
+    const int64_t slots = std::min<int64_t>(icb->h.nrecs, IOOMVANG(icb->datfd) / icb->h.reclen);
     for (int64_t stap = 0; stap < slots && nr >= 0; stap++) {
         ssize_t n =
-            SYSLEES(icb->datfd, rec.data(), static_cast<size_t>(icb->h.reclen), int64_t{nr} * icb->h.reclen);
+            IOLEES(icb->datfd, rec.data(), static_cast<size_t>(icb->h.reclen), int64_t{nr} * icb->h.reclen);
         // The last byte of a slot is not looked at here, as in all programs that share the files.
         if (n != icb->h.reclen || IXRECLIVE(rec.data(), icb->h.reclen - 1))
             break;
@@ -116,7 +116,7 @@ int loop_vrijen(ICB* icb, const std::string& datapad) {
 
 // The answer of IXCHECK for a pair whose header has been read under lock.
 int beoordeel(ICB* icb, const std::string& indexpad, const std::string& datapad) {
-    if (icb->h.busy || IXKOPFOUT(icb->h) || SYSOMVANG(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
+    if (icb->h.busy || IXKOPFOUT(icb->h) || IOOMVANG(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
         return -1;
     if (indexpad.find(".INX") != std::string::npos &&
         IOSIZE(datapad.c_str()) != int64_t{icb->h.reclen} * icb->h.nrecs)
@@ -310,7 +310,7 @@ int IXCHECK(const char* naam) {
     if (lees_naam(icb)) {
         IXLOCK(icb, 2);
         IXHEADER h;
-        if (IXBLOKLEES(idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h)) {
+        if (IXKOPBLOK(icb, &h)) {
             icb->h = h;
             uitslag = IXDIEPERKIJKEN ? beoordeel(icb, indexpad, datapad) : 0;
         }

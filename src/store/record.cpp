@@ -1,5 +1,6 @@
 // Records: read by number, by key and for change. Writing and deleting: store/schrijven.cpp.
 #include "shared/files.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "store/kaart.h"
 #include "store/node.h"
@@ -66,9 +67,7 @@ bool IXLEESHEEL(ICB* icb, void* rec) {
     int64_t plaats = IXSEEKDAT(icb);
     if (van_de_kaart(icb, rec))
         return true;
-    ssize_t n = SYSLEES(icb->datfd, rec, lengte, plaats);
-    if (n < 0)
-        IXSCHIJFFOUT(icb, icb->datfd, plaats, icb->h.reclen);
+    const ssize_t n = IOLEES(icb->datfd, rec, lengte, plaats);
     if (static_cast<size_t>(n) == lengte)
         return true;
     memset(rec, 0xFF, lengte); // what lies past the end is free
@@ -99,7 +98,7 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
     if (recnr >= aantal && icb->mode != 1 && !icb->tempidx) {
         // Others may have added records since this handle last saw the header.
         IXHEADER h;
-        if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h))
+        if (IXKOPBLOK(icb, &h))
             aantal = std::max(aantal, h.nrecs);
     }
     if (recnr < 0 || recnr >= aantal)

@@ -2,6 +2,7 @@
 // then written as a whole (store/klad.h). Whether a write inserts or updates is decided under that lock, so that two
 // writers of the same new key can't both insert it.
 #include "shared/files.h"
+#include "shared/report.h"
 #include "store/bestand.h"
 #include "store/kaart.h"
 #include "store/klad.h"
@@ -56,8 +57,7 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
     }
     // A data file that is too short would get a hole, whose zeros count as records.
     const int64_t einde = int64_t{icb->h.nrecs} * icb->h.reclen;
-    if (!IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)) &&
-        SYSOMVANG(icb->datfd) != einde)
+    if (!IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)) && IOOMVANG(icb->datfd) != einde)
         IXSTUK(icb, 0);
     icb->currec = icb->h.nrecs;
     if (houd && !IXPROBEERSLOT(icb))
@@ -126,7 +126,7 @@ template <class F> int wijzig(ICB* icb, int* fout, F werk) {
             return 0;
         case SLOT_BEZET:
             KLADWEG(icb);
-            if (poging < RUSTIG)
+            if (poging < IXRUSTIG())
                 IXPAUZE(R_SLOT, poging);
             else
                 IXWAITHOOK(icb);
@@ -309,8 +309,7 @@ int IXHEEL(ICB* icb) {
     IXEIS(icb, "IXHEEL");
     auto heel = [icb] {
         IXHEADER h;
-        return IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) == static_cast<ssize_t>(sizeof h) && !h.busy &&
-               SYSOMVANG(icb->datfd) >= int64_t{h.nrecs} * h.reclen;
+        return IXKOPBLOK(icb, &h) && !h.busy && IOOMVANG(icb->datfd) >= int64_t{h.nrecs} * h.reclen;
     };
     if (icb->mode != 2 || icb->koplock || heel())
         return 1;

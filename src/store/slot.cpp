@@ -66,7 +66,7 @@ void wacht_standaard(ICB* icb) {
 
 // Header and queue are held for the length of one update, so a short patience comes before the user is told.
 bool geduldig(char letter, int fd, int64_t start, int64_t lengte) {
-    for (int poging = 0; poging < RUSTIG; poging++) {
+    for (int poging = 0; poging < IXRUSTIG(); poging++) {
         if (IOLOCK(letter, fd, start, lengte))
             return true;
         IXPAUZE(R_SLOT, poging);
@@ -104,7 +104,7 @@ struct Wachtrij {
             tot_het_lukt('E', icb, icb->idxfd, int64_t{blok} * IXBLOK, IXBLOK);
         else
             vast = rijslot('E', icb);
-        if (vast && (IXBLOKLEES(icb->idxfd, blok, &k, sizeof k) != IXBLOK || k.keyno != 1 || k.level != 0 ||
+        if (vast && (!IXHEELBLOK(icb, blok, &k) || k.keyno != 1 || k.level != 0 ||
                      k.count * def.keylen > KNOOPRUIMTE))
             IXSTUK(icb, blok);
     }
@@ -255,7 +255,7 @@ bool IXVERGEETMEE(ICB* icb) {
 
 void IXVERGEETNA(ICB* icb, const void* rec, int32_t nr) {
     IXKNOOP k;
-    if (IXBLOKLEES(icb->idxfd, WACHTRIJBLOK(icb), &k, sizeof k) != IXBLOK || k.count == 0)
+    if (!IXHEELBLOK(icb, WACHTRIJBLOK(icb), &k) || k.count == 0)
         return;
     uint8_t bewaard[sizeof icb->keybuf];
     memcpy(bewaard, icb->keybuf, sizeof bewaard);

@@ -1,19 +1,22 @@
 // Pauses, and the patience of a reader; the numbers stand in store/wachten.h.
 #include "store/wachten.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "store/bestand.h"
 #include "store/node.h"
 #include <sched.h>
-#include <unistd.h>
 
 namespace zg {
 
+int IXRUSTIG() {
+    return IOGEDEELD() ? NETRUSTIG : RUSTIG;
+}
+
 void IXPAUZE(const IXRITME& ritme, int n) {
-    if (n < ritme.beurten)
+    if (n < ritme.beurten && !IOGEDEELD())
         sched_yield();
     else
-        usleep(
-            static_cast<useconds_t>(n < ritme.beurten + ritme.kort_aantal ? ritme.kort_us : ritme.lang_us));
+        IOWACHT(n, n < ritme.beurten + ritme.kort_aantal ? ritme.kort_us : ritme.lang_us);
 }
 
 Geduld::~Geduld() {
@@ -24,7 +27,7 @@ Geduld::~Geduld() {
 }
 
 bool Geduld::neem_slot() {
-    for (int keer = 0; keer < RUSTIG && !slot_ && !ALLEEN(icb_) && !IXBESTANDVAST(icb_->idxfd); keer++) {
+    for (int keer = 0; keer < IXRUSTIG() && !slot_ && !ALLEEN(icb_) && !IXBESTANDVAST(icb_->idxfd); keer++) {
         if (IOLOCK('E', icb_->idxfd, 0, IXBLOK))
             slot_ = true, icb_->koplock = 1;
         else

@@ -12,8 +12,10 @@ struct IXRITME {
 
 // A writer's bracket takes some 50 microseconds. Asked for quietly for 0.3 seconds in all (RUSTIG tries) before the
 // user is told: header lock, queue lock, and the slot of a new record.
+// Over a network a bracket takes some ten milliseconds, and so do the pauses (shared/gedeeld.h): a second in all.
 inline constexpr IXRITME R_SLOT{50, 100, 50, 1000};
-inline constexpr int RUSTIG = 400;
+inline constexpr int RUSTIG = 400, NETRUSTIG = 90;
+int IXRUSTIG(); // the one that counts here
 // A reader who met something odd: a writer at work is mostly done by the next look. On a loaded machine he may have
 // lost the processor for a few turns of it, hence the longer sleeps.
 inline constexpr IXRITME R_LEZER{10, 20, 100, 2000};

@@ -1,6 +1,7 @@
 // Changing a tree: entering a key with a split at 70 per cent, removing one. Nodes never merge and blocks are never
 // given back. Within a change of a record the blocks go to the rough copy (store/klad.h), which writes them when the
 // whole change is known; a temporary index and a bulk load are written at once. Finding a key: store/zoeken.cpp.
+#include "shared/report.h"
 #include "store/bestand.h"
 #include "store/klad.h"
 #include "store/teksten.h"
@@ -19,7 +20,7 @@ int32_t nieuw_blok(ICB* icb) {
     // The second new block of a change stands behind one that is not on the disk yet.
     // What is held back is looked at when it is written.
     if (!icb->cached && (!KLADAAN(icb) || KLADEERSTE(icb)) && UITSTELSTAND(icb->idxfd, 0) == 0 &&
-        SYSOMVANG(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
+        IOOMVANG(icb->idxfd) != int64_t{icb->h.nblocks} * IXBLOK)
         IXSTUK(icb, icb->h.nblocks);
     return icb->h.nblocks++;
 }

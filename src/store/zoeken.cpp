@@ -200,8 +200,7 @@ enum Blik { RUST, ANDERS, BEZIG };
 Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
     IXHEADER h;
     *exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);
-    if (IXBLOKLEES(icb->idxfd, 0, &h, sizeof h) != static_cast<ssize_t>(sizeof h) ||
-        (h.busy && !(*exclusief && h.busy == K_ALLEEN)))
+    if (!IXKOPBLOK(icb, &h) || (h.busy && !(*exclusief && h.busy == K_ALLEEN)))
         return BEZIG;
     if (h.nblocks != icb->gezien.nblocks || h.nrecs != icb->gezien.nrecs ||
         h.freehead != icb->gezien.freehead) {

@@ -1,6 +1,7 @@
 // The notes of reserved numbers, a file for each user's slot: whose number is it? By itself, for who asks that without the
 // files of the registration.
 #include "shared/iotab.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "sub/omserie.h"
 #include "sub/serienummer.h"
@@ -32,7 +33,7 @@ std::string serie_notitie(int32_t slot) {
 Sleutels serie_genoteerd(int32_t slot) {
     Sleutels uit(MEEST);
     const int fd = SYS.open(serie_notitie(slot).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
-    const ssize_t n = fd < 0 ? 0 : SYSLEES(fd, uit.data(), uit.size() * sizeof uit[0], 0);
+    const ssize_t n = fd < 0 ? 0 : IOLEES(fd, uit.data(), uit.size() * sizeof uit[0], 0);
     if (fd >= 0)
         SYS.close(fd);
     uit.resize(n > 0 ? static_cast<size_t>(n) / sizeof uit[0] : 0);

@@ -4,6 +4,7 @@
 #include "control/controle.h"
 #include "edi/edifys.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "store/ix.h"
@@ -100,7 +101,7 @@ int64_t kopie_klok() {
 
 bool kopie_vast(Kopie* k, int64_t eind, std::string* wie) {
     constexpr int PAUZE = 2000; // microseconds: a busy writer lets a lock go for moments only
-    for (;;) {
+    for (int poging = 0;; poging++) {
         if (!open_vast(k))
             return false;
         if (probeer(k, wie))
@@ -109,7 +110,7 @@ bool kopie_vast(Kopie* k, int64_t eind, std::string* wie) {
             k->fout = kopie_gestopt ? "stopped" : *wie;
             return false;
         }
-        usleep(PAUZE);
+        IOWACHT(poging, PAUZE);
     }
 }
 

@@ -5,7 +5,9 @@
 #include "store/diepcheck.h"
 #include "store/hulp.h"
 #include "store/node.h"
+#include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
@@ -234,7 +236,7 @@ TEST_F(Slot, InvoegenTegenEenExclusieveOpener) {
     for (int i = 1; i <= 3; i++)
         ik("write " + std::to_string(i));
     EXPECT_EQ("1", ik("readl 2"));
-    ik("delete 2");                                     // a slot to use again
+    ik("delete 2");                                   // a slot to use again
     for (const char* nieuw : {"keep 9", "keep 10"}) { // into the free slot, and behind the last
         SCOPED_TRACE(nieuw);
         // The opener has the data file; the writer is refused, and the header is free for the opener.
@@ -295,9 +297,9 @@ TEST_F(Slot, InvoegenTegenDeWachtrij) {
     for (int i = 1; i <= 3; i++)
         ik("write " + std::to_string(i));
     EXPECT_EQ("1", ik("readl 2"));
-    ik("delete 2"); // a slot to use again
+    ik("delete 2");                 // a slot to use again
     EXPECT_EQ("0", ik("readl 77")); // else the queue isn't asked for
-    const auto paar = [&] { // not by name: closing a file would let go of its locks
+    const auto paar = [&] {         // not by name: closing a file would let go of its locks
         std::string uit;
         for (int fd : {ik.icb->idxfd, ik.icb->datfd}) {
             std::string b(static_cast<size_t>(SYSOMVANG(fd)), 0);
@@ -361,10 +363,10 @@ TEST_F(Slot, VrijeSlotDieVastzit) {
     EXPECT_GEZOND("T");
 }
 
-// A file system without locks, a full lock table: a report, not a wait.
+// A file system without locks, a full lock table, a server that has gone: a report, not a wait.
 TEST_F(Slot, GeenSlotenMogelijk) {
     open();
-    for (int fout : {ENOLCK, EOPNOTSUPP, EINVAL})
+    for (int fout : {ENOLCK, EOPNOTSUPP, EINVAL, ENOTCONN, EBADF, EBADFD, ESTALE, EIO})
         for (const char* werk : {"readl 1", "write 1", "test 0 0 512"}) {
             const std::string uit = stopt([&] {
                 static int met;
@@ -378,6 +380,44 @@ TEST_F(Slot, GeenSlotenMogelijk) {
             EXPECT_NE(std::string::npos, uit.find("Bestand T.")) << werk << uit;
         }
     IXCLOSE(ik.icb);
+}
+
+// A read that fails is no damage, and no end of a file: told as what it is, at each read of each piece of work, and nothing
+// has been written.
+TEST_F(Slot, LezenMislukt) {
+    setenv("ZGGEDEELD", "1", 1); // every read is a call
+    open();
+    ik("write 1 7");
+    IXCLOSE(ik.icb);
+    const std::string index = lees_bestand("T.INX"), data = lees_bestand("T.TXT");
+    static int fout, over;
+    for (const char* werk : {"read 1", "readl 1", "readl 2", "write 1 9", "write 3", "delete 1"})
+        for (int n = 0, klaar = 0; !klaar; n++) {
+            ASSERT_LT(n, 40) << werk;
+            fout = std::array{ENOTCONN, EBADFD, ESTALE, EIO}[static_cast<size_t>(n) % 4], over = n;
+            const Afloop a = in_proces([&] {
+                SYS.pread = [](int fd, void* p, size_t m, off_t waar) {
+                    return over-- > 0 ? pread(fd, p, m, waar) : (errno = fout, ssize_t{-1});
+                };
+                ik("open 2");
+                ik(werk);
+                return over < 0 ? 9 : 0;
+            });
+            klaar = a.status == 0;
+            if (klaar)
+                break;
+            EXPECT_EQ(1, a.status) << werk << n << a.uitvoer;
+            EXPECT_NE(std::string::npos, a.uitvoer.find("Bestand T.")) << werk << n << a.uitvoer;
+            EXPECT_NE(std::string::npos,
+                      a.uitvoer.find("kan niet gelezen worden (errno=" + std::to_string(fout)))
+                << werk << n << a.uitvoer;
+            EXPECT_TRUE(std::string(werk) == "readl 2" ||
+                        (index == lees_bestand("T.INX") && data == lees_bestand("T.TXT")))
+                << werk << n;
+            schrijf_bestand("T.INX", index);
+            schrijf_bestand("T.TXT", data);
+        }
+    unsetenv("ZGGEDEELD");
 }
 
 } // namespace
