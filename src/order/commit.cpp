@@ -26,7 +26,7 @@ void kopieer(const ordhandle* h, int64_t van, int64_t tot, bool zonder_lege, int
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, h->fd, van, tot);
-    while (ord_verder(h, &l, &r, "commit", 1)) {
+    while (ord_verder(h, &l, &r)) {
         if (zonder_lege && r.tag == 'T' && !r.data[2])
             continue;
         if (r.tag == 'D')
@@ -85,12 +85,12 @@ void werk_register_bij(int32_t regels) {
 
 bool vastleggen(int32_t regels) {
     int64_t totaal = 0;
-    if (!bouw_journaal(regels, &totaal))
+    if (!bouw_journaal(regels, &totaal) || !ord_nog_vast(journaal))
         return false;
     werk_register_bij(regels);
     // Whose turn it was must not be seen in the journal: his colleagues' programs go on with it.
     if (!IOLOCK('E', tmp_fd(), 0, 1) || !SYSEVENALS(tmp_fd(), wrk_naam("JRN").c_str()) ||
-        SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("JRN").c_str()) != 0)
+        !wrk_hernoem("TMP", "JRN"))
         return false;
     ord_wissel(journaal, tmp_neem());
     return true;
@@ -103,8 +103,11 @@ bool wrk_sluit() {
     bool goed = true;
     // An order that was only looked at leaves the journal as it is, and so does a new one that got no lines.
     bool niets =
-        (!werk->gewijzigd && regels) || (order_nieuw && !regels && order_start == SYSOMVANG(journaal->fd));
-    if (!order_alleen_lezen && !niets) {
+        (!werk->gewijzigd && regels) || (order_nieuw && !regels && order_start == IOOMVANG(journaal->fd));
+    if (wrk_verloren()) { // which has been told
+        tmp_weg();
+        goed = false;
+    } else if (!order_alleen_lezen && !niets) {
         goed = !registermodus ||
                (register_heel(dtordnr, TXT(T_JRN_ORDER_BLIJFT), TXT(T_JRN_ORDER_BEWAARD)) && zet_status());
         if (goed) {
@@ -114,14 +117,15 @@ bool wrk_sluit() {
             if (!goed) {
                 int reden = errno;
                 tmp_weg();
-                SCHRIJFFOUT(wrk_naam("TMP").c_str(), reden, TXT(T_JRN_ORDER_BLIJFT),
-                            TXT(T_JRN_ORDER_BEWAARD));
+                wrk_geweigerd("TMP", reden, TXT(T_JRN_ORDER_BLIJFT), TXT(T_JRN_ORDER_BEWAARD));
             }
         }
     }
     sluit_werk();
     if (goed) {
         wrk_ruim_op();
+        if (wrk_verloren())
+            wrk_geweigerd("WRK", journaal->verloren, nullptr, nullptr);
         if (journaal) {
             journaal->offset = 0;
             journaal->tag = 0;

@@ -181,7 +181,7 @@ bool bewerk_order() {
     SCRPUT(A_WAARDE, 1, 62, "%-10.10s: %s", TXT(T_F_ORDERDATUM), DATUM6(kop.orderdatum));
     ordkop gekozen = kop;
     if (!wrk_open())
-        return false;
+        return wrk_verloren();
     kop = gekozen; // the copy has read on into the next order
     bool door = aantal_regels > 0;
     if (!door && order_mag_nieuw()) {

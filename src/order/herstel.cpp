@@ -8,6 +8,7 @@
 #include "order/wrkbinnen.h"
 #include "shared/files.h"
 #include "shared/registerrec.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include <cerrno>
 #include <cstring>
@@ -24,7 +25,7 @@ bool lees_act(act_record* act) {
     int fd = SYS.open(wrk_naam("ACT").c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
     if (fd < 0)
         return false;
-    bool goed = SYSOMVANG(fd) == sizeof *act && SYSLEES(fd, act, sizeof *act, 0) == sizeof *act;
+    bool goed = IOOMVANG(fd) == sizeof *act && IOLEES(fd, act, sizeof *act, 0) == sizeof *act;
     SYS.close(fd);
     errno = 0;
     return goed && act->start >= 0 && act->start <= act->omvang &&
@@ -44,6 +45,8 @@ bool toets_werk(int32_t* regels, bool* zonder_register) {
         loopstand stand = ordloop_volgende(&l, &r);
         if (stand == LOOP_EINDE)
             return !eerste;
+        if (stand == LOOP_FOUT)
+            IOLEESFOUT(werk->fd);
         if (stand != LOOP_RECORD || (r.tag == 'O') != eerste)
             return false;
         if (r.tag == 'O') {
@@ -71,6 +74,8 @@ bool toets_plaatsen(const act_record& act, uint8_t* status) {
         loopstand stand = ordloop_volgende(&l, &r);
         if (stand == LOOP_EINDE)
             break;
+        if (stand == LOOP_FOUT)
+            IOLEESFOUT(journaal->fd);
         if (stand != LOOP_RECORD)
             return false;
         if (r.tag != 'O')
@@ -94,7 +99,7 @@ std::vector<uint8_t> vastgelegde_order() {
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
-    while (ordloop_volgende(&l, &r) == LOOP_RECORD)
+    while (ord_verder(werk, &l, &r))
         if (r.tag != 'T' || r.data[2])
             uit.insert(uit.end(), r.data, r.data + r.lengte);
     if (registermodus)
@@ -109,14 +114,14 @@ bool al_vastgelegd(const act_record& act, int32_t regels) {
         order = vastgelegde_order();
     int64_t staart = act.volgende == -1 ? 0 : act.omvang - act.volgende;
     int64_t achter = act.start + static_cast<int64_t>(order.size());
-    if (SYSOMVANG(journaal->fd) != achter + staart)
+    if (IOOMVANG(journaal->fd) != achter + staart)
         return false;
     std::vector<uint8_t> staat(order.size());
-    if (SYSLEES(journaal->fd, staat.data(), staat.size(), act.start) != static_cast<ssize_t>(staat.size()) ||
+    if (IOLEES(journaal->fd, staat.data(), staat.size(), act.start) != static_cast<ssize_t>(staat.size()) ||
         staat != order)
         return false;
     char tag = 'O';
-    return !staart || (SYSLEES(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
+    return !staart || (IOLEES(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
 }
 
 enum herstelstand { HERSTEL_NIET, HERSTEL_AL, HERSTEL_DOEN, HERSTEL_LATER };
@@ -141,7 +146,7 @@ herstelstand onderzoek() {
         return errno == 0 || errno == ENOENT ? HERSTEL_NIET : onbereikbaar("ACT");
     if (!toets_werk(&aantal_regels, &zonder_register))
         return HERSTEL_NIET;
-    if (SYSOMVANG(journaal->fd) != act.omvang)
+    if (IOOMVANG(journaal->fd) != act.omvang)
         return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
     if (!toets_plaatsen(act, &status))
         return HERSTEL_NIET;
@@ -178,9 +183,15 @@ bool herstel_order() {
     }
     ord_sluit(werk);
     werk = nullptr;
-    wrk_ruim_op();
-    wrk_namen_wis();
     aantal_regels = 0;
+    wrk_ruim_op();
+    if (wrk_verloren()) {
+        wrk_geweigerd("WRK", journaal->verloren, nullptr, nullptr);
+        ord_sluit(journaal);
+        journaal = nullptr;
+        return false;
+    }
+    wrk_namen_wis();
     return stand == HERSTEL_AL;
 }
 

@@ -9,6 +9,7 @@
 #include "order/meld.h"
 #include "order/ordloop.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/houder.h"
 #include "shared/iomaat.h"
 #include "shared/report.h"
@@ -119,7 +120,7 @@ void keur(ordhandle* h) {
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, h->fd, 0, INT64_MAX);
-    while (ord_verder(h, &l, &r, "ioord", 2))
+    while (ord_verder(h, &l, &r))
         continue;
 }
 
@@ -129,9 +130,7 @@ bool vul(ordhandle* h, int32_t offset) {
     h->bufstart = offset;
     if (offset < 0)
         ord_inconsistent(h, offset, h->tag);
-    ssize_t n = SYSLEES(h->fd, h->buffer, static_cast<size_t>(h->buflen), offset);
-    if (n < 0)
-        IOFAIL("ioord", 3);
+    const ssize_t n = IOLEES(h->fd, h->buffer, static_cast<size_t>(h->buflen), offset);
     int32_t p = 0, vol = static_cast<int32_t>(n);
     while (p < vol) {
         int lengte = ord_lengte(static_cast<char>(h->buffer[p]));
@@ -238,9 +237,32 @@ void ord_sluit(ordhandle* h) {
 }
 
 void ord_sluit_jrn(ordhandle* h) {
-    if (h && h->schrijven && SYSOMVANG(h->fd) == 0)
+    if (h && h->schrijven && SYSOMVANG(h->fd) == 0 && ord_nog_vast(h))
         SYS.unlink(h->pad.c_str());
     ord_sluit(h);
+}
+
+int ord_slotfout(int fd, const char* pad) {
+    if (!IOGEDEELD())
+        return 0;
+    struct flock slot {};
+    struct stat hier, daar;
+    slot.l_type = F_WRLCK;
+    slot.l_whence = SEEK_SET;
+    slot.l_len = 1;
+    while (SYS.slot(fd, F_SETLK, &slot) < 0)
+        if (errno != EINTR)
+            return errno == EAGAIN || errno == EACCES ? ECANCELED : errno;
+    if (SYS.fstat(fd, &hier) != 0 || stat(pad, &daar) != 0)
+        return errno == ENOENT ? ECANCELED : errno;
+    return hier.st_dev == daar.st_dev && hier.st_ino == daar.st_ino ? 0 : ECANCELED;
+}
+
+bool ord_nog_vast(ordhandle* h) {
+    if (!h->verloren)
+        h->verloren = ord_slotfout(h->fd, h->pad.c_str());
+    errno = h->verloren ? h->verloren : errno;
+    return !h->verloren;
 }
 
 void ord_wissel(ordhandle* h, int fd) {
@@ -252,14 +274,14 @@ void ord_wissel(ordhandle* h, int fd) {
     h->laatste_o = h->laatste_m = h->laatste_d = -1;
 }
 
-bool ord_verder(const ordhandle* h, ordloop* l, ordrauw* r, const char* module, int nr) {
+bool ord_verder(const ordhandle* h, ordloop* l, ordrauw* r) {
     switch (ordloop_volgende(l, r)) {
     case LOOP_RECORD:
         return true;
     case LOOP_EINDE:
         return false;
     case LOOP_FOUT:
-        IOFAIL(module, nr);
+        IOLEESFOUT(h->fd);
     case LOOP_TAG:
     case LOOP_KORT:
         break;
@@ -274,7 +296,7 @@ void ord_keur_order(const ordhandle* h) {
     int64_t totaal = 0;
     bool maat = false, term = false;
     ordloop_begin(&l, h->fd, h->offset, INT64_MAX);
-    while (ord_verder(h, &l, &r, "ioord", 4)) {
+    while (ord_verder(h, &l, &r)) {
         bool goed = true;
         if (r.tag == 'O' && r.offset != h->offset)
             return;

@@ -33,6 +33,7 @@ struct ordhandle {
     int32_t laatste_o, laatste_m, laatste_d; // -1 when none met
     bool schrijven;
     bool gewijzigd; // written to since it was opened
+    int verloren;   // errno since its lock was found to be gone, 0
 };
 
 // The image of a tag, null for an unknown one.
@@ -46,6 +47,11 @@ ordhandle* ord_open_wrk(const char* map, int leverancier, int vlaggen);
 void ord_sluit(ordhandle* h);
 // Close a journal; an empty one is deleted first, while the lock still keeps others out.
 void ord_sluit_jrn(ordhandle* h);
+// Is the path still the file whose lock is held? On a shared file system a lock can go without its holder's doing, so it
+// is asked for again before a name beside a journal is touched; elsewhere there is nothing to ask. False with errno,
+// ECANCELED when another has the lock or the name: for good, as far as this handle goes.
+bool ord_nog_vast(ordhandle* h);
+int ord_slotfout(int fd, const char* pad); // the same for who has no handle: 0 or the errno
 // modus 'N' steps past the current record first. False at the end (tag 'X').
 bool ord_lees(ordhandle* h, char modus);
 bool ord_lees_op(ordhandle* h, int32_t plaats); // the record at a place of the file

@@ -18,10 +18,10 @@ void ord_meld_niet_open(const char* naam, int reden);
 [[noreturn]] void ord_inconsistent(const ordhandle* h, int64_t pos, char tag);
 
 // For the siblings of ioord. ord_verder: the next record of a walk over the handle's file, false at the end; what
-// can't be read stops the program, a failing disk with the module's number. ord_wissel: the handle goes on with
+// can't be read stops the program. ord_wissel: the handle goes on with
 // another descriptor, from offset 0; the old one is closed. ord_schrijf_op: bytes in place; false when that failed,
 // told, with the old bytes put back.
-bool ord_verder(const ordhandle* h, ordloop* l, ordrauw* r, const char* module, int nr);
+bool ord_verder(const ordhandle* h, ordloop* l, ordrauw* r);
 void ord_wissel(ordhandle* h, int fd);
 bool ord_schrijf_op(ordhandle* h, int32_t plaats, const void* bytes, size_t n);
 

@@ -10,28 +10,28 @@
 namespace zg {
 
 bool noot_schrijf(const Noot& noot, const std::vector<uint8_t>& bytes) {
-    const std::string nieuw = wrk_naam(noot.ext_nieuw), naam = wrk_naam(noot.ext);
-    const int fd = SYSNIEUW(nieuw.c_str(), O_WRONLY | O_TRUNC);
+    const std::string naam = wrk_naam(noot.ext);
+    const int fd = wrk_maak(noot.ext_nieuw, O_WRONLY | O_TRUNC);
     bool goed = fd >= 0 && SYSSCHRIJF(fd, bytes.data(), bytes.size()) && SYS.fsync(fd) == 0;
     int fout = errno;
     if (fd >= 0 && SYS.close(fd) != 0 && goed) {
         goed = false;
         fout = errno;
     }
-    if (goed && SYS.rename(nieuw.c_str(), naam.c_str()) != 0) {
+    if (goed && !wrk_hernoem(noot.ext_nieuw, noot.ext)) {
         goed = false;
         fout = errno;
     }
     if (!goed) {
-        SYS.unlink(nieuw.c_str());
+        wrk_verwijder(noot.ext_nieuw);
         SCHRIJFFOUT(IOBASENAME(naam.c_str()), fout);
     }
     return goed;
 }
 
 void noot_wis(const Noot& noot) {
-    SYS.unlink(wrk_naam(noot.ext).c_str());
-    SYS.unlink(wrk_naam(noot.ext_nieuw).c_str());
+    wrk_verwijder(noot.ext);
+    wrk_verwijder(noot.ext_nieuw);
 }
 
 bool noot_lees(const std::string& pad, std::vector<uint8_t>* bytes) {
@@ -50,7 +50,7 @@ bool noot_lees(const std::string& pad, std::vector<uint8_t>* bytes) {
 Nootstand noot_open(const Noot& noot, std::vector<uint8_t>* bytes) {
     const std::string naam = wrk_naam(noot.ext);
     if (!IOEXISTS(naam.c_str())) {
-        SYS.unlink(wrk_naam(noot.ext_nieuw).c_str()); // killed while it was written: nothing has changed
+        wrk_verwijder(noot.ext_nieuw); // killed while it was written: nothing has changed
         return Nootstand::geen;
     }
     if (noot_lees(naam, bytes))

@@ -2,6 +2,7 @@
 #include "order/ioord.h"
 #include "order/meld.h"
 #include "order/wrkbinnen.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include <cstring>
 
@@ -13,9 +14,9 @@ inline constexpr size_t STUK = sizeof tekstrec.tekst, TRECORD = 1 + sizeof(ordte
 // Do the five records stand there, or does the file end there?
 bool tekst_past(int fd, int64_t plaats, int soort) {
     uint8_t bytes[TEKSTSTUKKEN * TRECORD];
-    ssize_t n = SYSLEES(fd, bytes, sizeof bytes, plaats);
+    ssize_t n = IOLEES(fd, bytes, sizeof bytes, plaats);
     if (n == 0)
-        return plaats == SYSOMVANG(fd);
+        return plaats == IOOMVANG(fd);
     if (n != static_cast<ssize_t>(sizeof bytes))
         return false;
     for (size_t i = 0; i < TEKSTSTUKKEN; i++)
@@ -62,7 +63,7 @@ bool ord_kop_schrijf(ordhandle* h, const char* levering, const char* betaling) {
     tekst_records(1, levering, teksten);
     tekst_records(2, betaling, teksten + TEKSTSTUKKEN * TRECORD);
     uint8_t oud[sizeof bytes];
-    const ssize_t er = SYSLEES(h->fd, oud, sizeof oud, 0);
+    const ssize_t er = IOLEES(h->fd, oud, sizeof oud, 0);
     if (er != 0) {
         if (er < 1 || oud[0] != 'O' || !tekst_past(h->fd, 1 + sizeof kop, 1) ||
             !tekst_past(h->fd, static_cast<int64_t>(1 + sizeof kop + TEKSTSTUKKEN * TRECORD), 2))

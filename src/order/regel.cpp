@@ -25,7 +25,7 @@ bool kop_record(regelloop* loop, int32_t plaats, char tag, void* beeld) {
     ordloop_naar(&loop->loop, plaats);
     loopstand stand = ordloop_volgende(&loop->loop, &r);
     if (stand == LOOP_FOUT)
-        IOFAIL("regel", 1);
+        IOLEESFOUT(loop->loop.fd);
     if (stand == LOOP_EINDE || r.tag != tag)
         return false;
     if (stand != LOOP_RECORD)
@@ -51,7 +51,7 @@ bool lees_model(regelloop* loop, int32_t plaats) {
         return false;
     size_t stukken = 0;
     ordrauw r;
-    while (ord_verder(werk, &loop->loop, &r, "regel", 1) && r.tag == 'T')
+    while (ord_verder(werk, &loop->loop, &r) && r.tag == 'T')
         tekst_erbij(r, 3, loop->tekst, &stukken);
     loop->m = plaats;
     return true;
@@ -146,7 +146,7 @@ void laad_onderdelen(regelloop* loop, orderregel* regel, int32_t regelplaats) {
     ordrauw r;
     size_t stukken = 0;
     uint8_t maat = 0;
-    while (ord_verder(werk, &loop->loop, &r, "regel", 1) && !strchr("OMD", r.tag)) {
+    while (ord_verder(werk, &loop->loop, &r) && !strchr("OMD", r.tag)) {
         if (r.tag == 'T')
             tekst_erbij(r, 4, regel->dessintekst, &stukken);
         else if (registermodus && regel->dessin.geregistreerd) {

@@ -441,7 +441,7 @@ void order_scherm() {
     order_kopregels();
     toon_leverancier();
     int32_t geladen = -1; // line in the shared areas
-    for (;;) {
+    while (!wrk_verloren()) {
         blad.teken();
         if (geladen != blad.cursor)
             laad(blad.ingang(), &totaal);

@@ -52,7 +52,7 @@ bool stelsel_in_gebruik(uint16_t merk, uint16_t nummer) {
     ordloop l;
     ordrauw r;
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
-    while (ord_verder(werk, &l, &r, "regelstam", 1)) {
+    while (ord_verder(werk, &l, &r)) {
         ordmodel m;
         if (r.tag != 'M')
             continue;

@@ -100,7 +100,7 @@ void journaal_loop(int32_t ordernummer, const Regeldoen& doe) {
     bool deze = false;
     int32_t nr = 0;
     ordloop_begin(&l, journaal->fd, 0, INT64_MAX);
-    while (ord_verder(journaal, &l, &r, "bijwerk", 1)) {
+    while (ord_verder(journaal, &l, &r)) {
         if (r.tag == 'O') {
             ordkop o;
             memcpy(&o, r.data + 1, sizeof o);

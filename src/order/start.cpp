@@ -8,6 +8,8 @@
 #include "order/teksten.h"
 #include "print/xprt.h"
 #include "shared/eanhdl.h"
+#include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/houder.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
@@ -102,6 +104,7 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
         foutief_gestart(99);
     CATOPEN();
     int32_t nr = 0;
+    IOGEDEELD(); // asked for now, and known from here on
     iotab('O', &nr, nullptr, SYS_RECORD);
     sys_lees();
     iofil('O', 0, nullptr);
@@ -123,6 +126,7 @@ void prog_start(const char* naam, const char* datum, int argc, char** argv) {
         foutief_gestart(13);
 
     sessienummer = static_cast<uint16_t>(sessie);
+    IOTMPSLOT = sessie;
     gebruikersrecht = gebruiker.userkind;
     IXWAITHOOK = houder_wacht;
     BATCHTERUG = terug_naar_menu;

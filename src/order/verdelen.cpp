@@ -288,7 +288,7 @@ void verdeel_herbouw(const orderregel& regel, const ors_ingang* eigen, uint16_t 
     ordrauw r;
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
     bool ons_model = false, telt = false;
-    while (ord_verder(werk, &l, &r, "verdelen", 2)) {
+    while (ord_verder(werk, &l, &r)) {
         if (r.tag == 'F' && telt) {
             ordfil f;
             memcpy(&f, r.data + 1, sizeof f);

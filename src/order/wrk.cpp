@@ -98,13 +98,36 @@ std::string wrk_naam(const char* ext) {
     return strcmp(ext, "JRN") == 0 ? journaalnaam : stam + '.' + ext;
 }
 
+int wrk_maak(const char* ext, int vlaggen) {
+    return journaal && !ord_nog_vast(journaal) ? -1 : SYSNIEUW(wrk_naam(ext).c_str(), vlaggen);
+}
+
+bool wrk_hernoem(const char* van, const char* naar) {
+    return (!journaal || ord_nog_vast(journaal)) &&
+           SYS.rename(wrk_naam(van).c_str(), wrk_naam(naar).c_str()) == 0;
+}
+
+bool wrk_verwijder(const char* ext) {
+    return (!journaal || ord_nog_vast(journaal)) && IOUNLINK(wrk_naam(ext).c_str());
+}
+
+bool wrk_verloren() {
+    return journaal && journaal->verloren;
+}
+
+void wrk_geweigerd(const char* ext, int reden, const char* regel2, const char* regel3) {
+    if (wrk_verloren())
+        regel2 = TXT(T_JRN_SLOT_WEG), regel3 = TXT(T_JRN_KIES_OPNIEUW);
+    SCHRIJFFOUT(wrk_naam(ext).c_str(), reden, regel2, regel3);
+}
+
 bool wrk_actief_schrijf() {
     act_record act = {};
     act.start = order_start;
     act.volgende = order_volgende;
-    act.omvang = static_cast<int32_t>(SYSOMVANG(journaal->fd));
+    act.omvang = static_cast<int32_t>(IOOMVANG(journaal->fd));
     act.sessie = static_cast<uint8_t>(sessienummer);
-    int fd = SYSNIEUW(wrk_naam("ACT").c_str(), O_WRONLY | O_TRUNC);
+    int fd = wrk_maak("ACT", O_WRONLY | O_TRUNC);
     if (fd < 0)
         return false;
     bool goed = SYSSCHRIJF(fd, &act, sizeof act);
@@ -118,15 +141,15 @@ bool wrk_actief_schrijf() {
 }
 
 void wrk_actief_wis() {
-    SYS.unlink(wrk_naam("ACT").c_str());
+    wrk_verwijder("ACT");
 }
 
 void wrk_ruim_op() {
     if (stam.empty())
         return;
-    SYS.unlink(wrk_naam("WRK").c_str());
+    wrk_verwijder("WRK");
     tmp_weg();
-    SYS.unlink(wrk_naam("TMP").c_str());
+    wrk_verwijder("TMP");
     ors_wis();
     wrk_actief_wis();
 }
@@ -138,7 +161,7 @@ bool ors_nieuw() {
         SYS.close(ors_fd);
     ors_nu.clear();
     aantal_regels = 0;
-    ors_fd = SYSNIEUW(wrk_naam("ORS").c_str(), O_RDWR | O_TRUNC);
+    ors_fd = wrk_maak("ORS", O_RDWR | O_TRUNC);
     return ors_fd >= 0;
 }
 
@@ -147,7 +170,7 @@ void ors_wis() {
         SYS.close(ors_fd);
     ors_fd = -1;
     ors_nu.clear();
-    SYS.unlink(wrk_naam("ORS").c_str());
+    wrk_verwijder("ORS");
 }
 
 bool ors_lees(char modus, ors_ingang* ingang) {
@@ -211,7 +234,7 @@ bool tmp_nieuw(bool ors_ook) {
     tmp.regels_oud = aantal_regels;
     if (ors_ook)
         aantal_regels = 0;
-    tmp.fd = SYSNIEUW(wrk_naam("TMP").c_str(), O_RDWR | O_TRUNC);
+    tmp.fd = wrk_maak("TMP", O_RDWR | O_TRUNC);
     tmp.fout = tmp.fd < 0 ? errno : 0;
     return tmp.fd >= 0;
 }
@@ -269,7 +292,7 @@ void tmp_weg() {
     if (tmp.fd < 0)
         return;
     SYS.close(tmp_neem());
-    SYS.unlink(wrk_naam("TMP").c_str());
+    wrk_verwijder("TMP");
     aantal_regels = tmp.regels_oud;
 }
 
@@ -277,7 +300,7 @@ bool tmp_begin_wrk() {
     if (tmp_nieuw(true))
         return true;
     aantal_regels = tmp.regels_oud;
-    SCHRIJFFOUT(wrk_naam("TMP").c_str(), tmp.fout, TXT(T_JRN_WERK_BLIJFT), nullptr);
+    wrk_geweigerd("TMP", tmp.fout, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 
@@ -294,7 +317,7 @@ bool tmp_naar_wrk() {
     if (goed) {
         ext = "WRK";
         if (IOLOCK('E', tmp.fd, 0, 1) && SYSEVENALS(tmp.fd, wrk_naam("WRK").c_str()) &&
-            SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) == 0) {
+            wrk_hernoem("TMP", "WRK")) {
             ord_wissel(werk, tmp_neem());
             return true;
         }
@@ -305,7 +328,7 @@ bool tmp_naar_wrk() {
     }
     int reden = errno;
     tmp_weg();
-    SCHRIJFFOUT(wrk_naam(ext).c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
+    wrk_geweigerd(ext, reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 
@@ -319,10 +342,10 @@ bool open_mislukt(const char* ext, bool niet_te_openen) {
     ord_sluit(werk);
     werk = nullptr;
     wrk_ruim_op();
-    if (niet_te_openen)
+    if (niet_te_openen && !wrk_verloren())
         ord_meld_niet_open(naam.c_str(), reden);
     else
-        SCHRIJFFOUT(naam.c_str(), reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
+        wrk_geweigerd(ext, reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 
@@ -377,7 +400,7 @@ bool wrk_open() {
         return open_mislukt("ORS", false);
     if (SYS.close(tmp_neem()) != 0)
         return open_mislukt("TMP", false);
-    if (SYS.rename(wrk_naam("TMP").c_str(), wrk_naam("WRK").c_str()) != 0)
+    if (!wrk_hernoem("TMP", "WRK"))
         return open_mislukt("WRK", false);
     if (!wrk_actief_schrijf())
         return open_mislukt("ACT", false);

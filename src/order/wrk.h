@@ -26,6 +26,13 @@ extern seriesleutel
 void wrk_namen();
 void wrk_namen_wis();
 std::string wrk_naam(const char* ext);
+// Every one of these names is made, replaced and taken away by these, which ask first whether they are still this session's
+// (ord_nog_vast). False or -1 with errno. One that wasn't there counts as taken away.
+int wrk_maak(const char* ext, int vlaggen); // a descriptor, as SYSNIEUW
+bool wrk_hernoem(const char* van, const char* naar);
+bool wrk_verwijder(const char* ext);
+// Were they found to be another's? Then nothing of the order can be kept by this session, which goes back to the season.
+bool wrk_verloren();
 
 // False when a scratch file can't be made (told); none of them is left then.
 bool wrk_open();

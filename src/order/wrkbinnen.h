@@ -23,6 +23,8 @@ bool tmp_begin_wrk();
 // TMP, locked, takes the place of WRK, and `werk` goes on with it; the ORS file is the new index. False:
 // told, work file and index as they were.
 bool tmp_naar_wrk();
+// A refused write of one of the files, told with what stays; where the session has lost them that is another's to say.
+void wrk_geweigerd(const char* ext, int reden, const char* regel2, const char* regel3);
 // Write the index built with TMP to the ORS file; false (errno): the old one stands there again.
 bool ors_af();
 

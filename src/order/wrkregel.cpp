@@ -69,7 +69,7 @@ template <class F> void loop_wrk(F plaats) {
         lengte = 0;
     };
     ordloop_begin(&l, werk->fd, 0, INT64_MAX);
-    while (ord_verder(werk, &l, &r, "wrkregel", 2)) {
+    while (ord_verder(werk, &l, &r)) {
         const bool kop_van = r.tag == 'O' || r.tag == 'M' || r.tag == 'D';
         if (kop_van)
             af();
@@ -95,15 +95,15 @@ template <class F> void loop_wrk(F plaats) {
 void toets_ingang(const ors_ingang& ingang) {
     char tag = 0;
     for (auto [plaats, wil] : {std::pair{ingang.m, 'M'}, std::pair{ingang.d, 'D'}})
-        if (plaats < 0 || SYSLEES(werk->fd, &tag, 1, plaats) != 1 || tag != wil)
+        if (plaats < 0 || IOLEES(werk->fd, &tag, 1, plaats) != 1 || tag != wil)
             ord_inconsistent(werk, plaats, tag);
 }
 
 seriesleutel serie_van(const ors_ingang& ingang) {
     ordmodel m;
     orddessin d;
-    if (SYSLEES(werk->fd, &m, sizeof m, int64_t{ingang.m} + 1) != ssize_t{sizeof m} ||
-        SYSLEES(werk->fd, &d, sizeof d, int64_t{ingang.d} + 1) != ssize_t{sizeof d})
+    if (IOLEES(werk->fd, &m, sizeof m, int64_t{ingang.m} + 1) != ssize_t{sizeof m} ||
+        IOLEES(werk->fd, &d, sizeof d, int64_t{ingang.d} + 1) != ssize_t{sizeof d})
         ord_inconsistent(werk, ingang.d, 'D');
     return {m.artikelgroep, d.kleur, d.volgnummer};
 }
@@ -112,7 +112,7 @@ seriesleutel serie_van(const ors_ingang& ingang) {
 
 bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel) {
     char eerste = 0;
-    if (SYSLEES(werk->fd, &eerste, 1, 0) != 1 || eerste != 'O')
+    if (IOLEES(werk->fd, &eerste, 1, 0) != 1 || eerste != 'O')
         INTERNAL("wrkregel", 1); // a line before the header would become part of another order
     int32_t volgende_m = -1;
     ors_ingang loper = *ingang;
@@ -176,7 +176,7 @@ bool wrk_regel_uit(ors_ingang* ingang) {
 bool wrk_regel_vervang(ors_ingang* ingang, orderregel* regel) {
     toets_ingang(*ingang);
     orddessin oud;
-    if (SYSLEES(werk->fd, &oud, sizeof oud, int64_t{ingang->d} + 1) != ssize_t{sizeof oud})
+    if (IOLEES(werk->fd, &oud, sizeof oud, int64_t{ingang->d} + 1) != ssize_t{sizeof oud})
         ord_inconsistent(werk, ingang->d, 'D');
     if (!tmp_begin_wrk())
         return false;

@@ -1,6 +1,7 @@
 // ordload: an order journal from the JSON lines of orddump. All of it is read into a file without a name, checked there,
 // and only then takes the journal's place, whole and under the journal's lock, as a commit of the order program does.
 #include "control/batchvw.h"
+#include "order/ioord.h"
 #include "order/ordcheck.h"
 #include "order/ordloop.h"
 #include "shared/files.h"
@@ -124,15 +125,19 @@ bool kopieer(int van, int naar) {
 }
 
 // The bytes of `fd` as the journal that `jrn` is open on, locked. Refused by the disk the old one stands.
-bool zet(int fd, const std::string& pad) {
+bool zet(int fd, int jrn, const std::string& pad) {
     const std::string tmp = pad.substr(0, pad.size() - 3) + "TMP";
-    const Vat nieuw(SYSNIEUW(tmp.c_str(), O_RDWR | O_TRUNC));
+    const auto nog_vast = [&] { // the names are ours as long as the journal's lock is
+        errno = ord_slotfout(jrn, pad.c_str());
+        return errno == 0;
+    };
+    const Vat nieuw(nog_vast() ? SYSNIEUW(tmp.c_str(), O_RDWR | O_TRUNC) : -1);
     if (nieuw.fd >= 0 && kopieer(fd, nieuw.fd) && SYSEVENALS(nieuw.fd, pad.c_str()) &&
         (SYS.fsync(nieuw.fd) == 0 || errno == EINVAL || errno == ENOTSUP) && IOLOCK('E', nieuw.fd, 0, 1) &&
-        SYS.rename(tmp.c_str(), pad.c_str()) == 0)
+        nog_vast() && SYS.rename(tmp.c_str(), pad.c_str()) == 0)
         return true;
     const int fout = errno;
-    if (nieuw.fd >= 0)
+    if (nieuw.fd >= 0 && nog_vast())
         SYS.unlink(tmp.c_str());
     errno = fout;
     return false;
@@ -151,9 +156,9 @@ Uitkomst plaats_journaal(int fd, const std::string& pad) {
         uit = mis(FOUT_GEBRUIKT, pad, "exists already; --replace lets it go");
     else if (IOSIZE((pad.substr(0, pad.size() - 3) + "WRK").c_str()) > 0)
         uit = mis(IN_GEBRUIK, pad, "an order of it was broken off; choose the supplier in the program first");
-    else if (!zet(fd, pad))
+    else if (!zet(fd, jrn.fd, pad))
         uit = mis(FOUT_GEVONDEN, pad, strerror(errno));
-    if (uit != GOED && !was && SYSOMVANG(jrn.fd) == 0)
+    if (uit != GOED && !was && SYSOMVANG(jrn.fd) == 0 && ord_slotfout(jrn.fd, pad.c_str()) == 0)
         SYS.unlink(pad.c_str());
     return uit;
 }
