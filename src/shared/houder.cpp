@@ -1,47 +1,93 @@
 // Naming the holder of a lock.
 #include "shared/houder.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/iotab.h"
+#include "shared/report.h"
 #include "shared/teksten.h"
 #include "store/ix.h"
 #include "store/wachtrij.h"
 #include "term/scherm.h"
 #include "term/vast.h"
 #include <cstdio>
-#include <cstring>
+#include <fstream>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace zg {
 namespace {
 
-constexpr int WACHT = 2; // seconds
+constexpr int WACHT = 2;         // seconds
+constexpr size_t ARGUMENTEN = 5; // of a program of the package: path, name, user, slot, who started it
 
-// The slot of the user whose program is this process; false when it isn't a logged-in user's.
-bool slot_van(int64_t proces, gebruikerslot* slot) {
-    int fd = iotab_fd();
-    if (fd < 0 || proces <= 0)
-        return false;
-    for (int32_t nr = 1; nr <= SYS_GEBRUIKER.slots; nr++) {
-        int64_t start = SYS_GEBRUIKER.start + int64_t{nr - 1} * SYS_GEBRUIKER.grootte;
-        if (IOLOCKPID(fd, start, SYS_GEBRUIKER.grootte) == proces)
-            return pread(fd, slot, sizeof *slot, start) == static_cast<ssize_t>(sizeof *slot);
-    }
-    return false;
+int64_t plaats(int32_t nr) {
+    return SYS_GEBRUIKER.start + int64_t{nr - 1} * SYS_GEBRUIKER.grootte;
+}
+
+// Is this process, by what it was started with, the program of this slot's user? A number alone may be another machine's.
+bool van_hier(int64_t proces, int32_t nr, const gebruikerslot& slot) {
+    std::vector<std::string> woorden;
+    std::ifstream regel("/proc/" + std::to_string(proces) + "/cmdline");
+    for (std::string woord; woorden.size() <= ARGUMENTEN && std::getline(regel, woord, '\0');)
+        woorden.push_back(woord);
+    return woorden.size() == ARGUMENTEN && woorden[2] == gebruiker_naam(slot) &&
+           woorden[3] == std::to_string(nr);
+}
+
+// Is it one of the package's at all? A tool has no slot.
+bool van_het_pakket(int64_t proces) {
+    std::string naam;
+    std::getline(std::ifstream("/proc/" + std::to_string(proces) + "/comm"), naam);
+    return naam.starts_with("zg") || naam.starts_with("ix") || naam.starts_with("ord");
 }
 
 } // namespace
 
-bool houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot) {
-    return slot_van(IOLOCKPID(fd, start, lengte), slot);
+// Everybody who works has his slot locked, and the process that has a region has its slot under the same number. On one
+// machine that says it. On a shared file system several may answer to a number, or all of other machines to none: a user
+// is named when he is the only one, and when he and a process of that number here aren't both possible.
+Houder houder_van(int64_t proces, int dtsys, gebruikerslot* slot) {
+    const bool gedeeld = IOGEDEELD();
+    *slot = {};
+    if (dtsys < 0 || proces == 0 || (proces < 0 && !gedeeld))
+        return Houder::niemand;
+    int hier = 0, elders = 0;
+    for (int32_t nr = 1; nr <= SYS_GEBRUIKER.slots; nr++) {
+        gebruikerslot deze;
+        if (IOLOCKPID(dtsys, plaats(nr), SYS_GEBRUIKER.grootte) != proces ||
+            IOLEES(dtsys, &deze, sizeof deze, plaats(nr)) != static_cast<ssize_t>(sizeof deze))
+            continue;
+        *slot = deze;
+        if (!gedeeld)
+            return Houder::bekend;
+        van_hier(proces, nr, deze) ? hier++ : elders++;
+    }
+    if (hier + elders == 1 && (hier || proces < 0 || !van_het_pakket(proces)))
+        return Houder::bekend;
+    *slot = {};
+    if (!gedeeld || hier || (proces > 0 && van_het_pakket(proces)))
+        return Houder::niemand;
+    return Houder::elders;
+}
+
+Houder houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot) {
+    return houder_van(IOLOCKPID(fd, start, lengte), iotab_fd(), slot);
 }
 
 int houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte) {
     std::string woord = tekst;
     gebruikerslot slot;
-    if (!houder_slot(fd, start, lengte, &slot)) {
+    const Houder wie = houder_slot(fd, start, lengte, &slot);
+    if (wie == Houder::niemand) {
         snprintf(tekst, ruimte, "%s", TXT(T_IN_GEBRUIK));
         return 0;
+    }
+    if (wie == Houder::elders) {
+        const bool woord_voor = !woord.empty() && woord[0] == '~';
+        snprintf(tekst, ruimte, "%s",
+                 woord_voor ? (woord.substr(1) + ": " + TXT(T_GEBRUIK_ELDERS)).c_str() : TXT(T_INFO_ELDERS));
+        return 1;
     }
     std::string uit;
     if (woord == "PROG")

@@ -9,11 +9,16 @@ namespace zg {
 struct ICB;
 struct gebruikerslot;
 
-// The slot of the user whose program has a region locked; false when nobody has, or no user.
-bool houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot);
+// Whose program has a region locked? niemand: nobody has, or no user that can be told by name. elders: one on another
+// machine of a shared file system. bekend: *slot is his, who may be there too. Never a wrong one: where process
+// numbers leave it open there is no name.
+enum class Houder { niemand, bekend, elders };
+Houder houder_van(int64_t proces, int dtsys,
+                  gebruikerslot* slot); // by what IOLOCKPID answers; dtsys: DTSYS.TXT
+Houder houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot);
 // Text that names the holder of a region. On entry `tekst` may hold "PROG" (a program is in use) or '~' and a
 // word (that is in use); else it is about information. ruimte: bytes of `tekst`; 80 holds every such text.
-// 1 when it names a user, 0 when the holder is unknown or gone.
+// 1 when it names a user or another machine, 0 when the holder is unknown or gone.
 int houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte);
 // A one-line window above the status line with two texts behind each other, for 2 seconds. Without a screen
 // only the wait.

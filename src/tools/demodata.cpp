@@ -277,6 +277,7 @@ int main(int argc, char** argv) {
     tool_kop(app, "0 made, or kept; 1 not made; 2 used wrong; 3 cannot open.");
     app.add_option("DIRECTORY", doel, "where to make it")->required();
     app.add_flag("--fresh", vers, "make it anew: empties a directory that zgdemo made");
+    app.add_flag("--alone", ALLEEN_GEZEGD, "on a shared file system: no program on any host has it open");
     CLI::Option* vol =
         app.add_flag("--register", met_register, "with the full registration: series, prices, labels");
     app.add_flag("--empty-register", leeg_register, "with its files, and no series in them")->excludes(vol);

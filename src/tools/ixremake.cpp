@@ -184,6 +184,8 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
                                 " bytes behind the last whole one; --truncate saves these and cuts them off"),
                FOUT_GEVONDEN;
     // A program that has it open would go on by the definition that it knows.
+    if (p->nieuw && paar.gedeeld && !ALLEEN_GEZEGD)
+        return klacht(naam, ALLEEN_NODIG), FOUT_GEBRUIKT;
     if (p->nieuw && ((paar.idx >= 0 && elders_open(paar.idx)) || elders_open(paar.dat)))
         return klacht(naam, "in use: a program has it open" +
                                 open_bij(naam + (elders_open(paar.dat) ? ".TXT" : ".INX"))),

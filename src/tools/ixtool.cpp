@@ -30,7 +30,7 @@ const Tool TOOLS[] = {
      "Every live record keeps its number. With --dictionary a lost index is made anew. Reserved keys are "
      "cleared, but "
      "not while users are at work.",
-     ixremake, "ndltfqw"},
+     ixremake, "ndltfaqw"},
     {"ixstat", "show definitions, counts, tree depths and fill of pairs", "", ixstat, "njw"},
     {"ixdump", "write a pair as CSV or JSON lines, in UTF-8",
      "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump,
@@ -38,9 +38,9 @@ const Tool TOOLS[] = {
     {"ixload", "make a pair from a dump",
      "Without a head line in the dump the definition comes from the dictionary (--dictionary), by the pair's "
      "name.",
-     ixload, "1dFDirCw"},
+     ixload, "1dFDirCaw"},
     {"ixcopy", "copy a pair, also while it is in use", "The copy is whole: writers wait meanwhile.", ixcopy,
-     "2rCw"},
+     "2rCaw"},
     {"ixsh", "work on a pair by one operation a line",
      "Reads operations from standard input; 'help' lists them.", ixsh, "0w"},
 };
@@ -156,6 +156,10 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
         break;
     case 'i':
         app.add_option("-i,--input", o.bestand, "file to read, else standard input");
+        break;
+    case 'a':
+        app.add_flag("--alone", ALLEEN_GEZEGD,
+                     "on a shared file system: no program on any host has the pair open");
         break;
     case 'r':
         app.add_flag("-r,--replace", o.vervang, "an existing pair of that name may go");

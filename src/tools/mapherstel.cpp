@@ -1,6 +1,7 @@
 #include "tools/mapherstel.h"
 #include "print/spooljob.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include "store/ix.h"
 #include "store/node.h"
@@ -63,7 +64,10 @@ std::string eigenaar(const std::string& paar, const std::string& sleutel, const 
     const int32_t nr = tabelnaam(paar) == "DTSER" ? genoteerd_door(sleutel) : 0;
     if (nr)
         return VORM("user %d, given up at his next start", nr);
-    return iemand ? "a user who is in, perhaps" : elders_open(inx.fd) ? "a program that has it open" : "";
+    return iemand                       ? "a user who is in, perhaps"
+           : !elders_open(inx.fd)       ? ""
+           : IOSOORTVAN(inx.fd).gedeeld ? "a program on another host, perhaps (--alone)"
+                                        : "a program that has it open";
 }
 
 int geef_vrij(const std::string& paar, bool stil) {

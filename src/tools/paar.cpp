@@ -1,5 +1,6 @@
 #include "tools/paar.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/diepcheck.h"
@@ -34,14 +35,19 @@ namespace {
 
 // Try until it goes, in short naps: a busy writer lets a lock go for moments only.
 template <class F> bool binnen_de_tijd(int seconden, F probeer) {
-    constexpr int PER_SECONDE = 500;
-    for (int64_t pogingen = int64_t{seconden} * PER_SECONDE;; pogingen--) {
+    constexpr int PAUZE = 2000; // microseconds
+    const auto klok = [] {
+        timespec t;
+        clock_gettime(CLOCK_MONOTONIC, &t);
+        return int64_t{t.tv_sec} * 1000 + t.tv_nsec / 1'000'000;
+    };
+    const int64_t eind = klok() + int64_t{seconden} * 1000;
+    for (int n = 0;; n++) {
         if (probeer())
             return true;
-        if (pogingen <= 0)
+        if (klok() >= eind)
             return false;
-        timespec t{0, 1'000'000'000 / PER_SECONDE};
-        nanosleep(&t, nullptr);
+        IOWACHT(n, PAUZE);
     }
 }
 
@@ -61,6 +67,7 @@ int paar_open(const std::string& naam, Paar* paar, bool zonder_index) {
             return NIET_TE_OPENEN;
         }
     }
+    paar->gedeeld = IOSOORTVAN(paar->dat).gedeeld;
     return GOED;
 }
 
@@ -123,7 +130,11 @@ bool paar_wis_wachtrij(const std::string& index) {
     return goed;
 }
 
+bool ALLEEN_GEZEGD;
+
 bool elders_open(int fd) {
+    if (IOSOORTVAN(fd).gedeeld)
+        return !ALLEEN_GEZEGD;
     signal(SIGIO, SIG_IGN); // who opens it at this very moment
     if (fcntl(fd, F_SETLEASE, F_WRLCK) != 0)
         return errno == EAGAIN;

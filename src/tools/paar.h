@@ -19,6 +19,7 @@ struct Paar {
     bool vast = false;         // header lock held
     bool alleen_lezen = false; // no right to write, and so none to lock
     bool gezegd = false;       // that has been told
+    bool gedeeld = false;      // on a shared file system: what other hosts have open nobody can tell
     Paar() = default;
     Paar(const Paar&) = delete;
     Paar& operator=(const Paar&) = delete;
@@ -42,8 +43,12 @@ int paar_neem(const std::string& naam, int seconden, Paar* paar);
 int paar_alleen(Paar* paar, int seconden);
 // The reserved keys away from the index file of a copy, which nobody will ever write. False with errno.
 bool paar_wis_wachtrij(const std::string& index);
-// Has a program the file open, with or without a lock? Where the system can't tell, none has.
+// Has a program the file open, with or without a lock? Where the system can't tell, none has; but on a shared file system
+// another host's may, unless the operator has said that he is alone (--alone).
 bool elders_open(int fd);
+extern bool ALLEEN_GEZEGD;
+inline constexpr char ALLEEN_NODIG[] =
+    "on a shared file system; --alone says that no program on any host has it open";
 
 // What a handle of the store waits for, and who has it: "in use by ...", or the key that is reserved. Null: "in use".
 std::string in_de_weg(const ICB* icb);

@@ -201,6 +201,7 @@ const Soort SOORTEN[] = {
     {"PR@@##", "", nullptr, los_druk},
     {"ZGDEMO.MRK", nullptr, nullptr},
     {"ZGCOPY.LST", nullptr, nullptr}, // of a restore
+    {"ZGBEURT.LCK", nullptr, nullptr},
     {"ZEBCAT", nullptr, nullptr},
     {"DETAIL", nullptr, nullptr},
     {".zgdeel", "", "zgdeel under way, or killed; the next one sweeps it"},

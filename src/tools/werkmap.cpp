@@ -1,5 +1,6 @@
 #include "tools/werkmap.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include "tools/paar.h"
 #include "tools/wie.h"
@@ -107,6 +108,10 @@ void Werkmap::veeg(const std::string& map) {
         const int fd = neem(e.path());
         if (fd < 0)
             continue;
+        if (IOSOORTVAN(fd).gedeeld && !ALLEEN_GEZEGD) { // its maker may live on another host
+            SYS.close(fd);
+            continue;
+        }
         if (enige_kopie(e.path() / "vorige"))
             klacht((e.path() / "vorige").string(), "the old records of a load that was killed; left alone");
         else
@@ -137,6 +142,8 @@ int Werkmap::naar(const std::string& doel, bool vervang, int seconden) {
     if (was && paar_open(doel, &oud) == GOED) {
         if (int fout = paar_alleen(&oud, seconden))
             return fout;
+        if (oud.gedeeld && !ALLEEN_GEZEGD)
+            return klacht(doel, ALLEEN_NODIG), FOUT_GEBRUIKT;
         if (elders_open(oud.dat) || elders_open(oud.idx))
             return klacht(doel, "in use: a program has it open" + open_bij(elders_open(oud.dat) ? txt : inx)),
                    IN_GEBRUIK;

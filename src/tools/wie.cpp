@@ -1,5 +1,7 @@
 #include "tools/wie.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
+#include "shared/houder.h"
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
@@ -35,6 +37,11 @@ int dtsys_bij(const std::string& pad) {
 } // namespace
 
 std::string wie_is(int64_t proces, int dtsys) {
+    if (proces != 0 && IOGEDEELD()) { // the number may be another host's, and here another's
+        gebruikerslot slot;
+        return houder_van(proces, dtsys, &slot) == Houder::bekend ? "user " + toon(gebruiker_naam(slot))
+                                                                     : "a process of this or another host";
+    }
     if (proces <= 0)
         return "";
     const std::string uit = "process " + std::to_string(proces);
