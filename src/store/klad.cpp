@@ -1,6 +1,7 @@
 // The rough copy of a change; see store/klad.h.
 #include "store/klad.h"
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "store/bestand.h"
 #include "store/cache.h"
 #include "store/kaart.h"
@@ -41,6 +42,10 @@ struct Klad {
     bool kaart = false;          // what is in use is written in the mapping
     std::vector<uint8_t> nieuw;  // blocks, as one piece
     bool kop_geraakt = false, record_geraakt = false, kop_af = false;
+    // On a shared file system: whose change the blocks are of, the count that it left, and is the size of the data file known?
+    const ICB* warm = nullptr;
+    uint32_t warm_telling = 0;
+    bool omvang = false;
 } klad;
 
 Blad* zoek(int32_t blok) {
@@ -223,8 +228,28 @@ bool alles_terug() {
     return schrijf_kop(klad.oud, K_RUST) || staat(icb->idxfd, 0, &klad.oud, sizeof klad.oud);
 }
 
+// Nobody has changed the pair since this handle did: what it read and wrote then stands there still, but for the queue, which
+// isn't counted.
+void blijf_warm(const ICB* icb) {
+    constexpr size_t MEEST = 32;
+    size_t n = 0;
+    for (size_t i = 0; i < klad.aantal; i++) {
+        Blad& b = klad.bladen[i];
+        if (b.blok == WACHTRIJBLOK(icb))
+            continue;
+        memcpy(b.was, b.wordt, IXBLOK);
+        b.nieuw = b.vuil = false;
+        if (n != i)
+            klad.bladen[n] = b;
+        n++;
+    }
+    klad.aantal = n > MEEST ? 0 : n;
+}
+
 void einde(bool geschreven = false) {
     ICB* icb = klad.icb;
+    klad.warm = geschreven && icb->mode != 1 && IOGEDEELD() ? icb : nullptr;
+    klad.warm_telling = klad.telling;
     klad.icb = nullptr;
     if (klad.rij)
         IXRIJLOS(icb, geschreven);
@@ -258,7 +283,11 @@ void KLADBEGIN(ICB* icb) {
     }
     klad.icb = icb;
     klad.oud = icb->h;
-    klad.aantal = klad.geschreven = 0;
+    if (klad.warm == icb && klad.begin_blokken > 0 && klad.telling == klad.warm_telling)
+        blijf_warm(icb);
+    else
+        klad.aantal = klad.omvang = 0;
+    klad.geschreven = 0;
     klad.record = klad.rij = klad.kop_geraakt = klad.record_geraakt = klad.kop_af = false;
     // An exclusive handle goes on with the node that it has in hand, without reading it again.
     if (ALLEEN(icb) && !icb->koplock && !IXKAARTER(icb->idxfd) && KNOOP(icb).level > 0 &&
@@ -326,7 +355,13 @@ uint64_t KLADTELLER() {
     return klad.gedaan;
 }
 
+bool KLADOMVANG(bool gekeken) {
+    return klad.omvang || (klad.omvang = gekeken && IOGEDEELD());
+}
+
 void KLADVERGEET(const ICB* icb) {
+    if (klad.warm == icb)
+        klad.warm = nullptr;
     if (klad.icb == icb)
         klad.icb = nullptr;
 }

@@ -19,7 +19,9 @@
 
 namespace zg {
 
-// Shared handles take the header lock and read the header; stops when the pair is marked as being changed.
+// Shared handles take the header lock and read the header; stops when the pair is marked as being changed. On a shared file
+// system, where a block costs a turn over the wire, a handle that finds the count as its last change left it goes on with
+// the blocks of that one.
 void KLADBEGIN(ICB* icb);
 // Leave without a write: counters as they were, lock released.
 void KLADWEG(ICB* icb);
@@ -33,6 +35,9 @@ void KLADRIJ(int32_t blok, const void* was, const void* wordt);
 // tells the user (IXGEWEIGERD) once he has let go of his locks. Stops the program when what stood could not be put
 // back; the pair then stays marked.
 int KLADSCHRIJF(ICB* icb);
+
+// Is it known that the data file ends where the counters say? `gekeken`: it has just been looked at.
+bool KLADOMVANG(bool gekeken = false);
 
 uint64_t KLADTELLER(); // changes that this program has written
 

@@ -2,6 +2,7 @@
 // then written as a whole (store/klad.h). Whether a write inserts or updates is decided under that lock, so that two
 // writers of the same new key can't both insert it.
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/report.h"
 #include "store/bestand.h"
 #include "store/kaart.h"
@@ -57,8 +58,10 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
     }
     // A data file that is too short would get a hole, whose zeros count as records.
     const int64_t einde = int64_t{icb->h.nrecs} * icb->h.reclen;
-    if (!IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)) && IOOMVANG(icb->datfd) != einde)
+    if (!KLADOMVANG() && !IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)) &&
+        IOOMVANG(icb->datfd) != einde)
         IXSTUK(icb, 0);
+    KLADOMVANG(true);
     icb->currec = icb->h.nrecs;
     if (houd && !IXPROBEERSLOT(icb))
         return false;
@@ -162,8 +165,11 @@ int ter_plaatse(ICB* icb, const void* rec) {
     }
     icb->currec = icb->vast.nr;
     const size_t n = static_cast<size_t>(icb->h.reclen);
-    IXRDREC(icb, nu);
-    if (memcmp(nu, icb->vast.rec, n) != 0) // by a program that wrote without its lock: its keys may be others
+    // By a program that wrote without its lock: its keys may be others. Over a network that look is dear.
+    memcpy(nu, icb->vast.rec, n);
+    if (!IOGEDEELD())
+        IXRDREC(icb, nu);
+    if (memcmp(nu, icb->vast.rec, n) != 0)
         return -1;
     if (!IXOVERSCHRIJF(icb, icb->datfd, IXSEEKDAT(icb), nu, rec, n))
         return 0;

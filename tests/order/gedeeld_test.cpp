@@ -157,9 +157,8 @@ TEST(Gedeeld, slot_kwijt_bij_elke_naam) {
                 if (status >= 64 && status < 128) // it came to its end first
                     break;
                 gezien++;
-                if (status != 1) { // a report, or back to the season
-                    EXPECT_EQ(status, 8) << gezegd;
-                }
+                // A report, or back to the season; a repair that had the journal whole says that too.
+                EXPECT_TRUE(status == 1 || status == 8 || (w.wrk && status == 0)) << status << gezegd;
                 const bool bij_sluiten = w.een_order && n > 0 && gezegd.empty();
                 EXPECT_TRUE(bij_sluiten ||
                             gezegd.find(fout == 0 || fout == EAGAIN ? "slot verloren"
@@ -209,10 +208,11 @@ TEST(Gedeeld, lezen_mislukt) {
                     SYS.pread = [](int fd, void* p, size_t m, off_t waar) {
                         return over-- > 0 ? pread(fd, p, m, waar) : (errno = fout, ssize_t{-1});
                     };
-                    return met_wrk ? herstart() : kies(1) + 10;
+                    const int uit = met_wrk ? herstart() : kies(1);
+                    return (over < 0 ? 20 : 10) + uit;
                 },
                 &gezegd);
-            klaar = status == (met_wrk ? 1 : 11) && gezegd.find("gelezen") == std::string::npos;
+            klaar = status == 11;
             if (klaar)
                 break;
             EXPECT_EQ(status, 1) << gezegd;

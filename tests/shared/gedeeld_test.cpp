@@ -1,12 +1,19 @@
 // Shared file systems: which ones are, how long is waited on them, and the fixed tables when the connection is lost.
 #include "shared/files.h"
 #include "shared/gedeeld.h"
+#include "shared/houder.h"
+#include "shared/mapbeurt.h"
 #include "shared/syscalls.h"
 #include "support/proces.h"
 #include "support/systeem.h"
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
+#include <map>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zg::test {
@@ -97,6 +104,89 @@ TEST_F(Gedeeld, LostConnection) {
               }).status,
               0);
     EXPECT_EQ(voor, lees_bestand("DTSYS.TXT"));
+}
+
+std::map<int64_t, int>
+    antwoord; // by place in DTSYS.TXT, and -1 for the region: the number that a lock's holder has here
+int dtsys;
+
+// Joke works on this machine, Piet and Ans on others. A number says whose a lock is only when it can be nobody else's.
+TEST_F(Gedeeld, HolderIsNamedOnlyWhenSure) {
+    gebruiker_in(3, "Joke", "03");
+    gebruiker_in(5, "Piet", "03");
+    gebruiker_in(6, "Ans", "");
+    ASSERT_EQ(mkfifo("zgbestel", 0600), 0);
+    const pid_t joke = fork();
+    if (joke == 0) { // any program that waits, with her arguments
+        execlp("cat", "cat", "zgbestel", "Joke", "3", "zgbsmenu", nullptr);
+        _exit(1);
+    }
+    std::string woorden;
+    for (int i = 0; i < 1000 && woorden.find("Joke") == std::string::npos; i++, usleep(1000))
+        woorden = lees_bestand("/proc/" + std::to_string(joke) + "/cmdline");
+    const int zomaar = getppid(); // has a number here, and nothing to do with the package
+    const struct {
+        int gebied;
+        std::map<int, int> slots;
+        const char* tekst;
+    } gevallen[] = {
+        {joke, {{3, joke}}, "Informatie in gebruik door Joke (tty03)"},
+        {joke, {{3, joke}, {5, 0}}, "Informatie in gebruik door Joke (tty03)"},
+        {joke, {{3, joke}, {5, joke}}, "Informatie in gebruik op ander scherm"},
+        {0, {{3, joke}, {5, 0}}, "Informatie in gebruik door Piet (tty03)"},
+        {-1, {{3, joke}, {5, -1}}, "Informatie in gebruik door Piet (tty03)"},
+        {0, {{5, 0}, {6, 0}}, "Informatie in gebruik op een andere computer"},
+        {0, {{3, joke}}, "Informatie in gebruik op een andere computer"},
+        {zomaar, {{5, zomaar}, {6, 0}}, "Informatie in gebruik door Piet (tty03)"},
+        {zomaar, {{5, zomaar}, {6, zomaar}}, "Informatie in gebruik op een andere computer"},
+        {zomaar, {{3, joke}, {5, 0}}, "Informatie in gebruik op een andere computer"},
+    };
+    setenv("ZGGEDEELD", "1", 1);
+    const int fd = ::open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
+    dtsys = iotab_fd();
+    const SYSCALLS echt = SYS;
+    SYS.slot = [](int f, int, struct flock* s) {
+        const auto a = antwoord.find(f == dtsys ? s->l_start : -1);
+        s->l_type = a == antwoord.end() ? F_UNLCK : F_WRLCK;
+        s->l_pid = a == antwoord.end() ? 0 : a->second;
+        return 0;
+    };
+    for (const auto& g : gevallen) {
+        antwoord = {{-1, g.gebied}};
+        for (const auto& [nr, pid] : g.slots)
+            antwoord[SYS_GEBRUIKER.start + (nr - 1) * SYS_GEBRUIKER.grootte] = pid;
+        char tekst[81] = "";
+        EXPECT_EQ(houder_tekst(tekst, sizeof tekst, fd, 10, 10),
+                  std::string(g.tekst).find("scherm") == std::string::npos);
+        EXPECT_STREQ(tekst, g.tekst) << g.gebied << " " << g.slots.size();
+    }
+    SYS = echt;
+    close(fd);
+    kill(joke, SIGKILL);
+    waitpid(joke, nullptr, 0);
+}
+
+// The turn of a directory, and names that no two machines make.
+TEST_F(Gedeeld, TurnsAndNames) {
+    for (const char* gedeeld : {"0", "1"}) {
+        SCOPED_TRACE(gedeeld);
+        setenv("ZGGEDEELD", gedeeld, 1);
+        Agent ander([](const std::string&) { return IOBEURT("TABEL"), std::string("had it"); });
+        {
+            const IOBEURT beurt("TABEL");
+            EXPECT_EQ(ander.vraag("now"), Agent::geen_antwoord);
+        }
+        EXPECT_EQ(ander.antwoord(), "had it");
+        EXPECT_EQ(IOEXISTS(BEURTBESTAND), gedeeld[0] - '0');
+        IOTMPSLOT = 7;
+        for (int i = 0; i < 30; i++) {
+            const std::string naam = IOTMPNAM("", "PR");
+            EXPECT_EQ(naam.size(), 6U);
+            EXPECT_TRUE(gedeeld[0] == '0' || naam.substr(4) == "07") << naam;
+            schrijf_bestand(naam, "");
+        }
+        IOTMPSLOT = 0;
+    }
 }
 
 } // namespace

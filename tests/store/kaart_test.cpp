@@ -7,6 +7,7 @@
 #include "store/kop.h"
 #include "store/node.h"
 #include "store/rebuild.h"
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
@@ -122,6 +123,54 @@ TEST(Kaart, AanroepenPerWijziging) {
     }
     IXCLOSE(icb);
     EXPECT_GEZOND("T");
+}
+
+// On a shared file system each of them is a turn over the wire: one key, records in their order, the growth of the index and
+// the step from leaf to leaf apart. Others who write in between cost a look, and nothing else.
+TEST(Kaart, AanroepenGedeeld) {
+    setenv("ZGGEDEELD", "1", 1);
+    TijdelijkeMap map;
+    constexpr uint32_t N = 400;
+    static int geteld;
+    ICB *icb = maak_open("G", {80, {"k,I,1,4"}}, 2), *ander = nullptr;
+    char r[80] = {};
+    const auto zet = [&](ICB* i, uint32_t nr, bool lezen) {
+        memcpy(r, &nr, sizeof nr);
+        r[70] = 'x';
+        EXPECT_TRUE(!lezen || IXREADL(i, r));
+        r[71]++;
+        EXPECT_EQ(1, IXWRITE(i, r));
+    };
+    for (uint32_t i = 0; i < N; i++)
+        zet(icb, i * 2, false);
+    const SYSCALLS echt = SYS;
+    SYS.pread = [](int fd, void* p, size_t n, off_t o) { return geteld++, pread(fd, p, n, o); };
+    SYS.pwrite = [](int fd, const void* p, size_t n, off_t o) { return geteld++, pwrite(fd, p, n, o); };
+    SYS.fstat = [](int fd, struct stat* s) { return geteld++, fstat(fd, s); };
+    SYS.slot = [](int fd, int o, struct flock* s) { return geteld++, fcntl(fd, o, s); };
+    geteld = 0;
+    for (uint32_t i = 0; i < N; i++)
+        zet(icb, i * 2, true);
+    EXPECT_LE(geteld, 5 * N + N / 10) << "update";
+    geteld = 0;
+    for (uint32_t i = 0; i < N; i++)
+        zet(icb, 2 * (N + i), false);
+    EXPECT_LE(geteld, 7 * N + N / 4) << "insert";
+    SYS = echt;
+    // Behind another's change nothing of one's own is believed.
+    const int kinderen = in_kind([&] {
+        ander = IXOPEN("G", 2);
+        for (uint32_t i = 0; i < N; i++)
+            zet(ander, i * 2 + 1, false);
+        IXCLOSE(ander);
+    });
+    EXPECT_EQ(0, kinderen);
+    for (uint32_t i = 0; i < N; i++)
+        zet(icb, 2 * (N + i) + 1, false);
+    EXPECT_EQ(static_cast<uint32_t>(icb->h.nrecs), 4 * N);
+    IXCLOSE(icb);
+    unsetenv("ZGGEDEELD");
+    EXPECT_GEZOND("G");
 }
 
 TEST(Kaart, LezenZonderAanroepen) {

@@ -366,3 +366,26 @@ TEST_F(Tools, ScriptedOperations) {
     EXPECT_EQ(u.status, 1) << "two lines were wrong";
     EXPECT_EQ(u.tekst, verwacht);
 }
+
+// On a shared file system nobody can tell who has a pair open on another host: the operator says so, or it stays.
+TEST_F(Tools, ReplacingOnASharedFileSystem) {
+    merken(20);
+    const std::string data = lees_bestand("DTMERK.TXT");
+    ASSERT_EQ(sh("ixdump DTMERK -o uit && ixdump DTMERK --no-head -o kaal").status, 0);
+    const char* const opdrachten[] = {"ixload --replace -i uit DTMERK", "ixcopy --replace DTMERK ANDER",
+                                      "ixremake --dictionary DTMERK"};
+    for (const char* o : opdrachten) {
+        SCOPED_TRACE(o);
+        sh("ixcopy DTMERK ANDER");
+        if (strstr(o, "ixremake"))
+            unlink("DTMERK.INX");
+        const Uit u = sh(std::string("ZGGEDEELD=1 ") + o);
+        EXPECT_EQ(u.status, 2) << u.tekst;
+        EXPECT_TRUE(u.zegt("--alone")) << u.tekst;
+        EXPECT_EQ(IOEXISTS("DTMERK.INX"), !strstr(o, "ixremake"));
+        EXPECT_EQ(sh(std::string("ZGGEDEELD=1 ") + o + " --alone").status, 0);
+        EXPECT_EQ(sh("ixcheck DTMERK").status, 0);
+        EXPECT_TRUE(data == lees_bestand("DTMERK.TXT"));
+    }
+    EXPECT_EQ(sh("ixload --replace -i uit DTMERK").status, 0) << "a disk of its own";
+}
