@@ -404,8 +404,11 @@ TEST_F(Slot, LezenMislukt) {
                 return over < 0 ? 9 : 0;
             });
             klaar = a.status == 0;
-            if (klaar)
+            if (klaar) {
+                schrijf_bestand("T.INX", index);
+                schrijf_bestand("T.TXT", data);
                 break;
+            }
             EXPECT_EQ(1, a.status) << werk << n << a.uitvoer;
             EXPECT_NE(std::string::npos, a.uitvoer.find("Bestand T.")) << werk << n << a.uitvoer;
             EXPECT_NE(std::string::npos,
