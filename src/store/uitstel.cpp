@@ -1,6 +1,7 @@
 // Blocks held back; see store/uitstel.h.
 #include "store/uitstel.h"
 #include "shared/files.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "store/klad.h"
 #include "store/node.h"
@@ -97,7 +98,7 @@ Uitstel* van(const ICB* icb) {
 
 // The file is as long as it was left: nothing is written behind an end that isn't.
 void eis_lengte(const ICB* icb, int32_t blokken) {
-    if (SYSOMVANG(icb->idxfd) != int64_t{blokken} * IXBLOK)
+    if (IOOMVANG(icb->idxfd) != int64_t{blokken} * IXBLOK)
         IXSTUK(icb, blokken);
 }
 
@@ -143,7 +144,7 @@ bool overschrijf(ICB* icb, int32_t blok, const void* wordt, int32_t n) {
     uint8_t was[SYSSTUK];
     const size_t bytes = static_cast<size_t>(n) * IXBLOK;
     const int64_t plaats = int64_t{blok} * IXBLOK;
-    if (SYSLEES(icb->idxfd, was, bytes, plaats) != static_cast<ssize_t>(bytes))
+    if (IOLEES(icb->idxfd, was, bytes, plaats) != static_cast<ssize_t>(bytes))
         IXSTUK(icb, blok);
     return IXOVERSCHRIJF(icb, icb->idxfd, plaats, was, wordt, bytes);
 }
