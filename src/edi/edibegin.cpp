@@ -125,8 +125,7 @@ uint8_t edi_kies_methode(uint8_t nu) {
 }
 
 bool edi_aanwezig() {
-    return IOEXISTS(EDIBESTAND) || IOEXISTS(OUD) ||
-           IOEXISTS(EDIBESTAND); // made of it between the first two looks
+    return IOEXISTS(OUD) || IOEXISTS(EDIBESTAND); // made of the older one before that goes
 }
 
 bool edi_maak(uint8_t methode) {

@@ -30,15 +30,8 @@ constexpr Soort SOORTEN[EDI_SOORTEN] = {
     {"in", ""},         {"out", ""},        {"ongeldig", ""},
 };
 
-constexpr struct {
-    const char* bestand;
-    Edisoort soort;
-} LOCATIES[] = {{"LOC_PRI.GBL", EDI_PRICAT},
-                {"LOC_ORD.GBL", EDI_ADMORD},
-                {"LOC_INV.GBL", EDI_INVRPT},
-                {"LOC_SLS.GBL", EDI_SLSRPT}};
 constexpr size_t LOCATIEBREEDTE = 100;
-constexpr char STANDAARD[] = "zebedi", FILENR[] = "FILENR.GBL";
+constexpr char STANDAARD[] = "zebedi";
 
 const Soort* soort_van(int soort) {
     return soort >= 0 && soort < EDI_SOORTEN ? &SOORTEN[soort] : nullptr;
@@ -68,9 +61,7 @@ void zeg_weg(const std::string& root) {
 }
 
 // One line, beside and then in place: who reads it finds the old or the new one.
-bool schrijf_locatie(const std::string& naam, std::string regel) {
-    regel.resize(LOCATIEBREEDTE, ' ');
-    regel += '\n';
+bool schrijf_locatie(const std::string& naam, const std::string& regel) {
     const std::string naast = naam.substr(0, naam.rfind('/') + 1) + EDIBOUW;
     IOUNLINK(naast.c_str());
     const int fd = SYSNIEUW(naast.c_str(), O_RDWR | O_EXCL);
@@ -133,6 +124,12 @@ std::string edisavepath(int soort) {
     return pad.empty() ? "" : pad + "/save";
 }
 
+std::string edilocatie(const std::string& root, int soort) {
+    std::string regel = edi_zonder_streep(root) + "/" + edidirname(soort) + "/";
+    regel.resize(LOCATIEBREEDTE, ' ');
+    return regel + "\n";
+}
+
 int edimakeloc() {
     const std::string map = edi_kaal("EDIDIR"), root = ediroot();
     if (map.empty() || root.empty()) {
@@ -144,14 +141,13 @@ int edimakeloc() {
         return 0;
     int goed = 1;
     const IOBEURT beurt((edi_zonder_streep(map) + "/" + EDIBOUW).c_str());
-    for (const auto& l : LOCATIES)
-        goed &= schrijf_locatie(edi_zonder_streep(map) + "/" + l.bestand,
-                                edi_zonder_streep(root) + "/" + edidirname(l.soort) + "/");
+    for (const Edilocatie& l : EDILOCATIES)
+        goed &= schrijf_locatie(edi_zonder_streep(map) + "/" + l.bestand, edilocatie(root, l.soort));
     return goed;
 }
 
 int32_t edifilenr() {
-    const std::string map = ediget("EDIDIR"), naam = edi_zonder_streep(map) + "/" + FILENR;
+    const std::string map = ediget("EDIDIR"), naam = edi_zonder_streep(map) + "/" + EDIFILENR;
     const int fd = map.empty() ? -1 : SYS.open(naam.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
     if (fd < 0)
         return 0;

@@ -32,6 +32,18 @@ std::string edipattern(int soort);
 // The root as it is set. Where none is, `zebedi` in the present directory is made and set; empty when that can't be
 // done, or without a settings file. A root that isn't there stays set, and is told once.
 std::string ediroot();
+// The files in EDIDIR that tell where the mailbox of a kind is, and the one with the last file number.
+struct Edilocatie {
+    const char* bestand;
+    Edisoort soort;
+};
+inline constexpr Edilocatie EDILOCATIES[] = {{"LOC_PRI.GBL", EDI_PRICAT},
+                                             {"LOC_ORD.GBL", EDI_ADMORD},
+                                             {"LOC_INV.GBL", EDI_INVRPT},
+                                             {"LOC_SLS.GBL", EDI_SLSRPT}};
+inline constexpr char EDIFILENR[] = "FILENR.GBL";
+// What one holds, for that root: the mailbox with a "/", blanks to 100 columns, a line feed.
+std::string edilocatie(const std::string& root, int soort);
 std::string edipath(int soort); // at most 80 characters; empty without a root
 std::string edisavepath(int soort);
 

@@ -45,7 +45,7 @@ etikeuring::blok lees_uit(const etiblok& b, int32_t nr, const etiketbezoek& bezo
             continue;
         }
         uit.per[status]++;
-        eti_uit(plaats, b.serie, 0, &label);
+        eti_uit(plaats, b.serie, static_cast<uint8_t>(std::min<uint16_t>(b.etiketsoort, UINT8_MAX)), &label);
         if (bezoek && status != ETI_VRIJ)
             bezoek(nr, label);
         uit.buiten +=
@@ -265,14 +265,15 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     iotab('X', &nr, &k->tellers, SYS_RECORD);
     bool gelukt = true;
     std::vector<size_t> blijven;
-    int nullen = 0, geteld_nullen = 0; // those without a series; of them the ones that were told as lost
+    int nullen = 0, slechte = 0,
+        geteld_nullen = 0; // those without a series; of them the ones that were told as lost
     for (size_t i = k->blokken.size(); i-- > 0 && gelukt;) {
         auto& b = k->blokken[i];
         if (b.waar != Etiblok::los)
             continue;
         if (hoort_bij(*k, b)) {
             if (zelfde_serie(b.serie, {}))
-                nullen++, geteld_nullen += !b.breuk;
+                (b.breuk || k->nullen ? nullen : slechte)++, geteld_nullen += !b.breuk;
             else
                 blijven.push_back(i);
             continue;
@@ -293,6 +294,10 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
     k->verloren = static_cast<int64_t>(blijven.size()) + geteld_nullen;
     if (nullen)
         meld(VORM("DTETI: %d blocks without a series stay: a series' chain leads to one", nullen));
+    if (slechte)
+        meld(VORM(
+            "DTETI: %d blocks without a series stay: there is a label of a status that there isn't in them",
+            slechte));
     std::ranges::sort(blijven);
     meld_per_serie(*k, blijven, "DTETI: ", ": there are labels in it, and it stays with series ", meld);
     if (!gelukt)
@@ -317,6 +322,9 @@ bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding
         const std::string code = VASTTEKST(rec.code);
         if (code == "0")
             continue;
+        if (rec.soort != 'M' && rec.soort != 'A')
+            kwaal("code " + code +
+                  VORM(": kind byte %02x, of \"MA\"", unsigned{static_cast<uint8_t>(rec.soort)}));
         if (!ean_geldig(code.c_str()))
             kwaal("code " + code + ": not a valid one");
         else if (!code.compare(0, 4, EIGEN))

@@ -1,9 +1,11 @@
 // Module ioink: its files held against each other.
 #include "shared/inkcheck.h"
 #include "shared/inkdeel.h"
+#include "shared/iomaat.h"
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include <algorithm>
+#include <cstring>
 #include <unordered_set>
 
 namespace zg {
@@ -65,7 +67,15 @@ void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
                 SYSLEES(ink.fd, &rec, sizeof rec, int64_t{waar} * INK_RECORD) == INK_RECORD)
                 stand->nullen |= ink_leeg(rec);
         }
+        uint8_t gehad[MAATBYTES] = {};
         for (const inkrecord& r : keten) {
+            if (memcmp(r.rec.valuta, set.valuta, sizeof set.valuta) != 0 || r.rec.soort != set.soort)
+                kwaal(in_record(r.nr, "another currency or kind than its set's"));
+            for (size_t i = 0; i < sizeof gehad; gehad[i] |= r.rec.maten[i], i++)
+                if (gehad[i] & r.rec.maten[i]) {
+                    kwaal(in_record(r.nr, "a size that another group of it has"));
+                    break;
+                }
             if (static_cast<size_t>(r.nr) >= stand->bezit.size()) // written since the file was measured
                 stand->bezit.resize(static_cast<size_t>(r.nr) + 1, NIEMAND);
             Bezit& b = stand->bezit[static_cast<size_t>(r.nr)];

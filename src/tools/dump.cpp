@@ -136,8 +136,11 @@ bool DumpLezer::regel() {
             if (tekst_.size() > TE_LANG)
                 return mislukt("longer than a megabyte");
         }
+        if (c == EOF && ferror(in_))
+            return mislukt("can't be read on");
         if (c == EOF && tekst_.empty())
             return false;
+        zonder_einde_ = c == EOF;
         regelnr_++;
         if (!tekst_.empty() && tekst_.back() == '\r')
             tekst_.pop_back();
@@ -207,7 +210,7 @@ bool DumpLezer::kop(Dumpkop* kop, bool* gevonden) {
             return mislukt("the head line needs version, name, title, record length, free head and a key");
         kop->naam = cellen[2], kop->titel = cellen[3];
         kop->sleutels.assign(cellen.begin() + 6, cellen.end());
-        *gevonden = true;
+        *gevonden = met_kop_ = true;
         if (!regel() || !csv(&cellen))
             return mislukt("the column names are missing");
     }
@@ -239,6 +242,11 @@ bool DumpLezer::rij_csv(Dumprij* rij) {
         return false;
     if (cellen.size() > plaats_.size())
         return mislukt("more values than columns");
+    if (cellen.size() < plaats_.size() && (met_kop_ || zonder_einde_))
+        return mislukt(std::to_string(cellen.size()) + " values for " + std::to_string(plaats_.size()) +
+                       " columns: is its end cut off?");
+    if (met_kop_ && zonder_einde_)
+        return mislukt("the last line has no end: is it cut off?");
     for (size_t i = 0; i < cellen.size(); i++) {
         if (plaats_[i] == -1 && !cellen[i].empty() && !getal(cellen[i], &rij->nr))
             return mislukt("nr: not a number");

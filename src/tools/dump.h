@@ -72,6 +72,7 @@ private:
     FILE* in_;
     char scheiding_;
     bool json_ = false, wachtend_ = false;
+    bool met_kop_ = false, zonder_einde_ = false; // of CSV; of the line in hand
     int64_t regelnr_ = 0;
     int32_t volgnr_ = 0;
     int reclen_ = 0;

@@ -1,4 +1,5 @@
 #include "tools/indeling.h"
+#include "codes/seizoen.h"
 #include "term/datum.h"
 #include "term/natl.h"
 #include "term/vast.h"
@@ -15,11 +16,33 @@ struct Rij {
     const char* naam;
     char soort;
     int begin, lengte;
+    Veldmag mag;
 };
 
+using enum Veldmag::Soort;
+constexpr Veldmag MAG(Veldmag::Soort soort = NAAR_TYPE) {
+    return {soort};
+}
+constexpr Veldmag MAG(Veldmag mag) {
+    return mag;
+}
+constexpr Veldmag ELK(int breedte, int64_t van, int64_t tot) {
+    return {Veldmag::GETAL, van, tot, van, breedte};
+}
+constexpr Veldmag TUSSEN_OF(int64_t van, int64_t tot, int64_t ook) {
+    return {Veldmag::GETAL, van, tot, ook};
+}
+constexpr Veldmag TUSSEN(int64_t van, int64_t tot) {
+    return TUSSEN_OF(van, tot, van);
+}
+constexpr Veldmag LETTER(const char* letters) {
+    return {Veldmag::EEN_VAN, 0, 0, 0, 0, letters};
+}
+
+// A table's row has the name of its records in place of a field's.
 const Rij RIJEN[] = {
-#define TABEL(naam) {naam, nullptr, 0, 0, 0},
-#define VELD(naam, soort, begin, lengte) {nullptr, naam, soort, begin, lengte},
+#define TABEL(naam, ...) {naam, "" __VA_ARGS__, 0, 0, 0, {}},
+#define VELD(naam, soort, begin, lengte, ...) {nullptr, naam, soort, begin, lengte, MAG(__VA_ARGS__)},
 #include "tools/indeling.def"
 #undef TABEL
 #undef VELD
@@ -32,7 +55,7 @@ std::vector<Veld> bekend(std::string_view tabel) {
         if (rij.tabel)
             hier = tabel == rij.tabel;
         else if (hier)
-            velden.push_back({rij.naam, rij.soort, rij.begin, rij.lengte});
+            velden.push_back({rij.naam, rij.soort, rij.begin, rij.lengte, rij.mag});
     }
     return velden;
 }
@@ -107,10 +130,10 @@ int teken_in(int32_t u) {
 std::string datum_uit(uint16_t nr) {
     if (nr == 0)
         return {};
+    if (!is_dag(nr))
+        return "#" + std::to_string(nr);
     char t[9];
     DATUMTEKST(t, nr, true);
-    if (DATUMNR(t) != nr)
-        return "#" + std::to_string(nr);
     return std::string(t + 4, 4) + "-" + std::string(t + 2, 2) + "-" + std::string(t, 2);
 }
 
@@ -138,6 +161,11 @@ int hexcijfer(char c) {
 
 std::string tabelnaam(std::string_view pad) {
     return std::string(pad.substr(pad.rfind('/') + 1));
+}
+
+std::string_view indeling_wie(std::string_view tabel) {
+    const auto rij = std::ranges::find_if(RIJEN, [&](const Rij& r) { return r.tabel && tabel == r.tabel; });
+    return rij == std::end(RIJEN) ? "" : rij->naam;
 }
 
 std::vector<std::string> bekende_tabellen() {
@@ -168,16 +196,26 @@ std::vector<Veld> indeling(std::string_view tabel, const IXHEADER& kop) {
     return alle;
 }
 
+int64_t veld_getal(const uint8_t* bytes, int lengte, bool teken) {
+    const int schuif = 32 - 8 * lengte;
+    const uint32_t w = getal_uit(bytes, lengte);
+    return teken ? int64_t{static_cast<int32_t>(w << schuif) >> schuif} : int64_t{w};
+}
+
+bool is_dag(uint16_t nr) {
+    char t[9];
+    DATUMTEKST(t, nr, true);
+    return nr != 0 && DATUMNR(t) == nr;
+}
+
 std::string veld_uit(const Veld& veld, const uint8_t* rec) {
     const uint8_t* p = rec + veld.begin;
     std::string uit;
     switch (veld.soort) {
     case 'u':
         return std::to_string(getal_uit(p, veld.lengte));
-    case 'i': {
-        int schuif = 32 - 8 * veld.lengte;
-        return std::to_string(static_cast<int32_t>(getal_uit(p, veld.lengte) << schuif) >> schuif);
-    }
+    case 'i':
+        return std::to_string(veld_getal(p, veld.lengte, true));
     case 'd':
         return datum_uit(static_cast<uint16_t>(getal_uit(p, 2)));
     case 'c': {

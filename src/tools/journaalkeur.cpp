@@ -1,7 +1,6 @@
 // The journals of all seasons, see tools/journaalkeur.h. Descriptors are opened for reading only, so no lock of anybody's is
 // touched.
 #include "tools/journaalkeur.h"
-#include "order/ordcheck.h"
 #include "order/ordloop.h"
 #include "order/ordrec.h"
 #include "order/prijswerk.h"
@@ -10,8 +9,11 @@
 #include "shared/iofil.h"
 #include "shared/sysrec.h"
 #include "term/strings.h"
+#include "term/vast.h"
+#include "tools/ordkeur.h"
 #include "tools/systeemkeur.h"
 #include <cstring>
+#include <sys/stat.h>
 
 namespace zg {
 namespace {
@@ -33,6 +35,12 @@ std::vector<std::string> namen_in(const std::string& map, const char* ext) {
     return uit;
 }
 
+// Is there something of that name, a link to nowhere too?
+bool naam_er(const std::string& pad) {
+    struct stat st;
+    return lstat(pad.c_str(), &st) == 0;
+}
+
 // Master data that a journal names and that isn't there any more. An order may outlive it.
 struct Verwijzing {
     const stamboek* boek;
@@ -45,11 +53,23 @@ struct Verwijzing {
     void kop(const ordkop& k) {
         zie(boek->leveranciers, k.leverancier, "supplier");
         zie(boek->leveranciers, k.agent, "agent");
+        zie(boek->deelseizoenen, k.deelseizoen, "part-season");
+        zie(boek->inkoopcodes, k.inkoopcode, "purchase code");
+        if (!VASTLEEG(k.valuta) && !boek->valuta.contains(VASTTEKST(k.valuta)))
+            hoop.zie("currency " + VASTTEKST(k.valuta) + " isn't there");
     }
     void model(const ordmodel& m) {
         zie(boek->merken, m.merk, "brand");
         zie(boek->groepen, m.artikelgroep, "article group");
         zie(boek->maatsoorten, m.maatsoort, "size type");
+        zie(boek->etiketsoorten, m.etiketsoort, "label kind");
+    }
+    void regel(const ordmodel& m, const orddessin& d) {
+        zie(boek->kleuren, d.kleur, "colour");
+        if (!boek->kent_doelgroep(d.doelgroep))
+            hoop.zie(std::string("target group ") + d.doelgroep + " isn't there");
+        if (boek->vreemde_maten(m.maatsoort, d.maten))
+            hoop.zie(VORM("sizes that size type %d hasn't", m.maatsoort));
     }
 };
 
@@ -99,7 +119,7 @@ void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek, jo
             memcpy(&d, r.data + 1, sizeof d);
             j->regels++;
             if (boek->boek)
-                boek->zie(boek->boek->kleuren, d.kleur, "colour");
+                boek->regel(m, d);
             if (d.geregistreerd)
                 j->orders.back().series.emplace(sleutel_van({m.artikelgroep, d.kleur, d.volgnummer}),
                                                 uint16_t{d.tijdstempel});
@@ -120,7 +140,7 @@ bool werk_keur(const Plaats& plaats, keurbestanden* uit) {
     } else {
         std::vector<ordkwaal> kwalen;
         if (l.fd >= 0)
-            kwalen = ord_controle(l.fd, ORD_WERK, omgeving(plaats), &telling);
+            kwalen = ord_keur(l.fd, ORD_WERK, omgeving(plaats), &telling);
         if (l.fd < 0)
             b.kwalen.push_back(l.fout);
         else if (!kwalen.empty() || IOSIZE(plaats.naast(".ACT").c_str()) != int64_t{sizeof(act_record)})
@@ -144,9 +164,9 @@ void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
     if (in_hand)
         j->leveranciers_in_hand.insert(plaats.leverancier);
     if (l.fd < 0) {
-        if (!IOEXISTS(plaats.pad().c_str())) // an emptied one went meanwhile
+        if (!naam_er(plaats.pad())) // an emptied one went meanwhile
             return;
-        b.kwalen.push_back(l.fout);
+        b.kwalen.push_back(IOEXISTS(plaats.pad().c_str()) ? l.fout : "a link that leads nowhere");
         j->leveranciers_stuk.insert(plaats.leverancier);
         return j->per_bestand.push_back(std::move(b));
     }
@@ -156,7 +176,7 @@ void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
     }
     ordtelling telling;
     std::vector<std::string> kwalen;
-    for (const ordkwaal& k : ord_controle(l.fd, ORD_JOURNAAL, omgeving(plaats), &telling))
+    for (const ordkwaal& k : ord_keur(l.fd, ORD_JOURNAAL, omgeving(plaats), &telling))
         kwalen.push_back("at " + std::to_string(k.pos) + ": " + k.wat);
     if (!kwalen.empty())
         j->leveranciers_stuk.insert(plaats.leverancier);
@@ -213,7 +233,7 @@ void lees_seizoen(const std::string& map, const stamboek* boek, journalen* j) {
         gezien.insert(plaats.naast(".WRK"));
         lees_journaal(plaats, boek, j);
     }
-    if (const Plaats nul{map, "ORD" + map + ".JRN", 0}; IOEXISTS(nul.pad().c_str())) {
+    if (const Plaats nul{map, "ORD" + map + ".JRN", 0}; naam_er(nul.pad())) {
         gezien.insert(nul.naast(".WRK"));
         lees_journaal(nul, boek, j);
     }

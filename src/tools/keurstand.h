@@ -4,6 +4,8 @@
 #include "shared/etikeur.h"
 #include "shared/iomaat.h"
 #include "tools/registerkeur.h"
+#include "tools/veldkeur.h"
+#include <bitset>
 #include <map>
 #include <set>
 #include <unordered_map>
@@ -39,12 +41,14 @@ struct Keuring {
     // Labels of a size or size type that isn't their series', and those of a size that their price set hasn't either.
     std::map<sleutelwaarde, int> vreemde_maat, zonder_maat;
     etikeuring eti;
+    Veldkeur op_order{"DTETI:order", sizeof(etiket)}, verder{"DTETI:verder", sizeof(etiket)}; // labels
+    std::bitset<256> filialen; // their numbers, and what else a receiving location may be
     std::set<sleutelwaarde> sets_zonder_serie;
     std::set<sleutelwaarde>
         kwijt; // series without a record that were not deleted: there are labels, or lines of orders
     std::set<std::pair<sleutelwaarde, uint16_t>> prijzen_kwijt; // series and supplier, with labels
     std::vector<int32_t> nummers_zonder_order;
-    int32_t laatste_serie = 0; // number that the counter lies behind; 0: it doesn't
+    std::map<int32_t, int32_t> tellers; // by system record: what a wrong counter should be
 };
 
 // Wrong, or only perhaps while somebody has the series.

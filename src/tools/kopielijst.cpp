@@ -131,7 +131,7 @@ bool kopie_nakijken(const std::string& map, std::vector<std::string>* kwalen, st
     bool heel = false;
     while (!heel && std::getline(in, regel)) {
         if (regel.starts_with(EIND)) {
-            heel = !in.eof() && regel == EIND + std::to_string(aantal);
+            heel = !in.eof() && regel == EIND + std::to_string(aantal) && in.peek() == EOF;
             break;
         }
         aantal++;

@@ -8,7 +8,6 @@
 #include "store/wachtrij.h"
 #include "sub/omserie.h"
 #include "sub/serienummer.h"
-#include "term/natl.h"
 #include "term/strings.h"
 #include "tools/journaalkeur.h"
 #include "tools/opdracht.h"
@@ -37,7 +36,7 @@ int in_kind(const std::function<int()>& doe) {
 
 void zeg(bool stil, const std::string& regel) {
     if (!stil)
-        printf("repair: %s\n", CP850UTF8(regel).c_str());
+        printf("repair: %s\n", toon(regel).c_str());
 }
 
 bool lees_kop(const keurlezer& inx, IXHEADER* kop) {

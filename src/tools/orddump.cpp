@@ -1,10 +1,10 @@
 // orddump: order journals and work files as text or JSON lines, one record a line, and the check of their
 // grammar. It opens for reading only and takes no lock, so it disturbs nobody; what a program at work may have
 // half written is not called damage.
-#include "order/ordcheck.h"
 #include "order/ordloop.h"
 #include "shared/files.h"
 #include "tools/ordjson.h"
+#include "tools/ordkeur.h"
 #include "tools/ordplaats.h"
 #include "tools/tool.h"
 #include "tools/wie.h"
@@ -114,7 +114,7 @@ int een(const Wens& w, const std::string& pad) {
     ordomgeving omgeving = ord_plaats(pad, &plaats) ? ord_omgeving(plaats) : ordomgeving{};
     if (w.filialen)
         omgeving.filialen = w.filialen;
-    std::vector<ordkwaal> kwalen = ord_controle(fd, soort, omgeving, &telling);
+    std::vector<ordkwaal> kwalen = ord_keur(fd, soort, omgeving, &telling);
     som.bestanden++, som.orders += telling.orders, som.regels += telling.regels, som.kwalen += kwalen.size();
     int uitkomst = GOED;
     if (!kwalen.empty())

@@ -1,5 +1,6 @@
 // The orders against the register, see tools/keurstand.h: their number records, the series and prices of their lines, and
 // the labels that name them.
+#include "shared/iotab.h"
 #include "shared/leesstam.h"
 #include "shared/sysrec.h"
 #include "store/ix.h"
@@ -11,6 +12,8 @@
 
 namespace zg {
 namespace {
+
+constexpr int32_t SYS_ORDER = 5, ORDERNUMMER_MAX = 9'999'999;
 
 using Nummers = std::map<int32_t, ordnrrec>;
 using Orders = std::map<int32_t, const journaalorder*>;
@@ -150,6 +153,11 @@ void keur_orders(Keuring* k) {
                      keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +
                      keur_aantal(j.regels, "lines");
     k->dtordnr.telling = keur_aantal(static_cast<int64_t>(nummers.size()), "numbers");
+    int32_t sysrecord = SYS_ORDER;
+    systeller teller;
+    iotab('R', &sysrecord, &teller, SYS_RECORD);
+    if (teller.laatste < 0 || teller.laatste > ORDERNUMMER_MAX) // which the fixed tables tell
+        k->tellers[SYS_ORDER] = nummers.empty() ? 0 : std::clamp(nummers.rbegin()->first, 0, ORDERNUMMER_MAX);
     Orders orders;
     for (const journaalorder& o : j.orders) {
         if (o.nummer <= 0)

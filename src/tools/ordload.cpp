@@ -2,13 +2,13 @@
 // and only then takes the journal's place, whole and under the journal's lock, as a commit of the order program does.
 #include "control/batchvw.h"
 #include "order/ioord.h"
-#include "order/ordcheck.h"
 #include "order/ordloop.h"
 #include "shared/files.h"
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include "store/spoel.h"
 #include "tools/ordjson.h"
+#include "tools/ordkeur.h"
 #include "tools/ordplaats.h"
 #include "tools/tool.h"
 #include "tools/wie.h"
@@ -88,7 +88,7 @@ Uitkomst lees(std::istream& in, const std::string& naam, int fd, Spoel* regels) 
 // What orddump would find wrong in it, by the lines that were read.
 Uitkomst keur(const std::string& naam, int fd, const ordomgeving& omgeving, Spoel* regels,
               ordtelling* telling) {
-    const std::vector<ordkwaal> kwalen = ord_controle(fd, ORD_JOURNAAL, omgeving, telling);
+    const std::vector<ordkwaal> kwalen = ord_keur(fd, ORD_JOURNAAL, omgeving, telling);
     std::map<int64_t, int64_t> regel_op; // of the places that are told
     for (const ordkwaal& k : kwalen)
         regel_op[k.pos] = 0;

@@ -4,14 +4,19 @@
 // use, is told as a note.
 #include "shared/files.h"
 #include "shared/inkcheck.h"
+#include "shared/iofil.h"
 #include "shared/ioink.h"
 #include "shared/iotab.h"
 #include "shared/leesstam.h"
+#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "store/ix.h"
 #include "sub/omserie.h"
 #include "term/strings.h"
+#include "term/vast.h"
 #include "tools/keurstand.h"
+#include "tools/stamkeur.h"
+#include "tools/systeemkeur.h"
 #include <algorithm>
 #include <bitset>
 #include <unistd.h>
@@ -87,26 +92,47 @@ void lees_series(Keuring* k) {
     }
     k->dtser.telling = keur_aantal(static_cast<int64_t>(k->series.size()), "series");
     const auto hoogste = std::ranges::max_element(nummer, {}, [](const auto& n) { return n.first; });
-    if (hoogste == nummer.end() || hoogste->first >= SERIENUMMER_MAX) // behind the last it starts anew
-        return;
-    if (const int32_t laatste = teller(SYS_SERIE); laatste < hoogste->first) {
-        k->laatste_serie = hoogste->first;
+    const int32_t laatste = teller(SYS_SERIE), hier = hoogste == nummer.end() ? 0 : hoogste->first;
+    if (laatste < 0 || laatste > SERIENUMMER_MAX) { // which the fixed tables tell
+        k->tellers[SYS_SERIE] = std::clamp(hier, 0, SERIENUMMER_MAX);
+    } else if (laatste < hier && hier < SERIENUMMER_MAX) { // behind the last it starts anew
+        k->tellers[SYS_SERIE] = hier;
         k->dtser.kwalen.push_back("DTSYS.TXT system record 2: the last number is " + std::to_string(laatste) +
                                   ", series " + serie_tekst(sleutel_uit(hoogste->second)) + " has " +
                                   std::to_string(hoogste->first));
     }
 }
 
+// The fields of each group; free ones are zeros.
+void lees_groepen(Keuring* k) {
+    const keurlezer bestand("DTIPG.TXT");
+    Veldkeur velden("DTIPG:groep", sizeof(prijsgroeprec));
+    std::vector<prijsgroeprec> stuk(1024);
+    int64_t nr = 0;
+    for (ssize_t n; (n = SYSLEES(bestand.fd, stuk.data(), stuk.size() * sizeof stuk[0],
+                                 nr * int64_t{sizeof stuk[0]})) >= ssize_t{sizeof stuk[0]};)
+        for (size_t i = 0; i < static_cast<size_t>(n) / sizeof stuk[0]; i++, nr++)
+            velden.zie(reinterpret_cast<const uint8_t*>(&stuk[i]),
+                       [nr] { return "DTIPG.TXT record " + std::to_string(nr); });
+    velden.meld(&k->dtipa.kwalen);
+}
+
 void lees_sets(Keuring* k) {
     inktelling t;
     std::set<sleutelwaarde>& weg = k->sets_zonder_serie;
+    keurhoop valuta;
+    const stamboek boek = stamboek_lees();
     const auto kwalen = ink_controle(&t, [&](const prijsset& set) {
         const sleutelwaarde serie = sleutel_van(set.serie);
         Periode& p = k->prijzen.emplace_back(Periode{serie, set.setnr, set.van, set.tot, {}});
         memcpy(p.maten, set.maten, sizeof p.maten);
+        if (const std::string code = VASTTEKST(set.valuta); !code.empty() && !boek.valuta.contains(code))
+            valuta.zie("currency " + code + " isn't there");
         if (ontbreekt(*k, set.serie))
             weg.insert(serie);
     });
+    valuta.meld(&k->dtipa.noten);
+    lees_groepen(k);
     std::ranges::sort(k->prijzen, {}, &Periode::serie);
     for (const inkkwaal& kw : kwalen) {
         const auto s = k->series.find(sleutel_van(kw.serie));
@@ -136,7 +162,24 @@ bool set_heeft_maat(const Keuring& k, sleutelwaarde serie, const etiket& l) {
                        });
 }
 
+// What a label says by itself.
+void keur_label(Keuring* k, int32_t blok, const etiket& l) {
+    const auto wie = [&] {
+        return "series " + serie_tekst(l.serie) + ", block " + std::to_string(blok) + ": a label";
+    };
+    if (l.status != ETI_ORDER)
+        return k->verder.zie(reinterpret_cast<const uint8_t*>(&l), wie);
+    k->op_order.zie(reinterpret_cast<const uint8_t*>(&l), wie);
+    if (l.levering_van > l.levering_tot && l.levering_tot)
+        k->op_order.kwaal("term", "a delivery term that ends before it begins", wie);
+    if (l.locatie_aan && !k->filialen[l.locatie])
+        k->op_order.kwaal(
+            "locatie", VORM("receiving location %d is no branch of the firm, nor the warehouse", l.locatie),
+            wie);
+}
+
 void neem_label(Keuring* k, int32_t blok, const etiket& l) {
+    keur_label(k, blok, l);
     const sleutelwaarde serie = sleutel_van(l.serie);
     const auto s = k->series.find(serie);
     if (s == k->series.end())
@@ -158,6 +201,12 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
 }
 
 bool lees_labels(Keuring* k) {
+    k->filialen.set(LOCATIE_MAGAZIJN);
+    const int filialen = filialen_open() ? firma.filialen : 0;
+    for (int i = 0; i < filialen; i++)
+        k->filialen.set(iofil_nummer(i));
+    if (!filialen)
+        k->filialen.set();
     if (!etikeur_begin(&k->eti, [k](int32_t blok, const etiket& l) { neem_label(k, blok, l); }))
         return false;
     for (auto& rij : k->series) {
@@ -173,6 +222,8 @@ bool lees_labels(Keuring* k) {
                          staat.in_nota, staat.voorraad, staat.verkopen, staat.correcties, s.labels.in_nota,
                          s.labels.voorraad, s.labels.verkopen, s.labels.correcties));
     }
+    for (const Veldkeur* v : {&k->op_order, &k->verder})
+        v->meld(&k->dteti.kwalen);
     for (const auto& [sleutel, n] : k->zonder_maat)
         keur_kwaal(&k->dteti, &k->series[sleutel],
                    "series " + serie_tekst(k->series[sleutel].rec.serie) + ": " +
@@ -332,9 +383,10 @@ std::vector<std::string> register_herstel(bool* gelukt) {
         geteld++;
     }
     uit.push_back("DTSER: " + keur_aantal(geteld, "series counted again"));
-    if (k.laatste_serie) {
-        *gelukt &= zet_teller(SYS_SERIE, k.laatste_serie);
-        uit.push_back("DTSER: the last number is " + std::to_string(k.laatste_serie));
+    for (const auto& [sysrecord, laatste] : k.tellers) {
+        *gelukt &= zet_teller(sysrecord, laatste);
+        uit.push_back((sysrecord == SYS_SERIE ? "DTSER" : "DTORDNR") +
+                      (": the last number is " + std::to_string(laatste)));
     }
     *gelukt &= codes_keur(&k, true, meld);
     for (const int32_t nr : k.nummers_zonder_order) {

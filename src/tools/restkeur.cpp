@@ -114,6 +114,26 @@ void postbussen(const std::string& wortel, keurbestand* b) {
         b->noten.push_back("a message half moved in " + wortel + "; the next move throws it away");
 }
 
+// The files that tell the transfer program where mailboxes are, and the number of the last file.
+void locaties(const std::string& map, const std::string& wortel, keurbestand* b) {
+    std::string regel;
+    keurbestand hier{"", ""};
+    for (const auto& l : EDILOCATIES) {
+        const std::string naam = map + "/" + l.bestand;
+        if (!keur_lees(naam, MEEST, &regel, &hier))
+            b->kwalen.push_back("location file " + naam +
+                                " isn't there, or can't be read; zgedi make makes it");
+        else if (regel != edilocatie(wortel, l.soort))
+            b->kwalen.push_back("location file " + naam + " doesn't name the mailbox " + edidirname(l.soort) +
+                                "; zgedi make makes it anew");
+    }
+    const std::string naam = map + "/" + EDIFILENR;
+    if (IOEXISTS(naam.c_str()) && keur_lees(naam, MEEST, &regel, &hier) &&
+        (regel.find_first_of("0123456789") != 0 ||
+         regel.find_first_not_of("0123456789 \r\n") < regel.find('\n')))
+        b->kwalen.push_back(naam + ": no number in its first line");
+}
+
 void overdracht(keurbestand* b, const std::string& naam) {
     std::string bytes;
     edirec r;
@@ -130,12 +150,16 @@ void overdracht(keurbestand* b, const std::string& naam) {
     pad_keur(b, "EDICMD", r.edicmd, sizeof r.edicmd);
     if (naam == EDIBESTAND && r.methode > 2)
         b->kwalen.push_back(VORM("method %d, which there isn't", r.methode));
-    const std::string wortel(VASTUIT(r.zebedi)), locaties(VASTUIT(r.edidir));
-    for (const std::string& m : {wortel, locaties})
+    if (std::ranges::any_of(VASTUIT(r.rpchost), [](char c) { return static_cast<unsigned char>(c) < ' '; }))
+        b->kwalen.push_back("RPCHOST has control bytes in it");
+    const std::string wortel(VASTUIT(r.zebedi)), locaties_in(VASTUIT(r.edidir));
+    for (const std::string& m : {wortel, locaties_in})
         if (!m.empty() && !IOISDIR(m.c_str()))
             b->noten.push_back(m + " isn't there, or no directory");
     if (naam == EDIBESTAND && !wortel.empty() && IOISDIR(wortel.c_str()))
         postbussen(wortel, b);
+    if (naam == EDIBESTAND && !wortel.empty() && !locaties_in.empty() && IOISDIR(locaties_in.c_str()))
+        locaties(locaties_in, wortel, b);
 }
 
 void druk(keurbestand* b, const std::string& naam) {

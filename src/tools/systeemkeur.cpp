@@ -8,6 +8,8 @@
 #include "shared/syscalls.h"
 #include "term/strings.h"
 #include "term/vast.h"
+#include "tools/veldkeur.h"
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <set>
@@ -32,8 +34,6 @@ bool er(const Systabel& tabel, int32_t nr) {
 
 void keur_firma(keurbestand* b) {
     auto kwaal = [b](const std::string& wat) { b->kwalen.push_back(wat); };
-    if (firma.filialen > FILIALEN)
-        kwaal(VORM("system record 1: %d branches, of %d", firma.filialen, FILIALEN));
     for (int i = 0; i < 10; i++)
         if (firma.btw[i] > 1000)
             kwaal(VORM("system record 1: VAT code %d is %d.%d per cent", i + 1, firma.btw[i] / 10,
@@ -90,8 +90,12 @@ void keur_reeksen(keurbestand* b) {
         if (!er(SYS_MAATSOORT, nr))
             b->kwalen.push_back(wie + VORM(": size type %d isn't there", nr));
     };
-    elk<maatbalkrec>(SYS_MAATBALK,
-                     [&](int32_t nr, const maatbalkrec& m) { soort(VORM("size bar %d", nr), m.maatsoort); });
+    elk<maatbalkrec>(SYS_MAATBALK, [&](int32_t nr, const maatbalkrec& m) {
+        const std::string wie = VORM("size bar %d", nr);
+        soort(wie, m.maatsoort);
+        if (std::ranges::all_of(m.maten, [](uint8_t bits) { return bits == 0; }))
+            b->kwalen.push_back(wie + ": no sizes");
+    });
     elk<maatreeksrec>(SYS_MAATREEKS, [&](int32_t nr, const maatreeksrec& m) {
         const std::string wie = VORM("size run %d", nr);
         soort(wie, m.maatsoort);
@@ -109,6 +113,54 @@ void keur_reeksen(keurbestand* b) {
     });
 }
 
+// Slots by their fields; slot 0: all of the table.
+const struct {
+    const char *tabel, *wie;
+    const Systabel& plaats;
+    int32_t slot;
+} SLOTEN[] = {
+    {"SYS:firma", "system record", SYS_RECORD, 1},
+    {"SYS:teller", "system record", SYS_RECORD, 2},
+    {"SYS:teller", "system record", SYS_RECORD, 5},
+    {"SYS:afbeelding", "system record", SYS_RECORD, 7},
+    {"SYS:status", "system record", SYS_RECORD, 10},
+    {"SYS:instel", "system record", SYS_RECORD, 15},
+    {"SYS:backup", "system record", SYS_RECORD, 19},
+    {"SYS:tekst20", "price class", SYS_PRIJSKLASSE, 0},
+    {"SYS:gebruiker", "user", SYS_GEBRUIKER, 0},
+    {"SYS:tekst30", "heading of the action codes, slot", SYS_ACTIE_KOP, 0},
+    {"SYS:tekst30", "action code", SYS_ACTIE, 0},
+    {"SYS:tekst30", "heading of the correction codes, slot", SYS_CORRECTIE_KOP, 0},
+    {"SYS:tekst30", "correction code", SYS_CORRECTIE, 0},
+    {"SYS:tekst30", "heading of the purchase codes, slot", SYS_INKOOP_KOP, 0},
+    {"SYS:tekst30", "purchase code", SYS_INKOOP, 0},
+    {"SYS:tekst30", "heading of the part-seasons, slot", SYS_DEELSEIZOEN_KOP, 0},
+    {"SYS:tekst30", "part-season", SYS_DEELSEIZOEN, 0},
+    {"SYS:valuta", "currency", SYS_VALUTA, 0},
+    {"SYS:tekst20", "colour", SYS_KLEUR, 0},
+    {"SYS:maatbalk", "size bar", SYS_MAATBALK, 0},
+    {"SYS:tekst20", "size system", SYS_MAATSTELSEL, 0},
+    {"SYS:tekst20", "size type", SYS_MAATSOORT, 0},
+    {"SYS:land", "country", SYS_LAND, 0},
+    {"SYS:tekst30", "label kind", SYS_ETIKETSOORT, 0},
+    {"SYS:tekst20", "feature kind, slot", SYS_SETCODE, 0},
+    {"SYS:maatreeks", "size run", SYS_MAATREEKS, 0},
+    {"SYS:artregactie", "dated action", SYS_ARTREGACTIE, 0},
+    {"SYS:filiaalreeks", "branch set", SYS_FILIAALREEKS, 0},
+};
+
+void keur_velden(keurbestand* b) {
+    uint8_t rec[IXRECMAX];
+    for (const auto& s : SLOTEN) {
+        Veldkeur velden(s.tabel, s.plaats.grootte);
+        const int32_t laatste = s.slot ? s.slot : s.plaats.slots;
+        for (int32_t nr = std::max(s.slot, 1); nr <= laatste; nr++)
+            if (iotab('R', &nr, rec, s.plaats))
+                velden.zie(rec, [&] { return VORM("%s %d", s.wie, nr); });
+        velden.meld(&b->kwalen);
+    }
+}
+
 keurbestand tabellen() {
     keurbestand b{"DTSYS.TXT", ""};
     sys_lees();
@@ -120,6 +172,7 @@ keurbestand tabellen() {
     keur_valuta(&b);
     keur_gebruikers(&b);
     keur_reeksen(&b);
+    keur_velden(&b);
     int gebruikers = 0;
     elk<gebruikerslot>(SYS_GEBRUIKER, [&](int32_t, const gebruikerslot&) { gebruikers++; });
     b.telling = keur_aantal(gebruikers, "users");
@@ -140,15 +193,19 @@ keurbestand filialen() {
     else if (omvang % BREED)
         b.kwalen.push_back("ends inside a record");
     std::map<int, int> nummers;
+    const keurlezer bestand("DTFILGEG.TXT");
+    Veldkeur velden("DTFILGEG:filiaal", BREED);
     for (int i = 0; i < firma.filialen && (i + 2) * BREED <= omvang; i++) {
         const int nr = iofil_nummer(i);
-        if (nr > FILIALEN)
-            b.kwalen.push_back(VORM("branch index %d: number %d", i, nr));
         if (const auto [p, nieuw] = nummers.emplace(nr, i); !nieuw)
             b.kwalen.push_back(VORM("branch index %d: number %d is also that of index %d", i, nr, p->second));
+        filiaalrec op_schijf{};
+        SYSLEES(bestand.fd, &op_schijf, sizeof op_schijf, (i + 1) * BREED);
+        velden.zie(reinterpret_cast<const uint8_t*>(&op_schijf), [i] { return VORM("branch index %d", i); });
         if (iofil_naam(i).empty())
             b.noten.push_back(VORM("branch index %d: no name", i));
     }
+    velden.meld(&b.kwalen);
     return b;
 }
 

@@ -6,7 +6,6 @@
 #include "shared/iotab.h"
 #include "shared/syscalls.h"
 #include "store/ix.h"
-#include "term/natl.h"
 #include "term/scherm.h"
 #include "tools/boomkeur.h"
 #include "tools/journaalkeur.h"
@@ -46,13 +45,27 @@ void wacht(ICB* icb) {
     usleep(200'000);
 }
 
+// What is told holds texts and names out of a damaged directory.
+std::vector<std::string> toon_alle(const std::vector<std::string>& regels) {
+    std::vector<std::string> uit;
+    for (const std::string& r : regels)
+        uit.push_back(toon(r));
+    return uit;
+}
+std::string toon_naam(std::string naam) {
+    for (char& c : naam)
+        if (static_cast<uint8_t>(c) < ' ' || c == 127)
+            c = '?';
+    return naam;
+}
+
 void als_json(const keurbestand& b) {
     json j;
     j["file"] = b.naam;
-    j["counts"] = b.telling;
+    j["counts"] = toon(b.telling);
     j["lost"] = b.verloren;
-    j["wrong"] = b.kwalen;
-    j["notes"] = b.noten;
+    j["wrong"] = toon_alle(b.kwalen);
+    j["notes"] = toon_alle(b.noten);
     puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
 }
 
@@ -65,15 +78,16 @@ int verslag(const keurbestanden& bestanden) {
             als_json(b);
             continue;
         }
+        const std::string naam = toon_naam(b.naam);
         for (const std::string& k : b.kwalen)
-            printf("%s: %s\n", b.naam.c_str(), CP850UTF8(k).c_str());
+            printf("%s: %s\n", naam.c_str(), toon(k).c_str());
         for (const std::string& n : b.noten)
             if (!wens.stil)
-                printf("%s: note: %s\n", b.naam.c_str(), CP850UTF8(n).c_str());
+                printf("%s: note: %s\n", naam.c_str(), toon(n).c_str());
         if (!wens.stil || !b.kwalen.empty())
-            printf("%s: %s%s%s\n", b.naam.c_str(),
+            printf("%s: %s%s%s\n", naam.c_str(),
                    b.kwalen.empty() ? "good" : (std::to_string(b.kwalen.size()) + " wrong").c_str(),
-                   b.telling.empty() ? "" : ", ", CP850UTF8(b.telling).c_str());
+                   b.telling.empty() ? "" : ", ", toon(b.telling).c_str());
     }
     if (!wens.json && (!wens.stil || kwalen))
         printf("%zu files, %zu wrong, %zu notes\n", bestanden.size(), kwalen, noten);
@@ -195,6 +209,8 @@ keurbestanden alles(int pogingen) {
     bij(bijbomen_keur(bijbomen()));
     bij_herhaald(
         [&] { return stam_keur(stamboek_lees(), [&](const char* naam) { return !stuk.contains(naam); }); });
+    bij_herhaald([] { return velden_keur(alle_paren()); });
+    bij_herhaald([] { return koppel_keur(stamboek_lees()); });
     bij_herhaald(tabel_keur);
     bij(het_register(stuk, pogingen));
     bij_herhaald(orders);
@@ -211,7 +227,7 @@ bool herstel_register(const std::set<std::string>& stuk) {
     bool gelukt;
     for (const std::string& r : register_herstel(&gelukt))
         if (!wens.stil && !wens.json)
-            printf("repair: %s\n", CP850UTF8(r).c_str());
+            printf("repair: %s\n", toon(r).c_str());
     keur_sluit();
     return gelukt;
 }

@@ -113,6 +113,8 @@ TEST_F(Kopie, HasAllOfItAndComesBack) {
         {"a file more", "touch k/nieuw", "note: nieuw: came later", 0},
         {"a list cut off", "sed -i '$d' k/ZGCOPY.LST", "is cut off or damaged", 3},
         {"a row less in it", "sed -i 3d k/ZGCOPY.LST", "is cut off or damaged", 3},
+        {"a row behind its end", "tail -1 k/ZGCOPY.LST | sed 's/end.*/link x/' >>k/ZGCOPY.LST",
+         "is cut off or damaged", 3},
         {"no list", "rm k/ZGCOPY.LST", "no copy, or not the whole of one", 3},
     };
     for (const auto& s : SCHADES) {

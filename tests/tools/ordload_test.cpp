@@ -23,11 +23,12 @@ void roer(std::string* bytes, unsigned zaad) {
         char tag;
         size_t van, tot;
         bool tekst;
-    } vrij[] = {{'O', 8, 23, true},    {'O', 24, 44, true},    {'O', 44, 103, false}, {'O', 49, 52, true},
-                {'O', 68, 103, true},  {'O', 104, 120, false}, {'M', 0, 2, false},    {'M', 2, 17, true},
-                {'M', 17, 24, false},  {'D', 0, 44, true},     {'D', 44, 48, false},  {'D', 49, 50, false},
-                {'D', 64, 128, false}, {'T', 1, 61, true},     {'S', 1, 12, false},   {'F', 2, 4, false},
-                {'F', 5, 7, false}};
+    } vrij[] = {{'O', 8, 23, true},     {'O', 24, 44, true},    {'O', 46, 47, false}, {'O', 49, 52, true},
+                {'O', 52, 55, false},   {'O', 58, 59, false},   {'O', 60, 63, false}, {'O', 64, 66, false},
+                {'O', 68, 103, true},   {'O', 104, 120, false}, {'M', 2, 17, true},   {'M', 19, 20, false},
+                {'D', 0, 44, true},     {'D', 48, 49, true},    {'D', 50, 52, true},  {'D', 105, 107, false},
+                {'D', 108, 127, false}, {'T', 1, 61, true},     {'S', 1, 7, false},   {'S', 8, 11, false},
+                {'F', 2, 4, false},     {'F', 5, 7, false}};
     std::mt19937 rnd(zaad);
     std::string uit;
     for (size_t p = 0, n; p < bytes->size(); p += n) {

@@ -237,6 +237,18 @@ const std::vector<Schade> SCHADES = {
      [](const DemoMap& m) { std::filesystem::remove(m.bestand("2016Z/ORD0010.JRN")); },
      {"DTORDNR: number ", "of an order that isn't there"},
      false},
+    {"a journal whose name leads nowhere", // a number that only it may have stays
+     [](const DemoMap& m) {
+         const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
+         ordnrrec rec{};
+         rec.ordernummer = 7777, rec.leverancier = 10, rec.jaar = 2016, rec.seizoen = 'Z',
+         rec.orderdatum = 42400;
+         schrijf(m, "DTORDNR", std::string(reinterpret_cast<char*>(&rec), sizeof rec));
+         std::filesystem::remove(jrn);
+         std::filesystem::create_symlink("/nowhere/ORD0010.JRN", jrn);
+     },
+     {"2016Z/ORD0010.JRN: a link that leads nowhere", "DTORDNR: number 7777 of an order that isn't there"},
+     false},
     {"a journal cut off",
      [](const DemoMap& m) {
          const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
@@ -353,12 +365,12 @@ const std::vector<Schade> SCHADES = {
      2},
     {"a code of VAT and a share that there can't be",
      [](const DemoMap& m) { zet(m, "DTART.TXT", offsetof(artrec, btwcode), uint16_t{0xC863}); },
-     {"DTART: article group ", "VAT code 99", "200 per cent to the warehouse"},
+     {"DTART: article group 1100: btwcode 99, of 1 to 10", "magazijnpct 200, of 0 to 100"},
      false,
      2},
     {"a rate of nothing",
      [](const DemoMap& m) { zet(m, "DTKOERS.TXT", offsetof(koersrec, koers), int32_t{0}); },
-     {"DTKOERS: ", ": a rate of 0 for "},
+     {"DTKOERS: CHF from 2015-01-01: koers 0, below 1"},
      false,
      2},
     {"two sizes in one place",
@@ -484,11 +496,17 @@ const std::vector<Schade> SCHADES = {
      3},
     {"a mailbox that is gone, and one that others can't write",
      [](const DemoMap& m) {
-         ASSERT_EQ(sh("zgedi -D " + m.pad() + " init internet && zgedi -D " + m.pad() + " make").status, 0);
+         const std::string zgedi = "zgedi -D " + m.pad();
+         ASSERT_EQ(sh(zgedi + " init internet && " + zgedi + " set EDIDIR loc && " + zgedi + " make").status,
+                   0);
+         std::filesystem::remove(m.bestand("loc/LOC_INV.GBL"));
+         zet(m, "loc/LOC_SLS.GBL", 0, '?');
+         plak(m, "loc/FILENR.GBL", "12a\n");
          std::filesystem::remove(m.bestand("zebedi/ongeldig"));
          rechten(m, "zebedi/pricat/save", 0755);
      },
-     {"/zebedi/ongeldig isn't there", "/zebedi/pricat/save: mode 0755"},
+     {"/zebedi/ongeldig isn't there", "/zebedi/pricat/save: mode 0755", "loc/LOC_INV.GBL isn't there",
+      "loc/LOC_SLS.GBL doesn't name the mailbox slsrpt", "loc/FILENR.GBL: no number"},
      false,
      3},
 };

@@ -128,6 +128,14 @@ TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
         {"merk;naam\n", "(--delimiter?)", 1},
         {"merk,naam\n5,A\n\n6,B\n5,C\n", "line 5: line 2 has the same merk=5", 1},
         {"", "nothing to load", 1},
+        // Cut off: in a quote, behind a value, in one, in an object.
+        {"merk,naam\n5,A\n6,\"B", "line 3: a quote that isn't closed", 1},
+        {"merk,naam\n5,A\n6", "line 3: 1 values for 2 columns: is its end cut off?", 1},
+        {"#ixdump,1,DTMERK,t,76,-1,\"k1,NODUPS,I,1,2\"\nnr,vrij,merk,naam\n0,,5,A\n1,,6\n",
+         "line 4: 3 values", 1},
+        {"#ixdump,1,DTMERK,t,76,-1,\"k1,NODUPS,I,1,2\"\nnr,vrij,merk,naam\n0,,5,A\n1,,6,B",
+         "line 4: the last line has no end", 1},
+        {"{\"merk\":5}\n{\"merk\":6,\"na", "line 2: not a JSON object", 1},
         {"#ixdump,1,DTMERK,t,76,-1,\"k,C,9,3\"\nnr\n", "Sleutel 1 is onjuist", 1, ""}, // the store's own stop
     };
     for (const auto& g : gevallen) {
