@@ -29,7 +29,7 @@ void plak(const DemoMap& map, const char* naam, const std::string& bytes); // a 
 struct Schade {
     const char* wat;
     std::function<void(const DemoMap&)> doe;
-    std::vector<const char*> gezegd; // by the check
+    std::vector<const char*> gezegd; // by the check, and again behind a repair; "repair: ...": by that alone
     bool te_herstellen;
     int samen = 0; // rows of one number stand in one directory
 };

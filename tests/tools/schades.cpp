@@ -116,6 +116,20 @@ const std::vector<Schade> SCHADES = {
      },
      {"DTETI: block ", ": in no chain, of series "},
      false},
+    {"a block of zeros that nobody has, with a label that can't be", // no chain leads to it
+     [](const DemoMap& m) {
+         const auto t = haal<sysetiket>(m, "DTSYS.TXT", SYS4);
+         etiblok b{};
+         b.plaats[3][8] = 7; // its status
+         b.volgende = -1;
+         sysetiket na = t;
+         na.vrijkop = na.hoogste = t.hoogste + 1;
+         zet(m, "DTETI.TXT", static_cast<size_t>(t.hoogste) * BLOK, b);
+         zet(m, "DTSYS.TXT", SYS4, na);
+     },
+     {"DTETI: block ", ": in no chain, of series 0.0.0",
+      "repair: DTETI: 1 blocks without a series stay: there is a label of a status that there isn't"},
+     false},
     {"wild counters of labels",
      [](const DemoMap& m) { zet(m, "DTSYS.TXT", SYS4, int32_t{-5}); },
      {"DTETI: "},
