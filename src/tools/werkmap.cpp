@@ -60,6 +60,16 @@ int neem(const std::string& map) {
     return -1;
 }
 
+// The mark in the index that is replaced: who waits for that file, or has come in by it, is to stop and not to write there.
+bool merk(const Paar& oud, uint8_t* busy) {
+    constexpr int64_t PLAATS = offsetof(IXHEADER, busy);
+    uint8_t was = 0;
+    if (SYSLEES(oud.idx, &was, 1, PLAATS) != 1 || !SYSSCHRIJFOP(oud.idx, busy, 1, PLAATS))
+        return false;
+    *busy = was;
+    return true;
+}
+
 // Killed behind its first rename a maker leaves the old data file under this name alone.
 bool enige_kopie(const std::string& vorige) {
     struct stat st;
@@ -139,7 +149,8 @@ int Werkmap::naar(const std::string& doel, bool vervang, int seconden) {
     const bool was = was_txt && IOEXISTS(inx.c_str());
     if (was && !vervang)
         return klacht(doel, "exists already"), FOUT_GEBRUIKT;
-    if (was && paar_open(doel, &oud) == GOED) {
+    const bool gemerkt = was && paar_open(doel, &oud) == GOED;
+    if (gemerkt) {
         if (int fout = paar_alleen(&oud, seconden))
             return fout;
         if (oud.gedeeld && !ALLEEN_GEZEGD)
@@ -154,10 +165,19 @@ int Werkmap::naar(const std::string& doel, bool vervang, int seconden) {
     // both stand the old data file keeps a second name, so that a refused index doesn't leave half a pair.
     if (was_txt && SYS.link(txt.c_str(), vorige.c_str()) != 0)
         return klacht(txt, strerror(errno)), FOUT_GEVONDEN;
-    if (SYS.rename((hier + ".TXT").c_str(), txt.c_str()) != 0)
-        return klacht(txt, strerror(errno)), FOUT_GEVONDEN;
+    uint8_t busy = 1;
+    if (gemerkt && !merk(oud, &busy))
+        return klacht(inx, strerror(errno)), FOUT_GEVONDEN;
+    if (SYS.rename((hier + ".TXT").c_str(), txt.c_str()) != 0) {
+        const int fout = errno;
+        if (gemerkt)
+            merk(oud, &busy);
+        return klacht(txt, strerror(fout)), FOUT_GEVONDEN;
+    }
     if (SYS.rename((hier + ".INX").c_str(), inx.c_str()) != 0) {
         const int fout = errno;
+        if (gemerkt)
+            merk(oud, &busy);
         const bool terug =
             was_txt ? SYS.rename(vorige.c_str(), txt.c_str()) == 0 : SYS.unlink(txt.c_str()) == 0;
         klacht(inx, strerror(fout));

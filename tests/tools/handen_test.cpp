@@ -202,6 +202,9 @@ TEST_F(Handen, ACopyTakesAPairsPlaceWholeOrNotAtAll) {
             SYS.fsync = [](int fd) { return gesynct++, fsync(fd); };
             {
                 Werkmap werk("DOEL");
+                fs::remove("OUD.INX");
+                if (was)
+                    fs::create_hard_link("DOEL.INX", "OUD.INX");
                 for (const char* ext : {".INX", ".TXT"})
                     fs::copy_file(std::string("NIEUW") + ext, werk.pad() + "/DOEL" + ext);
                 EXPECT_EQ(werk.naar("DOEL", true, 0), n < 3 ? FOUT_GEVONDEN : GOED);
@@ -214,6 +217,9 @@ TEST_F(Handen, ACopyTakesAPairsPlaceWholeOrNotAtAll) {
             }
             if (n == 3) {
                 EXPECT_EQ(gesynct, 3) << "both files and their directory";
+                if (was) {
+                    EXPECT_EQ(lees_bestand("OUD.INX")[45], '\1') << "the old one is marked";
+                }
                 EXPECT_EQ(rechten("DOEL.TXT"),
                           was ? "0664 " + std::to_string(GROEP) : "0660 " + std::to_string(getegid()));
             }
