@@ -69,6 +69,27 @@ template <class F> Prijsset lees(F haal, prijsset* set, prijsgroepen* groepen) {
     return Prijsset::stuk;
 }
 
+// The first set of a series and supplier from a day on, by its key and then by its number: where the end of the file was
+// lost it isn't there, and that closes one line, while a walk would stop the program.
+bool eerste_set(prijsset* uit) {
+    int er = 0;
+    for (int poging = 0; poging < 3;
+         poging++) { // the record may have become another's since its key was seen
+        Buffer b(*uit);
+        IXSWITCH(ink.dtipa, 1);
+        if (!IXFIRSTK(ink.dtipa, b.bytes, DELEN_SET + 1))
+            return false;
+        er = IXGET(ink.dtipa, b.bytes, ink.dtipa->currec);
+        const prijsset set = b.set();
+        if (er == 1 && zelfde_serie(set.serie, uit->serie) && set.setnr == uit->setnr &&
+            set.tot >= uit->tot) {
+            *uit = set;
+            return true;
+        }
+    }
+    return er == 1 && ioink_move('F', uit, DELEN_SET, 1);
+}
+
 } // namespace
 
 void ioink_open(int modus) {
@@ -105,7 +126,7 @@ Prijsset ioink_find(const seriesleutel& serie, uint16_t setnr, uint16_t datum, p
             uit->serie = serie;
             uit->setnr = setnr;
             uit->tot = datum;
-            return ioink_move('F', uit, DELEN_SET, 1) && uit->van <= datum;
+            return eerste_set(uit) && uit->van <= datum;
         },
         set, groepen);
 }

@@ -19,6 +19,7 @@
 #include "tools/systeemkeur.h"
 #include <algorithm>
 #include <bitset>
+#include <cstring>
 #include <unistd.h>
 
 namespace zg {
@@ -202,6 +203,7 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
 
 bool lees_labels(Keuring* k) {
     k->filialen.set(LOCATIE_MAGAZIJN);
+    k->filialen.set(0); // of an order whose header never had one
     const int filialen = filialen_open() ? firma.filialen : 0;
     for (int i = 0; i < filialen; i++)
         k->filialen.set(iofil_nummer(i));
@@ -310,11 +312,23 @@ bool tel_opnieuw(const Seriestand& s) {
     return IXPUTREC(dtser, buffer) == 1;
 }
 
+// Is a program at work in the series, or was it since its record was read?
+bool in_werk(const Seriestand& s) {
+    uint8_t buffer[IXRECMAX];
+    serrec nu;
+    if (dtser->mode == ALLEEN)
+        return false;
+    if (!IOLOCK('T', dtser->datfd, int64_t{s.plaats} * dtser->h.reclen, dtser->h.reclen) ||
+        IXGET(dtser, buffer, s.plaats) != 1)
+        return true;
+    stam_uit(buffer, dtser->h.reclen, &nu);
+    return memcmp(&nu, &s.rec, sizeof nu) != 0;
+}
+
 } // namespace
 
 void keur_kwaal(keurbestand* b, const Seriestand* s, const std::string& wat) {
-    if (s && dtser->mode != ALLEEN &&
-        !IOLOCK('T', dtser->datfd, int64_t{s->plaats} * dtser->h.reclen, dtser->h.reclen))
+    if (s && in_werk(*s))
         b->noten.push_back(wat + " (in use)");
     else
         b->kwalen.push_back(wat);

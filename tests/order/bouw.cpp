@@ -21,6 +21,7 @@ ordkop kop_van(const Order& o) {
 ordmodel model_van(const Model& m) {
     ordmodel r{};
     r.merk = static_cast<uint16_t>(m.merk);
+    r.maatsoort = r.artikelgroep = 1;
     VASTIN(r.model, "OOTDMSX"); // tag letters inside a text must fool nobody
     return r;
 }

@@ -35,8 +35,8 @@ TEST_F(Gedeeld, KindsOfFileSystem) {
                                setenv("ZGGEDEELD", g.proef, 1);
                                EXPECT_EQ(chdir(g.pad), 0);
                                const int fd = ::open(".", O_RDONLY | O_CLOEXEC);
-                               const bool hier = IOGEDEELD(); // before any file was met
                                const IOSOORT s = IOSOORTVAN(fd);
+                               const bool hier = IOGEDEELD(); // by the file that was met
                                return (hier == g.gedeeld) + (s.gedeeld == g.gedeeld) + (s.kaart == g.kaart) +
                                       (!s.zetten || s.kaart);
                            }).status;
