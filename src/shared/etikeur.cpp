@@ -137,6 +137,14 @@ void meld_verloren(etikeuring* k, const keurmelding& meld) {
             verloren.push_back(
                 nr); // and none of the free ones that can't be walked, or that were told with a series
     }
+    if (!verloren.empty()) { // one that is changing hands is nobody's for a moment
+        usleep(20'000);
+        std::erase_if(verloren, [k](size_t nr) {
+            etiblok b;
+            return SYSLEES(eti::fd, &b, sizeof b, eti::begin(static_cast<int32_t>(nr))) == sizeof b &&
+                   !zelfde_serie(b.serie, k->blokken[nr].serie);
+        });
+    }
     k->verloren = static_cast<int64_t>(verloren.size());
     meld_per_serie(*k, verloren, "", ": in no chain, of series ",
                    [&](const std::string& wat) { fout(k, meld, wat); });

@@ -77,6 +77,7 @@ bool eerste_set(prijsset* uit) {
          poging++) { // the record may have become another's since its key was seen
         Buffer b(*uit);
         IXSWITCH(ink.dtipa, 1);
+        ink.dtipa->currec = 0;
         if (!IXFIRSTK(ink.dtipa, b.bytes, DELEN_SET + 1))
             return false;
         er = IXGET(ink.dtipa, b.bytes, ink.dtipa->currec);

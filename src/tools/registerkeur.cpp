@@ -201,6 +201,19 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
     k->van_orders.push_back(o);
 }
 
+// Is a program at work in the series, or was it since its record was read?
+bool in_werk(const Seriestand& s) {
+    uint8_t buffer[IXRECMAX];
+    serrec nu;
+    if (dtser->mode == ALLEEN)
+        return false;
+    if (!IOLOCK('T', dtser->datfd, int64_t{s.plaats} * dtser->h.reclen, dtser->h.reclen) ||
+        IXGET(dtser, buffer, s.plaats) != 1)
+        return true;
+    stam_uit(buffer, dtser->h.reclen, &nu);
+    return memcmp(&nu, &s.rec, sizeof nu) != 0;
+}
+
 bool lees_labels(Keuring* k) {
     k->filialen.set(LOCATIE_MAGAZIJN);
     k->filialen.set(0); // of an order whose header never had one
@@ -233,10 +246,12 @@ bool lees_labels(Keuring* k) {
     for (const auto& [sleutel, n] : k->vreemde_maat)
         k->dteti.noten.push_back("series " + serie_tekst(k->series[sleutel].rec.serie) + ": " +
                                  keur_aantal(n, "labels of a size or size type that it hasn't"));
-    for (auto& b : k->eti.blokken)
-        if (b.waar == Etiblok::los && !zelfde_serie(b.serie, {}) &&
-            !k->series.contains(sleutel_van(b.serie)) && !ontbreekt(*k, b.serie))
-            b.waar = Etiblok::keten;
+    for (auto& b : k->eti.blokken) // those of a series that came, or was worked in, since it was read
+        if (b.waar == Etiblok::los && !zelfde_serie(b.serie, {})) {
+            const auto s = k->series.find(sleutel_van(b.serie));
+            if (s == k->series.end() ? !ontbreekt(*k, b.serie) : in_werk(s->second))
+                b.waar = Etiblok::keten;
+        }
     std::ranges::stable_sort(k->van_orders, {}, &Orderlabels::serie);
     etikeur_einde(&k->eti, [k](const std::string& wat) { k->dteti.kwalen.push_back(wat); });
     k->dteti.verloren = k->eti.verloren;
@@ -310,19 +325,6 @@ bool tel_opnieuw(const Seriestand& s) {
     rec.correcties = s.labels.correcties;
     memcpy(buffer, &rec, sizeof rec);
     return IXPUTREC(dtser, buffer) == 1;
-}
-
-// Is a program at work in the series, or was it since its record was read?
-bool in_werk(const Seriestand& s) {
-    uint8_t buffer[IXRECMAX];
-    serrec nu;
-    if (dtser->mode == ALLEEN)
-        return false;
-    if (!IOLOCK('T', dtser->datfd, int64_t{s.plaats} * dtser->h.reclen, dtser->h.reclen) ||
-        IXGET(dtser, buffer, s.plaats) != 1)
-        return true;
-    stam_uit(buffer, dtser->h.reclen, &nu);
-    return memcmp(&nu, &s.rec, sizeof nu) != 0;
 }
 
 } // namespace

@@ -21,7 +21,8 @@ ordkop kop_van(const Order& o) {
 ordmodel model_van(const Model& m) {
     ordmodel r{};
     r.merk = static_cast<uint16_t>(m.merk);
-    r.maatsoort = r.artikelgroep = 1;
+    r.maatsoort = static_cast<uint8_t>(m.soort);
+    r.artikelgroep = m.soort;
     VASTIN(r.model, "OOTDMSX"); // tag letters inside a text must fool nobody
     return r;
 }

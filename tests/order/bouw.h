@@ -33,6 +33,7 @@ struct Model {
     int merk;
     std::string tekst;
     std::vector<Regel> regels;
+    int soort = 0; // size type and article group
 };
 struct Order {
     int datum;

@@ -215,6 +215,8 @@ TEST(Orddump, leest_een_journaal_en_stoort_niet) {
     OrderMap map;
     Order o = maak_order(3, {2});
     o.levering = "caf\x82"; // é
+    for (Model& model : o.modellen)
+        model.soort = 1;
     zet("JRN", bytes(o));
     ASSERT_TRUE(kies(0)); // the program holds both files
     Uit t = dump(pad("JRN"));
@@ -240,9 +242,9 @@ TEST(Orddump, leest_een_journaal_en_stoort_niet) {
 TEST(Orddump, vindt_wat_niet_kan) {
     OrderMap map;
     const std::string o = bytes(Order{42500, "", "", {}}),
-                      m = bytes(Order{42500, "", "", {{1, "", {}}}}).substr(o.size());
+                      m = bytes(Order{42500, "", "", {{1, "", {}, 1}}}).substr(o.size());
     auto lijn = [&](const Regel& l) {
-        return bytes(Order{42500, "", "", {{1, "", {l}}}}).substr(o.size() + m.size());
+        return bytes(Order{42500, "", "", {{1, "", {l}, 1}}}).substr(o.size() + m.size());
     };
     const std::string d = lijn(Regel{1, "", {}, {}});
     const std::string s = lijn(Regel{1, "", {{5, 1, 1, "E"}}, {}}), goed = o + m + s;
