@@ -144,18 +144,17 @@ bool begin_alleen(bool* wacht) {
     return u == U_RUIMTE || (u == U_NIET && (klad.volgorde.empty() || UITSTELUIT(icb)));
 }
 
-bool schrijf_alles() {
+bool schrijf_alles(bool* wacht) {
     ICB* icb = klad.icb;
-    bool wacht = false;
     if (met_kop()) {
         klad.kop_geraakt = true;
         if (!merk())
             return false;
-    } else if (!begin_alleen(&wacht))
+    } else if (!begin_alleen(wacht))
         return false;
     if (klad.record && klad.soort != KL_DELETE && !schrijf_record())
         return false;
-    if (wacht) {
+    if (*wacht) {
         for (const Blad* b : klad.volgorde)
             UITSTELZET(icb, b->blok, b->wordt);
         return true;
@@ -334,10 +333,11 @@ int KLADSCHRIJF(ICB* icb) {
         IXKEUR(icb, blokken.data(), blokken.size());
     }
     klad.gedaan++;
-    if (schrijf_alles()) {
+    bool wacht = false;
+    if (schrijf_alles(&wacht)) {
         einde(true);
-        if (klad.soort == KL_INSERT && icb->filelocked)
-            IXVERGEETNA(icb, klad.rec_wordt, klad.recnr);
+        if (klad.soort == KL_INSERT && icb->filelocked && !wacht)
+            IXVERGEETNA(icb);
         return 1;
     }
     const int fout = errno;

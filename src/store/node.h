@@ -118,9 +118,10 @@ int IXPROBEERSLEUTEL(ICB* icb);  // IXLOCK 4 without the wait
 void IXHOUDVAST(ICB* icb, const void* rec);
 bool IXVERGEET(ICB* icb);
 bool IXVERGEETMEE(ICB* icb);
-// Behind an insert of an exclusive handle: somebody may have reserved the key before the pair was opened, or while it
-// was, and would leave it reserved for ever: he finds the record and gives up its lock instead.
-void IXVERGEETNA(ICB* icb, const void* rec, int32_t nr);
+// When others can see the keys that an exclusive handle has entered: one of them may have been reserved before the pair was
+// opened, or while it was, since that asks the queue's lock alone. It would stay reserved for ever: who did so finds the
+// record, and gives up its lock instead. What is in the tree goes out of the queue.
+void IXVERGEETNA(const ICB* icb);
 void IXRIJLOS(ICB* icb, bool geschreven);
 void IXEIGENWEG(const ICB* icb); // the handle goes: what it has reserved is nobody's any more
 

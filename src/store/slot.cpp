@@ -9,8 +9,8 @@
 // Order of taking: record or reservation first, then the header; the queue within, before the first write. Nobody who
 // holds the header waits for a record or for the queue: refused, it ends the bracket without a write, waits outside and
 // starts again (store/schrijven.cpp). So nothing is waited for, told or given up while a pair is half changed. Only a
-// rebuild waits for the queue with the header in hand, before it writes; who has the queue's lock never asks for the
-// header. And an exclusive opener who is refused the header lets go of the data file before he waits: else he and a
+// rebuild, before it writes, and an exclusive handle, behind what it wrote, wait for the queue with the header in hand;
+// who has the queue's lock never asks for the header. And an exclusive opener who is refused the header lets go of the data file before he waits: else he and a
 // writer could wait for each other.
 #include "shared/files.h"
 #include "shared/teksten.h"
@@ -75,10 +75,10 @@ bool geduldig(char letter, int fd, int64_t start, int64_t lengte) {
 }
 
 void tot_het_lukt(char letter, ICB* icb, int fd, int64_t start, int64_t lengte) {
-    if (icb->filelocked || geduldig(letter, fd, start, lengte))
+    if (geduldig(letter, fd, start, lengte))
         return;
-    while (!IXLOCKRGN(letter, icb, fd, start, lengte))
-        ;
+    while (!IOLOCK(letter, fd, start, lengte))
+        IXWAITHOOK(icb);
 }
 
 int64_t recordplaats(const ICB* icb) {
@@ -253,17 +253,24 @@ bool IXVERGEETMEE(ICB* icb) {
     return true;
 }
 
-void IXVERGEETNA(ICB* icb, const void* rec, int32_t nr) {
+void IXVERGEETNA(const ICB* icb) {
     IXKNOOP k;
     if (!IXHEELBLOK(icb, WACHTRIJBLOK(icb), &k) || k.count == 0)
         return;
-    uint8_t bewaard[sizeof icb->keybuf];
-    memcpy(bewaard, icb->keybuf, sizeof bewaard);
-    memset(icb->keybuf, 0, sizeof icb->keybuf);
-    IXMAAKSLEUTEL(icb->h.keydef[0], rec, nr, icb->h.keydef[0].keylen, icb->keybuf);
-    if (!vergeet(icb))
+    ICB zoeker = *icb; // the handle may be in the middle of a change: it keeps what it has in hand
+    zoeker.cached = 0;
+    memset(zoeker.node, 0, sizeof zoeker.node);
+    IXKIES(&zoeker, 1);
+    Wachtrij q(&zoeker);
+    const IXKNOOP was = q.k;
+    for (int i = q.k.count; i-- > 0;) {
+        memset(zoeker.keybuf, 0, sizeof zoeker.keybuf);
+        memcpy(zoeker.keybuf, q.sleutel(i), q.def.keylen);
+        if (IXSEARCH(&zoeker, '=', q.def.keylen) >= 0)
+            q.wis(i);
+    }
+    if (q.k.count != was.count && !q.schrijf(was))
         IXGEWEIGERD(icb, errno);
-    memcpy(icb->keybuf, bewaard, sizeof bewaard);
 }
 
 void IXRIJLOS(ICB* icb, bool geschreven) {
@@ -293,7 +300,8 @@ int IXLOCK(ICB* icb, int operatie) {
         exclusief(icb);
         return 1;
     case 2:
-        tot_het_lukt('E', icb, icb->idxfd, 0, IXBLOK);
+        if (!icb->filelocked)
+            tot_het_lukt('E', icb, icb->idxfd, 0, IXBLOK);
         icb->koplock = 1;
         return 1;
     case 3:

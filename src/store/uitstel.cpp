@@ -181,6 +181,7 @@ bool schrijf_alles(Uitstel* u, ICB* icb) {
             u->vuil--;
         }
     }
+    IXVERGEETNA(icb);
     return true;
 }
 

@@ -280,14 +280,43 @@ TEST_F(Slot, InvoegenTegenEenExclusieveOpener) {
 // Who opens exclusively may enter a key that another has reserved: the reservation goes with it, or nobody would ever
 // get that key again.
 TEST_F(Slot, ReserveringVervuldDoorEenExclusieveHandle) {
+    const struct {
+        const char* wat;
+        std::vector<const char*> voor,
+            tussen; // what the other does before the key is reserved, and before it is given up
+    } gevallen[] = {
+        {"before it was opened", {}, {"open 1", "write 7", "close", "open 2"}},
+        {"while the key is held back", {"open 1", "write 7"}, {"close", "open 2"}},
+        {"while it is, and deleted later",
+         {"open 1", "write 7"},
+         {"write 8", "delete 8", "unlock me 7", "delete 7", "close", "open 2"}},
+    };
     open();
-    EXPECT_EQ("0", ik("readl 7"));
-    for (const char* opdracht : {"close", "open 1", "write 7", "close", "open 2"})
-        ander->vraag(opdracht);
-    ik("unlock 7");
-    EXPECT_EQ("1", ik("readl 7"));
-    ik("delete 7");
-    EXPECT_EQ("0", ander->vraag("readl 7"));
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(g.wat);
+        ander->vraag("close");
+        for (const char* opdracht : g.voor)
+            ander->vraag(opdracht);
+        EXPECT_EQ("0", ik("readl 7"));
+        for (const std::string opdracht : g.tussen)
+            opdracht == "unlock me 7" ? ik("unlock 7") : ander->vraag(opdracht);
+        ik("unlock 7");
+        if (ik("readl 7") == "1")
+            ik("delete 7");
+        else
+            ik("unlock 7");
+        ASSERT_EQ("0", ander->vraag("readl 7"));
+        ander->vraag("unlock 7");
+    }
+    // The queue is another's for a moment: its lock is waited for, or his key would be lost.
+    ander->vraag("close");
+    EXPECT_EQ("0", ik("readl 9"));
+    ander->vraag("open 1");
+    ander->vraag("write 9");
+    ASSERT_EQ(1, IOLOCK('E', ik.icb->idxfd, 3 * IXBLOK, IXBLOK));
+    EXPECT_EQ(Agent::geen_antwoord, ander->vraag("close"));
+    IOLOCK('U', ik.icb->idxfd, 3 * IXBLOK, IXBLOK);
+    EXPECT_EQ("ok", ander->antwoord());
     IXCLOSE(ik.icb);
 }
 
