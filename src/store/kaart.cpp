@@ -4,6 +4,7 @@
 #include "store/kaart.h"
 #include "shared/gedeeld.h"
 #include "shared/syscalls.h"
+#include "store/ix.h"
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -165,17 +166,15 @@ bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n) {
 
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n) {
     const int64_t einde = lengte + static_cast<int64_t>(n);
-    if (lengte < 1 || !zelfde_blad(lengte - 1, einde - 1))
+    if (lengte < 1 || n > IXRECMAX || !zelfde_blad(lengte - 1, einde - 1))
         return false;
     const Kaart* k = heel(fd, einde);
     if (!k)
         return false;
-    const volatile uint8_t* p = k->basis;
-    int64_t i = lengte;
-    if (p[lengte - 1] != 0)
-        while (i < einde && p[i] == 0)
-            i++;
-    return i == einde && !k->gat;
+    static constexpr uint8_t NULLEN[IXRECMAX] = {};
+    std::atomic_signal_fence(std::memory_order_seq_cst); // not what was read before
+    const uint8_t* p = k->basis + lengte;
+    return p[-1] != 0 && memcmp(p, NULLEN, n) == 0 && !k->gat;
 }
 
 bool IXKAARTZETTEN(int fd, int64_t lengte) {

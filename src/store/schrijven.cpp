@@ -58,10 +58,11 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
     }
     // A data file that is too short would get a hole, whose zeros count as records.
     const int64_t einde = int64_t{icb->h.nrecs} * icb->h.reclen;
-    if (!KLADOMVANG() && !IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)) &&
-        IOOMVANG(icb->datfd) != einde)
-        IXSTUK(icb, 0);
-    KLADOMVANG(true);
+    if (!KLADOMVANG() && !IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen))) {
+        if (IOOMVANG(icb->datfd) != einde)
+            IXSTUK(icb, 0);
+        KLADOMVANG(true);
+    }
     icb->currec = icb->h.nrecs;
     if (houd && !IXPROBEERSLOT(icb))
         return false;
