@@ -48,7 +48,7 @@ struct Demomaten {
 
 void demo_systeem(const std::string& bron, const std::vector<Demomaten>& maten, bool registermodus);
 void demo_orders(const std::string& bron, const std::vector<Demomaten>& maten);
-void demo_register(); // what the journals of the present directory hold, into its register
+void demo_register();     // what the journals of the present directory hold, into its register
 void demo_afbeeldingen(); // of the series in it: files, some of them linked, and new ones
 // Branch numbers in index order, from the [filialen] section.
 extern std::vector<int> demo_filialen;

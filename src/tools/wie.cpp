@@ -40,7 +40,7 @@ std::string wie_is(int64_t proces, int dtsys) {
     if (proces != 0 && IOGEDEELD()) { // the number may be another host's, and here another's
         gebruikerslot slot;
         return houder_van(proces, dtsys, &slot) == Houder::bekend ? "user " + toon(gebruiker_naam(slot))
-                                                                     : "a process of this or another host";
+                                                                  : "a process of this or another host";
     }
     if (proces <= 0)
         return "";

@@ -272,7 +272,8 @@ int main(int argc, char** argv) {
     app.add_flag(
         "-r,--repair", wens.herstel,
         "rebuild indexes, give back what nobody has, count again, sweep, when nobody is in; then check");
-    app.add_flag("--alone", ALLEEN_GEZEGD, "on a shared file system: no program on any host is at work in it");
+    app.add_flag("--alone", ALLEEN_GEZEGD,
+                 "on a shared file system: no program on any host is at work in it");
     app.add_flag("-j,--json", wens.json, "JSON lines, one a file");
     app.add_flag("-q,--quiet", wens.stil, "say only what is wrong");
     app.add_option("-w,--wait", wens.wacht,
