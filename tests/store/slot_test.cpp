@@ -62,7 +62,7 @@ struct Slot : testing::Test {
     }
     void open() {
         ik("open 2");
-        ASSERT_EQ("ok", ander->vraag("open 2"));
+        ASSERT_EQ("ok", ander->vraag("open 2", 10'000)); // waits for nobody
     }
 };
 
