@@ -123,6 +123,17 @@ const struct {
               {"emptied", maak_leeg, true, false},
               {"repaired", herstel, false, true}};
 
+// A program killed in front of its commit.
+void laat_wrk() {
+    in_kind([] {
+        kies(1);
+        char blok[BLOKLEN] = "hersteld", leeg[BLOKLEN] = "";
+        ord_kop_schrijf(werk, blok, leeg);
+        _exit(0);
+        return 0;
+    });
+}
+
 TEST(Gedeeld, slot_kwijt_bij_elke_naam) {
     OrderMap map;
     for (const auto& w : WERKEN) {
@@ -131,14 +142,8 @@ TEST(Gedeeld, slot_kwijt_bij_elke_naam) {
                 ::unlink(pad(ext).c_str());
             const std::vector<Order> orders(TWEE.begin(), TWEE.end() - (w.een_order ? 1 : 0));
             zet("JRN", bytes(orders));
-            if (w.wrk) // killed in front of its commit
-                in_kind([] {
-                    kies(1);
-                    char blok[BLOKLEN] = "hersteld", leeg[BLOKLEN] = "";
-                    ord_kop_schrijf(werk, blok, leeg);
-                    _exit(0);
-                    return 0;
-                });
+            if (w.wrk)
+                laat_wrk();
         };
         begin();
         const std::string voor = inhoud("JRN");
@@ -189,13 +194,7 @@ TEST(Gedeeld, lezen_mislukt) {
     for (const bool met_wrk : {false, true}) {
         zet("JRN", bytes(TWEE));
         if (met_wrk)
-            in_kind([] {
-                kies(1);
-                char blok[BLOKLEN] = "hersteld", leeg[BLOKLEN] = "";
-                ord_kop_schrijf(werk, blok, leeg);
-                _exit(0);
-                return 0;
-            });
+            laat_wrk();
         const std::string jrn = inhoud("JRN"), wrk = met_wrk ? inhoud("WRK") : "",
                           act = met_wrk ? inhoud("ACT") : "";
         for (int n = 0, klaar = 0; !klaar; n++) {

@@ -36,11 +36,18 @@ TEST_F(Gedeeld, KindsOfFileSystem) {
                                EXPECT_EQ(chdir(g.pad), 0);
                                const int fd = ::open(".", O_RDONLY | O_CLOEXEC);
                                const IOSOORT s = IOSOORTVAN(fd);
-                               const bool hier = IOGEDEELD(); // by the file that was met
-                               return (hier == g.gedeeld) + (s.gedeeld == g.gedeeld) + (s.kaart == g.kaart) +
-                                      (!s.zetten || s.kaart);
+                               return (IOGEDEELD() == g.gedeeld) + (s.gedeeld == g.gedeeld) +
+                                      (s.kaart == g.kaart) + (!s.zetten || s.kaart);
                            }).status;
         EXPECT_EQ(status, 4);
+        // Before any file was met, in a process that never asked: the working directory's kind.
+        GTEST_FLAG_SET(death_test_style, "threadsafe");
+        EXPECT_EXIT(
+            {
+                setenv("ZGGEDEELD", g.proef, 1);
+                _exit(chdir(g.pad) == 0 ? 1 + IOGEDEELD() : 9);
+            },
+            testing::ExitedWithCode(1 + g.gedeeld), "");
     }
 }
 
