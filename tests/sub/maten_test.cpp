@@ -1,7 +1,5 @@
 // Size types, bars, the sizes of a series: what a user does, and what the files hold afterwards.
-#include "shared/iotab.h"
 #include "shared/maatbalk.h"
-#include "store/rebuild.h"
 #include "sub/maatsoort.h"
 #include "support/paar.h"
 #include "support/schrijfstoring.h"
@@ -96,8 +94,7 @@ TEST_F(Maten, Bars) {
             const bool er = maatbalk_kiezen(r.acties, maten);
             return vorm("%d %s", er, tekst(maten).c_str());
         });
-        t.toetsen(r.toetsen);
-        EXPECT_EQ(t.antwoord(), r.uit);
+        EXPECT_EQ(t.antwoord(r.toetsen), r.uit);
         EXPECT_EQ(balken(), r.na);
     }
 }
@@ -127,10 +124,8 @@ TEST_F(Maten, BarsAtEachWrite) {
         kies();
         return balken();
     });
-    t.toetsen("<Down>wn<Esc>");
-    EXPECT_TRUE(t.wacht("schijf vol")) << t.scherm();
-    t.toetsen("<Enter><Enter><Right>n<Esc><Esc>");
-    EXPECT_EQ(t.antwoord(), "1:3,4 4:1,3");
+    t.toetsen("<Down>wn<Esc>", "schijf vol");
+    EXPECT_EQ(t.antwoord("<Enter><Enter><Right>n<Esc><Esc>"), "1:3,4 4:1,3");
 }
 
 TEST_F(Maten, SizesOfASeries) {
@@ -163,8 +158,7 @@ TEST_F(Maten, SizesOfASeries) {
             const bool er = serie_maten(8, 1, maten, vast);
             return vorm("%d %s k%d", er, tekst(maten).c_str(), balk_kolommen());
         });
-        t.toetsen(r.toetsen);
-        EXPECT_EQ(t.antwoord(), r.uit);
+        EXPECT_EQ(t.antwoord(r.toetsen), r.uit);
     }
     Gesprek leeg([] {
         begin();
@@ -229,8 +223,7 @@ TEST_F(Maten, ScreenOfAType) {
         });
         t.toetsen(r.toetsen);
         EXPECT_EQ(t.regel(25), r.melding);
-        t.toetsen(r.weg);
-        EXPECT_EQ(t.antwoord(), "2 S") << "the bar that was in force is so again";
+        EXPECT_EQ(t.antwoord(r.weg), "2 S") << "the bar that was in force is so again";
         EXPECT_EQ(op_bestand(r.stelsel, r.soort), r.uit);
     }
 }
@@ -263,8 +256,7 @@ TEST_F(Maten, FullAndDamaged) {
         return vorm("%d", maatsoort_onderhoud(4, 1, 1, 1));
     });
     d.wacht("De maten van deze maatsoort zijn beschadigd");
-    d.toetsen("<Enter>");
-    EXPECT_EQ(d.antwoord(), "1");
+    EXPECT_EQ(d.antwoord("<Enter>"), "1");
     EXPECT_EQ(test::lees_bestand("DTMAAT.TXT"), stuk);
 }
 
@@ -301,10 +293,8 @@ TEST_F(Maten, RefusedWrites) {
             maatsoort_onderhoud(4, 1, 1, r.soort);
             return vorm("%d", weiger);
         });
-        t.toetsen(r.toetsen);
-        EXPECT_TRUE(t.wacht("schijf vol")) << t.scherm();
-        t.toetsen(r.weg);
-        EXPECT_EQ(t.antwoord(), "0");
+        t.toetsen(r.toetsen, "schijf vol");
+        EXPECT_EQ(t.antwoord(r.weg), "0");
         EXPECT_EQ(op_bestand(1, r.soort), r.uit);
     }
 }

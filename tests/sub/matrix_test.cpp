@@ -138,10 +138,8 @@ TEST_F(Matrix, InvoerZoalsEenInkoper) {
         begin(rij.hoe[1] - '0', 3, rij.begin);
         Gesprek t([&] { return werk(rij.hoe[0]); });
         const size_t een = rij.stappen.find('|'), twee = rij.stappen.rfind('|');
-        t.toetsen(rij.stappen.substr(0, een));
-        EXPECT_TRUE(t.wacht(rij.stappen.substr(een + 1, twee - een - 1)));
-        t.toetsen(rij.stappen.substr(twee + 1));
-        EXPECT_EQ(t.antwoord(), rij.uit);
+        t.toetsen(rij.stappen.substr(0, een), rij.stappen.substr(een + 1, twee - een - 1));
+        EXPECT_EQ(t.antwoord(rij.stappen.substr(twee + 1)), rij.uit);
     }
 }
 

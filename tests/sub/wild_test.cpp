@@ -1,8 +1,6 @@
 // Random keys in the screens of size types, bars and runs, on tables of which some contradict themselves: nothing
 // crashes, hangs or stays open, and what must hold of sizes and rows does hold afterwards.
-#include "shared/iotab.h"
 #include "shared/maatbalk.h"
-#include "store/ix.h"
 #include "sub/maatsoort.h"
 #include "sub/reeksen.h"
 #include "support/paar.h"

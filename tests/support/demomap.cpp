@@ -1,11 +1,4 @@
 #include "support/demomap.h"
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <memory>
-#include <unistd.h>
 
 namespace zg::test {
 
@@ -74,10 +67,8 @@ void naar_seizoen(Terminal& t, int gebruiker) {
     t.wacht("Gebruiker");
     for (int i = 1; i < gebruiker; i++)
         t.toetsen("<Down>");
-    t.toetsen("<Enter>");
-    t.wacht("Orders registreren");
-    t.toetsen("<Enter>");
-    t.wacht("Seizoen");
+    t.toetsen("<Enter>", "Orders registreren");
+    t.toetsen("<Enter>", "Seizoen");
     t.kalm();
 }
 

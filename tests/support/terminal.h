@@ -45,6 +45,11 @@ public:
     // Tab BTab Up Down Left Right Home End PgUp PgDn Ins Del Back F1..F12 Cancel Help, "<lt>" for '<'. Each
     // key waits until the program has read it and is reading again.
     void toetsen(std::string_view reeks);
+    // And then what must come to stand anywhere, or at a place.
+    bool toetsen(std::string_view reeks, std::string_view ziet) { return toetsen(reeks), wacht(ziet); }
+    bool toetsen(std::string_view reeks, int rij, int kolom, std::string_view ziet) {
+        return toetsen(reeks), wacht_op(rij, kolom, ziet);
+    }
     // The same in one burst; only what is typed behind an Esc waits until that has been taken.
     void reeks(std::string_view tekst);
 
