@@ -11,7 +11,7 @@
 namespace zg {
 
 // Of the copy's own, in the directory of the copy: the list of what is in it, and the directory in which it is made.
-inline constexpr char KOPIELIJST[] = "ZGCOPY.LST", KOPIEWERK[] = ".zgcopy";
+inline constexpr char KOPIELIJST[] = "ZGCOPY.LST", KOPIEWERK[] = ".zgcopy", KOPIESLOT[] = ".zgcopy.lck";
 
 struct Kopiepost {
     struct stat st;     // of what is copied; of a link that is kept the link's own

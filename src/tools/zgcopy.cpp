@@ -1,6 +1,7 @@
 // zgcopy: a data directory copied while people work in it, whole and of one moment, with a list of checksums; and the
 // check of such a copy. Nothing of the original is written.
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include "tools/kopie.h"
 #include "tools/paar.h"
@@ -33,7 +34,15 @@ struct Gemaakt {
     std::string werk;                   // the directory in which the copy is made
     std::vector<std::string> geplaatst; // what stands in its place already
     std::string doel;                   // the target, when it was made
+    std::string slot;                   // the file that is locked there
 } gemaakt;
+
+// What is in the target stays as it is.
+void laat_staan() {
+    if (!gemaakt.slot.empty())
+        SYS.unlink(gemaakt.slot.c_str());
+    gemaakt = {};
+}
 
 void ruim_op() {
     if (gemaakt.werk.empty())
@@ -42,6 +51,8 @@ void ruim_op() {
         if (SYS.unlink(pad.c_str()) != 0)
             kopie_ruim(pad);
     kopie_ruim(gemaakt.werk);
+    if (!gemaakt.slot.empty())
+        SYS.unlink(gemaakt.slot.c_str());
     if (!gemaakt.doel.empty())
         SYS.rmdir(gemaakt.doel.c_str());
     gemaakt = {};
@@ -71,6 +82,21 @@ std::string kaal(std::string pad) {
     return pad;
 }
 
+// The target locked, until the program ends: the directory, or on a shared file system, where that says nothing to others, a
+// byte of a file in it, which goes with the last thing that is done there. False: another has it.
+bool neem_doel(int map) {
+    if (!IOSOORTVAN(map).gedeeld)
+        return flock(map, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    const std::string pad = wens.doel + "/" + KOPIESLOT;
+    const int fd = SYSNIEUW(pad.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+    struct stat st, daar;
+    if (fd < 0 || !IOLOCK('E', fd, 0, 1) || SYS.fstat(fd, &st) != 0 || stat(pad.c_str(), &daar) != 0 ||
+        st.st_ino != daar.st_ino) // who had it is just through with it
+        return false;
+    gemaakt.slot = pad;
+    return true;
+}
+
 // The target is there, empty but for what a killed copy left, and this program's alone; *slot keeps it so.
 Uitkomst doel_klaar(int* slot) {
     std::error_code fout;
@@ -88,12 +114,15 @@ Uitkomst doel_klaar(int* slot) {
         SYS.rmdir(gemaakt.doel.c_str());
         return gemaakt = {}, meld(FOUT_GEBRUIKT, wens.doel + ": is in the directory that is copied");
     }
-    if (flock(*slot, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    if (!neem_doel(*slot))
         return gemaakt = {}, meld(IN_GEBRUIK, wens.doel + ": another copy is being made there");
     kopie_ruim(gemaakt.werk);
-    if (!fs::is_empty(wens.doel, fout) || fout) {
+    bool leeg = true;
+    for (fs::directory_iterator e(wens.doel, fout); !fout && e != fs::directory_iterator(); e.increment(fout))
+        leeg = leeg && e->path().filename() == KOPIESLOT;
+    if (!leeg || fout) {
         const bool half = fs::exists(gemaakt.werk, fout);
-        gemaakt = {};
+        laat_staan();
         return meld(fout ? NIET_TE_OPENEN : FOUT_GEBRUIKT, wens.doel + (fout   ? ": " + fout.message()
                                                                         : half ? ": can't be emptied"
                                                                                : ": isn't empty"));
@@ -184,6 +213,8 @@ Uitkomst plaats(Kopie* k, int slot) {
         gemaakt.geplaatst.push_back(pad);
     }
     SYS.rmdir(gemaakt.werk.c_str());
+    if (!gemaakt.slot.empty())
+        SYS.unlink(gemaakt.slot.c_str());
     if ((!gemaakt.doel.empty() && !SYSEVENALS(slot, wens.map.c_str())) || SYS.fsync(slot) != 0)
         return mis(FOUT_GEVONDEN, wens.doel + ": " + strerror(errno));
     gemaakt = {};

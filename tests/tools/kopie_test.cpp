@@ -146,6 +146,20 @@ TEST_F(Kopie, WhatCantBeCopiedLeavesNothing) {
          zgcopy() + " -w 0", "DTSYS.TXT: in use by process", "", 4},
         {"another copy", [&] { return flock(open("kopie", O_RDONLY | O_CLOEXEC), LOCK_EX) == 0; },
          "mkdir kopie", zgcopy(), "another copy is being made", "", 4},
+        {"another host's copy",
+         [&] {
+             const int fd = open("kopie/.zgcopy.lck", O_RDWR | O_CLOEXEC);
+             return fd >= 0 && IOLOCK('E', fd, 0, 1) == 1;
+         },
+         "mkdir kopie && touch kopie/.zgcopy.lck", "ZGGEDEELD=1 " + zgcopy(), "another copy is being made",
+         ".zgcopy.lck\n", 4},
+        {"what a killed one left on a shared file system",
+         {},
+         "mkdir -p kopie/.zgcopy/2016Z && touch kopie/.zgcopy.lck",
+         "ZGGEDEELD=1 " + zgcopy() + " -q",
+         "",
+         "",
+         0},
         {"what a killed one left",
          {},
          "mkdir -p kopie/.zgcopy/2016Z && touch kopie/.zgcopy/2016Z/x",
@@ -175,6 +189,7 @@ TEST_F(Kopie, WhatCantBeCopiedLeavesNothing) {
             EXPECT_EQ(fs::exists("kopie") ? inhoud("kopie") : "", g.blijft);
         }
         EXPECT_FALSE(fs::exists("kopie/.zgcopy") || fs::exists(d + "/kopie"));
+        EXPECT_TRUE(g.status || !fs::exists("kopie/.zgcopy.lck"));
     }
     // Broken off at any moment by a signal it removes what it made; killed it leaves what the next one sweeps.
     sh("rm -rf kopie; rm -f " + d + "/groot; mkdir kopie; head -c 30000000 /dev/urandom >" + d + "/veel");
