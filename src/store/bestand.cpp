@@ -1,6 +1,7 @@
 // The register of open files; see store/bestand.h.
 #include "store/bestand.h"
 #include "store/kaart.h"
+#include "store/node.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -19,8 +20,9 @@ struct Bestand {
     ino_t ino;
     int fd, gebruikers;
     bool vast;
-    std::string pad; // from the root, whatever directory the process goes to
-    int64_t gekeken; // milliseconds; when the name was last looked at
+    std::string pad;  // from the root, whatever directory the process goes to
+    timespec gekeken; // when the name was last looked at
+    bool daarna;      // was that asked for since?
 };
 std::vector<Bestand> bestanden;
 
@@ -59,7 +61,7 @@ int IXBESTANDOPEN(const char* pad, int vlaggen) {
         errno = fout;
         return -1;
     }
-    bestanden.push_back({s.st_dev, s.st_ino, fd, 1, false, vanaf_wortel(pad), 0});
+    bestanden.push_back({s.st_dev, s.st_ino, fd, 1, false, vanaf_wortel(pad), {}, false});
     IXKAARTOPEN(fd);
     return fd;
 }
@@ -69,6 +71,7 @@ void IXBESTANDDICHT(int fd) {
     if (b == bestanden.end() || --b->gebruikers > 0)
         return;
     IXKAARTDICHT(fd);
+    IXSLOTENWEG(fd);
     SYS.close(fd);
     bestanden.erase(b);
 }
@@ -83,16 +86,17 @@ bool IXBESTANDVERVANGEN(int fd) {
     return errno == ENOENT && SYS.fstat(fd, &s) == 0 && s.st_nlink == 0;
 }
 
-bool IXBESTANDBEURT(int fd) {
-    constexpr int64_t SECONDE = 1000;
+bool IXBESTANDBEURT(int fd, bool slot) {
     const auto b = vind(fd);
-    timespec t;
-    clock_gettime(CLOCK_MONOTONIC_COARSE, &t);
-    const int64_t nu = t.tv_sec * SECONDE + t.tv_nsec / 1'000'000;
-    if (b == bestanden.end() || (b->gekeken && nu - b->gekeken < SECONDE))
+    timespec nu;
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &nu);
+    if (b == bestanden.end())
         return false;
+    const bool tik = nu.tv_sec != b->gekeken.tv_sec || nu.tv_nsec != b->gekeken.tv_nsec,
+               uit = slot ? b->daarna : tik;
+    b->daarna = !uit && !slot;
     b->gekeken = nu;
-    return true;
+    return uit;
 }
 
 void IXBESTANDVAST(int fd, bool vast) {

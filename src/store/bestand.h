@@ -12,8 +12,9 @@ void IXBESTANDDICHT(int fd);
 // Does the name that it was opened by lead to another file now, or has it none any more? What is written into it then,
 // nobody sees. A directory that was moved is no such thing.
 bool IXBESTANDVERVANGEN(int fd);
-// Is it time to ask that again: has nobody for a second, or never?
-bool IXBESTANDBEURT(int fd);
+// Before a change: is it time to ask that again? Once in each tick of the system's coarse clock, 4 ms mostly; a change that a
+// person makes always has its turn. `slot`, when no other comes: has one been without a turn?
+bool IXBESTANDBEURT(int fd, bool slot = false);
 // Does a handle of this process hold the header lock of this index from open to close? Whoever takes and releases
 // that lock too would take it from the handle.
 void IXBESTANDVAST(int fd, bool vast);

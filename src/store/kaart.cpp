@@ -164,17 +164,42 @@ bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n) {
     return memcmp(k.basis + plaats, wat, n) == 0 && !k.gat;
 }
 
+// The last byte that isn't zero tells where the file ends at the earliest: what a cut behind it takes away comes back as it
+// was when the file grows again.
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n) {
-    const int64_t einde = lengte + static_cast<int64_t>(n);
-    if (lengte < 1 || n > IXRECMAX || !zelfde_blad(lengte - 1, einde - 1))
+    constexpr int64_t GENOEG = 16; // bytes to see whether the file goes on
+    if (lengte < 1)
         return false;
-    const Kaart* k = heel(fd, einde);
+    const int64_t blad = (lengte - 1) & ~BINNENBLAD,
+                  rest = std::min<int64_t>(blad + BINNENBLAD + 1 - lengte, static_cast<int64_t>(n));
+    const Kaart* k = rest < GENOEG ? nullptr : heel(fd, lengte + rest);
     if (!k)
         return false;
-    static constexpr uint8_t NULLEN[IXRECMAX] = {};
+    const uint8_t *p = k->basis + lengte,
+                  *begin = k->basis + std::max(blad, lengte - static_cast<int64_t>(n));
     std::atomic_signal_fence(std::memory_order_seq_cst); // not what was read before
-    const uint8_t* p = k->basis + lengte;
-    return p[-1] != 0 && memcmp(p, NULLEN, n) == 0 && !k->gat;
+    const auto nul = [](uint8_t b) { return b == 0; };
+    return !std::all_of(begin, p, nul) && std::all_of(p, p + rest, nul) && !k->gat;
+}
+
+bool IXKAARTREIKT(int fd, int64_t lengte, size_t n) {
+    const Kaart* k = lengte < 1 ? nullptr : heel(fd, lengte);
+    if (!k)
+        return false;
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    const uint8_t *einde = k->basis + lengte,
+                  *begin = k->basis + std::max((lengte - 1) & ~BINNENBLAD, lengte - static_cast<int64_t>(n));
+    return !std::all_of(begin, einde, [](uint8_t b) { return b == 0; }) && !k->gat;
+}
+
+int IXKAARTNULLEN(int fd, int64_t plaats, size_t n) {
+    const Kaart* k = heel(fd, plaats + static_cast<int64_t>(n));
+    if (!k)
+        return -1;
+    std::atomic_signal_fence(std::memory_order_seq_cst);
+    const uint8_t* p = k->basis + plaats;
+    const bool nullen = std::all_of(p, p + n, [](uint8_t b) { return b == 0; });
+    return k->gat ? -1 : nullen;
 }
 
 bool IXKAARTZETTEN(int fd, int64_t lengte) {

@@ -21,8 +21,12 @@ bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n);
 bool IXKAARTER(int fd); // is it mapped?
 // n bytes at a place are going to be read: the processor may fetch them meanwhile.
 void IXKAARTVOORUIT(int fd, int64_t plaats, size_t n);
-// Does the file end at `lengte`, with no n bytes behind that? False also when only a call can tell.
+// Does the file, whose last n bytes aren't all zeros, end at `lengte`, but for zeros, with no n bytes behind that? False also when only a call can tell.
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n);
+// Does it reach so far, but for zeros in its last n bytes? False also when only a call can tell.
+bool IXKAARTREIKT(int fd, int64_t lengte, size_t n);
+// n bytes from a place that the file had: 1 all zeros, 0 not; -1: they are to be asked for by a call.
+int IXKAARTNULLEN(int fd, int64_t plaats, size_t n);
 
 // Writing: may what stands in a file of `lengte` bytes be written over in its mapping? Where storing could find no room
 // on the disk, never. Then, until the next question, n bytes (a whole number of eights) at such a place; and whether the

@@ -4,6 +4,7 @@
 #include "shared/gedeeld.h"
 #include "store/bestand.h"
 #include "store/cache.h"
+#include "store/getuige.h"
 #include "store/kaart.h"
 #include "store/keur.h"
 #include "store/kop.h"
@@ -32,6 +33,7 @@ struct Klad {
     bool record = false, achteraan = false;
     int32_t recnr = -1;
     uint8_t rec_was[IXRECMAX], rec_wordt[IXRECMAX];
+    IXGETUIGE getuige{};
     uint8_t begin[(IXSLEUTELS + 2) * IXBLOK]; // header, roots and queue, as read behind the header's lock
     int32_t begin_blokken = 0;
     uint32_t telling = 0;        // change count on disk
@@ -66,10 +68,12 @@ Blad& nieuw_blad(int32_t blok) {
 
 bool schrijf_record() {
     klad.record_geraakt = true;
-    const ICB* icb = klad.icb;
+    ICB* icb = klad.icb;
     const size_t n = static_cast<size_t>(icb->h.reclen);
     if (!SYSSCHRIJFOP(icb->datfd, klad.rec_wordt, n, int64_t{klad.recnr} * icb->h.reclen))
         return false;
+    if (!IXKIJKNA(icb, klad.getuige, klad.recnr, icb->h.nrecs))
+        IXINGEKORT(icb);
     IXCOMMITHOOK();
     return true;
 }
@@ -304,6 +308,7 @@ void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt) {
     klad.record = true;
     klad.recnr = icb->currec;
     klad.achteraan = !was;
+    klad.getuige = IXKIJKVOOR(icb, icb->currec);
     if (was)
         memcpy(klad.rec_was, was, n);
     memcpy(klad.rec_wordt, wordt, n);

@@ -28,8 +28,8 @@ void IXINCONSISTENT(const ICB* icb) {
     SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_NIET_CONSISTENT));
 }
 
-void IXEISPAAR(const ICB* icb) {
-    if (!icb->tempidx && IXBESTANDBEURT(icb->idxfd) &&
+void IXEISPAAR(const ICB* icb, bool slot) {
+    if (!icb->tempidx && IXBESTANDBEURT(icb->idxfd, slot) &&
         (IXBESTANDVERVANGEN(icb->idxfd) || IXBESTANDVERVANGEN(icb->datfd)))
         SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_VERVANGEN));
 }

@@ -57,8 +57,8 @@ inline bool ALLEEN(const ICB* icb) {
 void IXEIS(const ICB* icb, const char* tag);            // null handle
 [[noreturn]] void IXSTUK(const ICB* icb, int32_t blok); // a block makes no sense
 [[noreturn]] void IXINCONSISTENT(const ICB* icb);       // marked as being changed
-// Before a change: stops when another file has taken the place of one of the pair. It looks once a second.
-void IXEISPAAR(const ICB* icb);
+// Before a change, and at the close behind the last (`slot`): stops when another file has taken the place of one of the pair.
+void IXEISPAAR(const ICB* icb, bool slot = false);
 [[noreturn]] void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats,
                                int lengte); // seek or write, with errno
 // The disk refused a write, with this errno, and all is as it was: told in a box. `gevolg`: what that means, when it is
@@ -123,6 +123,7 @@ bool IXVERGEETMEE(ICB* icb);
 // record, and gives up its lock instead. What is in the tree goes out of the queue.
 void IXVERGEETNA(const ICB* icb);
 void IXRIJLOS(ICB* icb, bool geschreven);
+void IXSLOTENWEG(int datfd);     // the data file is closed, and the locks on its records with it
 void IXEIGENWEG(const ICB* icb); // the handle goes: what it has reserved is nobody's any more
 
 // Handles (pair.cpp): a fresh one around two descriptors of IXBESTANDOPEN, -1 for none; and its end without a write.
@@ -131,8 +132,8 @@ void IXLAATLOS(ICB* icb);
 
 // Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it
 // may have got another key since the entry was read, or not yet have its new one: R_ANDER, pause and search again, as
-// long as somebody is writing. Then it is taken as it is; but in a walk in this direction ('>' or '<', else '=') a key
-// that leads back, or behind the end of the data file, is damage, and the program stops.
+// long as somebody is writing. Then it is taken as it is; but a record behind the end of the data file is damage, and so is one
+// that has not the key asked for ('='), or one that leads back in a walk in this direction ('>' or '<'): the program stops.
 class Geduld;
 enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
 Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld);

@@ -285,6 +285,7 @@ void IXCLOSE(ICB* icb) {
         IXWRIX(icb, 0);
         IXLOCK(icb, 11);
     }
+    IXEISPAAR(icb, true);
     IXLAATLOS(icb);
 }
 

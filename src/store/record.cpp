@@ -111,7 +111,7 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
 
 Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld) {
     if (!IXLEESHEEL(icb, rec)) {
-        if (icb->tempidx || richting == '=')
+        if (icb->tempidx)
             return R_VRIJ;
         // A record stands before the first key leads to it, so the data file has been cut or emptied.
         if (geduld->nog_eens())
@@ -120,7 +120,7 @@ Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld)
     }
     if (!IXRECLIVE(rec, icb->h.reclen))
         return R_VRIJ;
-    if (icb->tempidx || (richting == '=' && ALLEEN(icb)))
+    if (icb->tempidx)
         return R_GOED; // a temporary index may be older than the records it leads to
     const IXKEYDEF& def = IXDEF(icb);
     uint8_t sleutel[IXSLEUTELMAX + 4];
@@ -130,7 +130,7 @@ Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld)
         return R_GOED;
     if (geduld->nog_eens())
         return R_ANDER;
-    if (richting == '>' ? verschil < 0 : richting == '<' && verschil > 0)
+    if (richting == '>' ? verschil < 0 : richting == '=' || verschil > 0)
         IXSTUK(icb, icb->curblock);
     return R_GOED;
 }
@@ -182,9 +182,12 @@ int IXREADL(ICB* icb, void* rec) {
         if (!IXLOCK(icb, 3))
             continue;
         // Only now is the record safe from others; it may have gone, or its slot have another record.
-        bool levend = IXLEESLEVEND(icb, inhoud);
+        const bool heel = IXLEESHEEL(icb, inhoud), levend = IXRECLIVE(inhoud, icb->h.reclen);
         IXMAAKSLEUTEL(def, inhoud, def.dupflag == 'J' ? icb->currec : nummer_vooraf, def.keylen, gevonden);
-        if (stil || (levend && IXVERGELIJK(def, gezocht, gevonden, def.keylen) == 0)) {
+        const bool gezochte = levend && IXVERGELIJK(def, gezocht, gevonden, def.keylen) == 0;
+        if (stil && !gezochte && (levend || !heel) && !icb->tempidx)
+            IXSTUK(icb, icb->curblock);
+        if (stil || gezochte) {
             memcpy(rec, inhoud, static_cast<size_t>(icb->h.reclen));
             if (!stil)
                 IXHOUDVAST(icb, inhoud);
@@ -192,7 +195,7 @@ int IXREADL(ICB* icb, void* rec) {
             return levend;
         }
         IXLOCK(icb, 13);
-        stil = !geduld.nog_eens(); // the index leads here and nobody changes it: taken as it is
+        stil = !geduld.nog_eens(); // the index leads here and nobody changes it: there will be no other
     }
 }
 

@@ -5,6 +5,7 @@
 #include "shared/gedeeld.h"
 #include "shared/report.h"
 #include "store/bestand.h"
+#include "store/getuige.h"
 #include "store/kaart.h"
 #include "store/klad.h"
 #include "store/node.h"
@@ -59,7 +60,10 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
     // A data file that is too short would get a hole, whose zeros count as records.
     const int64_t einde = int64_t{icb->h.nrecs} * icb->h.reclen;
     if (!KLADOMVANG() && !IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen))) {
-        if (IOOMVANG(icb->datfd) != einde)
+        const int64_t omvang = IOOMVANG(icb->datfd);
+        if (omvang < einde)
+            IXINGEKORT(icb);
+        if (omvang > einde)
             IXSTUK(icb, 0);
         KLADOMVANG(true);
     }
@@ -150,6 +154,16 @@ int geweigerd(ICB* icb, bool nieuw, bool houd, int fout) {
     return 0;
 }
 
+// A record over the one at `currec`, where `nu` stands, its keys untouched: 1, or 0 with errno.
+int zet_record(ICB* icb, const uint8_t* nu, const void* rec) {
+    const IXGETUIGE getuige = IXKIJKVOOR(icb, icb->currec);
+    if (!IXOVERSCHRIJF(icb, icb->datfd, IXSEEKDAT(icb), nu, rec, static_cast<size_t>(icb->h.reclen)))
+        return 0;
+    if (!IXKIJKNA(icb, getuige, icb->currec, icb->h.nrecs))
+        IXINGEKORT(icb);
+    return 1;
+}
+
 // The record that this handle holds, when no key of it moves: the index isn't touched, and nobody else writes the record.
 // 1, 0 with errno when the disk refused; -1: it is another one, or a key moves.
 int ter_plaatse(ICB* icb, const void* rec) {
@@ -172,7 +186,7 @@ int ter_plaatse(ICB* icb, const void* rec) {
         IXRDREC(icb, nu);
     if (memcmp(nu, icb->vast.rec, n) != 0)
         return -1;
-    if (!IXOVERSCHRIJF(icb, icb->datfd, IXSEEKDAT(icb), nu, rec, n))
+    if (!zet_record(icb, nu, rec))
         return 0;
     memcpy(icb->vast.rec, rec, n);
     return 1;
@@ -243,8 +257,9 @@ int IXPUTREC(ICB* icb, const void* rec) {
     IXEISPAAR(icb);
     if (!lijkt_vrij(icb, rec)) {
         uint8_t was[IXRECMAX];
-        IXRDREC(icb, was);
-        if (!IXOVERSCHRIJF(icb, icb->datfd, IXSEEKDAT(icb), was, rec, static_cast<size_t>(icb->h.reclen)))
+        if (!IXLEESHEEL(icb, was))
+            IXSTUK(icb, 0); // it has been cut off, or never stood there: the file would get a hole
+        if (!zet_record(icb, was, rec))
             fout = errno;
     }
     IXLOCK(icb, 13);

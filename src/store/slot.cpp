@@ -39,6 +39,23 @@ struct Eigen {
 std::vector<Eigen> eigen;
 pid_t eigenaar; // a process that was forked off has nothing reserved
 
+// The records that this program has locked: who gives up one that it hasn't asks for nothing.
+struct Slot {
+    int fd;
+    int32_t nr;
+};
+std::vector<Slot> sloten; // the last one taken is mostly the first to go
+
+auto vind_slot(const ICB* icb) {
+    return std::find_if(sloten.rbegin(), sloten.rend(),
+                        [icb](const Slot& s) { return s.fd == icb->datfd && s.nr == icb->currec; });
+}
+
+void noteer_slot(const ICB* icb) {
+    if (!icb->filelocked && !icb->tempidx && vind_slot(icb) == sloten.rend())
+        sloten.push_back({icb->datfd, icb->currec});
+}
+
 void geef_alles_terug();
 
 void niet_meer_eigen(const ICB* icb) {
@@ -209,7 +226,12 @@ int IXLOCKRGN(char letter, ICB* icb, int fd, int64_t start, int64_t lengte) {
 }
 
 bool IXPROBEERSLOT(ICB* icb) {
-    return icb->filelocked || icb->tempidx || IOLOCK('E', icb->datfd, recordplaats(icb), icb->h.reclen);
+    if (icb->filelocked || icb->tempidx)
+        return true;
+    if (!IOLOCK('E', icb->datfd, recordplaats(icb), icb->h.reclen))
+        return false;
+    noteer_slot(icb);
+    return true;
 }
 
 bool IXSLOTVRIJ(const ICB* icb) {
@@ -279,6 +301,10 @@ void IXRIJLOS(ICB* icb, bool geschreven) {
         niet_meer_eigen(icb);
 }
 
+void IXSLOTENWEG(int datfd) {
+    std::erase_if(sloten, [datfd](const Slot& s) { return s.fd == datfd; });
+}
+
 void IXEIGENWEG(const ICB* icb) {
     std::erase_if(eigen, [icb](const Eigen& e) { return e.icb == icb; });
 }
@@ -306,7 +332,10 @@ int IXLOCK(ICB* icb, int operatie) {
         return 1;
     case 3:
         // The data file of a temporary index belongs to the normal pair, and so do its locks.
-        return icb->tempidx ? 1 : IXLOCKRGN('E', icb, icb->datfd, recordplaats(icb), icb->h.reclen);
+        if (!icb->tempidx && !IXLOCKRGN('E', icb, icb->datfd, recordplaats(icb), icb->h.reclen))
+            return 0;
+        noteer_slot(icb);
+        return 1;
     case 4: {
         const int vast = IXPROBEERSLEUTEL(icb);
         if (vast == 0) {
@@ -320,6 +349,7 @@ int IXLOCK(ICB* icb, int operatie) {
         UITSTELAF(icb);
         icb->filelocked = 0;
         icb->koplock = icb->vast.er = 0;
+        IXSLOTENWEG(icb->datfd);
         IXBESTANDVAST(icb->idxfd, false);
         if (!icb->tempidx)
             IOLOCK('U', icb->datfd, 0, 0);
@@ -333,8 +363,10 @@ int IXLOCK(ICB* icb, int operatie) {
     case 13:
         if (icb->currec == icb->vast.nr)
             icb->vast.er = 0;
-        if (!icb->filelocked && !icb->tempidx && icb->currec >= 0)
+        if (const auto s = vind_slot(icb); s != sloten.rend() && !icb->filelocked && !icb->tempidx) {
+            sloten.erase(std::next(s).base());
             IOLOCK('U', icb->datfd, recordplaats(icb), icb->h.reclen);
+        }
         return 1;
     case 14:
         if (!icb->filelocked && !vergeet(icb))

@@ -1,6 +1,7 @@
 // What the disk has lost: the end of a data file, the end of an index block. Walks stop with a report where they would have
 // given less, and nothing is written behind the end. On both roads, whoever holds the handle.
 #include "shared/files.h"
+#include "shared/syscalls.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include <cstring>
@@ -78,12 +79,75 @@ TEST_F(Afgekapt, GegevensOnderDeWandelaar) {
                 }
             EXPECT_EQ("", stopt([&] {
                           ICB* icb = IXOPEN("T", mode);
-                          for (uint32_t i = 0; i < RECORDS; i++)
-                              if (Rec r = rec(i); (IXREAD(icb, &r) == 1) != ((i + 1) * 32 <= lengte))
+                          for (uint32_t i = 0; (i + 1) * 32 <= lengte; i++)
+                              if (Rec r = rec(i); IXREAD(icb, &r) != 1)
                                   _exit(3);
                       }))
                 << "read, " << lengte;
+            // What lies behind the end isn't there; or is of zeros, when the file has grown again.
+            for (const bool gegroeid : {false, true}) {
+                if (gegroeid && lengte % 32 != 0) // its key stands there still
+                    continue;
+                schrijf_bestand("T.TXT", data.substr(0, lengte) +
+                                             std::string(gegroeid ? data.size() - lengte : 0, '\0'));
+                for (int (*lees)(ICB*, void*) : {IXREAD, IXREADL}) {
+                    Rec r = rec(RECORDS - 1);
+                    const std::string rapport = stopt([&] { lees(IXOPEN("T", mode), &r); });
+                    EXPECT_NE(std::string::npos, rapport.find(RAAR)) << "grown " << gegroeid << rapport;
+                }
+            }
         });
+}
+
+// The file is cut in the moment before a write of it, which makes it grow again.
+int data_fd;
+
+TEST_F(Afgekapt, VlakVoorDeSchrijver) {
+    maak();
+    const std::string data = lees_bestand("T.TXT"), index = lees_bestand("T.INX");
+    constexpr uint32_t MIDDEN = RECORDS * 3 / 4;
+    const struct {
+        const char* wat;
+        void (*werk)(ICB* icb, Rec r);
+    } gevallen[] = {
+        {"insert", [](ICB* icb, Rec r) { r.nr = 5555, IXWRITE(icb, &r); }},
+        {"update", [](ICB* icb, Rec r) { IXREADL(icb, &r), r.rest[0] = 'x', IXWRITE(icb, &r); }},
+        {"moved key", [](ICB* icb, Rec r) { IXREADL(icb, &r), r.naam[0] = 'x', IXWRITE(icb, &r); }},
+        {"put", [](ICB* icb, Rec r) { IXREADL(icb, &r), r.rest[0] = 'x', IXPUTREC(icb, &r); }},
+        {"delete", [](ICB* icb, Rec r) { IXREADL(icb, &r), IXDELETE(icb, &r); }},
+    };
+    for (const auto& g : gevallen)
+        for (const uint32_t nr : {MIDDEN, RECORDS - 1})
+            overal([&](int mode) {
+                if (mode == 0 || (mode == 1 && getenv("ZGKAART")[0] == '0'))
+                    return;
+                schrijf_bestand("T.TXT", data);
+                schrijf_bestand("T.INX", index);
+                const std::string rapport = stopt([&] {
+                    ICB* icb = IXOPEN("T", mode);
+                    data_fd = icb->datfd;
+                    SYS.pwrite = [](int fd, const void* p, size_t n, off_t o) {
+                        if (fd == data_fd && ftruncate(fd, 100 * 32) != 0)
+                            _exit(3);
+                        return pwrite(fd, p, n, o);
+                    };
+                    g.werk(icb, rec(nr));
+                    IXCLOSE(icb);
+                });
+                EXPECT_NE(std::string::npos, rapport.find("ingekort")) << g.wat << nr << ": " << rapport;
+                EXPECT_EQ(-1, IXCHECK("T")) << g.wat << nr;
+            });
+    // Before the change: nothing is written.
+    schrijf_bestand("T.INX", index);
+    schrijf_bestand("T.TXT", data);
+    EXPECT_NE("", stopt([&] {
+                  ICB* icb = IXOPEN("T", 2);
+                  Rec r = rec(MIDDEN);
+                  IXREADL(icb, &r);
+                  ASSERT_EQ(0, truncate("T.TXT", 100 * 32));
+                  IXPUTREC(icb, &r);
+              }));
+    EXPECT_EQ(100U * 32, lees_bestand("T.TXT").size());
 }
 
 TEST_F(Afgekapt, VrijSlotAchterHetEinde) {

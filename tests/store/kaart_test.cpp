@@ -79,21 +79,25 @@ TEST(Kaart, AanroepenPerWijziging) {
              r.rest[0] = static_cast<char>(i % 7);
              IXWRITE(icb, &r);
          }},
-        {"insert", 4,
+        {"insert", 3,
          [](ICB* icb, uint32_t i) {
-             Rec r = rec(RECORDS + i);
-             r.rest[7] = '.'; // else the file could have been cut behind it
+             const Rec r = rec(RECORDS + i);
              IXWRITE(icb, &r);
          }},
-        {"insert, and keep", 5,
+        {"write over, not locked", 3,
          [](ICB* icb, uint32_t i) {
-             Rec r = rec(2 * RECORDS + i);
-             r.rest[7] = '.';
+             Rec r = rec(i);
+             r.rest[1] = 'y';
+             IXWRITE(icb, &r);
+         }},
+        {"insert, and keep", 4,
+         [](ICB* icb, uint32_t i) {
+             const Rec r = rec(2 * RECORDS + i);
              IXWRITEK(icb, &r);
              IXLOCK(icb, 13);
              aanroepen--; // which comes later
          }},
-        {"moved key", 6,
+        {"moved key", 5,
          [](ICB* icb, uint32_t i) {
              Rec r = rec(i);
              IXREADL(icb, &r);
@@ -112,14 +116,15 @@ TEST(Kaart, AanroepenPerWijziging) {
     TijdelijkeMap map;
     ICB* icb = gevuld();
     const SYSCALLS echt = SYS;
+    constexpr int N = RECORDS / 2;
     for (const auto& r : rijen) {
         if (!in_kaart("T"))
             GTEST_SKIP() << "no mapping here";
         tel(icb);
-        for (uint32_t i = 0; i < RECORDS / 2; i++)
+        for (uint32_t i = 0; i < N; i++)
             r.werk(icb, i);
         SYS = echt;
-        EXPECT_LE(aanroepen, r.hoogstens * static_cast<int>(RECORDS) / 2) << r.wat;
+        EXPECT_LE(aanroepen, r.hoogstens * N + N / 50) << r.wat; // the file grows
     }
     IXCLOSE(icb);
     EXPECT_GEZOND("T");

@@ -1,0 +1,20 @@
+// Was the data file cut while a record was written? A write waits behind a truncation, and then makes the file grow again,
+// with a hole of zeros before the record. So who writes looks before and behind it at the record in front, which can't have
+// become all zeros, and behind it at whether the file still reaches as far as the counters. Out of a mapping that costs
+// no call; without one, two, and on a shared file system, where a call is dear, it isn't done.
+#pragma once
+#include "store/ix.h"
+
+namespace zg {
+
+struct IXGETUIGE {
+    bool er; // is there something in front of the record that a cut would take away?
+};
+IXGETUIGE IXKIJKVOOR(const ICB* icb, int32_t nr);
+// Behind the write of record nr of a file that has `aantal` records: false when it was cut.
+bool IXKIJKNA(const ICB* icb, IXGETUIGE was, int32_t nr, int32_t aantal);
+
+// Ends the program: the data file was cut, and the pair is marked, where it isn't yet, so that nobody goes on with it.
+[[noreturn]] void IXINGEKORT(ICB* icb);
+
+} // namespace zg
