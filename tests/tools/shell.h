@@ -4,6 +4,7 @@
 #include "store/ix.h"
 #include <cstdio>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
 
@@ -23,6 +24,14 @@ inline Uit sh(const std::string& opdracht) {
         tekst.append(buf, n);
     int st = pclose(p);
     return {WIFEXITED(st) ? WEXITSTATUS(st) : 128 + WTERMSIG(st), tekst};
+}
+
+// What a command answers, and words of what it says.
+template <class... W> void hoort(const std::string& opdracht, int status, const W&... woorden) {
+    const Uit uit = sh(opdracht);
+    EXPECT_EQ(uit.status, status) << opdracht << "\n" << uit.tekst;
+    for (const std::string& woord : {std::string(woorden)...})
+        EXPECT_TRUE(uit.zegt(woord)) << opdracht << " doesn't say: " << woord << "\n" << uit.tekst;
 }
 
 // A pair of brands 1 to n.
