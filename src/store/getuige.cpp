@@ -13,7 +13,9 @@
 namespace zg {
 namespace {
 
-enum Inhoud { IETS, NULLEN, WEG };
+bool nullen(const uint8_t* p, size_t n) {
+    return std::all_of(p, p + n, [](uint8_t b) { return b == 0; });
+}
 
 // Is looking too dear here? An exclusive handle looks at the size of the file before each record that it adds. A temporary
 // index has no records of its own.
@@ -21,25 +23,25 @@ bool te_duur(const ICB* icb) {
     return icb->tempidx || (!IXKAARTER(icb->datfd) && (IOGEDEELD() || icb->mode == 1));
 }
 
-Inhoud inhoud_van(const ICB* icb, int32_t nr) {
+// Record nr out of the mapping: does anything stand there? -1: by a call.
+int iets(const ICB* icb, int32_t nr) {
     const size_t n = static_cast<size_t>(icb->h.reclen);
-    const int64_t plaats = int64_t{nr} * icb->h.reclen;
-    if (IXKAARTER(icb->datfd)) {
-        switch (IXKAARTNULLEN(icb->datfd, plaats, n)) {
-        case 0:
-            return IETS;
-        case 1:
-            return NULLEN;
-        default:
-            break; // by a call
-        }
-    }
-    uint8_t rec[IXRECMAX];
-    const ssize_t k = IOLEES(icb->datfd, rec, n, plaats);
-    if (k < static_cast<ssize_t>(n))
-        return WEG;
-    return std::all_of(rec, rec + n, [](uint8_t b) { return b == 0; }) ? NULLEN : IETS;
+    const int leeg = IXKAARTER(icb->datfd) ? IXKAARTNULLEN(icb->datfd, int64_t{nr} * icb->h.reclen, n) : -1;
+    return leeg < 0 ? -1 : !leeg;
 }
+
+// Record nr - 1, if there is one, nr, and so many bytes behind it, by one call: `in` gets nr.
+struct Lezing {
+    uint8_t bytes[2 * IXRECMAX + 1];
+    size_t voor, gelezen; // bytes in front of nr, and what there was of all
+    Lezing(const ICB* icb, int32_t nr, size_t erbij) {
+        const size_t n = static_cast<size_t>(icb->h.reclen);
+        voor = nr > 0 ? n : 0;
+        const int64_t plaats = int64_t{nr} * icb->h.reclen - static_cast<int64_t>(voor);
+        gelezen = static_cast<size_t>(IOLEES(icb->datfd, bytes, voor + erbij, plaats));
+    }
+    bool iets_voor() const { return voor > 0 && gelezen >= voor && !nullen(bytes, voor); }
+};
 
 // Programs that count a record before they write it get a moment to do so.
 bool reikt(const ICB* icb, int64_t lengte) {
@@ -53,18 +55,50 @@ bool reikt(const ICB* icb, int64_t lengte) {
 
 } // namespace
 
-IXGETUIGE IXKIJKVOOR(const ICB* icb, int32_t nr) {
-    return {nr > 0 && !te_duur(icb) && inhoud_van(icb, nr - 1) == IETS};
+bool IXLEESMET(ICB* icb, void* rec, IXGETUIGE* voor) {
+    *voor = {};
+    const int er = te_duur(icb) || icb->currec < 1 ? 0 : iets(icb, icb->currec - 1);
+    voor->er = er > 0;
+    if (er >= 0)
+        return IXLEESHEEL(icb, rec);
+    const size_t n = static_cast<size_t>(icb->h.reclen);
+    const Lezing l(icb, icb->currec, n);
+    voor->er = l.iets_voor();
+    if (l.gelezen == l.voor + n)
+        return memcpy(rec, l.bytes + l.voor, n), true;
+    memset(rec, 0xFF, n);
+    return false;
 }
 
-bool IXKIJKNA(const ICB* icb, IXGETUIGE was, int32_t nr, int32_t aantal) {
+int IXKIJKEINDE(const ICB* icb, int32_t nr, IXGETUIGE* voor) {
+    *voor = {};
+    const int64_t einde = int64_t{nr} * icb->h.reclen;
+    const int er = te_duur(icb) || nr < 1 ? 0 : iets(icb, nr - 1);
+    voor->er = er > 0;
+    if (IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)))
+        return 0;
+    if (er >= 0) {
+        const int64_t omvang = IOOMVANG(icb->datfd);
+        return omvang < einde ? -1 : omvang > einde;
+    }
+    const Lezing l(icb, nr, 1);
+    voor->er = l.iets_voor();
+    return l.gelezen < l.voor ? -1 : l.gelezen > l.voor;
+}
+
+bool IXKIJKNA(const ICB* icb, IXGETUIGE voor, int32_t nr, int32_t aantal) {
     if (te_duur(icb))
         return true;
-    if (was.er && inhoud_van(icb, nr - 1) != IETS)
-        return false;
+    const size_t n = static_cast<size_t>(icb->h.reclen);
     const int64_t lengte = int64_t{aantal} * icb->h.reclen;
-    return nr + 1 >= aantal || IXKAARTREIKT(icb->datfd, lengte, static_cast<size_t>(icb->h.reclen)) ||
-           reikt(icb, lengte);
+    const bool laatste = nr + 1 >= aantal;
+    const int er = voor.er ? iets(icb, nr - 1) : 1;
+    if (er >= 0 && IXKAARTER(icb->datfd))
+        return er && (laatste || IXKAARTREIKT(icb->datfd, lengte, n) || reikt(icb, lengte));
+    if (laatste && !voor.er)
+        return true;
+    const Lezing l(icb, nr, n + !laatste);
+    return (!voor.er || l.iets_voor()) && (laatste || l.gelezen > l.voor + n || reikt(icb, lengte));
 }
 
 void IXINGEKORT(ICB* icb) {

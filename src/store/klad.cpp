@@ -4,7 +4,6 @@
 #include "shared/gedeeld.h"
 #include "store/bestand.h"
 #include "store/cache.h"
-#include "store/getuige.h"
 #include "store/kaart.h"
 #include "store/keur.h"
 #include "store/kop.h"
@@ -302,13 +301,13 @@ void KLADWEG(ICB* icb) {
     ongedaan(icb);
 }
 
-void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt) {
+void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt, IXGETUIGE voor) {
     const size_t n = static_cast<size_t>(icb->h.reclen);
     klad.soort = soort;
     klad.record = true;
     klad.recnr = icb->currec;
     klad.achteraan = !was;
-    klad.getuige = IXKIJKVOOR(icb, icb->currec);
+    klad.getuige = voor;
     if (was)
         memcpy(klad.rec_was, was, n);
     memcpy(klad.rec_wordt, wordt, n);

@@ -15,7 +15,7 @@
 // In exclusive mode the mark of the first change stays up to the close, and the counters are the handle's until then; the blocks of
 // an insert are held back (store/uitstel.h).
 #pragma once
-#include "store/ix.h"
+#include "store/getuige.h"
 
 namespace zg {
 
@@ -26,9 +26,9 @@ void KLADBEGIN(ICB* icb);
 // Leave without a write: counters as they were, lock released.
 void KLADWEG(ICB* icb);
 
-// What happens to the record at `currec`: `was` is what stands there, null for one behind the last.
+// What happens to the record at `currec`: `was` is what stands there, null for one behind the last; `voor` what was seen in front of it.
 enum Kladsoort { KL_INSERT, KL_UPDATE, KL_DELETE };
-void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt);
+void KLADRECORD(ICB* icb, Kladsoort soort, const void* was, const void* wordt, IXGETUIGE voor);
 // The lock queue, whose lock the caller has just taken for this change; `was` null when it stays as it is.
 void KLADRIJ(int32_t blok, const void* was, const void* wordt);
 // All of it to disk, and the header lock released. 0: refused, errno says why, files and counters as before; the caller

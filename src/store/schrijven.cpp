@@ -41,13 +41,13 @@ enum Werk { KLAAR, NIETS, SLOT_BEZET };
 // the chain. Nobody knows the number before its record stands and the first key leads there, so it is locked only for
 // who keeps the lock (`houd`); when that is refused behind the last, the whole file is (an exclusive opener), and
 // nothing may be waited for with the header in hand.
-bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
+bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik, IXGETUIGE* voor) {
     *hergebruik = false;
     if (icb->h.freehead >= 0) {
         icb->currec = icb->h.freehead;
         if (houd ? IXPROBEERSLOT(icb) : IXSLOTVRIJ(icb)) {
             memset(vrij, 0xFF, IXRECMAX);
-            if (!IXLEESHEEL(icb, vrij) || IXRECLIVE(vrij, icb->h.reclen))
+            if (!IXLEESMET(icb, vrij, voor) || IXRECLIVE(vrij, icb->h.reclen))
                 IXSTUK(icb, 0);
             int32_t volgende = LEES32(vrij + 1);
             if (volgende >= icb->h.nrecs)
@@ -58,12 +58,12 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
         }
     }
     // A data file that is too short would get a hole, whose zeros count as records.
-    const int64_t einde = int64_t{icb->h.nrecs} * icb->h.reclen;
-    if (!KLADOMVANG() && !IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen))) {
-        const int64_t omvang = IOOMVANG(icb->datfd);
-        if (omvang < einde)
+    *voor = {};
+    if (!KLADOMVANG()) {
+        const int einde = IXKIJKEINDE(icb, icb->h.nrecs, voor);
+        if (einde < 0)
             IXINGEKORT(icb);
-        if (omvang > einde)
+        if (einde > 0)
             IXSTUK(icb, 0);
         KLADOMVANG(true);
     }
@@ -77,9 +77,10 @@ bool neem_nummer(ICB* icb, uint8_t* vrij, bool houd, bool* hergebruik) {
 Werk voeg_in(ICB* icb, const void* rec, bool houd, bool bij_plaats) {
     uint8_t vrij[IXRECMAX];
     bool hergebruik;
+    IXGETUIGE voor;
     if (icb->h.nblocks > BLOKGRENS || (icb->h.freehead < 0 && icb->h.nrecs == INT32_MAX))
         return NIETS;
-    if (!neem_nummer(icb, vrij, houd, &hergebruik))
+    if (!neem_nummer(icb, vrij, houd, &hergebruik, &voor))
         return SLOT_BEZET;
     IXVOEGTOE(icb, rec, bij_plaats);
     if (!IXVERGEETMEE(icb)) {
@@ -87,14 +88,15 @@ Werk voeg_in(ICB* icb, const void* rec, bool houd, bool bij_plaats) {
             IXLOCK(icb, 13);
         return SLOT_BEZET;
     }
-    KLADRECORD(icb, KL_INSERT, hergebruik ? vrij : nullptr, rec);
+    KLADRECORD(icb, KL_INSERT, hergebruik ? vrij : nullptr, rec, voor);
     return KLAAR;
 }
 
 // NIETS when there is no live record at `currec` any more.
 Werk werk_bij(ICB* icb, const void* rec) {
     uint8_t oud[IXRECMAX], was[IXSLEUTELMAX + 4], wordt[IXSLEUTELMAX + 4];
-    if (!IXLEESLEVEND(icb, oud))
+    IXGETUIGE voor;
+    if (!IXLEESMET(icb, oud, &voor) || !IXRECLIVE(oud, icb->h.reclen))
         return NIETS;
     for (int k = 1; k <= icb->h.nkeys; k++) {
         const IXKEYDEF& def = icb->h.keydef[k - 1];
@@ -111,7 +113,7 @@ Werk werk_bij(ICB* icb, const void* rec) {
         icb->insptr = icb->currec;
         IXINSKEY(icb);
     }
-    KLADRECORD(icb, KL_UPDATE, oud, rec);
+    KLADRECORD(icb, KL_UPDATE, oud, rec, voor);
     return KLAAR;
 }
 
@@ -155,11 +157,10 @@ int geweigerd(ICB* icb, bool nieuw, bool houd, int fout) {
 }
 
 // A record over the one at `currec`, where `nu` stands, its keys untouched: 1, or 0 with errno.
-int zet_record(ICB* icb, const uint8_t* nu, const void* rec) {
-    const IXGETUIGE getuige = IXKIJKVOOR(icb, icb->currec);
+int zet_record(ICB* icb, const uint8_t* nu, const void* rec, IXGETUIGE voor) {
     if (!IXOVERSCHRIJF(icb, icb->datfd, IXSEEKDAT(icb), nu, rec, static_cast<size_t>(icb->h.reclen)))
         return 0;
-    if (!IXKIJKNA(icb, getuige, icb->currec, icb->h.nrecs))
+    if (!IXKIJKNA(icb, voor, icb->currec, icb->h.nrecs))
         IXINGEKORT(icb);
     return 1;
 }
@@ -181,12 +182,13 @@ int ter_plaatse(ICB* icb, const void* rec) {
     icb->currec = icb->vast.nr;
     const size_t n = static_cast<size_t>(icb->h.reclen);
     // By a program that wrote without its lock: its keys may be others. Over a network that look is dear.
+    IXGETUIGE voor{};
     memcpy(nu, icb->vast.rec, n);
     if (!IOGEDEELD())
-        IXRDREC(icb, nu);
+        IXLEESMET(icb, nu, &voor);
     if (memcmp(nu, icb->vast.rec, n) != 0)
         return -1;
-    if (!zet_record(icb, nu, rec))
+    if (!zet_record(icb, nu, rec, voor))
         return 0;
     memcpy(icb->vast.rec, rec, n);
     return 1;
@@ -257,9 +259,10 @@ int IXPUTREC(ICB* icb, const void* rec) {
     IXEISPAAR(icb);
     if (!lijkt_vrij(icb, rec)) {
         uint8_t was[IXRECMAX];
-        if (!IXLEESHEEL(icb, was))
+        IXGETUIGE voor;
+        if (!IXLEESMET(icb, was, &voor))
             IXSTUK(icb, 0); // it has been cut off, or never stood there: the file would get a hole
-        if (!zet_record(icb, was, rec))
+        if (!zet_record(icb, was, rec, voor))
             fout = errno;
     }
     IXLOCK(icb, 13);
@@ -304,7 +307,8 @@ int IXDELETE(ICB* icb, void* rec) {
         uitslag = wijzig(icb, &fout, [&] {
             uint8_t was[IXRECMAX], vrij[IXRECMAX], hier[IXSLEUTELMAX + 4], daar[IXSLEUTELMAX + 4];
             const IXKEYDEF& eerste = icb->h.keydef[0];
-            const bool levend = IXLEESLEVEND(icb, was);
+            IXGETUIGE voor;
+            const bool levend = IXLEESMET(icb, was, &voor) && IXRECLIVE(was, icb->h.reclen);
             IXMAAKSLEUTEL(eerste, rec, icb->currec, eerste.keylen, hier);
             IXMAAKSLEUTEL(eerste, was, icb->currec, eerste.keylen, daar);
             if (!levend || IXVERGELIJK(eerste, hier, daar, eerste.keylen) != 0)
@@ -315,7 +319,7 @@ int IXDELETE(ICB* icb, void* rec) {
             }
             memset(vrij, 0xFF, sizeof vrij);
             ZET32(vrij + 1, icb->h.freehead);
-            KLADRECORD(icb, KL_DELETE, was, vrij);
+            KLADRECORD(icb, KL_DELETE, was, vrij, voor);
             if (icb->h.reclen >= VRIJMINST)
                 icb->h.freehead = icb->currec;
             return KLAAR;
