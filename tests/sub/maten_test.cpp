@@ -160,6 +160,24 @@ TEST_F(Maten, SizesOfASeries) {
         });
         EXPECT_EQ(t.antwoord(r.toetsen), r.uit);
     }
+    std::vector<std::string> veel;
+    for (int i = 1; i <= 19; i++)
+        veel.push_back("m" + std::to_string(i));
+    type(2, "Veel", veel);
+    Gesprek lang([] {
+        begin();
+        balk_open(1, 2, nullptr);
+        uint8_t maten[MAATBYTES] = {0xFE, 0xFF, 0x0F};
+        return vorm("%d", serie_maten(8, 1, maten, nullptr));
+    });
+    lang.toetsen("<F8>");
+    EXPECT_TRUE(lang.wacht(" <  m19 ")) << lang.scherm();
+    lang.toetsen("<F7>");
+    EXPECT_TRUE(lang.wacht("   m1  m2 ")) << lang.scherm();
+    lang.toetsen("n<Enter><Left>");
+    EXPECT_TRUE(lang.wacht("Ongeldige toets")) << "beside the first";
+    lang.toetsen("<Esc><Enter>");
+    EXPECT_EQ(lang.antwoord(), "1");
     Gesprek leeg([] {
         begin();
         balk_open(1, 9, nullptr);

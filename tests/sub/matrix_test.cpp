@@ -147,6 +147,10 @@ TEST_F(Matrix, InvoerZoalsEenInkoper) {
 TEST_F(Matrix, KolommenWordenBreder) {
     begin(250, 15, {{0, 1, 999}, {200, 2, 9990}});
     matrix_cel(m, 1, 3) = matrix_cel(m, 1, 0) = 1'000'000; // rows that don't fit their column
+    filiaalrec honderd{};
+    honderd.nummer = 100; // which can't move to the left
+    iofil('W', 3, &honderd);
+    matrix_cel(m, 3, 0) = 12'345;
     const uint8_t uit[32] = {4};
     s.uitgesloten = uit;
     s.meest = 12'000;
@@ -156,6 +160,7 @@ TEST_F(Matrix, KolommenWordenBreder) {
                   {9, 4, "1  999 "},
                   {10, 4, "2    *              *"},
                   {11, 4, "3*"},
+                  {12, 2, "100    *"},
                   {16, 2, "   10989  999 9990"}}},
                 {"<PgDn><Up><Right>11<Enter>",
                  {{8, 2, "fil  tot    31    32"}, {15, 4, "7   11"}, {16, 13, "999 10001"}}},

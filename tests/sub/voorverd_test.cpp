@@ -128,6 +128,21 @@ TEST_F(Voorverd, BeschadigdeRecords) {
     EXPECT_EQ(m, tabel({{4}, {1, 1, 1}}));
     EXPECT_TRUE(vv_bewaren(4, 3, m)) << "the gaps go";
     EXPECT_EQ(op_schijf(), "0.1:1=1,1,0,0 3.1:1=4,4,0,0 3.2:2=3,1,1,1 500.1:1=1,1,0,0 ");
+    // Of two records with all branches and sizes the second counts, not both: no sum that is too large.
+    firma.filialen = 250;
+    for (int n = 1; n <= MATEN; n++)
+        balk.posities.entry[n].link = balk.nummers.entry[n].link = static_cast<uint8_t>(n);
+    balk_kies(nullptr);
+    vvrec alle = rec(8, 0, 0, {});
+    memset(alle.filialen, 0xFF, sizeof alle.filialen);
+    for (const int32_t stuks : {80'000, 80'001}) {
+        alle.volgnummer++;
+        for (int maat = 1; maat <= MATEN; maat++)
+            alle.aantal[maat] = stuks;
+        schrijf(dtvvtab, alle);
+    }
+    EXPECT_TRUE(vv_laden(4, 8, &m, nullptr));
+    EXPECT_EQ(matrix_cel(m, 249, MATEN), 80'001);
 }
 
 TEST_F(Voorverd, EenNummerDatEenAnderHeeftIsNietVrij) {
