@@ -77,7 +77,6 @@ etiket nieuw_etiket(const orderregel& regel, const serrec& serie, const levterm&
                     uint8_t locatie) {
     const maatprijzen p = up_maatprijzen(regel.prijzen, maat);
     etiket l{};
-    l.serie = serie.serie;
     l.status = ETI_ORDER;
     l.etiketsoort = serie.etiketsoort;
     l.maat = maat;

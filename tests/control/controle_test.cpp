@@ -137,9 +137,12 @@ TEST_F(Controle, Marks) {
 // ---- the report
 
 std::string dag(int geleden, const char* vorm = "%a %b %e 02:00:11 CET %Y") {
-    const time_t t = time(nullptr) - geleden * 86400;
+    const time_t nu = time(nullptr);
+    struct tm t = *localtime(&nu);
+    t.tm_mday -= geleden, t.tm_hour = 12, t.tm_isdst = -1; // by the calendar, also where summer time ends
+    mktime(&t);
     char tekst[64];
-    strftime(tekst, sizeof tekst, vorm, localtime(&t));
+    strftime(tekst, sizeof tekst, vorm, &t);
     return tekst;
 }
 
