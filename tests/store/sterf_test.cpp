@@ -137,7 +137,7 @@ TEST(Sterf, BijElkeSchrijfopdracht) {
 struct Stand {
     int32_t vast, wordt; // -1 none
 };
-constexpr int PROCESSEN = 4, EIGEN = 300;
+constexpr int PROCESSEN = 6, EIGEN = 300;
 
 void werk(int p, Stand* stand, uint64_t zaad) {
     ICB* icb = IXOPEN("T", 2);
