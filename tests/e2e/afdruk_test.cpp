@@ -42,46 +42,29 @@ std::string order_van_drie() {
     VASTIN(k.valuta, "USD");
     k.koers = 9000, k.koerseenheid = 1;
     k.korting = -1000;
-    ordmodel m{};
-    m.merk = 5, m.maatsoort = 1, m.artikelgroep = 10001;
-    VASTIN(m.model, "JURK");
-    std::string uit =
-        record('O', k) + tekst(1, "Franco huis\nper collo") + record('M', m) + tekst(3, "Zie monster 14");
-    auto dessin = [&](const char* naam, uint16_t kleur, uint32_t maten, const char* opmerking = "") {
-        orddessin d{};
-        VASTIN(d.dessin, naam);
+    std::string uit = record('O', k) + tekst(1, "Franco huis\nper collo") + rec_model(5, "JURK", 1) +
+                      tekst(3, "Zie monster 14");
+    auto dessin = [&](const char* naam, int kleur, int maten, const char* opmerking = "") {
+        orddessin d = een_dessin(naam, kleur, maten);
         VASTIN(d.materiaal, "KATOEN");
         VASTIN(d.omschrijving, "Jurk kort");
-        d.kleur = kleur, d.volgnummer = 1;
-        memcpy(d.maten, &maten, sizeof maten);
+        d.volgnummer = 1;
         uit += record('D', d) + tekst(4, opmerking);
     };
-    auto prijs = [&](int maat, int32_t bruto) {
-        uit += record('S', ordmaat{static_cast<uint8_t>(maat), {}, bruto, bruto});
-    };
-    auto termijn = [&](int van, int tot) {
-        uit += record('L', ordlevt{static_cast<uint16_t>(van), static_cast<uint16_t>(tot)});
-    };
-    auto cel = [&](int filiaal, int maat, int n) {
-        uit += record('F', ordfil{static_cast<uint8_t>(filiaal), static_cast<uint8_t>(maat), 0, n});
-    };
-    dessin("UNI", 1, 0x1E);
+    dessin("UNI", 1, 4);
     for (int maat = 1; maat <= 4; maat++)
-        prijs(maat, maat <= 2 ? 1000 : 123456);
-    termijn(42440, 42470), cel(0, 1, 4), cel(0, 2, 5), cel(2, 4, 3);
-    termijn(42500, 42520), cel(2, 1, 2);
-    dessin("RUIT", 2, 0x6, "Let op: gevo\x89rd");
-    prijs(1, 2000), prijs(2, 2000);
-    termijn(42440, 42470), cel(1, 2, 7);
-    m.maatsoort = 3;
-    VASTIN(m.model, "TRUI");
-    uit += record('M', m);
-    dessin("KABEL", 1, 0x3FFFFFE);
+        uit += rec_maat(maat, maat <= 2 ? 1000 : 123456, maat <= 2 ? 1000 : 123456);
+    uit += rec_term(42440, 42470) + rec_cel(0, 1, 4) + rec_cel(0, 2, 5) + rec_cel(2, 4, 3);
+    uit += rec_term(42500, 42520) + rec_cel(2, 1, 2);
+    dessin("RUIT", 2, 2, "Let op: gevo\x89rd");
+    uit += rec_maat(1, 2000, 2000) + rec_maat(2, 2000, 2000) + rec_term(42440, 42470) + rec_cel(1, 2, 7);
+    uit += rec_model(5, "TRUI", 3);
+    dessin("KABEL", 1, 25);
     for (int maat = 1; maat <= 25; maat++)
-        prijs(maat, 500);
-    termijn(42440, 42470);
+        uit += rec_maat(maat, 500, 500);
+    uit += rec_term(42440, 42470);
     for (int maat = 1; maat <= 25; maat++)
-        cel(maat % 2, maat, maat);
+        uit += rec_cel(maat % 2, maat, maat);
     return uit;
 }
 
@@ -149,7 +132,7 @@ Regels           : 1                    Stuks            : 5
               vellen.npos)
         << vellen;
     for (const char* som : {"Stuks            : 165\n", "Stuks            : 176\n"})
-        EXPECT_NE(vellen.find(som), vellen.npos) << vellen;
+        EXPECT_TRUE(bevat(vellen, som));
     // As a PDF, with every letter; nothing over what is there.
     const std::string pdf = "cd '" + map.pad() + "' && ordprint -f full -o o.pdf 2016Z/ORD0012.JRN";
     EXPECT_TRUE(sh("mkdir '" + map.pad() + "/uit'; " + pdf).zegt("nothing is printed there"));
@@ -228,27 +211,20 @@ TEST(Afdruk, FromTheLineScreen) {
     p.eerste_order();
     for (const char* keus : {"RFKMT", "RFVZT", "RFFMT"}) {
         const char* getypt = keus[2] == 'K' ? "Vår.txt" : ""; // in the characters of the terminal
-        p.t.toetsen(keus + std::string(getypt) + "<Enter>");
-        EXPECT_TRUE(p.t.wacht("Printbreedte")) << p.t.scherm();
-        p.t.toetsen("8");
-        EXPECT_TRUE(p.t.wacht(std::string("Vastgelegd in uit/") + getypt)) << p.t.scherm();
+        p.t.toetsen(keus + std::string(getypt) + "<Enter>", "Printbreedte");
+        p.t.toetsen("8", std::string("Vastgelegd in uit/") + getypt);
         p.t.toetsen("<Enter>");
         const std::string naam = map.bestand(*getypt ? "uit/Vår.txt" : "uit/order12-010316.txt");
         const std::string wat = keus[2] == 'K' ? "-f short " : keus[2] == 'V' ? "-x -f full " : "-f branch ";
         EXPECT_EQ(zonder_blad(lees_bestand(naam)), ordprint(map, wat + "2016Z/ORD0012.JRN"));
         fs::remove(naam);
     }
-    p.t.toetsen("RFKMDlijst<Enter>8");
-    EXPECT_TRUE(p.t.wacht("Vastgelegd in uit/lijst.pdf")) << p.t.scherm();
-    p.t.toetsen("<Enter>RFKMD.<Enter>");
-    EXPECT_TRUE(p.t.wacht("Invalid path to outputfile")) << p.t.scherm();
-    p.t.toetsen("<Enter>RFKMS");
-    EXPECT_TRUE(p.t.wacht("Einde overzicht")) << p.t.scherm();
-    EXPECT_TRUE(p.t.wacht("Orderomschrijving: Voorjaar")) << p.t.scherm();
-    p.t.toetsen("<Esc>RA");
-    EXPECT_TRUE(p.t.wacht("35   36   37   38")) << p.t.scherm();
-    p.t.toetsen("<Esc><Esc>");
-    p.uit();
+    p.t.toetsen("RFKMDlijst<Enter>8", "Vastgelegd in uit/lijst.pdf");
+    p.t.toetsen("<Enter>RFKMD.<Enter>", "Invalid path to outputfile");
+    p.t.toetsen("<Enter>RFKMS", "Einde overzicht");
+    p.t.wacht("Orderomschrijving: Voorjaar");
+    p.t.toetsen("<Esc>RA", "35   36   37   38");
+    p.uit("<Esc><Esc>");
     EXPECT_EQ(map.restjes(), "");
 }
 
@@ -278,13 +254,10 @@ TEST(Afdruk, FortyColumnsAndBrokenOff) {
     map.sys(Datamap::slot() + 28, std::string("\1\0", 2)); // the mask of widths
     Programma p(argv, opties);
     p.eerste_order();
-    p.t.toetsen("RFKMS");
-    EXPECT_TRUE(p.t.wacht("Orderomschrijving: Voorjaar")) << p.t.scherm();
-    EXPECT_TRUE(p.t.wacht("Leverancier      : 12 Mode Centrale\n")) << p.t.scherm();
-    p.t.toetsen("<End>");
-    EXPECT_TRUE(p.t.wacht("Stuks            : " + std::to_string(REGELS) + "\n")) << p.t.scherm();
-    p.t.toetsen("<Esc>");
-    EXPECT_TRUE(p.t.wacht_op(24, 1, "Uw keuze")) << p.t.scherm();
+    p.t.toetsen("RFKMS", "Orderomschrijving: Voorjaar");
+    p.t.wacht("Leverancier      : 12 Mode Centrale\n");
+    p.t.toetsen("<End>", "Stuks            : " + std::to_string(REGELS) + "\n");
+    p.t.toetsen("<Esc>", 24, 1, "Uw keuze");
     p.t.toetsen("RFVMT");
     p.t.stuur("\r\033"); // typed ahead
     // The keyboard is looked at a second after the beginning: the report stands still in its middle until then.
@@ -293,18 +266,17 @@ TEST(Afdruk, FortyColumnsAndBrokenOff) {
     p.t.sein(SIGSTOP);
     std::this_thread::sleep_for(std::chrono::milliseconds(1100));
     p.t.sein(SIGCONT);
-    EXPECT_TRUE(p.t.wacht(" Onderbreken ")) << p.t.scherm();
+    p.t.wacht(" Onderbreken ");
     p.t.kalm();
     p.t.stuur("j\r");
-    EXPECT_TRUE(p.t.wacht("Vastgelegd in")) << p.t.scherm();
+    p.t.wacht("Vastgelegd in");
     p.t.toetsen("<Enter>");
     const std::string uit = lees_bestand(map.bestand("uit/order12-010316.txt")), sterren(25, '*');
     EXPECT_TRUE(uit.ends_with("\n" + sterren + "\n** Printen onderbroken **\n" + sterren + "\n\f"))
         << uit.size();
-    EXPECT_NE(uit.find(" D0 "), uit.npos);
-    EXPECT_EQ(uit.find(" D" + std::to_string(REGELS - 1) + " "), uit.npos);
-    p.t.toetsen("<Esc>");
-    p.uit();
+    EXPECT_TRUE(bevat(uit, " D0 "));
+    EXPECT_FALSE(bevat(uit, " D" + std::to_string(REGELS - 1) + " "));
+    p.uit("<Esc>");
     EXPECT_EQ(sh("cd '" + map.pad() + "' && ls . uit | grep ^PR").tekst, "");
 }
 
@@ -347,16 +319,15 @@ TEST(Afdruk, FullRegistration) {
     });
     EXPECT_EQ(lezer.status, 0) << lezer.uitvoer;
     EXPECT_EQ(DemoMap::verschil(voor, map.inhoud()), "");
-    EXPECT_NE(vol.find("    010216-140216      35 "), vol.npos) << vol;
-    EXPECT_NE(vol.find("    besteld            46    9   14   14    9\n"), vol.npos) << vol;
-    EXPECT_NE(kort.find("serie verwijderd*\n"), kort.npos) << kort;
+    EXPECT_TRUE(bevat(vol, "    010216-140216      35 "));
+    EXPECT_TRUE(bevat(vol, "    besteld            46    9   14   14    9\n"));
+    EXPECT_TRUE(bevat(kort, "serie verwijderd*\n"));
     Opties opties = demo_opties(map);
     opties.omgeving.push_back({"ZEBPRT", "print"});
     Programma p(overgave(map), opties);
     p.leverancier(10);
     p.t.wacht("</> voor nieuwe order");
-    p.t.toetsen("<Down><Enter>");
-    p.t.wacht_op(24, 1, "Uw keuze");
+    p.t.toetsen("<Down><Enter>", 24, 1, "Uw keuze");
     auto deel = [&](int rij, int kolom, int breedte) {
         const std::string tekst = p.t.stuk(rij, kolom, breedte);
         return std::string(VASTTRIM(tekst)).substr(tekst.find_first_not_of(' '));
@@ -368,14 +339,10 @@ TEST(Afdruk, FullRegistration) {
           "Inkoop           : EUR " + deel(5, 69, 11) + "\n"})
         EXPECT_NE(kort.find(tekst), kort.npos) << tekst << p.t.scherm() << kort;
     // To a printer: one is to be chosen; looked at first, then a PDF.
-    p.t.toetsen("RFKMP");
-    EXPECT_TRUE(p.t.wacht(" Printbestemming ")) << p.t.scherm();
-    p.t.toetsen("<Esc>");
-    EXPECT_TRUE(p.t.wacht("U dient een printbestemming te selecteren")) << p.t.scherm();
-    p.t.toetsen("<Down><Down><Down><Enter>");
-    EXPECT_TRUE(p.t.wacht("Einde overzicht")) << p.t.scherm();
-    p.t.toetsen("P");
-    EXPECT_TRUE(p.t.wacht_op(24, 1, "Uw keuze")) << p.t.scherm();
+    p.t.toetsen("RFKMP", " Printbestemming ");
+    p.t.toetsen("<Esc>", "U dient een printbestemming te selecteren");
+    p.t.toetsen("<Down><Down><Down><Enter>", "Einde overzicht");
+    p.t.toetsen("P", 24, 1, "Uw keuze");
     const std::string pdf = "for i in $(seq 200); do pdftotext -layout '" + map.pad() +
                             "'/uit/T* - 2>/dev/null && break; sleep 0.1; done";
     EXPECT_TRUE(sh(pdf).zegt("serie verwijderd*")) << p.t.scherm();

@@ -1,6 +1,5 @@
 #include "e2e/datamap.h"
 #include "term/gesprek.h"
-#include <fstream>
 
 namespace zg::test {
 
@@ -14,9 +13,7 @@ Datamap::Datamap() : DemoMap("tests/e2e/proef") {
 }
 
 void Datamap::sys(size_t plaats, std::string_view bytes) {
-    std::fstream f(bestand("DTSYS.TXT"), std::ios::in | std::ios::out | std::ios::binary);
-    f.seekp(static_cast<std::streamoff>(plaats));
-    f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    wijzig_bestand(bestand("DTSYS.TXT"), plaats, bytes);
 }
 
 namespace {
@@ -56,12 +53,9 @@ Opties Datamap::opties() const {
 }
 
 void met_locatie(const DemoMap& map) {
-    std::string sys = lees_bestand(map.bestand("DTSYS.TXT"));
-    sys[32] = static_cast<char>(sys[32] | 4);
-    schrijf_bestand(map.bestand("DTSYS.TXT"), sys);
-    std::string jrn = lees_bestand(map.bestand("2016Z/ORD0099.JRN"));
-    jrn.at(1 + offsetof(ordkop, edi_soort)) = 3;
-    schrijf_bestand(map.bestand("2016Z/ORD0099.JRN"), jrn);
+    const char vlaggen = lees_bestand(map.bestand("DTSYS.TXT")).at(32);
+    wijzig_bestand(map.bestand("DTSYS.TXT"), 32, std::string(1, static_cast<char>(vlaggen | 4)));
+    wijzig_bestand(map.bestand("2016Z/ORD0099.JRN"), 1 + offsetof(ordkop, edi_soort), "\3");
 }
 
 ordkop kop_van(const std::string& jrn) {
@@ -79,37 +73,36 @@ ordkop maak_kop(const std::string& omschrijving, uint16_t datum) {
     return k;
 }
 
+std::string rec_model(int merk, const std::string& naam, int maatsoort, int32_t groep) {
+    ordmodel m{};
+    m.merk = static_cast<uint16_t>(merk);
+    VASTIN(m.model, naam);
+    m.maatsoort = static_cast<uint8_t>(maatsoort);
+    m.artikelgroep = groep;
+    return record('M', m);
+}
+
+orddessin een_dessin(const std::string& naam, int kleur, int maten) {
+    orddessin d{};
+    VASTIN(d.dessin, naam);
+    d.kleur = static_cast<uint16_t>(kleur);
+    for (int maat = 1; maat <= maten; maat++)
+        d.maten[maat / 8] = static_cast<uint8_t>(d.maten[maat / 8] | 1 << maat % 8);
+    return d;
+}
+
 std::string maak_order(const ordkop& kop, const std::vector<Regel>& regels, const std::string& levering,
                        const std::string& betaling) {
     std::string uit = record('O', kop) + tekst(1, levering) + tekst(2, betaling);
     const Regel* vorige = nullptr;
     for (const Regel& r : regels) {
-        if (!vorige || vorige->merk != r.merk || vorige->model != r.model) {
-            ordmodel m{};
-            m.merk = r.merk;
-            VASTIN(m.model, r.model);
-            m.maatsoort = r.maatsoort;
-            m.artikelgroep = 10001;
-            uit += record('M', m);
-        }
-        orddessin d{};
-        VASTIN(d.dessin, r.dessin);
+        if (!vorige || vorige->merk != r.merk || vorige->model != r.model)
+            uit += rec_model(r.merk, r.model, r.maatsoort);
+        orddessin d = een_dessin(r.dessin, r.kleur, 1);
         VASTIN(d.materiaal, "KATOEN");
-        d.kleur = r.kleur;
-        d.maten[0] = 2;
-        uit += record('D', d);
-        ordmaat s{};
-        s.maat = 1;
-        s.bruto = s.netto = r.prijs;
-        uit += record('S', s);
-        if (r.aantal) {
-            ordlevt l{static_cast<uint16_t>(kop.orderdatum + 10), static_cast<uint16_t>(kop.orderdatum + 40)};
-            uit += record('L', l);
-            ordfil f{};
-            f.maat = 1;
-            f.aantal = r.aantal;
-            uit += record('F', f);
-        }
+        uit += record('D', d) + rec_maat(1, r.prijs, r.prijs);
+        if (r.aantal)
+            uit += rec_term(kop.orderdatum + 10, kop.orderdatum + 40) + rec_cel(0, 1, r.aantal);
         vorige = &r;
     }
     return uit;

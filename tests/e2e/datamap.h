@@ -3,7 +3,6 @@
 #pragma once
 #include "support/demomap.h"
 #include "support/ordbytes.h"
-#include "support/proef.h"
 
 namespace zg::test {
 
@@ -41,6 +40,17 @@ struct Regel {
     uint8_t maatsoort = 1;
 };
 ordkop maak_kop(const std::string& omschrijving, uint16_t datum = WERKDATUM);
+std::string rec_model(int merk, const std::string& naam, int maatsoort, int32_t groep = 10001);
+orddessin een_dessin(const std::string& naam, int kleur, int maten); // of sizes 1 to `maten`
+inline std::string rec_maat(int maat, int32_t bruto, int32_t netto) {
+    return record('S', ordmaat{static_cast<uint8_t>(maat), {}, bruto, netto});
+}
+inline std::string rec_term(int van, int tot) {
+    return record('L', ordlevt{static_cast<uint16_t>(van), static_cast<uint16_t>(tot)});
+}
+inline std::string rec_cel(int filiaal, int maat, int32_t aantal) {
+    return record('F', ordfil{static_cast<uint8_t>(filiaal), static_cast<uint8_t>(maat), 0, aantal});
+}
 // An order: header, conditions that aren't empty, and its lines; equal brand and model share an M.
 std::string maak_order(const ordkop& kop, const std::vector<Regel>& regels, const std::string& levering = "",
                        const std::string& betaling = "");

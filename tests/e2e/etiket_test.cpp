@@ -1,7 +1,6 @@
 // A buyer's lines in the full registration, and the labels on file behind them: quantities, terms, the header's code and
 // location, deletion, a damaged chain.
 #include "e2e/loop.h"
-#include "order/ordrec.h"
 #include "shared/ioeti.h"
 
 using namespace zg::test;
@@ -11,11 +10,8 @@ namespace {
 // A supplier without orders; the data directory between two runs of the program.
 struct Etiketmap : DemoMap {
     Etiketmap() : DemoMap("data/demo", "--empty-register") {}
-    Opties opties() const { return demo_opties(*this); }
-
-    std::string pad_van(const char* naam) const { return bestand(naam); }
     zg::etiket label(int nummer) const {
-        const std::string eti = lees_bestand(pad_van("DTETI.TXT"));
+        const std::string eti = lees_bestand(bestand("DTETI.TXT"));
         zg::etiblok b;
         memcpy(&b, &eti.at(static_cast<size_t>((nummer - 1) / 10) * sizeof b), sizeof b);
         zg::etiket uit;
@@ -26,34 +22,35 @@ struct Etiketmap : DemoMap {
     template <class F> std::string labels(F toon) const {
         std::string uit;
         const int aantal =
-            static_cast<int>(lees_bestand(pad_van("DTETI.TXT")).size() / sizeof(zg::etiblok)) * 10;
+            static_cast<int>(lees_bestand(bestand("DTETI.TXT")).size() / sizeof(zg::etiblok)) * 10;
         for (int nr = 1; nr <= aantal; nr++)
             uit += (label(nr).status ? toon(label(nr)) : "-") + " ";
         return uit;
     }
-    std::string
-    cellen() const { // status when it isn't on order, size, branch, days of the term behind the order
+    // Status when it isn't on order, size, branch, days of the term behind the order.
+    std::string cellen() const {
         return labels([](const zg::etiket& l) {
             return (l.status == 1 ? "" : std::to_string(l.status) + "*") + std::to_string(l.maat) + "/" +
                    std::to_string(l.filiaal) + "+" + std::to_string(l.levering_tot - l.orderdatum);
         });
     }
     void zet_label(int nummer, const zg::etiket& l) const {
-        std::string eti = lees_bestand(pad_van("DTETI.TXT"));
-        const auto plaats = static_cast<size_t>((nummer - 1) / 10) * sizeof(zg::etiblok) +
-                            offsetof(zg::etiblok, plaats) +
-                            static_cast<size_t>((nummer - 1) % 10) * zg::ETIPLAATS;
-        EXPECT_TRUE(zg::eti_pak(l, nullptr, reinterpret_cast<uint8_t*>(&eti[plaats])));
-        schrijf_bestand(pad_van("DTETI.TXT"), eti);
+        uint8_t bytes[zg::ETIPLAATS];
+        EXPECT_TRUE(zg::eti_pak(l, nullptr, bytes));
+        wijzig_bestand(bestand("DTETI.TXT"),
+                       static_cast<size_t>((nummer - 1) / 10) * sizeof(zg::etiblok) +
+                           offsetof(zg::etiblok, plaats) +
+                           static_cast<size_t>((nummer - 1) % 10) * zg::ETIPLAATS,
+                       {reinterpret_cast<char*>(bytes), sizeof bytes});
     }
     zg::serrec serie(int nr = 0) const {
         zg::serrec uit{};
-        const std::string ser = lees_bestand(pad_van("DTSER.TXT"));
+        const std::string ser = lees_bestand(bestand("DTSER.TXT"));
         memcpy(static_cast<void*>(&uit), &ser.at(static_cast<size_t>(nr) * sizeof uit), sizeof uit);
         return uit;
     }
     size_t leven(const char* naam, size_t reclen) const { // live records of a pair
-        const std::string txt = lees_bestand(pad_van(naam));
+        const std::string txt = lees_bestand(bestand(naam));
         size_t n = 0;
         for (size_t p = 0; p < txt.size(); p += reclen)
             n += zg::IXRECLIVE(&txt[p], static_cast<int>(reclen)) ? 1 : 0;
@@ -62,22 +59,16 @@ struct Etiketmap : DemoMap {
 };
 
 struct Buyer : Programma {
-    explicit Buyer(const Etiketmap& map) : Programma(overgave(map), map.opties()) {}
-    void nieuwe_order() {
-        t.toetsen("<Enter><Enter>99<Enter><Enter><Esc><Esc>");
-        t.wacht("Uw keuze _  Toevoegen");
-    }
+    explicit Buyer(const Etiketmap& map) : Programma(overgave(map), demo_opties(map)) {}
+    void nieuwe_order() { t.toetsen("<Enter><Enter>99<Enter><Enter><Esc><Esc>", "Uw keuze _  Toevoegen"); }
     // 18 pieces of five sizes at the first branch, by the end of March.
     void nieuwe_regel(const char* kleur, const char* dan = "Uw keuze _  T") {
-        t.toetsen("TBROU<Enter>nieuw<Enter>1120<Enter><Enter><Enter>Let op<Esc><Esc>");
-        t.wacht(" DESSIN ");
+        t.toetsen("TBROU<Enter>nieuw<Enter>1120<Enter><Enter><Enter>Let op<Esc><Esc>", " DESSIN ");
         t.toetsen(std::string("Katoen<Enter>Streep<Enter>") + kleur +
-                  "<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter><Enter><Esc><Enter>");
-        t.wacht("alle maten van deze maatsoort");
-        t.toetsen("<Down>S<Enter><Enter>20<Enter><Enter><Esc>");
-        t.wacht("Levertermijn");
-        t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>");
-        EXPECT_TRUE(t.wacht(dan)) << t.scherm();
+                      "<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter><Enter><Esc><Enter>",
+                  "alle maten van deze maatsoort");
+        t.toetsen("<Down>S<Enter><Enter>20<Enter><Enter><Esc>", "Levertermijn");
+        t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>", dan);
     }
     void einde_order() {
         t.toetsen("<Esc><Esc>");
@@ -115,23 +106,19 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
         Buyer p(map);
         p.eerste_order(99);
         const auto voor = map.inhoud();
-        p.t.toetsen("WA<Esc>"); // looked at
-        p.t.wacht("Uw keuze _  T");
+        p.t.toetsen("WA<Esc>", "Uw keuze _  T"); // looked at
         EXPECT_EQ(lees_bestand(map.bestand("DTETI.TXT")), voor.at("DTETI.TXT"));
         p.t.toetsen("WAF1<Enter>2<Enter><Down>"); // the first branch 1 and 2, what is over away
         p.t.toetsen("<Esc>");
-        p.t.toetsen("D010416<Enter>300416<Enter>A<Esc>"); // a term with the same pieces
-        p.t.wacht("Uw keuze _  T");
+        p.t.toetsen("D010416<Enter>300416<Enter>A<Esc>", "Uw keuze _  T"); // a term with the same pieces
         EXPECT_EQ(map.cellen().substr(0, 70),
                   "1/0+30 1/0+60 2/0+60 2/0+30 2/0+30 2/0+60 3/0+30 3/0+30 3/0+30 3/0+30 ")
             << p.t.scherm();
-        p.t.toetsen("WAL020316<Enter>100416<Enter><Esc>"); // new dates for the first term
-        p.t.wacht("Uw keuze _  T");
+        p.t.toetsen("WAL020316<Enter>100416<Enter><Esc>", "Uw keuze _  T"); // new dates for the first term
         EXPECT_EQ(map.cellen().substr(0, 20), "1/0+40 1/0+60 2/0+60") << p.t.scherm();
         EXPECT_EQ(map.cellen().find("+30"), map.cellen().rfind("+30") - 9) << "those of the others";
         p.t.toetsen("WOI2<Enter>N2");
-        p.t.toetsen("14<Enter><Esc>");
-        p.t.wacht("Uw keuze _  T");
+        p.t.toetsen("14<Enter><Esc>", "Uw keuze _  T");
         p.einde_order();
     }
     const std::string wie = map.labels([](const zg::etiket& e) {
@@ -148,8 +135,7 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
     { // deleted: what has come in stays, without the number; the other order's label has its own
         Buyer p(map);
         p.eerste_order(99);
-        p.t.toetsen("VJ<Enter>");
-        p.t.wacht("Uw keuze _  Toevoegen");
+        p.t.toetsen("VJ<Enter>", "Uw keuze _  Toevoegen");
         p.einde_order();
     }
     EXPECT_EQ(map.labels([](const zg::etiket& e) {
@@ -167,12 +153,9 @@ TEST(Etiket, SeriesDeletedAndItsPlacesUsedAgain) {
     p.nieuwe_regel("14");
     const std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
     EXPECT_EQ(map.leven("DTEAN.TXT", 28), 6U) << "five sizes and the lock";
-    p.t.toetsen("VJ<Enter>");
-    p.t.wacht("Serie ook verwijderen");
-    p.t.toetsen("J<Enter>");
-    p.t.wacht("Serie heeft geen etiketten");
-    p.t.toetsen("J<Enter>");
-    p.t.wacht("Uw keuze _  Toevoegen");
+    p.t.toetsen("VJ<Enter>", "Serie ook verwijderen");
+    p.t.toetsen("J<Enter>", "Serie heeft geen etiketten");
+    p.t.toetsen("J<Enter>", "Uw keuze _  Toevoegen");
     EXPECT_EQ(map.leven("DTSER.TXT", 200) + map.leven("DTIPA.TXT", 40), 0U);
     EXPECT_EQ(map.leven("DTEAN.TXT", 28), 1U);
     EXPECT_EQ(map.cellen(), "- - - - - - - - - - - - - - - - - - - - ");
@@ -180,8 +163,7 @@ TEST(Etiket, SeriesDeletedAndItsPlacesUsedAgain) {
     EXPECT_EQ(lees_bestand(map.bestand("DTETI.TXT")).size(), eti.size());
     EXPECT_EQ(lees_bestand(map.bestand("DTSER.TXT")).size(), 200U);
     EXPECT_EQ(map.serie().etiketkop, 1) << "the block freed last";
-    p.t.toetsen("VJ<Enter>N<Enter>"); // this one keeps its series
-    p.t.wacht("Uw keuze _  Toevoegen");
+    p.t.toetsen("VJ<Enter>N<Enter>", "Uw keuze _  Toevoegen"); // this one keeps its series
     EXPECT_EQ(map.serie().in_nota, 0);
     p.einde_order();
 }
@@ -210,8 +192,7 @@ TEST(Etiket, RefusedBeforeAnythingIsWritten) {
         p.nieuwe_order();
         const auto voor = map.inhoud();
         p.nieuwe_regel("14", r.melding);
-        p.t.toetsen("<Enter>");
-        EXPECT_TRUE(p.t.wacht("Uw keuze _  Toevoegen")) << p.t.scherm();
+        p.t.toetsen("<Enter>", "Uw keuze _  Toevoegen");
         // The number was noted before it was reserved; the codes' lock and the queue of numbers are as they were.
         std::string anders;
         for (const auto& [naam, inhoud] : map.inhoud())
@@ -238,22 +219,17 @@ TEST(Etiket, DamagedChain) {
     Buyer p(map);
     p.leverancier(99);
     p.t.wacht("</> voor nieuwe order");
-    p.t.toetsen("<Enter>");
-    EXPECT_TRUE(p.t.wacht("DTETI.TXT: serie 1120.14.1, blok 3")) << p.t.scherm();
-    EXPECT_TRUE(p.t.wacht("Etiket niet van 1120.14.1")) << p.t.scherm();
+    p.t.toetsen("<Enter>", "DTETI.TXT: serie 1120.14.1, blok 3");
+    p.t.wacht("Etiket niet van 1120.14.1");
     p.t.toetsen("<Enter>");
     EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << "told once\n" << p.t.scherm();
     EXPECT_EQ(lees_bestand(map.bestand("DTETI.TXT")), eti);
-    p.t.toetsen("<Down>WAF1<Enter><Esc><Esc>"); // the other one works
-    EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << p.t.scherm();
+    p.t.toetsen("<Down>WAF1<Enter><Esc><Esc>", "Uw keuze _  T"); // the other one works
     EXPECT_EQ(map.serie(1).in_nota, 16);
-    p.t.toetsen("WOI2<Enter><Esc>"); // so does the header, but for that line
-    EXPECT_TRUE(p.t.wacht("Etiket niet van 1120.14.1")) << p.t.scherm();
-    p.t.toetsen("<Enter>");
-    EXPECT_TRUE(p.t.wacht("De etiketten van deze orderregels zijn niet gewijzigd:")) << p.t.scherm();
-    EXPECT_TRUE(p.t.wacht("1: 1120.14.1")) << p.t.scherm();
-    p.t.toetsen("<Enter>");
-    p.t.wacht("Uw keuze _  T");
+    p.t.toetsen("WOI2<Enter><Esc>", "Etiket niet van 1120.14.1"); // so does the header, but for that line
+    p.t.toetsen("<Enter>", "De etiketten van deze orderregels zijn niet gewijzigd:");
+    p.t.wacht("1: 1120.14.1");
+    p.t.toetsen("<Enter>", "Uw keuze _  T");
     EXPECT_EQ(map.label(1).inkoopcode * 10 + map.label(21).inkoopcode, 2);
     p.einde_order();
 
@@ -265,10 +241,8 @@ TEST(Etiket, DamagedChain) {
     Buyer q(map);
     q.leverancier(99);
     q.t.wacht("</> voor nieuwe order");
-    q.t.toetsen("<Enter><Enter><Down>WA");
-    q.t.wacht("Levertermijn");
-    q.t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>");
-    q.t.wacht("Uw keuze _  T");
+    q.t.toetsen("<Enter><Enter><Down>WA", "Levertermijn");
+    q.t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>", "Uw keuze _  T");
     EXPECT_EQ(map.serie(1).etiketkop * 100 + map.serie(1).in_nota, 418) << q.t.scherm();
     q.einde_order();
 }

@@ -16,9 +16,8 @@ struct Fotomap : DemoMap {
         schrijf_bestand(bestand(naam), "x");
     }
     void modus(uint8_t m) const {
-        std::string sys = lees_bestand(bestand("DTSYS.TXT"));
-        sys[static_cast<size_t>(zg::SYS_RECORD.start + 6 * 64 + 25)] = static_cast<char>(m);
-        schrijf_bestand(bestand("DTSYS.TXT"), sys);
+        wijzig_bestand(bestand("DTSYS.TXT"), zg::SYS_RECORD.start + 6 * 64 + 25,
+                       {reinterpret_cast<char*>(&m), 1});
     }
     // "0103 4110.101.1.PCX" of the link that a series has in the file; free slots are none.
     std::string link(int groep, int kleur, int volg) const {
@@ -37,8 +36,7 @@ struct Fotomap : DemoMap {
 struct Koper : Programma {
     explicit Koper(const Fotomap& map) : Programma(overgave(map), demo_opties(map)) {
         eerste_order();
-        t.toetsen("wm");
-        EXPECT_TRUE(t.wacht("Afbeelding (Q)")) << t.scherm();
+        t.toetsen("wm", "Afbeelding (Q)");
     }
     void toetsen(const char* toetsen, const char* wat) {
         t.toetsen(toetsen);
@@ -61,20 +59,20 @@ TEST(Foto, FoundAndLinked) {
     Koper k(map);
     // 45 bytes stand in the list, 46 are told; what is no picture isn't there.
     k.toetsen("q<F8>blau<Enter>", "Aantal afbeeldingen met te lange naam: 1");
-    EXPECT_NE(k.t.scherm().find("Deze afbeelding kan hierna niet worden geselecteerd."), std::string::npos);
+    EXPECT_TRUE(bevat(k.t.scherm(), "Deze afbeelding kan hierna niet worden geselecteerd."));
     k.toetsen("<Enter>", "BLAUW ZIJ.Jpg");
     const std::string lijst = k.t.scherm();
-    EXPECT_EQ(lijst.find("blauw.txt"), std::string::npos);
-    EXPECT_EQ(lijst.find("[2J"), std::string::npos);
-    EXPECT_EQ(lijst.find(".BLAUW"), std::string::npos);
+    EXPECT_FALSE(bevat(lijst, "blauw.txt"));
+    EXPECT_FALSE(bevat(lijst, "[2J"));
+    EXPECT_FALSE(bevat(lijst, ".BLAUW"));
     k.toetsen("<Enter>", "Uw keuze _  Merk");
     EXPECT_EQ(map.link(4110, 101, 1), "103 BLAUW ZIJ.Jpg");
     // By the list: what is linked, what isn't; the one of 45 bytes.
     k.toetsen("q<F5><Enter>+", "wel koppeling ");
-    EXPECT_NE(k.t.scherm().find("BLAUW ZIJ"), std::string::npos);
-    EXPECT_EQ(k.t.scherm().find(lang41), std::string::npos);
+    EXPECT_TRUE(bevat(k.t.scherm(), "BLAUW ZIJ"));
+    EXPECT_FALSE(bevat(k.t.scherm(), lang41));
     k.toetsen("-", "geen koppeling ");
-    EXPECT_EQ(k.t.scherm().find("BLAUW ZIJ"), std::string::npos);
+    EXPECT_FALSE(bevat(k.t.scherm(), "BLAUW ZIJ"));
     k.toetsen("<F8>lll<Enter>", (lang41 + ".jpg").c_str());
     k.toetsen("<Enter>", "Uw keuze _  Merk");
     EXPECT_EQ(map.link(4110, 101, 1), "103 " + lang41 + ".jpg");
@@ -150,8 +148,7 @@ TEST(Foto, Duplicate) {
     k.toetsen("q<F5><Enter><Esc>", "PRIJSINFORMATIE");
     k.toetsen("<Esc><Esc><Esc>", "Uw keuze _  T");
     EXPECT_EQ(map.link(4110, 7, 1), "103 4110.101.1.PCX") << k.t.scherm();
-    k.t.toetsen("<Esc><Esc>");
-    k.uit();
+    k.uit("<Esc><Esc>");
 }
 
 } // namespace

@@ -63,8 +63,7 @@ TEST(Handen, DrieGebruikersOmDeBeurt) {
                 Beurt b(map, wie, masker);
                 b.eerste_order();
                 b.t.wacht(vorige);
-                b.t.toetsen("WOO" + nieuw + "<Enter><Esc><Esc>");
-                b.uit();
+                b.uit("WOO" + nieuw + "<Enter><Esc><Esc>");
                 EXPECT_EQ(rechten(map.bestand("2016Z/ORD0012.JRN")), "0660 4711");
                 vorige = nieuw;
                 ASSERT_FALSE(HasFailure()) << b.t.scherm();
@@ -81,8 +80,7 @@ TEST(Handen, DrieGebruikersOmDeBeurt) {
         Beurt drie(map, 2, "022");
         drie.leverancier();
         drie.t.wacht("worden automatisch hersteld...");
-        drie.t.toetsen("<Enter>");
-        drie.t.wacht("Gestrand");
+        drie.t.toetsen("<Enter>", "Gestrand");
         drie.t.toetsen("<Esc><Esc>");
         // The standard season's directory and a supplier's first journal are made by whoever comes first.
         drie.t.toetsen("<Back><Enter>K<Enter>31<Enter>");

@@ -1,5 +1,4 @@
 // The way to an order: season, supplier, list of orders, date of a new one.
-#include "e2e/datamap.h"
 #include "e2e/loop.h"
 
 using namespace zg::test;
@@ -26,12 +25,10 @@ TEST(Keuze, SeizoenGetyptGekozenOfStandaard) {
     // ESC at the letter goes back to the year, the second one out of the field would leave.
     p.t.toetsen("16<Enter><Esc>");
     EXPECT_EQ(p.t.cursor_kolom(), 46);
-    p.t.toetsen("16<Enter>w<Enter>");
-    p.t.wacht_op(1, 46, "2016W");
+    p.t.toetsen("16<Enter>w<Enter>", 1, 46, "2016W");
     EXPECT_EQ(p.t.cursor_rij(), 3);
     // From the supplier back to the season; then a season by the list.
-    p.t.toetsen("<Esc><F5>");
-    p.t.wacht("selecteren inkoopseizoen");
+    p.t.toetsen("<Esc><F5>", "selecteren inkoopseizoen");
     p.t.toetsen("<Enter><Esc>");
     // An empty year is the standard season, whose directory is made on the spot.
     EXPECT_FALSE(map.bestaat("0000K"));
@@ -39,8 +36,7 @@ TEST(Keuze, SeizoenGetyptGekozenOfStandaard) {
     EXPECT_EQ(p.t.cursor_rij(), 3) << p.t.scherm();
     EXPECT_TRUE(map.bestaat("0000K"));
     EXPECT_EQ(p.t.stuk(1, 46, 7), "Std K  ");
-    p.t.toetsen("<Esc>");
-    p.uit();
+    p.uit("<Esc>");
 }
 
 TEST(Keuze, EerstVerwerken) {
@@ -49,8 +45,7 @@ TEST(Keuze, EerstVerwerken) {
                                     {"2016Z/NEWORD.TXT", "Eerst orders verwerken a.u.b."}}) {
         schrijf_bestand(map.bestand(bestand), "");
         Programma p(map);
-        p.t.toetsen("<Enter><Enter>");
-        p.t.wacht(melding);
+        p.t.toetsen("<Enter><Enter>", melding);
         p.t.reeks("<Enter>");
         EXPECT_EQ(p.t.einde(), 0);
         unlink(map.bestand(bestand).c_str());
@@ -60,27 +55,19 @@ TEST(Keuze, EerstVerwerken) {
 TEST(Keuze, LeverancierOpNummerEnUitDeLijst) {
     Datamap map;
     Programma p(map);
-    p.t.toetsen("<Enter><Enter>999<Enter>");
-    p.t.wacht("Wilt u leverancier 999 toevoegen");
-    p.t.toetsen("<Enter>");
-    p.t.wacht("<999> Onbekende leverancier");
-    p.t.toetsen("40<Enter>");
-    p.t.wacht("Deze relatie is geen leverancier, toevoegen als leverancier");
-    p.t.toetsen("<Enter>");
-    p.t.wacht("<40> Deze relatie is geen leverancier");
-    p.t.toetsen("31<Enter>");
-    p.t.wacht_op(3, 19, "Møller & Søn");
+    p.t.toetsen("<Enter><Enter>999<Enter>", "Wilt u leverancier 999 toevoegen");
+    p.t.toetsen("<Enter>", "<999> Onbekende leverancier");
+    p.t.toetsen("40<Enter>", "Deze relatie is geen leverancier, toevoegen als leverancier");
+    p.t.toetsen("<Enter>", "<40> Deze relatie is geen leverancier");
+    p.t.toetsen("31<Enter>", 3, 19, "Møller & Søn");
     p.t.toetsen("<Esc>");
     // The list shows suppliers only; by name behind TAB.
-    p.t.toetsen("<Enter><Enter><F5><PgUp>");
-    p.t.wacht("Mode Centrale");
-    EXPECT_EQ(p.t.scherm().find("Agentuur"), std::string::npos);
+    p.t.toetsen("<Enter><Enter><F5><PgUp>", "Mode Centrale");
+    EXPECT_FALSE(bevat(p.t.scherm(), "Agentuur"));
     p.t.toetsen("<Tab>NOO<Enter>");
     EXPECT_TRUE(p.t.kalm());
-    p.t.toetsen("<Enter>");
-    p.t.wacht_op(3, 19, "Noord Ltd");
-    p.t.toetsen("<Esc>");
-    p.uit();
+    p.t.toetsen("<Enter>", 3, 19, "Noord Ltd");
+    p.uit("<Esc>");
     EXPECT_FALSE(map.bestaat("2016Z/ORD0027.JRN")) << "an empty journal stays behind";
 }
 
@@ -114,34 +101,28 @@ TEST(Keuze, OrderlijstSorteringPositieEnVerlaten) {
     EXPECT_NE(p.t.regel(22).find("<TAB> voor sortering"), std::string::npos) << p.t.scherm();
     // Latest date first, then the highest number, then the latest in the journal.
     rijen({"Vijfde", "Eerste", "Derde", "Vierde", "Tweede"});
-    p.t.toetsen("<Tab>");
-    p.t.wacht("Ordernr");
+    p.t.toetsen("<Tab>", "Ordernr");
     p.t.toetsen("9999<Enter>"); // above all: the first
     rijen({"1700", "1600", "1600", "1501", "1500"});
     p.t.toetsen("1600<Enter>");
     rijen({"Derde", "Vierde", "1501", "1500"});
-    p.t.toetsen("<Tab>");
-    p.t.wacht("Lev ordernr");
+    p.t.toetsen("<Tab>", "Lev ordernr");
     p.t.toetsen("<PgUp>");
     rijen({"Derde", "Vierde", "Tweede", "Vijfde", "Eerste"}); // without a number first, case doesn't separate
     // Behind something typed "/" is a character of the number; in an empty field it leads to the date.
     p.t.toetsen("A/<Back>-9<Enter>");
     rijen({"Tweede", "Vijfde", "Eerste"});
-    p.t.toetsen("<Home>b-/");
-    EXPECT_EQ(p.t.stuk(22, 16, 3), "b-/") << p.t.scherm();
+    p.t.toetsen("<Home>b-/", 22, 16, "b-/");
     p.t.toetsen("<Home><Del><Del><Del>");
     // F5 opens the list again, F3 leaves it.
     p.t.toetsen("/");
     p.t.weg("</> voor nieuwe");
     EXPECT_EQ(p.t.cursor_kolom(), 74) << p.t.scherm();
-    p.t.toetsen("<F5>");
-    p.t.wacht("</> voor nieuwe");
+    p.t.toetsen("<F5>", "</> voor nieuwe");
     p.t.toetsen("<F3>");
     EXPECT_EQ(p.t.cursor_kolom(), 74) << p.t.scherm();
     EXPECT_EQ(p.t.stuk(1, 74, 6), "010316") << "the working date again";
-    p.t.toetsen("<F5><Enter>");
-    p.t.wacht("1501 / Vijfde");
-    p.t.toetsen("<Esc>");
-    p.uit();
+    p.t.toetsen("<F5><Enter>", "1501 / Vijfde");
+    p.uit("<Esc>");
     EXPECT_EQ(map.journaal(), inhoud);
 }

@@ -18,14 +18,22 @@ struct Programma {
     void eerste_order(int nummer = 12) {
         leverancier(nummer);
         t.wacht("</> voor nieuwe order");
-        t.toetsen("<Enter>");
-        t.wacht_op(24, 1, "Uw keuze");
+        t.toetsen("<Enter>", 24, 1, "Uw keuze");
     }
-    // From the season prompt to the end.
-    void uit() {
+    // By these keys to the season prompt, and to the end.
+    void uit(std::string_view reeks = "") {
+        if (!reeks.empty())
+            t.toetsen(reeks);
         t.kalm();
         t.reeks("<Esc>");
         EXPECT_EQ(t.einde(), 0) << t.scherm();
+    }
+};
+
+// A journal of supplier 12 in a directory of its own, and its first order on the line screen.
+struct Orderscherm : Datamap, Programma {
+    explicit Orderscherm(const std::string& jrn) : Programma((journaal(jrn), static_cast<Datamap&>(*this))) {
+        eerste_order();
     }
 };
 

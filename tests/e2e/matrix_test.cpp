@@ -6,27 +6,14 @@ using namespace zg::test;
 
 namespace {
 
-std::string model(const char* naam, int groep, int maatsoort) {
-    zg::ordmodel m{};
-    m.merk = 5;
-    zg::VASTIN(m.model, naam);
-    m.artikelgroep = groep;
-    m.maatsoort = static_cast<uint8_t>(maatsoort);
-    return record('M', m);
-}
-
 // A line of sizes 1 to `maten` at 10.00, n pieces of size n, the last one in a second branch and term.
 std::string regel(int kleur, const char* kenmerk, int maten) {
-    zg::orddessin d{};
-    d.kleur = static_cast<uint16_t>(kleur);
+    zg::orddessin d = een_dessin("", kleur, maten);
     zg::VASTIN(d.kenmerk, kenmerk);
-    std::string prijzen, term = record('L', zg::ordlevt{42440, 42450});
+    std::string prijzen, term = rec_term(42440, 42450);
     for (int maat = 1; maat <= maten; maat++) {
-        const auto m = static_cast<uint8_t>(maat);
-        d.maten[m / 8] = static_cast<uint8_t>(d.maten[m / 8] | 1 << m % 8);
-        prijzen += record('S', zg::ordmaat{m, {}, 1200, 1000});
-        term += (maat == maten ? record('L', zg::ordlevt{42460, 42470}) : "") +
-                record('F', zg::ordfil{static_cast<uint8_t>(maat == maten ? 2 : 0), m, 0, maat});
+        prijzen += rec_maat(maat, 1200, 1000);
+        term += (maat == maten ? rec_term(42460, 42470) : "") + rec_cel(maat == maten ? 2 : 0, maat, maat);
     }
     return record('D', d) + prijzen + term;
 }
@@ -34,15 +21,12 @@ std::string regel(int kleur, const char* kenmerk, int maten) {
 } // namespace
 
 TEST(Matrix, TweeMaatsoorten) {
-    Datamap map;
-    std::string order = record('O', maak_kop("Matrix")) + model("POLO", 10001, 2);
+    std::string order = record('O', maak_kop("Matrix")) + rec_model(5, "POLO", 2);
     for (int kleur = 40; kleur >= 1; kleur--)
         order += regel(kleur, "", 13);
-    order += model("ROK", 10001, 3) + regel(7, "b", 25) + model("POLO", 20000, 3) + regel(7, "C", 25) +
+    order += rec_model(5, "ROK", 3) + regel(7, "b", 25) + rec_model(5, "POLO", 3, 20000) + regel(7, "C", 25) +
              regel(7, "b", 25) + regel(7, "A", 25) + regel(7, "b", 25);
-    map.journaal(order);
-    Programma p(map);
-    p.eerste_order();
+    Orderscherm p(order);
     const std::string regels = p.t.scherm();
 
     // The model: 40 colours and their total on three screens of thirteen sizes, then the other type.
@@ -82,7 +66,6 @@ TEST(Matrix, TweeMaatsoorten) {
             {{"M2", {{3, 2, " Artg   10001 Jurken"}, {23, 36, "Netto    39650.00 EUR"}}},
              {"<PgDn><PgDn><PgDn>", {{4, 67, "Scherm 4/4"}, {6, 2, "  7 b    325"}, {7, 2, "***      325"}}},
              {"<PgDn><Esc>M<Enter>", {{3, 2, " Artg   10001"}}}});
-    p.t.toetsen("<Esc><Esc>");
-    p.uit();
-    EXPECT_EQ(map.journaal(), order);
+    p.uit("<Esc><Esc>");
+    EXPECT_EQ(p.journaal(), order);
 }

@@ -44,8 +44,7 @@ TEST(Omstandigheid, WerkbestandNietTeOpenen) {
         mkdir(map.bestand(naam).c_str(), 0700);
         Programma p(map);
         p.leverancier();
-        p.t.toetsen("<Enter>");
-        p.t.wacht_op(23, 1, naam + ": Bestand niet te openen");
+        p.t.toetsen("<Enter>", 23, 1, naam + ": Bestand niet te openen");
         p.t.reeks("<Enter>");
         EXPECT_EQ(p.t.einde(), 0) << p.t.scherm();
         EXPECT_EQ(map.journaal(), inhoud);
@@ -66,14 +65,10 @@ TEST(Omstandigheid, EdiOrder) {
     Programma p(map);
     p.eerste_order();
     EXPECT_EQ(p.t.stuk(1, 54, 6), "ADMORD") << p.t.scherm();
-    p.t.toetsen("WO");
-    p.t.wacht_op(7, 42, "Filiaal 2 Filiaal 2");
+    p.t.toetsen("WO", 7, 42, "Filiaal 2 Filiaal 2");
     p.t.wacht_op(8, 42, "SO-4711");
-    p.t.toetsen("N1");
-    p.t.wacht_op(7, 42, "Magazijn");
-    p.t.toetsen("N23<Enter>");
-    p.t.wacht_op(7, 42, "Filiaal 3 Filiaal 3");
-    p.t.toetsen("<Esc><Esc>");
-    p.uit();
+    p.t.toetsen("N1", 7, 42, "Magazijn");
+    p.t.toetsen("N23<Enter>", 7, 42, "Filiaal 3 Filiaal 3");
+    p.uit("<Esc><Esc>");
     EXPECT_EQ(kop_van(map.journaal()).ontvangstlocatie, 3);
 }

@@ -5,7 +5,6 @@
 #include "price/koers.h"
 #include "shared/sysrec.h"
 #include "support/paar.h"
-#include "term/gesprek.h"
 
 using namespace zg;
 using namespace zg::test;
@@ -24,30 +23,21 @@ ordkop prijskop(const char* naam, const char* valuta, uint32_t koers, uint16_t e
 
 // A model of the first size type with a line for each colour: four sizes at odd prices, with E and B behind them, and
 // pieces in two terms and two branches. `blok` is the line's advice prices.
-std::string regels(int kleuren, const std::string& blok = "", uint16_t merk = 5, int32_t groep = 10001) {
-    ordmodel m{};
-    m.merk = merk;
-    VASTIN(m.model, "JURK");
-    m.maatsoort = 1;
-    m.artikelgroep = groep;
-    std::string uit = record('M', m);
+std::string regels(int kleuren, const std::string& blok = "", int merk = 5, int32_t groep = 10001) {
+    std::string uit = rec_model(merk, "JURK", 1, groep);
     for (int kleur = 1; kleur <= kleuren; kleur++) {
-        orddessin d{};
-        VASTIN(d.dessin, "UNI");
-        d.kleur = static_cast<uint16_t>(kleur);
-        d.maten[0] = 0x1E;
+        orddessin d = een_dessin("UNI", kleur, 4);
         memcpy(d.adviesblok, blok.data(), blok.size());
         uit += record('D', d);
-        for (uint8_t maat = 1; maat <= 4; maat++) {
-            uit += record('S', ordmaat{maat, {}, 1999 + 37 * maat * kleur, 1733 + 31 * maat * kleur});
+        for (int maat = 1; maat <= 4; maat++) {
+            uit += rec_maat(maat, 1999 + 37 * maat * kleur, 1733 + 31 * maat * kleur);
             if (maat == 2)
                 uit += record('E', ordextra{"extra"}) + record('B', ordextra{"bij"});
         }
-        for (uint16_t t = 0; t < 2; t++) {
-            uit += record('L', ordlevt{static_cast<uint16_t>(WERKDATUM + t),
-                                       static_cast<uint16_t>(WERKDATUM + 30 + t)});
-            for (uint8_t maat = 1; maat <= 4; maat++)
-                uit += record('F', ordfil{static_cast<uint8_t>(t * 2), maat, 0, maat + 7 * kleur + t});
+        for (int t = 0; t < 2; t++) {
+            uit += rec_term(WERKDATUM + t, WERKDATUM + 30 + t);
+            for (int maat = 1; maat <= 4; maat++)
+                uit += rec_cel(t * 2, maat, maat + 7 * kleur + t);
         }
     }
     return uit;
@@ -103,23 +93,19 @@ TEST(Prijs, TotalenZijnDieVanHetJournaal) {
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.wat);
-        Datamap map;
         const std::string inhoud = regels(3);
-        map.journaal(record('O', g.kop) + inhoud);
-        Programma p(map);
-        p.eerste_order();
+        Orderscherm p(record('O', g.kop) + inhoud);
         p.t.toetsen(g.toetsen);
         const std::string gezien = op_scherm(p.t, 3);
         p.t.toetsen("<Esc><Enter><Enter>12<Enter><Enter>");
         const std::string weer = op_scherm(p.t, 3);
-        if (g.toetsen[0] && lichaam<ordkop>(map.journaal(), 0).korting != 0) {
+        if (g.toetsen[0] && lichaam<ordkop>(p.journaal(), 0).korting != 0) {
             const int bellen = p.t.bellen();
             p.t.toetsen("WOG<Esc>"); // with lines it stays
             EXPECT_GT(p.t.bellen(), bellen) << p.t.scherm();
         }
-        p.t.toetsen("<Esc>");
-        p.uit();
-        const std::string jrn = map.journaal();
+        p.uit("<Esc>");
+        const std::string jrn = p.journaal();
         EXPECT_EQ(jrn.substr(121), inhoud);
         EXPECT_EQ(jrn.substr(0, 121) == record('O', g.kop), !g.toetsen[0]);
         const std::string hoort = volgens(handsom(jrn, 0, g.decimalen, 12500), g.decimalen);
@@ -190,17 +176,13 @@ TEST(Prijs, WatNiemandWijzigdeBlijft) {
         Programma p(map);
         p.eerste_order();
         const std::string regel = p.t.regel(8);
-        p.t.toetsen("WP");
-        p.t.wacht(" PRIJSINFORMATIE ");
-        p.t.toetsen("P<Esc><Esc>I<Esc><Esc>A<Esc><Esc><Esc>");
-        p.t.wacht_op(24, 1, "Uw keuze");
+        p.t.toetsen("WP", " PRIJSINFORMATIE ");
+        p.t.toetsen("P<Esc><Esc>I<Esc><Esc>A<Esc><Esc><Esc>", 24, 1, "Uw keuze");
         EXPECT_EQ(p.t.regel(8), regel) << p.t.scherm();
         p.t.toetsen("<Esc><Enter><Enter>12<Enter>");
         EXPECT_TRUE(map.journaal() == g.order) << "looked at";
-        p.t.toetsen("<Enter>WDDANDERS<Enter><Esc>");
-        EXPECT_TRUE(p.t.wacht_op(8, 36, "ANDERS")) << p.t.scherm();
-        p.t.toetsen("<Esc>");
-        p.uit();
+        p.t.toetsen("<Enter>WDDANDERS<Enter><Esc>", 8, 36, "ANDERS");
+        p.uit("<Esc>");
         std::string anders = g.order;
         const size_t d = anders.find("UNI");
         anders.replace(d, 6, "ANDERS");
@@ -245,8 +227,7 @@ TEST(Prijs, VanBeginTotJournaal) {
     Terminal& t = p.t;
     p.leverancier();
     t.toetsen("<Enter><Esc>G10<Enter><Esc>");
-    t.toetsen("T9<Enter>X<Enter>10003<Enter><Esc>2<Enter><Esc>S<Enter>");
-    t.wacht(" DEFINIEREN PRIJZEN ");
+    t.toetsen("T9<Enter>X<Enter>10003<Enter><Esc>2<Enter><Esc>S<Enter>", " DEFINIEREN PRIJZEN ");
     stappen(
         t, {{"37<Enter><F10>110<Enter>", {{23, 3, "Kortingsmethode Automatisch  19.00%"}}},
             {"10<Enter>", {{17, 18, "  8.10"}, {19, 16, "19.60"}}},
@@ -265,10 +246,8 @@ TEST(Prijs, VanBeginTotJournaal) {
     stappen(t, {{"<Enter>", {{8, 5, " 35  37  38     "}, {16, 18, " 18.00    19.95    23.95    "}}},
                 {"MN<Enter><Right>J<Esc><Enter>", {{16, 18, " 18.00    21.00    19.95    23.95"}}}});
     t.toetsen("MN<Enter><Enter><Enter><Enter>N<Enter><Esc>"); // the last one goes for good
-    t.toetsen("D<Enter>1<Enter><Esc>");
-    t.wacht(" PRIJSINFORMATIE ");
-    t.toetsen("I<Enter>20<Enter><Enter><Esc><Esc>A<Esc>");
-    t.wacht_op(4, 58, "2");
+    t.toetsen("D<Enter>1<Enter><Esc>", " PRIJSINFORMATIE ");
+    t.toetsen("I<Enter>20<Enter><Enter><Esc><Esc>A<Esc>", 4, 58, "2");
     t.toetsen("<Esc>");
     p.uit();
     EXPECT_EQ(prijzen_van(map.journaal()), "\n2: 1 1000/900 2 1000/900 3 1000/900 1=1800 2=2100 3=1995"
@@ -277,41 +256,27 @@ TEST(Prijs, VanBeginTotJournaal) {
 
 // Under a surcharge a net price may be stored as one that reads a cent beside it: what is added up is what reads back.
 TEST(Prijs, ToeslagTeltWatHetBestandHoudt) {
-    Datamap map;
     zg::ordkop kop = maak_kop("Toeslag");
     kop.korting = 500;
-    map.journaal(maak_order(kop, {Regel{.aantal = 100, .prijs = 2000}}));
-    Programma p(map);
-    p.eerste_order();
-    p.t.toetsen("wpi<Esc>n20,05<Enter><Esc><Esc>");
-    EXPECT_TRUE(p.t.wacht("Netto      2006.00")) << p.t.scherm();
-    EXPECT_TRUE(p.t.wacht("100    2006.00")) << p.t.scherm();
-    p.t.toetsen("<Esc><Esc>");
-    p.uit();
+    Orderscherm p(maak_order(kop, {Regel{.aantal = 100, .prijs = 2000}}));
+    p.t.toetsen("wpi<Esc>n20,05<Enter><Esc><Esc>", "Netto      2006.00");
+    p.t.wacht("100    2006.00");
+    p.uit("<Esc><Esc>");
 }
 
 // More groups and sizes than a page has, both ways; what is shown is as it was.
 TEST(Prijs, Bladeren) {
-    Datamap map;
-    ordmodel m{};
-    m.merk = 5, m.maatsoort = 3, m.artikelgroep = 10001;
-    orddessin d{};
-    std::string blok, maten;
-    for (uint8_t maat = 1; maat <= 25; maat++) {
-        d.maten[maat / 8] = static_cast<uint8_t>(d.maten[maat / 8] | 1 << maat % 8);
-        maten += record('S', ordmaat{maat, {}, 1000 + maat / 4, 1000 + maat / 4});
-    }
-    const std::string order = record('O', maak_kop("Veel")) + record('M', m) + record('D', d) + maten;
-    map.journaal(order);
-    Programma p(map);
-    p.eerste_order();
+    std::string order =
+        record('O', maak_kop("Veel")) + rec_model(5, "", 3) + record('D', een_dessin("", 0, 25));
+    for (int maat = 1; maat <= 25; maat++)
+        order += rec_maat(maat, 1000 + maat / 4, 1000 + maat / 4);
+    Orderscherm p(order);
     stappen(p.t,
             {{"WP", {{8, 5, " 50  51  52 "}, {8, 77, ">"}, {10, 20, "1  "}, {12, 18, " 10.00    10.01"}}},
              {"<F8>", {{8, 3, "<  68  69  70  71  72  73  74 "}, {12, 18, " 10.06"}}},
              {"<F7>", {{8, 5, " 50  51  52 "}, {12, 18, " 10.00    10.01"}}}});
-    p.t.toetsen("<Esc><Esc>");
-    p.uit();
-    EXPECT_EQ(map.journaal(), order);
+    p.uit("<Esc><Esc>");
+    EXPECT_EQ(p.journaal(), order);
 }
 
 // Another rate of the day counts from the next action on, for the lines and all sums; an action keeps the one that it
@@ -336,19 +301,14 @@ TEST(Prijs, DagkoersVerandertOnderDeOrder) {
     EXPECT_EQ(kopsom(p.t), kopsom(handsom(order, 0, 2, 15000).order, 2));
     p.t.toetsen("M1<Esc>");
     EXPECT_EQ(op_scherm(p.t, 2), hoort(20000));
-    p.t.toetsen("<Esc>");
-    p.uit();
+    p.uit("<Esc>");
     EXPECT_EQ(map.journaal(), order);
 }
 
 // A brand maintained from under the line: its factor counts from then on, not the one that the line was begun with.
 TEST(Prijs, FactorVanHetMerkVerandertOnderDeOrder) {
-    Datamap map;
-    map.journaal(maak_order(maak_kop("a"), {{9}})); // of one size
-    Programma p(map);
-    p.eerste_order();
+    Orderscherm p(maak_order(maak_kop("a"), {{9}})); // of one size
     stappen(p.t, {{"WPA<Enter><F10>", {{21, 3, "Calc.factor         2.420"}}}});
-    p.t.toetsen("<Esc><Esc><Esc><Esc>WMR<F5><F10>W163<Enter><Esc><Esc><Esc><Esc>");
-    p.t.wacht_op(24, 1, "Uw keuze");
+    p.t.toetsen("<Esc><Esc><Esc><Esc>WMR<F5><F10>W163<Enter><Esc><Esc><Esc><Esc>", 24, 1, "Uw keuze");
     stappen(p.t, {{"WPA<Enter><F10>", {{21, 3, "Calc.factor         3.000"}}}});
 }

@@ -1,12 +1,8 @@
 // Lines on an order as a buyer makes them: from nothing, duplicated, changed; the keys, and the bytes of the journal
 // then.
-#include "e2e/loop.h"
-#include "order/driver.h"
+#include "e2e/storingsmap.h"
 #include "order/ioord.h"
-#include "order/start.h"
 #include "shared/maatbalk.h"
-#include "support/ordbytes.h"
-#include "term/scherm.h"
 
 using namespace zg::test;
 using zg::VASTIN;
@@ -26,7 +22,7 @@ struct Lijn {
         std::string uit = record('D', d) + tekst(4, dessintekst);
         for (int maat = 1; maat <= 95; maat++)
             if (d.maten[maat / 8] >> maat % 8 & 1)
-                uit += record('S', zg::ordmaat{static_cast<uint8_t>(maat), {}, bruto, netto});
+                uit += rec_maat(maat, bruto, netto);
         return uit + termen;
     }
     // One gross price and one advice price for these sizes.
@@ -44,10 +40,10 @@ struct Lijn {
 
 // A term with pieces of the sizes from 1 on, in the first branch.
 std::string termijn(int van, int tot, std::initializer_list<int32_t> aantallen) {
-    std::string uit = record('L', zg::ordlevt{static_cast<uint16_t>(van), static_cast<uint16_t>(tot)});
-    uint8_t maat = 0;
+    std::string uit = rec_term(van, tot);
+    int maat = 0;
     for (int32_t n : aantallen)
-        uit += record('F', zg::ordfil{0, ++maat, 0, n});
+        uit += rec_cel(0, ++maat, n);
     return uit;
 }
 
@@ -79,20 +75,16 @@ TEST(Regel, VanNietsEnGedupliceerd) {
     const std::string jrn = map.bestand("2016Z/ORD0011.JRN"), voor = lees_bestand(jrn);
     Programma p(overgave(map), demo_opties(map));
     p.eerste_order(11);
-    p.t.toetsen("T");
-    p.t.wacht(" MODEL ");
-    p.t.toetsen("BROU<Enter>");
-    EXPECT_TRUE(p.t.wacht_op(7, 22, "101   Brouwer")) << p.t.scherm();
-    p.t.toetsen("nieuw<Enter>1120<Enter><Enter><Enter>Let op<Esc><Esc>");
-    p.t.wacht(" DESSIN ");
+    p.t.toetsen("T", " MODEL ");
+    p.t.toetsen("BROU<Enter>", 7, 22, "101   Brouwer");
+    p.t.toetsen("nieuw<Enter>1120<Enter><Enter><Enter>Let op<Esc><Esc>", " DESSIN ");
     EXPECT_TRUE(p.t.wacht_op(11, 22, "D     Dames")) << "the brand's\n" << p.t.scherm();
     p.t.toetsen(
-        "Katoen<Enter>Streep<Enter>14<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter>49,95<Enter><Esc>");
-    p.t.wacht("alle maten van deze maatsoort");
+        "Katoen<Enter>Streep<Enter>14<Enter>Streeptrui<Enter><Enter>2ook<Esc>M<Enter>49,95<Enter><Esc>",
+        "alle maten van deze maatsoort");
     p.t.toetsen("<Down>S<Enter><Enter>20<Enter>");
     EXPECT_TRUE(p.t.wacht_op(19, 16, "60.50___")) << "two and a half times, with VAT\n" << p.t.scherm();
-    p.t.toetsen("<Enter><Esc>");
-    p.t.wacht("Levertermijn");
+    p.t.toetsen("<Enter><Esc>", "Levertermijn");
     p.t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter>");
     p.t.toetsen("D010416<Enter>300416<Enter>A<Esc>"); // a second term with the same pieces
     EXPECT_TRUE(
@@ -101,12 +93,9 @@ TEST(Regel, VanNietsEnGedupliceerd) {
     p.t.toetsen("D<Enter>20<Enter><Esc><Esc>A<Esc>"); // joins the model, quantities too
     p.t.toetsen(
         "D<Enter><Enter>Mander<Enter><Esc>P<Enter>25<Enter><Enter><Enter><Esc><Esc>N<Esc>"); // another name, no quantities
-    p.t.toetsen("D<Enter><Enter>S2<Enter><Esc>"); // another size type
-    p.t.wacht(" Damesmaten ");
-    p.t.toetsen("S<Enter><Enter>30<Enter><Enter><Esc><Enter><Enter>1<Enter><Esc><Esc>");
-    EXPECT_TRUE(p.t.wacht_op(4, 58, "5")) << p.t.scherm();
-    p.t.toetsen("<Esc><Esc>"); // the menu is next
-    p.uit();
+    p.t.toetsen("D<Enter><Enter>S2<Enter><Esc>", " Damesmaten "); // another size type
+    p.t.toetsen("S<Enter><Enter>30<Enter><Enter><Esc><Enter><Enter>1<Enter><Esc><Esc>", 4, 58, "5");
+    p.uit("<Esc><Esc>"); // the menu is next
 
     Lijn l;
     l.m.merk = 101;
@@ -141,15 +130,11 @@ TEST(Regel, VanNietsEnGedupliceerd) {
 // F6 gives up a new line wherever it is asked, ESC leaves nothing out that a line can't do without; the cursor's line
 // is whole afterwards, and a change of it brings nothing of what was given up.
 TEST(Regel, NieuweOpgegeven) {
-    Datamap map;
     const std::string voor = maak_order(maak_kop("Mijn"), {{5, "A", "D1"}, {5, "A", "D2"}});
-    map.journaal(voor);
-    Programma p(map);
-    p.eerste_order();
+    Orderscherm p(voor);
     p.t.toetsen("T");
     EXPECT_TRUE(p.t.wacht_op(7, 22, "5     Vijf Sterren")) << "that of the line above\n" << p.t.scherm();
-    p.t.toetsen("<Esc><Esc>");
-    EXPECT_TRUE(p.t.wacht_op(25, 1, "Ingave verplicht")) << p.t.scherm();
+    p.t.toetsen("<Esc><Esc>", 25, 1, "Ingave verplicht");
     EXPECT_EQ(p.t.cursor_rij(), 8) << "the name\n" << p.t.scherm();
     p.t.toetsen("X<Enter><Esc>");
     EXPECT_EQ(p.t.cursor_rij(), 9) << "the group\n" << p.t.scherm();
@@ -159,12 +144,10 @@ TEST(Regel, NieuweOpgegeven) {
     EXPECT_TRUE(p.t.wacht_op(11, 22, "1     Maten")) << "the group's\n" << p.t.scherm();
     p.t.toetsen("S9<Enter>J<Enter>Nieuw<Enter>A<Enter><Esc><Esc>");
     EXPECT_TRUE(p.t.wacht_op(11, 22, "9     Nieuw")) << "made, and taken\n" << p.t.scherm();
-    p.t.toetsen("S1<Enter>OTekst<Esc><Esc>");
-    p.t.wacht(" DESSIN ");
+    p.t.toetsen("S1<Enter>OTekst<Esc><Esc>", " DESSIN ");
     EXPECT_EQ(p.t.cursor_rij(), 9) << "the colour\n" << p.t.scherm();
     p.t.toetsen("2<Enter>MKATOEN<Enter>C9<Enter><Esc>");
-    p.t.toetsen("<F6>J<Enter>");
-    EXPECT_EQ(p.t.stuk(4, 58, 1), "2") << p.t.scherm();
+    p.t.toetsen("<F6>J<Enter>", 4, 58, "2");
     // At the bars, the toggles and their question; at a date, in a cell, at the choices.
     for (const char* tot : {"", "SN", "S", "S<Enter><Enter>33<Enter><Esc><Esc>",
                             "S<Enter><Enter>33<Enter><Esc><Esc><Enter><Enter>3",
@@ -172,18 +155,16 @@ TEST(Regel, NieuweOpgegeven) {
         SCOPED_TRACE(tot);
         p.t.toetsen("T<Esc><Esc>X<Enter><Esc>10001<Enter><Esc><Esc><Esc>2<Enter><Esc>");
         p.t.wacht("alle maten van deze maatsoort");
-        p.t.toetsen(std::string(tot) + "<F6><Enter><F6>J<Enter>");
-        EXPECT_TRUE(p.t.wacht_op(24, 1, "Uw keuze _  Toevoegen")) << p.t.scherm();
+        p.t.toetsen(std::string(tot) + "<F6><Enter><F6>J<Enter>", 24, 1, "Uw keuze _  Toevoegen");
         EXPECT_EQ(p.t.stuk(4, 58, 1), "2") << p.t.scherm();
     }
-    p.t.toetsen("WDDANDERS<Enter><Esc><Esc>");
-    p.uit();
+    p.uit("WDDANDERS<Enter><Esc><Esc>");
     zg::orddessin oud{}, nieuw{};
     memcpy(&oud, &voor[voor.find("DD1") + 1], sizeof oud);
     nieuw = oud;
     VASTIN(nieuw.dessin, "ANDERS");
-    EXPECT_TRUE(map.journaal() == met(voor, 'D', oud, nieuw));
-    EXPECT_EQ(map.restjes(), "");
+    EXPECT_TRUE(p.journaal() == met(voor, 'D', oud, nieuw));
+    EXPECT_EQ(p.restjes(), "");
 }
 
 // One change of the second line of a model, and what the journal holds then.
@@ -245,17 +226,13 @@ TEST(Regel, Gewijzigd) {
     };
     for (const auto& r : rijen) {
         SCOPED_TRACE(r.wat);
-        Datamap map;
-        map.journaal(r.voor);
-        Programma p(map);
-        p.eerste_order();
+        Orderscherm p(r.voor);
         p.t.toetsen("<Down>");
         p.t.reeks(r.toetsen);
         if (r.gezegd[0])
             p.t.wacht(r.gezegd);
-        p.t.toetsen(r.daarna);
-        p.uit();
-        EXPECT_TRUE(zonder_tijd(map.journaal()) == zonder_tijd(r.na));
+        p.uit(r.daarna);
+        EXPECT_TRUE(zonder_tijd(p.journaal()) == zonder_tijd(r.na));
     }
 }
 
@@ -263,23 +240,11 @@ TEST(Regel, Gewijzigd) {
 TEST(Regel, BalkWegAanHetEinde) {
     Datamap map;
     map.journaal(maak_order(maak_kop("Basis"), {Regel{}}));
-    std::vector<std::string> argv = map.overgave();
-    Terminal t(
-        [&argv] {
-            std::vector<char*> a;
-            for (std::string& s : argv)
-                a.push_back(s.data());
-            zg::prog_start("zgbestel", "01-11-2026", static_cast<int>(a.size()), a.data());
-            zg::ordparm_lees();
-            zg::order_lus();
-            zg::SCREXIT();
-            return zg::maatbalk ? 1 : 0;
-        },
-        map.opties());
-    t.wacht_op(1, 46, "2016");
-    t.toetsen("<Enter><Enter>12<Enter><Enter>");
-    t.wacht_op(24, 1, "Uw keuze");
-    t.toetsen("<Esc>");
-    t.stuur("\033");
-    EXPECT_EQ(t.einde(), 0) << t.scherm();
+    const auto t = met_storing(
+        map, map.overgave(), [] {}, [] { return zg::maatbalk ? 1 : 0; });
+    t->wacht_op(1, 46, "2016");
+    t->toetsen("<Enter><Enter>12<Enter><Enter>", 24, 1, "Uw keuze");
+    t->toetsen("<Esc>");
+    t->stuur("\033");
+    EXPECT_EQ(t->einde(), 0) << t->scherm();
 }

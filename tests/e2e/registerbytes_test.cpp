@@ -76,13 +76,10 @@ TEST(Registerbytes, TwoOrdersInANewRegister) {
 
     auto order = [&](const std::string& kop, const std::string& regel) {
         Programma p(overgave(map), demo_opties(map));
-        p.t.toetsen("<Enter><Enter>" + kop);
-        EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << p.t.scherm();
-        p.t.toetsen(regel);
-        EXPECT_TRUE(p.t.wacht("Uw keuze _  T")) << p.t.scherm();
+        p.t.toetsen("<Enter><Enter>" + kop, "Uw keuze _  T");
+        p.t.toetsen(regel, "Uw keuze _  T");
         const std::string beeld = p.t.scherm();
-        p.t.toetsen("<Esc><Esc>");
-        p.uit();
+        p.uit("<Esc><Esc>");
         return beeld;
     };
     const std::string euro = order(
@@ -184,8 +181,7 @@ TEST(Registerbytes, TwoOrdersInANewRegister) {
         Programma p(overgave(map), demo_opties(map));
         p.eerste_order(leverancier);
         EXPECT_EQ(p.t.scherm(), beeld);
-        p.t.toetsen("<Esc><Esc>");
-        p.uit();
+        p.uit("<Esc><Esc>");
     }
 }
 

@@ -2,7 +2,6 @@
 // names the fault, or an answer, and never a crash; and the files that aren't being changed stay as they
 // were.
 #include "support/demomap.h"
-#include <cstdint>
 #include <iterator>
 #include <random>
 
@@ -100,7 +99,7 @@ TEST(Schade, EveryFileEveryDamage) {
             EXPECT_EQ(wandel(t, &melding), 1) << t.scherm();
             const bool gemeld = melding.find("niet gevonden") == std::string::npos;
             if (gemeld && naam != "DTSYS.TXT") {
-                EXPECT_NE(melding.find(stam), std::string::npos) << "does not name the file\n" << melding;
+                EXPECT_TRUE(bevat(melding, stam)) << "does not name the file";
             }
             EXPECT_EQ(t.uitvoer().find("Sanitizer"), std::string::npos) << t.uitvoer();
             EXPECT_EQ(t.uitvoer().find("runtime error"), std::string::npos) << t.uitvoer();

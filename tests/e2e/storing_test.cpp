@@ -38,13 +38,10 @@ TEST(Storing, GeweigerdDoorVolleSchijf) {
         Terminal t(argv, map.opties());
         t.wacht_op(1, 46, "2016");
         t.toetsen("<Enter><Enter>12<Enter><Down><Enter>");
-        t.toetsen(g.toetsen);
-        t.wacht("schijf vol");
-        t.toetsen("<Enter>");
-        t.wacht_op(g.rij, g.kolom, g.oud);
+        t.toetsen(g.toetsen, "schijf vol");
+        t.toetsen("<Enter>", g.rij, g.kolom, g.oud);
         EXPECT_EQ(t.stuk(5, 52, 8), "   0.00%");
-        t.toetsen(g.toetsen);
-        t.wacht_op(g.rij, g.kolom, g.nieuw);
+        t.toetsen(g.toetsen, g.rij, g.kolom, g.nieuw);
         t.toetsen("<Esc><Esc><Esc>");
         EXPECT_EQ(t.einde(10000), 0) << t.scherm();
         const std::string na = map.journaal();

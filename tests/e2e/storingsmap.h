@@ -1,7 +1,6 @@
 // The full registration under faults: a demo directory that goes back to how it stood, and the program in it with its keys
 // typed ahead, killed at the n-th call that writes or refused there.
 #pragma once
-#include "e2e/datamap.h"
 #include "e2e/loop.h"
 #include "shared/registerrec.h"
 

@@ -35,10 +35,8 @@ TEST(Tekenset, LettersInEenOrder) {
         p.t.toetsen("WOO");
         p.t.stuur(g.getypt);
         p.t.kalm();
-        p.t.toetsen("<Enter><Esc>");
-        p.t.wacht(std::string("/ ") + g.getoond);
-        p.t.toetsen("<Esc>");
-        p.uit();
+        p.t.toetsen("<Enter><Esc>", std::string("/ ") + g.getoond);
+        p.uit("<Esc>");
         EXPECT_EQ(zg::VASTTEKST(kop_van(map.journaal()).omschrijving), g.opgeslagen);
     }
 }
