@@ -4,6 +4,7 @@
 #include "order/ordrec.h"
 #include "print/printtabel.h"
 #include "shared/ioeti.h"
+#include "shared/files.h"
 #include "shared/iofil.h"
 #include "shared/iomaat.h"
 #include "shared/registerrec.h"
@@ -155,7 +156,8 @@ TEST(Docs, ArchitectureNamesTheFoldersLayersAndFiles) {
         return uit;
     };
     EXPECT_EQ(sorteer(lagen), sorteer(alle(lees("tests/layers"), "split\\(\"([^\"]*)\", rows")[0]));
-    // The files of each chapter's table, in its folder or in the folder of src that they name.
+    // The files of each chapter's table, in its folder or in the folder of src that they name; and every file has its place.
+    std::set<std::string> genoemd;
     for (const std::string& hoofdstuk : knip(doc, "\n## ")) {
         const std::vector<std::string> mappen =
             alle(hoofdstuk.substr(0, hoofdstuk.find('\n')), "`(src/[^`]*)`");
@@ -166,8 +168,20 @@ TEST(Docs, ArchitectureNamesTheFoldersLayersAndFiles) {
                 bool er = is_er("src/" + naam) && heeft(naam, "/");
                 for (const std::string& map : mappen)
                     er = er || is_er(map + "/" + naam) || is_er(map + "/" + naam + "*");
+                genoemd.insert(naam.substr(naam.rfind('/') + 1));
                 EXPECT_TRUE(er) << naam << " isn't in " << mappen[0];
             }
+        for (const std::string& naam : alle(hoofdstuk, "`(?:src/)?(?:\\w+/)*(\\w+\\.cpp)`"))
+            genoemd.insert(naam);
+    }
+    for (const auto& e : fs::recursive_directory_iterator(HIER + "src")) {
+        const std::string naam = e.path().filename();
+        EXPECT_TRUE(e.path().extension() != ".cpp" || genoemd.contains(naam) ||
+                    std::ranges::any_of(genoemd,
+                                        [&](const std::string& g) {
+                                            return heeft(g, "*") && IOPAST(g.c_str(), naam.c_str());
+                                        }))
+            << naam << " isn't named";
     }
 }
 
