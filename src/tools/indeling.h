@@ -26,7 +26,7 @@ struct Veldmag {
         EINDDAG,   // or the mark of a period without an end
         GETAL,     // each number of `breedte` bytes (0: of the field's) from `van` to `tot`, or `ook`
         EENHEID,   // not 0 while there is a rate in the four bytes in front of it
-        MATEN,     // bits of sizes
+        MAATBITS,  // bits of sizes
         ADVIES     // eight ends of ranges with their prices
     } soort = NAAR_TYPE;
     int64_t van = 0, tot = 0, ook = 0;

@@ -125,7 +125,7 @@ std::string fout_in(const Veld& v, const uint8_t* p) {
     case Mag::EENHEID:
         return veld_getal(p - 4, 4, false) != 0 && veld_getal(p, v.lengte, false) == 0 ? "is 0 for a rate"
                                                                                        : "";
-    case Mag::MATEN:
+    case Mag::MAATBITS:
         return *p & 1 ? "has size 0, which there isn't" : "";
     case Mag::ADVIES:
         return advies(p);
