@@ -86,6 +86,8 @@ TEST_F(Macro, MenuAndLists) {
     EXPECT_TRUE(t.wacht("7      b     Tweede"));
     EXPECT_TRUE(t.wacht("Cursor Up, Cursor Down, Page Up, Page Down"));
     EXPECT_EQ(t.scherm().find("Vreemde"), std::string::npos);
+    t.toetsen("<Up>"); // above the first is none
+    EXPECT_EQ(t.scherm().find("Eerste"), t.scherm().rfind("Eerste")) << t.scherm();
     t.toetsen("<Down><Enter>");
     EXPECT_TRUE(t.wacht_op(1, 1, "122"));
     t.reeks("<F2><Del>");

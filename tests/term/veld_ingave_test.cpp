@@ -267,6 +267,7 @@ TEST(VeldIngave, Datums) {
         weigert("8D", "03052016", "-20000<Enter>", "<310761> Alleen datum tussen 01-01-1980 en 31-12-2050",
                 "03-05-16"),
         weigert("8D,E", "", "+0<Enter>", "<+0> Foutieve ingave", "__-__-__"),
+        {"8D", "05011900", "-5", "<Enter>", "", ANDERS | LEEG, K_ENTER, nullptr, "  -  -  ", nullptr, 0, 0},
         {"8D", "", "+5", "<Enter>", "05011900", ANDERS, K_ENTER, nullptr, "05-01-00", nullptr, 0, 0},
         {"8D", "03052016", "-7<Back><Back>4-6-17", "<Enter>", "04062017", ANDERS, K_ENTER, "04-06-17"},
     });
