@@ -98,17 +98,34 @@ std::string wrk_naam(const char* ext) {
     return strcmp(ext, "JRN") == 0 ? journaalnaam : stam + '.' + ext;
 }
 
+namespace {
+
+// A call by name that failed may be the first that is heard of a lost connection: then the others aren't tried.
+bool gelukt(bool goed) {
+    const int reden = errno;
+    if (!goed && journaal)
+        ord_nog_vast(journaal);
+    errno = reden;
+    return goed;
+}
+
+} // namespace
+
 int wrk_maak(const char* ext, int vlaggen) {
-    return journaal && !ord_nog_vast(journaal) ? -1 : SYSNIEUW(wrk_naam(ext).c_str(), vlaggen);
+    if (journaal && !ord_nog_vast(journaal))
+        return -1;
+    const int fd = SYSNIEUW(wrk_naam(ext).c_str(), vlaggen);
+    gelukt(fd >= 0);
+    return fd;
 }
 
 bool wrk_hernoem(const char* van, const char* naar) {
     return (!journaal || ord_nog_vast(journaal)) &&
-           SYS.rename(wrk_naam(van).c_str(), wrk_naam(naar).c_str()) == 0;
+           gelukt(SYS.rename(wrk_naam(van).c_str(), wrk_naam(naar).c_str()) == 0);
 }
 
 bool wrk_verwijder(const char* ext) {
-    return (!journaal || ord_nog_vast(journaal)) && IOUNLINK(wrk_naam(ext).c_str());
+    return (!journaal || ord_nog_vast(journaal)) && gelukt(IOUNLINK(wrk_naam(ext).c_str()));
 }
 
 bool wrk_verloren() {
