@@ -1,10 +1,7 @@
 // The demo data directory and the stand-in menu.
 #include "shared/iotab.h"
 #include "support/demomap.h"
-#include "term/vast.h"
 #include "tools/shell.h"
-#include <cstring>
-#include <gtest/gtest.h>
 
 namespace zg {
 namespace {

@@ -1,22 +1,16 @@
 // zgdruk, as an operator uses it: destinations, the test page, what is left behind, users' printers.
 #include "print/xprt.h"
-#include "shared/files.h"
 #include "shared/iotab.h"
 #include "support/demomap.h"
-#include "support/proces.h"
 #include "tools/shell.h"
-#include <cstring>
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::sh;
+using namespace test;
 
 struct Druk : testing::Test {
-    test::DemoMap demo;
+    DemoMap demo;
     Druk() {
         setenv("ZEBPRT", "print", 1);
         EXPECT_EQ(chdir(demo.pad().c_str()), 0);
@@ -32,7 +26,7 @@ TEST_F(Druk, ListAndLoad) {
     const std::string lijst = sh("zgdruk list").tekst;
     for (const char* tekst : {"printer 1 naam=SCR\n", "  tekst 2 1 17 tekst=pdf\n",
                               "init=\\1B@\\0F exit=\\12\\1B@\n", "omschrijving=\"A4 staand\""})
-        EXPECT_NE(lijst.find(tekst), std::string::npos) << tekst << lijst;
+        EXPECT_TRUE(bevat(lijst, tekst)) << tekst;
     ASSERT_EQ(sh("zgdruk add printer 40 naam='M\xC3\xB8ller \"x\" \\5C' && zgdruk add verbinding 40 9 "
                  "apparaat='a b#c' "
                  "&& zgdruk add configuratie 40 255 kolommen=999 rijen=0 init='\\\\\\00\\FF' "
@@ -78,7 +72,7 @@ TEST_F(Druk, AddChangeRemove) {
         {"frob", 2},
     };
     for (const auto& r : rijen) {
-        const test::Uit uit = sh(std::string("zgdruk ") + r.opdracht);
+        const Uit uit = sh(std::string("zgdruk ") + r.opdracht);
         EXPECT_EQ(uit.status, r.status) << r.opdracht << "\n" << uit.tekst;
         EXPECT_EQ(uit.tekst.empty(), r.status == 0) << r.opdracht << "\n" << uit.tekst;
     }
@@ -95,15 +89,15 @@ TEST_F(Druk, AddChangeRemove) {
 TEST_F(Druk, TestPageAndWhatIsLeft) {
     ASSERT_EQ(sh("zgdruk test 2 -f 1").tekst, "");
     const std::string blad = sh("pdftotext -layout uit/T* -").tekst;
-    EXPECT_NE(blad.find("Proefafdruk"), std::string::npos) << blad;
-    EXPECT_NE(blad.find("7....+....8\n"), std::string::npos) << blad;
-    EXPECT_NE(blad.find("\n63"), std::string::npos) << blad;
+    EXPECT_TRUE(bevat(blad, "Proefafdruk"));
+    EXPECT_TRUE(bevat(blad, "7....+....8\n"));
+    EXPECT_TRUE(bevat(blad, "\n63"));
     EXPECT_EQ(sh("zgdruk test 2 -f 3").status, 1);
     EXPECT_EQ(sh("zgdruk test 1").status, 2);
     EXPECT_EQ(sh("zgdruk test 6").status, 3); // nobody's terminal
     ASSERT_EQ(sh("zgdruk add verbinding 2 2 apparaat=/dev/full").tekst, "");
     for (const char* weg : {"zgdruk send --all", "zgdruk drop PR*.JOB"}) {
-        const test::Uit uit = sh("zgdruk test 2 -c 2");
+        const Uit uit = sh("zgdruk test 2 -c 2");
         EXPECT_EQ(uit.status, 1);
         EXPECT_TRUE(uit.zegt("not printed: schijf vol; kept as PR")) << uit.tekst;
         EXPECT_TRUE(sh("zgdruk jobs").zegt("0/1  device /dev/full  \"Proefafdruk\"  schijf vol"));
@@ -131,10 +125,10 @@ TEST_F(Druk, TestPageAndWhatIsLeft) {
 
 TEST_F(Druk, UsersPrinters) {
     EXPECT_EQ(sh("zgdruk user").tekst, "1 Joke\n2 Pieter\n3 Bezoeker\n");
-    const std::string voor = test::lees_bestand("DTSYS.TXT");
+    const std::string voor = lees_bestand("DTSYS.TXT");
     ASSERT_EQ(sh("zgdruk user Pieter 5 -c 2 -p -m 68").tekst,
               "2 Pieter printer=5 verbinding=2 voorbeeld masker=68\n");
-    std::string na = test::lees_bestand("DTSYS.TXT");
+    std::string na = lees_bestand("DTSYS.TXT");
     const auto slot = static_cast<size_t>(SYS_GEBRUIKER.start + SYS_GEBRUIKER.grootte);
     EXPECT_EQ(na.substr(slot + 18, 4), std::string("\5\0\1\2", 4)); // code, look first, connection
     EXPECT_EQ(na.substr(slot + 28, 2), std::string("\x44\0", 2));
@@ -149,7 +143,7 @@ TEST_F(Druk, UsersPrinters) {
                                            {"user Joke -p", 2},
                                            {"-D print user", 3}})
         EXPECT_EQ(sh(std::string("zgdruk ") + opdracht).status, status) << opdracht;
-    test::Agent aan_het_werk([] {
+    Agent aan_het_werk([] {
         int32_t nr = 1;
         gebruikerslot g;
         iotab('O', &nr, nullptr, SYS_RECORD);

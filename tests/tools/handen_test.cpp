@@ -1,27 +1,15 @@
 // The operators' tools on a directory that others are at work in: reserved keys, pairs in use, files that take another's
 // place, definitions that are left alone; and the demo directory that only its maker may empty.
-#include "shared/files.h"
 #include "shared/iotab.h"
-#include "shared/syscalls.h"
 #include "store/kop.h"
 #include "store/rebuild.h"
 #include "support/demomap.h"
 #include "support/paar.h"
-#include "support/proces.h"
 #include "support/rechten.h"
-#include "term/vast.h"
 #include "tools/paar.h"
 #include "tools/shell.h"
 #include "tools/werkmap.h"
-#include <csignal>
-#include <cstring>
-#include <ctime>
-#include <fcntl.h>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
@@ -29,8 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Handen : testing::Test {
-    TijdelijkeMap map;
+struct Handen : InMap {
     const SYSCALLS echt = SYS;
     ~Handen() override { SYS = echt; }
     static std::string paar(const std::string& naam) { // but for the change count, which goes on
@@ -63,8 +50,7 @@ TEST_F(Handen, ReservedKeysAreSeenAndOnlyIxremakeClearsThem) {
     EXPECT_TRUE(sh("ixcheck DTMERK").zegt("reserved: 4711"));
     {
         fs::create_symlink("DTSYS.TXT", "DTSYS.TXT"); // is there, and can't be opened
-        u = sh("ixremake DTMERK");
-        EXPECT_TRUE(u.status == 4 && u.zegt("DTSYS.TXT can't be opened") && u.zegt("--force")) << u.tekst;
+        hoort("ixremake DTMERK", 4, "DTSYS.TXT can't be opened", "--force");
         IOUNLINK("DTSYS.TXT");
         schrijf_bestand("DTSYS.TXT", std::string(10'000, '\0'));
         Agent gebruiker([] {
@@ -73,32 +59,23 @@ TEST_F(Handen, ReservedKeysAreSeenAndOnlyIxremakeClearsThem) {
         });
         const std::string voor = paar("DTMERK");
         for (const char* hoe : {"ixremake DTMERK", "ixremake -d DTMERK", "ixremake ."}) {
-            u = sh(hoe);
-            EXPECT_EQ(u.status, 4) << u.tekst;
-            EXPECT_TRUE(u.zegt("key reserved: 4711") &&
-                        u.zegt("a user is at work (process " + std::to_string(gebruiker.pid()) +
-                               ", test_tools, user"))
-                << u.tekst;
+            hoort(hoe, 4, "key reserved: 4711",
+                  "a user is at work (process " + std::to_string(gebruiker.pid()) + ", test_tools, user");
             EXPECT_TRUE(paar("DTMERK") == voor);
         }
-        u = sh("ixremake --force DTMERK");
-        EXPECT_EQ(u.status, 0) << u.tekst;
-        EXPECT_TRUE(u.zegt("reserved key cleared: 4711") && u.zegt("cleared: 99")) << u.tekst;
+        hoort("ixremake --force DTMERK", 0, "reserved key cleared: 4711", "cleared: 99");
         EXPECT_EQ(sh("ixremake DTMERK").status, 0) << "nothing to clear, nobody to ask";
     }
     EXPECT_FALSE(sh("ixcheck DTMERK").zegt("reserved"));
     Agent(std::function<bool()>([] { return reserveer(5000); })).dood();
-    u = sh("ixremake DTMERK");
-    EXPECT_TRUE(u.status == 0 && u.zegt("reserved key cleared: 5000")) << "nobody is at work: " << u.tekst;
+    hoort("ixremake DTMERK", 0, "reserved key cleared: 5000"); // nobody is at work
     EXPECT_TRUE(Agent([] { return reserveer(5000); }).ok()) << "free again";
     // A header that makes no sense, and then a queue that makes none: told as far as it can be.
     const std::string index = lees_bestand("DTMERK.INX");
     schrijf_bestand("DTMERK.INX", std::string(index).replace(11, 1, 1, '\0'));
-    u = sh("ixremake -d DTMERK");
-    EXPECT_TRUE(u.status == 0 && u.zegt("reserved key cleared: 5000")) << u.tekst;
+    hoort("ixremake -d DTMERK", 0, "reserved key cleared: 5000");
     schrijf_bestand("DTMERK.INX", std::string(index).replace(11, 1, 1, '\0').replace(4 * 512, 1, "x"));
-    u = sh("ixremake -d DTMERK");
-    EXPECT_TRUE(u.status == 0 && u.zegt("which keys were reserved can't be read")) << u.tekst;
+    hoort("ixremake -d DTMERK", 0, "which keys were reserved can't be read");
     Agent(std::function<bool()>([] { return reserveer(6000); })).dood();
     schrijf_bestand("script", "open DTMERK 1\ninit\n");
     EXPECT_TRUE(sh("ixsh < script").zegt("reserved key cleared: 6000"));
@@ -167,8 +144,7 @@ TEST_F(Handen, ToolsEndReservationsAndTellAFullDisk) {
     schrijf_bestand("dump", "merk,naam\n5,x\n");
     for (const char* werk : {"write clear merk=90", "readl clear merk=90", "read clear merk=3\ndelete"}) {
         schrijf_bestand("script", std::string("open DTMERK 2\n") + werk + "\n");
-        Uit u = sh("ulimit -f 0; ixsh < script");
-        EXPECT_TRUE(u.status == 1 && u.zegt("bestand te groot")) << werk << u.tekst;
+        hoort("ulimit -f 0; ixsh < script", 1, "bestand te groot");
         EXPECT_TRUE(paar("DTMERK") == voor) << werk;
     }
     for (const char* werk :
@@ -232,9 +208,7 @@ TEST_F(Handen, WhatATellerMustKnowAboutDoubleValues) {
     merken(9);
     std::string data = lees_bestand("DTMERK.TXT");
     schrijf_bestand("DTMERK.TXT", data.replace(76 * 7, 2, data.substr(76 * 3, 2)));
-    Uit u = sh("ixremake DTMERK");
-    EXPECT_EQ(u.status, 1);
-    EXPECT_TRUE(u.zegt("key 1: records 7 and 3 have the same value")) << u.tekst;
+    hoort("ixremake DTMERK", 1, "key 1: records 7 and 3 have the same value");
 }
 
 // A definition is made anew only for records of its own length, and only while nobody has the pair open.
@@ -284,8 +258,7 @@ TEST_F(Handen, RemakeByTheDictionaryLeavesRecordsAsLongAsTheyAre) {
     const std::string heel = lees_bestand("DTSERPIC.TXT");
     schrijf_bestand("DTSERPIC.INX", lees_bestand("DTSERPIC.INX").replace(24, 1, 1, 57));
     for (const char* hoe : {"ixremake DTSERPIC", "ixremake -t DTSERPIC"}) {
-        Uit u = sh(hoe);
-        EXPECT_TRUE(u.status == 1 && u.zegt("--dictionary makes the index anew")) << u.tekst;
+        hoort(hoe, 1, "--dictionary makes the index anew");
         EXPECT_TRUE(lees_bestand("DTSERPIC.TXT") == heel && !IOEXISTS("DTSERPIC.CUT"));
     }
     EXPECT_EQ(sh("ixremake -dt DTSERPIC && ixcheck -q DTSERPIC").status, 0);
@@ -305,9 +278,7 @@ TEST_F(Handen, RemakeByTheDictionaryLeavesRecordsAsLongAsTheyAre) {
     fotos(56, fout);
     const std::string voor = paar("DTSERPIC");
     ICB* icb = IXOPEN("DTSERPIC", 2); // holds no lock, and knows the old keys
-    Uit u = sh("ixremake -d -w 0 DTSERPIC");
-    EXPECT_TRUE(u.status == 4 && u.zegt("a program has it open by process " + std::to_string(getpid())))
-        << u.tekst;
+    hoort("ixremake -d -w 0 DTSERPIC", 4, "a program has it open by process " + std::to_string(getpid()));
     IXLOCK(icb, 3); // record 0
     EXPECT_EQ(sh("ixremake -d -w 0 DTSERPIC").status, 4);
     IXCLOSE(icb);
@@ -424,8 +395,7 @@ TEST_F(Handen, DirectoriesOfKilledLoadsAreSwept) {
     Agent bezig([] { return flock(open(".ixwerkLEEFT1", O_RDONLY | O_CLOEXEC), LOCK_EX) == 0; });
     ASSERT_TRUE(bezig.ok());
     for (int keer = 0; keer < 2; keer++) {
-        const Uit u = sh("ixcopy --replace DTMERK KOPIE");
-        EXPECT_TRUE(u.status == 0 && u.zegt("DOOD02/vorige: the old records")) << u.tekst;
+        hoort("ixcopy --replace DTMERK KOPIE", 0, "DOOD02/vorige: the old records");
         EXPECT_EQ(sh("cat .ixwerk*/*; ls -d .ixwerk*").tekst, "oud\nbezig\n.ixwerkDOOD02\n.ixwerkLEEFT1\n");
     }
     bezig.dood();

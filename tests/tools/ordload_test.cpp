@@ -1,16 +1,11 @@
 // Journals out of orddump's lines: byte for byte back, or refused whole. And what orddump holds an order against when it
 // stands in a firm's directory.
 #include "control/batchvw.h"
-#include "shared/files.h"
 #include "shared/sysrec.h"
 #include "support/demomap.h"
 #include "support/ordbytes.h"
 #include "tools/shell.h"
-#include <fcntl.h>
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <random>
-#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
@@ -110,9 +105,7 @@ TEST(Ordload, RefusesWholeAndLeavesNothing) {
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.zegt);
         schrijf_bestand("2016Z/x", g.in);
-        const Uit u = sh(std::string(g.hoe) + "ordload -i 2016Z/x " + JRN);
-        EXPECT_EQ(u.status, g.status) << u.tekst;
-        EXPECT_TRUE(u.zegt(g.zegt)) << u.tekst;
+        hoort(std::string(g.hoe) + "ordload -i 2016Z/x " + JRN, g.status, g.zegt);
         const Uit over = sh("rm -f DTSER.INX STAT01.TXT; cd 2016Z; cmp -s ORD0012.JRN x && rm ORD0012.JRN;"
                             "rm -f x NEWORD.TXT ORD0012.WRK; ls -A; rm -f *");
         EXPECT_EQ(over.tekst, "");
@@ -180,9 +173,7 @@ TEST(Ordload, RefusedOrKilledAnywhereItIsTheOldJournalOrTheNew) {
 
 TEST(Orddump, HoldsADirectoryAgainstItsFirm) {
     const DemoMap demo;
-    const Uit goed = sh("orddump -c " + demo.pad());
-    EXPECT_EQ(goed.status, 0) << goed.tekst;
-    EXPECT_TRUE(goed.zegt("2016Z/ORD0010.JRN: journal, ") && goed.zegt("0 wrong")) << goed.tekst;
+    hoort("orddump -c " + demo.pad(), 0, "2016Z/ORD0010.JRN: journal, ", "0 wrong");
     EXPECT_TRUE(sh("orddump -j " + demo.pad() + "/2016Z | tail -1").zegt("{\"file\":\"")) << "which it is of";
     EXPECT_EQ(sh("mkdir leeg; orddump leeg; s=$?; rmdir leeg; exit $s").status, 3);
     // Supplier 10's first order, and its file.
@@ -202,8 +193,6 @@ TEST(Orddump, HoldsADirectoryAgainstItsFirm) {
     for (const auto& g : gevallen) {
         schrijf_bestand(demo.bestand(std::string("2016Z/") + g.naam + ".JRN"),
                         std::string(oud).replace(g.plaats, g.bytes.size(), g.bytes));
-        const Uit u = sh("orddump -c " + demo.pad());
-        EXPECT_EQ(u.status, 1) << g.zegt;
-        EXPECT_TRUE(u.zegt(g.zegt)) << u.tekst;
+        hoort("orddump -c " + demo.pad(), 1, g.zegt);
     }
 }

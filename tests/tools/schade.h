@@ -3,10 +3,6 @@
 #include "shared/ioeti.h"
 #include "shared/registerrec.h"
 #include "support/demomap.h"
-#include "support/terminal.h"
-#include <cstring>
-#include <functional>
-#include <vector>
 
 namespace zg::test {
 
@@ -31,8 +27,8 @@ struct Schade {
     std::function<void(const DemoMap&)> doe;
     std::vector<const char*> gezegd; // by the check, and again behind a repair; "repair: ...": by that alone
     bool te_herstellen;
-    int samen = 0; // rows of one number stand in one directory
 };
-extern const std::vector<Schade> SCHADES;
+extern const std::vector<Schade> SCHADES;            // each in a directory of its own
+extern const std::vector<std::vector<Schade>> SAMEN; // those of a group in one
 
 } // namespace zg::test

@@ -1,30 +1,20 @@
 // The state of the package at the shell and in the menu, which starts nothing while it is shut.
 #include "shared/iotab.h"
 #include "support/demomap.h"
-#include "support/proces.h"
 #include "tools/shell.h"
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace zg {
 namespace {
 
-using test::sh;
-using test::Terminal;
+using namespace test;
 
 constexpr size_t SLOT2 = 2640 + 64;
 
 struct Status : testing::Test {
-    test::DemoMap demo;
+    DemoMap demo;
     Status() { EXPECT_EQ(chdir(demo.pad().c_str()), 0); }
     ~Status() override { EXPECT_EQ(chdir("/"), 0); }
-    static void zet(size_t plaats, std::string_view bytes) {
-        const int fd = ::open("DTSYS.TXT", O_WRONLY);
-        EXPECT_EQ(pwrite(fd, bytes.data(), bytes.size(), static_cast<off_t>(plaats)),
-                  static_cast<ssize_t>(bytes.size()));
-        close(fd);
-    }
+    static void zet(size_t plaats, std::string_view bytes) { wijzig_bestand("DTSYS.TXT", plaats, bytes); }
 };
 
 TEST_F(Status, TheMenuStartsNothingWhileItIsShut) {
@@ -34,10 +24,9 @@ TEST_F(Status, TheMenuStartsNothingWhileItIsShut) {
                  {"set 3", "Afgebroken op kritieke plaats"},
                  {"block 'Inventarisatie, caf\xC3\xA9 tot 14:00'", "Inventarisatie, caf\xC3\xA9 tot 14:00"},
                  {"block @9", "Laatste back-up is niet gelukt!"}};
-    Terminal t({test::programma("zgbsmenu")}, test::demo_opties(demo));
+    Terminal t({programma("zgbsmenu")}, demo_opties(demo));
     t.wacht("Joke");
-    t.toetsen("<Enter>");
-    t.wacht("Orders registreren");
+    t.toetsen("<Enter>", "Orders registreren");
     for (const auto& r : rijen) {
         EXPECT_EQ(sh(std::string("zgstatus ") + r.zet).tekst, "") << r.zet;
         EXPECT_EQ(sh("zgstatus").status, 1) << r.zet;
@@ -49,8 +38,7 @@ TEST_F(Status, TheMenuStartsNothingWhileItIsShut) {
         EXPECT_TRUE(t.wacht_op(21, 4, r.toont)) << "it stays at the foot\n" << t.scherm();
     }
     EXPECT_EQ(sh("zgstatus free").status, 0);
-    t.toetsen("<Enter>");
-    EXPECT_TRUE(t.wacht("Seizoen")) << t.scherm();
+    t.toetsen("<Enter>", "Seizoen");
     EXPECT_TRUE(sh("zgstatus").zegt("Joke, zgbestel, level 1"));
     EXPECT_TRUE(sh("zgstatus").zegt("orders     user 1\n"));
 }
@@ -61,13 +49,11 @@ TEST_F(Status, AUserWhoDied) {
     EXPECT_TRUE(sh("zgstatus -j").zegt("\"free\":false,\"code\":0"));
     {
         // It is seen before anybody can log in at that slot, which would take the mark away.
-        Terminal t({test::programma("zgbsmenu")}, test::demo_opties(demo));
+        Terminal t({programma("zgbsmenu")}, demo_opties(demo));
         t.wacht("Joke");
-        t.toetsen("<Down><Enter>");
-        t.wacht("Orders registreren");
-        EXPECT_TRUE(t.wacht("Afgebroken op kritieke plaats")) << t.scherm();
-        t.toetsen("<Enter>");
-        EXPECT_TRUE(t.wacht("Er kan nu niet worden gewerkt")) << t.scherm();
+        t.toetsen("<Down><Enter>", "Orders registreren");
+        t.wacht("Afgebroken op kritieke plaats");
+        t.toetsen("<Enter>", "Er kan nu niet worden gewerkt");
     }
     EXPECT_EQ(sh("zgstatus set 0; zgstatus").status, 0) << "he has logged in since";
     zet(SLOT2 + 64 + 38, "\x0b");
@@ -86,7 +72,7 @@ TEST_F(Status, WrongUseAndHostileBytes) {
     zet(64 * 9 + 58, "8.70 ");
     zet(64 * 9 + 8, "\x1b[2J\x07rood");
     zet(64 * 9 + 63, "\x4d");
-    const test::Uit u = sh("zgstatus");
+    const Uit u = sh("zgstatus");
     EXPECT_TRUE(u.zegt("state      77 shut:  [2J rood")) << u.tekst;
     sh("printf 'Mar 1 2016\\nGeen tape\\n-\\n' > result.bu");
     EXPECT_TRUE(sh("zgstatus set 0; zgstatus backup .")

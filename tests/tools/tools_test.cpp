@@ -1,15 +1,12 @@
 // The operators' tools as an operator uses them: the real programs at the shell, on pairs made by the store.
 #include "shared/files.h"
 #include "support/paar.h"
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "tools/shell.h"
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <map>
 #include <random>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace zg;
@@ -53,10 +50,7 @@ void maak(const Soort& s, int records) {
     IXCLOSE(icb);
 }
 
-class Tools : public testing::Test {
-protected:
-    TijdelijkeMap map;
-};
+using Tools = InMap;
 
 } // namespace
 
@@ -92,13 +86,11 @@ TEST_F(Tools, ACutDataFileIsTold) {
     for (const auto& g : gevallen) {
         schrijf_bestand("EENVIER.TXT", data.substr(0, data.size() - static_cast<size_t>(g.weg)));
         for (const char* vorm : {"", " --hold", " --json"}) {
-            const Uit u = sh(std::string("ixdump") + vorm + " EENVIER -o uit");
-            EXPECT_EQ(u.status, 1) << u.tekst;
-            EXPECT_NE(u.tekst.find(g.dump), std::string::npos) << u.tekst;
+            hoort(std::string("ixdump") + vorm + " EENVIER -o uit", 1, g.dump);
         }
         const Uit u = sh("ixcheck EENVIER");
         EXPECT_EQ(u.status, 1) << u.tekst;
-        EXPECT_NE(u.tekst.find(g.check), std::string::npos) << u.tekst;
+        EXPECT_TRUE(bevat(u.tekst, g.check));
     }
 }
 
@@ -141,9 +133,7 @@ TEST_F(Tools, LoadTakesASpreadsheetAndRefusesNonsense) {
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.inhoud);
         schrijf_bestand("in", g.inhoud);
-        Uit u = sh(std::string("ixload -i in DTMERK ") + g.definitie);
-        EXPECT_EQ(u.status, g.status) << u.tekst;
-        EXPECT_NE(u.tekst.find(g.wat), std::string::npos) << u.tekst;
+        hoort(std::string("ixload -i in DTMERK ") + g.definitie, g.status, g.wat);
         EXPECT_EQ(IOEXISTS("DTMERK.INX"), g.status == 0);
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), g.status == 0 ? 3 : 1)
             << "something is left behind";
@@ -241,13 +231,11 @@ TEST_F(Tools, CheckTellsGoodDamagedMissingAndInUse) {
     EXPECT_EQ(sh("ixcheck").status, 2);
     EXPECT_EQ(sh("ixcheck --wat VIJF").status, 2);
     EXPECT_EQ(sh("ixcheck --version").status, 0);
-    EXPECT_NE(sh("ixcheck --help").tekst.find("Exit status"), std::string::npos);
+    EXPECT_TRUE(bevat(sh("ixcheck --help").tekst, "Exit status"));
     {
         int fd = open("VIJF.INX", O_RDWR | O_CLOEXEC);
         ASSERT_TRUE(IOLOCK('E', fd, 0, 512));
-        Uit u = sh("ixcheck -w 0 VIJF");
-        EXPECT_EQ(u.status, 4) << u.tekst;
-        EXPECT_NE(u.tekst.find("in use by process"), std::string::npos) << u.tekst;
+        hoort("ixcheck -w 0 VIJF", 4, "in use by process");
         close(fd);
     }
     // The ways to be damaged: tests/store.
@@ -282,11 +270,8 @@ TEST_F(Tools, RemakeBringsALostOrBusyIndexBack) {
         const std::string voor = lees_bestand("DTMERK.INX");
         schrijf_bestand("DTMERK.TXT", data + staart);
         for (const char* tool : {"ixremake", "ixremake -d", "ixcheck"}) {
-            Uit u = sh(std::string(tool) + " DTMERK");
-            EXPECT_EQ(u.status, 1) << u.tekst;
-            EXPECT_NE(u.tekst.find(std::to_string(strlen(staart)) + " bytes behind"), std::string::npos)
-                << u.tekst;
-            EXPECT_NE(u.tekst.find("--truncate"), std::string::npos) << u.tekst;
+            hoort(std::string(tool) + " DTMERK", 1, std::to_string(strlen(staart)) + " bytes behind",
+                  "--truncate");
         }
         EXPECT_TRUE(voor == lees_bestand("DTMERK.INX") && data + staart == lees_bestand("DTMERK.TXT"));
         ICB* ander = IXOPEN("DTMERK", 2);
@@ -338,10 +323,10 @@ TEST_F(Tools, LongJobsShowABarOnATerminalOnly) {
          }) {
         Uit met = sh("script -qec '" + opdracht + "' /dev/null"), zonder = sh(opdracht);
         EXPECT_EQ(met.status, 0) << met.tekst;
-        EXPECT_EQ(zonder.tekst.find("%"), std::string::npos) << zonder.tekst;
+        EXPECT_FALSE(bevat(zonder.tekst, "%"));
         for (const std::string& titel : titels)
-            EXPECT_NE(met.tekst.find("\r" + titel), std::string::npos) << titel << ": " << met.tekst;
-        EXPECT_NE(met.tekst.find("%\r\033[K"), std::string::npos) << "the bar is wiped at the end";
+            EXPECT_TRUE(bevat(met.tekst, "\r" + titel)) << titel;
+        EXPECT_TRUE(bevat(met.tekst, "%\r\033[K")) << "the bar is wiped at the end";
     }
 }
 
@@ -387,9 +372,7 @@ TEST_F(Tools, ReplacingOnASharedFileSystem) {
         sh("ixcopy DTMERK ANDER");
         if (strstr(o, "ixremake"))
             unlink("DTMERK.INX");
-        const Uit u = sh(std::string("ZGGEDEELD=1 ") + o);
-        EXPECT_EQ(u.status, 2) << u.tekst;
-        EXPECT_TRUE(u.zegt("--alone")) << u.tekst;
+        hoort(std::string("ZGGEDEELD=1 ") + o, 2, "--alone");
         EXPECT_EQ(IOEXISTS("DTMERK.INX"), !strstr(o, "ixremake"));
         EXPECT_EQ(sh(std::string("ZGGEDEELD=1 ") + o + " --alone").status, 0);
         EXPECT_EQ(sh("ixcheck DTMERK").status, 0);

@@ -1,8 +1,6 @@
 // A disk that takes no more under every tool: none of them says that it went well, and none leaves half of anything.
 #include "support/demomap.h"
 #include "tools/shell.h"
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
