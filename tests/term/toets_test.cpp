@@ -1,5 +1,4 @@
 // Keys beyond the keyboard's bytes: signals, type-ahead, hang-up, the macro hook, names.
-#include "support/proef.h"
 #include "term/ingave.h"
 #include "toetslog.h"
 #include <termios.h>
@@ -25,7 +24,7 @@ TEST(Toets, Signals) {
     t.toetsen("q");
     size_t eerste = t.scherm().find("330");
     EXPECT_NE(t.scherm().find("330", eerste + 1), std::string::npos);
-    EXPECT_EQ(t.scherm().find("410"), std::string::npos);
+    EXPECT_FALSE(bevat(t.scherm(), "410"));
     t.stuur("x");
     EXPECT_EQ(t.einde(), 0);
 }

@@ -1,9 +1,6 @@
 // A program that shows the codes of the keys that it gets, for the tests of keyboard and character sets.
 #pragma once
 #include "gesprek.h"
-#include "term/scherm.h"
-#include "term/toets.h"
-#include <string_view>
 
 namespace zg::test {
 
