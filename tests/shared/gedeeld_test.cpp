@@ -1,20 +1,8 @@
 // Shared file systems: which ones are, how long is waited on them, and the fixed tables when the connection is lost.
-#include "shared/files.h"
 #include "shared/gedeeld.h"
 #include "shared/houder.h"
 #include "shared/mapbeurt.h"
-#include "shared/syscalls.h"
-#include "support/proces.h"
 #include "support/systeem.h"
-#include <algorithm>
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
-#include <fcntl.h>
-#include <map>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

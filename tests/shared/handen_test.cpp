@@ -1,7 +1,6 @@
 // A directory in several hands: rights of new files and of those that take another's place, writes that are refused,
 // what is said when somebody else is in the way.
 #include "shared/houder.h"
-#include "shared/iofil.h"
 #include "shared/report.h"
 #include "store/ix.h"
 #include "support/rechten.h"

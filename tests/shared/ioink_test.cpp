@@ -2,10 +2,7 @@
 // write is killed or refused, and damage that is told and never written over.
 #include "shared/inkcheck.h"
 #include "shared/ioink.h"
-#include "shared/iotab.h"
 #include "shared/woordenboek.h"
-#include "store/ix.h"
-#include "store/rebuild.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include <span>
@@ -57,9 +54,8 @@ struct Prijzen : test::Systeem {
         EXPECT_TRUE(ioink_write(&weg, groepen(7)) && ioink_delete(weg));
     }
     static void zet_getal(const char* bestand, int plaats, int32_t waarde) {
-        std::string inhoud = lees_bestand(bestand);
-        memcpy(&inhoud.at(static_cast<size_t>(plaats)), &waarde, sizeof waarde);
-        schrijf_bestand(bestand, inhoud);
+        wijzig_bestand(bestand, static_cast<size_t>(plaats),
+                       {reinterpret_cast<char*>(&waarde), sizeof waarde});
     }
     static constexpr int EERSTE = 90, LAATSTE = 210;
     // The price of each day; as runs.
@@ -233,7 +229,7 @@ TEST_F(Prijzen, Damage) {
             return goed;
         });
         EXPECT_EQ(afloop.status, 5) << afloop.uitvoer;
-        EXPECT_NE(afloop.uitvoer.find(s.gemeld), std::string::npos) << afloop.uitvoer;
+        EXPECT_TRUE(bevat(afloop.uitvoer, s.gemeld));
         EXPECT_EQ(lees_bestand("DTIPG.TXT") + lees_bestand("DTIPA.TXT"), eerst);
         ioink_open(2);
         inktelling t;
@@ -303,7 +299,7 @@ TEST_F(Prijzen, FreeRecordsAndCounters) {
             << afloop.uitvoer;
         if (s.stop) {
             EXPECT_EQ(afloop.status, 1);
-            EXPECT_NE(afloop.uitvoer.find(strchr(s.stop, 'r')), std::string::npos) << afloop.uitvoer;
+            EXPECT_TRUE(bevat(afloop.uitvoer, strchr(s.stop, 'r')));
             EXPECT_EQ(lees_bestand("DTIPG.TXT").substr(0, 80), inhoud.substr(0, 80));
         }
     }

@@ -12,8 +12,7 @@ const Koppeling KLEUREN[] = {{"DTKL%*4d.TXT", 36, 4, Koppeling::WIS}};
 const Koppeling GROEPEN[] = {{"DTBC*.TXT", 40, 4, Koppeling::NUL}, {"DTMRKMS.TXT", 4, 4, Koppeling::WIS}};
 const Koppeling MERKEN[] = {{"DTMRKMS.TXT", 0, 2, Koppeling::WIS}};
 
-struct Koppelingen : testing::Test {
-    test::TijdelijkeMap map;
+struct Koppelingen : test::InMap {
     // A table of records with a key in its first four bytes and a number at an offset.
     static void tabel(const char* naam, int lengte, int plaats, std::initializer_list<int32_t> nummers) {
         mkdir("edistam", 0777);

@@ -1,6 +1,5 @@
 // Branches and their range text, the reader of master records, the sizes.
 #include "shared/filveld.h"
-#include "shared/iofil.h"
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
 #include "support/paar.h"
@@ -12,8 +11,7 @@ namespace {
 
 using namespace test;
 
-struct Filialen : testing::Test {
-    test::TijdelijkeMap map;
+struct Filialen : test::InMap {
     ~Filialen() override {
         iofil('C', 0, nullptr);
         firma = {};
@@ -33,7 +31,7 @@ TEST_F(Filialen, RecordsAndHeadOffice) {
     EXPECT_EQ(bytes.substr(0, 32), std::string(32, '\0')) << "the head office is record 0, without its name";
     EXPECT_EQ(bytes[32], 'h');
     EXPECT_EQ(static_cast<uint8_t>(bytes[5 * sizeof rec + 599]), 20) << "index 4 is record 5";
-    EXPECT_EQ(bytes.find("Filiaal"), std::string::npos) << "names don't stand open in the file";
+    EXPECT_FALSE(bevat(bytes, "Filiaal")) << "names don't stand open in the file";
     iofil('R', 5, &rec);
     EXPECT_EQ(memcmp(&rec, &firma, 32), 0);
     EXPECT_EQ(iofil_naam(4), "Filiaal 20");
@@ -107,8 +105,7 @@ TEST_F(Filialen, RangeText) {
     }
 }
 
-struct Stam : testing::Test {
-    test::TijdelijkeMap map;
+struct Stam : test::InMap {
     artrec art(int32_t groep, const char* naam) {
         artrec rec{};
         rec.artikelgroep = groep;
