@@ -97,6 +97,15 @@ TEST_F(Maten, Bars) {
         EXPECT_EQ(t.antwoord(r.toetsen), r.uit);
         EXPECT_EQ(balken(), r.na);
     }
+    zet(4, maatbalkrec{1, {0x0A}, {}}, SYS_MAATBALK);
+    Gesprek t([] {
+        begin();
+        balk_open(1, 1, nullptr);
+        uint8_t maten[MAATBYTES] = {};
+        return vorm("%d", maatbalk_kiezen("STVW", maten));
+    });
+    t.toetsen("<Down>w<Right><Right>n<Esc>", " 4  XS     ");
+    EXPECT_TRUE(bevat(t.scherm(), " 0 alle maten")) << "the page stays";
 }
 
 // A refused bar can be written again, or left.
