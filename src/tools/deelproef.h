@@ -36,6 +36,10 @@ private:
     std::unique_ptr<Binnen> b_;
 };
 
+// What is set otherwise than it should be on the mount at `punt`, in words, empty when nothing is. False where it doesn't
+// tell that.
+bool deel_instellingen(const std::string& punt, std::string* kwaal);
+
 // Locks: a table of those that one side holds and the other wants.
 struct Slotgeval {
     const char *groep, *naam;

@@ -49,8 +49,8 @@ std::string hier() {
     return naam;
 }
 
-// The file system of the present directory, as the system calls it.
-std::string soort() {
+// The file system of the present directory, as the system calls it, and where it is mounted.
+std::string soort(std::string* punt = nullptr) {
     struct stat st;
     if (stat(".", &st) != 0)
         return "unknown";
@@ -63,12 +63,24 @@ std::string soort() {
         for (int i = 0; i < 3; i++)
             w >> woord;
         const bool die = woord == nr;
+        std::string hierop;
+        w >> woord >> hierop;
         while (w >> woord && woord != "-") {
         }
-        if (die && w >> woord)
+        if (die && w >> woord) {
             uit = woord;
+            if (punt)
+                *punt = hierop;
+        }
     }
     return uit;
+}
+
+// What is set wrong here, or "none"; "unknown" when the file system doesn't tell.
+std::string instellingen() {
+    std::string punt, kwaal;
+    soort(&punt);
+    return !deel_instellingen(punt, &kwaal) ? "unknown" : kwaal.empty() ? "none" : kwaal;
 }
 
 // What to set where a trial goes wrong.
@@ -76,6 +88,7 @@ const char* raad(const std::string& fs, const std::string& proef) {
     const struct {
         const char *fs, *proef, *wat;
     } RADEN[] = {
+        {"", "settings", "\"gluster volume set\" it the other way"},
         {"", "clocks", "keep the clocks of both by one time server"},
         {"fuse.glusterfs", "locks", "volume: features.locks on; mount without local locks"},
         {"nfs", "locks", "NFS version 4, without nolock and local_lock"},
@@ -117,6 +130,7 @@ private:
         return s;
     }
     void klok();
+    void ingesteld();
     bool sloten();
     void gedood();
     void samen();
@@ -134,6 +148,16 @@ void Vragen::klok() {
     const long scheelt = daar < voor ? voor - daar : daar > na ? daar - na : 0;
     if (!weg_)
         zeg("clocks", scheelt <= 60 ? "" : std::to_string(scheelt) + " seconds apart");
+}
+
+void Vragen::ingesteld() {
+    const std::string proef = "settings of the volume", eigen = instellingen(), ander = vraag("settings");
+    if (weg_ || !fs_.starts_with("fuse.glusterfs"))
+        return;
+    if (eigen == "unknown" || ander == "unknown")
+        printf("       %s: not told by the mount\n", proef.c_str());
+    else
+        zeg(proef, eigen != "none" ? eigen : ander != "none" ? ander : "");
 }
 
 // Rows whose answer isn't the one that should come, by group.
@@ -280,6 +304,7 @@ int Vragen::doe() {
     if (daar_ == hier())
         daar_ = "the other side";
     klok();
+    ingesteld();
     if (sloten()) {
         if (!weg_)
             gedood();
@@ -324,6 +349,8 @@ int antwoord() {
             uit = hier() + " (" + soort() + ")";
         else if (woord == "clock")
             uit = std::to_string(time(nullptr));
+        else if (woord == "settings")
+            uit = instellingen();
         else if (woord == "take")
             uit = deel_neem().empty() ? "done" : deel_neem();
         else if (woord == "leave")

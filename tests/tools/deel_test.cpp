@@ -143,5 +143,35 @@ TEST(Deel, EachKindOfOldDataIsFound) {
         }
 }
 
+// A mount that tells its settings, as a directory here: each wrong one is named as it is set, once.
+TEST(Deel, SettingsThatAMountTells) {
+    const struct {
+        const char *is, *kwaal; // words of the shell
+    } RIJEN[] = {
+        {":", ""},
+        {"echo OFF >c0/options/strict-locks; rm c1/options/strict-locks", "client.strict-locks is off"},
+        {"echo enable >c0/options/strict-locks", ""},
+        {"rm r/options/eager-lock", "cluster.eager-lock is on"},
+        {"mkdir x; echo performance/readdir-ahead >x/type", "performance.readdir-ahead is on"},
+        {"mkdir x; echo performance/md-cache >x/type; echo on >r/options/eager-lock",
+         "cluster.eager-lock is on, performance.stat-prefetch is on"},
+    };
+    TijdelijkeMap map;
+    std::string kwaal = "x";
+    EXPECT_FALSE(deel_instellingen(".", &kwaal));
+    for (const auto& r : RIJEN) {
+        ASSERT_EQ(
+            sh("rm -rf .meta; mkdir -p .meta/graphs/active; cd .meta/graphs/active; mkdir -p c0/options "
+               "c1/options r/options; echo protocol/client | tee c0/type >c1/type; echo on | tee "
+               "c0/options/strict-locks >c1/options/strict-locks; echo cluster/replicate >r/type; echo off "
+               ">r/options/eager-lock; touch volfile; " +
+               std::string(r.is))
+                .status,
+            0);
+        EXPECT_TRUE(deel_instellingen(".", &kwaal)) << r.is;
+        EXPECT_EQ(kwaal, r.kwaal) << r.is;
+    }
+}
+
 } // namespace
 } // namespace zg::test
