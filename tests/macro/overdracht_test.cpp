@@ -44,8 +44,7 @@ std::string keten(const std::string& typen, const std::function<void()>& tussen,
     return codes_na(t, typen);
 }
 
-struct Overdracht : testing::Test {
-    TijdelijkeMap map;
+struct Overdracht : InMap {
     Overdracht() { MACROSCHRIJF(macro('k', 7, {'1', '2', '3', '4', '5'}, "tekst")); }
 };
 

@@ -2,7 +2,6 @@
 #pragma once
 #include "store/diepcheck.h"
 #include "store/rebuild.h"
-#include "term/gesprek.h"
 #include "term/macro/macro.h"
 #include "term/toetslog.h"
 

@@ -32,8 +32,7 @@ TEST(Korting, VeldEnBerekening) {
         const std::string_view toetsen = g.toetsen;
         const size_t enter = toetsen.find("<Enter>");
         if (g.melding && enter != toetsen.npos) {
-            t.toetsen(toetsen.substr(0, enter + 7));
-            t.wacht(g.melding);
+            t.toetsen(toetsen.substr(0, enter + 7), g.melding);
             t.toetsen(toetsen.substr(enter + 7));
         } else {
             t.toetsen(toetsen);

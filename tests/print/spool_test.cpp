@@ -39,8 +39,7 @@ std::string zender(const std::string& map) {
     return uit;
 }
 
-struct Spool : testing::Test {
-    TijdelijkeMap map;
+struct Spool : InMap {
     Spool() { SYS.mkdir("uit", 0777); }
     void TearDown() override { EXPECT_EQ(FILES_PRESENT("PR*"), 0); }
 };
@@ -117,7 +116,7 @@ TEST_F(Spool, NameTaken) {
         regels("regel", 3);
         testing::internal::CaptureStderr();
         EXPECT_EQ(XPRT_CLOSE(), 0) << tekens;
-        EXPECT_NE(testing::internal::GetCapturedStderr().find("al een bestand"), std::string::npos);
+        EXPECT_TRUE(bevat(testing::internal::GetCapturedStderr(), "al een bestand"));
         EXPECT_EQ(lees_bestand("uit/lijst"), "van een ander");
         const std::vector<spooljob> achter = spool_achtergebleven("");
         ASSERT_EQ(achter.size(), 1u) << tekens;
@@ -203,13 +202,13 @@ TEST_F(Spool, AtEachCall) {
                 EXPECT_TRUE(er == 1 && FILES_PRESENT("PR*") == (status == GEZEGD && !achter.empty() ? 2 : 0));
             }
             if (status == WEIGERT) {
-                EXPECT_NE(gemeld.find("schijf vol"), std::string::npos) << gemeld;
+                EXPECT_TRUE(bevat(gemeld, "schijf vol"));
                 EXPECT_EQ(FILES_PRESENT("PR????"), gemeld.find("bewaard") != std::string::npos);
                 EXPECT_TRUE(!programma || er == 0);
             }
             EXPECT_TRUE(programma || er == 1 || achter.size() == 1) << "lost";
             for (const spooljob& a : achter) {
-                EXPECT_NE(gemeld.find(TITEL), std::string::npos) << gemeld;
+                EXPECT_TRUE(bevat(gemeld, TITEL));
                 EXPECT_TRUE(er == 0 || a.stand == Spoolstand::bezig)
                     << "nobody would know that it may be out";
                 EXPECT_TRUE(a.stand != Spoolstand::wacht || gemeld.find("afgebroken") != std::string::npos);
@@ -268,7 +267,7 @@ TEST_F(Spool, Damaged) {
     EXPECT_TRUE(spool_schrijf(slot, job));
     close(slot);
     EXPECT_EQ(spool_achtergebleven("").size(), 1u);
-    EXPECT_NE(volgende().find("is verwijderd"), std::string::npos);
+    EXPECT_TRUE(bevat(volgende(), "is verwijderd"));
     EXPECT_EQ(FILES_PRESENT("PR*"), 0);
     ASSERT_TRUE(begin(Printweg::map, "uit"));
     regels("regel", 1);

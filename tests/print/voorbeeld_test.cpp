@@ -98,8 +98,7 @@ TEST(Voorbeeld, EveryActionByKeyLetterAndMenu) {
     for (const char* tekst : {"PrintMenu", "Vorig blad      <PgUp>", "Volgend scherm <Enter>", "Scrollen",
                               "Instellen (70)", "Kopregels (1)", "Einde", "Niet printen"})
         EXPECT_TRUE(t.wacht(tekst)) << tekst << "\n" << t.scherm();
-    t.toetsen("<Esc><F4>21<Enter>");
-    EXPECT_TRUE(t.wacht("Aantal Afdrukken")) << t.scherm(); // 20 at most
+    t.toetsen("<Esc><F4>21<Enter>", "Aantal Afdrukken"); // 20 at most
     t.toetsen("<Del><Del>12<Enter>");
     t.toetsen("a<Esc>p");
     EXPECT_EQ(t.einde(), 12) << t.scherm();
@@ -123,7 +122,7 @@ TEST(Voorbeeld, LeavingAndDevices) {
     EXPECT_EQ(PRT_SCR(job), 1);
     job.spool = "weg";
     test::Terminal t(kijk(job));
-    EXPECT_TRUE(t.wacht("Kan tijdelijk print bestand niet openen !"));
+    t.wacht("Kan tijdelijk print bestand niet openen !");
 }
 
 // Where the report fits there is no going sideways; what is beyond its own width isn't shown.

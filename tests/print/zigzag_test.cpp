@@ -2,7 +2,6 @@
 #include "price/ing_val.h"
 #include "print/printjob.h"
 #include "print/teksten.h"
-#include "shared/sysrec.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 
@@ -27,8 +26,7 @@ std::string uit(const std::function<void()>& doe, const printjob& job = vorm(80,
     return tekst;
 }
 
-struct Zigzag : testing::Test {
-    test::TijdelijkeMap map;
+struct Zigzag : test::InMap {
     ~Zigzag() override { unsetenv("MAXFMT"); }
 };
 
