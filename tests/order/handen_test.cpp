@@ -110,9 +110,7 @@ TEST_F(Handen, ARepairThatMayNotReadDeletesNothing) {
             };
             std::string gezegd;
             EXPECT_EQ(in_kind(herstart, &gezegd), 2) << ext << reden;
-            EXPECT_NE(gezegd.find(reden == EACCES ? "(geen rechten)" : "schrijffout op de schijf"),
-                      std::string::npos)
-                << gezegd;
+            EXPECT_TRUE(bevat(gezegd, reden == EACCES ? "(geen rechten)" : "schrijffout op de schijf"));
             EXPECT_TRUE(inhoud("WRK") == wrk && bestaat("ACT") && inhoud("JRN") == jrn) << ext;
             SYS = echt;
         }
@@ -135,8 +133,7 @@ TEST_F(Handen, TheReasonIsTold) {
         return sluit() ? 2 : 0;
     };
     EXPECT_EQ(in_kind(niet_vastgelegd, &gezegd), 0);
-    EXPECT_NE(gezegd.find("ORD0012.TMP kan niet worden geschreven: lees- of schrijffout"), std::string::npos)
-        << gezegd;
+    EXPECT_TRUE(bevat(gezegd, "ORD0012.TMP kan niet worden geschreven: lees- of schrijffout"));
     EXPECT_EQ(inhoud("JRN"), voor);
     EXPECT_EQ(herstart(), 1) << "what was entered is there";
 }

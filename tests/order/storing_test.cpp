@@ -205,8 +205,7 @@ TEST(Storing, schijf_vol_bij_elke_schrijfactie) {
                 std::string nu = inhoud("JRN");
                 for (int i = 0; i < 3; i++)
                     if (i != s.order) {
-                        EXPECT_NE(nu.find(bytes(s.drie()[static_cast<size_t>(i)])), std::string::npos)
-                            << waar;
+                        EXPECT_TRUE(bevat(nu, bytes(s.drie()[static_cast<size_t>(i)]))) << waar;
                     }
                 EXPECT_EQ(scratch(), "") << waar;
             }
@@ -295,7 +294,7 @@ TEST(Schade, kapot_journaal_stopt_bij_het_openen) {
         EXPECT_EQ(in_kind(herstart, &gezegd), 1);
         std::string verwacht =
             "Order 2016Z-ORD0012.JRN inconsistent, pos. " + std::to_string(rij.pos) + " (" + rij.tag + ")";
-        EXPECT_NE(gezegd.find(verwacht), std::string::npos) << gezegd << verwacht;
+        EXPECT_TRUE(bevat(gezegd, verwacht)) << verwacht;
         EXPECT_EQ(inhoud("JRN"), rij.jrn_);
         EXPECT_EQ(inhoud("WRK"), "werk");
     }
@@ -326,7 +325,7 @@ TEST(Schade, regel_met_onmogelijke_inhoud) {
         int einde = in_kind([] { return kies(0) && regel_lees(regel_op(1), &regel_nu) ? 0 : 9; }, &gezegd);
         EXPECT_EQ(einde, rij.tag ? 1 : 0) << rij.wat << gezegd;
         if (rij.tag) {
-            EXPECT_NE(gezegd.find("ORD0012.JRN inconsistent"), std::string::npos) << rij.wat << gezegd;
+            EXPECT_TRUE(bevat(gezegd, "ORD0012.JRN inconsistent")) << rij.wat;
             EXPECT_EQ(scratch(), "") << "told before anything is made";
         }
         EXPECT_EQ(inhoud("JRN"), bytes(orders)) << rij.wat;

@@ -3,7 +3,6 @@
 #include "bouw.h"
 #include "order/regelstam.h"
 #include "order/verdelen.h"
-#include "shared/iofil.h"
 #include "shared/maatbalk.h"
 #include "support/systeem.h"
 #include <numeric>
