@@ -152,12 +152,18 @@ void meld_verloren(etikeuring* k, const keurmelding& meld) {
 
 } // namespace
 
+size_t etikeur_vooraf() {
+    constexpr int64_t MEEST = 1 << 22;
+    return static_cast<size_t>(std::clamp<int64_t>(eti::blokken(), 0, MEEST));
+}
+
 bool etikeur_begin(etikeuring* k, const etiketbezoek& bezoek) {
     *k = {};
     int32_t nr = TELLERS;
     iotab('R', &nr, &k->tellers, SYS_RECORD);
     constexpr size_t STUK = 2048;
     std::vector<etiblok> stuk(STUK);
+    k->blokken.reserve(etikeur_vooraf());
     for (int64_t plaats = 0;;) {
         const ssize_t n = SYSLEES(eti::fd, stuk.data(), STUK * sizeof(etiblok), plaats);
         if (n < 0)
@@ -267,6 +273,8 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
         t.vrijkop = t.hoogste;
         for (auto& b : k->blokken)
             b.waar = b.waar == Etiblok::keten ? b.waar : Etiblok::los;
+    } else if (t.vrij != tel(*k, Etiblok::vrij)) {
+        meld("DTETI: the free blocks were counted again");
     }
     t.vrij = tel(*k, Etiblok::vrij);
     int32_t nr = TELLERS;

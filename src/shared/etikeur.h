@@ -47,6 +47,8 @@ struct etikeuring {
 // block.
 using etiketbezoek = std::function<void(int32_t blok, const etiket& label)>;
 bool etikeur_begin(etikeuring* k, const etiketbezoek& bij = {});
+// Blocks for which room is taken at once: those of the file, as far as that may be true.
+size_t etikeur_vooraf();
 // The chain of a series; *telling are its labels. False: damaged, told.
 bool etikeur_serie(etikeuring* k, const serrec& serie, etitelling* telling, const keurmelding& meld);
 // Behind all series: the free chain, and the blocks that nobody has.

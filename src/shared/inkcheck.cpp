@@ -148,7 +148,7 @@ std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void
     return stand.kwalen;
 }
 
-int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
+int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft, bool* opnieuw) {
     inkslot slot;
     Stand stand = neem_op({});
     const size_t kwalen = stand.kwalen.size();
@@ -176,6 +176,8 @@ int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft) {
         nummers.push_back(nr);
         terug += stand.bezit[i] == NIEMAND;
     }
+    if (opnieuw)
+        *opnieuw = !heel;
     return (heel ? slot.geef_vrij(nummers) : slot.opnieuw(nummers)) ? terug : -1;
 }
 

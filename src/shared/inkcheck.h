@@ -22,7 +22,8 @@ struct inktelling {
 std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij = {});
 // Groups that nobody has into the free chain, which is made anew when it makes no sense; those that bear the name of a
 // damaged set stay, and those that `blijft` keeps. Nothing is done while a set leads outside the file: its records would be
-// given out again. How many came back that nobody had; -1 when the disk refused, which was told.
-int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft = {});
+// given out again. How many came back that nobody had; -1 when the disk refused, which was told. *opnieuw: the chain was
+// made anew.
+int64_t ink_herstel(const std::function<bool(const prijsgroeprec&)>& blijft = {}, bool* opnieuw = nullptr);
 
 } // namespace zg

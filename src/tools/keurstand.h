@@ -25,10 +25,9 @@ struct Periode { // of a price set
     uint8_t maten[MAATBYTES];
 };
 struct Orderlabels { // of one order in one block; number 0: of none
-    int32_t blok;
     sleutelwaarde serie;
+    int32_t blok, nummer; // there may be millions: no gaps
     uint16_t leverancier, datum;
-    int32_t nummer;
     bool in_nota; // one at least
 };
 
@@ -43,11 +42,13 @@ struct Keuring {
     etikeuring eti;
     Veldkeur op_order{"DTETI:order", sizeof(etiket)}, verder{"DTETI:verder", sizeof(etiket)}; // labels
     std::bitset<256> filialen; // their numbers, and what else a receiving location may be
-    std::set<sleutelwaarde> sets_zonder_serie;
+    std::set<sleutelwaarde> sets_zonder_serie, sets_stuk; // of them those that have a damaged one
     std::set<sleutelwaarde>
         kwijt; // series without a record that were not deleted: there are labels, or lines of orders
     std::set<std::pair<sleutelwaarde, uint16_t>> prijzen_kwijt; // series and supplier, with labels
     std::vector<int32_t> nummers_zonder_order;
+    bool nummer_kwijt = false;          // an order has no number record
+    std::bitset<256> maten_zonder_code; // sizes that a series with codes lacks one of
     std::map<int32_t, int32_t> tellers; // by system record: what a wrong counter should be
 };
 

@@ -42,8 +42,10 @@ void keur_nummer(Keuring* k, const journaalorder& o, const Nummers& nummers) {
         (o.in_hand ? k->dtordnr.noten : k->dtordnr.kwalen).push_back(naam(o) + " " + wat);
     };
     if (n == nummers.end()) {
-        if (!o.series.empty())
+        if (!o.series.empty()) {
             meld("has no number record");
+            k->nummer_kwijt = true;
+        }
         return;
     }
     const ordnrrec& rec = n->second;
@@ -124,7 +126,8 @@ void keur_labels(Keuring* k, const journalen& j, const Orders& orders, const Num
     }
 }
 
-// Number records without an order. A season that is over has no journals any more.
+// Number records without an order. A season that is over has no journals any more. While an order lacks its record one of
+// them may be that, with another number.
 void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nummers& nummers) {
     std::set<int32_t> met_label;
     for (const Orderlabels& l : k->van_orders)
@@ -139,7 +142,7 @@ void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nu
         }
         k->dtordnr.kwalen.push_back(wat);
         k->dtordnr.verloren++;
-        if (!met_label.contains(nr) && !j.leveranciers_stuk.contains(rec.leverancier))
+        if (!k->nummer_kwijt && !met_label.contains(nr) && !j.leveranciers_stuk.contains(rec.leverancier))
             k->nummers_zonder_order.push_back(nr);
     }
 }

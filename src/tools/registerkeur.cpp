@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <bitset>
 #include <cstring>
+#include <tuple>
 #include <unistd.h>
 
 namespace zg {
@@ -138,6 +139,8 @@ void lees_sets(Keuring* k) {
     for (const inkkwaal& kw : kwalen) {
         const auto s = k->series.find(sleutel_van(kw.serie));
         keur_kwaal(&k->dtipa, s == k->series.end() ? nullptr : &s->second, kw.tekst);
+        if (weg.contains(sleutel_van(kw.serie)))
+            k->sets_stuk.insert(sleutel_van(kw.serie));
     }
     for (const sleutelwaarde w : weg) {
         k->dtipa.kwalen.push_back("sets of " + serie_tekst(sleutel_uit(w)) + ", which isn't there");
@@ -189,7 +192,7 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
         (set_heeft_maat(*k, serie, l) ? k->vreemde_maat : k->zonder_maat)[serie]++;
     else if (l.maatsoort != s->second.rec.maatsoort)
         k->vreemde_maat[serie]++;
-    const Orderlabels o{blok, serie, l.leverancier, l.orderdatum, l.ordernummer, l.status == ETI_ORDER};
+    const Orderlabels o{serie, blok, l.ordernummer, l.leverancier, l.orderdatum, l.status == ETI_ORDER};
     if (!k->van_orders.empty()) {
         Orderlabels& v = k->van_orders.back();
         if (v.blok == o.blok && v.nummer == o.nummer && v.leverancier == o.leverancier &&
@@ -222,6 +225,7 @@ bool lees_labels(Keuring* k) {
         k->filialen.set(iofil_nummer(i));
     if (!filialen)
         k->filialen.set();
+    k->van_orders.reserve(etikeur_vooraf());
     if (!etikeur_begin(&k->eti, [k](int32_t blok, const etiket& l) { neem_label(k, blok, l); }))
         return false;
     for (auto& rij : k->series) {
@@ -252,7 +256,10 @@ bool lees_labels(Keuring* k) {
             if (s == k->series.end() ? !ontbreekt(*k, b.serie) : in_werk(s->second))
                 b.waar = Etiblok::keten;
         }
-    std::ranges::stable_sort(k->van_orders, {}, &Orderlabels::serie);
+    // In place: a stable sort takes as much again.
+    std::ranges::sort(k->van_orders, {}, [](const Orderlabels& o) {
+        return std::tuple(o.serie, o.blok, o.nummer, o.leverancier, o.datum);
+    });
     etikeur_einde(&k->eti, [k](const std::string& wat) { k->dteti.kwalen.push_back(wat); });
     k->dteti.verloren = k->eti.verloren;
     k->dteti.telling = keur_aantal(k->eti.labels, "labels, ") +
@@ -263,9 +270,9 @@ bool lees_labels(Keuring* k) {
 Eanstaat neem_code(Keuring* k, const seriesleutel& serie, uint8_t maat) {
     const auto p = k->series.find(sleutel_van(serie));
     if (p == k->series.end())
-        return !ontbreekt(*k, serie)                   ? Eanstaat::goed
-               : k->kwijt.contains(sleutel_van(serie)) ? Eanstaat::kwijt
-                                                       : Eanstaat::weg;
+        return !ontbreekt(*k, serie)                                                 ? Eanstaat::goed
+               : k->kwijt.contains(sleutel_van(serie)) || k->maten_zonder_code[maat] ? Eanstaat::kwijt
+                                                                                     : Eanstaat::weg;
     Seriestand& s = p->second;
     if (!heeft_maat(s.rec.maten, maat))
         return Eanstaat::andere_maat;
@@ -288,10 +295,17 @@ void keur_codes(Keuring* k) {
     k->dtean.telling = keur_aantal(dtean->h.nrecs, "records");
     int64_t zonder = 0;
     std::string eerste;
-    for (const auto& [sleutel, s] : k->series)
-        if ((s.rec.regtype || instel15.ean_alle) && memcmp(s.codes, s.rec.maten, sizeof s.codes) != 0 &&
-            zonder++ == 0)
+    for (const auto& [sleutel, s] : k->series) {
+        const bool moet = s.rec.regtype || instel15.ean_alle;
+        if (memcmp(s.codes, s.rec.maten, sizeof s.codes) == 0 ||
+            (!moet && std::ranges::all_of(s.codes, [](uint8_t b) { return b == 0; })))
+            continue;
+        for (uint8_t maat = 1; maat <= MATEN; maat++)
+            if (heeft_maat(s.rec.maten, maat) && !heeft_maat(s.codes, maat))
+                k->maten_zonder_code.set(maat);
+        if (moet && zonder++ == 0)
             eerste = serie_tekst(s.rec.serie);
+    }
     if (zonder)
         k->dtean.noten.push_back(keur_aantal(zonder, "series have sizes without a code, as ") + eerste);
 }
@@ -374,18 +388,25 @@ std::vector<std::string> register_herstel(bool* gelukt) {
     *gelukt = true;
     // Sets of a series that is gone: their groups go back with them.
     for (const sleutelwaarde w : k.sets_zonder_serie) {
-        if (k.kwijt.contains(w)) {
-            uit.push_back("DTIPA: sets of " + serie_tekst(sleutel_uit(w)) + " stay: its record was lost");
+        if (const bool kwijt = k.kwijt.contains(w); kwijt || k.sets_stuk.contains(w)) {
+            uit.push_back("DTIPA: sets of " + serie_tekst(sleutel_uit(w)) +
+                          " stay: " + (kwijt ? "its record was lost" : "one of them is damaged"));
             continue;
         }
         *gelukt &= ioink_deleteall(sleutel_uit(w));
     }
     // The groups of a set that was lost are the last that knows of its prices.
-    const int64_t groepen = ink_herstel([&k](const prijsgroeprec& groep) {
-        return k.prijzen_kwijt.contains({sleutel_van(groep.serie), groep.setnr});
-    });
+    bool opnieuw = false;
+    const int64_t groepen = ink_herstel(
+        [&k](const prijsgroeprec& groep) {
+            return k.prijzen_kwijt.contains({sleutel_van(groep.serie), groep.setnr});
+        },
+        &opnieuw);
     *gelukt &= groepen >= 0;
-    uit.push_back("DTIPG: " + keur_aantal(groepen, "records given back"));
+    if (opnieuw)
+        uit.push_back("DTIPG: the free chain was made anew");
+    if (groepen > 0)
+        uit.push_back("DTIPG: " + keur_aantal(groepen, "records given back"));
     const int64_t verloren = k.eti.verloren;
     *gelukt &= etikeur_herstel(&k.eti, meld);
     if (verloren > k.eti.verloren)
@@ -398,7 +419,8 @@ std::vector<std::string> register_herstel(bool* gelukt) {
         *gelukt &= tel_opnieuw(s);
         geteld++;
     }
-    uit.push_back("DTSER: " + keur_aantal(geteld, "series counted again"));
+    if (geteld)
+        uit.push_back("DTSER: " + keur_aantal(geteld, "series counted again"));
     for (const auto& [sysrecord, laatste] : k.tellers) {
         *gelukt &= zet_teller(sysrecord, laatste);
         uit.push_back((sysrecord == SYS_SERIE ? "DTSER" : "DTORDNR") +
@@ -413,8 +435,8 @@ std::vector<std::string> register_herstel(bool* gelukt) {
         else
             IXUNLOCK(dtordnr, buffer);
     }
-    uit.push_back("DTORDNR: " +
-                  keur_aantal(static_cast<int64_t>(k.nummers_zonder_order.size()), "numbers deleted"));
+    if (const size_t n = k.nummers_zonder_order.size())
+        uit.push_back("DTORDNR: " + keur_aantal(static_cast<int64_t>(n), "numbers deleted"));
     return uit;
 }
 

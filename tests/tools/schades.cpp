@@ -167,6 +167,23 @@ const std::vector<Schade> SCHADES = {
           }),
     // their numbers stand on pieces: none is given out again
     blijft("labels that are gone", {"DTETI: series ", "outside the file"}, kort("DTETI.TXT", 0)),
+    // its groups tell that it isn't one of a series that is gone
+    blijft("a set whose series was hit",
+           {"DTIPA: ", "repair: DTIPA: sets of 1100.77.1 stay: one of them is damaged"},
+           op("DTIPA.TXT", sizeof(prijsset) + 4, uint16_t{77})),
+    heelt(
+        "a free chain of prices that leads nowhere, a count of free blocks",
+        {"DTIPA: DTIPG.TXT record -5: free chain leads outside", "DTETI: DTSYS.TXT system record 4: 0 free"},
+        [](const DemoMap& m) {
+            zet(m, "DTSYS.TXT", SYS9, int32_t{-5});
+            zet(m, "DTSYS.TXT", SYS4 + 8, int32_t{7});
+        }),
+    // they may be those that a series and an order lack
+    blijft("a code and a number that were hit", {"DTEAN: ", "DTORDNR: ", "repair: DTORDNR: index rebuilt"},
+           [](const DemoMap& m) {
+               zet(m, "DTEAN.TXT", sizeof(eanrec) + offsetof(eanrec, kleur), uint16_t{77});
+               zet(m, "DTORDNR.TXT", sizeof(ordnrrec), int32_t{77});
+           }),
     blijft("price records cut off", {"DTIPA: series ", "outside DTIPG.TXT"},
            kort("DTIPG.TXT", 50 * sizeof(prijsgroeprec))),
     heelt("a wild counter of codes",

@@ -13,6 +13,7 @@ struct Veldschade {
     size_t plaats;
     std::string bytes;
     const char* gezegd;
+    bool te_herstellen = false;
 };
 
 std::string i16(int w) {
@@ -62,7 +63,7 @@ const Veldschade FOUT[] = {
     {"DTETI.TXT", 52 + 23, "\xFE", "a label: receiving location 253 is no branch of the firm"},
     {"DTETI.TXT", 88 + 30, i16(60000), "a label: a delivery term that ends before it begins"},
     {"DTSYS.TXT", 0, BEL, "DTSYS.TXT: system record 1: naam holds byte 07, which is no letter"},
-    {"DTSYS.TXT", 4 * 64, i32(-5), "DTSYS.TXT: system record 5: laatste -5, of 0 to 9999999"},
+    {"DTSYS.TXT", 4 * 64, i32(-5), "DTSYS.TXT: system record 5: laatste -5, of 0 to 9999999", true},
     {"DTSYS.TXT", SYS7 + 25, "\x05", "DTSYS.TXT: system record 7: modus 5, of 0 to 1 or 10"},
     {"DTSYS.TXT", SYS15 + 22, "abc", "DTSYS.TXT: system record 15: prefix1 is no number"},
     {"DTSYS.TXT", GEBRUIKER + 58, TOT, "DTSYS.TXT: user 1: werkdatum 65500 is no day of the calendar"},
@@ -90,7 +91,7 @@ const Veldschade VRIJ[] = {
 
 } // namespace
 
-TEST(Velden, EachWrongOneIsTold) {
+TEST(Velden, EachWrongOneIsToldAndLeft) {
     const DemoMap map("data/demo", "--register");
     for (const Veldschade& s : FOUT)
         sla(map, s);
@@ -102,6 +103,14 @@ TEST(Velden, EachWrongOneIsTold) {
         EXPECT_TRUE(uit.zegt(s.gezegd)) << s.gezegd << "\n" << uit.tekst;
         const std::string bij = strstr(s.gezegd, "at 0: ") ? strstr(s.gezegd, "at 0: ") : "";
         EXPECT_TRUE(jrn.zegt(bij)) << bij << "\n" << jrn.tekst;
+    }
+    // Who wrote it has to say what it should be: a repair leaves it, and says it again.
+    const Uit na = sh("zgcheck --repair " + map.pad());
+    for (const Veldschade& s : FOUT) {
+        EXPECT_EQ(na.zegt(s.gezegd), !s.te_herstellen) << s.gezegd << "\n" << na.tekst;
+        EXPECT_EQ(lees_bestand(map.bestand(s.bestand)).compare(s.plaats, s.bytes.size(), s.bytes) == 0,
+                  !s.te_herstellen)
+            << s.gezegd;
     }
 }
 

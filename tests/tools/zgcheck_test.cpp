@@ -61,6 +61,7 @@ TEST(Zgcheck, EachDamageAndItsRepair) {
             SCOPED_TRACE(s.wat);
             EXPECT_EQ(uit.status, 1);
             EXPECT_EQ(na.status, s.te_herstellen ? 0 : 1) << na.tekst;
+            EXPECT_TRUE(!s.te_herstellen || na.zegt("repair: ")) << na.tekst;
             for (const char* tekst : s.gezegd) {
                 EXPECT_TRUE(uit.zegt(tekst) || !strncmp(tekst, "repair: ", 8)) << tekst << "\n" << uit.tekst;
                 EXPECT_TRUE(s.te_herstellen || na.zegt(tekst)) << tekst << "\n" << na.tekst;
