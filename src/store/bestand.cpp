@@ -76,13 +76,16 @@ void IXBESTANDDICHT(int fd) {
     bestanden.erase(b);
 }
 
-bool IXBESTANDVERVANGEN(int fd) {
+bool IXBESTANDVERVANGEN(int fd, int64_t* omvang) {
     const auto b = vind(fd);
     struct stat s;
     if (b == bestanden.end() || b->pad.empty())
         return false;
-    if (stat(b->pad.c_str(), &s) == 0)
+    if (stat(b->pad.c_str(), &s) == 0) {
+        if (omvang)
+            *omvang = s.st_size;
         return s.st_dev != b->dev || s.st_ino != b->ino;
+    }
     return errno == ENOENT && SYS.fstat(fd, &s) == 0 && s.st_nlink == 0;
 }
 

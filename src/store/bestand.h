@@ -11,7 +11,7 @@ int IXBESTANDOPEN(const char* pad, int vlaggen);
 void IXBESTANDDICHT(int fd);
 // Does the name that it was opened by lead to another file now, or has it none any more? What is written into it then,
 // nobody sees. A directory that was moved is no such thing.
-bool IXBESTANDVERVANGEN(int fd);
+bool IXBESTANDVERVANGEN(int fd, int64_t* omvang = nullptr); // and of what stands there, the size
 // Before a change: is it time to ask that again? Once in each tick of the system's coarse clock, 4 ms mostly; a change that a
 // person makes always has its turn. `slot`, when no other comes: has one been without a turn?
 bool IXBESTANDBEURT(int fd, bool slot = false);

@@ -23,24 +23,33 @@ bool te_duur(const ICB* icb) {
     return icb->tempidx || (!IXKAARTER(icb->datfd) && (IOGEDEELD() || icb->mode == 1));
 }
 
-// Record nr out of the mapping: does anything stand there? -1: by a call.
-int iets(const ICB* icb, int32_t nr) {
-    const size_t n = static_cast<size_t>(icb->h.reclen);
-    const int leeg = IXKAARTER(icb->datfd) ? IXKAARTNULLEN(icb->datfd, int64_t{nr} * icb->h.reclen, n) : -1;
+// One record may be all zeros, and become so while somebody else looks: the one whose first key is. Two can't.
+constexpr int32_t VOOR = 2;
+
+// The records in front of nr out of the mapping: does anything stand there? -1: by a call.
+int iets_voor(const ICB* icb, int32_t nr) {
+    if (nr < VOOR)
+        return 0;
+    const int64_t n = icb->h.reclen;
+    const int leeg = IXKAARTER(icb->datfd)
+                         ? IXKAARTNULLEN(icb->datfd, (nr - VOOR) * n, static_cast<size_t>(VOOR * n))
+                         : -1;
     return leeg < 0 ? -1 : !leeg;
 }
 
-// Record nr - 1, if there is one, nr, and so many bytes behind it, by one call: `in` gets nr.
+// The records in front of nr, if there are so many, and so many bytes behind them, by one call.
 struct Lezing {
-    uint8_t bytes[2 * IXRECMAX + 1];
+    uint8_t bytes[(VOOR + 1) * IXRECMAX + 1];
     size_t voor, gelezen; // bytes in front of nr, and what there was of all
     Lezing(const ICB* icb, int32_t nr, size_t erbij) {
         const size_t n = static_cast<size_t>(icb->h.reclen);
-        voor = nr > 0 ? n : 0;
+        voor = static_cast<size_t>(std::min(nr, VOOR)) * n;
         const int64_t plaats = int64_t{nr} * icb->h.reclen - static_cast<int64_t>(voor);
         gelezen = static_cast<size_t>(IOLEES(icb->datfd, bytes, voor + erbij, plaats));
     }
-    bool iets_voor() const { return voor > 0 && gelezen >= voor && !nullen(bytes, voor); }
+    bool iets(const ICB* icb) const {
+        return voor == static_cast<size_t>(VOOR * icb->h.reclen) && gelezen >= voor && !nullen(bytes, voor);
+    }
 };
 
 // Programs that count a record before they write it get a moment to do so.
@@ -57,13 +66,13 @@ bool reikt(const ICB* icb, int64_t lengte) {
 
 bool IXLEESMET(ICB* icb, void* rec, IXGETUIGE* voor) {
     *voor = {};
-    const int er = te_duur(icb) || icb->currec < 1 ? 0 : iets(icb, icb->currec - 1);
+    const int er = te_duur(icb) ? 0 : iets_voor(icb, icb->currec);
     voor->er = er > 0;
     if (er >= 0)
         return IXLEESHEEL(icb, rec);
     const size_t n = static_cast<size_t>(icb->h.reclen);
     const Lezing l(icb, icb->currec, n);
-    voor->er = l.iets_voor();
+    voor->er = l.iets(icb);
     if (l.gelezen == l.voor + n)
         return memcpy(rec, l.bytes + l.voor, n), true;
     memset(rec, 0xFF, n);
@@ -73,7 +82,7 @@ bool IXLEESMET(ICB* icb, void* rec, IXGETUIGE* voor) {
 int IXKIJKEINDE(const ICB* icb, int32_t nr, IXGETUIGE* voor) {
     *voor = {};
     const int64_t einde = int64_t{nr} * icb->h.reclen;
-    const int er = te_duur(icb) || nr < 1 ? 0 : iets(icb, nr - 1);
+    const int er = te_duur(icb) ? 0 : iets_voor(icb, nr);
     voor->er = er > 0;
     if (IXKAARTEINDE(icb->datfd, einde, static_cast<size_t>(icb->h.reclen)))
         return 0;
@@ -82,7 +91,7 @@ int IXKIJKEINDE(const ICB* icb, int32_t nr, IXGETUIGE* voor) {
         return omvang < einde ? -1 : omvang > einde;
     }
     const Lezing l(icb, nr, 1);
-    voor->er = l.iets_voor();
+    voor->er = l.iets(icb);
     return l.gelezen < l.voor ? -1 : l.gelezen > l.voor;
 }
 
@@ -92,13 +101,18 @@ bool IXKIJKNA(const ICB* icb, IXGETUIGE voor, int32_t nr, int32_t aantal) {
     const size_t n = static_cast<size_t>(icb->h.reclen);
     const int64_t lengte = int64_t{aantal} * icb->h.reclen;
     const bool laatste = nr + 1 >= aantal;
-    const int er = voor.er ? iets(icb, nr - 1) : 1;
+    const int er = voor.er ? iets_voor(icb, nr) : 1;
     if (er >= 0 && IXKAARTER(icb->datfd))
         return er && (laatste || IXKAARTREIKT(icb->datfd, lengte, n) || reikt(icb, lengte));
     if (laatste && !voor.er)
         return true;
     const Lezing l(icb, nr, n + !laatste);
-    return (!voor.er || l.iets_voor()) && (laatste || l.gelezen > l.voor + n || reikt(icb, lengte));
+    return (!voor.er || l.iets(icb)) && (laatste || l.gelezen > l.voor + n || reikt(icb, lengte));
+}
+
+bool IXTEKORT(const ICB* icb, int64_t omvang) {
+    const int64_t lengte = int64_t{icb->h.nrecs} * icb->h.reclen;
+    return !icb->tempidx && omvang < lengte && !reikt(icb, lengte);
 }
 
 void IXINGEKORT(ICB* icb) {

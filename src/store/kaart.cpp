@@ -164,22 +164,18 @@ bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n) {
     return memcmp(k.basis + plaats, wat, n) == 0 && !k.gat;
 }
 
-// The last byte that isn't zero tells where the file ends at the earliest: what a cut behind it takes away comes back as it
-// was when the file grows again.
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n) {
-    constexpr int64_t GENOEG = 16; // bytes to see whether the file goes on
-    if (lengte < 1)
-        return false;
-    const int64_t blad = (lengte - 1) & ~BINNENBLAD,
-                  rest = std::min<int64_t>(blad + BINNENBLAD + 1 - lengte, static_cast<int64_t>(n));
-    const Kaart* k = rest < GENOEG ? nullptr : heel(fd, lengte + rest);
+    constexpr int64_t GENOEG = 16;                                 // bytes to see whether the file goes on
+    const int64_t over = BINNENBLAD - ((lengte - 1) & BINNENBLAD), // of the page of its last byte
+        rest = std::min<int64_t>(over, static_cast<int64_t>(n));
+    const Kaart* k = lengte < 1 || rest < std::min<int64_t>(GENOEG, static_cast<int64_t>(n))
+                         ? nullptr
+                         : heel(fd, lengte + rest);
     if (!k)
         return false;
-    const uint8_t *p = k->basis + lengte,
-                  *begin = k->basis + std::max(blad, lengte - static_cast<int64_t>(n));
     std::atomic_signal_fence(std::memory_order_seq_cst); // not what was read before
-    const auto nul = [](uint8_t b) { return b == 0; };
-    return !std::all_of(begin, p, nul) && std::all_of(p, p + rest, nul) && !k->gat;
+    const uint8_t* p = k->basis + lengte;
+    return p[-1] != 0 && std::all_of(p, p + rest, [](uint8_t b) { return b == 0; }) && !k->gat;
 }
 
 bool IXKAARTREIKT(int fd, int64_t lengte, size_t n) {

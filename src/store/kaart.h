@@ -21,7 +21,7 @@ bool IXKAARTSTAAT(int fd, int64_t plaats, const void* wat, size_t n);
 bool IXKAARTER(int fd); // is it mapped?
 // n bytes at a place are going to be read: the processor may fetch them meanwhile.
 void IXKAARTVOORUIT(int fd, int64_t plaats, size_t n);
-// Does the file, whose last n bytes aren't all zeros, end at `lengte`, but for zeros, with no n bytes behind that? False also when only a call can tell.
+// Does the file end at `lengte`, with no n bytes behind that? False also when only a call can tell.
 bool IXKAARTEINDE(int fd, int64_t lengte, size_t n);
 // Does it reach so far, but for zeros in its last n bytes? False also when only a call can tell.
 bool IXKAARTREIKT(int fd, int64_t lengte, size_t n);

@@ -1,6 +1,7 @@
 // Reports and boxes of the store, and the names of a pair's two files.
 #include "shared/report.h"
 #include "store/bestand.h"
+#include "store/getuige.h"
 #include "store/node.h"
 #include "store/teksten.h"
 #include "term/prompt.h"
@@ -28,10 +29,14 @@ void IXINCONSISTENT(const ICB* icb) {
     SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_NIET_CONSISTENT));
 }
 
-void IXEISPAAR(const ICB* icb, bool slot) {
-    if (!icb->tempidx && IXBESTANDBEURT(icb->idxfd, slot) &&
-        (IXBESTANDVERVANGEN(icb->idxfd) || IXBESTANDVERVANGEN(icb->datfd)))
+void IXEISPAAR(ICB* icb, bool slot) {
+    int64_t omvang = INT64_MAX;
+    if (icb->tempidx || !IXBESTANDBEURT(icb->idxfd, slot))
+        return;
+    if (IXBESTANDVERVANGEN(icb->idxfd) || IXBESTANDVERVANGEN(icb->datfd, &omvang))
         SCRFATAL(TXT(T_IX_REGEL), icb->h.name, icb->h.title, TXT(T_IX_VERVANGEN));
+    if (IXTEKORT(icb, omvang))
+        IXINGEKORT(icb);
 }
 
 void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats, int lengte) {

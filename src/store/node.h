@@ -57,8 +57,9 @@ inline bool ALLEEN(const ICB* icb) {
 void IXEIS(const ICB* icb, const char* tag);            // null handle
 [[noreturn]] void IXSTUK(const ICB* icb, int32_t blok); // a block makes no sense
 [[noreturn]] void IXINCONSISTENT(const ICB* icb);       // marked as being changed
-// Before a change, and at the close behind the last (`slot`): stops when another file has taken the place of one of the pair.
-void IXEISPAAR(const ICB* icb, bool slot = false);
+// Before a change, and at the close behind the last (`slot`): stops when another file has taken the place of one of the pair, or the
+// data file is shorter than the handle knows.
+void IXEISPAAR(ICB* icb, bool slot = false);
 [[noreturn]] void IXSCHIJFFOUT(const ICB* icb, int fd, int64_t plaats,
                                int lengte); // seek or write, with errno
 // The disk refused a write, with this errno, and all is as it was: told in a box. `gevolg`: what that means, when it is
@@ -132,11 +133,11 @@ void IXLAATLOS(ICB* icb);
 
 // Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it
 // may have got another key since the entry was read, or not yet have its new one: R_ANDER, pause and search again, as
-// long as somebody is writing. Then it is taken as it is; but a record behind the end of the data file is damage, and so is one
-// that has not the key asked for ('='), or one that leads back in a walk in this direction ('>' or '<'): the program stops.
+// long as somebody is writing. Then a record that has another key, or lies behind the end of the data file, is damage, and the
+// program stops; but in a temporary index, which may be older than its records.
 class Geduld;
 enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld);
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld);
 bool IXLEESHEEL(ICB* icb, void* rec);   // the record at `currec`; false, and 0xFF, past the end of the file
 bool IXLEESLEVEND(ICB* icb, void* rec); // the record at `currec`; is it in use?
 

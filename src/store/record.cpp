@@ -109,7 +109,7 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
     return levend;
 }
 
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld) {
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld) {
     if (!IXLEESHEEL(icb, rec)) {
         if (icb->tempidx)
             return R_VRIJ;
@@ -125,14 +125,11 @@ Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld)
     const IXKEYDEF& def = IXDEF(icb);
     uint8_t sleutel[IXSLEUTELMAX + 4];
     IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, sleutel);
-    const int verschil = IXVERGELIJK(def, sleutel, icb->curent, def.keylen);
-    if (verschil == 0)
+    if (IXVERGELIJK(def, sleutel, icb->curent, def.keylen) == 0)
         return R_GOED;
     if (geduld->nog_eens())
         return R_ANDER;
-    if (richting == '>' ? verschil < 0 : richting == '=' || verschil > 0)
-        IXSTUK(icb, icb->curblock);
-    return R_GOED;
+    IXSTUK(icb, icb->curblock);
 }
 
 int IXREAD(ICB* icb, void* rec) {
@@ -144,7 +141,7 @@ int IXREAD(ICB* icb, void* rec) {
         icb->currec = IXSEARCH(icb, '=', lengte);
         if (icb->currec < 0)
             return 0;
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, '=', &geduld);
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, &geduld);
         if (uitslag == R_ANDER)
             continue;
         memcpy(rec, gevonden, static_cast<size_t>(icb->h.reclen));

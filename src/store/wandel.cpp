@@ -77,7 +77,7 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
         icb->currec = gevonden;
         if (gevonden < 0)
             return 0;
-        switch (IXLEESGEVONDEN(icb, rec, richting, &geduld)) {
+        switch (IXLEESGEVONDEN(icb, rec, &geduld)) {
         case R_GOED:
             onthoud(icb, rec);
             IXSTAPVOORUIT(icb);
@@ -93,13 +93,13 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
 }
 
 // The record of the entry in hand, whatever it is by now. 1 when it is live.
-int lees_hier(ICB* icb, void* rec, char richting) {
+int lees_hier(ICB* icb, void* rec) {
     uint8_t entry[IXSLEUTELMAX + 4];
     const int32_t nummer = icb->currec;
     const int lengte = IXDEF(icb).keylen;
     memcpy(entry, icb->curent, static_cast<size_t>(lengte));
     for (Geduld geduld(icb);;) {
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, richting, &geduld);
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, &geduld);
         if (uitslag != R_ANDER) {
             IXGEGEVEN(icb, rec);
             return uitslag == R_GOED;
@@ -203,7 +203,7 @@ int IXSKIP(ICB* icb, void* rec, int delen, int stappen, int32_t* recnr) {
     if (icb->currec < 0)
         return 0;
     if (gestapt)
-        return lees_hier(icb, rec, richting < 0 ? '>' : '<');
+        return lees_hier(icb, rec);
     IXRDREC(icb, rec);
     return IXRECLIVE(rec, icb->h.reclen);
 }

@@ -238,6 +238,8 @@ bool zonder_paar(Schelp& s, const Woorden& w, std::string* fout) {
             *fout = "mode 0, 1 or 2";
         else if (op == "create" && (n < 6 || n > IXRECMAX || w.size() < 4 || w.size() > 3 + IXSLEUTELS))
             *fout = "a record length of 6 to 512 and one to five keys";
+        else if (op == "create" && IXTIJDELIJKENAAM(w[1].c_str()))
+            *fout = "a name with a point is a program's own index";
         else if (op == "create" && (IOEXISTS((w[1] + ".INX").c_str()) || IOEXISTS((w[1] + ".TXT").c_str())))
             *fout = "exists already";
         else if (op == "open" && (s.uitkomst = leesbaar(w[1], s.wacht)) != GOED)

@@ -90,8 +90,8 @@ TEST_F(Afgekapt, GegevensOnderDeWandelaar) {
                     continue;
                 schrijf_bestand("T.TXT", data.substr(0, lengte) +
                                              std::string(gegroeid ? data.size() - lengte : 0, '\0'));
-                for (int (*lees)(ICB*, void*) : {IXREAD, IXREADL}) {
-                    Rec r = rec(RECORDS - 1);
+                for (int (*lees)(ICB*, void*) : {IXREAD, IXREADL, IXFIRST, IXLAST}) {
+                    Rec r = rec(RECORDS - 1 + (lees == IXLAST));
                     const std::string rapport = stopt([&] { lees(IXOPEN("T", mode), &r); });
                     EXPECT_NE(std::string::npos, rapport.find(RAAR)) << "grown " << gegroeid << rapport;
                 }
@@ -137,7 +137,23 @@ TEST_F(Afgekapt, VlakVoorDeSchrijver) {
                 EXPECT_NE(std::string::npos, rapport.find("ingekort")) << g.wat << nr << ": " << rapport;
                 EXPECT_EQ(-1, IXCHECK("T")) << g.wat << nr;
             });
-    // Before the change: nothing is written.
+    // Before the change nothing is written: of a record that is gone, or of another when the last has lost its end.
+    overal([&](int mode) {
+        if (mode == 0)
+            return;
+        schrijf_bestand("T.INX", index);
+        schrijf_bestand("T.TXT", data);
+        const std::string rapport = stopt([mode] {
+            ICB* icb = IXOPEN("T", mode);
+            Rec r = rec(7777);
+            IXWRITE(icb, &r);
+            ASSERT_EQ(0, truncate("T.TXT", (RECORDS + 1) * 32 - 5));
+            r.nr++;
+            IXWRITE(icb, &r);
+        });
+        EXPECT_NE(std::string::npos, rapport.find("ingekort")) << rapport;
+        EXPECT_EQ(data.size() + 27, lees_bestand("T.TXT").size());
+    });
     schrijf_bestand("T.INX", index);
     schrijf_bestand("T.TXT", data);
     EXPECT_NE("", stopt([&] {
@@ -148,6 +164,33 @@ TEST_F(Afgekapt, VlakVoorDeSchrijver) {
                   IXPUTREC(icb, &r);
               }));
     EXPECT_EQ(100U * 32, lees_bestand("T.TXT").size());
+}
+
+// Somebody else may make the record in front all zeros in that very moment: no damage.
+TEST_F(Afgekapt, NullenVanEenAnder) {
+    for (const char* kaart : {"1", "0"}) {
+        setenv("ZGKAART", kaart, 1);
+        ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,4"}}, 2);
+        for (uint32_t i = 0; i < 4; i++) {
+            const Rec r = rec(i);
+            IXWRITE(icb, &r);
+        }
+        data_fd = icb->datfd;
+        const SYSCALLS echt = SYS;
+        SYS.pwrite = [](int fd, const void* p, size_t n, off_t o) {
+            static const char nul[32] = {};
+            return fd == data_fd && pwrite(fd, nul, 32, 0) != 32 ? -1 : pwrite(fd, p, n, o);
+        };
+        for (uint32_t nr : {1U, 2U, 4U}) {
+            Rec r = rec(nr);
+            IXREADL(icb, &r);
+            r.rest[0] = 'x';
+            EXPECT_EQ(1, IXWRITE(icb, &r));
+        }
+        SYS = echt;
+        IXCLOSE(icb);
+        EXPECT_GE(IXCHECK("T"), 0);
+    }
 }
 
 TEST_F(Afgekapt, VrijSlotAchterHetEinde) {
@@ -168,7 +211,7 @@ TEST_F(Afgekapt, VrijSlotAchterHetEinde) {
                 const Rec nieuw = rec(7777);
                 IXWRITE(IXOPEN("T", mode), &nieuw);
             });
-            EXPECT_NE(std::string::npos, rapport.find(RAAR)) << lengte << ": " << rapport;
+            EXPECT_NE(std::string::npos, rapport.find("ingekort")) << lengte << ": " << rapport;
             EXPECT_EQ(lengte, lees_bestand("T.TXT").size());
         });
 }

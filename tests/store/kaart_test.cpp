@@ -79,7 +79,7 @@ TEST(Kaart, AanroepenPerWijziging) {
              r.rest[0] = static_cast<char>(i % 7);
              IXWRITE(icb, &r);
          }},
-        {"insert", 3,
+        {"insert", 4,
          [](ICB* icb, uint32_t i) {
              const Rec r = rec(RECORDS + i);
              IXWRITE(icb, &r);
@@ -90,7 +90,7 @@ TEST(Kaart, AanroepenPerWijziging) {
              r.rest[1] = 'y';
              IXWRITE(icb, &r);
          }},
-        {"insert, and keep", 4,
+        {"insert, and keep", 5,
          [](ICB* icb, uint32_t i) {
              const Rec r = rec(2 * RECORDS + i);
              IXWRITEK(icb, &r);
