@@ -70,6 +70,9 @@ struct ICB {
         int32_t nblocks, nrecs, freehead;
     } gezien; // counters as last seen on disk: where they have changed, a reader doubts what he found at an edge
     IXPLAATS plaats;
+    // Set by a caller who holds what IXREAD and IXREADL give against the key that he asked for, and tells damage himself: where the
+    // record isn't there they answer 0, and where it has another key they give that, instead of stopping.
+    int8_t kijktzelf;
     int8_t gemerkt; // an exclusive handle has marked the header
     struct {
         int32_t freehead, nrecs, nblocks;
@@ -151,7 +154,8 @@ int IXUNIQK(ICB* icb, void* rec,
 
 // Records, of `reclen` bytes. 1 for yes, 0 for no; `currec` is the record at work.
 int IXGET(ICB* icb, void* rec, int32_t recnr); // -1 no such number, 0 free, 1 live
-int IXREAD(ICB* icb, void* rec);               // by the whole key, no lock
+int IXREAD(ICB* icb,
+           void* rec); // by the whole key, no lock; stops when the index leads to another record or to none
 // The same and lock it, waiting as long as it takes. 0: no such key, which is now reserved. Ended by a write, a
 // delete or IXUNLOCK. -1: no such key, and the disk refused the reservation, which was told: nothing is the caller's.
 int IXREADL(ICB* icb, void* rec);

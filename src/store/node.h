@@ -134,10 +134,10 @@ void IXLAATLOS(ICB* icb);
 // Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it
 // may have got another key since the entry was read, or not yet have its new one: R_ANDER, pause and search again, as
 // long as somebody is writing. Then a record that has another key, or lies behind the end of the data file, is damage, and the
-// program stops; but in a temporary index, which may be older than its records.
+// program stops; but in a temporary index, which may be older than its records, and with `zelf`, when it counts as it is.
 class Geduld;
 enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld);
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld, bool zelf = false);
 bool IXLEESHEEL(ICB* icb, void* rec);   // the record at `currec`; false, and 0xFF, past the end of the file
 bool IXLEESLEVEND(ICB* icb, void* rec); // the record at `currec`; is it in use?
 

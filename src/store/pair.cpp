@@ -235,7 +235,7 @@ void IXINIT(ICB* icb) {
     IXEIS(icb, "IXINIT");
     if (IXDEFFOUT(icb->h))
         IXSTUK(icb, 0); // before anything is emptied
-    if (icb->tempidx) // the data file is the normal pair's
+    if (icb->tempidx)   // the data file is the normal pair's
         return IXINITIX(icb);
     IXLOCK(icb, 1);
     const bool heel = strlen(icb->path) < sizeof icb->path - 1; // else the name may have been cut

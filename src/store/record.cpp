@@ -109,13 +109,15 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
     return levend;
 }
 
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld) {
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld, bool zelf) {
     if (!IXLEESHEEL(icb, rec)) {
         if (icb->tempidx)
             return R_VRIJ;
         // A record stands before the first key leads to it, so the data file has been cut or emptied.
         if (geduld->nog_eens())
             return R_ANDER;
+        if (zelf)
+            return R_VRIJ;
         IXSTUK(icb, icb->curblock);
     }
     if (!IXRECLIVE(rec, icb->h.reclen))
@@ -129,6 +131,8 @@ Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld) {
         return R_GOED;
     if (geduld->nog_eens())
         return R_ANDER;
+    if (zelf)
+        return R_GOED;
     IXSTUK(icb, icb->curblock);
 }
 
@@ -141,7 +145,7 @@ int IXREAD(ICB* icb, void* rec) {
         icb->currec = IXSEARCH(icb, '=', lengte);
         if (icb->currec < 0)
             return 0;
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, &geduld);
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, &geduld, icb->kijktzelf);
         if (uitslag == R_ANDER)
             continue;
         memcpy(rec, gevonden, static_cast<size_t>(icb->h.reclen));
@@ -182,7 +186,7 @@ int IXREADL(ICB* icb, void* rec) {
         const bool heel = IXLEESHEEL(icb, inhoud), levend = IXRECLIVE(inhoud, icb->h.reclen);
         IXMAAKSLEUTEL(def, inhoud, def.dupflag == 'J' ? icb->currec : nummer_vooraf, def.keylen, gevonden);
         const bool gezochte = levend && IXVERGELIJK(def, gezocht, gevonden, def.keylen) == 0;
-        if (stil && !gezochte && (levend || !heel) && !icb->tempidx)
+        if (stil && !gezochte && (levend || !heel) && !icb->tempidx && !icb->kijktzelf)
             IXSTUK(icb, icb->curblock);
         if (stil || gezochte) {
             memcpy(rec, inhoud, static_cast<size_t>(icb->h.reclen));

@@ -73,6 +73,7 @@ bool register_aanwezig() {
 
 void register_open(bool lezen) {
     stam_open("omserie", BESTANDEN, lezen);
+    dtser->kijktzelf = 1; // a series that is damaged closes its line (serie_kwijt), and stops nobody
     ioeti('O', nullptr, nullptr);
     ioink_open(lezen ? LEZEN : SHARED);
     afb_instelling();
