@@ -279,8 +279,8 @@ TEST(Foltering, TwintigProgrammas) {
         stand[p].gezien = nu();
         srandom(static_cast<unsigned>(zaad) + static_cast<unsigned>(p));
         if ((pids[static_cast<size_t>(p)] = fork()) == 0) {
-            if (p % 3 == 0 || traag) // some without their files in memory
-                setenv("ZGKAART", "0", 1);
+            if (p % 3 == 0 || traag) // some without their files in memory, where it isn't said for all
+                setenv("ZGKAART", "0", traag);
             if (traag)
                 SYS.pwrite = traag_schrijven, SYS.pread = traag_lezen;
             Programma prog{stand[p], Toeval(zaad * 100 + static_cast<uint64_t>(p)), IXOPEN("T", 2),
