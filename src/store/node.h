@@ -133,16 +133,21 @@ void IXLAATLOS(ICB* icb);
 
 // Records (record.cpp): the one at `currec`, to which the entry at `curent` leads. To a reader without a lock it
 // may have got another key since the entry was read, or not yet have its new one: R_ANDER, pause and search again, as
-// long as somebody is writing. Then a record that has another key, or lies behind the end of the data file, is damage, and the
-// program stops; but in a temporary index, which may be older than its records, and with `zelf`, when it counts as it is.
+// long as somebody is writing. Then it is taken as it is; but a record behind the end of the data file is damage, and so is one
+// that has not the key asked for ('='), and one that leads back in a walk in this direction ('>' or '<') or is all zeros: the
+// program stops. Not with `zelf`, for who looks at that himself.
 class Geduld;
 enum Recorduitslag { R_GOED, R_VRIJ, R_ANDER };
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld, bool zelf = false);
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld, bool zelf = false);
 bool IXLEESHEEL(ICB* icb, void* rec);   // the record at `currec`; false, and 0xFF, past the end of the file
 bool IXLEESLEVEND(ICB* icb, void* rec); // the record at `currec`; is it in use?
 
 // The caller gets the record at `currec`: a walk that stands on it knows him by this from now on (wandel.cpp).
 void IXGEGEVEN(ICB* icb, const void* rec);
+void IXHIERNU(ICB* icb,
+              const void* rec); // the same of a read by the current key: where it walks, it stands there now
+void IXNERGENS(
+    ICB* icb); // the record at `currec` goes, or its number gets another: who stood there stands nowhere
 
 // The next step of a walk out of the leaf in hand, without a search (stap.cpp). The caller has brought back what the
 // handle's place gave. False: it isn't certain to be there, and `rec` may have been written over.

@@ -5,6 +5,7 @@
 #include "store/kaart.h"
 #include "store/node.h"
 #include "store/wachten.h"
+#include <algorithm>
 #include <cerrno>
 
 namespace zg {
@@ -105,11 +106,11 @@ int IXGET(ICB* icb, void* rec, int32_t recnr) {
         return -1;
     icb->currec = recnr;
     const bool levend = IXLEESLEVEND(icb, rec);
-    IXGEGEVEN(icb, rec);
+    levend ? IXGEGEVEN(icb, rec) : IXNERGENS(icb);
     return levend;
 }
 
-Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld, bool zelf) {
+Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, char richting, Geduld* geduld, bool zelf) {
     if (!IXLEESHEEL(icb, rec)) {
         if (icb->tempidx)
             return R_VRIJ;
@@ -127,13 +128,17 @@ Recorduitslag IXLEESGEVONDEN(ICB* icb, void* rec, Geduld* geduld, bool zelf) {
     const IXKEYDEF& def = IXDEF(icb);
     uint8_t sleutel[IXSLEUTELMAX + 4];
     IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, sleutel);
-    if (IXVERGELIJK(def, sleutel, icb->curent, def.keylen) == 0)
+    const int verschil = IXVERGELIJK(def, sleutel, icb->curent, def.keylen);
+    if (verschil == 0)
         return R_GOED;
     if (geduld->nog_eens())
         return R_ANDER;
-    if (zelf)
-        return R_GOED;
-    IXSTUK(icb, icb->curblock);
+    const bool terug = richting == '>' ? verschil < 0 : richting == '<' && verschil > 0;
+    const uint8_t* p = static_cast<const uint8_t*>(rec);
+    const auto nul = [](uint8_t b) { return b == 0; };
+    if (terug || (!zelf && (richting == '=' || std::all_of(p, p + icb->h.reclen, nul))))
+        IXSTUK(icb, icb->curblock);
+    return R_GOED;
 }
 
 int IXREAD(ICB* icb, void* rec) {
@@ -145,11 +150,11 @@ int IXREAD(ICB* icb, void* rec) {
         icb->currec = IXSEARCH(icb, '=', lengte);
         if (icb->currec < 0)
             return 0;
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, &geduld, icb->kijktzelf);
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, gevonden, '=', &geduld, icb->kijktzelf);
         if (uitslag == R_ANDER)
             continue;
         memcpy(rec, gevonden, static_cast<size_t>(icb->h.reclen));
-        IXGEGEVEN(icb, rec);
+        IXHIERNU(icb, rec);
         return uitslag == R_GOED;
     }
 }
@@ -192,7 +197,7 @@ int IXREADL(ICB* icb, void* rec) {
             memcpy(rec, inhoud, static_cast<size_t>(icb->h.reclen));
             if (!stil)
                 IXHOUDVAST(icb, inhoud);
-            IXGEGEVEN(icb, rec);
+            IXHIERNU(icb, rec);
             return levend;
         }
         IXLOCK(icb, 13);
@@ -225,7 +230,7 @@ int IXREADT(ICB* icb, void* rec) {
     if (levend && IXVERGELIJK(def, gezocht, gevonden, def.keylen) == 0) {
         memcpy(rec, inhoud, static_cast<size_t>(icb->h.reclen));
         IXHOUDVAST(icb, inhoud);
-        IXGEGEVEN(icb, rec);
+        IXHIERNU(icb, rec);
         return 1;
     }
     IXLOCK(icb, 13);

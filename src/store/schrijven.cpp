@@ -88,6 +88,7 @@ Werk voeg_in(ICB* icb, const void* rec, bool houd, bool bij_plaats) {
             IXLOCK(icb, 13);
         return SLOT_BEZET;
     }
+    IXNERGENS(icb);
     KLADRECORD(icb, KL_INSERT, hergebruik ? vrij : nullptr, rec, voor);
     return KLAAR;
 }
@@ -104,8 +105,8 @@ Werk werk_bij(ICB* icb, const void* rec) {
         IXMAAKSLEUTEL(def, oud, icb->currec, def.keylen, was);
         if (IXVERGELIJK(def, wordt, was, def.keylen) == 0)
             continue;
-        if (k == icb->plaats.sleutel && icb->currec == icb->plaats.nr)
-            icb->plaats.sleutel = 0; // who walks by a key and changes it goes on from where he put the record
+        if (k == icb->plaats.sleutel)
+            IXNERGENS(icb); // who walks by a key and changes it goes on from where he put the record
         IXHAALWEG(icb, k, was);
         memcpy(icb->keybuf, wordt, def.keylen);
         IXKIES(icb, k);
@@ -313,6 +314,7 @@ int IXDELETE(ICB* icb, void* rec) {
             IXMAAKSLEUTEL(eerste, was, icb->currec, eerste.keylen, daar);
             if (!levend || IXVERGELIJK(eerste, hier, daar, eerste.keylen) != 0)
                 return NIETS;
+            IXNERGENS(icb);
             for (int k = icb->h.nkeys; k >= 1; k--) {
                 IXMAAKSLEUTEL(icb->h.keydef[k - 1], was, icb->currec, icb->h.keydef[k - 1].keylen, hier);
                 IXHAALWEG(icb, k, hier);

@@ -77,7 +77,7 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
         icb->currec = gevonden;
         if (gevonden < 0)
             return 0;
-        switch (IXLEESGEVONDEN(icb, rec, &geduld)) {
+        switch (IXLEESGEVONDEN(icb, rec, richting, &geduld)) {
         case R_GOED:
             onthoud(icb, rec);
             IXSTAPVOORUIT(icb);
@@ -93,13 +93,13 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
 }
 
 // The record of the entry in hand, whatever it is by now. 1 when it is live.
-int lees_hier(ICB* icb, void* rec) {
+int lees_hier(ICB* icb, void* rec, char richting) {
     uint8_t entry[IXSLEUTELMAX + 4];
     const int32_t nummer = icb->currec;
     const int lengte = IXDEF(icb).keylen;
     memcpy(entry, icb->curent, static_cast<size_t>(lengte));
     for (Geduld geduld(icb);;) {
-        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, &geduld);
+        Recorduitslag uitslag = IXLEESGEVONDEN(icb, rec, richting, &geduld);
         if (uitslag != R_ANDER) {
             IXGEGEVEN(icb, rec);
             return uitslag == R_GOED;
@@ -122,6 +122,20 @@ void IXGEGEVEN(ICB* icb, const void* rec) {
         const IXKEYDEF& def = icb->h.keydef[p.sleutel - 1];
         IXMAAKSLEUTEL(def, rec, p.nr, def.keylen, p.record);
     }
+}
+
+void IXHIERNU(ICB* icb, const void* rec) {
+    IXPLAATS& p = icb->plaats;
+    if (!IXRECLIVE(rec, icb->h.reclen))
+        return IXNERGENS(icb);
+    IXGEGEVEN(icb, rec);
+    if (p.sleutel == KNOOP(icb).keyno && p.nr == icb->currec)
+        memcpy(p.entry, p.record, sizeof p.entry);
+}
+
+void IXNERGENS(ICB* icb) {
+    if (icb->plaats.nr == icb->currec)
+        icb->plaats.sleutel = 0;
 }
 
 int IXFIRSTK(ICB* icb, void* rec, int delen) {
@@ -203,7 +217,7 @@ int IXSKIP(ICB* icb, void* rec, int delen, int stappen, int32_t* recnr) {
     if (icb->currec < 0)
         return 0;
     if (gestapt)
-        return lees_hier(icb, rec);
+        return lees_hier(icb, rec, richting < 0 ? '>' : '<');
     IXRDREC(icb, rec);
     return IXRECLIVE(rec, icb->h.reclen);
 }

@@ -188,5 +188,60 @@ TEST_P(Wandel, AlsDoorEenLijst) {
 
 INSTANTIATE_TEST_SUITE_P(Zaden, Wandel, testing::Range(1, 25));
 
+// A record that goes, and its number with another record: the key in the caller's hands is the place, not the dead one's.
+TEST(Wandelplaats, VanEenVerdwenenRecord) {
+    struct Nr {
+        uint32_t nr;
+        char rest[8];
+    };
+    const auto met = [](ICB* icb, uint32_t nr, int (*doe)(ICB*, const void*)) {
+        const Nr r{nr, "x"};
+        return doe(icb, &r);
+    };
+    const auto opnieuw = [&](std::initializer_list<uint32_t> nrs) {
+        ICB* icb = maak_open("T", {sizeof(Nr), {"k,I,1,4"}}, 2);
+        for (const uint32_t nr : nrs)
+            met(icb, nr, IXWRITE);
+        return icb;
+    };
+    TijdelijkeMap map;
+    Nr r{};
+    ICB* icb = opnieuw({2, 3});
+    ASSERT_EQ(1, IXFIRST(icb, &r));
+    IXDELETE(icb, &r);
+    EXPECT_EQ(0, IXGET(icb, &r, 0)); // free: 0xFF, which is also where a walk back begins
+    EXPECT_EQ(1, IXLAST(icb, &r));
+    EXPECT_EQ(3U, r.nr);
+    IXCLOSE(icb);
+
+    for (const bool zelf : {true, false}) { // who takes the number away: the walker, or another program
+        icb = opnieuw({10, 20});
+        r = {};
+        ASSERT_EQ(1, IXFIRST(icb, &r));
+        const auto wissel = [&](ICB* i) {
+            Nr weg{10, ""};
+            IXREADL(i, &weg);
+            IXDELETE(i, &weg);
+            met(i, 30, IXWRITE);
+        };
+        if (zelf)
+            wissel(icb);
+        else
+            EXPECT_EQ(0, in_kind([&] {
+                          ICB* i = IXOPEN("T", 2);
+                          wissel(i);
+                          IXCLOSE(i);
+                      }));
+        r = {30, ""};
+        ASSERT_EQ(1, IXREAD(icb, &r));
+        EXPECT_EQ(0, IXNEXT(icb, &r)) << zelf;
+        r = {30, ""};
+        ASSERT_EQ(1, IXREAD(icb, &r));
+        EXPECT_EQ(1, IXLAST(icb, &r)) << zelf;
+        EXPECT_EQ(20U, r.nr) << zelf;
+        IXCLOSE(icb);
+    }
+}
+
 } // namespace
 } // namespace zg::test
