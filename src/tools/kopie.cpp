@@ -244,7 +244,7 @@ bool kopie_ronde(Kopie* k, std::vector<std::string>* anders, void (*gang)(int64_
 }
 
 bool kopie_stil(Kopie* k, const std::string& naam) {
-    constexpr int POGINGEN = 20;
+    constexpr int POGINGEN = 200; // on a busy machine who replaces it may come in between many times
     const auto post = k->boom.find(naam);
     if (post == k->boom.end() || !S_ISREG(post->second.st.st_mode))
         return true;
