@@ -150,7 +150,7 @@ void IXNERGENS(
     ICB* icb); // the record at `currec` goes, or its number gets another: who stood there stands nowhere
 
 // The next step of a walk out of the leaf in hand, without a search (stap.cpp). The caller has brought back what the
-// handle's place gave. False: it isn't certain to be there, and `rec` may have been written over.
+// handle's place gave. False: it isn't certain to be there, and `rec` is as it was.
 bool IXSTAPHIER(ICB* icb, void* rec, int delen);
 void IXSTAPVOORUIT(const ICB* icb); // the records behind the entry in hand will be asked for
 // Are these bytes the key of the record? False also when IXMAAKSLEUTEL must tell.

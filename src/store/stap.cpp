@@ -123,14 +123,19 @@ bool IXSTAPHIER(ICB* icb, void* rec, int delen) {
         return icb->bladstand.telling != 0 &&
                IXKAARTLEES(icb->datfd, plaats, rec, n, int64_t{icb->bladstand.nrecs} * icb->h.reclen);
     };
-    if (nr < 0 || !lees() || !IXRECLIVE(rec, icb->h.reclen) || !IXSLEUTELSTAAT(def, rec, nr, volgende))
+    if (nr < 0)
         return false;
+    uint8_t was[IXRECMAX];
+    memcpy(was, rec, n);
+    const auto niet = [&] { return memcpy(rec, was, n), false; };
+    if (!lees() || !IXRECLIVE(rec, icb->h.reclen) || !IXSLEUTELSTAAT(def, rec, nr, volgende))
+        return niet();
     if (kaart) {
         const auto& b = icb->bladstand;
         IXSTAND stand;
         if (!IXKAARTSTAAT(icb->datfd, plaats, rec, n) || !IXSTANDLEES(icb, &stand) ||
             !GELIJK({b.freehead, b.nrecs, b.nblocks, b.telling, false}, stand))
-            return false;
+            return niet();
         if (const uint8_t* ver = volgende + VOORUIT * stap; ver + stap <= einde)
             haal_vooruit(icb, def, ver);
     }

@@ -70,6 +70,7 @@ int stap_af(ICB* icb, void* rec, int delen, char richting, int lengte) {
 // by now is looked for again.
 int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk) {
     const int lengte = IXDEF(icb).keylen;
+    uint8_t gelezen[IXRECMAX]; // who gets none keeps what he has in his buffer, and with it his place
     for (Geduld geduld(icb);;) {
         int32_t gevonden = vanaf_gelijk ? IXZOEKVANAF(icb, lengte) : IXSEARCH(icb, richting, lengte);
         if (gevonden >= 0 && delen > 0 && buiten(icb, delen))
@@ -77,8 +78,9 @@ int lees_vanaf(ICB* icb, void* rec, int delen, char richting, bool vanaf_gelijk)
         icb->currec = gevonden;
         if (gevonden < 0)
             return 0;
-        switch (IXLEESGEVONDEN(icb, rec, richting, &geduld)) {
+        switch (IXLEESGEVONDEN(icb, gelezen, richting, &geduld)) {
         case R_GOED:
+            memcpy(rec, gelezen, static_cast<size_t>(icb->h.reclen));
             onthoud(icb, rec);
             IXSTAPVOORUIT(icb);
             return 1;

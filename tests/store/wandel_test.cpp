@@ -214,6 +214,24 @@ TEST(Wandelplaats, VanEenVerdwenenRecord) {
     EXPECT_EQ(3U, r.nr);
     IXCLOSE(icb);
 
+    // What comes next has gone, and nothing behind it: the buffer stays, and the place with it.
+    icb = opnieuw({10, 20, 30});
+    r = {};
+    for (int stap = 0; stap < 2; stap++)
+        ASSERT_EQ(1, stap ? IXNEXT(icb, &r) : IXFIRST(icb, &r));
+    EXPECT_EQ(0, in_kind([] {
+                  ICB* i = IXOPEN("T", 2);
+                  Nr weg{30, ""};
+                  IXREADL(i, &weg);
+                  IXDELETE(i, &weg);
+                  IXCLOSE(i);
+              }));
+    EXPECT_EQ(0, IXNEXT(icb, &r));
+    EXPECT_EQ(20U, r.nr);
+    EXPECT_EQ(1, IXLAST(icb, &r));
+    EXPECT_EQ(10U, r.nr);
+    IXCLOSE(icb);
+
     for (const bool zelf : {true, false}) { // who takes the number away: the walker, or another program
         icb = opnieuw({10, 20});
         r = {};
