@@ -81,7 +81,8 @@ TEST(Kaart, AanroepenPerWijziging) {
          }},
         {"insert", 4,
          [](ICB* icb, uint32_t i) {
-             const Rec r = rec(RECORDS + i);
+             Rec r = rec(RECORDS + i);
+             r.rest[7] = '.'; // else the file could have been cut behind it
              IXWRITE(icb, &r);
          }},
         {"write over, not locked", 3,
@@ -92,7 +93,8 @@ TEST(Kaart, AanroepenPerWijziging) {
          }},
         {"insert, and keep", 5,
          [](ICB* icb, uint32_t i) {
-             const Rec r = rec(2 * RECORDS + i);
+             Rec r = rec(2 * RECORDS + i);
+             r.rest[7] = '.';
              IXWRITEK(icb, &r);
              IXLOCK(icb, 13);
              aanroepen--; // which comes later
@@ -124,7 +126,7 @@ TEST(Kaart, AanroepenPerWijziging) {
         for (uint32_t i = 0; i < N; i++)
             r.werk(icb, i);
         SYS = echt;
-        EXPECT_LE(aanroepen, r.hoogstens * N + N / 50) << r.wat; // the file grows
+        EXPECT_LE(aanroepen, r.hoogstens * N) << r.wat;
     }
     IXCLOSE(icb);
     EXPECT_GEZOND("T");
