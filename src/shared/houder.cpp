@@ -10,8 +10,10 @@
 #include "term/scherm.h"
 #include "term/vast.h"
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -35,11 +37,28 @@ bool van_hier(int64_t proces, int32_t nr, const gebruikerslot& slot) {
            woorden[3] == std::to_string(nr);
 }
 
-// Is it one of the package's at all? A tool has no slot.
-bool van_het_pakket(int64_t proces) {
+// Has this process the file open? Also when that can't be seen: it is another user's.
+bool heeft_open(int64_t proces, int fd) {
+    struct stat dit, s;
+    std::error_code fout;
+    const std::filesystem::directory_iterator bestanden("/proc/" + std::to_string(proces) + "/fd", fout);
+    if (fout || fstat(fd, &dit) != 0)
+        return true;
+    for (const auto& f : bestanden)
+        if (stat(f.path().c_str(), &s) == 0 && s.st_dev == dit.st_dev && s.st_ino == dit.st_ino)
+            return true;
+    return false;
+}
+
+// Can the process of this number here be the one that holds it? Not this program itself, whose own locks are never in its
+// way, nor one that hasn't the file open (fd, where it is known) or isn't of the package; a tool is, and has no slot.
+bool kan_van_hier(int64_t proces, int fd) {
     std::string naam;
+    if (proces <= 0 || proces == getpid())
+        return false;
     std::getline(std::ifstream("/proc/" + std::to_string(proces) + "/comm"), naam);
-    return naam.starts_with("zg") || naam.starts_with("ix") || naam.starts_with("ord");
+    return (naam.starts_with("zg") || naam.starts_with("ix") || naam.starts_with("ord")) &&
+           (fd < 0 || heeft_open(proces, fd));
 }
 
 } // namespace
@@ -47,32 +66,36 @@ bool van_het_pakket(int64_t proces) {
 // Everybody who works has his slot locked, and the process that has a region has its slot under the same number. On one
 // machine that says it. On a shared file system several may answer to a number, or all of other machines to none: a user
 // is named when he is the only one, and when he and a process of that number here aren't both possible.
-Houder houder_van(int64_t proces, int dtsys, gebruikerslot* slot) {
+Houder houder_van(int64_t proces, int dtsys, gebruikerslot* slot, int fd) {
     const bool gedeeld = IOGEDEELD();
     *slot = {};
     if (dtsys < 0 || proces == 0 || (proces < 0 && !gedeeld))
         return Houder::niemand;
+    const bool kan_hier = gedeeld && kan_van_hier(proces, fd);
     int hier = 0, elders = 0;
     for (int32_t nr = 1; nr <= SYS_GEBRUIKER.slots; nr++) {
         gebruikerslot deze;
         if (IOLOCKPID(dtsys, plaats(nr), SYS_GEBRUIKER.grootte) != proces ||
             IOLEES(dtsys, &deze, sizeof deze, plaats(nr)) != static_cast<ssize_t>(sizeof deze))
             continue;
+        if (!gedeeld || !van_hier(proces, nr, deze))
+            elders++;
+        else if (kan_hier)
+            hier++;
+        else
+            continue;
         *slot = deze;
         if (!gedeeld)
             return Houder::bekend;
-        van_hier(proces, nr, deze) ? hier++ : elders++;
     }
-    if (hier + elders == 1 && (hier || proces < 0 || !van_het_pakket(proces)))
+    if (hier + elders == 1 && (hier || !kan_hier))
         return Houder::bekend;
     *slot = {};
-    if (!gedeeld || hier || (proces > 0 && van_het_pakket(proces)))
-        return Houder::niemand;
-    return Houder::elders;
+    return !gedeeld || kan_hier ? Houder::niemand : Houder::elders;
 }
 
 Houder houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot) {
-    return houder_van(IOLOCKPID(fd, start, lengte), iotab_fd(), slot);
+    return houder_van(IOLOCKPID(fd, start, lengte), iotab_fd(), slot, fd);
 }
 
 int houder_tekst(char* tekst, size_t ruimte, int fd, int64_t start, int64_t lengte) {

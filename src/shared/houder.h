@@ -13,8 +13,8 @@ struct gebruikerslot;
 // machine of a shared file system. bekend: *slot is his, who may be there too. Never a wrong one: where process
 // numbers leave it open there is no name.
 enum class Houder { niemand, bekend, elders };
-Houder houder_van(int64_t proces, int dtsys,
-                  gebruikerslot* slot); // by what IOLOCKPID answers; dtsys: DTSYS.TXT
+// By what IOLOCKPID answers; dtsys: DTSYS.TXT; fd: the file that is locked, -1 where that isn't known.
+Houder houder_van(int64_t proces, int dtsys, gebruikerslot* slot, int fd = -1);
 Houder houder_slot(int fd, int64_t start, int64_t lengte, gebruikerslot* slot);
 // Text that names the holder of a region. On entry `tekst` may hold "PROG" (a program is in use) or '~' and a
 // word (that is in use); else it is about information. ruimte: bytes of `tekst`; 80 holds every such text.

@@ -3,6 +3,7 @@
 #include "shared/houder.h"
 #include "shared/mapbeurt.h"
 #include "support/systeem.h"
+#include <sys/prctl.h>
 
 namespace zg::test {
 namespace {
@@ -110,21 +111,33 @@ TEST_F(Gedeeld, HolderIsNamedOnlyWhenSure) {
     gebruiker_in(3, "Joke", "03");
     gebruiker_in(5, "Piet", "03");
     gebruiker_in(6, "Ans", "");
-    ASSERT_EQ(mkfifo("zgbestel", 0600), 0);
+    ASSERT_EQ(mkfifo("pijp", 0600), 0);
+    ASSERT_EQ(symlink("/bin/cat", "zgbestel"), 0);
+    schrijf_bestand("order", "");
+    const int fd = ::open("order", O_RDWR); // hers too
+    const int dicht = ::open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
     const pid_t joke = fork();
     if (joke == 0) { // any program that waits, with her arguments
-        execlp("cat", "cat", "zgbestel", "Joke", "3", "zgbsmenu", nullptr);
+        execl("zgbestel", "zgbestel", "pijp", "Joke", "3", "zgbsmenu", nullptr);
         _exit(1);
     }
     std::string woorden;
     for (int i = 0; i < 1000 && woorden.find("Joke") == std::string::npos; i++, usleep(1000))
         woorden = lees_bestand("/proc/" + std::to_string(joke) + "/cmdline");
     const int zomaar = getppid(); // has a number here, and nothing to do with the package
+    const int ik = getpid();      // of the package, but an own lock is never in the way
+    prctl(PR_SET_NAME, "zgbestel");
     const struct {
         int gebied;
         std::map<int, int> slots;
         const char* tekst;
+        bool niet_open = false; // by Joke's program
     } gevallen[] = {
+        {ik, {{5, ik}}, "Informatie in gebruik door Piet (tty03)"},
+        {ik, {{5, ik}, {6, ik}}, "Informatie in gebruik op een andere computer"},
+        {ik, {{5, 0}}, "Informatie in gebruik op een andere computer"},
+        {joke, {{3, joke}, {5, joke}}, "Informatie in gebruik door Piet (tty03)", true},
+        {joke, {{3, joke}}, "Informatie in gebruik op een andere computer", true},
         {joke, {{3, joke}}, "Informatie in gebruik door Joke (tty03)"},
         {joke, {{3, joke}, {5, 0}}, "Informatie in gebruik door Joke (tty03)"},
         {joke, {{3, joke}, {5, joke}}, "Informatie in gebruik op ander scherm"},
@@ -137,7 +150,6 @@ TEST_F(Gedeeld, HolderIsNamedOnlyWhenSure) {
         {zomaar, {{3, joke}, {5, 0}}, "Informatie in gebruik op een andere computer"},
     };
     setenv("ZGGEDEELD", "1", 1);
-    const int fd = ::open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
     dtsys = iotab_fd();
     const SYSCALLS echt = SYS;
     SYS.slot = [](int f, int, struct flock* s) {
@@ -151,12 +163,13 @@ TEST_F(Gedeeld, HolderIsNamedOnlyWhenSure) {
         for (const auto& [nr, pid] : g.slots)
             antwoord[SYS_GEBRUIKER.start + (nr - 1) * SYS_GEBRUIKER.grootte] = pid;
         char tekst[81] = "";
-        EXPECT_EQ(houder_tekst(tekst, sizeof tekst, fd, 10, 10),
+        EXPECT_EQ(houder_tekst(tekst, sizeof tekst, g.niet_open ? dicht : fd, 10, 10),
                   std::string(g.tekst).find("scherm") == std::string::npos);
         EXPECT_STREQ(tekst, g.tekst) << g.gebied << " " << g.slots.size();
     }
     SYS = echt;
     close(fd);
+    close(dicht);
     kill(joke, SIGKILL);
     waitpid(joke, nullptr, 0);
 }
