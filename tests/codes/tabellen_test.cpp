@@ -4,38 +4,31 @@
 #include "codes/codeveld.h"
 #include "shared/leesstam.h"
 #include "shared/woordenboek.h"
-#include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/slotboek.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
 using namespace std::string_literals;
 
-struct Codes : test::Systeem {
+struct Codes : Systeem {
     Codes() {
-        iofil('C', 0, nullptr);
-        test::maak_filialen({1, 2, 3, 14, 20});
+        maak_filialen({1, 2, 3, 14, 20});
         firma.btw[0] = 210, firma.btw[1] = 90;
         landrec nederland{};
         VASTIN(nederland.iso3, "NLD");
         VASTIN(nederland.naam, "Nederland");
         zet(1, nederland, SYS_LAND);
         landen_vergeet();
-        gebruiker = {};
         gebruiker.set = 2;
         pair("DTOMZGRP", &dtomzgrp);
     }
     ~Codes() override {
         sluit_paren();
-        iofil('C', 0, nullptr);
-        firma = {};
-        gebruiker = {};
         landen_vergeet();
     }
     static void pair(const char* naam, ICB** icb) {
@@ -82,7 +75,7 @@ std::string veld(const Lijsttabel& tabel) {
         lijstveld(tabel, 3, 10, "", code.tekst, static_cast<size_t>(std::max(atoi(tabel.formaat), 1)));
         uit.tekst = code.tekst;
     }
-    return codetekst(uit) + " " + lijstnaam(tabel, uit) + test::slotboek();
+    return codetekst(uit) + " " + lijstnaam(tabel, uit) + slotboek();
 }
 
 // Typed where there is nothing, and what stands in the file then.
@@ -137,12 +130,12 @@ TEST_F(Codes, RecordOfARow) {
     zet(5, tekst20{"Rood"}, SYS_KLEUR);
     zet(9, tekst20{"Zwart"}, SYS_KLEUR);
     mkdir("edistam", 0777);
-    ICB* icb = test::nieuw_paar("edistam/DTKL0012", {"kl,80", "een,NODUPS,C,1,35"}, 2);
+    ICB* icb = nieuw_paar("edistam/DTKL0012", {"kl,80", "een,NODUPS,C,1,35"}, 2);
     for (uint8_t kleur : {uint8_t{5}, uint8_t{9}, uint8_t{5}}) {
         std::array<uint8_t, IXRECMAX> rec{};
         snprintf(reinterpret_cast<char*>(rec.data()), 35, "code %d", icb->h.nrecs);
         rec[36] = kleur;
-        test::schrijf(icb, rec);
+        schrijf(icb, rec);
     }
     IXCLOSE(icb);
     const std::string vooraf = lees_bestand("DTSYS.TXT");
@@ -195,8 +188,7 @@ bool doe(const Codetabel& t, const Lijstcode& code, Werk werk) {
     if (werk == WIS ? code_wis(t, code) : code_schrijf(t, code, rec))
         return true;
     const bool gereserveerd = werk == VOEG_TOE && t.plaats == Codetabel::PAAR; // no lock that the ledger sees
-    EXPECT_TRUE(werk == WIS || gereserveerd || !test::slotboek().empty())
-        << "the screen stays, and its record";
+    EXPECT_TRUE(werk == WIS || gereserveerd || !slotboek().empty()) << "the screen stays, and its record";
     code_vrij(t, code);
     return false;
 }
@@ -242,4 +234,4 @@ TEST_F(Codes, RefusedAndKilledAtEachWrite) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

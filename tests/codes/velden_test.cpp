@@ -8,12 +8,10 @@
 #include "term/gesprek.h"
 #include "term/ingave.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
-
-struct Velden : test::Systeem {
+struct Velden : Systeem {
     Velden() {
         VASTIN(instel15.valuta, "EUR");
         valuta(1, "EUR", 2, "Euro");
@@ -24,7 +22,6 @@ struct Velden : test::Systeem {
         zet(2, tekst30{"Uitverkoop"}, SYS_INKOOP);
         zet(5, tekst30{"Jubileum"}, SYS_INKOOP);
     }
-    ~Velden() override { instel15 = {}; }
 };
 
 // The field itself: tests/shared/lijstveld_test.cpp.
@@ -97,16 +94,16 @@ TEST_F(Velden, Seasons) {
         bool er = seizoen_kiezen(&jaar, &letter);
         return seizoen_map(jaar, letter) + vorm(" %d", er);
     };
-    test::gesprekken(kies, {
-                               {"<Enter>", "2015Z 1"}, // the list begins on it
-                               {"<Up><Up><Enter>", "2016Z 1"},
-                               {"2015<Enter><Enter>", "2015W 1"},
-                               {"15<Enter><Enter>", "2015W 1"},
-                               {"99<Enter><Enter>", "1998K 1"},
-                               {"1970<Enter><Enter>", "0000Z 1"},
-                               {"<Esc>", "2015Z 0"},
-                           });
+    gesprekken(kies, {
+                         {"<Enter>", "2015Z 1"}, // the list begins on it
+                         {"<Up><Up><Enter>", "2016Z 1"},
+                         {"2015<Enter><Enter>", "2015W 1"},
+                         {"15<Enter><Enter>", "2015W 1"},
+                         {"99<Enter><Enter>", "1998K 1"},
+                         {"1970<Enter><Enter>", "0000Z 1"},
+                         {"<Esc>", "2015Z 0"},
+                     });
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -3,17 +3,14 @@
 #include "support/systeem.h"
 #include "term/scherm.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
-
-struct Batch : test::Systeem {
+struct Batch : Systeem {
     Batch() {
         gebruiker_in(4, "Joke", "03");
         gebruiker_in(9, "Pieter", "");
     }
-    ~Batch() override { sessie = 0; }
     // As user `slot` (99 the batch user): a claim on group 5.
     static bool claim(int32_t slot, bool groep, bool vragen) {
         open();
@@ -89,10 +86,10 @@ TEST_F(Batch, RunNamesOrCountsTheUsers) {
 
 TEST_F(Batch, Faults) {
     sessie = 4;
-    test::verwacht_stop([] { batch_claim(16); }, "batchvw: errno=1");
-    test::verwacht_stop([] { user_claim(16, false); }, "batchvw: errno=2");
-    test::verwacht_stop([] { sluit(), user_claim(5, false); }, "batchvw: errno=3");
-    test::verwacht_stop([] { sessie = 0, user_claim(5, false); }, "batchvw: errno=2");
+    verwacht_stop([] { batch_claim(16); }, "batchvw: errno=1");
+    verwacht_stop([] { user_claim(16, false); }, "batchvw: errno=2");
+    verwacht_stop([] { sluit(), user_claim(5, false); }, "batchvw: errno=3");
+    verwacht_stop([] { sessie = 0, user_claim(5, false); }, "batchvw: errno=2");
 }
 
 // Counters: tests/shared/iotab_test.cpp.
@@ -103,4 +100,4 @@ TEST_F(Batch, OrderNumbers) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -3,19 +3,13 @@
 #include "support/systeem.h"
 #include "term/datum.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr size_t TEKST = 64 * 9 + 8, CODE = 64 * 9 + 63; // of system record 10, in the file
 constexpr size_t STAND = 2640 + 38;
 
-struct Controle : test::Systeem {
-    ~Controle() override {
-        sessie = 0;
-        gebruiker = {};
-    }
+struct Controle : Systeem {
     // Its bytes through the one descriptor: another's close would drop the locks.
     static std::string bytes() {
         std::string sys(130'000, '\0');
@@ -269,8 +263,8 @@ TEST_F(Controle, Log) {
     log.replace(9, 2, "uu").replace(12, 2, "mm");
     EXPECT_EQ(log.substr(0, 21) + log.substr(35),
               std::string(DATUM8(VANDAAG())) + " uu:mm begin\n    regel met een sprong\n");
-    test::verwacht_stop([] { logregel("NACHT.TXT", 0, ""); }, "controle: errno=1");
+    verwacht_stop([] { logregel("NACHT.TXT", 0, ""); }, "controle: errno=1");
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -3,10 +3,8 @@
 #include "print/afdruk.h"
 #include "tools/shell.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 bool doe(const std::string& opdracht) {
     return system(("PATH=$PATH:/usr/sbin; " + opdracht).c_str()) == 0;
@@ -174,4 +172,4 @@ TEST_F(Wachtrij, RefusedBehindTheOpening) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -4,12 +4,10 @@
 #include "support/proef.h"
 #include "support/roepstoring.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
-
-using Instellingen = test::InMap;
+using Instellingen = InMap;
 
 std::string record(std::initializer_list<std::pair<size_t, const char*>> velden) {
     std::string uit(512, '\0');
@@ -77,22 +75,21 @@ TEST_F(Instellingen, Flags) {
 
 TEST_F(Instellingen, ClosedAndRefused) {
     edirec rec{};
-    test::verwacht_stop([&] { edisys('R', 0, &rec); }, "edifys: errno=1");
-    test::verwacht_stop([&] { edisyspc('R', 0, &rec); }, "edifys: errno=1");
+    verwacht_stop([&] { edisys('R', 0, &rec); }, "edifys: errno=1");
+    verwacht_stop([&] { edisyspc('R', 0, &rec); }, "edifys: errno=1");
     EXPECT_EQ(edisys('O', 0, nullptr), 0);
     ASSERT_TRUE(edi_maak(2));
     const std::string was = lees_bestand("DTRCMSYS.TXT");
     EXPECT_EQ(was, record({{5, "\1"}, {393, "\2"}}));
     EXPECT_EQ(edisys('q', 0, &rec), 0);
-    const test::Afloop a = in_proces([] {
-        test::stoor_roep(0, false);
+    const Afloop a = in_proces([] {
+        stoor_roep(0, false);
         return ediset("EDICMD", "nieuw");
     });
     EXPECT_EQ(a.status, 0);
     EXPECT_TRUE(bevat(a.uitvoer, "DTRCMSYS.TXT kan niet worden geschreven: schijf vol"));
     EXPECT_EQ(lees_bestand("DTRCMSYS.TXT"), was);
-    test::Agent ander(
-        [] { return edisys('C', 0, nullptr) && edisys('O', 0, nullptr) && edisys('T', 0, nullptr); });
+    Agent ander([] { return edisys('C', 0, nullptr) && edisys('O', 0, nullptr) && edisys('T', 0, nullptr); });
     EXPECT_TRUE(ander.ok()) << "a refused write gives the lock back, too";
     edisys('C', 0, nullptr);
 }
@@ -116,9 +113,9 @@ TEST_F(Instellingen, OlderFile) {
                 ASSERT_EQ(symlink("elders", "EDISYS.CVC"), 0); // whatever stands there isn't written through
                 schrijf_bestand("DTEDI.TXT", v.oud);
                 status = in_proces([&] {
-                             test::stoor_roep(n, dood);
+                             stoor_roep(n, dood);
                              ediget("ZEBEDI");
-                             return test::gestoord() ? 7 : 0;
+                             return gestoord() ? 7 : 0;
                          }).status;
                 EXPECT_FALSE(IOEXISTS("elders"));
                 EXPECT_TRUE(!IOEXISTS("DTRCMSYS.TXT") || lees_bestand("DTRCMSYS.TXT") == v.nieuw);
@@ -150,7 +147,7 @@ TEST_F(Instellingen, TwoProgramsAtOnce) {
             return true;
         };
     };
-    test::Agent ander([&](const std::string&) { return werk("RPCHOST", 1)() ? "yes" : "no"; });
+    Agent ander([&](const std::string&) { return werk("RPCHOST", 1)() ? "yes" : "no"; });
     ander.vraag("begin", 0);
     EXPECT_TRUE(in_proces([&] { return werk("EDICMD", 0)() ? 0 : 1; }, 300'000).status == 0);
     EXPECT_EQ(ander.antwoord(300'000), "yes");
@@ -159,4 +156,4 @@ TEST_F(Instellingen, TwoProgramsAtOnce) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -8,13 +8,12 @@
 #include "support/systeem.h"
 #include "term/datum.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace test;
 
-struct Postbus : test::InMap {
+struct Postbus : InMap {
     Postbus() {
         EXPECT_TRUE(edi_maak(1));
         edisys('C', 0, nullptr);
@@ -45,7 +44,7 @@ TEST_F(Postbus, Places) {
         EXPECT_EQ(edipattern(r.soort), r.patroon) << r.soort;
     }
     // A disk that isn't mounted: told, and it stays set; nothing is made.
-    const test::Afloop a = in_proces([] {
+    const Afloop a = in_proces([] {
         ediset("ZEBEDI", "/nergens/edi");
         return edipath(0) == "/nergens/edi/order" && edipath(1) != "" &&
                !strcmp(ediget("ZEBEDI"), "/nergens/edi");
@@ -59,7 +58,7 @@ TEST_F(Postbus, TreeAndLocationFiles) {
     ASSERT_TRUE(ediset("ZEBEDI", root.c_str()) && ediset("EDIDIR", "loc"));
     EXPECT_EQ(edimaketree() + edimaketree(), 2); // again: all there
     for (int soort = 0; soort < EDI_SOORTEN; soort++) {
-        EXPECT_EQ(test::rechten(edipath(soort)).substr(0, 4), "2774") << soort;
+        EXPECT_EQ(rechten(edipath(soort)).substr(0, 4), "2774") << soort;
         EXPECT_EQ(fs::is_directory(edipath(soort) + "/save"), soort <= EDI_SLSMON) << soort;
     }
     EXPECT_EQ(edifilenr(), 0);
@@ -71,9 +70,9 @@ TEST_F(Postbus, TreeAndLocationFiles) {
         EXPECT_EQ(lees_bestand(std::string("loc/LOC_") + naam + ".GBL"), regel + "\n");
     }
     schrijf_bestand("loc/.zgedi.tmp", "left by a kill");
-    const test::Afloop vol = in_proces([] {
+    const Afloop vol = in_proces([] {
         ediset("ZEBEDI", "elders");
-        test::stoor_roep(1, false); // the line itself
+        stoor_roep(1, false); // the line itself
         return edimakeloc();
     });
     EXPECT_EQ(vol.status, 0);
@@ -133,15 +132,15 @@ TEST_F(Postbus, MovesEveryKindOfName) {
     schrijf_bestand("oud/.zgedi.tmp", "mail of the name that a copy has");
     was[lees_bestand("oud/.zgedi.tmp")] = "zgedi.tmp1";
     ASSERT_EQ(was.size(), 1003u);
-    ASSERT_TRUE(chown("oud/order", geteuid(), test::GROEP) == 0 && chmod("oud/order", 02750) == 0);
-    const std::string recht = test::rechten("oud/order");
+    ASSERT_TRUE(chown("oud/order", geteuid(), GROEP) == 0 && chmod("oud/order", 02750) == 0);
+    const std::string recht = rechten("oud/order");
     ASSERT_TRUE(ediset("ZEBEDI", "oud/") && ediset("EDIDIR", "oud/leeg/diep"));
     ASSERT_EQ(edi_verplaats("nieuw"), 1);
     EXPECT_STREQ(ediget("EDIDIR"), "nieuw/leeg/diep"); // it lay in the old root, and went along
     EXPECT_EQ(lees_bestand("nieuw/leeg/diep/LOC_PRI.GBL").substr(0, 14), "nieuw/pricat/ ");
     EXPECT_EQ(fs::remove_all("nieuw/leeg/diep"), 5u);
     EXPECT_EQ(bestanden("nieuw"), was);
-    EXPECT_EQ(test::rechten("nieuw/order"), recht);
+    EXPECT_EQ(rechten("nieuw/order"), recht);
     EXPECT_TRUE(fs::is_directory("nieuw/slsmon/save")) << "what the old root hadn't";
     EXPECT_FALSE(fs::exists("oud") || fs::exists("x"));
     EXPECT_STREQ(ediget("ZEBEDI"), "nieuw");
@@ -173,11 +172,11 @@ TEST_F(Postbus, MoveCutOff) {
                                                                                  : (errno = EXDEV, -1);
                         };
                     }
-                    test::stoor_roep(roep, dood);
+                    stoor_roep(roep, dood);
                     const int uit = edi_verplaats("nieuw");
-                    return test::gestoord() ? 7 : 1 - uit;
+                    return gestoord() ? 7 : 1 - uit;
                 };
-                const test::Afloop afloop = in_proces([&] { return verplaats(n); });
+                const Afloop afloop = in_proces([&] { return verplaats(n); });
                 status = afloop.status;
                 const auto a = bestanden("oud"), b = bestanden("nieuw");
                 for (const auto& [inhoud, naam] : was)
@@ -232,7 +231,7 @@ TEST_F(Postbus, MoveRefused) {
     };
     for (const auto& r : rijen) {
         ASSERT_TRUE(ediset("ZEBEDI", r.van));
-        const test::Afloop a = in_proces([&] { return edi_verplaats(r.naar); });
+        const Afloop a = in_proces([&] { return edi_verplaats(r.naar); });
         EXPECT_EQ(a.status, 0) << r.naar;
         EXPECT_TRUE(bevat(a.uitvoer, r.zegt)) << r.naar;
         EXPECT_STREQ(ediget("ZEBEDI"), r.van);
@@ -288,7 +287,7 @@ TEST(Bericht, DatesNumbersCodes) {
 }
 
 TEST(Bericht, Brands) {
-    test::TijdelijkeMap map;
+    TijdelijkeMap map;
     DDNEW(DDNUMMER("DTMERK"), "DTMERK");
     ICB* icb = IXOPEN("DTMERK", 2);
     uint16_t nummer = 0;
@@ -325,7 +324,7 @@ TEST(Bericht, Brands) {
     IXCLOSE(icb);
 }
 
-struct Bezet : test::Systeem {};
+struct Bezet : Systeem {};
 
 TEST_F(Bezet, OptionsHolderAndRow) {
     firma = {};
@@ -337,7 +336,7 @@ TEST_F(Bezet, OptionsHolderAndRow) {
               " 7   13 M\x9Bller & S\x9Bn         010316-            12");
     gebruiker_in(3, "Joke", "07");
     schrijf_bestand("bericht", "x");
-    test::Agent joke([] {
+    Agent joke([] {
         open();
         int32_t nr = 3;
         gebruikerslot g;
@@ -350,4 +349,4 @@ TEST_F(Bezet, OptionsHolderAndRow) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -7,10 +7,8 @@
 #include "term/scherm.h"
 #include <sstream>
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr char BESTAND[] = "KASMUT.TXT";
 
@@ -18,21 +16,16 @@ std::string regels() {
     return IOEXISTS(BESTAND) ? lees_bestand(BESTAND) : "none";
 }
 
-struct Kasmut : test::Systeem {
+struct Kasmut : Systeem {
     Kasmut() {
-        firma = {};
         firma.vlag30 = 4;
         firma.filialen = 12;
-        instel15 = {};
         sessie = 1;
         tills_lees();
     }
     ~Kasmut() override {
         SYS = calls;
         tills_vrij();
-        firma = {};
-        instel15 = {};
-        sessie = 0;
     }
     // What a child of the test needs: a descriptor and a slot of its own.
     static void als(int32_t slot) {
@@ -54,8 +47,8 @@ TEST_F(Kasmut, Tills) {
     EXPECT_TRUE(tills_write(255, 255, 'S', "x") && tills_write(1, 255, 'b', "y"));
     EXPECT_FALSE(tills_write(2, 255, 'S', "x"));
     EXPECT_EQ(lees_bestand("DCMU0102.TXT") + lees_bestand("DCMU1199.TXT"), "Sx\nby\nSx\n");
-    test::verwacht_stop([] { kasmut_branch(12, 'S', ""); }, "konl_mut: errno=3");
-    test::verwacht_stop([] { tills_vrij(), tills_of(1); }, "konl_mut: errno=2");
+    verwacht_stop([] { kasmut_branch(12, 'S', ""); }, "konl_mut: errno=3");
+    verwacht_stop([] { tills_vrij(), tills_of(1); }, "konl_mut: errno=2");
     firma.vlag30 = 0;
     tills_lees();
     EXPECT_EQ(tills_count(), 0);
@@ -135,7 +128,7 @@ TEST_F(Kasmut, Openings) {
     EXPECT_FALSE(kasmut_open(0)) << "nothing to read";
     EXPECT_TRUE(groep_vrij());
     mkdir(BESTAND, 0777);
-    test::verwacht_stop([] { als(1), kasmut_all('S', "4"); }, "iokasmut: ");
+    verwacht_stop([] { als(1), kasmut_all('S', "4"); }, "iokasmut: ");
 }
 
 // Two users with ten thousand lines each, in pieces and one by one, while a batch run takes the file away.
@@ -167,7 +160,7 @@ TEST_F(Kasmut, NothingLostBesideABatchRun) {
         std::replace(uit.begin(), uit.end(), '\n', ' '); // an answer is one line
         return uit;
     });
-    test::Terminal een(schrijver(1)), twee(schrijver(2));
+    Terminal een(schrijver(1)), twee(schrijver(2));
     std::map<std::string, int> geteld;
     int keren = 0;
     for (bool klaar = false; !klaar; keren++) {
@@ -201,7 +194,7 @@ TEST_F(Kasmut, WhatWaitsIsNoted) {
         als(99);
         return batch_claim(BATCH_KASSA);
     });
-    test::Terminal een(programma([] {
+    Terminal een(programma([] {
         mutaties_houd();
         return mutatie('S', "1") && mutatie('S', "2") && mutatie('S', "1") && mutaties_stuur();
     }));
@@ -211,7 +204,7 @@ TEST_F(Kasmut, WhatWaitsIsNoted) {
     een.einde();
     EXPECT_EQ(lees_bestand("MUT01.RES"), "S1\nS2\n");
     schrijf_bestand("MUT01.RES", "S1\nS2\nShalf");
-    test::Terminal twee(programma([] { return mutatie('S', "3"); }));
+    Terminal twee(programma([] { return mutatie('S', "3"); }));
     ASSERT_TRUE(twee.wacht("Verwerking is actief")) << twee.scherm();
     EXPECT_EQ(regels(), "none");
     run.dood();
@@ -219,7 +212,7 @@ TEST_F(Kasmut, WhatWaitsIsNoted) {
     EXPECT_EQ(regels(), "255255S1\n255255S2\n255255S3\n");
     EXPECT_FALSE(IOEXISTS("MUT01.RES"));
     IOUNLINK(BESTAND);
-    const auto verteld = test::in_proces([] {
+    const auto verteld = in_proces([] {
         als(1);
         MUTATIEHAAK = kasmut_reeks;
         const auto echt = SYS.write;
@@ -231,7 +224,7 @@ TEST_F(Kasmut, WhatWaitsIsNoted) {
     EXPECT_TRUE(verteld.status == 1 && verteld.uitvoer.find(BESTAND) != std::string::npos) << verteld.uitvoer;
     EXPECT_EQ(regels(), "255255S4\n255255S5\n");
     ASSERT_EQ(symlink("elders", "MUT01.RES"), 0);
-    const auto vreemd = test::in_proces([] {
+    const auto vreemd = in_proces([] {
         als(1);
         MUTATIEHAAK = kasmut_reeks;
         return mutaties_herstel() && mutatie('S', "6");
@@ -270,7 +263,7 @@ TEST_F(Kasmut, NoHalfLine) {
     };
     for (const auto& r : rijen) {
         schrijf_bestand(BESTAND, r.was);
-        const auto verteld = test::in_proces([&] {
+        const auto verteld = in_proces([&] {
             als(1);
             storing = r.storing;
             return kasmut_all('S', "x");
@@ -284,4 +277,4 @@ TEST_F(Kasmut, NoHalfLine) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -4,19 +4,18 @@
 #include "support/proef.h"
 #include "tools/shell.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace test;
 
 // Nothing is made before the method is chosen, and no key leaves that question; then every item is stored at once, and
 // the mailboxes move with their root.
 TEST(Edischerm, MadeAndChanged) {
-    test::TijdelijkeMap map;
-    test::Opties o;
+    TijdelijkeMap map;
+    Opties o;
     o.rijen = 25;
-    test::Terminal t({ZG_BINARY_DIR "/zgedi", "setup"}, o);
+    Terminal t({ZG_BINARY_DIR "/zgedi", "setup"}, o);
     ASSERT_TRUE(t.wacht("communicatiemethode"));
     t.toetsen("<Esc><Cancel>", "communicatiemethode");
     EXPECT_FALSE(IOEXISTS("DTRCMSYS.TXT"));
@@ -42,7 +41,7 @@ TEST(Edischerm, MadeAndChanged) {
 }
 
 TEST(Zgedi, Commands) {
-    test::TijdelijkeMap map;
+    TijdelijkeMap map;
     const struct {
         const char* opdracht;
         int status;
@@ -81,7 +80,7 @@ TEST(Zgedi, Commands) {
     for (const auto& r : rijen) {
         if (std::string(r.opdracht) == "set ZEBEDI 'nieuwe bus'")
             schrijf_bestand("zebedi/in/een", "1");
-        const test::Uit uit = sh(std::string("zgedi ") + r.opdracht);
+        const Uit uit = sh(std::string("zgedi ") + r.opdracht);
         EXPECT_EQ(uit.status, r.status) << r.opdracht << "\n" << uit.tekst;
         EXPECT_TRUE(*r.zegt ? uit.zegt(r.zegt) : uit.tekst.empty()) << r.opdracht << "\n" << uit.tekst;
     }
@@ -90,4 +89,4 @@ TEST(Zgedi, Commands) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

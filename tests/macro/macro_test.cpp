@@ -7,17 +7,15 @@
 #include "term/menu.h"
 #include "term/prompt.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 using Macro = InMap;
 
 std::string codes_na(const std::string& getypt, uint16_t gebruiker = 7,
                      const std::function<void()>& wat = toon_toetsen) {
     Terminal t(speler(gebruiker, wat));
-    return test::codes_na(t, getypt);
+    return codes_na(t, getypt);
 }
 
 TEST_F(Macro, RecordedAndPlayed) {
@@ -343,4 +341,4 @@ TEST_F(Macro, KilledAndRefusedAtEachWrite) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -2,10 +2,8 @@
 #include "macro/speler.h"
 #include "support/roepstoring.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 std::string bestandsnaam() {
     const std::string tty = ttyname(0);
@@ -186,4 +184,4 @@ TEST_F(Overdracht, KilledOnTheWay) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

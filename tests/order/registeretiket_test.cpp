@@ -4,23 +4,19 @@
 #include "order/register.h"
 #include "shared/leesstam.h"
 #include "sub/omserie.h"
-#include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr seriesleutel A{110, 5, 1};
 
-struct Regeletiketten : test::Systeem {
+struct Regeletiketten : Systeem {
     orderregel regel;
     serrec serie{};
     Regeletiketten() {
-        test::maak_filialen({1, 2, 3, 14, 20});
-        instel15 = {};
+        maak_filialen({1, 2, 3, 14, 20});
         kop = {};
         kop.leverancier = 117;
         kop.orderdatum = 42000;
@@ -46,9 +42,7 @@ struct Regeletiketten : test::Systeem {
     }
     ~Regeletiketten() override {
         ioeti('C', nullptr, nullptr);
-        iofil('C', 0, nullptr);
         kop = {};
-        firma = {};
     }
     // Pieces as "term/branch/size x number", terms in their order.
     void zet(const char* stukken) {
@@ -92,7 +86,7 @@ struct Regeletiketten : test::Systeem {
 int schrijvingen, lezingen;
 ssize_t tel(int fd, const void* buf, size_t n, off_t plaats) {
     schrijvingen++;
-    return test::echt(fd, buf, n, plaats);
+    return echt(fd, buf, n, plaats);
 }
 
 TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
@@ -125,11 +119,11 @@ TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
         EXPECT_EQ(keten(), r.keten) << r.wat;
         // Saved again nothing is written; read back the line has the same terms, also where runs repeat.
         const std::string eti = lees_bestand("DTETI.TXT");
-        test::echt = SYS.pwrite;
+        echt = SYS.pwrite;
         SYS.pwrite = tel;
         schrijvingen = 0;
         EXPECT_TRUE(labels_bij(&regel, &serie)) << r.wat;
-        SYS.pwrite = test::echt;
+        SYS.pwrite = echt;
         EXPECT_EQ(schrijvingen, 0) << r.wat;
         etiket koers;
         regel.serie = serie;
@@ -233,17 +227,17 @@ TEST_F(Regeletiketten, OthersStay) {
 }
 
 TEST_F(Regeletiketten, ReceivingLocation) {
-    dtart = test::nieuw_paar("DTART", {"art,304", "1,NODUPS,I,1,4"}, 2);
+    dtart = nieuw_paar("DTART", {"art,304", "1,NODUPS,I,1,4"}, 2);
     artrec groep{};
     groep.artikelgroep = 110;
     groep.magazijn = 14;
-    test::schrijf(dtart, groep);
+    schrijf(dtart, groep);
     groep.artikelgroep = 111;
     groep.magazijn = 255;
-    test::schrijf(dtart, groep);
+    schrijf(dtart, groep);
     groep.artikelgroep = 112;
     groep.magazijn = 77; // no such branch
-    test::schrijf(dtart, groep);
+    schrijf(dtart, groep);
     const struct {
         int edi, locatie, groep, label;
     } rijen[] = {{0, 20, 110, 255}, {1, 20, 110, 255}, {2, 20, 110, 20}, {3, 0, 110, 0},
@@ -268,7 +262,7 @@ TEST_F(Regeletiketten, EveryWriteRefusedOrTheLast) {
     EXPECT_TRUE(labels_bij(&regel, &serie)); // which counts it
     const std::string was = keten();
     zet("100/2/3x2 100/1/5x2 120/0/17x9"); // moved, deleted, made in a new block
-    test::bij_elke_schrijf(
+    bij_elke_schrijf(
         {"DTETI.TXT", "DTSYS.TXT"}, 1,
         [&] {
             open();
@@ -276,7 +270,7 @@ TEST_F(Regeletiketten, EveryWriteRefusedOrTheLast) {
             const serrec oud = serie;
             return labels_bij(&regel, &serie) ? 2 : memcmp(&oud, &serie, sizeof oud) ? 8 : 1;
         },
-        [&](const test::Storing& st) {
+        [&](const Storing& st) {
             ioeti_heropen();
             EXPECT_TRUE(bevat(keten(), " 9:100/0/3 "));
             if (st.klaar || st.dood)
@@ -312,4 +306,4 @@ TEST_F(Regeletiketten, RefusedBeforeAnythingIsWritten) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

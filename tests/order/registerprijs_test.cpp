@@ -6,11 +6,9 @@
 #include "order/prijswerk.h"
 #include "order/register.h"
 #include "price/ing_val.h"
-#include "shared/maatbalk.h"
 #include "shared/woordenboek.h"
 #include "store/rebuild.h"
 #include "sub/omserie.h"
-#include "support/paar.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 
@@ -411,15 +409,8 @@ bool lijnprijzen() {
 // Labels of one series for it, and a bar of six sizes.
 struct Lijnprijs : Registerprijs {
     Lijnprijs() {
-        DDNEW(32, "DTMAAT");
+        maak_maatsoort(2, "", {"1", "2", "3", "4", "5", "6"});
         dtmaat = IXOPEN("DTMAAT", 2);
-        mthandle* h = mtopen(1, 2, 2);
-        for (uint8_t n = 1; n <= 6; n++) {
-            mtinfo maat{};
-            maat.positie = n;
-            EXPECT_EQ(mtinsert(h, &maat), 1);
-        }
-        mtclose(h);
         balk_open(1, 2, nullptr);
         label(1, 3, 1180);
         label(1, 3, 2360, [](etiket* l) { l->met_de_hand = 1; });

@@ -3,7 +3,6 @@
 #include "bouw.h"
 #include "order/regelstam.h"
 #include "order/verdelen.h"
-#include "shared/maatbalk.h"
 #include "support/systeem.h"
 #include <numeric>
 #include <random>
@@ -18,25 +17,15 @@ struct Verdeelmap {
     OrderMap map;
     mthandle balk{};
     explicit Verdeelmap(const Getallen& gewichten, int maten = 3) {
-        firma = {};
-        firma.filialen = static_cast<uint8_t>(gewichten.size());
-        schrijf_bestand("DTFILGEG.TXT", "");
-        iofil('O', 0, nullptr);
+        Getallen nummers(gewichten.size());
+        std::iota(nummers.begin(), nummers.end(), 10);
+        maak_filialen(nummers);
         regelgroep = {};
         regelgroep.artikelgroep = 100;
         regelgroep.verdeelsoort = 'P';
         regelgroep.magazijn = GEEN_MAGAZIJN;
-        for (size_t i = 0; i < gewichten.size(); i++) {
-            filiaalrec rec{};
-            rec.nummer = static_cast<uint8_t>(10 + i);
-            iofil('W', static_cast<int>(i), &rec);
-            regelgroep.perfiliaal[i] = static_cast<uint8_t>(gewichten[i]);
-        }
-        for (int m = 1; m <= maten; m++) {
-            balk.posities.entry[m].link = balk.nummers.entry[m].link = static_cast<uint8_t>(m);
-        }
-        maatbalk = &balk;
-        balk_kies(nullptr);
+        std::copy(gewichten.begin(), gewichten.end(), regelgroep.perfiliaal);
+        zet_balk(&balk, maten);
         regelmerk = {};
         instel15.optie13 = 0;
         regel_wis(&regel_nu);

@@ -2,7 +2,6 @@
 #include "price/ing_val.h"
 #include "price/koers.h"
 #include "price/uniprijs.h"
-#include "support/paar.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 #include <random>
@@ -20,10 +19,7 @@ struct Koersen : test::Systeem {
         valuta_vergeet();
         maak("k1,NODUPS,C,1,3,I,11,12");
     }
-    ~Koersen() override {
-        koers_sluit();
-        instel15 = {};
-    }
+    ~Koersen() override { koers_sluit(); }
     static void maak(const char* sleutel) {
         koers_sluit();
         ICB* icb = test::nieuw_paar("DTKOERS", {"valutakoersen,12", sleutel});

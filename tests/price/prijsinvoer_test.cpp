@@ -2,8 +2,6 @@
 #include "price/ing_val.h"
 #include "price/prijsinvoer.h"
 #include "price/prijsvraag.h"
-#include "shared/maatbalk.h"
-#include "support/paar.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include <random>

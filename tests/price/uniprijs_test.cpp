@@ -1,8 +1,6 @@
 // The arithmetic of a series' prices, with numbers worked out by hand.
 #include "price/ing_val.h"
 #include "price/uniprijs.h"
-#include "shared/maatbalk.h"
-#include "support/paar.h"
 #include "support/systeem.h"
 #include <limits>
 #include <random>
@@ -24,7 +22,6 @@ struct Uniprijs : test::Systeem {
         up_context = {};
         up_valuta("EUR", 1, 0);
         up_context.btw = 210;
-        firma = {};
         firma.maatstelsel = 1;
         firma.btw[0] = 60, firma.btw[1] = 210;
         dtmaat = test::nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
@@ -39,8 +36,6 @@ struct Uniprijs : test::Systeem {
         balk_sluit();
         IXCLOSE(dtmaat);
         dtmaat = nullptr;
-        instel15 = {};
-        firma = {};
     }
     static std::array<uint8_t, MAATBYTES> set(std::initializer_list<int> maten) {
         std::array<uint8_t, MAATBYTES> uit{};

@@ -20,7 +20,6 @@ struct Prijsvenster : test::Systeem {
         up_context.methode = Kortingsmethode::automatisch;
         up_context.btw = 210;
     }
-    ~Prijsvenster() override { instel15 = {}; }
     // Keys; where a "|" stands in them, these must be seen.
     static void speel(test::Terminal& t, std::string_view toetsen, std::initializer_list<const char*> beeld) {
         const size_t streep = std::min(toetsen.find('|'), toetsen.size());

@@ -4,10 +4,8 @@
 #include "shared/sysrec.h"
 #include "term/scherm.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 // Printer 2: a queue, 80 columns short and 132 long; 3: a fifo, one configuration; 4: a directory, two ways to nothing.
 struct Bestemmingen : Printmap {
@@ -179,4 +177,4 @@ TEST_F(Bestemmingen, List) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

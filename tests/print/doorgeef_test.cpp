@@ -5,10 +5,8 @@
 #include "term/toets.h"
 #include <termios.h>
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 const std::string AAN = "\x1B[5i", UIT = "\x1B[4i";
 constexpr int REGELS = 900; // three blocks and a bit
@@ -141,4 +139,4 @@ TEST_F(Doorgeef, Screen) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -2,10 +2,8 @@
 #include "print/afdruk.h"
 #include "store/rebuild.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 // Printers, connections and configurations, as they are read.
 std::string beeld() {
@@ -90,4 +88,4 @@ TEST(Printtekst, Escapes) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -6,10 +6,9 @@
 #include <poll.h>
 #include <pty.h>
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
 namespace fs = std::filesystem;
 
 // What comes out of a descriptor until `n` bytes are there, slowly where asked.
@@ -282,4 +281,4 @@ TEST_F(Spool, Damaged) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -3,10 +3,8 @@
 #include "print/afdruk.h"
 #include "print/spooljob.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 const std::string VEERTIG(40, 'x');
 const std::string TEKSTEN[] = {
@@ -123,4 +121,4 @@ TEST_F(Vijandig, EnvironmentAndFileNames) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -3,7 +3,6 @@
 #include "shared/eanhdl.h"
 #include "shared/leesstam.h"
 #include "shared/woordenboek.h"
-#include "support/paar.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 #include "term/gesprek.h"
@@ -75,7 +74,6 @@ constexpr seriesleutel S{110, 5, 1}, ANDER{110, 5, 2};
 struct Codes : test::Systeem {
     ICB* ean = nullptr;
     Codes() {
-        instel15 = {};
         DDNEW(16, "DTEAN");
         ean = IXOPEN("DTEAN", 2);
     }

@@ -3,10 +3,8 @@
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr seriesleutel A{110, 5, 1}, B{110, 5, 2}, C{4711, 1, 30};
 
@@ -31,11 +29,9 @@ std::string hex(const uint8_t* bytes) {
     return uit;
 }
 
-struct Etiketten : test::Systeem {
+struct Etiketten : Systeem {
     int32_t a = -1, b = -1, c = -1;
     Etiketten() {
-        instel15 = {};
-        firma = {};
         firma.filialen = 5;
         schrijf_bestand("DTETI.TXT", "");
         ioeti('O', nullptr, nullptr);
@@ -241,12 +237,12 @@ TEST_F(Etiketten, ChainsAndNumbers) {
     EXPECT_TRUE(in_proces([&] { return maak(A, 50, 50) - 1; }).status == 0);
     l.inkoopcode = 5;
     EXPECT_EQ(ioeti('W', &nr, &l), 1);
-    test::echt = SYS.pwrite;
+    echt = SYS.pwrite;
     over = 0;
     doodgaan = false;
-    SYS.pwrite = test::stoor;
+    SYS.pwrite = stoor;
     EXPECT_EQ(ioeti('W', &nr, &l), 1) << "what stands so isn't written";
-    SYS.pwrite = test::echt;
+    SYS.pwrite = echt;
     EXPECT_EQ(maak(A, 51, 51), 1);
     EXPECT_EQ(keten(A), "41:1 42:2 43:50 44:51 ");
     // What is written ahead of a walk is met as it was written.
@@ -325,7 +321,7 @@ TEST_F(Etiketten, EveryWriteRefusedOrTheLast) {
     for (const auto& w : werken) {
         SCOPED_TRACE(w.wat);
         const bool vrijgegeven = !strcmp(w.wat, "a chain freed"), weg = !strcmp(w.wat, "a label away");
-        test::bij_elke_schrijf(
+        bij_elke_schrijf(
             {"DTETI.TXT", "DTSYS.TXT"}, 1,
             [&] {
                 Etiketten::open();
@@ -333,7 +329,7 @@ TEST_F(Etiketten, EveryWriteRefusedOrTheLast) {
                 w.doe();
                 return (a == a0) + 2 * (c < 0);
             },
-            [&](const test::Storing& st) {
+            [&](const Storing& st) {
                 ioeti_heropen();
                 if (st.klaar)
                     return;
@@ -360,8 +356,6 @@ TEST_F(Etiketten, EveryWriteRefusedOrTheLast) {
                 EXPECT_EQ(verloren, 0);
             });
     }
-    sessie = 0;
-    gebruiker = {};
 }
 
 TEST_F(Etiketten, Damage) {
@@ -434,4 +428,4 @@ TEST_F(Etiketten, Damage) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -2,10 +2,8 @@
 #include "support/proef.h"
 #include <sys/resource.h>
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 int64_t klok_stand;
 int64_t klok() {
@@ -235,8 +233,8 @@ TEST(Directory, ScansInsideScans) {
         for (int i = 0; i < 11; i++)
             DIRECTORY('O', alle, 0);
     };
-    test::verwacht_stop(elf, "DIRECTORY : ALLOC");
+    verwacht_stop(elf, "DIRECTORY : ALLOC");
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -2,15 +2,12 @@
 // what is said when somebody else is in the way.
 #include "shared/houder.h"
 #include "shared/report.h"
-#include "store/ix.h"
 #include "support/rechten.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 const gid_t ANDERE = geteuid() == 0 ? 4712 : getegid();
 
@@ -25,7 +22,7 @@ TEST(Rechten, AreThoseOfTheDirectoryWhateverTheUmask) {
     for (mode_t masker : {0, 022, 077})
         for (mode_t map : {0770, 02775, 0700, 01777}) {
             SCOPED_TRACE(std::to_string(masker) + " in " + std::to_string(map));
-            test::TijdelijkeMap hier;
+            TijdelijkeMap hier;
             Masker m(masker);
             ASSERT_TRUE(mkdir("d", 0700) == 0 && chown("d", static_cast<uid_t>(-1), GROEP) == 0);
             ASSERT_EQ(chmod("d", map), 0);
@@ -54,7 +51,7 @@ TEST(Rechten, AreThoseOfTheDirectoryWhateverTheUmask) {
 
 // What the user may not do is no reason to refuse his work; a failing disk is.
 TEST(Rechten, AsFarAsTheUserMay) {
-    test::TijdelijkeMap map;
+    TijdelijkeMap map;
     schrijf_bestand("oud", "");
     ASSERT_EQ(chmod("oud", 0604), 0);
     const auto echt = SYS;
@@ -69,7 +66,7 @@ TEST(Rechten, AsFarAsTheUserMay) {
     }
 }
 
-struct Handen : test::Systeem {
+struct Handen : Systeem {
     // The next pwrite writes half and then the disk is full, for this and all that extend; what stood can be put back.
     static void schijf_vol() {
         static int keer;
@@ -216,12 +213,12 @@ TEST_F(Handen, ReportsSayWhyAFileCantBeHad) {
                                  {EMFILE, "\n(te veel bestanden open)"},
                                  {EXDEV, "\n(fout 18)"}}) {
         reden = fout;
-        test::verwacht_stop(doe([] { OPENFAIL("proef", "X"); }), "Open niet gelukt");
-        test::verwacht_stop(doe([] { IXOPEN("DTX", 2); }), woorden);
-        test::verwacht_stop(doe([] { sluit(), open(); }), woorden);
-        test::verwacht_stop(doe([] { iofil('O', 0, nullptr); }), woorden);
+        verwacht_stop(doe([] { OPENFAIL("proef", "X"); }), "Open niet gelukt");
+        verwacht_stop(doe([] { IXOPEN("DTX", 2); }), woorden);
+        verwacht_stop(doe([] { sluit(), open(); }), woorden);
+        verwacht_stop(doe([] { iofil('O', 0, nullptr); }), woorden);
     }
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -7,10 +7,8 @@
 #include "support/systeem.h"
 #include <span>
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr seriesleutel SERIE = {305, 12, 3};
 constexpr uint16_t LEV = 77;
@@ -25,7 +23,7 @@ prijsgroepen groepen(int32_t prijs, int aantal = 2) {
     return uit;
 }
 
-struct Prijzen : test::Systeem {
+struct Prijzen : Systeem {
     Prijzen() {
         DDNEW(20, "DTIPA");
         schrijf_bestand("DTIPG.TXT", "");
@@ -157,7 +155,7 @@ TEST_F(Prijzen, Disturbed) {
         s = klaar(g);
         const auto eerst = dagen();
         ioink_close();
-        test::bij_elke_schrijf(
+        bij_elke_schrijf(
             {"DTIPA.INX", "DTIPA.TXT", "DTIPG.TXT", "DTSYS.TXT"}, 1,
             [&] {
                 open();
@@ -165,7 +163,7 @@ TEST_F(Prijzen, Disturbed) {
                 prijsset nieuw = s;
                 return ioink_write(&nieuw, groepen(9, 3)) ? 1 : 0;
             },
-            [&](const test::Storing& st) {
+            [&](const Storing& st) {
                 EXPECT_EQ(st.uitvoer.empty(), st.klaar || st.dood) << st.uitvoer;
                 if (IXCHECK("DTIPA") < 0)
                     IXBLDIX("DTIPA");
@@ -212,7 +210,7 @@ TEST_F(Prijzen, Damage) {
         ioink_close();
         zet_getal(s.nr < 0 ? "DTIPA.TXT" : "DTIPG.TXT", std::max(s.nr, 0) * 40 + s.plaats, s.waarde);
         const std::string eerst = lees_bestand("DTIPG.TXT") + lees_bestand("DTIPA.TXT");
-        const auto afloop = test::in_proces([&] { // its own process: a set is told of once
+        const auto afloop = in_proces([&] { // its own process: a set is told of once
             open();
             ioink_open(2);
             prijsset p;
@@ -281,7 +279,7 @@ TEST_F(Prijzen, FreeRecordsAndCounters) {
         zet_getal("DTSYS.TXT", 8 * 64 + 4, s.hoogste);
         zet_getal("DTIPG.TXT", 2 * 40 + 36, s.volgende);
         const std::string inhoud = lees_bestand("DTIPG.TXT");
-        const auto afloop = test::in_proces([&] {
+        const auto afloop = in_proces([&] {
             open();
             ioink_open(2);
             const bool past = ioink_past(4) == (!s.stop && s.hoogste < 1 << 30);
@@ -308,7 +306,7 @@ TEST_F(Prijzen, FreeRecordsAndCounters) {
 TEST_F(Prijzen, TwoPrograms) {
     EXPECT_TRUE(zet(100, 200, 5));
     // One that writes keeps others from writing, and readers see old or new prices and no warning meanwhile.
-    test::Agent schrijver([](const std::string& opdracht) {
+    Agent schrijver([](const std::string& opdracht) {
         static bool geopend = false;
         if (!geopend) {
             open();
@@ -333,7 +331,7 @@ TEST_F(Prijzen, TwoPrograms) {
         }
     }
     EXPECT_FALSE(anders);
-    if (antwoord == test::Agent::geen_antwoord)
+    if (antwoord == Agent::geen_antwoord)
         antwoord = schrijver.antwoord(60'000);
     EXPECT_EQ(antwoord, "write good");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
@@ -341,4 +339,4 @@ TEST_F(Prijzen, TwoPrograms) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -3,14 +3,12 @@
 #include "support/systeem.h"
 #include "term/scherm.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr Systabel PROEF{1000, 5, 20};
 
-struct Tabellen : test::Systeem {
+struct Tabellen : Systeem {
     static void tekst(int slot, const char* woord, const Systabel& tabel = PROEF) {
         tekst20 rec{};
         VASTIN(rec.tekst, woord);
@@ -140,7 +138,7 @@ TEST_F(Tabellen, OtherFile) {
     EXPECT_EQ(loop('N', 0), "2die (6)");
     sluit();
     IOUNLINK("ANDER.TXT");
-    test::verwacht_stop([] { open(); }, "ANDER.TXT niet aanwezig in /");
+    verwacht_stop([] { open(); }, "ANDER.TXT niet aanwezig in /");
     iotab_naam(nullptr);
     open();
     EXPECT_EQ(loop('N', 0), "1deze (6)");
@@ -173,7 +171,7 @@ TEST_F(Tabellen, ClosedFileStops) {
         int32_t nr = 1;
         iotab('R', &nr, rec, PROEF);
     };
-    test::verwacht_stop(lees, "iotab: errno=9 a=R fd=-1 o=1000");
+    verwacht_stop(lees, "iotab: errno=9 a=R fd=-1 o=1000");
 }
 
 // What each letter answers against what another process holds, and that a refused try leaves nothing behind.
@@ -255,4 +253,4 @@ TEST_F(Tabellen, HolderIsNamed) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

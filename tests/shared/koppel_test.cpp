@@ -3,16 +3,14 @@
 #include "support/paar.h"
 #include "support/proef.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 const Koppeling KLEUREN[] = {{"DTKL%*4d.TXT", 36, 4, Koppeling::WIS}};
 const Koppeling GROEPEN[] = {{"DTBC*.TXT", 40, 4, Koppeling::NUL}, {"DTMRKMS.TXT", 4, 4, Koppeling::WIS}};
 const Koppeling MERKEN[] = {{"DTMRKMS.TXT", 0, 2, Koppeling::WIS}};
 
-struct Koppelingen : test::InMap {
+struct Koppelingen : InMap {
     // A table of records with a key in its first four bytes and a number at an offset.
     static void tabel(const char* naam, int lengte, int plaats, std::initializer_list<int32_t> nummers) {
         mkdir("edistam", 0777);
@@ -23,7 +21,7 @@ struct Koppelingen : test::InMap {
             std::array<uint8_t, IXRECMAX> rec{};
             memcpy(rec.data(), &sleutel, 4);
             memcpy(rec.data() + plaats, &nr, 4);
-            test::schrijf(icb, rec);
+            schrijf(icb, rec);
             sleutel += 65536;
         }
         IXCLOSE(icb);
@@ -81,8 +79,8 @@ TEST_F(Koppelingen, RefusedAndBroken) {
     EXPECT_NE(testing::internal::GetCapturedStderr(), "") << "told";
     EXPECT_EQ(nummers("DTKL0012", 36), "5 6 5 ");
     unlink("edistam/DTKL0012.INX");
-    test::verwacht_stop([] { koppel_wis(KLEUREN, 5, "mutkl"); }, "mutkl: Open niet gelukt");
+    verwacht_stop([] { koppel_wis(KLEUREN, 5, "mutkl"); }, "mutkl: Open niet gelukt");
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

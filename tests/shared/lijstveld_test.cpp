@@ -6,10 +6,8 @@
 #include "term/gesprek.h"
 #include "term/ingave.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 std::map<int32_t, std::string> rijen;
 
@@ -119,9 +117,9 @@ TEST(ListField, Branches) {
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.toetsen);
-        test::TijdelijkeMap map;
+        TijdelijkeMap map;
         Gesprek t([&] {
-            test::maak_filialen({1, 2, 3, 14, 20});
+            maak_filialen({1, 2, 3, 14, 20});
             uint8_t nummer = 2;
             int anders = fil_veld(5, 10, 20, g.opties, &nummer);
             return vorm("%d%s", nummer, anders ? " changed" : "");
@@ -135,4 +133,4 @@ TEST(ListField, Branches) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -2,16 +2,13 @@
 #include "shared/filveld.h"
 #include "shared/iomaat.h"
 #include "shared/leesstam.h"
-#include "support/paar.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
-
-struct Filialen : test::InMap {
+struct Filialen : InMap {
     ~Filialen() override {
         iofil('C', 0, nullptr);
         firma = {};
@@ -19,7 +16,7 @@ struct Filialen : test::InMap {
 };
 
 TEST_F(Filialen, RecordsAndHeadOffice) {
-    test::maak_filialen({1, 2, 3, 14, 20});
+    maak_filialen({1, 2, 3, 14, 20});
     filiaalrec rec{};
     memset(static_cast<void*>(&rec), 'h', sizeof rec);
     VASTIN(firma.naam, "Van Weelde Mode B.V. te Zutphen");
@@ -44,7 +41,7 @@ TEST_F(Filialen, RecordsAndHeadOffice) {
 }
 
 TEST_F(Filialen, NumberToIndex) {
-    test::maak_filialen({1, 2, 3, 14, 20});
+    maak_filialen({1, 2, 3, 14, 20});
     struct {
         uint8_t nummer;
         int antwoord, index;
@@ -58,7 +55,7 @@ TEST_F(Filialen, NumberToIndex) {
 }
 
 TEST_F(Filialen, ShortFileAndFaults) {
-    test::maak_filialen({1, 2, 3});
+    maak_filialen({1, 2, 3});
     schrijf_bestand("DTFILGEG.TXT", std::string(1300, '\xFE')); // the second branch is cut
     filiaalrec rec;
     iofil('R', 1, &rec);
@@ -75,7 +72,7 @@ TEST_F(Filialen, ShortFileAndFaults) {
 }
 
 TEST_F(Filialen, RangeText) {
-    test::maak_filialen({1, 2, 3, 14, 20}); // bits 0 to 4
+    maak_filialen({1, 2, 3, 14, 20}); // bits 0 to 4
     struct {
         const char* tekst;
         Filreeks uitslag;
@@ -105,7 +102,7 @@ TEST_F(Filialen, RangeText) {
     }
 }
 
-struct Stam : test::InMap {
+struct Stam : InMap {
     artrec art(int32_t groep, const char* naam) {
         artrec rec{};
         rec.artikelgroep = groep;
@@ -162,7 +159,7 @@ TEST_F(Stam, EanCodes) {
     IXCLOSE(icb);
 }
 
-struct Maten : test::Systeem {
+struct Maten : Systeem {
     Maten() {
         zet(8, sysmaat{{}, 4711, {}}, SYS_RECORD);
         firma.maatstelsel = 1;
@@ -173,7 +170,6 @@ struct Maten : test::Systeem {
         IXCLOSE(dtmaat);
         IXCLOSE(dtmtom);
         dtmaat = dtmtom = nullptr;
-        firma = {};
     }
     static mtinfo info(int positie, const char* naam, int nummer = 0) {
         mtinfo i{};
@@ -361,4 +357,4 @@ TEST_F(Maten, Faults) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -1,21 +1,18 @@
 // Locks that others hold, waited for and told on the screen: of a whole file, of a slot of the system tables, of a
 // record, of a key that is reserved.
 #include "shared/houder.h"
-#include "support/paar.h"
 #include "support/systeem.h"
 #include "term/scherm.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr Systabel PROEF{1000, 5, 20};
 
 int neem_slot() {
     int32_t nr = 3;
     char rec[20];
-    test::Systeem::open();
+    Systeem::open();
     return iotab('X', &nr, rec, PROEF);
 }
 
@@ -27,12 +24,12 @@ int lees_record(const char* sleutel) {
     return IXREADL(IXOPEN("PROEF", 2), rec);
 }
 
-struct Waiting : test::Systeem {
+struct Waiting : Systeem {
     Waiting() {
-        test::schrijf_bestand("BRON", "inhoud");
+        schrijf_bestand("BRON", "inhoud");
         zet(3, tekst20{"c"}, PROEF);
-        ICB* icb = test::nieuw_paar("PROEF", {"proeftabel,40", "k,NODUPS,I,1,2,C,3,12"});
-        test::schrijf(icb, "\x67\x12Zuid");
+        ICB* icb = nieuw_paar("PROEF", {"proeftabel,40", "k,NODUPS,I,1,2,C,3,12"});
+        schrijf(icb, "\x67\x12Zuid");
         IXCLOSE(icb);
     }
 };
@@ -73,4 +70,4 @@ TEST_F(Waiting, IsToldAndEndsWithTheHolder) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -8,10 +8,8 @@
 #include "support/systeem.h"
 #include "term/toets.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr seriesleutel A{1110, 14, 1}, B{1110, 14, 2};
 const std::string NIEUW = "foto/nieuw/ZOMER.PCX", EERSTE = "foto/0103/ZOMER.PCX",
@@ -136,4 +134,4 @@ TEST_F(Fotomap, KilledAndRefused) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -1,16 +1,14 @@
 // The printed lists of distributions and runs: blocks of sizes, one type and all, from their lists on the screen.
 #include "print/afdruk.h"
 #include "shared/leesstam.h"
-#include "shared/maatbalk.h"
 #include "sub/lijstprint.h"
 #include "sub/reeksen.h"
 #include "sub/voorverd.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-using namespace test;
 
 namespace fs = std::filesystem;
 
@@ -21,23 +19,14 @@ struct Lijstprint : Systeem {
         maak_filialen({1, 2, 20});
         VASTIN(firma.naam, "De Proef");
         firma.maatstelsel = 1;
-        for (auto [soort, naam] : {std::pair(3, "Lang"), std::pair(5, "Kort")}) {
-            tekst20 rec{};
-            VASTIN(rec.tekst, naam);
-            zet(soort, rec, SYS_MAATSOORT);
-        }
-        dtmaat = nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
-        for (const uint8_t soort : {uint8_t{3}, uint8_t{5}}) {
-            mthandle* h = mtopen(1, soort, 2);
-            for (uint8_t i = 1; i <= (soort == 3 ? 32 : 2); i++) {
-                mtinfo info{1, soort, i, i, 0, {}, 0, 0, 0};
-                VASTIN(info.naam, (soort == 3 ? "a" : "b") + std::to_string(i) + " "); // as they are stored
-                EXPECT_EQ(mtinsert(h, &info), 1);
-            }
-            mtclose(h);
-        }
+        std::vector<std::string> maten;
+        for (int i = 1; i <= 32; i++)
+            maten.push_back("a" + std::to_string(i));
+        maak_maatsoort(3, "Lang", maten);
+        maak_maatsoort(5, "Kort", {"b1", "b2"});
+        dtmaat = IXOPEN("DTMAAT", 2);
         dtvvtab = nieuw_paar("DTVVTAB", {"voorverdeling,424", "k1,NODUPS,I,1,1,I,3,4,I,5,6"}, 2);
-        printer();
+        archief();
         balk_open(1, 3, nullptr);
         fmclear(&m);
         fmset(&m, 0, 1, 5), fmset(&m, 0, 32, 12345), fmset(&m, 2, 30, 7);
@@ -56,20 +45,17 @@ struct Lijstprint : Systeem {
     }
     ~Lijstprint() override {
         balk_sluit();
-        IXCLOSE(dtvvtab), IXCLOSE(dtmaat);
-        dtvvtab = dtmaat = nullptr;
-        iofil('C', 0, nullptr);
-        firma = {};
-        gebruiker = {};
+        IXCLOSE(dtvvtab);
+        dtvvtab = nullptr;
         unsetenv("ZEBPRT");
     }
-    static void printer() {
+    static void archief() {
         fs::create_directory("papier");
         fs::create_directory("prt");
         setenv("ZEBPRT", "prt", 1);
         printtabellen t;
         prt_lees(&t);
-        test::printer(2, "Archief");
+        printer(2, "Archief");
         verbinding(2, 1, "papier", true);
         config(2, 1, 80, 66), config(2, 2, 132, 66); // 80 columns won't do, whatever the slot says
         const printwens wens{2, 0, 0};
@@ -177,4 +163,4 @@ TEST_F(Lijstprint, FromTheLists) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

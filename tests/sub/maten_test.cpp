@@ -1,43 +1,16 @@
 // Size types, bars, the sizes of a series: what a user does, and what the files hold afterwards.
-#include "shared/maatbalk.h"
 #include "sub/maatsoort.h"
-#include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
-
-struct Maten : test::Systeem {
+struct Maten : Systeem {
     Maten() {
-        firma = {};
         firma.maatstelsel = 1;
-        type(1, "Confectie", {"XS", "S", "M", "L", "XL"});
-    }
-    ~Maten() override { firma = {}; }
-    // A size type on file, sizes numbered in bar order.
-    static void type(uint8_t soort, const char* naam, const std::vector<std::string>& maten,
-                     uint8_t stelsel = 1) {
-        tekst20 rec{};
-        VASTIN(rec.tekst, naam);
-        zet(soort, rec, SYS_MAATSOORT);
-        dtmaat = soort == 1 ? test::nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2)
-                            : IXOPEN("DTMAAT", 2);
-        dtmtom = nullptr;
-        mthandle* h = mtopen(stelsel, soort, 2);
-        mtinfo info{};
-        for (const std::string& m : maten) {
-            info.positie++;
-            info.maatnr = info.positie;
-            VASTIN(info.naam, (m + "  ").substr(0, 3));
-            EXPECT_EQ(mtinsert(h, &info), 1);
-        }
-        mtclose(h);
-        IXCLOSE(dtmaat);
-        dtmaat = nullptr;
+        maak_maatsoort(1, "Confectie", {"XS", "S", "M", "L", "XL"});
     }
     static void begin() {
         open(); // the locks of a child are its own
@@ -124,12 +97,12 @@ TEST_F(Maten, BarsAtEachWrite) {
         open();
         return balken();
     };
-    test::bij_elke_schrijfactie(lijst, "tj\nj\033\033", {}, stand, {"4:1,3 ", "1:1 4:1,3 "});
+    bij_elke_schrijfactie(lijst, "tj\nj\033\033", {}, stand, {"4:1,3 ", "1:1 4:1,3 "});
     zet(1, maatbalkrec{1, {0x1E}, {}}, SYS_MAATBALK);
     Gesprek t([&] {
         begin();
-        test::echt = SYS.pwrite, test::over = 0;
-        SYS.pwrite = test::stoor;
+        echt = SYS.pwrite, over = 0;
+        SYS.pwrite = stoor;
         kies();
         return balken();
     });
@@ -172,7 +145,7 @@ TEST_F(Maten, SizesOfASeries) {
     std::vector<std::string> veel;
     for (int i = 1; i <= 19; i++)
         veel.push_back("m" + std::to_string(i));
-    type(2, "Veel", veel);
+    maak_maatsoort(2, "Veel", veel);
     Gesprek lang([] {
         begin();
         balk_open(1, 2, nullptr);
@@ -211,11 +184,11 @@ std::string op_bestand(uint8_t stelsel, uint8_t soort) {
 }
 
 TEST_F(Maten, ScreenOfAType) {
-    type(2, "Heren", {"46", "~1", "48"});
+    maak_maatsoort(2, "Heren", {"46", "~1", "48"});
     std::vector<std::string> veel;
     for (int i = 1; i < MATEN; i++)
         veel.push_back(std::to_string(100 + i));
-    type(3, "Veel", veel);
+    maak_maatsoort(3, "Veel", veel);
     struct {
         uint8_t stelsel, soort;
         const char *toetsen, *melding, *weg, *uit;
@@ -260,7 +233,7 @@ TEST_F(Maten, FullAndDamaged) {
     std::vector<std::string> veel;
     for (int i = 1; i < MATEN; i++)
         veel.push_back(std::to_string(100 + i));
-    type(3, "Veel", veel);
+    maak_maatsoort(3, "Veel", veel);
     Gesprek t([] {
         begin();
         maatsoort_onderhoud(4, 1, 1, 3);
@@ -274,17 +247,17 @@ TEST_F(Maten, FullAndDamaged) {
     t.antwoord();
     EXPECT_EQ(op_bestand(1, 3).substr(0, 19), "95:vol 1:101 2:102 ");
 
-    const std::string goed = test::lees_bestand("DTMAAT.TXT");
+    const std::string goed = lees_bestand("DTMAAT.TXT");
     std::string stuk = goed;
     stuk[14 + 2 * 4 + 3] = 1; // the second size of type 1 on the first one's place
-    test::schrijf_bestand("DTMAAT.TXT", stuk);
+    schrijf_bestand("DTMAAT.TXT", stuk);
     Gesprek d([] {
         begin();
         return vorm("%d", maatsoort_onderhoud(4, 1, 1, 1));
     });
     d.wacht("De maten van deze maatsoort zijn beschadigd");
     EXPECT_EQ(d.antwoord("<Enter>"), "1");
-    EXPECT_EQ(test::lees_bestand("DTMAAT.TXT"), stuk);
+    EXPECT_EQ(lees_bestand("DTMAAT.TXT"), stuk);
 }
 
 // A write that the disk refuses is told, and the screen keeps what was entered until it can be written, or is left
@@ -340,7 +313,7 @@ TEST_F(Maten, TypeAtEachWrite) {
         {7, "j\nNieuw\nA\n\033Vj\n", {"", "1:A ", "1:A Nieuw", ""}},
     };
     for (const auto& r : rijen)
-        test::bij_elke_schrijfactie(
+        bij_elke_schrijfactie(
             [&] {
                 begin();
                 maatsoort_onderhoud(4, 1, 1, r.soort);
@@ -354,4 +327,4 @@ TEST_F(Maten, TypeAtEachWrite) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -1,12 +1,11 @@
 // Quantities in a grid, as a buyer enters them: totals, branches, dividing, key by key.
-#include "shared/maatbalk.h"
 #include "sub/matrixinvoer.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
+#include <numeric>
 
-namespace zg {
+namespace zg::test {
 namespace {
-using namespace test;
 
 struct Matrix : Systeem {
     struct Stuks {
@@ -18,32 +17,16 @@ struct Matrix : Systeem {
 
     // Branches with numbers from 1, sizes "31" and up on the bar.
     void begin(int filialen, int maten, const std::vector<Stuks>& stuks) {
-        firma = {};
-        firma.filialen = static_cast<uint8_t>(filialen);
-        schrijf_bestand("DTFILGEG.TXT", "");
-        iofil('O', 0, nullptr);
-        for (int f = 0; f < filialen; f++) {
-            filiaalrec rec{};
-            rec.nummer = static_cast<uint8_t>(f + 1);
-            iofil('W', f, &rec);
-        }
-        balk = {}, s = {};
-        for (int n = 1; n <= maten; n++)
-            for (maatrij* rij : {&balk.posities, &balk.nummers}) {
-                rij->entry[n].link = static_cast<uint8_t>(n);
-                VASTIN(rij->entry[n].naam, std::to_string(30 + n));
-            }
-        maatbalk = &balk;
-        balk_kies(nullptr);
+        std::vector<int> nummers(static_cast<size_t>(filialen));
+        std::iota(nummers.begin(), nummers.end(), 1);
+        maak_filialen(nummers);
+        s = {};
+        zet_balk(&balk, maten);
         fmclear(&m);
         for (const Stuks& st : stuks)
             fmadd(&m, st.filiaal, st.maat, st.aantal);
     }
-    ~Matrix() override {
-        maatbalk = nullptr;
-        iofil('C', 0, nullptr);
-        firma = {};
-    }
+    ~Matrix() override { maatbalk = nullptr; }
     // 'T' totals, 'H' by hand, 'V' divided from the first branch; small letters key by key. Then each row's sum
     // and sizes.
     std::string werk(char hoe) {
@@ -171,4 +154,4 @@ TEST_F(Matrix, KolommenWordenBreder) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -1,37 +1,20 @@
 // Size runs: the stored ones, and rows laid on branches.
-#include "shared/maatbalk.h"
 #include "sub/reeksen.h"
-#include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
 
-using namespace test;
-
-struct Reeksen : test::Systeem {
+struct Reeksen : Systeem {
     Reeksen() {
-        test::maak_filialen({1, 2, 3, 14, 20});
+        maak_filialen({1, 2, 3, 14, 20});
         firma.maatstelsel = 1;
-        tekst20 rec{};
-        VASTIN(rec.tekst, "Herenmaten");
-        zet(3, rec, SYS_MAATSOORT);
-        dtmaat = test::nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
-        mthandle* h = mtopen(1, 3, 2);
-        for (uint8_t i = 1; i <= 40; i++) {
-            mtinfo info{1, 3, i, i, 0, {}, 0, 0, 0};
-            snprintf(info.naam, sizeof info.naam, "%d", 44 + i);
-            EXPECT_EQ(mtinsert(h, &info), 1);
-        }
-        mtclose(h);
-        IXCLOSE(dtmaat);
-        dtmaat = nullptr;
-    }
-    ~Reeksen() override {
-        iofil('C', 0, nullptr);
-        firma = {};
+        std::vector<std::string> maten;
+        for (int i = 1; i <= 40; i++)
+            maten.push_back(std::to_string(44 + i));
+        maak_maatsoort(3, "Herenmaten", maten);
     }
     // The type's first so many sizes in force.
     static void begin(int maten) {
@@ -62,7 +45,7 @@ void zet_reeks(int32_t nr, uint8_t soort, std::initializer_list<std::pair<int, i
     rec.maatsoort = soort;
     for (auto [maat, n] : cellen)
         rec.aantal[maat] = n, rec.aantal[0] += n;
-    test::Systeem::zet(nr, rec, SYS_MAATREEKS);
+    Systeem::zet(nr, rec, SYS_MAATREEKS);
 }
 
 std::string bewaard(int32_t nr) {
@@ -138,7 +121,7 @@ TEST_F(Reeksen, AtEachWrite) {
         const char *toetsen, *na;
     } const rijen[] = {{"w9\n\033j\n\033", "1=9 -"}, {"t5\n\033\033", "1=1 1=5"}, {"vj\n\033", "- -"}};
     for (const auto& r : rijen)
-        test::bij_elke_schrijfactie(
+        bij_elke_schrijfactie(
             [] {
                 begin(8);
                 reeksrij rij{};
@@ -216,4 +199,4 @@ TEST_F(Reeksen, UsedRows) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -11,39 +11,29 @@
 #include "sub/omserie.h"
 #include "sub/serdel.h"
 #include "sub/serzoek.h"
-#include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 #include "term/gesprek.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr seriesleutel A{1110, 14, 1}, B{1110, 14, 2}, C{1110, 20, 1};
 const char* const PAREN[] = {"DTSER", "DTEAN", "DTORDNR", "DTSERPIC", "DTIPA", "DTMERK"};
 
-struct Serie : test::Systeem {
+struct Serie : Systeem {
     Serie() {
         for (const char* p : PAREN)
             EXPECT_NE(DDNEW(DDNUMMER(p), p), 0) << p;
         schrijf_bestand("DTETI.TXT", "");
         schrijf_bestand("DTIPG.TXT", "");
-        firma = {};
         firma.filialen = 5;
         firma.vlag30 = 4; // tills are linked
-        instel15 = {};
         instel15.overdracht = 1;
         in(1);
     }
-    ~Serie() override {
-        uit();
-        sessie = 0;
-        firma = {};
-        instel15 = {};
-    }
+    ~Serie() override { uit(); }
     static void in(int slot) {
         sessie = slot;
         register_open();
@@ -77,7 +67,7 @@ struct Serie : test::Systeem {
 // A program of a user: his slot is his while it lives.
 std::string gebruiker_doet(const std::string& wat) {
     if (wat[0] == 'i') { // in, as slot n
-        test::Systeem::open();
+        Systeem::open();
         dtser = dtserpic = dtean = dtordnr = nullptr;
         int32_t slot = wat[1] - '0';
         gebruikerslot g{};
@@ -120,7 +110,7 @@ TEST_F(Serie, RegisterThatLostItsIndexStops) {
     EXPECT_TRUE(register_aanwezig());
     uit();
     IOUNLINK("DTSER.INX");
-    test::verwacht_stop([] { register_aanwezig(); }, "DTSER.INX");
+    verwacht_stop([] { register_aanwezig(); }, "DTSER.INX");
     IOUNLINK("DTSER.TXT");
     EXPECT_FALSE(register_aanwezig());
 }
@@ -188,7 +178,7 @@ struct Resten {
                                        {9, "DTBASER"},
                                        {7, "DTBAORD"}})
             EXPECT_NE(DDNEW(nr, naam), 0) << naam;
-        IXCLOSE(test::nieuw_paar("DTIO", {"io,24", "k,NODUPS,I,1,4,I,9,12", "s,I,13,16,I,17,18,I,19,20"}));
+        IXCLOSE(nieuw_paar("DTIO", {"io,24", "k,NODUPS,I,1,4,I,9,12", "s,I,13,16,I,17,18,I,19,20"}));
         schrijf_bestand("DTBAPAR.TXT", std::string(3 * 432, 'x'));
     }
     template <class T> static void in(uint8_t* buffer, int positie, T waarde) {
@@ -258,7 +248,7 @@ struct Verwijder : Serie {
         ASSERT_TRUE(eanhdl('W', dtean, s, maten));
         serpicrec pic{};
         pic.serie = s;
-        test::schrijf(dtserpic, pic);
+        schrijf(dtserpic, pic);
         Resten::van_serie(s);
         serie_los();
     }
@@ -334,7 +324,7 @@ TEST_F(Verwijder, AllOfOneAndNothingOfAnother) {
     // Its blocks are the next that are given out, its record's slot is used again, and with it its number.
     serpicrec oud{};
     oud.serie = A;
-    test::schrijf(dtserpic, oud); // a link that was left
+    schrijf(dtserpic, oud); // a link that was left
     EXPECT_EQ(serie_volgnummer_vrij(A.artikelgroep, A.kleur), 1);
     EXPECT_EQ(
         IXEXISTS(dtserpic, std::string(reinterpret_cast<char*>(&oud), sizeof oud).append(512, 0).data()), 0);
@@ -366,7 +356,7 @@ TEST_F(Verwijder, KilledAndRefusedAtEachWrite) {
         return uitkomst;
     };
     int keren = 0;
-    test::bij_elke_schrijf(namen, 7, verwijder, [&](const test::Storing& st) { // some 400 writes
+    bij_elke_schrijf(namen, 7, verwijder, [&](const Storing& st) { // some 400 writes
         EXPECT_TRUE(st.status == st.klaar || st.uitvoer.starts_with("DTSYS"))
             << st.uitvoer; // the user's slot
         keren++;
@@ -374,7 +364,7 @@ TEST_F(Verwijder, KilledAndRefusedAtEachWrite) {
             EXPECT_TRUE(st.dood || IXCHECK(p.c_str()) >= 0) << p;
             EXPECT_EQ(IXBLDIX(p.c_str()), 1) << p;
         }
-        EXPECT_GE(test::in_proces(verwijder).status, 1) << "again";
+        EXPECT_GE(in_proces(verwijder).status, 1) << "again";
         open();
         in(1);
         EXPECT_EQ(er_is(B), "rec 1 ean 3 set 1 labels 0 others 3 par 1");
@@ -410,7 +400,7 @@ TEST_F(Verwijder, QuestionAndDamage) {
         EXPECT_EQ(t.antwoord("<Enter>"), "0");
     }
     // The code of a sold label among the open sales.
-    IXCLOSE(test::nieuw_paar("KSZI", {"zicht,32", "a,NODUPS,I,1,4", "b,C,13,25,I,1,4"}));
+    IXCLOSE(nieuw_paar("KSZI", {"zicht,32", "a,NODUPS,I,1,4", "b,C,13,25,I,1,4"}));
     Resten::zet("KSZI", [](uint8_t* r) {
         r[0] = 1;
         memcpy(r + 12, ean_etiket(0, 3).data(), 13); // the third label of the first block
@@ -445,7 +435,7 @@ struct Zoek : Serie {
             merkrec m{};
             m.merk = static_cast<uint16_t>(nr);
             VASTIN(m.zoeknaam, naam);
-            test::schrijf(dtmerk, m);
+            schrijf(dtmerk, m);
         }
         maak(rec({1110, 14, 1}, 104, "KJOLE"));
         maak(rec({1110, 14, 3}, 104, "SKJORTE"));
@@ -465,31 +455,30 @@ struct Zoek : Serie {
 };
 
 TEST_F(Zoek, ByTheLettersOfAKey) {
-    test::gesprekken([] { return zoek("AKV"); },
-                     {
-                         {"1110<Enter>14<Enter>3<Enter>", "1110.14.3"},
-                         {"1110<Enter><Enter><Enter>", "1110.14.1"}, // each is proposed as the first has it
-                         {"1110<Enter>14<Enter>2<Enter>", "none"},   // the last letter isn't passed over
-                         {"2000<Enter><Enter><Enter>", "2200.1.1"},  // the next one
-                         {"9999<Enter>2200<Enter><Enter><Enter>", "2200.1.1"}, // behind the last: asked again
-                         {"1110<Enter>15<Enter><Enter>", "1110.20.1"},
-                         {"<Enter>", "none"},
-                         {"1110<Enter><Esc>", "none"},
-                         {"1110<Enter><F5><Down><Enter>", "1110.14.3"},
-                         {"1110<Enter><F5>2200<Enter><Enter>", "2200.1.1"}, // typed in the list
-                     });
+    gesprekken([] { return zoek("AKV"); },
+               {
+                   {"1110<Enter>14<Enter>3<Enter>", "1110.14.3"},
+                   {"1110<Enter><Enter><Enter>", "1110.14.1"}, // each is proposed as the first has it
+                   {"1110<Enter>14<Enter>2<Enter>", "none"},   // the last letter isn't passed over
+                   {"2000<Enter><Enter><Enter>", "2200.1.1"},  // the next one
+                   {"9999<Enter>2200<Enter><Enter><Enter>", "2200.1.1"}, // behind the last: asked again
+                   {"1110<Enter>15<Enter><Enter>", "1110.20.1"},
+                   {"<Enter>", "none"},
+                   {"1110<Enter><Esc>", "none"},
+                   {"1110<Enter><F5><Down><Enter>", "1110.14.3"},
+                   {"1110<Enter><F5>2200<Enter><Enter>", "2200.1.1"}, // typed in the list
+               });
     // Brand and model come before the group, which the file's key has between them.
-    test::gesprekken(
-        [] { return zoek("RMAKV"); },
-        {
-            {"104<Enter><Enter><Enter><Enter><Enter>", "2200.1.1"},
-            {"nord<Enter>kjole<Enter><Enter><Enter><Enter>", "1110.14.1"},
-            {"kr<Enter>kro<Enter><Enter><Enter><Enter><Enter>", "1110.20.1"}, // two begin with kr
-            {"nord<Enter>c<Enter><Enter><Enter><Enter>", "1110.14.1"},
-            {"nord<Enter>kjole<Enter>1200<Enter><Enter><Enter>",
-             "1110.14.3"},                // none of that group: the next name
-            {"krju<Enter><Esc>", "none"}, // none of it or behind it: asked again
-        });
+    gesprekken([] { return zoek("RMAKV"); },
+               {
+                   {"104<Enter><Enter><Enter><Enter><Enter>", "2200.1.1"},
+                   {"nord<Enter>kjole<Enter><Enter><Enter><Enter>", "1110.14.1"},
+                   {"kr<Enter>kro<Enter><Enter><Enter><Enter><Enter>", "1110.20.1"}, // two begin with kr
+                   {"nord<Enter>c<Enter><Enter><Enter><Enter>", "1110.14.1"},
+                   {"nord<Enter>kjole<Enter>1200<Enter><Enter><Enter>",
+                    "1110.14.3"},                // none of that group: the next name
+                   {"krju<Enter><Esc>", "none"}, // none of it or behind it: asked again
+               });
     Gesprek lijst([] { return zoek("AKV"); });
     lijst.toetsen("<F5>");
     EXPECT_TRUE(lijst.regel(4).starts_with(
@@ -503,7 +492,7 @@ TEST_F(Zoek, ByTheLettersOfAKey) {
 }
 
 TEST_F(Zoek, SortOrders) {
-    test::gesprekken(
+    gesprekken(
         [] {
             std::string orde;
             const bool goed = sort_volgorde(3, 20, "AKVRMDJSENZBL", &orde);
@@ -549,4 +538,4 @@ TEST_F(Zoek, SortOrders) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

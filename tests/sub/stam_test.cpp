@@ -7,16 +7,14 @@
 #include "sub/merken.h"
 #include "sub/omlev.h"
 #include "sub/stampost.h"
-#include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 #include "term/ingave.h"
+#include <numeric>
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 struct Pair {
     const char* naam;
@@ -27,7 +25,7 @@ const Pair PAREN[] = {{"DTART", &dtart},   {"DTLEV", &dtlev},       {"DTLEVEXT",
 
 int vergeten; // times that the keepers of master records were told to read anew
 
-struct Stam : test::Systeem {
+struct Stam : Systeem {
     Stam() {
         filialen({1, 2, 3, 14, 20});
         zet(1, tekst20{"Nederlands"}, SYS_MAATSTELSEL);
@@ -46,20 +44,14 @@ struct Stam : test::Systeem {
         bewaar("DTOMZGRP", omzgrprec{7, "Truien", 2, 0});
         bewaar("DTOMZGRP", omzgrprec{8, "Jassen", 1, 0});
     }
-    ~Stam() override {
-        iofil('C', 0, nullptr);
-        firma = {};
-        instel15 = {};
-        gebruiker = {};
-    }
-    static void filialen(std::initializer_list<int> nummers) {
-        test::maak_filialen(nummers);
+    static void filialen(const std::vector<int>& nummers) {
+        maak_filialen(nummers);
         firma.maatstelsel = 1;
         firma.btw[0] = 210, firma.btw[1] = 90;
     }
     template <class R> static void bewaar(const char* naam, const R& rec) {
         ICB* icb = IXOPEN(naam, 2);
-        test::schrijf(icb, rec);
+        schrijf(icb, rec);
         IXCLOSE(icb);
     }
     static void relatie(uint16_t nummer, int soort, const char* naam) {
@@ -138,7 +130,7 @@ TEST_F(Stam, BrandByNumberNameAndList) {
     merk(300, "Noa",
          "N\xE3"
          "AA"); // sorts before NORD, and doesn't begin with NO
-    test::gesprekken(
+    gesprekken(
         [] {
             begin();
             uint16_t merk = 104;
@@ -225,11 +217,11 @@ TEST_F(Stam, BrandDeletedAndMended) {
     memset(gek.uitgesloten, 0xFF, sizeof gek.uitgesloten);
     bewaar("DTMERK", gek);
     mkdir("edistam", 0777);
-    ICB* icb = test::nieuw_paar("edistam/DTMRKMS", {"koppel,10", "een,NODUPS,I,1,2,I,5,8"}, 2);
+    ICB* icb = nieuw_paar("edistam/DTMRKMS", {"koppel,10", "een,NODUPS,I,1,2,I,5,8"}, 2);
     for (uint16_t nr : {uint16_t{7}, uint16_t{8}}) {
         std::array<uint8_t, IXRECMAX> los{};
         memcpy(los.data(), &nr, 2);
-        test::schrijf(icb, los);
+        schrijf(icb, los);
     }
     IXCLOSE(icb);
     auto kind = [] {
@@ -248,8 +240,8 @@ TEST_F(Stam, BrandDeletedAndMended) {
     Gesprek weg(kind);
     EXPECT_EQ(weg.antwoord("VJ<Enter>"), "1");
     EXPECT_EQ(rec<merkrec>("DTMERK", uint16_t{7}).merk, 0);
-    EXPECT_EQ(test::lees_bestand("edistam/DTMRKMS.TXT").substr(10, 2), std::string("\x08\0", 2));
-    EXPECT_EQ(test::lees_bestand("edistam/DTMRKMS.TXT").substr(0, 1), "\xFF");
+    EXPECT_EQ(lees_bestand("edistam/DTMRKMS.TXT").substr(10, 2), std::string("\x08\0", 2));
+    EXPECT_EQ(lees_bestand("edistam/DTMRKMS.TXT").substr(0, 1), "\xFF");
 }
 
 // ---- article groups
@@ -325,13 +317,9 @@ TEST_F(Stam, GroupByFirm) {
     groep.magazijn = GEEN_MAGAZIJN;
     groep.verdeelsoort = 'P';
     bewaar("DTART", groep);
-    test::schrijf_bestand("DTFILGEG.TXT", "");
-    firma.filialen = 250;
-    filiaalrec rec_fil{};
-    for (int i = 0; i < 250; i++) {
-        rec_fil.nummer = static_cast<uint8_t>(i + 1);
-        iofil('W', i, &rec_fil);
-    }
+    std::vector<int> veel(250);
+    std::iota(veel.begin(), veel.end(), 1);
+    filialen(veel);
     auto kind = [] {
         begin();
         return vorm("%d", artgroep_scherm(5));
@@ -406,7 +394,7 @@ TEST_F(Stam, RelationAtEachWrite) {
         return VASTTEKST(rec<levrec>("DTLEV", uint16_t{12}).naam) + " " +
                VASTTEKST(rec<levextrec>("DTLEVEXT", uint16_t{12}).email);
     };
-    test::bij_elke_schrijfactie(
+    bij_elke_schrijfactie(
         [] {
             begin();
             relatie_scherm(12, REL_LEVERANCIER, Relatiemodus::wijzigen);
@@ -422,12 +410,12 @@ TEST_F(Stam, RelationDeleted) {
     bewaar("DTLEVEXT", levextrec{13, "c@d", "", ""});
     mkdir("edistam", 0777);
     for (const char* naam : {"DTAG0012.TXT", "DTKL0012.INX", "DTAG0013.TXT"})
-        test::schrijf_bestand(std::string("edistam/") + naam, "x");
-    ICB* icb = test::nieuw_paar("edistam/DTRCLPAR", {"p,164", "een,NODUPS,I,1,2"}, 2);
+        schrijf_bestand(std::string("edistam/") + naam, "x");
+    ICB* icb = nieuw_paar("edistam/DTRCLPAR", {"p,164", "een,NODUPS,I,1,2"}, 2);
     for (uint16_t nr : {uint16_t{12}, uint16_t{13}}) {
         std::array<uint8_t, IXRECMAX> los{};
         memcpy(los.data(), &nr, 2);
-        test::schrijf(icb, los);
+        schrijf(icb, los);
     }
     IXCLOSE(icb);
     auto wis = [](Relatiesoort soort) {
@@ -443,15 +431,15 @@ TEST_F(Stam, RelationDeleted) {
     }
     EXPECT_EQ(rec<levrec>("DTLEV", uint16_t{12}).soort, REL_LEVERANCIER);
     EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{12}).nummer, 12);
-    EXPECT_EQ(test::lees_bestand("edistam/DTAG0012.TXT"), "x");
+    EXPECT_EQ(lees_bestand("edistam/DTAG0012.TXT"), "x");
     Gesprek t(wis(REL_LEVERANCIER));
     t.toetsen("VJ<Enter>", "Eventuele voorkeursinstellingen voor EDI-berichten worden verwijderd");
     EXPECT_EQ(t.antwoord("<Enter>"), "1");
     EXPECT_EQ(rec<levrec>("DTLEV", uint16_t{12}).nummer, 0);
     EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{12}).nummer, 0);
     EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{13}).nummer, 13);
-    EXPECT_EQ(test::lees_bestand("edistam/DTAG0012.TXT") + test::lees_bestand("edistam/DTKL0012.INX"), "");
-    EXPECT_EQ(test::lees_bestand("edistam/DTAG0013.TXT"), "x");
+    EXPECT_EQ(lees_bestand("edistam/DTAG0012.TXT") + lees_bestand("edistam/DTKL0012.INX"), "");
+    EXPECT_EQ(lees_bestand("edistam/DTAG0013.TXT"), "x");
     using Partner = std::array<uint8_t, 164>;
     EXPECT_EQ(rec<Partner>("edistam/DTRCLPAR", uint16_t{12})[0], 0);
     EXPECT_EQ(rec<Partner>("edistam/DTRCLPAR", uint16_t{13})[0], 13);
@@ -469,7 +457,7 @@ TEST_F(Stam, BrandAtEachWrite) {
         {9, "j\nZ\nZZ\n\n\n\n\n\n\n\n", "Nordlys|Z"}, {104, "W11Z\n\033", "Z|"}, {104, "VJ\n", "|"}};
     for (const auto& r : rijen) {
         SCOPED_TRACE(r.na);
-        test::bij_elke_schrijfactie(
+        bij_elke_schrijfactie(
             [&] {
                 begin();
                 merk_scherm(r.merk);
@@ -479,4 +467,4 @@ TEST_F(Stam, BrandAtEachWrite) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -1,16 +1,13 @@
 // Pre-distributions: the records of a number, what fits, free numbers, refused writes, and a buyer at the list.
 #include "shared/leesstam.h"
-#include "shared/maatbalk.h"
 #include "sub/voorverd.h"
 #include "sub/vvdeel.h"
-#include "support/paar.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-using namespace test;
 
 using Getallen = std::vector<int>;
 
@@ -21,23 +18,13 @@ struct Voorverd : Systeem {
     // Five branches, sizes 1 to 3 of type 4.
     Voorverd() {
         maak_filialen({1, 2, 3, 14, 20});
-        for (int n = 1; n <= 3; n++)
-            for (maatrij* rij : {&balk.posities, &balk.nummers}) {
-                rij->entry[n].link = static_cast<uint8_t>(n);
-                VASTIN(rij->entry[n].naam, std::to_string(40 + n));
-            }
-        maatbalk = &balk;
-        balk_kies(nullptr);
-        tekst20 naam{};
-        VASTIN(naam.tekst, "Jeans");
-        zet(4, naam, SYS_MAATSOORT);
+        zet_balk(&balk, 3);
+        zet(4, tekst20{"Jeans"}, SYS_MAATSOORT);
         paar({"k1,NODUPS,I,1,1,I,3,4,I,5,6"});
     }
     ~Voorverd() override {
         IXCLOSE(dtvvtab);
         dtvvtab = nullptr, maatbalk = nullptr;
-        iofil('C', 0, nullptr);
-        firma = {};
     }
     void paar(std::vector<std::string> sleutels) {
         if (dtvvtab)
@@ -130,9 +117,7 @@ TEST_F(Voorverd, BeschadigdeRecords) {
     EXPECT_EQ(op_schijf(), "0.1:1=1,1,0,0 3.1:1=4,4,0,0 3.2:2=3,1,1,1 500.1:1=1,1,0,0 ");
     // Of two records with all branches and sizes the second counts, not both: no sum that is too large.
     firma.filialen = 250;
-    for (int n = 1; n <= MATEN; n++)
-        balk.posities.entry[n].link = balk.nummers.entry[n].link = static_cast<uint8_t>(n);
-    balk_kies(nullptr);
+    zet_balk(&balk, MATEN);
     vvrec alle = rec(8, 0, 0, {});
     memset(alle.filialen, 0xFF, sizeof alle.filialen);
     for (const int32_t stuks : {80'000, 80'001}) {
@@ -228,4 +213,4 @@ TEST_F(Voorverd, EenInkoperBijDeLijst) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -1,9 +1,7 @@
 // Random keys in the screens of size types, bars and runs, on tables of which some contradict themselves: nothing
 // crashes, hangs or stays open, and what must hold of sizes and rows does hold afterwards.
-#include "shared/maatbalk.h"
 #include "sub/maatsoort.h"
 #include "sub/reeksen.h"
-#include "support/paar.h"
 #include "support/slotboek.h"
 #include "support/systeem.h"
 #include "term/scherm.h"

@@ -3,6 +3,8 @@
 #pragma once
 #include "shared/iofil.h"
 #include "shared/iotab.h"
+#include "shared/maatbalk.h"
+#include "support/paar.h"
 #include "support/proef.h"
 
 namespace zg::test {
@@ -13,7 +15,15 @@ struct Systeem : testing::Test {
         schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
         open();
     }
-    ~Systeem() override { sluit(); }
+    // What this process has of the firm goes with its directory.
+    ~Systeem() override {
+        iofil('C', 0, nullptr);
+        if (dtmaat)
+            IXCLOSE(dtmaat);
+        dtmaat = nullptr;
+        sluit();
+        sessie = 0, gebruiker = {}, firma = {}, instel15 = {};
+    }
     // Again, in a child: the descriptor from before the fork would drop and share locks.
     static void open() {
         sluit();
@@ -47,8 +57,41 @@ struct Systeem : testing::Test {
     }
 };
 
+// A size type on file, in DTMAAT; its sizes are numbered as they stand on the bar.
+inline void maak_maatsoort(uint8_t soort, const char* naam, const std::vector<std::string>& maten,
+                           uint8_t stelsel = 1) {
+    tekst20 rec{};
+    VASTIN(rec.tekst, naam);
+    Systeem::zet(soort, rec, SYS_MAATSOORT);
+    dtmaat = IOEXISTS("DTMAAT.INX") ? IXOPEN("DTMAAT", 2)
+                                    : nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
+    mthandle* h = mtopen(stelsel, soort, 2);
+    mtinfo info{};
+    for (const std::string& maat : maten) {
+        info.positie++;
+        info.maatnr = info.positie;
+        VASTIN(info.naam, (maat + "  ").substr(0, 3));
+        EXPECT_EQ(mtinsert(h, &info), 1);
+    }
+    mtclose(h);
+    IXCLOSE(dtmaat);
+    dtmaat = nullptr;
+}
+
+// Sizes in force without a file: 1 to n, "31" and up.
+inline void zet_balk(mthandle* balk, int maten) {
+    *balk = {};
+    for (int n = 1; n <= maten; n++)
+        for (maatrij* rij : {&balk->posities, &balk->nummers}) {
+            rij->entry[n].link = static_cast<uint8_t>(n);
+            VASTIN(rij->entry[n].naam, std::to_string(30 + n));
+        }
+    maatbalk = balk;
+    balk_kies(nullptr);
+}
+
 // A firm with branches of these numbers, and their table open: "Filiaal 14".
-inline void maak_filialen(std::initializer_list<int> nummers) {
+inline void maak_filialen(const std::vector<int>& nummers) {
     firma = {};
     firma.filialen = static_cast<uint8_t>(nummers.size());
     schrijf_bestand("DTFILGEG.TXT", "");

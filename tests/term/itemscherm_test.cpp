@@ -3,10 +3,8 @@
 #include "term/ingave.h"
 #include "term/itemscherm.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr Tekst TITEL{DETAIL, 1, 1, "PROEF"}, EEN{DETAIL, 1, 2, "&Een"}, TWEE{DETAIL, 1, 3, "&Twee"},
     DRIE{DETAIL, 1, 4, "&Drie"}, VIER{DETAIL, 1, 5, "&Vier"}, VIJF{DETAIL, 1, 6, "Vij&f"};
@@ -120,4 +118,4 @@ TEST(Items, Painted) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

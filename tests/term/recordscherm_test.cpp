@@ -3,10 +3,8 @@
 #include "term/ingave.h"
 #include "term/recordscherm.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr Tekst NAAM{DETAIL, 1, 1, "Naam"}, KLEUR{DETAIL, 1, 2, "Kleur"}, DEEL{DETAIL, 1, 3, "Deel"},
     HULP{DETAIL, 1, 4, " hulp bij naam"};
@@ -111,4 +109,4 @@ TEST(RecordScreen, Painted) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

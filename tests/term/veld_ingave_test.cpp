@@ -8,10 +8,8 @@
 #include "term/natl.h"
 #include "veldmaat.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr int RIJ = 5, KOLOM = 10;
 constexpr int MAAT = 300;
@@ -293,4 +291,4 @@ TEST(VeldIngave, Schuivend) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

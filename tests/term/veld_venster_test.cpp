@@ -8,10 +8,8 @@
 #include "term/prompt.h"
 #include "term/teksten.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 // One field at a place; its leaving key, text and variable at row 1 afterwards.
 template <class... A>
@@ -256,4 +254,4 @@ TEST(VeldVenster, AfbrekenNaKeuring) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

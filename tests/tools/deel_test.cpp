@@ -8,7 +8,6 @@
 #include "tools/shell.h"
 #include <cerrno>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <map>
 #include <unistd.h>
 

@@ -4,10 +4,8 @@
 #include "support/demomap.h"
 #include "tools/shell.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 struct Druk : testing::Test {
     DemoMap demo;
@@ -155,4 +153,4 @@ TEST_F(Druk, UsersPrinters) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

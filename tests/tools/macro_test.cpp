@@ -2,12 +2,9 @@
 #include "support/proef.h"
 #include "term/macro/macrobestand.h"
 #include "tools/shell.h"
-#include <gtest/gtest.h>
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 struct Zgmacro : InMap {
     Zgmacro() { unsetenv("MACRO"); }
@@ -69,4 +66,4 @@ TEST_F(Zgmacro, Wrong) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

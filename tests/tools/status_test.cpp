@@ -3,10 +3,8 @@
 #include "support/demomap.h"
 #include "tools/shell.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-using namespace test;
 
 constexpr size_t SLOT2 = 2640 + 64;
 
@@ -81,4 +79,4 @@ TEST_F(Status, WrongUseAndHostileBytes) {
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

@@ -1,7 +1,6 @@
 // What zgteksten notices in a translation: the English one with one thing wrong at a time.
 #include "support/terminal.h"
 #include "tools/shell.h"
-#include <gtest/gtest.h>
 
 using namespace zg::test;
 

@@ -1,13 +1,8 @@
 // The operators' tools as an operator uses them: the real programs at the shell, on pairs made by the store.
-#include "shared/files.h"
 #include "support/paar.h"
 #include "support/proef.h"
 #include "tools/shell.h"
-#include <fcntl.h>
-#include <filesystem>
-#include <map>
 #include <random>
-#include <unistd.h>
 
 using namespace zg;
 using namespace zg::test;
