@@ -5,10 +5,12 @@
 #include "store/bestand.h"
 #include "store/cache.h"
 #include "store/klad.h"
+#include "store/kop.h"
 #include "store/node.h"
 #include "store/teksten.h"
 #include "store/uitstel.h"
 #include "store/voortgang.h"
+#include "store/wachten.h"
 #include "term/scherm.h"
 #include "term/teksten.h"
 #include <algorithm>
@@ -62,6 +64,24 @@ uint16_t lees_versie(int fd) {
 bool lees_naam(ICB* icb) {
     return IOLEES(icb->idxfd, &icb->h, offsetof(IXHEADER, busy), 0) ==
            static_cast<ssize_t>(offsetof(IXHEADER, busy));
+}
+
+// Who only reads doesn't wait for one who has the pair to himself: he goes by the header on disk, whose counters may be those of
+// before. False: nobody holds it for himself, or he rebuilds the trees, and the lock is to be waited for.
+bool kop_van_een_ander(ICB* icb) {
+    for (int keer = 0; icb->mode == 0 && keer < IXRUSTIG(); keer++) {
+        IXHEADER h;
+        if (IOLOCK('T', icb->idxfd, 0, IXBLOK))
+            return false;
+        if (IXKOPBLOK(icb, &h) && (h.busy == K_RUST || h.busy == K_ALLEEN) && !IXKOPFOUT(h)) {
+            icb->h = h;
+            icb->h.busy = K_RUST; // the mark is that of a living one
+            IXGEZIEN(icb, h);
+            return true;
+        }
+        IXPAUZE(R_SLOT, keer);
+    }
+    return false;
 }
 
 // Empty a file under its name. The descriptor stays when that is still the same file, and with it the locks.
@@ -262,7 +282,7 @@ ICB* IXOPEN(const char* naam, int mode) {
                     IXVERSIE);
         SCRFATAL("%s", TXT(tijdelijk ? T_IX_BEEINDIGD : T_IX_CONVERTEER));
     }
-    if (lees_naam(icb)) {
+    if (lees_naam(icb) && !kop_van_een_ander(icb)) {
         IXLOCK(icb, 2);
         if (andere_weg(icb))
             return IXOPEN(naam, gevraagd);

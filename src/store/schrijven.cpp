@@ -103,10 +103,11 @@ Werk werk_bij(ICB* icb, const void* rec) {
         const IXKEYDEF& def = icb->h.keydef[k - 1];
         IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, wordt);
         IXMAAKSLEUTEL(def, oud, icb->currec, def.keylen, was);
-        if (IXVERGELIJK(def, wordt, was, def.keylen) == 0)
-            continue;
-        if (k == icb->plaats.sleutel)
+        const bool zelfde = IXVERGELIJK(def, wordt, was, def.keylen) == 0;
+        if (k == icb->plaats.sleutel && (!zelfde || memcmp(wordt, icb->plaats.record, def.keylen) != 0))
             IXNERGENS(icb); // who walks by a key and changes it goes on from where he put the record
+        if (zelfde)
+            continue;
         IXHAALWEG(icb, k, was);
         memcpy(icb->keybuf, wordt, def.keylen);
         IXKIES(icb, k);

@@ -3,6 +3,7 @@
 #include "shared/files.h"
 #include "shared/gedeeld.h"
 #include "store/bestand.h"
+#include "store/kop.h"
 #include "store/node.h"
 #include <sched.h>
 
@@ -53,8 +54,12 @@ bool Geduld::nog_eens() {
         }
     }
     IXPAUZE(R_LEZER, keer_);
-    if (++keer_ % LEZERMELD == 0)
+    if (++keer_ % LEZERMELD == 0) {
+        IXHEADER h;
+        if (icb_->mode == 0 && IXKOPBLOK(icb_, &h) && h.busy != K_BEZIG)
+            return false; // of one who has it to himself: who only reads doesn't wait for him
         IXWAITHOOK(icb_);
+    }
     return true;
 }
 

@@ -3,6 +3,7 @@
 // name, or whole in hexadecimal behind "hex:". '#' begins a comment.
 #include "shared/files.h"
 #include "store/diepcheck.h"
+#include "store/kop.h"
 #include "store/node.h"
 #include "store/rebuild.h"
 #include "store/wachtrij.h"
@@ -173,7 +174,7 @@ const Operatie OPERATIES[] = {
     {"put", "fields: rewrite the record stood on, keys untouched", 'f', false,
      [](Schelp& s, int) { return s.icb->mode == 0 || s.icb->currec < 0 ? 0 : IXPUTREC(s.icb, s.rec); }, 1},
     {"delete", "delete the record stood on", '-', false,
-     [](Schelp& s, int) { return s.icb->mode == 0 || s.icb->currec < 0 ? -1 : IXDELETE(s.icb, s.rec); }, 0},
+     [](Schelp& s, int) { return s.icb->mode == 0 ? -1 : IXDELETE(s.icb, s.rec); }, 0},
     {"unlock", "give up a lock or a reserved key", '-', false,
      [](Schelp& s, int) { return IXUNLOCK(s.icb, s.rec), 1; }},
     {"bulk", "O|W|C is 1|2|3: fill an emptied index", 'n', false,
@@ -204,15 +205,21 @@ void hulp() {
     printf("quit\n");
 }
 
-// The header is read under its lock: a pair in use is marked busy for moments.
-int leesbaar(const std::string& naam, int seconden) {
+// The header is read under its lock: a pair in use is marked busy for moments. Who only reads goes on beside one who has it to
+// himself.
+int leesbaar(const std::string& naam, int modus, int seconden) {
     Paar paar;
-    if (int fout = paar_neem(naam, seconden, &paar))
+    int fout = paar_open(naam, &paar);
+    const bool bezet = !fout && modus == 0 && !IOLOCK('T', paar.idx, 0, IXBLOK) && paar_kop(&paar).empty() &&
+                       paar.kop.busy != K_BEZIG;
+    if (!fout && !bezet)
+        fout = paar_vast(&paar, seconden);
+    if (fout)
         return fout;
     std::string kwaal = paar_kop(&paar);
-    if (const char* fout = IXKOPFOUT(paar.kop); fout && kwaal.empty())
-        kwaal = std::string("header: ") + fout;
-    if (kwaal.empty() && paar.kop.busy)
+    if (const char* wat = IXKOPFOUT(paar.kop); wat && kwaal.empty())
+        kwaal = std::string("header: ") + wat;
+    if (kwaal.empty() && paar.kop.busy && !bezet)
         kwaal = "marked busy: rebuild it first";
     if (!kwaal.empty())
         klacht(naam, kwaal);
@@ -242,7 +249,7 @@ bool zonder_paar(Schelp& s, const Woorden& w, std::string* fout) {
             *fout = "a name with a point is a program's own index";
         else if (op == "create" && (IOEXISTS((w[1] + ".INX").c_str()) || IOEXISTS((w[1] + ".TXT").c_str())))
             *fout = "exists already";
-        else if (op == "open" && (s.uitkomst = leesbaar(w[1], s.wacht)) != GOED)
+        else if (op == "open" && (s.uitkomst = leesbaar(w[1], n, s.wacht)) != GOED)
             *fout = "not opened";
         else {
             s.naam = w[1];

@@ -200,10 +200,12 @@ TEST_F(Slot, Exclusief) {
     EXPECT_EQ("held", ander->vraag("test 0 0 512")) << "an update inside doesn't open the file to others";
     ik("write 1");
     EXPECT_EQ(0u, IXDIEPCHECK("T").at(0).find("in use")) << "it would let the lock go";
-    Agent derde{Gebruiker{}};
+    Agent derde{Gebruiker{}}, lezer{Gebruiker{}};
+    EXPECT_EQ("ok", lezer.vraag("open 0")) << "who only reads waits for nobody, whatever has been written";
     EXPECT_EQ(Agent::geen_antwoord, derde.vraag("open 2"));
     IXCLOSE(ik.icb);
     EXPECT_EQ("ok", derde.antwoord());
+    EXPECT_EQ("1", lezer.vraag("read 1"));
     // And the other way: mode 1 waits for all record locks.
     EXPECT_EQ("1", derde.vraag("readl 1"));
     EXPECT_EQ(Agent::geen_antwoord, ander->vraag("open 1"));

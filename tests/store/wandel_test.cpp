@@ -261,5 +261,33 @@ TEST(Wandelplaats, VanEenVerdwenenRecord) {
     }
 }
 
+// The walker writes a key that another had given the record already: it goes on from there, and doesn't meet itself.
+TEST(Wandelplaats, NaEenSleutelDieErAlStond) {
+    struct Rec {
+        uint32_t nr, plaats;
+        char rest[8];
+    };
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", {sizeof(Rec), {"k,I,1,4", "p,I,5,8"}}, 2);
+    for (uint32_t nr = 1; nr <= 3; nr++) {
+        const Rec r{nr, nr * 10, "x"};
+        IXWRITE(icb, &r);
+    }
+    IXSWITCH(icb, 2);
+    Rec r{};
+    ASSERT_EQ(1, IXFIRST(icb, &r));
+    r.plaats = 15;
+    EXPECT_EQ(0, in_kind([&] {
+                  ICB* i = IXOPEN("T", 2);
+                  IXWRITE(i, &r);
+                  IXCLOSE(i);
+              }));
+    IXWRITE(icb, &r);
+    int32_t hier = 0;
+    EXPECT_EQ(1, IXSKIP(icb, &r, 0, 1, &hier));
+    EXPECT_EQ(20U, r.plaats);
+    IXCLOSE(icb);
+}
+
 } // namespace
 } // namespace zg::test
