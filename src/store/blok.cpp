@@ -79,12 +79,12 @@ ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n) {
     return lees_blok(fd, blok, doel, n, kop ? LEES32(kop + offsetof(IXHEADER, nblocks)) : 0);
 }
 
-// An exclusive handle's counters aren't on disk before it is closed.
+// An exclusive handle's counters aren't on disk before it is closed; those of a change in hand can't be another's.
 bool IXHEELBLOK(const ICB* icb, int32_t blok, void* doel) {
     const bool alleen = icb->mode == 1;
-    const ssize_t n =
-        alleen ? lees_blok(icb->idxfd, blok, doel, IXBLOK, UITSTELSTAND(icb->idxfd, KLADBLOKKEN(icb)))
-               : IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK);
+    const ssize_t n = alleen || KLADAAN(icb) ? lees_blok(icb->idxfd, blok, doel, IXBLOK,
+                                                         UITSTELSTAND(icb->idxfd, KLADBLOKKEN(icb)))
+                                             : IXBLOKLEES(icb->idxfd, blok, doel, IXBLOK);
     if (n < 0)
         IOLEESFOUT(icb->idxfd);
     if (n != IXBLOK)

@@ -89,33 +89,33 @@ struct Loper {
 
 } // namespace
 
-int IXCOLLATE(const void* a, const void* b, int n) {
-    const uint8_t* pa = static_cast<const uint8_t*>(a);
-    const uint8_t* pb = static_cast<const uint8_t*>(b);
-    const uint8_t *ea = pa + n, *eb = pb + n;
-    int i = 0;
-    while (i < n && pa[i] == pb[i])
-        i++;
-    if (i == n)
-        return 0;
-    pa += i, pb += i, n -= i; // what is the same in front weighs the same on both levels
-    for (i = 0; i < n; i++) {
-        const Gewicht &ga = tabel[pa[i]], &gb = tabel[pb[i]];
+int IXCOLLATEVANAF(const uint8_t* a, const uint8_t* b, int n, int vanaf) {
+    const int van = vanaf + IXVERSCHIL(a + vanaf, b + vanaf, n - vanaf);
+    const uint8_t *ea = a + n, *eb = b + n;
+    int i = van; // what is the same in front weighs the same on both levels
+    for (; i < n; i++) {
+        const Gewicht &ga = tabel[a[i]], &gb = tabel[b[i]];
         if (ga.klas | gb.klas)
             break; // from here on the two no longer go in step
         if (ga.een != gb.een)
             return ga.een - gb.een;
     }
-    Loper la{pa + i, ea, 0}, lb{pb + i, eb, 0};
+    if (van == n)
+        return 0;
+    Loper la{a + i, ea, 0}, lb{b + i, eb, 0};
     while (!la.op() || !lb.op())
         if (int d = la.een() - lb.een())
             return d;
-    la = {pa, ea, 0};
-    lb = {pb, eb, 0};
+    la = {a + van, ea, 0};
+    lb = {b + van, eb, 0};
     while (!la.op() || !lb.op())
         if (int d = la.twee() - lb.twee())
             return d;
     return 0;
+}
+
+int IXCOLLATE(const void* a, const void* b, int n) {
+    return IXCOLLATEVANAF(static_cast<const uint8_t*>(a), static_cast<const uint8_t*>(b), n, 0);
 }
 
 int IXGEWICHTEN(const uint8_t* tekst, int n, uint8_t* uit) {

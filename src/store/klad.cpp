@@ -250,7 +250,7 @@ void blijf_warm(const ICB* icb) {
 
 void einde(bool geschreven = false) {
     ICB* icb = klad.icb;
-    klad.warm = geschreven && icb->mode != 1 && IOGEDEELD() ? icb : nullptr;
+    klad.warm = geschreven && icb->mode != 1 && !IXKAARTER(icb->idxfd) && IOGEDEELD() ? icb : nullptr;
     klad.warm_telling = klad.telling;
     klad.icb = nullptr;
     if (klad.rij)
@@ -360,7 +360,7 @@ uint64_t KLADTELLER() {
 }
 
 bool KLADOMVANG(bool gekeken) {
-    return klad.omvang || (klad.omvang = gekeken && IOGEDEELD());
+    return klad.omvang || (klad.omvang = gekeken && klad.icb && !IXKAARTER(klad.icb->datfd) && IOGEDEELD());
 }
 
 void KLADVERGEET(const ICB* icb) {

@@ -9,6 +9,7 @@
 //   6. a child's level is one below its parent's.
 #pragma once
 #include "store/ix.h"
+#include <bit>
 #include <cstring>
 #include <string>
 
@@ -40,6 +41,27 @@ inline int32_t LEES32(const void* p) {
 }
 inline void ZET32(void* p, int32_t n) {
     memcpy(p, &n, 4);
+}
+// Where two keys begin to differ; n when they don't. They are short and mostly differ early: no calls, and no byte at a time.
+inline int IXVERSCHIL(const uint8_t* a, const uint8_t* b, int n) {
+    int i = 0;
+    const auto stap = [&]<class T>(T x) { // true: `i` is the place
+        T y;
+        memcpy(&x, a + i, sizeof x);
+        memcpy(&y, b + i, sizeof y);
+        x ^= y;
+        const bool klein = std::endian::native == std::endian::little;
+        i += x ? (klein ? std::countr_zero(x) : std::countl_zero(x)) / 8 : static_cast<int>(sizeof x);
+        return x != 0;
+    };
+    while (i + 8 <= n)
+        if (stap(uint64_t{}))
+            return i;
+    if (i + 4 <= n && stap(uint32_t{}))
+        return i;
+    while (i < n && a[i] == b[i])
+        i++;
+    return i;
 }
 // The counters on disk are these now.
 inline void IXGEZIEN(ICB* icb, const IXHEADER& h) {
@@ -86,6 +108,8 @@ void IXMAAKSLEUTEL(const IXKEYDEF& def, const void* rec, int32_t recnr, int leng
 // most 3 n + 2 bytes. Answers how many (collate.cpp).
 int IXGEWICHTEN(const uint8_t* tekst, int n, uint8_t* uit);
 int IXVERGELIJK(const IXKEYDEF& def, const void* a, const void* b, int lengte);
+int IXCOLLATEVANAF(const uint8_t* a, const uint8_t* b, int n,
+                   int vanaf);         // their first `vanaf` bytes are the same
 const IXKEYDEF& IXDEF(const ICB* icb); // of the current key; stops on a number outside the table
 // What is wrong with the definitions (number of keys, record length, keys), or with these and the counters:
 // null when nothing, else English words. IXDEFFOUT alone is what a rebuild needs to go by.

@@ -186,7 +186,7 @@ int ter_plaatse(ICB* icb, const void* rec) {
     // By a program that wrote without its lock: its keys may be others. Over a network that look is dear.
     IXGETUIGE voor{};
     memcpy(nu, icb->vast.rec, n);
-    if (!IOGEDEELD())
+    if (IXKAARTER(icb->datfd) || !IOGEDEELD())
         IXLEESMET(icb, nu, &voor);
     if (memcmp(nu, icb->vast.rec, n) != 0)
         return -1;

@@ -200,20 +200,21 @@ int IXVERGELIJK(const IXKEYDEF& def, const void* a, const void* b, int lengte) {
     lengte = std::min<int>(lengte, def.keylen);
     if (lengte <= 0)
         return 0;
+    const int verschil = IXVERSCHIL(pa, pb, lengte); // the parts in front of it are the same
     if (alleen_getallen(def))
-        return memcmp(pa, pb, static_cast<size_t>(lengte));
-    int rest = lengte, plaats = 0;
-    for (int d = 0; d < IXDELEN && def.ptype[d] && rest > 0; d++) {
-        int breed = IXDEELBREEDTE(def, d);
-        int uitslag = def.ptype[d] == 'C' ? IXCOLLATE(pa + plaats, pb + plaats, breed)
-                                          : memcmp(pa + plaats, pb + plaats, static_cast<size_t>(breed));
+        return verschil == lengte ? 0 : pa[verschil] - pb[verschil];
+    int begin = 0, breed;
+    for (int d = 0; begin < lengte && (breed = IXDEELBREEDTE(def, d)) > 0; begin += breed, d++) {
+        if (begin + breed <= verschil)
+            continue;
+        const int uitslag = def.ptype[d] == 'C'
+                                ? IXCOLLATEVANAF(pa + begin, pb + begin, breed, std::max(verschil - begin, 0))
+                                : memcmp(pa + begin, pb + begin, static_cast<size_t>(breed));
         if (uitslag)
             return uitslag;
-        plaats += breed;
-        rest -= breed;
     }
     if (def.dupflag == 'J' && lengte == def.keylen)
-        return memcmp(pa + plaats, pb + plaats, 4);
+        return memcmp(pa + begin, pb + begin, 4);
     return 0;
 }
 

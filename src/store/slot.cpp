@@ -83,12 +83,13 @@ void wacht_standaard(ICB* icb) {
 
 // Header and queue are held for the length of one update, so a short patience comes before the user is told.
 bool geduldig(char letter, int fd, int64_t start, int64_t lengte) {
-    for (int poging = 0; poging < IXRUSTIG(); poging++) {
+    for (int poging = 0;; poging++) {
         if (IOLOCK(letter, fd, start, lengte))
             return true;
+        if (poging >= IXRUSTIG() - 1)
+            return false;
         IXPAUZE(R_SLOT, poging);
     }
-    return false;
 }
 
 void tot_het_lukt(char letter, ICB* icb, int fd, int64_t start, int64_t lengte) {

@@ -24,14 +24,7 @@ bool omgekeerd(const uint8_t* a, const uint8_t* b) { // the same number, lowest 
         return x == __builtin_bswap16(y);
 }
 
-// Keys are short, of any length, and mostly differ early: no calls for them.
-int eerste_verschil(const uint8_t* a, const uint8_t* b, int n) {
-    int i = 0;
-    while (i < n && a[i] == b[i])
-        i++;
-    return i;
-}
-
+// Keys are of any length, and short: no calls for them.
 void zet_kort(uint8_t* naar, const uint8_t* van, int n) {
     int i = 0;
     for (; i + 4 <= n; i += 4)
@@ -42,7 +35,7 @@ void zet_kort(uint8_t* naar, const uint8_t* van, int n) {
 
 // Does b come behind a, with the same first `delen` parts?
 bool volgt(const IXKEYDEF& def, const uint8_t* a, const uint8_t* b, int delen) {
-    const int verschil = eerste_verschil(a, b, def.keylen);
+    const int verschil = IXVERSCHIL(a, b, def.keylen);
     if (verschil == def.keylen)
         return false;
     int deel = 0, begin = 0,
@@ -110,8 +103,7 @@ bool IXSTAPHIER(ICB* icb, void* rec, int delen) {
     const uint8_t* einde = k.entries + k.count * stap;
     uint8_t* volgende = icb->curent + stap;
     if (icb->curent < k.entries || volgende + stap > einde ||
-        eerste_verschil(icb->curent, p.entry, def.keylen) != def.keylen ||
-        !volgt(def, p.entry, volgende, delen))
+        IXVERSCHIL(icb->curent, p.entry, def.keylen) != def.keylen || !volgt(def, p.entry, volgende, delen))
         return false;
     const int32_t nr = LEES32(volgende + def.keylen);
     const size_t n = static_cast<size_t>(icb->h.reclen);
