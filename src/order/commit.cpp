@@ -64,8 +64,7 @@ bool bouw_journaal(int32_t regels, int64_t* totaal) {
     // A journal that lost its last line is empty, whatever else stood in it.
     if (*totaal == 0 && SYS.ftruncate(tmp_fd(), 0) != 0)
         return false;
-    // Some file systems know no fsync; others tell only now that the disk is full.
-    return SYS.fsync(tmp_fd()) == 0 || errno == EINVAL || errno == ENOTSUP;
+    return tmp_op_schijf();
 }
 
 // The order's number record, in front of the journal's change: killed in between, the repair commits again. `kop` is the

@@ -356,29 +356,28 @@ void dupliceer(Blad& blad) {
         voeg_in(blad, model_veranderd);
 }
 
-// The line's labels go first; a series that has gone has none. False: the line must stay, since labels would be left
-// without it.
-bool uit_register() {
+// The line's labels go first, since without it they would be nobody's; a series that has gone has none.
+bool regel_weg() {
+    if (!registermodus)
+        return wrk_regel_uit(&regelingang);
     if (!register_heel())
         return false;
     switch (serie_laad(&regel_nu, true, true)) {
     case Serie::gelezen:
     case Serie::zonder_prijs:
-        return serie_regel_weg(&regel_nu, MENURIJ);
+        return wrk_regel_uit(&regelingang, [] { return serie_regel_weg(&regel_nu, MENURIJ); });
     case Serie::stuk:
         error("%s", TXT(T_REGEL_ONTOEGANKELIJK));
         return false;
     default:
-        return true;
+        return wrk_regel_uit(&regelingang);
     }
 }
 
 void verwijder(Blad& blad, const ordertotalen& totaal) {
     if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
         return;
-    if (registermodus && !uit_register())
-        return;
-    if (!wrk_regel_uit(&regelingang))
+    if (!regel_weg())
         return;
     order_totaal_bij('-', totaal);
     blad.cursor = regelingang.regel;

@@ -321,20 +321,27 @@ bool tmp_begin_wrk() {
     return false;
 }
 
-bool tmp_naar_wrk() {
+bool tmp_op_schijf() {
+    // Some file systems know no fsync; others tell only now that the disk is full.
+    return SYS.fsync(tmp.fd) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+bool tmp_naar_wrk(const std::function<bool()>& tevoren) {
     // The index goes first: with a kill in between the repair finds the old work file, and it does not read
     // ORS.
     std::vector<ors_ingang> vorige = ors_nu;
     const char* ext = "TMP";
-    bool goed = tmp_af();
+    bool goed = tmp_af() && (!tevoren || tmp_op_schijf());
+    bool gezegd = false;
     if (goed) {
         ext = "ORS";
         goed = ors_af();
     }
     if (goed) {
         ext = "WRK";
-        if (IOLOCK('E', tmp.fd, 0, 1) && SYSEVENALS(tmp.fd, wrk_naam("WRK").c_str()) &&
-            wrk_hernoem("TMP", "WRK")) {
+        goed = IOLOCK('E', tmp.fd, 0, 1) && SYSEVENALS(tmp.fd, wrk_naam("WRK").c_str());
+        gezegd = goed && tevoren && !tevoren();
+        if (goed && !gezegd && wrk_hernoem("TMP", "WRK")) {
             ord_wissel(werk, tmp_neem());
             return true;
         }
@@ -345,7 +352,8 @@ bool tmp_naar_wrk() {
     }
     int reden = errno;
     tmp_weg();
-    wrk_geweigerd(ext, reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
+    if (!gezegd)
+        wrk_geweigerd(ext, reden, TXT(T_JRN_WERK_BLIJFT), nullptr);
     return false;
 }
 

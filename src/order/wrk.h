@@ -3,6 +3,7 @@
 // WRK.
 #pragma once
 #include "order/ioord.h"
+#include <functional>
 #include <string>
 
 namespace zg {
@@ -55,9 +56,10 @@ bool tmp_tekst(int soort, const char* blok);
 // none is left); the same line. The new line comes behind the lines of the model at *ingang, with its own `M`
 // when met_model; registration and time stamp are set in it. A changed line brings its model, texts and
 // records in one copy of the file and keeps its time stamp; in registermodus its texts alone: the rest stands
-// as it was, price file and labels hold the truth.
+// as it was, price file and labels hold the truth. What has to go in front of a line that is taken out (`tevoren`) goes when
+// the file without it is on disk; false, told by itself, and the line stays.
 bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel);
-bool wrk_regel_uit(ors_ingang* ingang);
+bool wrk_regel_uit(ors_ingang* ingang, const std::function<bool()>& tevoren = {});
 bool wrk_regel_vervang(ors_ingang* ingang, orderregel* regel);
 // Automatic restore of an interrupted order, with the journal open: true when the journal has it (back)
 // whole. The scratch files are gone then, and on failure too. Only when the disk refuses the commit, or WRK or ACT

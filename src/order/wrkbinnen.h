@@ -6,6 +6,7 @@
 #pragma once
 #include "order/ordloop.h"
 #include "order/wrk.h"
+#include <functional>
 
 namespace zg {
 
@@ -20,9 +21,12 @@ int tmp_neem();
 void tmp_weg();
 // Start TMP for a changed work file with a new index; false: told, nothing changed.
 bool tmp_begin_wrk();
-// TMP, locked, takes the place of WRK, and `werk` goes on with it; the ORS file is the new index. False:
-// told, work file and index as they were.
-bool tmp_naar_wrk();
+// Onto the disk itself; false (errno) when it has no room for it after all.
+bool tmp_op_schijf();
+// TMP, locked, takes the place of WRK, and `werk` goes on with it; the ORS file is the new index. `tevoren` is what has to
+// be done first, when nothing is left that a full disk can refuse. False: told, by whom it was refused; work file and index
+// as they were.
+bool tmp_naar_wrk(const std::function<bool()>& tevoren = {});
 // A refused write of one of the files, told with what stays; where the session has lost them that is another's to say.
 void wrk_geweigerd(const char* ext, int reden, const char* regel2, const char* regel3);
 // Write the index built with TMP to the ORS file; false (errno): the old one stands there again.

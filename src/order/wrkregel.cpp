@@ -149,7 +149,7 @@ bool wrk_regel_in(ors_ingang* ingang, bool met_model, orderregel* regel) {
     return ors_lees('R', ingang);
 }
 
-bool wrk_regel_uit(ors_ingang* ingang) {
+bool wrk_regel_uit(ors_ingang* ingang, const std::function<bool()>& tevoren) {
     ors_ingang vorige = *ingang, volgende = *ingang;
     toets_ingang(*ingang);
     const seriesleutel serie = serie_van(*ingang);
@@ -163,7 +163,7 @@ bool wrk_regel_uit(ors_ingang* ingang) {
             weg = r.offset == ingang->d || (model_ook && r.offset == ingang->m);
         return !weg;
     });
-    if (!tmp_naar_wrk())
+    if (!tmp_naar_wrk(tevoren))
         return false;
     regel_uit = serie;
     if (ingang->regel > aantal_regels)

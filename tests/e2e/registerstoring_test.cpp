@@ -94,6 +94,46 @@ TEST(Registerstoring, CodesRefused) {
     EXPECT_GT(lees_bestand(map.bestand(JRN)).size(), 0u);
 }
 
+// A deleted line whose work file, labels or series the disk doesn't take: the order stands, with its labels, and the same
+// keys delete it when there is room again.
+TEST(Registerstoring, LineStaysWithItsLabels) {
+    Storingsmap map;
+    ASSERT_EQ(map.loop("<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG), 0);
+    map.begin = map.inhoud();
+    for (const char* vol : {".TMP", "DTETI", "DTSER"}) {
+        SCOPED_TRACE(vol);
+        const auto t = met_storing(map, overgave(map), [=] {
+            static const char* naam;
+            static const auto echt = zg::SYS;
+            naam = vol;
+            static const auto geen_plaats = [](int fd) {
+                return access("vol", F_OK) == 0 && staat_op(fd, naam) && (errno = ENOSPC);
+            };
+            zg::SYS.write = [](int fd, const void* b, size_t n) {
+                return geen_plaats(fd) ? -1 : echt.write(fd, b, n);
+            };
+            zg::SYS.pwrite = [](int fd, const void* b, size_t n, off_t p) {
+                return geen_plaats(fd) ? -1 : echt.pwrite(fd, b, n, p);
+            };
+        });
+        t->toetsen(KIES, "Uw keuze");
+        const auto voor = map.inhoud();
+        schrijf_bestand(map.bestand("vol"), "");
+        t->toetsen("VJ<Enter>", "schijf vol");
+        t->toetsen("<Enter>", "Uw keuze");
+        for (const char* naam : {"2016Z/ORD0099.WRK", "2016Z/ORD0099.ORS", "DTSER.TXT"})
+            EXPECT_EQ(lees_bestand(map.bestand(naam)), voor.at(naam)) << naam;
+        EXPECT_EQ(labels_van(map, 1013).size(), 18u);
+        EXPECT_TRUE(bevat(t->regel(3), "18")) << t->scherm();
+        std::filesystem::remove(map.bestand("vol"));
+        t->toetsen("VJ<Enter>N<Enter>" + std::string(WEG));
+        EXPECT_EQ(Storingsmap::klaar(*t), 0);
+        EXPECT_EQ(lees_bestand(map.bestand(JRN)), "");
+        EXPECT_TRUE(labels_van(map, 1013).empty());
+        map.zet_terug();
+    }
+}
+
 // Two who add lines of one colour at once draw numbers, codes and blocks beside each other; one is killed anywhere in it.
 TEST(Registersamen, OneKilledWhileTheOtherWorks) {
     Storingsmap map;
