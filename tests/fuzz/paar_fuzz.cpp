@@ -119,6 +119,25 @@ void opent(Werk& w, Bron& in) {
     w.icb = IXOPEN("P", static_cast<int>(in.onder(3)));
 }
 
+// The halves of IXWRITE ask nothing themselves: no second record may get a key 1 by them.
+void zet(Werk& w, Bron& in) {
+    const uint32_t wijze = in.onder(4);
+    if (wijze < 2) {
+        (wijze ? IXWRITEK : IXWRITE)(w.icb, w.rec);
+        return;
+    }
+    const int32_t hier = w.icb->currec;
+    IXSWITCH(w.icb, 1);
+    if (IXEXISTS(w.icb, w.rec)) {
+        IXUPDATE(w.icb, w.rec);
+    } else if (wijze == 2) {
+        IXINSERT(w.icb, w.rec);
+    } else {
+        w.icb->currec = hier;
+        IXUPDATE(w.icb, w.rec);
+    }
+}
+
 using Daad = void (*)(Werk& w, Bron& in);
 const Daad ZONDER[] = {
     // no pair open
@@ -143,10 +162,7 @@ const Daad MET[] = {
     [](Werk& w, Bron& in) { loop(w, in.onder(8)); },
     [](Werk& w, Bron& in) { vul(w.rec, w.icb->h.reclen, in.onder(200)); },
     [](Werk& w, Bron& in) { w.rec[in.onder(IXRECMAX)] = in.byte(); },
-    [](Werk& w, Bron& in) {
-        int (*const zet[])(ICB*, const void*) = {IXWRITE, IXWRITEK, IXINSERT, IXUPDATE};
-        zet[in.onder(4)](w.icb, w.rec);
-    },
+    zet,
     [](Werk& w, Bron& in) { (in.byte() & 1 ? IXREAD : IXREADL)(w.icb, w.rec); },
     [](Werk& w, Bron&) { IXUNLOCK(w.icb, w.rec); },
     [](Werk& w, Bron& in) { IXGET(w.icb, w.rec, static_cast<int32_t>(in.onder(100))); },
