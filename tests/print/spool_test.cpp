@@ -251,8 +251,12 @@ TEST_F(Spool, Damaged) {
     job.apparaat = "uit", job.eind = 2;
     EXPECT_FALSE(spool_verstuur(slot, &job));
     EXPECT_TRUE(IOEXISTS("PRAA00") && FILES_PRESENT("uit/*") == 0);
+    job.apparaat = "PRAA00", job.weg = Printweg::apparaat, job.eind = 0,
+    errno = 0; // a file in the place of a device
+    EXPECT_FALSE(spool_verstuur(slot, &job));
+    EXPECT_EQ(job.reden, spool_reden(ENODEV));
     // While the device is waited for nothing is out.
-    job.apparaat = "/dev/null", job.weg = Printweg::apparaat, job.eind = 0;
+    job.apparaat = "/dev/null";
     in_proces([&] {
         static const auto open = SYS.open;
         SYS.open = [](const char* p, int v, mode_t m) {

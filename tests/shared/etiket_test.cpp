@@ -287,6 +287,8 @@ TEST_F(Etiketten, FullFile) {
     ioeti_keten(&A, &a);
     EXPECT_FALSE(ioeti_past(1));
     ioeti_keten(nullptr, nullptr);
+    zet_blok(99'999, [](etiblok* x) { x->volgende = 100'000; });
+    EXPECT_TRUE(bevat(keten(A), "!Ongeldige etiketketting")) << keten(A);
 }
 
 // Each write of a piece of work refused, and the last of a program that dies.

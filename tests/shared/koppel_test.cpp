@@ -78,8 +78,9 @@ TEST_F(Koppelingen, RefusedAndBroken) {
     SYS.pwrite = echt;
     EXPECT_NE(testing::internal::GetCapturedStderr(), "") << "told";
     EXPECT_EQ(nummers("DTKL0012", 36), "5 6 5 ");
-    unlink("edistam/DTKL0012.INX");
-    verwacht_stop([] { koppel_wis(KLEUREN, 5, "mutkl"); }, "mutkl: Open niet gelukt");
+    schrijf_bestand("edistam/DTKL0012.INX", "");
+    verwacht_stop([] { koppel_wis(KLEUREN, 5, "mutkl"); },
+                  "mutkl: Open niet gelukt (file=edistam/DTKL0012, errno=2)");
 }
 
 } // namespace

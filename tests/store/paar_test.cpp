@@ -201,9 +201,17 @@ TEST(Paar, OpenenMislukt) {
     schrijf_bestand("T.INX", std::string(511, 'x'));
     EXPECT_TRUE(bevat(stopt([] { IXOPEN("T", 0); }), "T.INX "));
     EXPECT_TRUE(bevat(stopt([] { IXCREATE("geen/T", 1); }), "File create mislukt : geen/T.TXT"));
-    char r[20];
-    EXPECT_TRUE(bevat(stopt([&] { IXREAD(nullptr, r); }), "IXREAD : ICB == NULL"));
-    EXPECT_TRUE(bevat(stopt([] { IXCLOSE(nullptr); }), "IXCLOSE : ICB == NULL"));
+    static char r[20];
+    const std::pair<const char*, void (*)()> zonder[] = {
+        {"IXREAD", [] { IXREAD(nullptr, r); }},          {"IXCLOSE", [] { IXCLOSE(nullptr); }},
+        {"IXFIRSTK", [] { IXFIRSTK(nullptr, r, 1); }},   {"IXNEXTK", [] { IXNEXTK(nullptr, r, 1); }},
+        {"IXPREVK", [] { IXPREVK(nullptr, r, 1); }},     {"IXLOCK", [] { IXLOCK(nullptr, 2); }},
+        {"IXWRITE", [] { IXWRITE(nullptr, r); }},        {"IXDELETE", [] { IXDELETE(nullptr, r); }},
+        {"IXUNLOCK", [] { IXUNLOCK(nullptr, r); }},      {"IXSWITCH", [] { IXSWITCH(nullptr, 1); }},
+        {"IXSEARCH", [] { IXSEARCH(nullptr, '=', 4); }},
+    };
+    for (const auto& [wie, roep] : zonder)
+        EXPECT_TRUE(bevat(stopt(roep), std::string(wie) + " : ICB == NULL")) << wie;
 }
 
 // A header that makes no sense is reported at the first look, before anything goes by it.

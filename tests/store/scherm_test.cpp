@@ -47,5 +47,27 @@ TEST(StoreScherm, GeenToegangNogmaalsProberen) {
     EXPECT_EQ(1, nee.einde());
 }
 
+// An index that was cut under an open handle, without its root and without a leaf: the block that isn't there stands at the foot
+// for a second, and as it stays away the program ends.
+TEST(StoreScherm, BlokVoorbijHetEinde) {
+    for (const auto& [blokken, er_niet] : {std::pair{1, 1}, {3, 4}}) {
+        TijdelijkeMap map;
+        maak_paar("T", tabel);
+        Gesprek g(
+            [&] {
+                ICB* icb = IXOPEN("T", 2);
+                char r[20] = {};
+                for (int i = 0; i < 300; i++)
+                    IXWRITE(icb, (ZET32(r, i), r));
+                return std::to_string(truncate("T.INX", blokken * IXBLOK) + IXFIRST(icb, r));
+            },
+            {}, false);
+        EXPECT_TRUE(g.wacht(vorm(".INX (EOF: r=%d)", er_niet)));
+        EXPECT_TRUE(g.wacht("PROGRAMMA AFGEBROKEN") && g.kalm());
+        g.stuur("\r");
+        EXPECT_EQ(1, g.einde());
+    }
+}
+
 } // namespace
 } // namespace zg::test
