@@ -93,8 +93,8 @@ Werk voeg_in(ICB* icb, const void* rec, bool houd, bool bij_plaats) {
     return KLAAR;
 }
 
-// NIETS when there is no live record at `currec` any more.
-Werk werk_bij(ICB* icb, const void* rec) {
+// NIETS when there is no live record at `currec` any more, or, with `eerste`, one with another first key.
+Werk werk_bij(ICB* icb, const void* rec, bool eerste = false) {
     uint8_t oud[IXRECMAX], was[IXSLEUTELMAX + 4], wordt[IXSLEUTELMAX + 4];
     IXGETUIGE voor;
     if (!IXLEESMET(icb, oud, &voor) || !IXRECLIVE(oud, icb->h.reclen))
@@ -104,6 +104,8 @@ Werk werk_bij(ICB* icb, const void* rec) {
         IXMAAKSLEUTEL(def, rec, icb->currec, def.keylen, wordt);
         IXMAAKSLEUTEL(def, oud, icb->currec, def.keylen, was);
         const bool zelfde = IXVERGELIJK(def, wordt, was, def.keylen) == 0;
+        if (k == 1 && eerste && !zelfde)
+            return NIETS;
         if (k == icb->plaats.sleutel && (!zelfde || memcmp(wordt, icb->plaats.record, def.keylen) != 0))
             IXNERGENS(icb); // who walks by a key and changes it goes on from where he put the record
         if (zelfde)
@@ -212,6 +214,12 @@ int schrijf(ICB* icb, const void* rec, bool laat_los) {
     const int bewaard = IXSLEUTEL(icb);
     bool nieuw = false;
     int fout, uitslag = wijzig(icb, &fout, [&] {
+                  nieuw = false;
+                  if (icb->mode == 2 && icb->vast.er) { // mostly it is the one that is held
+                      icb->currec = icb->vast.nr;
+                      if (const Werk w = werk_bij(icb, rec, true); w != NIETS)
+                          return w;
+                  }
                   IXKIES(icb, 1);
                   const int lengte = IXDEF(icb).keylen;
                   IXBLDKEY(icb, rec, lengte);
