@@ -3,6 +3,8 @@
 // (bench/vloer.h). What is mapped is read without any, so these are noted where nothing is mapped, in a run of its own on a
 // copy of the firm. Prints medians of processor time. Status 1 when a step takes too many times that or makes more calls
 // than it should, or when the operators' check finds anything afterwards. usage: bench_register
+// bench_register --beside [SERIES]: instead of that, how long a line saved and a commit take at most while zgcheck looks at
+// the directory, and without it.
 #include "bench/meting.h"
 #include "bench/spoor.h"
 #include "bench/vloer.h"
@@ -30,6 +32,7 @@
 #include <numeric>
 #include <random>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace zg;
@@ -38,9 +41,9 @@ using namespace meting;
 
 namespace {
 
-constexpr int SERIES = 100'000, REGELS = 1000, MAATAANTAL = 6;
+int SERIES = 100'000;
+constexpr int REGELS = 1000, MAATAANTAL = 6;
 constexpr int PER_REGEL = 100, PER_SERIE = 9; // labels of a series of the order, of any other
-constexpr int BLOKTOTAAL = REGELS * PER_REGEL / ETIPLAATSEN + SERIES - REGELS;
 constexpr int32_t GROEP = 2100, ORDER = 1;
 constexpr uint16_t MERK = 101, MERKEN = 10;                           // all that there are
 constexpr uint16_t LEV = 12, DATUM = 42430, VAN = 42450, TOT = 42480; // 1 March 2016
@@ -63,6 +66,13 @@ int blokken_van(int nr) {
 
 template <class R> void erbij(std::string* uit, const R& rec) {
     uit->append(reinterpret_cast<const char*>(&rec), sizeof rec);
+}
+
+int bloktotaal() {
+    int uit = 0;
+    for (int nr = 0; nr < SERIES; nr++)
+        uit += blokken_van(nr);
+    return uit;
 }
 
 void maak_series(const std::vector<int32_t>& koppen) {
@@ -113,7 +123,7 @@ void maak_prijzen() {
 }
 
 void maak_etiketten(const std::vector<int32_t>& koppen) {
-    std::string uit(BLOKTOTAAL * sizeof(etiblok), '\0');
+    std::string uit(static_cast<size_t>(bloktotaal()) * sizeof(etiblok), '\0');
     for (int nr = 0; nr < SERIES; nr++) {
         const bool besteld = nr < REGELS;
         etiket l{};
@@ -208,7 +218,7 @@ void maak_firma() {
         te_traag |= !iotab('W', &record, &waarde, SYS_RECORD);
     };
     zet(2, systeller{SERIES, {}});
-    zet(4, sysetiket{BLOKTOTAAL, BLOKTOTAAL, 0, {}});
+    zet(4, sysetiket{bloktotaal(), bloktotaal(), 0, {}});
     zet(5, systeller{ORDER, {}});
     zet(9, sysprijs{2 * SERIES, 2 * SERIES, {}});
     zet(14, systeller{maak_codes(), {}});
@@ -361,6 +371,12 @@ void zoeken() {
     WINCLOSE();
 }
 
+void wijzig_kop() {
+    kop.omschrijving[0] = static_cast<char>(kop.omschrijving[0] ^ 1);
+    werk->offset = 0, werk->tag = 'O';
+    te_traag |= !ord_schrijf(werk);
+}
+
 void stappen() {
     const auto niets = [] {};
     stap(
@@ -403,12 +419,66 @@ void stappen() {
                 ord_sluit(journaal);
             if (!werk)
                 open_order();
-            kop.omschrijving[0] = static_cast<char>(kop.omschrijving[0] ^ 1);
-            werk->offset = 0, werk->tag = 'O';
-            te_traag |= !ord_schrijf(werk);
+            wijzig_kop();
         },
         [] { te_traag |= !wrk_sluit(); });
 }
+
+// Lines saved and orders committed one behind another as long as the check takes, and as long without one, by the clock on
+// the wall.
+void pauzes() {
+    constexpr int KEREN = 3, PER_COMMIT = 25;
+    double duur = 0;
+    const auto ronde = [&](const char* naam, const std::function<bool()>& door) {
+        std::vector<double> regels, commits;
+        for (int nr = 1; door(); nr++) {
+            if (nr % PER_COMMIT == 1) {
+                open_order();
+                wijzig_kop();
+            }
+            neem_regel(500 + nr % 100);
+            zet_stuks(nr % 2 ? 10 : 100);
+            auto t0 = klok::now();
+            bewaar();
+            regels.push_back(ms_sinds(t0));
+            if (nr % PER_COMMIT == 0) {
+                t0 = klok::now();
+                te_traag |= !wrk_sluit();
+                commits.push_back(ms_sinds(t0));
+                ord_sluit(journaal);
+                journaal = nullptr;
+            }
+        }
+        if (werk)
+            weg_ermee();
+        for (auto& [wat, v] : {std::pair{"line", &regels}, {"commit", &commits}}) {
+            std::ranges::sort(*v);
+            const auto op = [&](double deel) {
+                return (*v)[static_cast<size_t>(deel * double(v->size() - 1))];
+            };
+            fprintf(uitslag, "%-26s %-7s %7zu %10.3f ms %10.3f ms %10.3f ms\n", naam, wat, v->size(), op(0.5),
+                    op(0.99), op(1));
+        }
+    };
+    for (int keer = 0; keer < KEREN; keer++) {
+        const auto begin = klok::now();
+        const pid_t kind = fork();
+        if (kind == 0) {
+            const std::string zgcheck = programma("zgcheck");
+            execl(zgcheck.c_str(), "zgcheck", "-q", ".", nullptr);
+            _exit(127);
+        }
+        int status = 0;
+        ronde("beside zgcheck", [&] { return waitpid(kind, &status, WNOHANG) == 0; });
+        duur = ms_sinds(begin);
+        te_traag |= status != 0;
+        const auto daarna = klok::now();
+        ronde("without", [&] { return ms_sinds(daarna) < duur; });
+    }
+    fprintf(uitslag, "zgcheck took %.1f s\n", duur / 1000);
+}
+
+bool naast_keuring;
 
 int meet_alles() {
     te_traag = false;
@@ -422,7 +492,7 @@ int meet_alles() {
     sessie = sessienummer = 1;
     bestanden_open();
     SCRINIT();
-    stappen();
+    naast_keuring ? pauzes() : stappen();
     SCREXIT();
     order_scherm_los();
     bestanden_sluit();
@@ -437,7 +507,7 @@ std::string draai(bool kaart) {
     Opties o;
     o.klok = "2016-03-01 12:00:00";
     Terminal t(meet_alles, o);
-    const int status = t.einde(600'000);
+    const int status = t.einde(1'200'000);
     if (status != 0)
         printf("status %d\n%s\n", status, t.scherm().c_str());
     te_traag |= status != 0;
@@ -446,7 +516,10 @@ std::string draai(bool kaart) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    naast_keuring = argc > 1 && strcmp(argv[1], "--beside") == 0;
+    if (naast_keuring && argc > 2)
+        SERIES = std::max(REGELS, atoi(argv[2]));
     const DemoMap map("data/demo", "--empty-register");
     const TijdelijkeMap ernaast(false);
     kopieen = ernaast.pad() + "/kopie";
@@ -454,6 +527,15 @@ int main() {
     std::filesystem::current_path(map.pad());
     maak_firma();
     te_traag |= !gaaf();
+    if (naast_keuring) {
+        uintmax_t bytes = 0;
+        for (const auto& e : std::filesystem::recursive_directory_iterator("."))
+            bytes += e.is_regular_file() ? e.file_size() : 0;
+        printf("%d series, %.0f MB\n", SERIES, double(bytes) / 1e6);
+        printf("%-26s %15s %13s %13s %13s\n%s", "", "", "median", "99 of 100", "longest",
+               draai(true).c_str());
+        return te_traag;
+    }
     std::filesystem::copy(map.pad(), zelfde, std::filesystem::copy_options::recursive);
     std::filesystem::current_path(zelfde);
     draai(false);
