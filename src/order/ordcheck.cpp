@@ -44,7 +44,7 @@ struct controle {
     bool model_leeg = false;
     int64_t model_pos = 0;
     bool regel_open = false;
-    int64_t regel_pos = 0;
+    int64_t regel_pos = 0, stuks = 0; // of the line
     uint8_t maten[12] = {};
     std::set<int> prijsmaten{};
     std::set<int> termen{};
@@ -83,6 +83,8 @@ struct controle {
                 fout_op(regel_pos, "size " + std::to_string(maat) +
                                        (in_maten ? " has no prices" : " has prices but is not of this line"));
         }
+        if (stuks > INT32_MAX) // the program opens no order with such a line
+            fout_op(regel_pos, "quantities of a line that add up to " + std::to_string(stuks));
         regel_open = in_term = false;
     }
 
@@ -162,6 +164,7 @@ struct controle {
         telling.regels++;
         model_leeg = false;
         regel_open = true;
+        stuks = 0;
         regel_pos = r.offset;
         prijsmaten.clear();
         termen.clear();
@@ -225,6 +228,8 @@ struct controle {
             fout("quantity of branch index " + std::to_string(f.filiaal) + ", which the firm does not have");
         if (f.aantal <= 0)
             fout("quantity " + std::to_string(f.aantal));
+        else
+            stuks += f.aantal;
     }
 
     void record() {

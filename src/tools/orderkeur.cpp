@@ -161,6 +161,10 @@ void keur_orders(Keuring* k) {
     iotab('R', &sysrecord, &teller, SYS_RECORD);
     if (teller.laatste < 0 || teller.laatste > ORDERNUMMER_MAX) // which the fixed tables tell
         k->tellers[SYS_ORDER] = nummers.empty() ? 0 : std::clamp(nummers.rbegin()->first, 0, ORDERNUMMER_MAX);
+    else if (!nummers.empty() && teller.laatste < nummers.rbegin()->first) // numbers in use are passed over
+        k->dtordnr.noten.push_back("DTSYS.TXT system record 5: the last number is " +
+                                   std::to_string(teller.laatste) + ", there is an order " +
+                                   std::to_string(nummers.rbegin()->first));
     Orders orders;
     for (const journaalorder& o : j.orders) {
         if (o.nummer <= 0)

@@ -193,6 +193,8 @@ keurbestand maten(bool heel) {
             if (maat_in(m.mtombits, i) && !omschreven.contains({m.stelsel, m.soort, i}))
                 t.noten.zie(wie + ": a description that DTMTOM hasn't");
         }
+        if (namen.empty()) // the program writes no such type
+            t.kwalen.zie(wie + ": no sizes");
         mthandle* h = eigen ? mtopen(m.stelsel, m.soort, 0) : nullptr;
         if (h && h->stuk)
             t.kwalen.zie(wie + ": its sizes don't make one bar");

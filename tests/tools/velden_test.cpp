@@ -45,6 +45,7 @@ const Veldschade FOUT[] = {
     {"DTLEV.TXT", 205, "\x08", "DTLEV: relation 10: soorten 8, of 1 to 7"},
     {"DTOMZGRP.TXT", 22, "\x0B", "DTOMZGRP: turnover group 1: btwcode 11, of 1 to 10"},
     {"DTMAAT.TXT", 18, BEL, "DTMAAT: size type 1 of system 1: the name of entry 1 holds a byte"},
+    {"DTMAAT.TXT", 404 + 18, std::string(380, '\0'), ": no sizes"},
     {"DTVVTAB.TXT", 8, std::string(32, '\0'),
      "DTVVTAB: distribution 1 of size type 1, row 1: filialen is empty"},
     {"DTSER.TXT", SER + 12, "Q", "DTSER: series 1100.15.1: seizoen Q, of \"ZWK\""},
@@ -76,6 +77,7 @@ const Veldschade FOUT[] = {
     {"2016Z/ORD0013.JRN", 1 + 52, i32(10000) + i16(0),
      "2016Z/ORD0013.JRN: at 0: koerseenheid is 0 for a rate"},
     {"2016Z/ORD0013.JRN", 1 + 59, "\x09", "2016Z/ORD0013.JRN: at 0: edi_soort 9, of 0 to 3"},
+    {"2016Z/ORD0013.JRN", 408 + 4, i32(INT32_MAX), ": quantities of a line that add up to 21474836"},
 };
 
 // Whatever stands in these is nobody's business but its owner's.
