@@ -31,6 +31,7 @@ namespace {
 
 std::string map;
 std::set<int> open_nu;
+bool bezig; // with a round
 
 int (*echt_open)(const char*, int, mode_t);
 int (*echt_dicht)(int);
@@ -69,12 +70,20 @@ void begin() {
     echt_dicht = SYS.close;
     SYS.open = volg_open;
     SYS.close = volg_dicht;
-    SCRFATALHAAK = [] { throw Stop{SCRFATALTEKST()}; };
+    SCRFATALHAAK = [] {
+        if (bezig)
+            throw Stop{SCRFATALTEKST()};
+        // The store at the end, which gives back what it reserved in files that a round has dropped.
+        fprintf(stderr, "outside a round: %s\n", SCRFATALTEKST());
+        ruim_op();
+        _exit(0);
+    };
     IXWAITHOOK = [](ICB*) { throw Stop{"in use"}; };
 }
 
 bool ronde(const std::function<void()>& werk, std::string* rapport) {
     bool heel = true;
+    bezig = true;
     try {
         werk();
     } catch (const Stop& s) {
@@ -82,6 +91,7 @@ bool ronde(const std::function<void()>& werk, std::string* rapport) {
         if (rapport)
             *rapport = s.rapport;
     }
+    bezig = false;
     while (!open_nu.empty()) {
         int fd = *open_nu.begin();
         for (int i = 0; i < 8 && open_nu.count(fd); i++)
