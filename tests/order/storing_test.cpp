@@ -52,7 +52,10 @@ int sessie(const Sessie& s, const std::function<void()>& gezien) {
     } else if (werk->tag == 'O' && inhoud("WRK").size()) {
         for (int i = 0; i < 2; i++) {
             neem_regel(m, maak_regel(70 + i));
-            wrk_regel_in(&cursor, i == 0, &regel_nu); // the other one joins its model, as a duplicate does
+            const int32_t was = aantal_regels;
+            // The other one joins its model, as a duplicate does. What was refused isn't counted.
+            if (!wrk_regel_in(&cursor, i == 0, &regel_nu) && aantal_regels != was)
+                return 5;
             gezien();
         }
         if (cursor.regel) {

@@ -52,6 +52,7 @@ TEST(Taal, WhatTheCheckNotices) {
         schrijf_bestand("en.po", met(goed, f.sleutel, f.veld, f.door));
         hoort("zgteksten --check en.po", 1, f.zegt);
     }
+    hoort(": > leeg; zgteksten --check leeg; zgteksten --check .", 1, "leeg: no texts", ".: no texts");
     // What doesn't fit any more isn't shown either: the program's own text stands there.
     schrijf_bestand("en.po", met(goed, "DETAIL 27.62", "msgid", "msgid \"OLD\""));
     EXPECT_TRUE(sh("zgteksten DETAIL en.po").zegt("\n62 \"ORDER\"\n63 \"Supplier\"\n"));

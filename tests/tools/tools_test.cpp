@@ -251,6 +251,18 @@ TEST_F(Tools, CheckTellsGoodDamagedMissingAndInUse) {
     }
 }
 
+TEST_F(Tools, StatCountsBlocksThatNoTreeHas) {
+    merken(300);
+    ICB* icb = IXOPEN("DTMERK", 1);
+    uint8_t rec[76];
+    for (int32_t nr = 0; nr < 299; nr++)
+        if (IXGET(icb, rec, nr) == 1)
+            icb->currec = nr, IXDELETE(icb, rec);
+    IXCLOSE(icb);
+    EXPECT_FALSE(sh("ixstat DTMERK").zegt(" 0 unused"));
+    hoort("ixremake DTMERK && ixstat DTMERK", 0, ", 0 unused; 0 keys reserved");
+}
+
 TEST_F(Tools, RemakeBringsALostOrBusyIndexBack) {
     merken(300);
     const std::string goed = lees_bestand("DTMERK.INX");
