@@ -23,6 +23,23 @@ TEST(Demo, EveryFileIsSound) {
     EXPECT_EQ(u.status, 0) << u.tekst;
 }
 
+// A line of its texts that can't be is told with its number.
+TEST(Demo, ALineThatCantBeIsTold) {
+    test::TijdelijkeMap map;
+    std::string maten;
+    for (int i = 1; i <= 95; i++)
+        maten += " " + std::to_string(i);
+    const std::pair<std::string, const char*> rijen[] = {
+        {"100 Veel: 36", "maten.txt:1: not a number from 1 to 99: 100"},
+        {"12 Niets:", "maten.txt:1: 1 to 95 sizes"},
+        {"12 Veel:" + maten + " 96", "maten.txt:1: 1 to 95 sizes"},
+        {"12 Veel:" + maten, ""}};
+    for (const auto& [zin, zegt] : rijen)
+        test::hoort("rm -rf bron doel; cp -r '" ZG_SOURCE_DIR "/data/demo' bron && sed -i '1i " + zin +
+                        "' bron/maten.txt && zgdemo doel --from bron",
+                    *zegt ? 1 : 0, zegt);
+}
+
 TEST(Menu, HandsOverAndTakesBack) {
     DemoMap demo;
     Terminal t({test::programma("zgbsmenu")}, test::demo_opties(demo));

@@ -167,6 +167,9 @@ TEST_F(Tools, DumpOnlyWhatIsAskedFor) {
         EXPECT_TRUE(strchr(antwoord, '\n') ? u.tekst == antwoord : u.tekst.starts_with(antwoord)) << u.tekst;
     }
     EXPECT_EQ(sh("ixdump -W merk=x DTMERK").status, 2);
+    merken(5000, "VEEL");
+    EXPECT_EQ(sh("trap '' PIPE; ixdump -a DTMERK VEEL | true").tekst, "")
+        << "who reads no further is no fault";
     // Each comes back: by the head line its delimiter and layout, without one as the user says.
     for (const char* weg : {"ixdump -D ';' DTMERK | ixload -r W", "ixdump -D tab DTMERK | ixload -r W",
                             "ixdump -N -D ';' DTMERK | ixload -r -D ';' -f DTMERK W",
@@ -230,7 +233,8 @@ TEST_F(Tools, CheckTellsGoodDamagedMissingAndInUse) {
     {
         int fd = open("VIJF.INX", O_RDWR | O_CLOEXEC);
         ASSERT_TRUE(IOLOCK('E', fd, 0, 512));
-        hoort("ixcheck -w 0 VIJF", 4, "in use by process");
+        merken(3);
+        hoort("ixcheck -w 0 DTMERK VIJF", 4, "DTMERK: good", "in use by process");
         close(fd);
     }
     // The ways to be damaged: tests/store.

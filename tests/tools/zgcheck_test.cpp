@@ -134,6 +134,7 @@ TEST(Zgcheck, BesidePeople) {
     EXPECT_EQ(sh("zgcheck").status, 2);
     EXPECT_EQ(sh("zgcheck --nonsense" + hier).status, 2);
     EXPECT_EQ(sh("zgcheck /").status, 3);
+    EXPECT_EQ(sh("cd" + hier + " && zgcheck elsewhere").status, 3);
     std::filesystem::remove(map.bestand("DTIPG.TXT"));
     EXPECT_TRUE(sh("zgcheck" + hier).zegt("DTIPG: DTIPG.TXT isn't there"));
 }
