@@ -3,7 +3,7 @@
 // held with 'X', is the lock on the chain of free blocks.
 //
 // The block in memory is a reading aid: a place is written alone, by one write, and what stands beside it is never
-// written back. ioeti_vergeet drops it: whoever takes or gives up a lock on a series calls it.
+// written back. ioeti_keten drops it, so that who takes a chain in hand reads it as others left it.
 //
 // New block: system record 4, the block with its first label in it, last the link to it. A kill leaves a block that
 // nobody has, never a chain that leads into another's.

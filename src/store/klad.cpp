@@ -172,10 +172,8 @@ bool schrijf_alles(bool* wacht) {
     if (klad.record && klad.soort == KL_DELETE && !schrijf_record())
         return false;
     if (klad.kaart &&
-        IXKAARTGAT(icb->idxfd)) { // the file was cut, and what was written with it: the mark stays
-        icb->h.busy = K_BEZIG;
+        IXKAARTGAT(icb->idxfd)) // the file was cut, and what was written with it: the mark stays
         IXSTUK(icb, 0);
-    }
     klad.kop_af = met_kop();
     return !met_kop() || schrijf_kop(icb->h, K_RUST);
 }

@@ -56,7 +56,6 @@ void in_hand(const seriesleutel& sleutel) {
     hand.vast = true;
     hand.sleutel = sleutel;
     mutaties_houd();
-    ioeti_vergeet();
 }
 
 } // namespace
@@ -160,7 +159,6 @@ bool serie_neem(const seriesleutel& sleutel, serrec* rec) {
 void serie_los() {
     if (hand.vast) {
         hand.vast = false;
-        ioeti_vergeet();
         const Sleutelstand k1(dtser);
         if (IXEXISTS(dtser, Seriebuffer(hand.sleutel).rec)) // a deleted one took its lock along
             IXLOCK(dtser, 13);

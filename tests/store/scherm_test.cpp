@@ -59,7 +59,7 @@ TEST(StoreScherm, BlokVoorbijHetEinde) {
                 char r[20] = {};
                 for (int i = 0; i < 300; i++)
                     IXWRITE(icb, (ZET32(r, i), r));
-                return std::to_string(truncate("T.INX", blokken * IXBLOK) + IXFIRST(icb, r));
+                return std::to_string(truncate("T.INX", blokken * IXBLOK) + IXREAD(icb, r));
             },
             {}, false);
         EXPECT_TRUE(g.wacht(vorm(".INX (EOF: r=%d)", er_niet)));

@@ -91,6 +91,7 @@ TEST_F(Reeksen, StoredRuns) {
             const bool er = reeks_kiezen(3, r.acties, nullptr, &rij);
             return vorm("%d %s", er && balk_kolommen() == 8, tekst(rij.data()).c_str());
         });
+        EXPECT_EQ(t.stuk(7, 5, 12), "5     2    2");
         t.toetsen(r.toetsen);
         std::string uit = r.uit;
         EXPECT_EQ(t.antwoord(), uit.substr(0, uit.find_last_not_of(' ') + 1));

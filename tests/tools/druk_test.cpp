@@ -65,6 +65,8 @@ TEST_F(Druk, AddChangeRemove) {
         {"add configuratie 40 1 kolommen=80 rijen=9999 staand=1", 0},
         {"add tekst 40 1 17 tekst=utf8", 2},
         {"add tekst 40 1 3 tekst=x", 0},
+        {"add tekst 40 1 4 tekst=y", 0},
+        {"remove tekst 40 1 4", 0},
         {"remove printer 1", 2},
         {"remove verbinding 1 1", 2},
         {"frob", 2},

@@ -133,6 +133,7 @@ TEST_F(Kopie, WhatCantBeCopiedLeavesNothing) {
          zgcopy() + " -w 1", "DTLEV.INX: in use by process", "", 4},
         {"free labels that another changes", [&] { return vast("DTSYS.TXT", 192, 64); }, "",
          zgcopy() + " -w 0", "DTSYS.TXT: in use by process", "", 4},
+        {"a record that another has", [&] { return vast("DTLEV.TXT", 0, 332); }, "", zgcopy() + " -w 0", " files", "", 0},
         {"another copy", [&] { return flock(open("kopie", O_RDONLY | O_CLOEXEC), LOCK_EX) == 0; },
          "mkdir kopie", zgcopy(), "another copy is being made", "", 4},
         {"another host's copy",

@@ -233,8 +233,7 @@ TEST_F(Tools, CheckTellsGoodDamagedMissingAndInUse) {
     {
         int fd = open("VIJF.INX", O_RDWR | O_CLOEXEC);
         ASSERT_TRUE(IOLOCK('E', fd, 0, 512));
-        merken(3);
-        hoort("ixcheck -w 0 DTMERK VIJF", 4, "DTMERK: good", "in use by process");
+        hoort("ixcheck -w 0 VIJF", 4, "in use by process");
         close(fd);
     }
     // The ways to be damaged: tests/store.
