@@ -47,11 +47,30 @@ bool maak_gereed(const std::string& nieuw, const std::string& doel) {
 
 constexpr char SJABLOON[] = ".ixwerkXXXXXX";
 
-// A directory that this program has for itself from now on, -1 when another has it or it is gone.
-int neem(const std::string& map) {
-    const int fd = SYS.open(map.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
-    struct stat st;
-    if (fd >= 0 && flock(fd, LOCK_EX | LOCK_NB) == 0 && SYS.fstat(fd, &st) == 0 && st.st_nlink > 0)
+// Whose it is: the lock on the directory; on a shared file system, where that says nothing to others, one on a byte of this
+// file in it.
+constexpr char SLOT[] = "/slot";
+
+// A directory that this program has for itself from now on, -1 when another has it or it is gone. To be swept, on a shared
+// file system, only when nobody else is there: its maker's host may have been cut off from it.
+int neem(const std::string& map, bool vegen) {
+    int fd = SYS.open(map.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC, 0);
+    struct stat st, daar;
+    bool goed = fd >= 0;
+    if (goed && IOSOORTVAN(fd).gedeeld) {
+        SYS.close(fd);
+        if (vegen && !ALLEEN_GEZEGD)
+            return -1;
+        fd = SYSNIEUW((map + SLOT).c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+        goed = fd >= 0 && IOLOCK('E', fd, 0, 1);
+        if (goed && (SYS.fstat(fd, &st) != 0 || stat((map + SLOT).c_str(), &daar) != 0 ||
+                     st.st_ino != daar.st_ino)) { // swept just now
+            goed = false;
+            errno = EWOULDBLOCK;
+        }
+    } else
+        goed = goed && flock(fd, LOCK_EX | LOCK_NB) == 0 && SYS.fstat(fd, &st) == 0 && st.st_nlink > 0;
+    if (goed)
         return fd;
     const int fout = errno;
     if (fd >= 0)
@@ -77,7 +96,7 @@ bool enige_kopie(const std::string& vorige) {
 }
 
 constexpr int SIGNALEN[] = {SIGINT, SIGTERM, SIGHUP};
-std::array<std::string, 5> op_te_ruimen; // paths, ready for a signal
+std::array<std::string, 6> op_te_ruimen; // paths, ready for a signal
 
 } // namespace
 
@@ -88,14 +107,14 @@ Werkmap::Werkmap(const std::string& doel) {
         naam = map_van(doel) + "/" + SJABLOON;
         if (!mkdtemp(naam.data()))
             return;
-        slot_ = neem(naam);
+        slot_ = neem(naam, false);
         if (slot_ < 0 && errno != EWOULDBLOCK &&
             IOISDIR(naam.c_str())) // no locks here: nobody can sweep either
             break;
     }
     pad_ = naam;
     const std::string paar = naam + "/" + tabelnaam(doel);
-    op_te_ruimen = {paar + ".INX", paar + ".TXT", naam + "/keten", naam + "/vorige", naam};
+    op_te_ruimen = {paar + ".INX", paar + ".TXT", naam + "/keten", naam + "/vorige", naam + SLOT, naam};
     for (int s : SIGNALEN)
         signal(s, [](int nr) {
             ruim_op();
@@ -115,13 +134,9 @@ void Werkmap::veeg(const std::string& map) {
     for (const auto& e : fs::directory_iterator(map, fout)) {
         if (!IOPAST(".ixwerk??????", e.path().filename().c_str()))
             continue;
-        const int fd = neem(e.path());
+        const int fd = neem(e.path(), true);
         if (fd < 0)
             continue;
-        if (IOSOORTVAN(fd).gedeeld && !ALLEEN_GEZEGD) { // its maker may live on another host
-            SYS.close(fd);
-            continue;
-        }
         if (enige_kopie(e.path() / "vorige"))
             klacht((e.path() / "vorige").string(), "the old records of a load that was killed; left alone");
         else

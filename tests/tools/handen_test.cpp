@@ -389,16 +389,28 @@ TEST(Menu, WaitingForTheOwnSlotCanBeLeft) {
 // What killed loads left goes with the next one, but not what somebody works in, nor the last of the old records.
 TEST_F(Handen, DirectoriesOfKilledLoadsAreSwept) {
     merken(20);
-    sh("mkdir .ixwerkDOOD01 .ixwerkDOOD02 .ixwerkLEEFT1 && touch .ixwerkDOOD01/DTMERK.TXT "
-       ".ixwerkDOOD01/keten && "
-       "echo oud >.ixwerkDOOD02/vorige && echo bezig >.ixwerkLEEFT1/DTMERK.TXT");
-    Agent bezig([] { return flock(open(".ixwerkLEEFT1", O_RDONLY | O_CLOEXEC), LOCK_EX) == 0; });
-    ASSERT_TRUE(bezig.ok());
-    for (int keer = 0; keer < 2; keer++) {
-        hoort("ixcopy --replace DTMERK KOPIE", 0, "DOOD02/vorige: the old records");
-        EXPECT_EQ(sh("cat .ixwerk*/*; ls -d .ixwerk*").tekst, "oud\nbezig\n.ixwerkDOOD02\n.ixwerkLEEFT1\n");
+    for (const std::string gedeeld : {"0", "1"}) {
+        SCOPED_TRACE(gedeeld);
+        setenv("ZGGEDEELD", gedeeld.c_str(), 1);
+        const std::string alleen = gedeeld == "1" ? " --alone --replace " : " --replace ";
+        sh("rm -f KOPIE.*; mkdir .ixwerkDOOD01 .ixwerkDOOD02 .ixwerkLEEFT1 && touch .ixwerkDOOD01/DTMERK.TXT "
+           ".ixwerkDOOD01/keten .ixwerkDOOD01/slot && "
+           "echo oud >.ixwerkDOOD02/vorige && echo bezig >.ixwerkLEEFT1/DTMERK.TXT");
+        Agent bezig([&] {
+            return gedeeld == "0"
+                       ? flock(open(".ixwerkLEEFT1", O_RDONLY | O_CLOEXEC), LOCK_EX) == 0
+                       : IOLOCK('E', open(".ixwerkLEEFT1/slot", O_RDWR | O_CREAT | O_CLOEXEC, 0600), 0, 1);
+        });
+        ASSERT_TRUE(bezig.ok());
+        for (int keer = 0; keer < 2; keer++) {
+            hoort("ixcopy" + alleen + "DTMERK KOPIE", 0, "DOOD02/vorige: the old records");
+            EXPECT_EQ(sh("cat .ixwerkDOOD02/vorige .ixwerkLEEFT1/DTMERK.TXT; ls -d .ixwerk*").tekst,
+                      "oud\nbezig\n.ixwerkDOOD02\n.ixwerkLEEFT1\n");
+        }
+        bezig.dood();
+        EXPECT_EQ(sh("ixdump DTMERK | ixload" + alleen + "KOPIE").status, 0);
+        EXPECT_FALSE(IOISDIR(".ixwerkLEEFT1"));
+        sh("rm -r .ixwerkDOOD02");
     }
-    bezig.dood();
-    EXPECT_EQ(sh("ixdump DTMERK | ixload --replace KOPIE").status, 0);
-    EXPECT_FALSE(IOISDIR(".ixwerkLEEFT1"));
+    unsetenv("ZGGEDEELD");
 }
