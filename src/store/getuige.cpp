@@ -52,10 +52,19 @@ struct Lezing {
     }
 };
 
+// What the data file has to hold, by so many records. Another may have emptied the pair since this handle looked at it, or have
+// put one with fewer in its place.
+int64_t moet(const ICB* icb, int32_t aantal) {
+    IXHEADER h;
+    if (icb->mode != 1 && IXKOPBLOK(icb, &h) && h.reclen == icb->h.reclen && h.nrecs >= 0)
+        aantal = std::min(aantal, h.nrecs);
+    return int64_t{aantal} * icb->h.reclen;
+}
+
 // Programs that count a record before they write it get a moment to do so.
-bool reikt(const ICB* icb, int64_t lengte) {
+bool reikt(const ICB* icb, int32_t aantal) {
     for (int keer = 0; keer < KIJKERSTIL; keer++) {
-        if (IOOMVANG(icb->datfd) >= lengte)
+        if (IOOMVANG(icb->datfd) >= moet(icb, aantal))
             return true;
         IXPAUZE(R_LEZER, keer);
     }
@@ -103,16 +112,15 @@ bool IXKIJKNA(const ICB* icb, IXGETUIGE voor, int32_t nr, int32_t aantal) {
     const bool laatste = nr + 1 >= aantal;
     const int er = voor.er ? iets_voor(icb, nr) : 1;
     if (er >= 0 && IXKAARTER(icb->datfd))
-        return er && (laatste || IXKAARTREIKT(icb->datfd, lengte, n) || reikt(icb, lengte));
+        return er && (laatste || IXKAARTREIKT(icb->datfd, lengte, n) || reikt(icb, aantal));
     if (laatste && !voor.er)
         return true;
     const Lezing l(icb, nr, n + !laatste);
-    return (!voor.er || l.iets(icb)) && (laatste || l.gelezen > l.voor + n || reikt(icb, lengte));
+    return (!voor.er || l.iets(icb)) && (laatste || l.gelezen > l.voor + n || reikt(icb, aantal));
 }
 
 bool IXTEKORT(const ICB* icb, int64_t omvang) {
-    const int64_t lengte = int64_t{icb->h.nrecs} * icb->h.reclen;
-    return !icb->tempidx && omvang < lengte && !reikt(icb, lengte);
+    return !icb->tempidx && omvang < int64_t{icb->h.nrecs} * icb->h.reclen && !reikt(icb, icb->h.nrecs);
 }
 
 void IXINGEKORT(ICB* icb) {

@@ -78,6 +78,8 @@ struct ICB {
         int32_t freehead, nrecs, nblocks;
         uint32_t telling;
     } bladstand; // the pair when `node` was read out of it, telling 0 unknown (store/kop.h)
+    uint32_t
+        stilstand; // the change count under a mark that stayed up for so long that nobody waits for it any more
     struct {
         int8_t er;
         int32_t nr;

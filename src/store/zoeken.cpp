@@ -293,9 +293,11 @@ Rust zoek_in_rust(const Zoeker& z, char op, int32_t* uit) {
     int bedorven = 0, bezig = 0; // a mark that stays is that of a dead program, or of one that takes its time
     while (bedorven < RUSTBEURTEN && bezig < RUSTBEURTEN) {
         if (!IXSTANDLEES(icb, &voor)) {
-            if (!voor.bezig)
+            if (!voor.bezig || (voor.telling && voor.telling == icb->stilstand))
                 break;
             IXPAUZE(R_SLOT, bezig++);
+            if (bezig == RUSTBEURTEN)
+                icb->stilstand = voor.telling;
             continue;
         }
         bezig = 0;

@@ -99,6 +99,64 @@ TEST_F(Afgekapt, GegevensOnderDeWandelaar) {
         });
 }
 
+// Emptied by another, or a sound pair with fewer records put in its place: no damage to who has it open, and nobody marks it.
+TEST_F(Afgekapt, KleinerGewordenMaarHeel) {
+    const struct {
+        const char* wat;
+        void (*doe)(ICB*);
+    } gevallen[] = {
+        {"close", [](ICB*) {}},
+        {"insert",
+         [](ICB* i) {
+             const Rec r = rec(9);
+             EXPECT_EQ(1, IXWRITE(i, &r));
+         }},
+        {"update",
+         [](ICB* i) {
+             Rec r = rec(3);
+             EXPECT_EQ(1, IXREADL(i, &r));
+             r.rest[0] = 'x';
+             EXPECT_EQ(1, IXWRITE(i, &r));
+         }},
+        {"put",
+         [](ICB* i) {
+             Rec r = rec(3);
+             EXPECT_EQ(1, IXREAD(i, &r));
+             EXPECT_EQ(1, IXPUTREC(i, &r));
+         }},
+        {"delete",
+         [](ICB* i) {
+             Rec r = rec(3);
+             EXPECT_EQ(1, IXREADL(i, &r));
+             IXDELETE(i, &r);
+         }},
+    };
+    for (const char* kaart : {"1", "0"})
+        for (const auto& g : gevallen) {
+            setenv("ZGKAART", kaart, 1);
+            maak();
+            EXPECT_EQ("", stopt([&] {
+                          ICB* icb = IXOPEN("T", 2);
+                          Rec r = rec(RECORDS + 1);
+                          IXWRITE(icb, &r);
+                          in_kind([] {
+                              ICB* ander = IXOPEN("T", 1);
+                              IXINIT(ander);
+                              for (uint32_t n = 3; n < 6; n++) {
+                                  const Rec nieuw = rec(n);
+                                  IXWRITE(ander, &nieuw);
+                              }
+                              IXCLOSE(ander);
+                          });
+                          usleep(10'000); // names and sizes are looked at once in a tick
+                          g.doe(icb);
+                          IXCLOSE(icb);
+                      }))
+                << g.wat << kaart;
+            EXPECT_GEZOND("T") << g.wat << kaart;
+        }
+}
+
 // The file is cut in the moment before a write of it, which makes it grow again.
 int data_fd;
 
