@@ -1,5 +1,6 @@
 // The program as the buyer feels it: from start to the season prompt, a key to its echo, a hang-up to its end, the commit
 // of an order of 1,000 lines into a journal of 10 MB; beside them the system calls. Prints medians. usage: bench_programma
+#include "bench/journaal.h"
 #include "order/programma.h"
 #include "order/wrk.h"
 #include "shared/sysrec.h"
@@ -98,41 +99,6 @@ void ophangen() {
            *std::max_element(ms.begin(), ms.end()));
 }
 
-// A journal of about `bytes` with an order of `regels` lines in its middle.
-void maak_journaal(const char* pad, size_t bytes, int regels) {
-    std::string uit;
-    auto schrijf = [&](char tag, const auto& rec) {
-        uit += tag;
-        uit.append(reinterpret_cast<const char*>(&rec), sizeof rec);
-    };
-    auto order = [&](int aantal) {
-        ordkop k{};
-        k.leverancier = 12, k.jaar = 2016, k.seizoen = 'Z', k.orderdatum = 42000, k.koers = 10000,
-        k.koerseenheid = 1, k.toeslag = 10000;
-        schrijf('O', k);
-        ordmodel m{};
-        m.merk = 103, m.maatsoort = 1, m.artikelgroep = 2100;
-        schrijf('M', m);
-        for (int r = 0; r < aantal; r++) {
-            orddessin d{};
-            d.kleur = 14, d.volgnummer = 1, d.maten[0] = 0x7E;
-            schrijf('D', d);
-            for (uint8_t s = 1; s <= 6; s++)
-                schrijf('S', ordmaat{s, {}, 1000, 950});
-            schrijf('L', ordlevt{42050, 42080});
-            for (uint8_t f = 0; f < 5; f++)
-                for (uint8_t s = 1; s <= 6; s++)
-                    schrijf('F', ordfil{f, s, 0, 3});
-        }
-    };
-    while (uit.size() < bytes / 2)
-        order(20);
-    order(regels);
-    while (uit.size() < bytes)
-        order(20);
-    schrijf_bestand(pad, uit);
-}
-
 enum Stappen { MAAK, OPEN, ALLES };
 
 // Nine rounds of as much as `tot` says; the medians are printed when `toon`.
@@ -144,7 +110,7 @@ void commit(Stappen tot, bool toon) {
     const char* pad = "2016Z/ORD0012.JRN";
     std::vector<double> ms_open, ms_dicht;
     for (int i = 0; i < RONDEN; i++) {
-        maak_journaal(pad, 10 << 20, 1000);
+        meting::maak_journaal(pad, 10 << 20, 1000);
         if (tot == MAAK)
             continue;
         journaal = ord_open_jrn("2016Z", 12, O_RDWR);
