@@ -378,7 +378,7 @@ void verwijder(Blad& blad, const ordertotalen& totaal) {
     if (!JNVRAAG(MENURIJ, 1, "[-]%s", TXT(T_REGEL_VERWIJDEREN)))
         return;
     if (!regel_weg())
-        return;
+        return order_totalen(); // its series may have been refused behind the labels
     order_totaal_bij('-', totaal);
     blad.cursor = regelingang.regel;
 }
