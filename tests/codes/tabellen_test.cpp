@@ -2,13 +2,10 @@
 // writes.
 #include "codes/codetabel.h"
 #include "codes/codeveld.h"
-#include "shared/leesstam.h"
-#include "shared/woordenboek.h"
 #include "support/schrijfstoring.h"
 #include "support/slotboek.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include "term/ingave.h"
 
 namespace zg::test {
 namespace {
@@ -195,34 +192,30 @@ bool doe(const Codetabel& t, const Lijstcode& code, Werk werk) {
 
 TEST_F(Codes, RefusedAndKilledAtEachWrite) {
     pair("DTDOELGR", &dtdoelgr);
-    struct {
-        const Lijsttabel* tabel;
-        Lijstcode staat, nieuw;
-        std::string paar;
-    } const tabellen[] = {{&KLEURTABEL, {5, ""}, {6, ""}, ""},
-                          {&LANDTABEL, {0, "NLD"}, {0, "SWE"}, ""},
-                          {&DOELGROEPTABEL, {0, "D"}, {0, "H"}, "DTDOELGR"},
-                          {&OMZETGROEPTABEL, {3, ""}, {4, ""}, "DTOMZGRP"}};
-    for (const auto& g : tabellen) {
-        const Codetabel& t = codetabel(*g.tabel);
-        EXPECT_TRUE(doe(t, g.staat, VOEG_TOE));
+    for (const auto& [tabel, staat, nieuw, paar] :
+         Rijen<const Lijsttabel*, Lijstcode, Lijstcode, std::string>{
+             {&KLEURTABEL, {5, ""}, {6, ""}, ""},
+             {&LANDTABEL, {0, "NLD"}, {0, "SWE"}, ""},
+             {&DOELGROEPTABEL, {0, "D"}, {0, "H"}, "DTDOELGR"},
+             {&OMZETGROEPTABEL, {3, ""}, {4, ""}, "DTOMZGRP"}}) {
+        const Codetabel& t = codetabel(*tabel);
+        EXPECT_TRUE(doe(t, staat, VOEG_TOE));
         std::vector<std::string> namen = {"DTSYS.TXT"};
-        if (!g.paar.empty())
-            namen.insert(namen.end(), {g.paar + ".INX", g.paar + ".TXT"});
+        if (!paar.empty())
+            namen.insert(namen.end(), {paar + ".INX", paar + ".TXT"});
         const std::string oud = stand(t);
-        const std::string daarna[] = {oud + codetekst(g.nieuw) + " Z|",
+        const std::string daarna[] = {oud + codetekst(nieuw) + " Z|",
                                       std::string(oud).replace(oud.find('Z'), 1, "Y"), ""};
         for (Werk werk : {VOEG_TOE, WIJZIG, WIS}) {
-            SCOPED_TRACE(vorm("%s%d %d", g.paar.c_str(), t.slots.start, werk));
+            SCOPED_TRACE(vorm("%s%d %d", paar.c_str(), t.slots.start, werk));
             const auto werkt = [&] {
                 opnieuw();
-                const bool goed = doe(t, werk == VOEG_TOE ? g.nieuw : g.staat, werk);
+                const bool goed = doe(t, werk == VOEG_TOE ? nieuw : staat, werk);
                 return goed ? 0 : testing::Test::HasFailure() ? 8 : 7;
             };
             bij_elke_schrijf(namen, 1, werkt, [&](const Storing& st) {
-                if (!g.paar.empty() && st.dood && !st.klaar) {
-                    EXPECT_EQ(IXBLDIX(g.paar.c_str()), 1);
-                }
+                if (!paar.empty() && st.dood && !st.klaar)
+                    EXPECT_EQ(IXBLDIX(paar.c_str()), 1);
                 const std::string nu = stand(t);
                 EXPECT_TRUE(nu == daarna[werk] || (nu == oud && !st.klaar)) << nu;
                 EXPECT_TRUE(st.klaar ? st.status == 0

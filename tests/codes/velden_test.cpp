@@ -6,7 +6,6 @@
 #include "price/ing_val.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include "term/ingave.h"
 
 namespace zg::test {
 namespace {
@@ -26,25 +25,20 @@ struct Velden : Systeem {
 
 // The field itself: tests/shared/lijstveld_test.cpp.
 TEST_F(Velden, Currency) {
-    struct {
-        const char *begin, *toetsen, *uit; // code, changed, empty, key
-    } const rijen[] = {
-        {"USD", "XXX<Enter>eur<Enter>", "EUR 1 0 10"},
-        {"USD", "<F5><Down><Enter>", "JPY 1 0 10"},
-        {"USD", "<F5>xxx<Enter>usd<Enter><Esc><Enter>", "USD 0 0 10"},
-        {"", "<F5>usd<Enter><Enter>", "USD 1 0 10"}, // picked in an empty field: no longer empty
-        {"", "<Enter>", " 0 8 10"},
-    };
-    for (const auto& r : rijen) {
-        SCOPED_TRACE(vorm("%s %s", r.begin, r.toetsen));
-        Gesprek t([&] {
+    gesprekken_over<const char*>(
+        [](const char* begin) {
             char code[4] = "";
-            memcpy(code, r.begin, strlen(r.begin));
+            memcpy(code, begin, strlen(begin));
             bool anders = lijstveld(VALUTATABEL, 5, 10, "U", code, 3) == Lijstuit::anders;
             return vorm("%s %d %u %d", code, anders, SCHERM.vlag & V_LEEG, SCHERM.laatste);
+        },
+        {
+            {"USD", "XXX<Enter>eur<Enter>", "EUR 1 0 10"},
+            {"USD", "<F5><Down><Enter>", "JPY 1 0 10"},
+            {"USD", "<F5>xxx<Enter>usd<Enter><Esc><Enter>", "USD 0 0 10"},
+            {"", "<F5>usd<Enter><Enter>", "USD 1 0 10"}, // picked in an empty field: no longer empty
+            {"", "<Enter>", " 0 8 10"},
         });
-        EXPECT_EQ(t.antwoord(r.toetsen), r.uit);
-    }
 }
 
 TEST_F(Velden, Rate) {

@@ -47,14 +47,11 @@ TEST_F(Controle, CodesAndTexts) {
     s.klantnummer = 4711;
     memcpy(s.release, "8.70 ", 5);
     zet(10, s, SYS_RECORD);
-    const struct {
-        uint8_t code;
-        const char* na;
-    } rijen[] = {{1, "1 @7"}, {2, "2 @7"}, {3, "3 @8"}, {0, "0 "}};
-    for (const auto& r : rijen) {
-        EXPECT_TRUE(status_zet(r.code));
-        EXPECT_EQ(toestand(), r.na);
-        EXPECT_EQ(status_vrij(), r.code == 0);
+    for (const auto& [code, na] :
+         Rijen<uint8_t, const char*>{{1, "1 @7"}, {2, "2 @7"}, {3, "3 @8"}, {0, "0 "}}) {
+        EXPECT_TRUE(status_zet(code));
+        EXPECT_EQ(toestand(), na);
+        EXPECT_EQ(status_vrij(), code == 0);
     }
     EXPECT_TRUE(status_tekst_zet(std::string(60, 'x')));
     EXPECT_EQ(toestand(), "9 " + std::string(49, 'x'));
@@ -148,44 +145,42 @@ std::string blok(const std::string& datum, const char* uitslag) {
 
 TEST_F(Controle, BackupReport) {
     const std::string nu = dag(1), oud = dag(31), net = dag(30);
-    const struct {
-        const char* naam;
-        std::string verslag;
-        uint8_t code;
-        const char* na; // text; "-" it stays, and the day too
-        std::string over;
-    } rijen[] = {
-        {"good", blok(nu, GOED), 0, "", blok(nu, GOED)},
-        {"no tape", blok(nu, GOED) + blok(nu, TAPE), 0, "Back-up niet gelukt, geen tape in tapestreamer",
-         blok(nu, GOED) + blok(nu, TAPE)},
-        {"users", blok(nu, ACTIEF), 0, "Back-up niet gelukt, gebruikers actief geweest", blok(nu, ACTIEF)},
-        {"old ones go", blok(oud, TAPE) + blok(net, TAPE) + blok(nu, GOED), 0, "",
-         blok(net, TAPE) + blok(nu, GOED)},
-        {"other shapes", blok(dag(40, "%d %B %Y, 2:00"), TAPE) + blok(dag(40, "%b %d, %Y"), GOED), 0, "", ""},
-        {"unreadable stay", blok("Foo 12 2016", TAPE) + blok("Feb 30 2016", TAPE) + blok("12-03-2016", GOED),
-         0, "", blok("Foo 12 2016", TAPE) + blok("Feb 30 2016", TAPE) + blok("12-03-2016", GOED)},
-        {"shut", blok(oud, TAPE) + blok(nu, GOED), 9, "oud", blok(nu, GOED)},
-        {"half a block", blok(oud, GOED) + nu + "\n" + TAPE, 0, "", nu + "\n" + TAPE},
-        {"no block", nu + "\nGeen", 0, "-", nu + "\nGeen"},
-        {"bytes", std::string("\0\xff\x1b\n\n\n\0", 7), 0, "Back-up niet gelukt, gebruikers actief geweest",
-         std::string("\0\xff\x1b\n\n\n\0", 7)},
-    };
-    for (const auto& r : rijen) {
-        SCOPED_TRACE(r.naam);
+    // na: text; "-" it stays, and the day too
+    for (const auto& [naam, verslag, code, na, over] :
+         Rijen<const char*, std::string, uint8_t, const char*, std::string>{
+             {"good", blok(nu, GOED), 0, "", blok(nu, GOED)},
+             {"no tape", blok(nu, GOED) + blok(nu, TAPE), 0, "Back-up niet gelukt, geen tape in tapestreamer",
+              blok(nu, GOED) + blok(nu, TAPE)},
+             {"users", blok(nu, ACTIEF), 0, "Back-up niet gelukt, gebruikers actief geweest",
+              blok(nu, ACTIEF)},
+             {"old ones go", blok(oud, TAPE) + blok(net, TAPE) + blok(nu, GOED), 0, "",
+              blok(net, TAPE) + blok(nu, GOED)},
+             {"other shapes", blok(dag(40, "%d %B %Y, 2:00"), TAPE) + blok(dag(40, "%b %d, %Y"), GOED), 0, "",
+              ""},
+             {"unreadable stay",
+              blok("Foo 12 2016", TAPE) + blok("Feb 30 2016", TAPE) + blok("12-03-2016", GOED), 0, "",
+              blok("Foo 12 2016", TAPE) + blok("Feb 30 2016", TAPE) + blok("12-03-2016", GOED)},
+             {"shut", blok(oud, TAPE) + blok(nu, GOED), 9, "oud", blok(nu, GOED)},
+             {"half a block", blok(oud, GOED) + nu + "\n" + TAPE, 0, "", nu + "\n" + TAPE},
+             {"no block", nu + "\nGeen", 0, "-", nu + "\nGeen"},
+             {"bytes", std::string("\0\xff\x1b\n\n\n\0", 7), 0,
+              "Back-up niet gelukt, gebruikers actief geweest", std::string("\0\xff\x1b\n\n\n\0", 7)},
+         }) {
+        SCOPED_TRACE(naam);
         sysstatus s{};
         VASTIN(s.tekst, "oud");
-        s.status = r.code;
+        s.status = code;
         zet(10, s, SYS_RECORD);
         zet(19, sysbackup{7, {}}, SYS_RECORD);
-        schrijf_bestand("result.bu", r.verslag);
+        schrijf_bestand("result.bu", verslag);
         backup_lezen(".");
-        const bool blijft = std::string(r.na) == "-";
-        EXPECT_EQ(toestand(), std::to_string(r.code) + " " + (blijft ? "oud" : r.na));
+        const bool blijft = std::string(na) == "-";
+        EXPECT_EQ(toestand(), std::to_string(code) + " " + (blijft ? "oud" : na));
         sysbackup b;
         int32_t nr = 19;
         iotab('R', &nr, &b, SYS_RECORD);
         EXPECT_EQ(b.datum, blijft ? 7 : VANDAAG());
-        EXPECT_EQ(lees_bestand("result.bu"), r.over);
+        EXPECT_EQ(lees_bestand("result.bu"), over);
     }
 }
 

@@ -212,48 +212,45 @@ TEST(Docs, HooksAndEnvironmentAreThoseOfTheSources) {
 
 TEST(Docs, RecordsAreAsLongAsTheFormatsSay) {
     const std::string doc = lees("docs/formats.md");
-    const struct {
-        const char* vorm; // with the length; a table's row begins with its name
-        size_t lengte;
-    } lengtes[] = {
-        {"| `DTART` article groups | %zu |", sizeof(artrec)},
-        {"| `DTMERK` brands | %zu |", sizeof(merkrec)},
-        {"| `DTLEV` relations | %zu |", sizeof(levrec)},
-        {"| `DTLEVEXT` | %zu |", sizeof(levextrec)},
-        {"| `DTOMZGRP` | %zu |", sizeof(omzgrprec)},
-        {"| `DTDOELGR` | %zu |", sizeof(doelgrrec)},
-        {"| `DTVVTAB` pre-distributions | %zu |", sizeof(vvrec)},
-        {"| `DTKOERS` rates | %zu |", sizeof(koersrec)},
-        {"| `DTEAN` | %zu |", sizeof(eanrec)},
-        {"| `DTMAAT` sizes | %zu |", sizeof(maatrij)},
-        {"`DTSERPIC` is made with %zu bytes", sizeof(serpicrec)},
-        {"record r at r × %zu. Key 1", sizeof(prijsgroeprec)},
-        {"Blocks of %zu bytes, block b", sizeof(etiblok)},
-        {"Records of %zu bytes: record 0 the head office", sizeof(filiaalrec)},
-        {"## Data dictionary row\n\n%zu bytes in memory", sizeof(zg::DDRIJ)},
-        {"| O | %zu | header", sizeof(ordkop)},
-        {"| M | %zu | model", sizeof(ordmodel)},
-        {"| D | %zu | line", sizeof(orddessin)},
-        {"| T | %zu | fifth", sizeof(ordtekst)},
-        {"| S | %zu | prices", sizeof(ordmaat)},
-        {"| E, B | %zu | extension", sizeof(ordextra)},
-        {"| L | %zu | delivery", sizeof(ordlevt)},
-        {"| F | %zu | quantity", sizeof(ordfil)},
-        {"one entry of %zu bytes a line of the work file", sizeof(ors_ingang)},
-        {"`ORDnnnn.ACT`: %zu bytes", sizeof(act_record)},
-        {"## ORDPARM.SYS\n\n%zu bytes", sizeof(ordparm)},
-        {"the transfer\n\n%zu bytes each", sizeof(edirec)},
-        {"Header, %zu bytes that mean something", sizeof(IXHEADER)},
-        {"Key, %zu bytes", sizeof(IXKEYDEF)},
-        {"| `TR_PTRG` printers | %zu |", sizeof(prtrec)},
-        {"| `TR_PTRC` connections | %zu |", sizeof(prtverbinding)},
-        {"| `TR_PTRP` configurations | %zu |", sizeof(prtconfig)},
-        {"| `TR_PTRCA` control texts | %zu |", sizeof(prtcode)},
-        {"title \"mac_rec\", %zu bytes", sizeof(mac_rec)},
-    };
-    for (const auto& l : lengtes) {
+    // vorm: with the length; a table's row begins with its name
+    for (const auto& [vorm, lengte] : Rijen<const char*, size_t>{
+             {"| `DTART` article groups | %zu |", sizeof(artrec)},
+             {"| `DTMERK` brands | %zu |", sizeof(merkrec)},
+             {"| `DTLEV` relations | %zu |", sizeof(levrec)},
+             {"| `DTLEVEXT` | %zu |", sizeof(levextrec)},
+             {"| `DTOMZGRP` | %zu |", sizeof(omzgrprec)},
+             {"| `DTDOELGR` | %zu |", sizeof(doelgrrec)},
+             {"| `DTVVTAB` pre-distributions | %zu |", sizeof(vvrec)},
+             {"| `DTKOERS` rates | %zu |", sizeof(koersrec)},
+             {"| `DTEAN` | %zu |", sizeof(eanrec)},
+             {"| `DTMAAT` sizes | %zu |", sizeof(maatrij)},
+             {"`DTSERPIC` is made with %zu bytes", sizeof(serpicrec)},
+             {"record r at r × %zu. Key 1", sizeof(prijsgroeprec)},
+             {"Blocks of %zu bytes, block b", sizeof(etiblok)},
+             {"Records of %zu bytes: record 0 the head office", sizeof(filiaalrec)},
+             {"## Data dictionary row\n\n%zu bytes in memory", sizeof(zg::DDRIJ)},
+             {"| O | %zu | header", sizeof(ordkop)},
+             {"| M | %zu | model", sizeof(ordmodel)},
+             {"| D | %zu | line", sizeof(orddessin)},
+             {"| T | %zu | fifth", sizeof(ordtekst)},
+             {"| S | %zu | prices", sizeof(ordmaat)},
+             {"| E, B | %zu | extension", sizeof(ordextra)},
+             {"| L | %zu | delivery", sizeof(ordlevt)},
+             {"| F | %zu | quantity", sizeof(ordfil)},
+             {"one entry of %zu bytes a line of the work file", sizeof(ors_ingang)},
+             {"`ORDnnnn.ACT`: %zu bytes", sizeof(act_record)},
+             {"## ORDPARM.SYS\n\n%zu bytes", sizeof(ordparm)},
+             {"the transfer\n\n%zu bytes each", sizeof(edirec)},
+             {"Header, %zu bytes that mean something", sizeof(IXHEADER)},
+             {"Key, %zu bytes", sizeof(IXKEYDEF)},
+             {"| `TR_PTRG` printers | %zu |", sizeof(prtrec)},
+             {"| `TR_PTRC` connections | %zu |", sizeof(prtverbinding)},
+             {"| `TR_PTRP` configurations | %zu |", sizeof(prtconfig)},
+             {"| `TR_PTRCA` control texts | %zu |", sizeof(prtcode)},
+             {"title \"mac_rec\", %zu bytes", sizeof(mac_rec)},
+         }) {
         char zin[200];
-        snprintf(zin, sizeof zin, l.vorm, l.lengte);
+        snprintf(zin, sizeof zin, vorm, lengte);
         EXPECT_TRUE(heeft(doc, zin)) << zin;
     }
     for (const Systabel& t :

@@ -282,21 +282,17 @@ TEST(Afdruk, FortyColumnsAndBrokenOff) {
 
 // A piece of the first series of supplier 10's first order comes in, its second series goes.
 void lever_en_verwijder(const DemoMap& map) {
-    std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
-    bool geleverd = false;
-    for (size_t p = 0; p + sizeof(etiblok) <= eti.size() && !geleverd; p += sizeof(etiblok)) {
-        etiblok b;
-        memcpy(&b, &eti[p], sizeof b);
-        if (b.serie.artikelgroep != 1100 || b.serie.kleur != 1)
-            continue;
-        etiket l;
-        eti_uit(b.plaats[0], b.serie, 0, &l);
-        l.status = ETI_VOORRAAD;
-        geleverd = eti_pak(l, nullptr, b.plaats[0]);
-        memcpy(&eti[p], &b, sizeof b);
-    }
-    EXPECT_TRUE(geleverd);
-    schrijf_bestand(map.bestand("DTETI.TXT"), eti);
+    const std::vector<etiblok> blokken = map.alle<etiblok>("DTETI.TXT");
+    const auto eerste = std::find_if(blokken.begin(), blokken.end(), [](const etiblok& b) {
+        return b.serie.artikelgroep == 1100 && b.serie.kleur == 1;
+    });
+    ASSERT_NE(eerste, blokken.end());
+    etiblok b = *eerste;
+    etiket l;
+    eti_uit(b.plaats[0], b.serie, 0, &l);
+    l.status = ETI_VOORRAAD;
+    EXPECT_TRUE(eti_pak(l, nullptr, b.plaats[0]));
+    zet(map, "DTETI.TXT", static_cast<size_t>(eerste - blokken.begin()) * sizeof b, b);
     const Uit weg =
         sh("cd '" + map.pad() +
            "' && printf 'set artikelgroep=1100 kleur=49 volgnummer=1\nread\ndelete\n' | ixsh DTSER");

@@ -1,8 +1,6 @@
 // Series in the full registration as a buyer meets them: the demo firm's register, ordering again with each refusal,
 // a duplicate, two who add at once; and what stands in the files then.
-#include "e2e/loop.h"
-#include "shared/ioeti.h"
-#include "shared/registerrec.h"
+#include "e2e/storingsmap.h"
 #include "sub/omserie.h"
 #include "sub/serzoek.h"
 #include "term/scherm.h"
@@ -14,12 +12,6 @@ namespace {
 
 struct Registermap : DemoMap {
     Registermap() : DemoMap("data/demo", "--register") {}
-    template <class R> std::vector<R> alle(const char* naam) const {
-        const std::string bytes = lees_bestand(bestand(naam));
-        std::vector<R> uit(bytes.size() / sizeof(R));
-        memcpy(static_cast<void*>(uit.data()), bytes.data(), uit.size() * sizeof(R));
-        return uit;
-    }
     // A series of the file by its text; its place in the file.
     size_t plaats(int groep, int kleur, int volg) const {
         const auto series = alle<zg::serrec>("DTSER.TXT");
@@ -33,19 +25,11 @@ struct Registermap : DemoMap {
         const size_t p = plaats(groep, kleur, volg);
         return p == SIZE_MAX ? zg::serrec{} : alle<zg::serrec>("DTSER.TXT")[p];
     }
-    void zet(int groep, int kleur, int volg, size_t waar, const std::string& bytes) const {
-        wijzig_bestand(bestand("DTSER.TXT"), plaats(groep, kleur, volg) * sizeof(zg::serrec) + waar, bytes);
-    }
     // Labels of an order: size x pieces, in one text.
     std::string labels(int order) const {
         std::map<int, int> per;
-        for (const auto& b : alle<zg::etiblok>("DTETI.TXT"))
-            for (const auto& p : b.plaats) {
-                zg::etiket l;
-                zg::eti_uit(p, b.serie, 0, &l);
-                if (l.status == 1 && l.ordernummer == order)
-                    per[l.maat]++;
-            }
+        for (const zg::etiket& l : labels_van(*this, order))
+            per[l.maat]++;
         std::string uit;
         for (auto [maat, n] : per)
             uit += std::to_string(maat) + "x" + std::to_string(n) + " ";
@@ -67,10 +51,6 @@ struct Koper : Programma {
         t.toetsen(std::string("Bs") + sleutel, waarom);
         t.toetsen("<Enter><Esc>", "Uw keuze _  T");
     }
-    void klaar() {
-        t.toetsen("<Esc><Esc>");
-        uit();
-    }
 };
 
 // The orders of the demo firm look as they do without a register, and looking changes no byte.
@@ -87,7 +67,7 @@ TEST(Bijbestel, TheDemoFirmsRegister) {
               " NORD Kjole Søs       Bomuld       Prikket          1110  36       7    1323.00");
     EXPECT_EQ(p.t.stuk(5, 14, 10), "1008 / Vår");
     p.t.toetsen("RA<Esc>");
-    p.klaar();
+    p.uit("<Esc><Esc>");
     EXPECT_EQ(DemoMap::verschil(voor, map.inhoud()), "DTSYS.TXT ");
 }
 
@@ -107,7 +87,7 @@ TEST(Bijbestel, ByNumberWithEachRefusal) {
         p.t.toetsen("010416<Enter>300416<Enter>2<Enter>3<Enter><Esc><Esc>", " 14       5 ");
         p.geweigerd("1110<Enter>14<Enter><Enter>",
                     "Er bestaat al een order met dezelfde orderdatum 01-03-16");
-        p.klaar();
+        p.uit("<Esc><Esc>");
     }
     zg::serrec nu = map.serie(1110, 14, 1);
     EXPECT_EQ(nu.in_nota, was.in_nota + 5);
@@ -121,11 +101,12 @@ TEST(Bijbestel, ByNumberWithEachRefusal) {
         p.nieuwe_order("13", "<Home>191015");
         p.geweigerd("1110<Enter>14<Enter><Enter>",
                     "Op de orderdatum was deze serie nog niet gedefinieerd (19-10-15)");
-        map.zet(1110, 14, 1, offsetof(zg::serrec, stempel_mag),
-                "\1"); // now it may be moved back: the next test says no
+        zet(map, "DTSER.TXT",
+            map.plaats(1110, 14, 1) * sizeof(zg::serrec) + offsetof(zg::serrec, stempel_mag),
+            '\1'); // now it may be moved back: the next test says no
         p.geweigerd("1110<Enter>14<Enter><Enter>",
                     "Er bestaat al een order met dezelfde orderdatum 19-10-15");
-        p.klaar();
+        p.uit("<Esc><Esc>");
     }
     EXPECT_EQ(map.serie(1110, 14, 1).stempel, was.stempel) << "only with a line";
     {
@@ -133,14 +114,14 @@ TEST(Bijbestel, ByNumberWithEachRefusal) {
         p.nieuwe_order("13", "<Home>181015");
         p.t.toetsen("Bs1110<Enter>14<Enter><Enter>", "Levertermijn");
         p.t.toetsen("010416<Enter>300416<Enter>1<Enter><Esc><Esc>", " 14       1 ");
-        p.klaar();
+        p.uit("<Esc><Esc>");
     }
     EXPECT_EQ(map.serie(1110, 14, 1).stempel % 86400, 0) << "the first second of the order's day";
     EXPECT_LT(map.serie(1110, 14, 1).stempel, was.stempel);
     Koper p(map);
     p.nieuwe_order("13", "<Home>050316", "VEUR<Enter>");
     p.geweigerd("1110<Enter>14<Enter><Enter>", "Afwijkende valutacode");
-    p.klaar();
+    p.uit("<Esc><Esc>");
 }
 
 // By brand and model; and a duplicate, which is a series of its own with the next free number.
@@ -157,7 +138,7 @@ TEST(Bijbestel, ByModelAndDuplicated) {
     p.t.toetsen("1<Enter>", 25, 1, "Serie 1110.14.1 reeds aanwezig");
     p.t.toetsen("7<Enter><Esc><Esc>", "AANTALLEN");
     p.t.toetsen("A<Esc>", "Regels          2");
-    p.klaar();
+    p.uit("<Esc><Esc>");
     EXPECT_EQ(map.alle<zg::serrec>("DTSER.TXT").size(), series + 1);
     const zg::serrec nieuw = map.serie(1110, 14, 7);
     EXPECT_EQ(nieuw.in_nota * 10 + (nieuw.etiketkop >= 0), 21);
@@ -187,7 +168,7 @@ TEST(Bijbestel, TwoAddAtOnce) {
     EXPECT_EQ(lees_bestand(map.bestand("SERNR02.RES")), "") << "its number was given up";
     weer.uit("<Esc>");
     een.t.toetsen("<Esc><F6>J<Enter>", "Uw keuze _  Toevoegen");
-    een.klaar();
+    een.uit("<Esc><Esc>");
     EXPECT_EQ(lees_bestand(map.bestand("SERNR01.RES")), "");
 }
 
@@ -208,7 +189,7 @@ TEST(Bijbestel, AnothersSortIndexFollowsTheModel) {
     Koper p(map);
     p.eerste_order(13);
     p.t.toetsen("WMMOmega<Enter><Esc>", " NORD OMEGA ");
-    p.klaar();
+    p.uit("<Esc><Esc>");
     const zg::serrec serie = map.serie(1110, 36, 1);
     zg::ICB* icb = zg::IXOPEN(index.c_str(), 0);
     uint8_t rec[zg::IXRECMAX] = {};
@@ -256,8 +237,8 @@ TEST(Bijbestel, OneSeriesInTwoOrders) {
     EXPECT_TRUE(een->t.kalm(120'000) && twee.t.kalm(120'000)) << een->t.scherm() << twee.t.scherm();
     twee.t.wacht(" 1611.00");
     een->t.wacht(" 2953.00");
-    een->klaar();
-    twee.klaar();
+    een->uit("<Esc><Esc>");
+    twee.uit("<Esc><Esc>");
     EXPECT_EQ(map.labels(1013), "2x4 3x6 ");
     EXPECT_EQ(sh("zgcheck -q \"" + map.pad() + "\"").tekst, "");
 }

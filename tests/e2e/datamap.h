@@ -26,6 +26,10 @@ public:
     Opties opties() const; // clock 1 March 2016; BIN leads to a stand-in that shows what it was started with
 };
 
+struct InDatamap : testing::Test {
+    Datamap map;
+};
+
 // The order of supplier 99 gets a kind of message that has receiving locations, as the EDI programs do it.
 void met_locatie(const DemoMap& map);
 

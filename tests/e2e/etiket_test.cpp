@@ -11,9 +11,7 @@ namespace {
 struct Etiketmap : DemoMap {
     Etiketmap() : DemoMap("data/demo", "--empty-register") {}
     zg::etiket label(int nummer) const {
-        const std::string eti = lees_bestand(bestand("DTETI.TXT"));
-        zg::etiblok b;
-        memcpy(&b, &eti.at(static_cast<size_t>((nummer - 1) / 10) * sizeof b), sizeof b);
+        const zg::etiblok b = alle<zg::etiblok>("DTETI.TXT").at(static_cast<size_t>(nummer - 1) / 10);
         zg::etiket uit;
         zg::eti_uit(b.plaats[(nummer - 1) % 10], b.serie, 0, &uit);
         return uit;
@@ -21,9 +19,7 @@ struct Etiketmap : DemoMap {
     // All labels of the file by number: what `toon` makes of each; those that are free as "-".
     template <class F> std::string labels(F toon) const {
         std::string uit;
-        const int aantal =
-            static_cast<int>(lees_bestand(bestand("DTETI.TXT")).size() / sizeof(zg::etiblok)) * 10;
-        for (int nr = 1; nr <= aantal; nr++)
+        for (int nr = 1; nr <= 10 * std::ssize(alle<zg::etiblok>("DTETI.TXT")); nr++)
             uit += (label(nr).status ? toon(label(nr)) : "-") + " ";
         return uit;
     }
@@ -35,20 +31,12 @@ struct Etiketmap : DemoMap {
         });
     }
     void zet_label(int nummer, const zg::etiket& l) const {
-        uint8_t bytes[zg::ETIPLAATS];
-        EXPECT_TRUE(zg::eti_pak(l, nullptr, bytes));
-        wijzig_bestand(bestand("DTETI.TXT"),
-                       static_cast<size_t>((nummer - 1) / 10) * sizeof(zg::etiblok) +
-                           offsetof(zg::etiblok, plaats) +
-                           static_cast<size_t>((nummer - 1) % 10) * zg::ETIPLAATS,
-                       {reinterpret_cast<char*>(bytes), sizeof bytes});
+        const auto blok = static_cast<size_t>(nummer - 1) / 10;
+        zg::etiblok b = alle<zg::etiblok>("DTETI.TXT").at(blok);
+        EXPECT_TRUE(zg::eti_pak(l, nullptr, b.plaats[(nummer - 1) % 10]));
+        zet(*this, "DTETI.TXT", blok * sizeof b, b);
     }
-    zg::serrec serie(int nr = 0) const {
-        zg::serrec uit{};
-        const std::string ser = lees_bestand(bestand("DTSER.TXT"));
-        memcpy(static_cast<void*>(&uit), &ser.at(static_cast<size_t>(nr) * sizeof uit), sizeof uit);
-        return uit;
-    }
+    zg::serrec serie(int nr = 0) const { return alle<zg::serrec>("DTSER.TXT").at(static_cast<size_t>(nr)); }
     size_t leven(const char* naam, size_t reclen) const { // live records of a pair
         const std::string txt = lees_bestand(bestand(naam));
         size_t n = 0;
@@ -70,10 +58,6 @@ struct Buyer : Programma {
         t.toetsen("<Down>S<Enter><Enter>20<Enter><Enter><Esc>", "Levertermijn");
         t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>", dan);
     }
-    void einde_order() {
-        t.toetsen("<Esc><Esc>");
-        uit();
-    }
 };
 
 TEST(Etiket, QuantitiesTermsAndHeader) {
@@ -82,7 +66,7 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
         Buyer p(map);
         p.nieuwe_order();
         p.nieuwe_regel("14");
-        p.einde_order();
+        p.uit("<Esc><Esc>");
     }
     EXPECT_EQ(map.cellen(), "1/0+30 1/0+30 1/0+30 2/0+30 2/0+30 2/0+30 3/0+30 3/0+30 3/0+30 3/0+30 "
                             "4/0+30 4/0+30 4/0+30 4/0+30 5/0+30 5/0+30 5/0+30 5/0+30 - - ");
@@ -119,7 +103,7 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
         EXPECT_EQ(map.cellen().find("+30"), map.cellen().rfind("+30") - 9) << "those of the others";
         p.t.toetsen("WOI2<Enter>N2");
         p.t.toetsen("14<Enter><Esc>", "Uw keuze _  T");
-        p.einde_order();
+        p.uit("<Esc><Esc>");
     }
     const std::string wie = map.labels([](const zg::etiket& e) {
         return std::to_string(e.status) + ":" + std::to_string(e.inkoopcode) + ":" +
@@ -136,7 +120,7 @@ TEST(Etiket, QuantitiesTermsAndHeader) {
         Buyer p(map);
         p.eerste_order(99);
         p.t.toetsen("VJ<Enter>", "Uw keuze _  Toevoegen");
-        p.einde_order();
+        p.uit("<Esc><Esc>");
     }
     EXPECT_EQ(map.labels([](const zg::etiket& e) {
         return std::to_string(e.status) + ":" + std::to_string(e.ordernummer);
@@ -165,33 +149,30 @@ TEST(Etiket, SeriesDeletedAndItsPlacesUsedAgain) {
     EXPECT_EQ(map.serie().etiketkop, 1) << "the block freed last";
     p.t.toetsen("VJ<Enter>N<Enter>", "Uw keuze _  Toevoegen"); // this one keeps its series
     EXPECT_EQ(map.serie().in_nota, 0);
-    p.einde_order();
+    p.uit("<Esc><Esc>");
 }
 
 // What there is no room for is said before anything of the line is written.
 TEST(Etiket, RefusedBeforeAnythingIsWritten) {
-    const struct {
-        std::vector<std::pair<size_t, std::string>> systeem; // places of DTSYS.TXT
-        const char* melding;
-    } rijen[] = {
-        {{{14 * 64 + 6, "\6"}, {3 * 64, std::string("\x9F\x86\1\0\x9F\x86\1\0", 8)}},
-         "Geen ruimte voor 18 nieuwe etiketten"},
-        {{{13 * 64, std::string("\xFC\xE0\xF5\5", 4)}}, "EAN"}, // three codes left
-    };
-    for (const auto& r : rijen) {
-        SCOPED_TRACE(r.melding);
+    // systeem: places of DTSYS.TXT
+    for (const auto& [systeem, melding] : Rijen<std::vector<std::pair<size_t, std::string>>, const char*>{
+             {{{14 * 64 + 6, "\6"}, {3 * 64, std::string("\x9F\x86\1\0\x9F\x86\1\0", 8)}},
+              "Geen ruimte voor 18 nieuwe etiketten"},
+             {{{13 * 64, std::string("\xFC\xE0\xF5\5", 4)}}, "EAN"}, // three codes left
+         }) {
+        SCOPED_TRACE(melding);
         Etiketmap map;
         std::string sys = lees_bestand(map.bestand("DTSYS.TXT"));
-        for (const auto& [plaats, bytes] : r.systeem)
+        for (const auto& [plaats, bytes] : systeem)
             sys.replace(plaats, bytes.size(), bytes);
         schrijf_bestand(map.bestand("DTSYS.TXT"), sys);
-        if (r.systeem.size() == 2) { // as full as it gets
+        if (systeem.size() == 2) { // as full as it gets
             EXPECT_EQ(truncate(map.bestand("DTETI.TXT").c_str(), 99'999 * 376), 0);
         }
         Buyer p(map);
         p.nieuwe_order();
         const auto voor = map.inhoud();
-        p.nieuwe_regel("14", r.melding);
+        p.nieuwe_regel("14", melding);
         p.t.toetsen("<Enter>", "Uw keuze _  Toevoegen");
         // The number was noted before it was reserved; the codes' lock and the queue of numbers are as they were.
         std::string anders;
@@ -199,7 +180,7 @@ TEST(Etiket, RefusedBeforeAnythingIsWritten) {
             if (naam.starts_with("DT") && (!voor.contains(naam) || voor.at(naam) != inhoud))
                 anders += naam + " ";
         EXPECT_EQ(anders, "");
-        p.einde_order();
+        p.uit("<Esc><Esc>");
         EXPECT_EQ(lees_bestand(map.bestand("2016Z/ORD0099.JRN")), "");
     }
 }
@@ -211,7 +192,7 @@ TEST(Etiket, DamagedChain) {
         p.nieuwe_order();
         p.nieuwe_regel("14");
         p.nieuwe_regel("20");
-        p.einde_order();
+        p.uit("<Esc><Esc>");
     }
     std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
     eti[offsetof(zg::etiblok, volgende)] = 3; // into the chain of the other line
@@ -231,7 +212,7 @@ TEST(Etiket, DamagedChain) {
     p.t.wacht("1: 1120.14.1");
     p.t.toetsen("<Enter>", "Uw keuze _  T");
     EXPECT_EQ(map.label(1).inkoopcode * 10 + map.label(21).inkoopcode, 2);
-    p.einde_order();
+    p.uit("<Esc><Esc>");
 
     // A series whose record leads to no chain has no pieces, and gets one with its first.
     std::string ser = lees_bestand(map.bestand("DTSER.TXT"));
@@ -244,7 +225,7 @@ TEST(Etiket, DamagedChain) {
     q.t.toetsen("<Enter><Enter><Down>WA", "Levertermijn");
     q.t.toetsen("010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>", "Uw keuze _  T");
     EXPECT_EQ(map.serie(1).etiketkop * 100 + map.serie(1).in_nota, 418) << q.t.scherm();
-    q.einde_order();
+    q.uit("<Esc><Esc>");
 }
 
 } // namespace

@@ -9,8 +9,7 @@ namespace {
 
 // Installed, and moved to where it is from then on: a name with a blank.
 std::string installeer(const TijdelijkeMap& map) {
-    const Uit u = sh("cmake --install \"" ZG_BINARY_DIR "\" --prefix " + map.pad() + "/eerst");
-    EXPECT_EQ(u.status, 0) << u.tekst;
+    hoort("cmake --install \"" ZG_BINARY_DIR "\" --prefix " + map.pad() + "/eerst", 0);
     fs::rename(map.pad() + "/eerst", map.pad() + "/hier staat het");
     return map.pad() + "/hier staat het";
 }

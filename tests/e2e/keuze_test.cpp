@@ -3,23 +3,21 @@
 
 using namespace zg::test;
 
-TEST(Keuze, SeizoenGetyptGekozenOfStandaard) {
-    Datamap map;
+using Keuze = InDatamap;
+
+TEST_F(Keuze, SeizoenGetyptGekozenOfStandaard) {
     Programma p(map);
-    struct {
-        const char *toetsen, *melding;
-    } fout[] = {
-        {"123<Enter>", "<123> Ongeldig jaartal"},
-        {"1979<Enter>", "<1979> Alleen 1980 t/m 2021 mogelijk"},
-        {"51<Enter>", "<1951> Alleen 1980 t/m 2021 mogelijk"},
-        {"50<Enter>", "<2050> Alleen 1980 t/m 2021 mogelijk"},
-        {"2022<Enter>", "<2022> Alleen 1980 t/m 2021 mogelijk"},
-        {"15<Enter>W<Enter>", "2015W: onbekend inkoopseizoen"},
-        {"99<Enter>K<Enter>", "1999K: onbekend inkoopseizoen"},
-    };
-    for (auto& f : fout) {
-        p.t.toetsen(f.toetsen);
-        EXPECT_TRUE(p.t.wacht_op(25, 1, f.melding)) << f.toetsen << "\n" << p.t.scherm();
+    for (const auto& [toetsen, melding] : Rijen<const char*, const char*>{
+             {"123<Enter>", "<123> Ongeldig jaartal"},
+             {"1979<Enter>", "<1979> Alleen 1980 t/m 2021 mogelijk"},
+             {"51<Enter>", "<1951> Alleen 1980 t/m 2021 mogelijk"},
+             {"50<Enter>", "<2050> Alleen 1980 t/m 2021 mogelijk"},
+             {"2022<Enter>", "<2022> Alleen 1980 t/m 2021 mogelijk"},
+             {"15<Enter>W<Enter>", "2015W: onbekend inkoopseizoen"},
+             {"99<Enter>K<Enter>", "1999K: onbekend inkoopseizoen"},
+         }) {
+        p.t.toetsen(toetsen);
+        EXPECT_TRUE(p.t.wacht_op(25, 1, melding)) << toetsen << "\n" << p.t.scherm();
         EXPECT_EQ(p.t.cursor_rij(), 1);
     }
     // ESC at the letter goes back to the year, the second one out of the field would leave.
@@ -39,8 +37,7 @@ TEST(Keuze, SeizoenGetyptGekozenOfStandaard) {
     p.uit("<Esc>");
 }
 
-TEST(Keuze, EerstVerwerken) {
-    Datamap map;
+TEST_F(Keuze, EerstVerwerken) {
     for (auto [bestand, melding] : {std::pair{"STAT07.TXT", "Eerst stamgegevens verwerken a.u.b."},
                                     {"2016Z/NEWORD.TXT", "Eerst orders verwerken a.u.b."}}) {
         schrijf_bestand(map.bestand(bestand), "");
@@ -52,8 +49,7 @@ TEST(Keuze, EerstVerwerken) {
     }
 }
 
-TEST(Keuze, LeverancierOpNummerEnUitDeLijst) {
-    Datamap map;
+TEST_F(Keuze, LeverancierOpNummerEnUitDeLijst) {
     Programma p(map);
     p.t.toetsen("<Enter><Enter>999<Enter>", "Wilt u leverancier 999 toevoegen");
     p.t.toetsen("<Enter>", "<999> Onbekende leverancier");
@@ -71,22 +67,18 @@ TEST(Keuze, LeverancierOpNummerEnUitDeLijst) {
     EXPECT_FALSE(map.bestaat("2016Z/ORD0027.JRN")) << "an empty journal stays behind";
 }
 
-TEST(Keuze, OrderlijstSorteringPositieEnVerlaten) {
-    Datamap map;
+TEST_F(Keuze, OrderlijstSorteringPositieEnVerlaten) {
     map.sys(32, std::string("\x04\0", 2)); // supplier's order numbers are in use: three orderings
     std::string inhoud;
-    struct {
-        const char *oms, *nr;
-        int dag, ordernr;
-    } orders[] = {{"Eerste", "B-7", 0, 1500},
-                  {"Tweede", "A-9", -30, 1700},
-                  {"Vierde", "", -10, 1600},
-                  {"Vijfde", "b-1", 0, 1501},
-                  {"Derde", "", -10, 1600}};
-    for (auto& o : orders) {
-        zg::ordkop kop = maak_kop(o.oms, static_cast<uint16_t>(WERKDATUM + o.dag));
-        kop.ordernummer = o.ordernr;
-        memcpy(kop.lev_ordernr, o.nr, strlen(o.nr));
+    for (const auto& [oms, nr, dag, ordernr] :
+         Rijen<const char*, const char*, int, int>{{"Eerste", "B-7", 0, 1500},
+                                                   {"Tweede", "A-9", -30, 1700},
+                                                   {"Vierde", "", -10, 1600},
+                                                   {"Vijfde", "b-1", 0, 1501},
+                                                   {"Derde", "", -10, 1600}}) {
+        zg::ordkop kop = maak_kop(oms, static_cast<uint16_t>(WERKDATUM + dag));
+        kop.ordernummer = ordernr;
+        memcpy(kop.lev_ordernr, nr, strlen(nr));
         inhoud += maak_order(kop, {Regel{}});
     }
     map.journaal(inhoud);

@@ -39,19 +39,15 @@ constexpr char LIJN[] = "<Enter><Enter>10<Enter><Enter>"
                         "010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>";
 
 TEST(Mutatie, MasterData) {
-    const struct {
-        bool link, kantoor, kassa;
-        const char* regels;
-    } rijen[] = {
-        {true, true, true, "255255R10\n255255M0101\n255255C1100\n255255I0110001\n255255Q1\n255255K1\n"},
-        {true, false, true, "255255M0101\n255255C1100\n"},
-        {false, true, true, "none"},
-    };
-    for (const auto& r : rijen) {
-        Kassafirma map(r.link, r.kantoor, r.kassa);
+    for (const auto& [link, kantoor, kassa, regels] : Rijen<bool, bool, bool, const char*>{
+             {true, true, true, "255255R10\n255255M0101\n255255C1100\n255255I0110001\n255255Q1\n255255K1\n"},
+             {true, false, true, "255255M0101\n255255C1100\n"},
+             {false, true, true, "none"},
+         }) {
+        Kassafirma map(link, kantoor, kassa);
         Programma p(overgave(map), demo_opties(map));
         p.t.toetsen(STAM);
-        EXPECT_EQ(map.mutaties(), r.regels) << r.link << r.kantoor << r.kassa << p.t.scherm();
+        EXPECT_EQ(map.mutaties(), regels) << link << kantoor << kassa << p.t.scherm();
     }
     Kassafirma map(true, true, false);
     Programma p(overgave(map), demo_opties(map));
@@ -112,21 +108,17 @@ TEST(Mutatie, Series) {
             uit += "255255E0112002000020" + std::to_string(m) + "\n";
         return uit;
     };
-    const struct {
-        const char* toetsen;
-        std::string regels;
-    } stappen[] = {
-        {LIJN, "255255G0001121000001120NIEUW          *M\n255255d011200200002\n" + codes(5)},
-        {"WMMOmega<Enter><Esc>", "255255G0001121010101120OMEGA          *M\n" + codes(5)},
-        {"WPI<Enter>25<Enter><Enter><Enter><Esc><Esc>", "255255W011200200002\n" + codes(5)},
-        {"WPA<Enter>30<Enter><Esc><Esc>", "255255W011200200002\n" + codes(5)},
-        {"WPMN<Enter><Enter><Enter><Enter><Enter><Enter>J<Enter><Esc>", // a size more
-         "255255Y01120020000206\n255255W011200200002\n" + codes(6)},
-        {"VJ<Enter>J<Enter>J<Enter>", "255255g011200200002\n255255G0001121010101120OMEGA          *M\n"},
-    };
-    for (const auto& s : stappen) {
-        p.t.toetsen(s.toetsen);
-        EXPECT_EQ(map.mutaties(), s.regels) << s.toetsen << p.t.scherm();
+    for (const auto& [toetsen, regels] : Rijen<const char*, std::string>{
+             {LIJN, "255255G0001121000001120NIEUW          *M\n255255d011200200002\n" + codes(5)},
+             {"WMMOmega<Enter><Esc>", "255255G0001121010101120OMEGA          *M\n" + codes(5)},
+             {"WPI<Enter>25<Enter><Enter><Enter><Esc><Esc>", "255255W011200200002\n" + codes(5)},
+             {"WPA<Enter>30<Enter><Esc><Esc>", "255255W011200200002\n" + codes(5)},
+             {"WPMN<Enter><Enter><Enter><Enter><Enter><Enter>J<Enter><Esc>", // a size more
+              "255255Y01120020000206\n255255W011200200002\n" + codes(6)},
+             {"VJ<Enter>J<Enter>J<Enter>", "255255g011200200002\n255255G0001121010101120OMEGA          *M\n"},
+         }) {
+        p.t.toetsen(toetsen);
+        EXPECT_EQ(map.mutaties(), regels) << toetsen << p.t.scherm();
         zg::IOUNLINK(pad.c_str());
     }
 }

@@ -5,9 +5,10 @@
 
 using namespace zg::test;
 
+using Omstandigheid = InDatamap;
+
 // The journal can't be written: told, the old one stands, and the change is kept.
-TEST(Omstandigheid, SchijfVolBijHetVastleggen) {
-    Datamap map;
+TEST_F(Omstandigheid, SchijfVolBijHetVastleggen) {
     std::string achter;
     for (int i = 0; i < 60; i++)
         achter += maak_order(maak_kop("Vulling", static_cast<uint16_t>(WERKDATUM - 10 - i)), {Regel{}});
@@ -36,8 +37,7 @@ TEST(Omstandigheid, SchijfVolBijHetVastleggen) {
 }
 
 // A scratch file that can't be made: told, and back to the menu with nothing changed.
-TEST(Omstandigheid, WerkbestandNietTeOpenen) {
-    Datamap map;
+TEST_F(Omstandigheid, WerkbestandNietTeOpenen) {
     std::string inhoud = maak_order(maak_kop("Dicht"), {Regel{}});
     map.journaal(inhoud);
     for (const char* ext : {"ORS", "TMP"}) {
@@ -55,8 +55,7 @@ TEST(Omstandigheid, WerkbestandNietTeOpenen) {
 }
 
 // Receiving location and supplier's order number of an EDI order.
-TEST(Omstandigheid, EdiOrder) {
-    Datamap map;
+TEST_F(Omstandigheid, EdiOrder) {
     map.sys(32, std::string("\x04\0", 2));
     zg::ordkop kop = maak_kop("Edi");
     kop.edi_soort = 2;

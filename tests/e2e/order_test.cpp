@@ -21,30 +21,26 @@ std::vector<Regel> genummerd(int n, int per_model = 1) {
 } // namespace
 
 TEST(Order, BladerenEnTotalen) {
-    struct {
-        int regels;
-        const char* toetsen;
-        int cursor, top;
-    } gevallen[] = {
-        {1, "<Down><PgDn>", 1, 1},
-        {15, "<PgDn>", 15, 15},
-        {15, "<Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down>", 15, 2},
-        {60, "<PgDn><PgDn><PgUp><Up>", 14, 14},
-    };
-    for (auto& g : gevallen) {
-        SCOPED_TRACE(std::to_string(g.regels) + g.toetsen);
-        std::string inhoud = maak_order(maak_kop("Bladeren"), genummerd(g.regels));
+    for (const auto& [regels, toetsen, cursor, top] : Rijen<int, const char*, int, int>{
+             {1, "<Down><PgDn>", 1, 1},
+             {15, "<PgDn>", 15, 15},
+             {15, "<Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down><Down>", 15,
+              2},
+             {60, "<PgDn><PgDn><PgUp><Up>", 14, 14},
+         }) {
+        SCOPED_TRACE(std::to_string(regels) + toetsen);
+        std::string inhoud = maak_order(maak_kop("Bladeren"), genummerd(regels));
         Orderscherm p(inhoud);
-        p.t.toetsen(g.toetsen);
-        std::string eerste = "D" + std::to_string(g.top) + " ", hier = "D" + std::to_string(g.cursor) + " ";
-        int rij = 8 + g.cursor - g.top;
+        p.t.toetsen(toetsen);
+        std::string eerste = "D" + std::to_string(top) + " ", hier = "D" + std::to_string(cursor) + " ";
+        int rij = 8 + cursor - top;
         EXPECT_EQ(p.t.stuk(8, 36, static_cast<int>(eerste.size())), eerste) << p.t.scherm();
         EXPECT_EQ(p.t.stuk(rij, 36, static_cast<int>(hier.size())), hier) << p.t.scherm();
         EXPECT_TRUE(p.t.cel(rij, 36).keus);
-        int onder = g.top + 13 <= g.regels ? 14 : g.regels - g.top + 1;
+        int onder = top + 13 <= regels ? 14 : regels - top + 1;
         for (int r = 0; r < 14; r++)
             EXPECT_EQ(p.t.cel(8 + r, 36).teken != " ", r < onder) << "row " << 8 + r << "\n" << p.t.scherm();
-        int stuks = g.regels * (g.regels + 1) / 2;
+        int stuks = regels * (regels + 1) / 2;
         EXPECT_EQ(p.t.stuk(3, 50, 9), vorm("%9d", stuks));
         EXPECT_EQ(p.t.stuk(4, 69, 11), vorm("%11.2f", stuks * 10.0));
         p.uit("<Esc>");

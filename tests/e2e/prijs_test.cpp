@@ -71,127 +71,6 @@ std::string volgens(const Handsom& h, int dec) {
     return uit + "\n" + bedrag(h.order.netto, dec, 11) + bedrag(h.order.inkoop, 2, 11);
 }
 
-} // namespace
-
-// Rate of the day, fixed, typed; surcharge; discount; a currency without decimals: lines, order and matrix add up to the
-// cent, at once and when the order is opened again. What the header changes changes nothing but the header.
-TEST(Prijs, TotalenZijnDieVanHetJournaal) {
-    const struct {
-        const char *wat, *toetsen;
-        ordkop kop;
-        int decimalen;
-    } gevallen[] = {
-        {"pounds at the rate of the day, with surcharge and discount", "",
-         prijskop("a", "GBP", 0, 1, 10500, -250), 2},
-        {"at a fixed rate", "", prijskop("b", "GBP", 13507, 1, 10500, 0), 2},
-        {"typed", "WOK1,36789<Enter><Esc>", prijskop("c", "GBP", 13500, 1, 10500, 0), 2},
-        {"a small one typed", "WOK0,0078913<Enter>T1,0625<Enter><Esc>",
-         prijskop("d", "USD", 9150, 1, 10000, -3333), 2},
-        {"yen", "", prijskop("e", "JPY", 7913, 100, 10500, 0), 0},
-        {"yen with a discount entered", "WOG12,5<Enter><Esc>", prijskop("f", "JPY", 7913, 100, 10500, 0), 0},
-        {"home", "WOG33,33<Enter><Esc>", prijskop("g", "", 10000, 1, 10000, 0), 2},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(g.wat);
-        const std::string inhoud = regels(3);
-        Orderscherm p(record('O', g.kop) + inhoud);
-        p.t.toetsen(g.toetsen);
-        const std::string gezien = op_scherm(p.t, 3);
-        p.t.toetsen("<Esc><Enter><Enter>12<Enter><Enter>");
-        const std::string weer = op_scherm(p.t, 3);
-        if (g.toetsen[0] && lichaam<ordkop>(p.journaal(), 0).korting != 0) {
-            const int bellen = p.t.bellen();
-            p.t.toetsen("WOG<Esc>"); // with lines it stays
-            EXPECT_GT(p.t.bellen(), bellen) << p.t.scherm();
-        }
-        p.uit("<Esc>");
-        const std::string jrn = p.journaal();
-        EXPECT_EQ(jrn.substr(121), inhoud);
-        EXPECT_EQ(jrn.substr(0, 121) == record('O', g.kop), !g.toetsen[0]);
-        const std::string hoort = volgens(handsom(jrn, 0, g.decimalen, 12500), g.decimalen);
-        EXPECT_EQ(gezien, hoort);
-        EXPECT_EQ(weer, hoort);
-    }
-}
-
-// Whatever stands in journal and tables: its prices can be looked at in every screen without a change of anything, and a
-// change of a text changes that text alone.
-TEST(Prijs, WatNiemandWijzigdeBlijft) {
-    const ordkop goed = prijskop("goed", "", 10000, 1, 10000, 0);
-    auto met_kop = [&](void (*maak)(ordkop*), const std::string& rest) {
-        ordkop k = goed;
-        maak(&k);
-        return record('O', k) + rest;
-    };
-    auto met_prijs = [&](int32_t bruto, int32_t netto) {
-        std::string uit = regels(1);
-        const size_t s = uit.find(record('S', ordmaat{3, {}, 2110, 1826}));
-        return record('O', goed) + uit.replace(s, 13, record('S', ordmaat{3, {}, bruto, netto}));
-    };
-    const std::string r = regels(1, advies({{2, 4995}, {4, 5995}}));
-    const struct {
-        const char* wat;
-        std::string order;
-    } gevallen[] = {
-        {"discount 2.5", met_kop([](ordkop* k) { k->korting = -250; }, r)},
-        {"discount 33.33, no advice prices", met_kop([](ordkop* k) { k->korting = -3333; }, regels(1))},
-        {"discount of the whole", met_kop([](ordkop* k) { k->korting = -10000; }, r)},
-        {"100 % on top", met_kop([](ordkop* k) { k->korting = 10000; }, r)},
-        {"as much as fits", met_kop([](ordkop* k) { k->korting = 32767; }, r)},
-        {"currency of 1 decimal", met_kop([](ordkop* k) { memcpy(k->valuta, "EEN", 3); }, r)},
-        {"of 7", met_kop([](ordkop* k) { memcpy(k->valuta, "ZEV", 3); }, r)},
-        {"not in the table", met_kop([](ordkop* k) { memcpy(k->valuta, "XXX", 3); }, r)},
-        {"no rate, unit, surcharge", met_kop(
-                                         [](ordkop* k) {
-                                             memcpy(k->valuta, "GBP", 3), k->koers = 0, k->koerseenheid = 0,
-                                                                          k->toeslag = 0;
-                                         },
-                                         r)},
-        {"largest rate and surcharge", met_kop(
-                                           [](ordkop* k) {
-                                               memcpy(k->valuta, "GBP", 3),
-                                                   k->koers = k->toeslag = UINT32_MAX, k->koerseenheid = 1;
-                                           },
-                                           r)},
-        {"unit 0", met_kop([](ordkop* k) { memcpy(k->valuta, "GBP", 3), k->koerseenheid = 0; }, r)},
-        {"VAT code 11 at 6553.5 %, factor below 0", record('O', goed) + regels(1, "", 7, 10002)},
-        {"VAT code 1, factor above 9.999", record('O', goed) + regels(1, "", 8, 10003)},
-        {"ends beyond the bar", record('O', goed) + regels(1, advies({{200, 1}, {96, 2}, {255, 3}}))},
-        {"an end twice", record('O', goed) + regels(1, advies({{2, 100}, {2, 200}, {4, 300}}))},
-        {"out of order, below 0",
-         record('O', goed) + regels(1, advies({{4, -5}, {1, INT32_MIN}, {3, INT32_MAX}}))},
-        {"no end at all", record('O', goed) + regels(1, advies({{0, 100}, {3, 200}}))},
-        {"the mark of an unknown price", met_prijs(INT32_MAX, INT32_MAX)},
-        {"net alone", met_prijs(100, INT32_MAX)},
-        {"0", met_prijs(0, 0)},
-        {"below 0", met_prijs(INT32_MIN, -1)},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(g.wat);
-        Datamap map;
-        map.sys(VALUTA5, std::string("EEN\1Een", 7));
-        map.sys(VALUTA5 + 36, std::string("ZEV\7Zeven", 9));
-        map.sys(offsetof(sysfirma, btw), std::string("\xFF\xFF", 2));
-        map.journaal(g.order);
-        Programma p(map);
-        p.eerste_order();
-        const std::string regel = p.t.regel(8);
-        p.t.toetsen("WP", " PRIJSINFORMATIE ");
-        p.t.toetsen("P<Esc><Esc>I<Esc><Esc>A<Esc><Esc><Esc>", 24, 1, "Uw keuze");
-        EXPECT_EQ(p.t.regel(8), regel) << p.t.scherm();
-        p.t.toetsen("<Esc><Enter><Enter>12<Enter>");
-        EXPECT_TRUE(map.journaal() == g.order) << "looked at";
-        p.t.toetsen("<Enter>WDDANDERS<Enter><Esc>", 8, 36, "ANDERS");
-        p.uit("<Esc>");
-        std::string anders = g.order;
-        const size_t d = anders.find("UNI");
-        anders.replace(d, 6, "ANDERS");
-        EXPECT_TRUE(map.journaal() == anders) << "a text";
-    }
-}
-
-namespace {
-
 // Sizes and prices of a journal's lines as text: colour: size gross/net ...; end of range=advice price ...
 std::string prijzen_van(const std::string& jrn) {
     std::string uit;
@@ -218,6 +97,106 @@ std::string prijzen_van(const std::string& jrn) {
 }
 
 } // namespace
+
+// Rate of the day, fixed, typed; surcharge; discount; a currency without decimals: lines, order and matrix add up to the
+// cent, at once and when the order is opened again. What the header changes changes nothing but the header.
+TEST(Prijs, TotalenZijnDieVanHetJournaal) {
+    for (const auto& [wat, toetsen, kop, decimalen] : Rijen<const char*, const char*, ordkop, int>{
+             {"pounds at the rate of the day, with surcharge and discount", "",
+              prijskop("a", "GBP", 0, 1, 10500, -250), 2},
+             {"at a fixed rate", "", prijskop("b", "GBP", 13507, 1, 10500, 0), 2},
+             {"typed", "WOK1,36789<Enter><Esc>", prijskop("c", "GBP", 13500, 1, 10500, 0), 2},
+             {"a small one typed", "WOK0,0078913<Enter>T1,0625<Enter><Esc>",
+              prijskop("d", "USD", 9150, 1, 10000, -3333), 2},
+             {"yen", "", prijskop("e", "JPY", 7913, 100, 10500, 0), 0},
+             {"yen with a discount entered", "WOG12,5<Enter><Esc>", prijskop("f", "JPY", 7913, 100, 10500, 0),
+              0},
+             {"home", "WOG33,33<Enter><Esc>", prijskop("g", "", 10000, 1, 10000, 0), 2},
+         }) {
+        SCOPED_TRACE(wat);
+        const std::string inhoud = regels(3);
+        Orderscherm p(record('O', kop) + inhoud);
+        p.t.toetsen(toetsen);
+        const std::string gezien = op_scherm(p.t, 3);
+        p.t.toetsen("<Esc><Enter><Enter>12<Enter><Enter>");
+        const std::string weer = op_scherm(p.t, 3);
+        if (toetsen[0] && lichaam<ordkop>(p.journaal(), 0).korting != 0) {
+            const int bellen = p.t.bellen();
+            p.t.toetsen("WOG<Esc>"); // with lines it stays
+            EXPECT_GT(p.t.bellen(), bellen) << p.t.scherm();
+        }
+        p.uit("<Esc>");
+        const std::string jrn = p.journaal();
+        EXPECT_EQ(jrn.substr(121), inhoud);
+        EXPECT_EQ(jrn.substr(0, 121) == record('O', kop), !toetsen[0]);
+        const std::string hoort = volgens(handsom(jrn, 0, decimalen, 12500), decimalen);
+        EXPECT_EQ(gezien, hoort);
+        EXPECT_EQ(weer, hoort);
+    }
+}
+
+// Whatever stands in journal and tables: its prices can be looked at in every screen without a change of anything, and a
+// change of a text changes that text alone.
+TEST(Prijs, WatNiemandWijzigdeBlijft) {
+    const ordkop goed = prijskop("goed", "", 10000, 1, 10000, 0);
+    auto met_kop = [&](void (*maak)(ordkop*), const std::string& rest) {
+        ordkop k = goed;
+        maak(&k);
+        return record('O', k) + rest;
+    };
+    auto met_prijs = [&](int32_t bruto, int32_t netto) {
+        std::string uit = regels(1);
+        const size_t s = uit.find(record('S', ordmaat{3, {}, 2110, 1826}));
+        return record('O', goed) + uit.replace(s, 13, record('S', ordmaat{3, {}, bruto, netto}));
+    };
+    const std::string r = regels(1, advies({{2, 4995}, {4, 5995}}));
+    for (const auto& [wat, order] : Rijen<const char*, std::string>{
+             {"discount 2.5", met_kop([](ordkop* k) { k->korting = -250; }, r)},
+             {"discount 33.33, no advice prices", met_kop([](ordkop* k) { k->korting = -3333; }, regels(1))},
+             {"discount of the whole", met_kop([](ordkop* k) { k->korting = -10000; }, r)},
+             {"100 % on top", met_kop([](ordkop* k) { k->korting = 10000; }, r)},
+             {"as much as fits", met_kop([](ordkop* k) { k->korting = 32767; }, r)},
+             {"currency of 1 decimal", met_kop([](ordkop* k) { memcpy(k->valuta, "EEN", 3); }, r)},
+             {"of 7", met_kop([](ordkop* k) { memcpy(k->valuta, "ZEV", 3); }, r)},
+             {"not in the table", met_kop([](ordkop* k) { memcpy(k->valuta, "XXX", 3); }, r)},
+             {"no rate, unit, surcharge", record('O', prijskop("goed", "GBP", 0, 0, 0, 0)) + r},
+             {"largest rate and surcharge",
+              record('O', prijskop("goed", "GBP", UINT32_MAX, 1, UINT32_MAX, 0)) + r},
+             {"unit 0", record('O', prijskop("goed", "GBP", 10000, 0, 10000, 0)) + r},
+             {"VAT code 11 at 6553.5 %, factor below 0", record('O', goed) + regels(1, "", 7, 10002)},
+             {"VAT code 1, factor above 9.999", record('O', goed) + regels(1, "", 8, 10003)},
+             {"ends beyond the bar", record('O', goed) + regels(1, advies({{200, 1}, {96, 2}, {255, 3}}))},
+             {"an end twice", record('O', goed) + regels(1, advies({{2, 100}, {2, 200}, {4, 300}}))},
+             {"out of order, below 0",
+              record('O', goed) + regels(1, advies({{4, -5}, {1, INT32_MIN}, {3, INT32_MAX}}))},
+             {"no end at all", record('O', goed) + regels(1, advies({{0, 100}, {3, 200}}))},
+             {"the mark of an unknown price", met_prijs(INT32_MAX, INT32_MAX)},
+             {"net alone", met_prijs(100, INT32_MAX)},
+             {"0", met_prijs(0, 0)},
+             {"below 0", met_prijs(INT32_MIN, -1)},
+         }) {
+        SCOPED_TRACE(wat);
+        Datamap map;
+        map.sys(VALUTA5, std::string("EEN\1Een", 7));
+        map.sys(VALUTA5 + 36, std::string("ZEV\7Zeven", 9));
+        map.sys(offsetof(sysfirma, btw), std::string("\xFF\xFF", 2));
+        map.journaal(order);
+        Programma p(map);
+        p.eerste_order();
+        const std::string regel = p.t.regel(8);
+        p.t.toetsen("WP", " PRIJSINFORMATIE ");
+        p.t.toetsen("P<Esc><Esc>I<Esc><Esc>A<Esc><Esc><Esc>", 24, 1, "Uw keuze");
+        EXPECT_EQ(p.t.regel(8), regel) << p.t.scherm();
+        p.t.toetsen("<Esc><Enter><Enter>12<Enter>");
+        EXPECT_TRUE(map.journaal() == order) << "looked at";
+        p.t.toetsen("<Enter>WDDANDERS<Enter><Esc>", 8, 36, "ANDERS");
+        p.uit("<Esc>");
+        std::string anders = order;
+        const size_t d = anders.find("UNI");
+        anders.replace(d, 6, "ANDERS");
+        EXPECT_TRUE(map.journaal() == anders) << "a text";
+    }
+}
 
 // A new order with a discount, a line with one of its own in two groups of sizes; looked at, sizes out and in, and the
 // same in another colour. The journal holds net prices without the order's discount.

@@ -8,21 +8,8 @@ using namespace zg::test;
 
 namespace {
 
-std::string getal(int64_t n, int bytes) { // little-endian
-    std::string uit;
-    for (; bytes-- > 0; n >>= 8)
-        uit += static_cast<char>(n & 0xFF);
-    return uit;
-}
-std::string i32(int64_t n) {
-    return getal(n, 4);
-}
-std::string u16(int64_t n) {
-    return getal(n, 2);
-}
-std::string u8(int64_t n) {
-    return getal(n, 1);
-}
+const auto u16 = i16;
+const auto u8 = [](int64_t n) { return getal(n, 1); };
 std::string vast(std::string t, size_t breedte) { // NULs behind a text
     t.resize(breedte);
     return t;
@@ -33,14 +20,6 @@ std::string maten(std::initializer_list<int> nummers) {
         uit[static_cast<size_t>(nr / 8)] |= static_cast<char>(1 << nr % 8);
     return uit;
 }
-// In hexadecimal, a record a row, so that a difference can be read.
-std::string hex(const std::string& bytes, size_t rij) {
-    std::string uit;
-    for (size_t i = 0; i < bytes.size(); i++)
-        uit += vorm("%02X%s", bytes[i] & 0xFF, (i + 1) % rij == 0 ? "\n" : i % 4 == 3 ? " " : "");
-    return uit;
-}
-
 constexpr int DAG = 42430, APRIL_1 = 42461, APRIL_30 = 42490, MEI_1 = 42491, MEI_31 = 42521, BEGIN = 29221;
 const std::string EURO = i32(1110) + u16(14) + u16(1), POND = i32(2110) + u16(4) + u16(1);
 

@@ -34,8 +34,7 @@ TEST(RegisterPrijs, DiscountOnceFromTheHeader) {
     ASSERT_EQ(eerst.size(), 14U) << t.scherm();
     // With a piece on another order of that day no discount, and a question before prices.
     auto eerste_label_op = [&](int32_t ander) {
-        wijzig_bestand(map.bestand("DTETI.TXT"), offsetof(etiblok, plaats) + 32,
-                       {reinterpret_cast<char*>(&ander), sizeof ander});
+        zet(map, "DTETI.TXT", offsetof(etiblok, plaats) + 32, ander);
     };
     eerste_label_op(order + 1);
     t.toetsen("WOG", "Het toekennen van orderkorting is niet toegestaan.");

@@ -18,7 +18,6 @@ TEST(Registerschade, ToldAndLeftAlone) {
     const size_t blok = static_cast<size_t>(kop) * sizeof(zg::etiblok);
     const size_t link = blok + offsetof(zg::etiblok, volgende);
     const size_t groep = map.begin.at("DTIPG.TXT").size() - sizeof(zg::prijsgroeprec);
-    auto getal = [](int32_t n) { return std::string(reinterpret_cast<const char*>(&n), sizeof n); };
     static constexpr char BEKIJK[] = "<Enter>WAVJ<Enter>WOD010416<Enter><Esc><Esc><Esc><Esc><Esc><Esc>";
     const struct {
         const char *wat, *bestand;
@@ -26,41 +25,39 @@ TEST(Registerschade, ToldAndLeftAlone) {
         std::string bytes; // empty: cut off there
         const char *toetsen, *gezegd;
     } rijen[] = {
-        {"a chain into another series", "DTETI.TXT", link, getal(0), BEKIJK, "Etiket niet van 1120.20."},
-        {"a circle", "DTETI.TXT", link, getal(kop), BEKIJK, "DTETI.TXT: serie 1120.20."},
-        {"a chain past the end", "DTETI.TXT", link, getal(500'000), BEKIJK, "Buiten bestand"},
-        {"a chain to a number that is none", "DTETI.TXT", link, getal(-7), BEKIJK,
-         "DTETI.TXT: serie 1120.20."},
-        {"status 5", "DTETI.TXT", link + 4 + 8, getal(20'005), BEKIJK, "DTETI.TXT: serie 1120.20."},
+        {"a chain into another series", "DTETI.TXT", link, i32(0), BEKIJK, "Etiket niet van 1120.20."},
+        {"a circle", "DTETI.TXT", link, i32(kop), BEKIJK, "DTETI.TXT: serie 1120.20."},
+        {"a chain past the end", "DTETI.TXT", link, i32(500'000), BEKIJK, "Buiten bestand"},
+        {"a chain to a number that is none", "DTETI.TXT", link, i32(-7), BEKIJK, "DTETI.TXT: serie 1120.20."},
+        {"status 5", "DTETI.TXT", link + 4 + 8, i32(20'005), BEKIJK, "DTETI.TXT: serie 1120.20."},
         {"status 9, all bits set", "DTETI.TXT", link + 4, std::string(zg::ETIPLAATS, '\xFF'), BEKIJK,
          "DTETI.TXT: serie 1120.20."},
         {"a size that the line hasn't", "DTETI.TXT", link + 4 + 20, "\x89\x13", "<Enter>WA", // 50, type 1
          "Regel niet toegankelijk"},
         {"a cut file", "DTETI.TXT", blok + 100, "", BEKIJK, "Buiten bestand"},
-        {"a chain cut off", "DTSER.TXT", laatste + offsetof(zg::serrec, etiketkop), getal(-1), BEKIJK,
+        {"a chain cut off", "DTSER.TXT", laatste + offsetof(zg::serrec, etiketkop), i32(-1), BEKIJK,
          "meer etiketten geteld"},
         {"a size type that there isn't", "DTSER.TXT", laatste + offsetof(zg::serrec, maatsoort), "\x4D", "",
          "maatsoort 77: stuks in een maat"},
-        {"wild counts", "DTSER.TXT", laatste + offsetof(zg::serrec, in_nota), getal(99'999), BEKIJK,
+        {"wild counts", "DTSER.TXT", laatste + offsetof(zg::serrec, in_nota), i32(99'999), BEKIJK,
          "meer etiketten geteld"},
-        {"a group that disagrees", "DTIPG.TXT", groep + offsetof(zg::prijsgroeprec, setnr), getal(7), BEKIJK,
+        {"a group that disagrees", "DTIPG.TXT", groep + offsetof(zg::prijsgroeprec, setnr), i32(7), BEKIJK,
          "NIET consistent"},
         {"a cut file of groups", "DTIPG.TXT", groep + 3, "", BEKIJK, "NIET consistent"},
-        {"wild counters of labels", "DTSYS.TXT", 3 * 64, getal(-5), NIEUW, "Tellers van de etiketten"},
-        {"counters far behind the labels", "DTSYS.TXT", 3 * 64, getal(500'000) + getal(500'000), NIEUW,
+        {"wild counters of labels", "DTSYS.TXT", 3 * 64, i32(-5), NIEUW, "Tellers van de etiketten"},
+        {"counters far behind the labels", "DTSYS.TXT", 3 * 64, i32(500'000) + i32(500'000), NIEUW,
          "Tellers van de etiketten"},
-        {"free blocks that a series has", "DTSYS.TXT", 3 * 64, getal(kop), NIEUW,
+        {"free blocks that a series has", "DTSYS.TXT", 3 * 64, i32(kop), NIEUW,
          "Ketting van vrije etiketblokken"},
-        {"free groups that a set has", "DTSYS.TXT", 8 * 64, getal(0), NIEUW,
-         "Ketting van vrije prijsgroepen"},
-        {"wild counters of groups", "DTSYS.TXT", 8 * 64, getal(-5), NIEUW, "Ketting van vrije prijsgroepen"},
+        {"free groups that a set has", "DTSYS.TXT", 8 * 64, i32(0), NIEUW, "Ketting van vrije prijsgroepen"},
+        {"wild counters of groups", "DTSYS.TXT", 8 * 64, i32(-5), NIEUW, "Ketting van vrije prijsgroepen"},
         {"a cut file of series", "DTSER.TXT", laatste + 100, "", BEKIJK, "DTSER.TXT: serie 1120.20."},
         {"a series written over", "DTSER.TXT", laatste, std::string(sizeof(zg::serrec), '\0'), BEKIJK,
          "DTSER.TXT: serie 1120.20."},
         {"a cut file of sets", "DTIPA.TXT", map.begin.at("DTIPA.TXT").size() - sizeof(zg::prijsset) + 3, "",
          BEKIJK, "prijsset niet aanwezig"},
-        {"free codes that a series has", "DTEAN.INX", 12, getal(1), NIEUW, "DTEAN"},
-        {"a wild counter of codes", "DTSYS.TXT", 13 * 64, getal(-5), NIEUW, "EAN-code"},
+        {"free codes that a series has", "DTEAN.INX", 12, i32(1), NIEUW, "DTEAN"},
+        {"a wild counter of codes", "DTSYS.TXT", 13 * 64, i32(-5), NIEUW, "EAN-code"},
     };
     for (const auto& r : rijen) {
         SCOPED_TRACE(r.wat);
@@ -77,10 +74,9 @@ TEST(Registerschade, ToldAndLeftAlone) {
         EXPECT_LE(Storingsmap::klaar(*t), 1) << t->scherm();
         for (const char* naam : {"DTETI.TXT", "DTIPG.TXT", "DTIPA.TXT", "DTSER.TXT"})
             EXPECT_TRUE(lees_bestand(map.bestand(naam)).starts_with(voor.at(naam))) << naam;
-        if (r.toetsen == BEKIJK) {
+        if (r.toetsen == BEKIJK)
             EXPECT_EQ(lees_bestand(map.bestand(JRN)), voor.at(JRN))
                 << "the line is gone, or the order has another date";
-        }
     }
 }
 
@@ -91,9 +87,7 @@ TEST(Registerschade, WithoutItsPriceSet) {
     map.begin = map.inhoud();
     const std::string nieuw = "<Enter><Enter>99<Enter><Enter><Esc><Esc>" + std::string(NIEUW) + WEG;
     ASSERT_EQ(map.loop(nieuw), 0);
-    zg::prijsgroeprec heel, nu;
-    const std::string groepen = lees_bestand(map.bestand("DTIPG.TXT"));
-    memcpy(static_cast<void*>(&heel), &groepen[groepen.size() - sizeof heel], sizeof heel);
+    const zg::prijsgroeprec heel = map.alle<zg::prijsgroeprec>("DTIPG.TXT").back();
     const auto labels = labels_van(map, kop_van(lees_bestand(map.bestand(JRN))).ordernummer);
     ASSERT_FALSE(labels.empty());
     const std::string voor = map.begin.at("DTSER.TXT");
@@ -112,8 +106,7 @@ TEST(Registerschade, WithoutItsPriceSet) {
         t->toetsen("<Enter>WA010316<Enter>310316<Enter>3<Enter><Enter>4<Enter><Enter><Enter><Esc>" +
                    std::string(WEG));
         EXPECT_EQ(Storingsmap::klaar(*t), 0) << t->scherm();
-        const std::string g = lees_bestand(map.bestand("DTIPG.TXT"));
-        memcpy(static_cast<void*>(&nu), &g[g.size() - sizeof nu], sizeof nu);
+        const zg::prijsgroeprec nu = map.alle<zg::prijsgroeprec>("DTIPG.TXT").back();
         EXPECT_EQ(nu.netto, heel.netto);
         EXPECT_EQ(nu.bruto, heel.bruto);
         const auto later = labels_van(map, kop_van(lees_bestand(map.bestand(JRN))).ordernummer);

@@ -82,9 +82,8 @@ void loop_na(const std::string& bestand, const DemoMap& map, const char* locale)
             if (rij.find(" picture") != std::string::npos) {
                 nu.push_back(plaatje(t.scherm()));
                 ASSERT_LE(nu.size(), beelden.size());
-                if (!nieuw) {
+                if (!nieuw)
                     EXPECT_EQ(nu.back(), beelden[nu.size() - 1]) << "the target screens makes them anew";
-                }
             }
         }
         EXPECT_GT(stappen, 6);

@@ -88,30 +88,23 @@ int Storingsmap::klaar(Terminal& t) {
 }
 
 std::string Storingsmap::vreemde_labels(const std::set<std::pair<int, int>>& eigen) const {
-    const std::string eti = lees_bestand(bestand("DTETI.TXT"));
     std::string uit;
-    for (size_t p = 0; p + sizeof(etiblok) <= eti.size(); p += sizeof(etiblok)) {
-        etiblok b;
-        memcpy(&b, &eti[p], sizeof b);
-        if (b.serie.volgnummer && !eigen.contains({int{b.serie.artikelgroep}, int{b.serie.kleur}}))
-            uit += std::to_string(p) + eti.substr(p, sizeof b);
-    }
+    int nr = 0;
+    for (const etiblok& b : alle<etiblok>("DTETI.TXT"))
+        if (nr++; b.serie.volgnummer && !eigen.contains({int{b.serie.artikelgroep}, int{b.serie.kleur}}))
+            uit += std::to_string(nr) + std::string(reinterpret_cast<const char*>(&b), sizeof b);
     return uit;
 }
 
 std::vector<etiket> labels_van(const DemoMap& map, int32_t ordernummer) {
-    const std::string eti = lees_bestand(map.bestand("DTETI.TXT"));
     std::vector<etiket> uit;
-    for (size_t p = 0; p + sizeof(etiblok) <= eti.size(); p += sizeof(etiblok)) {
-        etiblok b;
-        memcpy(&b, &eti[p], sizeof b);
+    for (const etiblok& b : map.alle<etiblok>("DTETI.TXT"))
         for (const auto& plaats : b.plaats) {
             etiket l;
             eti_uit(plaats, b.serie, 0, &l);
             if (l.status == ETI_ORDER && l.ordernummer == ordernummer)
                 uit.push_back(l);
         }
-    }
     return uit;
 }
 

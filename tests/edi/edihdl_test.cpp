@@ -1,8 +1,6 @@
 // The mailboxes: where they are, made, moved; and what messages say.
 #include "edi/edifys.h"
 #include "edi/edihdl.h"
-#include "shared/leesstam.h"
-#include "shared/woordenboek.h"
 #include "support/rechten.h"
 #include "support/roepstoring.h"
 #include "support/systeem.h"
@@ -25,23 +23,19 @@ TEST_F(Postbus, Places) {
     ASSERT_EQ(edipath(EDI_PRICAT), hier + "/zebedi/pricat"); // nothing set: made, and set
     EXPECT_EQ(ediget("ZEBEDI"), hier + "/zebedi");
     EXPECT_TRUE(fs::is_directory("zebedi"));
-    const struct {
-        const char* root;
-        int soort;
-        const char *pad, *bewaar, *patroon;
-    } rijen[] = {
-        {"/edi", EDI_ORDER, "/edi/order", "/edi/order/save", "*.INH"},
-        {"/edi/", EDI_IBIS, "/edi/ibis", "/edi/ibis/save", "*.*"},
-        {"/", EDI_SLSMON, "/slsmon", "/slsmon/save", "*.MON"},
-        {"a b", EDI_UIT, "a b/out", "", "*"},
-        {"/edi", EDI_ONGELDIG, "/edi/ongeldig", "", "*.*"},
-        {"/edi", 11, "/edi", "", "*"},
-    };
-    for (const auto& r : rijen) {
-        ASSERT_TRUE(ediset("ZEBEDI", r.root));
-        EXPECT_EQ(edipath(r.soort), r.pad) << r.root << r.soort;
-        EXPECT_EQ(edisavepath(r.soort), r.bewaar) << r.root << r.soort;
-        EXPECT_EQ(edipattern(r.soort), r.patroon) << r.soort;
+    for (const auto& [root, soort, pad, bewaar, patroon] :
+         Rijen<const char*, int, const char*, const char*, const char*>{
+             {"/edi", EDI_ORDER, "/edi/order", "/edi/order/save", "*.INH"},
+             {"/edi/", EDI_IBIS, "/edi/ibis", "/edi/ibis/save", "*.*"},
+             {"/", EDI_SLSMON, "/slsmon", "/slsmon/save", "*.MON"},
+             {"a b", EDI_UIT, "a b/out", "", "*"},
+             {"/edi", EDI_ONGELDIG, "/edi/ongeldig", "", "*.*"},
+             {"/edi", 11, "/edi", "", "*"},
+         }) {
+        ASSERT_TRUE(ediset("ZEBEDI", root));
+        EXPECT_EQ(edipath(soort), pad) << root << soort;
+        EXPECT_EQ(edisavepath(soort), bewaar) << root << soort;
+        EXPECT_EQ(edipattern(soort), patroon) << soort;
     }
     // A disk that isn't mounted: told, and it stays set; nothing is made.
     const Afloop a = in_proces([] {
@@ -212,34 +206,31 @@ TEST_F(Postbus, MoveRefused) {
     fs::create_directory_symlink("oud", "ook_oud");
     const std::string elders = map.pad() + ".elders";
     const auto was = bestanden(".");
-    const struct {
-        const char *van, *naar, *zegt;
-    } rijen[] = {
-        {"oud", "vol", "vol/q'\" staat er al"},
-        {"oud", "plat", "plat staat er al"},
-        {"oud", "oud/order/verder", "ligt in de oude directory"},
-        {"ook_oud", "oud/erin", "ligt in de oude directory"},
-        {"oud", "geen/zo/diep", "kan niet worden gemaakt: bestaat niet"},
-        {"oud", "strik", "strik/order ligt in de oude directory"}, // there each file is its own copy
-        {"oud", "seizoen", "In seizoen staat iets anders"},
-        {"", "seizoen", "In seizoen staat iets anders"},
-        {"oud", ".", "De datadirectory is geen postbus"},
-        {".", elders.c_str(), "De datadirectory is geen postbus"},
-        {"weg", "nieuw", "weg is er niet"},
-        {"oud", "", "Ingave verplicht"},
-        {"oud", "123456789012345678901234567890123456789012345678901234567890", "ten hoogste 59 tekens"},
-    };
-    for (const auto& r : rijen) {
-        ASSERT_TRUE(ediset("ZEBEDI", r.van));
-        const Afloop a = in_proces([&] { return edi_verplaats(r.naar); });
-        EXPECT_EQ(a.status, 0) << r.naar;
-        EXPECT_TRUE(bevat(a.uitvoer, r.zegt)) << r.naar;
-        EXPECT_STREQ(ediget("ZEBEDI"), r.van);
+    for (const auto& [van, naar, zegt] : Rijen<const char*, const char*, const char*>{
+             {"oud", "vol", "vol/q'\" staat er al"},
+             {"oud", "plat", "plat staat er al"},
+             {"oud", "oud/order/verder", "ligt in de oude directory"},
+             {"ook_oud", "oud/erin", "ligt in de oude directory"},
+             {"oud", "geen/zo/diep", "kan niet worden gemaakt: bestaat niet"},
+             {"oud", "strik", "strik/order ligt in de oude directory"}, // there each file is its own copy
+             {"oud", "seizoen", "In seizoen staat iets anders"},
+             {"", "seizoen", "In seizoen staat iets anders"},
+             {"oud", ".", "De datadirectory is geen postbus"},
+             {".", elders.c_str(), "De datadirectory is geen postbus"},
+             {"weg", "nieuw", "weg is er niet"},
+             {"oud", "", "Ingave verplicht"},
+             {"oud", "123456789012345678901234567890123456789012345678901234567890", "ten hoogste 59 tekens"},
+         }) {
+        ASSERT_TRUE(ediset("ZEBEDI", van));
+        const Afloop a = in_proces([&] { return edi_verplaats(naar); });
+        EXPECT_EQ(a.status, 0) << naar;
+        EXPECT_TRUE(bevat(a.uitvoer, zegt)) << naar;
+        EXPECT_STREQ(ediget("ZEBEDI"), van);
         std::map<std::string, std::string> nu = bestanden(".");
         nu.erase(lees_bestand("DTRCMSYS.TXT"));
         auto toen = was;
         std::erase_if(toen, [](const auto& p) { return p.second == "DTRCMSYS.TXT"; });
-        EXPECT_EQ(nu, toen) << r.naar;
+        EXPECT_EQ(nu, toen) << naar;
     }
     ASSERT_TRUE(ediset("ZEBEDI", "oud"));
     fs::remove("vol/q'\"");
@@ -254,34 +245,29 @@ TEST(Bericht, DatesNumbersCodes) {
     instel15 = {};
     instel15.prefix_aan = 1;
     VASTIN(instel15.prefix[4], "213");
-    const struct {
-        int soort;
-        std::vector<std::string> rijen;
-    } tabellen[] = {
-        {DATUM,
-         {"160301=010316", "20160301=01032016", "20160229235959=29022016", "20150229=", "XX160301=010316",
-          "2016030=", "16031=", "=", "161301=", "      =", "000229=290200"}},
-        {GETAL,
-         {"12.50=12.5", "12,00=12", "100=100", "0.0=0", ".00=0", "-.00=-0", "12,5-=12,5-", "=", "7.=7",
-          "1.000,00=1.000", "1.05=1.05"}},
-        {CODE,
-         {"4006381333931=4006381333931", "04006381333931=4006381333931",
-          "14006381333938=", "036000291452=0036000291452", "4006381333930=", "96385074=96385074",
-          "2012345678903=", "2130000000019=2130000000019", "22345677=", "400638133393x=", "=",
-          "123456789012345678="}},
-    };
-    for (const auto& t : tabellen)
-        for (const std::string& rij : t.rijen) {
+    for (const auto& [soort, rijen] : Rijen<int, std::vector<std::string>>{
+             {DATUM,
+              {"160301=010316", "20160301=01032016", "20160229235959=29022016", "20150229=",
+               "XX160301=010316", "2016030=", "16031=", "=", "161301=", "      =", "000229=290200"}},
+             {GETAL,
+              {"12.50=12.5", "12,00=12", "100=100", "0.0=0", ".00=0", "-.00=-0", "12,5-=12,5-", "=", "7.=7",
+               "1.000,00=1.000", "1.05=1.05"}},
+             {CODE,
+              {"4006381333931=4006381333931", "04006381333931=4006381333931", "14006381333938=",
+               "036000291452=0036000291452", "4006381333930=", "96385074=96385074", "2012345678903=",
+               "2130000000019=2130000000019", "22345677=", "400638133393x=", "=", "123456789012345678="}},
+         })
+        for (const std::string& rij : rijen) {
             const std::string in = rij.substr(0, rij.find('=')), uit = rij.substr(rij.find('=') + 1);
             char tekst[32];
             int goed = !uit.empty();
             snprintf(tekst, sizeof tekst, "%s", in.c_str());
-            if (t.soort == GETAL)
+            if (soort == GETAL)
                 edigetal(tekst);
             else
-                goed = t.soort == CODE ? ediean(tekst) : edidatum(in.c_str(), tekst);
+                goed = soort == CODE ? ediean(tekst) : edidatum(in.c_str(), tekst);
             EXPECT_EQ(goed, !uit.empty()) << rij;
-            EXPECT_EQ(tekst, t.soort == CODE && uit.empty() ? in : uit) << rij;
+            EXPECT_EQ(tekst, soort == CODE && uit.empty() ? in : uit) << rij;
         }
     instel15 = {};
 }

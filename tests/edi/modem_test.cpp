@@ -260,27 +260,21 @@ TEST(Modem, OnTheScreen) {
 }
 
 TEST(Zgmodem, TestDialSend) {
-    const struct {
-        const char* opdracht;
-        Gesprek gesprek;
-        int status;
-        const char* zegt;
-    } rijen[] = {
-        {"test", {{"ATZ\r", ""}, {"ATE0V1\r", "OK\r"}}, 0, "OK\n"},
-        {"dial -n 0201234567", {{"ATDT0201234567\r", "CONNECT 9600\r"}}, 0, "CONNECT 9600\n"},
-        {"dial -n -k 1 9 | true", {{"ATDT9\r", "CONNECT\r"}}, 0, ""}, // nobody reads what it says
-        {"dial -n -k 60 9", {{"ATDT9\r", "CONNECT\rNO CARRIER\r"}}, 1, "the line has gone"},
-        {"dial -n \"$(printf '9\\r+++')\"", {}, 2, "NUMBER"},
-        {"dial -n --pulse 9", {{"ATDP9\r", "BUSY\r"}}, 1, "In gesprek"},
-        {"send ATI", {{"ATI\r", "\r\nzgproef\r\nOK\r\n"}}, 0, "\nzgproef\nOK\n"},
-        {"send ATI", {{"ATI\r", "...zwam\r\n"}}, 1, "no end of answers"},
-        {"-s 42 test", {}, 2, "speed"},
-        {"-p /dev/er-niet test", {}, 2, "port"},
-    };
-    for (const auto& r : rijen) {
-        Poort p(r.gesprek);
-        test::hoort("zgmodem -p " + p.naam + " " + r.opdracht, r.status, r.zegt);
-        EXPECT_TRUE(p.zoals_gevonden()) << r.opdracht;
+    for (const auto& [opdracht, gesprek, status, zegt] : test::Rijen<const char*, Gesprek, int, const char*>{
+             {"test", {{"ATZ\r", ""}, {"ATE0V1\r", "OK\r"}}, 0, "OK\n"},
+             {"dial -n 0201234567", {{"ATDT0201234567\r", "CONNECT 9600\r"}}, 0, "CONNECT 9600\n"},
+             {"dial -n -k 1 9 | true", {{"ATDT9\r", "CONNECT\r"}}, 0, ""}, // nobody reads what it says
+             {"dial -n -k 60 9", {{"ATDT9\r", "CONNECT\rNO CARRIER\r"}}, 1, "the line has gone"},
+             {"dial -n \"$(printf '9\\r+++')\"", {}, 2, "NUMBER"},
+             {"dial -n --pulse 9", {{"ATDP9\r", "BUSY\r"}}, 1, "In gesprek"},
+             {"send ATI", {{"ATI\r", "\r\nzgproef\r\nOK\r\n"}}, 0, "\nzgproef\nOK\n"},
+             {"send ATI", {{"ATI\r", "...zwam\r\n"}}, 1, "no end of answers"},
+             {"-s 42 test", {}, 2, "speed"},
+             {"-p /dev/er-niet test", {}, 2, "port"},
+         }) {
+        Poort p(gesprek);
+        test::hoort("zgmodem -p " + p.naam + " " + opdracht, status, zegt);
+        EXPECT_TRUE(p.zoals_gevonden()) << opdracht;
     }
     EXPECT_EQ(test::sh("zgmodem -p /dev/er-niet test").status, 3);
 }

@@ -42,47 +42,43 @@ TEST(Edischerm, MadeAndChanged) {
 
 TEST(Zgedi, Commands) {
     TijdelijkeMap map;
-    const struct {
-        const char* opdracht;
-        int status;
-        const char* zegt;
-    } rijen[] = {
-        {"show", 3, "no DTRCMSYS.TXT here: zgedi init makes it"},
-        {"flag 1 -s", 1, "no DTRCMSYS.TXT"},
-        {"init pigeon", 2, "METHOD"},
-        {"init internet", 0, ""},
-        {"init modem", 1, "there is a DTRCMSYS.TXT already"},
-        {"method", 0, "internet\n"},
-        {"boxes", 1, "no mailboxes are set: zgedi make"},
-        {"set EDIDIR loc", 0, ""},
-        {"make", 0, ""},
-        {"set RPCHOST 123456789012345678901", 2, "doesn't fit"},
-        {"set EDICMD 'm\xC3\xB8 $(touch x); \"y\"'", 0, ""},
-        {"get EDICMD", 0, "m\xC3\xB8 $(touch x); \"y\"\n"},
-        {"get OTHER", 2, "no such setting"},
-        {"set -2 ZEBEDI twee", 0, ""},
-        {"get -2 ZEBEDI", 0, "twee\n"},
-        {"flag 40 -s", 0, ""},
-        {"flag 40", 0, "1\n"},
-        {"show -j", 0, "\"FILENR\":0,\"flags\":[40]"},
-        {"boxes", 0, "pricat        0      0  "},
-        {"set ZEBEDI 'nieuwe bus'", 0, ""},
-        {"boxes -j", 0, "{\"box\":\"in\",\"path\":\"nieuwe bus/in\",\"there\":true,\"files\":1,\"saved\":0}"},
-        {"set ZEBEDI ''", 2, "--stay"},
-        {"set ZEBEDI sch\xC3\xA9", 2, "ASCII"},
-        {"set ZEBEDI weg --stay", 0, ""},
-        {"boxes", 1, "weg isn't there"},
-        {"check number 12,50", 0, "12,5\n"},
-        {"check ean 1", 1, "not a ean"},
-        {"check brand Nordlys", 3, "no DTMERK here"},
-        {"setup </dev/null", 2, "needs a terminal"},
-    };
-    for (const auto& r : rijen) {
-        if (std::string(r.opdracht) == "set ZEBEDI 'nieuwe bus'")
+    for (const auto& [opdracht, status, zegt] : Rijen<const char*, int, const char*>{
+             {"show", 3, "no DTRCMSYS.TXT here: zgedi init makes it"},
+             {"flag 1 -s", 1, "no DTRCMSYS.TXT"},
+             {"init pigeon", 2, "METHOD"},
+             {"init internet", 0, ""},
+             {"init modem", 1, "there is a DTRCMSYS.TXT already"},
+             {"method", 0, "internet\n"},
+             {"boxes", 1, "no mailboxes are set: zgedi make"},
+             {"set EDIDIR loc", 0, ""},
+             {"make", 0, ""},
+             {"set RPCHOST 123456789012345678901", 2, "doesn't fit"},
+             {"set EDICMD 'm\xC3\xB8 $(touch x); \"y\"'", 0, ""},
+             {"get EDICMD", 0, "m\xC3\xB8 $(touch x); \"y\"\n"},
+             {"get OTHER", 2, "no such setting"},
+             {"set -2 ZEBEDI twee", 0, ""},
+             {"get -2 ZEBEDI", 0, "twee\n"},
+             {"flag 40 -s", 0, ""},
+             {"flag 40", 0, "1\n"},
+             {"show -j", 0, "\"FILENR\":0,\"flags\":[40]"},
+             {"boxes", 0, "pricat        0      0  "},
+             {"set ZEBEDI 'nieuwe bus'", 0, ""},
+             {"boxes -j", 0,
+              "{\"box\":\"in\",\"path\":\"nieuwe bus/in\",\"there\":true,\"files\":1,\"saved\":0}"},
+             {"set ZEBEDI ''", 2, "--stay"},
+             {"set ZEBEDI sch\xC3\xA9", 2, "ASCII"},
+             {"set ZEBEDI weg --stay", 0, ""},
+             {"boxes", 1, "weg isn't there"},
+             {"check number 12,50", 0, "12,5\n"},
+             {"check ean 1", 1, "not a ean"},
+             {"check brand Nordlys", 3, "no DTMERK here"},
+             {"setup </dev/null", 2, "needs a terminal"},
+         }) {
+        if (std::string(opdracht) == "set ZEBEDI 'nieuwe bus'")
             schrijf_bestand("zebedi/in/een", "1");
-        const Uit uit = sh(std::string("zgedi ") + r.opdracht);
-        EXPECT_EQ(uit.status, r.status) << r.opdracht << "\n" << uit.tekst;
-        EXPECT_TRUE(*r.zegt ? uit.zegt(r.zegt) : uit.tekst.empty()) << r.opdracht << "\n" << uit.tekst;
+        const Uit uit = sh(std::string("zgedi ") + opdracht);
+        EXPECT_EQ(uit.status, status) << opdracht << "\n" << uit.tekst;
+        EXPECT_TRUE(*zegt ? uit.zegt(zegt) : uit.tekst.empty()) << opdracht << "\n" << uit.tekst;
     }
     EXPECT_EQ(lees_bestand("loc/LOC_INV.GBL").substr(0, 19), "nieuwe bus/invrpt/ ");
     EXPECT_FALSE(fs::exists("x"));

@@ -3,9 +3,7 @@
 #include "macro/speler.h"
 #include "support/paar.h"
 #include "support/schrijfstoring.h"
-#include "term/ingave.h"
 #include "term/menu.h"
-#include "term/prompt.h"
 
 namespace zg::test {
 namespace {
@@ -119,23 +117,19 @@ TEST_F(Macro, TypedWhileItPlays) {
             WINAT(2, 1);
         }
     };
-    const struct {
-        std::string getypt, codes;
-        bool poll;
-    } rijen[] = {
-        {f2 + "k", "49 10 50 27 51", false},
-        {f2 + "kxyz", "49 120 121 122 10 50 27 51", false},
-        {f2 + "kxyz", "49 120 121 122 10 50 27 51", true},
-        {f2 + "kx\030y", "49 120 355 121", false},
-        {f2 + "kx\030y", "49 120 355 121", true},
-        {f2 + "kx\033", "49 120 27", false},
-        {f2 + "k" + f2 + "e", "49 53", false},
-        {f2 + "k" + f2 + f2, "49", false},
-        {f2 + "-" + f2 + "\033[15~" + "a", "97", false}, // no letters: no macro, and no key
-    };
-    for (const auto& r : rijen)
-        EXPECT_EQ(codes_na(r.getypt, 7, r.poll ? std::function<void()>(pollend) : toon_toetsen), r.codes)
-            << r.getypt << r.poll;
+    for (const auto& [getypt, codes, poll] : Rijen<std::string, std::string, bool>{
+             {f2 + "k", "49 10 50 27 51", false},
+             {f2 + "kxyz", "49 120 121 122 10 50 27 51", false},
+             {f2 + "kxyz", "49 120 121 122 10 50 27 51", true},
+             {f2 + "kx\030y", "49 120 355 121", false},
+             {f2 + "kx\030y", "49 120 355 121", true},
+             {f2 + "kx\033", "49 120 27", false},
+             {f2 + "k" + f2 + "e", "49 53", false},
+             {f2 + "k" + f2 + f2, "49", false},
+             {f2 + "-" + f2 + "\033[15~" + "a", "97", false}, // no letters: no macro, and no key
+         })
+        EXPECT_EQ(codes_na(getypt, 7, poll ? std::function<void()>(pollend) : toon_toetsen), codes)
+            << getypt << poll;
     auto ander = [] {
         TOETS();
         MACROGEBRUIKER(8);

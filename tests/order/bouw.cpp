@@ -2,13 +2,12 @@
 #include "bouw.h"
 #include "price/ing_val.h"
 #include "support/ordbytes.h"
+#include "support/roepstoring.h"
 #include "support/systeem.h"
 
 namespace zg::test {
 
 namespace {
-
-int fsync_(int fd);
 
 ordkop kop_van(const Order& o) {
     ordkop k = kop_op(o.datum);
@@ -127,7 +126,6 @@ Order maak_order(int nummer, const std::vector<int>& regels_per_model) {
 
 OrderMap::OrderMap() {
     mkdir("2016Z", 0777);
-    SYS.fsync = fsync_;
     seizoensmap = "2016Z";
     gekozen_jaar = 2016;
     gekozen_letter = 'Z';
@@ -264,74 +262,31 @@ int in_kind(const std::function<int()>& doe, std::string* gezegd) {
 // ---- faults
 
 namespace {
-const SYSCALLS ECHT = SYS;
-int teller, moment;
 Storing storing;
-
-// Is it now? Dies when that is what is asked.
-bool nu() {
-    teller++;
-    if (storing == Storing::Geen || (storing == Storing::VoorGoedVol ? teller < moment : teller != moment))
-        return false;
-    if (storing == Storing::Dood)
-        raise(SIGKILL);
-    errno = ENOSPC;
-    return true;
 }
-
-int open_(const char* p, int v, mode_t m) {
-    if (((v & O_CREAT) || ((v & O_TRUNC) && IOEXISTS(p))) && nu() && storing != Storing::HalfDood)
-        return -1;
-    return ECHT.open(p, v, m);
-}
-ssize_t write_(int fd, const void* b, size_t n) {
-    if (!nu())
-        return ECHT.write(fd, b, n);
-    ssize_t half = ECHT.write(fd, b, n / 2); // a full disk takes what fits
-    if (storing == Storing::HalfDood)
-        raise(SIGKILL);
-    errno = ENOSPC;
-    return storing == Storing::Vol && half > 0 ? half : -1;
-}
-ssize_t pwrite_(int fd, const void* b, size_t n, off_t p) {
-    if (!nu() || storing == Storing::HalfDood) // inside one page a write is whole or not there
-        return ECHT.pwrite(fd, b, n, p);
-    ECHT.pwrite(fd, b, n / 2, p);
-    errno = ENOSPC;
-    return -1;
-}
-int ftruncate_(int fd, off_t n) {
-    nu(); // to cut and to delete needs no room
-    return ECHT.ftruncate(fd, n);
-}
-int fsync_(int fd) {
-    return nu() && storing != Storing::HalfDood ? -1 : ECHT.fsync(fd);
-}
-int rename_(const char* a, const char* b) {
-    return nu() && storing != Storing::HalfDood ? -1 : ECHT.rename(a, b);
-}
-int unlink_(const char* p) {
-    nu();
-    return ECHT.unlink(p);
-}
-} // namespace
 
 void stoor(int n, Storing wat) {
-    teller = 0;
-    moment = n;
+    static const SYSCALLS echt = SYS;
+    SYS = echt;
     storing = wat;
-    SYS = ECHT;
-    SYS.open = open_;
-    SYS.write = write_;
-    SYS.pwrite = pwrite_;
-    SYS.ftruncate = ftruncate_;
-    SYS.fsync = fsync_;
-    SYS.rename = rename_;
-    SYS.unlink = unlink_;
-}
-
-int aanroepen() {
-    return teller;
+    stoor_roep(n - 1, wat == Storing::Dood, wat == Storing::VoorGoedVol);
+    if (wat == Storing::Dood)
+        return;
+    if (wat == Storing::HalfDood) // of the others each is whole or not there
+        SYS = echt;
+    else
+        SYS.pwrite = [](int fd, const void* b, size_t lengte, off_t p) {
+            const bool nu = roep_nu();
+            const ssize_t uit = roep_echt.pwrite(fd, b, nu ? lengte / 2 : lengte, p);
+            return nu ? (errno = ENOSPC, ssize_t{-1}) : uit;
+        };
+    SYS.write = [](int fd, const void* b, size_t lengte) {
+        const bool nu = roep_nu();
+        const ssize_t uit = roep_echt.write(fd, b, nu ? lengte / 2 : lengte); // a full disk takes what fits
+        if (nu && storing == Storing::HalfDood)
+            raise(SIGKILL);
+        return !nu || (storing == Storing::Vol && uit > 0) ? uit : (errno = ENOSPC, ssize_t{-1});
+    };
 }
 
 } // namespace zg::test

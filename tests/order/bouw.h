@@ -62,6 +62,9 @@ public:
 private:
     TijdelijkeMap map_;
 };
+struct InOrderMap : testing::Test {
+    OrderMap map;
+};
 
 std::string pad(const char* ext); // "2016Z/ORD0012.ext"
 std::string inhoud(const char* ext);
@@ -84,9 +87,8 @@ int herstart();
 // Run in a child: its exit status, or 128 + signal. What it says on the error output goes to *gezegd.
 int in_kind(const std::function<int()>& doe, std::string* gezegd = nullptr);
 
-// Count the calls of SYS in this process and at the n-th (from 1) do something else.
-enum class Storing { Geen, Dood, HalfDood, Vol, VoorGoedVol };
+// At the n-th call of SYS (from 1) that changes something do something else; gestoord() tells whether it came so far.
+enum class Storing { Dood, HalfDood, Vol, VoorGoedVol };
 void stoor(int n, Storing wat);
-int aanroepen();
 
 } // namespace zg::test

@@ -30,48 +30,6 @@ struct Indeling {
     }
 };
 
-} // namespace
-
-TEST(Dialoog, IndelingVanDeRijen) {
-    struct {
-        const char* tekst;
-        const char* verdeeld;
-        std::vector<int> begin;
-    } const gevallen[] = {
-        {"", "", {0, 0, 0, 0, 0}},
-        {"abcde", "abcde", {0, 5, 5, 5, 5}},     // a full row that ends the text has no break
-        {"abcdef", "abcde~f", {0, 6, 7, 7, 7}},  // at the column, not between words
-        {"abcde|f", "abcde|f", {0, 6, 7, 7, 7}}, // the line end still belongs to the full row
-        {"a|b||c", "a|b||c", {0, 2, 4, 5, 6}},
-        {"a~b~c", "abc", {0, 3, 3, 3, 3}}, // breaks of an earlier division go
-        {"abcdefghijklmnopqrst", "abcde~fghij~klmno~pqrst", {0, 6, 12, 18, 23}},
-        {"a|b|c|d|e", "a|b|c|d|e", {0, 2, 4, 6, 8}}, // behind the last row: not on the screen
-
-    };
-    for (const auto& g : gevallen) {
-        const Indeling i(g.tekst);
-        EXPECT_EQ(leesbaar(i.tekst), g.verdeeld);
-        EXPECT_EQ(std::vector<int>(i.begin, std::end(i.begin)), g.begin) << g.tekst;
-    }
-}
-
-TEST(Dialoog, RijVanDeCursor) {
-    struct {
-        const char* tekst;
-        int cursor, rij;
-    } const gevallen[] = {
-        {"", 0, 0},       {"abc", 3, 0},      {"abcde", 5, 0}, // end of a full row: stays on it
-        {"abcdef", 5, 0}, {"abcdef", 6, 1},   {"abcdef", 7, 1}, {"abc|", 4, 1}, // below a line end
-        {"abc|", 3, 0},   {"a|b|c|d|", 8, 3},                                   // no row below the last
-    };
-    for (const auto& g : gevallen) {
-        const Indeling i(g.tekst);
-        EXPECT_EQ(tekst_rij(i.tekst, RIJEN, i.begin, g.cursor), g.rij) << g.tekst << " at " << g.cursor;
-    }
-}
-
-namespace {
-
 struct Tikken {
     const char *wat, *begin, *toetsen, *na;
     int bellen = 0;
@@ -98,6 +56,39 @@ const Tikken TIKKEN[] = {
 };
 
 } // namespace
+
+TEST(Dialoog, IndelingVanDeRijen) {
+    for (const auto& [tekst, verdeeld, begin] : Rijen<const char*, const char*, std::vector<int>>{
+             {"", "", {0, 0, 0, 0, 0}},
+             {"abcde", "abcde", {0, 5, 5, 5, 5}},     // a full row that ends the text has no break
+             {"abcdef", "abcde~f", {0, 6, 7, 7, 7}},  // at the column, not between words
+             {"abcde|f", "abcde|f", {0, 6, 7, 7, 7}}, // the line end still belongs to the full row
+             {"a|b||c", "a|b||c", {0, 2, 4, 5, 6}},
+             {"a~b~c", "abc", {0, 3, 3, 3, 3}}, // breaks of an earlier division go
+             {"abcdefghijklmnopqrst", "abcde~fghij~klmno~pqrst", {0, 6, 12, 18, 23}},
+             {"a|b|c|d|e", "a|b|c|d|e", {0, 2, 4, 6, 8}}, // behind the last row: not on the screen
+
+         }) {
+        const Indeling i(tekst);
+        EXPECT_EQ(leesbaar(i.tekst), verdeeld);
+        EXPECT_EQ(std::vector<int>(i.begin, std::end(i.begin)), begin) << tekst;
+    }
+}
+
+TEST(Dialoog, RijVanDeCursor) {
+    struct {
+        const char* tekst;
+        int cursor, rij;
+    } const gevallen[] = {
+        {"", 0, 0},       {"abc", 3, 0},      {"abcde", 5, 0}, // end of a full row: stays on it
+        {"abcdef", 5, 0}, {"abcdef", 6, 1},   {"abcdef", 7, 1}, {"abc|", 4, 1}, // below a line end
+        {"abc|", 3, 0},   {"a|b|c|d|", 8, 3},                                   // no row below the last
+    };
+    for (const auto& g : gevallen) {
+        const Indeling i(g.tekst);
+        EXPECT_EQ(tekst_rij(i.tekst, RIJEN, i.begin, g.cursor), g.rij) << g.tekst << " at " << g.cursor;
+    }
+}
 
 TEST(Dialoog, Toetsen) {
     for (const Tikken& g : TIKKEN) {

@@ -7,6 +7,8 @@
 namespace zg::test {
 namespace {
 
+using Gedeeld = InOrderMap;
+
 const std::vector<Order> TWEE = {maak_order(1, {2, 1}), maak_order(2, {1, 2})};
 
 // Set in a child, in front of the work. A look is the question for the journal's lock.
@@ -131,8 +133,7 @@ void laat_wrk() {
     });
 }
 
-TEST(Gedeeld, slot_kwijt_bij_elke_naam) {
-    OrderMap map;
+TEST_F(Gedeeld, slot_kwijt_bij_elke_naam) {
     for (const auto& w : WERKEN) {
         const auto begin = [&] {
             for (const char* ext : {"WRK", "TMP", "ORS", "ACT"})
@@ -200,8 +201,7 @@ TEST(Gedeeld, slot_kwijt_bij_elke_naam) {
 }
 
 // At each read of opening an order, and of repairing one: a report with file and reason, and what was there is there.
-TEST(Gedeeld, lezen_mislukt) {
-    OrderMap map;
+TEST_F(Gedeeld, lezen_mislukt) {
     static int over, fout;
     for (const bool met_wrk : {false, true}) {
         zet("JRN", bytes(TWEE));

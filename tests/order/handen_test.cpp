@@ -8,8 +8,7 @@ namespace {
 
 const std::vector<Order> EEN = {maak_order(1, {2})};
 
-struct Handen : testing::Test {
-    OrderMap map;
+struct Handen : InOrderMap {
     const SYSCALLS echt = SYS;
     Handen() { zet("JRN", bytes(EEN)); }
     ~Handen() override { SYS = echt; }

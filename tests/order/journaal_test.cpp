@@ -4,16 +4,16 @@
 namespace zg::test {
 namespace {
 
+using Journaal = InOrderMap;
+
 const std::vector<Order> DRIE = {maak_order(1, {2, 1}), maak_order(2, {1, 3, 2}), maak_order(3, {1})};
-TEST(Journaal, nieuwe_order_en_leeggemaakte_order) {
-    OrderMap map;
+TEST_F(Journaal, nieuwe_order_en_leeggemaakte_order) {
     Order nieuw = maak_order(4, {});
     // Refused header, then a header without lines: no journal stays behind.
     for (bool met_kop : {false, true}) {
         ASSERT_TRUE(kies(-1));
-        if (met_kop) {
+        if (met_kop)
             ASSERT_TRUE(nieuwe_kop(nieuw));
-        }
         EXPECT_TRUE(sluit());
         EXPECT_FALSE(bestaat("JRN"));
     }
@@ -40,9 +40,8 @@ TEST(Journaal, nieuwe_order_en_leeggemaakte_order) {
             ASSERT_TRUE(wrk_regel_uit(&cursor));
         EXPECT_TRUE(sluit());
         EXPECT_EQ(bestaat("JRN"), !voor.empty());
-        if (!voor.empty()) {
+        if (!voor.empty())
             EXPECT_EQ(inhoud("JRN"), bytes(voor));
-        }
     }
 }
 
@@ -56,8 +55,7 @@ Plaats plaats_van(const Order& o, int nr) {
             return {m, static_cast<size_t>(nr) - n};
 }
 
-TEST(Journaal, regels_in_uit_en_vervangen) {
-    OrderMap map;
+TEST_F(Journaal, regels_in_uit_en_vervangen) {
     const std::vector<int> VORM = {1, 3, 2};
     for (char wat : {'u', 'm', 'i', 'v'}) { // delete, insert with model, insert without, replace
         for (int nr = 1; nr <= 6; nr++) {
@@ -116,8 +114,7 @@ TEST(Journaal, regels_in_uit_en_vervangen) {
     }
 }
 
-TEST(Journaal, index_lezen_aan_de_randen) {
-    OrderMap map;
+TEST_F(Journaal, index_lezen_aan_de_randen) {
     zet("JRN", bytes(DRIE));
     ASSERT_TRUE(kies(1)); // six lines
     struct {
@@ -128,15 +125,13 @@ TEST(Journaal, index_lezen_aan_de_randen) {
     for (const auto& rij : rijen) {
         ors_ingang e{static_cast<uint16_t>(rij.van), 0, 0, 0};
         EXPECT_EQ(ors_lees(rij.modus, &e), rij.naar != 0) << rij.modus << rij.van;
-        if (rij.naar) {
+        if (rij.naar)
             EXPECT_EQ(e.regel, rij.naar) << rij.modus << rij.van;
-        }
     }
     sluit();
 }
 
-TEST(Journaal, alleen_bekeken_verandert_niets) {
-    OrderMap map;
+TEST_F(Journaal, alleen_bekeken_verandert_niets) {
     struct {
         bool register_;
         char recht;
@@ -176,8 +171,7 @@ TEST(Journaal, alleen_bekeken_verandert_niets) {
 
 // ---- locks
 
-TEST(Slot, opener_volgt_een_vervangen_journaal) {
-    OrderMap map;
+TEST_F(Journaal, opener_volgt_een_vervangen_journaal) {
     zet("JRN", bytes({DRIE[0]}));
     static int keren;
     keren = 0;

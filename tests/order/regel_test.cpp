@@ -8,6 +8,9 @@
 namespace zg::test {
 namespace {
 
+using Orderregels = InOrderMap;
+using Orddump = InOrderMap;
+
 // An order of one model with this line, opened, the line in hand.
 void open_regel(const Regel& l, int korting = 0) {
     Order o{42500, "", "", {{1, "m", {l}}}, 0, korting};
@@ -16,8 +19,7 @@ void open_regel(const Regel& l, int korting = 0) {
     ASSERT_TRUE(regel_lees(regel_op(1), &regel_nu));
 }
 
-TEST(Regel, prijs_die_niemand_wijzigde_gaat_terug_zoals_hij_was) {
-    OrderMap map;
+TEST_F(Orderregels, prijs_die_niemand_wijzigde_gaat_terug_zoals_hij_was) {
     Regel l{5,
             "t",
             {{1, 200, 100, "EB"}, {7, 0, -3, ""}, {40, 300, 0, "B"}, {94, 0, 0, ""}, {95, 400, 77, "E"}},
@@ -37,8 +39,7 @@ TEST(Regel, prijs_die_niemand_wijzigde_gaat_terug_zoals_hij_was) {
     EXPECT_EQ(inhoud("JRN"), bytes(Order{42500, "", "", {{1, "m", {l}}}, 0, -250}));
 }
 
-TEST(Regel, dubbel_zonder_wat_bij_het_origineel_hoort) {
-    OrderMap map;
+TEST_F(Orderregels, dubbel_zonder_wat_bij_het_origineel_hoort) {
     Regel l{5, "t", {{1, 200, 100, "EB"}}, {{42000, 42010, {{1, 1, 3}}}}};
     open_regel(l, -250);
     regel_nu.dessin.volgnummer = 9;
@@ -53,8 +54,7 @@ TEST(Regel, dubbel_zonder_wat_bij_het_origineel_hoort) {
 }
 
 // In registermodus the records behind D belong to the register; texts are the journal's own.
-TEST(Regel, registermodus_wijzigt_de_teksten_en_niets_anders) {
-    OrderMap map;
+TEST_F(Orderregels, registermodus_wijzigt_de_teksten_en_niets_anders) {
     Order o = maak_order(2, {1, 2});
     o.nummer = 1000;
     zet("JRN", bytes(o));
@@ -78,8 +78,7 @@ TEST(Regel, registermodus_wijzigt_de_teksten_en_niets_anders) {
     sluit();
 }
 
-TEST(Regel, termen_met_dezelfde_laatste_datum_worden_een) {
-    OrderMap map;
+TEST_F(Orderregels, termen_met_dezelfde_laatste_datum_worden_een) {
     Regel l{
         5,
         "",
@@ -107,8 +106,7 @@ TEST(Regel, termen_met_dezelfde_laatste_datum_worden_een) {
     EXPECT_EQ(inhoud("JRN"), bytes(Order{42500, "", "", {{1, "m", {l}}}}));
 }
 
-TEST(Regel, lijst_van_termen) {
-    OrderMap map;
+TEST_F(Orderregels, lijst_van_termen) {
     levtermen termen;
     for (int tot : {300, 100, 200}) {
         aantalmatrix m;
@@ -132,8 +130,7 @@ TEST(Regel, lijst_van_termen) {
 }
 
 // One value for a whole walk, lines of one model and of several: nothing of one line is left in the next.
-TEST(Regel, elke_regel_van_een_loop_is_de_hare) {
-    OrderMap map;
+TEST_F(Orderregels, elke_regel_van_een_loop_is_de_hare) {
     Order o = maak_order(2, {2, 3, 1});
     zet("JRN", bytes(o));
     ASSERT_TRUE(kies(0));
@@ -177,8 +174,7 @@ TEST(Regel, elke_regel_van_een_loop_is_de_hare) {
 
 // More than 32 bits hold: 95 sizes of the largest price in large numbers. Surcharge and rate in the purchase
 // value; a price that isn't known yet counts nothing.
-TEST(Regel, totalen) {
-    OrderMap map;
+TEST_F(Orderregels, totalen) {
     regel_wis(&regel_nu);
     kop = {};
     VASTIN(kop.valuta, "USD");
@@ -211,8 +207,7 @@ Uit dump(const std::string& rest) {
     return sh("orddump " + rest);
 }
 
-TEST(Orddump, leest_een_journaal_en_stoort_niet) {
-    OrderMap map;
+TEST_F(Orddump, leest_een_journaal_en_stoort_niet) {
     Order o = maak_order(3, {2});
     o.levering = "caf\x82"; // é
     for (Model& model : o.modellen)
@@ -239,8 +234,7 @@ TEST(Orddump, leest_een_journaal_en_stoort_niet) {
     EXPECT_EQ(dump("-c " + pad("WRK")).status, 4);
 }
 
-TEST(Orddump, vindt_wat_niet_kan) {
-    OrderMap map;
+TEST_F(Orddump, vindt_wat_niet_kan) {
     const std::string o = bytes(Order{42500, "", "", {}}),
                       m = bytes(Order{42500, "", "", {{1, "", {}, 1}}}).substr(o.size());
     auto lijn = [&](const Regel& l) {

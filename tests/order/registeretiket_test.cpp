@@ -2,7 +2,6 @@
 #include "order/etiketloop.h"
 #include "order/kop.h"
 #include "order/register.h"
-#include "shared/leesstam.h"
 #include "sub/omserie.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
@@ -69,13 +68,12 @@ struct Regeletiketten : Systeem {
         return uit;
     }
     void vreemd(const std::function<void(etiket*)>& doe) { // another label into the chain
-        etiket l{};
-        l.status = ETI_ORDER;
-        l.maat = 3;
-        l.leverancier = 117;
-        l.orderdatum = 42000;
-        l.levering_tot = 100;
-        l.ordernummer = 1000;
+        etiket l{.status = ETI_ORDER,
+                 .maat = 3,
+                 .leverancier = 117,
+                 .orderdatum = 42000,
+                 .levering_tot = 100,
+                 .ordernummer = 1000};
         doe(&l);
         int32_t nr = 0, eerste = serie.etiketkop;
         const etiketketen in_hand(A, &eerste);
@@ -90,48 +88,44 @@ ssize_t tel(int fd, const void* buf, size_t n, off_t plaats) {
 }
 
 TEST_F(Regeletiketten, WhatBecomesOfQuantities) {
-    const struct {
-        const char* wat;
-        const char* stukken;
-        const char* keten;
-    } rijen[] = {
-        {"made, in the order of the sizes", "100/0/5x1 100/0/3x2 100/1/3x1",
-         "1:100/0/3 2:100/0/3 3:100/1/3 4:100/0/5 "},
-        {"as it was", "100/0/5x1 100/0/3x2 100/1/3x1", "1:100/0/3 2:100/0/3 3:100/1/3 4:100/0/5 "},
-        {"moved to the branch that has more", "100/0/5x1 100/0/3x1 100/1/3x1 100/4/3x1",
-         "1:100/0/3 2:100/4/3 3:100/1/3 4:100/0/5 "},
-        {"lowered, the last ones go", "100/0/5x1 100/4/3x1", "2:100/4/3 4:100/0/5 "},
-        {"raised, and a term: places are used again", "100/0/5x2 100/4/3x1 120/2/17x2",
-         "1:100/0/5 2:100/4/3 3:120/2/17 4:100/0/5 5:120/2/17 "},
-        {"a size is no other size", "100/0/5x2 100/4/17x1 120/2/17x2",
-         "1:100/0/5 2:100/4/17 3:120/2/17 4:100/0/5 5:120/2/17 "},
-        {"from term to term", "100/0/5x1 120/0/5x1 120/2/17x2", "1:100/0/5 2:120/0/5 3:120/2/17 5:120/2/17 "},
-        {"a term that is gone", "120/0/5x1 120/2/17x2", "2:120/0/5 3:120/2/17 5:120/2/17 "},
-        {"eleven pieces", "120/0/5x1 120/2/17x2 130/0/3x8",
-         "1:130/0/3 2:120/0/5 3:120/2/17 4:130/0/3 5:120/2/17 6:130/0/3 7:130/0/3 8:130/0/3 9:130/0/3 "
-         "10:130/0/3 11:130/0/3 "},
-    };
-    for (const auto& r : rijen) {
-        zet(r.stukken);
+    for (const auto& [wat, stukken, labels] : Rijen<const char*, const char*, const char*>{
+             {"made, in the order of the sizes", "100/0/5x1 100/0/3x2 100/1/3x1",
+              "1:100/0/3 2:100/0/3 3:100/1/3 4:100/0/5 "},
+             {"as it was", "100/0/5x1 100/0/3x2 100/1/3x1", "1:100/0/3 2:100/0/3 3:100/1/3 4:100/0/5 "},
+             {"moved to the branch that has more", "100/0/5x1 100/0/3x1 100/1/3x1 100/4/3x1",
+              "1:100/0/3 2:100/4/3 3:100/1/3 4:100/0/5 "},
+             {"lowered, the last ones go", "100/0/5x1 100/4/3x1", "2:100/4/3 4:100/0/5 "},
+             {"raised, and a term: places are used again", "100/0/5x2 100/4/3x1 120/2/17x2",
+              "1:100/0/5 2:100/4/3 3:120/2/17 4:100/0/5 5:120/2/17 "},
+             {"a size is no other size", "100/0/5x2 100/4/17x1 120/2/17x2",
+              "1:100/0/5 2:100/4/17 3:120/2/17 4:100/0/5 5:120/2/17 "},
+             {"from term to term", "100/0/5x1 120/0/5x1 120/2/17x2",
+              "1:100/0/5 2:120/0/5 3:120/2/17 5:120/2/17 "},
+             {"a term that is gone", "120/0/5x1 120/2/17x2", "2:120/0/5 3:120/2/17 5:120/2/17 "},
+             {"eleven pieces", "120/0/5x1 120/2/17x2 130/0/3x8",
+              "1:130/0/3 2:120/0/5 3:120/2/17 4:130/0/3 5:120/2/17 6:130/0/3 7:130/0/3 8:130/0/3 9:130/0/3 "
+              "10:130/0/3 11:130/0/3 "},
+         }) {
+        zet(stukken);
         const levtermen termen = regel.termen;
-        EXPECT_TRUE(labels_passen(regel, serie)) << r.wat;
-        EXPECT_TRUE(labels_bij(&regel, &serie)) << r.wat;
-        EXPECT_EQ(keten(), r.keten) << r.wat;
+        EXPECT_TRUE(labels_passen(regel, serie)) << wat;
+        EXPECT_TRUE(labels_bij(&regel, &serie)) << wat;
+        EXPECT_EQ(keten(), labels) << wat;
         // Saved again nothing is written; read back the line has the same terms, also where runs repeat.
         const std::string eti = lees_bestand("DTETI.TXT");
         echt = SYS.pwrite;
         SYS.pwrite = tel;
         schrijvingen = 0;
-        EXPECT_TRUE(labels_bij(&regel, &serie)) << r.wat;
+        EXPECT_TRUE(labels_bij(&regel, &serie)) << wat;
         SYS.pwrite = echt;
-        EXPECT_EQ(schrijvingen, 0) << r.wat;
+        EXPECT_EQ(schrijvingen, 0) << wat;
         etiket koers;
         regel.serie = serie;
         EXPECT_TRUE(labels_lees(&regel, &koers));
-        EXPECT_EQ(regel.termen, termen) << r.wat;
-        EXPECT_EQ(regel.op_bestand, serie.in_nota) << r.wat;
+        EXPECT_EQ(regel.termen, termen) << wat;
+        EXPECT_EQ(regel.op_bestand, serie.in_nota) << wat;
         EXPECT_EQ(matrix_totalen(regel.nota_aantallen)[0], serie.in_nota);
-        EXPECT_EQ(koers.status * 100000 + koers.netto, 100000 + (koers.maat + 900)) << r.wat;
+        EXPECT_EQ(koers.status * 100000 + koers.netto, 100000 + (koers.maat + 900)) << wat;
     }
     zet("100/0/3x1 130/0/3x1");
     regel.termen[0].van = 80;
@@ -228,16 +222,10 @@ TEST_F(Regeletiketten, OthersStay) {
 
 TEST_F(Regeletiketten, ReceivingLocation) {
     dtart = nieuw_paar("DTART", {"art,304", "1,NODUPS,I,1,4"}, 2);
-    artrec groep{};
-    groep.artikelgroep = 110;
-    groep.magazijn = 14;
-    schrijf(dtart, groep);
-    groep.artikelgroep = 111;
-    groep.magazijn = 255;
-    schrijf(dtart, groep);
-    groep.artikelgroep = 112;
-    groep.magazijn = 77; // no such branch
-    schrijf(dtart, groep);
+    for (const artrec& groep : {artrec{.artikelgroep = 110, .magazijn = 14},
+                                {.artikelgroep = 111, .magazijn = 255},
+                                {.artikelgroep = 112, .magazijn = 77}}) // no such branch
+        schrijf(dtart, groep);
     const struct {
         int edi, locatie, groep, label;
     } rijen[] = {{0, 20, 110, 255}, {1, 20, 110, 255}, {2, 20, 110, 20}, {3, 0, 110, 0},

@@ -2,11 +2,14 @@
 // were damaged. Whatever happens, the other orders stay byte for byte, and the order is one of its whole
 // states.
 #include "bouw.h"
+#include "support/roepstoring.h"
 #include <climits>
 #include <random>
 
 namespace zg::test {
 namespace {
+
+using Storingen = InOrderMap;
 
 const std::vector<Order> DRIE = {maak_order(1, {2, 1}), maak_order(2, {1, 2}), maak_order(3, {1})};
 
@@ -117,12 +120,12 @@ void toets_toestand(const std::vector<std::string>& goed, const std::string& waa
 }
 
 // The n-th call that writes is disturbed; then the status.
-int gestoord(const Sessie& s, int n, Storing wat, std::string* gezegd = nullptr) {
+int verstoord(const Sessie& s, int n, Storing wat, std::string* gezegd = nullptr) {
     zet("JRN", bytes(s.drie()));
     auto doe = [&] {
         stoor(n, wat);
         int uit = sessie(s, [] {});
-        return aanroepen() < n ? 9 : uit;
+        return gestoord() ? uit : 9;
     };
     return in_kind(doe, gezegd);
 }
@@ -136,13 +139,12 @@ int hersteld(const Sessie& s, int n = INT_MAX) {
     return in_kind(doe);
 }
 
-TEST(Storing, gedood_bij_elke_schrijfactie) {
-    OrderMap map;
+TEST_F(Storingen, gedood_bij_elke_schrijfactie) {
     for (const Sessie& s : SESSIES) {
         std::vector<std::string> goed = toestanden(s);
         for (Storing dood : {Storing::Dood, Storing::HalfDood}) {
             int aantal[3] = {};
-            for (int n = 1, einde; (einde = gestoord(s, n, dood)) != 9; n++) {
+            for (int n = 1, einde; (einde = verstoord(s, n, dood)) != 9; n++) {
                 if (einde == 0) // a half write is one kind of call; the others go on undisturbed
                     continue;
                 ASSERT_EQ(einde, 128 + SIGKILL) << s << " at " << n;
@@ -150,39 +152,36 @@ TEST(Storing, gedood_bij_elke_schrijfactie) {
                 int her = hersteld(s);
                 ASSERT_LE(her, 2) << waar;
                 aantal[her]++;
-                if (her == 2) {
+                if (her == 2)
                     EXPECT_EQ(zonder_tijd(inhoud("JRN")), goed[0]) << waar;
-                }
                 toets_toestand(goed, waar);
             }
             if (dood == Storing::Dood) {
                 EXPECT_GT(aantal[1], 5) << s;
-                EXPECT_LE(aantal[2], 3) << s; // only between the first WRK and its ACT
+                EXPECT_LE(aantal[2], 4) << s; // only between the first WRK and its ACT
             }
         }
     }
 }
 
-TEST(Storing, gedood_en_dan_tijdens_het_herstel_weer) {
-    OrderMap map;
+TEST_F(Storingen, gedood_en_dan_tijdens_het_herstel_weer) {
     const Sessie s = SESSIES[1];
     std::vector<std::string> goed = toestanden(s);
-    for (int n = 1; gestoord(s, n, Storing::Dood) != 9; n++)
+    for (int n = 1; verstoord(s, n, Storing::Dood) != 9; n++)
         for (int k = 1, einde = 99; einde > 2; k++) {
-            gestoord(s, n, Storing::Dood);
+            verstoord(s, n, Storing::Dood);
             einde = hersteld(s, k);
             hersteld(s);
             toets_toestand(goed, std::to_string(n) + "/" + std::to_string(k));
         }
 }
 
-TEST(Storing, schijf_vol_bij_elke_schrijfactie) {
-    OrderMap map;
+TEST_F(Storingen, schijf_vol_bij_elke_schrijfactie) {
     for (const Sessie& s : SESSIES) {
         std::vector<std::string> goed = toestanden(s);
         for (Storing vol : {Storing::Vol, Storing::VoorGoedVol}) {
             std::string gezegd;
-            for (int n = 1, einde; (einde = gestoord(s, n, vol, &gezegd)) != 9; n++) {
+            for (int n = 1, einde; (einde = verstoord(s, n, vol, &gezegd)) != 9; n++) {
                 std::string waar =
                     ::testing::PrintToString(n) + " of order " + std::to_string(s.order) + gezegd;
                 ASSERT_TRUE(einde == 0 || einde == 3 || einde == 4) << waar;
@@ -192,9 +191,8 @@ TEST(Storing, schijf_vol_bij_elke_schrijfactie) {
                                 gezegd.find("niet te openen") != std::string::npos)
                         << waar;
                 }
-                if (einde) {
+                if (einde)
                     EXPECT_EQ(zonder_tijd(inhoud("JRN")), goed[0]) << waar;
-                }
                 if (einde == 0 && vol == Storing::Vol &&
                     s.order >= 0) { // one change refused, the others made
                     EXPECT_NE(zonder_tijd(inhoud("JRN")), goed[0]) << waar << " lost without a word";
@@ -207,9 +205,8 @@ TEST(Storing, schijf_vol_bij_elke_schrijfactie) {
                 EXPECT_EQ(kwalen("JRN", ORD_JOURNAAL), "") << waar;
                 std::string nu = inhoud("JRN");
                 for (int i = 0; i < 3; i++)
-                    if (i != s.order) {
+                    if (i != s.order)
                         EXPECT_TRUE(bevat(nu, bytes(s.drie()[static_cast<size_t>(i)]))) << waar;
-                    }
                 EXPECT_EQ(scratch(), "") << waar;
             }
         }
@@ -219,58 +216,47 @@ TEST(Storing, schijf_vol_bij_elke_schrijfactie) {
 // ---- damage
 
 std::string act(int32_t start, int32_t volgende, int32_t omvang) {
-    act_record a{};
-    a.start = start;
-    a.volgende = volgende;
-    a.omvang = omvang;
+    act_record a{.start = start, .volgende = volgende, .omvang = omvang};
     return {reinterpret_cast<char*>(&a), sizeof a};
 }
 
-TEST(Schade, herstel_gelooft_niets) {
-    OrderMap map;
+TEST_F(Storingen, herstel_gelooft_niets) {
     const std::string jrn = bytes(DRIE), wrk = bytes(maak_order(2, {2}), true);
     const auto o1 = static_cast<int32_t>(bytes(DRIE[0]).size());
     const auto o2 = o1 + static_cast<int32_t>(bytes(DRIE[1]).size());
     const auto eind = static_cast<int32_t>(jrn.size());
     const auto in_tekst = static_cast<int32_t>(jrn.find("OOTDMSX")); // an 'O' that is no record
-    struct {
-        const char* wat;
-        std::string act_, wrk_;
-        bool goed;
-    } const rijen[] = {
-        {"sound, in the middle", act(o1, o2, eind), wrk, true},
-        {"sound, the last", act(o2, -1, eind), wrk, true},
-        {"sound, new", act(eind, -1, eind), wrk, true},
-        {"no marker", "", wrk, false},
-        {"marker of 99 bytes", act(o1, o2, eind).substr(1), wrk, false},
-        {"journal has grown", act(o1, o2, eind - 1), wrk, false},
-        {"start at the least number", act(INT32_MIN, o2, eind), wrk, false},
-        {"start beyond the end", act(INT32_MAX, -1, eind), wrk, false},
-        {"start on an O inside a text", act(in_tekst, o1, eind), wrk, false},
-        {"next one skipped: an order would go", act(0, o2, eind), wrk, false},
-        {"next one forgotten: the rest would go", act(o1, -1, eind), wrk, false},
-        {"next one in front", act(o2, o1, eind), wrk, false},
-        {"next one wild", act(o1, INT32_MAX, eind), wrk, false},
-        {"work file cut", act(o1, o2, eind), wrk.substr(0, wrk.size() - 1), false},
-        {"work file with an unknown tag", act(o1, o2, eind), wrk + "Q", false},
-        {"work file without a header", act(o1, o2, eind), wrk.substr(121), false},
-        {"work file with two orders", act(o1, o2, eind), wrk + wrk, false},
-        {"work file of zeros", act(o1, o2, eind), std::string(500, '\0'), false},
-    };
-    for (const auto& rij : rijen) {
+    for (const auto& [wat, act_, wrk_, goed] : Rijen<const char*, std::string, std::string, bool>{
+             {"sound, in the middle", act(o1, o2, eind), wrk, true},
+             {"sound, the last", act(o2, -1, eind), wrk, true},
+             {"sound, new", act(eind, -1, eind), wrk, true},
+             {"no marker", "", wrk, false},
+             {"marker of 99 bytes", act(o1, o2, eind).substr(1), wrk, false},
+             {"journal has grown", act(o1, o2, eind - 1), wrk, false},
+             {"start at the least number", act(INT32_MIN, o2, eind), wrk, false},
+             {"start beyond the end", act(INT32_MAX, -1, eind), wrk, false},
+             {"start on an O inside a text", act(in_tekst, o1, eind), wrk, false},
+             {"next one skipped: an order would go", act(0, o2, eind), wrk, false},
+             {"next one forgotten: the rest would go", act(o1, -1, eind), wrk, false},
+             {"next one in front", act(o2, o1, eind), wrk, false},
+             {"next one wild", act(o1, INT32_MAX, eind), wrk, false},
+             {"work file cut", act(o1, o2, eind), wrk.substr(0, wrk.size() - 1), false},
+             {"work file with an unknown tag", act(o1, o2, eind), wrk + "Q", false},
+             {"work file without a header", act(o1, o2, eind), wrk.substr(121), false},
+             {"work file with two orders", act(o1, o2, eind), wrk + wrk, false},
+             {"work file of zeros", act(o1, o2, eind), std::string(500, '\0'), false},
+         }) {
         zet("JRN", jrn);
-        zet("WRK", rij.wrk_);
-        zet("ACT", rij.act_);
-        EXPECT_EQ(in_kind(herstart), rij.goed ? 1 : 2) << rij.wat;
-        if (!rij.goed) {
-            EXPECT_EQ(inhoud("JRN"), jrn) << rij.wat;
-        }
-        EXPECT_EQ(scratch(), "") << rij.wat;
+        zet("WRK", wrk_);
+        zet("ACT", act_);
+        EXPECT_EQ(in_kind(herstart), goed ? 1 : 2) << wat;
+        if (!goed)
+            EXPECT_EQ(inhoud("JRN"), jrn) << wat;
+        EXPECT_EQ(scratch(), "") << wat;
     }
 }
 
-TEST(Schade, kapot_journaal_stopt_bij_het_openen) {
-    OrderMap map;
+TEST_F(Storingen, kapot_journaal_stopt_bij_het_openen) {
     const std::string jrn = bytes(DRIE);
     const size_t laatste = jrn.rfind('F');
     std::string groot = jrn;
@@ -303,8 +289,7 @@ TEST(Schade, kapot_journaal_stopt_bij_het_openen) {
     }
 }
 
-TEST(Schade, regel_met_onmogelijke_inhoud) {
-    OrderMap map;
+TEST_F(Storingen, regel_met_onmogelijke_inhoud) {
     struct {
         const char* wat;
         std::function<void(Regel&)> maak;
@@ -339,8 +324,7 @@ TEST(Schade, regel_met_onmogelijke_inhoud) {
 
 // Random bytes in any of the files: a report or a refusal, never a crash; and sound orders in front of the
 // damage are never changed.
-TEST(Schade, willekeurige_bytes) {
-    OrderMap map;
+TEST_F(Storingen, willekeurige_bytes) {
     std::mt19937 toeval(20160301);
     auto getal = [&](size_t n) { return static_cast<size_t>(toeval() % n); };
     const std::string jrn = bytes(DRIE), wrk = bytes(maak_order(2, {2, 1}), true);

@@ -59,18 +59,13 @@ TEST_F(Koersen, ByDate) {
 
 // A key that isn't code and date never gives a wrong currency's rate, nor a later one.
 TEST_F(Koersen, OtherKey) {
-    struct {
-        const char* sleutel;
-        uint16_t datum;
-        double koers;
-    } const rijen[] = {
-        {"k1,NODUPS,I,11,12,C,1,3", 42000, 0.9150},
-        {"k1,NODUPS,I,11,12,C,1,3", 41000, 1.0}, // that day has a rate of JPY
-        {"k1,C,1,3", 39999, 1.0},                // all of them are later
-    };
-    for (const auto& r : rijen) {
-        maak(r.sleutel);
-        EXPECT_DOUBLE_EQ(koers_datum("USD", r.datum), r.koers) << r.sleutel << " " << r.datum;
+    for (const auto& [sleutel, datum, koers] : test::Rijen<const char*, uint16_t, double>{
+             {"k1,NODUPS,I,11,12,C,1,3", 42000, 0.9150},
+             {"k1,NODUPS,I,11,12,C,1,3", 41000, 1.0}, // that day has a rate of JPY
+             {"k1,C,1,3", 39999, 1.0},                // all of them are later
+         }) {
+        maak(sleutel);
+        EXPECT_DOUBLE_EQ(koers_datum("USD", datum), koers) << sleutel << " " << datum;
     }
 }
 
@@ -153,12 +148,10 @@ TEST_F(Koersen, ShortestRate) {
     for (const auto& r : rijen) {
         SCOPED_TRACE(std::to_string(r.vreemd) + " " + std::to_string(r.thuis));
         const double koers = koers_vernauwen(r.code, r.vreemd, r.thuis, r.factor);
-        if (r.koers != 0) {
+        if (r.koers != 0)
             EXPECT_DOUBLE_EQ(koers, r.koers);
-        }
-        if (r.vreemd && r.thuis) {
+        if (r.vreemd && r.thuis)
             EXPECT_EQ(naar_thuis_factor(r.vreemd, r.code, koers, r.factor), r.thuis) << koers;
-        }
     }
     std::mt19937 toeval(63);
     for (int i = 0; i < 20000; i++) {
@@ -172,28 +165,23 @@ TEST_F(Koersen, ShortestRate) {
 
 // Order discount on and off a stored net price; `terug` is what a price that was set anew is stored as.
 TEST(Prijzen, orderkorting_erbij_en_eraf) {
-    struct {
-        int32_t opgeslagen;
-        int korting;
-        int32_t netto, terug;
-    } const rijen[] = {
-        {1000, 0, 1000, 1000},
-        {1000, -250, 975, 1000},
-        {100, -250, 98, 101},
-        {1, -5000, 1, 2},
-        {100, 1000, 110, 100},
-        {999, -10000, 1, 1},
-        {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
-        {2000, -500, 1900, 2000},
-        {2105, -500, 2000, 2105}, // 20.00 is stored as 21.05
-        {625, -5016, 311, 624},   // 311.5 but for the last bit
-        {100, 32767, 428, 100},
-        {100, -32768, 1, 1},
-    };
-    for (const auto& r : rijen) {
-        const auto k = static_cast<int16_t>(r.korting);
-        EXPECT_EQ(toeslag_erbij(r.opgeslagen, k), r.netto) << r.opgeslagen << " " << r.korting;
-        EXPECT_EQ(toeslag_eraf(r.netto, k), r.terug) << r.opgeslagen << " " << r.korting;
+    for (const auto& [opgeslagen, korting, netto, terug] : test::Rijen<int32_t, int, int32_t, int32_t>{
+             {1000, 0, 1000, 1000},
+             {1000, -250, 975, 1000},
+             {100, -250, 98, 101},
+             {1, -5000, 1, 2},
+             {100, 1000, 110, 100},
+             {999, -10000, 1, 1},
+             {INT32_MAX, 10000, INT32_MAX - 1, 1073741823},
+             {2000, -500, 1900, 2000},
+             {2105, -500, 2000, 2105}, // 20.00 is stored as 21.05
+             {625, -5016, 311, 624},   // 311.5 but for the last bit
+             {100, 32767, 428, 100},
+             {100, -32768, 1, 1},
+         }) {
+        const auto k = static_cast<int16_t>(korting);
+        EXPECT_EQ(toeslag_erbij(opgeslagen, k), netto) << opgeslagen << " " << korting;
+        EXPECT_EQ(toeslag_eraf(netto, k), terug) << opgeslagen << " " << korting;
     }
 }
 
@@ -204,30 +192,26 @@ TEST_F(Koersen, purchase_row_in_its_context) {
     up_zet_maat(&rijen, 95, -4, 0);
     up_zet_maat(&rijen, 40, 1, INT32_MAX - 1);
     EXPECT_EQ(rijen.bruto[95], 1);
-    struct {
-        const char* code;
-        double koers;
-        int32_t factor, inkoop1, inkoop40;
-    } const gevallen[] = {
-        {"USD", 0.915, 10850, 9928, 2131968077},
-        {"USD", 2, 0, 20000, INT32_MAX - 1}, // never the mark
-        {"USD", -2, 10000, 1, 1},            // bits of a damaged header
-        {"USD", 214748.3647, INT32_MIN, 1, 1},
-        {"USD", 214748.3647, INT32_MAX, INT32_MAX - 1, INT32_MAX - 1},
-        {"ODD", 2, 10000, 20000, INT32_MAX - 1}, // seven decimals count as two
-        {"JPY", 1, 10000, 1000000, INT32_MAX - 1},
-        {"", 1, 10000, 10000, INT32_MAX - 1},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(g.code);
-        up_valuta(g.code, g.koers, g.factor);
+    for (const auto& [code, koers, factor, inkoop1, inkoop40] :
+         test::Rijen<const char*, double, int32_t, int32_t, int32_t>{
+             {"USD", 0.915, 10850, 9928, 2131968077},
+             {"USD", 2, 0, 20000, INT32_MAX - 1}, // never the mark
+             {"USD", -2, 10000, 1, 1},            // bits of a damaged header
+             {"USD", 214748.3647, INT32_MIN, 1, 1},
+             {"USD", 214748.3647, INT32_MAX, INT32_MAX - 1, INT32_MAX - 1},
+             {"ODD", 2, 10000, 20000, INT32_MAX - 1}, // seven decimals count as two
+             {"JPY", 1, 10000, 1000000, INT32_MAX - 1},
+             {"", 1, 10000, 10000, INT32_MAX - 1},
+         }) {
+        SCOPED_TRACE(code);
+        up_valuta(code, koers, factor);
         up_inkoop_alle(&rijen);
-        EXPECT_EQ(rijen.inkoop[1], g.inkoop1);
-        EXPECT_EQ(rijen.inkoop[40], g.inkoop40);
+        EXPECT_EQ(rijen.inkoop[1], inkoop1);
+        EXPECT_EQ(rijen.inkoop[40], inkoop40);
         EXPECT_EQ(rijen.inkoop[2], PRIJS_ONBEKEND);
         EXPECT_EQ(rijen.inkoop[3], 0);
-        EXPECT_EQ(rijen.inkoop[95], std::clamp(naar_thuis_factor(1, g.code, g.koers, up_context.koersfactor),
-                                               1, INT32_MAX - 1));
+        EXPECT_EQ(rijen.inkoop[95],
+                  std::clamp(naar_thuis_factor(1, code, koers, up_context.koersfactor), 1, INT32_MAX - 1));
     }
     // A rate of the day is looked up once, not for each price.
     up_valuta("USD", 0, 10000);

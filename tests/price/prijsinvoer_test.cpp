@@ -3,8 +3,8 @@
 #include "price/prijsinvoer.h"
 #include "price/prijsvraag.h"
 #include "support/systeem.h"
+#include "support/wild.h"
 #include "term/gesprek.h"
-#include <random>
 
 namespace zg {
 namespace {
@@ -238,91 +238,74 @@ TEST_F(Prijsinvoer, the_last_group_runs_to_the_end) {
 }
 
 // Random keys in all flows: the sizes of the line stay in the rows, and no others come in; nothing is 0 or stays set.
-struct Wild {
-    std::mt19937 rng;
-
-    int dobbel(int tot) { return static_cast<int>(rng() % static_cast<unsigned>(tot)); }
-    int32_t prijs() {
-        static const int32_t RAAR[] = {1, PRIJS_ONBEKEND, PRIJS_ONBEKEND - 1, 9999999, 10000000};
-        return dobbel(3) ? 1 + dobbel(500) * 100 : RAAR[dobbel(std::size(RAAR))];
+using test::dobbel;
+int32_t wilde_prijs() {
+    static const int32_t RAAR[] = {1, PRIJS_ONBEKEND, PRIJS_ONBEKEND - 1, 9999999, 10000000};
+    return dobbel(3) ? 1 + dobbel(500) * 100 : RAAR[dobbel(std::size(RAAR))];
+}
+void druk_toetsen() {
+    static const int32_t BIJZONDER[] = {K_ENTER, K_ENTER, K_ENTER, K_F1,   K_F5,   K_F7,  K_F8,
+                                        K_F10,   K_F10,   K_TAB,   K_BACK, K_HOME, K_ESC, K_UP};
+    static const char TEKENS[] = "0123456789,.-pnkbaPNKBA+*C123", EEN_PRIJS[] = "\n10.0";
+    for (int i = 0; i < 12; i++) { // the last of the stack: one advice price for all, and out
+        for (int j = 0; j < (MATEN + 5) * 5; j++)
+            TOETSTERUG(EEN_PRIJS[j % 5]);
+        TOETSTERUG('a');
+        for (int j = 0; j < 8; j++)
+            TOETSTERUG(K_ESC);
     }
-    void druk_toetsen() {
-        static const int32_t BIJZONDER[] = {K_ENTER, K_ENTER, K_ENTER, K_F1,   K_F5,   K_F7,  K_F8,
-                                            K_F10,   K_F10,   K_TAB,   K_BACK, K_HOME, K_ESC, K_UP};
-        static const char TEKENS[] = "0123456789,.-pnkbaPNKBA+*C123", EEN_PRIJS[] = "\n10.0";
-        for (int i = 0; i < 12; i++) { // the last of the stack: one advice price for all, and out
-            for (int j = 0; j < (MATEN + 5) * 5; j++)
-                TOETSTERUG(EEN_PRIJS[j % 5]);
-            TOETSTERUG('a');
-            for (int j = 0; j < 8; j++)
-                TOETSTERUG(K_ESC);
-        }
-        for (int i = dobbel(200); i > 0; i--)
-            TOETSTERUG(dobbel(2) ? BIJZONDER[dobbel(std::size(BIJZONDER))] : TEKENS[dobbel(sizeof TEKENS - 1)]);
+    for (int i = dobbel(200); i > 0; i--)
+        TOETSTERUG(dobbel(2) ? BIJZONDER[dobbel(std::size(BIJZONDER))] : TEKENS[dobbel(sizeof TEKENS - 1)]);
+}
+prijsrijen vul(uint8_t* maten) {
+    prijsrijen rijen{};
+    int32_t netto = wilde_prijs(), advies = wilde_prijs();
+    for (int m = 1, kans = 1 + dobbel(4); m <= MATEN; m++) {
+        up_zet(&rijen.advies, m, dobbel(4) ? 0 : advies); // kept of a size that went
+        if (dobbel(kans))
+            continue;
+        if (dobbel(3) == 0)
+            netto = wilde_prijs(), advies = wilde_prijs();
+        maat_aan(maten, m);
+        up_zet_maat(&rijen, m, dobbel(5) ? netto : wilde_prijs(), netto);
+        up_zet_advies(&rijen, m, advies);
     }
-    prijsrijen vul(uint8_t* maten) {
-        prijsrijen rijen{};
-        int32_t netto = prijs(), advies = prijs();
-        for (int m = 1, kans = 1 + dobbel(4); m <= MATEN; m++) {
-            up_zet(&rijen.advies, m, dobbel(4) ? 0 : advies); // kept of a size that went
-            if (dobbel(kans))
-                continue;
-            if (dobbel(3) == 0)
-                netto = prijs(), advies = prijs();
-            maat_aan(maten, m);
-            up_zet_maat(&rijen, m, dobbel(5) ? netto : prijs(), netto);
-            up_zet_advies(&rijen, m, advies);
-        }
-        return rijen;
+    return rijen;
+}
+std::string beurt() {
+    up_context.methode = static_cast<Kortingsmethode>(1 + dobbel(3));
+    up_context.calcmodus = static_cast<Calcmodus>(dobbel(3));
+    up_context.calcmarge = dobbel(100);
+    up_valuta(dobbel(2) ? "EUR" : "JPY", 0.5 + dobbel(100), dobbel(2) ? 0 : 10500);
+    const double order = dobbel(2) ? 0 : dobbel(200) - 99.99;
+    up_orderkorting(order);
+    up_regelkorting(dobbel(200) - 99.99);
+    uint8_t maten[MAATBYTES] = {};
+    prijsrijen rijen = vul(maten);
+    druk_toetsen();
+    const int wat = dobbel(5), rij = dobbel(25);
+    switch (wat) {
+    case 0: up_wijzigen_prijzen(&rijen, rij); break;
+    case 1: up_wijzigen_advies(&rijen, rij); break;
+    case 2: up_definieren_prijzen(&rijen, maten); break;
+    case 3: up_wijzigen_inkoop(&rijen, rij); break;
+    default: up_definieren_inkoop(&rijen, maten);
     }
-    std::string beurt() {
-        up_context.methode = static_cast<Kortingsmethode>(1 + dobbel(3));
-        up_context.calcmodus = static_cast<Calcmodus>(dobbel(3));
-        up_context.calcmarge = dobbel(100);
-        up_valuta(dobbel(2) ? "EUR" : "JPY", 0.5 + dobbel(100), dobbel(2) ? 0 : 10500);
-        const double order = dobbel(2) ? 0 : dobbel(200) - 99.99;
-        up_orderkorting(order);
-        up_regelkorting(dobbel(200) - 99.99);
-        uint8_t maten[MAATBYTES] = {};
-        prijsrijen rijen = vul(maten);
-        druk_toetsen();
-        const int wat = dobbel(5), rij = dobbel(25);
-        switch (wat) {
-        case 0: up_wijzigen_prijzen(&rijen, rij); break;
-        case 1: up_wijzigen_advies(&rijen, rij); break;
-        case 2: up_definieren_prijzen(&rijen, maten); break;
-        case 3: up_wijzigen_inkoop(&rijen, rij); break;
-        default: up_definieren_inkoop(&rijen, maten);
-        }
-        TOETSLEEG();
-        for (size_t m = 0; m <= MATEN; m++) {
-            const bool er = m > 0 && maat_in(maten, static_cast<int>(m));
-            for (const prijsrij* rij_nu : {&rijen.bruto, &rijen.netto, &rijen.inkoop})
-                if (er != ((*rij_nu)[m] > 0) || (er && rijen.advies[m] < 1))
-                    return test::vorm("flow %d: size %zu has %d, advice %d", wat, m, (*rij_nu)[m], rijen.advies[m]);
-        }
-        if (wat < 3 && up_aantal_verkoopprijzen(rijen) > ADVIESRANGEN)
-            return "left with too many prices";
-        const bool goed = SCHERM.kpos == 2 && SCHERM.aantal == 1 && !up_lay.rijen && up_context.orderkorting == order;
-        return goed ? "" : test::vorm("flow %d: something stays", wat);
+    TOETSLEEG();
+    for (size_t m = 0; m <= MATEN; m++) {
+        const bool er = m > 0 && maat_in(maten, static_cast<int>(m));
+        for (const prijsrij* rij_nu : {&rijen.bruto, &rijen.netto, &rijen.inkoop})
+            if (er != ((*rij_nu)[m] > 0) || (er && rijen.advies[m] < 1))
+                return test::vorm("flow %d: size %zu has %d, advice %d", wat, m, (*rij_nu)[m], rijen.advies[m]);
     }
-};
+    if (wat < 3 && up_aantal_verkoopprijzen(rijen) > ADVIESRANGEN)
+        return "left with too many prices";
+    const bool goed = SCHERM.kpos == 2 && SCHERM.aantal == 1 && !up_lay.rijen && up_context.orderkorting == order;
+    return goed ? "" : test::vorm("flow %d: something stays", wat);
+}
 
 TEST_F(Prijsinvoer, random_keys) {
-    const char *aantal = getenv("ZG_WILD"), *vast = getenv("ZG_SEED");
-    const unsigned zaad = vast ? static_cast<unsigned>(atol(vast)) : std::random_device{}();
-    test::Terminal t([&] {
-        SCRINIT();
-        begin();
-        Wild wild{std::mt19937(zaad)};
-        std::string fout;
-        for (int i = aantal ? atoi(aantal) : 150; i > 0 && fout.empty(); i--)
-            fout = wild.beurt();
-        SCREXIT();
-        puts(fout.c_str());
-        return fout.empty() ? 0 : 3;
-    });
-    EXPECT_EQ(t.einde(600000), 0) << "seed " << zaad << "\n" << t.scherm();
+    test::wilde_beurten(150, 0, begin, beurt);
 }
 // clang-format on
 

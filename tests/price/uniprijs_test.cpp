@@ -30,58 +30,43 @@ struct Uniprijs : test::Systeem {
         for (int maat = 1; maat <= 20; maat++)
             rec.entry[maat].link = static_cast<uint8_t>(maat == 10 ? 1 : maat < 10 ? maat + 1 : maat);
         test::schrijf(dtmaat, rec);
-        balk_open(1, 4, set({3}).data()); // the choice is the grid's, not the walks'
+        balk_open(1, 4, test::maten_van({3}).data()); // the choice is the grid's, not the walks'
     }
     ~Uniprijs() override {
         balk_sluit();
         IXCLOSE(dtmaat);
         dtmaat = nullptr;
     }
-    static std::array<uint8_t, MAATBYTES> set(std::initializer_list<int> maten) {
-        std::array<uint8_t, MAATBYTES> uit{};
-        for (int maat : maten)
-            maat_aan(uit.data(), maat);
-        return uit;
-    }
-    static std::string tekst(const uint8_t* maten) {
-        std::string uit;
-        for (int maat = 1; maat <= MATEN; maat++)
-            if (maat_in(maten, maat))
-                uit += std::to_string(maat) + " ";
-        return uit;
-    }
 };
 
 TEST_F(Uniprijs, discounts) {
-    struct {
-        double order, regel;
-        int32_t bruto, netto; // out of range is none; 0.4 would take the size out of the row
-    } const gevallen[] = {{10, 10, 100, 81},
-                          {99.99, 0, 10000, 1},
-                          {50, 99.98, 10000, 1}, // 99.99 and a little more in doubles
-                          {0, -99.99, 10000, 19999},
-                          {99.991, 25, 10000, 7500},
-                          {100, 0, 10000, 10000},
-                          {18, 0, 75, 61},      // 61.5 but for the last bit: every program gets 61
-                          {-50, -50, 100, 100}, // -125 is out of range
-                          {GEEN_GETAL, 0, 100, 100},
-                          {-50, 0, 201, 302},
-                          {60, 0, 1, 1},
-                          {-99.99, 0, HOOGSTE, HOOGSTE},
-                          {10, 0, PRIJS_ONBEKEND, PRIJS_ONBEKEND}};
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(std::to_string(g.order) + " " + std::to_string(g.regel));
-        up_orderkorting(g.order);
-        up_regelkorting(g.regel);
+    // bruto: out of range is none; 0.4 would take the size out of the row
+    for (const auto& [order, regel, bruto, netto] : test::Rijen<double, double, int32_t, int32_t>{
+             {10, 10, 100, 81},
+             {99.99, 0, 10000, 1},
+             {50, 99.98, 10000, 1}, // 99.99 and a little more in doubles
+             {0, -99.99, 10000, 19999},
+             {99.991, 25, 10000, 7500},
+             {100, 0, 10000, 10000},
+             {18, 0, 75, 61},      // 61.5 but for the last bit: every program gets 61
+             {-50, -50, 100, 100}, // -125 is out of range
+             {GEEN_GETAL, 0, 100, 100},
+             {-50, 0, 201, 302},
+             {60, 0, 1, 1},
+             {-99.99, 0, HOOGSTE, HOOGSTE},
+             {10, 0, PRIJS_ONBEKEND, PRIJS_ONBEKEND}}) {
+        SCOPED_TRACE(std::to_string(order) + " " + std::to_string(regel));
+        up_orderkorting(order);
+        up_regelkorting(regel);
         rijen = {};
-        rijen.bruto[95] = g.bruto;
+        rijen.bruto[95] = bruto;
         up_netto_alle(&rijen);
-        EXPECT_EQ(rijen.netto[95], g.netto);
+        EXPECT_EQ(rijen.netto[95], netto);
         prijsgroep_info groep{};
         maat_aan(groep.maten, 95);
         rijen.netto[95] = 7;
-        up_netto_groep(&rijen, &groep, up_totaalkorting(g.order, g.regel));
-        EXPECT_EQ(rijen.netto[95], g.netto) << "by group";
+        up_netto_groep(&rijen, &groep, up_totaalkorting(order, regel));
+        EXPECT_EQ(rijen.netto[95], netto) << "by group";
     }
     struct {
         int32_t bruto, netto;
@@ -98,28 +83,24 @@ TEST_F(Uniprijs, discounts) {
 
 TEST_F(Uniprijs, advice_prices) {
     constexpr auto F = Calcmodus::factor, M = Calcmodus::marge;
-    struct {
-        int32_t inkoop;
-        Calcmodus modus;
-        double waarde;
-        int32_t kaal, rond; // 1.21 x 2034 = 2461.14
-    } const gevallen[] = {{480, F, 2.5, 1200, 1250},
-                          {1251, F, 1, 1251, 1295},
-                          {10000, F, 1, 10000, 10050},
-                          {10001, F, 1, 10001, 10500},
-                          {10501, F, 1, 10501, 10950},
-                          {412, F, 2.42, 997, 995}, // 997.04
-                          {1000, M, 50, 2420, 2450},
-                          {1017, M, 50, 2461, 2495},
-                          {1000, Calcmodus::geen, 2.5, 0, 0},
-                          {1000, M, 100, 0, 0},
-                          {1000, F, GEEN_GETAL, 0, 0},
-                          {HOOGSTE, F, 1, HOOGSTE, HOOGSTE},
-                          {HOOGSTE, M, 99.99, HOOGSTE, HOOGSTE}};
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(std::to_string(g.inkoop) + " x " + std::to_string(g.waarde));
-        EXPECT_EQ(up_bereken_advies(g.inkoop, g.modus, g.waarde, false), g.kaal);
-        EXPECT_EQ(up_bereken_advies(g.inkoop, g.modus, g.waarde, true), g.rond);
+    // kaal: 1.21 x 2034 = 2461.14
+    for (const auto& [inkoop, modus, waarde, kaal, rond] :
+         test::Rijen<int32_t, Calcmodus, double, int32_t, int32_t>{{480, F, 2.5, 1200, 1250},
+                                                                   {1251, F, 1, 1251, 1295},
+                                                                   {10000, F, 1, 10000, 10050},
+                                                                   {10001, F, 1, 10001, 10500},
+                                                                   {10501, F, 1, 10501, 10950},
+                                                                   {412, F, 2.42, 997, 995}, // 997.04
+                                                                   {1000, M, 50, 2420, 2450},
+                                                                   {1017, M, 50, 2461, 2495},
+                                                                   {1000, Calcmodus::geen, 2.5, 0, 0},
+                                                                   {1000, M, 100, 0, 0},
+                                                                   {1000, F, GEEN_GETAL, 0, 0},
+                                                                   {HOOGSTE, F, 1, HOOGSTE, HOOGSTE},
+                                                                   {HOOGSTE, M, 99.99, HOOGSTE, HOOGSTE}}) {
+        SCOPED_TRACE(std::to_string(inkoop) + " x " + std::to_string(waarde));
+        EXPECT_EQ(up_bereken_advies(inkoop, modus, waarde, false), kaal);
+        EXPECT_EQ(up_bereken_advies(inkoop, modus, waarde, true), rond);
     }
     VASTIN(instel15.valuta, "USD");
     EXPECT_EQ(up_bereken_advies(480, F, 2.5, true), 1200) << "another home currency";
@@ -168,29 +149,25 @@ TEST_F(Uniprijs, groups_along_the_bar) {
         const auto m = static_cast<size_t>(maat);
         rijen.bruto[m] = rijen.netto[m] = bruto, rijen.advies[m] = advies;
     }
-    struct {
-        prijszicht zicht;
-        const char* groepen;
-    } const gevallen[] = {
-        {ZICHT_INKOOP, "10 =500/0 1 2 4 =600/0 5 =500/0 6 =0/0 "},
-        {ZICHT_ADVIES, "1 10 =0/90 2 =0/95 4 5 6 =0/90 "},
-        {ZICHT_SAMEN, "10 =500/90 1 =600/90 2 =600/95 4 =600/90 5 =500/90 6 =0/90 "},
-        {{PK_MATEN, false}, "1 2 4 5 6 10 =0/0 "},
-    };
-    for (const auto& g : gevallen) {
+    for (const auto& [zicht, groepen] : test::Rijen<prijszicht, const char*>{
+             {ZICHT_INKOOP, "10=500/0 1,2,4=600/0 5=500/0 6=0/0 "},
+             {ZICHT_ADVIES, "1,10=0/90 2=0/95 4,5,6=0/90 "},
+             {ZICHT_SAMEN, "10=500/90 1=600/90 2=600/95 4=600/90 5=500/90 6=0/90 "},
+             {{PK_MATEN, false}, "1,2,4,5,6,10=0/0 "},
+         }) {
         std::string door;
         prijsgroep_info groep{}, zelf;
         int n = 0;
-        for (; up_volgende_groep(rijen, g.zicht, &groep); n++) {
-            door += tekst(groep.maten) + "=" + std::to_string(groep.bruto) + "/" +
+        for (; up_volgende_groep(rijen, zicht, &groep); n++) {
+            door += test::maten_in(groep.maten) + "=" + std::to_string(groep.bruto) + "/" +
                     std::to_string(groep.advies) + " ";
-            EXPECT_TRUE(up_groep_nummer(rijen, g.zicht, n, &zelf));
-            EXPECT_EQ(tekst(zelf.maten), tekst(groep.maten));
+            EXPECT_TRUE(up_groep_nummer(rijen, zicht, n, &zelf));
+            EXPECT_EQ(test::maten_in(zelf.maten), test::maten_in(groep.maten));
         }
-        EXPECT_EQ(door, g.groepen);
-        EXPECT_EQ(up_aantal_groepen(rijen, g.zicht), n);
-        EXPECT_FALSE(up_groep_nummer(rijen, g.zicht, n, &groep));
-        EXPECT_FALSE(up_volgende_groep(rijen, g.zicht, &groep)) << "over is over";
+        EXPECT_EQ(door, groepen);
+        EXPECT_EQ(up_aantal_groepen(rijen, zicht), n);
+        EXPECT_FALSE(up_groep_nummer(rijen, zicht, n, &groep));
+        EXPECT_FALSE(up_volgende_groep(rijen, zicht, &groep)) << "over is over";
     }
     EXPECT_EQ(up_aantal_verkoopprijzen(rijen), 3) << "runs, not different prices";
     EXPECT_TRUE(up_compleet(rijen));
@@ -204,8 +181,8 @@ TEST_F(Uniprijs, groups_along_the_bar) {
         int pagina, eerste;
         const char* maten;
         bool er;
-    } const paginas[] = {{1, 0, "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 ", true},
-                         {2, 6, "19 20 ", true},
+    } const paginas[] = {{1, 0, "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18", true},
+                         {2, 6, "19,20", true},
                          {4, 18, "", true},
                          {5, 18, "", false},
                          {0, 0, "", false}};
@@ -214,7 +191,7 @@ TEST_F(Uniprijs, groups_along_the_bar) {
         uint8_t maten[MAATBYTES];
         EXPECT_EQ(up_pagina(rijen, ZICHT_INKOOP, p.pagina, &eerste, maten), p.er) << p.pagina;
         EXPECT_EQ(eerste, p.eerste) << p.pagina;
-        EXPECT_EQ(tekst(maten), p.maten) << p.pagina;
+        EXPECT_EQ(test::maten_in(maten), p.maten) << p.pagina;
     }
     balk_sluit();
     test::verwacht_stop([&] { up_aantal_groepen(rijen, ZICHT_SAMEN); }, "uniprijs: errno=7");
@@ -222,34 +199,30 @@ TEST_F(Uniprijs, groups_along_the_bar) {
 
 TEST_F(Uniprijs, stored_advice_prices) {
     // Advice prices along the bar, and of each range the last size and its price. Blank: not of the line.
-    struct {
-        const char *wat, *prijzen, *rangen;
-        bool past;
-    } const gevallen[] = {
-        {"runs, not different prices", "10=50 1=50 2=60 3=50", "1=50 2=60 3=50", true},
-        {"eight", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 8=8 9=8", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 9=8", true},
-        {"nine", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 8=8 9=9 11=1", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 11=8", false},
-        {"no price yet", "1=2147483647 2=60", "1=0 2=60", true},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(g.wat);
+    for (const auto& [wat, prijzen, rangen, past] : test::Rijen<const char*, const char*, const char*, bool>{
+             {"runs, not different prices", "10=50 1=50 2=60 3=50", "1=50 2=60 3=50", true},
+             {"eight", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 8=8 9=8", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 9=8", true},
+             {"nine", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 8=8 9=9 11=1", "1=1 2=2 3=3 4=4 5=5 6=6 7=7 11=8", false},
+             {"no price yet", "1=2147483647 2=60", "1=0 2=60", true},
+         }) {
+        SCOPED_TRACE(wat);
         rijen = {};
         std::string uit;
-        for (std::stringstream in(g.prijzen); in >> uit;) {
+        for (std::stringstream in(prijzen); in >> uit;) {
             const int maat = stoi(uit);
             up_zet_maat(&rijen, maat, 1, 1);
             up_zet_advies(&rijen, maat, stoi(uit.substr(uit.find('=') + 1)));
         }
         up_zet_advies(&rijen, 4 + 8, 77); // kept of a size that went
         uint8_t blok[ADVIESBLOK];
-        EXPECT_EQ(up_advies_bewaren(rijen, blok), g.past);
+        EXPECT_EQ(up_advies_bewaren(rijen, blok), past);
         uit.clear();
         for (size_t r = 0; r < ADVIESRANGEN && blok[r]; r++) {
             int32_t prijs;
             memcpy(&prijs, blok + ADVIESRANGEN + 4 * r, sizeof prijs);
             uit += (r ? " " : "") + std::to_string(blok[r]) + "=" + std::to_string(prijs);
         }
-        EXPECT_EQ(uit, g.rangen);
+        EXPECT_EQ(uit, rangen);
     }
 
     // What is on file, and the prices of sizes 2, 7 and 9 by it. Size 77 is not on the bar (any more).
@@ -270,7 +243,7 @@ TEST_F(Uniprijs, stored_advice_prices) {
         uint8_t blok[ADVIESBLOK] = {};
         memcpy(blok, b.einde, sizeof b.einde);
         memcpy(blok + ADVIESRANGEN, b.prijs, sizeof b.prijs);
-        up_advies_laden(&rijen, set({2, 7, 9}).data(), blok);
+        up_advies_laden(&rijen, test::maten_van({2, 7, 9}).data(), blok);
         EXPECT_EQ(rijen.advies[2], b.maat2);
         EXPECT_EQ(rijen.advies[7], b.maat7);
         EXPECT_EQ(rijen.advies[9], b.maat9);
@@ -312,7 +285,7 @@ TEST_F(Uniprijs, random_lines) {
                 for (size_t i = 0; i < MAATBYTES; i++)
                     gezien[i] |= g.maten[i];
             }
-            EXPECT_EQ(tekst(gezien), tekst(aanwezig));
+            EXPECT_EQ(test::maten_in(gezien), test::maten_in(aanwezig));
             EXPECT_EQ(geteld,
                       static_cast<int>(std::count(rijen.bruto.begin(), rijen.bruto.end(), 0) * -1 + 96));
         }
@@ -330,13 +303,11 @@ TEST_F(Uniprijs, random_lines) {
             prijsrijen terug{};
             up_advies_laden(&terug, aanwezig, blok);
             for (int maat = 1; maat <= 20; maat++)
-                if (maat_in(aanwezig, maat)) {
+                if (maat_in(aanwezig, maat))
                     EXPECT_EQ(terug.advies[static_cast<size_t>(maat)],
                               std::max(up_lees(rijen.advies, maat), 1));
-                }
-        } else {
+        } else
             EXPECT_GT(up_aantal_verkoopprijzen(rijen), ADVIESRANGEN);
-        }
     }
 }
 
@@ -347,7 +318,8 @@ TEST_F(Uniprijs, another_set_of_sizes) {
     }
     up_zet_advies(&rijen, 4, 444); // kept from when it was there before
     // 10 stands before 1; 4 and 5 before 6; 8 behind all; 77 is not on the bar. 2 goes, and comes back.
-    up_maten_gewijzigd(&rijen, set({1, 2, 6}).data(), set({1, 4, 5, 6, 8, 10, 77}).data());
+    up_maten_gewijzigd(&rijen, test::maten_van({1, 2, 6}).data(),
+                       test::maten_van({1, 4, 5, 6, 8, 10, 77}).data());
     struct {
         size_t maat;
         int32_t bruto, advies;
@@ -359,13 +331,13 @@ TEST_F(Uniprijs, another_set_of_sizes) {
         EXPECT_EQ(rijen.advies[w.maat], w.advies) << w.maat;
     }
     EXPECT_EQ(balk_kolommen(), 1) << "the grid's choice stays";
-    up_maten_gewijzigd(&rijen, set({1, 4}).data(), set({1, 2, 4}).data());
+    up_maten_gewijzigd(&rijen, test::maten_van({1, 4}).data(), test::maten_van({1, 2, 4}).data());
     EXPECT_EQ(rijen.bruto[2], 60) << "of its neighbour";
     EXPECT_EQ(rijen.advies[2], 200) << "its own again";
 
     // No neighbour that has prices: unknown, so that it belongs to a group and can be priced.
     rijen = {};
-    up_maten_gewijzigd(&rijen, set({6}).data(), set({6, 7}).data());
+    up_maten_gewijzigd(&rijen, test::maten_van({6}).data(), test::maten_van({6, 7}).data());
     for (const prijsrij* rij : {&rijen.bruto, &rijen.netto, &rijen.inkoop, &rijen.advies})
         EXPECT_EQ((*rij)[7], PRIJS_ONBEKEND);
 }

@@ -4,7 +4,6 @@
 #include "price/prijsvenster.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include "term/prompt.h"
 
 namespace zg {
 namespace {
@@ -45,20 +44,18 @@ TEST_F(Prijsvenster, method_and_discount_of_the_line) {
     up_context.regelkorting = 7;
     struct {
         double order;
-        const char *toetsen, *uit; // method and discount
-        const char* beeld[2];      // on the way
+        const char *toetsen, *uit;                  // method and discount
+        const char *een = nullptr, *twee = nullptr; // seen on the way
     } const gevallen[] = {
-        {0, "1|12,5<Enter>", "Automatisch  12.50% 12.5", {" AUTOMATISCH ", "Korting"}},
-        {10, "1|10<Enter>", "Automatisch  19.00% 10", {"Orderkorting    10.00%", "Totaalkorting   16.30%"}},
-        {10, "199,99<Enter>|99<Enter>", "Automatisch  99.10% 99", {"<99.99%> Totaalkorting alleen"}},
-        {10,
-         "1<F1>|x5<Enter>",
-         "Automatisch  14.50% 5",
-         {"<F10>  Berekenen korting", "<F1> HELP Orderdatum: 201115"}},
-        {10, "199,99<Enter><Esc>|2", "Ingave korting 7", {"KORTINGSMETHODE"}},
-        {10, "3", "Ingave nettoprijs 7", {}},
-        {-50, "1-60<Enter>-20<Enter>", "Automatisch -80.00% -20", {}}, // -140 for both is refused
-        {10, "<Esc>", "Automatisch  16.30% 7", {}},
+        {0, "1|12,5<Enter>", "Automatisch  12.50% 12.5", " AUTOMATISCH ", "Korting"},
+        {10, "1|10<Enter>", "Automatisch  19.00% 10", "Orderkorting    10.00%", "Totaalkorting   16.30%"},
+        {10, "199,99<Enter>|99<Enter>", "Automatisch  99.10% 99", "<99.99%> Totaalkorting alleen"},
+        {10, "1<F1>|x5<Enter>", "Automatisch  14.50% 5", "<F10>  Berekenen korting",
+         "<F1> HELP Orderdatum: 201115"},
+        {10, "199,99<Enter><Esc>|2", "Ingave korting 7", "KORTINGSMETHODE"},
+        {10, "3", "Ingave nettoprijs 7"},
+        {-50, "1-60<Enter>-20<Enter>", "Automatisch -80.00% -20"}, // -140 for both is refused
+        {10, "<Esc>", "Automatisch  16.30% 7"},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.toetsen);
@@ -69,7 +66,7 @@ TEST_F(Prijsvenster, method_and_discount_of_the_line) {
                 return kortingsmethode_tekst() + test::vorm(" %g", up_context.regelkorting);
             });
         });
-        speel(t, g.toetsen, {g.beeld[0], g.beeld[1]});
+        speel(t, g.toetsen, {g.een, g.twee});
         t.wacht("\n= ");
         EXPECT_EQ(t.regel(1), " ORDERS" + std::string(54, ' ') + "Orderdatum: 201115")
             << "no hint left behind";
@@ -100,29 +97,22 @@ TEST_F(Prijsvenster, calculation_of_an_advice_price) {
     struct {
         Calcmodus modus;
         int32_t inkoop;
-        const char *toetsen, *uit; // accepted, price; mode, factor and margin from then on
-        const char* beeld[2];      // on the way
+        const char *toetsen, *uit;                  // accepted, price; mode, factor and margin from then on
+        const char *een = nullptr, *twee = nullptr; // seen on the way
         const char* thuis = "EUR";
     } const gevallen[] = {
-        {F, 412, "2,42<Enter>|<Enter>", "1 995; 1 2.42 40", {"Calc.pr     EUR      9.97"}},
-        {G, 1000, "50<Enter>24,20<Enter>", "1 2420; 2 1.5 50", {}},
-        {M, 1000, "<Tab>2|<Tab>50<Enter><Esc><Esc>", "0 7; 2 1.5 40", {"Calc.factor         2____"}},
-        {G, 1000, "<Tab>2<Enter><Esc><Esc>", "0 7; 0 1.5 40", {}},
-        {F, 1000, "<F1>|x2<Enter><Esc>3<Enter><Enter>", "1 3050; 1 3 40", {"<TAB>  Calc.marge"}},
+        {F, 412, "2,42<Enter>|<Enter>", "1 995; 1 2.42 40", "Calc.pr     EUR      9.97"},
+        {G, 1000, "50<Enter>24,20<Enter>", "1 2420; 2 1.5 50"},
+        {M, 1000, "<Tab>2|<Tab>50<Enter><Esc><Esc>", "0 7; 2 1.5 40", "Calc.factor         2____"},
+        {G, 1000, "<Tab>2<Enter><Esc><Esc>", "0 7; 0 1.5 40"},
+        {F, 1000, "<F1>|x2<Enter><Esc>3<Enter><Enter>", "1 3050; 1 3 40", "<TAB>  Calc.marge"},
         // No price comes of it, or one that the field can't hold: neither is taken by ENTER alone.
-        {F, 1000, "0<Enter><Enter>|9<Enter>", "1 900; 1 0 40", {"Ingave verplicht"}},
-        {F,
-         9000000,
-         "2<Enter>|<Enter>99999,99<Enter>",
-         "1 9999999; 1 2 40",
-         {"<180005.00> Bedrag te groot", "Adv.pr      EUR  ________"}},
+        {F, 1000, "0<Enter><Enter>|9<Enter>", "1 900; 1 0 40", "Ingave verplicht"},
+        {F, 9000000, "2<Enter>|<Enter>99999,99<Enter>", "1 9999999; 1 2 40", "<180005.00> Bedrag te groot",
+         "Adv.pr      EUR  ________"},
         // Without decimals, nor rounding; the next field has two again.
-        {F,
-         412,
-         "2,42<Enter><Esc>|<Enter>998<Enter>",
-         "1 998; 1 2.42 40",
-         {"Adv.pr      JPY       997"},
-         "JPY"},
+        {F, 412, "2,42<Enter><Esc>|<Enter>998<Enter>", "1 998; 1 2.42 40", "Adv.pr      JPY       997",
+         nullptr, "JPY"},
     };
     for (const auto& g : gevallen) {
         SCOPED_TRACE(g.toetsen);
@@ -137,7 +127,7 @@ TEST_F(Prijsvenster, calculation_of_an_advice_price) {
             });
         });
         t.wacht_op(19, 1, "┌────────── BEREKENEN ADVIESPRIJS (3) ───────────┐");
-        speel(t, g.toetsen, {g.beeld[0], g.beeld[1]});
+        speel(t, g.toetsen, {g.een, g.twee});
         EXPECT_EQ(t.antwoord(), g.uit);
     }
 }

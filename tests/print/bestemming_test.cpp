@@ -37,22 +37,17 @@ struct Bestemmingen : Printmap {
 };
 
 TEST_F(Bestemmingen, Wishes) {
-    const struct {
-        uint16_t code;
-        uint8_t vlaggen, nr;
-        uint16_t masker;
-        const char* uit;
-    } rijen[] = {
-        {2, 0, 0, PRT_80, "1 duplex 80x60 utf-8"},
-        {2, 1, 1, PRT_80 | PRT_KORT, "1 duplex 80x60 kijk utf-8"},
-        {2, 0, 0, PRT_132 | PRT_LANG, "1 duplex 132x72 cp850"}, // an init text: raw bytes
-        {2, 1, 0, PRT_132, "0  132x64 kijk cp850"},             // long pages only when they are asked for
-        {3, 0, 4, PRT_132, "2 fifo 132x66 liggend cp850"},
-        {3, 0, 0, PRT_ALLES, "no"},               // its first connection, a queue that nobody knows
-        {1, 0, 0, PRT_80, "0  80x64 kijk cp850"}, // the screen is looked at
-    };
-    for (const auto& r : rijen)
-        EXPECT_EQ(wens(r.code, r.vlaggen, r.nr, r.masker), r.uit) << r.code << " " << r.masker;
+    for (const auto& [code, vlaggen, nr, masker, uit] :
+         Rijen<uint16_t, uint8_t, uint8_t, uint16_t, const char*>{
+             {2, 0, 0, PRT_80, "1 duplex 80x60 utf-8"},
+             {2, 1, 1, PRT_80 | PRT_KORT, "1 duplex 80x60 kijk utf-8"},
+             {2, 0, 0, PRT_132 | PRT_LANG, "1 duplex 132x72 cp850"}, // an init text: raw bytes
+             {2, 1, 0, PRT_132, "0  132x64 kijk cp850"}, // long pages only when they are asked for
+             {3, 0, 4, PRT_132, "2 fifo 132x66 liggend cp850"},
+             {3, 0, 0, PRT_ALLES, "no"},               // its first connection, a queue that nobody knows
+             {1, 0, 0, PRT_80, "0  80x64 kijk cp850"}, // the screen is looked at
+         })
+        EXPECT_EQ(wens(code, vlaggen, nr, masker), uit) << code << " " << masker;
     // No printer named, and none but the screen.
     IOUNLINK("prt/TR_PTRG.TXT");
     EXPECT_EQ(wens(0, 0, 0, PRT_ALLES), "0  132x64 kijk cp850");
@@ -63,26 +58,22 @@ TEST_F(Bestemmingen, Wishes) {
 
 TEST_F(Bestemmingen, Refused) {
     const std::string hier = tijdelijk.pad();
-    const struct {
-        std::string apparaat;
-        bool map, goed;
-    } rijen[] = {
-        {"laser/duplex", false, true},
-        {"-o", false, false},
-        {"laser/duplex,weg", false, false}, // lpstat's way to ask for two
-        {hier + "/uit", false, false},
-        {"/dev/null", false, true},
-        {"uit", true, true},
-        {"elders/../uit/", true, true},
-        {"2016Z", true, false},
-        {"elders/../2016Z", true, false},
-        {"geenmap", true, false},
-        {"AUX", false, false},
-        {"TERMINAL", true, false}, // a directory flag doesn't make it one
-    };
-    for (const auto& r : rijen) {
-        verbinding(3, 1, r.apparaat, r.map);
-        EXPECT_EQ(wens(3, 0, 1, PRT_132) != "no", r.goed) << r.apparaat;
+    for (const auto& [apparaat, map, goed] : Rijen<std::string, bool, bool>{
+             {"laser/duplex", false, true},
+             {"-o", false, false},
+             {"laser/duplex,weg", false, false}, // lpstat's way to ask for two
+             {hier + "/uit", false, false},
+             {"/dev/null", false, true},
+             {"uit", true, true},
+             {"elders/../uit/", true, true},
+             {"2016Z", true, false},
+             {"elders/../2016Z", true, false},
+             {"geenmap", true, false},
+             {"AUX", false, false},
+             {"TERMINAL", true, false}, // a directory flag doesn't make it one
+         }) {
+        verbinding(3, 1, apparaat, map);
+        EXPECT_EQ(wens(3, 0, 1, PRT_132) != "no", goed) << apparaat;
     }
     // A scheduler that doesn't answer holds nobody up.
     programma("bin/lpstat", "exec sleep 60");
@@ -92,23 +83,18 @@ TEST_F(Bestemmingen, Refused) {
 }
 
 TEST_F(Bestemmingen, ToFile) {
-    const struct {
-        const char* bestand;
-        uint16_t masker;
-        const char* uit;
-    } rijen[] = {
-        {"lijst.txt", PRT_80, "6 lijst.txt 80x64 utf-8"},
-        {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 liggend utf-8"},
-        {"elders/lijst.pdf", PRT_40, "6 lijst.pdf 40x64 pdf"},
-        {nullptr, PRT_80, "no"},
-        {"0123456789012345678901234567890123456789", PRT_80, "no"},
-        {"elders/89012345678901234567890123456789.PDF", PRT_80,
-         "6 89012345678901234567890123456789.PDF 80x64 pdf"}, // its ending doesn't count
-        {"elders/fifo", PRT_80, "no"},
-        {"geen/lijst.txt", PRT_80, "no"},
-    };
-    for (const auto& r : rijen)
-        EXPECT_EQ(wens(0, PRT_BESTAND, 0, r.masker, r.bestand), r.uit) << (r.bestand ? r.bestand : "null");
+    for (const auto& [bestand, masker, uit] : Rijen<const char*, uint16_t, const char*>{
+             {"lijst.txt", PRT_80, "6 lijst.txt 80x64 utf-8"},
+             {"elders/lijst.txt", PRT_132 | PRT_KORT, "6 lijst.txt 132x64 liggend utf-8"},
+             {"elders/lijst.pdf", PRT_40, "6 lijst.pdf 40x64 pdf"},
+             {nullptr, PRT_80, "no"},
+             {"0123456789012345678901234567890123456789", PRT_80, "no"},
+             {"elders/89012345678901234567890123456789.PDF", PRT_80,
+              "6 89012345678901234567890123456789.PDF 80x64 pdf"}, // its ending doesn't count
+             {"elders/fifo", PRT_80, "no"},
+             {"geen/lijst.txt", PRT_80, "no"},
+         })
+        EXPECT_EQ(wens(0, PRT_BESTAND, 0, masker, bestand), uit) << (bestand ? bestand : "null");
     schrijf_bestand("uit/lijst.txt", "oud"); // nobody to ask
     EXPECT_EQ(wens(0, PRT_BESTAND, 0, PRT_80, "lijst.txt"), "no");
     EXPECT_EQ(lees_bestand("uit/lijst.txt"), "oud");

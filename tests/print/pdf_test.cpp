@@ -8,6 +8,8 @@
 namespace zg {
 namespace {
 
+using Pdf = test::InMap;
+
 std::string uitvoer(const std::string& opdracht) {
     return test::sh(opdracht).tekst;
 }
@@ -22,8 +24,7 @@ std::string alle_tekens() {
 }
 
 // Full pages of every shape come back to the letter, each row on its own line, all of it on the paper.
-TEST(Pdf, RowsAndColumns) {
-    test::TijdelijkeMap map;
+TEST_F(Pdf, RowsAndColumns) {
     const struct {
         int rijen, kolommen;
         bool staand;
@@ -66,8 +67,7 @@ TEST(Pdf, RowsAndColumns) {
     }
 }
 
-TEST(Pdf, PagesAndOddFiles) {
-    test::TijdelijkeMap map;
+TEST_F(Pdf, PagesAndOddFiles) {
     const struct {
         const char* in;
         const char* uit;
@@ -92,8 +92,7 @@ TEST(Pdf, PagesAndOddFiles) {
 }
 
 // Over a file that stands, and refused at each call in turn: nothing half is left, and the reason is told.
-TEST(Pdf, Refused) {
-    test::TijdelijkeMap map;
+TEST_F(Pdf, Refused) {
     test::schrijf_bestand("in", "x\n");
     test::schrijf_bestand("oud.pdf", "oud");
     EXPECT_FALSE(prt_pdf("in", "oud.pdf", 64, 80, true, ""));
@@ -114,17 +113,14 @@ TEST(Pdf, Refused) {
 }
 
 TEST(Omzet, Sets) {
-    const struct {
-        const char *tekens, *in, *uit;
-    } rijen[] = {
-        {"cp850", "M\x9Bller \xDB", "M\x9Bller \xDB"},
-        {"pdf", "\x9B", "\x9B"},
-        {"utf-8", "M\x9Bller\x1B\n\xC4\xF0.", "Møller\x1B\n─-."},
-        {"latin1", "M\x9Bller \x9F\xD5\xC4\xF0\xDB", "M\xF8ller fi--#"},
-        {"ascii", "M\x9Bller \x9F\xD5\xC4\xF0\xDB\f", "Moller fi--#\f"},
-    };
-    for (const auto& r : rijen)
-        EXPECT_EQ(prt_omzet(r.in, r.tekens), r.uit) << r.tekens;
+    for (const auto& [tekens, in, uit] : test::Rijen<const char*, const char*, const char*>{
+             {"cp850", "M\x9Bller \xDB", "M\x9Bller \xDB"},
+             {"pdf", "\x9B", "\x9B"},
+             {"utf-8", "M\x9Bller\x1B\n\xC4\xF0.", "Møller\x1B\n─-."},
+             {"latin1", "M\x9Bller \x9F\xD5\xC4\xF0\xDB", "M\xF8ller fi--#"},
+             {"ascii", "M\x9Bller \x9F\xD5\xC4\xF0\xDB\f", "Moller fi--#\f"},
+         })
+        EXPECT_EQ(prt_omzet(in, tekens), uit) << tekens;
     EXPECT_EQ(prt_omzet(std::string("a\0b", 3), "utf-8"), std::string("a\0b", 3));
     for (const char* set : {"latin1", "ascii"}) // one column each
         EXPECT_EQ(prt_omzet(alle_tekens(), set).size(), alle_tekens().size());

@@ -6,6 +6,8 @@
 namespace zg {
 namespace {
 
+using Voorbeeld = test::InMap;
+
 // A report of numbered pages; each line says where it stands, at its start and in columns 100 and on.
 std::string rapport(int bladen, int regels, bool met_bladen = true) {
     std::string uit;
@@ -22,15 +24,15 @@ std::string rapport(int bladen, int regels, bool met_bladen = true) {
 }
 
 printjob opdracht(const std::string& tekst, int kolommen, bool apparaat = true) {
-    printjob job{};
-    job.spool = "spool";
-    job.kolommen = kolommen;
-    job.init = "\x1B@\n\f";
-    job.exit = "\x1BZ\f";
+    printjob job{.weg = apparaat ? Printweg::wachtrij : Printweg::geen,
+                 .kolommen = kolommen,
+                 .init = "\x1B@\n\f",
+                 .exit = "\x1BZ\f",
+                 .apparaat = apparaat ? "laser" : "",
+                 .kopieen = 1,
+                 .spool = "spool"};
     job.begin = static_cast<int64_t>(job.init.size());
     job.plaats = static_cast<int64_t>(job.init.size() + tekst.size() + job.exit.size());
-    job.weg = apparaat ? Printweg::wachtrij : Printweg::geen;
-    job.apparaat = apparaat ? "laser" : "", job.kopieen = 1;
     test::schrijf_bestand("spool", job.init + tekst + job.exit);
     return job;
 }
@@ -58,41 +60,37 @@ std::string stand(test::Terminal& t) {
     return kort(t.regel(1)) + "|" + kort(t.regel(2)) + "|" + onder;
 }
 
-TEST(Voorbeeld, EveryActionByKeyLetterAndMenu) {
-    test::TijdelijkeMap map;
+TEST_F(Voorbeeld, EveryActionByKeyLetterAndMenu) {
     // Three pages of 60 lines: three screenfuls each of 23 under a head of one.
     test::Terminal t(kijk(opdracht(rapport(3, 60), 132)));
     ASSERT_TRUE(t.wacht("(blad 1 van 3)")) << t.scherm();
-    const struct {
-        const char *toetsen, *stand;
-    } rijen[] = {
-        {"", "b1 r1|b1 r2|(blad 1 van 3)"},
-        {"<PgUp><Enter>", "b1 r1|b1 r25|(blad 1 van 3)"}, // off at the very start
-        {"e", "b1 r1|b1 r48|(blad 1 van 3)"},
-        {"E", "b2 r1|b2 r2|(blad 2 van 3)"},
-        {"<Enter><PgUp>", "b1 r1|b1 r2|(blad 1 van 3)"},
-        {"<PgDn>d", "b3 r1|b3 r2|(blad 3 van 3)"},
-        {"<End>", "b3 r1|b3 r48|Einde overzicht (blad 3 van 3)"}, // of a last page that goes on
-        {"d<Enter>t", "b3 r1|b3 r48|Einde overzicht (blad 3 van 3)"},
-        {"h<F6>2<Enter>", "b2 r1|b2 r2|(blad 2 van 3)"},
-        {"s3<Enter>", "b3 r1|b3 r2|(blad 3 van 3)"},
-        {"<F6>9<Enter><Esc>", "b3 r1|b3 r2|(blad 3 van 3)"}, // out of range: asked again
-        {"h<Right>rl", "~ver1.2"},                           // no further than the width
-        {"ll", "b1 r1|b1 r2|(blad 1 van 3)"},
-        {"i70<Enter>rr", "~ver1.2"},
-        {"<Left>k3<Enter><Enter>", "b1 r1|b1 r2|(blad 1 van 3)"}, // the second row is of the head now
-        {"k16<Enter>1<Enter><PgDn>", "b2 r1|b2 r2|(blad 2 van 3)"},
-        // The same from the menu, that any other key opens on its first item that is on.
-        {"x<Enter>", "b1 r1|b1 r2|(blad 1 van 3)"},
-        {"xtx<PgUp>x<Esc>", "b2 r1|b2 r2|(blad 2 van 3)"},
-        {"xs1<Enter>xr", "~ver1.2"},
-    };
-    for (const auto& r : rijen) {
-        t.toetsen(r.toetsen);
-        if (r.stand[0] == '~')
-            EXPECT_TRUE(t.regel(2).ends_with(std::string(" ") + (r.stand + 1))) << r.toetsen << t.scherm();
+    for (const auto& [toetsen, beeld] : test::Rijen<const char*, const char*>{
+             {"", "b1 r1|b1 r2|(blad 1 van 3)"},
+             {"<PgUp><Enter>", "b1 r1|b1 r25|(blad 1 van 3)"}, // off at the very start
+             {"e", "b1 r1|b1 r48|(blad 1 van 3)"},
+             {"E", "b2 r1|b2 r2|(blad 2 van 3)"},
+             {"<Enter><PgUp>", "b1 r1|b1 r2|(blad 1 van 3)"},
+             {"<PgDn>d", "b3 r1|b3 r2|(blad 3 van 3)"},
+             {"<End>", "b3 r1|b3 r48|Einde overzicht (blad 3 van 3)"}, // of a last page that goes on
+             {"d<Enter>t", "b3 r1|b3 r48|Einde overzicht (blad 3 van 3)"},
+             {"h<F6>2<Enter>", "b2 r1|b2 r2|(blad 2 van 3)"},
+             {"s3<Enter>", "b3 r1|b3 r2|(blad 3 van 3)"},
+             {"<F6>9<Enter><Esc>", "b3 r1|b3 r2|(blad 3 van 3)"}, // out of range: asked again
+             {"h<Right>rl", "~ver1.2"},                           // no further than the width
+             {"ll", "b1 r1|b1 r2|(blad 1 van 3)"},
+             {"i70<Enter>rr", "~ver1.2"},
+             {"<Left>k3<Enter><Enter>", "b1 r1|b1 r2|(blad 1 van 3)"}, // the second row is of the head now
+             {"k16<Enter>1<Enter><PgDn>", "b2 r1|b2 r2|(blad 2 van 3)"},
+             // The same from the menu, that any other key opens on its first item that is on.
+             {"x<Enter>", "b1 r1|b1 r2|(blad 1 van 3)"},
+             {"xtx<PgUp>x<Esc>", "b2 r1|b2 r2|(blad 2 van 3)"},
+             {"xs1<Enter>xr", "~ver1.2"},
+         }) {
+        t.toetsen(toetsen);
+        if (beeld[0] == '~')
+            EXPECT_TRUE(t.regel(2).ends_with(std::string(" ") + (beeld + 1))) << toetsen << t.scherm();
         else
-            EXPECT_EQ(stand(t), r.stand) << r.toetsen << "\n" << t.scherm();
+            EXPECT_EQ(stand(t), beeld) << toetsen << "\n" << t.scherm();
     }
     t.toetsen("x");
     for (const char* tekst : {"PrintMenu", "Vorig blad      <PgUp>", "Volgend scherm <Enter>", "Scrollen",
@@ -104,8 +102,7 @@ TEST(Voorbeeld, EveryActionByKeyLetterAndMenu) {
     EXPECT_EQ(t.einde(), 12) << t.scherm();
 }
 
-TEST(Voorbeeld, LeavingAndDevices) {
-    test::TijdelijkeMap map;
+TEST_F(Voorbeeld, LeavingAndDevices) {
     const struct {
         bool apparaat;
         const char* toetsen;
@@ -126,8 +123,7 @@ TEST(Voorbeeld, LeavingAndDevices) {
 }
 
 // Where the report fits there is no going sideways; what is beyond its own width isn't shown.
-TEST(Voorbeeld, Widths) {
-    test::TijdelijkeMap map;
+TEST_F(Voorbeeld, Widths) {
     for (const auto& [kolommen, breed] : {std::pair{132, 132}, {80, 132}, {40, 80}}) {
         test::Opties o;
         o.kolommen = breed;
@@ -141,8 +137,7 @@ TEST(Voorbeeld, Widths) {
     }
 }
 
-TEST(Voorbeeld, OddReports) {
-    test::TijdelijkeMap map;
+TEST_F(Voorbeeld, OddReports) {
     const struct {
         std::string tekst;
         std::vector<const char*> regels; // of the first page
@@ -168,8 +163,7 @@ TEST(Voorbeeld, OddReports) {
 }
 
 // 100,000 lines, in pages and in one: every key answers at once.
-TEST(Voorbeeld, LongReports) {
-    test::TijdelijkeMap map;
+TEST_F(Voorbeeld, LongReports) {
     for (bool bladen : {true, false}) {
         const printjob job = opdracht(rapport(2500, 40, bladen), 132);
         test::Terminal t(kijk(job));

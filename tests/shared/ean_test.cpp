@@ -1,8 +1,6 @@
 // Bar codes as texts, and the codes of sizes in their file.
 #include "shared/ean.h"
 #include "shared/eanhdl.h"
-#include "shared/leesstam.h"
-#include "shared/woordenboek.h"
 #include "support/systeem.h"
 #include "term/datum.h"
 #include "term/gesprek.h"
@@ -88,13 +86,12 @@ struct Codes : test::Systeem {
         return uit;
     }
     static eanrec rec(const std::string& code, char soort, const seriesleutel& s, uint8_t maat) {
-        eanrec uit{};
+        eanrec uit{.soort = soort,
+                   .kleur = s.kleur,
+                   .artikelgroep = s.artikelgroep,
+                   .volgnummer = s.volgnummer,
+                   .maat = maat};
         VASTIN(uit.code, code);
-        uit.soort = soort;
-        uit.artikelgroep = s.artikelgroep;
-        uit.kleur = s.kleur;
-        uit.volgnummer = s.volgnummer;
-        uit.maat = maat;
         return uit;
     }
     static void teller(uint32_t n) { zet(14, systeller{static_cast<int32_t>(n), {}}, SYS_RECORD); }

@@ -9,24 +9,18 @@ namespace {
 constexpr seriesleutel A{110, 5, 1}, B{110, 5, 2}, C{4711, 1, 30};
 
 etiket order_label(const seriesleutel& serie, int maat) {
-    etiket l{};
-    l.serie = serie;
-    l.status = ETI_ORDER;
-    l.maat = static_cast<uint8_t>(maat);
-    l.inkoop = l.netto = l.prijs = 100 + maat;
-    l.ordernummer = 1000;
-    return l;
+    const int32_t prijs = 100 + maat;
+    return {.serie = serie,
+            .status = ETI_ORDER,
+            .maat = static_cast<uint8_t>(maat),
+            .inkoop = prijs,
+            .prijs = prijs,
+            .netto = prijs,
+            .ordernummer = 1000};
 }
 
 std::string hex(const uint8_t* bytes) {
-    std::string uit;
-    char twee[3];
-    for (int i = 0; i < ETIPLAATS; i++) {
-        snprintf(twee, sizeof twee, "%02X", bytes[i]);
-        uit += twee;
-        uit += i % 4 == 3 ? " " : "";
-    }
-    return uit;
+    return test::hex({reinterpret_cast<const char*>(bytes), ETIPLAATS});
 }
 
 struct Etiketten : Systeem {
@@ -106,15 +100,11 @@ struct Etiketten : Systeem {
         };
         EXPECT_TRUE(etikeur_begin(&k));
         for (const seriesleutel& s : {A, B, C}) {
-            serrec rec{};
-            rec.serie = s;
-            rec.etiketkop = *kop(s);
-            etikeur_serie(&k, rec, &t, meld);
+            etikeur_serie(&k, serrec{.serie = s, .etiketkop = *kop(s)}, &t, meld);
         }
         etikeur_einde(&k, meld);
-        if (herstel) {
+        if (herstel)
             EXPECT_TRUE(etikeur_herstel(&k, meld));
-        }
         verloren = k.verloren;
         return uit;
     }
@@ -338,19 +328,16 @@ TEST_F(Etiketten, EveryWriteRefusedOrTheLast) {
                 const bool geweigerd = st.uitvoer.starts_with("DTETI");
                 if (!st.dood) { // told once, in one line
                     EXPECT_EQ(std::count(st.uitvoer.begin(), st.uitvoer.end(), '\n'), 1) << st.uitvoer;
-                    if (!vrijgegeven && geweigerd) {
+                    if (!vrijgegeven && geweigerd)
                         EXPECT_EQ(st.status, 3) << "no new head";
-                    }
                 }
                 a = vrijgegeven ? -1 : a0; // which its series says before
                 b = b0, c = -1;
                 EXPECT_EQ(keur(), "");
-                if (!vrijgegeven) {
+                if (!vrijgegeven)
                     EXPECT_EQ(keten(A).substr(0, al.size()), al);
-                }
-                if (!weg) {
+                if (!weg)
                     EXPECT_EQ(keten(B).substr(0, bl.size()), bl);
-                }
                 EXPECT_LE(verloren, geweigerd && !vrijgegeven ? 0 : 2);
                 keur(true);
                 EXPECT_EQ(maak(C, 1, 25), 25);
@@ -405,9 +392,8 @@ TEST_F(Etiketten, Damage) {
         ioeti_heropen();
         const std::string beeld = keten(A);
         EXPECT_EQ(beeld.find('!') == std::string::npos, r.reden == nullptr) << beeld;
-        if (r.reden) {
+        if (r.reden)
             EXPECT_TRUE(bevat(beeld, r.reden));
-        }
         EXPECT_NE(keur(), "");
         const std::string nu = lees_bestand("DTETI.TXT"), tellers_nu = lees_bestand("DTSYS.TXT");
         if (r.blok != STATUS) { // its place comes behind a free one
@@ -418,14 +404,12 @@ TEST_F(Etiketten, Damage) {
         }
         EXPECT_EQ(lees_bestand("DTETI.TXT"), nu);
         EXPECT_EQ(lees_bestand("DTSYS.TXT"), tellers_nu);
-        if (nu.size() == eti.size()) {
+        if (nu.size() == eti.size())
             EXPECT_EQ(keten(B), bl) << "the others work";
-        }
         int32_t kop_nu = a;
         ioeti_vrij(A, &kop_nu);
-        if (nu.size() == eti.size()) {
+        if (nu.size() == eti.size())
             EXPECT_EQ(keten(B), bl) << "nothing of another series was freed";
-        }
     }
 }
 

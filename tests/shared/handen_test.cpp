@@ -84,28 +84,21 @@ struct Handen : Systeem {
 TEST_F(Handen, RefusedWritesAreToldAndChangeNothing) {
     schrijf_bestand("DTFILGEG.TXT", std::string(6 * 612, 'f'));
     gebruiker_in(3, "Joke", "");
+    auto met = [](char letter, int32_t slot, const Systabel& tabel) {
+        return [=] {
+            int32_t nr = slot;
+            gebruikerslot rec{};
+            memset(static_cast<void*>(&rec), 'v', sizeof rec);
+            return iotab(letter, &nr, &rec, tabel);
+        };
+    };
     struct {
         const char *wat, *bestand;
-        int (*doe)();
+        std::function<int()> doe;
     } const gevallen[] = {
-        {"W", "DTSYS.TXT",
-         [] {
-             int32_t nr = 4;
-             tekst20 rec{"verzonnen"};
-             return iotab('W', &nr, &rec, SYS_KLEUR);
-         }},
-        {"w", "DTSYS.TXT",
-         [] {
-             int32_t nr = 4;
-             tekst20 rec{"verzonnen"};
-             return iotab('w', &nr, &rec, SYS_KLEUR);
-         }},
-        {"D", "DTSYS.TXT",
-         [] {
-             int32_t nr = 3;
-             gebruikerslot rec;
-             return iotab('D', &nr, &rec, SYS_GEBRUIKER);
-         }},
+        {"W", "DTSYS.TXT", met('W', 4, SYS_KLEUR)},
+        {"w", "DTSYS.TXT", met('w', 4, SYS_KLEUR)},
+        {"D", "DTSYS.TXT", met('D', 3, SYS_GEBRUIKER)},
         {"counter", "DTSYS.TXT", [] { return iotab_teller(5, 9999999); }},
         {"branch", "DTFILGEG.TXT",
          [] {

@@ -2,7 +2,6 @@
 // write is killed or refused, and damage that is told and never written over.
 #include "shared/inkcheck.h"
 #include "shared/ioink.h"
-#include "shared/woordenboek.h"
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include <span>
@@ -326,9 +325,8 @@ TEST_F(Prijzen, TwoPrograms) {
         prijsset s;
         prijsgroepen g;
         anders = anders || ioink_find(SERIE, LEV, 150, &s, &g) != Prijsset::gelezen;
-        if (i % 400 == 0) {
+        if (i % 400 == 0)
             EXPECT_TRUE(zet(180, 181 + i % 3, 8));
-        }
     }
     EXPECT_FALSE(anders);
     if (antwoord == Agent::geen_antwoord)

@@ -105,26 +105,22 @@ TEST_F(Tabellen, CodesBySet) {
     gebruiker.set = 2;
     tekst20 rec;
     setcode2rec rec2;
-    struct {
-        int32_t code;
-        int antwoord;
-        int32_t na;
-        int antwoord2; // of the second table, which is one slot further
-        int32_t na2;
-    } const rijen[] = {
-        {3, 1, 3, 1, 4},    {0, 0, 0, 0, 0},
-        {-1, 0, -1, 1, 0},  {9, 0, 9, 0, 9},
-        {11, 0, 11, 0, 11}, // slots of another set, filled
-        {4, 0, 4, 0, 4},    {INT32_MAX, 0, INT32_MAX, 0, INT32_MAX},
-    };
-    for (const auto& r : rijen) {
-        int32_t nr = r.code, nr2 = r.code;
-        EXPECT_EQ(iotab_setcode(&nr, &rec), r.antwoord) << r.code;
-        EXPECT_EQ(nr, r.na) << r.code;
-        EXPECT_EQ(iotab_setcode2(&nr2, &rec2), r.antwoord2) << r.code;
-        EXPECT_EQ(nr2, r.na2) << r.code;
+    // antwoord2: of the second table, which is one slot further
+    for (const auto& [code, antwoord, na, antwoord2, na2] : Rijen<int32_t, int, int32_t, int, int32_t>{
+             {3, 1, 3, 1, 4},
+             {0, 0, 0, 0, 0},
+             {-1, 0, -1, 1, 0},
+             {9, 0, 9, 0, 9},
+             {11, 0, 11, 0, 11}, // slots of another set, filled
+             {4, 0, 4, 0, 4},
+             {INT32_MAX, 0, INT32_MAX, 0, INT32_MAX},
+         }) {
+        int32_t nr = code, nr2 = code;
+        EXPECT_EQ(iotab_setcode(&nr, &rec), antwoord) << code;
+        EXPECT_EQ(nr, na) << code;
+        EXPECT_EQ(iotab_setcode2(&nr2, &rec2), antwoord2) << code;
+        EXPECT_EQ(nr2, na2) << code;
     }
-    gebruiker = {};
 }
 
 // Another file in the place of DTSYS.TXT, from the next opening on.
@@ -144,34 +140,9 @@ TEST_F(Tabellen, OtherFile) {
     EXPECT_EQ(loop('N', 0), "1deze (6)");
 }
 
-TEST_F(Tabellen, FourCodeTables) {
-    for (int soort = 1; soort <= 4; soort++) {
-        tekst30 rec{};
-        for (int32_t slot : {0, 1, 9}) {
-            int32_t nr = slot;
-            VASTIN(rec.tekst, std::to_string(soort * 10 + slot));
-            EXPECT_EQ(iotab_code('W', soort, &nr, &rec), 1);
-            EXPECT_EQ(nr, slot == 0 ? 1 : slot);
-        }
-        std::string bytes = lees_bestand("DTSYS.TXT");
-        int32_t kop = 10416 + (soort - 1) * 300;
-        EXPECT_EQ(std::string(bytes.c_str() + kop), std::to_string(soort * 10));
-        EXPECT_EQ(std::string(bytes.c_str() + kop + 30), std::to_string(soort * 10 + 1));
-        EXPECT_EQ(std::string(bytes.c_str() + kop + 30 * 9), std::to_string(soort * 10 + 9));
-        int32_t nr = 0;
-        EXPECT_EQ(iotab_code('N', soort, &nr, &rec), 1);
-        EXPECT_EQ(VASTTEKST(rec.tekst), std::to_string(soort * 10 + 1)) << "a walk begins behind the head";
-    }
-}
-
 TEST_F(Tabellen, ClosedFileStops) {
     sluit();
-    auto lees = [] {
-        char rec[20];
-        int32_t nr = 1;
-        iotab('R', &nr, rec, PROEF);
-    };
-    verwacht_stop(lees, "iotab: errno=9 a=R fd=-1 o=1000");
+    verwacht_stop([] { loop('R', 1); }, "iotab: errno=9 a=R fd=-1 o=1000");
 }
 
 // What each letter answers against what another process holds, and that a refused try leaves nothing behind.
@@ -204,10 +175,7 @@ TEST_F(Tabellen, LockPrimitive) {
         close(fd);
     }
     int fd = ::open("DTSYS.TXT", O_RDWR | O_CLOEXEC);
-    EXPECT_EQ(IOLOCK('Q', fd, 0, 1), 0);
-    EXPECT_EQ(IOLOCK('S', -1, 0, 1), 0);
-    EXPECT_EQ(IOFLOCK(fd, 3, 0), 0);
-    EXPECT_EQ(IOFLOCK(fd, 5, 10), 0);
+    EXPECT_EQ(IOLOCK('Q', fd, 0, 1) + IOLOCK('S', -1, 0, 1) + IOFLOCK(fd, 3, 0) + IOFLOCK(fd, 5, 10), 0);
     EXPECT_EQ(IOFLOCK(-1, 3, 10), 0) << "no waiting for what can't be";
     EXPECT_EQ(IOFLOCK(fd, 4, 10), 1);
     EXPECT_TRUE(Agent([] {

@@ -1,10 +1,8 @@
 // The field with a list on a terminal, over a table of the test's own: typed, unknown, picked, added, its rows'
 // records. What a table of the program adds to it stands with that table.
-#include "shared/filveld.h"
 #include "shared/lijstveld.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include "term/ingave.h"
 
 namespace zg::test {
 namespace {
@@ -64,31 +62,25 @@ std::function<std::string()> veld(const Lijsttabel& tabel) {
 }
 
 TEST(ListField, Keys) {
-    struct {
-        const Lijsttabel* tabel;
-        const char *toetsen, *uit;
-    } const gevallen[] = {
-        {&VAST, "5<Enter>", "5 anders 10 vijf twaalf weg"},
-        {&VAST, "<Enter>", "12 zelfde 10 vijf twaalf weg"},
-        {&VAST, "5<Esc>", "12 weg 27 vijf twaalf weg"},
-        {&VAST, "<PgDn>", "12 zelfde 338 vijf twaalf weg"},
-        {&VAST, "77<Enter>300<PgDn>", "300 anders 338 vijf twaalf weg"}, // refused, the field stays open
-        {&VAST, "<F5><Down><Enter>", "300 anders 10 vijf twaalf weg"},   // the list begins on the code
-        {&VAST, "5<F5><Enter>", "12 zelfde 10 vijf twaalf weg"}, // that was there, not on what is typed
-        {&VAST, "<F5><Esc><Enter>", "12 zelfde 10 vijf twaalf weg"},
-        {&VAST, "<F5>5<Enter><F3>", "5 anders 10 vijf twaalf weg"},
-        {&VAST, "<F5><F10><F10><Enter>", "12 zelfde 10 vijf twaalf!! weg"}, // the record of the row
-        {&VAST, "<F5><Down><F10><Up><Enter>", "5 anders 10 vijf twaalf"},   // which may go
+    gesprekken_over<const Lijsttabel*>(
+        [](const Lijsttabel* tabel) { return veld(*tabel)(); },
+        {
+            {&VAST, "5<Enter>", "5 anders 10 vijf twaalf weg"},
+            {&VAST, "<Enter>", "12 zelfde 10 vijf twaalf weg"},
+            {&VAST, "5<Esc>", "12 weg 27 vijf twaalf weg"},
+            {&VAST, "<PgDn>", "12 zelfde 338 vijf twaalf weg"},
+            {&VAST, "77<Enter>300<PgDn>", "300 anders 338 vijf twaalf weg"}, // refused, the field stays open
+            {&VAST, "<F5><Down><Enter>", "300 anders 10 vijf twaalf weg"},   // the list begins on the code
+            {&VAST, "5<F5><Enter>", "12 zelfde 10 vijf twaalf weg"}, // that was there, not on what is typed
+            {&VAST, "<F5><Esc><Enter>", "12 zelfde 10 vijf twaalf weg"},
+            {&VAST, "<F5>5<Enter><F3>", "5 anders 10 vijf twaalf weg"},
+            {&VAST, "<F5><F10><F10><Enter>", "12 zelfde 10 vijf twaalf!! weg"}, // the record of the row
+            {&VAST, "<F5><Down><F10><Up><Enter>", "5 anders 10 vijf twaalf"},   // which may go
 
-        {&OPEN, "77<Enter>J<Enter>nieuw<Enter>", "77 anders 10 vijf twaalf nieuw weg"},
-        {&OPEN, "77<Enter><Enter>5<Enter>", "5 anders 10 vijf twaalf weg"},       // no is the default
-        {&OPEN, "77<Enter>J<Enter><Esc>5<Enter>", "5 anders 10 vijf twaalf weg"}, // given up while adding
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(g.toetsen);
-        Gesprek t(veld(*g.tabel));
-        EXPECT_EQ(t.antwoord(g.toetsen), g.uit);
-    }
+            {&OPEN, "77<Enter>J<Enter>nieuw<Enter>", "77 anders 10 vijf twaalf nieuw weg"},
+            {&OPEN, "77<Enter><Enter>5<Enter>", "5 anders 10 vijf twaalf weg"},       // no is the default
+            {&OPEN, "77<Enter>J<Enter><Esc>5<Enter>", "5 anders 10 vijf twaalf weg"}, // given up while adding
+        });
 }
 
 TEST(ListField, ToldAndShown) {
@@ -104,32 +96,6 @@ TEST(ListField, ToldAndShown) {
     t.toetsen("<Up><Enter>");
     EXPECT_TRUE(t.wacht_op(5, 10, "5   ")) << "the picked code\n" << t.scherm();
     EXPECT_EQ(t.antwoord(), "5 anders 10 vijf twaalf weg");
-}
-
-// The branches: a number that is not the index, the name behind the field, a field that begins empty.
-TEST(ListField, Branches) {
-    struct {
-        const char *toetsen, *opties, *uitslag;
-    } const gevallen[] = {
-        {"14<Enter>", "ZP", "14 changed"},
-        {"<F5><Down><Down><Enter>", "ZP", "14 changed"},
-        {"<Esc>", "ZP", "2"},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(g.toetsen);
-        TijdelijkeMap map;
-        Gesprek t([&] {
-            maak_filialen({1, 2, 3, 14, 20});
-            uint8_t nummer = 2;
-            int anders = fil_veld(5, 10, 20, g.opties, &nummer);
-            return vorm("%d%s", nummer, anders ? " changed" : "");
-        });
-        t.wacht_op(5, 20, "Filiaal 2 ");
-        t.toetsen(g.toetsen);
-        const std::string naam = atoi(g.uitslag) ? vorm("Filiaal %d ", atoi(g.uitslag)) : "         ";
-        t.wacht_op(5, 20, naam);
-        EXPECT_EQ(t.antwoord(), g.uitslag);
-    }
 }
 
 } // namespace

@@ -1,6 +1,4 @@
 // Pictures on a disk that refuses, and killed: links and new files.
-#include "shared/leesstam.h"
-#include "shared/woordenboek.h"
 #include "store/rebuild.h"
 #include "sub/afb_hdl.h"
 #include "sub/omserie.h"

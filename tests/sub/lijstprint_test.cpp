@@ -1,6 +1,5 @@
 // The printed lists of distributions and runs: blocks of sizes, one type and all, from their lists on the screen.
 #include "print/afdruk.h"
-#include "shared/leesstam.h"
 #include "sub/lijstprint.h"
 #include "sub/reeksen.h"
 #include "sub/voorverd.h"

@@ -20,23 +20,12 @@ struct Maten : Systeem {
 
 using Nummers = std::vector<int>;
 
-void zet_maten(uint8_t* masker, const Nummers& maten) {
-    for (int m : maten)
-        maat_aan(masker, m);
-}
-std::string tekst(const uint8_t* masker) {
-    std::string uit;
-    for (int m = 1; m <= MATEN; m++)
-        if (maat_in(masker, m))
-            uit += (uit.empty() ? "" : ",") + std::to_string(m);
-    return uit;
-}
 // The bars on file: "2:1,3 ", with their type where it isn't 1.
 std::string balken() {
     std::string uit;
     Slot<maatbalkrec> slot{};
     while (iotab('N', &slot, SYS_MAATBALK))
-        uit += std::to_string(slot.nr) + ":" + tekst(slot.r.maten) + " ";
+        uit += std::to_string(slot.nr) + ":" + maten_in(slot.r.maten) + " ";
     return uit;
 }
 
@@ -46,17 +35,14 @@ TEST_F(Maten, Bars) {
     int32_t bezet = 1;
     maatbalkrec leeg;
     iotab('X', &bezet, &leeg, SYS_MAATBALK); // somebody makes number 1
-    struct {
-        const char *acties, *toetsen, *uit, *na;
-    } const rijen[] = {
-        {"STVW", "t<Enter>tj<Enter>njjn<Left>jj<Down>s", "1 2,3,4,5", "2:2,3,4,5 4:1,3 5:1 "},
-        {"STVW", "<Down>w<Right><Right>n<Esc>s", "1 1", "4:1 5:1 "},
-        {"STVW", "<Down>wn<Right>n<Esc><Esc>", "0", "5:1 "}, // emptied: gone
-        {"STVW", "<Down>v<Enter>vj<Enter><Down><Enter><Enter>s", "1 1,2,3,4,5", "5:1 "},
-        {"S", "t<Down>wv<Enter>x<F3> s", "1 1,3", "4:1,3 5:1 "}, // looked at, nothing else
-    };
-    for (const auto& r : rijen) {
-        SCOPED_TRACE(r.toetsen);
+    for (const auto& [acties, toetsen, uit, na] : Rijen<const char*, const char*, const char*, const char*>{
+             {"STVW", "t<Enter>tj<Enter>njjn<Left>jj<Down>s", "1 2,3,4,5", "2:2,3,4,5 4:1,3 5:1 "},
+             {"STVW", "<Down>w<Right><Right>n<Esc>s", "1 1", "4:1 5:1 "},
+             {"STVW", "<Down>wn<Right>n<Esc><Esc>", "0", "5:1 "}, // emptied: gone
+             {"STVW", "<Down>v<Enter>vj<Enter><Down><Enter><Enter>s", "1 1,2,3,4,5", "5:1 "},
+             {"S", "t<Down>wv<Enter>x<F3> s", "1 1,3", "4:1,3 5:1 "}, // looked at, nothing else
+         }) {
+        SCOPED_TRACE(toetsen);
         for (int32_t nr : {1, 2, 3, 4})
             if (nr != bezet)
                 zet(nr, nr == 4 ? maatbalkrec{1, {0x0A}, {}} : maatbalkrec{}, SYS_MAATBALK);
@@ -64,11 +50,11 @@ TEST_F(Maten, Bars) {
             begin();
             balk_open(1, 1, nullptr);
             uint8_t maten[MAATBYTES] = {};
-            const bool er = maatbalk_kiezen(r.acties, maten);
-            return vorm("%d %s", er, tekst(maten).c_str());
+            const bool er = maatbalk_kiezen(acties, maten);
+            return vorm("%d %s", er, maten_in(maten).c_str());
         });
-        EXPECT_EQ(t.antwoord(r.toetsen), r.uit);
-        EXPECT_EQ(balken(), r.na);
+        EXPECT_EQ(t.antwoord(toetsen), uit);
+        EXPECT_EQ(balken(), na);
     }
     zet(4, maatbalkrec{1, {0x0A}, {}}, SYS_MAATBALK);
     Gesprek t([] {
@@ -112,36 +98,30 @@ TEST_F(Maten, BarsAtEachWrite) {
 
 TEST_F(Maten, SizesOfASeries) {
     zet(4, maatbalkrec{1, {0x0A, 0x40}, {}}, SYS_MAATBALK); // XS, M, and 14, which the type doesn't have
-    struct {
-        Nummers begin;
-        const char *toetsen, *uit;
-    } const rijen[] = {
-        {{}, "s<Enter>", "1 1,2,3,4,5 k5"},
-        {{},
-         "<Down>s<F5>s<Esc><Esc><Enter>",
-         "1 1,2,3,4,5 k5"}, // a bar is added to what there is; ESC changes sizes
-        {{}, "<Down>s<Enter>", "1 1,3 k2"},
-        {{}, "<Esc><Esc>", "0  k0"},
-        {{}, "<Esc>nnnnn<Right>j<Esc><Enter>", "1 2 k1"},
-        {{2, 3},
-         "<Esc><Right>n<Right>njj<Enter>",
-         "1 2,4,5 k3"}, // nothing is taken from a size with quantities
-        {{2, 3, 14}, "n<Enter><Right>n<Right>n<Esc><Enter>", "1 2,14 k1"},
-        {{14}, "<Esc>", "0 14 k0"}, // its own set again
-        {{3}, "n<Enter><Right><Right>n<Esc>", "0 3 k1"},
-    };
-    for (const auto& r : rijen) {
-        SCOPED_TRACE(r.toetsen);
-        Gesprek t([&] {
+    gesprekken_over<Nummers>(
+        [](const Nummers& er_zijn) {
             begin();
             balk_open(1, 1, nullptr);
-            uint8_t maten[MAATBYTES] = {}, vast[MAATBYTES] = {0x04};
-            zet_maten(maten, r.begin);
-            const bool er = serie_maten(8, 1, maten, vast);
-            return vorm("%d %s k%d", er, tekst(maten).c_str(), balk_kolommen());
+            auto maten = maten_van(er_zijn);
+            const uint8_t vast[MAATBYTES] = {0x04};
+            const bool er = serie_maten(8, 1, maten.data(), vast);
+            return vorm("%d %s k%d", er, maten_in(maten.data()).c_str(), balk_kolommen());
+        },
+        {
+            {{}, "s<Enter>", "1 1,2,3,4,5 k5"},
+            {{},
+             "<Down>s<F5>s<Esc><Esc><Enter>",
+             "1 1,2,3,4,5 k5"}, // a bar is added to what there is; ESC changes sizes
+            {{}, "<Down>s<Enter>", "1 1,3 k2"},
+            {{}, "<Esc><Esc>", "0  k0"},
+            {{}, "<Esc>nnnnn<Right>j<Esc><Enter>", "1 2 k1"},
+            {{2, 3},
+             "<Esc><Right>n<Right>njj<Enter>",
+             "1 2,4,5 k3"}, // nothing is taken from a size with quantities
+            {{2, 3, 14}, "n<Enter><Right>n<Right>n<Esc><Enter>", "1 2,14 k1"},
+            {{14}, "<Esc>", "0 14 k0"}, // its own set again
+            {{3}, "n<Enter><Right><Right>n<Esc>", "0 3 k1"},
         });
-        EXPECT_EQ(t.antwoord(r.toetsen), r.uit);
-    }
     std::vector<std::string> veel;
     for (int i = 1; i <= 19; i++)
         veel.push_back("m" + std::to_string(i));
@@ -301,29 +281,24 @@ TEST_F(Maten, RefusedWrites) {
 
 // The sizes are old or new, and no type has a description without sizes.
 TEST_F(Maten, TypeAtEachWrite) {
-    struct {
-        uint8_t soort;
-        const char* toetsen;
-        std::vector<std::string> goed;
-    } const rijen[] = {
-        {1,
-         "12\001XXS\n\033\033",
-         {"1:XS 2:S 3:M 4:L 5:XL Confectie", "6:XXS 1:XS 2:S 3:M 4:L 5:XL Confectie"}},
-        {7, "j\nNieuw\nA\nB\n\033\033", {"", "1:A ", "1:A 2:B ", "1:A 2:B Nieuw"}},
-        {7, "j\nNieuw\nA\n\033Vj\n", {"", "1:A ", "1:A Nieuw", ""}},
-    };
-    for (const auto& r : rijen)
+    for (const auto& [soort, toetsen, goed] : Rijen<uint8_t, const char*, std::vector<std::string>>{
+             {1,
+              "12\001XXS\n\033\033",
+              {"1:XS 2:S 3:M 4:L 5:XL Confectie", "6:XXS 1:XS 2:S 3:M 4:L 5:XL Confectie"}},
+             {7, "j\nNieuw\nA\nB\n\033\033", {"", "1:A ", "1:A 2:B ", "1:A 2:B Nieuw"}},
+             {7, "j\nNieuw\nA\n\033Vj\n", {"", "1:A ", "1:A Nieuw", ""}},
+         })
         bij_elke_schrijfactie(
             [&] {
                 begin();
-                maatsoort_onderhoud(4, 1, 1, r.soort);
+                maatsoort_onderhoud(4, 1, 1, soort);
             },
-            r.toetsen, {"DTMAAT"},
+            toetsen, {"DTMAAT"},
             [&] {
                 open();
-                return op_bestand(1, r.soort);
+                return op_bestand(1, soort);
             },
-            r.goed);
+            goed);
 }
 
 } // namespace

@@ -118,45 +118,37 @@ TEST_F(Reeksen, AtEachWrite) {
         open();
         return bewaard(1) + " " + bewaard(2);
     };
-    struct {
-        const char *toetsen, *na;
-    } const rijen[] = {{"w9\n\033j\n\033", "1=9 -"}, {"t5\n\033\033", "1=1 1=5"}, {"vj\n\033", "- -"}};
-    for (const auto& r : rijen)
+    for (const auto& [toetsen, na] : Rijen<const char*, const char*>{
+             {"w9\n\033j\n\033", "1=9 -"}, {"t5\n\033\033", "1=1 1=5"}, {"vj\n\033", "- -"}})
         bij_elke_schrijfactie(
             [] {
                 begin(8);
                 reeksrij rij{};
                 reeks_kiezen(3, "SWTV", nullptr, &rij);
             },
-            r.toetsen, {}, stand, {"1=1 -", r.na});
+            toetsen, {}, stand, {"1=1 -", na});
 }
 
 TEST_F(Reeksen, OnBranches) {
+    const std::vector<std::array<int32_t, 3>> TWEE{{0, 1, 3}, {0, 2, 1}};
+    const char* const TE_VEEL = "Meer dan het totaal (3) van deze maat";
     struct {
         std::vector<std::array<int32_t, 3>> begin; // branch index, size, pieces
         bool behoud;
-        const char *toetsen, *melding, *uit; // a branch's row each, the totals behind them
+        const char *toetsen, *uit; // a branch's row each, the totals behind them
+        const char* melding = "";
     } const rijen[] = {
         {{},
          false,
          "1<Enter>2<Enter><Esc>1-3<Enter>n3<Enter><Esc>14<Enter>",
-         "",
          "1=1 2=2|1=1 2=2||1=3||1=5 2=4"},
         // The largest first; of its branches 2 and 20 lose it, 14 gets it, 3 is excluded.
-        {{{0, 1, 1}, {1, 2, 5}, {4, 2, 5}}, false, "t3,14<Enter>", "", "1=1|||2=5||1=1 2=5"},
-        {{{0, 1, 1}}, false, "t<Back><Enter><Esc>", "", "|||||"}, // no branch has it: nothing is left
-        {{{0, 1, 3}, {0, 2, 1}},
-         true,
-         "n4<Enter>",
-         "Meer dan het totaal (3) van deze maat",
-         "1=3 2=1|||||1=3 2=1"},
-        {{{0, 1, 3}, {0, 2, 1}}, true, "n2<Enter><Esc>2-3<Enter>", "", "1=3 2=1|1=2||||1=3 2=1"},
-        {{{0, 1, 3}, {0, 2, 1}},
-         true,
-         "n<F5><Enter>",
-         "Meer dan het totaal (3) van deze maat",
-         "1=3 2=1|||||1=3 2=1"},
-        {{{0, 1, 3}, {0, 2, 1}}, false, "n<F5><Enter>20<Enter>", "", "1=3 2=1||||1=4|1=7 2=1"},
+        {{{0, 1, 1}, {1, 2, 5}, {4, 2, 5}}, false, "t3,14<Enter>", "1=1|||2=5||1=1 2=5"},
+        {{{0, 1, 1}}, false, "t<Back><Enter><Esc>", "|||||"}, // no branch has it: nothing is left
+        {TWEE, true, "n4<Enter>", "1=3 2=1|||||1=3 2=1", TE_VEEL},
+        {TWEE, true, "n2<Enter><Esc>2-3<Enter>", "1=3 2=1|1=2||||1=3 2=1"},
+        {TWEE, true, "n<F5><Enter>", "1=3 2=1|||||1=3 2=1", TE_VEEL},
+        {TWEE, false, "n<F5><Enter>20<Enter>", "1=3 2=1||||1=4|1=7 2=1"},
     };
     zet_reeks(7, 3, {{1, 4}});
     for (const auto& r : rijen) {

@@ -4,9 +4,7 @@
 #include "shared/eanhdl.h"
 #include "shared/ioeti.h"
 #include "shared/ioink.h"
-#include "shared/leesstam.h"
 #include "shared/mutatie.h"
-#include "shared/woordenboek.h"
 #include "store/wachtrij.h"
 #include "sub/omserie.h"
 #include "sub/serdel.h"
@@ -46,11 +44,8 @@ struct Serie : Systeem {
         dtmerk = nullptr;
     }
     static serrec rec(const seriesleutel& sleutel, int merk = 104, const char* model = "KJOLE") {
-        serrec s{};
-        s.serie = sleutel;
-        s.merk = static_cast<uint16_t>(merk);
+        serrec s{.serie = sleutel, .merk = static_cast<uint16_t>(merk), .etiketkop = -1};
         VASTIN(s.model, model);
-        s.etiketkop = -1;
         return s;
     }
     static serrec maak(const serrec& van) {
@@ -216,10 +211,7 @@ struct Verwijder : Serie {
     std::set<std::string> gemist; // bytes that only A has
     static void label(const seriesleutel& s, int32_t* kop, int status, int maat) {
         const etiketketen keten(s, kop);
-        etiket l{};
-        l.serie = s;
-        l.status = static_cast<uint8_t>(status);
-        l.maat = static_cast<uint8_t>(maat);
+        etiket l{.serie = s, .status = static_cast<uint8_t>(status), .maat = static_cast<uint8_t>(maat)};
         int32_t nr = 0;
         EXPECT_EQ(ioeti('W', &nr, &l), 1);
         if (status > 1)
@@ -238,17 +230,13 @@ struct Verwijder : Serie {
             r.in_nota = r.voorraad = r.verkopen = r.correcties = 0;
         ASSERT_TRUE(serie_schrijf(r));
         for (int lev : {12, 13, 13}) {
-            prijsset set{};
-            set.serie = s;
-            set.setnr = static_cast<uint16_t>(lev);
-            set.van = 1, set.tot = PRIJS_TOT, set.groep = -1;
+            prijsset set{
+                .serie = s, .setnr = static_cast<uint16_t>(lev), .tot = PRIJS_TOT, .van = 1, .groep = -1};
             ASSERT_TRUE(ioink_write(&set, {{{2}, 100, 90}}));
         }
         uint8_t maten[12] = {14};
         ASSERT_TRUE(eanhdl('W', dtean, s, maten));
-        serpicrec pic{};
-        pic.serie = s;
-        schrijf(dtserpic, pic);
+        schrijf(dtserpic, serpicrec{.serie = s});
         Resten::van_serie(s);
         serie_los();
     }
@@ -394,34 +382,21 @@ TEST_F(Verwijder, QuestionAndDamage) {
         };
     };
     uit();
-    {
-        Gesprek t(vraag(A));
-        t.wacht("Serie heeft ORDERS IN NOTA/VOORRAAD/VERKOPEN/CORRECTIES");
-        EXPECT_EQ(t.antwoord("<Enter>"), "0");
-    }
+    gesprek_met(vraag(A), {{"", "Serie heeft ORDERS IN NOTA/VOORRAAD/VERKOPEN/CORRECTIES"}, {"<Enter>", ""}},
+                "0");
     // The code of a sold label among the open sales.
     IXCLOSE(nieuw_paar("KSZI", {"zicht,32", "a,NODUPS,I,1,4", "b,C,13,25,I,1,4"}));
     Resten::zet("KSZI", [](uint8_t* r) {
         r[0] = 1;
         memcpy(r + 12, ean_etiket(0, 3).data(), 13); // the third label of the first block
     });
-    {
-        Gesprek t(vraag(A));
-        t.wacht("zichtverkopen");
-        EXPECT_EQ(t.antwoord("<Enter><Enter>"), "0");
-    }
-    {
-        Gesprek t(vraag(C));
-        t.wacht("Serie heeft geen etiketten");
-        EXPECT_EQ(t.antwoord("J<Enter>"), "1");
-    }
+    gesprek_met(vraag(A), {{"", "zichtverkopen"}, {"<Enter><Enter>", ""}}, "0");
+    gesprek_met(vraag(C), {{"", "Serie heeft geen etiketten"}, {"J<Enter>", ""}}, "1");
     std::string eti = lees_bestand("DTETI.TXT");
     eti[376 + 4] = 99; // the second block is another colour's
     schrijf_bestand("DTETI.TXT", eti);
     const std::string ser = lees_bestand("DTSER.TXT");
-    Gesprek t(vraag(A));
-    t.wacht("1110.14.1");
-    EXPECT_EQ(t.antwoord("<Enter>"), "0");
+    gesprek_met(vraag(A), {{"", "1110.14.1"}, {"<Enter>", ""}}, "0");
     EXPECT_EQ(lees_bestand("DTETI.TXT"), eti);
     EXPECT_EQ(lees_bestand("DTSER.TXT"), ser);
     in(1);

@@ -1,7 +1,5 @@
 // Brands, article groups and relations: the brand's field, and a conversation on each screen with what stands in the
 // file afterwards.
-#include "shared/leesstam.h"
-#include "shared/woordenboek.h"
 #include "store/wachtrij.h"
 #include "sub/artgroep.h"
 #include "sub/merken.h"
@@ -10,7 +8,6 @@
 #include "support/schrijfstoring.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
-#include "term/ingave.h"
 #include <numeric>
 
 namespace zg::test {
@@ -208,12 +205,7 @@ TEST_F(Stam, Brand) {
 
 // What ties to a number goes with it, and a damaged record is shown and mended.
 TEST_F(Stam, BrandDeletedAndMended) {
-    merkrec gek{};
-    gek.merk = 7;
-    VASTIN(gek.zoeknaam, "GEK");
-    gek.calcfactor = -5000;
-    gek.doelgroep = 'X';
-    gek.maatstelsel = 200;
+    merkrec gek{.merk = 7, .zoeknaam = "GEK", .calcfactor = -5000, .doelgroep = 'X', .maatstelsel = 200};
     memset(gek.uitgesloten, 0xFF, sizeof gek.uitgesloten);
     bewaar("DTMERK", gek);
     mkdir("edistam", 0777);
@@ -280,28 +272,19 @@ TEST_F(Stam, Group) {
 
 // Damaged settings are shown and mended; who may look finds his way through the parts.
 TEST_F(Stam, GroupMended) {
-    artrec gek{};
-    gek.artikelgroep = 5;
-    VASTIN(gek.omschrijving, "Gek");
-    gek.magazijn = 77;
-    gek.verdeelsoort = 'X';
-    gek.magazijnpct = 200;
-    gek.minimum = 3;
-    gek.perfiliaal[1] = 2;
-    bewaar("DTART", gek);
+    bewaar("DTART", artrec{.artikelgroep = 5,
+                           .omschrijving = "Gek",
+                           .magazijn = 77,
+                           .verdeelsoort = 'X',
+                           .minimum = 3,
+                           .magazijnpct = 200,
+                           .perfiliaal = {0, 2}});
     auto kind = [] {
         begin();
         return vorm("%d", artgroep_scherm(5));
     };
-    {
-        Gesprek t([&] {
-            gebruiker.userkind = 'I';
-            return kind();
-        });
-        t.toetsen("19", "Filiaal 77");
-        t.toetsen("17", "Prioriteit per filiaal");
-        EXPECT_EQ(t.antwoord("<Enter><Esc><Esc>"), "0");
-    }
+    gesprek_met([&] { return gebruiker.userkind = 'I', kind(); },
+                {{"19", "Filiaal 77"}, {"17", "Prioriteit per filiaal"}, {"<Enter><Esc><Esc>", ""}}, "0");
     Gesprek t(kind);
     t.toetsen("W131<Enter>1911<Del><Del><Enter>14<Enter>", 25, 1, "<X> Foutieve ingave");
     t.toetsen("A<Enter>", 25, 1, "Aantal in filiaal 2 is lager dan ingegeven minimum voorraad");
@@ -312,11 +295,7 @@ TEST_F(Stam, GroupMended) {
 
 // The table of a large firm has two pages; a firm of one branch has none, and other words.
 TEST_F(Stam, GroupByFirm) {
-    artrec groep{};
-    groep.artikelgroep = 5;
-    groep.magazijn = GEEN_MAGAZIJN;
-    groep.verdeelsoort = 'P';
-    bewaar("DTART", groep);
+    bewaar("DTART", artrec{.artikelgroep = 5, .magazijn = GEEN_MAGAZIJN, .verdeelsoort = 'P'});
     std::vector<int> veel(250);
     std::iota(veel.begin(), veel.end(), 1);
     filialen(veel);
@@ -351,32 +330,27 @@ TEST_F(Stam, Relation) {
         lijstveld(AGENTTABEL, 5, 10, "P", &nummer);
         return vorm("%d %d", nummer, vergeten);
     };
-    {
-        Gesprek t(agent);
-        t.toetsen("12<Enter>", "Deze relatie is geen agent, toevoegen als agent");
-        EXPECT_EQ(t.antwoord("J<Enter>"), "12 1");
-    }
+    gesprek_met(agent, {{"12<Enter>", "Deze relatie is geen agent, toevoegen als agent"}, {"J<Enter>", ""}},
+                "12 1");
     levrec lev = rec<levrec>("DTLEV", uint16_t{12});
     EXPECT_EQ(vorm("%d %.20s %.6s", lev.soort, lev.naam, lev.crediteurnr), "3 Mode Centrale C77");
     // A new one, with a kind that must be set, a wrong e-mail address, the parts.
-    {
-        Gesprek t([] {
+    gesprek_met(
+        [] {
             begin();
             uint16_t nummer = 0;
             lijstveld(LEVERANCIERTABEL, 5, 10, "P", &nummer);
             return vorm("%d", nummer);
-        });
-        t.toetsen("78<Enter>J<Enter><Enter><Enter><Enter><Esc>"); // given up
-        t.wacht_op(25, 1, "<78> Onbekende leverancier");
-        t.toetsen("77<Enter>", "Wilt u leverancier 77 toevoegen");
-        t.toetsen("J<Enter>N<Enter><Enter><Enter>", 25, 1, "minimaal 1 type markeren");
-        t.toetsen("J<Enter><Enter>J<Enter>Nieuw<Enter><Enter><Enter>odense<Enter>nld<Enter><Enter><Enter><"
-                  "Enter>a@<Enter>",
-                  25, 1, "Ongeldig e-mailadres");
-        t.toetsen("a@b.dk<Enter><Enter>ADR<Enter>een<Enter>twee<Enter>", "Relatie goederenadres");
-        t.toetsen("Kade<Enter><Esc>DK1<Enter>12<Enter>C1<Enter>eur<Enter>1,05<Enter>1<Enter>");
-        EXPECT_EQ(t.antwoord(), "77") << t.scherm();
-    }
+        },
+        {{"78<Enter>J<Enter><Enter><Enter><Enter><Esc>", "<78> Onbekende leverancier"}, // given up
+         {"77<Enter>", "Wilt u leverancier 77 toevoegen"},
+         {"J<Enter>N<Enter><Enter><Enter>", "minimaal 1 type markeren"},
+         {"J<Enter><Enter>J<Enter>Nieuw<Enter><Enter><Enter>odense<Enter>nld<Enter><Enter><Enter><Enter>a@<"
+          "Enter>",
+          "Ongeldig e-mailadres"},
+         {"a@b.dk<Enter><Enter>ADR<Enter>een<Enter>twee<Enter>", "Relatie goederenadres"},
+         {"Kade<Enter><Esc>DK1<Enter>12<Enter>C1<Enter>eur<Enter>1,05<Enter>1<Enter>", ""}},
+        "77");
     lev = rec<levrec>("DTLEV", uint16_t{77});
     EXPECT_EQ(vorm("%d %.5s %.6s %.3s %.3s %.4s %.4s %.4s", lev.soort, lev.naam, lev.plaats, lev.land,
                    lev.adrescode, lev.opmerking[0], lev.opmerking[1], lev.goed_adres),
@@ -424,17 +398,14 @@ TEST_F(Stam, RelationDeleted) {
             return vorm("%d", relatie_scherm(12, soort, Relatiemodus::wijzigen));
         };
     };
-    {
-        Gesprek t(wis(REL_AGENT));
-        t.toetsen("V", "Deze agent wordt verwijderd. Akkoord");
-        EXPECT_EQ(t.antwoord("J<Enter>"), "1");
-    }
+    gesprek_met(wis(REL_AGENT), {{"V", "Deze agent wordt verwijderd. Akkoord"}, {"J<Enter>", ""}}, "1");
     EXPECT_EQ(rec<levrec>("DTLEV", uint16_t{12}).soort, REL_LEVERANCIER);
     EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{12}).nummer, 12);
     EXPECT_EQ(lees_bestand("edistam/DTAG0012.TXT"), "x");
-    Gesprek t(wis(REL_LEVERANCIER));
-    t.toetsen("VJ<Enter>", "Eventuele voorkeursinstellingen voor EDI-berichten worden verwijderd");
-    EXPECT_EQ(t.antwoord("<Enter>"), "1");
+    gesprek_met(wis(REL_LEVERANCIER),
+                {{"VJ<Enter>", "Eventuele voorkeursinstellingen voor EDI-berichten worden verwijderd"},
+                 {"<Enter>", ""}},
+                "1");
     EXPECT_EQ(rec<levrec>("DTLEV", uint16_t{12}).nummer, 0);
     EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{12}).nummer, 0);
     EXPECT_EQ(rec<levextrec>("DTLEVEXT", uint16_t{13}).nummer, 13);

@@ -1,5 +1,4 @@
 // Pre-distributions: the records of a number, what fits, free numbers, refused writes, and a buyer at the list.
-#include "shared/leesstam.h"
 #include "sub/voorverd.h"
 #include "sub/vvdeel.h"
 #include "support/schrijfstoring.h"

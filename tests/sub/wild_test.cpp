@@ -4,18 +4,10 @@
 #include "sub/reeksen.h"
 #include "support/slotboek.h"
 #include "support/systeem.h"
-#include "term/scherm.h"
-#include "term/toets.h"
-#include <random>
+#include "support/wild.h"
 
-namespace zg {
+namespace zg::test {
 namespace {
-
-std::mt19937 rng;
-
-int dobbel(int tot) {
-    return static_cast<int>(rng() % static_cast<unsigned>(tot));
-}
 
 void druk_toetsen() {
     static const int32_t BIJZONDER[] = {K_ENTER, K_ENTER, K_LEFT, K_RIGHT, K_UP,  K_DOWN, K_F3,
@@ -52,11 +44,11 @@ std::string onderhoud() {
     const auto stelsel = static_cast<uint8_t>(1 + dobbel(2)), soort = static_cast<uint8_t>(1 + dobbel(9));
     bool stuk = false, na_stuk = false;
     const auto voor = maten_van(stelsel, soort, &stuk);
-    const std::string bytes = test::lees_bestand("DTMAAT.TXT");
+    const std::string bytes = lees_bestand("DTMAAT.TXT");
     const bool er = maatsoort_onderhoud(dobbel(25), dobbel(80), stelsel, soort);
     const auto na = maten_van(stelsel, soort, &na_stuk);
     if (stuk)
-        return bytes == test::lees_bestand("DTMAAT.TXT") ? "" : "a damaged table was written";
+        return bytes == lees_bestand("DTMAAT.TXT") ? "" : "a damaged table was written";
     if (na_stuk)
         return "damaged a table";
     for (const auto& [nr, naam] : voor)
@@ -70,9 +62,9 @@ std::string onderhoud() {
 std::string van_serie() {
     uint8_t maten[MAATBYTES], vast[MAATBYTES] = {}, oud[MAATBYTES];
     for (uint8_t& b : maten)
-        b = static_cast<uint8_t>(rng() & rng() & rng());
+        b = static_cast<uint8_t>(worp() & worp() & worp());
     for (int i = 0; i < MAATBYTES; i++)
-        vast[i] = static_cast<uint8_t>(maten[i] & rng());
+        vast[i] = static_cast<uint8_t>(maten[i] & worp());
     memcpy(oud, maten, sizeof oud);
     const bool er = serie_maten(dobbel(25), 1, maten, vast);
     if (er != (balk_heeft(maten) && balk_kolommen() > 0) && er)
@@ -118,64 +110,52 @@ std::string reeksen() {
 // Now and then a record that no program wrote. A free slot stays as it is: with other bytes it reads as a record that
 // hangs in the chain of free ones, and the store stops there.
 void beschadig() {
-    std::string alles = test::lees_bestand("DTMAAT.TXT");
+    std::string alles = lees_bestand("DTMAAT.TXT");
     if (const int regels = static_cast<int>(alles.size() / sizeof(maatrij))) {
         const size_t rij = static_cast<size_t>(dobbel(regels)) * sizeof(maatrij), byte = 14 + dobbel(4 * 40);
-        const char teken = static_cast<char>(rng());
+        const char teken = static_cast<char>(worp());
         if (IXRECLIVE(&alles[rij], sizeof(maatrij))) {
             alles[rij + byte] = teken;
-            test::schrijf_bestand("DTMAAT.TXT", alles);
+            schrijf_bestand("DTMAAT.TXT", alles);
         }
     }
     int32_t nr = 1 + dobbel(9);
     maatreeksrec rec{static_cast<uint8_t>(1 + dobbel(9)), {}, {}};
     for (int i = 0; i < 20; i++)
-        rec.aantal[dobbel(20)] = static_cast<int32_t>(dobbel(3) ? dobbel(50) : static_cast<int>(rng()));
+        rec.aantal[dobbel(20)] = static_cast<int32_t>(dobbel(3) ? dobbel(50) : static_cast<int>(worp()));
     iotab('W', &nr, &rec, SYS_MAATREEKS);
 }
 
 TEST(SubWild, Keys) {
-    test::TijdelijkeMap map;
-    test::schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
-    const char* aantal = getenv("ZG_WILD");
-    const int beurten = aantal ? atoi(aantal) : 400;
-    const char* vast = getenv("ZG_SEED");
-    // The same keys in every ordinary run; others by ZG_WILD or ZG_SEED.
-    const unsigned zaad = vast ? static_cast<unsigned>(atol(vast)) : aantal ? std::random_device{}() : 1;
-    test::Terminal t([&] {
-        SCRINIT();
-        rng.seed(zaad);
-        test::Systeem::open();
-        test::maak_filialen({1, 2, 3, 14, 20});
+    TijdelijkeMap map;
+    schrijf_bestand("DTSYS.TXT", std::string(130'000, '\0'));
+    int32_t vensters = 0;
+    auto begin = [&] {
+        Systeem::open();
+        maak_filialen({1, 2, 3, 14, 20});
         firma.maatstelsel = 1;
-        dtmaat = test::nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
-        dtmtom = test::nieuw_paar("DTMTOM", {"maatomschr.,10", "k1,NODUPS,I,1,1,I,2,2,I,3,3"}, 2);
-        const int32_t vensters = SCHERM.aantal;
-        std::string fout;
-        for (int i = 0; i < beurten && fout.empty(); i++) {
-            druk_toetsen();
-            const int wat = dobbel(3);
-            if (wat > 0)
-                balk_open(static_cast<uint8_t>(1 + dobbel(2)), static_cast<uint8_t>(1 + dobbel(9)), nullptr);
-            fout = wat == 0 ? onderhoud() : wat == 1 ? van_serie() : reeksen();
-            TOETSLEEG();
-            if (SCHERM.aantal != vensters)
-                fout += " a window stays";
-            if (const std::string sloten = test::slotboek(); !sloten.empty())
-                fout += " a lock stays: " + sloten;
-            if (dobbel(20) == 0) {
-                balk_sluit();
-                beschadig();
-            }
-            if (!fout.empty())
-                fout = "turn " + std::to_string(i) + ": " + fout;
+        dtmaat = nieuw_paar("DTMAAT", {"maten,404", "k1,NODUPS,I,1,1,I,2,2"}, 2);
+        dtmtom = nieuw_paar("DTMTOM", {"maatomschr.,10", "k1,NODUPS,I,1,1,I,2,2,I,3,3"}, 2);
+        vensters = SCHERM.aantal;
+    };
+    wilde_beurten(400, 1, begin, [&] {
+        druk_toetsen();
+        const int wat = dobbel(3);
+        if (wat > 0)
+            balk_open(static_cast<uint8_t>(1 + dobbel(2)), static_cast<uint8_t>(1 + dobbel(9)), nullptr);
+        std::string fout = wat == 0 ? onderhoud() : wat == 1 ? van_serie() : reeksen();
+        TOETSLEEG();
+        if (SCHERM.aantal != vensters)
+            fout += " a window stays";
+        if (const std::string sloten = slotboek(); !sloten.empty())
+            fout += " a lock stays: " + sloten;
+        if (dobbel(20) == 0) {
+            balk_sluit();
+            beschadig();
         }
-        SCREXIT();
-        puts(fout.c_str());
-        return fout.empty() ? 0 : 3;
+        return fout;
     });
-    EXPECT_EQ(t.einde(60000), 0) << "seed " << zaad << "\n" << t.scherm();
 }
 
 } // namespace
-} // namespace zg
+} // namespace zg::test

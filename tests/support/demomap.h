@@ -15,12 +15,28 @@ public:
     // Every plain file's content by name, season directories included.
     std::map<std::string, std::string> inhoud() const;
     // Names of files that differ between two such pictures.
+    // All of a file of such records, one behind the other.
+    template <class R> std::vector<R> alle(const char* naam) const {
+        const std::string bytes = lees_bestand(bestand(naam));
+        std::vector<R> uit(bytes.size() / sizeof(R));
+        memcpy(static_cast<void*>(uit.data()), bytes.data(), uit.size() * sizeof(R));
+        return uit;
+    }
     static std::string verschil(const std::map<std::string, std::string>& a,
                                 const std::map<std::string, std::string>& b);
 
 private:
     TijdelijkeMap map_{false};
 };
+
+// A value at a place of a file, which grows where it ends before.
+template <class T> void zet(const DemoMap& map, const char* naam, size_t plaats, T waarde) {
+    std::string b = lees_bestand(map.bestand(naam));
+    if (b.size() < plaats + sizeof waarde)
+        b.resize(plaats + sizeof waarde);
+    memcpy(&b[plaats], &waarde, sizeof waarde);
+    schrijf_bestand(map.bestand(naam), b);
+}
 
 // Options for the menu or the program in that directory, with the clock at 1 March 2016.
 Opties demo_opties(const DemoMap& map);

@@ -1,5 +1,5 @@
-// The n-th call that changes something on disk is the last thing that the process does, or is refused: set in a child,
-// in front of the work. Calls are counted from 0; `gestoord` tells whether it came so far.
+// The n-th call that changes something on disk is the last thing that the process does, or is refused (all behind it too,
+// where `steeds`): set in a child, in front of the work. Calls are counted from 0; `gestoord` tells whether it came so far.
 #pragma once
 #include "shared/syscalls.h"
 #include <cerrno>
@@ -10,10 +10,11 @@ namespace zg::test {
 
 inline SYSCALLS roep_echt;
 inline int roep_over; // calls that go well before it
-inline bool roep_dood;
+inline bool roep_dood, roep_steeds;
 
 inline bool roep_nu() {
-    if (roep_over-- != 0)
+    const int over = roep_over--;
+    if (over > 0 || (over < 0 && !roep_steeds))
         return false;
     if (roep_dood)
         raise(SIGKILL);
@@ -24,8 +25,8 @@ inline bool gestoord() {
     return roep_over < 0;
 }
 
-inline void stoor_roep(int n, bool dood) {
-    roep_echt = SYS, roep_over = n, roep_dood = dood;
+inline void stoor_roep(int n, bool dood, bool steeds = false) {
+    roep_echt = SYS, roep_over = n, roep_dood = dood, roep_steeds = steeds;
     SYS.open = [](const char* p, int v, mode_t m) {
         return (v & O_CREAT) && access(p, F_OK) != 0 && roep_nu() ? -1 : roep_echt.open(p, v, m);
     };

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <map>
 
 namespace zg::test {
 
@@ -27,6 +28,19 @@ inline ssize_t stoor(int fd, const void* buf, size_t n, off_t plaats) {
     return -1;
 }
 
+// Files as they are now, and back to that.
+struct Toestand {
+    std::map<std::string, std::string> bestanden;
+    explicit Toestand(const std::vector<std::string>& namen) {
+        for (const std::string& n : namen)
+            bestanden[n] = lees_bestand(n);
+    }
+    void herstel() const {
+        for (const auto& [naam, inhoud] : bestanden)
+            schrijf_bestand(naam, inhoud);
+    }
+};
+
 // A piece of work in a child, with each of its writes (or each `stap`-th) refused in turn, and then killed at each. Every
 // round begins with the files as they are now, and they are so in the end; behind each `kijk`, the last time behind one that
 // nothing disturbed (`klaar`).
@@ -39,13 +53,7 @@ inline void bij_elke_schrijf(const std::vector<std::string>& bestanden, int stap
                              const std::function<int()>& doe,
                              const std::function<void(const Storing&)>& kijk) {
     constexpr int ONGESTOORD = 64;
-    std::vector<std::string> inhoud;
-    for (const std::string& b : bestanden)
-        inhoud.push_back(lees_bestand(b));
-    const auto herstel = [&] {
-        for (size_t i = 0; i < bestanden.size(); i++)
-            schrijf_bestand(bestanden[i], inhoud[i]);
-    };
+    const Toestand begin(bestanden);
     for (bool dood : {false, true})
         for (int n = 0, klaar = 0; !klaar; n += stap) {
             SCOPED_TRACE((dood ? "killed at write " : "refused write ") + std::to_string(n));
@@ -61,7 +69,7 @@ inline void bij_elke_schrijf(const std::vector<std::string>& bestanden, int stap
             klaar = !gedood && uit.status >= ONGESTOORD;
             ASSERT_TRUE(klaar || (dood ? gedood : uit.status >= 0)) << uit.status << uit.uitvoer;
             kijk({dood, klaar != 0, gedood ? 0 : uit.status % ONGESTOORD, uit.uitvoer});
-            herstel();
+            begin.herstel();
         }
 }
 
@@ -72,11 +80,10 @@ inline void bij_elke_schrijfactie(const std::function<void()>& scherm, const std
                                   const std::vector<std::string>& paren,
                                   const std::function<std::string()>& stand,
                                   const std::vector<std::string>& goed) {
-    std::vector<std::string> bestanden{"DTSYS.TXT"}, inhoud;
+    std::vector<std::string> bestanden{"DTSYS.TXT"};
     for (const std::string& p : paren)
         bestanden.insert(bestanden.end(), {p + ".INX", p + ".TXT"});
-    for (const std::string& b : bestanden)
-        inhoud.push_back(lees_bestand(b));
+    const Toestand begin(bestanden);
     ASSERT_EQ(stand(), goed.front());
     int gestoord = 0;
     for (bool dood : {true, false})
@@ -107,8 +114,7 @@ inline void bij_elke_schrijfactie(const std::function<void()>& scherm, const std
             EXPECT_TRUE(status == 0 ? nu == goed.back()
                                     : std::find(goed.begin(), goed.end(), nu) != goed.end())
                 << status << " " << nu;
-            for (size_t i = 0; i < bestanden.size(); i++)
-                schrijf_bestand(bestanden[i], inhoud[i]);
+            begin.herstel();
         }
     EXPECT_GE(gestoord, 2);
 }

@@ -3,7 +3,9 @@
 #pragma once
 #include "shared/iofil.h"
 #include "shared/iotab.h"
+#include "shared/leesstam.h"
 #include "shared/maatbalk.h"
+#include "shared/woordenboek.h"
 #include "support/paar.h"
 #include "support/proef.h"
 
@@ -76,6 +78,21 @@ inline void maak_maatsoort(uint8_t soort, const char* naam, const std::vector<st
     mtclose(h);
     IXCLOSE(dtmaat);
     dtmaat = nullptr;
+}
+
+// A set of sizes, and what is in one: "1,2".
+inline std::array<uint8_t, MAATBYTES> maten_van(const std::vector<int>& maten) {
+    std::array<uint8_t, MAATBYTES> uit{};
+    for (int maat : maten)
+        maat_aan(uit.data(), maat);
+    return uit;
+}
+inline std::string maten_in(const uint8_t* maten) {
+    std::string uit;
+    for (int maat = 1; maat <= MATEN; maat++)
+        if (maat_in(maten, maat))
+            uit += (uit.empty() ? "" : ",") + std::to_string(maat);
+    return uit;
 }
 
 // Sizes in force without a file: 1 to n, "31" and up.

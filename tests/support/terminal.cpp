@@ -49,19 +49,6 @@ int hoogstens(int ms) {
     return grens ? std::min(ms, atoi(grens)) : ms;
 }
 
-void utf8_bij(std::string& uit, uint32_t u) {
-    auto b = [&](uint32_t x) { uit += static_cast<char>(static_cast<unsigned char>(x)); };
-    if (u < 0x80) {
-        b(u);
-    } else if (u < 0x800) {
-        b(0xC0 | u >> 6), b(0x80 | (u & 63));
-    } else if (u < 0x10000) {
-        b(0xE0 | u >> 12), b(0x80 | (u >> 6 & 63)), b(0x80 | (u & 63));
-    } else {
-        b(0xF0 | u >> 18), b(0x80 | (u >> 12 & 63)), b(0x80 | (u >> 6 & 63)), b(0x80 | (u & 63));
-    }
-}
-
 // A byte of a set in UTF-8; "" when it is none there.
 std::string in_utf8(const std::string& set, char c) {
     iconv_t cd = iconv_open("UTF-8", set.c_str());
@@ -190,13 +177,7 @@ struct Terminal::Binnen {
     }
 
     std::string proces(const char* naam) const {
-        char pad[64], tekst[4096];
-        snprintf(pad, sizeof pad, "/proc/%d/%s", pid, naam);
-        int fd = open(pad, O_RDONLY | O_CLOEXEC);
-        ssize_t n = fd < 0 ? 0 : read(fd, tekst, sizeof tekst);
-        if (fd >= 0)
-            close(fd);
-        return {tekst, n > 0 ? static_cast<size_t>(n) : 0};
+        return lees_bestand("/proc/" + std::to_string(pid) + "/" + naam);
     }
 
     bool wacht_op_toets() {
@@ -252,11 +233,9 @@ struct Terminal::Binnen {
     }
 
     std::string teken(int rij, int kolom) const {
-        VTermScreenCell c = cel(rij, kolom);
-        std::string s;
-        for (int i = 0; i < VTERM_MAX_CHARS_PER_CELL && c.chars[i] != 0 && c.chars[i] != 0xFFFFFFFF; i++)
-            utf8_bij(s, c.chars[i]);
-        return s.empty() ? " " : s;
+        char tekst[64];
+        const size_t n = vterm_screen_get_text(vs, tekst, sizeof tekst, {rij - 1, rij, kolom - 1, kolom});
+        return n ? std::string(tekst, n) : " ";
     }
 
     template <class F> bool tot_dat(int ms, F klaar) {

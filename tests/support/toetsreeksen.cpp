@@ -31,23 +31,14 @@ const Naam NAMEN[] = {
     {"Ins", "kich1", "\033[2~"},
     {"Del", "kdch1", "\033[3~"},
     {"Back", "kbs", "\177"},
-    {"F1", "kf1", "\033OP"},
-    {"F2", "kf2", "\033OQ"},
-    {"F3", "kf3", "\033OR"},
-    {"F4", "kf4", "\033OS"},
-    {"F5", "kf5", "\033[15~"},
-    {"F6", "kf6", "\033[17~"},
-    {"F7", "kf7", "\033[18~"},
-    {"F8", "kf8", "\033[19~"},
-    {"F9", "kf9", "\033[20~"},
-    {"F10", "kf10", "\033[21~"},
-    {"F11", "kf11", "\033[23~"},
-    {"F12", "kf12", "\033[24~"},
     {"Cancel", "kcan", nullptr},
     {"Help", "khlp", nullptr},
     {"Exit", "kext", nullptr},
     {"lt", "", "<"},
 };
+
+const char* const FTOETSEN[] = {"\033OP",   "\033OQ",   "\033OR",   "\033OS",   "\033[15~", "\033[17~",
+                                "\033[18~", "\033[19~", "\033[20~", "\033[21~", "\033[23~", "\033[24~"};
 
 } // namespace
 
@@ -86,7 +77,11 @@ std::vector<std::string> toetsreeksen(const std::string& term, std::string_view 
         size_t dicht = reeks.find('>', i);
         std::string naam(reeks.substr(i + 1, dicht - i - 1));
         i = dicht == std::string_view::npos ? reeks.size() : dicht + 1;
-        bool gevonden = false;
+        bool gevonden = naam.size() > 1 && naam[0] == 'F' && isdigit(naam[1]);
+        if (gevonden) {
+            const std::string bytes = vermogen(term, ("kf" + naam.substr(1)).c_str());
+            uit.push_back(bytes.empty() ? FTOETSEN[atoi(&naam[1]) - 1] : bytes);
+        }
         for (const Naam& n : NAMEN) {
             if (naam != n.naam)
                 continue;

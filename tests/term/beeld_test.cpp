@@ -2,7 +2,6 @@
 // of terminal, and how the terminal is taken, handed over and given back.
 #include "gesprek.h"
 #include "support/toetsreeksen.h"
-#include "term/ingave.h"
 #include <random>
 #include <vterm.h>
 

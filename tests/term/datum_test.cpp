@@ -38,17 +38,6 @@ TEST(Datum, AlleNummers) {
     EXPECT_STREQ(laatste, "04062079");
 }
 
-TEST(Datum, Vormen) {
-    EXPECT_STREQ(DATUM6(36585), "290200");
-    EXPECT_STREQ(DATUM8(36585), "29-02-00");
-    EXPECT_STREQ(DATUM10(36585), "29-02-2000");
-    EXPECT_STREQ(DATUM10(36525), "31-12-1999");
-    EXPECT_STREQ(DATUM6(0), "      ");
-    EXPECT_STREQ(DATUM8(0), "  -  -  ");
-    EXPECT_STREQ(DATUM10(0), "  -  -    ");
-    EXPECT_EQ(DATUM6(1), DATUM10(2)) << "one buffer for all";
-}
-
 TEST(Datum, Afronden) {
     std::string uit;
     for (double waarde : {0.5, -0.5, 0.49999999999999994, -0.49999999999999994, 2147483647.4, 1e300, -1e300,

@@ -2,6 +2,8 @@
 // it answers stands on row 24 as "= answer" once it is done.
 #pragma once
 #include "support/proef.h"
+#include "term/ingave.h"
+#include "term/prompt.h"
 #include "term/scherm.h"
 #include "term/toets.h"
 #include <cstdarg>
@@ -72,14 +74,28 @@ inline std::function<int()> op_scherm(const std::function<void()>& werk) {
     };
 }
 
-// One conversation for each row: the keys, and the answer.
-inline void gesprekken(const std::function<std::string()>& kind,
-                       std::initializer_list<std::pair<const char*, const char*>> rijen) {
-    for (auto [toetsen, uit] : rijen) {
+// One conversation for each row: what it is about, the keys, and the answer.
+template <class W>
+void gesprekken_over(const std::function<std::string(const W&)>& kind,
+                     std::initializer_list<std::tuple<W, const char*, const char*>> rijen) {
+    for (const auto& [wat, toetsen, uit] : rijen) {
         SCOPED_TRACE(toetsen);
-        Gesprek t(kind);
+        Gesprek t([&] { return kind(wat); });
         EXPECT_EQ(t.antwoord(toetsen), uit);
     }
+}
+inline void gesprekken(const std::function<std::string()>& kind,
+                       std::initializer_list<std::pair<const char*, const char*>> rijen) {
+    for (const auto& [toetsen, uit] : rijen)
+        gesprekken_over<int>([&](int) { return kind(); }, {{0, toetsen, uit}});
+}
+// Keys one after the other and what must be seen behind each, and the answer.
+inline void gesprek_met(const std::function<std::string()>& kind,
+                        std::initializer_list<std::pair<const char*, const char*>> stappen, const char* uit) {
+    Gesprek t(kind);
+    for (const auto& [toetsen, ziet] : stappen)
+        EXPECT_TRUE(t.toetsen(toetsen, ziet)) << toetsen;
+    EXPECT_EQ(t.antwoord(), uit) << t.scherm();
 }
 
 // That child, seen from the moment that it waits.

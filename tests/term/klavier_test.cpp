@@ -1,5 +1,4 @@
 // The keyboard: bytes as terminals send them, and the keys that they are.
-#include "term/ingave.h"
 #include "toetslog.h"
 
 using namespace zg;

@@ -2,9 +2,7 @@
 // way a file holds records: found by their own number, also when others have gone in the meantime.
 #include "gesprek.h"
 #include "term/dm_hdl.h"
-#include "term/ingave.h"
 #include "term/lijst.h"
-#include "term/prompt.h"
 
 using namespace zg;
 using namespace zg::test;
@@ -110,49 +108,54 @@ std::string keus(Terminal& t) {
     return s;
 }
 
+std::string dm(int items, int rij, int vast) {
+    DMREC* m = DMNEW("Keuze");
+    for (int i = 1; i <= items; i++) {
+        if (i == 4)
+            DMSEP(m, "meer");
+        static const char* namen[] = {"&Eerste", "&Tweede", "Der&de"};
+        DMITEM(m, i <= 3 ? namen[i - 1] : vorm("Item %d", i).c_str(), i, i != 2);
+    }
+    DMKEY(m, &SCHERM.toets[key_f8], 3);
+    DMKEY(m, '*', 5);
+    int id = DMRUN(m, rij, vast);
+    return vorm("%d %d %s", id, SCHERM.laatste, DMTEXT());
+}
+
 } // namespace
 
 TEST(Lijst, Maten) {
-    struct {
-        const char* naam;
-        Vorm v;
-        Doos doos;
-    } const gevallen[] = {
-        {"default", {.n = 30}, {3, 55, 21, 26}},
-        {"column and height limited", {.n = 30, .rij = 6, .kolom = 70, .hoogte = 30}, {6, 55, 19, 26}},
-        {"too wide", {.n = 30, .kolom = 5, .breedte = 100}, {3, 1, 21, 80}},
-        {"title wider", {.n = 3, .titel = " Een titel die breder is dan de rijen "}, {3, 39, 21, 42}},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(g.naam);
-        Gesprek t([&] { return draai(g.v); });
-        EXPECT_EQ(doos(t), g.doos) << t.scherm();
-        EXPECT_EQ(keus(t), vorm("%d:00010", g.doos.rij + 1));
+    for (const auto& [naam, v, waar] : Rijen<const char*, Vorm, Doos>{
+             {"default", {.n = 30}, {3, 55, 21, 26}},
+             {"column and height limited", {.n = 30, .rij = 6, .kolom = 70, .hoogte = 30}, {6, 55, 19, 26}},
+             {"too wide", {.n = 30, .kolom = 5, .breedte = 100}, {3, 1, 21, 80}},
+             {"title wider", {.n = 3, .titel = " Een titel die breder is dan de rijen "}, {3, 39, 21, 42}},
+         }) {
+        SCOPED_TRACE(naam);
+        Gesprek t([&] { return draai(v); });
+        EXPECT_EQ(doos(t), waar) << t.scherm();
+        EXPECT_EQ(keus(t), vorm("%d:00010", waar.rij + 1));
         EXPECT_EQ(t.antwoord("<Cancel>"), "n=0 k=355");
     }
 }
 
 // A page has 17 rows, 4 to 20, 16 with a head.
 TEST(Lijst, Lopen) {
-    struct {
-        int n;
-        const char *keys, *keus;
-    } const gevallen[] = {
-        {1, "<Down><Down><PgDn>", "4:00010"},
-        {17, "<PgDn><Down>", "20:00170"},
-        {18, "<PgDn><Up>", "4:00170"},
-        {40, "<Down><Down><PgDn><PgDn><PgDn>", "9:00400"},
-        {40, "<PgDn><Down><PgUp><PgUp>", "4:00010"},
-        {50000, "<PgDn><PgDn><PgDn><Up><Up>", "4:00500"},
-        {400, "9999<Enter><Up><Up>", "4:03980"},
-        {400, "9999<Down>", "4:04000"}, // with a text in the field any key just searches
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(vorm("%d %s", g.n, g.keys));
-        Gesprek t([&] { return draai({.n = g.n}); });
-        t.toetsen(g.keys);
-        EXPECT_EQ(keus(t), g.keus) << t.scherm();
-        EXPECT_EQ(t.antwoord("<F3>"), vorm("%d n=1 k=267", atoi(g.keus + std::string(g.keus).find(':') + 1)));
+    for (const auto& [n, keys, rij] : Rijen<int, const char*, const char*>{
+             {1, "<Down><Down><PgDn>", "4:00010"},
+             {17, "<PgDn><Down>", "20:00170"},
+             {18, "<PgDn><Up>", "4:00170"},
+             {40, "<Down><Down><PgDn><PgDn><PgDn>", "9:00400"},
+             {40, "<PgDn><Down><PgUp><PgUp>", "4:00010"},
+             {50000, "<PgDn><PgDn><PgDn><Up><Up>", "4:00500"},
+             {400, "9999<Enter><Up><Up>", "4:03980"},
+             {400, "9999<Down>", "4:04000"}, // with a text in the field any key just searches
+         }) {
+        SCOPED_TRACE(vorm("%d %s", n, keys));
+        Gesprek t([&] { return draai({.n = n}); });
+        t.toetsen(keys);
+        EXPECT_EQ(keus(t), rij) << t.scherm();
+        EXPECT_EQ(t.antwoord("<F3>"), vorm("%d n=1 k=267", atoi(rij + std::string(rij).find(':') + 1)));
     }
 }
 
@@ -179,24 +182,21 @@ TEST(Lijst, Wissen) {
     });
     alles.toetsen("<F8>xx<F8>y"); // the box takes a key, the field gets one: no digit
     EXPECT_EQ(alles.antwoord(), "n=0 k=272");
-    struct {
-        int n;
-        const char *keys, *keus, *boven, *onder;
-    } const gevallen[] = {
-        {40, "<Down><Down><F8>", "6:00040", "00010", "00180"},
-        {3, "<Down><Down><F8>", "5:00020", "00010", "     "},
-        {18, "<PgDn><F8>", "4:00010", "00010", "00170"}, // the page has gone: the one before it
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(vorm("%d %s", g.n, g.keys));
+    for (const auto& [n, keys, rij, boven, onder] :
+         Rijen<int, const char*, const char*, const char*, const char*>{
+             {40, "<Down><Down><F8>", "6:00040", "00010", "00180"},
+             {3, "<Down><Down><F8>", "5:00020", "00010", "     "},
+             {18, "<PgDn><F8>", "4:00010", "00010", "00170"}, // the page has gone: the one before it
+         }) {
+        SCOPED_TRACE(vorm("%d %s", n, keys));
         Gesprek t([&] {
             wissen = true;
-            return draai({.n = g.n});
+            return draai({.n = n});
         });
-        t.toetsen(g.keys);
-        EXPECT_EQ(keus(t), g.keus) << t.scherm();
-        EXPECT_EQ(t.stuk(4, 57, 5), g.boven);
-        EXPECT_EQ(t.stuk(20, 57, 5), g.onder);
+        t.toetsen(keys);
+        EXPECT_EQ(keus(t), rij) << t.scherm();
+        EXPECT_EQ(t.stuk(4, 57, 5), boven);
+        EXPECT_EQ(t.stuk(20, 57, 5), onder);
         EXPECT_EQ(t.antwoord("<Esc>"), "n=0 k=27");
     }
 }
@@ -259,46 +259,20 @@ TEST(Lijst, SalvoEnRust) {
     EXPECT_EQ(een.antwoord(), alles.antwoord());
 }
 
-// ---- dm_hdl
-
-namespace {
-
-std::string dm(int items, int rij, int vast) {
-    DMREC* m = DMNEW("Keuze");
-    for (int i = 1; i <= items; i++) {
-        if (i == 4)
-            DMSEP(m, "meer");
-        static const char* namen[] = {"&Eerste", "&Tweede", "Der&de"};
-        DMITEM(m, i <= 3 ? namen[i - 1] : vorm("Item %d", i).c_str(), i, i != 2);
-    }
-    DMKEY(m, &SCHERM.toets[key_f8], 3);
-    DMKEY(m, '*', 5);
-    int id = DMRUN(m, rij, vast);
-    return vorm("%d %d %s", id, SCHERM.laatste, DMTEXT());
-}
-
-} // namespace
-
 TEST(DmHdl, Kiezen) {
-    struct {
-        int vast;
-        const char *keys, *uit;
-    } const gevallen[] = {
-        {3, "<Enter>", "3 10 Derde"},
-        {2, "<Enter>", "1 10 Eerste"},                   // the default is disabled
-        {1, "<Down><Enter><Down><Enter>", "3 10 Derde"}, // ENTER on a disabled row: nothing
-
-        {1, "td", "3 100 Derde"},
-        {1, "<F8>", "3 272 Derde"},
-        {1, "*", "5 42 Item 5"},
-        {3, "<Cancel>", "3 355"},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(vorm("%d %s", g.vast, g.keys));
-        Gesprek t([&] { return dm(5, 3, g.vast); });
-        EXPECT_EQ(doos(t), (Doos{3, 60, 8, 20}));
-        t.toetsen("?");
-        EXPECT_EQ(t.regel(25), "Ongeldige toets");
-        EXPECT_EQ(t.antwoord(g.keys), g.uit);
-    }
+    Gesprek t([] { return dm(5, 3, 1); });
+    EXPECT_EQ(doos(t), (Doos{3, 60, 8, 20}));
+    t.toetsen("?");
+    EXPECT_EQ(t.regel(25), "Ongeldige toets");
+    gesprekken_over<int>(
+        [](int vast) { return dm(5, 3, vast); },
+        {
+            {3, "<Enter>", "3 10 Derde"},
+            {2, "<Enter>", "1 10 Eerste"},                   // the default is disabled
+            {1, "<Down><Enter><Down><Enter>", "3 10 Derde"}, // ENTER on a disabled row: nothing
+            {1, "td", "3 100 Derde"},
+            {1, "<F8>", "3 272 Derde"},
+            {1, "*", "5 42 Item 5"},
+            {3, "<Cancel>", "3 355"},
+        });
 }

@@ -1,6 +1,5 @@
 // Pull-down menus as they are met: bar and pop-ups, keys and letters, marks, geometry, typed-ahead keys.
 #include "gesprek.h"
-#include "term/ingave.h"
 #include "term/menu.h"
 
 using namespace zg;
@@ -57,41 +56,37 @@ TR_MENU* balk() {
 } // namespace
 
 TEST(Menu, BalkToetsen) {
-    struct {
-        int id;
-        const char *keys, *uit;
-    } const gevallen[] = {
-        {0, "<Enter><Enter>", "h11 11 10"},
-        {0, "o.", "13 10"},
-        {0, "o,", "13 10"},                               // comma is the point of a numeric keypad
-        {0, "<Down><Down><Enter><Down><Enter>", "13 10"}, // the disabled leaf takes no ENTER
+    for (const auto& [id, keys, uit] : Rijen<int, const char*, const char*>{
+             {0, "<Enter><Enter>", "h11 11 10"},
+             {0, "o.", "13 10"},
+             {0, "o,", "13 10"},                               // comma is the point of a numeric keypad
+             {0, "<Down><Down><Enter><Down><Enter>", "13 10"}, // the disabled leaf takes no ENTER
 
-        {0, "pv<Enter>", "h2 221 10"},
-        {0, "<Right><Enter>v<Left>n", "h2 21 10"}, // left closes a deeper menu only
+             {0, "pv<Enter>", "h2 221 10"},
+             {0, "<Right><Enter>v<Left>n", "h2 21 10"}, // left closes a deeper menu only
 
-        {0, "o<Right><Enter>", "h2 21 10"}, // right: the neighbour opens
-        {0, "pv<Right><Right><Left><Enter>", "h2 h3 3 10"},
-        {0, "o<Left><Enter><Cancel><Cancel>", "0 355"}, // round to the last; nothing in it can be chosen
-        {0, "dg<Esc>", "0 355"},
-        {0, "l<Enter>", "h3 3 10"}, // an item without submenu opens one of its own
+             {0, "o<Right><Enter>", "h2 21 10"}, // right: the neighbour opens
+             {0, "pv<Right><Right><Left><Enter>", "h2 h3 3 10"},
+             {0, "o<Left><Enter><Cancel><Cancel>", "0 355"}, // round to the last; nothing in it can be chosen
+             {0, "dg<Esc>", "0 355"},
+             {0, "l<Enter>", "h3 3 10"}, // an item without submenu opens one of its own
 
-        {12, "<Down><Enter><Down><Enter>",
-         "13 10"},                     // a disabled start: the first that can be used, then down
-        {222, "<Enter>", "h2 222 10"}, // opens all the way
-        {41, "<Enter><Esc><Esc>", "0 355"},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(vorm("%d %s", g.id, g.keys));
+             {12, "<Down><Enter><Down><Enter>",
+              "13 10"},                     // a disabled start: the first that can be used, then down
+             {222, "<Enter>", "h2 222 10"}, // opens all the way
+             {41, "<Enter><Esc><Esc>", "0 355"},
+         }) {
+        SCOPED_TRACE(vorm("%d %s", id, keys));
         auto kind = [&] {
             TR_MENU* m = balk();
-            return klaar(m, run(m, g.id));
+            return klaar(m, run(m, id));
         };
         Gesprek t(kind);
-        EXPECT_EQ(t.antwoord(g.keys), g.uit);
+        EXPECT_EQ(t.antwoord(keys), uit);
         // Typed ahead: the same, also when a letter chooses before anything is shown.
         Gesprek salvo(kind);
-        salvo.reeks(g.keys);
-        EXPECT_EQ(salvo.antwoord(), g.uit);
+        salvo.reeks(keys);
+        EXPECT_EQ(salvo.antwoord(), uit);
     }
 }
 

@@ -1,33 +1,27 @@
 // Prompts, boxes, line editor, choice row and the interrupt poll, as a user meets them.
 #include "gesprek.h"
-#include "term/ingave.h"
 #include "term/keuze.h"
-#include "term/prompt.h"
 
 using namespace zg;
 using namespace zg::test;
 
 TEST(Prompt, JaNee) {
-    struct {
-        const char *tekst, *keys, *regel;
-        int uit;
-    } const gevallen[] = {
-        {"[-]Regel verwijderen", "<Enter>", "Regel verwijderen? (J/N)N", 0},
-        {"[-]Regel verwijderen", "j<Enter>", "Regel verwijderen? (J/N)N", 1},
-        {"[+]", "<Enter>", "Akkoord? (J/N)J", 1},
-        {"", "<Enter>+<Enter>", "Akkoord? (J/N)_", 1}, // nothing to accept yet: ENTER is refused
-        {"[x]Printen", "<Enter>", "Printen? (J/N)N", 0},
-        {"[+]Printen", "<Cancel>", "Printen? (J/N)J", 0},
-    };
-    for (const auto& g : gevallen) {
-        SCOPED_TRACE(std::string(g.tekst) + " " + g.keys);
+    for (const auto& [tekst, keys, regel, uit] : Rijen<const char*, const char*, const char*, int>{
+             {"[-]Regel verwijderen", "<Enter>", "Regel verwijderen? (J/N)N", 0},
+             {"[-]Regel verwijderen", "j<Enter>", "Regel verwijderen? (J/N)N", 1},
+             {"[+]", "<Enter>", "Akkoord? (J/N)J", 1},
+             {"", "<Enter>+<Enter>", "Akkoord? (J/N)_", 1}, // nothing to accept yet: ENTER is refused
+             {"[x]Printen", "<Enter>", "Printen? (J/N)N", 0},
+             {"[+]Printen", "<Cancel>", "Printen? (J/N)J", 0},
+         }) {
+        SCOPED_TRACE(std::string(tekst) + " " + keys);
         Gesprek t([&] {
             SCRPUT(A_WAARDE, 10, 5, "%s", std::string(70, 'x').c_str());
-            return vorm("%d", JNVRAAG(10, 5, "%s", g.tekst));
+            return vorm("%d", JNVRAAG(10, 5, "%s", tekst));
         });
-        EXPECT_EQ(t.regel(10), std::string(4, ' ') + g.regel);
-        EXPECT_EQ(t.cursor_kolom(), 5 + static_cast<int>(strlen(g.regel)) - 1);
-        EXPECT_EQ(t.antwoord(g.keys), vorm("%d", g.uit));
+        EXPECT_EQ(t.regel(10), std::string(4, ' ') + regel);
+        EXPECT_EQ(t.cursor_kolom(), 5 + static_cast<int>(strlen(regel)) - 1);
+        EXPECT_EQ(t.antwoord(keys), vorm("%d", uit));
     }
 }
 

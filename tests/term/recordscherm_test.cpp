@@ -1,6 +1,5 @@
 // A record's screen: what is asked, stored and let go of along each way through it.
 #include "term/gesprek.h"
-#include "term/ingave.h"
 #include "term/recordscherm.h"
 
 namespace zg::test {

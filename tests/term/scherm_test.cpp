@@ -1,6 +1,5 @@
 // The screen against a terminal emulator: start and end, windows, text, status line, variants, the abort box.
 #include "gesprek.h"
-#include "term/prompt.h"
 #include <termios.h>
 
 using namespace zg;
@@ -9,6 +8,17 @@ using namespace zg::test;
 namespace {
 
 const int WIT = 7, BLAUW = 4, CYAAN = 6, ROOD = 1;
+
+void goed_einde() {
+    WINCURSOR(0);
+    TOETS();
+    SCRSTOP(0);
+}
+
+void vensters(int aantal) {
+    while (aantal-- > 0)
+        WINOPEN1(1, 1, 3, 3);
+}
 
 } // namespace
 
@@ -142,12 +152,12 @@ TEST(Scherm, StatusLine) {
     EXPECT_EQ(gezien, "Ongeldige toets 1|kort 2|kort 3| 3|" + std::string(80, '0') + " 4|");
 }
 
+struct Variant {
+    const char* naam;
+    int rijen, kolommen;
+};
 TEST(Scherm, Variants) {
-    static const struct {
-        const char* naam;
-        int rijen, kolommen;
-    } GEVALLEN[] = {{"-w", 25, 132}, {"-l", 43, 80}};
-    for (const auto& g : GEVALLEN) {
+    for (const Variant& g : {Variant{"-w", 25, 132}, {"-l", 43, 80}}) {
         SCOPED_TRACE(g.naam);
         OpScherm t(
             [&g] {
@@ -201,35 +211,16 @@ TEST(Scherm, VariantThatIsNotThereFallsBack) {
 
 TEST(Scherm, UnknownTerminal) {
     TijdelijkeMap leeg;
-    static const struct {
-        const char *naam, *waarde, *tekst;
-    } GEVALLEN[] = {
-        {"TERM", "bestaatniet", "Onbekende terminfo (Bestaatniet)"},
-        {"TERM", "", "Onbekende terminfo (TERM)"},
-        {"TERM", "../../etc/passwd", "Onbekende terminfo (../../etc/passwd)"},
-        {"TERM", "x\033[2Jy", "Onbekende terminfo (X?[2Jy)"},
-        {"TERM", "dumb", "Onbekende terminfo (Dumb)"}}; // the lower-case entry alone is not enough
-    for (const auto& g : GEVALLEN) {
-        Terminal t(op_scherm([] {}), {.omgeving = {{g.naam, g.waarde}}});
-        EXPECT_EQ(t.einde(), 10) << g.waarde;
-        EXPECT_EQ(t.regel(2), g.tekst);
+    for (auto [term, naam] : {std::pair{"bestaatniet", "Bestaatniet"},
+                              {"", "TERM"},
+                              {"../../etc/passwd", "../../etc/passwd"},
+                              {"x\033[2Jy", "X?[2Jy"},
+                              {"dumb", "Dumb"}}) { // the lower-case entry alone is not enough
+        Terminal t(op_scherm([] {}), {.omgeving = {{"TERM", term}}});
+        EXPECT_EQ(t.einde(), 10) << term;
+        EXPECT_EQ(t.regel(2), vorm("Onbekende terminfo (%s)", naam));
     }
 }
-
-namespace {
-
-void goed_einde() {
-    WINCURSOR(0);
-    TOETS();
-    SCRSTOP(0);
-}
-
-void vensters(int aantal) {
-    while (aantal-- > 0)
-        WINOPEN1(1, 1, 3, 3);
-}
-
-} // namespace
 
 // The modes of the terminal are the same after every way out.
 TEST(Scherm, TerminalIsGivenBackAsFound) {

@@ -5,29 +5,6 @@
 namespace zg {
 namespace {
 
-TEST(Strings, Wissen) {
-    struct {
-        const char* in;
-        int pos, n;
-        const char* uit;
-    } const wissen[] = {
-        {"abcdef", 0, 2, "cdef"},     {"abcdef", 4, 2, "abcd"},   {"abcdef", 2, 1, "abdef"},
-        {"abcdef", 0, 6, ""},         {"abcdef", 5, 2, "abcdef"}, {"abcdef", 6, 1, "abcdef"},
-        {"abcdef", -1, 2, "abcdef"},  {"abcdef", 1, 0, "abcdef"}, {"", 0, 1, ""},
-        {"abc", 1, INT32_MAX, "abc"},
-    };
-    for (const auto& g : wissen) {
-        char s[16];
-        memset(s, '#', sizeof s);
-        strcpy(s, g.in);
-        WISTEKENS(s, g.pos, g.n);
-        EXPECT_STREQ(s, g.uit) << g.in << ' ' << g.pos << ' ' << g.n;
-        for (size_t i = strlen(s); i <= strlen(g.in); i++)
-            EXPECT_EQ(s[i], 0) << "the tail must be NUL";
-        EXPECT_EQ(s[strlen(g.in) + 1], '#');
-    }
-}
-
 TEST(Strings, Trimmen) {
     struct {
         const char *in, *r, *l, *beide;

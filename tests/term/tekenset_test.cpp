@@ -30,6 +30,13 @@ constexpr Soort UTF8{"C.UTF-8", nullptr, "UTF-8"}, LATIJN9{"C", "ISO-8859-15", "
 
 constexpr char GEEN[] = "Tekenset onbekend (LANG, ZGTEKENSET): letters staan zonder accenten";
 
+// Shows what came of the question, for the programs after this one, and the keys that were typed meanwhile.
+void vraag() {
+    auto gezet = [](const char* naam) { return getenv(naam) ? getenv(naam) : ""; };
+    SCRPUT(A_WAARDE, 3, 1, "(%s %s)", gezet("LC_CTYPE"), gezet("ZGTEKENSET"));
+    toon_toetsen();
+}
+
 } // namespace
 
 TEST(Tekenset, Screen) {
@@ -88,59 +95,44 @@ TEST(Tekenset, Screen) {
 }
 
 TEST(Tekenset, Keys) {
-    static const struct {
-        Soort soort;
-        const char *bytes, *codes;
-        int bellen;
-        const char* melding; // what is told of the last, after the U+ or the word "code"
-    } GEVALLEN[] = {
-        {UTF8, "\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC", "", 1,
-         "Teken U+20AC bestaat hier niet en is overgeslagen"},
-        {UTF8, "a\xE2\x82\xAC@c", "97 64 99", 1, "Teken U+20AC"},
-        {UTF8, "a\xE9@", "97 64", 1, "Teken met code 233 bestaat hier niet en is overgeslagen"},
-        {UTF8, "a\xC2\x9B", "97", 1, "Teken U+009B"},
-        {LATIJN9, "n\xE9 caf\xE9 \xF8", "110 130 32 99 97 102 130 32 155", 0, ""},
-        {LATIJN9, "a\xA4", "97", 1, "Teken U+20AC"},
-        {LATIJN9, "a\xBD", "97", 1, "Teken U+0153"},
-        {LATIJN9, "a\x9B", "97", 1, "Teken U+009B"},
-        {LATIJN9, "\033\xE9x", "600 120", 0, ""}, // Alt and a letter
-        {DOS, "n\x82\x9B\xDA\xFF", "110 130 155 218 32", 0, ""},
-        {WINDOWS, "\x92\x96\xE9", "39 45 130", 0, ""},
-        {WINDOWS, "\x80", "", 1, "Teken U+20AC"},
-        {WINDOWS, "\x81", "", 1, "Teken met code 129"},
-        {NIETS, "n\xC3\xA9", "110", 1, "Teken U+00E9"}, // UTF-8 all the same: one character, not two
-        {NIETS, "\xE2\x82\xAC\xC3\xA9x", "120", 1, "Teken U+00E9"},
-        {NIETS, "caf\xE9", "99 97 102", 1, "Teken met code 233"},
-        {NIETS, "\033\xC3\xA9x", "600 120", 0, GEEN},
-        {ASCII, "n\xC3\xA9", "110", 1, "Teken U+00E9"},
-    };
-    for (const auto& g : GEVALLEN) {
-        SCOPED_TRACE(std::string(g.soort.locale) + " " + g.bytes);
-        Terminal t(toetslog, opties(g.soort));
+    // melding: what is told of the last, after the U+ or the word "code"
+    for (const auto& [soort, bytes, codes, bellen, melding] :
+         Rijen<Soort, const char*, const char*, int, const char*>{
+             {UTF8, "\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC", "", 1,
+              "Teken U+20AC bestaat hier niet en is overgeslagen"},
+             {UTF8, "a\xE2\x82\xAC@c", "97 64 99", 1, "Teken U+20AC"},
+             {UTF8, "a\xE9@", "97 64", 1, "Teken met code 233 bestaat hier niet en is overgeslagen"},
+             {UTF8, "a\xC2\x9B", "97", 1, "Teken U+009B"},
+             {LATIJN9, "n\xE9 caf\xE9 \xF8", "110 130 32 99 97 102 130 32 155", 0, ""},
+             {LATIJN9, "a\xA4", "97", 1, "Teken U+20AC"},
+             {LATIJN9, "a\xBD", "97", 1, "Teken U+0153"},
+             {LATIJN9, "a\x9B", "97", 1, "Teken U+009B"},
+             {LATIJN9, "\033\xE9x", "600 120", 0, ""}, // Alt and a letter
+             {DOS, "n\x82\x9B\xDA\xFF", "110 130 155 218 32", 0, ""},
+             {WINDOWS, "\x92\x96\xE9", "39 45 130", 0, ""},
+             {WINDOWS, "\x80", "", 1, "Teken U+20AC"},
+             {WINDOWS, "\x81", "", 1, "Teken met code 129"},
+             {NIETS, "n\xC3\xA9", "110", 1, "Teken U+00E9"}, // UTF-8 all the same: one character, not two
+             {NIETS, "\xE2\x82\xAC\xC3\xA9x", "120", 1, "Teken U+00E9"},
+             {NIETS, "caf\xE9", "99 97 102", 1, "Teken met code 233"},
+             {NIETS, "\033\xC3\xA9x", "600 120", 0, GEEN},
+             {ASCII, "n\xC3\xA9", "110", 1, "Teken U+00E9"},
+         }) {
+        SCOPED_TRACE(std::string(soort.locale) + " " + bytes);
+        Terminal t(toetslog, opties(soort));
         t.kalm();
         const int begin = t.bellen();
-        t.stuur(g.bytes);
-        if (std::string_view(g.melding).starts_with("Teken "))
-            t.wacht(g.melding);
+        t.stuur(bytes);
+        if (std::string_view(melding).starts_with("Teken "))
+            t.wacht(melding);
         t.toetsen("");
-        EXPECT_EQ(t.regel(1), g.codes);
-        EXPECT_EQ(t.regel(25).substr(0, strlen(g.melding)), g.melding);
-        EXPECT_EQ(t.bellen() - begin, g.bellen);
+        EXPECT_EQ(t.regel(1), codes);
+        EXPECT_EQ(t.regel(25).substr(0, strlen(melding)), melding);
+        EXPECT_EQ(t.bellen() - begin, bellen);
         EXPECT_EQ(t.cursor_rij(), 1) << "refused, and back in its place";
-        EXPECT_EQ(t.cursor_kolom(), *g.codes ? static_cast<int>(strlen(g.codes)) + 2 : 1);
+        EXPECT_EQ(t.cursor_kolom(), *codes ? static_cast<int>(strlen(codes)) + 2 : 1);
     }
 }
-
-namespace {
-
-// Shows what came of the question, for the programs after this one, and the keys that were typed meanwhile.
-void vraag() {
-    auto gezet = [](const char* naam) { return getenv(naam) ? getenv(naam) : ""; };
-    SCRPUT(A_WAARDE, 3, 1, "(%s %s)", gezet("LC_CTYPE"), gezet("ZGTEKENSET"));
-    toon_toetsen();
-}
-
-} // namespace
 
 // Where the environment says nothing, or a multiplexer stands between the locale and the terminal, that is asked.
 TEST(Tekenset, Asked) {

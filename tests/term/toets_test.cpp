@@ -1,5 +1,4 @@
 // Keys beyond the keyboard's bytes: signals, type-ahead, hang-up, the macro hook, names.
-#include "term/ingave.h"
 #include "toetslog.h"
 #include <termios.h>
 
@@ -115,17 +114,14 @@ TEST(Toets, KeysHandedOver) {
 
 // Nothing reaches a field that can't be seen; the screen says why, and comes back by itself.
 TEST(Toets, WindowTooSmall) {
-    static const struct {
-        int rijen, kolommen;
-        const char* eerste;
-    } GEVALLEN[] = {{24, 80, "Venster: 80 kolommen, 24 rijen"},
-                    {25, 79, "Venster: 79 kolommen, 25 rijen"},
-                    {10, 24, "Venster: 24 kolommen, 1"},
-                    {2, 60, "Maak het venster groter om verder te gaan."},
-                    {2, 10, "Maak het"},
-                    {1, 1, ""}};
-    for (const auto& g : GEVALLEN) {
-        SCOPED_TRACE(g.eerste);
+    for (const auto& [rijen, kolommen, eerste] :
+         Rijen<int, int, const char*>{{24, 80, "Venster: 80 kolommen, 24 rijen"},
+                                      {25, 79, "Venster: 79 kolommen, 25 rijen"},
+                                      {10, 24, "Venster: 24 kolommen, 1"},
+                                      {2, 60, "Maak het venster groter om verder te gaan."},
+                                      {2, 10, "Maak het"},
+                                      {1, 1, ""}}) {
+        SCOPED_TRACE(eerste);
         Terminal t(op_scherm([] {
                        char tekst[9] = "abc";
                        SCRPUT(A_WAARDE, 25, 70, "hoek");
@@ -133,20 +129,20 @@ TEST(Toets, WindowTooSmall) {
                        INGAVE(5, 10, "8s", &SCHERM.toets[key_cancel], tekst);
                        SCRPUT(A_WAARDE, 1, 1, "(%s)", tekst);
                    }),
-                   {.rijen = g.rijen, .kolommen = g.kolommen});
-        t.wacht(g.eerste); // at the start
+                   {.rijen = rijen, .kolommen = kolommen});
+        t.wacht(eerste); // at the start
         t.kalm();
         t.stuur("xyz\r\033");
         t.kalm();
-        EXPECT_EQ(t.regel(1), g.eerste);
+        EXPECT_EQ(t.regel(1), eerste);
         EXPECT_GE(t.bellen(), 5) << "heard, not taken";
         t.maat(25, 80);
         t.wacht_op(25, 70, "hoek");
         t.kalm();
         EXPECT_EQ(t.stuk(5, 10, 8), "k_______") << "a key from before counts, those of meanwhile don't";
         t.toetsen("1");
-        t.maat(g.rijen, g.kolommen); // and while it lasts
-        t.wacht(g.eerste);
+        t.maat(rijen, kolommen); // and while it lasts
+        t.wacht(eerste);
         t.kalm();
         t.stuur("2\003\r");
         t.kalm();

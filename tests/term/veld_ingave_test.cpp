@@ -4,7 +4,6 @@
 #include "gesprek.h"
 #include "term/datum.h"
 #include "term/formaat.h"
-#include "term/ingave.h"
 #include "term/natl.h"
 #include "veldmaat.h"
 
@@ -105,9 +104,8 @@ void kind(const std::vector<Geval>& gevallen) {
 void proef(const std::vector<Geval>& gevallen) {
     OpScherm t([&] { kind(gevallen); });
     auto ziet = [&](const char* beeld) {
-        if (beeld) {
+        if (beeld)
             EXPECT_EQ(t.stuk(RIJ, KOLOM, tekens(beeld)), beeld);
-        }
     };
     for (const Geval& g : gevallen) {
         SCOPED_TRACE(std::string(g.formaat) + " \"" + g.begin + "\" " + g.keys + g.laatste);

@@ -3,9 +3,7 @@
 #include "gesprek.h"
 #include "term/dm_hdl.h"
 #include "term/formaat.h"
-#include "term/ingave.h"
 #include "term/menu.h"
-#include "term/prompt.h"
 #include "term/teksten.h"
 
 namespace zg::test {

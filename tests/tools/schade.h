@@ -6,14 +6,6 @@
 
 namespace zg::test {
 
-template <class T> void zet(const DemoMap& map, const char* naam, size_t plaats, T waarde) {
-    std::string b = lees_bestand(map.bestand(naam));
-    if (b.size() < plaats + sizeof waarde)
-        b.resize(plaats + sizeof waarde);
-    memcpy(&b[plaats], &waarde, sizeof waarde);
-    schrijf_bestand(map.bestand(naam), b);
-}
-
 template <class T> T haal(const DemoMap& map, const char* naam, size_t plaats) {
     T uit;
     memcpy(&uit, &lees_bestand(map.bestand(naam)).at(plaats), sizeof uit);

@@ -151,10 +151,8 @@ const std::vector<Schade> SCHADES = {
               std::string code = lees_bestand(m.bestand("DTEAN.TXT")).substr(sizeof(eanrec), sizeof(eanrec));
               code.replace(0, 13, "8711253001202").replace(offsetof(eanrec, volgnummer), 2, "\x77\x77");
               schrijf(m, "DTEAN", code);
-              prijsset set{};
-              set.serie = {4711, 1, 1};
-              set.groep = -1;
-              schrijf(m, "DTIPA", std::string(reinterpret_cast<char*>(&set), sizeof set));
+              const prijsset set{.serie = {4711, 1, 1}, .groep = -1};
+              schrijf(m, "DTIPA", std::string(reinterpret_cast<const char*>(&set), sizeof set));
           }),
     heelt("a number of a series before the counter",
           {"DTSER: DTSYS.TXT system record 2: the last number is 1, series "},
@@ -221,10 +219,9 @@ const std::vector<Schade> SCHADES = {
         {"2016Z/ORD0010.JRN: a link that leads nowhere", "DTORDNR: number 7777 of an order that isn't there"},
         [](const DemoMap& m) {
             const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
-            ordnrrec rec{};
-            rec.ordernummer = 7777, rec.leverancier = 10, rec.jaar = 2016, rec.seizoen = 'Z',
-            rec.orderdatum = 42400;
-            schrijf(m, "DTORDNR", std::string(reinterpret_cast<char*>(&rec), sizeof rec));
+            const ordnrrec rec{
+                .ordernummer = 7777, .leverancier = 10, .jaar = 2016, .seizoen = 'Z', .orderdatum = 42400};
+            schrijf(m, "DTORDNR", std::string(reinterpret_cast<const char*>(&rec), sizeof rec));
             std::filesystem::remove(jrn);
             std::filesystem::create_symlink("/nowhere/ORD0010.JRN", jrn);
         }),

@@ -30,7 +30,7 @@ inline Uit sh(const std::string& opdracht) {
 template <class... W> void hoort(const std::string& opdracht, int status, const W&... woorden) {
     const Uit uit = sh(opdracht);
     EXPECT_EQ(uit.status, status) << opdracht << "\n" << uit.tekst;
-    for (const std::string& woord : {std::string(woorden)...})
+    for (const std::string& woord : std::vector<std::string>{woorden...})
         EXPECT_TRUE(uit.zegt(woord)) << opdracht << " doesn't say: " << woord << "\n" << uit.tekst;
 }
 

@@ -16,12 +16,6 @@ struct Veldschade {
     bool te_herstellen = false;
 };
 
-std::string i16(int w) {
-    return {static_cast<char>(w), static_cast<char>(w >> 8)};
-}
-std::string i32(int w) {
-    return i16(w) + i16(w >> 16);
-}
 const std::string GAT("A\0\0Z", 4), BEL("\7"), TOT = i16(65500);
 
 void sla(const DemoMap& map, const Veldschade& s) {

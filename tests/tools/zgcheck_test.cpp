@@ -31,11 +31,10 @@ TEST(Zgcheck, Remains) {
     for (const char* tekst :
          {"2015W: note: mode 0770, should be 2770", "2016Z/ORD0012.TMP: note: left by an order",
           "2016Z/ORD0012.ORS: note: ", "PRAB13.UIT: note: left by", "EDISYS.CVC: note: settings half made",
-          "2016Z/ORD0013.JRN: note: brand 9999 isn't there", "2016Z/ORD0013.JRN: note: size type 77 isn't there",
-          ".ixwerkAAAAAA: note: a load or copy"})
+          "2016Z/ORD0013.JRN: note: brand 9999 isn't there",
+          "2016Z/ORD0013.JRN: note: size type 77 isn't there", ".ixwerkAAAAAA: note: a load or copy"})
         EXPECT_TRUE(uit.zegt(tekst)) << tekst << "\n" << uit.tekst;
-    const Uit na = sh("zgcheck -r" + hier);
-    EXPECT_TRUE(na.status == 0 && na.zegt("repair: .ixwerkAAAAAA: removed\n")) << na.tekst;
+    hoort("zgcheck -r" + hier, 0, "repair: .ixwerkAAAAAA: removed\n");
     for (const char* naam : {"2016Z/ORD0012.TMP", "2016Z/ORD0012.ORS", "PRAB13.UIT", ".ixwerkAAAAAA"})
         EXPECT_FALSE(std::filesystem::exists(map.bestand(naam))) << naam;
     // The only copy of something stays.
@@ -103,8 +102,7 @@ TEST(Zgcheck, BesidePeople) {
             memcpy(rec, &maakt, sizeof maakt);
             return IXREADL(IXOPEN("DTSER", 2), rec) == 0;
         })).dood();
-        const Uit bouw = sh("ixremake --force" + hier + "/DTSER");
-        EXPECT_TRUE(bouw.status == 4 && bouw.zegt("key 1100 15 77 is reserved by a user")) << bouw.tekst;
+        hoort("ixremake --force" + hier + "/DTSER", 4, "key 1100 15 77 is reserved by a user");
         t.sein(SIGHUP);
         t.einde();
         EXPECT_TRUE(sh("ixremake" + hier + "/DTSER").zegt("reserved key cleared: 1100 15 77"));
