@@ -316,6 +316,22 @@ TEST(Kaart, AfgekaptOnderDeSchrijver) {
     EXPECT_EQ('\x01', lees_bestand("T.INX")[offsetof(IXHEADER, busy)]);
 }
 
+// A file that outgrows its mapping gets a longer one in its place.
+TEST(Kaart, EenPerBestand) {
+    TijdelijkeMap map;
+    IXCLOSE(gevuld());
+    if (!in_kaart("T"))
+        GTEST_SKIP() << "no mapping here";
+    ICB* icb = IXOPEN("T", 2);
+    ASSERT_EQ(0, truncate("T.TXT", 300 << 20));
+    char byte;
+    for (const int lengte : {150 << 20, 300 << 20})
+        IXKAARTLEES(icb->datfd, 0, &byte, 1, lengte);
+    const std::string kaarten = lees_bestand("/proc/self/maps");
+    EXPECT_EQ(kaarten.find("/T.TXT\n"), kaarten.rfind("/T.TXT\n")) << kaarten;
+    IXCLOSE(icb);
+}
+
 // Rebuilt in place beside a reader: each walk of his gives everything.
 TEST(Kaart, HerbouwdOnderDeLezer) {
     TijdelijkeMap map;
