@@ -76,6 +76,25 @@ TEST(Codepage, BaseLetters) {
     EXPECT_EQ(lijn, "xxqqllkkmjutwvnnaf");
 }
 
+// A translation with other directives would be read as it stands: with what isn't there.
+TEST(Tekst, OnlyTheSameDirectivesPass) {
+    const struct {
+        const char *standaard, *vertaald;
+        bool past;
+    } gevallen[] = {
+        {"%s %d", "ordre %s no %d", true},
+        {"%s %d", "%d %s", false},
+        {"tekst", "%s", false},
+        {"tekst", "100%% texte", true},
+        {"%s", "%1$s", false},
+        {"%s", "%s%n", false},
+        {"%s %", "%s", false},
+        {"50% korting", "50 % remise", false},
+    };
+    for (const auto& g : gevallen)
+        EXPECT_EQ(TXTPAST(g.standaard, g.vertaald), g.past) << g.standaard << " | " << g.vertaald;
+}
+
 // A real catalogue: its texts where they fit, the defaults elsewhere and after closing.
 TEST(Tekst, Catalogue) {
     test::TijdelijkeMap map;
