@@ -149,6 +149,26 @@ TEST(Lezer, SchrijverStaatStilTussenRecordEnSleutels) {
     EXPECT_EQ("20", lezer.antwoord());
 }
 
+// What a reader meets beside an exclusive handle makes no sense: who only reads says so, and doesn't wait for him.
+TEST(Lezer, OngerijmdNaastEenAlleengebruiker) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", tabel, 2);
+    for (int i = 0; i < 400; i++)
+        zet(icb, i, i);
+    IXCLOSE(icb);
+    Agent alleen{Houder{}};
+    ASSERT_EQ("ok", alleen.vraag("hold"));
+    const std::string rapport = stopt([] {
+        ICB* lezer = IXOPEN("T", 0);
+        std::string index = lees_index("T.INX");
+        std::fill(index.begin() + 4 * IXBLOK, index.end(), '\xEE');
+        schrijf_bestand("T.INX", index);
+        Rec r{};
+        IXREAD(lezer, &r);
+    });
+    EXPECT_NE(std::string::npos, rapport.find("iet consistent")) << rapport;
+}
+
 // All that stands still is there, forth and back and by key: -1, or the number of the first that isn't.
 int ontbreekt(ICB* icb, int van, int tot, int stap) {
     Rec r{};
