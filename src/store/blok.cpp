@@ -36,15 +36,16 @@ bool kop_goed(const ICB* icb, const IXHEADER& h) {
 
 void lees_kop(ICB* icb) {
     IXHEADER h;
+    uint32_t telling;
     for (int poging = 0;; poging++) {
-        if (IXKOPBLOK(icb, &h) && kop_goed(icb, h))
+        if (IXKOPBLOK(icb, &h, &telling) && kop_goed(icb, h))
             break;
         if (poging == KOPRONDEN || ALLEEN(icb))
             IXSTUK(icb, 0);
         usleep(1000);
     }
     icb->h = h;
-    IXGEZIEN(icb, h);
+    IXGEZIEN(icb, h, telling);
 }
 
 bool knoop_goed(const ICB* icb, int32_t blok) {
@@ -94,11 +95,15 @@ bool IXHEELBLOK(const ICB* icb, int32_t blok, void* doel) {
     return true;
 }
 
-bool IXKOPBLOK(const ICB* icb, IXHEADER* h) {
-    const ssize_t n = IXBLOKLEES(icb->idxfd, 0, h, sizeof *h);
+bool IXKOPBLOK(const ICB* icb, IXHEADER* h, uint32_t* telling) {
+    uint8_t kop[IXBLOK] = {};
+    const ssize_t n = IXBLOKLEES(icb->idxfd, 0, kop, telling ? sizeof kop : sizeof *h);
     if (n < 0)
         IOLEESFOUT(icb->idxfd);
-    return n == static_cast<ssize_t>(sizeof *h);
+    memcpy(h, kop, sizeof *h);
+    if (telling)
+        memcpy(telling, kop + TELPLAATS, sizeof *telling);
+    return n >= static_cast<ssize_t>(sizeof *h);
 }
 
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron, size_t aantal) {
@@ -122,7 +127,7 @@ int32_t IXLEESBEGIN(ICB* icb, uint8_t* blokken, uint32_t* telling) {
         IXSTUK(icb, 0);
     const bool zelfde = h.nkeys == icb->h.nkeys; // else the queue is elsewhere
     icb->h = h;
-    IXGEZIEN(icb, h);
+    IXGEZIEN(icb, h, *telling);
     return zelfde ? static_cast<int32_t>(n / IXBLOK) : 0;
 }
 

@@ -68,7 +68,8 @@ struct ICB {
     int8_t wachtsleutel; // 1 while IXWAITHOOK is called for a reserved key, the one in `keybuf`
     struct {
         int32_t nblocks, nrecs, freehead;
-    } gezien; // counters as last seen on disk: where they have changed, a reader doubts what he found at an edge
+        uint32_t telling; // 0: unknown
+    } gezien; // counters and change count as last seen on disk: a reader holds against them what he found at an edge
     IXPLAATS plaats;
     // Set by a caller who holds what IXREAD and IXREADL give against the key that he asked for, and tells damage himself: where the
     // record isn't there they answer 0, and where it has another key they give that, instead of stopping.

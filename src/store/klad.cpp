@@ -253,7 +253,7 @@ void einde(bool geschreven = false) {
     klad.icb = nullptr;
     if (klad.rij)
         IXRIJLOS(icb, geschreven);
-    IXGEZIEN(icb, icb->h);
+    IXGEZIEN(icb, icb->h, icb->mode != 1 ? klad.telling : 0);
     if (icb->mode != 1)
         IXLOCK(icb, 12);
 }

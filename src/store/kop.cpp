@@ -45,6 +45,10 @@ uint32_t IXTELVERDER(uint32_t telling, Kopmerk merk) {
     return met_toets(telling + ((telling & 1) != oneven));
 }
 
+bool IXTELRUST(uint32_t telling) {
+    return geldig(telling) && !(telling & 1);
+}
+
 uint32_t IXTELLEES(int idxfd) {
     uint32_t telling = 0;
     if (const uint8_t* p = IXKAARTBEGIN(idxfd))
@@ -106,7 +110,7 @@ bool IXSTANDLEES(const ICB* icb, IXSTAND* stand) {
     const bool dezelfde = uit<uint32_t>(p + TELPLAATS) == telling;
     stand->telling = telling;
     stand->bezig = geldig(telling) && busy != K_ALLEEN && (busy || (telling & 1) || !dezelfde);
-    return geldig(telling) && dezelfde && !busy && !(telling & 1);
+    return IXTELRUST(telling) && dezelfde && !busy;
 }
 
 } // namespace zg

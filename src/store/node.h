@@ -63,9 +63,9 @@ inline int IXVERSCHIL(const uint8_t* a, const uint8_t* b, int n) {
         i++;
     return i;
 }
-// The counters on disk are these now.
-inline void IXGEZIEN(ICB* icb, const IXHEADER& h) {
-    icb->gezien = {h.nblocks, h.nrecs, h.freehead};
+// The counters on disk are these now, the change count too where it is known (store/kop.h).
+inline void IXGEZIEN(ICB* icb, const IXHEADER& h, uint32_t telling = 0) {
+    icb->gezien = {h.nblocks, h.nrecs, h.freehead, telling};
 }
 inline int32_t WACHTRIJBLOK(const ICB* icb) {
     return icb->h.nkeys + 1;
@@ -120,7 +120,8 @@ const char* IXKOPFOUT(const IXHEADER& h);
 // program: it is no damage and no end of the file.
 ssize_t IXBLOKLEES(int fd, int32_t blok, void* doel, size_t n); // bytes got, -1 on an error
 bool IXHEELBLOK(const ICB* icb, int32_t blok, void* doel);      // a whole one of this handle's file
-bool IXKOPBLOK(const ICB* icb, IXHEADER* h);                    // its header as it stands: is it whole?
+// Its header as it stands, and with the same call the change count behind it: is it whole?
+bool IXKOPBLOK(const ICB* icb, IXHEADER* h, uint32_t* telling = nullptr);
 int IXBLOKSCHRIJF(int fd, int32_t blok, const void* bron, size_t aantal = 1); // 1, or 0 with errno set
 enum Leesuitslag { L_GOED, L_EINDE, L_FOUT };
 // Block above 0 into `node`, with path and `curblock`. When it does not answer L_GOED the node in hand is an

@@ -8,8 +8,8 @@
 //      its end one that was read twice with the same bytes;
 //   3. an answer at the edge of a leaf is in doubt, since a split hides the left half from a way that is older, and a
 //      rebuild gives a block to another part of the tree: the header must then say that nobody is changing the pair and
-//      that its counters are those that the handle last saw, or two searches in a row must give the same where an
-//      exclusive handle, which writes no header, is at work;
+//      that its counters and its change count are those that the handle last saw; or two searches in a row, behind a
+//      header that isn't marked, must give the same, as where programs work that don't count or don't stop;
 //   4. what doesn't fit together is looked for again, with a pause, as long as somebody writes (store/wachten.h).
 // A handle that is alone (exclusive, or under the header lock) sees only whole trees, so there anything odd is damage.
 #include "shared/files.h"
@@ -191,23 +191,24 @@ Uitslag omlaag(const Zoeker& start, char op, bool zeker, int32_t* uit) {
     return i == 0 || i == z.aantal() ? TWIJFEL : ANTWOORD;
 }
 
-// What a reader knows of its doubtful answer.
-enum Blik { RUST, ANDERS, BEZIG };
+// What a reader knows of its doubtful answer. RUST: nothing has changed since this handle last looked. TELLERS: the counters
+// haven't, but a program is at work that doesn't count its changes, or has been.
+enum Blik { RUST, TELLERS, ANDERS, BEZIG };
 
-// Is a split possible that hid something from the search just made: is one under way, or has there been one since
-// this handle last looked? An exclusive handle writes no header until it is closed, but its lock shows; so that is
-// asked first, or the handle could be closed between the two.
-Blik splitsing_mogelijk(ICB* icb, bool* exclusief) {
+// Was the pair changed under the search just made, by a split that hid something from it or a rebuild, which may leave the
+// counters as they were: is that under way, or has it been since this handle last looked? An exclusive handle shows by its
+// lock; so that is asked first, or the handle could be closed between the two.
+Blik bekijk_kop(ICB* icb) {
     IXHEADER h;
-    *exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);
-    if (!IXKOPBLOK(icb, &h) || (h.busy && !(*exclusief && h.busy == K_ALLEEN)))
+    uint32_t telling = 0;
+    const bool exclusief = !IOLOCK('T', icb->idxfd, 0, IXBLOK);
+    if (!IXKOPBLOK(icb, &h, &telling) || (h.busy && !(exclusief && h.busy == K_ALLEEN)))
         return BEZIG;
-    if (h.nblocks != icb->gezien.nblocks || h.nrecs != icb->gezien.nrecs ||
-        h.freehead != icb->gezien.freehead) {
-        IXGEZIEN(icb, h);
-        return ANDERS;
-    }
-    return RUST;
+    const auto& g = icb->gezien;
+    const bool tellers = h.nblocks == g.nblocks && h.nrecs == g.nrecs && h.freehead == g.freehead,
+               telt = IXTELRUST(telling), zelfde = tellers && (!telt || telling == g.telling);
+    IXGEZIEN(icb, h, telling);
+    return !zelfde ? ANDERS : telt && !exclusief ? RUST : TELLERS;
 }
 
 // Without a mapping a look at a leaf is a call. One that was read twice with the same bytes a moment ago serves the next
@@ -317,7 +318,7 @@ Rust zoek_in_rust(const Zoeker& z, char op, int32_t* uit) {
         if (!goed)
             break;
         icb->bladstand = {voor.freehead, voor.nrecs, voor.nblocks, voor.telling};
-        icb->gezien = {voor.nblocks, voor.nrecs, voor.freehead};
+        icb->gezien = {voor.nblocks, voor.nrecs, voor.freehead, voor.telling};
         return IN_RUST;
     }
     if (KNOOP(icb).keyno != sleutel)
@@ -367,12 +368,11 @@ int32_t zoek(ICB* icb, char op, int lengte) {
         }
         if (ALLEEN(icb) || icb->tempidx)
             return uit;
-        bool exclusief;
-        const Blik blik = splitsing_mogelijk(icb, &exclusief);
-        if (blik == RUST && (!exclusief || (vorig_blad == icb->curblock && vorige == uit)))
+        const Blik blik = bekijk_kop(icb);
+        if (blik == RUST || (blik != BEZIG && vorig_blad == icb->curblock && vorige == uit))
             return uit;
         vorige = uit;
-        vorig_blad = blik == RUST ? icb->curblock : GEENBLOK;
+        vorig_blad = blik != BEZIG ? icb->curblock : GEENBLOK;
         // With the lock in hand a mark was left by one who died: nothing more will come.
         if (blik == BEZIG && !geduld.nog_eens())
             return uit;
