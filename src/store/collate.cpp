@@ -52,6 +52,13 @@ constexpr std::array<Gewicht, 256> maak_tabel() {
 
 constexpr std::array<Gewicht, 256> tabel = maak_tabel();
 
+constexpr std::array<int16_t, 256> enkele() {
+    std::array<int16_t, 256> t{};
+    for (size_t b = 0; b < t.size(); b++)
+        t[b] = tabel[b].klas == BLIJFT ? tabel[b].een : int16_t{-1};
+    return t;
+}
+
 // The weights of one text in turn, and 0 for ever behind its end.
 struct Loper {
     const uint8_t* p;
@@ -88,6 +95,8 @@ struct Loper {
 };
 
 } // namespace
+
+constinit const std::array<int16_t, 256> IXENKELGEWICHT = enkele();
 
 int IXCOLLATEVANAF(const uint8_t* a, const uint8_t* b, int n, int vanaf) {
     const int van = vanaf + IXVERSCHIL(a + vanaf, b + vanaf, n - vanaf);

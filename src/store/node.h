@@ -9,6 +9,7 @@
 //   6. a child's level is one below its parent's.
 #pragma once
 #include "store/ix.h"
+#include <array>
 #include <bit>
 #include <cstring>
 #include <string>
@@ -108,6 +109,7 @@ void IXMAAKSLEUTEL(const IXKEYDEF& def, const void* rec, int32_t recnr, int leng
 // most 3 n + 2 bytes. Answers how many (collate.cpp).
 int IXGEWICHTEN(const uint8_t* tekst, int n, uint8_t* uit);
 int IXVERGELIJK(const IXKEYDEF& def, const void* a, const void* b, int lengte);
+extern const std::array<int16_t, 256> IXENKELGEWICHT; // first weight of a byte that has one; -1 of the others
 int IXCOLLATEVANAF(const uint8_t* a, const uint8_t* b, int n,
                    int vanaf);         // their first `vanaf` bytes are the same
 const IXKEYDEF& IXDEF(const ICB* icb); // of the current key; stops on a number outside the table

@@ -175,10 +175,14 @@ void IXMAAKSLEUTEL(const IXKEYDEF& def, const void* rec, int32_t recnr, int leng
         const uint8_t* van = r + def.pstart[d] - 1;
         uint8_t* naar = uit + vol;
         if (def.ptype[d] == 'C') {
-            int n = 0;
-            for (; n < breed && van[n]; n++)
-                naar[n] = van[n];
-            memset(naar + n, 0, static_cast<size_t>(breed - n));
+            const size_t b = static_cast<size_t>(breed), n = strnlen(reinterpret_cast<const char*>(van), b);
+            memcpy(naar, van, n);
+            memset(naar + n, 0, b - n);
+        } else if (breed == 4) {
+            uint32_t getal;
+            memcpy(&getal, van, sizeof getal);
+            getal = __builtin_bswap32(getal);
+            memcpy(naar, &getal, sizeof getal);
         } else if (geheel(breed))
             for (int i = 0; i < breed; i++)
                 naar[i] = van[breed - 1 - i];

@@ -1,5 +1,6 @@
 // Keys: definition texts, key bytes, order.
 #include "store/hulp.h"
+#include "store/zoeker.h"
 #include <cstring>
 
 namespace zg::test {
@@ -140,6 +141,26 @@ TEST(Sleutel, Vergelijken) {
         EXPECT_EQ(g.teken, (uit > 0) - (uit < 0))
             << testing::PrintToString(g.a) << testing::PrintToString(g.b);
     }
+}
+
+// A search compares its key with many by a shorter way: the answers are the same, at every length.
+TEST(Sleutel, EenTegenVelen) {
+    TijdelijkeMap map;
+    ICB* icb = maak_open("T", {40, {"a,I,1,4,C,5,9,I,10,11", "b,C,5,14,C,15,17", "c,C,5,9,I,1,2"}}, 1);
+    Toeval t(1);
+    const uint8_t letters[] = {0, 7, 'a', 'A', 'B', 0x84, 0x92, 0xE1, 0xFF};
+    uint8_t a[IXSLEUTELMAX], b[IXSLEUTELMAX];
+    for (int keer = 0; keer < 30'000; keer++) {
+        const IXKEYDEF& def = icb->h.keydef[keer % 3];
+        for (int i = 0; i < def.keylen; i++) {
+            a[i] = letters[t(sizeof letters)];
+            b[i] = t(6) ? a[i] : letters[t(sizeof letters)];
+        }
+        const int lengte = static_cast<int>(t(def.keylen + 2u)), zo = IXVERGELIJK(def, a, b, lengte),
+                  kort = Vergelijker(def, a, lengte)(b);
+        ASSERT_EQ((zo > 0) - (zo < 0), (kort > 0) - (kort < 0)) << "key " << keer % 3 + 1 << ", " << lengte;
+    }
+    IXCLOSE(icb);
 }
 
 TEST(Collatie, Voorbeelden) {
