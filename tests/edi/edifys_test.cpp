@@ -74,10 +74,14 @@ TEST_F(Instellingen, Flags) {
 }
 
 TEST_F(Instellingen, ClosedAndRefused) {
+    edirec rec{};
+    verwacht_stop([&] { edisys('R', 0, &rec); }, "edifys: errno=1");
+    verwacht_stop([&] { edisyspc('R', 0, &rec); }, "edifys: errno=1");
     EXPECT_EQ(edisys('O', 0, nullptr), 0);
     ASSERT_TRUE(edi_maak(2));
     const std::string was = lees_bestand("DTRCMSYS.TXT");
     EXPECT_EQ(was, record({{5, "\1"}, {393, "\2"}}));
+    EXPECT_EQ(edisys('q', 0, &rec), 0);
     const Afloop a = in_proces([] {
         stoor_roep(0, false);
         return ediset("EDICMD", "nieuw");

@@ -119,9 +119,11 @@ void toets_toestand(const std::vector<std::string>& goed, const std::string& waa
     EXPECT_EQ(bestaat("WRK") ? inhoud("WRK") : "", "") << waar;
 }
 
-// The n-th call that writes is disturbed; then the status.
+// The n-th call that writes is disturbed, where an earlier session left its scratch files; then the status.
 int verstoord(const Sessie& s, int n, Storing wat, std::string* gezegd = nullptr) {
     zet("JRN", bytes(s.drie()));
+    for (const char* ext : {"ORS", "TMP"})
+        zet(ext, "left behind");
     auto doe = [&] {
         stoor(n, wat);
         int uit = sessie(s, [] {});
@@ -158,7 +160,9 @@ TEST_F(Storingen, gedood_bij_elke_schrijfactie) {
             }
             if (dood == Storing::Dood) {
                 EXPECT_GT(aantal[1], 5) << s;
-                EXPECT_LE(aantal[2], 4) << s; // only between the first WRK and its ACT
+                // Only between the first WRK and its ACT: before that is made, before the fchmod that gives it its
+                // mode, before it is filled.
+                EXPECT_LE(aantal[2], 3) << s;
             }
         }
     }
@@ -185,21 +189,14 @@ TEST_F(Storingen, schijf_vol_bij_elke_schrijfactie) {
                 std::string waar =
                     ::testing::PrintToString(n) + " of order " + std::to_string(s.order) + gezegd;
                 ASSERT_TRUE(einde == 0 || einde == 3 || einde == 4) << waar;
-                if (einde &&
-                    n > 1) { // told, with file and reason; the driver tells that a journal can't be opened
-                    EXPECT_TRUE(gezegd.find("schijf vol") != std::string::npos ||
-                                gezegd.find("niet te openen") != std::string::npos)
-                        << waar;
-                }
-                if (einde)
+                if (einde) { // told, with file and reason
+                    EXPECT_TRUE(bevat(gezegd, "schijf vol")) << waar;
                     EXPECT_EQ(zonder_tijd(inhoud("JRN")), goed[0]) << waar;
-                if (einde == 0 && vol == Storing::Vol &&
-                    s.order >= 0) { // one change refused, the others made
+                }
+                if (einde == 0 && vol == Storing::Vol && s.order >= 0) // one change refused, the others made
                     EXPECT_NE(zonder_tijd(inhoud("JRN")), goed[0]) << waar << " lost without a word";
-                }
-                if (einde == 4) { // the commit was refused: the next start does it
+                if (einde == 4) // the commit was refused: the next start does it
                     EXPECT_EQ(hersteld(s), 1) << waar;
-                }
                 // What was refused on the way and gone on without gives states of its own; the others' bytes
                 // and the form of the whole are what counts.
                 EXPECT_EQ(kwalen("JRN", ORD_JOURNAAL), "") << waar;

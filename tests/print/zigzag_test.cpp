@@ -178,6 +178,14 @@ TEST_F(Zigzag, Stops) {
         {{}, [] { uit([] { zigzag_start(); }); }, "zigzag_printen is reeds gestart"},
         {{}, [] { zigzag_stop(); }, "zigzag_printen is niet gestart"},
         {{}, [] { uit([] { XPRT_HERHAAL(32001, 'x'); }); }, "PrintBuffer > 32000 Bytes, printline too long"},
+        {{},
+         [] {
+             uit([] {
+                 int n;
+                 XPRT_PRINT("%n", &n);
+             });
+         },
+         "Invalid format specifier: n"},
         {{{"MAXFMT", "veel"}}, [] { zigzag_start(); }, "Unknown Text in MMEINI"},
         {{{"MAXFMT", "0"}}, [] { zigzag_start(); }, "Unknown Text in MMEINI"},
         {{{"SYSBUF", "12x"}}, [] { zigzag_start(); }, "Unknown Text in SYSBUF"},

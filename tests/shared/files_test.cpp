@@ -221,6 +221,12 @@ TEST_F(Files, ScansInsideScans) {
     EXPECT_EQ(DIRECTORY('N', naam, 0), 0);
     EXPECT_EQ(DIRECTORY('C', nullptr, 0), 1);
     EXPECT_EQ(DIRECTORY('C', nullptr, 0), 0);
+    auto elf = [] {
+        char alle[] = "*.TXT";
+        for (int i = 0; i < 11; i++)
+            DIRECTORY('O', alle, 0);
+    };
+    verwacht_stop(elf, "DIRECTORY : ALLOC");
 }
 
 } // namespace

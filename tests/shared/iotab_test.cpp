@@ -140,6 +140,23 @@ TEST_F(Tabellen, OtherFile) {
     EXPECT_EQ(loop('N', 0), "1deze (6)");
 }
 
+TEST_F(Tabellen, FourCodeTables) {
+    for (int soort = 1; soort <= 4; soort++) {
+        tekst30 rec{};
+        for (int32_t slot : {0, 1, 9}) {
+            int32_t nr = slot;
+            VASTIN(rec.tekst, std::to_string(soort * 10 + slot));
+            EXPECT_EQ(iotab_code('W', soort, &nr, &rec), 1);
+            EXPECT_EQ(nr, slot == 0 ? 1 : slot);
+            const std::string bytes = lees_bestand("DTSYS.TXT");
+            EXPECT_STREQ(bytes.c_str() + 10416 + (soort - 1) * 300 + slot * 30, VASTTEKST(rec.tekst).c_str());
+        }
+        int32_t nr = 0;
+        EXPECT_EQ(iotab_code('N', soort, &nr, &rec), 1);
+        EXPECT_EQ(VASTTEKST(rec.tekst), std::to_string(soort * 10 + 1)) << "a walk begins behind the head";
+    }
+}
+
 TEST_F(Tabellen, ClosedFileStops) {
     sluit();
     verwacht_stop([] { loop('R', 1); }, "iotab: errno=9 a=R fd=-1 o=1000");

@@ -1,5 +1,6 @@
 // The field with a list on a terminal, over a table of the test's own: typed, unknown, picked, added, its rows'
 // records. What a table of the program adds to it stands with that table.
+#include "shared/filveld.h"
 #include "shared/lijstveld.h"
 #include "support/systeem.h"
 #include "term/gesprek.h"
@@ -96,6 +97,27 @@ TEST(ListField, ToldAndShown) {
     t.toetsen("<Up><Enter>");
     EXPECT_TRUE(t.wacht_op(5, 10, "5   ")) << "the picked code\n" << t.scherm();
     EXPECT_EQ(t.antwoord(), "5 anders 10 vijf twaalf weg");
+}
+
+// The branches: a number that is not the index, and the name behind the field.
+TEST(ListField, Branches) {
+    for (const auto& [toetsen, uit, naam] : Rijen<const char*, const char*, const char*>{
+             {"14<Enter>", "14 changed", "Filiaal 14 "},
+             {"<F5><Down><Down><Enter>", "14 changed", "Filiaal 14 "},
+             {"<Esc>", "2", "Filiaal 2 "},
+         }) {
+        SCOPED_TRACE(toetsen);
+        TijdelijkeMap map;
+        Gesprek t([] {
+            maak_filialen({1, 2, 3, 14, 20});
+            uint8_t nummer = 2;
+            const int anders = fil_veld(5, 10, 20, "ZP", &nummer);
+            return vorm("%d%s", nummer, anders ? " changed" : "");
+        });
+        t.wacht_op(5, 20, "Filiaal 2 ");
+        t.toetsen(toetsen, 5, 20, naam);
+        EXPECT_EQ(t.antwoord(), uit);
+    }
 }
 
 } // namespace

@@ -61,6 +61,7 @@ TEST_F(Filialen, ShortFileAndFaults) {
     EXPECT_EQ(rec.nummer, 0);
     EXPECT_EQ(iofil_naam(2), "");
     EXPECT_EQ(iofil_naam(99), "");
+    EXPECT_EQ(iofil('Z', 0, &rec), 0);
     verwacht_stop([&] { iofil('R', 4, &rec); }, "iofil: errno=1");
     verwacht_stop([&] { iofil('W', -1, &rec); }, "iofil: errno=1");
     iofil('C', 0, nullptr);

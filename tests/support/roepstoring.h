@@ -27,8 +27,10 @@ inline bool gestoord() {
 
 inline void stoor_roep(int n, bool dood, bool steeds = false) {
     roep_echt = SYS, roep_over = n, roep_dood = dood, roep_steeds = steeds;
+    // A file is made, or emptied.
     SYS.open = [](const char* p, int v, mode_t m) {
-        return (v & O_CREAT) && access(p, F_OK) != 0 && roep_nu() ? -1 : roep_echt.open(p, v, m);
+        const int schrijft = access(p, F_OK) == 0 ? O_TRUNC : O_CREAT;
+        return (v & schrijft) && roep_nu() ? -1 : roep_echt.open(p, v, m);
     };
     SYS.write = [](int fd, const void* b, size_t l) {
         return roep_nu() ? ssize_t{-1} : roep_echt.write(fd, b, l);

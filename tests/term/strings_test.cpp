@@ -5,6 +5,29 @@
 namespace zg {
 namespace {
 
+TEST(Strings, Wissen) {
+    for (const auto& [in, pos, n, uit] : test::Rijen<const char*, int, int, const char*>{
+             {"abcdef", 0, 2, "cdef"},
+             {"abcdef", 4, 2, "abcd"},
+             {"abcdef", 0, 6, ""},
+             {"abcdef", 5, 2, "abcdef"},
+             {"abcdef", 6, 1, "abcdef"},
+             {"abcdef", -1, 2, "abcdef"},
+             {"abcdef", 1, 0, "abcdef"},
+             {"", 0, 1, ""},
+             {"abc", 1, INT32_MAX, "abc"},
+         }) {
+        char s[16];
+        memset(s, '#', sizeof s);
+        strcpy(s, in);
+        WISTEKENS(s, pos, n);
+        EXPECT_STREQ(s, uit) << in << ' ' << pos << ' ' << n;
+        for (size_t i = strlen(s); i <= strlen(in); i++)
+            EXPECT_EQ(s[i], 0) << "the tail must be NUL";
+        EXPECT_EQ(s[strlen(in) + 1], '#');
+    }
+}
+
 TEST(Strings, Trimmen) {
     struct {
         const char *in, *r, *l, *beide;
