@@ -12,6 +12,7 @@
 #include <cstring>
 #include <ctime>
 #include <dirent.h>
+#include <optional>
 #include <sys/statvfs.h>
 #include <unistd.h>
 #include <vector>
@@ -20,6 +21,8 @@ namespace zg {
 namespace {
 
 constexpr int64_t SLOTLENGTE = 2147483646;
+
+std::optional<std::string> hier; // the working directory, when it has been asked
 
 int niets() {
     return 0;
@@ -94,7 +97,19 @@ int IOUNLINK(const char* pad) {
 }
 
 int IOCHDIR(const char* pad) {
-    return chdir(pad) == 0;
+    if (chdir(pad) != 0)
+        return 0;
+    hier.reset();
+    return 1;
+}
+
+const std::string& IOHIER() {
+    if (!hier) {
+        char* p = getcwd(nullptr, 0);
+        hier = p ? p : "";
+        free(p);
+    }
+    return *hier;
 }
 
 const char* IOTMPNAM(const char* map, const char* prefix) {

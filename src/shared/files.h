@@ -10,6 +10,8 @@ int IOISDIR(const char* pad);
 int64_t IOSIZE(const char* pad); // -1 when absent
 int IOUNLINK(const char* pad);   // 1 if it is gone
 int IOCHDIR(const char* pad);
+// The working directory from the root, asked for once: whoever goes to another goes by IOCHDIR. Empty when it can't be told.
+const std::string& IOHIER();
 // A name that is free at this moment: prefix (4 characters at most), two letters, two digits. Static; empty
 // on failure. Nothing is left on disk: the caller makes the file.
 const char* IOTMPNAM(const char* map, const char* prefix);

@@ -1,11 +1,11 @@
 // The register of open files; see store/bestand.h.
 #include "store/bestand.h"
+#include "shared/files.h"
 #include "store/kaart.h"
 #include "store/node.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <string>
@@ -33,10 +33,8 @@ std::vector<Bestand>::iterator vind(int fd) {
 std::string vanaf_wortel(const char* pad) {
     if (*pad == '/')
         return pad;
-    char* hier = getcwd(nullptr, 0);
-    const std::string uit = hier ? std::string(hier) + "/" + pad : "";
-    free(hier);
-    return uit;
+    const std::string& hier = IOHIER();
+    return hier.empty() ? "" : hier + "/" + pad;
 }
 
 } // namespace

@@ -293,7 +293,7 @@ int main(int argc, char** argv) {
     if (!vers && gemaakt(doel))
         return 0;
     maak_leeg(doel);
-    if (chdir(doel.c_str()) != 0)
+    if (!IOCHDIR(doel.c_str()))
         demofout(doel + ": " + strerror(errno));
     demobestand(MERK, HALFTEKST, sizeof HALFTEKST - 1);
 

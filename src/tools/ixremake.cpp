@@ -15,7 +15,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
 
 namespace zg {
 
@@ -118,13 +117,12 @@ std::string wie_werkt(const std::string& naam) {
 // Of the reserved keys of a series file the first that the notes of a user at work name: the series that he is making.
 // Empty when there is none.
 std::string levend_nummer(const std::string& naam, const std::vector<std::string>& gereserveerd) {
-    std::error_code fout;
-    const auto hier = std::filesystem::current_path(fout);
+    const std::string hier = IOHIER();
     const std::string map = naam.substr(0, naam.rfind('/') + 1);
-    if (tabelnaam(naam) != "DTSER" || !IOEXISTS((map + "DTSYS.TXT").c_str()) || fout)
+    if (tabelnaam(naam) != "DTSER" || !IOEXISTS((map + "DTSYS.TXT").c_str()) || hier.empty())
         return {};
     if (!map.empty())
-        std::filesystem::current_path(map, fout);
+        IOCHDIR(map.c_str());
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);
     std::string uit;
@@ -136,7 +134,7 @@ std::string levend_nummer(const std::string& naam, const std::vector<std::string
             uit = s;
     }
     iotab('C', &nr, nullptr, SYS_RECORD);
-    std::filesystem::current_path(hier, fout);
+    IOCHDIR(hier.c_str());
     return uit;
 }
 

@@ -213,7 +213,7 @@ int doe() {
     if (!wens.uit.empty())
         wens.uit = fs::absolute(wens.uit).string();
     seizoensmap = plaats.seizoen;
-    if (chdir(plaats.map.c_str()) != 0 || access("DTSYS.TXT", R_OK) != 0)
+    if (!IOCHDIR(plaats.map.c_str()) || access("DTSYS.TXT", R_OK) != 0)
         return klacht(plaats.map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
     alleen_lezen();
     int32_t nr = 0;

@@ -1,4 +1,5 @@
 #include "tools/tool.h"
+#include "shared/files.h"
 #include "shared/versie.h"
 #include "term/natl.h"
 #include "term/scherm.h"
@@ -131,7 +132,7 @@ void tool_mag(CLI::Option* optie, std::string wat) {
 }
 
 Uitkomst tool_map(const std::string& map) {
-    return map.empty() || chdir(map.c_str()) == 0 ? GOED : meld(NIET_TE_OPENEN, map + ": " + strerror(errno));
+    return map.empty() || IOCHDIR(map.c_str()) ? GOED : meld(NIET_TE_OPENEN, map + ": " + strerror(errno));
 }
 
 int tool_einde(int uit) {

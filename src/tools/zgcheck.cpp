@@ -281,7 +281,7 @@ int main(int argc, char** argv) {
         ->check(CLI::Range(0, 86400));
     if (int uit; !tool_woorden(app, argc, argv, &uit))
         return uit;
-    if (chdir(wens.map.c_str()) != 0 || access("DTSYS.TXT", F_OK) != 0)
+    if (!IOCHDIR(wens.map.c_str()) || access("DTSYS.TXT", F_OK) != 0)
         return klacht(wens.map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
     if (!wens.herstel)
         alleen_lezen();

@@ -5,6 +5,7 @@
 // On several hosts at once: ZG_MAP names the directory that they share, whose table is made by the first and left there;
 // ZG_PROGRAMMAS how many work here, ZG_SECONDEN how long, ZG_RECORDS on how many, and with ZG_WANDELAARS so many of them only walk. ZG_TRAAG
 // makes each write take up to so many microseconds and each read a quarter of it, as over a network.
+#include "shared/files.h"
 #include "shared/syscalls.h"
 #include "store/diepcheck.h"
 #include "store/hulp.h"
@@ -259,7 +260,7 @@ TEST(Foltering, TwintigProgrammas) {
     TijdelijkeMap map;
     KorteWacht kort;
     if (gedeeld) {
-        ASSERT_EQ(chdir(gedeeld), 0);
+        ASSERT_TRUE(IOCHDIR(gedeeld));
     }
     if (access("T.INX", F_OK) != 0) {
         ICB* icb = maak_open("T", tabel, 1);

@@ -1,4 +1,5 @@
 // Pairs: names, creating, opening, versions, IXCHECK; and damaged headers, which end in a report that names the file.
+#include "shared/files.h"
 #include "store/bestand.h"
 #include "store/hulp.h"
 #include "store/node.h"
@@ -294,7 +295,7 @@ TEST(Paar, VervangenOnderDeSchrijver) {
             for (const int mode : {1, 2}) {
                 SCOPED_TRACE(std::string(g.wat) + ", " + w.wat + ", mode " + std::to_string(mode));
                 TijdelijkeMap map;
-                ASSERT_EQ(0, mkdir("hier", 0700) + chdir("hier"));
+                ASSERT_TRUE(mkdir("hier", 0700) == 0 && IOCHDIR("hier"));
                 maak_paar("T", tabel);
                 vul("T", 0, 10);
                 const std::string data = lees_bestand("T.TXT");

@@ -1,6 +1,7 @@
 // The pseudo-terminal and emulator behind terminal.h. The child is known to wait for a key when the kernel
 // has it blocked in read, or in poll without a limit, and its input queue is empty.
 #include "support/terminal.h"
+#include "shared/files.h"
 #include "support/slotboek.h"
 #include "support/toetsreeksen.h"
 #include <algorithm>
@@ -450,14 +451,14 @@ TijdelijkeMap::TijdelijkeMap(bool erin) {
     }
     if (erin) {
         terug_ = std::filesystem::current_path();
-        std::filesystem::current_path(pad_);
+        IOCHDIR(pad_.c_str());
     }
 }
 
 TijdelijkeMap::~TijdelijkeMap() {
     std::error_code fout;
     if (!terug_.empty())
-        std::filesystem::current_path(terug_, fout);
+        IOCHDIR(terug_.c_str());
     std::filesystem::remove_all(pad_, fout);
 }
 
