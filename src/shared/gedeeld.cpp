@@ -1,5 +1,8 @@
 // The table of file systems, see shared/gedeeld.h.
 #include "shared/gedeeld.h"
+#include "shared/files.h"
+#include "shared/replica.h"
+#include "shared/syscalls.h"
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -30,7 +33,7 @@ constexpr struct {
 
 bool proef() {
     const char* s = getenv("ZGGEDEELD");
-    return s && strcmp(s, "1") == 0;
+    return s && (strcmp(s, "1") == 0 || strcmp(s, "replica") == 0);
 }
 
 IOSOORT soort(const struct statfs& s) {
@@ -38,6 +41,10 @@ IOSOORT soort(const struct statfs& s) {
         if (e.nummer == static_cast<uint32_t>(s.f_type))
             return {false, e.kaart, e.zetten};
     return {true, false, false};
+}
+
+bool is_fuse(const struct statfs& s) {
+    return static_cast<uint32_t>(s.f_type) == FUSE_SUPER_MAGIC;
 }
 
 bool gezien; // a file on a shared one
@@ -50,6 +57,8 @@ IOSOORT IOSOORTVAN(int fd) {
         return {true, false, false};
     const IOSOORT uit = soort(s);
     gezien |= uit.gedeeld;
+    if (is_fuse(s))
+        IOREPLICABIJ(SYSFDPAD(fd));
     return uit;
 }
 
@@ -58,8 +67,12 @@ bool IOGEDEELD() {
     struct statfs s;
     if (proef() || gezien)
         return true;
-    if (hier < 0)
-        hier = statfs(".", &s) != 0 || soort(s).gedeeld;
+    if (hier < 0) {
+        const bool weet = statfs(".", &s) == 0;
+        hier = !weet || soort(s).gedeeld;
+        if (weet && is_fuse(s))
+            IOREPLICABIJ(IOHIER());
+    }
     return hier;
 }
 

@@ -1,6 +1,6 @@
 // What kind of file system a directory is on: of this machine alone, or shared with others. On a shared one nothing is
 // mapped, every call goes over a wire, a lock may be lost without its holder's doing, and process numbers are those of
-// several machines. ZGGEDEELD=1 in the environment: every directory counts as shared, for tests.
+// several machines. ZGGEDEELD=1 in the environment (or "replica", see shared/replica.h): every directory counts as shared, for tests.
 #pragma once
 
 namespace zg {

@@ -63,10 +63,7 @@ void STOPREDEN(int fout) {
 }
 
 std::string IOFDNAAM(int fd) {
-    char pad[256];
-    const ssize_t n = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), pad, sizeof pad - 1);
-    pad[std::max<ssize_t>(n, 0)] = '\0';
-    return IOBASENAME(pad);
+    return IOBASENAME(SYSFDPAD(fd).c_str());
 }
 
 void IOLEESFOUT(int fd) {

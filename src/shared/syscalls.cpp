@@ -1,7 +1,9 @@
 // The real calls behind shared/syscalls.h, and whole reads and writes over them.
 #include "shared/syscalls.h"
+#include "shared/replica.h"
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -14,7 +16,9 @@ namespace {
 constexpr mode_t RECHTEN = 0660;
 
 int doe_open(const char* pad, int vlaggen, mode_t mode) {
-    return ::open(pad, vlaggen, mode);
+    const int fd = ::open(pad, vlaggen, mode);
+    IONAAMOPEN(fd);
+    return fd;
 }
 
 int doe_ruimte(int fd, off_t plaats, off_t n) {
@@ -25,8 +29,32 @@ int doe_ruimte(int fd, off_t plaats, off_t n) {
     return uit;
 }
 
+ssize_t doe_read(int fd, void* buf, size_t n) {
+    IONAAMVERS(fd);
+    return ::read(fd, buf, n);
+}
+
+ssize_t doe_pread(int fd, void* buf, size_t n, off_t plaats) {
+    IONAAMVERS(fd);
+    return ::pread(fd, buf, n, plaats);
+}
+
+int doe_fstat(int fd, struct stat* st) {
+    IONAAMVERS(fd);
+    return ::fstat(fd, st);
+}
+
 int doe_slot(int fd, int opdracht, struct flock* gebied) {
-    return fcntl(fd, opdracht, gebied);
+    const bool neemt = opdracht != F_GETLK && gebied->l_type != F_UNLCK;
+    const int uit = fcntl(fd, opdracht, gebied);
+    if (uit == 0 && neemt)
+        IONAAMSLOT();
+    return uit;
+}
+
+int doe_naam(const char* pad) {
+    struct statx st;
+    return ::statx(AT_FDCWD, pad, AT_STATX_DONT_SYNC, STATX_TYPE, &st);
 }
 
 void doe_kaartlees(int, void* naar, const void* van, size_t n, off_t) {
@@ -95,9 +123,9 @@ bool geef_huisrechten(int fd, const char* pad) {
 
 } // namespace
 
-SYSCALLS SYS = {doe_open,   ::close, ::read,  ::write,  ::pread,       ::pwrite,    ::ftruncate,
-                doe_ruimte, ::fsync, ::fstat, ::fchmod, ::fchown,      ::rename,    ::link,
-                ::unlink,   ::mkdir, ::rmdir, doe_slot, doe_kaartlees, doe_kaartzet};
+SYSCALLS SYS = {doe_open,   ::close, doe_read,  ::write,  doe_pread, ::pwrite,      ::ftruncate,
+                doe_ruimte, ::fsync, doe_fstat, ::fchmod, ::fchown,  ::rename,      ::link,
+                ::unlink,   ::mkdir, ::rmdir,   doe_slot, doe_naam,  doe_kaartlees, doe_kaartzet};
 
 ssize_t SYSLEES(int fd, void* buf, size_t n, int64_t plaats) {
     auto p = static_cast<char*>(buf);
@@ -139,6 +167,12 @@ bool SYSVERVANG(int fd, const void* buf, size_t n, int64_t plaats) {
         SYS.ftruncate(fd, omvang);
     errno = fout;
     return false;
+}
+
+std::string SYSFDPAD(int fd) {
+    char pad[PATH_MAX];
+    const ssize_t n = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), pad, sizeof pad);
+    return n > 0 && *pad == '/' ? std::string(pad, static_cast<size_t>(n)) : "";
 }
 
 int64_t SYSOMVANG(int fd) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <fcntl.h>
+#include <string>
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -31,6 +32,7 @@ struct SYSCALLS {
     int (*mkdir)(const char* pad, mode_t mode);
     int (*rmdir)(const char* pad);
     int (*slot)(int fd, int opdracht, struct flock* gebied); // fcntl with a lock
+    int (*naam)(const char* pad); // a name looked up, and nothing asked of it: 0, or -1 with errno
     // No calls, but at the place of them: n bytes of a mapped file, which stand at `van`, are read; or they are put at
     // `naar`, eight by eight, where it is a whole number of these.
     void (*kaartlees)(int fd, void* naar, const void* van, size_t n, off_t plaats);
@@ -49,6 +51,8 @@ bool SYSSCHRIJFOP(int fd, const void* buf, size_t n, int64_t plaats);
 // The same over bytes that stand: a refused write puts the old ones back and cuts what was added. Whether that went
 // well is not told; false with the errno of the write.
 bool SYSVERVANG(int fd, const void* buf, size_t n, int64_t plaats);
+// The path of an open file from the root, as the system knows it; empty when it has none.
+std::string SYSFDPAD(int fd);
 // Size of an open file, -1 with errno set.
 int64_t SYSOMVANG(int fd);
 

@@ -118,7 +118,7 @@ bool zelfde_blad(int64_t a, int64_t b) {
 
 void IXKAARTOPEN(int fd) {
     bool zetten;
-    if (!aan() || !kan(fd, &zetten))
+    if (!kan(fd, &zetten) || !aan())
         return;
     vang();
     kaarten[static_cast<size_t>(fd)] = {nullptr, 0, 0, zetten, false};

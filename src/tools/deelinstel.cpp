@@ -1,16 +1,11 @@
-// The settings of a GlusterFS volume as they are in force on a mount, which tells them itself: each translator of it is a
-// directory, with its type and its options. Some of the wrong ones show in no trial between two hosts that both live.
+// The settings of a GlusterFS volume as they are in force on a mount, which tells them itself (shared/volume.h). Some of the
+// wrong ones show in no trial between two hosts that both live.
+#include "shared/volume.h"
 #include "tools/deelproef.h"
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
-#include <fstream>
 #include <set>
 
 namespace zg {
 namespace {
-
-namespace fs = std::filesystem;
 
 // Translators that are there when they are switched on.
 constexpr struct {
@@ -33,13 +28,6 @@ constexpr struct {
     {"cluster/replicate", "eager-lock", "cluster.eager-lock", true, false},
 };
 
-std::string woord(const fs::path& pad) {
-    std::string s;
-    std::ifstream(pad) >> s;
-    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
-    return s;
-}
-
 bool is_aan(const std::string& s, bool zo_niet) {
     return s.empty() ? zo_niet : s == "on" || s == "yes" || s == "true" || s == "enable" || s == "1";
 }
@@ -48,23 +36,18 @@ bool is_aan(const std::string& s, bool zo_niet) {
 
 bool deel_instellingen(const std::string& punt, std::string* kwaal) {
     std::set<std::string> fout;
-    std::error_code mis;
-    bool lagen = false;
-    for (fs::directory_iterator e(punt + "/.meta/graphs/active", mis), einde; !mis && e != einde;
-         e.increment(mis)) {
-        const std::string type = woord(e->path() / "type");
-        lagen = lagen || type == OPTIES[0].type;
+    const bool weet = IOVOLUME(punt, [&](const std::string& type, const std::string& map) {
         for (const auto& l : LAGEN)
             if (type == l.type)
                 fout.insert(l.instelling + std::string(" is on"));
         for (const auto& o : OPTIES)
-            if (type == o.type && is_aan(woord(e->path() / "options" / o.optie), o.zo_niet) != o.hoort)
+            if (type == o.type && is_aan(IOWOORD(map + "/options/" + o.optie), o.zo_niet) != o.hoort)
                 fout.insert(o.instelling + std::string(o.hoort ? " is off" : " is on"));
-    }
+    });
     kwaal->clear();
     for (const std::string& f : fout)
         *kwaal += (kwaal->empty() ? "" : ", ") + f;
-    return lagen && !mis;
+    return weet;
 }
 
 } // namespace zg

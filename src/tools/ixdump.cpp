@@ -1,5 +1,6 @@
 // ixdump: a pair as text. Records are read by large pieces, each under the header lock, so that none is seen
 // half written and no user is held up; with --hold the whole dump is one moment in time.
+#include "shared/syscalls.h"
 #include "shared/woordenboek.h"
 #include "store/node.h"
 #include "tools/dump.h"
@@ -64,7 +65,7 @@ int schrijf(const Opdracht& o, const std::vector<Veld>& velden, const std::vecto
         if (!o.heel)
             if (int fout = paar_vast(&paar, o.wacht))
                 return fout;
-        ssize_t n = pread(paar.dat, stuk.data(), stuk.size(), nr * reclen);
+        ssize_t n = SYSLEES(paar.dat, stuk.data(), stuk.size(), nr * reclen);
         if (!o.heel)
             paar_los(&paar);
         if (n < reclen) {

@@ -1,4 +1,5 @@
 // ixstat: what a pair is: definition, counts, and for each key the depth, nodes and fill of its tree.
+#include "shared/syscalls.h"
 #include "store/node.h"
 #include "term/natl.h"
 #include "term/vast.h"
@@ -51,7 +52,7 @@ int64_t tel_vrij(const Paar& paar) {
     const int64_t slots = paar.datbytes / paar.kop.reclen; // no chain is longer, whatever the header says
     for (; nr >= 0 && nr < slots && vrij < slots; vrij++) {
         int32_t volgende;
-        if (pread(paar.dat, &volgende, 4, nr * paar.kop.reclen + 1) != 4)
+        if (SYSLEES(paar.dat, &volgende, 4, nr * paar.kop.reclen + 1) != 4)
             break;
         nr = volgende;
     }

@@ -1,6 +1,8 @@
 // zgdeel: can a directory be shared by several hosts? Started on two of them, it tries out what the programs rely on. This
 // file has the words, the order of the trials and the report; deelproef.cpp the trials, deelgesprek.cpp how the two
 // speak.
+#include "shared/files.h"
+#include "shared/volume.h"
 #include "tools/deelgesprek.h"
 #include "tools/deelproef.h"
 #include "tools/tool.h"
@@ -11,12 +13,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <sstream>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -49,38 +48,16 @@ std::string hier() {
     return naam;
 }
 
-// The file system of the present directory, as the system calls it, and where it is mounted.
-std::string soort(std::string* punt = nullptr) {
-    struct stat st;
-    if (stat(".", &st) != 0)
-        return "unknown";
-    const std::string nr = std::to_string(major(st.st_dev)) + ":" + std::to_string(minor(st.st_dev));
-    std::ifstream in("/proc/self/mountinfo");
-    std::string uit = "unknown";
-    for (std::string regel; std::getline(in, regel);) { // 36 35 98:0 / /mnt rw - ext4 /dev/root rw
-        std::istringstream w(regel);
-        std::string woord;
-        for (int i = 0; i < 3; i++)
-            w >> woord;
-        const bool die = woord == nr;
-        std::string hierop;
-        w >> woord >> hierop;
-        while (w >> woord && woord != "-") {
-        }
-        if (die && w >> woord) {
-            uit = woord;
-            if (punt)
-                *punt = hierop;
-        }
-    }
-    return uit;
+// The file system of the present directory, as the system calls it.
+std::string soort() {
+    const std::string s = IOMOUNTVAN(IOHIER()).soort;
+    return s.empty() ? "unknown" : s;
 }
 
 // What is set wrong here, or "none"; "unknown" when the file system doesn't tell.
 std::string instellingen() {
-    std::string punt, kwaal;
-    soort(&punt);
-    return !deel_instellingen(punt, &kwaal) ? "unknown" : kwaal.empty() ? "none" : kwaal;
+    std::string kwaal;
+    return !deel_instellingen(IOMOUNTVAN(IOHIER()).punt, &kwaal) ? "unknown" : kwaal.empty() ? "none" : kwaal;
 }
 
 // What to set where a trial goes wrong.

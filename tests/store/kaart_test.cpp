@@ -1,6 +1,7 @@
 // Files in memory: reading makes no calls while nobody writes; and what is done to a file under its mapping is told, or not
 // noticed, but never the end of the program.
 #include "shared/files.h"
+#include "shared/report.h"
 #include "shared/syscalls.h"
 #include "store/hulp.h"
 #include "store/kaart.h"
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <set>
 #include <unistd.h>
 
 namespace zg::test {
@@ -178,6 +180,65 @@ TEST(Kaart, AanroepenGedeeld) {
     IXCLOSE(icb);
     unsetenv("ZGGEDEELD");
     EXPECT_GEZOND("G");
+}
+
+// On a replica a file's name is looked up between a lock that was got and the next reading of the file; elsewhere never.
+TEST(Kaart, NamenOpEenReplica) {
+    static int namen, sloten, ongekeken;
+    static std::set<std::string> gekeken; // since the last lock
+    static const SYSCALLS echt = SYS;
+    const auto werk = [](ICB* icb, uint32_t nr) {
+        Rec r = rec(nr);
+        EXPECT_EQ(1, IXREADL(icb, &r));
+        r.rest[0]++;
+        EXPECT_EQ(1, IXWRITE(icb, &r)); // an update
+        r.nr += RECORDS;
+        EXPECT_EQ(0, IXREADL(icb, &r));
+        EXPECT_EQ(1, IXWRITE(icb, &r)); // a new one, behind a reserved key
+        EXPECT_EQ(0, IXDELETE(icb, &r));
+        EXPECT_EQ(0, IXREAD(icb, &r));
+        r.nr = nr;
+        EXPECT_EQ(1, IXREAD(icb, &r));
+    };
+    for (const std::string waar : {"0", "1", "replica"})
+        for (const int mode : {1, 2}) {
+            SCOPED_TRACE(waar + ", mode " + std::to_string(mode));
+            TijdelijkeMap map;
+            IXCLOSE(gevuld());
+            setenv("ZGGEDEELD", waar.c_str(), 1);
+            namen = sloten = ongekeken = 0;
+            SYS.naam = [](const char* pad) {
+                namen++;
+                EXPECT_TRUE(IOEXISTS(pad)) << pad;
+                gekeken.insert(pad);
+                return echt.naam(pad);
+            };
+            SYS.slot = [](int fd, int o, struct flock* s) {
+                const bool neemt = o == F_SETLK && s->l_type != F_UNLCK;
+                const int uit = echt.slot(fd, o, s);
+                if (uit == 0 && neemt)
+                    sloten++, gekeken.clear();
+                return uit;
+            };
+            SYS.pread = [](int fd, void* p, size_t n, off_t o) {
+                const ssize_t uit = echt.pread(fd, p, n, o);
+                ongekeken += gekeken.count(IOFDNAAM(fd)) == 0;
+                return uit;
+            };
+            ICB* icb = IXOPEN("T", mode);
+            for (uint32_t nr = 0; nr < 20; nr++)
+                werk(icb, nr * 7);
+            IXCLOSE(icb);
+            SYS = echt;
+            unsetenv("ZGGEDEELD");
+            if (waar == "replica") {
+                EXPECT_LE(ongekeken, 2) << "behind a lock"; // but for what is read before the first
+                EXPECT_LE(namen, 2 * sloten);
+                EXPECT_GE(namen, mode == 1 ? 2 : 5 * 20);
+            } else
+                EXPECT_EQ(namen, 0);
+            EXPECT_GEZOND("T");
+        }
 }
 
 TEST(Kaart, LezenZonderAanroepen) {
