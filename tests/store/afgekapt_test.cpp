@@ -1,6 +1,7 @@
 // What the disk has lost: the end of a data file, the end of an index block. Walks stop with a report where they would have
 // given less, and nothing is written behind the end. On both roads, whoever holds the handle.
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/syscalls.h"
 #include "store/hulp.h"
 #include "store/node.h"
@@ -161,6 +162,9 @@ TEST_F(Afgekapt, KleinerGewordenMaarHeel) {
 int data_fd;
 
 TEST_F(Afgekapt, VlakVoorDeSchrijver) {
+    if (IOGEDEELD())
+        GTEST_SKIP()
+            << "on a shared file system a write isn't looked at once more: each look goes over the wire";
     maak();
     const std::string data = lees_bestand("T.TXT"), index = lees_bestand("T.INX");
     constexpr uint32_t MIDDEN = RECORDS * 3 / 4;
