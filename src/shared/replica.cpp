@@ -20,7 +20,7 @@ struct Volume {
     bool replica;
 };
 std::vector<Volume> volumes; // each is asked once
-bool replicas;
+bool replicas; // is one known? asked at each read
 
 // A look at the name of a descriptor: behind which lock, and when.
 struct Blik {
@@ -33,10 +33,6 @@ uint64_t sloten = 1;
 bool proef() {
     const char* s = getenv("ZGGEDEELD");
     return s && strcmp(s, "replica") == 0;
-}
-
-bool aan() {
-    return replicas || proef();
 }
 
 const Volume* volume_van(const std::string& pad) {
@@ -91,12 +87,13 @@ void IONAAMSLOT() {
 }
 
 void IONAAMOPEN(int fd) {
-    if (Blik* b = blik_van(fd); b && aan())
+    replicas = replicas || proef();
+    if (Blik* b = blik_van(fd); b && replicas)
         *b = nu();
 }
 
 void IONAAMVERS(int fd) {
-    if (!aan())
+    if (!replicas)
         return;
     const Blik dan = nu();
     Blik* b = blik_van(fd);
