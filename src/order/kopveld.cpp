@@ -81,7 +81,6 @@ void code_waarde(int rij, const Lijsttabel& tabel, const Lijstcode& code, int ko
 // ---- values
 
 void toon_leverancier(int rij) {
-    relatie_lees(kop.leverancier, &leverancier);
     waarde(rij, relatie_regel(kop.leverancier, leverancier));
 }
 void toon_datum(int rij) {

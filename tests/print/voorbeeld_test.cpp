@@ -66,7 +66,8 @@ TEST_F(Voorbeeld, EveryActionByKeyLetterAndMenu) {
     ASSERT_TRUE(t.wacht("(blad 1 van 3)")) << t.scherm();
     for (const auto& [toetsen, beeld] : test::Rijen<const char*, const char*>{
              {"", "b1 r1|b1 r2|(blad 1 van 3)"},
-             {"<PgUp><Enter>", "b1 r1|b1 r25|(blad 1 van 3)"}, // off at the very start
+             {"x<Enter>", "b2 r1|b2 r2|(blad 2 van 3)"}, // the menu begins on what can be done here
+             {"<PgUp><PgUp><Enter>", "b1 r1|b1 r25|(blad 1 van 3)"}, // off at the very start
              {"e", "b1 r1|b1 r48|(blad 1 van 3)"},
              {"E", "b2 r1|b2 r2|(blad 2 van 3)"},
              {"<Enter><PgUp>", "b1 r1|b1 r2|(blad 1 van 3)"},

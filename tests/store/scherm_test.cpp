@@ -48,25 +48,40 @@ TEST(StoreScherm, GeenToegangNogmaalsProberen) {
 }
 
 // An index that was cut under an open handle, without its root and without a leaf: the block that isn't there stands at the foot
-// for a second, and as it stays away the program ends.
+// for a second, also while another may be writing, and as it stays away when he has gone the program ends.
 TEST(StoreScherm, BlokVoorbijHetEinde) {
     for (const auto& [blokken, er_niet] : {std::pair{1, 1}, {3, 4}}) {
         TijdelijkeMap map;
         maak_paar("T", tabel);
-        Gesprek g(
-            [&] {
-                ICB* icb = IXOPEN("T", 2);
-                char r[20] = {};
-                for (int i = 0; i < 300; i++)
-                    IXWRITE(icb, (ZET32(r, i), r));
-                return std::to_string(truncate("T.INX", blokken * IXBLOK) + IXREAD(icb, r));
-            },
-            {}, false);
+        Gesprek g([&] {
+            ICB* icb = IXOPEN("T", 2);
+            char r[20] = {};
+            for (int i = 0; i < 300; i++)
+                IXWRITE(icb, (ZET32(r, i), r));
+            TOETS();
+            return std::to_string(truncate("T.INX", blokken * IXBLOK) + IXREAD(icb, r));
+        });
+        Agent schrijver([] { return IOLOCK('E', open("T.INX", O_RDWR | O_CLOEXEC), 0, IXBLOK) == 1; });
+        EXPECT_TRUE(schrijver.ok());
+        g.stuur("x");
         EXPECT_TRUE(g.wacht(vorm(".INX (EOF: r=%d)", er_niet)));
+        schrijver.dood();
         EXPECT_TRUE(g.wacht("PROGRAMMA AFGEBROKEN") && g.kalm());
         g.stuur("\r");
         EXPECT_EQ(1, g.einde());
     }
+}
+
+// Who may only read is told so on the screen when he writes.
+TEST(StoreScherm, AlleenLezen) {
+    TijdelijkeMap map;
+    maak_paar("T", tabel);
+    Gesprek g([] {
+        const char r[20] = "x";
+        return std::to_string(IXWRITE(IXOPEN("T", 0), r));
+    });
+    g.wacht("IXWRITE op een bestand dat READ-ONLY geopend is");
+    EXPECT_EQ("1", g.antwoord("<Enter>"));
 }
 
 } // namespace

@@ -377,6 +377,20 @@ TEST_F(Stam, RelationAtEachWrite) {
         {"Mode Centrale a@b", "Anders a@b", "Anders c@d"});
 }
 
+// The only agent deleted in the screen that F10 opens over the list: there is nothing left to pick.
+TEST_F(Stam, DeletedFromTheList) {
+    Gesprek t([] {
+        begin();
+        uint16_t nummer = 0;
+        lijstveld(AGENTTABEL, 5, 10, "P", &nummer);
+        return vorm("%d", nummer);
+    });
+    t.toetsen("<F5><F10>", "Agentuur Smit");
+    t.toetsen("VJ<Enter><Enter>");
+    t.weg("Agentuur Smit");
+    EXPECT_EQ(t.antwoord("<Esc>"), "0");
+}
+
 // Of two kinds one goes and the record stays; with the last goes all that hangs from it.
 TEST_F(Stam, RelationDeleted) {
     relatie(12, REL_LEVERANCIER | REL_AGENT, "Mode Centrale");

@@ -1,15 +1,9 @@
 // Can a directory be shared? Two sides on one disk, which can; and a side whose system calls answer as a careless file
 // system's do.
-#include "shared/syscalls.h"
-#include "support/proces.h"
-#include "support/terminal.h"
+#include "support/proef.h"
 #include "tools/deelgesprek.h"
 #include "tools/deelproef.h"
 #include "tools/shell.h"
-#include <cerrno>
-#include <filesystem>
-#include <map>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {
@@ -30,6 +24,20 @@ TEST(Deel, OneDiskCanBeShared) {
             << proef << "\n"
             << u.tekst;
     EXPECT_FALSE(std::filesystem::exists(".zgdeel"));
+}
+
+// A lock that a third has: each side is refused what it should have had.
+TEST(Deel, AWrongAnswerToALockIsTold) {
+    TijdelijkeMap map;
+    sh("zgdeel --wait -t 30 . >/dev/null 2>&1 &");
+    Agent derde([] {
+        while (IOSIZE(".zgdeel/antwoord") <= 0)
+            usleep(10'000);
+        return IOLOCK('E', SYSNIEUW(".zgdeel/lock-a", O_RDWR), 5001, 1) == 1;
+    });
+    ASSERT_TRUE(derde.ok());
+    hoort("zgdeel -t 30 .", 1, "wrong  many locks at once: between two of them was refused on ",
+          "the rest goes by turns that are locks: not looked at");
 }
 
 TEST(Deel, NobodyWaitsForEver) {

@@ -1,5 +1,6 @@
 // Each field that can't be what it is has its line in the check, by file, record, field and value; and fields that may hold
 // anything are left in peace.
+#include "tools/keurwerk.h"
 #include "tools/schade.h"
 #include "tools/shell.h"
 
@@ -114,6 +115,10 @@ TEST(Velden, FreeOnesAreQuietAndManyAreCounted) {
     const DemoMap map("data/demo", "--register");
     for (const Veldschade& s : VRIJ)
         sla(map, s);
+    // Orders of before the register, which have no number.
+    std::string order = lees_bestand(DemoMap().bestand("2016Z/ORD0011.JRN"));
+    order.replace(1, 2, i16(99));
+    plak(map, "2016Z/ORD0099.JRN", order + order);
     EXPECT_EQ(sh("zgcheck -q " + map.pad()).tekst, "");
     // A fault that each record has is told of the first ones, and counted.
     for (size_t nr = 0; nr < 50; nr++)
@@ -121,6 +126,22 @@ TEST(Velden, FreeOnesAreQuietAndManyAreCounted) {
     const Uit uit = sh("zgcheck -q " + map.pad());
     EXPECT_TRUE(uit.zegt("DTSER: dessin: 40 more records with a wrong one") && uit.zegt("DTSER: 11 wrong"))
         << uit.tekst;
+}
+
+// What goes on being written is as long as it was read, not as it was measured.
+TEST(Velden, AFileCutUnderItsReader) {
+    TijdelijkeMap map;
+    schrijf_bestand("kort", "0123456789");
+    static SYSCALLS echt;
+    echt = SYS;
+    SYS.pread = [](int fd, void* buf, size_t n, off_t plaats) {
+        return truncate("kort", 4) == 0 ? echt.pread(fd, buf, n, plaats) : -1;
+    };
+    std::string bytes;
+    keurbestand b;
+    EXPECT_TRUE(keur_lees("kort", 100, &bytes, &b));
+    SYS = echt;
+    EXPECT_EQ(bytes, "0123");
 }
 
 TEST(Velden, ALinkToWhatIsGoneIsANote) {
