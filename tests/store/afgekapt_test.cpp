@@ -1,12 +1,8 @@
 // What the disk has lost: the end of a data file, the end of an index block. Walks stop with a report where they would have
 // given less, and nothing is written behind the end. On both roads, whoever holds the handle.
-#include "shared/files.h"
 #include "shared/gedeeld.h"
-#include "shared/syscalls.h"
 #include "store/hulp.h"
 #include "store/node.h"
-#include <cstring>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

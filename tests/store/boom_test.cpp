@@ -1,9 +1,6 @@
 // Trees at their edges. Walks of every kind: wandel_test.cpp; readers beside writers: lezer_test.cpp.
 #include "store/hulp.h"
 #include "store/node.h"
-#include <algorithm>
-#include <cstring>
-#include <map>
 
 namespace zg::test {
 namespace {

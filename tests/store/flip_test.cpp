@@ -5,12 +5,6 @@
 #include "store/hulp.h"
 #include "store/node.h"
 #include "term/scherm.h"
-#include <csignal>
-#include <cstring>
-#include <fcntl.h>
-#include <map>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

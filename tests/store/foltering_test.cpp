@@ -5,20 +5,12 @@
 // On several hosts at once: ZG_MAP names the directory that they share, whose table is made by the first and left there;
 // ZG_PROGRAMMAS how many work here, ZG_SECONDEN how long, ZG_RECORDS on how many, and with ZG_WANDELAARS so many of them only walk. ZG_TRAAG
 // makes each write take up to so many microseconds and each read a quarter of it, as over a network.
-#include "shared/files.h"
-#include "shared/syscalls.h"
 #include "store/diepcheck.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include <algorithm>
 #include <atomic>
-#include <csignal>
-#include <cstring>
-#include <ctime>
 #include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

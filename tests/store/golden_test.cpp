@@ -2,9 +2,6 @@
 // where a record, an entry or a node comes to stand is settled for good. The sums were taken when the trees had been
 // compared with a plain model of every step; a change of them is a change of the format.
 #include "store/hulp.h"
-#include <cstring>
-#include <map>
-#include <set>
 
 namespace zg::test {
 namespace {

@@ -4,13 +4,6 @@
 #include "store/kaart.h"
 #include "store/kop.h"
 #include "term/scherm.h"
-#include <cerrno>
-#include <csignal>
-#include <cstdio>
-#include <cstring>
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

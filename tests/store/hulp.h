@@ -2,13 +2,7 @@
 // that fail in their turn.
 #pragma once
 #include "store/ix.h"
-#include "support/proces.h"
-#include "support/terminal.h"
-#include <functional>
-#include <gtest/gtest.h>
-#include <string>
-#include <sys/types.h>
-#include <vector>
+#include "support/proef.h"
 
 namespace zg::test {
 

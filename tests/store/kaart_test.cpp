@@ -1,18 +1,11 @@
 // Files in memory: reading makes no calls while nobody writes; and what is done to a file under its mapping is told, or not
 // noticed, but never the end of the program.
-#include "shared/files.h"
 #include "shared/report.h"
-#include "shared/syscalls.h"
 #include "store/hulp.h"
 #include "store/kaart.h"
 #include "store/kop.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
-#include <set>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

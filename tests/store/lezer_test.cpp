@@ -1,15 +1,9 @@
 // Readers without a lock beside a writer who stops half-way, and walks whose record another changes: none may leave out
 // or repeat what stood still. Then keys whose values are equal.
-#include "shared/files.h"
-#include "shared/syscalls.h"
 #include "store/diepcheck.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include <algorithm>
-#include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

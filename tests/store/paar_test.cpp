@@ -1,12 +1,7 @@
 // Pairs: names, creating, opening, versions, IXCHECK; and damaged headers, which end in a report that names the file.
-#include "shared/files.h"
 #include "store/bestand.h"
 #include "store/hulp.h"
 #include "store/node.h"
-#include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

@@ -1,16 +1,10 @@
 // The rebuild: the same blocks as one insert after the other would give, the free chain, what it refuses, and
 // kills and failing calls half-way.
-#include "shared/files.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include <algorithm>
-#include <csignal>
-#include <filesystem>
 #include <random>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

@@ -2,7 +2,6 @@
 // is no longer what it was.
 #include "store/hulp.h"
 #include "store/node.h"
-#include <cstring>
 
 namespace zg::test {
 namespace {

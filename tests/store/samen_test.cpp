@@ -1,10 +1,6 @@
 // Many at once: eight processes on one pair, and several handles by turns in one process.
 #include "store/hulp.h"
 #include "store/node.h"
-#include <cstring>
-#include <map>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

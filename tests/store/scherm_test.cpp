@@ -4,8 +4,6 @@
 #include "store/hulp.h"
 #include "store/node.h"
 #include "term/gesprek.h"
-#include <cerrno>
-#include <fcntl.h>
 
 namespace zg::test {
 namespace {

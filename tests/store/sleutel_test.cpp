@@ -1,7 +1,6 @@
 // Keys: definition texts, key bytes, order.
 #include "store/hulp.h"
 #include "store/zoeker.h"
-#include <cstring>
 
 namespace zg::test {
 namespace {

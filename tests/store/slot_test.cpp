@@ -1,17 +1,8 @@
 // Locks: ranges, the queue of reserved keys, and two users on one record. The other user is a process that does as it
 // is told.
-#include "shared/files.h"
-#include "shared/syscalls.h"
 #include "store/diepcheck.h"
 #include "store/hulp.h"
 #include "store/node.h"
-#include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
-#include <memory>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

@@ -3,13 +3,7 @@
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include <algorithm>
-#include <csignal>
-#include <cstring>
-#include <map>
 #include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

@@ -1,9 +1,7 @@
 // Tables that a program defines itself: texts from field addresses, set-up and repair at start, two at once.
-#include "shared/files.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/tabel.h"
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

@@ -1,19 +1,12 @@
 // Blocks that an exclusive handle holds back: few calls, the same files; killed or refused at any write nothing is lost that
 // had returned, and no damaged index looks sound; who reads beside it finds what stood, and waits for nothing.
-#include "shared/syscalls.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
 #include "store/uitstel.h"
-#include <algorithm>
 #include <atomic>
-#include <cerrno>
-#include <csignal>
-#include <cstring>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <tuple>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {

@@ -2,9 +2,6 @@
 // with their fences, skipping from live and from deleted records, and keys with one value. Two handles write by turns.
 #include "store/hulp.h"
 #include "store/node.h"
-#include <algorithm>
-#include <cstring>
-#include <map>
 
 namespace zg::test {
 namespace {

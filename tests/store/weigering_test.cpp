@@ -1,16 +1,10 @@
 // Refused writes: a full disk, a failing one, a write that comes short. Each write of each kind of change is refused in
 // turn: the caller gets 0, both files are to the byte what they were, and the same change then succeeds. Where even the
 // putting back is refused the program stops, the pair is marked, and a rebuild has the record old or new.
-#include "shared/syscalls.h"
 #include "store/hulp.h"
 #include "store/node.h"
 #include "store/rebuild.h"
-#include <cerrno>
-#include <csignal>
-#include <cstring>
-#include <map>
 #include <tuple>
-#include <unistd.h>
 
 namespace zg::test {
 namespace {
