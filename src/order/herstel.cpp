@@ -107,6 +107,26 @@ std::vector<uint8_t> vastgelegde_order() {
     return uit;
 }
 
+std::vector<uint8_t> stuk_journaal(int64_t plaats, size_t n) {
+    std::vector<uint8_t> uit(n);
+    if (IOLEES(journaal->fd, uit.data(), n, plaats) != static_cast<ssize_t>(n))
+        uit.clear();
+    return uit;
+}
+
+// The order was only looked at: the work file holds what the journal does, but for the status that a commit would set.
+bool alleen_bekeken(const act_record& act) {
+    constexpr size_t STATUS = 1 + offsetof(ordkop, status);
+    std::vector<uint8_t> order = vastgelegde_order();
+    const int64_t lengte = (act.volgende == -1 ? act.omvang : act.volgende) - act.start;
+    if (lengte != static_cast<int64_t>(order.size()) || order.size() <= STATUS)
+        return false;
+    const std::vector<uint8_t> staat = stuk_journaal(act.start, order.size());
+    if (!staat.empty())
+        order[STATUS] = staat[STATUS];
+    return order == staat;
+}
+
 // Killed behind the rename: the journal is the old one with the order already in it (or out of it).
 bool al_vastgelegd(const act_record& act, int32_t regels) {
     std::vector<uint8_t> order;
@@ -116,9 +136,7 @@ bool al_vastgelegd(const act_record& act, int32_t regels) {
     int64_t achter = act.start + static_cast<int64_t>(order.size());
     if (IOOMVANG(journaal->fd) != achter + staart)
         return false;
-    std::vector<uint8_t> staat(order.size());
-    if (IOLEES(journaal->fd, staat.data(), staat.size(), act.start) != static_cast<ssize_t>(staat.size()) ||
-        staat != order)
+    if (stuk_journaal(act.start, order.size()) != order)
         return false;
     char tag = 'O';
     return !staart || (IOLEES(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
@@ -150,13 +168,12 @@ herstelstand onderzoek() {
         return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
     if (!toets_plaatsen(act, &status))
         return HERSTEL_NIET;
-    werk->gewijzigd = true; // as far as anybody knows
+    werk->gewijzigd = !alleen_bekeken(act);
     order_start = act.start;
     order_volgende = act.volgende;
     order_nieuw = act.start == act.omvang;
-    order_alleen_lezen =
-        !order_nieuw &&
-        (registermodus ? zonder_register || (status != 0 && gebruikersrecht == 'I') : status != 0);
+    // Whoever repairs it, what was changed was so by somebody who might.
+    order_alleen_lezen = !order_nieuw && (registermodus ? zonder_register : status != 0);
     regel_uit = {};
     return HERSTEL_DOEN;
 }

@@ -253,6 +253,32 @@ TEST_F(Storingen, herstel_gelooft_niets) {
     }
 }
 
+// The changes are those of a colleague, the label file has them: they don't hang on who comes by first. Where nothing was
+// changed the journal stays as it is.
+TEST_F(Storingen, herstel_door_wie_alleen_mag_kijken) {
+    std::vector<Order> orders = genummerd(DRIE), anders = orders;
+    orders[1].status = 5;
+    anders[1] = genummerd({maak_order(2, {2, 3})})[0];
+    anders[1].status = 4;
+    const auto o1 = static_cast<int32_t>(bytes(orders[0]).size());
+    const auto o2 = o1 + static_cast<int32_t>(bytes(orders[1]).size());
+    for (const char recht : {'A', 'I'})
+        for (const bool gewijzigd : {true, false}) {
+            SCOPED_TRACE(std::string(1, recht) + (gewijzigd ? ", changed" : ", looked at"));
+            zet("JRN", bytes(orders));
+            zet("WRK", bytes((gewijzigd ? anders : orders)[1], true));
+            zet("ACT", act(o1, o2, static_cast<int32_t>(bytes(orders).size())));
+            auto doe = [&] {
+                registermodus = true;
+                gebruikersrecht = recht;
+                return herstart();
+            };
+            EXPECT_EQ(in_kind(doe), 1);
+            EXPECT_EQ(inhoud("JRN"), bytes(gewijzigd ? anders : orders));
+            EXPECT_EQ(scratch(), "");
+        }
+}
+
 TEST_F(Storingen, kapot_journaal_stopt_bij_het_openen) {
     const std::string jrn = bytes(DRIE);
     const size_t laatste = jrn.rfind('F');
