@@ -22,6 +22,9 @@ keurbestand keur(const std::string& naam, int seconden) {
     for (const char* ext : {".INX", ".TXT"})
         if (!IOEXISTS((naam + ext).c_str()))
             uit.kwalen.push_back(naam + ext + " isn't there");
+    for (const char* ext : {".INX", ".TXT"})
+        if (const keurlezer l(naam + ext); uit.kwalen.empty() && l.fd < 0)
+            uit.kwalen.push_back(naam + ext + " can't be read: " + l.fout);
     Paar paar;
     if (!uit.kwalen.empty())
         return uit;

@@ -12,6 +12,7 @@
 #include "term/vast.h"
 #include "tools/ordkeur.h"
 #include "tools/systeemkeur.h"
+#include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
 
@@ -35,10 +36,10 @@ std::vector<std::string> namen_in(const std::string& map, const char* ext) {
     return uit;
 }
 
-// Is there something of that name, a link to nowhere too?
+// Is there something of that name, a link to nowhere too, or can't it be told?
 bool naam_er(const std::string& pad) {
     struct stat st;
-    return lstat(pad.c_str(), &st) == 0;
+    return lstat(pad.c_str(), &st) == 0 || errno != ENOENT;
 }
 
 // Master data that a journal names and that isn't there any more. An order may outlive it.
@@ -142,7 +143,7 @@ bool werk_keur(const Plaats& plaats, keurbestanden* uit) {
         if (l.fd >= 0)
             kwalen = ord_keur(l.fd, ORD_WERK, omgeving(plaats), &telling);
         if (l.fd < 0)
-            b.kwalen.push_back(l.fout);
+            b.kwalen.push_back("can't be read: " + l.fout);
         else if (!kwalen.empty() || IOSIZE(plaats.naast(".ACT").c_str()) != int64_t{sizeof(act_record)})
             b.kwalen.push_back("a broken-off order that can't be restored (" +
                                (kwalen.empty()
@@ -166,7 +167,8 @@ void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
     if (l.fd < 0) {
         if (!naam_er(plaats.pad())) // an emptied one went meanwhile
             return;
-        b.kwalen.push_back(IOEXISTS(plaats.pad().c_str()) ? l.fout : "a link that leads nowhere");
+        b.kwalen.push_back(l.fout == strerror(ENOENT) ? "a link that leads nowhere"
+                                                      : "can't be read: " + l.fout);
         j->leveranciers_stuk.insert(plaats.leverancier);
         return j->per_bestand.push_back(std::move(b));
     }
@@ -218,7 +220,9 @@ const Nootsoort NOTEN[] = {
 
 void lees_noot(const Nootsoort& soort, const std::string& pad, journalen* j) {
     keurbestand b{pad, "a change under way"};
-    if (const std::string wat = soort.lees(pad); !wat.empty())
+    if (const keurlezer l(pad); l.fd < 0 && naam_er(pad))
+        b.kwalen.push_back("can't be read: " + l.fout);
+    else if (const std::string wat = soort.lees(pad); !wat.empty())
         b.noten.push_back(wat + " half changed, finished when the supplier is chosen again");
     else if (IOEXISTS(pad.c_str())) // else it was finished meanwhile
         b.kwalen.push_back(std::string("damaged: ") + soort.vraag + " can't be told");
@@ -226,6 +230,13 @@ void lees_noot(const Nootsoort& soort, const std::string& pad, journalen* j) {
 }
 
 void lees_seizoen(const std::string& map, const stamboek* boek, journalen* j) {
+    std::string fout;
+    keur_namen(map, &fout);
+    if (!fout.empty()) {
+        j->per_bestand.push_back({map, "", {"can't be read: " + fout}});
+        j->map_ongelezen = true;
+        return;
+    }
     j->seizoenen.insert({static_cast<uint16_t>(strtoul(map.c_str(), nullptr, 10)), map[4]});
     std::set<std::string> gezien;
     for (const std::string& naam : namen_in(map, ".JRN")) {

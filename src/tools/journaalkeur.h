@@ -23,9 +23,10 @@ struct journaalorder {
 };
 struct journalen {
     std::vector<journaalorder> orders;
-    std::set<std::pair<uint16_t, char>> seizoenen; // season directories
+    std::set<std::pair<uint16_t, char>> seizoenen; // season directories that could be listed
     std::set<uint16_t> leveranciers_in_hand;
     std::set<uint16_t> leveranciers_stuk; // a journal is damaged, and may hold more orders than were found
+    bool map_ongelezen = false;           // a season's directory couldn't be listed
     int64_t bestanden = 0, regels = 0;
     keurbestanden per_bestand; // what the check tells of each
 };

@@ -48,6 +48,7 @@ struct Keuring {
     std::set<std::pair<sleutelwaarde, uint16_t>> prijzen_kwijt; // series and supplier, with labels
     std::vector<int32_t> nummers_zonder_order;
     bool nummer_kwijt = false;          // an order has no number record
+    bool journalen_stuk = false;        // not all orders could be read
     std::bitset<256> maten_zonder_code; // sizes that a series with codes lacks one of
     std::map<int32_t, int32_t> tellers; // by system record: what a wrong counter should be
 };

@@ -19,6 +19,17 @@ keurbestand* zoek(keurbestanden* alle, const std::string& naam) {
     return p == alle->end() ? nullptr : &*p;
 }
 
+std::map<int, std::string> geopend;           // by descriptor, the file that it was last
+std::map<std::string, std::string> ongelezen; // files of which a read was refused, and why
+
+ssize_t onthoud(int fd, ssize_t n) {
+    const int fout = errno;
+    if (n < 0 && fout != EINTR && fout != EAGAIN && geopend.contains(fd))
+        ongelezen.emplace(geopend[fd], openreden(fout));
+    errno = fout;
+    return n;
+}
+
 // What both looks saw stays; true when they saw the same.
 bool houd_over(keurbestanden* nu, keurbestanden* vorige) {
     bool gelijk = true;
@@ -92,20 +103,37 @@ void keurhoop::meld(std::vector<std::string>* naar) const {
 }
 
 keurlezer::keurlezer(const std::string& pad) {
-    fd = SYS.open(pad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0);
-    struct stat st;
-    if (fd < 0) {
-        fout = strerror(errno);
-    } else if (SYS.fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        SYS.close(fd);
-        fd = -1;
-        fout = "not a plain file";
-    }
+    gewone_bestanden();
+    fd = SYS.open(pad.c_str(), O_RDONLY | O_CLOEXEC, 0);
+    if (fd < 0)
+        fout = openreden(errno);
 }
 
 keurlezer::~keurlezer() {
     if (fd >= 0)
         SYS.close(fd);
+}
+
+void keur_bewaak() {
+    gewone_bestanden();
+    static const SYSCALLS verder = SYS;
+    SYS.open = [](const char* pad, int vlaggen, mode_t mode) {
+        const int fd = verder.open(pad, vlaggen, mode);
+        if (fd >= 0)
+            geopend[fd] = pad;
+        return fd;
+    };
+    SYS.read = [](int fd, void* buf, size_t n) { return onthoud(fd, verder.read(fd, buf, n)); };
+    SYS.pread = [](int fd, void* buf, size_t n, off_t plaats) {
+        return onthoud(fd, verder.pread(fd, buf, n, plaats));
+    };
+}
+
+keurbestanden keur_ongelezen() {
+    keurbestanden uit;
+    for (const auto& [pad, fout] : ongelezen)
+        uit.push_back({pad, "", {"can't be read: " + fout}});
+    return uit;
 }
 
 bool keur_lees(const std::string& pad, size_t meest, std::string* bytes, keurbestand* b) {
@@ -151,12 +179,14 @@ bool keur_past(const char* vorm, const std::string& naam) {
     return *vorm || i == naam.size();
 }
 
-std::vector<std::string> keur_namen(const std::string& map) {
+std::vector<std::string> keur_namen(const std::string& map, std::string* reden) {
     namespace fs = std::filesystem;
     std::vector<std::string> uit;
     std::error_code fout;
     for (fs::directory_iterator it(map, fout), einde; !fout && it != einde; it.increment(fout))
         uit.push_back(it->path().filename());
+    if (fout && reden)
+        *reden = openreden(fout.value());
     std::ranges::sort(uit);
     return uit;
 }

@@ -40,6 +40,11 @@ struct keurlezer {
     int fd = -1;
     std::string fout;
 };
+// From here on whatever opens a file opens plain ones only, and reads that the system refuses are remembered: what comes of
+// such a file is less than what stands in it, and proves nothing.
+void keur_bewaak();
+// One line a file that wasn't read whole.
+keurbestanden keur_ongelezen();
 // Its bytes, `meest` of them at most; false: told in *b, unless it is gone.
 bool keur_lees(const std::string& pad, size_t meest, std::string* bytes, keurbestand* b);
 // The live records of a pair's data file by their places, as long as its header or the dictionary says. False: it can't be
@@ -49,7 +54,7 @@ bool keur_records(const std::string& naam,
 
 // Is this the shape of a name, where '#' is a digit, '@' a capital, '?' any character, '*' the rest?
 bool keur_past(const char* vorm, const std::string& naam);
-// The names in a directory that are not "." or "..", in order; empty when it can't be read.
-std::vector<std::string> keur_namen(const std::string& map);
+// The names in a directory that are not "." or "..", in order; empty when it can't be read, with why in *fout.
+std::vector<std::string> keur_namen(const std::string& map, std::string* fout = nullptr);
 
 } // namespace zg

@@ -136,13 +136,17 @@ void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nu
         if (orders.contains(nr) || !j.seizoenen.contains({rec.jaar, rec.seizoen}))
             continue;
         const std::string wat = "number " + std::to_string(nr) + " of an order that isn't there";
+        if (j.leveranciers_stuk.contains(rec.leverancier)) {
+            k->dtordnr.noten.push_back(wat + ", as far as its supplier's journals can be read");
+            continue;
+        }
         if (j.leveranciers_in_hand.contains(rec.leverancier)) {
             k->dtordnr.noten.push_back(wat + " (in use)");
             continue;
         }
         k->dtordnr.kwalen.push_back(wat);
         k->dtordnr.verloren++;
-        if (!k->nummer_kwijt && !met_label.contains(nr) && !j.leveranciers_stuk.contains(rec.leverancier))
+        if (!k->nummer_kwijt && !k->journalen_stuk && !met_label.contains(nr))
             k->nummers_zonder_order.push_back(nr);
     }
 }
@@ -152,6 +156,7 @@ void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nu
 void keur_orders(Keuring* k) {
     const Nummers nummers = lees_nummers();
     const journalen j = journalen_lees(nullptr);
+    k->journalen_stuk = !j.leveranciers_stuk.empty() || j.map_ongelezen;
     k->jrn.telling = keur_aantal(j.bestanden, "files, ") +
                      keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +
                      keur_aantal(j.regels, "lines");

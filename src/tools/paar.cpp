@@ -63,7 +63,7 @@ int paar_open(const std::string& naam, Paar* paar, bool zonder_index) {
             paar->alleen_lezen = true;
         }
         if (*fd < 0 && !(zonder_index && fd == &paar->idx && errno == ENOENT)) {
-            klacht(pad, strerror(errno));
+            klacht(pad, openreden(errno));
             return NIET_TE_OPENEN;
         }
     }
@@ -191,6 +191,33 @@ void alleen_lezen(bool maken) {
 void weer_schrijven() {
     SYS.open = echt.open;
     SYS.slot = echt.slot;
+}
+
+void gewone_bestanden() {
+    static decltype(SYS.open) verder;
+    if (verder)
+        return;
+    verder = SYS.open;
+    SYS.open = [](const char* pad, int vlaggen, mode_t mode) {
+        constexpr int PAUZE = 1000; // microseconds, while another looks whether anybody has it open
+        int fd = verder(pad, vlaggen | O_NONBLOCK | O_NOCTTY, mode);
+        for (int n = 0; fd < 0 && errno == EWOULDBLOCK && n < PAUZE; n++) {
+            usleep(PAUZE);
+            fd = verder(pad, vlaggen | O_NONBLOCK | O_NOCTTY, mode);
+        }
+        struct stat st;
+        if (fd < 0 || (vlaggen & O_DIRECTORY) || (SYS.fstat(fd, &st) == 0 && S_ISREG(st.st_mode)))
+            return fd;
+        SYS.close(fd);
+        errno = ENXIO;
+        return -1;
+    };
+}
+
+std::string openreden(int errnr) {
+    return errnr == ENXIO || errnr == EISDIR ? "not a plain file"
+           : errnr == EACCES                 ? "no permission"
+                                             : strerror(errnr);
 }
 
 void paar_los(Paar* paar) {

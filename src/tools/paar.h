@@ -93,4 +93,9 @@ public:
 void alleen_lezen(bool maken = false);
 void weer_schrijven();
 
+// From here on only plain files are opened, and directories by those who ask for one: of anything else (a pipe, a device) the
+// opening would wait, or its reading never end. openreden tells why an opening was refused.
+void gewone_bestanden();
+std::string openreden(int errnr);
+
 } // namespace zg

@@ -50,22 +50,15 @@ bool ontbreekt(const Keuring& k, const seriesleutel& serie) {
     return !k.series.contains(sleutel_van(serie)) && !serie_lees(serie, &rec);
 }
 
-// Size types that have sizes, in any size system; all of them where there is no file of them.
+// Size types that have sizes, in any size system; all of them where that can't be read.
 std::bitset<256> maatsoorten() {
     std::bitset<256> uit;
-    if (!stam_aanwezig("DTMAAT"))
-        return uit.set();
-    ICB* dtmaat = IXOPEN("DTMAAT", LEZEN);
-    uint8_t buffer[IXRECMAX];
-    maatrij rij;
-    int er;
-    for (int32_t nr = 0; (er = IXGET(dtmaat, buffer, nr)) >= 0; nr++) {
-        stam_uit(buffer, dtmaat->h.reclen, &rij);
-        if (er)
-            uit.set(rij.soort);
-    }
-    IXCLOSE(dtmaat);
-    return uit;
+    const bool gelezen = keur_records("DTMAAT", [&uit](int32_t, const uint8_t* bytes, int lengte) {
+        maatrij rij;
+        stam_uit(bytes, lengte, &rij);
+        uit.set(rij.soort);
+    });
+    return gelezen ? uit : uit.set();
 }
 
 void lees_series(Keuring* k) {
@@ -217,7 +210,7 @@ bool in_werk(const Seriestand& s) {
     return memcmp(&nu, &s.rec, sizeof nu) != 0;
 }
 
-bool lees_labels(Keuring* k) {
+void lees_labels(Keuring* k) {
     k->filialen.set(LOCATIE_MAGAZIJN);
     k->filialen.set(0); // of an order whose header never had one
     const int filialen = filialen_open() ? firma.filialen : 0;
@@ -227,7 +220,7 @@ bool lees_labels(Keuring* k) {
         k->filialen.set();
     k->van_orders.reserve(etikeur_vooraf());
     if (!etikeur_begin(&k->eti, [k](int32_t blok, const etiket& l) { neem_label(k, blok, l); }))
-        return false;
+        return; // which is told of the file
     for (auto& rij : k->series) {
         auto& s = rij.second;
         s.heel = etikeur_serie(&k->eti, s.rec, &s.labels,
@@ -264,15 +257,15 @@ bool lees_labels(Keuring* k) {
     k->dteti.verloren = k->eti.verloren;
     k->dteti.telling = keur_aantal(k->eti.labels, "labels, ") +
                        keur_aantal(static_cast<int64_t>(k->eti.blokken.size()), "blocks");
-    return true;
 }
 
 Eanstaat neem_code(Keuring* k, const seriesleutel& serie, uint8_t maat) {
     const auto p = k->series.find(sleutel_van(serie));
     if (p == k->series.end())
-        return !ontbreekt(*k, serie)                                                 ? Eanstaat::goed
-               : k->kwijt.contains(sleutel_van(serie)) || k->maten_zonder_code[maat] ? Eanstaat::kwijt
-                                                                                     : Eanstaat::weg;
+        return !ontbreekt(*k, serie) ? Eanstaat::goed
+               : k->journalen_stuk || k->kwijt.contains(sleutel_van(serie)) || k->maten_zonder_code[maat]
+                   ? Eanstaat::kwijt
+                   : Eanstaat::weg;
     Seriestand& s = p->second;
     if (!heeft_maat(s.rec.maten, maat))
         return Eanstaat::andere_maat;
@@ -314,8 +307,7 @@ Keuring neem_op() {
     Keuring k;
     lees_series(&k);
     lees_sets(&k);
-    if (!lees_labels(&k))
-        k.dteti.kwalen.push_back("DTETI.TXT can't be read");
+    lees_labels(&k);
     keur_codes(&k);
     keur_orders(&k);
     return k;
@@ -350,14 +342,20 @@ void keur_kwaal(keurbestand* b, const Seriestand* s, const std::string& wat) {
         b->kwalen.push_back(wat);
 }
 
-std::string keur_open(bool schrijven) {
-    for (const char* naam : {"DTSER", "DTIPA", "DTEAN", "DTORDNR"})
-        for (const char* ext : {".INX", ".TXT"})
-            if (!IOEXISTS((std::string(naam) + ext).c_str()))
-                return std::string(naam) + ext;
-    for (const char* naam : {"DTETI.TXT", "DTIPG.TXT"})
+keurbestanden register_dicht() {
+    keurbestanden uit;
+    for (const char* naam : {"DTSER.INX", "DTSER.TXT", "DTIPA.INX", "DTIPA.TXT", "DTEAN.INX", "DTEAN.TXT",
+                             "DTORDNR.INX", "DTORDNR.TXT", "DTETI.TXT", "DTIPG.TXT"}) {
+        const std::string stam = std::string(naam, strchr(naam, '.'));
         if (!IOEXISTS(naam))
-            return naam;
+            uit.push_back({stam, "", {std::string(naam) + " isn't there"}});
+        else if (const keurlezer l(naam); l.fd < 0)
+            uit.push_back({stam, "", {std::string(naam) + " can't be read: " + l.fout}});
+    }
+    return uit;
+}
+
+void keur_open(bool schrijven) {
     const int modus = schrijven ? SHARED : LEZEN;
     dtser = IXOPEN("DTSER", schrijven ? ALLEEN : LEZEN);
     dtean = IXOPEN("DTEAN", modus);
@@ -365,7 +363,6 @@ std::string keur_open(bool schrijven) {
     ioink_open(modus);
     ioeti('O', nullptr, nullptr);
     sys_lees();
-    return {};
 }
 
 void keur_sluit() {
@@ -385,9 +382,19 @@ std::vector<std::string> register_herstel(bool* gelukt) {
     std::vector<std::string> uit;
     const keurmelding meld = [&](const std::string& wat) { uit.push_back(wat); };
     Keuring k = neem_op();
-    *gelukt = true;
+    *gelukt = keur_ongelezen().empty();
+    for (const keurbestand& b : keur_ongelezen())
+        uit.push_back(b.naam +
+                      ": can't be read whole: series, prices, labels, codes and numbers stay as they are");
+    if (!*gelukt)
+        return uit;
+    if (k.journalen_stuk)
+        uit.push_back(
+            "journals: one is damaged or can't be read: sets, codes and numbers of what is gone stay");
     // Sets of a series that is gone: their groups go back with them.
     for (const sleutelwaarde w : k.sets_zonder_serie) {
+        if (k.journalen_stuk)
+            break; // it may have lines of the series
         if (const bool kwijt = k.kwijt.contains(w); kwijt || k.sets_stuk.contains(w)) {
             uit.push_back("DTIPA: sets of " + serie_tekst(sleutel_uit(w)) +
                           " stay: " + (kwijt ? "its record was lost" : "one of them is damaged"));
@@ -399,7 +406,7 @@ std::vector<std::string> register_herstel(bool* gelukt) {
     bool opnieuw = false;
     const int64_t groepen = ink_herstel(
         [&k](const prijsgroeprec& groep) {
-            return k.prijzen_kwijt.contains({sleutel_van(groep.serie), groep.setnr});
+            return k.journalen_stuk || k.prijzen_kwijt.contains({sleutel_van(groep.serie), groep.setnr});
         },
         &opnieuw);
     *gelukt &= groepen >= 0;

@@ -184,7 +184,9 @@ keurbestand filialen() {
     constexpr int64_t BREED = sizeof(filiaalrec);
     const int64_t omvang = IOSIZE("DTFILGEG.TXT"), nodig = (firma.filialen + 1) * BREED;
     if (!filialen_open()) {
-        b.kwalen.push_back("isn't there, or can't be opened: no program starts");
+        b.kwalen.push_back(IOEXISTS("DTFILGEG.TXT")
+                               ? "can't be read: " + keurlezer("DTFILGEG.TXT").fout + ": no program starts"
+                               : "isn't there: no program starts");
         return b;
     }
     if (omvang < nodig)
@@ -222,7 +224,7 @@ keurbestand parameters() {
     if (!p.letter || !strchr(SEIZOENEN, p.letter) || p.jaar > 9999)
         b.kwalen.push_back("season \"" + map + "\", which there can't be");
     else if (!IOISDIR(map.c_str()))
-        b.noten.push_back("the season that is proposed, " + map + ", isn't there");
+        b.kwalen.push_back("the season that is proposed, " + map + ", isn't there: restore it from a copy");
     return b;
 }
 

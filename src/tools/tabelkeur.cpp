@@ -38,8 +38,8 @@ struct Drukboek {
     std::set<std::pair<int, int>> configs;
 };
 
-template <class R, class F> void elk(const std::string& pad, F f) {
-    keur_records(pad, [&](int32_t, const uint8_t* bytes, int lengte) {
+template <class R, class F> bool elk(const std::string& pad, F f) {
+    return keur_records(pad, [&](int32_t, const uint8_t* bytes, int lengte) {
         R rec;
         stam_uit(bytes, lengte, &rec);
         f(rec);
@@ -60,12 +60,14 @@ keurbestanden printers() {
     if (!IOEXISTS((g.naam + ".TXT").c_str()))
         return {};
     std::set<std::string> namen;
-    elk<prtrec>(g.naam, [&](const prtrec& r) {
+    const bool gelezen = elk<prtrec>(g.naam, [&](const prtrec& r) {
         const std::string naam = VASTTEKST(r.naam);
         boek.printers.insert(r.code);
         if (!namen.insert(naam).second)
             g.kwalen.push_back("two printers \"" + naam + "\": only one of them can be named");
     });
+    if (!gelezen)
+        return {}; // so none is missing
     if (!boek.printers.contains(PRT_SCHERM))
         g.kwalen.push_back("no screen: reports can't be looked at");
     elk<prtconfig>(p.naam, [&](const prtconfig& r) {

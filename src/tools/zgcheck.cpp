@@ -158,12 +158,16 @@ std::string register_stuk(const std::set<std::string>& stuk) {
 keurbestanden het_register(const std::set<std::string>& stuk, int pogingen) {
     if (!er_is_register())
         return {};
+    if (keurbestanden dicht = register_dicht(); !dicht.empty()) {
+        klacht("", "series, prices and labels were not looked at: a file of theirs can't be read");
+        std::erase_if(dicht, [&](const keurbestand& b) { return stuk.contains(b.naam); }); // told already
+        return dicht;
+    }
     if (const std::string namen = register_stuk(stuk); !namen.empty()) {
         klacht("", "rebuild with ixremake first:" + namen + "; series, prices and labels were not looked at");
         return {};
     }
-    if (const std::string mist = keur_open(false); !mist.empty())
-        return {keurbestand{mist.substr(0, mist.find('.')), "", {mist + " isn't there"}}};
+    keur_open(false);
     keurbestanden uit = register_keur(pogingen);
     keur_sluit();
     return uit;
@@ -218,12 +222,27 @@ keurbestanden alles(int pogingen) {
     bij_herhaald([] { return reserveringen_keur(alle_paren()); });
     bij(rechten_keur());
     bij(sloten_keur(slotbestanden()));
+    bij(keur_ongelezen());
     return keur_samen(std::move(uit));
 }
 
+// Why nothing can be said of the directory: its names, or its fixed tables, by which all else is read. Empty: it can.
+std::string niets_te_zien() {
+    std::string reden;
+    keur_namen(".", &reden);
+    if (!reden.empty())
+        return "can't be listed: " + reden;
+    const keurlezer sys("DTSYS.TXT");
+    char eerste;
+    return sys.fd < 0                           ? "DTSYS.TXT: " + sys.fout
+           : SYSLEES(sys.fd, &eerste, 1, 0) < 0 ? std::string("DTSYS.TXT: ") + openreden(errno)
+                                                : "";
+}
+
 bool herstel_register(const std::set<std::string>& stuk) {
-    if (!er_is_register() || !register_stuk(stuk).empty() || !keur_open(true).empty())
+    if (!er_is_register() || !register_stuk(stuk).empty() || !register_dicht().empty())
         return true; // the check behind it tells
+    keur_open(true);
     bool gelukt;
     for (const std::string& r : register_herstel(&gelukt))
         if (!wens.stil && !wens.json)
@@ -281,10 +300,13 @@ int main(int argc, char** argv) {
         ->check(CLI::Range(0, 86400));
     if (int uit; !tool_woorden(app, argc, argv, &uit))
         return uit;
-    if (!IOCHDIR(wens.map.c_str()) || access("DTSYS.TXT", F_OK) != 0)
-        return klacht(wens.map + "/DTSYS.TXT", strerror(errno)), NIET_TE_OPENEN;
+    if (const int uit = tool_map(wens.map); uit != GOED)
+        return uit;
     if (!wens.herstel)
         alleen_lezen();
+    keur_bewaak();
+    if (const std::string reden = niets_te_zien(); !reden.empty())
+        return klacht(wens.map, reden + "; without that nothing can be checked"), NIET_TE_OPENEN;
     IXWAITHOOK = wacht;
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);

@@ -58,8 +58,24 @@ Daad zonder(const std::vector<const char*>& namen) {
 Daad kort(const char* naam, size_t bytes) {
     return [=](const DemoMap& m) { std::filesystem::resize_file(m.bestand(naam), bytes); };
 }
+Daad buizen(const std::vector<const char*>& namen) {
+    return [=](const DemoMap& m) {
+        for (const char* naam : namen) {
+            std::filesystem::remove(m.bestand(naam));
+            EXPECT_EQ(mkfifo(m.bestand(naam).c_str(), 0660), 0) << naam;
+        }
+    };
+}
 Daad gewist(const char* naam, int32_t nr) {
     return [=](const DemoMap& m) { wis(m, naam, nr); };
+}
+// Prices and a code of a series that isn't there.
+void wezen(const DemoMap& m) {
+    std::string code = lees_bestand(m.bestand("DTEAN.TXT")).substr(sizeof(eanrec), sizeof(eanrec));
+    code.replace(0, 13, "8711253001202").replace(offsetof(eanrec, volgnummer), 2, "\x77\x77");
+    schrijf(m, "DTEAN", code);
+    const prijsset set{.serie = {4711, 1, 1}, .groep = -1};
+    schrijf(m, "DTIPA", std::string(reinterpret_cast<const char*>(&set), sizeof set));
 }
 // A block behind the others that is in no chain.
 void los_blok(const DemoMap& map, etiblok b) {
@@ -147,13 +163,37 @@ const std::vector<Schade> SCHADES = {
            gewist("DTSER", 1)),
     heelt("prices and a code of a series that is nowhere else",
           {"DTIPA: sets of 4711.1.1, which isn't there", "DTEAN: code 8711253001202 and 0 more: of series "},
-          [](const DemoMap& m) {
-              std::string code = lees_bestand(m.bestand("DTEAN.TXT")).substr(sizeof(eanrec), sizeof(eanrec));
-              code.replace(0, 13, "8711253001202").replace(offsetof(eanrec, volgnummer), 2, "\x77\x77");
-              schrijf(m, "DTEAN", code);
-              const prijsset set{.serie = {4711, 1, 1}, .groep = -1};
-              schrijf(m, "DTIPA", std::string(reinterpret_cast<const char*>(&set), sizeof set));
-          }),
+          wezen),
+    blijft("the season that is proposed is gone",
+           {"ORDPARM.SYS: the season that is proposed, 2016Z, isn't there"},
+           [](const DemoMap& m) { std::filesystem::remove_all(m.bestand("2016Z")); }),
+    // of which it may have lines
+    blijft("the same beside a journal that can't be read",
+           {"2016Z/ORD0012.JRN: can't be read: not a plain file", "DTORDNR: note: number ",
+            "repair: journals: one is damaged or can't be read"},
+           [](const DemoMap& m) { wezen(m), buizen({"2016Z/ORD0012.JRN"})(m); }),
+    // it has none, as far as that can be read
+    blijft("labels on a disk that fails",
+           {"DTETI.TXT: can't be read: Input/output error",
+            "repair: DTETI.TXT: can't be read whole: series, prices, labels, codes and numbers stay"},
+           [](const DemoMap& m) {
+               wezen(m);
+               std::filesystem::remove(m.bestand("DTETI.TXT"));
+               std::filesystem::create_symlink("/proc/self/mem", m.bestand("DTETI.TXT"));
+           }),
+    blijft("a pipe in place of labels", {"DTETI: DTETI.TXT can't be read: not a plain file"},
+           buizen({"DTETI.TXT"})),
+    blijft("pipes in place of files",
+           {"DTLEV: DTLEV.TXT can't be read: not a plain file", "DTVVTAB: DTVVTAB.INX can't",
+            "DTIPG: DTIPG.TXT can't", "DTEAN: DTEAN.TXT can't", "print/TR_PTRG: print/TR_PTRG.TXT can't",
+            "2016Z/ORD0012.PRS: can't", "2016Z/ORD0013.LBW: can't", "DTFILGEG.TXT: can't",
+            "ORDPARM.SYS: not a plain file", "DTLEVEXT: DTLEVEXT.TXT can't be read: not a plain file"},
+           [](const DemoMap& m) {
+               buizen({"DTLEV.TXT", "DTVVTAB.INX", "DTIPG.TXT", "DTEAN.TXT", "print/TR_PTRG.TXT",
+                       "2016Z/ORD0012.PRS", "2016Z/ORD0013.LBW", "DTFILGEG.TXT", "ORDPARM.SYS"})(m);
+               std::filesystem::remove(m.bestand("DTLEVEXT.TXT"));
+               std::filesystem::create_directory(m.bestand("DTLEVEXT.TXT"));
+           }),
     heelt("a number of a series before the counter",
           {"DTSER: DTSYS.TXT system record 2: the last number is 1, series "},
           op("DTSYS.TXT", SYS2, int32_t{1})),
@@ -214,17 +254,17 @@ const std::vector<Schade> SCHADES = {
     blijft("a journal that goes", {"DTORDNR: number ", "of an order that isn't there"},
            zonder({"2016Z/ORD0010.JRN"})),
     // a number that only it may have stays
-    blijft(
-        "a journal whose name leads nowhere",
-        {"2016Z/ORD0010.JRN: a link that leads nowhere", "DTORDNR: number 7777 of an order that isn't there"},
-        [](const DemoMap& m) {
-            const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
-            const ordnrrec rec{
-                .ordernummer = 7777, .leverancier = 10, .jaar = 2016, .seizoen = 'Z', .orderdatum = 42400};
-            schrijf(m, "DTORDNR", std::string(reinterpret_cast<const char*>(&rec), sizeof rec));
-            std::filesystem::remove(jrn);
-            std::filesystem::create_symlink("/nowhere/ORD0010.JRN", jrn);
-        }),
+    blijft("a journal whose name leads nowhere",
+           {"2016Z/ORD0010.JRN: a link that leads nowhere",
+            "DTORDNR: note: number 7777 of an order that isn't there, as far as its supplier's journals"},
+           [](const DemoMap& m) {
+               const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
+               const ordnrrec rec{
+                   .ordernummer = 7777, .leverancier = 10, .jaar = 2016, .seizoen = 'Z', .orderdatum = 42400};
+               schrijf(m, "DTORDNR", std::string(reinterpret_cast<const char*>(&rec), sizeof rec));
+               std::filesystem::remove(jrn);
+               std::filesystem::create_symlink("/nowhere/ORD0010.JRN", jrn);
+           }),
     blijft("a journal cut off", {"2016Z/ORD0010.JRN: at "},
            [](const DemoMap& m) {
                const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
