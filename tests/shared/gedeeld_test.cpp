@@ -2,6 +2,7 @@
 #include "shared/gedeeld.h"
 #include "shared/houder.h"
 #include "shared/mapbeurt.h"
+#include "shared/volume.h"
 #include "support/systeem.h"
 #include <sys/prctl.h>
 
@@ -38,6 +39,20 @@ TEST_F(Gedeeld, KindsOfFileSystem) {
             },
             testing::ExitedWithCode(1 + g.gedeeld), "");
     }
+}
+
+// A mount is found by whole names, the innermost one, and one that isn't of FUSE is asked for nothing.
+TEST_F(Gedeeld, Mounts) {
+    const struct {
+        const char *pad, *soort, *punt;
+    } gevallen[] = {
+        {"/proc", "proc", "/proc"}, {"/proc/self/fd", "proc", "/proc"}, {"/procent", nullptr, "/"}};
+    for (const auto& g : gevallen) {
+        const IOMOUNT m = IOMOUNTVAN(g.pad);
+        EXPECT_EQ(m.punt, g.punt) << g.pad;
+        EXPECT_EQ(m.soort, g.soort ? g.soort : m.soort) << g.pad;
+    }
+    EXPECT_FALSE(IOVOLUME("/proc", [](const std::string&, const std::string&) { ADD_FAILURE(); }));
 }
 
 // Nobody who is refused three times asks again at once; nobody waits long for what is held for a moment.

@@ -1,5 +1,6 @@
 // Files in memory: reading makes no calls while nobody writes; and what is done to a file under its mapping is told, or not
 // noticed, but never the end of the program.
+#include "shared/replica.h"
 #include "shared/report.h"
 #include "store/hulp.h"
 #include "store/kaart.h"
@@ -221,6 +222,12 @@ TEST(Kaart, NamenOpEenReplica) {
             ICB* icb = IXOPEN("T", mode);
             for (uint32_t nr = 0; nr < 20; nr++)
                 werk(icb, nr * 7);
+            Rec r = rec(1);
+            EXPECT_EQ(1, IXREAD(icb, &r));
+            const int zonder_slot = namen;
+            usleep((NAAMVERS + 20) * 1000);
+            EXPECT_EQ(1, IXREAD(icb, &r));
+            EXPECT_EQ(namen > zonder_slot, waar == "replica") << "a while later";
             IXCLOSE(icb);
             SYS = echt;
             unsetenv("ZGGEDEELD");
