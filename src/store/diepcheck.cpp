@@ -31,7 +31,8 @@ struct Check {
     int idxfd, datfd;
     bool tijdelijk;
     IXTELLING* telling;
-    std::vector<std::string> uit;
+    IXSPOOR* spoor = nullptr; // the tree by itself: what it leads to is counted, and not told
+    std::vector<std::string> uit{};
     IXHEADER h{};
     int64_t blokken = 0, records = 0; // what the files really hold
     int64_t bezocht = 0, gevonden = 0, gedaan = 0, werk = 0;
@@ -79,6 +80,7 @@ struct Check {
     void vrije_keten();
     void wachtrij();
     void boom(int sleutel);
+    bool klopt(const IXKEYDEF& def, const uint8_t* e, int32_t nr);
     void knoop(int sleutel, int32_t blok, int niveau, const Grens& laag, const uint8_t* hoog);
     void blad(int sleutel, int32_t blok, const IXKNOOP& k, bool laatste);
     void zoek_ontbrekende(int sleutel);
@@ -200,6 +202,15 @@ void Check::wachtrij() {
                 meld("lock queue: keys %d and %d are the same", j + 1, i + 1);
 }
 
+// Does that record stand there, with the key of its entry?
+bool Check::klopt(const IXKEYDEF& def, const uint8_t* e, int32_t nr) {
+    uint8_t rec[IXRECMAX], waarde[IXSLEUTELMAX + 4];
+    if (nr >= records || !lees_record(nr, rec) || !IXRECLIVE(rec, h.reclen))
+        return false;
+    IXMAAKSLEUTEL(def, rec, nr, def.keylen, waarde);
+    return IXVERGELIJK(def, waarde, e, def.keylen) == 0;
+}
+
 void Check::blad(int sleutel, int32_t blok, const IXKNOOP& k, bool laatste) {
     const IXKEYDEF& def = h.keydef[sleutel - 1];
     uint8_t rec[IXRECMAX], waarde[IXSLEUTELMAX + 4];
@@ -213,6 +224,10 @@ void Check::blad(int sleutel, int32_t blok, const IXKNOOP& k, bool laatste) {
         }
         gevonden++;
         vorder(1);
+        if (spoor && nr >= 0) {
+            spoor->terug += klopt(def, e, nr);
+            continue;
+        }
         if (nr < 0 || nr >= records)
             meld("key %d, block %d: entry %d leads to record %d, which does not exist", sleutel, blok, i + 1,
                  nr);
@@ -375,7 +390,7 @@ void Check::boom(int sleutel) {
 
 std::vector<std::string> IXDIEPCHECK(int idxfd, int datfd, bool tijdelijk, IXTELLING* telling) {
     IXTELLING eigen;
-    Check c{idxfd, datfd, tijdelijk, telling ? telling : &eigen, {}};
+    Check c{idxfd, datfd, tijdelijk, telling ? telling : &eigen};
     *c.telling = IXTELLING{};
     if (c.kop()) {
         c.data();
@@ -390,6 +405,20 @@ std::vector<std::string> IXDIEPCHECK(int idxfd, int datfd, bool tijdelijk, IXTEL
     if (meer > 0)
         c.uit.push_back("and " + std::to_string(meer) + " more");
     return c.uit;
+}
+
+IXSPOOR IXZOEKTERUG(int idxfd, int datfd, const IXHEADER& h) {
+    IXTELLING telling;
+    IXSPOOR spoor;
+    Check c{idxfd, datfd, false, &telling, &spoor};
+    c.h = h;
+    if (IXDEFFOUT(h) || h.busy)
+        return {};
+    c.blokken = SYSOMVANG(idxfd) / IXBLOK;
+    c.records = SYSOMVANG(datfd) / c.h.reclen;
+    c.knoop(1, 1, 0, Grens{}, nullptr);
+    spoor.sleutels = c.gevonden;
+    return telling.bevindingen ? IXSPOOR{} : spoor;
 }
 
 std::vector<std::string> IXDIEPCHECK(const char* naam, IXTELLING* telling) {

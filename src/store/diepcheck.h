@@ -28,6 +28,14 @@ std::vector<std::string> IXDIEPCHECK(int idxfd, int datfd, bool tijdelijk = fals
 // this program itself has open in mode 1 is not looked at: its counters are in the handle, and its lock would go.
 std::vector<std::string> IXDIEPCHECK(const char* naam, IXTELLING* telling = nullptr);
 
+// What the first tree of an index leads to, and how much of it is still there. A data file that was emptied leaves the index
+// as the only proof of what it held.
+struct IXSPOOR {
+    int64_t sleutels = 0; // records by the tree, when it is sound in itself and not marked; else 0
+    int64_t terug = 0;    // of them those that stand in the data file, with that key
+};
+IXSPOOR IXZOEKTERUG(int idxfd, int datfd, const struct IXHEADER& h); // by these definitions
+
 // Called now and then with work done and work in all, when set.
 extern void (*IXDIEPVOORTGANG)(int64_t gedaan, int64_t totaal);
 

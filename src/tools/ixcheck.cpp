@@ -8,6 +8,7 @@
 namespace zg {
 
 int ixcheck(const Opdracht& o) {
+    gewone_bestanden();
     std::vector<std::string> namen;
     int slechtst = paren(o.namen, &namen) ? GOED : FOUT_GEBRUIKT;
     int goed = 0, fout = 0, dicht = 0;

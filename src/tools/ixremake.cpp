@@ -39,7 +39,7 @@ std::string andere_lengte(const Paar& paar, int van_kop, int van_boek, bool woor
         return woordenboek ? wat + "; without --dictionary it is rebuilt by its header" : "";
     if (paar.datbytes % van_boek)
         return wat + ", and the data file ends inside a record of either";
-    return woordenboek ? "" : wat + ", which fits the data file; --dictionary makes the index anew";
+    return woordenboek ? "" : wat + ", which fits the data file; ixremake --dictionary makes the index anew";
 }
 
 // The record length of an index that is made anew without a header to go by.
@@ -75,10 +75,10 @@ std::string plan(const Paar& paar, const Opdracht& o, Bouwplan* p) {
             return kwaal;
     if (kop_telt && o.reclen && o.reclen != icb.h.reclen)
         return "the header says " + std::to_string(icb.h.reclen) + " bytes a record";
-    p->nieuw = !kop || (o.woordenboek && verschil != DD_GELIJK);
+    p->nieuw = !kop || (o.woordenboek && (fout || verschil != DD_GELIJK));
     if (p->nieuw && !o.woordenboek)
         return std::string("no index to take the definition from") +
-               (nr ? "; --dictionary makes it anew" : ", and not in the dictionary");
+               (nr ? "; ixremake --dictionary makes it anew" : ", and not in the dictionary");
     p->kop = icb.h;
     if (p->nieuw) {
         if (!woordenboekkop(paar.naam, paar.datbytes, &p->kop))
@@ -88,7 +88,7 @@ std::string plan(const Paar& paar, const Opdracht& o, Bouwplan* p) {
         else if (std::string kwaal = kies_lengte(paar, nr, o.reclen, &p->kop); !kwaal.empty())
             return kwaal;
     } else if (fout) {
-        return std::string("header: ") + fout + (nr ? "; --dictionary makes it anew" : "");
+        return std::string("header: ") + fout + (nr ? "; ixremake --dictionary makes it anew" : "");
     }
     if (paar.idx >= 0 && SYSOMVANG(paar.idx) > IXBLOK) {
         IXKNOOP rij;
@@ -188,6 +188,14 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
         return klacht(naam, "in use: a program has it open" +
                                 open_bij(naam + (elders_open(paar.dat) ? ".TXT" : ".INX"))),
                IN_GEBRUIK;
+    // Rebuilt, the index of an emptied data file would be good, and nothing would tell any more what is gone.
+    if (const IXSPOOR s = paar.idx < 0 || o.dwing ? IXSPOOR{} : IXZOEKTERUG(paar.idx, paar.dat, p->kop);
+        s.terug * 2 < s.sleutels)
+        return klacht(naam,
+                      "not rebuilt: the index is sound and leads to " + std::to_string(s.sleutels) +
+                          " records, of which the data file has " + std::to_string(s.terug) +
+                          "; restore both files from a copy, or ixremake --force if they are to be gone"),
+               FOUT_GEVONDEN;
     if (!p->gereserveerd.empty() && !o.dwing)
         if (const std::string wie = wie_werkt(naam); !wie.empty()) {
             for (const std::string& s : p->gereserveerd)
@@ -255,6 +263,7 @@ void ixremake_ruim_op() {
 }
 
 int ixremake(const Opdracht& o) {
+    gewone_bestanden();
     std::vector<std::string> namen;
     int slechtst = paren(o.namen, &namen) ? GOED : FOUT_GEBRUIKT;
     for (const std::string& naam : namen)

@@ -146,7 +146,9 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
                      "save half a record at the end of a data file as PAIR.CUT, and cut it off");
         break;
     case 'f':
-        app.add_flag("-f,--force", o.dwing, "clear reserved keys although users are at work");
+        app.add_flag("-f,--force", o.dwing,
+                     "rebuild although users at work may have reserved keys, or records that the index leads "
+                     "to are gone");
         break;
     case 'q':
         app.add_flag("-q,--quiet", o.stil, "say only what is wrong");

@@ -3,6 +3,7 @@
 #include "shared/files.h"
 #include "shared/gedeeld.h"
 #include "shared/syscalls.h"
+#include "shared/woordenboek.h"
 #include "store/ix.h"
 #include "store/node.h"
 #include "store/wachtrij.h"
@@ -41,6 +42,16 @@ void zeg(bool stil, const std::string& regel) {
 
 bool lees_kop(const keurlezer& inx, IXHEADER* kop) {
     return inx.fd >= 0 && SYSLEES(inx.fd, kop, sizeof *kop, 0) == ssize_t{sizeof *kop} && !IXDEFFOUT(*kop);
+}
+
+// Does the header make no sense, or give records a length that doesn't fit the data file, as the dictionary's does?
+bool kop_vals(const std::string& paar) {
+    IXHEADER kop;
+    if (!lees_kop(keurlezer(paar + ".INX"), &kop))
+        return true;
+    const int nr = DDNUMMER(paar.c_str());
+    const int64_t bytes = IOSIZE((paar + ".TXT").c_str());
+    return nr && bytes % kop.reclen && bytes % DDRECLEN(nr, bytes) == 0;
 }
 
 // The user whose notes name the number of a series, 0 for none.
@@ -144,10 +155,7 @@ bool indexen_herstel(const std::set<std::string>& stuk, int wacht, bool stil) {
         o.namen = {paar};
         o.stil = true;
         o.wacht = wacht;
-        {
-            IXHEADER kop;
-            o.woordenboek = !lees_kop(keurlezer(paar + ".INX"), &kop);
-        }
+        o.woordenboek = kop_vals(paar);
         const bool gelukt = in_kind([&] { return ixremake(o); }) == GOED;
         if (gelukt)
             zeg(stil, paar + ": index rebuilt");

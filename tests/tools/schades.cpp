@@ -291,6 +291,12 @@ const std::vector<std::vector<Schade>> SAMEN = {
         heelt("an index that is gone", {"DTART: DTART.INX isn't there"}, zonder({"DTART.INX"})),
         heelt("a header that makes no sense", {"DTDOELGR: header: "},
               op("DTDOELGR.INX", offsetof(IXHEADER, nkeys), '\x63')),
+        heelt("a header whose key has no length, one whose records have another",
+              {"DTLEVEXT: header: a key's length", "DTVVTAB: data: ends inside a record"},
+              [](const DemoMap& m) {
+                  zet(m, "DTLEVEXT.INX", offsetof(IXHEADER, keydef) + offsetof(IXKEYDEF, keylen), '\0');
+                  zet(m, "DTVVTAB.INX", offsetof(IXHEADER, reclen), int16_t{423});
+              }),
         // and the free chain
         heelt("a count of records", {"DTMERK: ", "DTOMZGRP: "},
               [](const DemoMap& m) {
@@ -414,6 +420,14 @@ const std::vector<std::vector<Schade>> SAMEN = {
         blijft("branches cut off", {"DTFILGEG.TXT: 3000 bytes, of 3672 for 5 branches"},
                kort("DTFILGEG.TXT", 3000)),
         blijft("settings cut off", {"ORDPARM.SYS: 50 bytes"}, kort("ORDPARM.SYS", 50)),
+        // of which the index is the last that tells
+        blijft("emptied tables",
+               {"DTLEV: header: counts 13 records, the data file holds 0", "DTMERK: free chain: "},
+               [](const DemoMap& m) {
+                   kort("DTLEV.TXT", 0)(m);
+                   plak(m, "DTMERK.TXT",
+                        std::string(std::filesystem::file_size(m.bestand("DTMERK.TXT")), '\xff'));
+               }),
         blijft("a data file that is gone", {"DTMAAT: DTMAAT.TXT isn't there"}, zonder({"DTMAAT.TXT"})),
         blijft("a pair that is gone", {"DTKOERS: isn't there: the order program doesn't start"},
                zonder({"DTKOERS.TXT", "DTKOERS.INX"})),

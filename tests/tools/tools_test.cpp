@@ -288,6 +288,39 @@ TEST_F(Tools, RemakeBringsALostOrBusyIndexBack) {
     EXPECT_EQ(lees_bestand("DTMERK.CUT") + lees_bestand("DTMERK.CUT2"), "half a recordanother");
 }
 
+// A sound index is the last that tells what an emptied data file held: it goes only when that is meant. A damaged one tells
+// nothing, and half of the records is enough to go on with.
+TEST_F(Tools, RemakeKeepsWhatTellsOfAnEmptiedFile) {
+    merken(300);
+    const std::string index = lees_bestand("DTMERK.INX"), data = lees_bestand("DTMERK.TXT");
+    const std::string vrij(data.size(), '\xff'), nullen(data.size(), '\0');
+    const struct {
+        std::string index, data, gezegd;
+    } gevallen[] = {
+        {index, "", "leads to 300 records, of which the data file has 0"},
+        {index, vrij, "of which the data file has 0"},
+        {index, nullen, "of which the data file has 0"},
+        {index, data.substr(0, size_t{149} * 76), "of which the data file has 149"},
+        {index, data.substr(0, size_t{150} * 76), ""},
+        {std::string(index).replace(offsetof(IXHEADER, busy), 1, 1, '\1'), "", ""},
+        {std::string(index).replace(512, 1, 1, '\7'), "", ""},
+    };
+    for (const auto& g : gevallen) {
+        SCOPED_TRACE(std::to_string(g.data.size()) + g.gezegd);
+        schrijf_bestand("DTMERK.INX", g.index);
+        schrijf_bestand("DTMERK.TXT", g.data);
+        hoort("ixremake DTMERK", g.gezegd.empty() ? 0 : 1, g.gezegd);
+        if (g.gezegd.empty())
+            continue;
+        EXPECT_TRUE(lees_bestand("DTMERK.INX") == index);
+        EXPECT_EQ(sh("ixremake --force DTMERK").status, &g == &gevallen[2] ? 1 : 0) << "if it is meant";
+    }
+    IOUNLINK("DTMERK.TXT");
+    ASSERT_EQ(mkfifo("DTMERK.TXT", 0600), 0);
+    for (const char* tool : {"ixremake", "ixremake -d", "ixcheck"})
+        hoort(std::string("timeout 5 ") + tool + " DTMERK", 3, "DTMERK.TXT: not a plain file");
+}
+
 TEST_F(Tools, CopyInUseIsWhole) {
     maak(SOORTEN[0], 300);
     pid_t schrijver = fork();
