@@ -1,7 +1,7 @@
 #!/bin/sh
 # usage: make.sh PROGRAMS OUTPUT TOOL...
 # Completion of the tools' words for bash (OUTPUT/bash, a link a tool) and zsh (OUTPUT/zsh/_zgbestel), out of what each tool in the
-# directory PROGRAMS says of itself (TOOL --words).
+# directory PROGRAMS says of itself (TOOL --words), and the file "words" beside this one of those that don't.
 set -eu
 programs=$1 output=$2
 shift 2
@@ -9,6 +9,7 @@ mkdir -p "$output/bash" "$output/zsh"
 list=$output/words
 : >"$list.new"
 for tool; do
+  grep "^$tool	" "${0%/*}/words" >>"$list.new" && continue
   "$programs/$tool" --words >"$list.one"
   sed "s/^/$tool	/" "$list.one" >>"$list.new"
 done

@@ -348,14 +348,16 @@ int IXBLDIX(const char* naam, std::vector<std::string>* gewist) {
     }
     IXLOCK(icb, 1);
     const int64_t records = aantal_records(icb->datfd, icb->h); // others may have written until now
-    int goed = 0;
+    int goed = 0, fout = 0;
     char titel[96];
     snprintf(titel, sizeof titel, TXT(T_IXBLDIX_TITEL),
              std::string(icb->h.name, strnlen(icb->h.name, 11)).c_str());
     VOORTGANG(VG_OPEN, 0, 0, titel);
     try {
         Bouw bouw(icb, gewist);
+        errno = 0;
         goed = records >= 0 && bouw.bereid_voor(records);
+        fout = errno;
         if (goed)
             bouw.zet_op_zijn_plaats();
     } catch (const std::bad_alloc&) {
@@ -368,6 +370,7 @@ int IXBLDIX(const char* naam, std::vector<std::string>* gewist) {
     else {
         IXLOCK(icb, 11);
         IXLAATLOS(icb);
+        errno = fout; // what the disk said, 0 when it was something else
     }
     return goed;
 }

@@ -2,6 +2,7 @@
 #include "term/natl.h"
 #include "term/vast.h"
 #include "tools/jsonregel.h"
+#include "tools/tool.h"
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -33,8 +34,8 @@ template <class T> bool getal(std::string_view s, T* uit) {
 
 Dumpkop dumpkop(const IXHEADER& kop, std::string_view naam) {
     Dumpkop d;
-    d.naam = naam;
-    d.titel = CP850UTF8(VASTUIT(kop.title));
+    d.naam = schoon(naam);
+    d.titel = tekst_uit(VASTUIT(kop.title));
     d.reclen = kop.reclen;
     d.freehead = kop.freehead;
     for (int s = 0; s < kop.nkeys; s++)
@@ -227,10 +228,10 @@ bool DumpLezer::indeling(std::vector<Veld> velden, int reclen) {
             if (velden_[i].naam == kolom)
                 plaats = static_cast<int>(i);
         if (plaats == -3)
-            return mislukt("no such field: " + kolom +
+            return mislukt("no such field: " + citaat(kolom) +
                            (kolom.find_first_of(";\t|") == std::string::npos ? "" : " (--delimiter?)"));
         if (std::ranges::find(plaats_, plaats) != plaats_.end())
-            return mislukt("two columns are called " + kolom);
+            return mislukt("two columns are called " + citaat(kolom));
         plaats_.push_back(plaats);
     }
     return true;
@@ -277,7 +278,7 @@ bool DumpLezer::rij_json(Dumprij* rij) {
         }
         const auto veld = std::ranges::find(velden_, naam, &Veld::naam);
         if (veld == velden_.end())
-            return mislukt("no such field: " + naam);
+            return mislukt("no such field: " + citaat(naam));
         if (const std::string fout = veld_in(*veld, waarde, rij->rec); !fout.empty())
             return mislukt(fout);
     }

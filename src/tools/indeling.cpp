@@ -208,6 +208,27 @@ bool is_dag(uint16_t nr) {
     return nr != 0 && DATUMNR(t) == nr;
 }
 
+std::string tekst_uit(std::string_view bytes) {
+    std::string uit;
+    for (const char c : bytes) {
+        const auto b = static_cast<uint8_t>(c);
+        utf8_bij(uit, b < 0x20 ? 0x2400u + b : b == 0x7F ? 0x2421u : CP850UIT(b));
+    }
+    return uit;
+}
+
+std::string tekst_in(std::string_view utf8) {
+    std::string uit;
+    while (!utf8.empty()) {
+        const int32_t u = utf8_teken(utf8);
+        if (u < 0)
+            utf8.remove_prefix(1);
+        const int c = teken_in(u);
+        uit += c < 0 ? '?' : static_cast<char>(static_cast<uint8_t>(c));
+    }
+    return uit;
+}
+
 std::string veld_uit(const Veld& veld, const uint8_t* rec) {
     const uint8_t* p = rec + veld.begin;
     std::string uit;
@@ -222,9 +243,7 @@ std::string veld_uit(const Veld& veld, const uint8_t* rec) {
         int n = veld.lengte;
         while (n > 0 && p[n - 1] == 0)
             n--;
-        for (int i = 0; i < n; i++)
-            utf8_bij(uit, p[i] < 0x20 ? 0x2400u + p[i] : p[i] == 0x7F ? 0x2421u : CP850UIT(p[i]));
-        return uit;
+        return tekst_uit({reinterpret_cast<const char*>(p), static_cast<size_t>(n)});
     }
     default:
         for (int i = 0; i < veld.lengte; i++) {
@@ -290,7 +309,7 @@ std::string veld_in(const Veld& veld, std::string_view waarde, uint8_t* rec) {
 }
 
 std::string sleuteltekst(const IXKEYDEF& sleutel) {
-    std::string uit(VASTUIT(sleutel.keyname));
+    std::string uit = tekst_uit(VASTUIT(sleutel.keyname));
     if (sleutel.dupflag == 'N')
         uit += ",NODUPS";
     for (int d = 0; d < IXDELEN && sleutel.ptype[d] != 0; d++)

@@ -58,7 +58,11 @@ bool is_dag(uint16_t nr);                                         // a day of th
 // The reverse; empty when it went in, else what is wrong with the value (the record is as it was).
 std::string veld_in(const Veld& veld, std::string_view waarde, uint8_t* rec);
 
-// Key definition in the text form that IXUPDFCB takes: "key1,NODUPS,C,5,14,I,1,4".
+// The same of a text on its own; what has no place comes back as "?".
+std::string tekst_uit(std::string_view bytes);
+std::string tekst_in(std::string_view utf8);
+
+// Key definition in the text form that IXUPDFCB takes, in UTF-8: "key1,NODUPS,C,5,14,I,1,4".
 std::string sleuteltekst(const IXKEYDEF& sleutel);
 
 } // namespace zg

@@ -31,21 +31,21 @@ int ixcheck(const Opdracht& o) {
             gereserveerd = IXRESERVERINGEN(paar.idx, paar.kop);
         paar_los(&paar);
         for (const std::string& s : gereserveerd)
-            printf("%s: key reserved: %s\n", naam.c_str(), CP850UTF8(s).c_str());
+            tool_zeg("%s: key reserved: %s\n", naam.c_str(), CP850UTF8(s).c_str());
         if (bevindingen.empty()) {
             goed++;
             if (!o.stil)
-                printf("%s: good, %d records, %lld index blocks\n", naam.c_str(), paar.kop.nrecs,
-                       static_cast<long long>(paar.idxbytes / IXBLOK));
+                tool_zeg("%s: good, %d records, %lld index blocks\n", naam.c_str(), paar.kop.nrecs,
+                         static_cast<long long>(paar.idxbytes / IXBLOK));
             continue;
         }
         fout++;
         slechtst = FOUT_GEVONDEN;
         for (const std::string& b : bevindingen)
-            printf("%s: %s\n", naam.c_str(), b.c_str());
+            tool_zeg("%s: %s\n", naam.c_str(), b.c_str());
     }
     if (!o.stil || fout + dicht > 0)
-        printf("%d good, %d wrong, %d not checked\n", goed, fout, dicht);
+        tool_zeg("%d good, %d wrong, %d not checked\n", goed, fout, dicht);
     return slechtst;
 }
 

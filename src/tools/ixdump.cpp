@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zg {
@@ -112,12 +111,9 @@ int ixdump(const Opdracht& o) {
     for (size_t i = 0; i < eisen.size(); i++)
         if (kwaal = voorwaarde(o.waarden[i], velden, &eisen[i]); !kwaal.empty())
             return klacht("--where", kwaal), FOUT_GEBRUIKT;
-    struct stat s, hier;
-    if (stat(o.bestand.c_str(), &s) == 0)
-        for (int fd : {paar.idx, paar.dat})
-            if (fstat(fd, &hier) == 0 && hier.st_dev == s.st_dev && hier.st_ino == s.st_ino)
-                return klacht(o.bestand, "is the pair itself"), FOUT_GEBRUIKT;
-    Uitvoer uit(o.bestand);
+    if (kwaal = uitvoer_bezet(o.bestand, o.vervang); !kwaal.empty())
+        return klacht(o.bestand, kwaal), FOUT_GEBRUIKT;
+    Uitvoer uit(o.bestand, o.vervang);
     if (!uit.stroom())
         return klacht(o.bestand, strerror(errno)), NIET_TE_OPENEN;
     int64_t gelezen = 0; // records that the data file gave

@@ -47,14 +47,13 @@ std::string definitie(const Opdracht& o, const std::string& naam, const Dumpkop&
     if (dump.reclen < 1 || dump.reclen > IXRECMAX || dump.sleutels.empty() ||
         dump.sleutels.size() > IXSLEUTELS)
         return "the head line gives no good record length or number of keys";
-    std::string titel;
-    CP850NAAR(dump.titel, &titel);
+    std::string titel = tekst_in(dump.titel);
     for (char& c : titel)
         if (c == ',')
             c = ' ';
     IXUPDFCB(icb, 0, (titel + "," + std::to_string(dump.reclen)).c_str());
     for (size_t s = 0; s < dump.sleutels.size(); s++)
-        IXUPDFCB(icb, static_cast<int>(s) + 1, dump.sleutels[s].c_str());
+        IXUPDFCB(icb, static_cast<int>(s) + 1, tekst_in(dump.sleutels[s]).c_str());
     return {};
 }
 
@@ -221,10 +220,10 @@ int ixload(const Opdracht& o) {
     IXCLOSE(icb);
     // As it was dumped, unless the user knows better.
     const std::vector<Veld> velden = indeling(!o.tabel.empty() ? o.tabel : uit_dump ? dump.naam : naam, kop);
-    if (kwaal.empty() && !lezer.indeling(velden, kop.reclen))
-        kwaal = lezer.fout();
     if (!kwaal.empty())
         return klacht(doel, kwaal), FOUT_GEVONDEN;
+    if (!lezer.indeling(velden, kop.reclen))
+        return klacht(bron, lezer.fout()), FOUT_GEVONDEN;
 
     Lading l;
     Schrijver zij(map.pad() + "/keten");
@@ -239,7 +238,9 @@ int ixload(const Opdracht& o) {
         return klacht(bron, lezer.fout()), FOUT_GEVONDEN;
 
     if (!herbouw(werk, naam))
-        return klacht(doel, "the index can't be built"), FOUT_GEVONDEN;
+        return klacht(doel, std::string("the index can't be built") + (errno ? ": " : "") +
+                                (errno ? strerror(errno) : "")),
+               FOUT_GEVONDEN;
     if (int fout = meld(bron, dubbele_regels(werk, velden, regels)))
         return fout;
     // A chain that the dump tells only in part, or wrongly, is left as the rebuild made it.

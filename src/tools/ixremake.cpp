@@ -250,7 +250,7 @@ int maak(const std::string& naam, const Opdracht& o) {
     if (!bevindingen.empty())
         return FOUT_GEVONDEN;
     if (!o.stil)
-        printf("%s: rebuilt\n", naam.c_str());
+        tool_zeg("%s: rebuilt\n", naam.c_str());
     return GOED;
 }
 

@@ -85,7 +85,7 @@ Stat meet(const Paar& paar) {
 
 void als_json(const Paar& paar, const Stat& s) {
     nlohmann::json j = {{"name", tabelnaam(paar.naam)},
-                        {"title", CP850UTF8(VASTTEKST(paar.kop.title))},
+                        {"title", tekst_uit(VASTTEKST(paar.kop.title))},
                         {"reclen", paar.kop.reclen},
                         {"records", paar.kop.nrecs - s.vrij},
                         {"free", s.vrij},
@@ -108,19 +108,19 @@ void als_json(const Paar& paar, const Stat& s) {
 
 void als_tekst(const Paar& paar, const Stat& s) {
     auto L = [](int64_t n) { return static_cast<long long>(n); };
-    printf("%s  \"%s\"  %d bytes a record, version %d%s\n", paar.naam.c_str(),
-           CP850UTF8(VASTTEKST(paar.kop.title)).c_str(), paar.kop.reclen, paar.kop.version,
-           paar.kop.busy ? ", marked busy" : "");
-    printf("  %lld records, %lld free; %lld index blocks, %lld unused; %d keys reserved\n",
-           L(paar.kop.nrecs - s.vrij), L(s.vrij), L(s.blokken), L(s.ongebruikt), s.gereserveerd);
+    tool_zeg("%s  \"%s\"  %d bytes a record, version %d%s\n", paar.naam.c_str(),
+             tekst_uit(VASTTEKST(paar.kop.title)).c_str(), paar.kop.reclen, paar.kop.version,
+             paar.kop.busy ? ", marked busy" : "");
+    tool_zeg("  %lld records, %lld free; %lld index blocks, %lld unused; %d keys reserved\n",
+             L(paar.kop.nrecs - s.vrij), L(s.vrij), L(s.blokken), L(s.ongebruikt), s.gereserveerd);
     for (size_t k = 0; k < s.bomen.size(); k++) {
         const Boom& b = s.bomen[k];
         const int maxent = paar.kop.keydef[k].maxent;
         const double plaatsen = static_cast<double>(b.bladen) * (maxent - 1);
-        printf("  key %zu  %-40s %3d bytes, depth %d, %lld nodes, %lld leaves %.0f%% full%s\n", k + 1,
-               sleuteltekst(paar.kop.keydef[k]).c_str(), paar.kop.keydef[k].keylen, b.diepte, L(b.knopen),
-               L(b.bladen), plaatsen > 0 ? 100.0 * static_cast<double>(b.ingangen) / plaatsen : 0.0,
-               b.heel ? "" : ", tree not whole");
+        tool_zeg("  key %zu  %-40s %3d bytes, depth %d, %lld nodes, %lld leaves %.0f%% full%s\n", k + 1,
+                 sleuteltekst(paar.kop.keydef[k]).c_str(), paar.kop.keydef[k].keylen, b.diepte, L(b.knopen),
+                 L(b.bladen), plaatsen > 0 ? 100.0 * static_cast<double>(b.ingangen) / plaatsen : 0.0,
+                 b.heel ? "" : ", tree not whole");
     }
 }
 

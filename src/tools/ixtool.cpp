@@ -34,7 +34,7 @@ const Tool TOOLS[] = {
     {"ixstat", "show definitions, counts, tree depths and fill of pairs", "", ixstat, "njw"},
     {"ixdump", "write a pair as CSV or JSON lines, in UTF-8",
      "Free slots are written too: ixload gives the same data file back, byte for byte.", ixdump,
-     "1djDNAWoHw"},
+     "1djDNAWoRHw"},
     {"ixload", "make a pair from a dump",
      "Without a head line in the dump the definition comes from the dictionary (--dictionary), by the pair's "
      "name.",
@@ -156,6 +156,9 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
     case 'o':
         app.add_option("-o,--output", o.bestand, "file to write, else standard output");
         break;
+    case 'R':
+        app.add_flag("-r,--replace", o.vervang, "a file of that name may go, but none of a data directory");
+        break;
     case 'i':
         app.add_option("-i,--input", o.bestand, "file to read, else standard input");
         break;
@@ -198,7 +201,7 @@ void optie(CLI::App& app, char letter, Opdracht& o, std::string& een) {
 // A report of the store ends a tool in one line instead of the box of the screens.
 void rapport() {
     const char* reden = SCRFATALREDEN();
-    fprintf(stderr, *reden ? "%s: %s (%s)\n" : "%s: %s\n", toolnaam.c_str(), SCRFATALTEKST(), reden);
+    klacht("", CP850UTF8(SCRFATALTEKST()) + (*reden ? std::string(" (") + reden + ")" : ""));
     ga_weg(FOUT_GEVONDEN);
 }
 

@@ -1,4 +1,5 @@
 #include "tools/jsonregel.h"
+#include "tools/tool.h"
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
@@ -16,7 +17,8 @@ struct Ontvanger {
 
     bool mis(const std::string& wat) { return fout = wat, false; }
     bool geen_waarde() {
-        return mis(diepte ? velden->back().first + ": not a text or a whole number" : "not a JSON object");
+        return mis(diepte ? citaat(velden->back().first) + ": not a text or a whole number"
+                          : "not a JSON object");
     }
     bool waarde(const std::string& tekst) {
         return diepte ? velden->back().second = tekst, true : geen_waarde();
@@ -35,7 +37,7 @@ struct Ontvanger {
     bool end_array() { return true; }
     bool key(std::string& naam) {
         if (std::ranges::any_of(*velden, [&](const auto& v) { return v.first == naam; }))
-            return mis(naam + " stands in it twice");
+            return mis(citaat(naam) + " stands in it twice");
         velden->emplace_back(naam, "");
         return true;
     }

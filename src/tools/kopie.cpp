@@ -21,7 +21,7 @@ volatile int kopie_gestopt;
 
 namespace {
 
-constexpr size_t STUK = 1 << 20;
+constexpr size_t STUK = 1 << 20; // bytes; of a new file one of nothing but zeros becomes a hole
 constexpr int64_t SECONDE = 1'000'000'000;
 
 int64_t nanos(const timespec& t) {
@@ -68,8 +68,9 @@ struct Wandeling {
 bool blijft_link(Wandeling* w, const std::string& naam, const std::string& pad, Kopiepost* post) {
     const std::string doel = echt_pad(pad);
     struct stat st;
-    const bool weg = doel.empty() || stat(pad.c_str(), &st) != 0;
-    if (!weg && !(doel + "/").starts_with(w->wortel + "/") && !(w->wortel + "/").starts_with(doel + "/") &&
+    const bool weg = doel.empty() || stat(pad.c_str(), &st) != 0,
+               buiten = !weg && !(doel + "/").starts_with(w->wortel + "/");
+    if (buiten && !(w->wortel + "/").starts_with(doel == "/" ? doel : doel + "/") &&
         !w->boven.contains({st.st_dev, st.st_ino})) {
         noot(w->k, naam + ": leads to " + doel + "; the copy has what is there in its place");
         post->st = st;
@@ -80,6 +81,9 @@ bool blijft_link(Wandeling* w, const std::string& naam, const std::string& pad, 
     post->link.assign(tekst, static_cast<size_t>(std::max<ssize_t>(n, 0)));
     if (weg)
         noot(w->k, naam + ": a link that leads nowhere");
+    else if (buiten)
+        noot(w->k, naam + ": leads to " + doel +
+                       ", which has this directory or the copy in it; the copy has the link alone");
     return true;
 }
 
@@ -130,6 +134,7 @@ bool wandel(Wandeling* w, const std::string& onder) {
 int gelijk(int van, int naar, bool nieuw, void (*gang)(int64_t)) {
     static std::vector<char> a(STUK), b(STUK);
     int anders = 0;
+    bool gat = false; // behind the last byte written
     for (int64_t p = 0;;) {
         if (kopie_gestopt)
             return errno = EINTR, -1;
@@ -138,8 +143,11 @@ int gelijk(int van, int naar, bool nieuw, void (*gang)(int64_t)) {
         if (n < 0 || m < 0)
             return -1;
         if (n == 0)
-            return m == 0 ? anders : SYS.ftruncate(naar, p) == 0 ? 1 : -1;
-        if (n != m || memcmp(a.data(), b.data(), static_cast<size_t>(n)) != 0) {
+            return m == 0 && !gat ? anders : SYS.ftruncate(naar, p) == 0 ? 1 : -1;
+        gat = nieuw && a[0] == 0 && memcmp(a.data(), a.data() + 1, static_cast<size_t>(n) - 1) == 0;
+        if (gat) {
+            anders = 1; // a hole
+        } else if (n != m || memcmp(a.data(), b.data(), static_cast<size_t>(n)) != 0) {
             if (!SYSSCHRIJFOP(naar, a.data(), static_cast<size_t>(n), p))
                 return -1;
             anders = 1;

@@ -112,8 +112,13 @@ bool kopie_lijst(Kopie* k, const std::string& kop) {
 
 bool kopie_nakijken(const std::string& map, std::vector<std::string>* kwalen, std::vector<std::string>* noten,
                     std::string* fout) {
-    std::ifstream in(map + "/" + KOPIELIJST, std::ios::binary);
+    const std::string lijst = map + "/" + KOPIELIJST;
     std::string regel;
+    if (const int fd = open_gewoon(lijst, O_RDONLY); fd >= 0)
+        SYS.close(fd);
+    else if (errno != ENOENT)
+        return *fout = lijst + ": " + openreden(errno), false;
+    std::ifstream in(lijst, std::ios::binary);
     *fout = map + ": ";
     if (!in.is_open())
         return *fout += std::string("no ") + KOPIELIJST + " in it: no copy, or not the whole of one", false;

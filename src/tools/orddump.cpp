@@ -6,6 +6,7 @@
 #include "tools/ordjson.h"
 #include "tools/ordkeur.h"
 #include "tools/ordplaats.h"
+#include "tools/paar.h"
 #include "tools/tool.h"
 #include "tools/wie.h"
 #include <CLI/CLI.hpp>
@@ -95,19 +96,16 @@ struct {
 } som;
 
 int een(const Wens& w, const std::string& pad) {
-    int fd = open(pad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    struct stat voor;
-    if (fd < 0 || fstat(fd, &voor) != 0 || !S_ISREG(voor.st_mode)) {
-        klacht(pad, fd < 0 ? strerror(errno) : "not a plain file");
-        if (fd >= 0)
-            close(fd);
-        return NIET_TE_OPENEN;
-    }
+    const int fd = open_gewoon(pad, O_RDONLY);
+    struct stat voor = {};
+    if (fd < 0)
+        return klacht(pad, openreden(errno)), NIET_TE_OPENEN;
+    fstat(fd, &voor);
     ordsoort soort = soort_van(w, pad);
     ordtelling telling;
     if (!w.check) {
         if (w.met_naam && !w.json)
-            printf("%s:\n", pad.c_str());
+            tool_zeg("%s:\n", pad.c_str());
         toon(w, pad, fd);
     }
     Ordplaats plaats;
@@ -127,10 +125,10 @@ int een(const Wens& w, const std::string& pad) {
     if (uitkomst == IN_GEBRUIK)
         klacht(pad, "in use" + wie + ": this may be half written, look again later");
     if (w.check)
-        printf("%s: %s, %lld orders, %lld models, %lld lines, %lld records%s\n", pad.c_str(),
-               soort == ORD_WERK ? "work file" : "journal", static_cast<long long>(telling.orders),
-               static_cast<long long>(telling.modellen), static_cast<long long>(telling.regels),
-               static_cast<long long>(telling.records), kwalen.empty() ? ", good" : "");
+        tool_zeg("%s: %s, %lld orders, %lld models, %lld lines, %lld records%s\n", pad.c_str(),
+                 soort == ORD_WERK ? "work file" : "journal", static_cast<long long>(telling.orders),
+                 static_cast<long long>(telling.modellen), static_cast<long long>(telling.regels),
+                 static_cast<long long>(telling.records), kwalen.empty() ? ", good" : "");
     return uitkomst;
 }
 

@@ -1,6 +1,7 @@
 #include "tools/ordjson.h"
 #include "order/ordrec.h"
 #include "tools/jsonregel.h"
+#include "tools/tool.h"
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -56,7 +57,7 @@ std::string ord_uit_json(std::string_view regel, std::vector<uint8_t>* rec, std:
         return fout;
     const int lengte = tag.size() == 1 ? ord_lengte(tag[0]) : -1;
     if (lengte < 0)
-        return tag.empty() ? "no tag" : "no such tag: " + tag;
+        return tag.empty() ? "no tag" : "no such tag: " + citaat(tag);
     rec->assign(static_cast<size_t>(lengte) + 1, 0);
     rec->front() = static_cast<uint8_t>(tag[0]);
     const std::vector<Veld>& bekend = ord_velden(tag[0]);
@@ -65,7 +66,7 @@ std::string ord_uit_json(std::string_view regel, std::vector<uint8_t>* rec, std:
             continue;
         const auto v = std::ranges::find(bekend, naam, &Veld::naam);
         if (v == bekend.end())
-            return "no such field of " + tag + ": " + naam;
+            return "no such field of " + tag + ": " + citaat(naam);
         if (fout = veld_in(*v, waarde, rec->data() + 1); !fout.empty())
             return fout;
     }

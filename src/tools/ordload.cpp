@@ -70,7 +70,7 @@ Uitkomst lees(std::istream& in, const std::string& naam, int fd, Spoel* regels) 
         if (!records++)
             eerste = bestand;
         if (bestand != eerste)
-            return bij_regel("of another file: " + bestand + "; one journal at a time");
+            return bij_regel("of another file: " + citaat(bestand) + "; one journal at a time");
         hap.insert(hap.end(), rec.begin(), rec.end());
         omvang += static_cast<int64_t>(rec.size());
         if (omvang > INT32_MAX)
@@ -190,6 +190,8 @@ Uitkomst laad() {
             return mis(FOUT_GEBRUIKT, plaats.map + naam,
                        "the full registration is in use here; orders would have no labels");
     const std::string pad = fs::absolute(wens.journaal).string();
+    if (struct stat st; stat(pad.c_str(), &st) == 0 && !S_ISREG(st.st_mode))
+        return mis(NIET_TE_OPENEN, pad, "not a plain file");
     if (IOSIZE(pad.c_str()) > 0 && !wens.vervang && !wens.check)
         return mis(FOUT_GEBRUIKT, pad, "exists already; --replace lets it go");
     std::ifstream bestand;

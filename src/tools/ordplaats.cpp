@@ -99,7 +99,7 @@ std::vector<std::string> ord_bestanden(const std::string& map) {
     const auto neem = [&uit](const fs::directory_entry& e) {
         Ordplaats plaats;
         std::error_code fout;
-        if (ord_plaats(e.path().string(), &plaats) && e.is_regular_file(fout) &&
+        if (ord_plaats(e.path().string(), &plaats) && // what is no file is told when it is read
             (!plaats.werk || e.file_size(fout) > 0))
             uit.push_back(e.path().string());
     };

@@ -20,6 +20,7 @@
 #include "term/vast.h"
 #include "tools/ordplaats.h"
 #include "tools/paar.h"
+#include "tools/uitvoer.h"
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <charconv>
@@ -150,8 +151,8 @@ bool open_job(const std::string& titel) {
     }
     const fs::path doel = wens.uit;
     const std::string map = doel.parent_path().string();
-    if (fs::exists(doel))
-        return klacht(wens.uit, strerror(EEXIST)), false;
+    if (const std::string bezet = uitvoer_bezet(wens.uit, false); !bezet.empty() || fs::exists(doel))
+        return klacht(wens.uit, bezet.empty() ? strerror(EEXIST) : bezet), false;
     if (!prt_bestaat(Printweg::map, map))
         return klacht(wens.uit, "nothing is printed there"), false;
     job.weg = Printweg::bestand;
@@ -210,6 +211,10 @@ int doe() {
     Ordplaats plaats;
     if (!ord_plaats(wens.journaal, &plaats) || plaats.werk || !plaats.leverancier)
         return klacht(wens.journaal, "not called SEASON/ORDnnnn.JRN"), FOUT_GEBRUIKT;
+    const int fd = open_gewoon(wens.journaal, O_RDONLY);
+    if (fd < 0)
+        return klacht(wens.journaal, openreden(errno)), NIET_TE_OPENEN;
+    close(fd);
     if (!wens.uit.empty())
         wens.uit = fs::absolute(wens.uit).string();
     seizoensmap = plaats.seizoen;

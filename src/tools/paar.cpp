@@ -57,9 +57,9 @@ int paar_open(const std::string& naam, Paar* paar, bool zonder_index) {
     paar->naam = naam;
     for (auto [fd, ext] : {std::pair{&paar->idx, ".INX"}, {&paar->dat, ".TXT"}}) {
         std::string pad = naam + ext;
-        *fd = SYS.open(pad.c_str(), O_RDWR | O_CLOEXEC, 0);
+        *fd = open_gewoon(pad, O_RDWR);
         if (*fd < 0 && (errno == EACCES || errno == EROFS)) {
-            *fd = SYS.open(pad.c_str(), O_RDONLY | O_CLOEXEC, 0);
+            *fd = open_gewoon(pad, O_RDONLY);
             paar->alleen_lezen = true;
         }
         if (*fd < 0 && !(zonder_index && fd == &paar->idx && errno == ENOENT)) {
@@ -193,25 +193,35 @@ void weer_schrijven() {
     SYS.slot = echt.slot;
 }
 
+namespace {
+
+int gewoon(decltype(SYS.open) open, const char* pad, int vlaggen, mode_t mode) {
+    constexpr int PAUZE = 1000; // microseconds, while another looks whether anybody has it open
+    int fd = open(pad, vlaggen | O_NONBLOCK | O_NOCTTY, mode);
+    for (int n = 0; fd < 0 && errno == EWOULDBLOCK && n < PAUZE; n++) {
+        usleep(PAUZE);
+        fd = open(pad, vlaggen | O_NONBLOCK | O_NOCTTY, mode);
+    }
+    struct stat st;
+    if (fd < 0 || (vlaggen & O_DIRECTORY) || (SYS.fstat(fd, &st) == 0 && S_ISREG(st.st_mode)))
+        return fd;
+    SYS.close(fd);
+    errno = ENXIO;
+    return -1;
+}
+
+} // namespace
+
+int open_gewoon(const std::string& pad, int vlaggen) {
+    return gewoon(SYS.open, pad.c_str(), vlaggen | O_CLOEXEC, 0);
+}
+
 void gewone_bestanden() {
     static decltype(SYS.open) verder;
     if (verder)
         return;
     verder = SYS.open;
-    SYS.open = [](const char* pad, int vlaggen, mode_t mode) {
-        constexpr int PAUZE = 1000; // microseconds, while another looks whether anybody has it open
-        int fd = verder(pad, vlaggen | O_NONBLOCK | O_NOCTTY, mode);
-        for (int n = 0; fd < 0 && errno == EWOULDBLOCK && n < PAUZE; n++) {
-            usleep(PAUZE);
-            fd = verder(pad, vlaggen | O_NONBLOCK | O_NOCTTY, mode);
-        }
-        struct stat st;
-        if (fd < 0 || (vlaggen & O_DIRECTORY) || (SYS.fstat(fd, &st) == 0 && S_ISREG(st.st_mode)))
-            return fd;
-        SYS.close(fd);
-        errno = ENXIO;
-        return -1;
-    };
+    SYS.open = [](const char* pad, int vlaggen, mode_t mode) { return gewoon(verder, pad, vlaggen, mode); };
 }
 
 std::string openreden(int errnr) {
@@ -282,8 +292,8 @@ std::string een_paar(const std::vector<std::string>& argumenten) {
     return "";
 }
 
-Balk::Balk(std::string titel, int64_t totaal)
-    : titel_(std::move(titel)), totaal_(totaal), zichtbaar_(isatty(2)) {}
+Balk::Balk(const std::string& titel, int64_t totaal)
+    : titel_(schoon(titel)), totaal_(totaal), zichtbaar_(isatty(2)) {}
 
 void Balk::bij(int64_t stand, int64_t totaal) {
     if (!zichtbaar_ || totaal <= 0)

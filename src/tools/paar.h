@@ -68,7 +68,7 @@ std::string een_paar(const std::vector<std::string>& argumenten);
 // Progress on a terminal's standard error, nothing elsewhere: at most ten times a second.
 class Balk {
 public:
-    Balk(std::string titel, int64_t totaal);
+    Balk(const std::string& titel, int64_t totaal);
     ~Balk();
     void bij(int64_t stand) { bij(stand, totaal_); }
     void bij(int64_t stand, int64_t totaal);
@@ -93,6 +93,8 @@ public:
 void alleen_lezen(bool maken = false);
 void weer_schrijven();
 
+// A plain file that is there, or -1.
+int open_gewoon(const std::string& pad, int vlaggen);
 // From here on only plain files are opened, and directories by those who ask for one: of anything else (a pipe, a device) the
 // opening would wait, or its reading never end. openreden tells why an opening was refused.
 void gewone_bestanden();

@@ -3,14 +3,19 @@
 #include "shared/versie.h"
 #include "term/natl.h"
 #include "term/scherm.h"
+#include "term/tekenset.h"
 #include "term/tekst.h"
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <csignal>
+#include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <map>
+#include <sstream>
 #include <unistd.h>
 
 namespace zg {
@@ -27,6 +32,32 @@ void rapport() {
     if (eerst_doen)
         eerst_doen();
     tool_weg(NIET_TE_OPENEN);
+}
+
+// Can be shown as it is: no control, nor a sign that turns a line around or takes no room in it.
+bool toonbaar(char32_t u) {
+    return (u >= ' ' && u < 127) ||
+           (u >= 0xA0 && u != 0xAD && u != 0x61C && !(u >= 0x200B && u <= 0x200F) &&
+            !(u >= 0x2028 && u <= 0x202E) && !(u >= 0x2060 && u <= 0x206F) && u != 0xFEFF &&
+            !(u >= 0xFFF9 && u <= 0xFFFB) && !(u >= 0xE0000 && u <= 0xE007F));
+}
+
+// `tekst` with "?" for what isn't shown, but for the characters in `ook`.
+std::string zonder_sturing(std::string_view tekst, std::string_view ook) {
+    std::string uit;
+    while (!tekst.empty()) {
+        char32_t u = 0;
+        const int er = UTF8TEKEN(reinterpret_cast<const uint8_t*>(tekst.data()),
+                                 static_cast<int>(std::min<size_t>(tekst.size(), 4)), &u);
+        const size_t n = er > 0 ? static_cast<size_t>(er) : 1;
+        if (ook.find(tekst[0]) != std::string_view::npos ||
+            (er > 0 && toonbaar(u) && (er == 1 || UTF8SCHERM())))
+            uit += tekst.substr(0, n);
+        else
+            uit += '?';
+        tekst.remove_prefix(n);
+    }
+    return uit;
 }
 
 std::map<const CLI::Option*, std::string> mag; // tool_mag
@@ -69,13 +100,51 @@ void woordenlijst(const CLI::App& app, const std::string& opdracht) {
     }
 }
 
+// The help in lines of at most 80 columns: what goes on in a next one stands below the explanations.
+std::string op_breedte(const std::string& hulp) {
+    constexpr size_t BREED = 80, UITLEG = 30;
+    std::istringstream in(hulp);
+    std::string uit;
+    for (std::string regel; std::getline(in, regel); uit += regel + "\n") {
+        const std::string begin(regel.starts_with("  ") ? UITLEG : 0, ' ');
+        while (regel.size() > BREED) {
+            const size_t knip = regel.rfind(' ', BREED);
+            if (knip == std::string::npos || knip <= begin.size() || regel.find_first_not_of(' ') > knip)
+                break;
+            uit += regel.substr(0, regel.find_last_not_of(' ', knip) + 1) + "\n";
+            regel = begin + regel.substr(knip + 1);
+        }
+    }
+    return uit;
+}
+
 } // namespace
 
+std::string schoon(std::string_view tekst) {
+    return zonder_sturing(tekst, "");
+}
+
+std::string citaat(std::string_view tekst) {
+    constexpr size_t GENOEG = 60;
+    std::string uit = schoon(tekst.substr(0, GENOEG));
+    return tekst.size() > GENOEG ? uit + "..." : uit;
+}
+
+void tool_zeg(const char* vorm, ...) {
+    va_list a;
+    va_start(a, vorm);
+    char* regel = nullptr;
+    const int n = vasprintf(&regel, vorm, a);
+    va_end(a);
+    if (n < 0)
+        return;
+    const std::string uit = zonder_sturing({regel, static_cast<size_t>(n)}, "\n");
+    free(regel);
+    fwrite(uit.data(), 1, uit.size(), stdout);
+}
+
 void klacht(const std::string& naam, const std::string& tekst) {
-    std::string regel = naam + (naam.empty() ? "" : ": ") + tekst;
-    for (char& c : regel) // names and values as they were typed or found, in UTF-8
-        if (c != '\n' && (static_cast<uint8_t>(c) < ' ' || c == 127))
-            c = '?';
+    const std::string regel = zonder_sturing(naam + (naam.empty() ? "" : ": ") + tekst, "\n");
     fprintf(stderr, "%s: %s\n", toolnaam.c_str(), regel.c_str());
 }
 
@@ -102,6 +171,7 @@ void tool_begin(const char* naam, void (*eerst)()) {
     eerst_doen = eerst;
     SCRFATALHAAK = rapport;
     CATOPEN();
+    TEKENSET();
     setlocale(LC_MESSAGES, "C"); // what the system says stays as English as the tool
     signal(SIGPIPE, SIG_DFL);
     signal(SIGXFSZ, SIG_IGN);
@@ -122,7 +192,13 @@ bool tool_woorden(CLI::App& app, int argc, char** argv, int* uit) {
         app.parse(argc, argv);
         return true;
     } catch (const CLI::ParseError& e) {
-        *uit = app.exit(e) == 0 ? tool_einde(GOED) : FOUT_GEBRUIKT;
+        std::ostringstream hulp, niets;
+        if (app.exit(e, hulp, niets) == 0) {
+            fputs(op_breedte(hulp.str()).c_str(), stdout);
+            *uit = tool_einde(GOED);
+        } else {
+            *uit = meld(FOUT_GEBRUIKT, std::string(e.what()) + "\nRun with --help for more information.");
+        }
         return false;
     }
 }

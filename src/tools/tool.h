@@ -2,6 +2,7 @@
 #pragma once
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace CLI {
 class App;
@@ -14,7 +15,14 @@ namespace zg {
 enum Uitkomst { GOED = 0, FOUT_GEVONDEN = 1, FOUT_GEBRUIKT = 2, NIET_TE_OPENEN = 3, IN_GEBRUIK = 4 };
 
 extern std::string toolnaam;
-// A message on standard error: "ixdump: NAME: text"; controls but line feeds as "?".
+// A name, or another text in UTF-8 that somebody else wrote, as what a terminal can show: "?" for controls, for signs that
+// turn or hide what stands beside them, for bytes that are no UTF-8, and without a UTF-8 locale for all that isn't ASCII.
+std::string schoon(std::string_view tekst);
+// The same of a text out of a file, in a message: its begin, when it is long.
+std::string citaat(std::string_view tekst);
+// A line of a report on standard output, like printf; what `schoon` would change, but line feeds, as "?".
+void tool_zeg(const char* vorm, ...) __attribute__((format(printf, 1, 2)));
+// A message on standard error, in the same way: "ixdump: NAME: text".
 void klacht(const std::string& naam, const std::string& tekst);
 // The answer, told with what is wrong unless it is GOED.
 Uitkomst meld(Uitkomst uit, const std::string& wat);

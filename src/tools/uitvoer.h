@@ -6,10 +6,14 @@
 
 namespace zg {
 
+// May an output go to this name? Empty, or why not: what stands in a data directory and halves of pairs stay whatever was
+// asked for, another file unless it may be replaced.
+std::string uitvoer_bezet(const std::string& pad, bool vervang);
+
 class Uitvoer {
 public:
-    // "" is standard output; a device or fifo is written as it is.
-    explicit Uitvoer(const std::string& pad);
+    // "" is standard output; a device or fifo is written as it is. Without `vervang` no file that came meanwhile goes.
+    Uitvoer(const std::string& pad, bool vervang);
     ~Uitvoer();
     Uitvoer(const Uitvoer&) = delete;
     Uitvoer& operator=(const Uitvoer&) = delete;
@@ -21,7 +25,7 @@ private:
     bool plaats();
     std::string pad_, naast_; // its name, and the one that it has meanwhile or on its way
     FILE* stroom_ = nullptr;
-    bool naamloos_ = false;
+    bool vervang_, naamloos_ = false;
 };
 
 } // namespace zg

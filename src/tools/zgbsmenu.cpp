@@ -31,7 +31,8 @@ using namespace zg;
 
 constexpr char PROGRAMMA[] = "zgbsmenu", ORDERS[] = "zgbestel";
 constexpr char HULP[] = "usage: zgbsmenu, in a data directory\n"
-                        "A menu that logs a user in and starts zgbestel. --version and --help end at once.\n";
+                        "A menu that logs a user in and starts zgbestel.\n"
+                        "--version and --help end at once.\n";
 
 std::string argument0;
 

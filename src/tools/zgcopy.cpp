@@ -223,7 +223,7 @@ Uitkomst plaats(Kopie* k, int slot) {
 
 void zeg(const std::string& wat) {
     if (!wens.stil)
-        puts(wat.c_str());
+        tool_zeg("%s\n", wat.c_str());
 }
 
 int kopieer() {
@@ -279,7 +279,7 @@ int nakijken() {
         return meld(NIET_TE_OPENEN, fout);
     const int paren = wens.zonder_check ? 0 : kopie_paren(wens.map, &kwalen);
     for (const std::string& kwaal : kwalen)
-        puts(kwaal.c_str());
+        tool_zeg("%s\n", kwaal.c_str());
     for (const std::string& n : noten)
         zeg("note: " + n);
     zeg(wens.map + ": " + (kwalen.empty() ? "good" : std::to_string(kwalen.size()) + " wrong") +

@@ -94,9 +94,9 @@ public:
 private:
     void zeg(const std::string& proef, const std::string& kwaal) {
         if (kwaal.empty())
-            printf("good   %s\n", proef.c_str());
+            tool_zeg("good   %s\n", proef.c_str());
         else
-            printf("wrong  %s: %s; %s\n", proef.c_str(), kwaal.c_str(), raad(fs_, proef));
+            tool_zeg("wrong  %s: %s; %s\n", proef.c_str(), kwaal.c_str(), raad(fs_, proef));
         fflush(stdout);
         fout_ += !kwaal.empty();
     }
@@ -132,7 +132,7 @@ void Vragen::ingesteld() {
     if (weg_ || !fs_.starts_with("fuse.glusterfs"))
         return;
     if (eigen == "unknown" || ander == "unknown")
-        printf("       %s: not told by the mount\n", proef.c_str());
+        tool_zeg("       %s: not told by the mount\n", proef.c_str());
     else
         zeg(proef, eigen != "none" ? eigen : ander != "none" ? ander : "");
 }
@@ -277,7 +277,7 @@ int Vragen::doe() {
     fs_ = soort();
     const std::string ander = vraag("who");
     daar_ = ander.substr(0, ander.find(' '));
-    printf("%s: %s (%s) and %s\n", wens.map.c_str(), hier().c_str(), fs_.c_str(), ander.c_str());
+    tool_zeg("%s: %s (%s) and %s\n", wens.map.c_str(), hier().c_str(), fs_.c_str(), ander.c_str());
     if (daar_ == hier())
         daar_ = "the other side";
     klok();
@@ -290,15 +290,15 @@ int Vragen::doe() {
         for (int s = 0; s < R_AANTAL && !weg_; s++)
             ronde(s);
         if (!weg_)
-            printf("time   %s\n", deel_duur().c_str());
+            tool_zeg("time   %s\n", deel_duur().c_str());
     } else if (!weg_)
-        printf("       the rest goes by turns that are locks: not looked at\n");
+        tool_zeg("       the rest goes by turns that are locks: not looked at\n");
     if (weg_) {
         zeg("the other side", "doesn't answer any more");
         g_.ruim();
     } else
         vraag("end " + std::to_string(fout_));
-    printf("%s: %s\n", wens.map.c_str(), fout_ ? "can't be shared like this" : "can be shared");
+    tool_zeg("%s: %s\n", wens.map.c_str(), fout_ ? "can't be shared like this" : "can be shared");
     return fout_ ? FOUT_GEVONDEN : GOED;
 }
 
@@ -355,7 +355,7 @@ int antwoord() {
             g.antwoord(uit);
             usleep(500'000); // the other reads that
             g.ruim();
-            printf("%s: %s\n", wens.map.c_str(), n ? "can't be shared like this" : "can be shared");
+            tool_zeg("%s: %s\n", wens.map.c_str(), n ? "can't be shared like this" : "can be shared");
             return n ? FOUT_GEVONDEN : GOED;
         }
         g.antwoord(uit);

@@ -20,9 +20,9 @@ namespace {
 using namespace zg;
 
 constexpr int SLOT = 3; // the lock, when it comes from the program that printed
-constexpr char HULP[] =
-    "usage: zgspoel [-w] DESCRIPTION\n"
-    "Sends the print job that DESCRIPTION (PRxxnn.JOB) tells of; -w waits until it is out.\n";
+constexpr char HULP[] = "usage: zgspoel [-w] DESCRIPTION\n"
+                        "Sends the print job that DESCRIPTION (PRxxnn.JOB) tells of;\n"
+                        "-w waits until it is out.\n";
 
 int gebruik() {
     fputs(HULP, stderr);

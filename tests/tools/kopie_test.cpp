@@ -46,7 +46,9 @@ TEST_F(Kopie, HasAllOfItAndComesBack) {
     const Uit maak =
         sh("m=" + map.pad() + "; cd " + d +
            " && zgedi init internet && ln DTRCMSYS.TXT EDISYS.CVC && mkdir -p leeg/diep 'met spatie' && "
-           "echo x >'met spatie/a\\b' && ln -s DTLEV.TXT binnen && ln -s nergens los && mkfifo pijp && "
+           "echo x >'met spatie/a\\b' && ln -s DTLEV.TXT binnen && ln -s nergens los && ln -s .. op && "
+           "mkfifo pijp && "
+           "echo x >gat && truncate -s 64M gat && echo y >>gat && truncate -s 80M gat && "
            "chmod 0640 DTLEV.TXT && chmod 2770 leeg && chgrp " +
            std::to_string(GROEP) +
            " . && touch SERNR01.RES && "
@@ -62,8 +64,8 @@ TEST_F(Kopie, HasAllOfItAndComesBack) {
     ASSERT_TRUE(sh("ixcheck " + d + "/DTMERK").zegt("key reserved"));
     const Uit u = sh(zgcopy());
     ASSERT_EQ(u.status, 0) << u.tekst;
-    for (const char* noot :
-         {"pijp: no file", "los: a link that leads nowhere", "uit-huis: leads to", " pairs checked"})
+    for (const char* noot : {"pijp: no file", "los: a link that leads nowhere", "op: leads to",
+                             "uit-huis: leads to", " pairs checked"})
         EXPECT_TRUE(u.zegt(noot)) << noot << u.tekst;
     EXPECT_FALSE(u.zegt("moved")) << u.tekst;
     const Uit anders = sh("diff -r --no-dereference " + d + " kopie");
@@ -73,6 +75,7 @@ TEST_F(Kopie, HasAllOfItAndComesBack) {
     EXPECT_FALSE(sh("ixcheck kopie/DTMERK").zegt("reserved"));
     EXPECT_TRUE(fs::equivalent("kopie/DTRCMSYS.TXT", "kopie/EDISYS.CVC")) << "two names of one file";
     EXPECT_EQ(lees_bestand("kopie/uit-huis/ver"), "y\n");
+    EXPECT_LT(std::stoi(sh("stat -c %b kopie/gat").tekst), 8 * 1024) << "holes stay, in blocks of 512 bytes";
     EXPECT_EQ(rechten("kopie/DTLEV.TXT"), rechten(d + "/DTLEV.TXT"));
     EXPECT_EQ(rechten("kopie/leeg"), rechten(d + "/leeg"));
     EXPECT_EQ(rechten("kopie"), rechten(d));

@@ -55,9 +55,9 @@ TEST_F(Tools, DumpAndLoadGiveTheSameDataFile) {
             SCOPED_TRACE(std::string(s.naam) + " " + vorm);
             maak(s, 200);
             std::string n = s.naam;
-            Uit u =
-                sh("mkdir -p weer && ixdump " + n + " " + vorm + " -o uit && ixload --replace -i uit weer/" +
-                   n + " && ixload --replace -i uit weer/ANDER && cmp weer/ANDER.TXT weer/" + n + ".TXT");
+            Uit u = sh("mkdir -p weer && ixdump " + n + " " + vorm +
+                       " -r -o uit && ixload --replace -i uit weer/" + n +
+                       " && ixload --replace -i uit weer/ANDER && cmp weer/ANDER.TXT weer/" + n + ".TXT");
             ASSERT_EQ(u.status, 0) << u.tekst;
             EXPECT_TRUE(lees_bestand(n + ".TXT") == lees_bestand("weer/" + n + ".TXT"));
             std::string a = lees_bestand(n + ".INX"), b = lees_bestand("weer/" + n + ".INX");
@@ -81,7 +81,7 @@ TEST_F(Tools, ACutDataFileIsTold) {
     for (const auto& g : gevallen) {
         schrijf_bestand("EENVIER.TXT", data.substr(0, data.size() - static_cast<size_t>(g.weg)));
         for (const char* vorm : {"", " --hold", " --json"})
-            hoort(std::string("ixdump") + vorm + " EENVIER -o uit", 1, g.dump);
+            hoort(std::string("ixdump") + vorm + " EENVIER -r -o uit", 1, g.dump);
         hoort("ixcheck EENVIER", 1, g.check);
     }
 }
@@ -156,8 +156,8 @@ TEST_F(Tools, DumpOnlyWhatIsAskedFor) {
         {"ixdump -W merk=x DTMERK", "ixdump: --where: merk: not a number\n"},
         {"ixdump -W merk DTMERK", "ixdump: --where: not FIELD=VALUE: merk\n"},
         {"ixdump -W merkje=1 DTMERK", "ixdump: --where: no such field: merkje; there are merk naam"},
-        {"ixdump -a MERK OUD", "--as: no such table: MERK; there are DTART DTMERK"},
-        {"ixdump -D '\"' OUD", "--delimiter: one punctuation mark"},
+        {"ixdump -a MERK OUD", "ixdump: --as: no such table: MERK; there are DTART DTMERK"},
+        {"ixdump -D '\"' OUD", "ixdump: --delimiter: one punctuation mark"},
     };
     for (const auto& [opdracht, antwoord] : gevallen) {
         u = sh(opdracht);
@@ -199,6 +199,8 @@ TEST_F(Tools, ShellsCompleteTheToolsWords) {
              {"zgdruk change verbinding 4 1 map = ''", ""},
              {"zgdruk remove printer 4 ''", ""},
              {"zgedi get EDID", "EDIDIR"},
+             {"zgspoel --", "--help --version"},
+             {"zgbsmenu --h", "--help"},
          }) {
         const Uit u = sh(
             std::string(
