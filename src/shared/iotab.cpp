@@ -112,6 +112,14 @@ int vorige(int32_t* nr, void* record, const Systabel& tabel) {
     return 0;
 }
 
+// A path in the room that the report has for it: its begin and its end, which tells more.
+std::string in_het_kort(const std::string& pad) {
+    constexpr size_t RUIMTE = 39, BEGIN = 12;
+    return pad.size() <= RUIMTE
+               ? pad
+               : pad.substr(0, BEGIN) + "..." + pad.substr(pad.size() - (RUIMTE - BEGIN - 3));
+}
+
 void open_tabellen() {
     if (fd >= 0)
         return;
@@ -120,7 +128,7 @@ void open_tabellen() {
         char map[PATH_MAX];
         if (errno != ENOENT)
             STOPREDEN(errno);
-        SCRFATAL(TXT(T_NIET_AANWEZIG), bestand, getcwd(map, sizeof map) ? map : "");
+        SCRFATAL(TXT(T_NIET_AANWEZIG), bestand, in_het_kort(getcwd(map, sizeof map) ? map : "").c_str());
     }
 }
 

@@ -135,6 +135,13 @@ TEST_F(Tabellen, OtherFile) {
     sluit();
     IOUNLINK("ANDER.TXT");
     verwacht_stop([] { open(); }, "ANDER.TXT niet aanwezig in /");
+    verwacht_stop(
+        [] {
+            const char* lang = "een-heel-lange-mapnaam-met-haar-eind-eraan";
+            if (SYS.mkdir(lang, 0700) == 0 && chdir(lang) == 0)
+                open();
+        },
+        "-met-haar-eind-eraan");
     iotab_naam(nullptr);
     open();
     EXPECT_EQ(loop('N', 0), "1deze (6)");
