@@ -16,6 +16,6 @@ install(DIRECTORY ${CMAKE_BINARY_DIR}/completion/bash/ DESTINATION ${CMAKE_INSTA
         OPTIONAL)
 install(DIRECTORY ${CMAKE_BINARY_DIR}/completion/zsh/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions OPTIONAL)
 file(GLOB pages docs/*.md)
-list(FILTER pages EXCLUDE REGEX "(architecture|benchmark|decisions)[.]md$") # those are for who works on the sources
+list(FILTER pages EXCLUDE REGEX "(architecture|benchmark|decisions|mutations|walk)[.]md$") # those are for who has the sources
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN *.1)

@@ -1,6 +1,7 @@
 // What "cmake --install" puts down, under a prefix that the build doesn't know and that no path leads to.
 #include "support/demomap.h"
 #include "tools/shell.h"
+#include <regex>
 
 using namespace zg::test;
 namespace fs = std::filesystem;
@@ -34,6 +35,13 @@ TEST(Installatie, StaatOpZichzelf) {
         EXPECT_TRUE(fs::exists(waar + "/share/man/man1/" + naam + ".1"));
     }
     EXPECT_EQ(versies.size(), 1u) << "one line for all";
+    // Pages lead to no page that stayed behind.
+    const std::regex link("\\]\\(([^)#:]+)[)#]");
+    for (const auto& e : fs::directory_iterator(waar + "/share/doc/zgbestel")) {
+        const std::string tekst = lees_bestand(e.path());
+        for (std::sregex_iterator i(tekst.begin(), tekst.end(), link), eind; i != eind; ++i)
+            EXPECT_TRUE(fs::exists(e.path().parent_path() / (*i)[1].str())) << e.path() << " " << (*i)[1];
+    }
     EXPECT_GE(programmas, 20);
 
     // The demo firm's texts, the terminal's description, the language, the next program: all from their own place.
