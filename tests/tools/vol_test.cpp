@@ -56,6 +56,7 @@ TEST(Vol, NoToolEndsWellOnAFullDisk) {
     } RIJEN[] = {
         {"", "ixdump -o vol/uit $d/DTLEV", 0},
         {"", "ixdump $d/DTLEV | ixload vol/DTLEV"},
+        {"", "ixdump $d/DTEAN | ixload vol/DTEAN", 8}, // the data fits, the index doesn't
         {"cp $d/DTLEV.??? vol", "ixdump $d/DTLEV | ixload --replace -i - vol/DTLEV"},
         {"cp $d/DTLEV.??? vol", "ixdump $d/DTLEV | ixload --replace vol/DTLEV"},
         {"", "ixcopy $d/DTLEV vol"},
