@@ -1,5 +1,6 @@
 // Module ioink: its files held against each other.
 #include "shared/inkcheck.h"
+#include "shared/dagtekst.h"
 #include "shared/inkdeel.h"
 #include "shared/iomaat.h"
 #include "shared/iotab.h"
@@ -19,7 +20,7 @@ std::string in_record(int32_t nr, const std::string& wat) {
 
 std::string naam(const prijsset& s) {
     return "series " + serie_tekst(s.serie) + ", set " + std::to_string(s.setnr) + " until " +
-           std::to_string(s.tot) + ": ";
+           dag_tekst(s.tot) + ": ";
 }
 
 std::string woorden(Inkfout fout, int32_t waar) {
@@ -92,7 +93,7 @@ void toets_sets(Stand* stand, const std::function<void(const prijsset&)>& bij) {
             kwaal("begins after its last day");
         else if (stand->telling.sets > 1 && zelfde_serie(set.serie, vorige.serie) &&
                  set.setnr == vorige.setnr && set.van <= vorige.tot)
-            kwaal("overlaps the one until " + std::to_string(vorige.tot));
+            kwaal("overlaps the one until " + dag_tekst(vorige.tot));
         if (bij)
             bij(set);
         vorige = set;

@@ -1,5 +1,6 @@
 #include "tools/indeling.h"
 #include "codes/seizoen.h"
+#include "shared/dagtekst.h"
 #include "term/datum.h"
 #include "term/natl.h"
 #include "term/vast.h"
@@ -126,28 +127,17 @@ int teken_in(int32_t u) {
     return u < 0 ? -1 : CP850EXACT(static_cast<char32_t>(u));
 }
 
-// Day numbers as 2016-03-01, 0 as nothing, those behind the calendar's end as #65500.
-std::string datum_uit(uint16_t nr) {
-    if (nr == 0)
-        return {};
-    if (!is_dag(nr))
-        return "#" + std::to_string(nr);
-    char t[9];
-    DATUMTEKST(t, nr, true);
-    return std::string(t + 4, 4) + "-" + std::string(t + 2, 2) + "-" + std::string(t, 2);
-}
-
 bool datum_in(const std::string& tekst, uint16_t* nr) {
     int jaar, maand, dag;
     char rest, t[40];
     if (sscanf(tekst.c_str(), "#%hu%c", nr, &rest) == 1)
-        return datum_uit(*nr) == tekst;
+        return dag_tekst(*nr) == tekst;
     if (sscanf(tekst.c_str(), "%4d-%2d-%2d%c", &jaar, &maand, &dag, &rest) != 3 || jaar < 1900 || maand < 1 ||
         dag < 1)
         return false;
     snprintf(t, sizeof t, "%02d%02d%04d", dag, maand, jaar);
     *nr = DATUMGELDIG(t) ? DATUMNR(t) : 0;
-    return *nr != 0 && datum_uit(*nr) == tekst;
+    return *nr != 0 && dag_tekst(*nr) == tekst;
 }
 
 int hexcijfer(char c) {
@@ -202,12 +192,6 @@ int64_t veld_getal(const uint8_t* bytes, int lengte, bool teken) {
     return teken ? int64_t{static_cast<int32_t>(w << schuif) >> schuif} : int64_t{w};
 }
 
-bool is_dag(uint16_t nr) {
-    char t[9];
-    DATUMTEKST(t, nr, true);
-    return nr != 0 && DATUMNR(t) == nr;
-}
-
 std::string tekst_uit(std::string_view bytes) {
     std::string uit;
     for (const char c : bytes) {
@@ -238,7 +222,7 @@ std::string veld_uit(const Veld& veld, const uint8_t* rec) {
     case 'i':
         return std::to_string(veld_getal(p, veld.lengte, true));
     case 'd':
-        return datum_uit(static_cast<uint16_t>(getal_uit(p, 2)));
+        return dag_tekst(static_cast<uint16_t>(getal_uit(p, 2)));
     case 'c': {
         int n = veld.lengte;
         while (n > 0 && p[n - 1] == 0)

@@ -54,7 +54,6 @@ std::string tabelnaam(std::string_view pad);
 // U+2421), so every one of the 256 bytes comes back.
 std::string veld_uit(const Veld& veld, const uint8_t* rec);
 int64_t veld_getal(const uint8_t* bytes, int lengte, bool teken); // an integer of 1, 2 or 4 bytes
-bool is_dag(uint16_t nr);                                         // a day of the calendar
 // The reverse; empty when it went in, else what is wrong with the value (the record is as it was).
 std::string veld_in(const Veld& veld, std::string_view waarde, uint8_t* rec);
 

@@ -1,4 +1,5 @@
 #include "tools/veldkeur.h"
+#include "shared/dagtekst.h"
 #include "shared/registerrec.h"
 #include "store/ix.h"
 #include "term/natl.h"

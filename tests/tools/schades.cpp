@@ -222,7 +222,7 @@ const std::vector<Schade> SCHADES = {
                zet(m, "DTEAN.TXT", sizeof(eanrec) + offsetof(eanrec, kleur), uint16_t{77});
                zet(m, "DTORDNR.TXT", sizeof(ordnrrec), int32_t{77});
            }),
-    blijft("price records cut off", {"DTIPA: series ", "outside DTIPG.TXT"},
+    blijft("price records cut off", {"DTIPA: series ", " until #65534: the chain ", "outside DTIPG.TXT"},
            kort("DTIPG.TXT", 50 * sizeof(prijsgroeprec))),
     heelt("a wild counter of codes",
           {"DTEAN: DTSYS.TXT system record 14: the last code is 4294967295, more than there are"},
