@@ -47,8 +47,11 @@ keurbestand keur(const std::string& naam, int seconden) {
             uit.noten.push_back("in use; a change meanwhile looks like damage");
         paar_los(&paar);
     }
-    if (uit.kwalen.empty() && paar_kop(&paar).empty())
+    if (uit.kwalen.empty() && paar_kop(&paar).empty()) {
+        if (const std::string wat = kop_naamfout(paar.kop); !wat.empty())
+            uit.kwalen.push_back("header: " + wat + " (ixremake --dictionary)");
         tegen_woordenboek(paar, &uit);
+    }
     uit.telling = keur_aantal(telling.levend, "records");
     return uit;
 }
@@ -64,6 +67,8 @@ keurbestand bijboom(const std::string& naam) {
     }
     IXTELLING telling;
     uit.kwalen = IXDIEPCHECK(inx.fd, dat.fd, true, &telling);
+    if (!uit.kwalen.empty())
+        uit.kwalen.push_back("a temporary or old index, which no program needs: remove it when nobody is in");
     uit.telling = keur_aantal(telling.gebruikt, "blocks of an index over ") + data;
     return uit;
 }

@@ -1,6 +1,7 @@
 #include "tools/indeling.h"
 #include "codes/seizoen.h"
 #include "shared/dagtekst.h"
+#include "shared/ioeti.h"
 #include "term/datum.h"
 #include "term/natl.h"
 #include "term/vast.h"

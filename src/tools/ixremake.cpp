@@ -75,7 +75,7 @@ std::string plan(const Paar& paar, const Opdracht& o, Bouwplan* p) {
             return kwaal;
     if (kop_telt && o.reclen && o.reclen != icb.h.reclen)
         return "the header says " + std::to_string(icb.h.reclen) + " bytes a record";
-    p->nieuw = !kop || (o.woordenboek && (fout || verschil != DD_GELIJK));
+    p->nieuw = !kop || (o.woordenboek && (fout || verschil != DD_GELIJK || !kop_naamfout(icb.h).empty()));
     if (p->nieuw && !o.woordenboek)
         return std::string("no index to take the definition from") +
                (nr ? "; ixremake --dictionary makes it anew" : ", and not in the dictionary");

@@ -21,8 +21,7 @@ namespace {
 
 // Of a supplier, with that extension.
 bool is_van(const std::string& naam, const char* ext) {
-    return naam.starts_with("ORD") && naam.ends_with(ext) && naam.size() > 7 &&
-           naam.find_first_not_of("0123456789", 3) == naam.size() - 4;
+    return keur_past("ORD####.???", naam) && naam.ends_with(ext);
 }
 uint16_t leverancier_van(const std::string& naam) {
     return static_cast<uint16_t>(strtoul(naam.c_str() + 3, nullptr, 10));
@@ -241,6 +240,8 @@ void lees_seizoen(const std::string& map, const stamboek* boek, journalen* j) {
     std::set<std::string> gezien;
     for (const std::string& naam : namen_in(map, ".JRN")) {
         const Plaats plaats{map, naam, leverancier_van(naam)};
+        if (!plaats.leverancier)
+            continue; // whose journal has another name
         gezien.insert(plaats.naast(".WRK"));
         lees_journaal(plaats, boek, j);
     }

@@ -89,6 +89,7 @@ keurbestanden keur_samen(keurbestanden alle) {
         er->kwalen.insert(er->kwalen.end(), b.kwalen.begin(), b.kwalen.end());
         er->noten.insert(er->noten.end(), b.noten.begin(), b.noten.end());
         er->verloren += b.verloren;
+        er->namen |= b.namen;
     }
     return uit;
 }

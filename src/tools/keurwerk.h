@@ -14,6 +14,7 @@ struct keurbestand {
     std::vector<std::string> kwalen = {}; // what is wrong
     std::vector<std::string> noten = {}; // what needs no repair, or may be in a program's hand at this moment
     int64_t verloren = 0;                // blocks or records that nobody has; each is among `kwalen`
+    bool namen = false;                  // the notes are names of files, in their own bytes
 };
 using keurbestanden = std::vector<keurbestand>;
 

@@ -1,5 +1,6 @@
 // The link tables of edistam: numbers that tie codes of partners to our own master data. A number that goes takes its records
 // along, so what is left of one is a note: nobody ever asks for it. See tools/stamkeur.h.
+#include "shared/files.h"
 #include "shared/stamrec.h"
 #include "term/strings.h"
 #include "tools/stamkeur.h"
@@ -31,6 +32,8 @@ keurbestanden koppel_keur(const stamboek& boek) {
                 continue;
             const std::string paar = "edistam/" + naam.substr(0, naam.size() - 4);
             keurbestand b{paar, ""};
+            if (!IOEXISTS((paar + ".INX").c_str()) && (uit.empty() || uit.back().naam != paar))
+                b.kwalen.push_back(paar + ".INX isn't there: restore both files from a copy");
             keurhoop weg;
             const auto zie = [&](const keurnummers& bekend, const char* wat, int64_t nr) {
                 if (!bekend.kent(static_cast<int32_t>(nr)))

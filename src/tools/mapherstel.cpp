@@ -44,10 +44,11 @@ bool lees_kop(const keurlezer& inx, IXHEADER* kop) {
     return inx.fd >= 0 && SYSLEES(inx.fd, kop, sizeof *kop, 0) == ssize_t{sizeof *kop} && !IXDEFFOUT(*kop);
 }
 
-// Does the header make no sense, or give records a length that doesn't fit the data file, as the dictionary's does?
+// Does the header make no sense in its names or definitions, or give records a length that doesn't fit the data file, as the
+// dictionary's does?
 bool kop_vals(const std::string& paar) {
     IXHEADER kop;
-    if (!lees_kop(keurlezer(paar + ".INX"), &kop))
+    if (!lees_kop(keurlezer(paar + ".INX"), &kop) || !kop_naamfout(kop).empty())
         return true;
     const int nr = DDNUMMER(paar.c_str());
     const int64_t bytes = IOSIZE((paar + ".TXT").c_str());

@@ -250,6 +250,19 @@ bool woordenboekkop(const std::string& naam, int64_t databytes, IXHEADER* kop) {
     return true;
 }
 
+std::string kop_naamfout(const IXHEADER& kop) {
+    const auto fout = [](std::string_view tekst) {
+        return std::ranges::any_of(tekst.substr(0, tekst.find('\0')),
+                                   [](char c) { return NKLASSE[static_cast<uint8_t>(c)] & N_CONTROL; });
+    };
+    if (fout({kop.name, sizeof kop.name}) || fout({kop.title, sizeof kop.title}))
+        return "its name or title holds a byte which is no letter";
+    for (int k = 0; k < kop.nkeys; k++)
+        if (fout({kop.keydef[k].keyname, sizeof kop.keydef[k].keyname}))
+            return "the name of key " + std::to_string(k + 1) + " holds a byte which is no letter";
+    return "";
+}
+
 bool paren(const std::vector<std::string>& argumenten, std::vector<std::string>* namen) {
     namespace fs = std::filesystem;
     bool goed = true;

@@ -59,6 +59,9 @@ void wacht_hooguit(int seconden);
 // bytes; false when it doesn't know it.
 bool woordenboekkop(const std::string& naam, int64_t databytes, IXHEADER* kop);
 
+// A name, title or key name in a header that holds bytes which are no letters; empty when none does. Nothing goes by them.
+std::string kop_naamfout(const IXHEADER& kop);
+
 // The pairs meant by the arguments: names (an extension .INX or .TXT is taken off), or all the pairs of a
 // directory, sorted. False with a message when an argument means none.
 bool paren(const std::vector<std::string>& argumenten, std::vector<std::string>* namen);

@@ -1,8 +1,11 @@
 #include "tools/rechtkeur.h"
 #include "term/strings.h"
 #include "tools/journaalkeur.h"
+#include "tools/restkeur.h"
 #include <cerrno>
+#include <cstring>
 #include <pwd.h>
+#include <set>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,28 +17,20 @@ struct Recht {
     mode_t is, hoort;
     uid_t eigenaar;
     gid_t groep, hoort_groep;
+    bool link = false;
 };
 
 // `map` is the directory of data. Where its group may not write, one account works there, and the group doesn't count.
 Recht oordeel(const std::string& pad, const struct stat& st, const struct stat& map) {
     const bool samen = map.st_mode & S_IWGRP;
-    const mode_t ruim = S_ISDIR(st.st_mode) ? S_IRWXU | (samen ? S_IRWXG | S_ISGID : 0)
-                                            : S_IRUSR | S_IWUSR | (samen ? S_IRGRP | S_IWGRP : 0);
-    const mode_t is = st.st_mode & 07777;
-    return {pad, is, (is | ruim) & ~mode_t{S_IWOTH}, st.st_uid, st.st_gid, samen ? map.st_gid : st.st_gid};
-}
-
-// A directory, and the files in it. A macro on its way to the next program is its user's alone.
-void lees(const std::string& map, const struct stat& boven, std::vector<Recht>* uit) {
-    struct stat st;
-    if (stat(map.c_str(), &st) != 0)
-        return;
-    uit->push_back(oordeel(map, st, boven));
-    for (const std::string& naam : keur_namen(map)) {
-        const std::string pad = map == "." ? naam : map + "/" + naam;
-        if (lstat(pad.c_str(), &st) == 0 && S_ISREG(st.st_mode) && !naam.ends_with(".TMP"))
-            uit->push_back(oordeel(pad, st, boven));
-    }
+    const mode_t is = st.st_mode & 07777, groep = samen ? S_IRGRP | S_IWGRP : 0, eigen = S_IRUSR | S_IWUSR;
+    mode_t hoort = eigen | groep;
+    if (S_ISDIR(st.st_mode)) { // sticky, nobody could put a file in place of a colleague's
+        const mode_t te_veel = S_IWOTH | (samen ? S_ISVTX : 0);
+        hoort = (is | S_IRWXU | (samen ? S_IRWXG | S_ISGID : 0)) & ~te_veel;
+    } else if (!(is & ~mode_t{eigen | S_IRGRP | S_IWGRP | S_IROTH}))
+        hoort |= is;
+    return {pad, is, hoort, st.st_uid, st.st_gid, samen ? map.st_gid : st.st_gid};
 }
 
 std::vector<Recht> alle() {
@@ -43,10 +38,25 @@ std::vector<Recht> alle() {
     struct stat boven;
     if (stat(".", &boven) != 0)
         return uit;
-    lees(".", boven, &uit);
+    std::set<std::string> gehad;
+    const auto neem = [&](const std::string& pad, bool map) {
+        struct stat st, zelf;
+        if (!gehad.insert(pad).second || stat(pad.c_str(), &st) != 0 || lstat(pad.c_str(), &zelf) != 0 ||
+            !(map ? S_ISDIR(st.st_mode) : S_ISREG(st.st_mode)))
+            return;
+        uit.push_back(oordeel(pad, st, boven));
+        uit.back().link = S_ISLNK(zelf.st_mode);
+    };
+    neem(".", true);
     for (const std::string& map : keur_seizoenen())
-        lees(map, boven, &uit);
-    lees("edistam", boven, &uit);
+        neem(map, true);
+    neem("edistam", true);
+    for (const std::string& pad : keur_bekend()) {
+        if (const size_t streep = pad.rfind('/'); streep != std::string::npos && streep > 0)
+            neem(pad.substr(0, streep), true);
+        if (!pad.ends_with(".TMP")) // a macro on its way to the next program is its user's alone
+            neem(pad, false);
+    }
     return uit;
 }
 
@@ -74,7 +84,9 @@ keurbestanden rechten_keur() {
     keurbestanden uit;
     for (const Recht& r : alle()) {
         keurbestand b{r.pad, ""};
-        if (anders(r))
+        if (anders(r) && r.link)
+            b.kwalen.push_back("the file that it is a link to: " + wat(r));
+        else if (anders(r))
             (zonder_setgid(r) ? b.noten : b.kwalen).push_back(wat(r));
         if (!getpwuid(r.eigenaar))
             b.noten.push_back(VORM("owner %u, whom this machine doesn't know", r.eigenaar));
@@ -88,6 +100,10 @@ std::vector<std::string> rechten_herstel() {
     std::vector<std::string> uit;
     for (const Recht& r : alle())
         if (anders(r)) {
+            if (r.link) {
+                uit.push_back(r.pad + ": " + wat(r) + ": a link, left alone");
+                continue;
+            }
             // The group first: giving it takes the setgid bit away.
             const bool goed = (r.groep == r.hoort_groep ||
                                chown(r.pad.c_str(), static_cast<uid_t>(-1), r.hoort_groep) == 0) &&

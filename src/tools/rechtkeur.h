@@ -6,9 +6,10 @@
 
 namespace zg {
 
-// One line a file that has wrong rights, or an owner whom this machine doesn't know.
+// One line a file that the package knows and that has wrong rights, or an owner whom this machine doesn't know.
 keurbestanden rechten_keur();
-// The rights of new files for those that are wrong, as far as the user may give them: what was done, a line each.
+// The rights of new files for those that are wrong, as far as the user may give them, and are no links: what was done,
+// a line each.
 std::vector<std::string> rechten_herstel();
 
 } // namespace zg

@@ -10,6 +10,7 @@
 #include "term/vast.h"
 #include "tools/boomkeur.h"
 #include "tools/journaalkeur.h"
+#include "tools/werkmap.h"
 #include <algorithm>
 #include <cstring>
 #include <ctime>
@@ -196,6 +197,14 @@ void macro(keurbestand* b, const std::string& naam) {
         b->noten.push_back("goes at the next start on that terminal, unplayed");
 }
 
+void werkmap(keurbestand* b, const std::string& naam) {
+    b->noten.push_back(
+        Werkmap::enige_kopie(naam)
+            ? "a load that was killed: its \"vorige\" is the only copy of the old records of a pair, "
+              "and is left alone; look which of the two is wanted"
+            : "a load or copy under way, or killed; the next one sweeps it");
+}
+
 // Of which all that is to be said stands in the row.
 struct Soort {
     const char *vorm, *wat, *noot;
@@ -229,7 +238,7 @@ const Soort SOORTEN[] = {
     {"ZEBCAT", nullptr, nullptr},
     {"DETAIL", nullptr, nullptr},
     {".zgdeel", "", "zgdeel under way, or killed; the next one sweeps it"},
-    {".ixwerk??????", "", "a load or copy under way, or killed; the next one sweeps it"},
+    {".ixwerk??????", "", nullptr, werkmap},
 };
 
 const Soort* soort_van(const std::string& naam) {
@@ -239,7 +248,21 @@ const Soort* soort_van(const std::string& naam) {
     return p == std::end(SOORTEN) ? nullptr : &*p;
 }
 
-void seizoen_rest(const std::string& map, keurbestanden* uit, std::vector<std::string>* onbekend) {
+// A season's file: of a supplier's orders, where those of none have their journal elsewhere; or orders that wait.
+bool van_seizoen(const std::string& naam) {
+    constexpr const char* EXT[] = {"JRN", "WRK", "TMP", "ORS", "ACT", "PRN", "LBN", "PRS", "LBW"};
+    return naam == "NEWORD.TXT" || (keur_past("ORD####.???", naam) && naam != "ORD0000.JRN" &&
+                                    std::ranges::find(EXT, naam.substr(8)) != std::end(EXT));
+}
+
+// A file in the data directory itself, of which these are the pairs.
+bool van_map(const std::string& naam, const std::vector<std::string>& paren) {
+    const std::string stam = naam.substr(0, std::max<size_t>(naam.size(), 4) - 4);
+    return soort_van(naam) || naam.find(".CUT") != std::string::npos || is_bijboom(naam) ||
+           ((naam.ends_with(".INX") || naam.ends_with(".TXT")) && std::ranges::binary_search(paren, stam));
+}
+
+void seizoen_rest(const std::string& map, keurbestanden* uit) {
     for (const std::string& pad : werkresten(map))
         uit->push_back(
             {pad,
@@ -249,19 +272,37 @@ void seizoen_rest(const std::string& map, keurbestanden* uit, std::vector<std::s
     if (IOEXISTS((map + "/NEWORD.TXT").c_str()))
         uit->push_back(
             {map + "/NEWORD.TXT", "", {}, {"orders wait to be taken up: none of this season until then"}});
-    for (const std::string& naam : keur_namen(map))
-        if (!naam.starts_with("ORD") && naam != "NEWORD.TXT")
-            onbekend->push_back(map + "/" + naam);
 }
 
 } // namespace
 
-keurbestanden rest_keur() {
-    keurbestanden uit;
-    std::vector<std::string> onbekend;
+std::vector<std::string> keur_bekend(std::vector<std::string>* onbekend) {
+    std::vector<std::string> uit;
+    const auto neem = [&](bool bekend, const std::string& pad) {
+        if (bekend)
+            uit.push_back(pad);
+        else if (onbekend)
+            onbekend->push_back(pad);
+    };
     const std::vector<std::string> paren = keur_paren("");
     for (const std::string& naam : keur_namen(".")) {
-        const std::string stam = naam.substr(0, std::max<size_t>(naam.size(), 4) - 4);
+        const bool map = IOISDIR(naam.c_str());
+        if (map && keur_past("####@", naam))
+            for (const std::string& van : keur_namen(naam))
+                neem(van_seizoen(van), naam + "/" + van);
+        else if (!map || keur_past("####?", naam)) // a season's name, but for its letter
+            neem(!map && van_map(naam, paren), naam + (map ? "/" : ""));
+    }
+    for (const auto& elders : {keur_paren("edistam/"), tabel_paren()})
+        for (const std::string& paar : elders)
+            for (const char* ext : {".INX", ".TXT"})
+                uit.push_back(paar + ext);
+    return uit;
+}
+
+keurbestanden rest_keur() {
+    keurbestanden uit;
+    for (const std::string& naam : keur_namen(".")) {
         const Soort* s = soort_van(naam);
         if (s && s->wat) {
             keurbestand b{naam, s->wat};
@@ -273,18 +314,19 @@ keurbestanden rest_keur() {
         } else if (const size_t cut = naam.find(".CUT"); cut != std::string::npos) {
             uit.push_back({naam, "", {}, {"the end that was cut off " + naam.substr(0, cut) + ".TXT"}});
         } else if (keur_past("####@", naam) && IOISDIR(naam.c_str())) {
-            seizoen_rest(naam, &uit, &onbekend);
-        } else if (!s && !is_bijboom(naam) && !IOISDIR(naam.c_str()) &&
-                   ((!naam.ends_with(".INX") && !naam.ends_with(".TXT")) ||
-                    !std::ranges::binary_search(paren, stam))) {
-            onbekend.push_back(naam);
+            seizoen_rest(naam, &uit);
         }
     }
+    std::vector<std::string> onbekend;
+    keur_bekend(&onbekend);
     keurbestand rest{"other files",
                      keur_aantal(static_cast<int64_t>(onbekend.size()), "that the package doesn't know")};
+    rest.namen = true;
     constexpr size_t GENOEMD = 10;
     for (size_t i = 0; i < onbekend.size() && i < GENOEMD; i++)
         rest.noten.push_back(onbekend[i]);
+    if (onbekend.size() > GENOEMD)
+        rest.noten.push_back("and " + std::to_string(onbekend.size() - GENOEMD) + " more");
     if (!onbekend.empty())
         uit.push_back(std::move(rest));
     return uit;

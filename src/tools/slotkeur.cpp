@@ -84,6 +84,12 @@ std::string keur_proces(int64_t pid) {
     return pid > 0 ? wie_is(pid, iotab_fd()) : "a program";
 }
 
+std::string keur_houder(int32_t slot) {
+    const std::string wie =
+        wie_is(IOLOCKPID(iotab_fd(), slotplaats(slot), SYS_GEBRUIKER.grootte), iotab_fd());
+    return wie.substr(0, wie.find(", user "));
+}
+
 keurbestanden sloten_keur(const std::vector<std::string>& bestanden) {
     keurbestanden uit;
     for (const std::string& naam : bestanden) {

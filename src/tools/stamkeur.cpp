@@ -176,10 +176,16 @@ keurbestand maten(bool heel) {
         if (lengte >= 3)
             omschreven.insert({r[0], r[1], r[2]});
     });
+    int32_t sysrecord = 8;
+    sysmaat laatste;
+    iotab('R', &sysrecord, &laatste, SYS_RECORD);
     t.elk<maatrij>([&](const maatrij& m) {
         const std::string wie = VORM("size type %d of system %d", m.soort, m.stelsel);
         t.noem(slot_er(SYS_MAATSOORT, m.soort), wie, "the text of type", m.soort);
         t.noem(slot_er(SYS_MAATSTELSEL, m.stelsel), wie, "system", m.stelsel);
+        if (m.mtcount > laatste.mtcount)
+            t.noten.zie(wie + VORM(": count %d, that of DTSYS.TXT system record 8 is %d", m.mtcount,
+                                   laatste.mtcount));
         if (m.soort == 0 || m.stelsel == 0)
             return t.kwalen.zie(wie + ": no such type");
         std::set<std::string> namen;

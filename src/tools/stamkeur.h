@@ -30,7 +30,7 @@ stamboek stamboek_lees();
 // One line a table. `heel`: may its trees be walked? DTSYS.TXT is open, and the firm's settings are read.
 keurbestanden stam_keur(const stamboek& boek, const std::function<bool(const char* naam)>& heel);
 
-// Notes on what the link tables name and isn't there.
+// Notes on what the link tables name and isn't there; those without an index are wrong.
 keurbestanden koppel_keur(const stamboek& boek);
 // One line a pair whose fields are known: what stands in the records of its data file.
 keurbestanden velden_keur(const std::vector<std::string>& paren);

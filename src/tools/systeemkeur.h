@@ -14,6 +14,8 @@ bool filialen_open();
 keurbestanden sloten_keur(const std::vector<std::string>& bestanden);
 // The process as people know it (tools/wie.h); "a program" for one that the system doesn't name.
 std::string keur_proces(int64_t pid);
+// The process that has a user's slot, and its program; empty when none has.
+std::string keur_houder(int32_t slot);
 // Slots of users who are in, or on their way to their next program.
 std::vector<int32_t> wie_zijn_er();
 

@@ -3,6 +3,7 @@
 #include "shared/versie.h"
 #include "term/natl.h"
 #include "term/scherm.h"
+#include "term/strings.h"
 #include "term/tekenset.h"
 #include "term/tekst.h"
 #include <CLI/CLI.hpp>
@@ -159,6 +160,20 @@ std::string toon(std::string bytes) {
         if (NKLASSE[static_cast<uint8_t>(c)] & N_CONTROL)
             c = ' ';
     return CP850UTF8(bytes);
+}
+
+std::string toon_naam(const std::string& naam) {
+    std::string uit;
+    for (size_t i = 0; i < naam.size();) {
+        char32_t u = 0;
+        const int n = UTF8TEKEN(reinterpret_cast<const uint8_t*>(&naam[i]),
+                                static_cast<int>(std::min<size_t>(4, naam.size() - i)), &u);
+        const bool goed = n > 0 && toonbaar(u) && (n == 1 || UTF8SCHERM());
+        const size_t lengte = goed ? static_cast<size_t>(n) : 1;
+        uit += goed ? naam.substr(i, lengte) : VORM("\\x%02x", unsigned{static_cast<uint8_t>(naam[i])});
+        i += lengte;
+    }
+    return uit;
 }
 
 void tool_weg(int uit) {

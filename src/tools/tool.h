@@ -28,6 +28,8 @@ void klacht(const std::string& naam, const std::string& tekst);
 Uitkomst meld(Uitkomst uit, const std::string& wat);
 // Bytes out of a file, code page 850, as what a terminal can show: UTF-8, controls as blanks.
 std::string toon(std::string bytes);
+// The name of a file in its own bytes, as it is typed to find it: what can't be shown stands as "\x1b".
+std::string toon_naam(const std::string& naam);
 // Out now, whatever is under way: streams are flushed, nothing is unwound.
 [[noreturn]] void tool_weg(int uit);
 

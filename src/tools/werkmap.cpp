@@ -89,12 +89,6 @@ bool merk(const Paar& oud, uint8_t* busy) {
     return true;
 }
 
-// Killed behind its first rename a maker leaves the old data file under this name alone.
-bool enige_kopie(const std::string& vorige) {
-    struct stat st;
-    return stat(vorige.c_str(), &st) == 0 && st.st_nlink == 1;
-}
-
 constexpr int SIGNALEN[] = {SIGINT, SIGTERM, SIGHUP};
 std::array<std::string, 6> op_te_ruimen; // paths, ready for a signal
 
@@ -129,6 +123,11 @@ Werkmap::~Werkmap() {
         SYS.close(slot_);
 }
 
+bool Werkmap::enige_kopie(const std::string& map) {
+    struct stat st;
+    return stat((map + "/vorige").c_str(), &st) == 0 && st.st_nlink == 1;
+}
+
 void Werkmap::veeg(const std::string& map) {
     std::error_code fout;
     for (const auto& e : fs::directory_iterator(map, fout)) {
@@ -137,7 +136,7 @@ void Werkmap::veeg(const std::string& map) {
         const int fd = neem(e.path(), true);
         if (fd < 0)
             continue;
-        if (enige_kopie(e.path() / "vorige"))
+        if (enige_kopie(e.path()))
             klacht((e.path() / "vorige").string(), "the old records of a load that was killed; left alone");
         else
             for (const auto& f : fs::directory_iterator(e.path(), fout))

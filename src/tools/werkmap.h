@@ -16,6 +16,8 @@ public:
     // What killed loads and copies left in a directory, taken away; one that somebody works in, or that holds the only
     // copy of a data file, stays, the latter told. The makers of new ones do this.
     static void veeg(const std::string& map);
+    // Does one that was left hold the old records of a pair, which are nowhere else?
+    static bool enige_kopie(const std::string& map);
     // Put the pair that was made here on disk and in the target's place. An existing pair must be free: every
     // lock of it is taken first, at most `seconden` long. An Uitkomst, failures told.
     int naar(const std::string& doel, bool vervang, int seconden);

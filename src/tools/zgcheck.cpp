@@ -46,26 +46,20 @@ void wacht(ICB* icb) {
 }
 
 // What is told holds texts and names out of a damaged directory.
-std::vector<std::string> toon_alle(const std::vector<std::string>& regels) {
+std::vector<std::string> toon_alle(const std::vector<std::string>& regels, bool namen = false) {
     std::vector<std::string> uit;
     for (const std::string& r : regels)
-        uit.push_back(toon(r));
+        uit.push_back(namen ? toon_naam(r) : toon(r));
     return uit;
-}
-std::string toon_naam(std::string naam) {
-    for (char& c : naam)
-        if (static_cast<uint8_t>(c) < ' ' || c == 127)
-            c = '?';
-    return naam;
 }
 
 void als_json(const keurbestand& b) {
     json j;
-    j["file"] = b.naam;
+    j["file"] = toon_naam(b.naam);
     j["counts"] = toon(b.telling);
     j["lost"] = b.verloren;
     j["wrong"] = toon_alle(b.kwalen);
-    j["notes"] = toon_alle(b.noten);
+    j["notes"] = toon_alle(b.noten, b.namen);
     puts(j.dump(-1, ' ', false, json::error_handler_t::replace).c_str());
 }
 
@@ -79,11 +73,11 @@ int verslag(const keurbestanden& bestanden) {
             continue;
         }
         const std::string naam = toon_naam(b.naam);
-        for (const std::string& k : b.kwalen)
-            printf("%s: %s\n", naam.c_str(), toon(k).c_str());
-        for (const std::string& n : b.noten)
+        for (const std::string& k : toon_alle(b.kwalen))
+            printf("%s: %s\n", naam.c_str(), k.c_str());
+        for (const std::string& n : toon_alle(b.noten, b.namen))
             if (!wens.stil)
-                printf("%s: note: %s\n", naam.c_str(), toon(n).c_str());
+                printf("%s: note: %s\n", naam.c_str(), n.c_str());
         if (!wens.stil || !b.kwalen.empty())
             printf("%s: %s%s%s\n", naam.c_str(),
                    b.kwalen.empty() ? "good" : (std::to_string(b.kwalen.size()) + " wrong").c_str(),
@@ -100,7 +94,9 @@ int wie_er_in_is() {
         int32_t slot = nr;
         gebruikerslot g;
         iotab('R', &slot, &g, SYS_GEBRUIKER);
-        klacht("", "in use: user " + std::to_string(nr) + " " + toon(gebruiker_naam(g)));
+        const std::string wie = keur_houder(nr);
+        klacht("", "in use: user " + std::to_string(nr) + " " + toon(gebruiker_naam(g)) +
+                       (wie.empty() ? ", on the way to the next program" : ", " + wie));
     }
     klacht("", "nothing was changed");
     return IN_GEBRUIK;

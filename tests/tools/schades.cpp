@@ -5,6 +5,7 @@
 #include "term/macro/macrobestand.h"
 #include "tools/schade.h"
 #include "tools/shell.h"
+#include <algorithm>
 #include <grp.h>
 
 using namespace zg;
@@ -167,6 +168,26 @@ const std::vector<Schade> SCHADES = {
     blijft("the season that is proposed is gone",
            {"ORDPARM.SYS: the season that is proposed, 2016Z, isn't there"},
            [](const DemoMap& m) { std::filesystem::remove_all(m.bestand("2016Z")); }),
+    blijft("digits of labels, amounts on one in stock, a link table without its index",
+           {"DTSYS.TXT: system record 15: etiketcijfers 99, of 6 to 8 or 0", "DTETI: series ",
+            ": a label: prijs -214748365, below 0", ": a label: netto -214748365, below -214748363",
+            "edistam/DTKL0012: edistam/DTKL0012.INX isn't there", "DTMAAT: note: size type ",
+            ": count 65535, that of DTSYS.TXT system record 8 is 0"},
+           [](const DemoMap& m) {
+               zet(m, "DTSYS.TXT", 14 * 64 + offsetof(sysinstel, etiketcijfers), '\x63');
+               // a label that came in, and is counted so
+               const auto b = haal<etiblok>(m, "DTETI.TXT", 0);
+               constexpr int32_t WOORDEN[] = {10, INT32_MIN, INT32_MIN};
+               zet(m, "DTETI.TXT", offsetof(etiblok, plaats), std::to_array(WOORDEN));
+               auto series = m.alle<serrec>("DTSER.TXT");
+               auto& s = *std::ranges::find_if(
+                   series, [&](const serrec& r) { return zelfde_serie(r.serie, b.serie); });
+               s.in_nota--, s.voorraad++;
+               zet(m, "DTSER.TXT", static_cast<size_t>(&s - series.data()) * SER, s);
+               std::filesystem::create_directory(m.bestand("edistam"));
+               plak(m, "edistam/DTKL0012.TXT", std::string(81, 'x'));
+               zet(m, "DTMAAT.TXT", offsetof(maatrij, mtcount), uint16_t{65535});
+           }),
     // of which it may have lines
     blijft("the same beside a journal that can't be read",
            {"2016Z/ORD0012.JRN: can't be read: not a plain file", "DTORDNR: note: number ",
@@ -291,11 +312,15 @@ const std::vector<std::vector<Schade>> SAMEN = {
         heelt("an index that is gone", {"DTART: DTART.INX isn't there"}, zonder({"DTART.INX"})),
         heelt("a header that makes no sense", {"DTDOELGR: header: "},
               op("DTDOELGR.INX", offsetof(IXHEADER, nkeys), '\x63')),
-        heelt("a header whose key has no length, one whose records have another",
-              {"DTLEVEXT: header: a key's length", "DTVVTAB: data: ends inside a record"},
+        heelt("headers: a key without length, records of another, names that are none",
+              {"DTLEVEXT: header: a key's length", "DTVVTAB: data: ends inside a record",
+               "DTKOERS: header: its name or title holds a byte",
+               "DTMTOM: header: the name of key 1 holds a byte"},
               [](const DemoMap& m) {
                   zet(m, "DTLEVEXT.INX", offsetof(IXHEADER, keydef) + offsetof(IXKEYDEF, keylen), '\0');
                   zet(m, "DTVVTAB.INX", offsetof(IXHEADER, reclen), int16_t{423});
+                  zet(m, "DTKOERS.INX", offsetof(IXHEADER, title), '\x1b');
+                  zet(m, "DTMTOM.INX", offsetof(IXHEADER, keydef) + offsetof(IXKEYDEF, keyname), '\7');
               }),
         // and the free chain
         heelt("a count of records", {"DTMERK: ", "DTOMZGRP: "},
@@ -313,12 +338,16 @@ const std::vector<std::vector<Schade>> SAMEN = {
                   }).dood();
               }),
         heelt("files that others of the group can't write, or anybody can",
-              {"DTLEV.TXT: mode 0640, should be 0660", "2016Z/ORD0010.JRN: mode 0666, should be 0664"},
+              {"DTLEV.TXT: mode 0640, should be 0660", "2016Z/ORD0010.JRN: mode 4777, should be 0660",
+               "2016Z: mode 3770, should be 2770", "print: mode 0700, should be 2770",
+               "print/TR_PTRG.TXT: mode 0600, should be 0660"},
               [](const DemoMap& m) {
                   for (const auto& [naam, mode] : {std::pair{"", 02770},
-                                                   {"2016Z", 02770},
+                                                   {"2016Z", 03770},
+                                                   {"print", 0700},
+                                                   {"print/TR_PTRG.TXT", 0600},
                                                    {"DTLEV.TXT", 0640},
-                                                   {"2016Z/ORD0010.JRN", 0666}})
+                                                   {"2016Z/ORD0010.JRN", 04777}})
                       rechten(m, naam, static_cast<mode_t>(mode));
               }),
     },
@@ -349,7 +378,15 @@ const std::vector<std::vector<Schade>> SAMEN = {
                    std::filesystem::resize_file(m.bestand("DTLEVEXT.TXT"),
                                                 std::filesystem::file_size(m.bestand("DTLEVEXT.TXT")) - 5);
                }),
-        blijft("a temporary index of nothing", {"DTSER.01: header: "},
+        blijft("a file of the group's that only its owner may write, behind a link",
+               {"DTDOELGR.TXT: the file that it is a link to: mode 0640, should be 0660"},
+               [](const DemoMap& m) {
+                   std::filesystem::rename(m.bestand("DTDOELGR.TXT"), m.bestand("uit/elders"));
+                   std::filesystem::create_symlink("uit/elders", m.bestand("DTDOELGR.TXT"));
+                   rechten(m, "uit/elders", 0640), rechten(m, "", 02770);
+               }),
+        blijft("a temporary index of nothing",
+               {"DTSER.01: header: ", "DTSER.01: a temporary or old index, which no program needs"},
                met("DTSER.01", std::string(1536, 'x'))),
         blijft("a code of VAT and a share that there can't be",
                {"DTART: article group 1100: btwcode 99, of 1 to 10", "magazijnpct 200, of 0 to 100"},

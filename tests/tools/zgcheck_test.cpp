@@ -45,18 +45,31 @@ TEST(Zgcheck, Remains) {
     for (const char* naam : {".ixwerkAAAAAA/DTLEV.TXT", ".ixwerkBBBBBB/vorige"})
         plak(map, naam, "x");
     sh("chmod -R g+rwX,g-s,o=" + hier);
-    const Uit uit = sh("zgcheck" + hier);
+    // What the package doesn't know: named as it is typed, and left as it is.
+    for (const char* naam : {"caf\xC3\xA9.TXT", "\xff\xC2\x9b.TXT", "2016Z/ORD0014.JRN~",
+                             "2016Z/ORD0014.JRN (copy)", "2016Z/ORD0000.JRN", "2016Z/ORD99999.JRN"}) {
+        plak(map, naam, "x");
+        EXPECT_EQ(chmod(map.bestand(naam).c_str(), 0600), 0);
+    }
+    std::filesystem::create_directory(map.bestand("2016z"));
+    const Uit uit = sh("LC_ALL=C.UTF-8 zgcheck" + hier);
     EXPECT_EQ(uit.status, 0);
     for (const char* tekst :
          {"2015W: note: mode 0770, should be 2770", "2016Z/ORD0012.TMP: note: left by an order",
           "2016Z/ORD0012.ORS: note: ", "PRAB13.UIT: note: left by", "EDISYS.CVC: note: settings half made",
           "2016Z/ORD0013.JRN: note: brand 9999 isn't there",
-          "2016Z/ORD0013.JRN: note: size type 77 isn't there", ".ixwerkAAAAAA: note: a load or copy"})
+          "2016Z/ORD0013.JRN: note: size type 77 isn't there", ".ixwerkAAAAAA: note: a load or copy",
+          ".ixwerkBBBBBB: note: a load that was killed: its \"vorige\" is the only copy",
+          "other files: note: caf\xC3\xA9.TXT", "note: \\xff\\xc2\\x9b.TXT", "note: 2016z/",
+          "note: 2016Z/ORD0014.JRN~", "note: 2016Z/ORD0014.JRN (copy)", "note: 2016Z/ORD0000.JRN",
+          "note: 2016Z/ORD99999.JRN"})
         EXPECT_TRUE(uit.zegt(tekst)) << tekst << "\n" << uit.tekst;
     hoort("zgcheck -r" + hier, 0, "repair: .ixwerkAAAAAA: removed\n");
     for (const char* naam : {"2016Z/ORD0012.TMP", "2016Z/ORD0012.ORS", "PRAB13.UIT", ".ixwerkAAAAAA"})
         EXPECT_FALSE(std::filesystem::exists(map.bestand(naam))) << naam;
     // The only copy of something stays.
+    struct stat st;
+    EXPECT_TRUE(stat(map.bestand("caf\xC3\xA9.TXT").c_str(), &st) == 0 && (st.st_mode & 07777) == 0600);
     EXPECT_TRUE(std::filesystem::exists(map.bestand(".ixwerkBBBBBB/vorige")));
 }
 
@@ -107,7 +120,7 @@ TEST(Zgcheck, BesidePeople) {
         t.wacht_op(1, 46, "2016");
         t.kalm();
         const auto bezig = map.inhoud();
-        hoort("zgcheck --repair" + hier, 4, "user 1 Joke", "nothing was changed");
+        hoort("zgcheck --repair" + hier, 4, "user 1 Joke, process ", ", zgbestel\n", "nothing was changed");
         hoort("zgcheck" + hier, 1, "DTSYS.TXT: note: user slot 1: in use by process", ", zgbestel, user Joke",
               "DTSYS.TXT: note: group 5: in use");
         EXPECT_EQ(DemoMap::verschil(bezig, map.inhoud()), "");
