@@ -20,7 +20,7 @@ struct Volume {
     bool replica;
 };
 std::vector<Volume> volumes; // each is asked once
-bool replicas; // is one known? asked at each read
+bool replicas;               // is one known? asked at each read
 
 // A look at the name of a descriptor: behind which lock, and when.
 struct Blik {

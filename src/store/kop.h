@@ -17,7 +17,7 @@ inline constexpr int TELPLAATS = IXBLOK - 8;
 
 // The count that follows, from what stands there: of a change that begins or of rest.
 uint32_t IXTELVERDER(uint32_t telling, Kopmerk merk);
-uint32_t IXTELLEES(int idxfd); // as it stands; 0 when there is none
+uint32_t IXTELLEES(int idxfd);    // as it stands; 0 when there is none
 bool IXTELRUST(uint32_t telling); // is it a count, and one of rest?
 
 // Header and count as one block, *telling what stands there and then what was written: 1, or 0 with errno.
