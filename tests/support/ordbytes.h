@@ -26,12 +26,14 @@ inline std::string tekst(uint8_t soort, const std::string& t, bool alle = false)
 
 // A header of supplier 12, summer 2016, in the firm's own currency.
 inline ordkop kop_op(int datum) {
-    return {.leverancier = 12,
-            .jaar = 2016,
-            .orderdatum = static_cast<uint16_t>(datum),
-            .seizoen = 'Z',
-            .koers = 10000,
-            .koerseenheid = 1};
+    ordkop k{};
+    k.leverancier = 12;
+    k.jaar = 2016;
+    k.orderdatum = static_cast<uint16_t>(datum);
+    k.seizoen = 'Z';
+    k.koers = 10000;
+    k.koerseenheid = 1;
+    return k;
 }
 
 } // namespace zg::test
