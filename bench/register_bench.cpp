@@ -15,6 +15,7 @@
 #include "order/register.h"
 #include "order/wrk.h"
 #include "shared/ean.h"
+#include "shared/files.h"
 #include "shared/ioeti.h"
 #include "shared/iofil.h"
 #include "shared/iotab.h"
@@ -526,7 +527,7 @@ int main(int argc, char** argv) {
     const TijdelijkeMap ernaast(false);
     kopieen = ernaast.pad() + "/kopie";
     const std::string zelfde = ernaast.pad() + "/firma";
-    std::filesystem::current_path(map.pad());
+    IOCHDIR(map.pad().c_str());
     maak_firma();
     te_traag |= !gaaf();
     if (naast_keuring) {
@@ -539,9 +540,9 @@ int main(int argc, char** argv) {
         return te_traag;
     }
     std::filesystem::copy(map.pad(), zelfde, std::filesystem::copy_options::recursive);
-    std::filesystem::current_path(zelfde);
+    IOCHDIR(zelfde.c_str());
     draai(false);
-    std::filesystem::current_path(map.pad());
+    IOCHDIR(map.pad().c_str());
     const std::string uit = draai(true);
     printf("%-44s %12s %18s %15s\n%s", "", "the step", "its calls", "what it asks for, unmapped",
            uit.c_str());
