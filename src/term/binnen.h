@@ -102,5 +102,6 @@ bool SEINEINDE(); // has the terminal gone, or are we told to end?
 void SEINSTOP();
 [[noreturn]] void OPGEHANGEN(); // the terminal is gone: end now
 extern volatile int MAATSEIN;   // the window got another size
+extern volatile int HERVATSEIN; // the program was stopped, and goes on
 
 } // namespace zg

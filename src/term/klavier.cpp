@@ -41,7 +41,7 @@ Vul vul(int ms, bool door = false) {
     if (!klaar) {
         klaar = true;
         sigemptyset(&seinen);
-        for (int s : {SIGINT, SIGQUIT, SIGHUP, SIGTERM, SIGWINCH})
+        for (int s : {SIGINT, SIGQUIT, SIGHUP, SIGTERM, SIGWINCH, SIGCONT})
             sigaddset(&seinen, s);
     }
     if (aantal == static_cast<int>(sizeof bytes))

@@ -11,7 +11,7 @@
 
 namespace zg {
 
-volatile int MAATSEIN;
+volatile int MAATSEIN, HERVATSEIN;
 void (*SCRNOODHAAK)();
 
 namespace {
@@ -28,6 +28,12 @@ void op_maat(int) {
 }
 
 void op_slaap(int) {}
+
+// Stopped from outside and continued: the shell may have set the terminal as it likes it meanwhile.
+void op_hervat(int) {
+    HERVATSEIN = 1;
+    MAATSEIN = 1;
+}
 
 void op_einde(int) {
     einde = 1;
@@ -57,7 +63,7 @@ struct Sein {
 };
 Sein SEINEN[] = {
     {SIGINT, op_toets, {}},  {SIGQUIT, op_toets, {}}, {SIGHUP, op_einde, {}},    {SIGTERM, op_einde, {}},
-    {SIGWINCH, op_maat, {}}, {SIGTSTP, op_slaap, {}}, {SIGALRM, op_respijt, {}},
+    {SIGWINCH, op_maat, {}}, {SIGTSTP, op_slaap, {}}, {SIGALRM, op_respijt, {}}, {SIGCONT, op_hervat, {}},
 };
 constexpr int VALLEN[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
 bool aan;

@@ -33,8 +33,13 @@ int32_t neem_seintoets() {
 // The whole screen again, whatever the terminal shows: its window got another size, or the user asked.
 void herteken() {
     MAATSEIN = 0;
+    const bool hervat = HERVATSEIN != 0;
+    HERVATSEIN = 0;
     if (!SCHERM.bestaat)
         return;
+    if (hervat && !SCHERM.dicht &&
+        tcgetpgrp(STDIN_FILENO) == getpgrp()) // who is behind the shell would be stopped again
+        TERMBEWAAR();
     KLEINKIJK();
     BEELDNIEUW();
     TOONVANAF(SCHERM.basis);

@@ -1,5 +1,6 @@
 // Keys beyond the keyboard's bytes: signals, type-ahead, hang-up, the macro hook, names.
 #include "toetslog.h"
+#include <fcntl.h>
 #include <termios.h>
 
 using namespace zg;
@@ -26,6 +27,23 @@ TEST(Toets, Signals) {
     EXPECT_FALSE(bevat(t.scherm(), "410"));
     t.stuur("x");
     EXPECT_EQ(t.einde(), 0);
+}
+
+// The shell takes the terminal of a program that was stopped, and may set it as it likes it.
+TEST(Toets, StoppedAndContinued) {
+    Terminal t(toetslog);
+    t.kalm();
+    t.sein(SIGSTOP);
+    const int tty = open(vorm("/proc/%d/fd/0", t.pid()).c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios regels{};
+    ASSERT_EQ(tcgetattr(tty, &regels), 0);
+    regels.c_lflag |= ICANON | ECHO;
+    ASSERT_EQ(tcsetattr(tty, TCSANOW, &regels), 0);
+    close(tty);
+    t.sein(SIGCONT);
+    t.kalm();
+    t.stuur("a"); // no Enter behind it
+    EXPECT_TRUE(t.wacht_op(1, 1, "97", 5000)) << t.scherm();
 }
 
 TEST(Toets, StackBeforeKeyboard) {
