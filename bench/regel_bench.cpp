@@ -337,7 +337,7 @@ void regel_erbij() {
 
 int main() {
     DemoMap map;
-    std::filesystem::current_path(map.pad());
+    IOCHDIR(map.pad().c_str());
     maak_firma();
     tel_aanroepen();
     raster();
