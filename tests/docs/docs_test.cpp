@@ -322,6 +322,8 @@ TEST(Docs, ExamplesOfContributingApply) {
         const Uit u = sh(daar + "git apply -R --check docs/examples/" + naam +
                          " || git apply --check docs/examples/" + naam);
         EXPECT_EQ(u.status, 0) << u.tekst;
+        for (const std::string& nieuw : alle(diff, "--- /dev/null\n[^\n]* b/src/[^\n]*/(\\w+\\.cpp)\n"))
+            EXPECT_TRUE(heeft(diff, "`" + nieuw + "`")) << nieuw << " gets no place in architecture.md";
         std::vector<std::string> stukken =
             knip(doc.substr(std::min(doc.find("](docs/examples/" + naam), doc.size())), "```");
         ASSERT_TRUE(stukken.size() > 1 && stukken[1].starts_with("diff\n")) << "CONTRIBUTING doesn't show it";
