@@ -2,7 +2,13 @@
 // wrong ones show in no trial between two hosts that both live.
 #include "shared/volume.h"
 #include "tools/deelproef.h"
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
 #include <set>
+#include <sstream>
+#include <strings.h>
 
 namespace zg {
 namespace {
@@ -29,20 +35,57 @@ constexpr struct {
 };
 
 bool is_aan(const std::string& s, bool zo_niet) {
-    return s.empty() ? zo_niet : s == "on" || s == "yes" || s == "true" || s == "enable" || s == "1";
+    for (const char* ja : {"on", "yes", "true", "enable", "1"})
+        if (strcasecmp(s.c_str(), ja) == 0)
+            return true;
+    return s.empty() && zo_niet;
+}
+
+using Gezet = std::map<std::string, std::map<std::string, std::string>>; // by translator and option
+
+// What a volume is set to behind the mount takes force there and then, while the options of the mount's translators go on
+// telling the old words. The log of the mount, where it may be read, tells each translator's anew that is set, of all those
+// it has: "... 0-zg-client-0: option strict-locks using set value off". What is told before a graph isn't of it.
+Gezet later_gezet(const std::string& punt) {
+    Gezet uit;
+    std::ifstream in(punt + "/.meta/logging/logfile");
+    for (std::string regel; std::getline(in, regel);) {
+        if (regel == "Final graph:")
+            uit.clear();
+        const size_t p = regel.find(": option "), van = regel.find('-', regel.rfind(' ', p - 1) + 1);
+        std::string optie, woord, rest;
+        std::istringstream w(p == std::string::npos || van > p ? "" : regel.substr(p + strlen(": option ")));
+        if (!(w >> optie >> woord >> rest) || woord != "using" || rest != "set" || !(w >> rest >> woord))
+            continue;
+        auto& laag = uit[regel.substr(van + 1, p - van - 1)];
+        if (laag.contains(optie)) // the next time
+            laag.clear();
+        laag[optie] = woord;
+    }
+    return uit;
 }
 
 } // namespace
 
 bool deel_instellingen(const std::string& punt, std::string* kwaal) {
     std::set<std::string> fout;
+    const Gezet later = later_gezet(punt);
     const bool weet = IOVOLUME(punt, [&](const std::string& type, const std::string& map) {
         for (const auto& l : LAGEN)
             if (type == l.type)
                 fout.insert(l.instelling + std::string(" is on"));
-        for (const auto& o : OPTIES)
-            if (type == o.type && is_aan(IOWOORD(map + "/options/" + o.optie), o.zo_niet) != o.hoort)
+        const auto nu = later.find(std::filesystem::path(map).filename());
+        for (const auto& o : OPTIES) {
+            if (type != o.type)
+                continue;
+            std::string woord;
+            if (nu == later.end())
+                woord = IOWOORD(map + "/options/" + o.optie);
+            else if (const auto w = nu->second.find(o.optie); w != nu->second.end())
+                woord = w->second;
+            if (is_aan(woord, o.zo_niet) != o.hoort)
                 fout.insert(o.instelling + std::string(o.hoort ? " is off" : " is on"));
+        }
     });
     kwaal->clear();
     for (const std::string& f : fout)

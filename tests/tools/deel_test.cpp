@@ -161,13 +161,20 @@ TEST(Deel, SettingsThatAMountTells) {
         {"mkdir x; echo performance/readdir-ahead >x/type", "performance.readdir-ahead is on"},
         {"mkdir x; echo performance/md-cache >x/type; echo on >r/options/eager-lock",
          "cluster.eager-lock is on, performance.stat-prefetch is on"},
+        {"echo '0-c1: option strict-locks using set value Off' >>$log",
+         "client.strict-locks is off"}, // set behind the mount
+        {"echo '0-r: option eager-lock using set value on' >>$log; echo 'Final graph:' >>$log", ""},
+        {"printf '0-c1: option %s using set value on\n' gids strict-locks gids >>$log",
+         "client.strict-locks is off"}, // reset
+        {"printf ': option\n x: option a using\n-: option strict-locks using set value off\n' >>$log", ""},
     };
     TijdelijkeMap map;
     std::string kwaal = "x";
     EXPECT_FALSE(deel_instellingen(".", &kwaal));
     for (const auto& r : RIJEN) {
         ASSERT_EQ(
-            sh("rm -rf .meta; mkdir -p .meta/graphs/active; cd .meta/graphs/active; mkdir -p c0/options "
+            sh("rm -rf .meta; mkdir -p .meta/logging .meta/graphs/active; log=$PWD/.meta/logging/logfile; cd "
+               ".meta/graphs/active; mkdir -p c0/options "
                "c1/options r/options; echo protocol/client | tee c0/type >c1/type; echo on | tee "
                "c0/options/strict-locks >c1/options/strict-locks; echo cluster/replicate >r/type; echo off "
                ">r/options/eager-lock; touch volfile; " +
