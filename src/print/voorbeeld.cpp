@@ -198,6 +198,8 @@ int actie_van(int32_t key) {
 bool vraag(int rij, int kolom, const Tekst& titel, const Tekst& label, const char* formaat, int maximum,
            uint16_t* getal) {
     uint16_t nieuw = *getal;
+    // The field's messages come where the end of the report is told.
+    SCRPUT(A_WAARDE, SCHERM.lines, 1, "%*s", static_cast<int>(strlen(TXT(T_PRT_EINDE_OVERZICHT))), "");
     WINOPEN1(rij, kolom, 3, 40);
     WINBOX("%s", TXT(titel));
     SCRPUT(A_LABEL, 1, 2, "%s: ", TXT(label));

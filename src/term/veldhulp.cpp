@@ -3,6 +3,7 @@
 #include "term/formaat.h"
 #include "term/teksten.h"
 #include "term/veld.h"
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -10,7 +11,7 @@
 namespace zg {
 namespace {
 
-constexpr int KOLOM = 2;
+constexpr int KOLOM = 2, BREED = 70;
 
 void label(const char* tekst) {
     WINATTR(A_LABEL);
@@ -130,7 +131,8 @@ void regel_veld(const std::string& naam) {
             toetsen += (toetsen.empty() ? "F" : ", F") + std::to_string(n + 1) + " " + TXT(*wat);
     }
     WINAT(11, KOLOM);
-    waarde(naam);
+    const size_t over = toetsen.size() + 2; // the name of a question may be long
+    waarde(naam.substr(0, BREED - 4 - std::min<size_t>(over, BREED - 4)));
     if (!naam.empty() && !toetsen.empty())
         label(": ");
     label(toetsen.c_str());
@@ -150,7 +152,7 @@ void regel_bereik() {
 
 void INGAVEHELP() {
     const std::string naam = VELDNAAM();
-    WINOPEN(9, 5, 14, 70, 4);
+    WINOPEN(9, 5, 14, BREED, 4);
     WINBOX(" %s ", TXT(T_HELP_TITEL));
     regel_soort();
     regel_breedte();

@@ -8,8 +8,6 @@
 namespace zg {
 namespace {
 
-constexpr size_t MEEST = 30; // characters
-
 // Labels are dim, and their hot letters underlined.
 bool is_label(const cchar_t& c) {
     return (c.attr & (A_DIM | A_UNDERLINE)) && c.chars[0] != L' ';
@@ -37,6 +35,12 @@ std::string VELDNAAM() {
     const auto cel = [&](int k) -> const cchar_t& { return cellen[static_cast<size_t>(k)]; };
     while (eind > 0 && !is_label(cel(eind - 1)))
         eind--;
+    // The colon of a short label may stand apart, under those of the others.
+    int eerder = eind;
+    while (eerder > 0 && (cel(eerder - 1).chars[0] == L':' || cel(eerder - 1).chars[0] == L' '))
+        eerder--;
+    if (eerder > 0 && is_label(cel(eerder - 1)))
+        eind = eerder;
     int begin = eind;
     while (begin > 0 && (is_label(cel(begin - 1)) ||
                          (begin > 1 && cel(begin - 1).chars[0] == L' ' && is_label(cel(begin - 2)))))
@@ -49,7 +53,7 @@ std::string VELDNAAM() {
     const bool letters = std::any_of(naam.begin(), naam.end(), [](char c) {
         return NKLASSE[static_cast<uint8_t>(c)] & (N_GROOT | N_KLEIN);
     });
-    return letters ? naam.substr(0, MEEST) : "";
+    return letters ? naam : "";
 }
 
 } // namespace zg

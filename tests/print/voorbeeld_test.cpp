@@ -112,6 +112,10 @@ TEST_F(Voorbeeld, LeavingAndDevices) {
     for (const auto& r : rijen) {
         test::Terminal t(kijk(opdracht("een regel\n\f", 80, r.apparaat)));
         ASSERT_TRUE(t.wacht("een regel"));
+        EXPECT_TRUE(t.regel(25).starts_with("Einde overzicht")) << t.scherm();
+        t.toetsen("<F4>"); // a question, and its messages
+        EXPECT_TRUE(t.regel(25).starts_with("   ")) << t.scherm();
+        t.toetsen("<Esc>");
         t.toetsen(r.toetsen);
         EXPECT_EQ(t.einde(), r.einde) << r.toetsen << t.scherm();
     }

@@ -108,7 +108,9 @@ TEST(VeldVenster, HulpNoemtHetVeld) {
         {"11 Leverancier . :", "11 Leverancier: F5 lijst, F10 gegevens", true},
         {"Maat   K\x94rting:", "Körting: F5 lijst", false},
         {"", "F5 lijst, F10 gegevens", true},
-        {"14", "F5 lijst", false}, // a row of a grid
+        {"14", "F5 lijst", false},                    // a row of a grid
+        {"Korting    :", "Korting: F5 lijst", false}, // under longer ones
+        {"Adrescode van de Leverancier 14", "Adrescode van de Leverancier 14: F5 lijst", false},
     };
     OpScherm t([&] {
         WINOPEN1(2, 1, 6, 60);
@@ -116,11 +118,12 @@ TEST(VeldVenster, HulpNoemtHetVeld) {
         for (const auto& g : gevallen) {
             SCRCLREOL(3, 1);
             SCRPUT(A_LABEL, 3, 2, "%s", g.label);
-            SCRPUT(A_WAARDE, 3, 22, "waarde");
+            if (strlen(g.label) < 20)
+                SCRPUT(A_WAARDE, 3, 22, "waarde");
             if (g.record)
                 TOETSAANMET(K_F10, T_HELP_F_RECORD);
             int32_t n = 0;
-            INGAVE(3, 30, "4l,Z", &SCHERM.toets[key_f5], &SCHERM.toets[key_cancel], &n);
+            INGAVE(3, 36, "4l,Z", &SCHERM.toets[key_f5], &SCHERM.toets[key_cancel], &n);
         }
     });
     for (const auto& g : gevallen) {
