@@ -3,9 +3,9 @@
 #include "codes/seizoen.h"
 #include "order/ioord.h"
 #include "order/ordloop.h"
+#include "shared/dagtekst.h"
 #include "shared/iomaat.h"
 #include "shared/stamrec.h"
-#include "term/datum.h"
 #include "term/natl.h"
 #include <algorithm>
 #include <cstdio>
@@ -15,13 +15,6 @@
 namespace zg {
 
 namespace {
-
-// Is it a day of the calendar, and not 0?
-bool is_dag(uint16_t nr) {
-    char tekst[9];
-    DATUMTEKST(tekst, nr, true);
-    return nr != 0 && DATUMNR(tekst) == nr;
-}
 
 // "2016Z", the letter told by its code where it is none.
 std::string seizoen_tekst(uint16_t jaar, char letter) {
