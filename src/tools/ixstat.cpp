@@ -103,7 +103,7 @@ void als_json(const Paar& paar, const Stat& s) {
                              {"leaves", s.bomen[k].bladen},
                              {"entries", s.bomen[k].ingangen},
                              {"whole", s.bomen[k].heel}});
-    printf("%s\n", j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+    puts(toon_json(j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)).c_str());
 }
 
 void als_tekst(const Paar& paar, const Stat& s) {

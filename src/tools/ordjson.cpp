@@ -41,7 +41,7 @@ std::string ord_json(const ordrauw& rec, const std::string& bestand) {
         else
             j[v.naam] = waarde;
     }
-    return j.dump(-1, ' ', false, json::error_handler_t::replace);
+    return toon_json(j.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
 std::string ord_uit_json(std::string_view regel, std::vector<uint8_t>* rec, std::string* bestand) {

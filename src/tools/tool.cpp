@@ -176,6 +176,25 @@ std::string toon_naam(const std::string& naam) {
     return uit;
 }
 
+std::string toon_json(const std::string& regel) {
+    std::string uit;
+    for (size_t i = 0; i < regel.size();) {
+        char32_t u = 0;
+        const int n = UTF8TEKEN(reinterpret_cast<const uint8_t*>(&regel[i]),
+                                static_cast<int>(std::min<size_t>(4, regel.size() - i)), &u);
+        const size_t lengte = n > 0 ? static_cast<size_t>(n) : 1;
+        if (n < 1 || toonbaar(u))
+            uit += regel.substr(i, lengte);
+        else if (u < 0x10000)
+            uit += VORM("\\u%04x", static_cast<unsigned>(u));
+        else // as two halves
+            uit += VORM("\\u%04x\\u%04x", static_cast<unsigned>(0xD7C0 + (u >> 10)),
+                        static_cast<unsigned>(0xDC00 + (u & 0x3FF)));
+        i += lengte;
+    }
+    return uit;
+}
+
 void tool_weg(int uit) {
     fflush(nullptr);
     _exit(uit);

@@ -30,6 +30,8 @@ Uitkomst meld(Uitkomst uit, const std::string& wat);
 std::string toon(std::string bytes);
 // The name of a file in its own bytes, as it is typed to find it: what can't be shown stands as "\x1b".
 std::string toon_naam(const std::string& naam);
+// A line of JSON, in UTF-8, with what can't be shown written as JSON's "\u009b": it stays the same data.
+std::string toon_json(const std::string& regel);
 // Out now, whatever is under way: streams are flushed, nothing is unwound.
 [[noreturn]] void tool_weg(int uit);
 

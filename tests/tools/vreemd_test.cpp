@@ -38,9 +38,10 @@ TEST_F(Vreemd, NothingThatSteersATerminalIsShown) {
     schrijf_bestand("DTMERK.INX", inx);
     for (const char* opdracht :
          {"ixstat DTMERK", "ixdump DTMERK", "ixdump -j DTMERK",
-          "n=$(printf 'a\\033c\\302\\233\\233'); "
+          "n=$(printf 'a\\033c\\302\\233\\363\\240\\200\\201\\233'); "
           "for e in INX TXT; do cp DTMERK.$e \"$n\".$e; done; "
-          "ixcheck .; ixstat .; ixdump \"$n\"; ixcheck \"$n\"x",
+          "ixcheck .; ixstat .; ixdump \"$n\"; ixcheck \"$n\"x; "
+          "{ printf 'T\\001'; head -c 60 /dev/zero; } >\"$n\"; orddump -j \"$n\" \"$n\"; ixstat -j \"$n\"",
           "printf '#ixdump,1,X,t,4,-1,\"k,I,1,4\"\\n\\033\\302\\233\\342\\200\\256\\233,@0\\n' | ixload weg",
           "printf '{\"\\302\\233\\\\u001b\":1}' | ixload -f DTMERK weg",
           "printf '{\"\\302\\233\":1,\"\\302\\233\":2}' | ixload -f DTMERK weg",
@@ -54,6 +55,7 @@ TEST_F(Vreemd, NothingThatSteersATerminalIsShown) {
     }
     // As they are where they can be shown, and back in the file that a dump gives.
     EXPECT_TRUE(sh("ixstat DTMERK").zegt("é"));
+    EXPECT_TRUE(sh("ixstat -j a*.INX").zegt("\"a\\u001bc\\u009b\\udb40\\udc01")) << "the same data";
     EXPECT_TRUE(sh("ixcheck fiancé").zegt("fiancé.INX: No such"));
     EXPECT_TRUE(sh("LC_ALL=C ixcheck fiancé").zegt("fianc?.INX: No such"));
     for (const char* vorm : {"", "-j"}) {
