@@ -130,6 +130,18 @@ bool wandel(Wandeling* w, const std::string& onder) {
     return true;
 }
 
+// Bytes to be read at *p, or at the next place that has data behind a hole there, to which *p goes on.
+size_t volgend_stuk(int fd, int64_t* p) {
+    const off_t data = lseek(fd, *p, SEEK_DATA);
+    if (data < 0 && errno == ENXIO) // a hole up to the end
+        *p = std::max(*p, SYSOMVANG(fd));
+    if (data < 0)
+        return STUK;
+    *p = data;
+    const off_t gat = lseek(fd, data, SEEK_HOLE);
+    return gat > data ? static_cast<size_t>(std::min<off_t>(gat - data, STUK)) : STUK;
+}
+
 // Make the bytes of one file those of the other: 1 when that changed something, 0 when not, -1 with errno.
 int gelijk(int van, int naar, bool nieuw, void (*gang)(int64_t)) {
     static std::vector<char> a(STUK), b(STUK);
@@ -138,7 +150,14 @@ int gelijk(int van, int naar, bool nieuw, void (*gang)(int64_t)) {
     for (int64_t p = 0;;) {
         if (kopie_gestopt)
             return errno = EINTR, -1;
-        const ssize_t n = SYSLEES(van, a.data(), STUK, p);
+        const int64_t was = p;
+        const size_t stuk = nieuw ? volgend_stuk(van, &p) : STUK;
+        if (p > was) {
+            gat = true;
+            if (gang)
+                gang(p - was);
+        }
+        const ssize_t n = SYSLEES(van, a.data(), stuk, p);
         const ssize_t m = nieuw || n < 0 ? 0 : SYSLEES(naar, b.data(), n ? static_cast<size_t>(n) : 1, p);
         if (n < 0 || m < 0)
             return -1;

@@ -140,12 +140,14 @@ Uitkomst grof(Kopie* k) {
     Kopieboom boom;
     if (!kopie_boom(k, &boom))
         return mis(NIET_TE_OPENEN, k->fout);
-    int64_t bytes = 0;
-    for (const auto& [naam, post] : boom)
+    int64_t bytes = 0, nodig = 0;
+    for (const auto& [naam, post] : boom) {
         bytes += post.st.st_size;
+        nodig += std::min<int64_t>(post.st.st_size, post.st.st_blocks * 512); // without holes
+    }
     struct statvfs vrij;
-    if (statvfs(k->naar.c_str(), &vrij) == 0 && static_cast<int64_t>(vrij.f_bavail * vrij.f_frsize) < bytes)
-        return mis(FOUT_GEVONDEN, wens.doel + ": no room: " + grootte(bytes) + " to copy, " +
+    if (statvfs(k->naar.c_str(), &vrij) == 0 && static_cast<int64_t>(vrij.f_bavail * vrij.f_frsize) < nodig)
+        return mis(FOUT_GEVONDEN, wens.doel + ": no room: " + grootte(nodig) + " to copy, " +
                                       grootte(static_cast<int64_t>(vrij.f_bavail * vrij.f_frsize)) + " free");
     balk = std::make_unique<Balk>("copy", bytes);
     std::vector<std::string> anders;
