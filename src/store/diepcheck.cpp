@@ -418,6 +418,10 @@ IXSPOOR IXZOEKTERUG(int idxfd, int datfd, const IXHEADER& h) {
     c.records = SYSOMVANG(datfd) / c.h.reclen;
     c.knoop(1, 1, 0, Grens{}, nullptr);
     spoor.sleutels = c.gevonden;
+    // A single one proves little: its entry may be what was hit. A file with a record in it wasn't emptied.
+    uint8_t rec[IXRECMAX];
+    for (int64_t nr = 0; c.gevonden == 1 && !spoor.terug && nr < c.records; nr++)
+        spoor.terug = c.lees_record(nr, rec) && IXRECLIVE(rec, h.reclen) && !nullen(rec, rec + h.reclen);
     return telling.bevindingen ? IXSPOOR{} : spoor;
 }
 

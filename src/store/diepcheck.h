@@ -32,7 +32,7 @@ std::vector<std::string> IXDIEPCHECK(const char* naam, IXTELLING* telling = null
 // as the only proof of what it held.
 struct IXSPOOR {
     int64_t sleutels = 0; // records by the tree, when it is sound in itself and not marked; else 0
-    int64_t terug = 0;    // of them those that stand in the data file, with that key
+    int64_t terug = 0; // of them those that stand in the data file, with that key; of a single one any record
 };
 IXSPOOR IXZOEKTERUG(int idxfd, int datfd, const struct IXHEADER& h); // by these definitions
 
