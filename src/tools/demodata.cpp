@@ -190,17 +190,39 @@ void vul_printers(const std::string& pad) {
         demofout(fout);
 }
 
-// The mark comes first in a directory and goes last, so that what stands beside it is ours, half made or whole.
+// The mark comes first in a directory and goes last, so that what stands beside it is ours, half made or whole. Who makes it
+// has the mark locked until he ends: a half one with a mark that nobody has was broken off.
 constexpr char MERK[] = "ZGDEMO.MRK";
-constexpr char MERKTEKST[] =
+constexpr std::string_view MERKTEKST =
     "Made by zgdemo. zgdemo --fresh and ./run --fresh delete everything in this directory.\n";
-constexpr char HALFTEKST[] = "zgdemo is at work here, or was broken off: it begins anew next time.\n";
+constexpr std::string_view HALFTEKST =
+    "zgdemo is at work here, or was broken off: it begins anew next time.\n";
 
 // Is a directory's data there, and whole?
 bool gemaakt(const std::string& doel) {
     std::error_code fout;
     return fs::exists(doel + "/DTSYS.TXT", fout) &&
-           fs::file_size(doel + "/" + MERK, fout) != sizeof HALFTEKST - 1;
+           fs::file_size(doel + "/" + MERK, fout) != HALFTEKST.size();
+}
+
+int merk = -1; // locked; no other descriptor of it is opened and closed
+
+void zet_merk(std::string_view tekst) {
+    if (!SYSSCHRIJFOP(merk, tekst.data(), tekst.size(), 0) ||
+        SYS.ftruncate(merk, static_cast<off_t>(tekst.size())) != 0)
+        demofout(std::string(MERK) + ": " + strerror(errno));
+}
+
+void neem_merk(const std::string& doel, bool vers) {
+    const std::string pad = doel + "/" + MERK;
+    merk = SYSNIEUW(pad.c_str(), O_RDWR);
+    if (merk < 0)
+        demofout(pad + ": " + strerror(errno) + ", so the directory is left alone");
+    if (!IOLOCK('E', merk, 0, 0))
+        demofout(doel + ": another zgdemo is at work there (process " +
+                 std::to_string(IOLOCKPID(merk, 0, 0)) + ")");
+    if (!vers && gemaakt(doel)) // by another, who had it when we looked
+        tool_weg(GOED);
 }
 
 // A user slot whose owner is between two programs, which have nothing open for that moment.
@@ -220,7 +242,7 @@ std::string wie_gebruikt(const std::string& map) {
     std::string open;
     constexpr auto OPTIES = fs::directory_options::skip_permission_denied;
     for (const auto& e : fs::recursive_directory_iterator(map, OPTIES, fout)) {
-        if (!e.is_regular_file(fout))
+        if (!e.is_regular_file(fout) || e.path().filename() == MERK)
             continue;
         const int fd = SYS.open(e.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
         if (fd < 0)
@@ -237,8 +259,8 @@ std::string wie_gebruikt(const std::string& map) {
     return open;
 }
 
-// An empty directory at this place: a new one, or one that is empty but for what we made.
-void maak_leeg(std::string doel) {
+// An empty directory at this place but for the mark: a new one, or one that had nothing but what we made.
+void maak_leeg(std::string doel, bool vers) {
     std::error_code fout;
     while (doel.size() > 1 && doel.back() == '/')
         doel.pop_back();
@@ -247,17 +269,18 @@ void maak_leeg(std::string doel) {
             fs::create_directories(boven, fout);
         if (!SYSNIEUWEMAP(doel.c_str()))
             demofout(doel + ": " + strerror(errno));
-        return;
+        return neem_merk(doel, vers);
     }
     if (fs::is_empty(doel, fout) && !fout)
-        return;
+        return neem_merk(doel, vers);
     if (!fs::exists(doel + "/" + MERK, fout))
         demofout(doel + ": holds something that zgdemo didn't make (no " + MERK +
                  " in it), so it is left alone; name another directory, or empty it yourself");
-    if (access((doel + "/" + MERK).c_str(), R_OK | W_OK) != 0)
-        demofout(doel + "/" + MERK + ": " + strerror(errno) + ", so the directory is left alone");
+    neem_merk(doel, vers);
+    ALLEEN_GEZEGD |= !gemaakt(doel); // it never was a firm to be at work in
     if (const std::string wie = wie_gebruikt(doel); !wie.empty())
         demofout(doel + ": is in use (" + wie + "), so it is left alone");
+    zet_merk(HALFTEKST); // before the first file goes
     std::vector<fs::path> weg;
     for (const auto& e : fs::directory_iterator(doel, fout))
         if (e.path().filename() != MERK)
@@ -292,10 +315,10 @@ int main(int argc, char** argv) {
         demofout(teksten + ": " + fout.message());
     if (!vers && gemaakt(doel))
         return 0;
-    maak_leeg(doel);
+    maak_leeg(doel, vers);
     if (!IOCHDIR(doel.c_str()))
         demofout(doel + ": " + strerror(errno));
-    demobestand(MERK, HALFTEKST, sizeof HALFTEKST - 1);
+    zet_merk(HALFTEKST);
 
     std::vector<Demomaten> m = maten(bron + "/maten.txt");
     demo_systeem(bron + "/systeem.txt", m, met_register || leeg_register);
@@ -312,6 +335,6 @@ int main(int argc, char** argv) {
     if (met_register)
         demo_register();
     vul_printers(bron + "/printers.txt");
-    demobestand(MERK, MERKTEKST, sizeof MERKTEKST - 1);
+    zet_merk(MERKTEKST);
     return 0;
 }

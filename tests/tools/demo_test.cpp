@@ -33,6 +33,19 @@ TEST(Demo, ALineThatCantBeIsTold) {
                     *zegt ? 1 : 0, zegt);
 }
 
+// Killed at any moment it leaves nothing that the next one takes for a firm, nor for somebody else's.
+TEST(Demo, OneThatWasKilledIsMadeAgain) {
+    test::TijdelijkeMap map;
+    for (const char* gedeeld : {"", "ZGGEDEELD=1 "})
+        for (const char* na : {"0.01", "0.02", "0.04", "0.08"}) {
+            test::sh(std::string("timeout --foreground -s KILL ") + na + " zgdemo --fresh --alone doel");
+            test::hoort(std::string(gedeeld) + "zgdemo doel && zgcheck -q doel", 0);
+        }
+    test::sh("truncate -s 69 doel/ZGDEMO.MRK");
+    test::Agent maker([] { return IOLOCK('E', open("doel/ZGDEMO.MRK", O_RDWR | O_CLOEXEC), 0, 0) == 1; });
+    test::hoort("zgdemo doel", 1, "another zgdemo is at work there (process " + std::to_string(maker.pid()));
+}
+
 TEST(Menu, HandsOverAndTakesBack) {
     DemoMap demo;
     Terminal t({test::programma("zgbsmenu")}, test::demo_opties(demo));
