@@ -7,6 +7,7 @@
 #include "order/register.h"
 #include "shared/files.h"
 #include "shared/iofil.h"
+#include "shared/syscalls.h"
 #include "shared/sysrec.h"
 #include "term/strings.h"
 #include "term/vast.h"
@@ -185,6 +186,11 @@ void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
     Verwijzing boek{stam};
     orders_van(l.fd, plaats, in_hand, &boek, j);
     (in_hand ? b.noten : b.kwalen) = std::move(kwalen);
+    if (!in_hand && SYSOMVANG(l.fd) == 0) {
+        b.noten.push_back("empty; it goes when the supplier is chosen again");
+        j->leeg.push_back({plaats.pad(), plaats.leverancier,
+                           static_cast<uint16_t>(strtoul(plaats.map.c_str(), nullptr, 10)), plaats.map[4]});
+    }
     boek.hoop.meld(&b.noten);
     b.telling = keur_aantal(telling.orders, "orders, ") + keur_aantal(telling.regels, "lines");
     j->per_bestand.push_back(std::move(b));

@@ -21,11 +21,17 @@ struct journaalorder {
     std::map<sleutelwaarde, uint16_t> series; // of its registered lines, with the line's stamp of the day
     bool in_hand;                             // a program has the journal, or broke off in it
 };
+struct leegjournaal {
+    std::string pad;
+    uint16_t leverancier, jaar;
+    char seizoen;
+};
 struct journalen {
     std::vector<journaalorder> orders;
     std::set<std::pair<uint16_t, char>> seizoenen; // season directories that could be listed
     std::set<uint16_t> leveranciers_in_hand;
     std::set<uint16_t> leveranciers_stuk; // a journal is damaged, and may hold more orders than were found
+    std::vector<leegjournaal> leeg;       // that nobody has: 0 bytes
     bool map_ongelezen = false;           // a season's directory couldn't be listed
     int64_t bestanden = 0, regels = 0;
     keurbestanden per_bestand; // what the check tells of each

@@ -32,6 +32,7 @@ struct Orderlabels { // of one order in one block; number 0: of none
 };
 
 struct Keuring {
+    registerdelen met; // what is open
     keurbestand dtser{"DTSER", ""}, dtipa{"DTIPA", ""}, dteti{"DTETI", ""}, dtean{"DTEAN", ""},
         dtordnr{"DTORDNR", ""}, jrn{"journals", ""};
     std::unordered_map<sleutelwaarde, Seriestand> series;
@@ -39,7 +40,7 @@ struct Keuring {
     std::vector<Orderlabels> van_orders; // by series
     // Labels of a size or size type that isn't their series', and those of a size that their price set hasn't either.
     std::map<sleutelwaarde, int> vreemde_maat, zonder_maat;
-    etikeuring eti;
+    etikeuring eti{};
     Veldkeur op_order{"DTETI:order", sizeof(etiket)}, verder{"DTETI:verder", sizeof(etiket)}; // labels
     std::bitset<256> filialen; // their numbers, and what else a receiving location may be
     std::set<sleutelwaarde> sets_zonder_serie, sets_stuk; // of them those that have a damaged one

@@ -61,12 +61,13 @@ int recordlengte(const std::string& naam, int64_t databytes) {
 
 } // namespace
 
+int keur_rust = 300'000;
+
 keurbestanden keur_herhaald(int pogingen, const std::function<keurbestanden()>& deel) {
-    constexpr int RUST = 300'000; // microseconds
     keurbestanden uit = deel();
     auto iets = [](const keurbestand& b) { return !b.kwalen.empty(); };
     for (int i = 1; i < pogingen && std::ranges::any_of(uit, iets); i++) {
-        usleep(RUST);
+        usleep(static_cast<useconds_t>(keur_rust));
         keurbestanden weer = deel();
         const bool gelijk = houd_over(&weer, &uit);
         uit = std::move(weer);

@@ -20,6 +20,7 @@ using keurbestanden = std::vector<keurbestand>;
 
 // A part of the check. What looks wrong is read again, up to `pogingen` times with a rest in between, and told as wrong when
 // it stays: a change is made of several writes, and what only one of two looks saw was one at work.
+extern int keur_rust; // microseconds
 keurbestanden keur_herhaald(int pogingen, const std::function<keurbestanden()>& deel);
 // One line a file: what several parts tell of one stands together. The count of the last that has one counts.
 keurbestanden keur_samen(keurbestanden alle);

@@ -64,7 +64,7 @@ template <class T> auto van_serie(const std::vector<T>& rij, sleutelwaarde serie
 // The prices at which a line of it counts. Without labels a kill came in front of them.
 void keur_prijzen(Keuring* k, const journaalorder& o, sleutelwaarde sleutel, const Seriestand& s) {
     const auto is_nul = [](uint8_t b) { return b == 0; };
-    if (std::ranges::all_of(s.rec.maten, is_nul) ||
+    if (!k->met.prijzen || !k->met.labels || std::ranges::all_of(s.rec.maten, is_nul) ||
         std::ranges::any_of(van_serie(k->prijzen, sleutel), [&](const Periode& p) {
             return p.leverancier == o.leverancier && p.van <= o.orderdatum && o.orderdatum <= p.tot;
         }))
@@ -96,10 +96,10 @@ void keur_regels(Keuring* k, const journaalorder& o) {
 }
 
 // What is wrong with labels on order of that number; null: nothing.
-const char* label_kwaal(const Orderlabels& l, const Orders& orders, const Nummers& nummers) {
+const char* label_kwaal(const Orderlabels& l, const Orders& orders, const Nummers* nummers) {
     const auto o = orders.find(l.nummer);
     if (o == orders.end())
-        return nummers.contains(l.nummer) ? nullptr : "which has no number record";
+        return !nummers || nummers->contains(l.nummer) ? nullptr : "which has no number record";
     if (!o->second->series.contains(l.serie))
         return "which has no line of it";
     if (o->second->leverancier != l.leverancier || o->second->orderdatum != l.datum)
@@ -113,7 +113,7 @@ void keur_labels(Keuring* k, const journalen& j, const Orders& orders, const Num
         if (l.nummer <= 0 || !l.in_nota || s == k->series.end() ||
             k->eti.blokken[static_cast<size_t>(l.blok)].waar != Etiblok::keten)
             continue;
-        const char* reden = label_kwaal(l, orders, nummers);
+        const char* reden = label_kwaal(l, orders, k->met.nummers ? &nummers : nullptr);
         if (!reden)
             continue;
         const std::string wat = "series " + serie_tekst(s->second.rec.serie) + ", block " +
@@ -146,21 +146,12 @@ void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nu
         }
         k->dtordnr.kwalen.push_back(wat);
         k->dtordnr.verloren++;
-        if (!k->nummer_kwijt && !k->journalen_stuk && !met_label.contains(nr))
+        if (!k->nummer_kwijt && !k->journalen_stuk && k->met.labels && !met_label.contains(nr))
             k->nummers_zonder_order.push_back(nr);
     }
 }
 
-} // namespace
-
-void keur_orders(Keuring* k) {
-    const Nummers nummers = lees_nummers();
-    const journalen j = journalen_lees(nullptr);
-    k->journalen_stuk = !j.leveranciers_stuk.empty() || j.map_ongelezen;
-    k->jrn.telling = keur_aantal(j.bestanden, "files, ") +
-                     keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +
-                     keur_aantal(j.regels, "lines");
-    k->dtordnr.telling = keur_aantal(static_cast<int64_t>(nummers.size()), "numbers");
+void keur_teller(Keuring* k, const Nummers& nummers) {
     int32_t sysrecord = SYS_ORDER;
     systeller teller;
     iotab('R', &sysrecord, &teller, SYS_RECORD);
@@ -170,6 +161,37 @@ void keur_orders(Keuring* k) {
         k->dtordnr.noten.push_back("DTSYS.TXT system record 5: the last number is " +
                                    std::to_string(teller.laatste) + ", there is an order " +
                                    std::to_string(nummers.rbegin()->first));
+}
+
+// A program makes a journal empty, and takes it away when it is through with it; what it held has no numbers then. One that
+// is empty though there are numbers of its orders was emptied by something else.
+void keur_lege(Keuring* k, journalen* j, const Nummers& nummers) {
+    for (const leegjournaal& l : j->leeg) {
+        const auto n = std::ranges::count_if(nummers, [&](const auto& nr) {
+            return nr.second.leverancier == l.leverancier && nr.second.jaar == l.jaar &&
+                   nr.second.seizoen == l.seizoen;
+        });
+        if (n)
+            k->jrn.kwalen.push_back(l.pad + ": empty, and DTORDNR has " +
+                                    keur_aantal(n, "numbers of orders that it had"));
+        if (n || !k->met.nummers)
+            j->leveranciers_stuk.insert(l.leverancier);
+    }
+}
+
+} // namespace
+
+void keur_orders(Keuring* k) {
+    const Nummers nummers = k->met.nummers ? lees_nummers() : Nummers{};
+    journalen j = journalen_lees(nullptr);
+    keur_lege(k, &j, nummers);
+    k->journalen_stuk = !j.leveranciers_stuk.empty() || j.map_ongelezen;
+    k->jrn.telling = keur_aantal(j.bestanden, "files, ") +
+                     keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +
+                     keur_aantal(j.regels, "lines");
+    k->dtordnr.telling = keur_aantal(static_cast<int64_t>(nummers.size()), "numbers");
+    if (k->met.nummers)
+        keur_teller(k, nummers);
     Orders orders;
     for (const journaalorder& o : j.orders) {
         if (o.nummer <= 0)
@@ -177,8 +199,10 @@ void keur_orders(Keuring* k) {
         if (const auto [p, nieuw] = orders.emplace(o.nummer, &o); !nieuw)
             (o.in_hand ? k->jrn.noten : k->jrn.kwalen)
                 .push_back(naam(o) + " has the number of " + p->second->waar);
-        keur_nummer(k, o, nummers);
-        keur_regels(k, o);
+        if (k->met.nummers)
+            keur_nummer(k, o, nummers);
+        if (k->met.series)
+            keur_regels(k, o);
     }
     keur_labels(k, j, orders, nummers);
     keur_nummers(k, j, orders, nummers);

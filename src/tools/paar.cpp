@@ -143,8 +143,8 @@ bool elders_open(int fd) {
 }
 
 namespace {
-const SYSCALLS echt = SYS;
-bool mag_maken;
+SYSCALLS eronder; // what alleen_lezen was laid over
+bool mag_maken, leest;
 } // namespace
 
 std::string in_de_weg(const ICB* icb) {
@@ -174,23 +174,29 @@ void wacht_hooguit(int seconden) {
 
 void alleen_lezen(bool maken) {
     mag_maken = maken;
+    if (!leest)
+        eronder = SYS;
+    leest = true;
     SYS.open = [](const char* pad, int vlaggen, mode_t mode) {
         return mag_maken && (vlaggen & O_EXCL)
-                   ? echt.open(pad, vlaggen, mode)
-                   : echt.open(pad, (vlaggen & ~(O_ACCMODE | O_CREAT | O_TRUNC)) | O_RDONLY, 0);
+                   ? eronder.open(pad, vlaggen, mode)
+                   : eronder.open(pad, (vlaggen & ~(O_ACCMODE | O_CREAT | O_TRUNC)) | O_RDONLY, 0);
     };
     SYS.slot = [](int fd, int opdracht, struct flock* gebied) {
         struct flock lezer = *gebied;
         if (opdracht != F_SETLK || lezer.l_type != F_WRLCK)
-            return echt.slot(fd, opdracht, gebied);
+            return eronder.slot(fd, opdracht, gebied);
         lezer.l_type = F_RDLCK;
-        return echt.slot(fd, opdracht, &lezer);
+        return eronder.slot(fd, opdracht, &lezer);
     };
 }
 
 void weer_schrijven() {
-    SYS.open = echt.open;
-    SYS.slot = echt.slot;
+    if (!leest)
+        return;
+    SYS.open = eronder.open;
+    SYS.slot = eronder.slot;
+    leest = false;
 }
 
 namespace {

@@ -29,6 +29,23 @@ namespace {
 constexpr int LEZEN = 0, ALLEEN = 1, SHARED = 2;
 constexpr int SYS_SERIE = 2; // counter of the series' numbers
 
+registerdelen open_delen; // keur_open
+
+struct Deel {
+    bool registerdelen::*er;
+    std::vector<const char*> bestanden;
+    const char* wat; // is left out without it
+};
+const Deel DELEN[] = {
+    {&registerdelen::series, {"DTSER.INX", "DTSER.TXT"}, "series, and all that names them,"},
+    {&registerdelen::prijzen,
+     {"DTIPA.INX", "DTIPA.TXT", "DTIPG.TXT"},
+     "prices, and lines of orders against them,"},
+    {&registerdelen::labels, {"DTETI.TXT"}, "labels, and what series and orders have of them,"},
+    {&registerdelen::codes, {"DTEAN.INX", "DTEAN.TXT"}, "codes"},
+    {&registerdelen::nummers, {"DTORDNR.INX", "DTORDNR.TXT"}, "numbers of orders"},
+};
+
 int32_t teller(int32_t sysrecord) {
     systeller t;
     iotab('R', &sysrecord, &t, SYS_RECORD);
@@ -47,7 +64,7 @@ bool zet_teller(int32_t sysrecord, int32_t laatste) {
 // Is there no such series? Its sets, blocks and codes are read behind it, and it may have been made since.
 bool ontbreekt(const Keuring& k, const seriesleutel& serie) {
     serrec rec;
-    return !k.series.contains(sleutel_van(serie)) && !serie_lees(serie, &rec);
+    return k.met.series && !k.series.contains(sleutel_van(serie)) && !serie_lees(serie, &rec);
 }
 
 // Size types that have sizes, in any size system; all of them where that can't be read.
@@ -70,7 +87,7 @@ void lees_series(Keuring* k) {
     for (int32_t nr = 0; (er = IXGET(dtser, buffer, nr)) >= 0; nr++) {
         if (!er)
             continue;
-        Seriestand s{{}, nr, true, {}, {}};
+        Seriestand s{{}, nr, false, {}, {}};
         stam_uit(buffer, dtser->h.reclen, &s.rec);
         const sleutelwaarde sleutel = sleutel_van(s.rec.serie);
         const std::string wie = "series " + serie_tekst(s.rec.serie);
@@ -182,7 +199,7 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
     if (s == k->series.end())
         k->kwijt.insert(serie);
     else if (!heeft_maat(s->second.rec.maten, l.maat))
-        (set_heeft_maat(*k, serie, l) ? k->vreemde_maat : k->zonder_maat)[serie]++;
+        (!k->met.prijzen || set_heeft_maat(*k, serie, l) ? k->vreemde_maat : k->zonder_maat)[serie]++;
     else if (l.maatsoort != s->second.rec.maatsoort)
         k->vreemde_maat[serie]++;
     const Orderlabels o{serie, blok, l.ordernummer, l.leverancier, l.orderdatum, l.status == ETI_ORDER};
@@ -236,6 +253,14 @@ void lees_labels(Keuring* k) {
     }
     for (const Veldkeur* v : {&k->op_order, &k->verder})
         v->meld(&k->dteti.kwalen);
+    // In place: a stable sort takes as much again.
+    std::ranges::sort(k->van_orders, {}, [](const Orderlabels& o) {
+        return std::tuple(o.serie, o.blok, o.nummer, o.leverancier, o.datum);
+    });
+    k->dteti.telling = keur_aantal(k->eti.labels, "labels, ") +
+                       keur_aantal(static_cast<int64_t>(k->eti.blokken.size()), "blocks");
+    if (!k->met.series)
+        return;
     for (const auto& [sleutel, n] : k->zonder_maat)
         keur_kwaal(&k->dteti, &k->series[sleutel],
                    "series " + serie_tekst(k->series[sleutel].rec.serie) + ": " +
@@ -249,21 +274,16 @@ void lees_labels(Keuring* k) {
             if (s == k->series.end() ? !ontbreekt(*k, b.serie) : in_werk(s->second))
                 b.waar = Etiblok::keten;
         }
-    // In place: a stable sort takes as much again.
-    std::ranges::sort(k->van_orders, {}, [](const Orderlabels& o) {
-        return std::tuple(o.serie, o.blok, o.nummer, o.leverancier, o.datum);
-    });
     etikeur_einde(&k->eti, [k](const std::string& wat) { k->dteti.kwalen.push_back(wat); });
     k->dteti.verloren = k->eti.verloren;
-    k->dteti.telling = keur_aantal(k->eti.labels, "labels, ") +
-                       keur_aantal(static_cast<int64_t>(k->eti.blokken.size()), "blocks");
 }
 
 Eanstaat neem_code(Keuring* k, const seriesleutel& serie, uint8_t maat) {
     const auto p = k->series.find(sleutel_van(serie));
     if (p == k->series.end())
         return !ontbreekt(*k, serie) ? Eanstaat::goed
-               : k->journalen_stuk || k->kwijt.contains(sleutel_van(serie)) || k->maten_zonder_code[maat]
+               : k->journalen_stuk || !k->met.labels || k->kwijt.contains(sleutel_van(serie)) ||
+                       k->maten_zonder_code[maat]
                    ? Eanstaat::kwijt
                    : Eanstaat::weg;
     Seriestand& s = p->second;
@@ -305,17 +325,29 @@ void keur_codes(Keuring* k) {
 
 Keuring neem_op() {
     Keuring k;
-    lees_series(&k);
-    lees_sets(&k);
-    lees_labels(&k);
-    keur_codes(&k);
+    k.met = open_delen;
+    if (k.met.series)
+        lees_series(&k);
+    if (k.met.prijzen)
+        lees_sets(&k);
+    if (k.met.labels)
+        lees_labels(&k);
+    if (k.met.codes)
+        keur_codes(&k);
     keur_orders(&k);
     return k;
 }
 
 keurbestanden bestanden(Keuring k) {
-    return {std::move(k.dtser), std::move(k.dtipa),   std::move(k.dteti),
-            std::move(k.dtean), std::move(k.dtordnr), std::move(k.jrn)};
+    keurbestanden uit{std::move(k.jrn)};
+    for (auto [er, b] : {std::pair{k.met.series, &k.dtser},
+                         {k.met.prijzen, &k.dtipa},
+                         {k.met.labels, &k.dteti},
+                         {k.met.codes, &k.dtean},
+                         {k.met.nummers, &k.dtordnr}})
+        if (er)
+            uit.push_back(std::move(*b));
+    return uit;
 }
 
 bool tel_opnieuw(const Seriestand& s) {
@@ -342,34 +374,55 @@ void keur_kwaal(keurbestand* b, const Seriestand* s, const std::string& wat) {
         b->kwalen.push_back(wat);
 }
 
-keurbestanden register_dicht() {
-    keurbestanden uit;
-    for (const char* naam : {"DTSER.INX", "DTSER.TXT", "DTIPA.INX", "DTIPA.TXT", "DTEAN.INX", "DTEAN.TXT",
-                             "DTORDNR.INX", "DTORDNR.TXT", "DTETI.TXT", "DTIPG.TXT"}) {
-        const std::string stam = std::string(naam, strchr(naam, '.'));
-        if (!IOEXISTS(naam))
-            uit.push_back({stam, "", {std::string(naam) + " isn't there"}});
-        else if (const keurlezer l(naam); l.fd < 0)
-            uit.push_back({stam, "", {std::string(naam) + " can't be read: " + l.fout}});
+registerdelen register_delen(const std::set<std::string>& stuk, bool schrijven, keurbestanden* dicht,
+                             std::vector<std::string>* weg) {
+    registerdelen uit;
+    for (const Deel& deel : DELEN) {
+        std::string waarom;
+        for (const char* naam : deel.bestanden) {
+            const std::string stam = std::string(naam, strchr(naam, '.'));
+            const bool er = IOEXISTS(naam);
+            if (const keurlezer l(naam); l.fd < 0) {
+                dicht->push_back(
+                    {stam, "", {naam + (er ? " can't be read: " + l.fout : std::string(" isn't there"))}});
+                waarom = stam + " can't be read";
+            } else if (schrijven && access(naam, W_OK) != 0) {
+                waarom = stam + " can't be written";
+            } else if (waarom.empty() && stuk.contains(stam)) {
+                waarom = "rebuild with ixremake first: " + stam;
+            }
+        }
+        uit.*deel.er = waarom.empty();
+        if (!waarom.empty())
+            weg->push_back(waarom + "; " + deel.wat);
     }
     return uit;
 }
 
-void keur_open(bool schrijven) {
+void keur_open(const registerdelen& delen, bool schrijven) {
     const int modus = schrijven ? SHARED : LEZEN;
-    dtser = IXOPEN("DTSER", schrijven ? ALLEEN : LEZEN);
-    dtean = IXOPEN("DTEAN", modus);
-    dtordnr = IXOPEN("DTORDNR", modus);
-    ioink_open(modus);
-    ioeti('O', nullptr, nullptr);
+    open_delen = delen;
+    if (delen.series)
+        dtser = IXOPEN("DTSER", schrijven ? ALLEEN : LEZEN);
+    if (delen.codes)
+        dtean = IXOPEN("DTEAN", modus);
+    if (delen.nummers)
+        dtordnr = IXOPEN("DTORDNR", modus);
+    if (delen.prijzen)
+        ioink_open(modus);
+    if (delen.labels)
+        ioeti('O', nullptr, nullptr);
     sys_lees();
 }
 
 void keur_sluit() {
-    ioeti('C', nullptr, nullptr);
-    ioink_close();
+    if (open_delen.labels)
+        ioeti('C', nullptr, nullptr);
+    if (open_delen.prijzen)
+        ioink_close();
     for (ICB** icb : {&dtordnr, &dtean, &dtser}) {
-        IXCLOSE(*icb);
+        if (*icb)
+            IXCLOSE(*icb);
         *icb = nullptr;
     }
 }
@@ -393,8 +446,8 @@ std::vector<std::string> register_herstel(bool* gelukt) {
             "journals: one is damaged or can't be read: sets, codes and numbers of what is gone stay");
     // Sets of a series that is gone: their groups go back with them.
     for (const sleutelwaarde w : k.sets_zonder_serie) {
-        if (k.journalen_stuk)
-            break; // it may have lines of the series
+        if (k.journalen_stuk || !k.met.labels)
+            break; // it may have lines of the series, or labels
         if (const bool kwijt = k.kwijt.contains(w); kwijt || k.sets_stuk.contains(w)) {
             uit.push_back("DTIPA: sets of " + serie_tekst(sleutel_uit(w)) +
                           " stay: " + (kwijt ? "its record was lost" : "one of them is damaged"));
@@ -404,18 +457,17 @@ std::vector<std::string> register_herstel(bool* gelukt) {
     }
     // The groups of a set that was lost are the last that knows of its prices.
     bool opnieuw = false;
-    const int64_t groepen = ink_herstel(
-        [&k](const prijsgroeprec& groep) {
-            return k.journalen_stuk || k.prijzen_kwijt.contains({sleutel_van(groep.serie), groep.setnr});
-        },
-        &opnieuw);
+    const auto blijft = [&k](const prijsgroeprec& groep) {
+        return k.journalen_stuk || k.prijzen_kwijt.contains({sleutel_van(groep.serie), groep.setnr});
+    };
+    const int64_t groepen = k.met.prijzen && k.met.labels ? ink_herstel(blijft, &opnieuw) : 0;
     *gelukt &= groepen >= 0;
     if (opnieuw)
         uit.push_back("DTIPG: the free chain was made anew");
     if (groepen > 0)
         uit.push_back("DTIPG: " + keur_aantal(groepen, "records given back"));
     const int64_t verloren = k.eti.verloren;
-    *gelukt &= etikeur_herstel(&k.eti, meld);
+    *gelukt &= !k.met.labels || etikeur_herstel(&k.eti, meld);
     if (verloren > k.eti.verloren)
         uit.push_back("DTETI: " + keur_aantal(verloren - k.eti.verloren, "lost blocks given back"));
     int64_t geteld = 0;
@@ -433,7 +485,7 @@ std::vector<std::string> register_herstel(bool* gelukt) {
         uit.push_back((sysrecord == SYS_SERIE ? "DTSER" : "DTORDNR") +
                       (": the last number is " + std::to_string(laatste)));
     }
-    *gelukt &= codes_keur(&k, true, meld);
+    *gelukt &= !k.met.codes || codes_keur(&k, true, meld);
     for (const int32_t nr : k.nummers_zonder_order) {
         uint8_t buffer[IXRECMAX] = {};
         memcpy(buffer, &nr, sizeof nr);

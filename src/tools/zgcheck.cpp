@@ -105,7 +105,7 @@ int wie_er_in_is() {
 // ---- the parts
 
 constexpr int POGINGEN = 5;
-const char* const REGISTER[] = {"DTSER", "DTIPA", "DTEAN", "DTORDNR", "DTSERPIC"};
+const char* const REGISTER[] = {"DTSER", "DTIPA", "DTEAN", "DTORDNR"};
 const char* const NODIG[] = {"DTART",  "DTLEV",    "DTMAAT",  "DTMERK",
                              "DTMTOM", "DTOMZGRP", "DTVVTAB", "DTKOERS"}; // the order program opens them
 
@@ -137,34 +137,22 @@ keurbestanden bomen(std::set<std::string>* stuk) {
         nodig(naam, "the order program doesn't start");
     if (er_is_register())
         for (const char* naam : REGISTER)
-            if (std::string(naam) != "DTSERPIC")
-                nodig(naam, "there is no registration without it");
+            nodig(naam, "there is no registration without it");
     return uit;
-}
-
-// The register's pairs that are broken: nothing is read by their keys before they are rebuilt.
-std::string register_stuk(const std::set<std::string>& stuk) {
-    std::string namen;
-    for (const char* naam : REGISTER)
-        if (stuk.contains(naam))
-            namen += std::string(" ") + naam;
-    return namen;
 }
 
 keurbestanden het_register(const std::set<std::string>& stuk, int pogingen) {
     if (!er_is_register())
         return {};
-    if (keurbestanden dicht = register_dicht(); !dicht.empty()) {
-        klacht("", "series, prices and labels were not looked at: a file of theirs can't be read");
-        std::erase_if(dicht, [&](const keurbestand& b) { return stuk.contains(b.naam); }); // told already
-        return dicht;
-    }
-    if (const std::string namen = register_stuk(stuk); !namen.empty()) {
-        klacht("", "rebuild with ixremake first:" + namen + "; series, prices and labels were not looked at");
-        return {};
-    }
-    keur_open(false);
-    keurbestanden uit = register_keur(pogingen);
+    keurbestanden uit;
+    std::vector<std::string> weg;
+    const registerdelen delen = register_delen(stuk, false, &uit, &weg);
+    for (const std::string& w : weg)
+        klacht("", w + " were not looked at");
+    std::erase_if(uit, [&](const keurbestand& b) { return stuk.contains(b.naam); }); // told already
+    keur_open(delen, false);
+    for (keurbestand& b : register_keur(pogingen))
+        uit.push_back(std::move(b));
     keur_sluit();
     return uit;
 }
@@ -235,15 +223,26 @@ std::string niets_te_zien() {
                                                 : "";
 }
 
-bool herstel_register(const std::set<std::string>& stuk) {
-    if (!er_is_register() || !register_stuk(stuk).empty() || !register_dicht().empty())
-        return true; // the check behind it tells
-    keur_open(true);
-    bool gelukt;
-    for (const std::string& r : register_herstel(&gelukt))
-        if (!wens.stil && !wens.json)
+bool herstel_register(const std::set<std::string>& stuk, bool stil) {
+    if (!er_is_register())
+        return true;
+    keurbestanden dicht;
+    std::vector<std::string> regels;
+    const registerdelen delen = register_delen(stuk, true, &dicht, &regels);
+    for (std::string& r : regels)
+        r += " stay as they are";
+    bool gelukt = true;
+    if (!delen.series) {
+        regels.push_back("nothing of the registration is put right without DTSER, which keeps others out");
+    } else {
+        keur_open(delen, true);
+        for (const std::string& r : register_herstel(&gelukt))
+            regels.push_back(r);
+        keur_sluit();
+    }
+    for (const std::string& r : regels)
+        if (!stil)
             printf("repair: %s\n", toon(r).c_str());
-    keur_sluit();
     return gelukt;
 }
 
@@ -255,9 +254,8 @@ int herstel() {
         return wie_er_in_is();
     if (IOEXISTS("DTSER.INX") && IOEXISTS("DTSER.TXT")) {
         Paar dtser;
-        if (paar_open("DTSER", &dtser) != GOED)
-            return NIET_TE_OPENEN;
-        if (paar_alleen(&dtser, wens.wacht) != GOED)
+        if (paar_open("DTSER", &dtser) == GOED && !dtser.alleen_lezen &&
+            paar_alleen(&dtser, wens.wacht) != GOED)
             return klacht("", "nothing was changed"), IN_GEBRUIK;
     }
     const bool stil = wens.stil || wens.json;
@@ -267,8 +265,9 @@ int herstel() {
     stuk.clear();
     bomen(&stuk);
     gelukt &= reserveringen_herstel(alle_paren(), stil);
-    gelukt &= herstel_register(stuk);
+    gelukt &= herstel_register(stuk, stil);
     gelukt &= resten_herstel(stil);
+    alleen_lezen(); // what can't be written can be looked at
     const int uitkomst = verslag(alles(1));
     return gelukt ? uitkomst : FOUT_GEVONDEN;
 }
@@ -291,8 +290,10 @@ int main(int argc, char** argv) {
                  "on a shared file system: no program on any host is at work in it");
     app.add_flag("-j,--json", wens.json, "JSON lines, one a file");
     app.add_flag("-q,--quiet", wens.stil, "say only what is wrong");
-    app.add_option("-w,--wait", wens.wacht,
-                   "seconds to wait for an index that looks wrong, and for DTSER before a repair")
+    app.add_option(
+           "-w,--wait", wens.wacht,
+           "seconds to wait for an index that looks wrong, and for DTSER before a repair; with 0 there "
+           "is no rest before what looks wrong is read again")
         ->check(CLI::Range(0, 86400));
     if (int uit; !tool_woorden(app, argc, argv, &uit))
         return uit;
@@ -304,6 +305,8 @@ int main(int argc, char** argv) {
     if (const std::string reden = niets_te_zien(); !reden.empty())
         return klacht(wens.map, reden + "; without that nothing can be checked"), NIET_TE_OPENEN;
     IXWAITHOOK = wacht;
+    if (!wens.wacht)
+        keur_rust = 0;
     int32_t nr = 0;
     iotab('O', &nr, nullptr, SYS_RECORD);
     return tool_einde(wens.herstel ? herstel() : verslag(alles(POGINGEN)));

@@ -101,12 +101,8 @@ void plak(const DemoMap& map, const char* naam, const std::string& bytes) {
 }
 
 const std::vector<Schade> SCHADES = {
-    heelt("counts of a series", {"DTSER: series 1100.15.1: counts "},
-          op("DTSER.TXT", SER + offsetof(serrec, voorraad), int32_t{7})),
     blijft("a chain into another series", {"DTETI: series ", "block 100: is of series "},
            op("DTETI.TXT", 2 * BLOK + offsetof(etiblok, volgende), int32_t{100})),
-    blijft("a chain past the end", {"DTETI: series ", "block 99999: outside the file"},
-           op("DTSER.TXT", offsetof(serrec, etiketkop), int32_t{99999})),
     // and nobody else may have them
     blijft("blocks and groups of zeros that a series and a set lead to",
            {"DTETI: series 1100.15.1, block ", "is of series 0.0.0", "DTIPA: series ",
@@ -150,8 +146,6 @@ const std::vector<Schade> SCHADES = {
                for (size_t i = 0; i < ETIPLAATS; i++)
                    zet(m, "DTETI.TXT", offsetof(etiblok, plaats) + i, uint8_t{0xFF});
            }),
-    blijft("a group that disagrees", {"DTIPA: series ", "record 0: not a group of this set"},
-           op("DTIPG.TXT", offsetof(prijsgroeprec, setnr), uint16_t{999})),
     heelt("a price record that nobody has", {"DTIPA: DTIPG.TXT: 1 records that no set has"},
           [](const DemoMap& m) {
               const auto einde = haal<int32_t>(m, "DTSYS.TXT", SYS9 + 4);
@@ -202,8 +196,22 @@ const std::vector<Schade> SCHADES = {
                std::filesystem::remove(m.bestand("DTETI.TXT"));
                std::filesystem::create_symlink("/proc/self/mem", m.bestand("DTETI.TXT"));
            }),
-    blijft("a pipe in place of labels", {"DTETI: DTETI.TXT can't be read: not a plain file"},
-           buizen({"DTETI.TXT"})),
+    // the rest is looked at, and stays where it hangs on them
+    blijft("a pipe in place of labels",
+           {"DTETI: DTETI.TXT can't be read: not a plain file", "DTETI can't be read; labels, ",
+            "DTIPA: sets of 4711.1.1, which isn't there", "DTEAN: code 8711253001202 and 0 more: of series "},
+           [](const DemoMap& m) { wezen(m), buizen({"DTETI.TXT"})(m); }),
+    blijft("a directory in place of series",
+           {"DTSER: DTSER.TXT can't be read: not a plain file",
+            "DTSER can't be read; series, and all that names", " has no number record",
+            "record 0: not a group of this set", "repair: DTMERK: index rebuilt",
+            "repair: DTSER can't be read; "},
+           [](const DemoMap& m) {
+               zonder({"DTSER.TXT", "DTMERK.INX"})(m);
+               std::filesystem::create_directory(m.bestand("DTSER.TXT"));
+               wis(m, "DTORDNR", 0);
+               zet(m, "DTIPG.TXT", offsetof(prijsgroeprec, setnr), uint16_t{999});
+           }),
     blijft("pipes in place of files",
            {"DTLEV: DTLEV.TXT can't be read: not a plain file", "DTVVTAB: DTVVTAB.INX can't",
             "DTIPG: DTIPG.TXT can't", "DTEAN: DTEAN.TXT can't", "print/TR_PTRG: print/TR_PTRG.TXT can't",
@@ -275,25 +283,38 @@ const std::vector<Schade> SCHADES = {
     blijft("a journal that goes", {"DTORDNR: number ", "of an order that isn't there"},
            zonder({"2016Z/ORD0010.JRN"})),
     // a number that only it may have stays
-    blijft("a journal whose name leads nowhere",
+    blijft("a journal whose name leads nowhere, and an emptied one",
            {"2016Z/ORD0010.JRN: a link that leads nowhere",
-            "DTORDNR: note: number 7777 of an order that isn't there, as far as its supplier's journals"},
+            "journals: 2016Z/ORD0011.JRN: empty, and DTORDNR has 2 ",
+            "DTORDNR: note: number 7710 of an order that isn't there, as far as its supplier's journals",
+            "DTORDNR: note: number 7711 of an order that isn't there, as far as its supplier's journals"},
            [](const DemoMap& m) {
                const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
-               const ordnrrec rec{
-                   .ordernummer = 7777, .leverancier = 10, .jaar = 2016, .seizoen = 'Z', .orderdatum = 42400};
-               schrijf(m, "DTORDNR", std::string(reinterpret_cast<const char*>(&rec), sizeof rec));
+               for (const uint16_t lev : {uint16_t{10}, uint16_t{11}}) {
+                   const ordnrrec rec{.ordernummer = 7700 + lev,
+                                      .leverancier = lev,
+                                      .jaar = 2016,
+                                      .seizoen = 'Z',
+                                      .orderdatum = 42400};
+                   schrijf(m, "DTORDNR", std::string(reinterpret_cast<const char*>(&rec), sizeof rec));
+               }
                std::filesystem::remove(jrn);
                std::filesystem::create_symlink("/nowhere/ORD0010.JRN", jrn);
+               kort("2016Z/ORD0011.JRN", 0)(m);
            }),
     blijft("a journal cut off", {"2016Z/ORD0010.JRN: at "},
            [](const DemoMap& m) {
                const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
                std::filesystem::resize_file(jrn, std::filesystem::file_size(jrn) - 1);
            }),
-    // and nothing is read along it
-    heelt("a broken tree", {"DTIPA: key 1, block ", "ixremake first: DTIPA;"},
-          op("DTIPA.INX", 4 * 512 + 20, uint32_t{0xFFFFFFFF})),
+    // and nothing is read along it, nor anything left out that doesn't hang on it
+    heelt("broken trees",
+          {"DTIPA: key 1, block ", "ixremake first: DTIPA;", "DTSER: series 1100.15.1: counts "},
+          [](const DemoMap& m) {
+              zet(m, "DTIPA.INX", 4 * 512 + 20, uint32_t{0xFFFFFFFF});
+              zet(m, "DTSERPIC.INX", 512 + 5, uint32_t{0xFFFFFFFF});
+              zet(m, "DTSER.TXT", SER + offsetof(serrec, voorraad), int32_t{7});
+          }),
     heelt("a pair that a death left marked", {"DTSER: header: marked", "ixremake first: DTSER;"},
           op("DTSER.INX", offsetof(IXHEADER, busy), uint8_t{1})),
     blijft("damaged notes of a change of prices and of codes",

@@ -44,6 +44,7 @@ TEST(Zgcheck, Remains) {
     std::filesystem::create_directory(map.bestand(".ixwerkBBBBBB"));
     for (const char* naam : {".ixwerkAAAAAA/DTLEV.TXT", ".ixwerkBBBBBB/vorige"})
         plak(map, naam, "x");
+    plak(map, "2016Z/ORD0019.JRN", ""); // of a buyer who died before his first order
     sh("chmod -R g+rwX,g-s,o=" + hier);
     // What the package doesn't know: named as it is typed, and left as it is.
     for (const char* naam : {"caf\xC3\xA9.TXT", "\xff\xC2\x9b.TXT", "2016Z/ORD0014.JRN~",
@@ -55,7 +56,8 @@ TEST(Zgcheck, Remains) {
     const Uit uit = sh("LC_ALL=C.UTF-8 zgcheck" + hier);
     EXPECT_EQ(uit.status, 0);
     for (const char* tekst :
-         {"2015W: note: mode 0770, should be 2770", "2016Z/ORD0012.TMP: note: left by an order",
+         {"2015W: note: mode 0770, should be 2770", "2016Z/ORD0019.JRN: note: empty",
+          "2016Z/ORD0012.TMP: note: left by an order",
           "2016Z/ORD0012.ORS: note: ", "PRAB13.UIT: note: left by", "EDISYS.CVC: note: settings half made",
           "2016Z/ORD0013.JRN: note: brand 9999 isn't there",
           "2016Z/ORD0013.JRN: note: size type 77 isn't there", ".ixwerkAAAAAA: note: a load or copy",
@@ -87,7 +89,7 @@ TEST(Zgcheck, EachDamageAndItsRepair) {
         for (const Schade& s : schades)
             s.doe(map);
         const auto stuk = map.inhoud();
-        const Uit uit = sh("zgcheck" + hier);
+        const Uit uit = sh("zgcheck -w 0" + hier); // nobody is at work in it
         EXPECT_EQ(DemoMap::verschil(stuk, map.inhoud()), "") << "a check only reads";
         const Uit na = sh("zgcheck --repair" + hier);
         for (const Schade& s : schades) {
@@ -160,7 +162,9 @@ TEST(Zgcheck, BesidePeople) {
     als_gast("zgcheck" + hier, 1,
              {"ORD0012.JRN: can't be read: no permission", "DTLEV: DTLEV.TXT can't be read: no permission",
               "DTORDNR: good", "DTMERK: good"});
-    sh("chmod -R u+rw" + hier);
+    sh("chmod -R a+rwX" + hier + "; chmod 0444 " + map.bestand("DTSER.TXT"));
+    als_gast("zgcheck -r" + hier, 1,
+             {"repair: DTSER can't be written; ", "DTSER.TXT: mode 0444", "DTEAN: good"});
     EXPECT_EQ(sh("zgcheck").status, 2);
     EXPECT_EQ(sh("zgcheck --nonsense" + hier).status, 2);
     EXPECT_EQ(sh("zgcheck /").status, 3);
