@@ -258,7 +258,7 @@ TEST_F(Tools, StatCountsBlocksThatNoTreeHas) {
             icb->currec = nr, IXDELETE(icb, rec);
     IXCLOSE(icb);
     const Uit u = sh("ixstat DTMERK");
-    EXPECT_TRUE(u.zegt(" 1 records, 299 free; ") && !u.zegt(" 0 unused")) << u.tekst;
+    EXPECT_TRUE(u.zegt(" 1 records, 299 free; ") && !u.zegt("key 0") && !u.zegt(" 0 unused")) << u.tekst;
     hoort("ixremake DTMERK && ixstat DTMERK", 0, ", 0 unused; 0 keys reserved");
 }
 
