@@ -9,6 +9,7 @@
 #include "store/ix.h"
 #include "term/plaats.h"
 #include "term/vast.h"
+#include "tools/demomerk.h"
 #include "tools/demotekst.h"
 #include "tools/druktekst.h"
 #include "tools/dump.h"
@@ -190,19 +191,14 @@ void vul_printers(const std::string& pad) {
         demofout(fout);
 }
 
-// The mark comes first in a directory and goes last, so that what stands beside it is ours, half made or whole. Who makes it
-// has the mark locked until he ends: a half one with a mark that nobody has was broken off.
-constexpr char MERK[] = "ZGDEMO.MRK";
+// Who makes a directory has its mark locked until he ends: a half one with a mark that nobody has was broken off.
 constexpr std::string_view MERKTEKST =
     "Made by zgdemo. zgdemo --fresh and ./run --fresh delete everything in this directory.\n";
-constexpr std::string_view HALFTEKST =
-    "zgdemo is at work here, or was broken off: it begins anew next time.\n";
 
 // Is a directory's data there, and whole?
 bool gemaakt(const std::string& doel) {
     std::error_code fout;
-    return fs::exists(doel + "/DTSYS.TXT", fout) &&
-           fs::file_size(doel + "/" + MERK, fout) != HALFTEKST.size();
+    return fs::exists(doel + "/DTSYS.TXT", fout) && !demo_half(doel);
 }
 
 int merk = -1; // locked; no other descriptor of it is opened and closed
@@ -210,11 +206,11 @@ int merk = -1; // locked; no other descriptor of it is opened and closed
 void zet_merk(std::string_view tekst) {
     if (!SYSSCHRIJFOP(merk, tekst.data(), tekst.size(), 0) ||
         SYS.ftruncate(merk, static_cast<off_t>(tekst.size())) != 0)
-        demofout(std::string(MERK) + ": " + strerror(errno));
+        demofout(std::string(DEMOMERK) + ": " + strerror(errno));
 }
 
 void neem_merk(const std::string& doel, bool vers) {
-    const std::string pad = doel + "/" + MERK;
+    const std::string pad = doel + "/" + DEMOMERK;
     merk = SYSNIEUW(pad.c_str(), O_RDWR);
     if (merk < 0)
         demofout(pad + ": " + strerror(errno) + ", so the directory is left alone");
@@ -242,7 +238,7 @@ std::string wie_gebruikt(const std::string& map) {
     std::string open;
     constexpr auto OPTIES = fs::directory_options::skip_permission_denied;
     for (const auto& e : fs::recursive_directory_iterator(map, OPTIES, fout)) {
-        if (!e.is_regular_file(fout) || e.path().filename() == MERK)
+        if (!e.is_regular_file(fout) || e.path().filename() == DEMOMERK)
             continue;
         const int fd = SYS.open(e.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
         if (fd < 0)
@@ -273,17 +269,17 @@ void maak_leeg(std::string doel, bool vers) {
     }
     if (fs::is_empty(doel, fout) && !fout)
         return neem_merk(doel, vers);
-    if (!fs::exists(doel + "/" + MERK, fout))
-        demofout(doel + ": holds something that zgdemo didn't make (no " + MERK +
+    if (!fs::exists(doel + "/" + DEMOMERK, fout))
+        demofout(doel + ": holds something that zgdemo didn't make (no " + DEMOMERK +
                  " in it), so it is left alone; name another directory, or empty it yourself");
     neem_merk(doel, vers);
     ALLEEN_GEZEGD |= !gemaakt(doel); // it never was a firm to be at work in
     if (const std::string wie = wie_gebruikt(doel); !wie.empty())
         demofout(doel + ": is in use (" + wie + "), so it is left alone");
-    zet_merk(HALFTEKST); // before the first file goes
+    zet_merk(DEMOHALFTEKST); // before the first file goes
     std::vector<fs::path> weg;
     for (const auto& e : fs::directory_iterator(doel, fout))
-        if (e.path().filename() != MERK)
+        if (e.path().filename() != DEMOMERK)
             weg.push_back(e.path());
     for (const fs::path& p : weg)
         if (fs::remove_all(p, fout); fout)
@@ -318,7 +314,7 @@ int main(int argc, char** argv) {
     maak_leeg(doel, vers);
     if (!IOCHDIR(doel.c_str()))
         demofout(doel + ": " + strerror(errno));
-    zet_merk(HALFTEKST);
+    zet_merk(DEMOHALFTEKST);
 
     std::vector<Demomaten> m = maten(bron + "/maten.txt");
     demo_systeem(bron + "/systeem.txt", m, met_register || leeg_register);

@@ -2,6 +2,7 @@
 #include "tools/kopie.h"
 #include "shared/files.h"
 #include "shared/syscalls.h"
+#include "shared/woordenboek.h"
 #include "tools/paar.h"
 #include <algorithm>
 #include <cerrno>
@@ -52,9 +53,17 @@ bool overslaan(const std::string& naam) {
            IOPAST("SERNR??.RES", naam.c_str()) || IOPAST("*.ixwerk??????", ("x" + naam).c_str());
 }
 
-void noot(Kopie* k, const std::string& tekst) {
-    if (std::find(k->noten.begin(), k->noten.end(), tekst) == k->noten.end())
-        k->noten.push_back(tekst);
+// Is that the place of a pair, a fixed table or a journal?
+bool plaats_van_firma(const std::string& naam) {
+    const bool hier = naam.find('/') == std::string::npos,
+               tabel = naam.ends_with(".TXT") || naam.ends_with(".INX");
+    return tabel ? (hier && naam.starts_with("DT")) || kopie_paarnaam(naam.substr(0, naam.size() - 4))
+                 : IOPAST("*/ORD*.JRN", naam.c_str());
+}
+
+void noot(std::vector<std::string>* noten, const std::string& tekst) {
+    if (std::find(noten->begin(), noten->end(), tekst) == noten->end())
+        noten->push_back(tekst);
 }
 
 struct Wandeling {
@@ -72,7 +81,7 @@ bool blijft_link(Wandeling* w, const std::string& naam, const std::string& pad, 
                buiten = !weg && !(doel + "/").starts_with(w->wortel + "/");
     if (buiten && !(w->wortel + "/").starts_with(doel == "/" ? doel : doel + "/") &&
         !w->boven.contains({st.st_dev, st.st_ino})) {
-        noot(w->k, naam + ": leads to " + doel + "; the copy has what is there in its place");
+        noot(&w->k->noten, naam + ": leads to " + doel + "; the copy has what is there in its place");
         post->st = st;
         return false;
     }
@@ -80,10 +89,10 @@ bool blijft_link(Wandeling* w, const std::string& naam, const std::string& pad, 
     const ssize_t n = readlink(pad.c_str(), tekst, sizeof tekst);
     post->link.assign(tekst, static_cast<size_t>(std::max<ssize_t>(n, 0)));
     if (weg)
-        noot(w->k, naam + ": a link that leads nowhere");
+        noot(&w->k->noten, naam + ": a link that leads nowhere");
     else if (buiten)
-        noot(w->k, naam + ": leads to " + doel +
-                       ", which has this directory or the copy in it; the copy has the link alone");
+        noot(&w->k->noten, naam + ": leads to " + doel +
+                               ", which has this directory or the copy in it; the copy has the link alone");
     return true;
 }
 
@@ -106,13 +115,17 @@ bool wandel(Wandeling* w, const std::string& onder) {
             (*w->boom)[hier] = post;
             continue;
         }
+        if (!S_ISREG(post.st.st_mode) && plaats_van_firma(hier)) {
+            noot(&w->k->kwalen, hier + ": no plain file, so it isn't in the copy");
+            continue;
+        }
         if (!S_ISREG(post.st.st_mode) && !S_ISDIR(post.st.st_mode)) {
-            noot(w->k, hier + ": no file, so it isn't in the copy");
+            noot(&w->k->noten, hier + ": no file, so it isn't in the copy");
             continue;
         }
         const std::pair sleutel{post.st.st_dev, post.st.st_ino};
         if (S_ISDIR(post.st.st_mode) && w->boven.contains(sleutel)) { // the copy itself, seen through a link
-            noot(w->k, hier + ": left out");
+            noot(&w->k->noten, hier + ": left out");
             continue;
         }
         (*w->boom)[hier] = post;
@@ -214,6 +227,14 @@ bool gelijke_soort(const Kopiepost& a, const Kopiepost& b) {
 }
 
 } // namespace
+
+bool kopie_paarnaam(const std::string& stam) {
+    const size_t streep = stam.rfind('/');
+    const std::string map = streep == std::string::npos ? "" : stam.substr(0, streep),
+                      naam = stam.substr(streep + 1);
+    return naam.starts_with("TR_PTR") || naam == "MACRO" ||
+           ((map.empty() || map == "edistam") && DDNUMMER(naam.c_str()) > 0);
+}
 
 bool kopie_boom(Kopie* k, Kopieboom* boom) {
     Wandeling w{k, boom, echt_pad(k->van), {}};

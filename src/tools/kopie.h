@@ -27,13 +27,15 @@ struct Kopie {
     std::vector<std::string> noten;  // for the operator
     std::map<std::string, int> vast; // files that are locked: a second descriptor's close would drop that
     std::string fout;                // what stopped it
+    std::vector<std::string> kwalen = {}; // what stands where a file of the firm should: not copied
 };
 
 // Set by a signal: what runs ends with EINTR in `fout`.
 extern volatile int kopie_gestopt;
 
 // The tree below a directory. What leads out of it by a link is taken for what it leads to; what is neither file,
-// directory nor link is left out, told in noten. False: told in fout.
+// directory nor link is left out, told in noten, or in kwalen where a file of the firm belongs, as is a directory there. False:
+// told in fout.
 bool kopie_boom(Kopie* k, Kopieboom* boom);
 // One round. *anders: what differed, by path. `gang` hears of bytes done. False: told in fout.
 bool kopie_ronde(Kopie* k, std::vector<std::string>* anders, void (*gang)(int64_t) = nullptr);
@@ -65,6 +67,12 @@ bool kopie_nakijken(const std::string& map, std::vector<std::string>* kwalen, st
                     std::string* fout);
 // Is it the index of a pair?
 bool kopie_is_paar(const Kopieboom& boom, const std::string& naam);
+// Is it, without its ending, where the package has a pair: by the dictionary, or of the tables that stand in a directory of
+// their own?
+bool kopie_paarnaam(const std::string& stam);
+// What makes a directory less than a firm, whatever its bytes: a pair of which one file is missing, or a mark that it is half
+// made.
+std::vector<std::string> kopie_half(const std::string& map, const Kopieboom& boom);
 // The pairs in a copy, each checked: what is wrong, and their number.
 int kopie_paren(const std::string& map, std::vector<std::string>* kwalen);
 

@@ -3,6 +3,7 @@
 #include "shared/files.h"
 #include "shared/syscalls.h"
 #include "store/diepcheck.h"
+#include "tools/demomerk.h"
 #include "tools/kopie.h"
 #include "tools/paar.h"
 #include "tools/schrijver.h"
@@ -150,7 +151,9 @@ bool kopie_nakijken(const std::string& map, std::vector<std::string>* kwalen, st
         genoemd.insert(naam);
         const auto post = boom.find(naam);
         if (post == boom.end()) {
-            kwalen->push_back(naam + ": isn't there");
+            struct stat st;
+            kwalen->push_back(naam + (lstat((map + "/" + naam).c_str(), &st) == 0 ? ": is of another kind"
+                                                                                  : ": isn't there"));
             continue;
         }
         if (S_ISDIR(post->second.st.st_mode) != is_map || post->second.link.empty() == is_link) {
@@ -165,10 +168,28 @@ bool kopie_nakijken(const std::string& map, std::vector<std::string>* kwalen, st
     }
     if (!heel)
         return *fout += std::string(KOPIELIJST) + " is cut off or damaged", false;
+    for (const std::string& half : kopie_half(map, boom))
+        if (!genoemd.contains(half.substr(0, half.find(':'))) || half.starts_with(DEMOMERK)) // else told
+            kwalen->push_back(half);
     for (const auto& [naam, post] : boom)
         if (!genoemd.contains(naam))
             noten->push_back(naam + ": came later, the list doesn't name it");
     return true;
+}
+
+std::vector<std::string> kopie_half(const std::string& map, const Kopieboom& boom) {
+    std::vector<std::string> uit;
+    if (demo_half(map))
+        uit.push_back(std::string(DEMOMERK) + ": " + DEMOHALFMADE);
+    for (const auto& [naam, post] : boom) {
+        const bool inx = naam.ends_with(".INX");
+        if (!inx && !naam.ends_with(".TXT"))
+            continue;
+        const std::string stam = naam.substr(0, naam.size() - 4), andere = stam + (inx ? ".TXT" : ".INX");
+        if ((kopie_paarnaam(stam) || (inx && naam.find('/') == std::string::npos)) && !boom.contains(andere))
+            uit.push_back(andere + ": isn't there, so " + naam + " is half a pair");
+    }
+    return uit;
 }
 
 int kopie_paren(const std::string& map, std::vector<std::string>* kwalen) {

@@ -9,6 +9,7 @@
 #include "term/strings.h"
 #include "term/vast.h"
 #include "tools/boomkeur.h"
+#include "tools/demomerk.h"
 #include "tools/journaalkeur.h"
 #include "tools/werkmap.h"
 #include <algorithm>
@@ -302,6 +303,8 @@ std::vector<std::string> keur_bekend(std::vector<std::string>* onbekend) {
 
 keurbestanden rest_keur() {
     keurbestanden uit;
+    if (demo_half("."))
+        uit.push_back({DEMOMERK, "", {DEMOHALFMADE}});
     for (const std::string& naam : keur_namen(".")) {
         const Soort* s = soort_van(naam);
         if (s && s->wat) {

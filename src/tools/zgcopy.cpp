@@ -244,7 +244,9 @@ int kopieer() {
     const std::vector<std::string> in_handen = kopie_in_handen(k);
     if (!kopie_af(&k))
         return mis(FOUT_GEVONDEN, k.fout);
-    std::vector<std::string> kwalen;
+    std::vector<std::string> kwalen = k.kwalen;
+    for (const std::string& half : kopie_half(k.naar, k.boom))
+        kwalen.push_back(half);
     const int paren = wens.zonder_check ? 0 : kopie_paren(k.naar, &kwalen);
     if (kopie_gestopt)
         return mis(FOUT_GEVONDEN, "stopped");
@@ -271,7 +273,9 @@ int kopieer() {
     zeg(wens.doel + ": " + std::to_string(bestanden) + " files, " + grootte(bytes) + ", as at " +
         tijdtekst(m.tijd) + "; writers waited " + std::to_string(m.vast) + " ms" +
         (wens.zonder_check ? "" : "; " + std::to_string(paren) + " pairs checked"));
-    return kwalen.empty() ? GOED : meld(FOUT_GEVONDEN, "the copy is whole, but what was copied is damaged");
+    return kwalen.empty()
+               ? GOED
+               : meld(FOUT_GEVONDEN, "the copy stands, but what was copied is damaged, or not all there");
 }
 
 int nakijken() {

@@ -183,6 +183,27 @@ TEST_F(Kopie, WhatCantBeCopiedLeavesNothing) {
     hoort(zgcopy() + " && zgcopy --check kopie", 0, "kopie: good");
 }
 
+// Half a firm is copied as it stands, and told by the copy, by its check, and without a look into the pairs.
+TEST_F(Kopie, TellsWhatIsMissing) {
+    for (const auto& [schade, zegt, later] : Rijen<const char*, const char*, const char*>{
+             {"rm DTLEV.INX", "DTLEV.INX: isn't there, so DTLEV.TXT is half a pair",
+              "DTLEV.INX: isn't there"},
+             {"rm DTMERK.TXT", "DTMERK.TXT: isn't there", "DTMERK.TXT: isn't there"},
+             {"rm print/TR_PTRC.TXT", "print/TR_PTRC.TXT: isn't there", "print/TR_PTRC.TXT: isn't there"},
+             {"rm DTLEV.TXT && mkfifo DTLEV.TXT", "DTLEV.TXT: no plain file, so it isn't in the copy",
+              "DTLEV.TXT: isn't there"},
+             {"rm DTFILGEG.TXT && mkdir DTFILGEG.TXT", "DTFILGEG.TXT: no plain file", nullptr},
+             {"rm 2016Z/ORD0012.JRN && mkfifo 2016Z/ORD0012.JRN", "ORD0012.JRN: no plain file", nullptr},
+             {"echo 'zgdemo is at work here, or was broken off: it begins anew next time.' >ZGDEMO.MRK",
+              "ZGDEMO.MRK: half made", "ZGDEMO.MRK: half made"},
+         }) {
+        sh("rm -rf van kopie; cp -a " + demo.pad() + " van && cd van && " + schade);
+        hoort("zgcopy -qC van kopie", 1, zegt);
+        hoort("zgcopy -qC --check kopie", later ? 1 : 0, later ? later : "");
+    }
+    hoort("zgcheck -q kopie", 1, "ZGDEMO.MRK: half made");
+}
+
 // Beside a writer who never stops: at the moment of the copy no number is further than the ones written before it, and
 // none is more than a step behind.
 TEST_F(Kopie, IsOfOneMoment) {
