@@ -102,14 +102,14 @@ int32_t tel(const etikeuring& k, Etiblok waar) {
 
 // A lost block that may still be a series'. What a kill leaves is none: a new block with its first label, or the chain of a
 // series whose record says already that it has none. A series without a record was lost, and not deleted, while it has
-// labels: the record goes last.
+// labels, prices or codes: the record goes last.
 bool hoort_bij(const etikeuring& k, const etikeuring::blok& b) {
     if (b.waar != Etiblok::los || b.slecht || b.breuk || (k.nullen && zelfde_serie(b.serie, {})))
         return b.waar == Etiblok::los;
     const int verder = b.per[ETI_VOORRAAD] + b.per[ETI_VERKOCHT] + b.per[ETI_CORRECTIE];
     const auto s = k.ketens.find(sleutel_van(b.serie));
     if (s == k.ketens.end())
-        return b.per[ETI_ORDER] + verder > 0;
+        return b.per[ETI_ORDER] + verder > 0 || k.sporen.contains(sleutel_van(b.serie));
     if (s->second == Etiketen::heel)
         return b.per[ETI_ORDER] > 1 || verder > 0;
     return s->second == Etiketen::stuk;
@@ -315,7 +315,7 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld) {
             "DTETI: %d blocks without a series stay: there is a label of a status that there isn't in them",
             slechte));
     std::ranges::sort(blijven);
-    meld_per_serie(*k, blijven, "DTETI: ", ": there are labels in it, and it stays with series ", meld);
+    meld_per_serie(*k, blijven, "DTETI: ", ": it stays with series ", meld);
     if (!gelukt)
         SCHRIJFFOUT(eti::BESTAND, errnr);
     return gelukt && geteld;
@@ -355,14 +355,6 @@ bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding
                        rec.maat));
         else if (staat != Eanstaat::goed)
             zonder_serie.try_emplace(sleutel_van(serie), code, 0).first->second.second++;
-        if (!herstel || staat != Eanstaat::weg)
-            continue;
-        const int vast = IXREADL(dtean, buffer);
-        if (vast < 0 || (vast == 1 && IXDELETE(dtean, buffer) != 0))
-            return false;
-        if (!vast)
-            IXUNLOCK(dtean, buffer);
-        meld("DTEAN: code " + code + " deleted, its series isn't there");
     }
     for (const auto& [serie, codes] : zonder_serie)
         kwaal(VORM("code %s and %d more: of series %s, which isn't there", codes.first.c_str(),

@@ -5,6 +5,7 @@
 #include "shared/ioeti.h"
 #include "shared/sysrec.h"
 #include <functional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -38,6 +39,7 @@ struct etikeuring {
     bool erbuiten;                                        // a chain leads to blocks that the file hasn't got
     bool nullen; // a chain leads to a block without a series, and may go on in others
     std::unordered_map<sleutelwaarde, Etiketen> ketens; // of the series that there are
+    std::set<sleutelwaarde> sporen; // series without a record that something else tells of
     sysetiket tellers;
     bool vrijketen_heel; // the free chain and its counters agree, but for the count of blocks
     int64_t labels, fouten, verloren;
@@ -61,13 +63,7 @@ bool etikeur_herstel(etikeuring* k, const keurmelding& meld);
 // All codes of DTEAN: valid, one a size, of a series that has the size (`heeft` says), below the counter. With `herstel`
 // those of series that are gone are deleted, and a counter that lies behind is moved; `meld` gets what was done then, and
 // false is the answer where the disk refused, which was told.
-enum class Eanstaat {
-    goed,
-    dubbel,
-    andere_maat,
-    weg,
-    kwijt
-}; // weg: no series; kwijt: none, but it wasn't deleted
+enum class Eanstaat { goed, dubbel, andere_maat, kwijt }; // kwijt: no series
 using keurserie = std::function<Eanstaat(const seriesleutel& serie, uint8_t maat)>;
 bool eankeur(ICB* dtean, const keurserie& heeft, bool herstel, const keurmelding& meld);
 

@@ -138,13 +138,20 @@ Stand neem_op(const std::function<void(const prijsset&)>& bij) {
 
 } // namespace
 
-std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij) {
+std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij,
+                                   const std::function<void(const prijsgroeprec&)>& los) {
     int32_t nr = INK_SYSRECORD;
     sysprijs vrij{};
     Stand stand = neem_op(bij);
     iotab('R', &nr, &vrij, SYS_RECORD);
     toets_vrij(&stand, vrij);
     stand.telling.verloren = std::ranges::count(stand.bezit, NIEMAND);
+    prijsgroeprec rec{};
+    for (size_t i = 0; los && i < stand.bezit.size(); i++)
+        if (stand.bezit[i] == NIEMAND &&
+            SYSLEES(ink.fd, &rec, sizeof rec, static_cast<int64_t>(i) * INK_RECORD) == INK_RECORD &&
+            !ink_leeg(rec))
+            los(rec);
     *telling = stand.telling;
     return stand.kwalen;
 }

@@ -18,8 +18,10 @@ struct inktelling {
 };
 
 // Empty when sound; groups that nobody has are only counted, since a broken-off write may leave them. `bij` is called with
-// each set in key order, sound or not; may be empty.
-std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij = {});
+// each set in key order, sound or not, `los` behind all of them with each group that has
+// something in it and that nobody has; both may be empty.
+std::vector<inkkwaal> ink_controle(inktelling* telling, const std::function<void(const prijsset&)>& bij = {},
+                                   const std::function<void(const prijsgroeprec&)>& los = {});
 // Groups that nobody has into the free chain, which is made anew when it makes no sense; those that bear the name of a
 // damaged set stay, and those that `blijft` keeps. Nothing is done while a set leads outside the file: its records would be
 // given out again. How many came back that nobody had; -1 when the disk refused, which was told. *opnieuw: the chain was

@@ -5,6 +5,7 @@
 #include "shared/iomaat.h"
 #include "tools/registerkeur.h"
 #include "tools/veldkeur.h"
+#include <algorithm>
 #include <bitset>
 #include <map>
 #include <set>
@@ -42,16 +43,19 @@ struct Keuring {
     std::map<sleutelwaarde, int> vreemde_maat, zonder_maat;
     etikeuring eti{};
     Veldkeur op_order{"DTETI:order", sizeof(etiket)}, verder{"DTETI:verder", sizeof(etiket)}; // labels
-    std::bitset<256> filialen; // their numbers, and what else a receiving location may be
-    std::set<sleutelwaarde> sets_zonder_serie, sets_stuk; // of them those that have a damaged one
-    std::set<sleutelwaarde>
-        kwijt; // series without a record that were not deleted: there are labels, or lines of orders
-    std::set<std::pair<sleutelwaarde, uint16_t>> prijzen_kwijt; // series and supplier, with labels
+    std::bitset<256> filialen;      // their numbers, and what else a receiving location may be
+    std::set<sleutelwaarde> sporen; // series without a record that have prices or codes
+    std::set<std::pair<sleutelwaarde, uint16_t>> sets; // series and supplier that have prices
     std::vector<int32_t> nummers_zonder_order;
     bool nummer_kwijt = false;          // an order has no number record
     bool journalen_stuk = false;        // not all orders could be read
-    std::bitset<256> maten_zonder_code; // sizes that a series with codes lacks one of
     std::map<int32_t, int32_t> tellers; // by system record: what a wrong counter should be
+
+    // Every label could be read, so what has none has none.
+    bool labels_heel() const {
+        return met.labels && !eti.erbuiten &&
+               std::ranges::none_of(eti.ketens, [](const auto& s) { return s.second == Etiketen::stuk; });
+    }
 };
 
 // Wrong, or only perhaps while somebody has the series.

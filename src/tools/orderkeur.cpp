@@ -74,7 +74,6 @@ void keur_prijzen(Keuring* k, const journaalorder& o, sleutelwaarde sleutel, con
             return l.leverancier == o.leverancier && l.datum == o.orderdatum;
         }))
         return k->dtipa.noten.push_back(wat + ", whose next save makes them");
-    k->prijzen_kwijt.insert({sleutel, o.leverancier});
     if (o.in_hand)
         k->dtipa.noten.push_back(wat + " (in use)");
     else
@@ -85,10 +84,9 @@ void keur_regels(Keuring* k, const journaalorder& o) {
     for (const auto& [sleutel, stempel] : o.series) {
         const auto s = k->series.find(sleutel);
         const std::string wat = naam(o) + " has a line of " + serie_tekst(sleutel_uit(sleutel));
-        if (s == k->series.end()) {
-            k->kwijt.insert(sleutel);
+        if (s == k->series.end())
             k->jrn.noten.push_back(wat + ", which isn't there");
-        } else if (!serie_mag(s->second.rec, serie_stempel(o.orderdatum, stempel)))
+        else if (!serie_mag(s->second.rec, serie_stempel(o.orderdatum, stempel)))
             k->jrn.noten.push_back(wat + ", a later one of that number");
         else
             keur_prijzen(k, o, sleutel, s->second);
@@ -129,6 +127,7 @@ void keur_labels(Keuring* k, const journalen& j, const Orders& orders, const Num
 // Number records without an order. A season that is over has no journals any more. While an order lacks its record one of
 // them may be that, with another number.
 void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nummers& nummers) {
+    const bool alles_gelezen = !k->nummer_kwijt && !k->journalen_stuk && k->labels_heel();
     std::set<int32_t> met_label;
     for (const Orderlabels& l : k->van_orders)
         met_label.insert(l.nummer);
@@ -146,7 +145,7 @@ void keur_nummers(Keuring* k, const journalen& j, const Orders& orders, const Nu
         }
         k->dtordnr.kwalen.push_back(wat);
         k->dtordnr.verloren++;
-        if (!k->nummer_kwijt && !k->journalen_stuk && k->met.labels && !met_label.contains(nr))
+        if (alles_gelezen && !met_label.contains(nr))
             k->nummers_zonder_order.push_back(nr);
     }
 }

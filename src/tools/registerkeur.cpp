@@ -129,35 +129,50 @@ void lees_groepen(Keuring* k) {
     velden.meld(&k->dtipa.kwalen);
 }
 
+// A group that nobody has bears the name of a series and supplier that have no set at all: a save that was broken off left it,
+// or the set was lost. The next save makes a set, and the group is none of the last any more.
+bool laatste_van_set(const Keuring& k, const prijsgroeprec& groep) {
+    return !k.sets.contains({sleutel_van(groep.serie), groep.setnr});
+}
+
 void lees_sets(Keuring* k) {
     inktelling t;
-    std::set<sleutelwaarde>& weg = k->sets_zonder_serie;
+    std::set<sleutelwaarde> weg;
+    int64_t zonder_set = 0;
     keurhoop valuta;
     const stamboek boek = stamboek_lees();
-    const auto kwalen = ink_controle(&t, [&](const prijsset& set) {
-        const sleutelwaarde serie = sleutel_van(set.serie);
-        Periode& p = k->prijzen.emplace_back(Periode{serie, set.setnr, set.van, set.tot, {}});
-        memcpy(p.maten, set.maten, sizeof p.maten);
-        if (const std::string code = VASTTEKST(set.valuta); !code.empty() && !boek.valuta.contains(code))
-            valuta.zie("currency " + code + " isn't there");
-        if (ontbreekt(*k, set.serie))
-            weg.insert(serie);
-    });
+    const auto kwalen = ink_controle(
+        &t,
+        [&](const prijsset& set) {
+            const sleutelwaarde serie = sleutel_van(set.serie);
+            Periode& p = k->prijzen.emplace_back(Periode{serie, set.setnr, set.van, set.tot, {}});
+            memcpy(p.maten, set.maten, sizeof p.maten);
+            if (const std::string code = VASTTEKST(set.valuta); !code.empty() && !boek.valuta.contains(code))
+                valuta.zie("currency " + code + " isn't there");
+            k->sets.insert({serie, set.setnr});
+            if (ontbreekt(*k, set.serie))
+                weg.insert(serie);
+        },
+        [&](const prijsgroeprec& groep) { zonder_set += laatste_van_set(*k, groep); });
     valuta.meld(&k->dtipa.noten);
     lees_groepen(k);
     std::ranges::sort(k->prijzen, {}, &Periode::serie);
     for (const inkkwaal& kw : kwalen) {
         const auto s = k->series.find(sleutel_van(kw.serie));
         keur_kwaal(&k->dtipa, s == k->series.end() ? nullptr : &s->second, kw.tekst);
-        if (weg.contains(sleutel_van(kw.serie)))
-            k->sets_stuk.insert(sleutel_van(kw.serie));
     }
     for (const sleutelwaarde w : weg) {
         k->dtipa.kwalen.push_back("sets of " + serie_tekst(sleutel_uit(w)) + ", which isn't there");
+        k->sporen.insert(w);
     }
-    if (t.verloren)
-        k->dtipa.kwalen.push_back("DTIPG.TXT: " + keur_aantal(t.verloren, "records that no set has"));
-    k->dtipa.verloren = t.verloren;
+    k->dtipa.verloren = t.verloren - zonder_set;
+    if (k->dtipa.verloren)
+        k->dtipa.kwalen.push_back("DTIPG.TXT: " + keur_aantal(k->dtipa.verloren, "records that no set has"));
+    if (zonder_set)
+        k->dtipa.noten.push_back("DTIPG.TXT: " +
+                                 keur_aantal(zonder_set,
+                                             "records of sets that aren't there; they stay, since nothing "
+                                             "else knows of these prices"));
     k->dtipa.telling =
         keur_aantal(t.sets, "sets, ") + keur_aantal(t.groepen, "groups, ") + keur_aantal(t.vrij, "free");
 }
@@ -196,11 +211,10 @@ void neem_label(Keuring* k, int32_t blok, const etiket& l) {
     keur_label(k, blok, l);
     const sleutelwaarde serie = sleutel_van(l.serie);
     const auto s = k->series.find(serie);
-    if (s == k->series.end())
-        k->kwijt.insert(serie);
-    else if (!heeft_maat(s->second.rec.maten, l.maat))
+    const bool er = s != k->series.end();
+    if (er && !heeft_maat(s->second.rec.maten, l.maat))
         (!k->met.prijzen || set_heeft_maat(*k, serie, l) ? k->vreemde_maat : k->zonder_maat)[serie]++;
-    else if (l.maatsoort != s->second.rec.maatsoort)
+    else if (er && l.maatsoort != s->second.rec.maatsoort)
         k->vreemde_maat[serie]++;
     const Orderlabels o{serie, blok, l.ordernummer, l.leverancier, l.orderdatum, l.status == ETI_ORDER};
     if (!k->van_orders.empty()) {
@@ -280,12 +294,12 @@ void lees_labels(Keuring* k) {
 
 Eanstaat neem_code(Keuring* k, const seriesleutel& serie, uint8_t maat) {
     const auto p = k->series.find(sleutel_van(serie));
-    if (p == k->series.end())
-        return !ontbreekt(*k, serie) ? Eanstaat::goed
-               : k->journalen_stuk || !k->met.labels || k->kwijt.contains(sleutel_van(serie)) ||
-                       k->maten_zonder_code[maat]
-                   ? Eanstaat::kwijt
-                   : Eanstaat::weg;
+    if (p == k->series.end()) {
+        if (!ontbreekt(*k, serie))
+            return Eanstaat::goed;
+        k->sporen.insert(sleutel_van(serie));
+        return Eanstaat::kwijt;
+    }
     Seriestand& s = p->second;
     if (!heeft_maat(s.rec.maten, maat))
         return Eanstaat::andere_maat;
@@ -313,9 +327,6 @@ void keur_codes(Keuring* k) {
         if (memcmp(s.codes, s.rec.maten, sizeof s.codes) == 0 ||
             (!moet && std::ranges::all_of(s.codes, [](uint8_t b) { return b == 0; })))
             continue;
-        for (uint8_t maat = 1; maat <= MATEN; maat++)
-            if (heeft_maat(s.rec.maten, maat) && !heeft_maat(s.codes, maat))
-                k->maten_zonder_code.set(maat);
         if (moet && zonder++ == 0)
             eerste = serie_tekst(s.rec.serie);
     }
@@ -442,31 +453,22 @@ std::vector<std::string> register_herstel(bool* gelukt) {
     if (!*gelukt)
         return uit;
     if (k.journalen_stuk)
+        uit.push_back("journals: one is damaged or can't be read: numbers of what is gone stay");
+    if (k.met.labels && !k.labels_heel())
         uit.push_back(
-            "journals: one is damaged or can't be read: sets, codes and numbers of what is gone stay");
-    // Sets of a series that is gone: their groups go back with them.
-    for (const sleutelwaarde w : k.sets_zonder_serie) {
-        if (k.journalen_stuk || !k.met.labels)
-            break; // it may have lines of the series, or labels
-        if (const bool kwijt = k.kwijt.contains(w); kwijt || k.sets_stuk.contains(w)) {
-            uit.push_back("DTIPA: sets of " + serie_tekst(sleutel_uit(w)) +
-                          " stay: " + (kwijt ? "its record was lost" : "one of them is damaged"));
-            continue;
-        }
-        *gelukt &= ioink_deleteall(sleutel_uit(w));
-    }
-    // The groups of a set that was lost are the last that knows of its prices.
+            "DTETI: a series' chain is damaged: numbers and prices that no order and no set has stay");
     bool opnieuw = false;
     const auto blijft = [&k](const prijsgroeprec& groep) {
-        return k.journalen_stuk || k.prijzen_kwijt.contains({sleutel_van(groep.serie), groep.setnr});
+        return k.journalen_stuk || laatste_van_set(k, groep);
     };
-    const int64_t groepen = k.met.prijzen && k.met.labels ? ink_herstel(blijft, &opnieuw) : 0;
+    const int64_t groepen = k.met.prijzen && k.labels_heel() ? ink_herstel(blijft, &opnieuw) : 0;
     *gelukt &= groepen >= 0;
     if (opnieuw)
         uit.push_back("DTIPG: the free chain was made anew");
     if (groepen > 0)
         uit.push_back("DTIPG: " + keur_aantal(groepen, "records given back"));
     const int64_t verloren = k.eti.verloren;
+    k.eti.sporen = k.sporen;
     *gelukt &= !k.met.labels || etikeur_herstel(&k.eti, meld);
     if (verloren > k.eti.verloren)
         uit.push_back("DTETI: " + keur_aantal(verloren - k.eti.verloren, "lost blocks given back"));

@@ -18,6 +18,7 @@
 #include "tools/systeemkeur.h"
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -223,9 +224,22 @@ std::string niets_te_zien() {
                                                 : "";
 }
 
+// The fixed tables, of which every chain and counter begins, are nothing but one byte over and over, or none.
+bool tabellen_gewist() {
+    std::array<char, 4096> eerste{};
+    const keurlezer sys("DTSYS.TXT");
+    const ssize_t n = SYSLEES(sys.fd, eerste.data(), eerste.size(), 0);
+    return n <= 0 || std::all_of(eerste.data(), eerste.data() + n, [&](char c) { return c == eerste[0]; });
+}
+
 bool herstel_register(const std::set<std::string>& stuk, bool stil) {
     if (!er_is_register())
         return true;
+    if (tabellen_gewist()) {
+        if (!stil)
+            printf("repair: nothing of the registration is put right: DTSYS.TXT is wiped\n");
+        return true;
+    }
     keurbestanden dicht;
     std::vector<std::string> regels;
     const registerdelen delen = register_delen(stuk, true, &dicht, &regels);

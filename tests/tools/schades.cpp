@@ -156,9 +156,13 @@ const std::vector<Schade> SCHADES = {
     blijft("a series without its record",
            {"DTIPA: sets of 1100.15.1", "DTEAN: ", "DTETI: ", "journals: note: 0000Z/ORD0010.JRN"},
            gewist("DTSER", 1)),
-    heelt("prices and a code of a series that is nowhere else",
-          {"DTIPA: sets of 4711.1.1, which isn't there", "DTEAN: code 8711253001202 and 0 more: of series "},
-          wezen),
+    blijft("prices and a code of a series that is nowhere else",
+           {"DTIPA: sets of 4711.1.1, which isn't there", "DTEAN: code 8711253001202 and 0 more: of series ",
+            "DTETI: block ", ": in no chain, of series 4711.1.1"},
+           [](const DemoMap& m) {
+               wezen(m);
+               los_blok(m, {.serie = {4711, 1, 1}});
+           }),
     blijft("the season that is proposed is gone",
            {"ORDPARM.SYS: the season that is proposed, 2016Z, isn't there"},
            [](const DemoMap& m) { std::filesystem::remove_all(m.bestand("2016Z")); }),
@@ -235,9 +239,7 @@ const std::vector<Schade> SCHADES = {
     // their numbers stand on pieces: none is given out again
     blijft("labels that are gone", {"DTETI: series ", "outside the file"}, kort("DTETI.TXT", 0)),
     // its groups tell that it isn't one of a series that is gone
-    blijft("a set whose series was hit",
-           {"DTIPA: ", "repair: DTIPA: sets of 1100.77.1 stay: one of them is damaged"},
-           op("DTIPA.TXT", sizeof(prijsset) + 4, uint16_t{77})),
+    blijft("a set whose series was hit", {"DTIPA: "}, op("DTIPA.TXT", sizeof(prijsset) + 4, uint16_t{77})),
     heelt(
         "a free chain of prices that leads nowhere, a count of free blocks",
         {"DTIPA: DTIPG.TXT record -5: free chain leads outside", "DTETI: DTSYS.TXT system record 4: 0 free"},
@@ -280,8 +282,19 @@ const std::vector<Schade> SCHADES = {
                const std::string jrn = m.bestand("2016Z/ORD0010.JRN");
                schrijf_bestand(jrn, lees_bestand(jrn) + lees_bestand(jrn));
            }),
+    blijft("fixed tables that were wiped",
+           {"DTSYS.TXT: ", "repair: nothing of the registration is put right: DTSYS"},
+           [](const DemoMap& m) { schrijf_bestand(m.bestand("DTSYS.TXT"), std::string(896, '\xFF')); }),
     blijft("a journal that goes", {"DTORDNR: number ", "of an order that isn't there"},
            zonder({"2016Z/ORD0010.JRN"})),
+    blijft("the same beside labels of zeros",
+           {"DTORDNR: number ", "DTETI: series ",
+            "repair: DTETI: a series' chain is damaged: numbers and prices"},
+           [](const DemoMap& m) {
+               zonder({"2016Z/ORD0010.JRN"})(m);
+               schrijf_bestand(m.bestand("DTETI.TXT"),
+                               std::string(lees_bestand(m.bestand("DTETI.TXT")).size(), '\0'));
+           }),
     // a number that only it may have stays
     blijft("a journal whose name leads nowhere, and an emptied one",
            {"2016Z/ORD0010.JRN: a link that leads nowhere",
