@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <set>
 #include <sstream>
@@ -65,6 +66,18 @@ Gezet later_gezet(const std::string& punt) {
     return uit;
 }
 
+// Of a replica: fewer servers than three, or writes that don't ask for the greater part of them.
+void keur_replica(const std::string& map, std::set<std::string>* fout) {
+    std::error_code mis;
+    const auto servers = std::distance(std::filesystem::directory_iterator(map + "/subvolumes", mis), {});
+    if (!mis && servers < 3)
+        fout->insert("replica " + std::to_string(servers) + " instead of 3");
+    std::ifstream in(map + "/private");
+    for (std::string naam, is, woord; in >> naam;)
+        if (naam == "quorum-type" && in >> is >> woord && strcasecmp(woord.c_str(), "auto") != 0)
+            fout->insert("cluster.quorum-type is " + woord);
+}
+
 } // namespace
 
 bool deel_instellingen(const std::string& punt, std::string* kwaal) {
@@ -74,6 +87,8 @@ bool deel_instellingen(const std::string& punt, std::string* kwaal) {
         for (const auto& l : LAGEN)
             if (type == l.type)
                 fout.insert(l.instelling + std::string(" is on"));
+        if (type == "cluster/replicate")
+            keur_replica(map, &fout);
         const auto nu = later.find(std::filesystem::path(map).filename());
         for (const auto& o : OPTIES) {
             if (type != o.type)

@@ -161,6 +161,9 @@ TEST(Deel, SettingsThatAMountTells) {
         {"mkdir x; echo performance/readdir-ahead >x/type", "performance.readdir-ahead is on"},
         {"mkdir x; echo performance/md-cache >x/type; echo on >r/options/eager-lock",
          "cluster.eager-lock is on, performance.stat-prefetch is on"},
+        {"mkdir -p r/subvolumes/0 r/subvolumes/1; printf 'up = 1\\nquorum-type = fixed\\n' >r/private",
+         "cluster.quorum-type is fixed, replica 2 instead of 3"},
+        {"mkdir -p r/subvolumes/0 r/subvolumes/1 r/subvolumes/2; echo 'quorum-type = auto' >r/private", ""},
         {"echo '0-c1: option strict-locks using set value Off' >>$log",
          "client.strict-locks is off"}, // set behind the mount
         {"echo '0-r: option eager-lock using set value on' >>$log; echo 'Final graph:' >>$log", ""},
