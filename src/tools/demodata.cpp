@@ -1,6 +1,7 @@
 // zgdemo: a demo data directory out of the texts that are installed with it (data/demo), or of another firm's. Without --fresh an existing one is kept as it is; with it a directory is emptied that this
 // program made (its mark is there) and that nobody is at work in. Pairs are made by the dictionary's definitions.
 #include "shared/files.h"
+#include "shared/gedeeld.h"
 #include "shared/iomaat.h"
 #include "shared/iotab.h"
 #include "shared/stamrec.h"
@@ -246,7 +247,7 @@ std::string wie_gebruikt(const std::string& map) {
         const std::string naam = e.path().filename().string();
         const int64_t pid = IOLOCKPID(fd, 0, 0);
         if (!pid && (elders_open(fd) || (naam == "DTSYS.TXT" && overgave(fd))))
-            open = naam;
+            open = IOSOORTVAN(fd).gedeeld && !ALLEEN_GEZEGD ? ALLEEN_NODIG : naam;
         SYS.close(fd);
         if (pid)
             return naam + " by " +
