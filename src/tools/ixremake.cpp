@@ -189,6 +189,10 @@ int bereid_voor(const std::string& naam, const Opdracht& o, Bouwplan* p) {
                                 open_bij(naam + (elders_open(paar.dat) ? ".TXT" : ".INX"))),
                IN_GEBRUIK;
     // Rebuilt, the index of an emptied data file would be good, and nothing would tell any more what is gone.
+    if (!o.dwing && paar.idx >= 0 && SYSOMVANG(paar.idx) == 0 && paar.datbytes == 0)
+        return klacht(naam, "not rebuilt: both files are empty; restore both from a copy, or ixremake "
+                            "--force if it held nothing"),
+               FOUT_GEVONDEN;
     if (const IXSPOOR s = paar.idx < 0 || o.dwing ? IXSPOOR{} : IXZOEKTERUG(paar.idx, paar.dat, p->kop);
         s.terug * 2 < s.sleutels)
         return klacht(naam,

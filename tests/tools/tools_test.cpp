@@ -323,6 +323,10 @@ TEST_F(Tools, RemakeKeepsWhatTellsOfAnEmptiedFile) {
         EXPECT_TRUE(lees_bestand("DTMERK.INX") == g.index);
         EXPECT_EQ(sh("ixremake --force DTMERK").status, &g == &gevallen[2] ? 1 : 0) << "if it is meant";
     }
+    schrijf_bestand("DTMERK.INX", "");
+    schrijf_bestand("DTMERK.TXT", "");
+    hoort("ixremake -d DTMERK", 1, "both files are empty");
+    hoort("ixremake -d --force DTMERK", 0);
     IOUNLINK("DTMERK.TXT");
     ASSERT_EQ(mkfifo("DTMERK.TXT", 0600), 0);
     for (const char* tool : {"ixremake", "ixremake -d", "ixcheck"})
