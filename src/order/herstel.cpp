@@ -2,6 +2,7 @@
 // takes the order's place in the journal by the ordinary commit, or the changes are dropped. Nothing in the
 // files left behind is trusted: the journal and WRK are walked, and the offsets in ACT must be orders of that
 // journal.
+#include "order/herstelkan.h"
 #include "order/meld.h"
 #include "order/programma.h"
 #include "order/wrk.h"
@@ -28,25 +29,24 @@ bool lees_act(act_record* act) {
     bool goed = IOOMVANG(fd) == sizeof *act && IOLEES(fd, act, sizeof *act, 0) == sizeof *act;
     SYS.close(fd);
     errno = 0;
-    return goed && act->start >= 0 && act->start <= act->omvang &&
-           (act->volgende == -1 || (act->volgende > act->start && act->volgende < act->omvang));
+    return goed && herstel_act(*act);
 }
 
 // One order, from its header to the end of the file; counts its lines. *zonder_register: the full registration has nothing
 // of it.
-bool toets_werk(int32_t* regels, bool* zonder_register) {
+bool toets_werk(int wrk, int32_t* regels, bool* zonder_register) {
     ordloop l;
     ordrauw r;
     bool eerste = true;
     *regels = 0;
     *zonder_register = false;
-    ordloop_begin(&l, werk->fd, 0, INT64_MAX);
+    ordloop_begin(&l, wrk, 0, INT64_MAX);
     for (;; eerste = false) {
         loopstand stand = ordloop_volgende(&l, &r);
         if (stand == LOOP_EINDE)
             return !eerste;
         if (stand == LOOP_FOUT)
-            IOLEESFOUT(werk->fd);
+            IOLEESFOUT(wrk);
         if (stand != LOOP_RECORD || (r.tag == 'O') != eerste)
             return false;
         if (r.tag == 'O') {
@@ -63,19 +63,19 @@ bool toets_werk(int32_t* regels, bool* zonder_register) {
 
 // Does the journal hold an order, or its end, at the recorded start, and is the recorded next order the one
 // behind it? Also the order's status.
-bool toets_plaatsen(const act_record& act, uint8_t* status) {
+bool toets_plaatsen(int jrn, const act_record& act, uint8_t* status) {
     ordloop l;
     ordrauw r;
     bool start_gezien = false;
     int64_t volgende = -1;
     *status = 0;
-    ordloop_begin(&l, journaal->fd, 0, INT64_MAX);
+    ordloop_begin(&l, jrn, 0, INT64_MAX);
     for (;;) {
         loopstand stand = ordloop_volgende(&l, &r);
         if (stand == LOOP_EINDE)
             break;
         if (stand == LOOP_FOUT)
-            IOLEESFOUT(journaal->fd);
+            IOLEESFOUT(jrn);
         if (stand != LOOP_RECORD)
             return false;
         if (r.tag != 'O')
@@ -94,12 +94,12 @@ bool toets_plaatsen(const act_record& act, uint8_t* status) {
 }
 
 // What the commit makes of the work file.
-std::vector<uint8_t> vastgelegde_order() {
+std::vector<uint8_t> vastgelegde_order(int wrk) {
     std::vector<uint8_t> uit;
     ordloop l;
     ordrauw r;
-    ordloop_begin(&l, werk->fd, 0, INT64_MAX);
-    while (ord_verder(werk, &l, &r))
+    ordloop_begin(&l, wrk, 0, INT64_MAX);
+    while (ordloop_volgende(&l, &r) == LOOP_RECORD) // toets_werk has been through it
         if (r.tag != 'T' || r.data[2])
             uit.insert(uit.end(), r.data, r.data + r.lengte);
     if (registermodus)
@@ -107,9 +107,9 @@ std::vector<uint8_t> vastgelegde_order() {
     return uit;
 }
 
-std::vector<uint8_t> stuk_journaal(int64_t plaats, size_t n) {
+std::vector<uint8_t> stuk_journaal(int jrn, int64_t plaats, size_t n) {
     std::vector<uint8_t> uit(n);
-    if (IOLEES(journaal->fd, uit.data(), n, plaats) != static_cast<ssize_t>(n))
+    if (IOLEES(jrn, uit.data(), n, plaats) != static_cast<ssize_t>(n))
         uit.clear();
     return uit;
 }
@@ -117,32 +117,30 @@ std::vector<uint8_t> stuk_journaal(int64_t plaats, size_t n) {
 // The order was only looked at: the work file holds what the journal does, but for the status that a commit would set.
 bool alleen_bekeken(const act_record& act) {
     constexpr size_t STATUS = 1 + offsetof(ordkop, status);
-    std::vector<uint8_t> order = vastgelegde_order();
+    std::vector<uint8_t> order = vastgelegde_order(werk->fd);
     const int64_t lengte = (act.volgende == -1 ? act.omvang : act.volgende) - act.start;
     if (lengte != static_cast<int64_t>(order.size()) || order.size() <= STATUS)
         return false;
-    const std::vector<uint8_t> staat = stuk_journaal(act.start, order.size());
+    const std::vector<uint8_t> staat = stuk_journaal(journaal->fd, act.start, order.size());
     if (!staat.empty())
         order[STATUS] = staat[STATUS];
     return order == staat;
 }
 
 // Killed behind the rename: the journal is the old one with the order already in it (or out of it).
-bool al_vastgelegd(const act_record& act, int32_t regels) {
+bool al_vastgelegd(int wrk, int jrn, const act_record& act, int32_t regels) {
     std::vector<uint8_t> order;
     if (regels)
-        order = vastgelegde_order();
+        order = vastgelegde_order(wrk);
     int64_t staart = act.volgende == -1 ? 0 : act.omvang - act.volgende;
     int64_t achter = act.start + static_cast<int64_t>(order.size());
-    if (IOOMVANG(journaal->fd) != achter + staart)
+    if (IOOMVANG(jrn) != achter + staart)
         return false;
-    if (stuk_journaal(act.start, order.size()) != order)
+    if (stuk_journaal(jrn, act.start, order.size()) != order)
         return false;
     char tag = 'O';
-    return !staart || (IOLEES(journaal->fd, &tag, 1, achter) == 1 && tag == 'O');
+    return !staart || (IOLEES(jrn, &tag, 1, achter) == 1 && tag == 'O');
 }
-
-enum herstelstand { HERSTEL_NIET, HERSTEL_AL, HERSTEL_DOEN, HERSTEL_LATER };
 
 // A file that is there, and that this user may not read or another holds, can be read by somebody another time.
 herstelstand onbereikbaar(const char* ext) {
@@ -162,12 +160,10 @@ herstelstand onderzoek() {
         return errno == ENOENT ? HERSTEL_NIET : onbereikbaar("WRK");
     if (!lees_act(&act))
         return errno == 0 || errno == ENOENT ? HERSTEL_NIET : onbereikbaar("ACT");
-    if (!toets_werk(&aantal_regels, &zonder_register))
-        return HERSTEL_NIET;
-    if (IOOMVANG(journaal->fd) != act.omvang)
-        return al_vastgelegd(act, aantal_regels) ? HERSTEL_AL : HERSTEL_NIET;
-    if (!toets_plaatsen(act, &status))
-        return HERSTEL_NIET;
+    const herstelstand stand =
+        herstel_kan(werk->fd, journaal->fd, act, &aantal_regels, &status, &zonder_register);
+    if (stand != HERSTEL_DOEN)
+        return stand;
     werk->gewijzigd = !alleen_bekeken(act);
     order_start = act.start;
     order_volgende = act.volgende;
@@ -179,6 +175,20 @@ herstelstand onderzoek() {
 }
 
 } // namespace
+
+bool herstel_act(const act_record& act) {
+    return act.start >= 0 && act.start <= act.omvang &&
+           (act.volgende == -1 || (act.volgende > act.start && act.volgende < act.omvang));
+}
+
+herstelstand herstel_kan(int wrk, int jrn, const act_record& act, int32_t* regels, uint8_t* status,
+                         bool* zonder_register) {
+    if (!herstel_act(act) || !toets_werk(wrk, regels, zonder_register))
+        return HERSTEL_NIET;
+    if (IOOMVANG(jrn) != act.omvang)
+        return al_vastgelegd(wrk, jrn, act, *regels) ? HERSTEL_AL : HERSTEL_NIET;
+    return toets_plaatsen(jrn, act, status) ? HERSTEL_DOEN : HERSTEL_NIET;
+}
 
 bool herstel_order() {
     if (!journaal)

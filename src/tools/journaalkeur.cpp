@@ -1,14 +1,17 @@
 // The journals of all seasons, see tools/journaalkeur.h. Descriptors are opened for reading only, so no lock of anybody's is
 // touched.
 #include "tools/journaalkeur.h"
+#include "order/herstelkan.h"
 #include "order/ordloop.h"
 #include "order/ordrec.h"
 #include "order/prijswerk.h"
+#include "order/programma.h"
 #include "order/register.h"
 #include "shared/files.h"
 #include "shared/iofil.h"
 #include "shared/syscalls.h"
 #include "shared/sysrec.h"
+#include "sub/omserie.h"
 #include "term/strings.h"
 #include "term/vast.h"
 #include "tools/ordkeur.h"
@@ -128,40 +131,66 @@ void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek, jo
     }
 }
 
-// An order that a program broke off in: what becomes of it. False when it has one under way itself.
-bool werk_keur(const Plaats& plaats, keurbestanden* uit) {
+enum Werkstand { WERK_GEEN, WERK_DOOD, WERK_LEVEND }; // of nobody that is alive, or of a program
+
+// Why the program won't restore a broken-off order, empty when it will.
+std::string geen_herstel(int wrk, const Plaats& plaats) {
+    const keurlezer a(plaats.naast(".ACT")), jrn(naam_er(plaats.pad()) ? plaats.pad() : "/dev/null");
+    act_record act;
+    if (a.fd < 0 || SYSOMVANG(a.fd) != int64_t{sizeof act} ||
+        SYSLEES(a.fd, &act, sizeof act, 0) != ssize_t{sizeof act})
+        return "no ACT file that tells where it belongs";
+    if (!herstel_act(act))
+        return "its ACT file doesn't tell where it belongs";
+    int32_t regels;
+    uint8_t status;
+    bool zonder;
+    if (jrn.fd < 0 || herstel_kan(wrk, jrn.fd, act, &regels, &status, &zonder) != HERSTEL_NIET)
+        return "";
+    return VORM("its journal is no longer the one that it was made from: %lld bytes, %d then",
+                static_cast<long long>(SYSOMVANG(jrn.fd)), act.omvang);
+}
+
+// An order that a program broke off in: what becomes of it.
+Werkstand werk_keur(const Plaats& plaats, keurbestanden* uit) {
     const std::string wrk = plaats.naast(".WRK");
     if (IOSIZE(wrk.c_str()) <= 0)
-        return true;
+        return WERK_GEEN;
     keurbestand b{wrk, ""};
     const keurlezer l(wrk);
     ordtelling telling{};
-    if (l.fd >= 0 && !IOLOCK('T', l.fd, 0, 1)) {
+    const bool levend = l.fd >= 0 && !IOLOCK('T', l.fd, 0, 1);
+    if (levend) {
         b.noten.push_back("in use by " + keur_proces(IOLOCKPID(l.fd, 0, 1)));
+    } else if (l.fd < 0) {
+        b.kwalen.push_back("can't be read: " + l.fout);
+    } else if (const keurlezer a(plaats.naast(".ACT")); a.fd < 0 && naam_er(plaats.naast(".ACT"))) {
+        b.kwalen.push_back("its ACT file can't be read: " + a.fout);
     } else {
-        std::vector<ordkwaal> kwalen;
-        if (l.fd >= 0)
-            kwalen = ord_keur(l.fd, ORD_WERK, omgeving(plaats), &telling);
-        if (l.fd < 0)
-            b.kwalen.push_back("can't be read: " + l.fout);
-        else if (!kwalen.empty() || IOSIZE(plaats.naast(".ACT").c_str()) != int64_t{sizeof(act_record)})
-            b.kwalen.push_back("a broken-off order that can't be restored (" +
-                               (kwalen.empty()
-                                    ? "no ACT file that tells where it belongs"
-                                    : "at " + std::to_string(kwalen[0].pos) + ": " + kwalen[0].wat) +
-                               "); it goes when the supplier is chosen again");
+        const std::vector<ordkwaal> kwalen = ord_keur(l.fd, ORD_WERK, omgeving(plaats), &telling);
+        const std::string kwaal =
+            kwalen.empty() ? "" : "at " + std::to_string(kwalen[0].pos) + ": " + kwalen[0].wat;
+        const std::string reden = geen_herstel(l.fd, plaats);
+        if (!reden.empty())
+            b.kwalen.push_back(
+                "a broken-off order that can't be restored (" + (kwaal.empty() ? reden : kwaal) +
+                "); it goes when the supplier is chosen again, so keep a copy of " + wrk + " before that");
+        else if (!kwaal.empty())
+            b.kwalen.push_back("a broken-off order, restored as it is when the supplier is chosen again: " +
+                               kwaal);
         else
             b.noten.push_back("a broken-off order, restored when the supplier is chosen again");
         b.telling = keur_aantal(telling.regels, "lines");
     }
     uit->push_back(std::move(b));
-    return false;
+    return levend ? WERK_LEVEND : WERK_DOOD;
 }
 
 void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
     keurbestand b{plaats.pad(), ""};
     const keurlezer l(plaats.pad());
-    bool in_hand = !werk_keur(plaats, &j->per_bestand);
+    const Werkstand werk = werk_keur(plaats, &j->per_bestand);
+    bool in_hand = werk != WERK_GEEN, levend = werk == WERK_LEVEND;
     if (in_hand)
         j->leveranciers_in_hand.insert(plaats.leverancier);
     if (l.fd < 0) {
@@ -173,7 +202,7 @@ void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
         return j->per_bestand.push_back(std::move(b));
     }
     if (!IOLOCK('T', l.fd, 0, 1)) {
-        in_hand = true;
+        in_hand = levend = true;
         b.noten.push_back("in use by " + keur_proces(IOLOCKPID(l.fd, 0, 1)));
     }
     ordtelling telling;
@@ -185,7 +214,8 @@ void lees_journaal(const Plaats& plaats, const stamboek* stam, journalen* j) {
     j->bestanden++;
     Verwijzing boek{stam};
     orders_van(l.fd, plaats, in_hand, &boek, j);
-    (in_hand ? b.noten : b.kwalen) = std::move(kwalen);
+    std::vector<std::string>* naar = levend ? &b.noten : &b.kwalen;
+    naar->insert(naar->end(), kwalen.begin(), kwalen.end());
     if (!in_hand && SYSOMVANG(l.fd) == 0) {
         b.noten.push_back("empty; it goes when the supplier is chosen again");
         j->leeg.push_back({plaats.pad(), plaats.leverancier,
@@ -258,7 +288,7 @@ void lees_seizoen(const std::string& map, const stamboek* boek, journalen* j) {
     // A new order of a supplier without a journal has a work file alone until its commit.
     for (const std::string& naam : namen_in(map, ".WRK"))
         if (const Plaats plaats{map, naam, leverancier_van(naam)};
-            !gezien.contains(map + "/" + naam) && !werk_keur(plaats, &j->per_bestand))
+            !gezien.contains(map + "/" + naam) && werk_keur(plaats, &j->per_bestand) != WERK_GEEN)
             j->leveranciers_in_hand.insert(plaats.leverancier);
     for (const Nootsoort& soort : NOTEN)
         for (const std::string& naam : namen_in(map, soort.ext))
@@ -288,6 +318,7 @@ std::vector<std::string> werkresten(const std::string& seizoen) {
 
 journalen journalen_lees(const stamboek* boek) {
     journalen j;
+    registermodus = register_aanwezig();
     for (const std::string& map : keur_seizoenen())
         lees_seizoen(map, boek, &j);
     return j;

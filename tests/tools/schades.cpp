@@ -1,3 +1,4 @@
+#include "order/ordloop.h"
 #include "order/ordrec.h"
 #include "shared/iofil.h"
 #include "shared/iomaat.h"
@@ -6,6 +7,7 @@
 #include "tools/schade.h"
 #include "tools/shell.h"
 #include <algorithm>
+#include <fcntl.h>
 #include <grp.h>
 
 using namespace zg;
@@ -77,6 +79,26 @@ void wezen(const DemoMap& m) {
     schrijf(m, "DTEAN", code);
     const prijsset set{.serie = {4711, 1, 1}, .groep = -1};
     schrijf(m, "DTIPA", std::string(reinterpret_cast<const char*>(&set), sizeof set));
+}
+// The first order of a journal as it stands in a work file: with all five pieces of each text.
+std::string werkbestand(const std::string& jrn) {
+    const int fd = open(jrn.c_str(), O_RDONLY | O_CLOEXEC);
+    ordloop l;
+    ordrauw r;
+    std::string uit;
+    for (ordloop_begin(&l, fd, 0, INT64_MAX);
+         ordloop_volgende(&l, &r) == LOOP_RECORD && (r.tag != 'O' || uit.empty());) {
+        if (r.tag != 'T')
+            uit.append(reinterpret_cast<const char*>(r.data), r.lengte);
+        for (const char soort : std::string(r.tag == 'O'   ? "\1\2"
+                                            : r.tag == 'M' ? "\3"
+                                            : r.tag == 'D' ? "\4"
+                                                           : ""))
+            for (int i = 0; i < 5; i++)
+                uit += std::string{'T', soort} + std::string(60, '\0');
+    }
+    close(fd);
+    return uit;
 }
 // A block behind the others that is in no chain.
 void los_blok(const DemoMap& map, etiblok b) {
@@ -517,6 +539,27 @@ const std::vector<std::vector<Schade>> SAMEN = {
                 std::filesystem::remove(m.bestand("zebedi/ongeldig"));
                 rechten(m, "zebedi/pricat/save", 0755);
             }),
+    },
+    {
+        blijft("broken-off orders whose journal is gone, or another, or whose ACT tells nothing",
+               {"2016Z/ORD0014.WRK: a broken-off order that can't be restored (its journal is no longer",
+                "so keep a copy of 2016Z/ORD0014.WRK before",
+                "2016Z/ORD0015.WRK: a broken-off order that can't be restored (its journal is no longer",
+                "2016Z/ORD0015.JRN: at 878: ", "2016W/ORD0010.WRK: note: a broken-off order, restored",
+                "2016Z/ORD0011.WRK: a broken-off order that can't be restored (its ACT file doesn't"},
+               [](const DemoMap& m) {
+                   for (const auto& [stam, omvang] : Rijen<std::string, int32_t>{{"2016Z/ORD0014", 803},
+                                                                                 {"2016Z/ORD0015", 878},
+                                                                                 {"2016W/ORD0010", 2210},
+                                                                                 {"2016Z/ORD0011", -1}}) {
+                       const act_record act{0, -1, omvang, 1, {}};
+                       plak(m, (stam + ".WRK").c_str(), werkbestand(m.bestand(stam + ".JRN")));
+                       zet(m, (stam + ".ACT").c_str(), 0, act);
+                       rechten(m, (stam + ".WRK").c_str(), 0660), rechten(m, (stam + ".ACT").c_str(), 0660);
+                   }
+                   std::filesystem::remove(m.bestand("2016Z/ORD0014.JRN"));
+                   plak(m, "2016Z/ORD0015.JRN", lees_bestand(m.bestand("2016Z/ORD0015.JRN")) + "x");
+               }),
     },
 };
 
