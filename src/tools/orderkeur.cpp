@@ -1,10 +1,12 @@
 // The orders against the register, see tools/keurstand.h: their number records, the series and prices of their lines, and
 // the labels that name them.
+#include "shared/files.h"
 #include "shared/iotab.h"
 #include "shared/leesstam.h"
 #include "shared/sysrec.h"
 #include "store/ix.h"
 #include "sub/omserie.h"
+#include "term/strings.h"
 #include "tools/journaalkeur.h"
 #include "tools/keurstand.h"
 #include <algorithm>
@@ -178,12 +180,25 @@ void keur_lege(Keuring* k, journalen* j, const Nummers& nummers) {
     }
 }
 
+// A season of which there are numbers, and no directory: its orders are lost, or were taken away when it was over.
+void keur_zonder_map(Keuring* k, const Nummers& nummers) {
+    std::map<std::string, int64_t> weg;
+    for (const auto& [nr, rec] : nummers)
+        if (const std::string map = VORM("%04u%c", rec.jaar, rec.seizoen); !IOISDIR(map.c_str()))
+            weg[map]++;
+    for (const auto& [map, n] : weg)
+        k->jrn.kwalen.push_back(
+            map + ": its directory isn't there, and DTORDNR has " +
+            keur_aantal(n, n == 1 ? "number of an order of it" : "numbers of orders of it"));
+}
+
 } // namespace
 
 void keur_orders(Keuring* k) {
     const Nummers nummers = k->met.nummers ? lees_nummers() : Nummers{};
     journalen j = journalen_lees(nullptr);
     keur_lege(k, &j, nummers);
+    keur_zonder_map(k, nummers);
     k->journalen_stuk = !j.leveranciers_stuk.empty() || j.map_ongelezen;
     k->jrn.telling = keur_aantal(j.bestanden, "files, ") +
                      keur_aantal(static_cast<int64_t>(j.orders.size()), "orders, ") +

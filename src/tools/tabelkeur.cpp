@@ -5,18 +5,28 @@
 #include "term/macro/macrobestand.h"
 #include "term/strings.h"
 #include "term/vast.h"
+#include "tools/paar.h"
 #include "tools/restkeur.h"
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <set>
+#include <unistd.h>
 
 namespace zg {
 namespace {
 
-// Where the programs are told to look for a table; whoever runs the check often isn't told, and then it is found: here or in
-// a directory below.
-std::string plaats(const char* omgeving, const char* tabel) {
-    const auto hier = [tabel](const std::string& map) {
-        return IOEXISTS((map + tabel + ".TXT").c_str()) || IOEXISTS((map + tabel + ".INX").c_str());
+const std::vector<std::string> PRINTERS{"TR_PTRG", "TR_PTRC", "TR_PTRP", "TR_PTRCA"};
+
+bool is_er(const std::string& tabel) {
+    return IOEXISTS((tabel + ".TXT").c_str()) || IOEXISTS((tabel + ".INX").c_str());
+}
+
+// Where the programs are told to look for tables; whoever runs the check often isn't told, and then they are found: here or
+// in a directory below.
+std::string plaats(const char* omgeving, const std::vector<std::string>& tabellen) {
+    const auto hier = [&](const std::string& map) {
+        return std::ranges::any_of(tabellen, [&](const std::string& t) { return is_er(map + t); });
     };
     if (const char* map = getenv(omgeving); map && *map)
         return std::string(map) + "/";
@@ -27,10 +37,26 @@ std::string plaats(const char* omgeving, const char* tabel) {
     return "";
 }
 std::string drukmap() {
-    return plaats("ZEBPRT", "TR_PTRG");
+    return plaats("ZEBPRT", PRINTERS);
 }
 std::string macropaar() {
-    return plaats("MACRO", "MACRO") + "MACRO";
+    return plaats("MACRO", {"MACRO"}) + "MACRO";
+}
+
+// Directories in which tables may stand, and that whoever runs the check can't look into.
+keurbestanden dichte_mappen() {
+    std::vector<std::string> namen;
+    for (const std::string& naam : keur_namen("."))
+        if (naam[0] != '.' && naam != "lost+found" && !keur_past("####@", naam)) // a season's is told
+            namen.push_back(naam);
+    for (const char* omgeving : {"ZEBPRT", "MACRO"})
+        if (const char* map = getenv(omgeving); map && *map)
+            namen.push_back(map);
+    keurbestanden uit;
+    for (const std::string& naam : namen)
+        if (IOISDIR(naam.c_str()) && access(naam.c_str(), R_OK | X_OK) != 0)
+            uit.push_back({naam, "", {"can't be read: " + openreden(errno)}});
+    return uit;
 }
 
 struct Drukboek {
@@ -57,6 +83,12 @@ keurbestanden printers() {
     Drukboek boek;
     keurbestand g{map + "TR_PTRG", ""}, c{map + "TR_PTRC", ""}, p{map + "TR_PTRP", ""},
         ca{map + "TR_PTRCA", ""};
+    if (std::ranges::any_of(PRINTERS, [&](const std::string& t) { return is_er(map + t); }) &&
+        !is_er(g.naam)) {
+        g.noten.push_back(
+            "isn't there, though the other tables of printers are: they are of no use without it");
+        return {g};
+    }
     if (!IOEXISTS((g.naam + ".TXT").c_str()))
         return {};
     std::set<std::string> namen;
@@ -107,16 +139,19 @@ keurbestanden macros() {
 std::vector<std::string> tabel_paren() {
     std::vector<std::string> uit;
     const std::string map = drukmap();
-    for (const std::string& naam :
-         {map + "TR_PTRG", map + "TR_PTRC", map + "TR_PTRP", map + "TR_PTRCA", macropaar()})
-        if (IOEXISTS((naam + ".TXT").c_str()) || IOEXISTS((naam + ".INX").c_str()))
-            uit.push_back(naam);
+    for (const std::string& tabel : PRINTERS)
+        if (is_er(map + tabel))
+            uit.push_back(map + tabel);
+    if (is_er(macropaar()))
+        uit.push_back(macropaar());
     return uit;
 }
 
 keurbestanden tabel_keur() {
     keurbestanden uit = printers();
     for (keurbestand& b : macros())
+        uit.push_back(std::move(b));
+    for (keurbestand& b : dichte_mappen())
         uit.push_back(std::move(b));
     return uit;
 }

@@ -560,6 +560,13 @@ const std::vector<std::vector<Schade>> SAMEN = {
                    std::filesystem::remove(m.bestand("2016Z/ORD0014.JRN"));
                    plak(m, "2016Z/ORD0015.JRN", lees_bestand(m.bestand("2016Z/ORD0015.JRN")) + "x");
                }),
+        blijft("a season's directory, and the table that the other tables of printers lean on, gone",
+               {"journals: 0000Z: its directory isn't there, and DTORDNR has 1 number",
+                "print/TR_PTRG: note: isn't there, though the other tables", "print/TR_PTRC: good"},
+               [](const DemoMap& m) {
+                   std::filesystem::remove_all(m.bestand("0000Z"));
+                   zonder({"print/TR_PTRG.TXT", "print/TR_PTRG.INX"})(m);
+               }),
     },
 };
 

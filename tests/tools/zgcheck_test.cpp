@@ -158,10 +158,11 @@ TEST(Zgcheck, BesidePeople) {
     sh("chmod -R a+rX" + hier);
     als_gast("zgcheck" + hier, 0, {"DTLEV: good"});
     // What he has no right to read is told at its file, and proves nothing of others.
-    sh("chmod 0 " + map.bestand("2016Z/ORD0012.JRN") + " " + map.bestand("DTLEV.TXT"));
+    sh("chmod 0 " + map.bestand("2016Z/ORD0012.JRN") + " " + map.bestand("DTLEV.TXT") + " " +
+       map.bestand("print"));
     als_gast("zgcheck" + hier, 1,
              {"ORD0012.JRN: can't be read: no permission", "DTLEV: DTLEV.TXT can't be read: no permission",
-              "DTORDNR: good", "DTMERK: good"});
+              "DTORDNR: good", "DTMERK: good", "print: can't be read: no permission"});
     sh("chmod -R a+rwX" + hier + "; chmod 0444 " + map.bestand("DTSER.TXT"));
     als_gast("zgcheck -r" + hier, 1,
              {"repair: DTSER can't be written; ", "DTSER.TXT: mode 0444", "DTEAN: good"});
