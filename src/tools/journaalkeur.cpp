@@ -133,7 +133,16 @@ void orders_van(int fd, const Plaats& plaats, bool in_hand, Verwijzing* boek, jo
 
 enum Werkstand { WERK_GEEN, WERK_DOOD, WERK_LEVEND }; // of nobody that is alive, or of a program
 
-// Why the program won't restore a broken-off order, empty when it will.
+// The program stops where it can't read; the check goes on, and tells that of the file.
+bool leesbaar(int fd) {
+    std::vector<uint8_t> stuk(LOOPBLOK);
+    ssize_t n;
+    for (int64_t p = 0; (n = SYSLEES(fd, stuk.data(), stuk.size(), p)) > 0;)
+        p += n;
+    return n == 0;
+}
+
+// Why the program won't restore a broken-off order, empty when it will, or when that can't be told.
 std::string geen_herstel(int wrk, const Plaats& plaats) {
     const keurlezer a(plaats.naast(".ACT")), jrn(naam_er(plaats.pad()) ? plaats.pad() : "/dev/null");
     act_record act;
@@ -145,7 +154,8 @@ std::string geen_herstel(int wrk, const Plaats& plaats) {
     int32_t regels;
     uint8_t status;
     bool zonder;
-    if (jrn.fd < 0 || herstel_kan(wrk, jrn.fd, act, &regels, &status, &zonder) != HERSTEL_NIET)
+    if (jrn.fd < 0 || !leesbaar(jrn.fd) || !leesbaar(wrk) ||
+        herstel_kan(wrk, jrn.fd, act, &regels, &status, &zonder) != HERSTEL_NIET)
         return "";
     return VORM("its journal is no longer the one that it was made from: %lld bytes, %d then",
                 static_cast<long long>(SYSOMVANG(jrn.fd)), act.omvang);
