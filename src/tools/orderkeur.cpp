@@ -187,7 +187,7 @@ void keur_zonder_map(Keuring* k, const Nummers& nummers) {
         if (const std::string map = VORM("%04u%c", rec.jaar, rec.seizoen); !IOISDIR(map.c_str()))
             weg[map]++;
     for (const auto& [map, n] : weg)
-        k->jrn.kwalen.push_back(
+        k->jrn.noten.push_back(
             map + ": its directory isn't there, and DTORDNR has " +
             keur_aantal(n, n == 1 ? "number of an order of it" : "numbers of orders of it"));
 }

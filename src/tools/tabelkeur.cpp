@@ -45,17 +45,17 @@ std::string macropaar() {
 
 // Directories in which tables may stand, and that whoever runs the check can't look into.
 keurbestanden dichte_mappen() {
-    std::vector<std::string> namen;
-    for (const std::string& naam : keur_namen("."))
+    keurbestanden uit;
+    const auto kijk = [&uit](const std::string& naam, std::vector<std::string> keurbestand::*waar) {
+        if (IOISDIR(naam.c_str()) && access(naam.c_str(), R_OK | X_OK) != 0)
+            (uit.emplace_back(naam, "").*waar).push_back("can't be read: " + openreden(errno));
+    };
+    for (const std::string& naam : keur_namen("."))                              // may be somebody's own
         if (naam[0] != '.' && naam != "lost+found" && !keur_past("####@", naam)) // a season's is told
-            namen.push_back(naam);
+            kijk(naam, &keurbestand::noten);
     for (const char* omgeving : {"ZEBPRT", "MACRO"})
         if (const char* map = getenv(omgeving); map && *map)
-            namen.push_back(map);
-    keurbestanden uit;
-    for (const std::string& naam : namen)
-        if (IOISDIR(naam.c_str()) && access(naam.c_str(), R_OK | X_OK) != 0)
-            uit.push_back({naam, "", {"can't be read: " + openreden(errno)}});
+            kijk(map, &keurbestand::kwalen);
     return uit;
 }
 

@@ -541,12 +541,16 @@ const std::vector<std::vector<Schade>> SAMEN = {
             }),
     },
     {
-        blijft("broken-off orders whose journal is gone, or another, or whose ACT tells nothing",
+        blijft("broken-off orders whose journal is gone, or another, or whose ACT tells nothing; a season "
+               "that is gone, and "
+               "the table that the other tables of printers lean on",
                {"2016Z/ORD0014.WRK: a broken-off order that can't be restored (its journal is no longer",
                 "so keep a copy of 2016Z/ORD0014.WRK before",
                 "2016Z/ORD0015.WRK: a broken-off order that can't be restored (its journal is no longer",
                 "2016Z/ORD0015.JRN: at 878: ", "2016W/ORD0010.WRK: note: a broken-off order, restored",
-                "2016Z/ORD0011.WRK: a broken-off order that can't be restored (its ACT file doesn't"},
+                "2016Z/ORD0011.WRK: a broken-off order that can't be restored (its ACT file doesn't",
+                "journals: note: 0000Z: its directory isn't there, and DTORDNR has 1 number",
+                "print/TR_PTRG: note: isn't there, though the other tables", "print/TR_PTRC: good"},
                [](const DemoMap& m) {
                    for (const auto& [stam, omvang] : Rijen<std::string, int32_t>{{"2016Z/ORD0014", 803},
                                                                                  {"2016Z/ORD0015", 878},
@@ -559,11 +563,6 @@ const std::vector<std::vector<Schade>> SAMEN = {
                    }
                    std::filesystem::remove(m.bestand("2016Z/ORD0014.JRN"));
                    plak(m, "2016Z/ORD0015.JRN", lees_bestand(m.bestand("2016Z/ORD0015.JRN")) + "x");
-               }),
-        blijft("a season's directory, and the table that the other tables of printers lean on, gone",
-               {"journals: 0000Z: its directory isn't there, and DTORDNR has 1 number",
-                "print/TR_PTRG: note: isn't there, though the other tables", "print/TR_PTRC: good"},
-               [](const DemoMap& m) {
                    std::filesystem::remove_all(m.bestand("0000Z"));
                    zonder({"print/TR_PTRG.TXT", "print/TR_PTRG.INX"})(m);
                }),

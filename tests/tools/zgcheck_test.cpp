@@ -162,7 +162,7 @@ TEST(Zgcheck, BesidePeople) {
        map.bestand("print"));
     als_gast("zgcheck" + hier, 1,
              {"ORD0012.JRN: can't be read: no permission", "DTLEV: DTLEV.TXT can't be read: no permission",
-              "DTORDNR: good", "DTMERK: good", "print: can't be read: no permission"});
+              "DTORDNR: good", "DTMERK: good", "print: note: can't be read: no permission"});
     sh("chmod -R a+rwX" + hier + "; chmod 0444 " + map.bestand("DTSER.TXT"));
     als_gast("zgcheck -r" + hier, 1,
              {"repair: DTSER can't be written; ", "DTSER.TXT: mode 0444", "DTEAN: good"});
